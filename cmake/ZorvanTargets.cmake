@@ -1,0 +1,126 @@
+# How the project's targets are made: libraries, tests, benchmarks and fuzz targets.
+
+add_library(zorvan_build_flags INTERFACE)
+target_compile_options(zorvan_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion
+                                                    $<$<BOOL:${ZORVAN_WERROR}>:-Werror>)
+if(ZORVAN_SANITIZE)
+  target_compile_options(zorvan_build_flags INTERFACE -fsanitize=${ZORVAN_SANITIZE}
+                                                      -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(zorvan_build_flags INTERFACE -fsanitize=${ZORVAN_SANITIZE})
+endif()
+
+# zorvan_add_folders(<folder>...): adds each folder below the root.
+macro(zorvan_add_folders)
+  foreach(folder ${ARGN})
+    if(EXISTS ${PROJECT_SOURCE_DIR}/${folder}/CMakeLists.txt)
+      add_subdirectory(${PROJECT_SOURCE_DIR}/${folder})
+    endif()
+  endforeach()
+endmacro()
+
+# zorvan_library(<Component> SOURCES <file>... [USES <Component>...] [NEEDS <pkg-config module>...])
+#
+# Makes the shared library Zorvan::<Component>. USES names the components of this library that its
+# headers include; NEEDS names third-party modules, which stay private to the .cpp files.
+function(zorvan_library component)
+  cmake_parse_arguments(arg "" "" "SOURCES;USES;NEEDS" ${ARGN})
+  string(REGEX REPLACE "([a-z])([A-Z])" "\\1-\\2" dashed ${component})
+  string(TOLOWER zorvan-${dashed} library)
+  add_library(${component} SHARED ${arg_SOURCES})
+  add_library(Zorvan::${component} ALIAS ${component})
+  set_target_properties(${component} PROPERTIES
+    OUTPUT_NAME ${library} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    INSTALL_RPATH "$ORIGIN")
+  target_compile_features(${component} PUBLIC cxx_std_20)
+  target_include_directories(${component} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  list(TRANSFORM arg_USES PREPEND Zorvan:: OUTPUT_VARIABLE used)
+  target_link_libraries(${component} PUBLIC ${used}
+                        PRIVATE $<BUILD_INTERFACE:zorvan_build_flags> Threads::Threads)
+  foreach(module ${arg_NEEDS})
+    string(MAKE_C_IDENTIFIER ${module} name)
+    pkg_check_modules(${name} REQUIRED IMPORTED_TARGET ${module})
+    target_link_libraries(${component} PRIVATE PkgConfig::${name})
+  endforeach()
+  install(TARGETS ${component} EXPORT ZorvanTargets)
+  zorvan_write_pkg_config(${library} "${arg_USES}")
+  set_property(GLOBAL APPEND PROPERTY ZORVAN_COMPONENTS ${component})
+endfunction()
+
+function(zorvan_write_pkg_config library uses)
+  set(required "")
+  foreach(component ${uses})
+    string(REGEX REPLACE "([a-z])([A-Z])" "\\1-\\2" dashed ${component})
+    string(TOLOWER zorvan-${dashed} name)
+    list(APPEND required ${name})
+  endforeach()
+  list(JOIN required " " ZORVAN_PC_REQUIRES)
+  set(ZORVAN_PC_NAME ${library})
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/zorvan.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${library}.pc
+          DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+
+# zorvan_finish_library(): Zorvan::Zorvan, which stands for every component, and the package files.
+function(zorvan_finish_library)
+  get_property(components GLOBAL PROPERTY ZORVAN_COMPONENTS)
+  add_library(Zorvan INTERFACE)
+  add_library(Zorvan::Zorvan ALIAS Zorvan)
+  target_link_libraries(Zorvan INTERFACE ${components})
+  install(TARGETS Zorvan EXPORT ZorvanTargets)
+  include(CMakePackageConfigHelpers)
+  configure_package_config_file(
+    ${PROJECT_SOURCE_DIR}/cmake/ZorvanConfig.cmake.in ${PROJECT_BINARY_DIR}/ZorvanConfig.cmake
+    INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zorvan)
+  write_basic_package_version_file(${PROJECT_BINARY_DIR}/ZorvanConfigVersion.cmake
+                                   COMPATIBILITY SameMinorVersion)
+  install(EXPORT ZorvanTargets NAMESPACE Zorvan:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zorvan)
+  install(FILES ${PROJECT_BINARY_DIR}/ZorvanConfig.cmake ${PROJECT_BINARY_DIR}/ZorvanConfigVersion.cmake
+          DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zorvan)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/zorvan DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+          FILES_MATCHING PATTERN "*.h" PATTERN internal EXCLUDE)
+  set(ZORVAN_PC_NAME zorvan)
+  foreach(component ${components})
+    string(REGEX REPLACE "([a-z])([A-Z])" "\\1-\\2" dashed ${component})
+    string(TOLOWER zorvan-${dashed} name)
+    list(APPEND names ${name})
+  endforeach()
+  list(JOIN names " " ZORVAN_PC_REQUIRES)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/zorvan-all.pc.in ${PROJECT_BINARY_DIR}/zorvan.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/zorvan.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+
+# zorvan_test(<name> SOURCES <file>... USES <Component>... [NEEDS <pkg-config module>...])
+function(zorvan_test name)
+  cmake_parse_arguments(arg "" "" "SOURCES;USES;NEEDS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  zorvan_link_program(${name} GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()
+
+# zorvan_bench(<name> SOURCES <file>... USES <Component>... [NEEDS <pkg-config module of a peer>...])
+function(zorvan_bench name)
+  cmake_parse_arguments(arg "" "" "SOURCES;USES;NEEDS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  zorvan_link_program(${name} benchmark::benchmark)
+endfunction()
+
+# zorvan_fuzz(<name> SOURCES <file>... USES <Component>...): a libFuzzer program.
+function(zorvan_fuzz name)
+  cmake_parse_arguments(arg "" "" "SOURCES;USES;NEEDS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  zorvan_link_program(${name})
+  target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/fuzzers)
+endfunction()
+
+macro(zorvan_link_program name)
+  list(TRANSFORM arg_USES PREPEND Zorvan:: OUTPUT_VARIABLE used)
+  target_link_libraries(${name} PRIVATE zorvan_build_flags ${used} Threads::Threads ${ARGN})
+  foreach(module ${arg_NEEDS})
+    string(MAKE_C_IDENTIFIER ${module} module_name)
+    pkg_check_modules(${module_name} REQUIRED IMPORTED_TARGET ${module})
+    target_link_libraries(${name} PRIVATE PkgConfig::${module_name})
+  endforeach()
+endmacro()

@@ -1,0 +1,33 @@
+#include <zorvan/platform/foundation/NSNumber.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+using namespace zorvan;
+
+TEST(NSNumber, clampsRealsOutsideTheIntegerRange) {
+    struct {
+        double real;
+        std::int64_t integer;
+    } table[] = {
+        {2.9, 2},
+        {-2.9, -2},
+        {9223372036854775808.0, std::numeric_limits<std::int64_t>::max()},
+        {-9223372036854775808.0, std::numeric_limits<std::int64_t>::min()},
+        {-1e300, std::numeric_limits<std::int64_t>::min()},
+        {INFINITY, std::numeric_limits<std::int64_t>::max()},
+        {NAN, 0},
+    };
+    for (const auto& row : table)
+        EXPECT_EQ(NSNumber(row.real).int64Value(), row.integer) << row.real;
+}
+
+TEST(NSNumber, comparesByValueAcrossKinds) {
+    EXPECT_EQ(NSNumber(true), NSNumber(1));
+    EXPECT_EQ(NSNumber(1), NSNumber(1.0));
+    EXPECT_NE(NSNumber(1), NSNumber(1.5));
+    // Two integers that share their nearest double are still different numbers.
+    EXPECT_NE(NSNumber(std::int64_t{9007199254740993}), NSNumber(std::int64_t{9007199254740992}));
+}

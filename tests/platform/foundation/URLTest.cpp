@@ -1,0 +1,65 @@
+#include <zorvan/platform/foundation/URL.h>
+
+#include <gtest/gtest.h>
+
+using namespace zorvan;
+
+namespace {
+URL file(std::string path) { return URL({.fileURLWithPath = std::move(path)}); }
+} // namespace
+
+TEST(URL, foldsPaths) {
+    struct {
+        const char *given, *path;
+    } table[] = {
+        {"/a/b", "/a/b"}, {"/a//b/", "/a/b"}, {"/a/./b/../c", "/a/c"}, {"/", "/"},
+        {"//a", "/a"},    {"///", "/"},       {"/..", "/"},
+    };
+    for (const auto& row : table)
+        EXPECT_EQ(file(row.given).path(), row.path) << row.given;
+    EXPECT_TRUE(file("relative").path().starts_with('/'));
+}
+
+TEST(URL, namesItsParts) {
+    struct {
+        const char *path, *last, *extension, *withoutExtension, *parent;
+    } table[] = {
+        {"/a/b.txt", "b.txt", "txt", "/a/b", "/a"},
+        {"/a/b.tar.gz", "b.tar.gz", "gz", "/a/b.tar", "/a"},
+        {"/a/.git", ".git", "", "/a/.git", "/a"},
+        {"/a/b.", "b.", "", "/a/b.", "/a"},
+        {"/a.d/b", "b", "", "/a.d/b", "/a.d"},
+        {"/a", "a", "", "/a", "/"},
+        {"/", "/", "", "/", "/"},
+    };
+    for (const auto& row : table) {
+        const URL url = file(row.path);
+        EXPECT_EQ(url.lastPathComponent(), row.last) << row.path;
+        EXPECT_EQ(url.pathExtension(), row.extension) << row.path;
+        EXPECT_EQ(url.deletingPathExtension().path(), row.withoutExtension) << row.path;
+        EXPECT_EQ(url.deletingLastPathComponent().path(), row.parent) << row.path;
+    }
+    EXPECT_EQ(file("/a/b").pathComponents(), (std::vector<std::string>{"/", "a", "b"}));
+    EXPECT_EQ(file("/a").appendingPathComponent("b").appendingPathExtension("c").path(), "/a/b.c");
+}
+
+TEST(URL, escapesAndReadsBack) {
+    const URL url = file("/tmp/caf\xC3\xA9 100% #1?.txt");
+    EXPECT_EQ(url.absoluteString(), "file:///tmp/caf%C3%A9%20100%25%20%231%3F.txt");
+    EXPECT_EQ(URL::make({.string = url.absoluteString()}), url);
+    EXPECT_EQ(URL::make({.string = "file://localhost/a"}), file("/a"));
+}
+
+TEST(URL, refusesWhatIsNoURL) {
+    for (const char* text : {"", "nothing", "/a/b", "1http://a", "file:///a%zz", "file:///a%2",
+                             "file:///a%00b", "file://elsewhere/a", "file:a"})
+        EXPECT_FALSE(URL::make({.string = text})) << text;
+}
+
+TEST(URL, keepsTheRestOfOtherSchemes) {
+    const auto url = URL::make({.string = "https://a.org/x/y.html?q=1#top"});
+    ASSERT_TRUE(url);
+    EXPECT_FALSE(url->isFileURL());
+    EXPECT_EQ(url->path(), "/x/y.html");
+    EXPECT_EQ(url->deletingPathExtension().absoluteString(), "https://a.org/x/y?q=1#top");
+}

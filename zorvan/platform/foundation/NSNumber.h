@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <variant>
+
+namespace zorvan {
+
+/// A boxed number: a truth value, a signed 64-bit integer or a 64-bit real, which remembers which of
+/// them it was made from.
+class NSNumber {
+public:
+    constexpr NSNumber(bool value) noexcept : value_(value) {}
+    constexpr NSNumber(int value) noexcept : value_(std::int64_t{value}) {}
+    constexpr NSNumber(std::int64_t value) noexcept : value_(value) {}
+    constexpr NSNumber(double value) noexcept : value_(value) {}
+    constexpr NSNumber(float value) noexcept : value_(double{value}) {}
+
+    constexpr bool isBool() const noexcept { return std::holds_alternative<bool>(value_); }
+    constexpr bool isInteger() const noexcept {
+        return std::holds_alternative<std::int64_t>(value_);
+    }
+    constexpr bool isReal() const noexcept { return std::holds_alternative<double>(value_); }
+
+    /// False for zero, true for everything else.
+    constexpr bool boolValue() const noexcept {
+        return std::visit([](auto v) { return v != decltype(v){}; }, value_);
+    }
+
+    constexpr double doubleValue() const noexcept {
+        return std::visit([](auto v) { return static_cast<double>(v); }, value_);
+    }
+
+    constexpr float floatValue() const noexcept { return static_cast<float>(doubleValue()); }
+
+    /// A real is truncated toward zero; one outside the signed 64-bit range becomes the nearest end
+    /// of it, and NaN becomes 0.
+    constexpr std::int64_t int64Value() const noexcept {
+        if (const double* real = std::get_if<double>(&value_))
+            return truncated(*real);
+        if (const bool* truth = std::get_if<bool>(&value_))
+            return *truth ? 1 : 0;
+        return std::get<std::int64_t>(value_);
+    }
+
+    /// Equal in value, whatever they were made from: `NSNumber(true) == NSNumber(1.0)`.
+    friend constexpr bool operator==(const NSNumber& a, const NSNumber& b) noexcept {
+        if (a.isReal() || b.isReal())
+            return a.doubleValue() == b.doubleValue();
+        return a.int64Value() == b.int64Value();
+    }
+
+private:
+    static constexpr std::int64_t truncated(double real) noexcept {
+        constexpr double limit = 9223372036854775808.0; // 2^63
+        if (real != real)
+            return 0;
+        if (real >= limit)
+            return std::numeric_limits<std::int64_t>::max();
+        if (real < -limit)
+            return std::numeric_limits<std::int64_t>::min();
+        return static_cast<std::int64_t>(real);
+    }
+
+    std::variant<bool, std::int64_t, double> value_;
+};
+
+} // namespace zorvan

@@ -1,0 +1,203 @@
+#include <zorvan/platform/foundation/URL.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <system_error>
+
+namespace zorvan {
+
+namespace {
+
+std::string normalised(const std::string& path) {
+    std::filesystem::path full(path);
+    if (full.is_relative()) {
+        std::error_code ignored;
+        full = std::filesystem::current_path(ignored) / full;
+    }
+    std::string text = full.lexically_normal().string();
+    while (text.size() > 1 && text.back() == '/')
+        text.pop_back();
+    // POSIX lets "//name" mean something else than "/name"; here it does not.
+    if (text.starts_with("//"))
+        text.erase(0, text.find_first_not_of('/') == std::string::npos
+                          ? text.size() - 1
+                          : text.find_first_not_of('/') - 1);
+    return text;
+}
+
+bool isSchemeCharacter(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '+' || c == '-' || c == '.';
+}
+
+/// The length of "scheme" in "scheme:rest", or 0.
+std::size_t schemeLength(std::string_view text) {
+    const std::size_t colon = text.find(':');
+    if (colon == std::string_view::npos || colon == 0 ||
+        !std::isalpha(static_cast<unsigned char>(text[0])))
+        return 0;
+    return std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(colon),
+                       isSchemeCharacter)
+               ? colon
+               : 0;
+}
+
+int hexDigit(char c) {
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    const char lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+std::optional<std::string> unescaped(std::string_view text) {
+    std::string bytes;
+    bytes.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char c = text[i];
+        if (c == '%') {
+            if (text.size() - i < 3 || hexDigit(text[i + 1]) < 0 || hexDigit(text[i + 2]) < 0)
+                return std::nullopt;
+            c = static_cast<char>(hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2]));
+            i += 2;
+        }
+        if (c == '\0')
+            return std::nullopt;
+        bytes += c;
+    }
+    return bytes;
+}
+
+std::string escaped(std::string_view path) {
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string text;
+    text.reserve(path.size());
+    for (const char c : path) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool plain = byte < 0x80 && (std::isalnum(byte) || std::string_view("-._~/").find(c) !=
+                                                                     std::string_view::npos);
+        if (plain) {
+            text += c;
+        } else {
+            text += '%';
+            text += digits[byte >> 4];
+            text += digits[byte & 15];
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+URL::URL(FilePath argument)
+    : path_(normalised(std::move(argument.fileURLWithPath.value))), isFile_(true) {}
+
+std::optional<URL> URL::make(Text argument) {
+    const std::string text = std::move(argument.string.value);
+    const std::size_t scheme = schemeLength(text);
+    if (scheme == 0)
+        return std::nullopt;
+
+    URL url;
+    std::size_t pathStart = scheme + 1;
+    if (text.compare(pathStart, 2, "//") == 0)
+        pathStart = std::min(text.find_first_of("/?#", pathStart + 2), text.size());
+    const std::size_t pathEnd = std::min(text.find_first_of("?#", pathStart), text.size());
+    url.prefix_ = text.substr(0, pathStart);
+    url.path_ = text.substr(pathStart, pathEnd - pathStart);
+    url.suffix_ = text.substr(pathEnd);
+
+    std::string lower = url.prefix_;
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    if (!lower.starts_with("file:"))
+        return url;
+    if (lower != "file:" && lower != "file://" && lower != "file://localhost")
+        return std::nullopt;
+    const std::optional<std::string> path = unescaped(url.path_);
+    if (!path || !path->starts_with('/'))
+        return std::nullopt;
+    return URL({.fileURLWithPath = *path});
+}
+
+std::string URL::absoluteString() const {
+    return isFile_ ? "file://" + escaped(path_) : prefix_ + path_ + suffix_;
+}
+
+std::string_view URL::lastPathComponent() const noexcept {
+    std::string_view path = path_;
+    while (path.size() > 1 && path.back() == '/')
+        path.remove_suffix(1);
+    if (path == "/")
+        return path;
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string_view::npos ? path : path.substr(slash + 1);
+}
+
+std::string_view URL::pathExtension() const noexcept {
+    const std::string_view name = lastPathComponent();
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos || dot == 0 || name.find_first_not_of('.') > dot)
+        return {};
+    return name.substr(dot + 1);
+}
+
+std::vector<std::string> URL::pathComponents() const {
+    std::vector<std::string> components;
+    std::string_view rest = path_;
+    if (rest.starts_with('/'))
+        components.emplace_back("/");
+    while (!rest.empty()) {
+        const std::size_t slash = std::min(rest.find('/'), rest.size());
+        if (slash > 0)
+            components.emplace_back(rest.substr(0, slash));
+        rest.remove_prefix(std::min(slash + 1, rest.size()));
+    }
+    return components;
+}
+
+URL URL::withPath(std::string path) const {
+    URL copy(*this);
+    copy.path_ = std::move(path);
+    return copy;
+}
+
+URL URL::deletingPathExtension() const {
+    const std::string_view extension = pathExtension();
+    if (extension.empty())
+        return *this;
+    return withPath(path_.substr(0, static_cast<std::size_t>(extension.data() - path_.data()) - 1));
+}
+
+URL URL::appendingPathExtension(std::string_view extension) const {
+    return extension.empty() ? *this : withPath(path_ + '.' + std::string(extension));
+}
+
+URL URL::deletingLastPathComponent() const {
+    const std::string_view last = lastPathComponent();
+    if (last.empty() || last == "/")
+        return *this;
+    std::string parent = path_.substr(0, static_cast<std::size_t>(last.data() - path_.data()));
+    while (parent.size() > 1 && parent.back() == '/')
+        parent.pop_back();
+    return withPath(std::move(parent));
+}
+
+URL URL::appendingPathComponent(std::string_view component) const {
+    if (component.empty())
+        return *this;
+    std::string path = path_;
+    if (!path.ends_with('/'))
+        path += '/';
+    path += component;
+    return isFile_ ? URL({.fileURLWithPath = std::move(path)}) : withPath(std::move(path));
+}
+
+URL URL::resolvingSymlinksInPath() const {
+    if (!isFile_)
+        return *this;
+    std::error_code error;
+    const std::filesystem::path resolved = std::filesystem::weakly_canonical(path_, error);
+    return error ? *this : URL({.fileURLWithPath = resolved.string()});
+}
+
+} // namespace zorvan

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <zorvan/platform/foundation/Required.h>
+
+#include <compare>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zorvan {
+
+/// The address of a file, or of anything else.
+///
+/// A file URL keeps its path as plain bytes, exactly as the file system has them; every other URL
+/// keeps its text. Operations on components work on the path of either.
+class URL {
+public:
+    struct FilePath {
+        Required<std::string> fileURLWithPath;
+    };
+    struct Text {
+        Required<std::string> string;
+    };
+
+    /// The file URL of a path. A relative path is taken from the current directory; "." and ".."
+    /// components and doubled slashes are folded without looking at the file system; a trailing
+    /// slash is dropped (except in "/").
+    URL(FilePath argument);
+
+    /// Parses "scheme:rest". A "file:" URL has its percent escapes decoded. Absent when there is no
+    /// scheme, or when a file URL holds a broken escape, a NUL, or another host than "localhost".
+    static std::optional<URL> make(Text argument);
+
+    bool isFileURL() const noexcept { return isFile_; }
+
+    /// The path: of a file URL as the file system has it, of any other the text between the
+    /// authority and "?" or "#", still escaped.
+    const std::string& path() const noexcept { return path_; }
+
+    /// The whole URL; a file URL has every byte outside the unreserved characters and "/" escaped.
+    std::string absoluteString() const;
+
+    /// The last component, "/" for the root, empty when there is no path.
+    std::string_view lastPathComponent() const noexcept;
+
+    /// What follows the last dot of the last component; empty when the dot begins the name (".git"),
+    /// ends it, or is missing.
+    std::string_view pathExtension() const noexcept;
+
+    /// "/", then each component: "/a/b" gives "/", "a", "b".
+    std::vector<std::string> pathComponents() const;
+
+    URL deletingPathExtension() const;
+    /// The extension appended after a dot; unchanged when it is empty.
+    URL appendingPathExtension(std::string_view extension) const;
+    URL deletingLastPathComponent() const;
+    URL appendingPathComponent(std::string_view component) const;
+
+    /// With every symbolic link of an existing path followed; a component that does not exist, and
+    /// what comes after it, is kept as it is. Unchanged for a URL that is not a file's.
+    URL resolvingSymlinksInPath() const;
+
+    friend bool operator==(const URL&, const URL&) = default;
+    friend std::strong_ordering operator<=>(const URL&, const URL&) = default;
+
+private:
+    URL() = default;
+    URL withPath(std::string path) const;
+
+    std::string prefix_; // what stands before the path; empty for a file
+    std::string path_;
+    std::string suffix_; // "?query#fragment"
+    bool isFile_ = false;
+};
+
+} // namespace zorvan

@@ -1,0 +1,29 @@
+#include <zorvan/platform/foundation/UUID.h>
+
+#include <zorvan/platform/foundation/fatalError.h>
+
+#include <array>
+#include <sys/random.h>
+
+namespace zorvan {
+
+std::string makeUUIDString() {
+    std::array<unsigned char, 16> bytes{};
+    if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size()))
+        fatalError("The kernel gives no random bytes.");
+    bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40); // version 4
+    bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80); // RFC 4122 variant
+
+    constexpr char digits[] = "0123456789ABCDEF";
+    std::string text;
+    text.reserve(36);
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10)
+            text += '-';
+        text += digits[bytes[i] >> 4];
+        text += digits[bytes[i] & 15];
+    }
+    return text;
+}
+
+} // namespace zorvan
