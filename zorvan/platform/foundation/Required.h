@@ -16,6 +16,10 @@ struct Required {
     template <class... Arguments>
         requires(sizeof...(Arguments) > 0 && std::constructible_from<T, Arguments...>)
     constexpr Required(Arguments&&... arguments) : value(std::forward<Arguments>(arguments)...) {}
+    /// An integer for a real, which -Wconversion would otherwise report from in here.
+    template <std::integral Integer>
+        requires std::floating_point<T>
+    constexpr Required(Integer integer) : value(static_cast<T>(integer)) {}
 
     constexpr operator const T&() const noexcept { return value; }
 };

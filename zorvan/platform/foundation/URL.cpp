@@ -9,8 +9,24 @@ namespace zorvan {
 
 namespace {
 
-std::string normalised(const std::string& path) {
-    std::filesystem::path full(path);
+/// Whether the path is absolute and has nothing to fold: no empty, "." or ".." component.
+bool isFolded(std::string_view path) {
+    if (!path.starts_with('/'))
+        return false;
+    for (std::size_t slash = 0; slash != std::string_view::npos;) {
+        const std::size_t next = path.find('/', slash + 1);
+        const std::string_view component = path.substr(slash + 1, next - slash - 1);
+        if (component.empty() || component == "." || component == "..")
+            return false;
+        slash = next;
+    }
+    return true;
+}
+
+std::string normalised(std::string path) {
+    if (isFolded(path))
+        return path;
+    std::filesystem::path full(std::move(path));
     if (full.is_relative()) {
         std::error_code ignored;
         full = std::filesystem::current_path(ignored) / full;
@@ -73,8 +89,9 @@ std::string escaped(std::string_view path) {
     text.reserve(path.size());
     for (const char c : path) {
         const auto byte = static_cast<unsigned char>(c);
-        const bool plain = byte < 0x80 && (std::isalnum(byte) || std::string_view("-._~/").find(c) !=
-                                                                     std::string_view::npos);
+        const bool plain =
+            byte < 0x80 &&
+            (std::isalnum(byte) || std::string_view("-._~/").find(c) != std::string_view::npos);
         if (plain) {
             text += c;
         } else {
@@ -87,6 +104,8 @@ std::string escaped(std::string_view path) {
 }
 
 } // namespace
+
+URL URL::root() { return URL({.fileURLWithPath = "/"}); }
 
 URL::URL(FilePath argument)
     : path_(normalised(std::move(argument.fileURLWithPath.value))), isFile_(true) {}

@@ -32,6 +32,9 @@ public:
     /// scheme, or when a file URL holds a broken escape, a NUL, or another host than "localhost".
     static std::optional<URL> make(Text argument);
 
+    /// The file URL of the root directory.
+    static URL root();
+
     bool isFileURL() const noexcept { return isFile_; }
 
     /// The path: of a file URL as the file system has it, of any other the text between the
@@ -44,8 +47,8 @@ public:
     /// The last component, "/" for the root, empty when there is no path.
     std::string_view lastPathComponent() const noexcept;
 
-    /// What follows the last dot of the last component; empty when the dot begins the name (".git"),
-    /// ends it, or is missing.
+    /// What follows the last dot of the last component; empty when the dot begins the name
+    /// (".git"), ends it, or is missing.
     std::string_view pathExtension() const noexcept;
 
     /// "/", then each component: "/a/b" gives "/", "a", "b".

@@ -1,0 +1,152 @@
+#include "Printing.h"
+
+#include <zorvan/numbers-geometry/CGPoint.h>
+#include <zorvan/numbers-geometry/Triangle.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <random>
+
+using namespace zorvan;
+
+namespace {
+
+using Points = std::vector<CGPoint>;
+
+// The hull written plainly: the order by repeated exchange of neighbours, the turns by
+// `collinearity`.
+Points plainHull(Points points) {
+    const auto goesBefore = [](CGPoint a, CGPoint b) {
+        return a.x < b.x || (a.x == b.x && std::fabs(a.y - b.y) <= 0.00001 && a.y < b.y);
+    };
+    for (std::size_t i = 1; i < points.size(); ++i)
+        for (std::size_t j = i; j > 0 && goesBefore(points[j], points[j - 1]); --j)
+            std::swap(points[j], points[j - 1]);
+    Points hull;
+    const auto addChain = [&hull](const Points& chain) {
+        const std::size_t base = hull.size();
+        for (const CGPoint& p : chain) {
+            while (hull.size() - base >= 2) {
+                const auto state = Triangle(hull[hull.size() - 2], hull.back(), p).collinearity(6);
+                if (state == Triangle::CollinearityState::point ||
+                    state == Triangle::CollinearityState::counterClockwiseTurn)
+                    break;
+                hull.pop_back();
+            }
+            hull.push_back(p);
+        }
+        hull.pop_back();
+    };
+    addChain(points);
+    std::reverse(points.begin(), points.end());
+    addChain(points);
+    return hull;
+}
+
+struct RandomPoints {
+    std::mt19937_64 random{5};
+    Points spread(std::size_t count, double scale, double offset = 0) {
+        std::uniform_real_distribution<> real(0, scale);
+        Points points(count);
+        for (CGPoint& p : points)
+            p = {offset + real(random), offset + real(random)};
+        return points;
+    }
+};
+
+void expectHullOf(const Points& hull, const Points& points, double tolerance) {
+    const std::size_t n = hull.size();
+    ASSERT_GE(n, 3U);
+    for (std::size_t i = 0; i < n; ++i) {
+        const CGPoint a = hull[i], b = hull[(i + 1) % n];
+        EXPECT_GT(Triangle(a, b, hull[(i + 2) % n]).signedArea(), 0);
+        EXPECT_NE(std::find(points.begin(), points.end(), a), points.end());
+        for (const CGPoint& p : points)
+            ASSERT_GE(Triangle(a, b, p).signedArea(), -tolerance);
+    }
+}
+
+} // namespace
+
+TEST(ConvexHull, ofAFewPoints) {
+    EXPECT_EQ(CGPoint::convexHull({{0, 0}, {1, 0}, {2, 0}, {2, 2}, {0, 2}, {1, 1}}),
+              (Points{{0, 0}, {2, 0}, {2, 2}, {0, 2}}));
+    EXPECT_EQ(CGPoint::convexHull({}), Points());
+    EXPECT_EQ(CGPoint::convexHull({{3, 4}}), Points());
+    EXPECT_EQ(CGPoint::convexHull({{3, 4}, {1, 2}}), (Points{{1, 2}, {3, 4}}));
+    EXPECT_EQ(CGPoint::convexHull({{NAN, 0}, {0, 0}, {1, 0}, {0, NAN}, {0, 1}}),
+              (Points{{0, 0}, {1, 0}, {0, 1}}));
+    Points points{{0, 0}, {4, 0}, {2, 1}, {2, 4}};
+    CGPoint::convexHullInPlace(points);
+    EXPECT_EQ(points, (Points{{0, 0}, {4, 0}, {2, 4}}));
+}
+
+TEST(ConvexHull, enclosesEveryPoint) {
+    RandomPoints source;
+    for (const std::size_t count : {3U, 10U, 100U, 1000U, 3000U})
+        for (const double scale : {10.0, 1000.0, 1e6}) {
+            const Points points = source.spread(count, scale, -scale / 3);
+            const Points hull = CGPoint::convexHull(points);
+            expectHullOf(hull, points, 1e-6 * scale);
+            EXPECT_EQ(hull.front(),
+                      *std::min_element(points.begin(), points.end(),
+                                        [](CGPoint a, CGPoint b) { return a.x < b.x; }));
+            EXPECT_EQ(CGPoint::convexHull(hull), hull);
+        }
+}
+
+TEST(ConvexHull, equalsThePlainlyWrittenOne) {
+    RandomPoints source;
+    // Scales at which points coincide, are collinear, or overflow at six places.
+    for (const double scale : {1e-7, 1e-5, 1e-3, 1.0, 1e9, 1e12, 1e160, 1e303})
+        for (int i = 0; i < 40; ++i) {
+            const Points points =
+                source.spread(static_cast<std::size_t>(i) * 2 + 1, scale, -scale / 2);
+            EXPECT_EQ(CGPoint::convexHull(points), plainHull(points)) << scale;
+        }
+}
+
+TEST(ConvexHull, equalsThePlainlyWrittenOneOnGrids) {
+    RandomPoints source;
+    for (const std::size_t count : {9U, 200U, 2000U}) {
+        Points points = source.spread(count, 12);
+        for (CGPoint& p : points)
+            p = p.floor();
+        EXPECT_EQ(CGPoint::convexHull(points), plainHull(points));
+    }
+}
+
+TEST(ConvexHull, takesLinkedPointsOfOneXInAscendingY) {
+    const double step = 0.9e-5;
+    // Two stacks of linked points, interleaved: each keeps its places.
+    const Points points{{0, 2 * step}, {0, 5 + step}, {0, 0}, {0, 5}, {0, step}, {9, 9}, {9, -9}};
+    const Points ordered{{0, 0}, {0, 5}, {0, step}, {0, 5 + step}, {0, 2 * step}, {9, 9}, {9, -9}};
+    EXPECT_EQ(CGPoint::convexHull(points), plainHull(ordered));
+    EXPECT_EQ(CGPoint::convexHull(points).front(), CGPoint(0, 0));
+}
+
+TEST(ConvexHull, putsXBeforeYWhenBothAreNear) {
+    const Points points{{1e-6, 0}, {0, 1e-6}, {5, -5}, {5, 5}};
+    EXPECT_EQ(CGPoint::convexHull(points).front(), CGPoint(0, 1e-6));
+}
+
+TEST(ConvexHull, sortsSignsZerosAndInfinities) {
+    Points points;
+    for (int i = 0; i < 2000; ++i)
+        points.push_back({0, 0});
+    points[3] = {-0.0, -1};
+    points[1999] = {-7, 3};
+    points[1000] = {7, -3};
+    points[5] = {-0.0, 1};
+    EXPECT_EQ(CGPoint::convexHull(points), plainHull(points));
+    points[11] = {-1.7e308, 0};
+    points[12] = {1.7e308, 0};
+    EXPECT_EQ(CGPoint::convexHull(points), plainHull(points));
+    points[7] = {INFINITY, 0};
+    points[8] = {-INFINITY, 0};
+    points[9] = {1e308, -1e308};
+    EXPECT_EQ(CGPoint::convexHull(points), plainHull(points));
+}

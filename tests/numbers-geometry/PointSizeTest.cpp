@@ -1,0 +1,143 @@
+#include "Printing.h"
+
+#include <zorvan/numbers-geometry/CGAffineTransform.h>
+#include <zorvan/numbers-geometry/NSEdgeInsets.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+using namespace zorvan;
+
+TEST(CGPoint, replacesAndAddsComponents) {
+    const CGPoint p(3, 4);
+    EXPECT_EQ(p.with({.x = 7}), CGPoint(7, 4));
+    EXPECT_EQ(p.adding({.y = 1}), CGPoint(3, 5));
+    EXPECT_EQ(CGPoint({.square = 2}), CGPoint(2, 2));
+    EXPECT_EQ(p.inversed(), CGPoint(4, 3));
+    EXPECT_EQ(p.inverted(), p);
+    EXPECT_EQ(p.middle(), CGPoint(1.5, 2));
+    EXPECT_EQ(p.size(), CGSize(3, 4));
+    EXPECT_EQ(CGPoint(2.46, -2.45).round(1), CGPoint(2.5, -2.5));
+}
+
+TEST(CGPoint, hasLengthAndDirection) {
+    EXPECT_EQ(CGPoint(3, 4).length(), 5);
+    EXPECT_EQ(CGPoint(3, 4).unitScale(10), CGPoint(6, 8));
+    EXPECT_EQ(CGPoint(0, 0).unitScale(10), CGPoint(0, 0));
+    EXPECT_EQ(CGPoint(1, 1).distance({4, 5}), 5);
+    EXPECT_EQ(CGPoint(1, 2).dotMult({3, 4}), 11);
+}
+
+TEST(CGPoint, operatorsTakePointsAndScalars) {
+    const CGPoint p(6, 4);
+    EXPECT_EQ(p + CGPoint(1, 2), CGPoint(7, 6));
+    EXPECT_EQ(p * CGPoint(1, 2), CGPoint(6, 8));
+    EXPECT_EQ(p / CGPoint(3, 2), CGPoint(2, 2));
+    EXPECT_EQ(p - 1, CGPoint(5, 3));
+    EXPECT_EQ(1 - p, CGPoint(-5, -3));
+    EXPECT_EQ(12 / p, CGPoint(2, 3));
+    CGPoint q = p;
+    q += 1;
+    q *= 2;
+    q -= CGPoint(4, 0);
+    EXPECT_EQ(q, CGPoint(10, 10));
+    EXPECT_EQ(-q, CGPoint(-10, -10));
+}
+
+TEST(CGPoint, polygonAreaIgnoresTheWinding) {
+    EXPECT_EQ(CGPoint::polygonArea({{0, 0}, {1, 0}, {1, 1}, {0, 1}}), 1);
+    EXPECT_EQ(CGPoint::polygonArea({{0, 1}, {1, 1}, {1, 0}, {0, 0}}), 1);
+    EXPECT_EQ(CGPoint::polygonArea({}), 0);
+    EXPECT_EQ(CGPoint::polygonArea({{5, 7}}), 0);
+}
+
+TEST(CGSize, knowsItsShape) {
+    EXPECT_TRUE(CGSize(0, 5).isEmpty());
+    EXPECT_TRUE(CGSize(3, 3).isLandscape());
+    EXPECT_FALSE(CGSize(3, 3).isPortrait());
+    EXPECT_EQ(CGSize(3, -4).min(), -4);
+    EXPECT_EQ(CGSize(3, -4).innerSquare(), CGSize(-4, -4));
+    EXPECT_EQ(CGSize(3, 4).outerSquare(), CGSize(4, 4));
+    EXPECT_EQ(CGSize(3, 4).flipped(), CGSize(4, 3));
+    EXPECT_EQ(CGSize(3, 4).center(), CGPoint(1.5, 2));
+    EXPECT_EQ(CGSize(3, 4).rect(), CGRect(0, 0, 3, 4));
+    EXPECT_EQ(CGSize(639.5, 480.4).roundIntDesc(), "640 x 480");
+    EXPECT_EQ(CGSize(639.5, 480.4).roundInt(), CGSize(640, 480));
+    EXPECT_EQ(CGSize(1e300, NAN).roundIntDesc(), "9223372036854775807 x 0");
+}
+
+TEST(CGSize, replacesAddsAndMultipliesUnderBothNames) {
+    const CGSize z(3, 4);
+    EXPECT_EQ(z.with({.w = 7}), CGSize(7, 4));
+    EXPECT_EQ(z.with({.height = 7}), CGSize(3, 7));
+    EXPECT_EQ(z.adding({.h = 1}), CGSize(3, 5));
+    EXPECT_EQ(z.adding({.width = 1}), CGSize(4, 4));
+    EXPECT_EQ(z.multiplying({.w = 2}), CGSize(6, 4));
+    EXPECT_EQ(z.multiplying({.width = 2, .height = 3}), CGSize(6, 12));
+    EXPECT_EQ(10 - z, CGSize(7, 6));
+    EXPECT_EQ(2 * z / 4, CGSize(1.5, 2));
+}
+
+TEST(CGSize, fitsAndFills) {
+    EXPECT_EQ(CGSize(400, 200).clamping(100), CGSize(100, 50));
+    EXPECT_EQ(CGSize(-400, 200).clamping(100), CGSize(100, 50));
+    EXPECT_EQ(CGSize(50, 20).clamping(100), CGSize(50, 20));
+    EXPECT_EQ(CGSize(-50, 20).clamping(100), CGSize(-50, 20));
+    EXPECT_EQ(CGSize(400, 200).clamping({100, 100}), CGSize(100, 50));
+    EXPECT_EQ(CGSize(200, 400).clamping({100, 100}), CGSize(50, 100));
+    EXPECT_EQ(CGSize(1000, 500).innerFittingSize(1), CGSize(500, 500));
+    EXPECT_EQ(CGSize(1000, 500).innerFillingSize(1), CGSize(1000, 1000));
+    EXPECT_EQ(CGSize(4, 2).scaling({.toWidth = 8}), CGSize(8, 4));
+    EXPECT_EQ(CGSize(4, 2).scaling({.toHeight = 8}), CGSize(16, 8));
+    EXPECT_EQ(CGSize(4, 2).fitting(CGSize(100, 100)), CGSize(100, 50));
+    EXPECT_EQ(CGSize(4, 2).filling(CGSize(100, 100)), CGSize(200, 100));
+    EXPECT_EQ(CGSize(4, 2).fitting(CGRect(10, 10, 100, 100)), CGRect(10, 35, 100, 50));
+    EXPECT_EQ(CGSize(4, 2).filling(CGRect(10, 10, 100, 100)), CGRect(-40, 10, 200, 100));
+    // The ratio is that of the stored sides, the centring that of the standardised ones.
+    EXPECT_EQ(CGSize(4, 2).centered(CGRect(0, 0, -10, 10)), CGRect(3, 4, 4, 2));
+}
+
+TEST(CGAffineTransform, appliesTheNewMapFirst) {
+    const CGPoint p(1, 2);
+    const auto turn = CGAffineTransform({.rotationAngle = std::acos(-1.0) / 2});
+    EXPECT_TRUE(p.applying(turn).overlap({-2, 1}, 1e-15)); // counter-clockwise
+    const auto t = CGAffineTransform({.scale = 2}).translatedBy(10, 0);
+    EXPECT_EQ(p.applying(t), CGPoint(22, 4));
+    EXPECT_EQ(CGSize(1, 2).applying(t), CGSize(2, 4));
+    EXPECT_EQ(p.applying(t.scaledBy(3, 1)), CGPoint(26, 4));
+    EXPECT_EQ(p.applying(CGAffineTransform({.translationX = 10, .y = 0})
+                             .concatenating(CGAffineTransform({.scaleX = 2, .y = 1}))),
+              CGPoint(22, 2));
+    EXPECT_EQ(t.caTransform3D(),
+              (CATransform3D{.m11 = 2, .m22 = 2, .m33 = 1, .m41 = 20, .m42 = 0, .m44 = 1}));
+}
+
+TEST(CGAffineTransform, mutatingFormsAndInverseAgree) {
+    std::mt19937_64 random(3);
+    std::uniform_real_distribution<> real(0.5, 2);
+    for (int i = 0; i < 1000; ++i) {
+        const double x = real(random), y = real(random), angle = real(random);
+        CGAffineTransform t;
+        t.translateBy(x, y);
+        t.rotate(angle);
+        t.scaleBy(y, x);
+        EXPECT_EQ(t,
+                  CGAffineTransform::identity.translatedBy(x, y).rotatedBy(angle).scaledBy(y, x));
+        const CGPoint p(real(random), real(random));
+        EXPECT_TRUE(p.applying(t).applying(t.inverted()).overlap(p, 1e-12));
+        t.concate(t.inverted());
+        EXPECT_NEAR(t.a, 1, 1e-12);
+    }
+    const CGAffineTransform flat(0, 0, 0, 0, 5, 5);
+    EXPECT_EQ(flat.inverted(), flat);
+}
+
+TEST(NSEdgeInsets, fillsTheNamedEdges) {
+    EXPECT_EQ(NSEdgeInsets({.all = 8}), NSEdgeInsets(8, 8, 8, 8));
+    EXPECT_EQ(NSEdgeInsets({.topAndBottom = 8}), NSEdgeInsets(8, 0, 8, 0));
+    EXPECT_EQ(NSEdgeInsets({.leftAndRight = 8}), NSEdgeInsets(0, 8, 0, 8));
+    EXPECT_EQ(NSEdgeInsets(4, 1, 2, 3).min(), 1);
+    EXPECT_EQ(NSEdgeInsets(4, 1, 2, 3).max(), 4);
+}

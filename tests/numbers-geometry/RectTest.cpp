@@ -1,0 +1,246 @@
+#include "Printing.h"
+
+#include <zorvan/numbers-geometry/CGAffineTransform.h>
+#include <zorvan/numbers-geometry/RectCorners.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <unordered_set>
+
+using namespace zorvan;
+
+namespace {
+
+const CGRect ten(0, 0, 10, 10);
+
+// Small whole coordinates, so that edges often coincide and sides are often zero or negative.
+struct RandomRects {
+    std::mt19937_64 random{11};
+    std::uniform_int_distribution<> whole{-6, 6};
+    double number() { return whole(random); }
+    CGPoint point() { return {number(), number()}; }
+    CGRect rect() { return {point(), point().size()}; }
+};
+
+} // namespace
+
+TEST(CGRect, isMadeFromItsParts) {
+    EXPECT_EQ(CGRect({.p1 = {5, 5}, .p2 = {1, 2}}), CGRect(1, 2, 4, 3));
+    EXPECT_EQ(CGRect({.center = {5, 5}, .size = {4, 2}}), CGRect(3, 4, 4, 2));
+    EXPECT_EQ(CGRect({.center = {5, 5}, .square = 4}), CGRect(3, 3, 4, 4));
+    EXPECT_EQ(CGRect({.left = 1, .right = 4, .bottom = 2, .top = 8}), CGRect(1, 2, 3, 6));
+    EXPECT_EQ(CGRect({.size = {4, 2}}), CGRect(0, 0, 4, 2));
+    EXPECT_EQ(CGRect({.width = std::int64_t{4}, .height = 2}), CGRect(0, 0, 4, 2));
+    EXPECT_EQ(CGRect({.square = 4}), CGRect(0, 0, 4, 4));
+}
+
+TEST(CGRect, accessorsReadTheStandardisedRectangle) {
+    const CGRect r(10, 20, -4, -6);
+    EXPECT_EQ(r.standardized(), CGRect(6, 14, 4, 6));
+    EXPECT_EQ(r.center(), CGPoint(8, 17));
+    EXPECT_EQ(r.maxX(), 10);
+    EXPECT_EQ(r.x(), 10);
+    EXPECT_EQ(r.area(), 24);
+    EXPECT_EQ(CGRect(0, 0, -2, 3).area(), -6);
+    EXPECT_EQ(CGRect(0, 0, -3.5, 2.4).roundIntWidthHeight(), std::pair(4L, 2L));
+    EXPECT_EQ(CGRect(5, 8, 2, -4).xwRatio(), 2.5);
+    EXPECT_EQ(CGRect(5, 8, 2, -4).hyRatio(), 0.5);
+    EXPECT_FALSE(std::signbit(CGRect(0, 0, -0.0, 1).width()));
+}
+
+TEST(CGRect, namesItsAnchors) {
+    const CGRect r(0, 0, 4, 2);
+    struct {
+        RectAnchor anchor;
+        CGPoint point;
+    } table[] = {{RectAnchor::topLeft, {0, 2}},     {RectAnchor::topRight, {4, 2}},
+                 {RectAnchor::bottomRight, {4, 0}}, {RectAnchor::bottomLeft, {0, 0}},
+                 {RectAnchor::middleLeft, {0, 1}},  {RectAnchor::topCenter, {2, 2}},
+                 {RectAnchor::middleRight, {4, 1}}, {RectAnchor::bottomCenter, {2, 0}}};
+    for (const auto& row : table) {
+        EXPECT_EQ(r.point(row.anchor), row.point);
+        EXPECT_EQ(r.square(row.anchor, 2).center(), row.point);
+        EXPECT_EQ(r.rect(row.anchor, {2, 4}).size, CGSize(2, 4));
+    }
+}
+
+TEST(CGRect, replacesParts) {
+    EXPECT_EQ(ten.with({.rw = 4}), CGRect(6, 0, 4, 10));
+    EXPECT_EQ(ten.with({.th = 4}), CGRect(0, 6, 10, 4));
+    EXPECT_EQ(ten.with({.cw = 4}), CGRect(3, 0, 4, 10));
+    EXPECT_EQ(ten.with({.ch = 4}), CGRect(0, 3, 10, 4));
+    EXPECT_EQ(ten.with({.x = 1, .h = 5}), CGRect(1, 0, 10, 5));
+    EXPECT_EQ(ten.with({.width = 3}), CGRect(0, 0, 3, 10));
+    EXPECT_EQ(ten.with({.size = CGSize(1, 2)}), CGRect(0, 0, 1, 2));
+    EXPECT_EQ(ten.adding({.y = 1, .w = 2}), CGRect(0, 1, 12, 10));
+    EXPECT_EQ(ten.adding({.origin = CGPoint(1, 2)}), CGRect(1, 2, 10, 10));
+    EXPECT_EQ(ten.shifting({.origin = {2, 3}}), CGRect(2, 3, 8, 7));
+    EXPECT_EQ(ten.shifting({.y = 3}), CGRect(0, 3, 10, 7));
+}
+
+TEST(CGRect, replacesPartsOfAnInvertedRectangle) {
+    const CGRect r(10, 10, -4, -6);
+    EXPECT_EQ(r.with({.lw = 3}), CGRect(10, 10, 3, 6));
+    EXPECT_EQ(r.with({.rw = 3}), CGRect(3, 10, 3, -6));
+    EXPECT_EQ(r.with({.bh = 3}), CGRect(10, 10, 4, 3));
+    EXPECT_EQ(r.with({.th = 3}), CGRect(10, 1, -4, 3));
+    EXPECT_EQ(r.with({.cw = 2}), CGRect(11, 10, 2, -6));
+    EXPECT_EQ(r.with({.ch = 2}), CGRect(10, 12, -4, 2));
+    EXPECT_EQ(r.with({.x = 0}), CGRect(0, 10, 4, 6));
+    EXPECT_EQ(r.with({.origin = CGPoint()}), CGRect(0, 0, -4, -6));
+    EXPECT_EQ(r * 2, CGRect(20, 20, 8, 12));
+    EXPECT_EQ(2 * r, r * 2);
+    CGRect doubled = r;
+    doubled *= 2;
+    EXPECT_EQ(doubled, CGRect(20, 20, -8, -12));
+    EXPECT_EQ(-r, CGRect(-10, -10, 4, 6));
+}
+
+TEST(CGRect, shrinksFitsAndFills) {
+    EXPECT_EQ(CGRect(0, 0, 100, 100).shrunkBy({.percent = 0.2}), CGRect(10, 10, 80, 80));
+    EXPECT_EQ(ten.shrunkBy({.delta = 2}), CGRect(2, 2, 6, 6));
+    EXPECT_EQ(ten.shrunkBy({.dx = -1, .dy = 2}), CGRect(-1, 2, 12, 6));
+    EXPECT_TRUE(ten.shrunkBy({.delta = 6}).isNull());
+    EXPECT_EQ(CGRect(10, 10, -10, -10).insetBy(1, 1), CGRect(1, 1, 8, 8));
+    EXPECT_EQ(CGRect(0, 0, 10, 4).innerSquare(), CGRect(3, 0, 4, 4));
+    EXPECT_EQ(CGRect(0, 0, 10, 4).outerSquare(), CGRect(0, -3, 10, 10));
+    EXPECT_EQ(CGRect(0, 0, 4, 10).innerSquare(), CGRect(0, 3, 4, 4));
+    EXPECT_EQ(CGRect(0, 0, 4, 10).outerSquare(), CGRect(-3, 0, 10, 10));
+    EXPECT_EQ(CGRect(0, 0, 100, 50).innerFittingRect(1), CGRect(25, 0, 50, 50));
+    EXPECT_EQ(CGRect(0, 0, 100, 50).innerFillingRect(1), CGRect(0, -25, 100, 100));
+    EXPECT_EQ(CGRect(7, 7, 2, 1).fitting(ten), CGRect(0, 2.5, 10, 5));
+    EXPECT_EQ(CGRect(7, 7, 2, 1).filling(ten), CGRect(-5, 0, 20, 10));
+    EXPECT_EQ(CGRect(7, 7, 2, 1).centered(ten), CGRect(4, 4.5, 2, 1));
+    EXPECT_EQ(ten.minMax({15, -5}), CGPoint(10, 0));
+    EXPECT_EQ(ten.scaledBy({2, 3}), CGRect(0, 0, 20, 30));
+}
+
+TEST(CGRect, mutatingFormsDoWhatTheCopyingOnesReturn) {
+    CGRect r(1, 2, 4, 2);
+    r.moveBy({1, 1});
+    r.shrinkBy({.delta = 0.5});
+    EXPECT_EQ(r, CGRect(2.5, 3.5, 3, 1));
+    r.fit(CGRect(0, 0, 30, 30));
+    EXPECT_EQ(r, CGRect(0, 10, 30, 10));
+    r.fill(ten);
+    EXPECT_EQ(r, CGRect(-10, 0, 30, 10));
+    r.center(CGRect(0, 0, 100, 100));
+    EXPECT_EQ(r, CGRect(35, 45, 30, 10));
+    r.scaleBy(2);
+    r.apply(NSEdgeInsets(1, 2, 3, 4));
+    EXPECT_EQ(r, CGRect(72, 93, 54, 16));
+    r.apply(CGAffineTransform(0, 1, -1, 0, 0, 0));
+    EXPECT_EQ(r, CGRect(-109, 72, 16, 54));
+}
+
+TEST(CGRect, expandsPerAxisFromTheOrigin) {
+    CGRect inside = ten;
+    inside.expand({4, 4});
+    EXPECT_EQ(inside, CGRect(0, 0, 4, 4));
+    CGRect outside = ten;
+    outside.expand({-2, 12});
+    EXPECT_EQ(outside, CGRect(-2, 0, 12, 12));
+    CGRect same = ten;
+    same.expand({0, 0});
+    EXPECT_EQ(same, ten);
+}
+
+TEST(CGRect, draggedHandleIsMirroredWhenItCrosses) {
+    CGRect r = ten;
+    EXPECT_EQ(r.move(RectAnchor::topRight, {-5, 20}), RectAnchor::topLeft);
+    EXPECT_EQ(r, CGRect(-5, 0, 5, 20));
+    r = ten;
+    EXPECT_EQ(r.move(RectAnchor::bottomLeft, {2, 15}), RectAnchor::topLeft);
+    EXPECT_EQ(r, CGRect(2, 10, 8, 5));
+    r = ten;
+    EXPECT_EQ(r.move(RectAnchor::middleLeft, {3, 99}), RectAnchor::middleLeft);
+    EXPECT_EQ(r, CGRect(3, 0, 7, 10));
+}
+
+TEST(CGRect, draggedHandleEndsUnderThePoint) {
+    RandomRects source;
+    for (int i = 0; i < 5000; ++i) {
+        CGRect r = source.rect().standardized();
+        const RectAnchor anchor = RectAnchor::allValues[static_cast<std::size_t>(i) % 8];
+        const CGPoint opposite = r.point(anchor.opposed());
+        const CGPoint to = source.point();
+        const RectAnchor now = r.move(anchor, to);
+        EXPECT_EQ(r, r.standardized());
+        if (!anchor.isCenter()) {
+            EXPECT_EQ(r.point(now).x, to.x);
+        }
+        if (!anchor.isMiddle()) {
+            EXPECT_EQ(r.point(now).y, to.y);
+        }
+        if (anchor.isCorner()) {
+            EXPECT_EQ(r.point(now.opposed()), opposite);
+        }
+    }
+}
+
+TEST(CGRect, setAlgebraHolds) {
+    RandomRects source;
+    for (int i = 0; i < 20000; ++i) {
+        const CGRect a = source.rect(), b = source.rect();
+        const CGPoint p = source.point() + CGPoint({.square = 0.5});
+        const CGRect shared = a.intersection(b);
+        EXPECT_EQ(shared, b.intersection(a));
+        EXPECT_EQ(shared.isNull(), !a.intersects(b));
+        EXPECT_EQ(shared.contains(p), a.contains(p) && b.contains(p));
+        EXPECT_TRUE(a.contains(shared));
+        const CGRect both = a.union_(b);
+        EXPECT_EQ(both, b.union_(a));
+        EXPECT_TRUE(both.contains(a) && both.contains(b));
+        EXPECT_EQ(a.contains(b), both == a.standardized());
+        EXPECT_EQ(a.union_(CGRect::null), a.standardized());
+        EXPECT_EQ(a.applying(CGAffineTransform::identity), a.standardized());
+    }
+    EXPECT_FALSE(ten.intersects(CGRect(10, 0, 5, 5)));
+    EXPECT_FALSE(CGRect::null.contains(CGPoint(0, 0)));
+    EXPECT_TRUE(CGRect::null.insetBy(-5, -5).isNull());
+}
+
+TEST(CGRect, comparesAndHashesByEdges) {
+    EXPECT_TRUE(ten.isSimilarTo(CGRect(0.001, 0, 10, 10), 2));
+    EXPECT_FALSE(ten.isSimilarTo(CGRect(0, 0, 10, 10.1), 2));
+    EXPECT_FALSE(ten.overlap(CGRect(10, 10, -10, -10), 1)); // stored values, not edges
+    std::unordered_set<CGRect> set{ten, CGRect(-0.0, 0, 10, 10), CGRect(0, 0, 10, 11)};
+    EXPECT_EQ(set.size(), 2U);
+    EXPECT_EQ(std::hash<CGRect>{}(ten), std::hash<CGRect>{}(CGRect(10, 10, -10, -10)));
+}
+
+TEST(RectAnchor, classifiesAndMirrors) {
+    for (const RectAnchor anchor : RectAnchor::allValues) {
+        EXPECT_EQ(anchor.isCorner() + anchor.isMiddle() + anchor.isCenter(), 1);
+        EXPECT_EQ(RectAnchor::make({.rawValue = anchor.rawValue()}), anchor);
+        RectAnchor mirrored = anchor;
+        mirrored.flipVertical();
+        EXPECT_EQ(mirrored.isTop(), anchor.isBottom());
+        EXPECT_EQ(mirrored.isLeft(), anchor.isLeft());
+        mirrored.flipHorizontal();
+        EXPECT_EQ(mirrored.isRight(), anchor.isLeft());
+        EXPECT_EQ(mirrored, anchor.opposed());
+    }
+    EXPECT_EQ(RectAnchor::make({.rawValue = 8}), std::nullopt);
+    EXPECT_EQ(RectAnchor::bottomCenter.rawValue(), 7);
+}
+
+TEST(RectCorners, isASet) {
+    const RectCorners top({RectCorners::topLeft, RectCorners::topRight});
+    EXPECT_EQ(top.rawValue(), 5);
+    EXPECT_EQ(top.flipped(), RectCorners::bottomLeft | RectCorners::bottomRight);
+    EXPECT_EQ(top.flipped().rawValue(), 10);
+    EXPECT_EQ(RectCorners::allValues.symmetricDifference(top), top.flipped());
+    EXPECT_TRUE(top.isDisjoint(top.flipped()));
+    EXPECT_TRUE(top.isStrictSubset(RectCorners::allValues));
+    EXPECT_FALSE(top.isStrictSubset(top));
+    EXPECT_EQ(RectCorners({.rawValue = -1}).flipped(), RectCorners::allValues);
+    RectCorners set;
+    set.insert(RectCorners::bottomLeft);
+    set.insert(top);
+    set.remove(RectCorners::topLeft);
+    EXPECT_EQ(set.rawValue(), 6);
+    EXPECT_FALSE(set.contains(top));
+}

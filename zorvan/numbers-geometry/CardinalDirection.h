@@ -1,0 +1,46 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/EnumerationValue.h>
+
+#include <cstdint>
+
+namespace zorvan {
+
+/// A direction on a map.
+class CardinalDirection : public EnumerationValue<CardinalDirection, 4> {
+public:
+    enum class Case : std::uint8_t { east, west, north, south };
+    static const CardinalDirection east, west, north, south;
+
+    constexpr CardinalDirection(Case value) noexcept
+        : EnumerationValue(static_cast<std::int64_t>(value)) {}
+    constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
+
+    /// A quarter turn counter-clockwise.
+    [[nodiscard]] constexpr CardinalDirection left() const noexcept {
+        switch (*this) {
+        case Case::east:
+            return Case::north;
+        case Case::west:
+            return Case::south;
+        case Case::north:
+            return Case::west;
+        case Case::south:
+            return Case::east;
+        }
+        return *this;
+    }
+    /// A quarter turn clockwise.
+    [[nodiscard]] constexpr CardinalDirection right() const noexcept {
+        return left().left().left();
+    }
+    constexpr void turnLeft() noexcept { *this = left(); }
+    constexpr void turnRight() noexcept { *this = right(); }
+};
+
+inline constexpr CardinalDirection CardinalDirection::east = Case::east;
+inline constexpr CardinalDirection CardinalDirection::west = Case::west;
+inline constexpr CardinalDirection CardinalDirection::north = Case::north;
+inline constexpr CardinalDirection CardinalDirection::south = Case::south;
+
+} // namespace zorvan

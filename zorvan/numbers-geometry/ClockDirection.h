@@ -1,0 +1,29 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/EnumerationValue.h>
+
+#include <cstdint>
+
+namespace zorvan {
+
+/// A sense of rotation.
+class ClockDirection : public EnumerationValue<ClockDirection, 2> {
+public:
+    enum class Case : std::uint8_t { clockwise, antiClockwise };
+    static const ClockDirection clockwise, antiClockwise;
+
+    constexpr ClockDirection(Case value) noexcept
+        : EnumerationValue(static_cast<std::int64_t>(value)) {}
+    constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
+
+    /// The other case.
+    [[nodiscard]] constexpr ClockDirection toggled() const noexcept {
+        return *this == clockwise ? antiClockwise : clockwise;
+    }
+    constexpr void toggle() noexcept { *this = toggled(); }
+};
+
+inline constexpr ClockDirection ClockDirection::clockwise = Case::clockwise;
+inline constexpr ClockDirection ClockDirection::antiClockwise = Case::antiClockwise;
+
+} // namespace zorvan

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <zorvan/platform/foundation/Required.h>
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+namespace zorvan {
+
+/// What every enumeration with operations shares: raw values from 0 to `count - 1` in order of
+/// declaration, equality and a hash.
+///
+/// `Self` declares its cases in an `enum class Case`, converts from and to it, and has a constant
+/// of its own type for each, so that its values work in a `switch` and have members.
+template <class Self, std::int64_t count>
+class EnumerationValue {
+public:
+    struct RawValue {
+        Required<std::int64_t> rawValue;
+    };
+    /// Absent when no case has that raw value: `Orientation::make({.rawValue = 2})`.
+    [[nodiscard]] static constexpr std::optional<Self> make(RawValue argument) noexcept {
+        if (argument.rawValue < 0 || argument.rawValue >= count)
+            return std::nullopt;
+        return Self(static_cast<typename Self::Case>(argument.rawValue.value));
+    }
+    [[nodiscard]] constexpr std::int64_t rawValue() const noexcept { return raw_; }
+
+    friend constexpr bool operator==(const EnumerationValue&, const EnumerationValue&) = default;
+
+protected:
+    explicit constexpr EnumerationValue(std::int64_t raw) noexcept
+        : raw_(static_cast<std::uint8_t>(raw)) {}
+
+private:
+    std::uint8_t raw_;
+};
+
+template <class T>
+concept EnumerationWithRawValue = requires(const T& value) {
+    []<class Self, std::int64_t count>(const EnumerationValue<Self, count>&) {}(value);
+};
+
+} // namespace zorvan
+
+template <zorvan::EnumerationWithRawValue T>
+struct std::hash<T> {
+    std::size_t operator()(const T& value) const noexcept {
+        return static_cast<std::size_t>(value.rawValue());
+    }
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/EnumerationValue.h>
+
+#include <cstdint>
+
+namespace zorvan {
+
+/// A horizontal direction.
+class HOrientation : public EnumerationValue<HOrientation, 2> {
+public:
+    enum class Case : std::uint8_t { left, right };
+    static const HOrientation left, right;
+
+    constexpr HOrientation(Case value) noexcept
+        : EnumerationValue(static_cast<std::int64_t>(value)) {}
+    constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
+
+    /// The other case.
+    [[nodiscard]] constexpr HOrientation toggled() const noexcept {
+        return *this == left ? right : left;
+    }
+    constexpr void toggle() noexcept { *this = toggled(); }
+};
+
+inline constexpr HOrientation HOrientation::left = Case::left;
+inline constexpr HOrientation HOrientation::right = Case::right;
+
+} // namespace zorvan

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/CGPoint.h>
+
+#include <optional>
+
+namespace zorvan {
+
+/// The infinite line `a*x + b*y + c = 0`.
+struct Line {
+    double a = 0;
+    double b = 0;
+    double c = 0;
+
+    constexpr Line() noexcept = default;
+    constexpr Line(double a, double b, double c) noexcept : a(a), b(b), c(c) {}
+    /// Through two points, normalised: `a*a + b*b = 1`. All three are 0 when the points are equal.
+    Line(CGPoint p1, CGPoint p2) noexcept;
+
+    /// Signed: positive on the side that the normal `(a, b)` points to, which is the left one on
+    /// the way from the first point to the second.
+    [[nodiscard]] constexpr double distance(CGPoint from) const noexcept {
+        return a * from.x + b * from.y + c;
+    }
+    /// Absent for parallel and for equal lines.
+    [[nodiscard]] constexpr std::optional<CGPoint> intersects(const Line& other) const noexcept {
+        const double determinant = a * other.b - b * other.a;
+        if (determinant == 0)
+            return std::nullopt;
+        return CGPoint((b * other.c - other.b * c) / determinant,
+                       (other.a * c - a * other.c) / determinant);
+    }
+    /// Adds to `c`, which moves a normalised line by `-d` along its normal.
+    constexpr void offsetBy(double d) noexcept { c += d; }
+
+    friend constexpr bool operator==(const Line&, const Line&) = default;
+};
+
+} // namespace zorvan

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <zorvan/platform/foundation/Required.h>
+
+#include <algorithm>
+
+namespace zorvan {
+
+/// How far a content stands in from each edge.
+struct NSEdgeInsets {
+    double top = 0;
+    double left = 0;
+    double bottom = 0;
+    double right = 0;
+
+    struct All {
+        Required<double> all;
+    };
+    struct TopAndBottom {
+        Required<double> topAndBottom;
+    };
+    struct LeftAndRight {
+        Required<double> leftAndRight;
+    };
+
+    constexpr NSEdgeInsets() noexcept = default;
+    constexpr NSEdgeInsets(double top, double left, double bottom, double right) noexcept
+        : top(top), left(left), bottom(bottom), right(right) {}
+    /// `NSEdgeInsets({.all = 8})`.
+    explicit constexpr NSEdgeInsets(All value) noexcept
+        : NSEdgeInsets(value.all, value.all, value.all, value.all) {}
+    /// Nothing at the left and right.
+    explicit constexpr NSEdgeInsets(TopAndBottom value) noexcept
+        : top(value.topAndBottom), bottom(value.topAndBottom) {}
+    /// Nothing at the top and bottom.
+    explicit constexpr NSEdgeInsets(LeftAndRight value) noexcept
+        : left(value.leftAndRight), right(value.leftAndRight) {}
+
+    [[nodiscard]] constexpr double min() const noexcept {
+        return std::min({top, left, bottom, right});
+    }
+    [[nodiscard]] constexpr double max() const noexcept {
+        return std::max({top, left, bottom, right});
+    }
+
+    friend constexpr bool operator==(const NSEdgeInsets&, const NSEdgeInsets&) = default;
+};
+
+} // namespace zorvan

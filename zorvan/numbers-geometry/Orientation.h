@@ -1,0 +1,45 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/EnumerationValue.h>
+
+#include <cstdint>
+
+namespace zorvan {
+
+/// A direction on a screen. `left_()` and `right_()` carry the underscore because `left` and
+/// `right` are cases.
+class Orientation : public EnumerationValue<Orientation, 4> {
+public:
+    enum class Case : std::uint8_t { up, down, right, left };
+    static const Orientation up, down, right, left;
+
+    constexpr Orientation(Case value) noexcept
+        : EnumerationValue(static_cast<std::int64_t>(value)) {}
+    constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
+
+    /// A quarter turn counter-clockwise.
+    [[nodiscard]] constexpr Orientation left_() const noexcept {
+        switch (*this) {
+        case Case::up:
+            return Case::left;
+        case Case::down:
+            return Case::right;
+        case Case::right:
+            return Case::up;
+        case Case::left:
+            return Case::down;
+        }
+        return *this;
+    }
+    /// A quarter turn clockwise.
+    [[nodiscard]] constexpr Orientation right_() const noexcept { return left_().left_().left_(); }
+    constexpr void turnLeft() noexcept { *this = left_(); }
+    constexpr void turnRight() noexcept { *this = right_(); }
+};
+
+inline constexpr Orientation Orientation::up = Case::up;
+inline constexpr Orientation Orientation::down = Case::down;
+inline constexpr Orientation Orientation::right = Case::right;
+inline constexpr Orientation Orientation::left = Case::left;
+
+} // namespace zorvan

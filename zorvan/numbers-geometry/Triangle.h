@@ -1,0 +1,94 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/CGPoint.h>
+
+#include <cstdint>
+
+namespace zorvan {
+
+/// Three points, in order.
+struct Triangle {
+    CGPoint a;
+    CGPoint b;
+    CGPoint c;
+
+    enum class CollinearityState { point, line, clockwiseTurn, counterClockwiseTurn };
+
+    constexpr Triangle() noexcept = default;
+    constexpr Triangle(CGPoint a, CGPoint b, CGPoint c) noexcept : a(a), b(b), c(c) {}
+
+    static const Triangle zero;
+
+    /// Positive when the points turn counter-clockwise.
+    [[nodiscard]] constexpr double signedArea() const noexcept {
+        const CGPoint u = b - a;
+        const CGPoint v = c - a;
+        return 0.5 * (u.x * v.y - u.y * v.x);
+    }
+    /// Whether the three points are similar.
+    [[nodiscard]] bool isPointy(std::int64_t places) const noexcept {
+        return a.isSimilarTo(b, places) && a.isSimilarTo(c, places);
+    }
+    /// Whether the area is similar to zero, as it also is for a single point.
+    [[nodiscard]] bool isLine(std::int64_t places) const noexcept {
+        return zorvan::isSimilarTo(signedArea(), 0, places);
+    }
+    /// A single point, a line, or else the way the points turn. An area that is NaN counts as
+    /// counter-clockwise.
+    [[nodiscard]] CollinearityState collinearity(std::int64_t places) const noexcept {
+        if (isPointy(places))
+            return CollinearityState::point;
+        if (isLine(places))
+            return CollinearityState::line;
+        return signedArea() < 0 ? CollinearityState::clockwiseTurn
+                                : CollinearityState::counterClockwiseTurn;
+    }
+
+    [[nodiscard]] constexpr bool overlap(const Triangle& other, double tolerance) const noexcept {
+        return a.overlap(other.a, tolerance) && b.overlap(other.b, tolerance) &&
+               c.overlap(other.c, tolerance);
+    }
+    [[nodiscard]] bool isSimilarTo(const Triangle& other, std::int64_t places) const noexcept {
+        return a.isSimilarTo(other.a, places) && b.isSimilarTo(other.b, places) &&
+               c.isSimilarTo(other.c, places);
+    }
+
+    friend constexpr bool operator==(const Triangle&, const Triangle&) = default;
+
+    friend constexpr Triangle operator+(const Triangle& t) noexcept { return t; }
+    friend constexpr Triangle operator-(const Triangle& t) noexcept { return {-t.a, -t.b, -t.c}; }
+    friend constexpr Triangle operator+(const Triangle& t, const Triangle& u) noexcept {
+        return {t.a + u.a, t.b + u.b, t.c + u.c};
+    }
+    friend constexpr Triangle operator-(const Triangle& t, const Triangle& u) noexcept {
+        return {t.a - u.a, t.b - u.b, t.c - u.c};
+    }
+    friend constexpr Triangle operator+(const Triangle& t, double s) noexcept {
+        return {t.a + s, t.b + s, t.c + s};
+    }
+    friend constexpr Triangle operator-(const Triangle& t, double s) noexcept {
+        return {t.a - s, t.b - s, t.c - s};
+    }
+    friend constexpr Triangle operator+(double s, const Triangle& t) noexcept {
+        return {s + t.a, s + t.b, s + t.c};
+    }
+    friend constexpr Triangle operator-(double s, const Triangle& t) noexcept {
+        return {s - t.a, s - t.b, s - t.c};
+    }
+    friend constexpr Triangle operator*(const Triangle& t, double s) noexcept {
+        return {t.a * s, t.b * s, t.c * s};
+    }
+    friend constexpr Triangle operator/(const Triangle& t, double s) noexcept {
+        return {t.a / s, t.b / s, t.c / s};
+    }
+    constexpr Triangle& operator+=(const Triangle& u) noexcept { return *this = *this + u; }
+    constexpr Triangle& operator-=(const Triangle& u) noexcept { return *this = *this - u; }
+    constexpr Triangle& operator+=(double s) noexcept { return *this = *this + s; }
+    constexpr Triangle& operator-=(double s) noexcept { return *this = *this - s; }
+    constexpr Triangle& operator*=(double s) noexcept { return *this = *this * s; }
+    constexpr Triangle& operator/=(double s) noexcept { return *this = *this / s; }
+};
+
+inline constexpr Triangle Triangle::zero{};
+
+} // namespace zorvan
