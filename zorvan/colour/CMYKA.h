@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+namespace zorvan {
+
+/// A colour by cyan, magenta, yellow, black and alpha, each from 0 to 1 by convention.
+struct CMYKA {
+    double c = 0;
+    double m = 0;
+    double y = 0;
+    double k = 0;
+    double a = 0;
+
+    constexpr CMYKA() noexcept = default;
+    constexpr CMYKA(double c, double m, double y, double k, double a) noexcept
+        : c(c), m(m), y(y), k(k), a(a) {}
+
+    /// "CMYKA(0.0, 0.0, 0.0, 0.0, 0.0)"
+    [[nodiscard]] std::string description() const;
+
+    static const CMYKA zero;
+    static const CMYKA black;
+    static const CMYKA white;
+    static const CMYKA clear;
+
+    friend constexpr bool operator==(const CMYKA&, const CMYKA&) = default;
+};
+
+inline constexpr CMYKA CMYKA::zero{0, 0, 0, 0, 0};
+inline constexpr CMYKA CMYKA::black{0, 0, 0, 1, 1};
+inline constexpr CMYKA CMYKA::white{0, 0, 0, 0, 1};
+inline constexpr CMYKA CMYKA::clear{0, 0, 0, 1, 0};
+
+} // namespace zorvan

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+namespace zorvan {
+
+/// A colour by hue, saturation, brightness and alpha, each from 0 to 1 by convention.
+struct HSBA {
+    double h = 0;
+    double s = 0;
+    double b = 0;
+    double a = 0;
+
+    constexpr HSBA() noexcept = default;
+    constexpr HSBA(double h, double s, double b, double a) noexcept : h(h), s(s), b(b), a(a) {}
+
+    /// "HSBA(0.0, 0.0, 0.0, 0.0)"
+    [[nodiscard]] std::string description() const;
+
+    static const HSBA zero;
+    static const HSBA black;
+    static const HSBA white;
+    static const HSBA clear;
+
+    friend constexpr bool operator==(const HSBA&, const HSBA&) = default;
+};
+
+inline constexpr HSBA HSBA::zero{0, 0, 0, 0};
+inline constexpr HSBA HSBA::black{0, 0, 0, 1};
+inline constexpr HSBA HSBA::white{0, 0, 1, 1};
+inline constexpr HSBA HSBA::clear{0, 0, 0, 0};
+
+} // namespace zorvan

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+namespace zorvan {
+
+/// A colour by hue, saturation, lightness and alpha, each from 0 to 1 by convention.
+struct HSLA {
+    double h = 0;
+    double s = 0;
+    double l = 0;
+    double a = 0;
+
+    constexpr HSLA() noexcept = default;
+    constexpr HSLA(double h, double s, double l, double a) noexcept : h(h), s(s), l(l), a(a) {}
+
+    /// "HSLA(0.0, 0.0, 0.0, 0.0)"
+    [[nodiscard]] std::string description() const;
+
+    static const HSLA zero;
+    static const HSLA black;
+    static const HSLA white;
+    static const HSLA clear;
+
+    friend constexpr bool operator==(const HSLA&, const HSLA&) = default;
+};
+
+inline constexpr HSLA HSLA::zero{0, 0, 0, 0};
+inline constexpr HSLA HSLA::black{0, 0, 0, 1};
+inline constexpr HSLA HSLA::white{0, 0, 1, 1};
+inline constexpr HSLA HSLA::clear{0, 0, 0, 0};
+
+} // namespace zorvan

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <zorvan/colour/XYZ.h>
+#include <zorvan/platform/foundation/Required.h>
+
+namespace zorvan {
+
+/// A colour by CIE L*a*b* under D65; `l` goes from 0 to 100.
+struct LAB {
+    double l = 0;
+    double a = 0;
+    double b = 0;
+
+    struct L {
+        Required<double> l;
+    };
+    struct A {
+        Required<double> a;
+    };
+    struct B {
+        Required<double> b;
+    };
+
+    constexpr LAB() noexcept = default;
+    constexpr LAB(double l, double a, double b) noexcept : l(l), a(a), b(b) {}
+    explicit LAB(const XYZ& xyz) noexcept;
+
+    [[nodiscard]] XYZ xyz() const noexcept { return XYZ(*this); }
+
+    /// A copy with one component replaced: `lab.with({.l = 50})`.
+    [[nodiscard]] constexpr LAB with(L value) const noexcept { return {value.l, a, b}; }
+    [[nodiscard]] constexpr LAB with(A value) const noexcept { return {l, value.a, b}; }
+    [[nodiscard]] constexpr LAB with(B value) const noexcept { return {l, a, value.b}; }
+
+    friend constexpr bool operator==(const LAB&, const LAB&) = default;
+};
+
+inline LAB XYZ::lab() const noexcept { return LAB(*this); }
+
+} // namespace zorvan

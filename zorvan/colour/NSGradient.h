@@ -1,0 +1,51 @@
+#pragma once
+
+#include <zorvan/colour/CGGradient.h>
+#include <zorvan/colour/ColorStops.h>
+#include <zorvan/colour/NSColor.h>
+
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace zorvan {
+
+/// A gradient as interfaces hold it: at least one colour, each at a location from 0 to 1.
+class NSGradient {
+public:
+    struct Stops {
+        std::vector<NSColor> colors;
+        std::optional<std::vector<double>> locations = {};
+    };
+    struct Stop {
+        NSColor color;
+        double location;
+
+        friend constexpr bool operator==(const Stop&, const Stop&) = default;
+    };
+
+    /// Without locations the colours are evenly spaced from 0 to 1, and a single one stands at 0.
+    /// Absent without a colour, when there are more or fewer locations than colours, and when a
+    /// location lies outside 0 to 1.
+    [[nodiscard]] static std::optional<NSGradient> make(Stops stops);
+
+    [[nodiscard]] std::int64_t numberOfColorStops() const noexcept {
+        return static_cast<std::int64_t>(colorStops().colors.size());
+    }
+    /// Stops the program when there is no such stop.
+    [[nodiscard]] Stop colorStop(std::int64_t index) const noexcept;
+    /// All of them, in order.
+    [[nodiscard]] const ColorStops& colorStops() const noexcept { return stops_.colorStops(); }
+    /// The same stops for the drawing services; every gradient has one.
+    [[nodiscard]] std::optional<CGGradient> cgGradient() const { return stops_; }
+
+    friend bool operator==(const NSGradient&, const NSGradient&) = default;
+
+private:
+    explicit NSGradient(CGGradient stops) noexcept : stops_(std::move(stops)) {}
+
+    CGGradient stops_;
+};
+
+} // namespace zorvan

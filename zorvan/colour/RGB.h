@@ -1,0 +1,62 @@
+#pragma once
+
+#include <zorvan/platform/foundation/Required.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace zorvan {
+
+class CGColor;
+class NSColor;
+struct XYZ;
+struct YUV;
+
+/// An sRGB colour with 8 bits a channel.
+struct RGB {
+    std::uint8_t r = 0;
+    std::uint8_t g = 0;
+    std::uint8_t b = 0;
+
+    struct Unit {
+        Required<double> unitR;
+        Required<double> unitG;
+        Required<double> unitB;
+    };
+    struct Bytes {
+        Required<std::span<const std::uint8_t>> rgbPtr;
+        Required<std::size_t> at;
+    };
+
+    constexpr RGB() noexcept = default;
+    constexpr RGB(std::uint8_t r, std::uint8_t g, std::uint8_t b) noexcept : r(r), g(g), b(b) {}
+    /// From reals: times 255, clamped to 0 to 255 and rounded, halves up; NaN gives 0.
+    explicit RGB(Unit channels) noexcept;
+    /// From three bytes: `RGB({.rgbPtr = bytes, .at = 3 * i})`. Stops the program when there are
+    /// fewer than three from that index on.
+    explicit RGB(Bytes bytes) noexcept;
+    /// Channels out of gamut are clamped.
+    explicit RGB(const XYZ& xyz) noexcept;
+    explicit RGB(const YUV& yuv) noexcept;
+
+    [[nodiscard]] XYZ xyz() const noexcept;
+    [[nodiscard]] YUV yuv() const noexcept;
+
+    /// Opaque.
+    [[nodiscard]] NSColor nsColor() const noexcept;
+    [[nodiscard]] NSColor cpColor() const noexcept;
+    [[nodiscard]] CGColor cgColor() const noexcept;
+
+    static const RGB black;
+
+    friend constexpr bool operator==(const RGB&, const RGB&) = default;
+};
+
+inline constexpr RGB RGB::black{0, 0, 0};
+
+} // namespace zorvan
+
+#include <zorvan/colour/NSColor.h>
+#include <zorvan/colour/XYZ.h>
+#include <zorvan/colour/YUV.h>

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <zorvan/platform/foundation/Required.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zorvan {
+
+/// A colour by red, green, blue and alpha, each from 0 to 1 by convention.
+///
+/// Stored in the order red, blue, green, alpha; made, printed and written in hexadecimal in the
+/// order red, green, blue, alpha.
+struct RGBA {
+    double r = 0;
+    double b = 0;
+    double g = 0;
+    double a = 0;
+
+    struct Components {
+        Required<double> r;
+        Required<double> g;
+        Required<double> b;
+        Required<double> a;
+    };
+    struct HexString {
+        Required<std::string_view> hexString;
+    };
+
+    constexpr RGBA() noexcept = default;
+    constexpr RGBA(double r, double g, double b, double a) noexcept : r(r), b(b), g(g), a(a) {}
+    explicit constexpr RGBA(Components c) noexcept : RGBA(c.r, c.g, c.b, c.a) {}
+
+    /// Reads "#RGB", "#RGBA", "#RRGGBB" or "#RRGGBBAA": `RGBA::make({.hexString = "#F80"})`.
+    ///
+    /// White space is skipped before the "#" and before the digits, "0x" may stand before the
+    /// digits, and whatever follows them is ignored; but every character after the first one of the
+    /// text counts towards the 3, 4, 6 or 8 that choose the form, and the digits are read as one
+    /// number (at most the largest of 64 bits) whose low bits are the components. A character is a
+    /// Unicode code point, or a carriage return with the line feed after it.
+    ///
+    /// Absent without a "#", without a digit, and for another count of characters; the latter also
+    /// prints a line on standard output.
+    [[nodiscard]] static std::optional<RGBA> make(HexString argument);
+
+    /// "#FF8000" when `a` is 1, else "#FF800080": each component times 255, truncated. A component
+    /// outside 0 to 1 gives the hexadecimal digits of the low 32 bits of that integer.
+    [[nodiscard]] std::string hexString() const;
+
+    /// "RGBA(1.0, 0.5, 0.0, 1.0)"
+    [[nodiscard]] std::string description() const;
+
+    static const RGBA zero;
+    static const RGBA black;
+    static const RGBA white;
+    static const RGBA clear;
+
+    friend constexpr bool operator==(const RGBA&, const RGBA&) = default;
+};
+
+inline constexpr RGBA RGBA::zero{0, 0, 0, 0};
+inline constexpr RGBA RGBA::black{0, 0, 0, 1};
+inline constexpr RGBA RGBA::white{1, 1, 1, 1};
+inline constexpr RGBA RGBA::clear{0, 0, 0, 0};
+
+} // namespace zorvan

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <zorvan/colour/RGB.h>
+
+namespace zorvan {
+
+struct LAB;
+
+/// A colour by CIE 1931 tristimulus values under D65; Y of white is 100.
+struct XYZ {
+    double x = 0;
+    double y = 0;
+    double z = 0;
+
+    static constexpr double referenceX = 95.047;
+    static constexpr double referenceY = 100;
+    static constexpr double referenceZ = 108.883;
+
+    constexpr XYZ() noexcept = default;
+    constexpr XYZ(double x, double y, double z) noexcept : x(x), y(y), z(z) {}
+    explicit XYZ(RGB rgb) noexcept;
+    explicit XYZ(const LAB& lab) noexcept;
+
+    [[nodiscard]] RGB rgb() const noexcept { return RGB(*this); }
+    [[nodiscard]] LAB lab() const noexcept;
+
+    friend constexpr bool operator==(const XYZ&, const XYZ&) = default;
+};
+
+inline XYZ RGB::xyz() const noexcept { return XYZ(*this); }
+
+} // namespace zorvan
+
+#include <zorvan/colour/LAB.h>
