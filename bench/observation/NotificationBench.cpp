@@ -1,0 +1,87 @@
+// Telling 1, 10 and 1,000 observers of a change: ours by name and sender, beside the signals of
+// Boost and of Qt (direct connections).
+
+#include <zorvan/platform/dispatch/NSNotificationCenter.h>
+
+#include <QSignalMapper>
+#include <benchmark/benchmark.h>
+#include <boost/signals2/signal.hpp>
+
+#include <memory>
+#include <string>
+
+namespace {
+
+using namespace zorvan;
+
+const NSNotificationName changed = "DocumentDidChangeNotification";
+
+struct Document {};
+
+void postToObservers(benchmark::State& state) {
+    const auto center = NSNotificationCenter::create();
+    const auto document = std::make_shared<Document>();
+    std::int64_t told = 0;
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+        center->addObserver(changed, document, nullptr, [&](const Notification&) { ++told; });
+    for (auto _ : state)
+        center->post(changed, document);
+    if (told != static_cast<std::int64_t>(state.iterations()) * state.range(0))
+        state.SkipWithError("some were not told");
+}
+
+void postAmongOtherNames(benchmark::State& state) {
+    const auto center = NSNotificationCenter::create();
+    const auto document = std::make_shared<Document>();
+    std::int64_t told = 0;
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+        center->addObserver("Other" + std::to_string(i), nullptr, nullptr,
+                            [](const Notification&) {});
+    center->addObserver(changed, document, nullptr, [&](const Notification&) { ++told; });
+    for (auto _ : state)
+        center->post(changed, document);
+    benchmark::DoNotOptimize(told);
+}
+
+void postToNobody(benchmark::State& state) {
+    const auto center = NSNotificationCenter::create();
+    const auto document = std::make_shared<Document>();
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+        center->addObserver("Other" + std::to_string(i), nullptr, nullptr,
+                            [](const Notification&) {});
+    for (auto _ : state)
+        center->post(changed, document);
+}
+
+void boostSignal(benchmark::State& state) {
+    boost::signals2::signal<void(const Document&)> signal;
+    const Document document;
+    std::int64_t told = 0;
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+        signal.connect([&](const Document&) { ++told; });
+    for (auto _ : state)
+        signal(document);
+    benchmark::DoNotOptimize(told);
+}
+
+void qtDirectSignal(benchmark::State& state) {
+    QSignalMapper document; // for its signal with one argument, which anybody may emit
+    std::int64_t told = 0;
+    for (std::int64_t i = 0; i < state.range(0); ++i)
+        QObject::connect(
+            &document, &QSignalMapper::mappedInt, &document, [&](int) { ++told; },
+            Qt::DirectConnection);
+    for (auto _ : state)
+        emit document.mappedInt(1);
+    benchmark::DoNotOptimize(told);
+}
+
+BENCHMARK(postToObservers)->Arg(1)->Arg(10)->Arg(1000);
+BENCHMARK(qtDirectSignal)->Arg(1)->Arg(10)->Arg(1000);
+BENCHMARK(boostSignal)->Arg(1)->Arg(10)->Arg(1000);
+BENCHMARK(postAmongOtherNames)->Arg(0)->Arg(10'000);
+BENCHMARK(postToNobody)->Arg(0)->Arg(10)->Arg(10'000);
+
+} // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,52 @@
+// A request for a value that is loaded, beside a call through a function pointer that reads an
+// atomic.
+
+#include <zorvan/observation/ValueLoader.h>
+#include <zorvan/platform/dispatch/MainQueue.h>
+
+#include <benchmark/benchmark.h>
+
+#include <atomic>
+
+namespace {
+
+using namespace zorvan;
+
+void requestOfALoadedValue(benchmark::State& state) {
+    const auto loader =
+        ValueLoader<int>::create(NSOperationQueue::create(), [] { return std::optional(1); });
+    loader->request(MainQueue::stop);
+    MainQueue::run();
+    std::int64_t calls = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(loader->request([&] { ++calls; }));
+    if (calls != static_cast<std::int64_t>(state.iterations()))
+        state.SkipWithError("not loaded");
+}
+
+void valueOfALoadedValue(benchmark::State& state) {
+    const auto loader =
+        ValueLoader<int>::create(NSOperationQueue::create(), [] { return std::optional(1); });
+    loader->request(MainQueue::stop);
+    MainQueue::run();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(*loader->value());
+}
+
+void functionCallAndAtomicRead(benchmark::State& state) {
+    static std::atomic<int> value = 1;
+    static std::int64_t calls = 0;
+    void (*volatile call)() = [] { ++calls; };
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(value.load(std::memory_order_acquire));
+        call();
+    }
+}
+
+BENCHMARK(requestOfALoadedValue);
+BENCHMARK(valueOfALoadedValue);
+BENCHMARK(functionCallAndAtomicRead);
+
+} // namespace
+
+BENCHMARK_MAIN();

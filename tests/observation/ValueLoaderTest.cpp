@@ -1,0 +1,271 @@
+#include <zorvan/observation/ValueLoader.h>
+#include <zorvan/platform/dispatch/MainQueue.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace zorvan;
+using namespace std::chrono_literals;
+
+namespace {
+
+using Loader = ValueLoader<std::string>;
+using State = Loader::State;
+
+/// A loader on a serial queue that the test can hold shut.
+class ValueLoaderTest : public testing::Test {
+protected:
+    ValueLoaderTest() { queue->setMaxConcurrentOperationCount(1); }
+
+    void holdQueue() {
+        queue->addOperation([gate = gate] { gate->wait(); });
+    }
+
+    static bool runMainUntil(const std::function<bool()>& done) {
+        const auto deadline = std::chrono::steady_clock::now() + 20s;
+        while (!done() && std::chrono::steady_clock::now() < deadline)
+            MainQueue::runUntil(std::chrono::steady_clock::now() + 1ms);
+        return done();
+    }
+
+    bool runUntilQueueIsEmpty() {
+        return runMainUntil([this] { return queue->operationCount() == 0; });
+    }
+
+    std::function<void()> mark(char c) {
+        return [this, c] {
+            EXPECT_TRUE(NSThread::isMainThread());
+            seen += c;
+        };
+    }
+
+    const std::shared_ptr<NSOperationQueue> queue = NSOperationQueue::create();
+    const std::shared_ptr<DispatchSemaphore> gate = DispatchSemaphore::create(0);
+    std::atomic<int> loads = 0;
+    std::optional<std::string> produced = "value";
+    std::shared_ptr<Loader> loader = Loader::create(queue, [this] {
+        EXPECT_FALSE(NSThread::isMainThread());
+        ++loads;
+        return produced;
+    });
+    std::string seen;
+};
+
+TEST_F(ValueLoaderTest, StartsEmpty) {
+    EXPECT_EQ(loader->state(), State::isNotLoaded);
+    EXPECT_FALSE(loader->value());
+    EXPECT_EQ(loader->operationQueue(), queue);
+    EXPECT_EQ(loader->requestsCount(), 0);
+    EXPECT_TRUE(loader->requests().empty());
+    EXPECT_EQ(loads, 0);
+}
+
+TEST_F(ValueLoaderTest, SeveralRequestsShareOneLoad) {
+    holdQueue();
+    std::vector<std::shared_ptr<ValueRequest<std::string>>> requests{
+        loader->request(mark('a')), loader->request(mark('b')), loader->request()};
+    EXPECT_EQ(loader->state(), State::isLoading);
+    EXPECT_EQ(loader->requestsCount(), 3);
+    EXPECT_EQ(loader->requests().size(), 3U);
+    EXPECT_EQ(requests[2]->index(), 2);
+    gate->signal();
+    ASSERT_TRUE(runUntilQueueIsEmpty());
+    EXPECT_EQ(loads, 1);
+    EXPECT_TRUE(seen == "ab" || seen == "ba") << seen;
+    EXPECT_EQ(loader->state(), State::isLoaded);
+    EXPECT_EQ(loader->value(), "value");
+    EXPECT_EQ(loader->requestsCount(), 0);
+    EXPECT_TRUE(loader->requests().empty());
+    for (const auto& request : requests) {
+        EXPECT_FALSE(request->index());
+        EXPECT_FALSE(request->wait()) << "absent at once when it is no longer pending";
+        request->cancel();
+    }
+    MainQueue::drain();
+}
+
+TEST_F(ValueLoaderTest, ALoadedValueIsAnsweredAtOnce) {
+    for (const bool some : {true, false}) {
+        if (!some)
+            produced = std::nullopt;
+        const auto each = Loader::create(queue, [this] { return produced; });
+        each->request();
+        ASSERT_TRUE(runUntilQueueIsEmpty());
+        EXPECT_EQ(each->state(), State::isLoaded);
+        EXPECT_EQ(each->value(), produced);
+        seen.clear();
+        EXPECT_FALSE(each->request(mark('x')));
+        EXPECT_EQ(seen, "x");
+        EXPECT_FALSE(each->request());
+        bool calledThere = false;
+        std::thread([&] { each->request([&] { calledThere = true; }); }).join();
+        EXPECT_TRUE(calledThere);
+    }
+}
+
+TEST_F(ValueLoaderTest, CancellingEveryRequestBeforeTheStartSkipsTheWork) {
+    holdQueue();
+    const auto first = loader->request(mark('a'));
+    const auto second = loader->request(mark('b'));
+    first->cancel();
+    second->cancel();
+    second->cancel();
+    EXPECT_TRUE(first->index()) << "it takes effect in the main queue's turn";
+    MainQueue::drain();
+    EXPECT_FALSE(first->index());
+    EXPECT_EQ(loader->state(), State::isLoading);
+    gate->signal();
+    ASSERT_TRUE(runUntilQueueIsEmpty());
+    EXPECT_EQ(loads, 0);
+    EXPECT_EQ(loader->state(), State::isNotLoaded);
+
+    const auto third = loader->request(mark('c'));
+    EXPECT_EQ(third->index(), 2) << "keys go on after a skipped load";
+    ASSERT_TRUE(runUntilQueueIsEmpty());
+    EXPECT_EQ(loads, 1);
+    EXPECT_EQ(seen, "c");
+}
+
+TEST_F(ValueLoaderTest, ACancelledRequestLeavesTheOthers) {
+    holdQueue();
+    const auto dropped = loader->request(mark('a'));
+    const auto kept = loader->request(mark('b'));
+    dropped->cancel();
+    MainQueue::drain();
+    gate->signal();
+    ASSERT_TRUE(runUntilQueueIsEmpty());
+    EXPECT_EQ(loads, 1);
+    EXPECT_EQ(seen, "b");
+}
+
+TEST_F(ValueLoaderTest, ARequestIsDoneBeforeItsCompletionRuns) {
+    std::shared_ptr<ValueRequest<std::string>> first;
+    std::shared_ptr<ValueRequest<std::string>> second;
+    holdQueue();
+    const auto completion = [&] {
+        seen += first->index() ? 'p' : 'd';
+        EXPECT_EQ(loader->state(), State::isLoaded);
+        EXPECT_EQ(loader->value(), "value");
+        EXPECT_FALSE(loader->request());
+        // Both are cancelled by whichever completes first; the queue is run before the other's
+        // turn.
+        first->cancel();
+        second->cancel();
+        MainQueue::drain();
+    };
+    first = loader->request(completion);
+    second = loader->request(completion);
+    gate->signal();
+    ASSERT_TRUE(runUntilQueueIsEmpty());
+    EXPECT_EQ(seen.size(), 1U) << "the other was cancelled in time";
+    EXPECT_TRUE(loader->requests().empty());
+}
+
+TEST_F(ValueLoaderTest, BackgroundThreadsWaitForTheValueOrTheCancellation) {
+    holdQueue();
+    const auto request = loader->request();
+    const auto cancelled = loader->request(mark('x'));
+    std::atomic<int> values = 0;
+    std::atomic<int> absent = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) {
+        threads.emplace_back([&] { (request->wait() == "value" ? values : absent)++; });
+        threads.emplace_back([&] { (cancelled->wait() ? values : absent)++; });
+    }
+    cancelled->cancel();
+    ASSERT_TRUE(runMainUntil([&] { return absent == 3; }));
+    EXPECT_EQ(values, 0);
+    std::this_thread::sleep_for(20ms); // so that the others are in their waits
+    gate->signal();
+    // A thread that came too late to wait finds the request done.
+    ASSERT_TRUE(runMainUntil([&] { return values + absent == 6; }));
+    EXPECT_GE(values, 1);
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(seen, "");
+    ASSERT_TRUE(runUntilQueueIsEmpty());
+}
+
+TEST_F(ValueLoaderTest, TheLoadKeepsTheLoaderAliveAndTheRequestDoesNot) {
+    holdQueue();
+    const auto request = loader->request(mark('a'));
+    const std::weak_ptr<Loader> watched = loader;
+    loader = nullptr;
+    EXPECT_FALSE(watched.expired());
+    gate->signal();
+    ASSERT_TRUE(runUntilQueueIsEmpty());
+    EXPECT_EQ(seen, "a");
+    EXPECT_TRUE(watched.expired());
+    EXPECT_FALSE(request->wait());
+    request->cancel();
+}
+
+TEST_F(ValueLoaderTest, AMainOperationQueueWillDo) {
+    const auto onMain = Loader::create(NSOperationQueue::main(), [] { return "m"; });
+    onMain->request(mark('m'));
+    EXPECT_EQ(onMain->state(), State::isLoading);
+    MainQueue::drain();
+    EXPECT_EQ(onMain->value(), "m");
+    EXPECT_EQ(seen, "m");
+}
+
+using ValueLoaderDeathTest = ValueLoaderTest;
+
+TEST_F(ValueLoaderDeathTest, StopsOnTheWrongThread) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(loader->request()->wait(),
+                 "^The main thread cannot wait for a value that it must complete.\n$");
+    EXPECT_DEATH(std::thread([&] { loader->request(); }).join(),
+                 "^A value that is not loaded can only be requested on the main thread.\n$");
+}
+
+TEST_F(ValueLoaderTest, ThousandsOfLoadersUnderRacingCancellationsAndWaits) {
+    struct Case {
+        std::shared_ptr<ValueLoader<int>> loader;
+        std::shared_ptr<ValueRequest<int>> request;
+        std::atomic<int> completions = 0;
+        bool cancelled = false;
+    };
+    constexpr int count = 3000;
+    const auto many = NSOperationQueue::create();
+    const auto waits = NSOperationQueue::create();
+    std::vector<Case> cases(count);
+    std::atomic<int> wrong = 0;
+    std::mt19937 random(6);
+    for (int i = 0; i < count; ++i) {
+        Case& each = cases[static_cast<std::size_t>(i)];
+        each.loader = ValueLoader<int>::create(many, [i] { return i; });
+        each.request = each.loader->request([&each] { ++each.completions; });
+        each.cancelled = random() % 2;
+        waits->addOperation([&wrong, i, request = each.request] {
+            const std::optional<int> value = request->wait();
+            if (value && *value != i)
+                ++wrong;
+        });
+        if (each.cancelled)
+            waits->addOperation([request = each.request] { request->cancel(); });
+        if (each.cancelled && i % 2)
+            each.request->cancel();
+        if (random() % 4 == 0)
+            each.loader = nullptr;
+        if (i % 64 == 0)
+            MainQueue::drain();
+    }
+    ASSERT_TRUE(
+        runMainUntil([&] { return many->operationCount() == 0 && waits->operationCount() == 0; }));
+    MainQueue::drain();
+    EXPECT_EQ(wrong, 0);
+    for (const Case& each : cases) {
+        EXPECT_FALSE(each.request->index());
+        EXPECT_LE(each.completions, 1);
+        EXPECT_TRUE(each.cancelled || each.completions == 1);
+        EXPECT_TRUE(!each.loader || !each.completions || each.loader->value());
+    }
+}
+
+} // namespace

@@ -1,0 +1,58 @@
+#include <zorvan/platform/dispatch/DispatchSemaphore.h>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+using namespace zorvan;
+using namespace std::chrono_literals;
+
+namespace {
+
+TEST(DispatchSemaphore, CountsSignals) {
+    const auto semaphore = DispatchSemaphore::create(2);
+    EXPECT_TRUE(semaphore->wait(0s));
+    EXPECT_TRUE(semaphore->wait(std::chrono::nanoseconds::min()));
+    EXPECT_FALSE(semaphore->wait(0s));
+    semaphore->signal();
+    EXPECT_TRUE(semaphore->wait(std::chrono::steady_clock::time_point::min()));
+    EXPECT_FALSE(semaphore->wait(std::chrono::steady_clock::time_point::min()));
+}
+
+TEST(DispatchSemaphore, GivesUpAfterTheTimeOutAndTakesNothing) {
+    const auto semaphore = DispatchSemaphore::create(0);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(semaphore->wait(20ms));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 20ms);
+    semaphore->signal();
+    EXPECT_TRUE(semaphore->wait(std::chrono::nanoseconds::max()));
+}
+
+TEST(DispatchSemaphore, EverySignalLetsOneThreadOn) {
+    const auto semaphore = DispatchSemaphore::create(0);
+    std::atomic<int> through = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&, i] {
+            for (int turn = 0; turn < 500; ++turn) {
+                if (i % 2 == 0)
+                    semaphore->signal();
+                else
+                    semaphore->wait();
+                ++through;
+            }
+        });
+    }
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(through, 4000);
+    EXPECT_FALSE(semaphore->wait(0s));
+}
+
+TEST(DispatchSemaphoreDeathTest, RefusesANegativeCount) {
+    EXPECT_DEATH(DispatchSemaphore::create(-1),
+                 "^A semaphore cannot start with a negative count.\n$");
+}
+
+} // namespace

@@ -1,0 +1,151 @@
+#include <zorvan/platform/dispatch/DispatchQueue.h>
+#include <zorvan/platform/dispatch/MainQueue.h>
+#include <zorvan/platform/dispatch/NSThread.h>
+
+#include <gtest/gtest.h>
+
+#include <poll.h>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace zorvan;
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+bool isReadable(int descriptor, std::chrono::milliseconds timeout) {
+    pollfd entry{descriptor, POLLIN, 0};
+    return ::poll(&entry, 1, static_cast<int>(timeout.count())) == 1;
+}
+
+TEST(MainQueue, MainThreadIsTheOneTheProcessBeganWith) {
+    EXPECT_TRUE(NSThread::isMainThread());
+    bool elsewhere = true;
+    std::thread([&] { elsewhere = NSThread::isMainThread(); }).join();
+    EXPECT_FALSE(elsewhere);
+}
+
+TEST(MainQueue, DrainRunsWhatIsQueuedAndNotWhatThatQueues) {
+    std::string seen;
+    DispatchQueue::main()->async([&] {
+        seen += 'a';
+        DispatchQueue::main()->async([&] { seen += 'c'; });
+    });
+    DispatchQueue::main()->async([&] { seen += 'b'; });
+    EXPECT_EQ(MainQueue::drain(), 2U);
+    EXPECT_EQ(seen, "ab");
+    EXPECT_EQ(MainQueue::drain(), 1U);
+    EXPECT_EQ(seen, "abc");
+    EXPECT_EQ(MainQueue::drain(), 0U);
+}
+
+TEST(MainQueue, NestedDrainGoesOnWithTheBlocksBehind) {
+    std::string seen;
+    DispatchQueue::main()->async([&] {
+        seen += '(';
+        EXPECT_EQ(MainQueue::drain(), 2U);
+        seen += ')';
+    });
+    DispatchQueue::main()->async([&] { seen += 'a'; });
+    DispatchQueue::main()->async([&] { seen += 'b'; });
+    EXPECT_EQ(MainQueue::drain(), 1U) << "the nested drain took the others";
+    EXPECT_EQ(seen, "(ab)");
+}
+
+TEST(MainQueue, StopEndsTheInnermostRunAndLeavesTheRestQueued) {
+    std::string seen;
+    DispatchQueue::main()->async([&] {
+        DispatchQueue::main()->async([&] {
+            seen += "inner ";
+            MainQueue::stop();
+        });
+        MainQueue::run();
+        seen += "outer ";
+        MainQueue::stop();
+        DispatchQueue::main()->async([&] { seen += "rest"; });
+    });
+    MainQueue::run();
+    EXPECT_EQ(seen, "inner outer ");
+    MainQueue::stop();
+    EXPECT_TRUE(MainQueue::runUntil(Clock::now() + 10s)) << "a stop before is not lost";
+    EXPECT_EQ(seen, "inner outer ");
+    EXPECT_FALSE(MainQueue::runUntil(Clock::now() + 20ms));
+    EXPECT_EQ(seen, "inner outer rest");
+}
+
+TEST(MainQueue, RunEndsAtTheDeadlineEvenWhenWorkNeverEnds) {
+    std::function<void()> again = [&] { DispatchQueue::main()->async(again); };
+    again();
+    EXPECT_FALSE(MainQueue::runUntil(Clock::now() + 20ms));
+    again = [] {};
+    MainQueue::drain();
+    MainQueue::drain();
+}
+
+TEST(MainQueue, SyncFromElsewhereRunsHereAndBringsResultAndException) {
+    bool ranOnMain = false;
+    int result = 0;
+    std::string error;
+    std::thread other([&] {
+        result = DispatchQueue::main()->sync([&] {
+            ranOnMain = NSThread::isMainThread();
+            return 42;
+        });
+        try {
+            DispatchQueue::main()->sync([] { throw std::runtime_error("refused"); });
+        } catch (const std::runtime_error& e) {
+            error = e.what();
+        }
+        MainQueue::stop();
+    });
+    MainQueue::run();
+    other.join();
+    EXPECT_TRUE(ranOnMain);
+    EXPECT_EQ(result, 42);
+    EXPECT_EQ(error, "refused");
+}
+
+TEST(MainQueue, DescriptorIsReadableExactlyWhileWorkIsQueued) {
+    const int descriptor = MainQueue::fileDescriptor();
+    EXPECT_EQ(MainQueue::fileDescriptor(), descriptor);
+    EXPECT_FALSE(isReadable(descriptor, 0ms));
+    DispatchQueue::main()->async([] {});
+    DispatchQueue::main()->async([] { DispatchQueue::main()->async([] {}); });
+    EXPECT_TRUE(isReadable(descriptor, 0ms));
+    EXPECT_EQ(MainQueue::drain(), 2U);
+    EXPECT_TRUE(isReadable(descriptor, 0ms)) << "a block has queued another";
+    EXPECT_EQ(MainQueue::drain(), 1U);
+    EXPECT_FALSE(isReadable(descriptor, 0ms));
+}
+
+TEST(MainQueue, AForeignEventLoopServesItThroughTheDescriptor) {
+    int served = 0;
+    std::thread other([&] {
+        for (int i = 0; i < 500; ++i)
+            DispatchQueue::main()->sync([&] { ++served; });
+        DispatchQueue::main()->asyncAfter(20ms, [&] { served = -served; });
+    });
+    while (served >= 0) {
+        ASSERT_TRUE(isReadable(MainQueue::fileDescriptor(), 10'000ms)) << served;
+        MainQueue::drain();
+    }
+    other.join();
+    EXPECT_EQ(served, -500);
+}
+
+TEST(MainQueueDeathTest, StopsOffTheMainThread) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(std::thread([] { MainQueue::drain(); }).join(),
+                 "^The main queue can only be drained on the main thread.\n$");
+    EXPECT_DEATH(
+        {
+            DispatchQueue::main()->async([] { throw std::runtime_error("unheard"); });
+            MainQueue::drain();
+        },
+        "unheard");
+}
+
+} // namespace

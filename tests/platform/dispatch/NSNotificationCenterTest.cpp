@@ -1,0 +1,273 @@
+#include <zorvan/platform/dispatch/DispatchSemaphore.h>
+#include <zorvan/platform/dispatch/MainQueue.h>
+#include <zorvan/platform/dispatch/NSNotificationCenter.h>
+#include <zorvan/platform/dispatch/NSThread.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <new>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <unordered_set>
+#include <vector>
+
+using namespace zorvan;
+using namespace std::chrono_literals;
+
+namespace {
+
+const NSNotificationName opened = "Opened";
+const NSNotificationName closed = "Closed";
+
+struct Edition {
+    int rows;
+};
+
+class NSNotificationCenterTest : public testing::Test {
+protected:
+    std::shared_ptr<NotificationObserver> observe(std::optional<NSNotificationName> name,
+                                                  std::shared_ptr<const void> sender, char mark) {
+        return center->addObserver(name, std::move(sender), nullptr,
+                                   [this, mark](const Notification&) { seen += mark; });
+    }
+
+    std::string told(NSNotificationName name, std::shared_ptr<const void> sender = {}) {
+        seen.clear();
+        center->post(name, std::move(sender));
+        return seen;
+    }
+
+    const std::shared_ptr<NSNotificationCenter> center = NSNotificationCenter::create();
+    const std::shared_ptr<int> one = std::make_shared<int>(1);
+    const std::shared_ptr<int> two = std::make_shared<int>(2);
+    std::string seen;
+};
+
+TEST(NSNotificationName, IsItsText) {
+    EXPECT_EQ(NSNotificationName(std::string("Opened")), opened);
+    EXPECT_NE(opened, closed);
+    EXPECT_GT(opened, closed);
+    EXPECT_EQ(opened.rawValue(), "Opened");
+    EXPECT_EQ((std::unordered_set<NSNotificationName>{opened, closed, "Opened"}).size(), 2U);
+}
+
+TEST_F(NSNotificationCenterTest, TellsByNameAndSenderInTheOrderOfRegistration) {
+    observe(opened, nullptr, 'a');
+    observe(std::nullopt, nullptr, 'b');
+    observe(opened, one, 'c');
+    observe(std::nullopt, one, 'd');
+    observe(closed, nullptr, 'e');
+    observe(opened, two, 'f');
+    observe(opened, nullptr, 'g');
+    observe(opened, one, 'h');
+    EXPECT_EQ(told(opened, one), "abcdgh");
+    EXPECT_EQ(told(opened, two), "abfg");
+    EXPECT_EQ(told(opened), "abg");
+    EXPECT_EQ(told(closed, one), "bde");
+    EXPECT_EQ(told("Other"), "b");
+}
+
+TEST_F(NSNotificationCenterTest, HandsOverTheNotification) {
+    const auto edition = std::make_shared<const Edition>(Edition{7});
+    int told = 0;
+    center->addObserver(opened, nullptr, nullptr, [&](const Notification& note) {
+        ++told;
+        EXPECT_EQ(note.name, opened);
+        EXPECT_EQ(note.object, one);
+        ASSERT_TRUE(note.value<Edition>("Edition"));
+        EXPECT_EQ(note.value<Edition>("Edition")->rows, 3);
+        EXPECT_EQ(*note.value<std::shared_ptr<const Edition>>("Shared"), edition);
+        EXPECT_FALSE(note.value<int>("Edition")) << "of another type";
+        EXPECT_FALSE(note.value<Edition>("Other"));
+    });
+    center->post(opened, one, {{{"Edition", Edition{3}}, {"Shared", edition}}});
+    center->post(Notification(opened, one, {{{"Edition", Edition{3}}, {"Shared", edition}}}));
+    EXPECT_EQ(told, 2);
+    EXPECT_FALSE(Notification(opened).value<int>("Edition"));
+    EXPECT_FALSE(Notification(opened).userInfo.has_value());
+}
+
+TEST_F(NSNotificationCenterTest, ARemovedObserverIsToldNoMore) {
+    const auto a = observe(opened, nullptr, 'a');
+    const auto b = observe(opened, one, 'b');
+    center->removeObserver(a);
+    EXPECT_EQ(told(opened, one), "b");
+    center->removeObserver(a);
+    center->removeObserver(nullptr);
+    NSNotificationCenter::create()->removeObserver(b);
+    EXPECT_EQ(told(opened, one), "b");
+    center->removeObserver(b);
+    EXPECT_EQ(told(opened, one), "");
+}
+
+TEST_F(NSNotificationCenterTest, RemovalReleasesTheBlockAndTheCenterKeepsTheRegistration) {
+    auto held = std::make_shared<int>(0);
+    const std::weak_ptr<int> watched = held;
+    auto token = center->addObserver(opened, nullptr, nullptr, [held](const Notification&) {});
+    held = nullptr;
+    center->post(opened);
+    const std::weak_ptr<NotificationObserver> registration = token;
+    token = nullptr;
+    EXPECT_FALSE(registration.expired());
+    EXPECT_FALSE(watched.expired());
+    center->removeObserver(registration.lock());
+    EXPECT_TRUE(registration.expired());
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(NSNotificationCenterTest, ObserversMayRemoveAndAddWhileBeingTold) {
+    std::shared_ptr<NotificationObserver> self;
+    std::shared_ptr<NotificationObserver> later;
+    self = center->addObserver(opened, nullptr, nullptr, [&](const Notification&) {
+        seen += 's';
+        center->removeObserver(self);
+        center->removeObserver(later);
+        observe(opened, nullptr, 'n');
+    });
+    later = observe(opened, nullptr, 'l');
+    observe(opened, nullptr, 'k');
+    EXPECT_EQ(told(opened), "sk") << "neither the removed nor the new one";
+    EXPECT_EQ(told(opened), "kn");
+}
+
+TEST_F(NSNotificationCenterTest, PostsMayNest) {
+    observe(closed, nullptr, 'c');
+    center->addObserver(opened, nullptr, nullptr, [&](const Notification&) {
+        seen += '(';
+        center->post(closed);
+        seen += ')';
+    });
+    observe(opened, nullptr, 'o');
+    EXPECT_EQ(told(opened), "(c)o");
+}
+
+TEST_F(NSNotificationCenterTest, ABlockMayUseTheCenterWhenItIsReleased) {
+    struct Last {
+        NSNotificationCenter& center;
+        ~Last() { center.post(closed); }
+    };
+    observe(closed, nullptr, 'c');
+    const std::weak_ptr<NotificationObserver> token = center->addObserver(
+        opened, nullptr, nullptr, [last = std::make_shared<Last>(*center)](const Notification&) {});
+    center->removeObserver(token.lock());
+    EXPECT_EQ(seen, "c");
+}
+
+TEST_F(NSNotificationCenterTest, AnExceptionReachesThePosterAndEndsThePost) {
+    observe(opened, nullptr, 'a');
+    const auto thrower = center->addObserver(
+        opened, nullptr, nullptr, [](const Notification&) { throw std::runtime_error("no"); });
+    observe(opened, nullptr, 'b');
+    EXPECT_THROW(center->post(opened), std::runtime_error);
+    EXPECT_EQ(seen, "a");
+    center->removeObserver(thrower);
+    EXPECT_EQ(told(opened), "ab");
+}
+
+TEST_F(NSNotificationCenterTest, AnObjectAtTheAddressOfAGoneSenderIsNotTakenForIt) {
+    alignas(int) std::byte place[sizeof(int)];
+    const auto make = [&] { return std::shared_ptr<int>(new (place) int(0), [](int*) {}); };
+    auto sender = make();
+    const auto old = observe(opened, sender, 'o');
+    EXPECT_EQ(told(opened, sender), "o");
+    sender = nullptr;
+    sender = make();
+    EXPECT_EQ(told(opened, sender), "");
+    const auto fresh = observe(opened, sender, 'f');
+    EXPECT_EQ(told(opened, sender), "f");
+    center->removeObserver(old);
+    EXPECT_EQ(told(opened, sender), "f");
+    center->removeObserver(fresh);
+    EXPECT_EQ(told(opened, sender), "");
+}
+
+TEST_F(NSNotificationCenterTest, AQueueIsRespectedAndNotWaitedFor) {
+    std::thread::id ranOn;
+    const auto token = center->addObserver(opened, nullptr, NSOperationQueue::main(),
+                                           [&](const Notification& note) {
+                                               EXPECT_TRUE(NSThread::isMainThread());
+                                               EXPECT_EQ(*note.value<int>("n"), 5);
+                                               seen += 'm';
+                                           });
+    std::thread([&] { center->post(opened, nullptr, {{{"n", 5}}}); }).join();
+    EXPECT_EQ(seen, "");
+    MainQueue::drain();
+    EXPECT_EQ(seen, "m");
+    center->post(opened, nullptr, {{{"n", 5}}});
+    center->removeObserver(token);
+    MainQueue::drain();
+    EXPECT_EQ(seen, "m") << "removed before its turn came";
+}
+
+TEST_F(NSNotificationCenterTest, RandomRegistrationsMatchAPlainList) {
+    struct Entry {
+        std::optional<NSNotificationName> name;
+        std::shared_ptr<int> sender;
+        char mark;
+        std::shared_ptr<NotificationObserver> token;
+    };
+    std::mt19937 random(20);
+    const std::vector<std::optional<NSNotificationName>> names{opened, closed, std::nullopt};
+    const std::vector<std::shared_ptr<int>> senders{one, two, nullptr};
+    std::vector<Entry> model;
+    for (int step = 0; step < 3000; ++step) {
+        const auto name = names[random() % 3];
+        const auto sender = senders[random() % 3];
+        if (random() % 3 && model.size() < 40) {
+            const char mark = static_cast<char>('A' + random() % 26);
+            model.push_back({name, sender, mark, observe(name, sender, mark)});
+        } else if (!model.empty()) {
+            const auto victim = model.begin() + static_cast<long>(random() % model.size());
+            center->removeObserver(victim->token);
+            model.erase(victim);
+        }
+        std::string expected;
+        for (const Entry& entry : model) {
+            if ((!entry.name || *entry.name == opened) && (!entry.sender || entry.sender == two))
+                expected += entry.mark;
+        }
+        ASSERT_EQ(told(opened, two), expected) << step;
+    }
+}
+
+TEST_F(NSNotificationCenterTest, ThreadsMayPostWhileOthersRegisterAndRemove) {
+    std::atomic<int> calls = 0;
+    std::atomic<bool> stop = false;
+    const auto steady =
+        center->addObserver(opened, nullptr, nullptr, [&](const Notification&) { ++calls; });
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 2; ++t) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 3000; ++i)
+                center->post(opened, one);
+        });
+        threads.emplace_back([&, t] {
+            const NSNotificationName ownName = "Own" + std::to_string(t);
+            while (!stop) {
+                int mine = 0;
+                const auto shared =
+                    center->addObserver(t ? std::optional(opened) : std::nullopt, t ? one : nullptr,
+                                        nullptr, [](const Notification&) {});
+                const auto own = center->addObserver(ownName, nullptr, nullptr,
+                                                     [&](const Notification&) { ++mine; });
+                center->post(ownName);
+                center->removeObserver(shared);
+                center->removeObserver(own);
+                center->post(ownName);
+                EXPECT_EQ(mine, 1);
+            }
+        });
+    }
+    threads[0].join();
+    threads[2].join();
+    stop = true;
+    threads[1].join();
+    threads[3].join();
+    EXPECT_EQ(calls, 6000);
+}
+
+} // namespace

@@ -1,0 +1,87 @@
+// A process of its own that posts and observes as it is told on standard input, one command a line:
+//
+//   observe NAME [SENDER]    prints "observing", and from then on each notification
+//   ignore                   ends the last observation and prints "ignoring"
+//   post NAME SENDER COUNT   posts COUNT notifications numbered from 0, then prints "posted"
+//   flood NAME SENDER        posts without end
+//   large NAME SENDER SIZE   posts one with that many bytes
+//
+// SENDER "-" stands for none. A notification is printed as NAME SENDER NUMBER and the size of its
+// bytes.
+
+#include <zorvan/platform/dispatch/DispatchQueue.h>
+#include <zorvan/platform/dispatch/MainQueue.h>
+#include <zorvan/platform/messagebus/NSDistributedNotificationCenter.h>
+
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace zorvan;
+
+namespace {
+
+NSDistributedNotificationCenter& center() {
+    return *NSDistributedNotificationCenter::defaultCenter();
+}
+
+std::vector<std::shared_ptr<NotificationObserver>> observers;
+
+void say(const std::string& line) { std::cout << line << std::endl; }
+
+void report(const Notification& notification) {
+    const std::string* sender = NSDistributedNotificationCenter::sender(notification);
+    const auto* number = notification.value<PropertyList>("number");
+    const auto* bytes = notification.value<PropertyList>("bytes");
+    std::ostringstream line;
+    line << notification.name.rawValue() << ' ' << (sender ? *sender : "-") << ' '
+         << (number ? number->as<NSNumber>()->int64Value() : -1) << ' '
+         << (bytes ? bytes->as<Data>()->size() : 0);
+    say(line.str());
+}
+
+void post(const std::string& name, const std::string& sender, std::int64_t number,
+          std::size_t size) {
+    center().post(name, sender == "-" ? std::nullopt : std::optional(sender),
+                  PropertyList::Dictionary{{"number", number}, {"bytes", Data(size)}});
+}
+
+void obey(const std::string& line) {
+    std::istringstream words(line);
+    std::string command;
+    std::string name;
+    std::string sender;
+    std::int64_t count = 0;
+    words >> command >> name >> sender >> count;
+    if (command == "observe") {
+        const auto object = sender.empty() ? nullptr : std::make_shared<const std::string>(sender);
+        observers.push_back(center().addObserver(name, object, nullptr, report));
+        say("observing");
+    } else if (command == "ignore") {
+        center().removeObserver(observers.back());
+        observers.pop_back();
+        say("ignoring");
+    } else if (command == "post") {
+        for (std::int64_t i = 0; i < count; ++i)
+            post(name, sender, i, 0);
+        say("posted");
+    } else if (command == "flood") {
+        for (std::int64_t i = 0;; ++i)
+            post(name, sender, i, 100);
+    } else if (command == "large") {
+        post(name, sender, 0, static_cast<std::size_t>(count));
+    }
+}
+
+} // namespace
+
+int main() {
+    std::thread([] {
+        for (std::string line; std::getline(std::cin, line);)
+            DispatchQueue::main()->async([line] { obey(line); });
+        DispatchQueue::main()->async([] { MainQueue::stop(); });
+    }).detach();
+    MainQueue::run();
+}

@@ -1,0 +1,100 @@
+#include <zorvan/platform/messagebus/internal/UTF8.h>
+#include <zorvan/platform/messagebus/internal/WireFormat.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <stdexcept>
+
+using namespace zorvan;
+using namespace zorvan::internal;
+
+namespace {
+
+WireNotification sample() {
+    return {"Name", "Sender",
+            PropertyList::Dictionary{
+                {"array", PropertyList::Array{1, "two", 3.5, PropertyList::Array{}}},
+                {"data", Data{std::byte{0}, std::byte{255}}},
+                {"date", Date(std::chrono::nanoseconds(-1'234'567'890'123'456'789))},
+                {"dictionary", PropertyList::Dictionary{{"", true}, {"é", false}}},
+                {"least", std::numeric_limits<std::int64_t>::min()},
+                {"text", "\xF0\x9F\x98\x80"}}};
+}
+
+WireNotification nested(std::size_t depth) {
+    PropertyList value = 1;
+    for (std::size_t i = 1; i < depth; ++i)
+        value = PropertyList(PropertyList::Array{value});
+    return {"Deep", std::nullopt, PropertyList::Dictionary{{"a", value}}};
+}
+
+TEST(WireFormat, ComesBackAsItWent) {
+    for (const WireNotification& each :
+         {sample(), WireNotification{"N", std::nullopt, std::nullopt},
+          WireNotification{"N", "", PropertyList::Dictionary{}}, nested(maxWireDepth)})
+        EXPECT_EQ(decodeNotification(encode(each)), each);
+}
+
+TEST(WireFormat, KeepsTheKindsOfNumbersApart) {
+    const auto back = decodeNotification(
+        encode({"N", {}, PropertyList::Dictionary{{"b", true}, {"i", 1}, {"r", 1.0}}}));
+    ASSERT_TRUE(back);
+    EXPECT_TRUE(back->userInfo->at("b").as<NSNumber>()->isBool());
+    EXPECT_TRUE(back->userInfo->at("i").as<NSNumber>()->isInteger());
+    EXPECT_TRUE(back->userInfo->at("r").as<NSNumber>()->isReal());
+}
+
+TEST(WireFormat, RefusesWhatItCouldNotSend) {
+    EXPECT_THROW(encode({"", {}, {}}), std::invalid_argument);
+    EXPECT_THROW(encode({std::string("a\0b", 3), {}, {}}), std::invalid_argument);
+    EXPECT_THROW(encode({"\xFF", {}, {}}), std::invalid_argument);
+    EXPECT_THROW(encode({"N", "\xC0\x80", {}}), std::invalid_argument);
+    EXPECT_THROW(encode({"N", {}, PropertyList::Dictionary{{"k", "\xED\xA0\x80"}}}),
+                 std::invalid_argument);
+    EXPECT_THROW(encode(nested(maxWireDepth + 1)), std::length_error);
+    EXPECT_THROW(encode({"N", {}, PropertyList::Dictionary{{"k", Data(maxWireSize)}}}),
+                 std::length_error);
+    const PropertyList::Array many(maxWireValues, 1);
+    EXPECT_THROW(encode({"N", {}, PropertyList::Dictionary{{"k", many}}}), std::length_error);
+}
+
+TEST(WireFormat, RefusesEveryMessageCutShortOrDrawnOut) {
+    Data bytes = encode(sample());
+    for (std::size_t size = 0; size < bytes.size(); ++size)
+        EXPECT_FALSE(decodeNotification(std::span(bytes).first(size))) << size;
+    bytes.push_back(std::byte{0});
+    EXPECT_FALSE(decodeNotification(bytes));
+    bytes.pop_back();
+    bytes[0] = std::byte{2};
+    EXPECT_FALSE(decodeNotification(bytes)) << "of another version";
+}
+
+TEST(WireFormat, WhateverItAcceptsItWouldSendAlike) {
+    const Data good = encode(sample());
+    std::mt19937 random(4);
+    int accepted = 0;
+    for (int i = 0; i < 20'000; ++i) {
+        Data bytes = good;
+        for (unsigned change = 0; change <= random() % 3; ++change)
+            bytes[random() % bytes.size()] = static_cast<std::byte>(random());
+        if (const auto read = decodeNotification(bytes)) {
+            ++accepted;
+            ASSERT_EQ(encode(*read), bytes);
+        }
+    }
+    EXPECT_GT(accepted, 100) << "some changes do no harm";
+}
+
+TEST(UTF8, KnowsWellFormedText) {
+    for (const char* good : {"", "a", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF",
+                             "\xEE\x80\x80", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"})
+        EXPECT_TRUE(isUTF8(good)) << good;
+    for (const char* bad :
+         {"\x80", "\xC1\xBF", "\xC2", "\xC2\x41", "\xE0\x9F\xBF", "\xE2\x82", "\xED\xA0\x80",
+          "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xF0\x90\x80"})
+        EXPECT_FALSE(isUTF8(bad)) << testing::PrintToString(std::string(bad));
+}
+
+} // namespace

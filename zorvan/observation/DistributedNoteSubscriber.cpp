@@ -1,0 +1,3 @@
+#include <zorvan/observation/DistributedNoteSubscriber.h>
+
+template class zorvan::BasicNoteSubscriber<zorvan::NSDistributedNotificationCenter>;

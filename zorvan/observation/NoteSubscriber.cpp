@@ -1,0 +1,3 @@
+#include <zorvan/observation/NoteSubscriber.h>
+
+template class zorvan::BasicNoteSubscriber<zorvan::NSNotificationCenter>;

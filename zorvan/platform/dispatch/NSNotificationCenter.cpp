@@ -1,0 +1,48 @@
+#include <zorvan/platform/dispatch/NSNotificationCenter.h>
+
+#include <zorvan/platform/dispatch/internal/NotificationRegistry.h>
+
+#include <utility>
+
+namespace zorvan {
+
+std::shared_ptr<NSNotificationCenter> NSNotificationCenter::create() {
+    return std::shared_ptr<NSNotificationCenter>(new NSNotificationCenter);
+}
+
+const std::shared_ptr<NSNotificationCenter>& NSNotificationCenter::defaultCenter() {
+    static const auto* const center = new std::shared_ptr<NSNotificationCenter>(create());
+    return *center;
+}
+
+NSNotificationCenter::NSNotificationCenter() : registry_(std::make_unique<Registry>()) {}
+
+NSNotificationCenter::~NSNotificationCenter() = default;
+
+std::shared_ptr<NotificationObserver>
+NSNotificationCenter::addObserver(std::optional<NSNotificationName> name,
+                                  std::shared_ptr<Sender> object,
+                                  std::shared_ptr<NSOperationQueue> queue, Handler block) {
+    auto observer = std::make_shared<NotificationObserver>(registry_->identity(), std::move(queue),
+                                                           std::move(block));
+    registry_->add(observer, name, object);
+    return observer;
+}
+
+void NSNotificationCenter::removeObserver(const std::shared_ptr<NotificationObserver>& observer) {
+    if (observer)
+        registry_->remove(observer);
+}
+
+void NSNotificationCenter::post(NSNotificationName name, std::shared_ptr<Sender> object,
+                                std::optional<Notification::UserInfo> userInfo) {
+    if (registry_->mayConcern(name))
+        registry_->deliver(Notification(name, std::move(object), std::move(userInfo)));
+}
+
+void NSNotificationCenter::post(const Notification& notification) {
+    if (registry_->mayConcern(notification.name))
+        registry_->deliver(notification);
+}
+
+} // namespace zorvan

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <zorvan/platform/dispatch/Block.h>
+
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace zorvan {
+
+/// A queue of operations that starts them in the order they came and lets as many overlap as it
+/// may.
+///
+/// Operations that are queued keep the queue alive.
+class NSOperationQueue : public std::enable_shared_from_this<NSOperationQueue> {
+public:
+    /// As many at a time as the machine can use.
+    static constexpr std::int64_t defaultMaxConcurrentOperationCount = -1;
+
+    static std::shared_ptr<NSOperationQueue> create();
+
+    /// The queue whose operations run on the main thread, one at a time, as blocks of the main
+    /// dispatch queue.
+    static const std::shared_ptr<NSOperationQueue>& main();
+
+    NSOperationQueue(const NSOperationQueue&) = delete;
+    NSOperationQueue& operator=(const NSOperationQueue&) = delete;
+
+    /// For people: debuggers and messages.
+    std::string name() const;
+    void setName(std::string name);
+
+    /// How many operations may overlap; 1 makes the queue serial. No effect on the main queue,
+    /// where it is always 1. Operations already running are not disturbed. Stops the program for 0
+    /// and for negative numbers other than `defaultMaxConcurrentOperationCount`.
+    std::int64_t maxConcurrentOperationCount() const;
+    void setMaxConcurrentOperationCount(std::int64_t count);
+
+    /// Operations waiting or running.
+    std::size_t operationCount() const;
+
+    /// Adds an operation that runs the block.
+    void addOperation(Block block);
+
+    /// Returns once no operation waits or runs. Never returns when an operation of the queue itself
+    /// calls it; stops the program for the main queue on the main thread.
+    void waitUntilAllOperationsAreFinished();
+
+private:
+    enum class Kind { background, main };
+    explicit NSOperationQueue(Kind kind);
+
+    bool mayStart() const noexcept;
+    void start(Block block);
+    void finishOne();
+
+    const Kind kind_;
+    mutable std::mutex mutex_;
+    std::condition_variable finished_;
+    std::string name_;
+    std::deque<Block> waiting_;
+    std::size_t running_ = 0;
+    std::int64_t maxCount_;
+};
+
+} // namespace zorvan

@@ -1,0 +1,13 @@
+#pragma once
+
+namespace zorvan {
+
+/// Threads, as far as the main one differs from the others.
+class NSThread {
+public:
+    /// Whether the calling thread is the main thread: the one the process began with, whichever
+    /// thread loaded or first used this library.
+    static bool isMainThread() noexcept;
+};
+
+} // namespace zorvan

@@ -1,0 +1,94 @@
+#include <zorvan/platform/dispatch/internal/SerialQueue.h>
+
+#include <zorvan/platform/dispatch/internal/CurrentQueue.h>
+#include <zorvan/platform/foundation/fatalError.h>
+
+#include <utility>
+
+namespace zorvan::internal {
+
+namespace {
+
+// So that one busy queue does not keep a worker from the others for ever.
+constexpr int blocksInARow = 64;
+
+void run(Block& block) noexcept { block(); }
+
+} // namespace
+
+void SerialQueue::enqueue(Block block) {
+    bool wasBusy;
+    {
+        const std::lock_guard lock(mutex_);
+        items_.emplace_back(std::move(block));
+        wasBusy = std::exchange(busy_, true);
+    }
+    if (!wasBusy)
+        schedule();
+}
+
+void SerialQueue::schedule() {
+    WorkerPool::shared().submit(
+        [self = std::static_pointer_cast<SerialQueue>(shared_from_this())] { self->drain(); });
+}
+
+void SerialQueue::drain() {
+    const CurrentQueue current(this);
+    for (int i = 0; i < blocksInARow; ++i) {
+        Item item;
+        {
+            const std::lock_guard lock(mutex_);
+            if (items_.empty()) {
+                busy_ = false;
+                return;
+            }
+            item = std::move(items_.front());
+            items_.pop_front();
+        }
+        if (Turn** turn = std::get_if<Turn*>(&item))
+            return (*turn)->give();
+        run(std::get<Block>(item));
+    }
+    schedule();
+}
+
+void SerialQueue::runSync(BlockReference block) {
+    if (CurrentQueue::includes(this))
+        fatalError("sync called on the queue that the caller is running on.");
+    awaitTurn();
+    struct PassOn {
+        SerialQueue& queue;
+        ~PassOn() { queue.passOn(); }
+    } const passOn{*this};
+    const CurrentQueue current(this);
+    block();
+}
+
+void SerialQueue::awaitTurn() {
+    Turn turn;
+    {
+        const std::lock_guard lock(mutex_);
+        if (!std::exchange(busy_, true))
+            return;
+        items_.emplace_back(&turn);
+    }
+    turn.wait();
+}
+
+void SerialQueue::passOn() {
+    {
+        const std::lock_guard lock(mutex_);
+        if (items_.empty()) {
+            busy_ = false;
+            return;
+        }
+        if (Turn** turn = std::get_if<Turn*>(&items_.front())) {
+            (*turn)->give();
+            items_.pop_front();
+            return;
+        }
+    }
+    schedule();
+}
+
+} // namespace zorvan::internal

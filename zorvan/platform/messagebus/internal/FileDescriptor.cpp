@@ -1,0 +1,27 @@
+#include <zorvan/platform/messagebus/internal/FileDescriptor.h>
+
+#include <cerrno>
+#include <sys/eventfd.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace zorvan::internal {
+
+FileDescriptor::~FileDescriptor() {
+    if (descriptor_ >= 0)
+        ::close(descriptor_);
+}
+
+Wakeup::Wakeup() : event_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    if (!event_)
+        throw std::system_error(errno, std::generic_category(), "eventfd");
+}
+
+void Wakeup::signal() const noexcept { ::eventfd_write(event_.get(), 1); }
+
+void Wakeup::clear() const noexcept {
+    eventfd_t count;
+    ::eventfd_read(event_.get(), &count);
+}
+
+} // namespace zorvan::internal

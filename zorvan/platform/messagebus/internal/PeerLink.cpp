@@ -1,0 +1,83 @@
+#include <zorvan/platform/messagebus/internal/PeerLink.h>
+
+#include <zorvan/platform/messagebus/internal/WireFormat.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <span>
+#include <sys/socket.h>
+#include <utility>
+
+namespace zorvan::internal {
+
+namespace {
+
+constexpr std::size_t headerSize = 4;
+constexpr std::size_t maxQueued = 16 << 20;
+constexpr std::size_t readSize = 64 << 10;
+
+} // namespace
+
+std::shared_ptr<const Data> framed(const Data& message) {
+    Data frame;
+    frame.reserve(headerSize + message.size());
+    for (std::size_t i = 0; i < headerSize; ++i)
+        frame.push_back(static_cast<std::byte>(message.size() >> (8 * i) & 0xFF));
+    frame.insert(frame.end(), message.begin(), message.end());
+    return std::make_shared<const Data>(std::move(frame));
+}
+
+void OutgoingLink::add(std::shared_ptr<const Data> frame) {
+    if (queued_ + frame->size() > maxQueued)
+        return;
+    queued_ += frame->size();
+    frames_.push_back(std::move(frame));
+}
+
+bool OutgoingLink::flush() {
+    while (!frames_.empty()) {
+        const auto rest = std::span(*frames_.front()).subspan(written_);
+        const ssize_t sent =
+            ::send(descriptor(), rest.data(), rest.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        if (sent < 0 && errno == EINTR)
+            continue;
+        if (sent < 0)
+            return errno == EAGAIN || errno == EWOULDBLOCK;
+        written_ += static_cast<std::size_t>(sent);
+        if (written_ == frames_.front()->size()) {
+            queued_ -= written_;
+            written_ = 0;
+            frames_.pop_front();
+        }
+    }
+    return true;
+}
+
+bool IncomingLink::receive(const Transport::Receive& receive) {
+    std::array<std::byte, readSize> chunk;
+    const ssize_t got = ::recv(descriptor(), chunk.data(), chunk.size(), MSG_DONTWAIT);
+    if (got < 0)
+        return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
+    buffer_.insert(buffer_.end(), chunk.begin(), chunk.begin() + got);
+    return got > 0 && passOn(receive);
+}
+
+bool IncomingLink::passOn(const Transport::Receive& receive) {
+    std::span<const std::byte> rest = buffer_;
+    while (rest.size() >= headerSize) {
+        std::size_t size = 0;
+        for (std::size_t i = 0; i < headerSize; ++i)
+            size |= static_cast<std::size_t>(rest[i]) << (8 * i);
+        if (size > maxWireSize)
+            return false;
+        if (rest.size() - headerSize < size)
+            break;
+        receive(rest.subspan(headerSize, size));
+        rest = rest.subspan(headerSize + size);
+    }
+    buffer_.erase(buffer_.begin(), buffer_.end() - static_cast<std::ptrdiff_t>(rest.size()));
+    return true;
+}
+
+} // namespace zorvan::internal

@@ -1,0 +1,31 @@
+#include <zorvan/platform/messagebus/internal/Transport.h>
+
+#include <utility>
+
+namespace zorvan::internal {
+
+namespace {
+
+class LoopbackTransport final : public Transport {
+public:
+    explicit LoopbackTransport(Receive receive) : receive_(std::move(receive)) {}
+
+    void want(const std::string&) override {}
+    void unwant(const std::string&) override {}
+    void send(const std::string&, Data message) override { receive_(message); }
+
+private:
+    const Receive receive_;
+};
+
+} // namespace
+
+std::unique_ptr<Transport> makeTransport(const Transport::Receive& receive) {
+    if (auto bus = makeBusTransport(receive))
+        return bus;
+    if (auto sockets = makeSocketTransport(receive))
+        return sockets;
+    return std::make_unique<LoopbackTransport>(receive);
+}
+
+} // namespace zorvan::internal
