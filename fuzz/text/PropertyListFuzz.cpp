@@ -1,0 +1,71 @@
+#include <zorvan/platform/propertylist/PropertyListFile.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+#include <string_view>
+
+using namespace zorvan;
+
+namespace {
+
+bool holdsNaN(const PropertyList& list) {
+    if (const auto* array = list.as<PropertyList::Array>())
+        return std::ranges::any_of(*array, holdsNaN);
+    if (const auto* dictionary = list.as<PropertyList::Dictionary>())
+        return std::ranges::any_of(*dictionary,
+                                   [](const auto& entry) { return holdsNaN(entry.second); });
+    const auto* number = list.as<NSNumber>();
+    return number && std::isnan(number->doubleValue());
+}
+
+Data encoded(const PropertyList& list) {
+    auto bytes = propertylist::encode(list, propertylist::Format::binary);
+    if (!bytes) // whatever can be read can be written
+        std::abort();
+    return std::move(*bytes);
+}
+
+void check(std::span<const std::byte> bytes) {
+    std::string reason;
+    const auto list = propertylist::decode(bytes, &reason);
+    if (list.has_value() != reason.empty())
+        std::abort();
+    if (!list)
+        return;
+    const auto once = propertylist::decode(encoded(*list));
+    // Dates lose their last digits on the way, but no more of them the second time.
+    if (!once || (!holdsNaN(*list) && propertylist::decode(encoded(*once)) != once))
+        std::abort();
+}
+
+/// The bytes as the objects and the table of a binary list, with the frame that they need: found by
+/// chance, it would take for ever.
+Data framed(std::span<const std::byte> content, std::size_t objects) {
+    constexpr std::string_view magic = "bplist00";
+    Data bytes;
+    for (const char c : magic)
+        bytes.push_back(static_cast<std::byte>(c));
+    bytes.insert(bytes.end(), content.begin(), content.end());
+    const std::size_t table = bytes.size() - std::min(objects, content.size());
+    bytes.resize(bytes.size() + 32);
+    const std::span<std::byte> trailer = std::span(bytes).last(32);
+    trailer[6] = trailer[7] = std::byte{1}; // the sizes of an offset and of a reference
+    trailer[15] = static_cast<std::byte>(objects);
+    for (std::size_t i = 0; i < 8; ++i)
+        trailer[31 - i] = static_cast<std::byte>(table >> (8 * i));
+    return bytes;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
+    const auto bytes = std::as_bytes(std::span(input, size));
+    check(bytes);
+    if (size > 0)
+        check(framed(bytes.subspan(1), input[0]));
+    return 0;
+}

@@ -1,0 +1,150 @@
+#include "Lists.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace zorvan;
+using propertylist::Format;
+
+namespace {
+
+std::string bigEndian(std::uint64_t number, int size) {
+    std::string bytes;
+    for (int i = size; i-- > 0;)
+        bytes += static_cast<char>(number >> (8 * i));
+    return bytes;
+}
+
+/// A binary list of the given objects, the first of which is the root.
+std::string binary(const std::vector<std::string>& objects) {
+    std::string bytes = "bplist00";
+    std::string table;
+    for (const std::string& object : objects) {
+        table += bigEndian(bytes.size(), 4);
+        bytes += object;
+    }
+    const std::size_t start = bytes.size();
+    return bytes + table + std::string(6, '\0') + "\x04\x02" + bigEndian(objects.size(), 8) +
+           bigEndian(0, 8) + bigEndian(start, 8);
+}
+
+std::string bytes(std::initializer_list<int> values) {
+    std::string text;
+    for (const int value : values)
+        text += static_cast<char>(value);
+    return text;
+}
+
+std::string array(const std::vector<int>& references) {
+    std::string object = bytes({0xAF, 0x11}) + bigEndian(references.size(), 2);
+    for (const int reference : references)
+        object += bigEndian(static_cast<std::uint64_t>(reference), 2);
+    return object;
+}
+
+} // namespace
+
+TEST(Binary, readsEveryForm) {
+    struct {
+        std::string object;
+        PropertyList value;
+    } table[] = {
+        {bytes({0x09}), true},
+        {bytes({0x10, 0xFF}), 255}, // short integers have no sign
+        {bytes({0x11, 0xFF, 0xFF}), 65535},
+        {bytes({0x12, 0xFF, 0xFF, 0xFF, 0xFF}), std::int64_t{4294967295}},
+        {"\x13" + bigEndian(~std::uint64_t{0}, 8), -1},
+        {"\x14" + bigEndian(0, 8) + bigEndian(7, 8), 7},
+        {"\x14" + bigEndian(~std::uint64_t{0}, 8) + bigEndian(~std::uint64_t{0}, 8), -1},
+        {bytes({0x22, 0x3F, 0x80, 0, 0}), 1.0},
+        {"\x33" + bigEndian(0, 8), Date(std::chrono::sys_days(std::chrono::year(2001) / 1 / 1))},
+        {"\x33" + bigEndian(0x7FF0000000000000, 8), Date::max()},
+        {"\x33" + bigEndian(0xFFEFFFFFFFFFFFFF, 8), Date::min()},
+        {"\x52hi", "hi"},
+        {"\x52\xC3\xA9", "\u00E9"},
+        {bytes({0x62, 0xD8, 0x3D, 0xDE, 0x00}), "\U0001F600"},
+        {bytes({0x62, 0xD8, 0x3D, 0x00, 0x41}), "\uFFFDA"}, // a lone surrogate
+        {bytes({0x61, 0xDE, 0x00}), "\uFFFD"},
+        {bytes({0x5F, 0x10, 0x02}) + "hi", "hi"}, // a long length, though a short one would do
+    };
+    for (const auto& row : table) {
+        std::string reason;
+        EXPECT_EQ(decoded(binary({row.object}), &reason), row.value) << reason;
+    }
+}
+
+TEST(Binary, saysWhatIsWrong) {
+    const std::string no = "an object is of a kind that property lists do not have";
+    struct {
+        std::string document, reason;
+    } table[] = {
+        {"bplist00", "the file is cut short"},
+        {binary({}), "an object is missing"},
+        {binary({array({7})}), "an object is missing"},
+        {binary({bytes({0x00})}), no},
+        {binary({bytes({0x81, 0, 1})}), no},
+        {binary({bytes({0xC0})}), no},
+        {binary({bytes({0x15})}), "an integer does not fit 64 bits"},
+        {binary({"\x14" + bigEndian(1, 8) + bigEndian(0, 8)}), "an integer does not fit 64 bits"},
+        {binary({"\x14" + bigEndian(0, 8) + bigEndian(~std::uint64_t{0}, 8)}),
+         "an integer does not fit 64 bits"},
+        {binary({bytes({0x21, 0, 0})}), "a real is of no known size"},
+        {binary({bytes({0x32, 0, 0, 0, 0})}), "a date is of no known size"},
+        {binary({"\x33" + bigEndian(0x7FF8000000000000, 8)}), "a date is no number"},
+        {binary({"\x55hi"}), "an object is cut short"},
+        {binary({bytes({0x13, 0})}), "an object is cut short"},
+        {binary({"\x6F\x13" + bigEndian(std::uint64_t{1} << 63, 8)}), "an object is cut short"},
+        {binary({"\xDF\x13" + bigEndian(~std::uint64_t{0}, 8)}), "an object is cut short"},
+        {binary({bytes({0x5F, 0x09})}), "a length is damaged"},
+        {binary({"\x52\xFF\xFF"}), "a text is damaged"},
+        {binary({bytes({0xD1, 0, 1, 0, 1}), bytes({0x10, 1})}), "a key is no text"},
+        {binary({array({0})}), "the list unfolds to far more than its size"}, // holds itself
+    };
+    for (const auto& row : table) {
+        std::string reason;
+        EXPECT_FALSE(decoded(row.document, &reason));
+        EXPECT_EQ(reason, row.reason);
+    }
+}
+
+TEST(Binary, holdsBackWhatUnfolds) {
+    // Eight levels of sixteen references each: four thousand million leaves.
+    std::vector<std::string> levels;
+    for (int level = 1; level <= 8; ++level)
+        levels.push_back(array(std::vector<int>(16, level)));
+    levels.push_back(bytes({0x09}));
+    std::string reason;
+    EXPECT_FALSE(decoded(binary(levels), &reason));
+    EXPECT_EQ(reason, "the list unfolds to far more than its size");
+
+    // One long text in many places.
+    const std::string text = "\x5F\x12" + bigEndian(1 << 16, 4) + std::string(1 << 16, 'x');
+    EXPECT_FALSE(decoded(binary({array(std::vector<int>(60000, 1)), text}), &reason));
+    EXPECT_EQ(reason, "the list unfolds to far more than its size");
+    // In a few places it is what writers do with equal texts.
+    EXPECT_TRUE(decoded(binary({array({1, 1, 1}), text})));
+}
+
+TEST(Binary, sharesEqualTexts) {
+    PropertyList::Array rows;
+    for (int i = 0; i < 1000; ++i)
+        rows.emplace_back(PropertyList::Dictionary{{"a rather long key", "a rather long value"}});
+    const auto written = propertylist::encode(rows, Format::binary);
+    EXPECT_LT(written->size(), 12000u);
+    EXPECT_EQ(propertylist::decode(*written), PropertyList(rows));
+}
+
+TEST(Binary, survivesDamage) {
+    const Data whole = *propertylist::encode(everyKind(), Format::binary);
+    std::mt19937 random(1);
+    for (int i = 0; i < 50000; ++i) {
+        Data damaged = whole;
+        for (int k = 0; k < 3; ++k)
+            damaged[random() % damaged.size()] = static_cast<std::byte>(random());
+        std::string reason;
+        EXPECT_TRUE(propertylist::decode(damaged, &reason) || !reason.empty());
+    }
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        EXPECT_FALSE(propertylist::decode(std::span(whole).first(size)));
+}

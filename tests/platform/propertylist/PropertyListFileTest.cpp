@@ -1,0 +1,108 @@
+#include "Lists.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+
+using namespace zorvan;
+using propertylist::Format;
+namespace fs = std::filesystem;
+
+namespace {
+
+class PropertyListFile : public testing::TestWithParam<Format> {
+protected:
+    PropertyListFile() {
+        std::string name = (fs::temp_directory_path() / "zorvan-list-XXXXXX").string();
+        folder_ = mkdtemp(name.data());
+    }
+    ~PropertyListFile() override { fs::remove_all(folder_); }
+
+    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    std::size_t fileCount() const {
+        return static_cast<std::size_t>(
+            std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
+    }
+
+    fs::path folder_;
+};
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(Forms, PropertyListFile, testing::Values(Format::xml, Format::binary));
+
+TEST_P(PropertyListFile, keepsEverything) {
+    const PropertyList list = everyKind();
+    std::string reason;
+    ASSERT_TRUE(propertylist::writeFile(list, GetParam(), path("a.plist"), &reason)) << reason;
+    const auto back = propertylist::readFile(path("a.plist"), &reason);
+    ASSERT_TRUE(back) << reason;
+    EXPECT_EQ(*back, list);
+    // Equality is by value; the kind of a number has to come back too.
+    const auto& numbers =
+        *back->as<PropertyList::Dictionary>()->at("numbers").as<PropertyList::Array>();
+    EXPECT_TRUE(numbers.front().as<NSNumber>()->isInteger());
+    EXPECT_TRUE(numbers.back().as<NSNumber>()->isBool());
+    EXPECT_TRUE(numbers[8].as<NSNumber>()->isReal());
+    EXPECT_EQ(fileCount(), 1u);
+}
+
+TEST_P(PropertyListFile, boundsTheDepth) {
+    std::string reason;
+    const auto deepest = propertylist::encode(nested(propertylist::maximumDepth), GetParam());
+    ASSERT_TRUE(deepest);
+    EXPECT_TRUE(propertylist::decode(*deepest));
+    EXPECT_FALSE(propertylist::encode(nested(propertylist::maximumDepth + 1), GetParam(), &reason));
+    EXPECT_EQ(reason, "the list is too deep");
+
+    std::string document = "<plist>";
+    for (std::size_t i = 0; i < 1000000; ++i)
+        document += "<array>";
+    EXPECT_FALSE(decoded(document, &reason));
+    EXPECT_EQ(reason, "the list is too deep");
+}
+
+TEST_P(PropertyListFile, leavesTheOldFileAfterAFailure) {
+    ASSERT_TRUE(propertylist::writeFile(1, GetParam(), path("a.plist")));
+    std::string reason;
+    EXPECT_FALSE(propertylist::writeFile("\xFF", GetParam(), path("a.plist"), &reason));
+    EXPECT_EQ(reason, "a text is not UTF-8");
+    EXPECT_EQ(propertylist::readFile(path("a.plist")), PropertyList(1));
+    EXPECT_FALSE(propertylist::writeFile(1, GetParam(), path("missing/a.plist"), &reason));
+    EXPECT_EQ(reason, "No such file or directory");
+    fs::create_directory(path("folder"));
+    EXPECT_FALSE(propertylist::writeFile(1, GetParam(), path("folder"), &reason));
+    EXPECT_EQ(fileCount(), 2u);
+}
+
+TEST_P(PropertyListFile, keepsThePermissions) {
+    const auto permissions = [&] {
+        struct stat status {};
+        ::stat(path("a.plist").c_str(), &status);
+        return status.st_mode & 07777;
+    };
+    const mode_t mask = ::umask(022);
+    ASSERT_TRUE(propertylist::writeFile(1, GetParam(), path("a.plist")));
+    EXPECT_EQ(permissions(), 0644u);
+    ::chmod(path("a.plist").c_str(), 0600);
+    ASSERT_TRUE(propertylist::writeFile(2, GetParam(), path("a.plist")));
+    EXPECT_EQ(permissions(), 0600u);
+    ::umask(mask);
+}
+
+TEST_P(PropertyListFile, refusesWhatIsNoFile) {
+    std::string reason;
+    EXPECT_FALSE(propertylist::readFile(path("missing"), &reason));
+    EXPECT_EQ(reason, "No such file or directory");
+    EXPECT_FALSE(propertylist::readFile(folder_.string(), &reason));
+    EXPECT_EQ(reason, "it is no regular file");
+    ::mkfifo(path("pipe").c_str(), 0600);
+    EXPECT_FALSE(propertylist::readFile(path("pipe"), &reason));
+    EXPECT_EQ(reason, "it is no regular file");
+    std::ofstream(path("huge")).put(' ');
+    fs::resize_file(path("huge"), propertylist::maximumFileSize + 1);
+    EXPECT_FALSE(propertylist::readFile(path("huge"), &reason));
+    EXPECT_EQ(reason, "the file is too large");
+}

@@ -1,0 +1,215 @@
+#include <zorvan/platform/textservices/Characters.h>
+#include <zorvan/platform/textservices/Unicode.h>
+
+#include <gmock/gmock.h>
+#include <unicode/ubrk.h>
+#include <unicode/uchar.h>
+#include <unicode/utf16.h>
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <numeric>
+#include <random>
+#include <sstream>
+
+using namespace zorvan;
+using testing::ElementsAre;
+
+namespace {
+
+std::vector<std::string> charactersOf(std::string_view text) {
+    std::vector<std::string> result;
+    for (const std::string_view character : Characters(text))
+        result.emplace_back(character);
+    return result;
+}
+
+std::string utf8(char32_t codePoint) {
+    std::u16string units;
+    if (codePoint > 0xFFFF)
+        units = {static_cast<char16_t>(U16_LEAD(codePoint)),
+                 static_cast<char16_t>(U16_TRAIL(codePoint))};
+    else
+        units = {static_cast<char16_t>(codePoint)};
+    return utf8FromUTF16(units);
+}
+
+/// Every way to walk over a text agrees with its characters.
+void expectConsistent(std::string_view text) {
+    const auto characters = charactersOf(text);
+    ASSERT_EQ(std::accumulate(characters.begin(), characters.end(), std::string()), text);
+    ASSERT_EQ(characterCount(text), characters.size());
+    std::vector<std::size_t> boundaries{0};
+    for (const auto& character : characters)
+        boundaries.push_back(boundaries.back() + character.size());
+    for (std::size_t i = 0; i < boundaries.size(); ++i) {
+        const std::size_t fromEnd = characters.size() - i;
+        ASSERT_EQ(advanceCharacters(text, 0, i).offset, boundaries[i]);
+        ASSERT_EQ(retreatCharacters(text, fromEnd).offset, boundaries[i]) << fromEnd;
+        ASSERT_EQ(retreatCharacters(text, fromEnd).passed, fromEnd);
+    }
+}
+
+std::vector<std::string> charactersByICU(const std::u16string& units) {
+    static UErrorCode status = U_ZERO_ERROR;
+    static UBreakIterator* iterator = ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &status);
+    ubrk_setText(iterator, units.data(), static_cast<std::int32_t>(units.size()), &status);
+    std::vector<std::string> result;
+    std::int32_t start = 0;
+    for (std::int32_t end = ubrk_next(iterator); end != UBRK_DONE; end = ubrk_next(iterator)) {
+        result.push_back(utf8FromUTF16(std::u16string_view(units).substr(
+            static_cast<std::size_t>(start), static_cast<std::size_t>(end - start))));
+        start = end;
+    }
+    return result;
+}
+
+} // namespace
+
+// The file and the ICU library come from the same release of Debian; were they of different
+// versions of Unicode, rows could rightly fail, and the first expectation would say so.
+TEST(Characters, FollowUnicodesOwnTestData) {
+    std::ifstream file("/usr/share/unicode/auxiliary/GraphemeBreakTest.txt");
+    ASSERT_TRUE(file) << "the package unicode-data is missing";
+    std::string line;
+    std::getline(file, line);
+    ASSERT_NE(line.find("-" U_UNICODE_VERSION "."), std::string::npos)
+        << line << " but ICU has Unicode " U_UNICODE_VERSION;
+    int rows = 0;
+    while (std::getline(file, line)) {
+        std::istringstream row(line.substr(0, line.find('#')));
+        std::vector<std::string> expected;
+        for (std::string token; row >> token;) {
+            if (token == "÷")
+                expected.emplace_back();
+            else if (token != "×")
+                expected.back() += utf8(static_cast<char32_t>(std::stoul(token, nullptr, 16)));
+        }
+        if (expected.empty())
+            continue;
+        expected.pop_back();
+        std::string text = std::accumulate(expected.begin(), expected.end(), std::string());
+        EXPECT_EQ(charactersOf(text), expected) << line;
+        expectConsistent(text);
+        ++rows;
+    }
+    EXPECT_GT(rows, 600);
+}
+
+TEST(Characters, AgreeWithICUOnRandomText) {
+    // One code point or more of every class that the rules tell apart, and some plain ones.
+    constexpr std::array<char32_t, 40> alphabet = {
+        'a',     ' ',     '1',     '\r',    '\n',    0x00,   0x7F,    0xA9,    0x300,   0x308,
+        0x200D,  0x200C,  0x600,   0x903,   0x915,   0x937,  0x94D,   0x93C,   0xE33,   0x1100,
+        0x1160,  0x11A8,  0xAC00,  0xAC01,  0x4E2D,  0x2028, 0xFE0F,  0x20E3,  0xC95,   0xC4D,
+        0x1F1E6, 0x1F1FF, 0x1F600, 0x1F468, 0x1F3FF, 0x2764, 0xE0020, 0x110BD, 0x11F02, 0x1F469};
+    std::mt19937 random(7);
+    for (int round = 0; round < 20000; ++round) {
+        std::u16string units;
+        const std::size_t length = random() % 24;
+        for (std::size_t i = 0; i < length; ++i)
+            units += utf16FromUTF8(utf8(alphabet[random() % alphabet.size()]));
+        const std::string text = utf8FromUTF16(units);
+        ASSERT_EQ(charactersOf(text), charactersByICU(units)) << testing::PrintToString(text);
+        expectConsistent(text);
+    }
+}
+
+TEST(Characters, FollowICUForEveryCodePoint) {
+    for (char32_t c = 0; c <= 0x10FFFF; ++c) {
+        if (c >= 0xD800 && c <= 0xDFFF)
+            continue;
+        const std::u16string units = u"\u0915" + utf16FromUTF8(utf8(c)) +
+                                     u"\u094D\u0915\u1100\U0001F469\u200D" +
+                                     utf16FromUTF8(utf8(c)) + u"\u1160a";
+        ASSERT_EQ(charactersOf(utf8FromUTF16(units)), charactersByICU(units)) << std::hex << +c;
+    }
+}
+
+TEST(Characters, KeepIllFormedBytes) {
+    const struct {
+        std::string_view text;
+        std::vector<std::string> characters;
+    } cases[] = {
+        {"\xFF", {"\xFF"}},
+        {"\x80\x80", {"\x80", "\x80"}},
+        {"a\xE2\x82", {"a", "\xE2\x82"}},                       // cut short
+        {"\xE2\x82\xCC\x81", {"\xE2\x82", "\xCC\x81"}},         // no mark joins it
+        {"\xC0\xAF", {"\xC0", "\xAF"}},                         // overlong
+        {"\xED\xA0\x80", {"\xED", "\xA0", "\x80"}},             // surrogate
+        {"\xF4\x90\x80\x80", {"\xF4", "\x90", "\x80", "\x80"}}, // past the last code point
+        {"\xF0\x9F\x98", {"\xF0\x9F\x98"}},
+        {"\xCC\x81\xCC\x81", {"\xCC\x81\xCC\x81"}}, // marks alone
+        {{"\0\0", 2}, {std::string(1, '\0'), std::string(1, '\0')}},
+    };
+    for (const auto& [text, characters] : cases) {
+        EXPECT_EQ(charactersOf(text), characters);
+        expectConsistent(text);
+    }
+}
+
+TEST(Characters, WalkOverRandomBytesTheSameBothWays) {
+    // Long runs of ASCII take the fast paths; the rest cuts them at every distance.
+    constexpr std::array<std::string_view, 10> pieces = {
+        "\r",
+        "\n",
+        "\r\n",
+        "plain text",
+        "\xCC\x81",
+        "\xE2\x82",
+        "\xF0\x9F\x87\xA6",
+        "\xD8\x80",
+        "0123456789012345678901234567890123456789012345678901234567890123456789",
+        "\xFF"};
+    std::mt19937 random(11);
+    for (int round = 0; round < 3000; ++round) {
+        std::string text;
+        for (std::size_t i = random() % 12; i > 0; --i)
+            text += pieces[random() % pieces.size()];
+        expectConsistent(text);
+    }
+}
+
+TEST(Characters, CountLineEndingsOnceOverLongTexts) {
+    std::string text;
+    for (int i = 0; i < 1000; ++i)
+        text += std::string(static_cast<std::size_t>(i % 131), 'x') + "\r\n";
+    const std::size_t pairs = 1000;
+    EXPECT_EQ(characterCount(text), text.size() - pairs);
+    expectConsistent(text.substr(0, 3000));
+}
+
+TEST(Characters, TakeLinearTimeOverLongTexts) {
+    std::string flags;
+    for (int i = 0; i < 300'000; ++i)
+        flags += "\xF0\x9F\x87\xA6";
+    EXPECT_EQ(characterCount(flags), 150'000u);
+    EXPECT_EQ(retreatCharacters(flags, 100'000).offset, 400'000u);
+    EXPECT_EQ(characterCount("e" + std::string(10'000'000, '\xCC')), 10'000'001u);
+    EXPECT_EQ(retreatCharacters(std::string(10'000'000, 'a'), 9'999'999).offset, 1u);
+}
+
+TEST(Characters, AreEqualWhenCanonicallyEquivalent) {
+    EXPECT_TRUE(charactersAreEqual("é", "e\u0301"));
+    EXPECT_TRUE(charactersAreEqual("\u212B", "Å"));
+    EXPECT_TRUE(charactersAreEqual("q\u0307\u0323", "q\u0323\u0307"));
+    EXPECT_TRUE(charactersAreEqual("한", "\u1112\u1161\u11AB"));
+    EXPECT_FALSE(charactersAreEqual("e", "é"));
+    EXPECT_FALSE(charactersAreEqual("ﬁ", "fi"));
+    EXPECT_FALSE(charactersAreEqual("\xFF", "\xFE"));
+    EXPECT_FALSE(charactersAreEqual("\xFF", "\uFFFD"));
+}
+
+TEST(Characters, PrefixesAndSuffixesMatchWholeCharacters) {
+    EXPECT_EQ(matchingPrefix("éa", "e\u0301"), 2u);
+    EXPECT_EQ(matchingPrefix("e\u0301a", "e"), std::nullopt);
+    EXPECT_EQ(matchingPrefix("\r\n", "\r"), std::nullopt);
+    EXPECT_EQ(matchingPrefix("abc", ""), 0u);
+    EXPECT_EQ(matchingPrefix("ab", "abc"), std::nullopt);
+    EXPECT_EQ(matchingSuffix("ae\u0301", "é"), 1u);
+    EXPECT_EQ(matchingSuffix("ae\u0301", "\u0301"), std::nullopt);
+    EXPECT_EQ(matchingSuffix("🇩🇪🇫🇷", "🇫🇷"), 8u);
+    EXPECT_EQ(matchingSuffix("abc", ""), 3u);
+    EXPECT_EQ(matchingSuffix("bc", "abc"), std::nullopt);
+}

@@ -1,0 +1,107 @@
+#include <zorvan/platform/textservices/NSRegularExpression.h>
+
+#include <gmock/gmock.h>
+
+#include <thread>
+
+using namespace zorvan;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Options = NSRegularExpression::Options;
+
+namespace {
+
+std::string failure(std::string_view pattern, std::string_view text = {}) {
+    try {
+        (void)NSRegularExpression(pattern, Options::none).captures(text);
+    } catch (const RegularExpressionError& error) {
+        return error.what();
+    }
+    return {};
+}
+
+} // namespace
+
+TEST(NSRegularExpression, CapturesGroups) {
+    const NSRegularExpression pairs(R"((\w+)=(\d+)?)", Options::none);
+    EXPECT_THAT(
+        pairs.captures("a=1, béta=, c=22"),
+        ElementsAre(ElementsAre("a", "1"), ElementsAre("béta", ""), ElementsAre("c", "22")));
+    EXPECT_THAT(pairs.captures(""), IsEmpty());
+    EXPECT_THAT(NSRegularExpression("a", Options::none).captures("aa"),
+                ElementsAre(IsEmpty(), IsEmpty()));
+    EXPECT_THAT(NSRegularExpression("", Options::none).captures("a"),
+                ElementsAre(IsEmpty(), IsEmpty()));
+    EXPECT_THAT(NSRegularExpression("(.)", Options::none).captures("\xFF\xE2\x82"),
+                ElementsAre(ElementsAre("\xFF"), ElementsAre("\xE2\x82")));
+}
+
+TEST(NSRegularExpression, ReadsOptions) {
+    const struct {
+        Options options;
+        std::string_view pattern;
+        std::string_view text;
+        std::size_t plain;
+        std::size_t withOptions;
+    } cases[] = {
+        {Options::caseInsensitive, "É", "éÉ", 1, 2},
+        {Options::allowCommentsAndWhitespace, "a b # c", "ab", 0, 1},
+        {Options::ignoreMetacharacters, "a.", "ab a.", 2, 1},
+        {Options::dotMatchesLineSeparators, "a.b", "a\nb", 0, 1},
+        {Options::anchorsMatchLines, "^b", "a\nb", 0, 1},
+        {Options::useUnixLineSeparators, "a.b", "a\rb", 0, 1},
+        {Options::useUnicodeWordBoundaries, R"(\b3.5\b)", "x 3.5.1", 1, 0},
+        {Options::caseInsensitive | Options::anchorsMatchLines, "^B", "a\nb", 0, 1},
+    };
+    for (const auto& [options, pattern, text, plain, withOptions] : cases) {
+        EXPECT_EQ(NSRegularExpression(pattern, Options::none).captures(text).size(), plain)
+            << pattern;
+        EXPECT_EQ(NSRegularExpression(pattern, options).captures(text).size(), withOptions)
+            << pattern;
+        EXPECT_EQ(NSRegularExpression::cached(pattern, options).captures(text).size(), withOptions)
+            << pattern;
+    }
+}
+
+TEST(NSRegularExpression, SaysWhyAPatternDoesNotCompile) {
+    EXPECT_EQ(failure("ab("), "unbalanced parenthesis at line 1, column 3");
+    EXPECT_EQ(failure("[a"), "missing closing bracket at line 1, column 2");
+    EXPECT_EQ(failure("*"), "syntax error at line 1, column 1");
+    EXPECT_EQ(failure("a{2,1}"), "maximum below minimum in {min,max} interval at line 1, column 6");
+    EXPECT_EQ(failure(R"(a(b)\2)"), "reference to a group that does not exist at line 1, column 6");
+    EXPECT_EQ(failure("(?<=a*)b"), "look-behind of unbounded length at line 1, column 7");
+    EXPECT_EQ(failure("a\n("), "unbalanced parenthesis at line 2, column 1");
+}
+
+TEST(NSRegularExpression, GivesUpARunawaySearch) {
+    EXPECT_EQ(failure("(a+)+b", std::string(60, 'a')), "search takes too long");
+    EXPECT_EQ(failure("(?:(a|b)*)c", std::string(10'000'000, 'a')), "search needs too much memory");
+    // The matches before do not start the count anew.
+    std::string text;
+    for (int i = 0; i < 200; ++i)
+        text += std::string(24, 'a') + "c";
+    EXPECT_EQ(failure("(a+)+b|c", text), "search takes too long");
+}
+
+TEST(NSRegularExpression, SearchesALongLine) {
+    const std::string line = std::string(10'000'000, 'x') + " (7)";
+    EXPECT_EQ(NSRegularExpression(R"((.*)\((\d*)\))", Options::none).captures(line)[0][1], "7");
+}
+
+TEST(NSRegularExpression, ThreadsShareAnExpression) {
+    const NSRegularExpression digits(R"((\d)(\D))", Options::none);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 500; ++i) {
+                EXPECT_EQ(digits.captures("1a2b3c").size(), 3u);
+                const std::string pattern = "(" + std::to_string(i % 20) + ")";
+                EXPECT_EQ(NSRegularExpression::cached(pattern, Options::none)
+                              .captures("x" + std::to_string(i % 20))
+                              .size(),
+                          1u);
+            }
+        });
+    for (auto& thread : threads)
+        thread.join();
+}

@@ -1,0 +1,168 @@
+#include <zorvan/text/NSAttributedString.h>
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+using namespace zorvan;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+struct Opaque {
+    double r, b, g, a;
+};
+
+NSMutableAttributedString sample() {
+    NSMutableAttributedString text;
+    append(text, "Bold", {{std::string(AttributeName::font), TextFont{"Times", 14, true, false}}});
+    append(text, " & <red>",
+           {{std::string(AttributeName::foregroundColor), TextColor(1, 0, 0)},
+            {std::string(AttributeName::underlineStyle), true}});
+    append(text, "\nlink {x} \\ é 😀",
+           {{std::string(AttributeName::link), std::string("https://example.com/?a=1&b=2")},
+            {std::string(AttributeName::alignment), TextAlignment::center}});
+    append(text, "2", {{std::string(AttributeName::superscript), std::int64_t{1}}});
+    return text;
+}
+
+std::string rtfText(const NSAttributedString& text) {
+    const Data data = *rtf(text);
+    return {reinterpret_cast<const char*>(data.data()), data.size()};
+}
+
+/// What a program prints when it is given `document` as a file.
+std::string outputOf(const std::string& command, const std::string& document) {
+    char path[] = "/tmp/zorvan-document-XXXXXX";
+    const int file = mkstemp(path);
+    EXPECT_GE(file, 0);
+    std::ofstream(path, std::ios::binary) << document;
+    std::string output;
+    if (FILE* pipe = popen((command + " " + path + " 2>&1").c_str(), "r")) {
+        std::array<char, 4096> buffer;
+        while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), pipe))
+            output.append(buffer.data(), size);
+        pclose(pipe);
+    }
+    std::filesystem::remove(path);
+    return output;
+}
+
+} // namespace
+
+TEST(AttributedText, IsBuiltAndChanged) {
+    const AttributeDictionary bold = {{"NSFont", TextFont{"Times", 12, true, false}}};
+    EXPECT_TRUE(isEmpty(NSAttributedString()));
+    EXPECT_FALSE(isEmpty(format(bold, "x")));
+    EXPECT_EQ(format(bold, "ab").runs().front().attributes, bold);
+    NSMutableAttributedString text = mutableFormat(bold, "ab");
+    append(text, "c", {});
+    replaceAllCharacters(text, "xyz");
+    EXPECT_EQ(text, mutableFormat(bold, "xyz"));
+    addForegroundColor(text, Opaque{.r = 1, .b = 0.25, .g = 0.5, .a = 0.75});
+    EXPECT_EQ(*attribute<TextColor>(text.runs().front().attributes, AttributeName::foregroundColor),
+              TextColor(1, 0.5, 0.25, 0.75));
+    const NSAttributedString plain("ab");
+    EXPECT_EQ(update(bold, plain), mutableFormat(bold, "ab"));
+    EXPECT_TRUE(plain.runs().front().attributes.empty());
+    replaceAllCharacters(text, "");
+    addForegroundColor(text, TextColor());
+    EXPECT_EQ(text, NSAttributedString());
+}
+
+TEST(AttributedText, HTMLHoldsTextAndAttributes) {
+    const std::string html = *htmlDocument(sample());
+    EXPECT_THAT(html, HasSubstr("font-weight:bold;\">Bold</span>"));
+    EXPECT_THAT(
+        html,
+        HasSubstr(
+            "color:rgba(255,0,0,1);text-decoration:underline;\"> &amp; &lt;red&gt;</span></p>"));
+    EXPECT_THAT(
+        html,
+        HasSubstr("<p style=\"text-align:center\"><a href=\"https://example.com/?a=1&amp;b=2\">"));
+    EXPECT_THAT(html, HasSubstr("<sup>2</sup>"));
+    EXPECT_EQ(outputOf("xmllint --html --noout", html), "");
+    EXPECT_EQ(outputOf("xmllint --html --xpath 'string(//body)'", html),
+              "\nBold & <red>\nlink {x} \\ é 😀2\n\n");
+}
+
+TEST(AttributedText, HTMLLetsNothingOut) {
+    const AttributeDictionary hostile = {{"NSLink", std::string("java\tscript:alert(1)")},
+                                         {"NSFont", TextFont{"x';}\"><script>", -1, false, false}}};
+    const std::string html = *htmlDocument(format(hostile, "</p>\"'\x01\xFF"));
+    EXPECT_THAT(html, Not(HasSubstr("<script>")));
+    EXPECT_THAT(html, Not(HasSubstr("href")));
+    EXPECT_THAT(html, HasSubstr("&lt;/p&gt;&quot;&#39;\uFFFD\uFFFD"));
+    for (const char* link : {"javascript:x", "JavaScript:x", " javascript:x", "data:text/html,x",
+                             "vbscript:x", "file:///etc/passwd"})
+        EXPECT_THAT(*htmlDocument(format({{"NSLink", std::string(link)}}, "x")),
+                    Not(HasSubstr("href")))
+            << link;
+    for (const char* link : {"http://x", "HTTPS://x", "mailto:a@b.cd", "page.html?a:b", "#top"})
+        EXPECT_THAT(*htmlDocument(format({{"NSLink", std::string(link)}}, "x")), HasSubstr("href"))
+            << link;
+}
+
+TEST(AttributedText, ParagraphsEndAsTheyAreWritten) {
+    const struct {
+        std::string_view text;
+        std::string_view body;
+    } cases[] = {
+        {"", ""},
+        {"a", "<p>a</p>\n"},
+        {"a\n", "<p>a</p>\n"},
+        {"a\r\nb", "<p>a</p>\n<p>b</p>\n"},
+        {"\n\nb", "<p><br></p>\n<p><br></p>\n<p>b</p>\n"},
+        {"a\u2029b\u2028c", "<p>a</p>\n<p>b<br>c</p>\n"},
+    };
+    for (const auto& [text, body] : cases)
+        EXPECT_THAT(*htmlDocument(NSAttributedString(text)),
+                    HasSubstr("<body>\n" + std::string(body) + "</body>"));
+}
+
+TEST(AttributedText, RTFIsReadBack) {
+    const std::string document = rtfText(sample());
+    EXPECT_TRUE(std::all_of(document.begin(), document.end(),
+                            [](char c) { return static_cast<unsigned char>(c) < 0x80; }));
+    EXPECT_THAT(document, HasSubstr("{\\fonttbl{\\f0\\fnil Helvetica;}{\\f1\\fnil Times;}}"));
+    EXPECT_THAT(document, HasSubstr("{\\colortbl;\\red255\\green0\\blue0;}"));
+    EXPECT_THAT(document, HasSubstr("{\\f1\\fs28\\b Bold}"));
+    EXPECT_THAT(document, HasSubstr("\\cf1\\ul  & <red>"));
+    EXPECT_THAT(document, HasSubstr("\\{x\\} \\\\ \\u233? \\u-10179?\\u-8704?"));
+    EXPECT_THAT(document, HasSubstr("HYPERLINK \"https://example.com/?a=1&b=2\""));
+}
+
+TEST(AttributedText, RTFIsReadByAnotherProgram) {
+    NSMutableAttributedString text = sample();
+    text.removeAttribute(AttributeName::link, {0, text.length()}); // which unrtf does not read
+    const std::string read = outputOf("unrtf --html --quiet", rtfText(text));
+    EXPECT_THAT(read, HasSubstr("<b>Bold</b>"));
+    EXPECT_THAT(read, HasSubstr("<font color=\"#ff0000\"><u> &amp; &lt;red&gt;</u></font>"));
+    EXPECT_THAT(read, HasSubstr("<center>"));
+    EXPECT_THAT(read, HasSubstr("link {x} \\ &eacute;"));
+    EXPECT_THAT(read, HasSubstr("<sup>2</sup>"));
+}
+
+TEST(AttributedText, RTFBracesBalance) {
+    for (const std::string_view text :
+         {"", "}}}", "{\\rtf1", "a\r\nb\tc\u2028d", "\x01\x7F\xFF", "\\'e9"}) {
+        const AttributeDictionary odd = {{"NSFont", TextFont{"a;}b{\\", 1e300, false, true}},
+                                         {"NSLink", std::string("https://x/\"}{\\*")},
+                                         {"NSBackgroundColor", TextColor(-1, 2, 0.5)}};
+        const std::string document = rtfText(format(odd, text));
+        int depth = 0;
+        for (std::size_t i = 0; i < document.size(); ++i) {
+            if (document[i] == '\\')
+                ++i;
+            else
+                depth += document[i] == '{' ? 1 : document[i] == '}' ? -1 : 0;
+            ASSERT_GE(depth, i + 2 < document.size() ? 1 : 0);
+        }
+        EXPECT_EQ(depth, 0);
+    }
+}

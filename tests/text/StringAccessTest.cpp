@@ -1,0 +1,133 @@
+#include <zorvan/text/String.h>
+
+#include <gmock/gmock.h>
+
+#include <clocale>
+#include <limits>
+
+using namespace zorvan;
+
+TEST(StringAccess, CountsCharacters) {
+    const std::string s = "e\u0301\r\n🇩🇪x\xFF";
+    EXPECT_EQ(startIntIndexToStringIndex(s, 0), 0u);
+    EXPECT_EQ(startIntIndexToStringIndex(s, 2), 5u);
+    EXPECT_EQ(startIntIndexToStringIndex(s, 5), s.size());
+    EXPECT_EQ(endIntIndexToStringIndex(s, 0), s.size());
+    EXPECT_EQ(endIntIndexToStringIndex(s, 3), 5u);
+    EXPECT_EQ(endIntIndexToStringIndex(s, 5), 0u);
+    EXPECT_EQ(rangeToStringRange(s, {1, 3}), (StringRange{3, 13}));
+    EXPECT_EQ(rangeToStringRange(s, {5, 5}), (StringRange{15, 15}));
+    EXPECT_EQ(substring(s, {.with = {2, 4}}), "🇩🇪x");
+    EXPECT_EQ(substring(s, {.to = 1}), "e\u0301");
+    EXPECT_EQ(substring(s, {.from = 4}), "\xFF");
+    EXPECT_EQ(substring("", {.from = 0}), "");
+}
+
+TEST(StringAccess, Edits) {
+    std::string s = "abc";
+    insert(s, "🇩🇪", 1);
+    EXPECT_EQ(s, "a🇩🇪bc");
+    insert(s, s, 4);
+    EXPECT_EQ(s, "a🇩🇪bca🇩🇪bc");
+    EXPECT_EQ(remove(s, 1), "🇩🇪");
+    removeSubrange(s, {3, 6});
+    EXPECT_EQ(s, "abcc");
+    EXPECT_EQ(removeFirstChar(s), "a");
+    EXPECT_EQ(removeLastChar(s), "c");
+    EXPECT_EQ(s, "bc");
+    std::string last = "x";
+    EXPECT_EQ(removeLastChar(last), "x");
+    EXPECT_EQ(last, "");
+    std::string marks = "a\r\n\u0301\u0301";
+    EXPECT_EQ(removeLastChar(marks), "\u0301\u0301");
+    EXPECT_EQ(removeLastChar(marks), "\r\n");
+}
+
+TEST(StringAccess, SafeMembersNeverFail) {
+    EXPECT_EQ(safeSubstring("abc", {.to = 5}), "abc");
+    EXPECT_EQ(safeSubstring("abc", {.to = 3}), "abc");
+    EXPECT_EQ(safeSubstring("abc", {.to = 2}), "ab");
+    EXPECT_EQ(safeSubstring("abc", {.to = -1}), "");
+    EXPECT_EQ(safeSubstring("abc", {.from = 3}), "");
+    EXPECT_EQ(safeSubstring("abc", {.from = 1}), "bc");
+    EXPECT_EQ(safeSubstring("abc", {.from = -1}), "abc");
+    EXPECT_EQ(safeSubstring("abc", {.from = std::numeric_limits<std::int64_t>::max()}), "");
+    EXPECT_EQ(safeChar("abc", 3), std::nullopt);
+    EXPECT_EQ(safeChar("abc", -1), std::nullopt);
+    EXPECT_EQ(safeChar("ae\u0301", 1), "e\u0301");
+}
+
+TEST(StringAccess, ReadsIntegers) {
+    const struct {
+        std::string_view text;
+        Range range;
+        std::optional<std::int64_t> value;
+    } cases[] = {
+        {"12ab", {0, 2}, 12},
+        {"12ab", {0, 3}, std::nullopt},
+        {"12", {0, 3}, std::nullopt},
+        {"12", {-1, 2}, std::nullopt},
+        {"12", {1, 1}, std::nullopt},
+        {"12", {2, 1}, std::nullopt},
+        {"+7", {0, 2}, 7},
+        {"-7", {0, 2}, -7},
+        {"+-7", {0, 3}, std::nullopt},
+        {"-+7", {0, 3}, std::nullopt},
+        {"--7", {0, 3}, std::nullopt},
+        {"-", {0, 1}, std::nullopt},
+        {" 7", {0, 2}, std::nullopt},
+        {"7 ", {0, 2}, std::nullopt},
+        {"1\u0301", {0, 1}, std::nullopt}, // one character, which is no digit
+        {"🇩🇪42", {1, 3}, 42},
+        {"٣", {0, 1}, std::nullopt},
+        {"9223372036854775807", {0, 19}, std::numeric_limits<std::int64_t>::max()},
+        {"9223372036854775808", {0, 19}, std::nullopt},
+        {"-9223372036854775808", {0, 20}, std::numeric_limits<std::int64_t>::min()},
+        {"1", {0, std::numeric_limits<std::int64_t>::max()}, std::nullopt},
+        {"1", {std::numeric_limits<std::int64_t>::min(), 1}, std::nullopt},
+    };
+    for (const auto& [text, range, value] : cases)
+        EXPECT_EQ(safeInt(text, range), value) << text << " " << range.lower << " " << range.upper;
+}
+
+TEST(StringAccess, ReadsReals) {
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    const struct {
+        std::string_view text;
+        std::optional<double> value;
+    } cases[] = {
+        {"1.5", 1.5},           {"+1.5", 1.5},
+        {"-.5", -0.5},          {"1.", 1.0},
+        {"1e3", 1000.0},        {"1e999", infinity},
+        {"-1e999", -infinity},  {"1e-999", 0.0},
+        {"1,5", std::nullopt},  {"", std::nullopt},
+        {".", std::nullopt},    {"-", std::nullopt},
+        {"+-1", std::nullopt},  {"1e", std::nullopt},
+        {"inf", std::nullopt},  {"nan", std::nullopt},
+        {"0x10", std::nullopt}, {" 1", std::nullopt},
+        {"1 ", std::nullopt},   {"0.1000000000000000055511151231257827", 0.1},
+    };
+    for (const auto& [text, value] : cases)
+        EXPECT_EQ(safeDouble(text, {0, count(text)}), value) << text;
+    EXPECT_EQ(safeDouble("1.5", {0, 4}), std::nullopt);
+    EXPECT_EQ(safeDouble("x1.5", {1, 4}), 1.5);
+}
+
+TEST(StringAccessDeathTest, StopsOnOffsetsOutside) {
+    std::string s = "e\u0301x";
+    const auto stops = "^String index is out of bounds\n$";
+    EXPECT_DEATH((void)startIntIndexToStringIndex(s, 3), stops);
+    EXPECT_DEATH((void)startIntIndexToStringIndex(s, -1), stops);
+    EXPECT_DEATH((void)endIntIndexToStringIndex(s, 3), stops);
+    EXPECT_DEATH((void)endIntIndexToStringIndex(s, -1), stops);
+    EXPECT_DEATH((void)substring(s, {.with = {1, 3}}), stops);
+    EXPECT_DEATH((void)substring(s, {.with = {2, 1}}), stops);
+    EXPECT_DEATH((void)substring(s, {.to = 3}), stops);
+    EXPECT_DEATH((void)substring(s, {.from = -1}), stops);
+    EXPECT_DEATH(insert(s, "x", 3), stops);
+    EXPECT_DEATH(remove(s, 2), stops);
+    EXPECT_DEATH(removeSubrange(s, {0, 3}), stops);
+    std::string empty;
+    EXPECT_DEATH(removeFirstChar(empty), stops);
+    EXPECT_DEATH(removeLastChar(empty), stops);
+}

@@ -1,0 +1,208 @@
+#include <zorvan/text/String.h>
+
+#include <zorvan/platform/foundation/NSUserName.h>
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <random>
+
+using namespace zorvan;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(String, TellsBlankFromEmpty) {
+    EXPECT_TRUE(isBlank(""));
+    EXPECT_TRUE(isBlank("  \n"));
+    EXPECT_TRUE(isBlank("\u00A0\u2028\t\r\n"));
+    EXPECT_FALSE(isBlank(" \u0301"));
+    EXPECT_FALSE(isBlank("\xFF"));
+    EXPECT_EQ(nonEmpty(""), std::nullopt);
+    EXPECT_EQ(nonEmpty(" "), " ");
+    EXPECT_EQ(nonBlank("  \n"), std::nullopt);
+    EXPECT_EQ(nonBlank(" a "), " a ");
+    EXPECT_EQ(strip("\n a \n"), "\n a \n");
+    EXPECT_EQ(strip("\t a b\u3000"), "a b");
+    EXPECT_FALSE(isValidMessage(""));
+    EXPECT_TRUE(isValidMessage(" "));
+    EXPECT_EQ(count("e\u0301\r\n👨‍👩‍👧"), 3);
+}
+
+TEST(String, Shapes) {
+    EXPECT_EQ(minPadding("ab", 4), "ab  ");
+    EXPECT_EQ(minPadding("abcdef", 4), "abcdef");
+    EXPECT_EQ(minPadding("😀", 4), "😀  "); // two UTF-16 units
+    EXPECT_EQ(minPadding("e\u0301", 3), "e\u0301 ");
+    EXPECT_EQ(minPadding("ab", -1), "ab");
+    EXPECT_EQ(decapitalized("Hello"), "hello");
+    EXPECT_EQ(decapitalized(""), "");
+    EXPECT_EQ(decapitalized("ÉTÉ"), "éTÉ");
+    EXPECT_EQ(decapitalized("E\u0301TE"), "e\u0301TE");
+    EXPECT_EQ(decapitalized("\xFFÀ"), "\xFFÀ");
+}
+
+TEST(String, NumbersCopies) {
+    const struct {
+        std::string_view name;
+        std::string_view copy;
+    } cases[] = {
+        {"", " (1)"},
+        {"abc", "abc (1)"},
+        {"(1)", "(1) (1)"}, // fewer than four characters
+        {"e\u0301(1", "e\u0301(1 (1)"},
+        {"File", "File (1)"},
+        {"File (2)", "File (3)"},
+        {"File (9)", "File (10)"},
+        {"File ()", "File () (1)"},
+        {"File (2)(7)", "File (2)(8)"},
+        {"Report (2) final", "Report (3)"},
+        {"File (007)", "File (8)"},
+        {"File (-1)", "File (-1) (1)"},
+        {"File (٣)", "File (٣) (1)"}, // a digit to the pattern, but no decimal integer
+        {"File (9223372036854775806)", "File (9223372036854775807)"},
+        {"File (9223372036854775807)", "File (9223372036854775807) (1)"},
+        {"File (9223372036854775808)", "File (9223372036854775808) (1)"},
+        {"a\nFile (2)", "File (3)"}, // "." stays in its line
+        {"\xFF\xFE (2)", "\xFF\xFE (3)"},
+    };
+    for (const auto& [name, copy] : cases)
+        EXPECT_EQ(incremented(name), copy);
+}
+
+TEST(String, Shortens) {
+    EXPECT_EQ(reducedStringAtStart("abcdefghij", 6), "...hij");
+    EXPECT_EQ(reducedStringAtEnd("abcdefghij", 6), "abc...");
+    EXPECT_EQ(reducedStringAtMiddle("abcdefghij", 6), "ab...ij");
+    EXPECT_EQ(reducedStringAtMiddle("abcdefghij", 7), "ab...ij");
+    EXPECT_EQ(reducedStringAtStart("e\u0301🇩🇪🇫🇷xy", 4), "...y");
+    EXPECT_EQ(reducedStringAtEnd("e\u0301🇩🇪🇫🇷xy", 4), "e\u0301...");
+    for (const auto reduce : {reducedStringAtStart, reducedStringAtEnd, reducedStringAtMiddle}) {
+        EXPECT_EQ(reduce("abc", 3), "abc");
+        EXPECT_EQ(reduce("", 0), "");
+        EXPECT_EQ(reduce("abcdefghij", 3), "...");
+        EXPECT_EQ(reduce("abcdefghij", 1), ".");
+        EXPECT_EQ(reduce("abcdefghij", 0), "");
+        EXPECT_EQ(reduce("abcdefghij", -5), "");
+    }
+    EXPECT_EQ(reducedStringAtStart("abcdefghij", 2), "..");
+    EXPECT_EQ(reducedStringAtMiddle("abcdefghij", 2), "...");
+}
+
+TEST(String, ReplacesPrefixesAndSuffixes) {
+    std::string s = "e\u0301tude";
+    EXPECT_FALSE(replacePrefix(s, "e", "x"));
+    EXPECT_EQ(s, "e\u0301tude");
+    EXPECT_TRUE(replacePrefix(s, "é", "E"));
+    EXPECT_EQ(s, "Etude");
+    EXPECT_TRUE(replacePrefix(s, "", ">"));
+    EXPECT_TRUE(replaceSuffix(s, "ude", s)); // the text itself is put in
+    EXPECT_EQ(s, ">Et>Etude");
+    EXPECT_FALSE(replaceSuffix(s, "tudes", ""));
+    EXPECT_EQ(replacingPrefix("abc", "b", "x"), "abc");
+    EXPECT_EQ(replacingSuffix("a\r\n", "\n", ""), "a\r\n");
+    EXPECT_EQ(replacingSuffix("a.txt", ".txt", ".md"), "a.md");
+    EXPECT_EQ(removedPrefix("abab", "ab"), "ab");
+    EXPECT_EQ(removedSuffix("abab", "ab"), "ab");
+    EXPECT_EQ(removedSuffix("ab", "abab"), "ab");
+}
+
+TEST(String, AbbreviatesTheHomeFolder) {
+    const std::string home = "/Users/" + NSUserName();
+    ASSERT_NE(NSUserName(), "");
+    EXPECT_EQ(abreviatingTildeInPath(home + "/Documents"), "~/Documents");
+    EXPECT_EQ(abreviatingTildeInPath(home + "2/x"), "~2/x");
+    EXPECT_EQ(abreviatingTildeInPath(home), "~");
+    std::string other = "/x" + home;
+    EXPECT_FALSE(abreviateTildeInPath(other));
+    EXPECT_EQ(other, "/x" + home);
+}
+
+TEST(String, FinderOrderIsStrictAndWeak) {
+    EXPECT_EQ(finderCompare("file2", "file10"), ComparisonResult::orderedAscending);
+    EXPECT_EQ(finderCompare("é", "E"), ComparisonResult::orderedSame);
+    EXPECT_EQ(finderCompare("Öl", "Z", Locale("sv")), ComparisonResult::orderedDescending);
+    constexpr std::array<std::string_view, 14> pieces = {
+        "a", "Á", "2", "10", "02", " ", "-", "ß", "中", "\u0301", "z", "\xFF", "٣", "ch"};
+    std::mt19937 random(2);
+    std::vector<std::string> names(60);
+    for (auto& name : names)
+        for (std::size_t i = random() % 4; i > 0; --i)
+            name += pieces[random() % pieces.size()];
+    const auto before = [](const std::string& a, const std::string& b) {
+        return finderCompare(a, b) == ComparisonResult::orderedAscending;
+    };
+    for (const auto& a : names)
+        for (const auto& b : names)
+            for (const auto& c : names) {
+                ASSERT_FALSE(before(a, b) && before(b, a));
+                ASSERT_TRUE(!before(a, b) || !before(b, c) || before(a, c));
+                const bool alike = !before(a, b) && !before(b, a) && !before(b, c) && !before(c, b);
+                ASSERT_TRUE(!alike || (!before(a, c) && !before(c, a)));
+            }
+}
+
+TEST(String, CapturesMatches) {
+    EXPECT_THAT(captureMatches("a1b22", "([a-z])([0-9]+)"),
+                ElementsAre(ElementsAre("a", "1"), ElementsAre("b", "22")));
+    EXPECT_THAT(captureMatches("A", "(a)"), IsEmpty());
+    EXPECT_THAT(caseInsensitiveCaptureMatches("A", "(a)"), ElementsAre(ElementsAre("A")));
+    EXPECT_THAT(captureMatches("b", "(a)|(b)"), ElementsAre(ElementsAre("", "b")));
+}
+
+TEST(String, ReportsAPatternThatCannotBeUsed) {
+    testing::internal::CaptureStdout();
+    EXPECT_THAT(captureMatches("a", "(a"), IsEmpty());
+    EXPECT_THAT(captureMatches(std::string(60, 'a'), "((a+)+)b"), IsEmpty());
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "invalid regex: unbalanced parenthesis at line 1, column 2\n"
+              "invalid regex: search takes too long\n");
+}
+
+TEST(String, ValidatesEmail) {
+    const std::string label64(64, 'x');
+    for (const std::string& valid :
+         {std::string("joe@example.com"), std::string("a.b_c%d+e-f@sub.example.co"),
+          std::string("..@..aa"), std::string("x@-.ab"), "x@y." + label64})
+        EXPECT_TRUE(isValidEmail(valid)) << valid;
+    for (const std::string& invalid :
+         {std::string(), std::string("@"), std::string("joe"), std::string("joe@example"),
+          std::string("@example.com"), std::string("joe@.com"), std::string("joe@example.c"),
+          std::string("joe@example.c0m"), std::string("joe@example.com "),
+          std::string(" joe@example.com"), std::string("joe@example.com\n"),
+          std::string("a@b@example.com"), std::string("jö@example.com"), "x@y." + label64 + "x",
+          std::string("joe@exam_ple.com"), std::string("a.b@cd")})
+        EXPECT_FALSE(isValidEmail(invalid)) << invalid;
+}
+
+TEST(String, EmailAgreesWithThePattern) {
+    const NSRegularExpression pattern(R"(\A([A-Z0-9a-z._%+-]+@[A-Za-z0-9.-]+\.[A-Za-z]{2,64})\z)",
+                                      NSRegularExpression::Options::none);
+    std::mt19937 random(9);
+    const auto some = [&](std::string_view alphabet, std::size_t most) {
+        std::string text;
+        for (std::size_t i = random() % (most + 1); i > 0; --i)
+            text += alphabet[random() % alphabet.size()];
+        return text;
+    };
+    int valid = 0;
+    for (int round = 0; round < 50'000; ++round) {
+        const std::string text = some("aZ9._%+-@ ", 4) + some("@", 1) + some("aZ9.-_", 4) +
+                                 some(".", 1) + some("aZZ9.\n", 4);
+        const bool matches = !pattern.captures(text).empty();
+        ASSERT_EQ(isValidEmail(text), matches) << text;
+        valid += matches;
+    }
+    EXPECT_GT(valid, 100);
+}
+
+TEST(String, ValidatesLinks) {
+    EXPECT_TRUE(isValidLink("https://example.com/a?b"));
+    EXPECT_TRUE(isValidLink("example.com"));
+    EXPECT_TRUE(isValidLink("https://example.com/😀"));
+    EXPECT_FALSE(isValidLink(""));
+    EXPECT_FALSE(isValidLink(" https://example.com"));
+    EXPECT_FALSE(isValidLink("https://example.com."));
+    EXPECT_FALSE(isValidLink("https://example.com https://example.com"));
+    EXPECT_TRUE(isValid("joe@example.com", NSTextCheckingType::link));
+    EXPECT_FALSE(isValid("2021-01-01", NSTextCheckingType::date));
+}

@@ -1,0 +1,163 @@
+#include <zorvan/platform/propertylist/PropertyListFile.h>
+
+#include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/propertylist/internal/Codecs.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace zorvan::propertylist {
+
+namespace {
+
+void explain(std::string* reason, std::string text) {
+    if (reason)
+        *reason = std::move(text);
+}
+
+void explainSystem(std::string* reason) { explain(reason, std::system_category().message(errno)); }
+
+class File {
+public:
+    explicit File(int descriptor) : descriptor_(descriptor) {}
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File() {
+        if (isOpen())
+            ::close(descriptor_);
+    }
+    bool isOpen() const { return descriptor_ >= 0; }
+    int descriptor() const { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
+/// Up to `size` bytes; fewer when the file turns out to be shorter. Absent after an error.
+std::optional<Data> readUpTo(const File& file, std::size_t size) {
+    Data bytes(size);
+    std::size_t filled = 0;
+    while (filled < size) {
+        const ssize_t count = ::read(file.descriptor(), bytes.data() + filled, size - filled);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return std::nullopt;
+        if (count == 0)
+            break;
+        filled += static_cast<std::size_t>(count);
+    }
+    bytes.resize(filled);
+    return bytes;
+}
+
+bool writeAll(const File& file, std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(file.descriptor(), bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return false;
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+/// Gives the new file the permissions of the one that it replaces, before anything is in it.
+bool takePermissions(const File& file, const std::string& path) {
+    struct stat old {};
+    return ::stat(path.c_str(), &old) != 0 || ::fchmod(file.descriptor(), old.st_mode & 07777) == 0;
+}
+
+/// Makes the new name of a file last. Where a directory cannot be synchronised, nothing more can be
+/// done.
+void syncDirectoryOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    const std::string directory = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    const File file(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (file.isOpen())
+        ::fsync(file.descriptor());
+}
+
+bool replaceFile(const std::string& path, std::span<const std::byte> bytes) {
+    const std::string temporary = path + '.' + makeUUIDString();
+    const File file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!file.isOpen())
+        return false;
+    if (takePermissions(file, path) && writeAll(file, bytes) && ::fsync(file.descriptor()) == 0 &&
+        ::rename(temporary.c_str(), path.c_str()) == 0) {
+        syncDirectoryOf(path);
+        return true;
+    }
+    const int error = errno;
+    ::unlink(temporary.c_str());
+    errno = error;
+    return false;
+}
+
+} // namespace
+
+std::optional<PropertyList> decode(std::span<const std::byte> bytes, std::string* reason) {
+    constexpr std::size_t magicSize = sizeof binaryMagic - 1;
+    const bool isBinary =
+        bytes.size() >= magicSize && std::memcmp(bytes.data(), binaryMagic, magicSize) == 0;
+    try {
+        return isBinary ? readBinary(bytes) : readXML(bytes);
+    } catch (const Refusal& refusal) {
+        explain(reason, refusal.what());
+        return std::nullopt;
+    }
+}
+
+std::optional<Data> encode(const PropertyList& list, Format format, std::string* reason) {
+    try {
+        return format == Format::binary ? writeBinary(list) : writeXML(list);
+    } catch (const Refusal& refusal) {
+        explain(reason, refusal.what());
+        return std::nullopt;
+    }
+}
+
+std::optional<PropertyList> readFile(const std::string& path, std::string* reason) {
+    // Without O_NONBLOCK a named pipe would hold the caller up before it can be told apart.
+    const File file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!file.isOpen() || ::fstat(file.descriptor(), &status) != 0) {
+        explainSystem(reason);
+        return std::nullopt;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        explain(reason, "it is no regular file");
+        return std::nullopt;
+    }
+    if (status.st_size < 0 || static_cast<std::uintmax_t>(status.st_size) > maximumFileSize) {
+        explain(reason, "the file is too large");
+        return std::nullopt;
+    }
+    const std::optional<Data> bytes = readUpTo(file, static_cast<std::size_t>(status.st_size));
+    if (!bytes) {
+        explainSystem(reason);
+        return std::nullopt;
+    }
+    return decode(*bytes, reason);
+}
+
+bool writeFile(const PropertyList& list, Format format, const std::string& path,
+               std::string* reason) {
+    const std::optional<Data> bytes = encode(list, format, reason);
+    if (!bytes)
+        return false;
+    if (!replaceFile(path, *bytes)) {
+        explainSystem(reason);
+        return false;
+    }
+    return true;
+}
+
+} // namespace zorvan::propertylist

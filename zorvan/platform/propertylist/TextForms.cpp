@@ -1,0 +1,280 @@
+#include <zorvan/platform/propertylist/internal/TextForms.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <system_error>
+
+namespace zorvan::propertylist {
+
+namespace {
+
+using std::chrono::sys_days;
+using std::chrono::year_month_day;
+using Seconds = std::chrono::sys_seconds;
+
+constexpr char base64Digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+constexpr std::array<std::int8_t, 256> base64Values = [] {
+    std::array<std::int8_t, 256> values{};
+    values.fill(-1);
+    for (std::int8_t i = 0; i < 64; ++i)
+        values[static_cast<unsigned char>(base64Digits[i])] = i;
+    return values;
+}();
+
+constexpr Seconds reference = sys_days(std::chrono::year(2001) / 1 / 1);
+
+Date clamped(Seconds seconds) {
+    if (seconds >= std::chrono::floor<std::chrono::seconds>(Date::max()))
+        return Date::max();
+    if (seconds <= std::chrono::ceil<std::chrono::seconds>(Date::min()))
+        return Date::min();
+    return seconds;
+}
+
+/// A date as whole seconds, rounded down, and what is left.
+struct SplitDate {
+    Seconds whole;
+    Date::duration rest;
+};
+
+SplitDate split(Date date) {
+    // By hand, because `floor` overflows at the start of the range of dates.
+    constexpr Date::duration second = std::chrono::seconds(1);
+    const Date::duration time = date.time_since_epoch();
+    const Date::duration rest = (time % second + second) % second;
+    const std::chrono::seconds toward = std::chrono::duration_cast<std::chrono::seconds>(time);
+    return {Seconds(toward - std::chrono::seconds(time % second < Date::duration::zero() ? 1 : 0)),
+            rest};
+}
+
+/// Takes the digits of a field from the front of the text.
+std::optional<int> takeNumber(std::string_view& text, std::size_t digits) {
+    if (text.size() < digits)
+        return std::nullopt;
+    int number = 0;
+    for (const char c : text.substr(0, digits)) {
+        if (c < '0' || c > '9')
+            return std::nullopt;
+        number = number * 10 + (c - '0');
+    }
+    text.remove_prefix(digits);
+    return number;
+}
+
+void appendNumber(std::string& text, std::int64_t number, std::size_t width) {
+    const std::string digits = std::to_string(number);
+    text.append(width - std::min(width, digits.size()), '0');
+    text += digits;
+}
+
+template <class Number, class... Format>
+std::optional<Number> parsedWhole(std::string_view text, Format... format) {
+    Number number{};
+    const char* const end = text.data() + text.size();
+    const std::from_chars_result read = std::from_chars(text.data(), end, number, format...);
+    if (read.ec != std::errc() || read.ptr != end)
+        return std::nullopt;
+    return number;
+}
+
+} // namespace
+
+std::optional<char32_t> UTF8Reader::next() {
+    const auto byteAt = [&](std::size_t at) -> char32_t {
+        return static_cast<unsigned char>(text_[at]);
+    };
+    const char32_t first = byteAt(position_);
+    if (first < 0x80) {
+        ++position_;
+        return first;
+    }
+    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    if (first < 0xC2 || first > 0xF4 || text_.size() - position_ < length)
+        return std::nullopt;
+    char32_t scalar = first & (0xFFu >> (length + 1));
+    for (std::size_t i = 1; i < length; ++i) {
+        const char32_t byte = byteAt(position_ + i);
+        if ((byte & 0xC0) != 0x80)
+            return std::nullopt;
+        scalar = scalar << 6 | (byte & 0x3F);
+    }
+    const bool overlong = (length == 3 && scalar < 0x800) || (length == 4 && scalar < 0x10000);
+    if (overlong || scalar > 0x10FFFF || (scalar >= 0xD800 && scalar < 0xE000))
+        return std::nullopt;
+    position_ += length;
+    return scalar;
+}
+
+bool isUTF8(std::string_view text) {
+    UTF8Reader reader(text);
+    while (!reader.atEnd())
+        if (!reader.next())
+            return false;
+    return true;
+}
+
+void appendUTF8(std::string& text, char32_t scalar) {
+    const auto append = [&](char32_t byte) { text += static_cast<char>(byte); };
+    if (scalar < 0x80) {
+        append(scalar);
+    } else if (scalar < 0x800) {
+        append(0xC0 | scalar >> 6);
+        append(0x80 | (scalar & 0x3F));
+    } else if (scalar < 0x10000) {
+        append(0xE0 | scalar >> 12);
+        append(0x80 | (scalar >> 6 & 0x3F));
+        append(0x80 | (scalar & 0x3F));
+    } else {
+        append(0xF0 | scalar >> 18);
+        append(0x80 | (scalar >> 12 & 0x3F));
+        append(0x80 | (scalar >> 6 & 0x3F));
+        append(0x80 | (scalar & 0x3F));
+    }
+}
+
+std::optional<Data> decodeBase64(std::string_view text) {
+    Data bytes;
+    bytes.reserve(text.size() / 4 * 3);
+    std::uint32_t group = 0;
+    std::size_t digits = 0;
+    std::size_t padding = 0;
+    for (const char c : text) {
+        if (c == ' ' || c == '\t' || c == '\n' || c == '\r')
+            continue;
+        if (c == '=') {
+            ++padding;
+            continue;
+        }
+        const int value = base64Values[static_cast<unsigned char>(c)];
+        if (value < 0 || padding > 0)
+            return std::nullopt;
+        group = group << 6 | static_cast<std::uint32_t>(value);
+        if (++digits % 4 == 0)
+            for (const int shift : {16, 8, 0})
+                bytes.push_back(static_cast<std::byte>(group >> shift));
+    }
+    // Missing padding is common and harmless; a single left-over digit holds no byte.
+    const std::size_t rest = digits % 4;
+    if (rest == 1 || padding > (4 - rest) % 4)
+        return std::nullopt;
+    if (rest >= 2)
+        bytes.push_back(static_cast<std::byte>(group >> (rest == 2 ? 4 : 10)));
+    if (rest == 3)
+        bytes.push_back(static_cast<std::byte>(group >> 2));
+    return bytes;
+}
+
+std::string encodeBase64(std::span<const std::byte> bytes) {
+    std::string text;
+    text.reserve((bytes.size() + 2) / 3 * 4);
+    for (std::size_t i = 0; i < bytes.size(); i += 3) {
+        std::uint32_t group = 0;
+        for (std::size_t k = 0; k < 3; ++k)
+            group = group << 8 |
+                    (i + k < bytes.size() ? std::to_integer<std::uint32_t>(bytes[i + k]) : 0);
+        const std::size_t digits = std::min<std::size_t>(bytes.size() - i, 3) + 1;
+        for (std::size_t k = 0; k < 4; ++k)
+            text += k < digits ? base64Digits[group >> (18 - 6 * k) & 63] : '=';
+    }
+    return text;
+}
+
+std::optional<Date> decodeDate(std::string_view text) {
+    const bool beforeChrist = text.starts_with('-');
+    if (beforeChrist)
+        text.remove_prefix(1);
+    std::array<int, 6> fields{};
+    constexpr std::string_view separators = "--T::Z";
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+        const std::optional<int> number = takeNumber(text, i == 0 ? 4 : 2);
+        if (!number || !text.starts_with(separators[i]))
+            return std::nullopt;
+        fields[i] = *number;
+        text.remove_prefix(1);
+    }
+    const auto [year, month, day, hour, minute, second] = fields;
+    const year_month_day date(std::chrono::year(beforeChrist ? -year : year),
+                              std::chrono::month(static_cast<unsigned>(month)),
+                              std::chrono::day(static_cast<unsigned>(day)));
+    if (!text.empty() || !date.ok() || hour > 23 || minute > 59 || second > 59)
+        return std::nullopt;
+    return clamped(sys_days(date) + std::chrono::hours(hour) + std::chrono::minutes(minute) +
+                   std::chrono::seconds(second));
+}
+
+std::string encodeDate(Date date) {
+    const Seconds seconds = split(date).whole;
+    const sys_days day = std::chrono::floor<std::chrono::days>(seconds);
+    const year_month_day calendar(day);
+    const std::chrono::hh_mm_ss<std::chrono::seconds> time(seconds - day);
+    std::string text;
+    appendNumber(text, static_cast<int>(calendar.year()), 4);
+    text += '-';
+    appendNumber(text, static_cast<unsigned>(calendar.month()), 2);
+    text += '-';
+    appendNumber(text, static_cast<unsigned>(calendar.day()), 2);
+    text += 'T';
+    appendNumber(text, time.hours().count(), 2);
+    text += ':';
+    appendNumber(text, time.minutes().count(), 2);
+    text += ':';
+    appendNumber(text, time.seconds().count(), 2);
+    text += 'Z';
+    return text;
+}
+
+std::optional<Date> dateFromReference(double seconds) {
+    if (std::isnan(seconds))
+        return std::nullopt;
+    constexpr double limit = 1e12; // far beyond the range of dates, well within that of integers
+    const double whole = std::floor(std::clamp(seconds, -limit, limit));
+    const Date start = clamped(reference + std::chrono::seconds(static_cast<std::int64_t>(whole)));
+    if (start == Date::max() || start == Date::min())
+        return start;
+    const std::chrono::duration<double> fraction(seconds - whole);
+    return start + std::chrono::duration_cast<Date::duration>(fraction);
+}
+
+double secondsFromReference(Date date) {
+    const auto [whole, rest] = split(date);
+    return static_cast<double>((whole - reference).count()) +
+           std::chrono::duration<double>(rest).count();
+}
+
+std::optional<std::int64_t> decodeInteger(std::string_view text) {
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+'))
+        text.remove_prefix(1);
+    int base = 10;
+    if (text.starts_with("0x") || text.starts_with("0X")) {
+        text.remove_prefix(2);
+        base = 16;
+    }
+    const std::optional<std::uint64_t> size = parsedWhole<std::uint64_t>(text, base);
+    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
+    if (!size || *size > largest + (negative ? 1 : 0))
+        return std::nullopt;
+    return static_cast<std::int64_t>(negative ? 0 - *size : *size);
+}
+
+std::optional<double> decodeReal(std::string_view text) {
+    if (text.starts_with('+') && !text.starts_with("+-"))
+        text.remove_prefix(1);
+    return parsedWhole<double>(text);
+}
+
+std::string encodeReal(double real) {
+    if (std::isnan(real))
+        return "nan";
+    std::array<char, 32> digits;
+    const std::to_chars_result end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), real);
+    return std::string(digits.data(), end.ptr);
+}
+
+} // namespace zorvan::propertylist

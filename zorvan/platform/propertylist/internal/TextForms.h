@@ -1,0 +1,49 @@
+#pragma once
+
+#include <zorvan/platform/foundation/Data.h>
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace zorvan::propertylist {
+
+/// Decoding and encoding of the leaf values. What reads gives an absent result for text that is not
+/// of the form.
+
+/// The scalar values of a UTF-8 text, one after the other.
+class UTF8Reader {
+public:
+    explicit UTF8Reader(std::string_view text) : text_(text) {}
+    bool atEnd() const { return position_ == text_.size(); }
+    /// The next scalar value; absent when the bytes there are not UTF-8.
+    std::optional<char32_t> next();
+
+private:
+    std::string_view text_;
+    std::size_t position_ = 0;
+};
+
+bool isUTF8(std::string_view text);
+void appendUTF8(std::string& text, char32_t scalar);
+
+std::optional<Data> decodeBase64(std::string_view text);
+std::string encodeBase64(std::span<const std::byte> bytes);
+
+/// "2001-01-01T00:00:00Z".
+std::optional<Date> decodeDate(std::string_view text);
+std::string encodeDate(Date date);
+
+/// Seconds since the start of 2001, which is where dates of binary lists count from. Absent for
+/// NaN.
+std::optional<Date> dateFromReference(double seconds);
+double secondsFromReference(Date date);
+
+/// Decimal, or hexadecimal after "0x".
+std::optional<std::int64_t> decodeInteger(std::string_view text);
+std::optional<double> decodeReal(std::string_view text);
+std::string encodeReal(double real);
+
+} // namespace zorvan::propertylist

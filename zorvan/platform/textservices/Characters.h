@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstddef>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zorvan {
+
+/// Characters of UTF-8 text. A character is one extended grapheme cluster of Unicode (UAX #29, with
+/// the rule that keeps Indic conjuncts whole): "é", a flag, a family emoji and "\r\n" count as one.
+///
+/// Bytes that are not UTF-8 are never dropped: each maximal ill-formed subsequence is a character
+/// of its own, which nothing joins.
+
+/// How many characters `text` has.
+[[nodiscard]] std::size_t characterCount(std::string_view text) noexcept;
+
+/// A place in a text, and how many characters were passed on the way to it.
+struct CharacterPosition {
+    std::size_t offset; ///< in bytes
+    std::size_t passed;
+};
+
+/// The place up to `count` characters after `offset`, which must be a boundary; it stops at the
+/// end.
+[[nodiscard]] CharacterPosition advanceCharacters(std::string_view text, std::size_t offset,
+                                                  std::size_t count) noexcept;
+
+/// The place up to `count` characters before the end; it stops at the start.
+[[nodiscard]] CharacterPosition retreatCharacters(std::string_view text, std::size_t count);
+
+/// Whether two characters are canonically equivalent: precomposed "é" equals "e" followed by a
+/// combining acute. Ill-formed bytes equal only the same bytes.
+[[nodiscard]] bool charactersAreEqual(std::string_view a, std::string_view b);
+
+/// A spelling that two characters share exactly when they are equal.
+[[nodiscard]] std::string canonicalCharacter(std::string_view character);
+
+/// How many bytes of `text` its first characters take when they equal those of `prefix`; absent
+/// when they do not.
+[[nodiscard]] std::optional<std::size_t> matchingPrefix(std::string_view text,
+                                                        std::string_view prefix);
+
+/// Where the last characters of `text` begin when they equal those of `suffix`; absent when they do
+/// not.
+[[nodiscard]] std::optional<std::size_t> matchingSuffix(std::string_view text,
+                                                        std::string_view suffix);
+
+/// The characters of a text, first to last, as views of it: `for (std::string_view c :
+/// Characters(s))`.
+class Characters {
+public:
+    explicit Characters(std::string_view text) noexcept : text_(text) {}
+
+    class Iterator {
+    public:
+        using value_type = std::string_view;
+        using difference_type = std::ptrdiff_t;
+        using iterator_category = std::input_iterator_tag;
+
+        Iterator() = default;
+        Iterator(std::string_view text, std::size_t offset) noexcept
+            : text_(text), start_(offset), end_(advanceCharacters(text, offset, 1).offset) {}
+
+        std::string_view operator*() const noexcept { return text_.substr(start_, end_ - start_); }
+        Iterator& operator++() noexcept { return *this = Iterator(text_, end_); }
+        Iterator operator++(int) noexcept {
+            Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        friend bool operator==(const Iterator& a, const Iterator& b) noexcept {
+            return a.start_ == b.start_;
+        }
+
+    private:
+        std::string_view text_;
+        std::size_t start_ = 0;
+        std::size_t end_ = 0;
+    };
+
+    Iterator begin() const noexcept { return {text_, 0}; }
+    Iterator end() const noexcept { return {text_, text_.size()}; }
+
+private:
+    std::string_view text_;
+};
+
+} // namespace zorvan

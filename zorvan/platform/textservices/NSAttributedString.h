@@ -1,0 +1,86 @@
+#pragma once
+
+#include <zorvan/platform/textservices/Range.h>
+#include <zorvan/platform/textservices/TextAttributes.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zorvan {
+
+/// Text whose parts carry attributes: a value, equal to another when text and attributes are.
+///
+/// Lengths and ranges count UTF-16 units, which is how the text is kept: bytes that are not UTF-8
+/// become U+FFFD on the way in, lone surrogates on the way out. A range that reaches outside the
+/// text stops the program with "Range is out of bounds".
+class NSAttributedString {
+public:
+    /// A stretch of text with the same attributes.
+    struct Run {
+        NSRange range;
+        AttributeDictionary attributes;
+
+        friend bool operator==(const Run&, const Run&) = default;
+    };
+
+    NSAttributedString() = default;
+    explicit NSAttributedString(std::string_view text, AttributeDictionary attributes = {});
+    explicit NSAttributedString(std::u16string text, AttributeDictionary attributes = {});
+
+    /// In UTF-16 units.
+    std::size_t length() const noexcept { return text_.size(); }
+    const std::u16string& utf16() const noexcept { return text_; }
+
+    /// The text alone.
+    std::string string() const;
+
+    /// The runs, first to last; they cover the text, none is empty, neighbours differ.
+    const std::vector<Run>& runs() const noexcept { return runs_; }
+
+    /// The run that holds the unit at `location`, which must lie inside the text.
+    const Run& runAt(std::size_t location) const;
+
+    NSAttributedString attributedSubstring(NSRange range) const;
+
+    friend bool operator==(const NSAttributedString&, const NSAttributedString&) = default;
+
+protected:
+    void replace(NSRange range, const NSAttributedString& replacement);
+    template <class Edit>
+    void editAttributes(NSRange range, Edit edit);
+
+private:
+    void require(NSRange range) const;
+    std::size_t splitAt(std::size_t location);
+    void mergeRuns();
+
+    friend class NSMutableAttributedString;
+
+    std::u16string text_;
+    std::vector<Run> runs_;
+};
+
+/// Attributed text that can be edited in place.
+class NSMutableAttributedString : public NSAttributedString {
+public:
+    using NSAttributedString::NSAttributedString;
+    explicit NSMutableAttributedString(const NSAttributedString& text) : NSAttributedString(text) {}
+
+    void append(const NSAttributedString& text);
+
+    /// The new text takes the attributes of the first unit replaced; where the range is empty,
+    /// those of the unit before it, or else of the one after it.
+    void replaceCharacters(NSRange range, std::string_view text);
+    void replaceCharacters(NSRange range, const NSAttributedString& text);
+
+    void addAttribute(std::string_view name, const AttributeValue& value, NSRange range);
+    /// Adds each attribute, over any of the same name.
+    void addAttributes(const AttributeDictionary& attributes, NSRange range);
+    void removeAttribute(std::string_view name, NSRange range);
+    /// Replaces all attributes.
+    void setAttributes(const AttributeDictionary& attributes, NSRange range);
+};
+
+} // namespace zorvan

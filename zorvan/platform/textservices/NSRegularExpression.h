@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zorvan {
+
+/// A pattern that does not compile, or a search that had to be given up; `what()` says why.
+class RegularExpressionError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A compiled regular expression in ICU's syntax. It never changes, and threads may share it.
+class NSRegularExpression {
+public:
+    /// How a pattern is read; a set of the constants.
+    struct Options {
+        std::uint32_t rawValue = 0;
+
+        static const Options none;
+        static const Options caseInsensitive;
+        static const Options allowCommentsAndWhitespace;
+        static const Options ignoreMetacharacters;
+        static const Options dotMatchesLineSeparators;
+        static const Options anchorsMatchLines;
+        static const Options useUnixLineSeparators;
+        static const Options useUnicodeWordBoundaries;
+
+        friend constexpr Options operator|(Options a, Options b) noexcept {
+            return {a.rawValue | b.rawValue};
+        }
+        friend constexpr bool operator==(Options, Options) = default;
+    };
+
+    /// Compiles `pattern`; throws `RegularExpressionError` when it does not.
+    NSRegularExpression(std::string_view pattern, Options options);
+
+    /// As the constructor, but the expressions a thread has used lately are not compiled again.
+    static NSRegularExpression cached(std::string_view pattern, Options options);
+
+    /// Finds every match in `text`, in order, and gives the groups 1 to n of each. A group that
+    /// took no part is empty text; a match of a pattern without groups is an empty list. Bytes that
+    /// are not UTF-8 match as U+FFFD and are kept as they are in what is captured.
+    ///
+    /// A search is bounded: it may save 20 million steps to come back to, and 100 more for each
+    /// byte of the text, and hold 32 MB of them. Past that it throws `RegularExpressionError`.
+    std::vector<std::vector<std::string>> captures(std::string_view text) const;
+
+private:
+    struct Compiled;
+    std::shared_ptr<const Compiled> compiled_;
+};
+
+inline constexpr NSRegularExpression::Options NSRegularExpression::Options::none{0};
+inline constexpr NSRegularExpression::Options NSRegularExpression::Options::caseInsensitive{1};
+inline constexpr NSRegularExpression::Options
+    NSRegularExpression::Options::allowCommentsAndWhitespace{2};
+inline constexpr NSRegularExpression::Options NSRegularExpression::Options::ignoreMetacharacters{4};
+inline constexpr NSRegularExpression::Options
+    NSRegularExpression::Options::dotMatchesLineSeparators{8};
+inline constexpr NSRegularExpression::Options NSRegularExpression::Options::anchorsMatchLines{16};
+inline constexpr NSRegularExpression::Options NSRegularExpression::Options::useUnixLineSeparators{
+    32};
+inline constexpr NSRegularExpression::Options
+    NSRegularExpression::Options::useUnicodeWordBoundaries{64};
+
+} // namespace zorvan

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace zorvan {
+
+/// A colour of text: sRGB components and opacity, each from 0 to 1.
+struct TextColor {
+    double red = 0;
+    double green = 0;
+    double blue = 0;
+    double alpha = 1;
+
+    constexpr TextColor() noexcept = default;
+    constexpr TextColor(double r, double g, double b, double a = 1) noexcept
+        : red(r), green(g), blue(b), alpha(a) {}
+
+    /// From any colour record with the fields `r`, `g`, `b`, `a`.
+    template <class Color>
+    requires requires(const Color& c) {
+        { c.r } -> std::convertible_to<double>;
+        { c.g } -> std::convertible_to<double>;
+        { c.b } -> std::convertible_to<double>;
+        { c.a } -> std::convertible_to<double>;
+    }
+    constexpr TextColor(const Color& c) noexcept : TextColor(c.r, c.g, c.b, c.a) {}
+
+    friend constexpr bool operator==(const TextColor&, const TextColor&) = default;
+};
+
+/// A font by family name and size in points.
+struct TextFont {
+    std::string family = "Helvetica";
+    double size = 12;
+    bool isBold = false;
+    bool isItalic = false;
+
+    friend bool operator==(const TextFont&, const TextFont&) = default;
+};
+
+enum class TextAlignment { left, right, center, justified };
+
+/// The value of an attribute.
+using AttributeValue =
+    std::variant<bool, std::int64_t, double, std::string, TextColor, TextFont, TextAlignment>;
+
+/// Attributes by name. The names under `AttributeName` are drawn and exported; an application may
+/// add its own, which travel with the text.
+using AttributeDictionary = std::map<std::string, AttributeValue, std::less<>>;
+
+namespace AttributeName {
+inline constexpr std::string_view font = "NSFont";                        ///< a TextFont
+inline constexpr std::string_view foregroundColor = "NSColor";            ///< a TextColor
+inline constexpr std::string_view backgroundColor = "NSBackgroundColor";  ///< a TextColor
+inline constexpr std::string_view underlineStyle = "NSUnderline";         ///< a bool
+inline constexpr std::string_view strikethroughStyle = "NSStrikethrough"; ///< a bool
+inline constexpr std::string_view link = "NSLink";                        ///< the address, as text
+inline constexpr std::string_view superscript =
+    "NSSuperScript"; ///< an integer; below 0 a subscript
+/// A TextAlignment; the first character of a paragraph decides for all of it.
+inline constexpr std::string_view alignment = "NSAlignment";
+} // namespace AttributeName
+
+/// The value of an attribute when it is there and has the type asked for.
+template <class T>
+const T* attribute(const AttributeDictionary& attributes, std::string_view name) noexcept {
+    const auto found = attributes.find(name);
+    return found == attributes.end() ? nullptr : std::get_if<T>(&found->second);
+}
+
+} // namespace zorvan

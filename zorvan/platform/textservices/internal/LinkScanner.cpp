@@ -1,0 +1,304 @@
+#include <zorvan/platform/textservices/internal/LinkScanner.h>
+
+#include <zorvan/platform/textservices/Unicode.h>
+#include <zorvan/platform/textservices/internal/CodePoints.h>
+
+#include <libpsl.h>
+#include <unicode/uchar.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace zorvan::internal {
+
+namespace {
+
+constexpr std::size_t longestScheme = 32;
+constexpr std::size_t longestLabel = 63;
+constexpr std::size_t longestHost = 253;
+constexpr std::size_t longestLocalPart = 64;
+
+constexpr std::array<std::string_view, 6> schemesOfHosts = {"http", "https", "ftp",
+                                                            "ftps", "ws",    "wss"};
+
+bool isAsciiLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+bool isAsciiDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+bool isAsciiAlphanumeric(char c) noexcept { return isAsciiLetter(c) || isAsciiDigit(c); }
+
+struct CodePoint {
+    UChar32 value; // negative for ill-formed bytes
+    std::size_t end;
+};
+
+CodePoint codePointAt(std::string_view text, std::size_t offset) noexcept {
+    const UChar32 c = nextCodePoint(text, offset);
+    return {c, offset};
+}
+
+bool isWordPart(UChar32 c) noexcept {
+    if (c < 0)
+        return false;
+    return u_isalnum(c) || (U_GET_GC_MASK(c) & U_GC_M_MASK) != 0;
+}
+
+bool endsAddress(UChar32 c) noexcept {
+    if (c < 0x80)
+        return c <= 0x20 || c == 0x7F ||
+               std::string_view("<>\"`{}|\\^").find(static_cast<char>(c)) != std::string_view::npos;
+    switch (u_charType(c)) {
+    case U_SPACE_SEPARATOR:
+    case U_LINE_SEPARATOR:
+    case U_PARAGRAPH_SEPARATOR:
+    case U_CONTROL_CHAR:
+    case U_INITIAL_PUNCTUATION:
+    case U_FINAL_PUNCTUATION:
+    case U_START_PUNCTUATION:
+    case U_END_PUNCTUATION:
+    case U_UNASSIGNED:
+        return true;
+    default:
+        return c == 0x3001 || c == 0x3002 || c == 0xFF0C || c == 0xFF0E; // ideographic comma, stop
+    }
+}
+
+bool isLocalPart(UChar32 c) noexcept {
+    if (c >= 0x80)
+        return isWordPart(c);
+    if (c < 0)
+        return false;
+    const char ascii = static_cast<char>(c);
+    return isAsciiAlphanumeric(ascii) ||
+           std::string_view("._%+-&'~").find(ascii) != std::string_view::npos;
+}
+
+bool isInternetAddress(std::string_view host) noexcept {
+    std::size_t numbers = 0;
+    while (!host.empty() && numbers < 4) {
+        std::size_t digits = 0;
+        int value = 0;
+        for (; digits < host.size() && digits < 3 && isAsciiDigit(host[digits]); ++digits)
+            value = value * 10 + (host[digits] - '0');
+        if (digits == 0 || value > 255)
+            return false;
+        ++numbers;
+        host.remove_prefix(digits);
+        if (numbers < 4) {
+            if (host.empty() || host.front() != '.')
+                return false;
+            host.remove_prefix(1);
+        }
+    }
+    return numbers == 4 && host.empty();
+}
+
+bool isPublicSuffix(const std::string& name) {
+    const psl_ctx_t* list = psl_builtin();
+    return list &&
+           psl_is_public_suffix2(list, name.c_str(), PSL_TYPE_ICANN | PSL_TYPE_NO_STAR_RULE) != 0;
+}
+
+bool isTopLevelDomain(std::string_view label) {
+    const std::string name = lowercased(label);
+    // Some countries register below a second level only; the list then has a rule for that alone.
+    return isPublicSuffix(name) || isPublicSuffix("any." + name);
+}
+
+} // namespace
+
+std::optional<NSTextCheckingResult> LinkScanner::next() {
+    bool afterWord = position_ > 0; // what touches the link before begins no other
+    while (position_ < text_.size()) {
+        const auto [c, end] = codePointAt(text_, position_);
+        if (!afterWord && (isWordPart(c) || c == '_'))
+            if (auto match = matchAt(position_)) {
+                position_ = match->offset + match->length;
+                return match;
+            }
+        const bool goesOn = afterWord && (c == '-' || c == '.');
+        afterWord = goesOn || isWordPart(c) || c == '_' || c == '@' || c == '/' || c == '\\';
+        position_ = end;
+    }
+    return std::nullopt;
+}
+
+std::optional<NSTextCheckingResult> LinkScanner::matchAt(std::size_t start) {
+    if (const auto end = schemedEnd(start))
+        return result(start, *end, "");
+    if (const auto end = mailEnd(start))
+        return result(start, *end, "mailto:");
+    if (const auto end = webEnd(start))
+        return result(start, *end, "http://");
+    return std::nullopt;
+}
+
+NSTextCheckingResult LinkScanner::result(std::size_t start, std::size_t end,
+                                         std::string_view scheme) const {
+    const std::string_view link = text_.substr(start, end - start);
+    return {NSTextCheckingType::link, start, end - start, std::string(scheme) + std::string(link)};
+}
+
+std::optional<std::size_t> LinkScanner::schemedEnd(std::size_t start) const {
+    std::size_t end = start;
+    while (end < text_.size() && end - start < longestScheme &&
+           (isAsciiAlphanumeric(text_[end]) || text_[end] == '+' || text_[end] == '-' ||
+            text_[end] == '.'))
+        ++end;
+    if (end == start || !isAsciiLetter(text_[start]) || end == text_.size() || text_[end] != ':')
+        return std::nullopt;
+    const std::string scheme = lowercased(text_.substr(start, end - start));
+    const std::string_view rest = text_.substr(end + 1);
+    if (scheme == "mailto") {
+        const auto mail = LinkScanner(text_).mailEnd(end + 1);
+        const bool hasQuery = mail && *mail < text_.size() && text_[*mail] == '?';
+        return hasQuery ? withoutTrailingPunctuation(start, addressEnd(*mail)) : mail;
+    }
+    if (!rest.starts_with("//"))
+        return std::nullopt;
+    const std::size_t authority = end + 3;
+    if (std::find(schemesOfHosts.begin(), schemesOfHosts.end(), scheme) != schemesOfHosts.end())
+        return authorityEnd(authority);
+    const std::size_t whole = withoutTrailingPunctuation(start, addressEnd(authority));
+    return whole > authority ? std::optional(whole) : std::nullopt;
+}
+
+/// The end of an address whose host must be one that could exist.
+std::optional<std::size_t> LinkScanner::authorityEnd(std::size_t start) const {
+    std::size_t host = start;
+    for (std::size_t i = start; i < text_.size() && !endsAddress(codePointAt(text_, i).value);
+         i = codePointAt(text_, i).end) {
+        if (text_[i] == '/' || text_[i] == '?' || text_[i] == '#')
+            break;
+        if (text_[i] == '@')
+            host = i + 1;
+    }
+    if (host < text_.size() && text_[host] == '[') {
+        const std::size_t close = text_.find_first_not_of("0123456789abcdefABCDEF:.", host + 1);
+        if (close == std::string_view::npos || text_[close] != ']' || close < host + 3)
+            return std::nullopt;
+        return portAndPathEnd(start, close + 1);
+    }
+    const Host read = readHost(host);
+    const bool isNumeric = isInternetAddress(text_.substr(host, read.end - host));
+    if (!read.isValid || (read.labels > 1 && !isNumeric && !hasAlphabeticEnd(read)))
+        return std::nullopt;
+    return portAndPathEnd(start, read.end);
+}
+
+std::optional<std::size_t> LinkScanner::mailEnd(std::size_t start) {
+    if (start < noMailBefore_)
+        return std::nullopt;
+    std::size_t at = start;
+    while (at < text_.size() && isLocalPart(codePointAt(text_, at).value))
+        at = codePointAt(text_, at).end;
+    noMailBefore_ = at;
+    if (at == start || at == text_.size() || text_[at] != '@' || text_[at - 1] == '.')
+        return std::nullopt;
+    const std::string_view local = text_.substr(start, at - start);
+    if (local.size() > longestLocalPart || local.find("..") != std::string_view::npos)
+        return std::nullopt;
+    const Host host = readHost(at + 1);
+    const bool goesOn = host.end < text_.size() && text_[host.end] == '@';
+    if (!host.isValid || host.labels < 2 || !hasAlphabeticEnd(host) || goesOn)
+        return std::nullopt;
+    return host.end;
+}
+
+std::optional<std::size_t> LinkScanner::webEnd(std::size_t start) {
+    if (start < noWebBefore_)
+        return std::nullopt;
+    const Host host = readHost(start);
+    noWebBefore_ = host.end;
+    if (!host.isValid || host.labels < 2 || !hasAlphabeticEnd(host))
+        return std::nullopt;
+    const bool isMail = host.end < text_.size() && text_[host.end] == '@';
+    if (isMail || !hasKnownEnd(start, host))
+        return std::nullopt;
+    return portAndPathEnd(start, host.end);
+}
+
+LinkScanner::Host LinkScanner::readHost(std::size_t start) const {
+    Host host{start, true, 0, start};
+    for (std::size_t label = start;;) {
+        std::size_t end = label;
+        while (end < text_.size()) {
+            const auto [c, after] = codePointAt(text_, end);
+            if (c != '-' && !isWordPart(c))
+                break;
+            end = after;
+        }
+        const std::string_view name = text_.substr(label, end - label);
+        const bool dotEndsSentence = name.empty() && host.labels > 0;
+        if (dotEndsSentence)
+            break;
+        ++host.labels;
+        host.lastLabel = label;
+        host.end = end;
+        host.isValid &= !name.empty() && name.size() <= longestLabel && name.front() != '-' &&
+                        name.back() != '-';
+        if (end == text_.size() || text_[end] != '.')
+            break;
+        label = end + 1;
+    }
+    const bool goesOn = host.end < text_.size() && text_[host.end] == '_';
+    host.isValid &= !goesOn && host.end - start <= longestHost;
+    return host;
+}
+
+bool LinkScanner::hasAlphabeticEnd(const Host& host) const {
+    const std::string_view label = text_.substr(host.lastLabel, host.end - host.lastLabel);
+    if (lowercased(label).starts_with("xn--"))
+        return true;
+    return label.size() >= 2 && std::none_of(label.begin(), label.end(),
+                                             [](char c) { return isAsciiDigit(c) || c == '-'; });
+}
+
+bool LinkScanner::hasKnownEnd(std::size_t start, const Host& host) const {
+    const bool saysWeb = host.labels >= 3 && lowercased(text_.substr(start, 4)) == "www.";
+    return saysWeb || isTopLevelDomain(text_.substr(host.lastLabel, host.end - host.lastLabel));
+}
+
+std::size_t LinkScanner::addressEnd(std::size_t start) const {
+    while (start < text_.size()) {
+        const auto [c, end] = codePointAt(text_, start);
+        if (endsAddress(c))
+            break;
+        start = end;
+    }
+    return start;
+}
+
+std::size_t LinkScanner::portAndPathEnd(std::size_t start, std::size_t hostEnd) const {
+    std::size_t end = hostEnd;
+    if (end < text_.size() && text_[end] == ':') {
+        std::size_t port = end + 1;
+        while (port < text_.size() && port - end <= 5 && isAsciiDigit(text_[port]))
+            ++port;
+        if (port > end + 1 && (port == text_.size() || !isAsciiAlphanumeric(text_[port])))
+            end = port;
+    }
+    if (end < text_.size() && (text_[end] == '/' || text_[end] == '?' || text_[end] == '#'))
+        end = std::max(withoutTrailingPunctuation(start, addressEnd(end)), end);
+    return end;
+}
+
+std::size_t LinkScanner::withoutTrailingPunctuation(std::size_t start, std::size_t end) const {
+    const std::string_view link = text_.substr(start, end - start);
+    auto roundSurplus =
+        std::count(link.begin(), link.end(), ')') - std::count(link.begin(), link.end(), '(');
+    auto squareSurplus =
+        std::count(link.begin(), link.end(), ']') - std::count(link.begin(), link.end(), '[');
+    for (; end > start; --end) {
+        const char last = text_[end - 1];
+        if (last == ')' && roundSurplus > 0)
+            --roundSurplus;
+        else if (last == ']' && squareSurplus > 0)
+            --squareSurplus;
+        else if (std::string_view(".,;:!?'*_").find(last) == std::string_view::npos)
+            break;
+    }
+    return end;
+}
+
+} // namespace zorvan::internal

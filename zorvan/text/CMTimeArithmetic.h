@@ -1,0 +1,519 @@
+#pragma once
+
+#include <zorvan/text/CMTime.h>
+
+#include <algorithm>
+#include <bit>
+#include <numeric>
+
+namespace zorvan {
+
+/// What becomes of a value that falls between two units of a timescale.
+enum class CMTimeRoundingMethod : std::uint32_t {
+    roundHalfAwayFromZero = 1,
+    roundTowardZero = 2,
+    roundAwayFromZero = 3,
+    /// Toward zero when the new timescale is coarser, away from zero when it is finer; a time that
+    /// is not zero never becomes zero, but one unit of its sign.
+    neverToZero = 4,
+    roundTowardPositiveInfinity = 5,
+    roundTowardNegativeInfinity = 6,
+    default_ = roundHalfAwayFromZero
+};
+
+namespace detail {
+
+__extension__ using Int128 = __int128;
+__extension__ using UInt128 = unsigned __int128;
+
+constexpr bool fitsInt64(Int128 number) noexcept {
+    return number == static_cast<std::int64_t>(number);
+}
+
+/// The quotient rounded by the method; `exact` says whether there was nothing to round. `divisor`
+/// is above zero. `neverToZero` has to be settled by the caller.
+struct Quotient {
+    Int128 value;
+    bool exact;
+};
+constexpr Quotient divide(Int128 dividend, Int128 divisor, CMTimeRoundingMethod method) noexcept {
+    const Int128 quotient = dividend / divisor;
+    const Int128 rest = dividend % divisor;
+    if (rest == 0)
+        return {quotient, true};
+    const Int128 size = rest < 0 ? -rest : rest;
+    bool away = false;
+    switch (method) {
+    case CMTimeRoundingMethod::roundHalfAwayFromZero:
+        away = size >= divisor - size;
+        break;
+    case CMTimeRoundingMethod::roundAwayFromZero:
+        away = true;
+        break;
+    case CMTimeRoundingMethod::roundTowardPositiveInfinity:
+        away = rest > 0;
+        break;
+    case CMTimeRoundingMethod::roundTowardNegativeInfinity:
+        away = rest < 0;
+        break;
+    case CMTimeRoundingMethod::roundTowardZero:
+    case CMTimeRoundingMethod::neverToZero:
+        break;
+    }
+    return {away ? quotient + (rest < 0 ? -1 : 1) : quotient, false};
+}
+
+constexpr CMTime infinity(bool negative) noexcept {
+    return negative ? kCMTimeNegativeInfinity : kCMTimePositiveInfinity;
+}
+
+constexpr CMTimeFlags roundedFlag(const CMTime& time) noexcept {
+    return time.flags & kCMTimeFlags_HasBeenRounded;
+}
+
+/// The time of `units / unitsPerSecond` at the timescale, which is halved until the value fits; an
+/// infinity when it does not fit at timescale 1. |units| is below 2^95, `unitsPerSecond` below
+/// 2^63.
+constexpr CMTime fit(Int128 units, std::int64_t unitsPerSecond, std::int32_t timescale,
+                     CMTimeFlags rounded, std::int64_t epoch) noexcept {
+    for (; timescale > 0; timescale /= 2) {
+        const auto [value, exact] =
+            divide(units * timescale, unitsPerSecond, CMTimeRoundingMethod::roundHalfAwayFromZero);
+        if (!fitsInt64(value))
+            continue;
+        const CMTimeFlags flags = exact ? rounded : kCMTimeFlags_HasBeenRounded;
+        return makeTime(static_cast<std::int64_t>(value), timescale, kCMTimeFlags_Valid | flags,
+                        epoch);
+    }
+    return infinity(units < 0);
+}
+
+/// The sum or difference of two times that are valid but not both numeric.
+constexpr CMTime addMarked(const CMTime& a, const CMTime& b, bool negateB) noexcept {
+    const bool aInfinite = a.isPositiveInfinity() || a.isNegativeInfinity();
+    const bool bInfinite = b.isPositiveInfinity() || b.isNegativeInfinity();
+    const bool bNegative = b.isNegativeInfinity() != negateB;
+    if (aInfinite && bInfinite && a.isNegativeInfinity() != bNegative)
+        return kCMTimeIndefinite;
+    if (aInfinite)
+        return infinity(a.isNegativeInfinity());
+    return bInfinite ? infinity(bNegative) : kCMTimeIndefinite;
+}
+
+constexpr CMTime addScaled(const CMTime& a, const CMTime& b, bool negateB,
+                           std::int64_t epoch) noexcept {
+    const std::int32_t common = std::gcd(a.timescale, b.timescale);
+    const std::int64_t multiple = std::int64_t{a.timescale / common} * b.timescale;
+    const Int128 left = Int128{a.value} * (b.timescale / common);
+    const Int128 right = Int128{b.value} * (a.timescale / common);
+    const Int128 units = negateB ? left - right : left + right;
+    const CMTimeFlags rounded = roundedFlag(a) | roundedFlag(b);
+    if (multiple <= kCMTimeMaxTimescale && fitsInt64(units))
+        return makeTime(static_cast<std::int64_t>(units), static_cast<std::int32_t>(multiple),
+                        kCMTimeFlags_Valid | rounded, epoch);
+    const std::int64_t timescale = std::min<std::int64_t>(multiple, kCMTimeMaxTimescale);
+    return fit(units, multiple, static_cast<std::int32_t>(timescale), rounded, epoch);
+}
+
+constexpr CMTime add(const CMTime& a, const CMTime& b, bool negateB) noexcept {
+    if (!a.isNumeric() || !b.isNumeric())
+        return a.isValid() && b.isValid() ? addMarked(a, b, negateB) : kCMTimeInvalid;
+    std::int64_t epoch = 0;
+    if (a.epoch != b.epoch) {
+        if (a.epoch != 0 && b.epoch != 0)
+            return kCMTimeInvalid;
+        epoch = a.epoch != 0 ? a.epoch : b.epoch;
+    }
+    if (a.timescale == b.timescale) {
+        std::int64_t value = 0;
+        const bool overflow = negateB ? __builtin_sub_overflow(a.value, b.value, &value)
+                                      : __builtin_add_overflow(a.value, b.value, &value);
+        if (!overflow)
+            return makeTime(value, a.timescale,
+                            kCMTimeFlags_Valid | roundedFlag(a) | roundedFlag(b), epoch);
+    }
+    return addScaled(a, b, negateB, epoch);
+}
+
+/// Where a time stands among the kinds: negative infinity, numbers, indefinite, positive infinity,
+/// invalid.
+constexpr int orderOfKind(const CMTime& time) noexcept {
+    if (time.isNumeric())
+        return 1;
+    if (time.isNegativeInfinity())
+        return 0;
+    if (time.isIndefinite())
+        return 2;
+    return time.isPositiveInfinity() ? 3 : 4;
+}
+
+constexpr UInt128 gcd(UInt128 a, UInt128 b) noexcept {
+    while (b != 0) {
+        const UInt128 rest = a % b;
+        a = b;
+        b = rest;
+    }
+    return a;
+}
+
+/// A fraction whose parts are not below zero.
+struct Fraction {
+    UInt128 numerator;
+    UInt128 denominator;
+};
+
+/// The convergents of a continued fraction: each is nearer to the fraction than any with a smaller
+/// denominator, and the last is the fraction in its lowest terms.
+class Convergents {
+public:
+    constexpr explicit Convergents(Fraction fraction) noexcept : rest_(fraction) {}
+
+    constexpr bool finished() const noexcept { return rest_.denominator == 0; }
+    constexpr Fraction current() const noexcept { return current_; }
+    /// How many times `current` goes into the next convergent, beside `previous` once.
+    constexpr UInt128 coefficient() const noexcept { return rest_.numerator / rest_.denominator; }
+    constexpr Fraction previous() const noexcept { return previous_; }
+
+    constexpr void advance() noexcept {
+        const UInt128 times = coefficient();
+        const Fraction next{times * current_.numerator + previous_.numerator,
+                            times * current_.denominator + previous_.denominator};
+        rest_ = {rest_.denominator, rest_.numerator % rest_.denominator};
+        previous_ = current_;
+        current_ = next;
+    }
+
+private:
+    Fraction rest_;
+    Fraction previous_{0, 1};
+    Fraction current_{1, 0};
+};
+
+/// The fraction nearest to the given one whose numerator is not above `largest` and whose
+/// denominator is a timescale. The whole part of the given one is not above `largest` either.
+constexpr Fraction nearestFraction(Fraction fraction, UInt128 largest) noexcept {
+    Convergents convergents(fraction);
+    while (!convergents.finished()) {
+        const Fraction now = convergents.current();
+        const Fraction before = convergents.previous();
+        const UInt128 room =
+            now.numerator == 0 ? largest : (largest - before.numerator) / now.numerator;
+        const UInt128 scaleRoom =
+            now.denominator == 0
+                ? largest
+                : (UInt128{kCMTimeMaxTimescale} - before.denominator) / now.denominator;
+        const UInt128 times = room < scaleRoom ? room : scaleRoom;
+        if (times < convergents.coefficient()) {
+            // Past half of the coefficient the fraction in between is the nearer one.
+            if (times <= convergents.coefficient() / 2)
+                return now;
+            return {times * now.numerator + before.numerator,
+                    times * now.denominator + before.denominator};
+        }
+        convergents.advance();
+    }
+    return convergents.current();
+}
+
+/// `time * multiplier / divisor`; both factors are not below zero, `divisor` is not 0, and their
+/// products with the value and with the timescale fit 127 bits. Exact where that is possible, at
+/// the smallest multiple of the time's timescale that is; else the nearest time at any timescale.
+constexpr CMTime multiplyByFraction(const CMTime& time, bool negative, UInt128 multiplier,
+                                    UInt128 divisor) noexcept {
+    const auto bits = static_cast<std::uint64_t>(time.value);
+    const UInt128 size = UInt128{time.value < 0 ? 0 - bits : bits} * multiplier;
+    negative = negative != (time.value < 0);
+    const UInt128 largest = UInt128{std::numeric_limits<std::int64_t>::max()} + (negative ? 1 : 0);
+
+    const UInt128 common = gcd(size, divisor);
+    Fraction result{size / common, divisor / common * static_cast<std::uint32_t>(time.timescale)};
+    CMTimeFlags rounded = roundedFlag(time);
+    if (result.numerator > largest || result.denominator > UInt128{kCMTimeMaxTimescale}) {
+        if (result.numerator / result.denominator > largest)
+            return infinity(negative);
+        const UInt128 factor = gcd(result.numerator, result.denominator);
+        const Fraction lowest{result.numerator / factor, result.denominator / factor};
+        result = nearestFraction(lowest, largest);
+        if (result.numerator != lowest.numerator || result.denominator != lowest.denominator)
+            rounded = kCMTimeFlags_HasBeenRounded;
+    }
+    const auto units = static_cast<std::uint64_t>(result.numerator);
+    return makeTime(static_cast<std::int64_t>(negative ? 0 - units : units),
+                    static_cast<std::int32_t>(result.denominator), kCMTimeFlags_Valid | rounded,
+                    time.epoch);
+}
+
+/// An infinite, indefinite or invalid time times a factor of the given sign.
+constexpr CMTime multiplyMarked(const CMTime& time, int sign) noexcept {
+    if (!time.isValid())
+        return kCMTimeInvalid;
+    if (time.isIndefinite() || sign == 0)
+        return kCMTimeIndefinite;
+    return infinity(time.isNegativeInfinity() != (sign < 0));
+}
+
+/// Whether `exactFraction` can take the real: its lowest bit is at 2^-126 or above.
+constexpr bool isExactFraction(double real) noexcept { return real >= 0x1p-74 && real < 0x1p63; }
+
+/// The real as the fraction `numerator / 2^n` in its lowest terms.
+constexpr Fraction exactFraction(double real) noexcept {
+    constexpr int fractionBits = 52;
+    constexpr int exponentBias = 1075; // the exponent of the lowest fraction bit is field - 1075
+    const auto bits = std::bit_cast<std::uint64_t>(real);
+    constexpr std::uint64_t leadingOne = std::uint64_t{1} << fractionBits;
+    std::uint64_t digits = (bits & (leadingOne - 1)) | leadingOne;
+    const int zeros = std::countr_zero(digits);
+    const int exponent = static_cast<int>(bits >> fractionBits) - exponentBias + zeros;
+    digits >>= zeros;
+    return exponent >= 0 ? Fraction{UInt128{digits} << exponent, 1}
+                         : Fraction{digits, UInt128{1} << -exponent};
+}
+
+/// The fraction with the smallest denominator among the convergents that is the real when divided
+/// in double precision: 1/10 for 0.1.
+constexpr Fraction simplestFraction(double real) noexcept {
+    Convergents convergents(exactFraction(real));
+    do
+        convergents.advance();
+    while (!convergents.finished() &&
+           static_cast<double>(convergents.current().numerator) /
+                   static_cast<double>(convergents.current().denominator) !=
+               real);
+    return convergents.current();
+}
+
+/// `time` times a real that `isExactFraction`.
+constexpr CMTime multiplyByReal(const CMTime& time, bool negative, double real) noexcept {
+    CMTime unmarked = time;
+    unmarked.flags &= ~kCMTimeFlags_HasBeenRounded;
+    Fraction factor = exactFraction(real);
+    if (factor.denominator <= UInt128{1} << 95) { // times a timescale it still fits
+        CMTime product =
+            multiplyByFraction(unmarked, negative, factor.numerator, factor.denominator);
+        if (!product.hasBeenRounded()) {
+            product.flags |= product.isNumeric() ? roundedFlag(time) : 0;
+            return product;
+        }
+    }
+    factor = simplestFraction(real);
+    return multiplyByFraction(time, negative, factor.numerator, factor.denominator);
+}
+
+/// The time nearest to a number of seconds that is not below zero, marked as rounded.
+constexpr CMTime makeFromReal(double seconds, bool negative, std::int64_t epoch) noexcept {
+    if (seconds >= 0x1p63)
+        return infinity(negative);
+    CMTime time = makeTime(0, 1, kCMTimeFlags_Valid, epoch);
+    if (isExactFraction(seconds)) {
+        time.value = 1;
+        time = multiplyByReal(time, negative, seconds);
+    }
+    time.flags |= kCMTimeFlags_HasBeenRounded;
+    return time;
+}
+
+} // namespace detail
+
+/// The sum. Two timescales meet in their least common multiple, or in `kCMTimeMaxTimescale` when
+/// that is above it; a value that overflows halves the timescale until it fits, and the sum is
+/// infinite when it does not fit even at timescale 1. Halves are rounded away from zero.
+///
+/// Marked as rounded when it is, or when an operand was. An invalid operand gives the invalid time;
+/// one infinity is the sum, and two that contradict each other, like an indefinite operand, give
+/// the indefinite time. Two different epochs other than 0 give the invalid time, two equal ones
+/// epoch 0; else the sum has the epoch that is not 0.
+constexpr CMTime CMTimeAdd(const CMTime& a, const CMTime& b) noexcept {
+    return detail::add(a, b, false);
+}
+
+/// The difference, by the rules of `CMTimeAdd`.
+constexpr CMTime CMTimeSubtract(const CMTime& a, const CMTime& b) noexcept {
+    return detail::add(a, b, true);
+}
+
+/// The order of times: negative infinity, the numeric times, indefinite, positive infinity,
+/// invalid. Numeric times go by epoch first, then by their exact value. -1, 0 or 1.
+constexpr std::int32_t CMTimeCompare(const CMTime& a, const CMTime& b) noexcept {
+    if (!a.isNumeric() || !b.isNumeric()) {
+        const int left = detail::orderOfKind(a);
+        const int right = detail::orderOfKind(b);
+        return (left > right) - (left < right);
+    }
+    if (a.epoch != b.epoch)
+        return a.epoch < b.epoch ? -1 : 1;
+    if (a.timescale == b.timescale)
+        return (a.value > b.value) - (a.value < b.value);
+    const detail::Int128 left = detail::Int128{a.value} * b.timescale;
+    const detail::Int128 right = detail::Int128{b.value} * a.timescale;
+    return (left > right) - (left < right);
+}
+
+/// Weak, because equal times may differ in timescale and in the mark of rounding.
+constexpr std::weak_ordering operator<=>(const CMTime& a, const CMTime& b) noexcept {
+    return CMTimeCompare(a, b) <=> 0;
+}
+constexpr bool operator==(const CMTime& a, const CMTime& b) noexcept {
+    return CMTimeCompare(a, b) == 0;
+}
+
+/// Against a number of seconds, taken to the nearest microsecond first.
+constexpr std::weak_ordering operator<=>(const CMTime& time, double seconds) noexcept {
+    return time <=> CMTime({.seconds = seconds});
+}
+constexpr bool operator==(const CMTime& time, double seconds) noexcept {
+    return time == CMTime({.seconds = seconds});
+}
+
+/// The smaller or the larger one by `CMTimeCompare`; the first of two equal ones.
+constexpr CMTime CMTimeMinimum(const CMTime& a, const CMTime& b) noexcept { return b < a ? b : a; }
+constexpr CMTime CMTimeMaximum(const CMTime& a, const CMTime& b) noexcept { return a < b ? b : a; }
+
+/// The time without its sign; invalid and indefinite times come back as they are.
+constexpr CMTime CMTimeAbsoluteValue(const CMTime& time) noexcept {
+    if (time.isNegativeInfinity())
+        return kCMTimePositiveInfinity;
+    if (!time.isNumeric() || time.value >= 0)
+        return time;
+    return detail::fit(-detail::Int128{time.value}, time.timescale, time.timescale,
+                       detail::roundedFlag(time), time.epoch);
+}
+
+/// The same time at another timescale. Marked as rounded when its value had to be, or was before.
+/// Infinite when the value does not fit at the new timescale. A time that is not numeric comes back
+/// as it is; a timescale of zero or below gives the invalid time.
+constexpr CMTime CMTimeConvertScale(const CMTime& time, std::int32_t newTimescale,
+                                    CMTimeRoundingMethod method) noexcept {
+    if (newTimescale <= 0)
+        return kCMTimeInvalid;
+    if (!time.isNumeric())
+        return time;
+    const bool towardMinimum = method == CMTimeRoundingMethod::neverToZero;
+    if (towardMinimum)
+        method = newTimescale < time.timescale ? CMTimeRoundingMethod::roundTowardZero
+                                               : CMTimeRoundingMethod::roundAwayFromZero;
+    auto [value, exact] =
+        detail::divide(detail::Int128{time.value} * newTimescale, time.timescale, method);
+    if (towardMinimum && value == 0 && time.value != 0)
+        value = time.value < 0 ? -1 : 1;
+    if (!detail::fitsInt64(value))
+        return detail::infinity(value < 0);
+    const CMTimeFlags rounded = exact ? detail::roundedFlag(time) : kCMTimeFlags_HasBeenRounded;
+    return detail::makeTime(static_cast<std::int64_t>(value), newTimescale,
+                            kCMTimeFlags_Valid | rounded, time.epoch);
+}
+
+/// The product at the time's own timescale, which is halved while the value overflows; infinite
+/// when it overflows even at timescale 1. An infinite time keeps or changes its sign, and becomes
+/// indefinite when the factor is 0.
+constexpr CMTime CMTimeMultiply(const CMTime& time, std::int32_t multiplier) noexcept {
+    if (!time.isNumeric())
+        return detail::multiplyMarked(time, (multiplier > 0) - (multiplier < 0));
+    return detail::fit(detail::Int128{time.value} * multiplier, time.timescale, time.timescale,
+                       detail::roundedFlag(time), time.epoch);
+}
+
+namespace detail {
+
+/// `CMTimeMultiplyByRatio` with a divisor of any size.
+constexpr CMTime multiplyByRatio(const CMTime& time, std::int32_t multiplier,
+                                 std::int64_t divisor) noexcept {
+    if (divisor == 0)
+        return kCMTimeInvalid;
+    const bool negative = (multiplier < 0) != (divisor < 0);
+    if (!time.isNumeric())
+        return multiplyMarked(time, multiplier == 0 ? 0 : negative ? -1 : 1);
+    const Int128 above = multiplier;
+    const Int128 below = divisor;
+    return multiplyByFraction(time, negative, static_cast<UInt128>(above < 0 ? -above : above),
+                              static_cast<UInt128>(below < 0 ? -below : below));
+}
+
+} // namespace detail
+
+/// `time * multiplier / divisor`, exact where that is possible: at the time's own timescale, else
+/// at the smallest multiple of it, else at any. When it is not, the nearest time there is at
+/// whatever timescale, marked as rounded; infinite when the value does not fit even at timescale 1.
+///
+/// Invalid when the divisor is 0. An infinite time keeps or changes its sign, and becomes
+/// indefinite when the multiplier is 0.
+constexpr CMTime CMTimeMultiplyByRatio(const CMTime& time, std::int32_t multiplier,
+                                       std::int32_t divisor) noexcept {
+    return detail::multiplyByRatio(time, multiplier, divisor);
+}
+
+/// The product with a real. Exact where a time can hold it exactly; else the real stands for the
+/// simplest fraction that is the same double (0.1 for 1/10), by which the time is multiplied as by
+/// a ratio. So decimal factors keep round timescales.
+///
+/// NaN gives the invalid time. Zero times an infinity, either way round, gives the indefinite one.
+constexpr CMTime CMTimeMultiplyByFloat64(const CMTime& time, double multiplier) noexcept {
+    if (multiplier != multiplier)
+        return kCMTimeInvalid;
+    const bool negative = multiplier < 0;
+    const double size = negative ? -multiplier : multiplier;
+    if (!time.isNumeric())
+        return detail::multiplyMarked(time, size == 0 ? 0 : negative ? -1 : 1);
+
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    if (size == infinity)
+        return time.value == 0 ? kCMTimeIndefinite : detail::infinity(negative != (time.value < 0));
+    if (size == 0 || time.value == 0)
+        return detail::makeTime(0, time.timescale, kCMTimeFlags_Valid | detail::roundedFlag(time),
+                                time.epoch);
+    if (detail::isExactFraction(size))
+        return detail::multiplyByReal(time, negative, size);
+    const double seconds = time.seconds() < 0 ? -time.seconds() : time.seconds();
+    return detail::makeFromReal(seconds * size, negative != (time.value < 0), time.epoch);
+}
+
+constexpr CMTime operator+(const CMTime& a, const CMTime& b) noexcept { return CMTimeAdd(a, b); }
+constexpr CMTime operator-(const CMTime& a, const CMTime& b) noexcept {
+    return CMTimeSubtract(a, b);
+}
+constexpr CMTime operator*(const CMTime& time, std::int32_t factor) noexcept {
+    return CMTimeMultiply(time, factor);
+}
+constexpr CMTime operator*(std::int32_t factor, const CMTime& time) noexcept {
+    return CMTimeMultiply(time, factor);
+}
+constexpr CMTime operator*(const CMTime& time, double factor) noexcept {
+    return CMTimeMultiplyByFloat64(time, factor);
+}
+constexpr CMTime operator*(double factor, const CMTime& time) noexcept {
+    return CMTimeMultiplyByFloat64(time, factor);
+}
+constexpr CMTime operator/(const CMTime& time, std::int32_t divisor) noexcept {
+    return CMTimeMultiplyByRatio(time, 1, divisor);
+}
+/// Deleted, so that a real divisor is not cut to an integer; multiply by its inverse instead.
+CMTime operator/(const CMTime&, double) = delete;
+
+/// How often `b` goes into `a`: the quotient of `value / timescale` of both in double precision,
+/// whatever their flags say.
+constexpr double operator/(const CMTime& a, const CMTime& b) noexcept {
+    return (static_cast<double>(a.value) / a.timescale) /
+           (static_cast<double>(b.value) / b.timescale);
+}
+
+constexpr CMTime& CMTime::operator+=(const CMTime& other) noexcept { return *this = *this + other; }
+constexpr CMTime& CMTime::operator-=(const CMTime& other) noexcept { return *this = *this - other; }
+constexpr CMTime& CMTime::operator*=(std::int32_t factor) noexcept {
+    return *this = *this * factor;
+}
+constexpr CMTime& CMTime::operator*=(double factor) noexcept { return *this = *this * factor; }
+constexpr CMTime& CMTime::operator/=(std::int32_t divisor) noexcept {
+    return *this = *this / divisor;
+}
+
+constexpr CMTime CMTime::middle() const noexcept { return CMTimeMultiplyByRatio(*this, 1, 2); }
+
+constexpr bool CMTime::isNearlyEqualTo(const CMTime& other,
+                                       const std::optional<CMTime>& tolerance) const noexcept {
+    return CMTimeAbsoluteValue(*this - other) < tolerance.value_or(CMTimeMake(1, 600));
+}
+
+constexpr bool CMTime::isNearlyEqualTo(const CMTime& other, double tolerance) const noexcept {
+    return CMTimeAbsoluteValue(*this - other) < CMTime({.seconds = tolerance});
+}
+
+} // namespace zorvan

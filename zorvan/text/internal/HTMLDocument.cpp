@@ -1,0 +1,184 @@
+#include <zorvan/text/internal/Documents.h>
+
+#include <zorvan/platform/textservices/Unicode.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+namespace zorvan::internal {
+
+namespace {
+
+constexpr std::u16string_view paragraphEnds = u"\n\r\u2029";
+
+/// A code point that HTML cannot hold stands as U+FFFD.
+std::string_view escaped(char c) noexcept {
+    switch (c) {
+    case '&':
+        return "&amp;";
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '"':
+        return "&quot;";
+    case '\'':
+        return "&#39;";
+    default:
+        return {};
+    }
+}
+
+std::string escapedText(std::u16string_view units) {
+    std::string result;
+    for (const char c : utf8FromUTF16(units)) {
+        const bool isControl = (static_cast<unsigned char>(c) < 0x20 && c != '\t') || c == 0x7F;
+        if (isControl)
+            result += "\xEF\xBF\xBD";
+        else if (const std::string_view entity = escaped(c); !entity.empty())
+            result += entity;
+        else
+            result += c;
+    }
+    return result;
+}
+
+std::string escapedText(std::string_view text) { return escapedText(utf16FromUTF8(text)); }
+
+std::string cssColor(const TextColor& color) {
+    return std::string("rgba(") + std::to_string(colorByte(color.red)) + "," +
+           std::to_string(colorByte(color.green)) + "," + std::to_string(colorByte(color.blue)) +
+           "," + documentNumber(colorByte(color.alpha) / 255.0) + ")";
+}
+
+/// A family name within quotes, where a backslash escapes by code.
+std::string cssString(std::string_view text) {
+    std::string result = "'";
+    for (const char c : text) {
+        if (c == '\'' || c == '\\' || static_cast<unsigned char>(c) < 0x20)
+            continue;
+        result += c;
+    }
+    return result + "'";
+}
+
+std::string cssFont(const TextFont& font) {
+    std::string style = std::string("font-family:") + cssString(font.family) +
+                        ",sans-serif;font-size:" + documentNumber(font.size) + "pt;";
+    if (font.isBold)
+        style += "font-weight:bold;";
+    if (font.isItalic)
+        style += "font-style:italic;";
+    return style;
+}
+
+bool isSet(const AttributeDictionary& attributes, std::string_view name) {
+    const bool* value = attribute<bool>(attributes, name);
+    return value && *value;
+}
+
+std::string spanStyle(const AttributeDictionary& attributes) {
+    std::string style;
+    if (const auto* font = attribute<TextFont>(attributes, AttributeName::font))
+        style += cssFont(*font);
+    if (const auto* color = attribute<TextColor>(attributes, AttributeName::foregroundColor))
+        style += std::string("color:") + cssColor(*color) + ";";
+    if (const auto* color = attribute<TextColor>(attributes, AttributeName::backgroundColor))
+        style += std::string("background-color:") + cssColor(*color) + ";";
+    std::string lines;
+    if (isSet(attributes, AttributeName::underlineStyle))
+        lines += " underline";
+    if (isSet(attributes, AttributeName::strikethroughStyle))
+        lines += " line-through";
+    if (!lines.empty())
+        style += std::string("text-decoration:") + lines.substr(1) + ";";
+    return style;
+}
+
+std::string_view scriptElement(const AttributeDictionary& attributes) {
+    const auto* level = attribute<std::int64_t>(attributes, AttributeName::superscript);
+    if (!level || *level == 0)
+        return {};
+    return *level > 0 ? "sup" : "sub";
+}
+
+std::string paragraphStart(const AttributeDictionary* attributes) {
+    const TextAlignment* alignment =
+        attributes ? attribute<TextAlignment>(*attributes, AttributeName::alignment) : nullptr;
+    if (!alignment || *alignment == TextAlignment::left)
+        return "<p>";
+    switch (*alignment) {
+    case TextAlignment::right:
+        return "<p style=\"text-align:right\">";
+    case TextAlignment::center:
+        return "<p style=\"text-align:center\">";
+    default:
+        return "<p style=\"text-align:justify\">";
+    }
+}
+
+std::string element(std::string_view name, std::string_view attributes, std::string_view content) {
+    std::string result = "<";
+    result.append(name);
+    if (!attributes.empty())
+        result.append(" ").append(attributes);
+    return result.append(">").append(content).append("</").append(name).append(">");
+}
+
+std::string runContent(std::u16string_view units, const AttributeDictionary& attributes) {
+    std::string content;
+    for (std::size_t start = 0;;) {
+        const std::size_t line = units.find(u'\u2028', start);
+        content += escapedText(units.substr(start, line - start));
+        if (line == std::u16string_view::npos)
+            break;
+        content += "<br>";
+        start = line + 1;
+    }
+    if (const std::string_view script = scriptElement(attributes); !script.empty())
+        content = element(script, {}, content);
+    if (const std::string style = spanStyle(attributes); !style.empty())
+        content = element("span", "style=\"" + escapedText(style) + "\"", content);
+    const auto* link = attribute<std::string>(attributes, AttributeName::link);
+    if (link && isHarmlessLink(*link))
+        content = element("a", "href=\"" + escapedText(*link) + "\"", content);
+    return content;
+}
+
+/// The paragraph of `range`, whose first run is `run`; that moves to the run its end lies in.
+std::string paragraph(const NSAttributedString& text, NSRange range, std::size_t& run) {
+    const auto& runs = text.runs();
+    std::string result = paragraphStart(run < runs.size() ? &runs[run].attributes : nullptr);
+    if (range.length == 0)
+        result += "<br>";
+    for (std::size_t start = range.location; start < range.end();) {
+        const std::size_t end = std::min(runs[run].range.end(), range.end());
+        result += runContent(std::u16string_view(text.utf16()).substr(start, end - start),
+                             runs[run].attributes);
+        start = end;
+        if (end == runs[run].range.end())
+            ++run;
+    }
+    return result + "</p>\n";
+}
+
+} // namespace
+
+std::string htmlDocument(const NSAttributedString& text) {
+    std::string document = "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n"
+                           "<title></title>\n<style>p{margin:0;white-space:pre-wrap}</style>\n"
+                           "</head>\n<body>\n";
+    const std::u16string_view units = text.utf16();
+    std::size_t run = 0;
+    for (std::size_t start = 0; start < units.size();) {
+        const std::size_t end = std::min(units.find_first_of(paragraphEnds, start), units.size());
+        document += paragraph(text, {start, end - start}, run);
+        start = end + (units.substr(end).starts_with(u"\r\n") ? 2 : 1);
+        while (run < text.runs().size() && text.runs()[run].range.end() <= start)
+            ++run;
+    }
+    return document + "</body>\n</html>\n";
+}
+
+} // namespace zorvan::internal
