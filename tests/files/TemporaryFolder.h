@@ -1,0 +1,57 @@
+#pragma once
+
+#include <zorvan/platform/foundation/URL.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <unistd.h>
+
+/// A fresh directory, removed with all it holds at the end.
+class TemporaryFolder {
+public:
+    explicit TemporaryFolder(const std::filesystem::path& parent = testing::TempDir()) {
+        std::string name = std::filesystem::canonical(parent) / "files-XXXXXX";
+        if (!mkdtemp(name.data()))
+            throw std::runtime_error("no temporary folder");
+        path_ = name;
+    }
+    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
+
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    /// A place in memory, where the machine has one, for tests that make very many files.
+    static std::filesystem::path fastParent() {
+        return access("/dev/shm", W_OK) == 0 ? "/dev/shm" : testing::TempDir();
+    }
+
+    const std::filesystem::path& path() const { return path_; }
+    zorvan::URL url(const std::string& name = "") const {
+        return zorvan::URL({.fileURLWithPath = (path_ / name).string()});
+    }
+
+    /// Writes a file, with the folders it stands in.
+    void file(const std::string& name, const std::string& text = "x") const {
+        std::filesystem::create_directories((path_ / name).parent_path());
+        std::ofstream(path_ / name, std::ios::binary) << text;
+    }
+    void folder(const std::string& name) const {
+        std::filesystem::create_directories(path_ / name);
+    }
+    void link(const std::string& name, const std::string& target) const {
+        std::filesystem::create_symlink(target, path_ / name);
+    }
+
+    /// The path of a URL below this folder.
+    std::string relative(const zorvan::URL& url) const {
+        return url.path().substr(std::min(path_.string().size() + 1, url.path().size()));
+    }
+
+private:
+    std::filesystem::path path_;
+};

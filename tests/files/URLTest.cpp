@@ -1,0 +1,154 @@
+#include "TemporaryFolder.h"
+
+#include <zorvan/files/URL.h>
+
+#include <gmock/gmock.h>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace zorvan;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Optional;
+using testing::UnorderedElementsAre;
+
+namespace {
+URL file(std::string path) { return URL({.fileURLWithPath = std::move(path)}); }
+const URL web = *URL::make({.string = "http://a.org/x.jpg"});
+} // namespace
+
+TEST(FileURL, takesPathsApart) {
+    EXPECT_EQ(URL::root().path(), "/");
+    EXPECT_EQ(lastPathTitle(file("/a/b.tar.gz")), "b.tar");
+    EXPECT_EQ(lastPathTitle(file("/a/.git")), ".git");
+    EXPECT_EQ(replacingPathExtension(file("/a/b.txt"), "md"), file("/a/b.md"));
+    EXPECT_EQ(replacingPathExtension(file("/a/b"), "md"), file("/a/b.md"));
+    EXPECT_EQ(replacingPathExtension(file("/a/b.txt"), ""), file("/a/b"));
+    EXPECT_EQ(parentOrSelf(file("/a/b.txt")), file("/a"));
+    EXPECT_EQ(parentOrSelf(file("/a/b")), file("/a/b"));
+}
+
+TEST(FileURL, knowsParents) {
+    struct {
+        const char *url, *other;
+        bool isParent, isFileParent;
+    } table[] = {
+        {"/a/b", "/a/b/c", true, true}, {"/a/b", "/a/b", true, true},
+        {"/a/b", "/a/bc", false, true}, {"/a/b", "/a", false, false},
+        {"/", "/a", true, true},        {"/a/b", "/a/c/b", false, false},
+    };
+    for (const auto& row : table) {
+        EXPECT_EQ(isParent(file(row.url), file(row.other)), row.isParent) << row.url << row.other;
+        EXPECT_EQ(isFileParent(file(row.url), file(row.other)), row.isFileParent)
+            << row.url << row.other;
+    }
+}
+
+TEST(FileURL, knowsTypes) {
+    EXPECT_EQ(utiType(file("/a/b.JPG")), UTIType::jpeg());
+    EXPECT_FALSE(utiType(file("/a/b")));
+    EXPECT_TRUE(conforms(file("/a/b.jpg"), UTIType::image()));
+    EXPECT_FALSE(conforms(file("/a/b"), UTIType::item()));
+    EXPECT_TRUE(conforms(web, {.toOneOf = {UTIType::text(), UTIType::jpeg()}}));
+    EXPECT_FALSE(conforms(web, {.toOneOf = {UTIType::text()}}));
+    EXPECT_FALSE(conforms(web, {.toOneOf = {}}));
+}
+
+TEST(FileURL, tellsLinksFromFiles) {
+    TemporaryFolder folder;
+    folder.file("file");
+    folder.link("link", "file");
+    folder.link("broken", "nowhere");
+    EXPECT_THAT(checkIsAlias(folder.url("file")), Optional(false));
+    EXPECT_THAT(checkIsAlias(folder.url("link")), Optional(true));
+    EXPECT_THAT(checkIsAlias(folder.url("broken")), Optional(true));
+    EXPECT_FALSE(checkIsAlias(folder.url("missing")));
+    EXPECT_FALSE(checkIsAlias(web));
+}
+
+TEST(FileURL, knowsTheMainDisk) {
+    EXPECT_THAT(checkIsOnMainDisk(URL::root()), Optional(true));
+    EXPECT_THAT(checkIsOnMainDisk(file("/proc/self")), Optional(false));
+    EXPECT_FALSE(checkIsOnMainDisk(file("/no/such/file")));
+    EXPECT_FALSE(checkIsOnMainDisk(web));
+}
+
+TEST(FileURL, knowsWhatMayBeDone) {
+    TemporaryFolder folder;
+    folder.file("file");
+    folder.link("broken", "nowhere");
+    for (const URL& url : {folder.url("file"), folder.url(), web}) {
+        EXPECT_TRUE(isReadable(url)) << url.path();
+        EXPECT_TRUE(isWritable(url)) << url.path();
+        EXPECT_TRUE(isDeletable(url)) << url.path();
+    }
+    for (const char* name : {"missing", "missing/x", "file/x"}) {
+        EXPECT_FALSE(isReadable(folder.url(name))) << name;
+        EXPECT_FALSE(isWritable(folder.url(name))) << name;
+        EXPECT_FALSE(isDeletable(folder.url(name))) << name;
+    }
+    EXPECT_FALSE(isReadable(folder.url("broken")));
+    EXPECT_TRUE(isDeletable(folder.url("broken")));
+    EXPECT_FALSE(isDeletable(URL::root()));
+}
+
+TEST(FileURL, obeysPermissions) {
+    if (geteuid() == 0)
+        GTEST_SKIP() << "the superuser may do everything";
+    TemporaryFolder folder;
+    folder.file("kept/file");
+    chmod(folder.url("kept/file").path().c_str(), 0);
+    chmod(folder.url("kept").path().c_str(), 0500);
+    EXPECT_FALSE(isReadable(folder.url("kept/file")));
+    EXPECT_FALSE(isWritable(folder.url("kept/file")));
+    EXPECT_FALSE(isDeletable(folder.url("kept/file")));
+    chmod(folder.url("kept").path().c_str(), 0700);
+    EXPECT_TRUE(isDeletable(folder.url("kept/file")));
+}
+
+TEST(FileURL, listsSubFilesOrItself) {
+    TemporaryFolder folder;
+    folder.file("f/a.txt");
+    folder.file("f/.hidden");
+    folder.file("f/sub/b.txt");
+    folder.file("f/doc.rtfd/c.txt");
+    folder.folder("photos.2020");
+    folder.link("link", "f");
+    const auto names = [&](const std::vector<URL>& urls) {
+        std::vector<std::string> result;
+        for (const URL& url : urls)
+            result.push_back(folder.relative(url));
+        return result;
+    };
+    EXPECT_THAT(names(listSubFilesOrSelf(folder.url("f"))),
+                UnorderedElementsAre("f/a.txt", "f/sub", "f/doc.rtfd"));
+    EXPECT_THAT(names(listSubFilesOrSelf(folder.url("link"), {.recursively = true})),
+                UnorderedElementsAre("f/a.txt", "f/sub", "f/sub/b.txt", "f/doc.rtfd"));
+    EXPECT_THAT(listSubFilesOrSelf(folder.url("photos.2020")),
+                ElementsAre(folder.url("photos.2020")));
+    EXPECT_THAT(listSubFilesOrSelf(web), ElementsAre(web));
+    EXPECT_THAT(listSubFilesOrSelf(folder.url("missing")), IsEmpty());
+}
+
+TEST(FileURL, readsUnderASharedLock) {
+    TemporaryFolder folder;
+    folder.file("file");
+    const int writer = open(folder.url("file").path().c_str(), O_RDWR);
+    const auto result = readSecuredFileWithCoordinator(folder.url("file"), [&](const URL& url) {
+        EXPECT_NE(flock(writer, LOCK_EX | LOCK_NB), 0);
+        EXPECT_EQ(flock(writer, LOCK_SH | LOCK_NB), 0);
+        flock(writer, LOCK_UN);
+        return url.path().size();
+    });
+    EXPECT_THAT(result, Optional(folder.url("file").path().size()));
+    EXPECT_EQ(flock(writer, LOCK_EX | LOCK_NB), 0);
+    close(writer);
+
+    bool isCalled = false;
+    EXPECT_FALSE(readSecuredFileWithCoordinator(folder.url("missing"),
+                                                [&](const URL&) { return isCalled = true; }));
+    EXPECT_FALSE(isCalled);
+}

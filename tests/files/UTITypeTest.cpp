@@ -1,0 +1,62 @@
+#include <zorvan/files/UTIType.h>
+
+#include <gmock/gmock.h>
+
+#include <unordered_set>
+
+using namespace zorvan;
+
+TEST(UTIType, constantsHaveTheirIdentifiers) {
+    // The irregular ones, and those that are easily mistaken for a neighbour.
+    struct {
+        const UTIType& type;
+        const char* identifier;
+    } table[] = {
+        {UTIType::cppSource(), "public.c-plus-plus-source"},
+        {UTIType::objCPPSource(), "public.objective-c-plus-plus-source"},
+        {UTIType::cppHeader(), "public.c-plus-plus-header"},
+        {UTIType::cSource(), "public.c-source"},
+        {UTIType::qtMovie(), "com.apple.quicktime-movie"},
+        {UTIType::quickTimeImage(), "com.apple.quicktime-image"},
+        {UTIType::mP3(), "public.mp3"},
+        {UTIType::mpeg4Audio(), "public.mpeg-4-audio"},
+        {UTIType::symLink(), "public.symlink"},
+        {UTIType::jpeg2000(), "public.jpeg-2000"},
+        {UTIType::flatRTFD(), "com.apple.flat-rtfd"},
+        {UTIType::inkText(), "com.apple.ink.inktext"},
+        {UTIType::content(), "public.content"},
+        {UTIType::javaSource(), "com.sun.java-source"},
+    };
+    for (const auto& row : table)
+        EXPECT_EQ(row.type.identifier(), row.identifier);
+}
+
+TEST(UTIType, isEqualWhateverTheCase) {
+    const UTIType shouted({.identifier = "PUBLIC.JPEG"});
+    EXPECT_EQ(shouted, UTIType::jpeg());
+    EXPECT_EQ(shouted.identifier(), "PUBLIC.JPEG");
+    EXPECT_NE(shouted, UTIType::png());
+    EXPECT_TRUE((std::unordered_set<UTIType>{UTIType::jpeg()}.contains(shouted)));
+}
+
+TEST(UTIType, comesFromExtensions) {
+    EXPECT_EQ(UTIType::make({.fileExtension = "TIF"}), UTIType::tiff());
+    EXPECT_FALSE(UTIType::make({.fileExtension = ""}));
+    EXPECT_FALSE(UTIType::make({.fileExtension = "unheard-of"}));
+}
+
+TEST(UTIType, keepsFourCharacterCodes) {
+    const UTIType type({.type = 0x4A504547u});
+    EXPECT_EQ(type.identifier(), "JPEG");
+    EXPECT_EQ(type.osType(), 0x4A504547u);
+    EXPECT_EQ(UTIType::jpeg().osType(), 0u);
+    EXPECT_FALSE(type.conforms(UTIType::image()));
+}
+
+TEST(UTIType, conformsAndDescribes) {
+    EXPECT_TRUE(UTIType::jpeg().conforms("public.data"));
+    EXPECT_FALSE(UTIType::data().conforms(UTIType::jpeg()));
+    EXPECT_TRUE(UTIType::pdf().localizedDescription());
+    EXPECT_EQ(UTIType::pdf().declaration()->at("UTTypeIdentifier"), PropertyList("com.adobe.pdf"));
+    EXPECT_FALSE(UTIType({.identifier = "unheard.of"}).declaration());
+}

@@ -1,0 +1,151 @@
+#include <zorvan/platform/coreservices/internal/MimeDatabase.h>
+
+#include <zorvan/platform/coreservices/UTType.h>
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+using namespace zorvan;
+using coreservices::MimeDatabase;
+using testing::Eq;
+using testing::Optional;
+
+namespace {
+
+class MimeDatabaseTest : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string name = testing::TempDir() + "mime-XXXXXX";
+        ASSERT_TRUE(mkdtemp(name.data()));
+        folder = name;
+        mime = folder / "mime";
+        std::filesystem::create_directories(mime / "image");
+    }
+    void TearDown() override { std::filesystem::remove_all(folder); }
+
+    void write(const std::string& name, const std::string& text) {
+        std::ofstream(mime / name, std::ios::binary) << text;
+    }
+    MimeDatabase read() { return MimeDatabase({mime.string()}); }
+
+    std::filesystem::path folder, mime;
+};
+
+} // namespace
+
+TEST_F(MimeDatabaseTest, readsExtensionsByWeight) {
+    write("globs2", "# a comment\n"
+                    "50:image/x-tga:*.tga\n"
+                    "80:image/x-targa:*.TGA\n"
+                    "50:image/x-late:*.tga\n"
+                    "60:text/x-c++src:*.C:cs\n"
+                    "50:application/x-tarz:*.tar.gz\n"
+                    "50:application/x-pattern:*.x[0-9]\n");
+    const MimeDatabase database = read();
+    EXPECT_THAT(database.typeOfExtension("tga"), Optional(Eq("image/x-targa")));
+    EXPECT_FALSE(database.typeOfExtension("c"));
+    EXPECT_FALSE(database.typeOfExtension("tar.gz"));
+    EXPECT_FALSE(database.typeOfExtension("x[0-9]"));
+    EXPECT_TRUE(database.contains("application/x-tarz"));
+    EXPECT_THAT(database.typeOfIdentifier("org.freedesktop.mime.image.X-TGA"),
+                Optional(Eq("image/x-tga")));
+}
+
+TEST_F(MimeDatabaseTest, survivesNonsense) {
+    using namespace std::string_literals;
+    write("globs2", "50:../../etc/passwd:*.a\n50:image/../x:*.b\n:::\n5x:image/c:*.c\n"
+                    "99999999999999999999:image/d:*.d\n50:image/e\n\n50:image/:*.f\n"
+                    "50:/g:*.g\n50:image/h:*.h\0\n\xFF\xFE\n50:image/ok:*.ok"s);
+    write("subclasses", "image/ok\nimage/ok image/ok\nimage/ok ../x\n x y z\nimage/ok image/p\n");
+    const MimeDatabase database = read();
+    for (const char* extension : {"a", "b", "c", "d", "f", "g"})
+        EXPECT_FALSE(database.typeOfExtension(extension)) << extension;
+    EXPECT_THAT(database.typeOfExtension("ok"), Optional(Eq("image/ok")));
+    EXPECT_THAT(database.parents("image/ok"), testing::ElementsAre("image/ok", "image/p"));
+}
+
+TEST_F(MimeDatabaseTest, isEmptyWhereThereIsNone) {
+    const MimeDatabase nowhere({(folder / "missing").string(), "/dev/null"});
+    EXPECT_FALSE(nowhere.typeOfExtension("tga"));
+    std::filesystem::create_directory(mime / "globs2");
+    EXPECT_FALSE(read().typeOfExtension("tga"));
+}
+
+TEST_F(MimeDatabaseTest, refusesHugeFiles) {
+    write("globs2", "50:image/x-tga:*.tga\n");
+    std::filesystem::resize_file(mime / "globs2", (std::uintmax_t{16} << 20) + 1);
+    EXPECT_FALSE(read().typeOfExtension("tga"));
+}
+
+TEST_F(MimeDatabaseTest, readsComments) {
+    write("image/x-tga.xml", "<comment>A &lt;TGA&gt; &amp; image &bad;</comment>"
+                             "<comment xml:lang=\"de\">TGA-Bild</comment><comment>x");
+    const MimeDatabase database = read();
+    EXPECT_THAT(database.comment("image/x-tga", ""), Optional(Eq("A <TGA> & image &bad;")));
+    EXPECT_THAT(database.comment("image/x-tga", "de"), Optional(Eq("TGA-Bild")));
+    EXPECT_FALSE(database.comment("image/x-tga", "fr"));
+    EXPECT_FALSE(database.comment("../mime/image/x-tga", ""));
+}
+
+// The database of the machine is read once in a process, so its use is tried in processes of its
+// own.
+class LongTail : public MimeDatabaseTest {
+protected:
+    void SetUp() override {
+        MimeDatabaseTest::SetUp();
+        testing::FLAGS_gtest_death_test_style = "threadsafe";
+    }
+
+    /// Runs the check in a fresh process that sees only the database in `folder`.
+    template <class Check>
+    void inFreshProcess(Check check) {
+        EXPECT_EXIT(
+            {
+                setenv("XDG_DATA_HOME", folder.c_str(), 1);
+                setenv("XDG_DATA_DIRS", "relative:/nonexistent", 1);
+                setenv("LC_ALL", "de_DE.UTF-8", 1);
+                std::exit(check() ? 0 : 1);
+            },
+            testing::ExitedWithCode(0), "");
+    }
+};
+
+TEST_F(LongTail, hasIdentifiersAndConformance) {
+    inFreshProcess([this] {
+        write("globs2", "50:image/x-tga:*.tga\n50:image/jpeg:*.jfif\n50:audio/a_b+c:*.abc\n"
+                        "50:application/x-loop:*.loop\n50:application/vnd.doc:*.odx\n");
+        write("subclasses", "application/x-loop application/x-pool\n"
+                            "application/x-pool application/x-loop\n"
+                            "application/vnd.doc application/zip\n");
+        write("image/x-tga.xml", "<comment xml:lang=\"de\">TGA-Bild</comment>");
+        const auto type = [](const char* extension) {
+            return UTTypeCreatePreferredIdentifierForTag(kUTTagClassFilenameExtension, extension)
+                .value_or("none");
+        };
+        const auto declaration = UTTypeCopyDeclaration(type("tga"));
+        return type("TGA") == "org.freedesktop.mime.image.x-tga" && type("jfif") == "public.jpeg" &&
+               type("abc") == "org.freedesktop.mime.audio.a-b-c" &&
+               UTTypeConformsTo(type("tga"), kUTTypeImage) &&
+               UTTypeConformsTo(type("tga"), kUTTypeItem) &&
+               !UTTypeConformsTo(type("tga"), kUTTypeJPEG) &&
+               UTTypeConformsTo(type("abc"), kUTTypeAudio) &&
+               UTTypeConformsTo(type("odx"), kUTTypeArchive) &&
+               UTTypeConformsTo(type("loop"), "org.freedesktop.mime.application.x-pool") &&
+               !UTTypeConformsTo(type("loop"), kUTTypeImage) &&
+               UTTypeConformsTo("org.freedesktop.mime.image.jpeg", kUTTypeJPEG) &&
+               UTTypeCopyDescription(type("tga")) == "TGA-Bild" &&
+               UTTypeCopyDescription(kUTTypeJPEG) == "JPEG image" && declaration &&
+               declaration->at("UTTypeConformsTo") ==
+                   PropertyList(PropertyList::Array{"public.image"});
+    });
+}
+
+TEST_F(LongTail, canBeMissing) {
+    inFreshProcess([] {
+        return !UTTypeCreatePreferredIdentifierForTag(kUTTagClassFilenameExtension, "tga") &&
+               UTTypeConformsTo("public.jpeg", "public.image");
+    });
+}

@@ -1,0 +1,170 @@
+#include <zorvan/platform/coreservices/UTType.h>
+
+#include <zorvan/platform/coreservices/internal/TypeDeclarations.h>
+#include <zorvan/platform/coreservices/internal/words.h>
+
+#include <gmock/gmock.h>
+
+#include <random>
+#include <set>
+#include <thread>
+
+using namespace zorvan;
+using testing::Eq;
+using testing::Optional;
+
+namespace {
+
+auto typeOf(std::string_view extension) {
+    return UTTypeCreatePreferredIdentifierForTag(kUTTagClassFilenameExtension, extension);
+}
+
+const PropertyList::Array& array(const PropertyList::Dictionary& dictionary, const char* key) {
+    return *dictionary.at(key).as<PropertyList::Array>();
+}
+
+} // namespace
+
+TEST(UTType, findsTypesByExtension) {
+    struct {
+        const char *extension, *identifier;
+    } table[] = {
+        {"jpg", "public.jpeg"},
+        {"JPEG", "public.jpeg"},
+        {"tif", "public.tiff"},
+        {"heic", "public.heic"},
+        {"txt", "public.plain-text"},
+        {"gif", "com.compuserve.gif"},
+        {"pdf", "com.adobe.pdf"},
+        {"C++", "public.c-plus-plus-source"},
+        {"app", "com.apple.application-bundle"},
+    };
+    for (const auto& row : table)
+        EXPECT_THAT(typeOf(row.extension), Optional(Eq(row.identifier))) << row.extension;
+    for (const char* unknown : {"", "no-such-extension", ".jpg", "jpg ", "\xFF\xFE"})
+        EXPECT_FALSE(typeOf(unknown)) << unknown;
+}
+
+TEST(UTType, findsTypesByMimeType) {
+    EXPECT_THAT(UTTypeCreatePreferredIdentifierForTag(kUTTagClassMIMEType, "Image/PNG"),
+                Optional(Eq("public.png")));
+    EXPECT_FALSE(UTTypeCreatePreferredIdentifierForTag(kUTTagClassMIMEType, "image/no-such"));
+    EXPECT_FALSE(UTTypeCreatePreferredIdentifierForTag("public.other-class", "png"));
+}
+
+TEST(UTType, knowsWhatConformsToWhat) {
+    struct {
+        std::string_view identifier, other;
+        bool conforms;
+    } table[] = {
+        {"public.jpeg", "public.image", true},
+        {"public.jpeg", "PUBLIC.DATA", true},
+        {"public.jpeg", "public.item", true},
+        {"public.jpeg", "public.content", true},
+        {"public.jpeg", "public.png", false},
+        {"public.image", "public.jpeg", false},
+        {"public.c-plus-plus-source", "public.plain-text", true},
+        {"public.rtf", "public.plain-text", false},
+        {"com.adobe.pdf", "public.composite-content", true},
+        {"com.adobe.pdf", "public.image", false},
+        {"public.mpeg-4-audio", "public.audio", true},
+        {"public.mp3", "public.movie", false},
+        {"public.symlink", "com.apple.resolvable", true},
+        {"com.apple.rtfd", "com.apple.package", true},
+        {"com.apple.rtfd", "public.data", false},
+        {"com.apple.framework", "com.apple.package", false},
+        {"com.apple.application-bundle", "public.executable", true},
+        {"public.vcard", "public.contact", true},
+        {"public.item", "public.data", false},
+        {"unheard.of", "Unheard.Of", true},
+        {"unheard.of", "public.item", false},
+        {"", "", true},
+        {"", "public.item", false},
+    };
+    for (const auto& row : table)
+        EXPECT_EQ(UTTypeConformsTo(row.identifier, row.other), row.conforms)
+            << row.identifier << " to " << row.other;
+}
+
+TEST(UTType, conformanceIsAnOrder) {
+    const auto all = coreservices::typeDeclarations();
+    for (const auto& a : all)
+        for (const auto& b : all) {
+            const bool ab = UTTypeConformsTo(a.identifier, b.identifier);
+            EXPECT_FALSE(ab && a.identifier != b.identifier &&
+                         UTTypeConformsTo(b.identifier, a.identifier))
+                << a.identifier << " and " << b.identifier;
+            for (const auto& c : all)
+                EXPECT_TRUE(!ab || !UTTypeConformsTo(b.identifier, c.identifier) ||
+                            UTTypeConformsTo(a.identifier, c.identifier));
+        }
+}
+
+TEST(UTType, noTagBelongsToTwoTypes) {
+    std::set<std::string> identifiers, extensions, mimeTypes;
+    for (const auto& type : coreservices::typeDeclarations()) {
+        EXPECT_TRUE(identifiers.emplace(type.identifier).second) << type.identifier;
+        EXPECT_FALSE(type.description.empty()) << type.identifier;
+        coreservices::forEachPart(type.extensions, ' ', [&](std::string_view extension) {
+            EXPECT_TRUE(extensions.emplace(extension).second) << extension;
+            EXPECT_EQ(extension, coreservices::lowered(extension));
+        });
+        coreservices::forEachPart(type.mimeTypes, ' ', [&](std::string_view mimeType) {
+            EXPECT_TRUE(mimeTypes.emplace(mimeType).second) << mimeType;
+        });
+    }
+}
+
+TEST(UTType, describesAndDeclares) {
+    const auto jpeg = UTTypeCopyDeclaration("Public.JPEG");
+    ASSERT_TRUE(jpeg);
+    EXPECT_EQ(jpeg->at("UTTypeIdentifier"), PropertyList("public.jpeg"));
+    EXPECT_EQ(array(*jpeg, "UTTypeConformsTo"), PropertyList::Array{"public.image"});
+    const auto& tags = *jpeg->at("UTTypeTagSpecification").as<PropertyList::Dictionary>();
+    EXPECT_EQ(array(tags, "public.filename-extension").front(), PropertyList("jpg"));
+    EXPECT_EQ(array(tags, "public.mime-type").front(), PropertyList("image/jpeg"));
+
+    const auto item = UTTypeCopyDeclaration(kUTTypeItem);
+    ASSERT_TRUE(item);
+    EXPECT_FALSE(item->contains("UTTypeConformsTo"));
+    EXPECT_FALSE(item->contains("UTTypeTagSpecification"));
+
+    EXPECT_FALSE(UTTypeCopyDeclaration("unheard.of"));
+    EXPECT_FALSE(UTTypeCopyDescription("unheard.of"));
+}
+
+TEST(UTType, knowsPackages) {
+    for (const char* extension : {"app", "RTFD"})
+        EXPECT_TRUE(isPackageExtension(extension)) << extension;
+    for (const char* extension : {"", "framework", "jpg", "d"})
+        EXPECT_FALSE(isPackageExtension(extension)) << extension;
+}
+
+TEST(OSType, isTheTextOfItsBytes) {
+    EXPECT_EQ(UTCreateStringForOSType(0x4A504547), "JPEG");
+    EXPECT_EQ(UTCreateStringForOSType(0x5445587F), "TEX\x7F");
+    EXPECT_EQ(UTCreateStringForOSType(0x8E20DB41), "é €A");
+    EXPECT_EQ(UTCreateStringForOSType(0), std::string(4, '\0'));
+    EXPECT_EQ(UTGetOSTypeFromString("JPEG"), 0x4A504547u);
+    for (const char* text : {"", "abc", "abcde", "ab\xC3", "日本語字", "\xFF\xFF\xFF\xFF"})
+        EXPECT_EQ(UTGetOSTypeFromString(text), 0u) << text;
+}
+
+TEST(OSType, everyCodeComesBackFromItsText) {
+    std::mt19937 random(7);
+    for (int i = 0; i < 20000; ++i) {
+        const auto code = static_cast<std::uint32_t>(random());
+        ASSERT_EQ(UTGetOSTypeFromString(UTCreateStringForOSType(code)), code);
+    }
+}
+
+TEST(UTType, answersSeveralThreadsAtOnce) {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([] {
+            for (int n = 0; n < 200; ++n) {
+                EXPECT_TRUE(UTTypeConformsTo(*typeOf("jpg"), kUTTypeImage));
+                EXPECT_FALSE(typeOf("no-such-extension"));
+            }
+        });
+}

@@ -1,0 +1,157 @@
+#include <zorvan/files/URL.h>
+
+#include <zorvan/files/NSDirectoryEnumerator.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zorvan {
+
+std::string lastPathTitle(const URL& url) {
+    return std::string(url.deletingPathExtension().lastPathComponent());
+}
+
+URL replacingPathExtension(const URL& url, std::string_view extension) {
+    return url.deletingPathExtension().appendingPathExtension(extension);
+}
+
+bool isParent(const URL& url, const URL& other) {
+    const std::vector<std::string> mine = url.pathComponents();
+    const std::vector<std::string> others = other.pathComponents();
+    return mine.size() <= others.size() && std::equal(mine.begin(), mine.end(), others.begin());
+}
+
+bool isFileParent(const URL& url, const URL& other) noexcept {
+    return other.path().starts_with(url.path());
+}
+
+URL parentOrSelf(const URL& url) {
+    return url.pathExtension().empty() ? url : url.deletingLastPathComponent();
+}
+
+std::optional<URLResourceValues> resourceValues(const URL& url) {
+    struct stat status {};
+    if (!url.isFileURL() || ::lstat(url.path().c_str(), &status) != 0)
+        return std::nullopt;
+    const bool isLink = S_ISLNK(status.st_mode);
+    return URLResourceValues{.isSymbolicLink = isLink, .isAliasFile = isLink};
+}
+
+std::optional<bool> checkIsAlias(const URL& url) {
+    const auto values = resourceValues(url);
+    if (!values)
+        return std::nullopt;
+    return values->isSymbolicLink && values->isAliasFile;
+}
+
+namespace {
+
+/// The mount that holds a path. Unlike the device number, it tells bind mounts and sub-volumes
+/// apart.
+std::optional<std::uint64_t> mountOf(const std::string& path) {
+    struct statx status {};
+    if (::statx(AT_FDCWD, path.c_str(), 0, STATX_MNT_ID, &status) != 0)
+        return std::nullopt;
+    if (status.stx_mask & STATX_MNT_ID)
+        return status.stx_mnt_id;
+    return std::uint64_t{status.stx_dev_major} << 32 | status.stx_dev_minor; // kernels before 5.8
+}
+
+bool isAllowed(const std::string& path, int mode) {
+    return ::faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) == 0;
+}
+
+/// In a directory with the sticky bit only the owners of the entry and of the directory, and the
+/// superuser, remove entries.
+bool isKeptByStickyBit(const struct stat& item, const struct stat& directory) {
+    const uid_t user = ::geteuid();
+    return (directory.st_mode & S_ISVTX) && user != 0 && user != item.st_uid &&
+           user != directory.st_uid;
+}
+
+} // namespace
+
+std::optional<bool> checkIsOnMainDisk(const URL& url) {
+    const auto mount = url.isFileURL() ? mountOf(url.path()) : std::nullopt;
+    const auto main = mountOf("/");
+    if (!mount || !main)
+        return std::nullopt;
+    return *mount == *main;
+}
+
+std::optional<UTIType> utiType(const URL& url) {
+    return UTIType::make({.fileExtension = url.pathExtension()});
+}
+
+bool conforms(const URL& url, const UTIType& type) {
+    const auto own = utiType(url);
+    return own && own->conforms(type);
+}
+
+bool conforms(const URL& url, const ConformsToOneOf& argument) {
+    const auto own = utiType(url);
+    return own && std::any_of(argument.toOneOf.begin(), argument.toOneOf.end(),
+                              [&](const UTIType& type) { return own->conforms(type); });
+}
+
+bool isReadable(const URL& url) { return !url.isFileURL() || isAllowed(url.path(), R_OK); }
+
+bool isWritable(const URL& url) { return !url.isFileURL() || isAllowed(url.path(), W_OK); }
+
+bool isDeletable(const URL& url) {
+    if (!url.isFileURL())
+        return true;
+    const std::string parent = url.deletingLastPathComponent().path();
+    struct stat item {
+    }, directory{};
+    if (url == URL::root() || ::lstat(url.path().c_str(), &item) != 0 ||
+        ::stat(parent.c_str(), &directory) != 0)
+        return false;
+    return isAllowed(parent, W_OK | X_OK) && !isKeptByStickyBit(item, directory) &&
+           (!S_ISDIR(item.st_mode) || isAllowed(url.path(), W_OK | X_OK));
+}
+
+std::vector<URL> listSubFilesOrSelf(const URL& url, Recursively argument) {
+    using Options = NSDirectoryEnumerationOptions;
+    if (!url.isFileURL() || !url.pathExtension().empty())
+        return {url};
+    const auto enumerator = NSDirectoryEnumerator::create(
+        url.resolvingSymlinksInPath(),
+        Options::skipsHiddenFiles | Options::skipsPackageDescendants |
+            (argument.recursively ? Options::none : Options::skipsSubdirectoryDescendants));
+    std::vector<URL> urls;
+    while (enumerator) {
+        std::optional<URL> entry = enumerator->nextObject();
+        if (!entry)
+            break;
+        urls.push_back(std::move(*entry));
+    }
+    return urls;
+}
+
+namespace files {
+
+SharedFileLock::SharedFileLock(const URL& url) {
+    if (!url.isFileURL())
+        return;
+    descriptor_ = ::open(url.path().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    while (descriptor_ >= 0 && ::flock(descriptor_, LOCK_SH) != 0) {
+        if (errno == EINTR)
+            continue;
+        ::close(descriptor_);
+        descriptor_ = -1;
+    }
+}
+
+SharedFileLock::~SharedFileLock() {
+    if (descriptor_ >= 0)
+        ::close(descriptor_);
+}
+
+} // namespace files
+
+} // namespace zorvan

@@ -1,0 +1,202 @@
+#include <zorvan/platform/coreservices/UTType.h>
+
+#include <zorvan/platform/coreservices/internal/MimeDatabase.h>
+#include <zorvan/platform/coreservices/internal/TypeDeclarations.h>
+#include <zorvan/platform/coreservices/internal/words.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <vector>
+
+namespace zorvan {
+
+using namespace coreservices;
+
+namespace {
+
+/// What every MIME type of a top-level class is, beyond what the database declares.
+std::string_view implicitParent(std::string_view mimeType) {
+    constexpr std::pair<std::string_view, std::string_view> classes[] = {
+        {"image/", kUTTypeImage},    {"audio/", kUTTypeAudio},     {"video/", kUTTypeMovie},
+        {"text/", kUTTypePlainText}, {"message/", kUTTypeMessage}, {"inode/", kUTTypeItem}};
+    for (const auto& [prefix, parent] : classes)
+        if (mimeType.starts_with(prefix))
+            return parent;
+    return kUTTypeData;
+}
+
+std::string identifierOfMimeType(std::string_view mimeType) {
+    if (const auto named = typeWithMimeType(mimeType))
+        return std::string(typeDeclarations()[*named].identifier);
+    return MimeDatabase::identifierOf(mimeType);
+}
+
+std::vector<std::string> identifiersOfParents(std::string_view mimeType) {
+    std::vector<std::string> identifiers;
+    for (const std::string& parent : MimeDatabase::shared().parents(mimeType))
+        identifiers.push_back(identifierOfMimeType(parent));
+    const std::string implicit(implicitParent(mimeType));
+    if (std::find(identifiers.begin(), identifiers.end(), implicit) == identifiers.end())
+        identifiers.push_back(implicit);
+    return identifiers;
+}
+
+bool mimeTypeConforms(std::string_view mimeType, std::string_view other) {
+    const auto named = typeWithIdentifier(other);
+    const auto foreign = MimeDatabase::shared().typeOfIdentifier(other);
+    // The database may declare circles; every type is looked at once.
+    std::vector<std::string> seen{std::string(mimeType)};
+    for (std::size_t i = 0; i < seen.size(); ++i) {
+        const std::string current = seen[i];
+        if (foreign && current == *foreign)
+            return true;
+        const auto own = typeWithMimeType(current);
+        const auto implicit = typeWithIdentifier(implicitParent(current));
+        if (named && ((own && typeConforms(*own, *named)) || typeConforms(*implicit, *named)))
+            return true;
+        for (std::string& parent : MimeDatabase::shared().parents(current))
+            if (std::find(seen.begin(), seen.end(), parent) == seen.end())
+                seen.push_back(std::move(parent));
+    }
+    return false;
+}
+
+std::optional<std::string> typeOfForeignExtension(std::string_view extension) {
+    const auto mimeType = MimeDatabase::shared().typeOfExtension(lowered(extension));
+    return mimeType ? std::optional(identifierOfMimeType(*mimeType)) : std::nullopt;
+}
+
+std::optional<std::string> typeOfMimeType(std::string_view tag) {
+    const std::string mimeType = lowered(tag);
+    if (typeWithMimeType(mimeType) || MimeDatabase::shared().contains(mimeType))
+        return identifierOfMimeType(mimeType);
+    return std::nullopt;
+}
+
+/// "pt_BR" and "pt" of "pt_BR.UTF-8"; nothing for English.
+std::vector<std::string> preferredLanguages() {
+    std::string locale;
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
+        if (const char* value = std::getenv(name); locale.empty() && value)
+            locale = value;
+    locale.resize(std::min(locale.find_first_of(".@"), locale.size()));
+    const std::string language = locale.substr(0, locale.find('_'));
+    const bool isLanguage =
+        !language.empty() && std::all_of(locale.begin(), locale.end(), [](char c) {
+            return c == '_' || (lowered(c) >= 'a' && lowered(c) <= 'z');
+        });
+    if (!isLanguage || language == "en" || language == "C" || language == "POSIX")
+        return {};
+    return {locale, language};
+}
+
+std::optional<std::string> translatedComment(std::string_view mimeType) {
+    for (const std::string& language : preferredLanguages())
+        if (auto comment = MimeDatabase::shared().comment(mimeType, language))
+            return comment;
+    return std::nullopt;
+}
+
+PropertyList::Array textArray(std::string_view words) {
+    PropertyList::Array array;
+    forEachPart(words, ' ', [&](std::string_view word) { array.emplace_back(word); });
+    return array;
+}
+
+PropertyList::Array textArray(std::vector<std::string> texts) {
+    PropertyList::Array array;
+    for (std::string& text : texts)
+        array.emplace_back(std::move(text));
+    return array;
+}
+
+struct Declaration {
+    std::string identifier;
+    PropertyList::Array conformsTo;
+    PropertyList::Array extensions;
+    PropertyList::Array mimeTypes;
+};
+
+PropertyList::Dictionary dictionary(Declaration declaration) {
+    PropertyList::Dictionary result;
+    if (auto description = UTTypeCopyDescription(declaration.identifier))
+        result.emplace("UTTypeDescription", std::move(*description));
+    result.emplace("UTTypeIdentifier", std::move(declaration.identifier));
+    if (!declaration.conformsTo.empty())
+        result.emplace("UTTypeConformsTo", std::move(declaration.conformsTo));
+    PropertyList::Dictionary tags;
+    if (!declaration.extensions.empty())
+        tags.emplace(kUTTagClassFilenameExtension, std::move(declaration.extensions));
+    if (!declaration.mimeTypes.empty())
+        tags.emplace(kUTTagClassMIMEType, std::move(declaration.mimeTypes));
+    if (!tags.empty())
+        result.emplace("UTTypeTagSpecification", std::move(tags));
+    return result;
+}
+
+} // namespace
+
+std::optional<std::string> UTTypeCreatePreferredIdentifierForTag(std::string_view tagClass,
+                                                                 std::string_view tag) {
+    if (tag.empty())
+        return std::nullopt;
+    if (equalIgnoringCase(tagClass, kUTTagClassMIMEType))
+        return typeOfMimeType(tag);
+    if (!equalIgnoringCase(tagClass, kUTTagClassFilenameExtension))
+        return std::nullopt;
+    if (const auto named = typeWithExtension(tag))
+        return std::string(typeDeclarations()[*named].identifier);
+    return typeOfForeignExtension(tag);
+}
+
+bool UTTypeConformsTo(std::string_view identifier, std::string_view other) {
+    if (UTTypeEqual(identifier, other))
+        return true;
+    if (const auto named = typeWithIdentifier(identifier)) {
+        const auto namedOther = typeWithIdentifier(other);
+        return namedOther && typeConforms(*named, *namedOther);
+    }
+    const auto mimeType = MimeDatabase::shared().typeOfIdentifier(identifier);
+    return mimeType && mimeTypeConforms(*mimeType, other);
+}
+
+bool UTTypeEqual(std::string_view a, std::string_view b) noexcept {
+    return equalIgnoringCase(a, b);
+}
+
+std::optional<std::string> UTTypeCopyDescription(std::string_view identifier) {
+    if (const auto named = typeWithIdentifier(identifier)) {
+        const TypeDeclaration& declaration = typeDeclarations()[*named];
+        const std::string_view mimeTypes = declaration.mimeTypes;
+        auto translated = translatedComment(mimeTypes.substr(0, mimeTypes.find(' ')));
+        return translated ? translated : std::string(declaration.description);
+    }
+    const auto mimeType = MimeDatabase::shared().typeOfIdentifier(identifier);
+    if (!mimeType)
+        return std::nullopt;
+    auto translated = translatedComment(*mimeType);
+    return translated ? translated : MimeDatabase::shared().comment(*mimeType, "");
+}
+
+std::optional<PropertyList::Dictionary> UTTypeCopyDeclaration(std::string_view identifier) {
+    if (const auto named = typeWithIdentifier(identifier)) {
+        const TypeDeclaration& declaration = typeDeclarations()[*named];
+        return dictionary({std::string(declaration.identifier), textArray(declaration.conformsTo),
+                           textArray(declaration.extensions), textArray(declaration.mimeTypes)});
+    }
+    const auto mimeType = MimeDatabase::shared().typeOfIdentifier(identifier);
+    if (!mimeType)
+        return std::nullopt;
+    return dictionary({MimeDatabase::identifierOf(*mimeType),
+                       textArray(identifiersOfParents(*mimeType)),
+                       textArray(MimeDatabase::shared().extensions(*mimeType)),
+                       textArray(std::string_view(*mimeType))});
+}
+
+bool isPackageExtension(std::string_view fileExtension) {
+    static const auto package = typeWithIdentifier(kUTTypePackage);
+    const auto named = typeWithExtension(fileExtension);
+    return named && typeConforms(*named, *package);
+}
+
+} // namespace zorvan
