@@ -1,26 +1,30 @@
 #include <zorvan/platform/graphics/Bitmap.h>
 
-#include <cstdlib>
-#include <cstring>
+#include <zorvan/platform/graphics/ExactTransforms.h>
+#include <zorvan/platform/graphics/internal/PixelStore.h>
 
 namespace zorvan {
 
-void Bitmap::Free::operator()(std::uint8_t* pixels) const noexcept { std::free(pixels); }
+void Bitmap::Free::operator()(std::uint8_t* pixels) const noexcept {
+    PixelStore::release(pixels, byteCount);
+}
 
 std::optional<Bitmap> Bitmap::make(std::int64_t width, std::int64_t height, BitmapLayout layout) {
-    if (width < 1 || height < 1 || width > maximumPixelCount / height)
-        return std::nullopt;
-    void* pixels = std::calloc(static_cast<std::size_t>(width * height), 4);
-    if (!pixels)
-        return std::nullopt;
-    return Bitmap(width, height, layout, static_cast<std::uint8_t*>(pixels));
+    return make(width, height, layout, Contents::transparent);
 }
 
-std::optional<Bitmap> Bitmap::copy() const {
-    std::optional<Bitmap> result = make(width_, height_, layout_);
-    if (result)
-        std::memcpy(result->data(), data(), static_cast<std::size_t>(byteCount()));
-    return result;
+std::optional<Bitmap> Bitmap::make(std::int64_t width, std::int64_t height, BitmapLayout layout,
+                                   Contents contents) {
+    if (width < 1 || height < 1 || width > maximumPixelCount / height)
+        return std::nullopt;
+    const auto byteCount = static_cast<std::size_t>(width * height) * 4;
+    std::uint8_t* pixels = contents == Contents::transparent ? PixelStore::takeZeroed(byteCount)
+                                                             : PixelStore::take(byteCount);
+    if (!pixels)
+        return std::nullopt;
+    return Bitmap(width, height, layout, pixels);
 }
+
+std::optional<Bitmap> Bitmap::copy() const { return copied(*this, layout_); }
 
 } // namespace zorvan

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -9,8 +10,9 @@ namespace zorvan {
 /// Where the alpha component stands among the four bytes of a pixel. Colour is premultiplied by it.
 enum class BitmapLayout { rgba = 1, argb = 2 };
 
-/// A block of pixels: 8 bits a component, 4 bytes a pixel, rows of `width * 4` bytes without padding,
-/// the top row first, alpha premultiplied. Owns its storage; moves, and copies only when asked to.
+/// A block of pixels: 8 bits a component, 4 bytes a pixel, rows of `width * 4` bytes without
+/// padding, the top row first, alpha premultiplied. Owns its storage; moves, and copies only when
+/// asked to.
 class Bitmap {
 public:
     /// The most pixels a bitmap may hold: 2^29, which is 2 GiB.
@@ -37,12 +39,20 @@ public:
     const std::uint8_t* row(std::int64_t y) const noexcept { return data() + y * bytesPerRow(); }
 
 private:
+    friend struct BitmapAccess;
+
     struct Free {
+        std::size_t byteCount;
         void operator()(std::uint8_t* pixels) const noexcept;
     };
 
+    enum class Contents { transparent, undefined };
+    static std::optional<Bitmap> make(std::int64_t width, std::int64_t height, BitmapLayout layout,
+                                      Contents contents);
+
     Bitmap(std::int64_t width, std::int64_t height, BitmapLayout layout, std::uint8_t* pixels)
-        : width_(width), height_(height), layout_(layout), pixels_(pixels) {}
+        : width_(width), height_(height), layout_(layout),
+          pixels_(pixels, Free{static_cast<std::size_t>(width * height) * 4}) {}
 
     std::int64_t width_;
     std::int64_t height_;

@@ -1,0 +1,275 @@
+#include "TestImages.h"
+
+#include <zorvan/media/CGImageDestination.h>
+#include <zorvan/media/CGImageSource.h>
+#include <zorvan/media/ImageKeys.h>
+#include <zorvan/media/ImageThumbailer.h>
+#include <zorvan/platform/foundation/UUID.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <sys/stat.h>
+
+namespace zorvan {
+namespace {
+
+PropertyList::Dictionary options(std::string_view key, PropertyList value) {
+    return {{std::string(key), std::move(value)}};
+}
+
+/// An opaque picture without a symmetry: dark at the bottom, red growing to the right.
+CGImage::Pointer slope(std::int64_t width, std::int64_t height) {
+    Bitmap bitmap = Bitmap::make(width, height).value();
+    for (std::int64_t y = 0; y < height; ++y)
+        for (std::int64_t x = 0; x < width; ++x) {
+            std::uint8_t* const pixel = bitmap.row(y) + x * 4;
+            pixel[0] = static_cast<std::uint8_t>(x * 255 / width);
+            pixel[1] = static_cast<std::uint8_t>((height - y) * 255 / height);
+            pixel[3] = 255;
+        }
+    return CGImage::create(std::move(bitmap));
+}
+
+double meanDifference(const CGImage& a, const CGImage& b) {
+    double sum = 0;
+    for (std::int64_t i = 0; i < a.bitmap().byteCount(); ++i)
+        sum += std::abs(a.uint8Data()[i] - b.uint8Data()[i]);
+    return sum / static_cast<double>(a.bitmap().byteCount());
+}
+
+class Folder {
+public:
+    Folder() : path_(std::filesystem::temp_directory_path() / ("media-" + makeUUIDString())) {
+        std::filesystem::create_directory(path_);
+    }
+    ~Folder() { std::filesystem::remove_all(path_); }
+
+    std::string path(const std::string& name) const { return path_ / name; }
+    URL url(const std::string& name) const { return URL({.fileURLWithPath = path(name)}); }
+    std::int64_t count() const {
+        return std::distance(std::filesystem::directory_iterator(path_), {});
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+TEST(CGImageMetadata, SizesComeFromIntegersOnly) {
+    const auto metadata = [](PropertyList width, PropertyList height, PropertyList orientation) {
+        return PropertyList::Dictionary{
+            {std::string(kCGImagePropertyPixelWidth), std::move(width)},
+            {std::string(kCGImagePropertyPixelHeight), std::move(height)},
+            {std::string(kCGImagePropertyOrientation), std::move(orientation)}};
+    };
+    EXPECT_EQ(CGImage::imageSize(metadata(4000, 3000, 6)), CGSize(4000, 3000));
+    for (int value = -1; value <= 10; ++value)
+        EXPECT_EQ(CGImage::orientedImageSize(metadata(4000, 3000, value)),
+                  value >= 5 && value <= 8 ? CGSize(3000, 4000) : CGSize(4000, 3000));
+    EXPECT_EQ(CGImage::orientedImageSize(metadata(4000, 3000, "6")), CGSize(4000, 3000));
+    EXPECT_EQ(CGImage::orientedImageSize(metadata(4000, 3000, 6.0)), CGSize(4000, 3000));
+    EXPECT_FALSE(CGImage::imageSize(metadata(4000.0, 3000, 1)));
+    EXPECT_FALSE(CGImage::imageSize(metadata(4000, "3000", 1)));
+    EXPECT_FALSE(CGImage::imageSize(PropertyList::Dictionary{}));
+    EXPECT_FALSE(CGImage::orientedImageSize(options(kCGImagePropertyPixelWidth, 4000)));
+    EXPECT_FALSE(CGImage::imageSize(std::optional<PropertyList::Dictionary>()));
+    EXPECT_FALSE(CGImage::orientedImageSize(std::optional<PropertyList::Dictionary>()));
+}
+
+TEST(ImageThumbailer, HasItsDefaultsAndFiveOptions) {
+    EXPECT_EQ(ImageThumbailer(), (ImageThumbailer{true, 1000000, true}));
+    const PropertyList::Dictionary expected{{"kCGImageSourceShouldCache", false},
+                                            {"kCGImageSourceShouldAllowFloat", true},
+                                            {"kCGImageSourceCreateThumbnailWithTransform", false},
+                                            {"kCGImageSourceCreateThumbnailFromImageAlways", true},
+                                            {"kCGImageSourceThumbnailMaxPixelSize", 256.0}};
+    const auto dictionary =
+        ImageThumbailer{.applyExifTransform = false, .maximumPixelSize = 256}.coreImageDictionary();
+    EXPECT_EQ(dictionary, expected);
+    EXPECT_TRUE(dictionary.at("kCGImageSourceThumbnailMaxPixelSize").as<NSNumber>()->isReal());
+    EXPECT_TRUE(dictionary.at("kCGImageSourceShouldCache").as<NSNumber>()->isBool());
+}
+
+TEST(CGImageEncoding, LosslessFormatsKeepEveryPixel) {
+    const auto image = noise(33, 21);
+    const auto opaque = slope(33, 21);
+    EXPECT_LE(meanDifference(*CGImage::image(image->pngData().value()), *image), 1);
+    EXPECT_TRUE(haveSamePixels(*CGImage::image(opaque->pngData().value()), *opaque));
+    EXPECT_TRUE(haveSamePixels(*CGImage::image(opaque->tiffData().value()), *opaque));
+    EXPECT_TRUE(
+        haveSamePixels(*CGImage::image(opaque->argbDrawnCopy()->pngData().value()), *opaque));
+}
+
+TEST(CGImageEncoding, EachFormatHasItsOptions) {
+    const auto image = slope(64, 48);
+    EXPECT_EQ(image->data(ImageExportFormat::jpg), image->jpegData(1));
+    EXPECT_GT(image->jpegData(1)->size(), image->jpegData(0.2)->size());
+    EXPECT_EQ(image->jpegData(7), image->jpegData(1));
+    EXPECT_EQ(image->data(ImageExportFormat::tiff), image->tiffData());
+    EXPECT_LT(image->tiffData()->size(), image->data(ImageExportFormat::tiff, {})->size());
+    EXPECT_EQ(image->data(ImageExportFormat::png), image->pngData());
+    EXPECT_LT(meanDifference(*CGImage::image(image->jpegData(1).value()), *image), 2);
+}
+
+TEST(CGImageDestination, KnowsItsTypes) {
+    for (const ImageExportFormat format : ImageExportFormat::allCases)
+        EXPECT_TRUE(CGImageDestination::supports(format.cgType())) << format.cgType();
+    EXPECT_FALSE(CGImageDestination::supports("public.text"));
+    const auto data = std::make_shared<Data>();
+    EXPECT_EQ(CGImageDestination::create(data, "public.text", 1), nullptr);
+    EXPECT_EQ(CGImageDestination::create(data, "public.png", 0), nullptr);
+    EXPECT_EQ(CGImageDestination::create(std::shared_ptr<Data>(), "public.png", 1), nullptr);
+    EXPECT_EQ(CGImageDestination::create(*URL::make({.string = "http://a/b.png"}), "public.png", 1),
+              nullptr);
+}
+
+TEST(CGImageDestination, WritesThePicturesThatWereAnnounced) {
+    const auto data = std::make_shared<Data>(3, std::byte{42});
+    const auto destination = CGImageDestination::create(data, "public.tiff", 2);
+    destination->addImage(slope(8, 6));
+    destination->addImage(slope(5, 9));
+    destination->addImage(slope(1, 1)); // one too many
+    EXPECT_TRUE(destination->finalize());
+    EXPECT_FALSE(destination->finalize());
+    ASSERT_GT(data->size(), 3u);
+    const auto source = CGImageSource::create(Data(data->begin() + 3, data->end()));
+    EXPECT_EQ(source->type(), "public.tiff");
+    ASSERT_EQ(source->count(), 2);
+    EXPECT_TRUE(haveSamePixels(*source->image(1), *slope(5, 9)));
+    EXPECT_EQ(source->image(2), nullptr);
+    EXPECT_EQ(source->image(-1), nullptr);
+    EXPECT_EQ(source->thumbnail(2), nullptr);
+    EXPECT_FALSE(source->properties(2));
+
+    const auto unfinished = CGImageDestination::create(data, "public.tiff", 2);
+    const std::size_t before = data->size();
+    unfinished->addImage(slope(8, 6));
+    unfinished->addImage(nullptr);
+    EXPECT_FALSE(unfinished->finalize());
+    EXPECT_EQ(data->size(), before);
+}
+
+TEST(CGImageDestination, OptionsOfThePictureGoFirst) {
+    const auto data = std::make_shared<Data>();
+    const auto destination =
+        CGImageDestination::create(data, "public.jpeg", 1, options(kCGImagePropertyOrientation, 3));
+    destination->setProperties(options(kCGImagePropertyOrientation, 8));
+    destination->addImage(slope(40, 30), options(kCGImagePropertyOrientation, 6));
+    ASSERT_TRUE(destination->finalize());
+    EXPECT_EQ(CGImage::metadata(*data)->at("Orientation"), PropertyList(6));
+    EXPECT_EQ(CGImage::imageSize(*data), CGSize(40, 30));
+    EXPECT_EQ(CGImage::orientedImageSize(*data), CGSize(30, 40));
+}
+
+TEST(CGImageDestination, AFailedFileLeavesWhatWasThere) {
+    const Folder folder;
+    std::ofstream(folder.path("taken.png")) << "before";
+    const auto unfinished = CGImageDestination::create(folder.url("taken.png"), "public.png", 1);
+    EXPECT_FALSE(unfinished->finalize());
+    std::ifstream taken(folder.path("taken.png"));
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(taken), {}), "before");
+
+    std::filesystem::create_directory(folder.path("directory.png"));
+    const auto blocked = CGImageDestination::create(folder.url("directory.png"), "public.png", 1);
+    blocked->addImage(slope(4, 4));
+    EXPECT_FALSE(blocked->finalize());
+    const auto nowhere = CGImageDestination::create(folder.url("none/a.png"), "public.png", 1);
+    nowhere->addImage(slope(4, 4));
+    EXPECT_FALSE(nowhere->finalize());
+    EXPECT_EQ(folder.count(), 2); // and nothing of ours beside them
+}
+
+TEST(CGImageDestination, ReplacesAFileAndFollowsALink) {
+    const Folder folder;
+    std::ofstream(folder.path("real.png")) << "before";
+    ASSERT_EQ(chmod(folder.path("real.png").c_str(), 0600), 0);
+    std::filesystem::create_symlink(folder.path("real.png"), folder.path("link.png"));
+    const auto destination = CGImageDestination::create(folder.url("link.png"), "public.png", 1);
+    destination->addImage(slope(4, 4));
+    EXPECT_TRUE(destination->finalize());
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link.png")));
+    EXPECT_TRUE(haveSamePixels(*CGImage::image(folder.url("real.png")), *slope(4, 4)));
+    EXPECT_EQ(std::filesystem::status(folder.path("real.png")).permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    EXPECT_EQ(folder.count(), 2);
+}
+
+TEST(CGImageLoading, WhatIsNoPictureGivesNothing) {
+    const Folder folder;
+    std::ofstream(folder.path("text.png")) << "not a picture at all";
+    std::ofstream(folder.path("empty.jpg"));
+    for (const char* name : {"text.png", "empty.jpg", "missing.png", "."}) {
+        const URL url = folder.url(name);
+        EXPECT_EQ(CGImage::image(url), nullptr);
+        EXPECT_EQ(CGImage::thumbnail(url), nullptr);
+        EXPECT_EQ(ImageThumbailer().thumbnail(url), nullptr);
+        EXPECT_FALSE(CGImage::metadata(url));
+        EXPECT_FALSE(CGImage::imageSize(url));
+        EXPECT_FALSE(CGImage::orientedImageSize(url));
+        const auto source = CGImageSource::create(url);
+        EXPECT_EQ(source->image(0), nullptr);
+        EXPECT_NE(source->error(), "") << name;
+        EXPECT_FALSE(source->type());
+    }
+    EXPECT_EQ(CGImage::image(Data()), nullptr);
+    EXPECT_EQ(CGImage::image(*URL::make({.string = "http://host/a.png"})), nullptr);
+    const Data whole = slope(300, 200)->jpegData(1).value();
+    for (std::size_t size = 0; size < whole.size(); size += 97)
+        (void)CGImage::image(
+            Data(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
+}
+
+/// A JPEG of 300 x 200 pixels that is to be turned by `orientation`.
+Data orientedPicture(int orientation) {
+    return slope(300, 200)
+        ->data(ImageExportFormat::jpg, options(kCGImagePropertyOrientation, orientation))
+        .value();
+}
+
+TEST(CGImageThumbnails, AreUprightUnlessAskedNotToBe) {
+    for (int orientation = 1; orientation <= 8; ++orientation) {
+        const Data picture = orientedPicture(orientation);
+        const auto upright = ImageThumbailer{.maximumPixelSize = 90}.thumbnail(picture);
+        EXPECT_EQ(upright->width(), orientation >= 5 ? 60 : 90);
+        const auto expected =
+            slope(300, 200)->resizing({90, 60})->oriented(std::int64_t{orientation});
+        EXPECT_LT(meanDifference(*upright, *expected), 4) << orientation;
+        const auto stored =
+            ImageThumbailer{.applyExifTransform = false, .maximumPixelSize = 90}.thumbnail(picture);
+        EXPECT_LT(meanDifference(*stored, *slope(300, 200)->resizing({90, 60})), 4);
+    }
+}
+
+TEST(CGImageThumbnails, AreNoLargerThanAskedAndNeverEnlarged) {
+    const Data picture = orientedPicture(1);
+    struct Case {
+        double limit;
+        std::int64_t width, height;
+    };
+    for (const Case& c : {Case{1000000, 300, 200}, Case{1e300, 300, 200}, Case{300, 300, 200},
+                          Case{299.9, 299, 199}, Case{1, 1, 1}, Case{0.3, 1, 1}}) {
+        const auto thumbnail = ImageThumbailer{.maximumPixelSize = c.limit}.thumbnail(picture);
+        ASSERT_NE(thumbnail, nullptr) << c.limit;
+        EXPECT_EQ(thumbnail->width(), c.width) << c.limit;
+        EXPECT_EQ(thumbnail->height(), c.height) << c.limit;
+    }
+    for (double none : {0.0, -5.0, std::nan("")})
+        EXPECT_EQ(ImageThumbailer{.maximumPixelSize = none}.thumbnail(picture), nullptr);
+}
+
+TEST(CGImageThumbnails, AreMadeOnlyWhenAskedForWhereTheFileHasNone) {
+    const Data picture = orientedPicture(1);
+    EXPECT_EQ(CGImage::thumbnail(picture), nullptr);
+    EXPECT_EQ(ImageThumbailer{.alwaysCreateImage = false}.thumbnail(picture), nullptr);
+    const auto made =
+        CGImage::thumbnail(picture, options(kCGImageSourceCreateThumbnailFromImageIfAbsent, true));
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(made->width(), 300);
+}
+
+} // namespace
+} // namespace zorvan

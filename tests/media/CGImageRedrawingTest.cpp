@@ -1,0 +1,367 @@
+#include "TestImages.h"
+
+#include <zorvan/media/CGContext.h>
+#include <zorvan/media/ExifOrientationGeometry.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <numbers>
+#include <string>
+#include <vector>
+
+#include <sys/resource.h>
+
+namespace zorvan {
+namespace {
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+const std::string refusal = "CGContext.createRGBBitmapContex cannot create context\n";
+
+/// The pixels of `image` drawn under `t` (y upwards) into a bitmap, one by one.
+void expectDrawn(const CGImage& result, const CGImage& image, const CGAffineTransform& t,
+                 const char* what, std::int64_t value) {
+    std::int64_t wrong = 0;
+    for (std::int64_t y = 0; y < image.height(); ++y)
+        for (std::int64_t x = 0; x < image.width(); ++x) {
+            const CGPoint centre(static_cast<double>(x) + 0.5,
+                                 static_cast<double>(image.height() - y) - 0.5);
+            const CGPoint p = centre.applying(t);
+            const auto column = static_cast<std::int64_t>(std::floor(p.x));
+            const auto row = result.height() - 1 - static_cast<std::int64_t>(std::floor(p.y));
+            const bool isInside =
+                column >= 0 && column < result.width() && row >= 0 && row < result.height();
+            wrong += !isInside || pixelAt(result, column, row) != pixelAt(image, x, y);
+        }
+    EXPECT_EQ(wrong, 0) << what << ' ' << value;
+}
+
+TEST(CGImage, AnOrientationIsTheDrawingThatItsGeometryDescribes) {
+    const auto image = noise(37, 23);
+    for (std::int64_t value = 2; value <= 8; ++value) {
+        const auto geometry = ExifOrientationGeometry::make({.exifValue = value}).value();
+        const auto result = image->oriented(value);
+        ASSERT_EQ(result->width(), geometry.swapsSides ? 23 : 37);
+        ASSERT_EQ(result->height(), geometry.swapsSides ? 37 : 23);
+        CGAffineTransform t(
+            {.translationX = result->size().width / 2, .y = result->size().height / 2});
+        t.rotate(geometry.angle);
+        t.scaleBy(geometry.scaleX, geometry.scaleY);
+        t.translateBy(-37 * 0.5, -23 * 0.5);
+        expectDrawn(*result, *image, t, "oriented", value);
+
+        // The same through a context, which has to find out that whole pixels are moved.
+        const auto drawn =
+            CGImage::draw(result->width(), result->height(), [&](CGContext& context) {
+                context.concatenate(t);
+                context.draw(*image, image->rect());
+            });
+        EXPECT_TRUE(haveSamePixels(*drawn, *result)) << value;
+        EXPECT_TRUE(haveSamePixels(*result->unoriented(value), *image)) << value;
+    }
+}
+
+TEST(CGImage, TheEightOrientationsAtAGlance) {
+    Bitmap letters = Bitmap::make(2, 3).value();
+    for (std::int64_t i = 0; i < 6; ++i)
+        letters.data()[i * 4] = static_cast<std::uint8_t>('A' + i);
+    const auto image = CGImage::create(std::move(letters));
+    const char* const expected[] = {"AB CD EF ", "BA DC FE ", "FE DC BA ", "EF CD AB ",
+                                    "ACE BDF ",  "ECA FDB ",  "FDB ECA ",  "BDF ACE "};
+    for (std::int64_t value = 1; value <= 8; ++value) {
+        const auto result = image->oriented(value);
+        std::string text;
+        for (std::int64_t y = 0; y < result->height(); ++y) {
+            for (std::int64_t x = 0; x < result->width(); ++x)
+                text += static_cast<char>(pixelAt(*result, x, y));
+            text += ' ';
+        }
+        EXPECT_EQ(text, expected[value - 1]) << value;
+    }
+}
+
+TEST(CGImage, OrientationsOutsideTheEightAreNone) {
+    const auto image = noise(4, 3);
+    EXPECT_EQ(image->oriented(std::int64_t{1}), image);
+    EXPECT_EQ(image->unoriented(1), image);
+    for (std::int64_t value : {std::int64_t{0}, std::int64_t{9}, std::int64_t{-6},
+                               std::numeric_limits<std::int64_t>::min()}) {
+        EXPECT_EQ(image->oriented(value), nullptr);
+        EXPECT_EQ(image->unoriented(value), nullptr);
+    }
+    EXPECT_TRUE(haveSamePixels(*image->unoriented(6), *image->rotatedLeft()));
+    EXPECT_TRUE(haveSamePixels(*image->unoriented(8), *image->rotatedRight()));
+}
+
+TEST(CGImage, ACameraOrientationIsTheDrawingUnderItsTransform) {
+    const auto image = noise(40, 30);
+    const double pi = std::numbers::pi;
+    struct Case {
+        std::int64_t value;
+        CGAffineTransform transform;
+        bool isTurned;
+        const char* printed;
+    };
+    const Case cases[] = {
+        {1, CGAffineTransform().translatedBy(0, 40).rotatedBy(-pi / 2), true, ""},
+        {2, CGAffineTransform().translatedBy(30, 0).rotatedBy(pi / 2), true, ""},
+        {3, CGAffineTransform(), false, ""},
+        {4, CGAffineTransform().translatedBy(40, 30).scaledBy(-1, -1), false, ""},
+        {7, CGAffineTransform(), false, "NOT SUPPORTED AVCAPTUREVIDEOORIENTATION\n"}};
+    for (const Case& c : cases) {
+        testing::internal::CaptureStdout();
+        const auto result = image->oriented(static_cast<AVCaptureVideoOrientation>(c.value));
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), c.printed);
+        EXPECT_EQ(result->width(), c.isTurned ? 30 : 40);
+        EXPECT_EQ(result->height(), c.isTurned ? 40 : 30);
+        EXPECT_NE(result, image);
+        expectDrawn(*result, *image, c.transform, "camera", c.value);
+    }
+}
+
+TEST(CGImage, FittingKeepsTheAspectRatio) {
+    const auto image = plain(400, 200, 0xFF804020);
+    struct Case {
+        CGSize box;
+        std::int64_t width, height;
+    };
+    for (const Case& c : {Case{{100, 100}, 100, 50}, Case{{300, 50}, 100, 50},
+                          Case{{800, 800}, 800, 400}, Case{{33, 1000}, 33, 17}}) {
+        const auto result = image->fitting(c.box);
+        EXPECT_EQ(result->width(), c.width);
+        EXPECT_EQ(result->height(), c.height);
+        // Also where the target ends inside a pixel: what is opaque stays opaque.
+        for (std::int64_t y = 0; y < c.height; ++y)
+            for (std::int64_t x = 0; x < c.width; ++x)
+                ASSERT_EQ(pixelAt(*result, x, y), 0xFF804020) << x << ',' << y;
+    }
+}
+
+TEST(CGImage, ResizingPaintsEveryPixelWhateverTheFraction) {
+    const auto image = plain(97, 61, 0xFF336699);
+    for (double width = 0.5; width < 250; width += 12.375)
+        for (double height : {0.5, 1.5, 60.5, 61.0, 61.49999, 122.75}) {
+            const auto result = image->resizing({width, height});
+            ASSERT_EQ(result->width(), static_cast<std::int64_t>(std::round(width)));
+            ASSERT_EQ(result->height(), static_cast<std::int64_t>(std::round(height)));
+            for (std::int64_t i = 0; i < result->width() * result->height(); ++i)
+                ASSERT_EQ(pixelAt(*result, i % result->width(), i / result->width()), 0xFF336699)
+                    << width << " x " << height;
+        }
+}
+
+/// The mean of a component over what lies between the edges, each pixel weighted by its share.
+double areaMean(const CGImage& image, CGRect area, std::int64_t component) {
+    double sum = 0;
+    for (std::int64_t y = 0; y < image.height(); ++y)
+        for (std::int64_t x = 0; x < image.width(); ++x) {
+            const CGRect pixel(static_cast<double>(x), static_cast<double>(y), 1, 1);
+            const CGRect shared = pixel.intersection(area);
+            if (!shared.isNull())
+                sum += shared.size.area() * image.uint8Data()[image.offset(x, y) + component];
+        }
+    return sum / area.size.area();
+}
+
+TEST(CGImage, ShrinkingIsTheExactAreaAverage) {
+    const auto image = noise(131, 87);
+    const auto result = image->resizing({40, 20});
+    double worst = 0;
+    for (std::int64_t y = 0; y < 20; ++y)
+        for (std::int64_t x = 0; x < 40; ++x)
+            for (std::int64_t c = 0; c < 4; ++c) {
+                const CGRect area(static_cast<double>(x) * 3.275, static_cast<double>(y) * 4.35,
+                                  3.275, 4.35);
+                const double got = result->uint8Data()[result->offset(x, y) + c];
+                worst = std::max(worst, std::abs(got - areaMean(*image, area, c)));
+            }
+    EXPECT_LT(worst, 0.501);
+}
+
+TEST(CGImage, EnlargingKeepsColourWithinAlpha) {
+    const auto result = noise(9, 7)->resizing({100, 90});
+    std::int64_t wrong = 0;
+    for (std::int64_t i = 0; i < 100 * 90; ++i)
+        for (int c = 0; c < 3; ++c)
+            wrong += result->uint8Data()[i * 4 + c] > result->uint8Data()[i * 4 + 3];
+    EXPECT_EQ(wrong, 0);
+}
+
+TEST(CGImage, CroppingShowsTheMiddle) {
+    const auto image = noise(40, 20);
+    const auto quarter = image->cropping({.percent = 0.25});
+    ASSERT_EQ(quarter->width(), 20);
+    ASSERT_EQ(quarter->height(), 10);
+    for (std::int64_t y = 0; y < 10; ++y)
+        for (std::int64_t x = 0; x < 20; ++x)
+            ASSERT_EQ(pixelAt(*quarter, x, y), pixelAt(*image, x + 10, y + 5));
+    EXPECT_TRUE(haveSamePixels(*quarter, *image->cropping({.dx = 10, .dy = 5})));
+    EXPECT_TRUE(haveSamePixels(*quarter, *image->cropping({.px = 0.25, .py = 0.25})));
+
+    const auto enlarged = image->cropping({.dx = -2, .dy = -1});
+    ASSERT_EQ(enlarged->width(), 44);
+    ASSERT_EQ(enlarged->height(), 22);
+    for (std::int64_t y = 0; y < 22; ++y)
+        for (std::int64_t x = 0; x < 44; ++x) {
+            const bool isMargin = x < 2 || x >= 42 || y < 1 || y >= 21;
+            ASSERT_EQ(pixelAt(*enlarged, x, y), isMargin ? 0 : pixelAt(*image, x - 2, y - 1));
+        }
+}
+
+TEST(CGImage, CroppingByHalfPixelsMixesNeighbours) {
+    // Insets of 0.5 leave 39 x 19 pixels, each halfway between four.
+    const auto image = plain(40, 20, 0xFF112233);
+    const auto result = image->cropping({.dx = 0.5, .dy = 0.5});
+    ASSERT_EQ(result->width(), 39);
+    for (std::int64_t i = 0; i < 39 * 19; ++i)
+        ASSERT_EQ(pixelAt(*result, i % 39, i / 39), 0xFF112233);
+}
+
+TEST(CGImage, ATransformIsNotBroughtBackToTheOrigin) {
+    const auto image = noise(20, 10);
+    const auto scaled = image->applying(CGAffineTransform(1, 0, 0, 1, 5, -3));
+    ASSERT_EQ(scaled->width(), 20);
+    for (std::int64_t y = 0; y < 10; ++y)
+        for (std::int64_t x = 0; x < 20; ++x)
+            ASSERT_EQ(pixelAt(*scaled, x, y), x >= 5 && y >= 3 ? pixelAt(*image, x - 5, y - 3) : 0);
+
+    // A turn about the origin carries all of it off the bitmap.
+    const auto gone = image->applying(CGAffineTransform({.rotationAngle = std::numbers::pi}));
+    for (std::int64_t i = 0; i < 200; ++i)
+        ASSERT_EQ(pixelAt(*gone, i % 20, i / 20), 0u);
+}
+
+TEST(CGImage, ASlantedPictureIsFullInsideAndFadesAtItsEdges) {
+    const auto image = plain(100, 100, 0xFFFFFFFF);
+    CGAffineTransform t({.translationX = 50 * std::sqrt(2.0), .y = 0});
+    t.rotate(std::numbers::pi / 4);
+    const auto result = image->applying(t);
+    ASSERT_EQ(result->width(), 141);
+    double area = 0;
+    for (std::int64_t i = 0; i < 141 * 141; ++i)
+        area += result->uint8Data()[i * 4 + 3] / 255.0;
+    EXPECT_NEAR(area, 100 * 100, 20);
+    EXPECT_EQ(pixelAt(*result, 70, 70), 0xFFFFFFFF);
+    EXPECT_EQ(pixelAt(*result, 2, 2), 0u);
+}
+
+TEST(CGImage, CopiesAreOfTheirOwnInEitherLayout) {
+    const auto image = noise(31, 17);
+    const auto copy = image->drawnCopy();
+    EXPECT_NE(copy->uint8Data(), image->uint8Data());
+    EXPECT_TRUE(haveSamePixels(*copy, *image));
+    const auto argb = image->argbDrawnCopy();
+    EXPECT_EQ(argb->bitmap().layout(), BitmapLayout::argb);
+    EXPECT_EQ(argb->uint8Data()[0], image->uint8Data()[3]);
+    EXPECT_TRUE(haveSamePixels(*argb->rgbaDrawnCopy(), *image));
+    EXPECT_TRUE(
+        haveSamePixels(*argb->oriented(std::int64_t{7}), *image->oriented(std::int64_t{7})));
+    EXPECT_TRUE(
+        haveSamePixels(*argb->cropping({.dx = 2, .dy = 3}), *image->cropping({.dx = 2, .dy = 3})));
+    EXPECT_TRUE(haveSamePixels(*argb->resizing({40, 50}), *image->resizing({40, 50})));
+}
+
+TEST(CGImage, AnEmptyPictureIsTransparent) {
+    const auto image = CGImage::empty(3, 2);
+    ASSERT_EQ(image->width(), 3);
+    for (std::int64_t i = 0; i < 24; ++i)
+        EXPECT_EQ(image->uint8Data()[i], 0);
+    EXPECT_EQ(CGImage::argbDraw(3, 2, [](CGContext&) {})->bitmap().layout(), BitmapLayout::argb);
+}
+
+TEST(CGImage, SizesThatNoBitmapHasPrintTheMessageAndGiveNothing) {
+    const auto image = noise(40, 30);
+    std::vector<std::function<CGImage::Pointer()>> refused;
+    for (double bad : {nan, infinity, -infinity, -5.0, 0.0, 0.4, -0.4, 1e19, -1e19, 1e300, 1e9}) {
+        refused.push_back([&image, bad] { return image->resizing({bad, 10}); });
+        refused.push_back([&image, bad] { return image->resizing({10, bad}); });
+        refused.push_back([&image, bad] { return image->fitting({bad, bad}); });
+    }
+    for (double bad : {nan, infinity, -infinity, 20.0, 1e300, -1e300, 1e9, -1e9}) {
+        refused.push_back([&image, bad] { return image->cropping({.dx = bad, .dy = 0}); });
+        refused.push_back([&image, bad] { return image->cropping({.dx = 0, .dy = bad}); });
+        refused.push_back([&image, bad] { return image->cropping({.px = bad, .py = 0}); });
+        refused.push_back([&image, bad] { return image->cropping({.percent = bad}); });
+    }
+    for (double bad : {nan, infinity, 0.0, 1e300, 1e9}) {
+        refused.push_back([&image, bad] { return image->applying({bad, 0, 0, 1, 0, 0}); });
+        refused.push_back([&image, bad] { return image->applying({1, bad, -bad, 0, 0, 0}); });
+    }
+    for (double bad : {nan, infinity})
+        refused.push_back([&image, bad] { return image->applying({1, 0, 0, 1, bad, 0}); });
+    for (std::int64_t bad : {std::int64_t{0}, std::int64_t{-1}, std::int64_t{1} << 40}) {
+        refused.push_back([bad] { return CGImage::empty(bad, 1 << 10); });
+        refused.push_back([bad] { return CGImage::empty(1 << 10, bad); });
+        refused.push_back([bad] { return CGImage::draw(bad, bad, [](CGContext&) { FAIL(); }); });
+        refused.push_back([bad] { return CGImage::argbDraw(bad, 5, [](CGContext&) { FAIL(); }); });
+    }
+    for (std::size_t i = 0; i < refused.size(); ++i) {
+        testing::internal::CaptureStdout();
+        const auto result = refused[i]();
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), refusal) << i;
+        EXPECT_EQ(result, nullptr) << i;
+    }
+}
+
+TEST(CGImage, AnythingDrawnAnywhereIsSafe) {
+    const auto image = noise(20, 10);
+    const double values[] = {0, 1, -1, 0.3, -1e-12, 1e-300, 1e12, -1e18, 1e300, infinity, nan};
+    for (double a : values)
+        for (double b : values)
+            for (double tx : values) {
+                const auto result = CGImage::draw(16, 16, [&](CGContext& context) {
+                    context.concatenate({a, b, -b, a, tx, -tx});
+                    context.draw(*image, image->rect());
+                    context.draw(*image, CGRect(tx, a, b, a));
+                });
+                ASSERT_NE(result, nullptr);
+            }
+}
+
+TEST(CGImageDeathTest, AWidthWhoseByteCountLeavesTheRangeStops) {
+    constexpr std::int64_t tooWide = (std::int64_t{1} << 61);
+    const char* const message = "byte count of a bitmap row is outside the signed 64-bit range";
+    EXPECT_DEATH((void)CGImage::empty(tooWide, 1), message);
+    EXPECT_DEATH((void)CGContext::argb(-tooWide - 1, 1), message);
+    EXPECT_DEATH((void)noise(2, 2)->resizing({5e18, 1}), message);
+    EXPECT_DEATH((void)noise(2, 2)->cropping({.dx = -2.5e18, .dy = 0}), message);
+}
+
+TEST(CGImageDeathTest, AnOffsetOutsideTheRangeStops) {
+    constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+    const auto image = noise(5, 2);
+    EXPECT_EQ(image->offset(3, 1), 32);
+    EXPECT_EQ(image->offset(-1, 0), -4);
+    EXPECT_DEATH((void)image->offset(0, most), "outside the signed 64-bit range");
+    EXPECT_DEATH((void)image->offset(most, 0), "outside the signed 64-bit range");
+    EXPECT_DEATH((void)image->offset(most / 4, 1), "outside the signed 64-bit range");
+    EXPECT_DEATH((void)byteOffset(20, 32, 0, 0, 0), "without bits");
+}
+
+TEST(CGImage, ManyRedrawsDoNotAccumulateMemory) {
+    const auto image = noise(1500, 1000); // 6 MB, more than a block that is kept
+    const auto residentKilobytes = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss;
+    };
+    const auto redraw = [&] {
+        (void)image->oriented(std::int64_t{6});
+        (void)image->resizing({700, 500});
+        (void)image->applying(CGAffineTransform({.rotationAngle = 0.1}));
+        (void)image->cropping({.dx = 3, .dy = 4});
+        (void)image->argbDrawnCopy();
+    };
+    for (int i = 0; i < 3; ++i)
+        redraw();
+    const long before = residentKilobytes();
+    for (int i = 0; i < 60; ++i)
+        redraw();
+    EXPECT_LT(residentKilobytes() - before, 16 * 1024);
+}
+
+} // namespace
+} // namespace zorvan

@@ -1,0 +1,128 @@
+#include <zorvan/media/ExifOrientation.h>
+#include <zorvan/media/ExifOrientationGeometry.h>
+#include <zorvan/media/ImageExportFormat.h>
+#include <zorvan/media/RenamedExifOrientation.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <limits>
+#include <string_view>
+#include <unordered_set>
+
+namespace zorvan {
+namespace {
+
+TEST(ImageExportFormat, IsFoundByRawValueAndByExtension) {
+    EXPECT_EQ(ImageExportFormat::make({.rawValue = 1}), ImageExportFormat::png);
+    EXPECT_EQ(ImageExportFormat::make({.rawValue = 4}), ImageExportFormat::heic);
+    for (std::int64_t raw : {std::int64_t{0}, std::int64_t{5}, std::int64_t{-1}, std::int64_t{257},
+                             std::numeric_limits<std::int64_t>::max()})
+        EXPECT_FALSE(ImageExportFormat::make({.rawValue = raw})) << raw;
+
+    struct Case {
+        std::string_view extension;
+        std::int64_t rawValue;
+    };
+    for (const Case& c : {Case{"jpg", 2}, Case{"JPEG", 2}, Case{"png", 1}, Case{"Tiff", 3},
+                          Case{"TIF", 3}, Case{"heic", 4}, Case{"HEIF", 4}})
+        EXPECT_EQ(ImageExportFormat::make({.pathExt = c.extension})->rawValue(), c.rawValue)
+            << c.extension;
+    for (std::string_view unknown : {"", ".png", "gif", "jpgx", "jp", "pn\0", "p\xCE\xA0g"})
+        EXPECT_FALSE(ImageExportFormat::make({.pathExt = unknown})) << unknown;
+}
+
+TEST(ImageExportFormat, SaysHowItIsNamedAndEncoded) {
+    struct Case {
+        ImageExportFormat format;
+        std::string_view extension, displayName, type;
+    };
+    const Case cases[] = {{ImageExportFormat::png, "png", "png", "public.png"},
+                          {ImageExportFormat::jpg, "jpg", "jpeg", "public.jpeg"},
+                          {ImageExportFormat::tiff, "tiff", "tiff", "public.tiff"},
+                          {ImageExportFormat::heic, "heic", "heif", "public.heic"}};
+    std::size_t position = 0;
+    for (const Case& c : cases) {
+        EXPECT_EQ(ImageExportFormat::allCases[position++], c.format);
+        EXPECT_EQ(c.format.pathExtension(), c.extension);
+        EXPECT_EQ(c.format.displayName(), c.displayName);
+        EXPECT_EQ(c.format.cgType(), c.type);
+    }
+}
+
+TEST(ExifOrientation, IsNamedExactly) {
+    EXPECT_EQ(ExifOrientation::make({.rawValue = "rotate90CW"}), ExifOrientation::rotate90CW);
+    for (std::string_view unknown : {"Horizontal", "", "rotate90CW ", "left"})
+        EXPECT_FALSE(ExifOrientation::make({.rawValue = unknown})) << unknown;
+    for (const ExifOrientation orientation : ExifOrientation::allCases)
+        EXPECT_EQ(ExifOrientation::make({.rawValue = orientation.rawValue()}), orientation);
+}
+
+TEST(RenamedExifOrientation, IsTheSamePositionUnderAnotherName) {
+    EXPECT_EQ(RenamedExifOrientation::make({.rawValue = 6}), RenamedExifOrientation::left);
+    EXPECT_EQ(ExifOrientation({.renamed = RenamedExifOrientation::left}),
+              ExifOrientation::rotate90CW);
+    EXPECT_EQ(ExifOrientation::rotate270CW.renamed(), RenamedExifOrientation::right);
+    EXPECT_FALSE(RenamedExifOrientation::make({.rawValue = 0}));
+    EXPECT_FALSE(RenamedExifOrientation::make({.rawValue = 9}));
+    for (std::size_t i = 0; i < 8; ++i) {
+        EXPECT_EQ(RenamedExifOrientation::allCases[i].rawValue(), static_cast<std::int64_t>(i) + 1);
+        EXPECT_EQ(ExifOrientation::allCases[i].renamed(), RenamedExifOrientation::allCases[i]);
+    }
+    EXPECT_EQ(std::unordered_set<RenamedExifOrientation>(RenamedExifOrientation::allCases.begin(),
+                                                         RenamedExifOrientation::allCases.end())
+                  .size(),
+              8u);
+}
+
+template <class Orientation>
+void expectCompositions() {
+    // Horizontal mirror, vertical mirror, left turn and right turn of each position.
+    constexpr std::array<std::array<std::size_t, 4>, 8> table{{{1, 3, 7, 5},
+                                                               {0, 2, 4, 6},
+                                                               {3, 1, 5, 7},
+                                                               {2, 0, 6, 4},
+                                                               {5, 7, 3, 1},
+                                                               {4, 6, 0, 2},
+                                                               {7, 5, 1, 3},
+                                                               {6, 4, 2, 0}}};
+    for (std::size_t i = 0; i < 8; ++i) {
+        const Orientation start = Orientation::allCases[i];
+        EXPECT_EQ(start.horizontalMirrored(), Orientation::allCases[table[i][0]]);
+        EXPECT_EQ(start.verticalMirrored(), Orientation::allCases[table[i][1]]);
+        EXPECT_EQ(start.leftRotated(), Orientation::allCases[table[i][2]]);
+        EXPECT_EQ(start.rightRotated(), Orientation::allCases[table[i][3]]);
+
+        Orientation changed = start;
+        changed.horizontalFlip();
+        EXPECT_EQ(changed, start.horizontalMirrored());
+        changed.horizontalFlip();
+        changed.verticalFlip();
+        EXPECT_EQ(changed, start.verticalMirrored());
+        changed.verticalFlip();
+        changed.leftRotate();
+        EXPECT_EQ(changed, start.leftRotated());
+        for (int turn = 0; turn < 5; ++turn)
+            changed.rightRotate();
+        EXPECT_EQ(changed, start);
+    }
+}
+
+TEST(ExifOrientation, ComposesWithMirrorsAndTurns) { expectCompositions<ExifOrientation>(); }
+
+TEST(RenamedExifOrientation, ComposesWithMirrorsAndTurns) {
+    expectCompositions<RenamedExifOrientation>();
+}
+
+TEST(ExifOrientationGeometry, AnglesScalesAndInverses) {
+    for (std::int64_t value = 1; value <= 8; ++value) {
+        const auto geometry = ExifOrientationGeometry::make({.exifValue = value}).value();
+        EXPECT_EQ(geometry.swapsSides, value >= 5);
+        EXPECT_EQ(geometry.inverse, value == 6 ? 8 : value == 8 ? 6 : value);
+    }
+    EXPECT_FALSE(ExifOrientationGeometry::make({.exifValue = 0}));
+    EXPECT_FALSE(ExifOrientationGeometry::make({.exifValue = 9}));
+}
+
+} // namespace
+} // namespace zorvan

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <zorvan/platform/graphics/Bitmap.h>
+
+#include <cstdint>
+#include <cstring>
+#include <random>
+
+namespace zorvan {
+
+/// Random colours, premultiplied by random alpha.
+inline Bitmap noise(std::int64_t width, std::int64_t height,
+                    BitmapLayout layout = BitmapLayout::rgba) {
+    Bitmap bitmap = Bitmap::make(width, height, layout).value();
+    std::mt19937 random(static_cast<unsigned>(width * 31 + height));
+    for (std::int64_t i = 0; i < width * height; ++i) {
+        std::uint8_t* const pixel = bitmap.data() + i * 4;
+        const unsigned alpha = random() % 256;
+        const int alphaIndex = layout == BitmapLayout::rgba ? 3 : 0;
+        for (int c = 0; c < 4; ++c)
+            pixel[c] = static_cast<std::uint8_t>(c == alphaIndex ? alpha : random() % (alpha + 1));
+    }
+    return bitmap;
+}
+
+inline std::uint32_t pixelAt(const Bitmap& bitmap, std::int64_t x, std::int64_t y) {
+    std::uint32_t pixel;
+    std::memcpy(&pixel, bitmap.row(y) + x * 4, 4);
+    return pixel;
+}
+
+} // namespace zorvan

@@ -1,0 +1,142 @@
+#include "Support.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zorvan::imageio {
+namespace {
+
+constexpr std::array formats = {FileFormat::png, FileFormat::jpeg, FileFormat::tiff,
+                                FileFormat::heic};
+
+TEST(DamagedFile, CutAnywhereItIsAnErrorAndNeverACrash) {
+    const Bitmap original = pattern(150, 100);
+    for (const FileFormat format : formats) {
+        const Data whole = encoded(format, original, {{"Orientation", 6}});
+        for (int cut = 0; cut < 40; ++cut) {
+            Data bytes = whole;
+            bytes.resize(whole.size() * static_cast<std::size_t>(cut) / 40);
+            SCOPED_TRACE(testing::Message() << typeIdentifier(format) << ' ' << bytes.size());
+            const auto reader = ImageReader::open(bytes);
+            reader->properties(0);
+            EXPECT_FALSE(reader->decode(0, {}));
+            EXPECT_NE(reader->error(), "");
+            EXPECT_FALSE(reader->decode(0, {.maximumPixelSize = 10}));
+            if (cut > 1) {
+                EXPECT_EQ(reader->error(), "the file is cut short");
+            }
+        }
+    }
+}
+
+TEST(DamagedFile, TheHeadOfACutFileStillTellsItsSize) {
+    const Bitmap original = pattern(150, 100);
+    for (const FileFormat format : {FileFormat::png, FileFormat::jpeg, FileFormat::heic}) {
+        Data bytes = encoded(format, original, {{"Orientation", 6}});
+        bytes.resize(bytes.size() - 40);
+        const auto properties = propertiesOf(bytes);
+        EXPECT_EQ(number(properties, "PixelWidth"), 150) << typeIdentifier(format);
+        EXPECT_EQ(number(properties, "Orientation"), 6) << typeIdentifier(format);
+    }
+}
+
+TEST(DamagedFile, RandomChangesNeverCrash) {
+    std::mt19937 random(7);
+    for (const FileFormat format : formats) {
+        const Data whole = encoded(format, pattern(40, 30, true), {{"Orientation", 6}});
+        for (int round = 0; round < 150; ++round) {
+            Data bytes = whole;
+            for (unsigned i = 0; i < 1 + random() % 8; ++i)
+                bytes[random() %
+                      (round % 2 == 0 ? bytes.size() : std::min<std::size_t>(bytes.size(), 400))] =
+                    static_cast<std::byte>(random());
+            const auto reader = ImageReader::open(bytes);
+            reader->properties(0);
+            reader->decode(0, {.maximumPixelSize = 20});
+            reader->embeddedThumbnail(0);
+        }
+    }
+}
+
+TEST(DamagedFile, ContentDecidesNotTheName) {
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("imageio-test-" + std::to_string(getpid()));
+    std::filesystem::create_directories(folder);
+    const auto store = [&](const char* name, const Data& bytes) {
+        const std::string path = folder / name;
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
+        return path;
+    };
+    const Bitmap picture = pattern(12, 8);
+    const auto png = ImageReader::open(store("really-a.jpg", encoded(FileFormat::png, picture)));
+    EXPECT_EQ(png->format(), FileFormat::png);
+    EXPECT_TRUE(png->decode(0, {}));
+    struct Row {
+        std::string path;
+        const char* error;
+    };
+    ASSERT_EQ(mkfifo((folder / "pipe.png").c_str(), 0600), 0);
+    for (const Row& row :
+         {Row{store("text.png", bytesOf("hello, world")), "not a picture"},
+          Row{store("empty.png", {}), "the file is empty"},
+          Row{store("one.png", bytesOf("x")), "not a picture"},
+          Row{store("start.png", bytesOf("\x89PN")), "the file is cut short"},
+          Row{folder / "missing.png", "there is no such file"},
+          Row{folder / "pipe.png", "not a regular file"}, Row{folder, "not a regular file"}}) {
+        const auto reader = ImageReader::open(row.path);
+        EXPECT_EQ(reader->error(), row.error) << row.path;
+        EXPECT_FALSE(reader->format());
+        EXPECT_EQ(reader->count(), 0);
+        EXPECT_FALSE(reader->properties(0));
+        EXPECT_FALSE(reader->decode(0, {}));
+        EXPECT_FALSE(reader->embeddedThumbnail(0));
+        EXPECT_EQ(reader->error(), row.error) << row.path;
+    }
+    std::filesystem::remove_all(folder);
+}
+
+void setBig32(Data& bytes, std::size_t at, std::uint32_t value) {
+    for (std::size_t i = 0; i < 4; ++i)
+        bytes[at + i] = static_cast<std::byte>(value >> (24 - 8 * i) & 255);
+}
+
+TEST(DamagedFile, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
+    const Bitmap picture = pattern(64, 48);
+    Data png = encoded(FileFormat::png, picture);
+    setBig32(png, 16, 900'000);
+    setBig32(png, 20, 900'000);
+    Data wide = encoded(FileFormat::png, picture);
+    setBig32(wide, 16, 0x7FFFFFFF);
+    Data jpeg = encoded(FileFormat::jpeg, picture);
+    const std::size_t frame = positionOf(jpeg, std::string_view("\xFF\xC0\0\x11\x08", 5)) + 5;
+    setBig32(jpeg, frame, 0xFFDCFFDC);
+    Data heic = encoded(FileFormat::heic, picture);
+    const std::size_t size = positionOf(heic, "ispe") + 8;
+    setBig32(heic, size, 0x7FFFFFFF);
+    setBig32(heic, size + 4, 0x7FFFFFFF);
+    Data tiff = encoded(FileFormat::tiff, picture);
+    // The entry of the length: tag, type, count, value, little-endian.
+    const std::size_t entry = positionOf(tiff, std::string_view("\x01\x01\x03\0\x01\0\0\0", 8));
+    tiff[entry + 2] = std::byte{4};
+    for (std::size_t i = 0; i < 4; ++i)
+        tiff[entry + 8 + i] = std::byte{0x7F};
+    for (const Data& bytes : {png, wide, jpeg, heic, tiff}) {
+        const auto reader = ImageReader::open(bytes);
+        for (const std::int64_t limit : {0, 100}) {
+            EXPECT_FALSE(reader->decode(0, {.maximumPixelSize = limit}));
+            EXPECT_EQ(reader->error(), "the picture is too large")
+                << typeIdentifier(reader->format().value());
+        }
+    }
+}
+
+} // namespace
+} // namespace zorvan::imageio

@@ -1,0 +1,93 @@
+#include "Support.h"
+
+#include <zorvan/platform/imageio/internal/HeifTransforms.h>
+
+#include <gtest/gtest.h>
+
+namespace zorvan::imageio {
+namespace {
+
+/// Puts another name in the place of a box, so that nobody knows it.
+void rename(Data& bytes, std::string_view box) { bytes[positionOf(bytes, box)] = std::byte{'x'}; }
+
+/// The orientation's place in the Exif block that the writer makes: its first entry's value.
+void setExifOrientation(Data& bytes, int orientation) {
+    bytes[positionOf(bytes, std::string_view("II*\0", 4)) + 18] =
+        static_cast<std::byte>(orientation);
+}
+
+TEST(Heic, EveryOrientationIsStoredAndNotApplied) {
+    const Bitmap original = pattern(80, 64);
+    for (int orientation = 1; orientation <= 8; ++orientation) {
+        SCOPED_TRACE(orientation);
+        const Data bytes = encoded(FileFormat::heic, original, {{"Orientation", orientation}});
+        const auto properties = propertiesOf(bytes);
+        EXPECT_EQ(number(properties, "Orientation"), orientation);
+        EXPECT_EQ(number(properties, "PixelWidth"), 80);
+        EXPECT_EQ(number(properties, "PixelHeight"), 64);
+        EXPECT_LE(difference(decoded(bytes), original).mean, 6);
+    }
+}
+
+TEST(Heic, TheFilesOwnTurnHoldsAgainstExif) {
+    Data both = encoded(FileFormat::heic, pattern(80, 64), {{"Orientation", 6}});
+    setExifOrientation(both, 3);
+    auto properties = propertiesOf(both);
+    EXPECT_EQ(number(properties, "Orientation"), 6);
+    EXPECT_EQ(number(properties, "{TIFF}", "Orientation"), 6);
+    Data exifOnly = both;
+    rename(exifOnly, "irot");
+    EXPECT_EQ(number(propertiesOf(exifOnly), "Orientation"), 3);
+    Data turnOnly = both;
+    rename(turnOnly, "Exif");
+    properties = propertiesOf(turnOnly);
+    EXPECT_EQ(number(properties, "Orientation"), 6);
+    EXPECT_EQ(properties.count("{TIFF}"), 0U);
+}
+
+TEST(Heic, OddSizesComeBackAsTheyWere) {
+    // The codec pads to even sides, and the file's crop takes the padding off again.
+    for (const auto& [width, height] : {std::pair(63, 41), std::pair(1, 1), std::pair(100, 37)})
+        for (const int orientation : {1, 6, 4}) {
+            const Bitmap original = pattern(width, height, true);
+            const Data bytes = encoded(FileFormat::heic, original, {{"Orientation", orientation}});
+            EXPECT_EQ(number(propertiesOf(bytes), "PixelWidth"), width);
+            EXPECT_LE(difference(decoded(bytes), original).mean, 7) << width << ' ' << orientation;
+        }
+}
+
+TEST(HeifTransforms, TurnsAndMirrorsComposeInOrder) {
+    struct Row {
+        int quartersBefore;
+        int mirror; // 0 none, 1 left and right, 2 top and bottom
+        int quartersAfter;
+        int orientation;
+    };
+    for (const Row row : {Row{0, 0, 0, 1}, Row{0, 1, 0, 2}, Row{2, 0, 0, 3}, Row{0, 2, 0, 4},
+                          Row{3, 1, 0, 5}, Row{3, 0, 0, 6}, Row{1, 1, 0, 7}, Row{1, 0, 0, 8},
+                          Row{0, 1, 1, 5}, Row{0, 1, 3, 7}, Row{2, 1, 0, 4}, Row{1, 0, 3, 1}}) {
+        HeifTransforms transforms({40, 30});
+        transforms.rotate(row.quartersBefore);
+        if (row.mirror > 0)
+            transforms.mirror(row.mirror == 1);
+        transforms.rotate(row.quartersAfter);
+        EXPECT_EQ(transforms.orientation(), row.orientation);
+    }
+}
+
+TEST(HeifTransforms, ACropAfterATurnIsCountedInTheTurnedPicture) {
+    HeifTransforms transforms({40, 30});
+    transforms.rotate(1); // what was at the right is on top
+    EXPECT_EQ(transforms.size(), (PixelSize{30, 40}));
+    transforms.keep({0, 0, 30, 10});
+    EXPECT_EQ(transforms.crop(), (PixelRect{30, 0, 10, 30}));
+    EXPECT_EQ(transforms.size(), (PixelSize{30, 10}));
+    transforms.keep({5, 2, 100, 100});
+    EXPECT_EQ(transforms.crop(), (PixelRect{30, 5, 8, 25}));
+    transforms.keep({-100, 500, 3, 3});
+    EXPECT_GE(transforms.crop().width, 1);
+    EXPECT_GE(transforms.crop().height, 1);
+}
+
+} // namespace
+} // namespace zorvan::imageio

@@ -1,0 +1,169 @@
+#include "Support.h"
+
+#include <zorvan/platform/imageio/internal/ExifBlock.h>
+#include <zorvan/platform/imageio/internal/Iptc.h>
+
+#include <gtest/gtest.h>
+
+namespace zorvan::imageio {
+namespace {
+
+constexpr std::array formats = {FileFormat::png, FileFormat::jpeg, FileFormat::tiff,
+                                FileFormat::heic};
+
+TEST(Metadata, WhatIsWrittenIsReadBack) {
+    const PropertyList::Dictionary properties = {
+        {"Orientation", 5},
+        {"DPIWidth", 300},
+        {"DPIHeight", 150},
+        {"{TIFF}", PropertyList::Dictionary{{"ImageDescription", "Zwei Möwen"},
+                                            {"DateTime", "2024:05:06 07:08:09"},
+                                            {"Artist", "A"},
+                                            {"Make", ""}}},
+        {"{Exif}", PropertyList::Dictionary{{"DateTimeOriginal", "2023:01:02 03:04:05"}}}};
+    for (const FileFormat format : formats) {
+        SCOPED_TRACE(typeIdentifier(format));
+        const auto read = propertiesOf(encoded(format, pattern(21, 9), properties));
+        EXPECT_EQ(number(read, "Orientation"), 5);
+        EXPECT_EQ(number(read, "{TIFF}", "Orientation"), 5);
+        EXPECT_EQ(text(read, "{TIFF}", "ImageDescription"), "Zwei Möwen");
+        EXPECT_EQ(text(read, "{TIFF}", "DateTime"), "2024:05:06 07:08:09");
+        EXPECT_EQ(text(read, "{TIFF}", "Artist"), "A");
+        EXPECT_EQ(text(read, "{TIFF}", "Make"), "(none)");
+        EXPECT_EQ(text(read, "{Exif}", "DateTimeOriginal"), "2023:01:02 03:04:05");
+        if (format == FileFormat::heic)
+            continue; // has no place for a resolution
+        EXPECT_NEAR(number(read, "DPIWidth"), 300, 0.02);
+        EXPECT_NEAR(number(read, "DPIHeight"), 150, 0.02);
+    }
+}
+
+TEST(Metadata, NothingToSayWritesNothing) {
+    for (const FileFormat format : formats) {
+        const auto read = propertiesOf(encoded(format, pattern(21, 9)));
+        EXPECT_EQ(read.count("{Exif}"), 0U) << typeIdentifier(format);
+        EXPECT_EQ(number(read, "PixelWidth"), 21);
+        EXPECT_EQ(number(read, "PixelHeight"), 9);
+    }
+    EXPECT_EQ(encoded(FileFormat::png, pattern(4, 4)),
+              encoded(FileFormat::png, pattern(4, 4), {{"Orientation", 9}}));
+}
+
+TEST(Metadata, LongTextsAreShortenedNotRefused) {
+    std::string longText;
+    while (longText.size() < 100'000)
+        longText += "ö";
+    const auto read = propertiesOf(encoded(
+        FileFormat::jpeg, pattern(8, 8),
+        {{"{TIFF}", PropertyList::Dictionary{{"ImageDescription", longText}, {"Model", "M"}}}}));
+    const std::string kept = text(read, "{TIFF}", "ImageDescription");
+    EXPECT_GT(kept.size(), 1000U);
+    EXPECT_TRUE(longText.starts_with(kept));
+    EXPECT_EQ(text(read, "{TIFF}", "Model"), "M");
+}
+
+/// A block in either byte order with the orientation as its only entry.
+Data orientationBlock(bool little, int type, int value) {
+    Data block = bytesOf(little ? "II" : "MM");
+    const auto put = [&](unsigned number, int width) {
+        for (int i = 0; i < width; ++i)
+            block.push_back(
+                static_cast<std::byte>(number >> 8 * (little ? i : width - 1 - i) & 255));
+    };
+    put(42, 2);
+    put(8, 4);
+    put(1, 2);
+    put(0x112, 2);
+    put(static_cast<unsigned>(type), 2);
+    put(1, 4);
+    put(static_cast<unsigned>(value), type == 3 ? 2 : 4);
+    if (type == 3)
+        put(0, 2);
+    put(0, 4);
+    return block;
+}
+
+TEST(Metadata, OrientationIsReadInEveryForm) {
+    for (const bool little : {false, true})
+        for (const int type : {3, 4}) {
+            for (int value = 1; value <= 8; ++value)
+                EXPECT_EQ(exifOrientation(orientationBlock(little, type, value)), value);
+            for (const int value : {0, 9, 255, 257, 65535})
+                EXPECT_FALSE(exifOrientation(orientationBlock(little, type, value)));
+        }
+    const Data block = orientationBlock(true, 3, 6);
+    for (std::size_t length = 0; length < 22; ++length)
+        EXPECT_FALSE(exifOrientation(Bytes(block).first(length))) << length;
+    EXPECT_EQ(exifOrientation(Bytes(block).first(22)), 6); // broken behind the entry
+}
+
+TEST(Metadata, ABrokenExifBlockDoesNotHideTheSize) {
+    Data bytes = encoded(FileFormat::jpeg, pattern(30, 20), {{"Orientation", 6}});
+    const std::size_t block = positionOf(bytes, std::string_view("II*\0", 4));
+    bytes[block + 4] = std::byte{0xF0};
+    bytes[block + 5] = std::byte{0xFF};
+    const auto properties = propertiesOf(bytes);
+    EXPECT_EQ(number(properties, "PixelWidth"), 30);
+    EXPECT_EQ(number(properties, "Orientation"), -1);
+    EXPECT_EQ(decoded(bytes).width(), 30);
+}
+
+TEST(Metadata, TheThumbnailInsideExifIsDecoded) {
+    const Data thumbnail = encoded(FileFormat::jpeg, pattern(16, 12));
+    Data block = orientationBlock(true, 3, 6);
+    const auto put = [&](std::size_t number, int width) {
+        for (int i = 0; i < width; ++i)
+            block.push_back(static_cast<std::byte>(number >> 8 * i & 255));
+    };
+    block.resize(block.size() - 4); // the place of the next directory
+    put(block.size() + 4, 4);
+    const std::size_t data = block.size() + 2 + 3 * 12 + 4;
+    put(3, 2);
+    for (const auto& [tag, value] : {std::pair<std::size_t, std::size_t>(0x103, 6),
+                                     {0x201, data},
+                                     {0x202, thumbnail.size()}}) {
+        put(tag, 2);
+        put(tag == 0x103 ? 3 : 4, 2);
+        put(1, 4);
+        put(value, 4);
+    }
+    put(0, 4);
+    block.insert(block.end(), thumbnail.begin(), thumbnail.end());
+    Data segment = bytesOf(std::string_view("\xFF\xE1", 2));
+    const std::size_t length = 2 + 6 + block.size();
+    segment.push_back(static_cast<std::byte>(length >> 8));
+    segment.push_back(static_cast<std::byte>(length & 255));
+    const Data signature = bytesOf(std::string_view("Exif\0\0", 6));
+    segment.insert(segment.end(), signature.begin(), signature.end());
+    segment.insert(segment.end(), block.begin(), block.end());
+    Data bytes = encoded(FileFormat::jpeg, pattern(64, 48));
+    bytes.insert(bytes.begin() + 2, segment.begin(), segment.end());
+    const auto reader = ImageReader::open(bytes);
+    const auto found = reader->embeddedThumbnail(0);
+    ASSERT_TRUE(found) << reader->error();
+    EXPECT_EQ(found->width(), 16);
+    EXPECT_LE(difference(*found, pattern(16, 12)).mean, 6);
+    EXPECT_EQ(number(propertiesOf(bytes), "Orientation"), 6);
+    EXPECT_FALSE(ImageReader::open(encoded(FileFormat::jpeg, pattern(9, 9)))->embeddedThumbnail(0));
+}
+
+TEST(Metadata, IptcFieldsAreReadFromPhotoshopResources) {
+    using namespace std::string_view_literals;
+    const Data block = bytesOf("Photoshop 3.0\0"
+                               "8BIM\x03\xED\0\0\0\0\0\x02zz"
+                               "8BIM\x04\x04\0\0\0\0\0\x1E"
+                               "\x1C\x02\x78\0\x07"
+                               "Caption"
+                               "\x1C\x02\x19\0\x03one"
+                               "\x1C\x02\x19\0\x05three"sv);
+    PropertyList::Dictionary properties;
+    addPhotoshopProperties(block, properties);
+    EXPECT_EQ(text(properties, "{IPTC}", "Caption/Abstract"), "Caption");
+    const auto* iptc = properties.at("{IPTC}").as<PropertyList::Dictionary>();
+    EXPECT_EQ(iptc->at("Keywords"), PropertyList(PropertyList::Array{"one", "three"}));
+    for (std::size_t length = 0; length < block.size(); ++length)
+        addPhotoshopProperties(Bytes(block).first(length), properties);
+}
+
+} // namespace
+} // namespace zorvan::imageio

@@ -1,0 +1,167 @@
+#include "Support.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include <png.h>
+
+namespace zorvan::imageio {
+namespace {
+
+struct Kind {
+    int colorType;
+    int depth;
+    bool interlaced;
+    bool transparentColour;
+};
+
+/// The sample that a row of a test picture has at a place, before scaling to the depth.
+unsigned sampleAt(std::int64_t x, std::int64_t y, int channel, int depth) {
+    const unsigned largest = (1U << depth) - 1;
+    return static_cast<unsigned>(x * 3 + y * 5 + channel * 7) & largest;
+}
+
+int channelCount(int colorType) {
+    const int colours =
+        (colorType & PNG_COLOR_MASK_COLOR) && !(colorType & PNG_COLOR_MASK_PALETTE) ? 3 : 1;
+    return colours + ((colorType & PNG_COLOR_MASK_ALPHA) ? 1 : 0);
+}
+
+std::vector<std::uint8_t> rowOf(const Kind& kind, std::int64_t width, std::int64_t y) {
+    const int channels = channelCount(kind.colorType);
+    std::vector<std::uint8_t> row(static_cast<std::size_t>(width * channels * 2));
+    std::size_t bit = 0;
+    for (std::int64_t x = 0; x < width; ++x)
+        for (int channel = 0; channel < channels; ++channel)
+            for (int i = kind.depth - 1; i >= 0; --i, ++bit)
+                if (sampleAt(x, y, channel, kind.depth) >> i & 1)
+                    row[bit / 8] |= static_cast<std::uint8_t>(128 >> bit % 8);
+    return row;
+}
+
+Data write(const Kind& kind, std::int64_t width, std::int64_t height) {
+    Data bytes;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    png_set_write_fn(
+        png, &bytes,
+        [](png_structp p, png_bytep data, std::size_t size) {
+            auto& out = *static_cast<Data*>(png_get_io_ptr(p));
+            const auto* first = reinterpret_cast<const std::byte*>(data);
+            out.insert(out.end(), first, first + size);
+        },
+        [](png_structp) {});
+    png_set_IHDR(png, info, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height),
+                 kind.depth, kind.colorType, kind.interlaced, 0, 0);
+    std::array<png_color, 256> palette;
+    std::array<png_byte, 256> alphas;
+    for (int i = 0; i < 256; ++i) {
+        palette[static_cast<std::size_t>(i)] = {
+            static_cast<png_byte>(255 - i), static_cast<png_byte>(i), static_cast<png_byte>(i / 2)};
+        alphas[static_cast<std::size_t>(i)] = static_cast<png_byte>(i == 1 ? 0 : 255);
+    }
+    png_color_16 clear = {0, 1, 1, 1, 1};
+    const bool indexed = kind.colorType == PNG_COLOR_TYPE_PALETTE;
+    if (indexed)
+        png_set_PLTE(png, info, palette.data(), 1 << kind.depth);
+    if (kind.transparentColour)
+        png_set_tRNS(png, info, indexed ? alphas.data() : nullptr, indexed ? 2 : 0, &clear);
+    png_write_info(png, info);
+    const int passes = png_set_interlace_handling(png);
+    for (int pass = 0; pass < passes; ++pass)
+        for (std::int64_t y = 0; y < height; ++y)
+            png_write_row(png, rowOf(kind, width, y).data());
+    png_write_end(png, nullptr);
+    png_destroy_write_struct(&png, &info);
+    return bytes;
+}
+
+Pixel expectedPixel(const Kind& kind, std::int64_t x, std::int64_t y) {
+    const auto raw = [&](int channel) { return sampleAt(x, y, channel, kind.depth); };
+    const auto scaled = [&](int channel) {
+        const unsigned largest = (1U << kind.depth) - 1;
+        return static_cast<int>((raw(channel) * 255 + largest / 2) / largest);
+    };
+    if (kind.colorType == PNG_COLOR_TYPE_PALETTE) {
+        const int index = static_cast<int>(raw(0));
+        if (kind.transparentColour && index == 1)
+            return {0, 0, 0, 0};
+        return {255 - index, index, index / 2, 255};
+    }
+    const bool colour = (kind.colorType & PNG_COLOR_MASK_COLOR) != 0;
+    Pixel pixel = {scaled(0), scaled(colour ? 1 : 0), scaled(colour ? 2 : 0), 255};
+    if (kind.colorType & PNG_COLOR_MASK_ALPHA)
+        pixel[3] = scaled(colour ? 3 : 1);
+    else if (kind.transparentColour && raw(0) == 1 && (!colour || (raw(1) == 1 && raw(2) == 1)))
+        pixel[3] = 0;
+    for (int c = 0; c < 3; ++c)
+        pixel[static_cast<std::size_t>(c)] =
+            (pixel[static_cast<std::size_t>(c)] * pixel[3] * 2 + 255) / 510;
+    return pixel;
+}
+
+TEST(Png, EveryColourTypeAndDepthDecodes) {
+    struct Allowed {
+        int colorType;
+        std::vector<int> depths;
+    };
+    const std::vector<Allowed> table = {{PNG_COLOR_TYPE_GRAY, {1, 2, 4, 8, 16}},
+                                        {PNG_COLOR_TYPE_PALETTE, {1, 2, 4, 8}},
+                                        {PNG_COLOR_TYPE_RGB, {8, 16}},
+                                        {PNG_COLOR_TYPE_GRAY_ALPHA, {8, 16}},
+                                        {PNG_COLOR_TYPE_RGB_ALPHA, {8, 16}}};
+    for (const Allowed& allowed : table)
+        for (const int depth : allowed.depths)
+            for (const bool interlaced : {false, true})
+                for (const bool clear : {false, true}) {
+                    const bool hasAlpha = (allowed.colorType & PNG_COLOR_MASK_ALPHA) != 0;
+                    if (clear && hasAlpha)
+                        continue;
+                    SCOPED_TRACE(testing::Message() << allowed.colorType << ' ' << depth << ' '
+                                                    << interlaced << ' ' << clear);
+                    const Kind kind = {allowed.colorType, depth, interlaced, clear};
+                    const Data bytes = write(kind, 19, 11);
+                    const auto properties = propertiesOf(bytes);
+                    EXPECT_EQ(number(properties, "Depth"), depth);
+                    EXPECT_EQ(number(properties, "HasAlpha"), hasAlpha || clear ? 1 : 0);
+                    const Bitmap picture = decoded(bytes);
+                    ASSERT_EQ(picture.width(), 19);
+                    ASSERT_EQ(picture.height(), 11);
+                    for (std::int64_t y = 0; y < 11; ++y)
+                        for (std::int64_t x = 0; x < 19; ++x) {
+                            const Pixel got = pixelAt(picture, x, y);
+                            const Pixel expected = expectedPixel(kind, x, y);
+                            for (std::size_t c = 0; c < 4; ++c)
+                                ASSERT_NEAR(got[c], expected[c], 1) << x << ',' << y << ',' << c;
+                        }
+                }
+}
+
+TEST(Png, ExifAfterThePixelsIsFound) {
+    Data bytes = encoded(FileFormat::png, pattern(8, 8), {{"Orientation", 6}});
+    // Move the whole Exif chunk to just before the end chunk.
+    const std::size_t start = positionOf(bytes, "eXIf") - 4;
+    const std::size_t length = std::to_integer<std::size_t>(bytes[start + 3]) + 12;
+    const Data chunk(bytes.begin() + static_cast<std::ptrdiff_t>(start),
+                     bytes.begin() + static_cast<std::ptrdiff_t>(start + length));
+    bytes.erase(bytes.begin() + static_cast<std::ptrdiff_t>(start),
+                bytes.begin() + static_cast<std::ptrdiff_t>(start + length));
+    const std::size_t end = positionOf(bytes, "IEND") - 4;
+    bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(end), chunk.begin(), chunk.end());
+    EXPECT_EQ(number(propertiesOf(bytes), "Orientation"), 6);
+    EXPECT_EQ(decoded(bytes).width(), 8);
+}
+
+TEST(Png, AWrongCheckSumIsDamage) {
+    Data bytes = encoded(FileFormat::png, pattern(40, 40));
+    bytes[positionOf(bytes, "IDAT") + 20] ^= std::byte{0x55};
+    const auto reader = ImageReader::open(bytes);
+    EXPECT_FALSE(reader->decode(0, {}));
+    EXPECT_EQ(reader->error(), "the file is damaged");
+    EXPECT_EQ(number(propertiesOf(bytes), "PixelWidth"), 40);
+}
+
+} // namespace
+} // namespace zorvan::imageio

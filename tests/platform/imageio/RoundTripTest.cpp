@@ -1,0 +1,143 @@
+#include "Support.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace zorvan::imageio {
+namespace {
+
+constexpr std::array formats = {FileFormat::png, FileFormat::jpeg, FileFormat::tiff,
+                                FileFormat::heic};
+
+struct Size {
+    std::int64_t width, height;
+};
+constexpr std::array sizes = {Size{1, 1}, Size{17, 13}, Size{64, 48}, Size{33, 100}};
+
+bool isLossless(FileFormat format) {
+    return format == FileFormat::png || format == FileFormat::tiff;
+}
+
+TEST(RoundTrip, EveryFormatGivesTheOpaquePictureBack) {
+    for (const FileFormat format : formats)
+        for (const Size size : sizes) {
+            SCOPED_TRACE(testing::Message() << typeIdentifier(format) << ' ' << size.width);
+            const Bitmap original = pattern(size.width, size.height);
+            const Data bytes = encoded(format, original);
+            EXPECT_EQ(ImageReader::open(bytes)->format(), format);
+            const Difference d = difference(decoded(bytes), original);
+            EXPECT_LE(d.mean, isLossless(format) ? 0 : 6);
+        }
+}
+
+TEST(RoundTrip, AlphaIsKeptWhereTheFormatHasIt) {
+    for (const FileFormat format : {FileFormat::png, FileFormat::tiff, FileFormat::heic})
+        for (const Size size : sizes) {
+            SCOPED_TRACE(testing::Message() << typeIdentifier(format) << ' ' << size.width);
+            const Bitmap original = pattern(size.width, size.height, size.width > 1);
+            const Data bytes = encoded(format, original);
+            EXPECT_EQ(number(propertiesOf(bytes), "HasAlpha"), size.width > 1 ? 1 : 0);
+            const Difference d = difference(decoded(bytes), original);
+            EXPECT_LE(d.mean, isLossless(format) ? 0 : 6);
+        }
+}
+
+TEST(RoundTrip, JpegPutsAlphaOnWhite) {
+    std::optional<Bitmap> clear = Bitmap::make(16, 16);
+    EXPECT_EQ(pixelAt(decoded(encoded(FileFormat::jpeg, *clear)), 8, 8),
+              (Pixel{255, 255, 255, 255}));
+}
+
+TEST(RoundTrip, BothLayoutsAreWrittenAlike) {
+    const Bitmap rgba = pattern(20, 10, true);
+    std::optional<Bitmap> argb = Bitmap::make(20, 10, BitmapLayout::argb);
+    for (std::int64_t i = 0; i < rgba.byteCount(); i += 4)
+        for (int c = 0; c < 4; ++c)
+            argb->data()[i + (c + 1) % 4] = rgba.data()[i + c];
+    for (const FileFormat format : formats)
+        EXPECT_EQ(encoded(format, rgba), encoded(format, *argb)) << typeIdentifier(format);
+}
+
+TEST(RoundTrip, MaximumSizeGivesExactlyThatSizeAndTheAverage) {
+    const Bitmap original = pattern(400, 301);
+    for (const FileFormat format : formats)
+        for (const std::int64_t limit : {1, 7, 50, 399, 400, 5000}) {
+            SCOPED_TRACE(testing::Message() << typeIdentifier(format) << ' ' << limit);
+            const Bitmap small = decoded(encoded(format, original), {.maximumPixelSize = limit});
+            EXPECT_EQ(small.width(), std::min<std::int64_t>(limit, 400));
+            const double height = 301.0 * static_cast<double>(small.width()) / 400;
+            EXPECT_NEAR(static_cast<double>(small.height()), height, 0.75);
+            const Bitmap expected = referenceDownscale(original, small.width(), small.height());
+            EXPECT_LE(difference(small, expected).mean, isLossless(format) ? 0.05 : 5);
+        }
+}
+
+TEST(RoundTrip, QualityOrdersTheSizes) {
+    const Bitmap original = pattern(256, 256);
+    for (const FileFormat format : {FileFormat::jpeg, FileFormat::heic}) {
+        const auto sizeAt = [&](double quality) {
+            const Frame frame = {.bitmap = &original, .quality = quality};
+            return encode(format, {&frame, 1}).value_or(Data()).size();
+        };
+        EXPECT_LT(sizeAt(-3), sizeAt(0.6)) << typeIdentifier(format);
+        EXPECT_LT(sizeAt(0.6), sizeAt(1)) << typeIdentifier(format);
+        EXPECT_EQ(sizeAt(1), sizeAt(7)) << typeIdentifier(format);
+    }
+}
+
+TEST(RoundTrip, OnlyTiffHoldsSeveralPictures) {
+    const Bitmap first = pattern(30, 20);
+    const Bitmap second = pattern(10, 40, true);
+    const std::array<Frame, 2> frames = {{{.bitmap = &first}, {.bitmap = &second}}};
+    for (const FileFormat format : {FileFormat::png, FileFormat::jpeg, FileFormat::heic})
+        EXPECT_FALSE(encode(format, frames)) << typeIdentifier(format);
+    const auto reader = ImageReader::open(encode(FileFormat::tiff, frames).value());
+    ASSERT_EQ(reader->count(), 2);
+    EXPECT_EQ(difference(reader->decode(1, {}).value(), second).largest, 0);
+    EXPECT_EQ(difference(reader->decode(0, {}).value(), first).largest, 0);
+    EXPECT_FALSE(reader->decode(2, {}));
+    EXPECT_EQ(reader->error(), "the file holds no such picture");
+    EXPECT_FALSE(reader->properties(-1));
+    EXPECT_TRUE(reader->properties(1));
+    EXPECT_EQ(reader->error(), "");
+}
+
+TEST(RoundTrip, NothingToEncodeIsRefused) {
+    const Frame none;
+    for (const FileFormat format : formats) {
+        EXPECT_FALSE(encode(format, {}));
+        EXPECT_FALSE(encode(format, {&none, 1}));
+    }
+}
+
+TEST(RoundTrip, ReadersOnManyThreadsDoNotDisturbEachOther) {
+    const Bitmap original = pattern(120, 90, true);
+    std::vector<Data> files;
+    for (const FileFormat format : formats) {
+        files.push_back(encoded(format, original));
+        files.push_back(files.back());
+        files.back().resize(files.back().size() / 2);
+    }
+    std::atomic<int> faults = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([&] {
+            for (int round = 0; round < 5; ++round)
+                for (std::size_t file = 0; file < files.size(); ++file) {
+                    const auto reader = ImageReader::open(files[file]);
+                    reader->properties(0);
+                    const bool whole = file % 2 == 0;
+                    if (reader->decode(0, {.maximumPixelSize = 50}).has_value() != whole)
+                        ++faults;
+                }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(faults, 0);
+}
+
+} // namespace
+} // namespace zorvan::imageio

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <zorvan/platform/imageio/ImageReader.h>
+#include <zorvan/platform/imageio/ImageWriter.h>
+
+#include <array>
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+#include <string_view>
+
+namespace zorvan::imageio {
+
+using Pixel = std::array<int, 4>;
+
+/// A picture without any symmetry: a different colour in each corner and a gradient between them.
+/// With alpha, it fades out towards the right.
+Bitmap pattern(std::int64_t width, std::int64_t height, bool alpha = false);
+
+Pixel pixelAt(const Bitmap& bitmap, std::int64_t x, std::int64_t y);
+
+/// The mean and the largest difference of two pictures' components; infinite when the sizes differ.
+struct Difference {
+    double mean;
+    int largest;
+};
+Difference difference(const Bitmap& a, const Bitmap& b);
+
+Data encoded(FileFormat format, const Bitmap& bitmap, PropertyList::Dictionary properties = {});
+
+/// Decodes the first picture; a failure is reported and gives a single pixel.
+Bitmap decoded(const Data& bytes, DecodeOptions options = {});
+
+PropertyList::Dictionary propertiesOf(const Data& bytes);
+
+/// The number under that key; -1 when there is none. A section name may stand before it.
+double number(const PropertyList::Dictionary& properties, std::string_view key);
+double number(const PropertyList::Dictionary& properties, std::string_view section,
+              std::string_view key);
+std::string text(const PropertyList::Dictionary& properties, std::string_view section,
+                 std::string_view key);
+
+Data bytesOf(std::string_view text);
+
+/// Where a text stands in the bytes; it has to.
+std::size_t positionOf(const Data& bytes, std::string_view text);
+
+/// An exact area average in double precision, rounded.
+Bitmap referenceDownscale(const Bitmap& source, std::int64_t width, std::int64_t height);
+
+} // namespace zorvan::imageio

@@ -1,0 +1,293 @@
+#include "Support.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <tiffio.h>
+#include <unistd.h>
+
+namespace zorvan::imageio {
+namespace {
+
+constexpr std::uint32_t width = 37;
+constexpr std::uint32_t height = 21;
+
+struct Kind {
+    int photometric;
+    int bits;
+    int samples;
+    int format = SAMPLEFORMAT_UINT;
+    int compression = COMPRESSION_NONE;
+    bool planar = false;
+    bool tiled = false;
+    int extra = -1;
+    std::uint32_t rowsPerStrip = 5;
+};
+
+/// Between 0 and 1.
+double level(std::uint32_t x, std::uint32_t y, int sample) {
+    const std::uint32_t mixed = x * 7 + y * 11 + static_cast<std::uint32_t>(sample) * 60;
+    return static_cast<double>(mixed % 256) / 255;
+}
+
+void put(std::uint8_t* row, std::size_t index, const Kind& kind, double value) {
+    const auto store = [&](auto number) {
+        std::memcpy(row + index * sizeof number, &number, sizeof number);
+    };
+    if (kind.format == SAMPLEFORMAT_IEEEFP)
+        return kind.bits == 32 ? store(static_cast<float>(value)) : store(value);
+    if (kind.bits == 32)
+        return store(static_cast<std::uint32_t>(value * 4294967295.0));
+    if (kind.bits == 16)
+        return store(static_cast<std::uint16_t>(value * 65535 + 0.5));
+    const int largest = (1 << kind.bits) - 1;
+    const auto number = static_cast<unsigned>(value * largest + 0.5);
+    const std::size_t bit = index * static_cast<std::size_t>(kind.bits);
+    row[bit / 8] |=
+        static_cast<std::uint8_t>(number << (8 - static_cast<unsigned>(kind.bits) - bit % 8));
+}
+
+/// Fills rows [y, y + rows) and columns from `x` on, for all samples or for the one of a plane.
+std::vector<std::uint8_t> block(const Kind& kind, std::uint32_t x0, std::uint32_t columns,
+                                std::uint32_t y0, std::uint32_t rows, int plane,
+                                std::size_t rowSize) {
+    std::vector<std::uint8_t> out(rowSize * rows);
+    for (std::uint32_t y = 0; y < rows; ++y)
+        for (std::uint32_t x = 0; x < columns; ++x)
+            for (int s = 0; s < (kind.planar ? 1 : kind.samples); ++s) {
+                const int sample = kind.planar ? plane : s;
+                const std::size_t index =
+                    std::size_t{x} * static_cast<std::size_t>(kind.planar ? 1 : kind.samples) +
+                    static_cast<std::size_t>(s);
+                put(out.data() + rowSize * y, index, kind, level(x0 + x, y0 + y, sample));
+            }
+    return out;
+}
+
+void writePixels(TIFF* tiff, const Kind& kind) {
+    for (int plane = 0; plane < (kind.planar ? kind.samples : 1); ++plane) {
+        const auto sample = static_cast<std::uint16_t>(plane);
+        if (kind.tiled) {
+            const auto rowSize = static_cast<std::size_t>(TIFFTileRowSize(tiff));
+            for (std::uint32_t y = 0; y < height; y += 16)
+                for (std::uint32_t x = 0; x < width; x += 16) {
+                    auto data = block(kind, x, 16, y, 16, plane, rowSize);
+                    TIFFWriteTile(tiff, data.data(), x, y, 0, sample);
+                }
+            continue;
+        }
+        const auto rowSize = static_cast<std::size_t>(TIFFScanlineSize(tiff));
+        for (std::uint32_t y = 0; y < height; ++y) {
+            auto data = block(kind, 0, width, y, 1, plane, rowSize);
+            TIFFWriteScanline(tiff, data.data(), y, sample);
+        }
+    }
+}
+
+void setFields(TIFF* tiff, const Kind& kind) {
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, width);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, height);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, kind.bits);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, kind.samples);
+    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, kind.format);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, kind.photometric);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, kind.compression);
+    TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_BOTRIGHT);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG,
+                 kind.planar ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
+    if (kind.tiled) {
+        TIFFSetField(tiff, TIFFTAG_TILEWIDTH, 16);
+        TIFFSetField(tiff, TIFFTAG_TILELENGTH, 16);
+    } else {
+        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, kind.rowsPerStrip);
+    }
+    if (kind.extra >= 0) {
+        const auto extra = static_cast<std::uint16_t>(kind.extra);
+        TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &extra);
+    }
+    std::array<std::uint16_t, 256> red;
+    std::array<std::uint16_t, 256> green;
+    std::array<std::uint16_t, 256> blue;
+    for (std::size_t i = 0; i < 256; ++i) {
+        red[i] = static_cast<std::uint16_t>(i * 257);
+        green[i] = static_cast<std::uint16_t>((255 - i) * 257);
+        blue[i] = 0x8080;
+    }
+    if (kind.photometric == PHOTOMETRIC_PALETTE)
+        TIFFSetField(tiff, TIFFTAG_COLORMAP, red.data(), green.data(), blue.data());
+}
+
+Data written(const std::function<void(TIFF*)>& work) {
+    const std::string path = std::filesystem::temp_directory_path() /
+                             ("imageio-tiff-test-" + std::to_string(getpid()) + ".tiff");
+    TIFF* tiff = TIFFOpen(path.c_str(), "w");
+    work(tiff);
+    TIFFClose(tiff);
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+    std::filesystem::remove(path);
+    return bytesOf(bytes);
+}
+
+Data write(const Kind& kind) {
+    return written([&](TIFF* tiff) {
+        setFields(tiff, kind);
+        writePixels(tiff, kind);
+    });
+}
+
+Pixel expectedPixel(const Kind& kind, std::uint32_t x, std::uint32_t y) {
+    const double largest = kind.bits < 8 ? (1 << kind.bits) - 1 : 0;
+    const auto sample = [&](int s) {
+        const double value = level(x, y, s);
+        return largest > 0 ? static_cast<int>(value * largest + 0.5) / largest * 255 : value * 255;
+    };
+    const auto asPixel = [&](double r, double g, double b, double a, bool multiplied) {
+        const double m = multiplied ? 1 : a / 255;
+        const double limit = multiplied ? a : 255;
+        const auto part = [&](double v) { return static_cast<int>(std::min(v, limit) * m + 0.5); };
+        return Pixel{part(r), part(g), part(b), static_cast<int>(a + 0.5)};
+    };
+    const bool hasAlpha =
+        kind.extra == EXTRASAMPLE_ASSOCALPHA || kind.extra == EXTRASAMPLE_UNASSALPHA;
+    const double alpha = hasAlpha ? sample(kind.samples - 1) : 255;
+    const bool multiplied = kind.extra == EXTRASAMPLE_ASSOCALPHA;
+    switch (kind.photometric) {
+    case PHOTOMETRIC_RGB:
+        return asPixel(sample(0), sample(1), sample(2), alpha, multiplied);
+    case PHOTOMETRIC_SEPARATED: {
+        const double light = 1 - sample(3) / 255;
+        return asPixel((255 - sample(0)) * light, (255 - sample(1)) * light,
+                       (255 - sample(2)) * light, 255, false);
+    }
+    case PHOTOMETRIC_PALETTE: {
+        const double index =
+            kind.bits < 8 ? static_cast<int>(level(x, y, 0) * largest + 0.5) : sample(0);
+        return asPixel(index, 255 - index, 128, 255, false);
+    }
+    case PHOTOMETRIC_MINISWHITE:
+        return asPixel(255 - sample(0), 255 - sample(0), 255 - sample(0), 255, false);
+    default:
+        return asPixel(sample(0), sample(0), sample(0), alpha, multiplied);
+    }
+}
+
+TEST(Tiff, EveryLayoutDecodes) {
+    constexpr int rgb = PHOTOMETRIC_RGB;
+    constexpr int grey = PHOTOMETRIC_MINISBLACK;
+    const std::vector<Kind> kinds = {
+        {grey, 1, 1},
+        {grey, 2, 1},
+        {grey, 4, 1},
+        {grey, 8, 1},
+        {grey, 16, 1},
+        {grey, 32, 1},
+        {PHOTOMETRIC_MINISWHITE, 1, 1},
+        {PHOTOMETRIC_MINISWHITE, 8, 1},
+        {PHOTOMETRIC_PALETTE, 4, 1},
+        {PHOTOMETRIC_PALETTE, 8, 1},
+        {grey, 32, 1, SAMPLEFORMAT_IEEEFP},
+        {rgb, 32, 3, SAMPLEFORMAT_IEEEFP},
+        {rgb, 64, 3, SAMPLEFORMAT_IEEEFP},
+        {grey, 8, 2, SAMPLEFORMAT_UINT, COMPRESSION_NONE, false, false, EXTRASAMPLE_UNASSALPHA},
+        {rgb, 8, 3},
+        {rgb, 16, 3},
+        {rgb, 8, 4, SAMPLEFORMAT_UINT, COMPRESSION_NONE, false, false, EXTRASAMPLE_UNASSALPHA},
+        {rgb, 8, 4, SAMPLEFORMAT_UINT, COMPRESSION_NONE, false, false, EXTRASAMPLE_ASSOCALPHA},
+        {rgb, 16, 4, SAMPLEFORMAT_UINT, COMPRESSION_LZW, false, false, EXTRASAMPLE_UNASSALPHA},
+        {rgb, 8, 4, SAMPLEFORMAT_UINT, COMPRESSION_NONE, false, false, EXTRASAMPLE_UNSPECIFIED},
+        {PHOTOMETRIC_SEPARATED, 8, 4},
+        {PHOTOMETRIC_SEPARATED, 16, 4},
+        {rgb, 8, 3, SAMPLEFORMAT_UINT, COMPRESSION_LZW},
+        {rgb, 8, 3, SAMPLEFORMAT_UINT, COMPRESSION_ADOBE_DEFLATE},
+        {rgb, 8, 3, SAMPLEFORMAT_UINT, COMPRESSION_PACKBITS},
+        {rgb, 8, 3, SAMPLEFORMAT_UINT, COMPRESSION_LZW, true},
+        {rgb, 16, 3, SAMPLEFORMAT_UINT, COMPRESSION_NONE, true},
+        {rgb, 8, 3, SAMPLEFORMAT_UINT, COMPRESSION_ADOBE_DEFLATE, false, true},
+        {rgb, 8, 4, SAMPLEFORMAT_UINT, COMPRESSION_LZW, true, true, EXTRASAMPLE_UNASSALPHA},
+        {grey, 1, 1, SAMPLEFORMAT_UINT, COMPRESSION_NONE, false, true},
+    };
+    for (std::size_t i = 0; i < kinds.size(); ++i) {
+        SCOPED_TRACE(i);
+        const Kind& kind = kinds[i];
+        const Data bytes = write(kind);
+        const auto properties = propertiesOf(bytes);
+        EXPECT_EQ(number(properties, "Depth"), kind.bits);
+        EXPECT_EQ(number(properties, "Orientation"), 3);
+        EXPECT_EQ(number(properties, "{TIFF}", "Compression"), kind.compression);
+        const Bitmap picture = decoded(bytes);
+        ASSERT_EQ(picture.width(), width);
+        ASSERT_EQ(picture.height(), height);
+        for (std::uint32_t y = 0; y < height; ++y)
+            for (std::uint32_t x = 0; x < width; ++x) {
+                const Pixel got = pixelAt(picture, x, y);
+                const Pixel expected = expectedPixel(kind, x, y);
+                for (std::size_t c = 0; c < 4; ++c)
+                    ASSERT_NEAR(got[c], expected[c], 1) << x << ',' << y << ',' << c;
+            }
+    }
+}
+
+TEST(Tiff, JpegInsideAndOtherColourSpacesDecode) {
+    // A flat grey is the same in each of them, whatever the subsampling.
+    struct Row {
+        int photometric;
+        int compression;
+    };
+    for (const Row row :
+         {Row{PHOTOMETRIC_YCBCR, COMPRESSION_JPEG}, Row{PHOTOMETRIC_RGB, COMPRESSION_JPEG},
+          Row{PHOTOMETRIC_YCBCR, COMPRESSION_NONE}}) {
+        SCOPED_TRACE(testing::Message() << row.photometric << ' ' << row.compression);
+        const Data bytes = written([&](TIFF* tiff) {
+            setFields(tiff, {row.photometric, 8, 3, SAMPLEFORMAT_UINT, row.compression, false,
+                             false, -1, 16});
+            if (row.photometric == PHOTOMETRIC_YCBCR && row.compression == COMPRESSION_NONE)
+                TIFFSetField(tiff, TIFFTAG_YCBCRSUBSAMPLING, 1, 1);
+            std::vector<std::uint8_t> strip(std::size_t{width} * 3 * 16, 128);
+            for (std::uint32_t i = 0; i < TIFFNumberOfStrips(tiff); ++i)
+                TIFFWriteEncodedStrip(tiff, i, strip.data(), TIFFVStripSize(tiff, i == 0 ? 16 : 5));
+        });
+        const Pixel got = pixelAt(decoded(bytes), width - 1, height - 1);
+        for (std::size_t c = 0; c < 3; ++c)
+            EXPECT_NEAR(got[c], 128, 2);
+    }
+}
+
+TEST(Tiff, AReducedVersionIsTheThumbnailAndNoPage) {
+    const auto page = [](TIFF* tiff, std::uint32_t kind) {
+        setFields(tiff, {PHOTOMETRIC_RGB, 8, 3});
+        TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, kind);
+        writePixels(tiff, {PHOTOMETRIC_RGB, 8, 3});
+        TIFFWriteDirectory(tiff);
+    };
+    const Data inChain = written([&](TIFF* tiff) {
+        page(tiff, 0);
+        page(tiff, FILETYPE_REDUCEDIMAGE);
+        page(tiff, 0);
+    });
+    const Data below = written([&](TIFF* tiff) {
+        const std::array<std::uint64_t, 1> none = {0};
+        TIFFSetField(tiff, TIFFTAG_SUBIFD, 1, none.data());
+        page(tiff, 0);
+        page(tiff, FILETYPE_REDUCEDIMAGE);
+        page(tiff, 0);
+    });
+    for (const Data& bytes : {inChain, below}) {
+        const auto reader = ImageReader::open(bytes);
+        EXPECT_EQ(reader->count(), 2);
+        EXPECT_TRUE(reader->embeddedThumbnail(0)) << reader->error();
+        EXPECT_FALSE(reader->embeddedThumbnail(1));
+        EXPECT_EQ(reader->error(), "the file holds no thumbnail");
+        EXPECT_TRUE(reader->decode(1, {})) << reader->error();
+    }
+}
+
+} // namespace
+} // namespace zorvan::imageio

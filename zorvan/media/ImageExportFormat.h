@@ -1,0 +1,116 @@
+#pragma once
+
+#include <zorvan/platform/foundation/Required.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string_view>
+
+namespace zorvan {
+
+/// An encoding in which pictures are written. Works in a `switch`, and its constants have the
+/// members: `ImageExportFormat::heic.displayName()`.
+class ImageExportFormat {
+public:
+    enum class Case : std::uint8_t { png, jpg, tiff, heic };
+    static const ImageExportFormat png, jpg, tiff, heic;
+    /// In the order of the raw values.
+    static const std::array<ImageExportFormat, 4> allCases;
+
+    struct RawValue {
+        Required<std::int64_t> rawValue;
+    };
+    struct PathExtension {
+        Required<std::string_view> pathExt;
+    };
+
+    constexpr ImageExportFormat(Case value) noexcept : value_(value) {}
+    constexpr operator Case() const noexcept { return value_; }
+
+    /// png 1, jpg 2, tiff 3, heic 4; absent for any other number.
+    [[nodiscard]] static constexpr std::optional<ImageExportFormat>
+    make(RawValue argument) noexcept {
+        if (argument.rawValue < 1 || argument.rawValue > 4)
+            return std::nullopt;
+        return static_cast<Case>(argument.rawValue - 1);
+    }
+    /// By file extension, without a dot and in either case; "jpeg", "tif" and "heif" are known too.
+    [[nodiscard]] static constexpr std::optional<ImageExportFormat>
+    make(PathExtension argument) noexcept;
+
+    [[nodiscard]] constexpr std::int64_t rawValue() const noexcept {
+        return static_cast<std::int64_t>(value_) + 1;
+    }
+    /// The file extension, without a dot.
+    [[nodiscard]] constexpr std::string_view pathExtension() const noexcept {
+        constexpr std::array<std::string_view, 4> names{"png", "jpg", "tiff", "heic"};
+        return names[position()];
+    }
+    /// For people: "png", "jpeg", "tiff", "heif".
+    [[nodiscard]] constexpr std::string_view displayName() const noexcept {
+        constexpr std::array<std::string_view, 4> names{"png", "jpeg", "tiff", "heif"};
+        return names[position()];
+    }
+    /// The type identifier that the encoder is asked for.
+    [[nodiscard]] constexpr std::string_view cgType() const noexcept {
+        constexpr std::array<std::string_view, 4> types{"public.png", "public.jpeg", "public.tiff",
+                                                        "public.heic"};
+        return types[position()];
+    }
+
+    friend constexpr bool operator==(ImageExportFormat a, ImageExportFormat b) noexcept {
+        return a.value_ == b.value_;
+    }
+    friend constexpr bool operator==(ImageExportFormat a, Case b) noexcept { return a.value_ == b; }
+
+private:
+    constexpr std::size_t position() const noexcept { return static_cast<std::size_t>(value_); }
+
+    Case value_;
+};
+
+inline constexpr ImageExportFormat ImageExportFormat::png = Case::png;
+inline constexpr ImageExportFormat ImageExportFormat::jpg = Case::jpg;
+inline constexpr ImageExportFormat ImageExportFormat::tiff = Case::tiff;
+inline constexpr ImageExportFormat ImageExportFormat::heic = Case::heic;
+
+inline constexpr std::array<ImageExportFormat, 4> ImageExportFormat::allCases{png, jpg, tiff, heic};
+
+constexpr std::optional<ImageExportFormat>
+ImageExportFormat::make(PathExtension argument) noexcept {
+    struct Known {
+        std::string_view extension;
+        Case format;
+    };
+    constexpr std::array<Known, 7> known{{{"jpg", Case::jpg},
+                                          {"jpeg", Case::jpg},
+                                          {"png", Case::png},
+                                          {"tiff", Case::tiff},
+                                          {"tif", Case::tiff},
+                                          {"heic", Case::heic},
+                                          {"heif", Case::heic}}};
+    const auto sameLetter = [](char given, char lower) {
+        return given == lower || (given >= 'A' && given <= 'Z' && given - 'A' + 'a' == lower);
+    };
+    const std::string_view given = argument.pathExt;
+    for (const Known& k : known) {
+        bool matches = given.size() == k.extension.size();
+        for (std::size_t i = 0; matches && i < given.size(); ++i)
+            matches = sameLetter(given[i], k.extension[i]);
+        if (matches)
+            return k.format;
+    }
+    return std::nullopt;
+}
+
+} // namespace zorvan
+
+template <>
+struct std::hash<zorvan::ImageExportFormat> {
+    std::size_t operator()(zorvan::ImageExportFormat format) const noexcept {
+        return std::hash<std::int64_t>()(format.rawValue());
+    }
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string_view>
+
+namespace zorvan {
+
+// Keys of picture properties, as `CGImage::metadata` gives them.
+
+/// Width and height of the stored picture, before any orientation is applied; integers.
+inline constexpr std::string_view kCGImagePropertyPixelWidth = "PixelWidth";
+inline constexpr std::string_view kCGImagePropertyPixelHeight = "PixelHeight";
+/// The EXIF orientation value, an integer from 1 to 8.
+inline constexpr std::string_view kCGImagePropertyOrientation = "Orientation";
+/// A dictionary of TIFF tags, and in it the compression code: 1 none, 5 LZW, 8 deflate.
+inline constexpr std::string_view kCGImagePropertyTIFFDictionary = "{TIFF}";
+inline constexpr std::string_view kCGImagePropertyTIFFCompression = "Compression";
+/// A dictionary of EXIF tags.
+inline constexpr std::string_view kCGImagePropertyExifDictionary = "{Exif}";
+
+// Options of a `CGImageSource`.
+
+/// Hints about caching and about pixels deeper than 8 bits; both are accepted and change nothing.
+inline constexpr std::string_view kCGImageSourceShouldCache = "kCGImageSourceShouldCache";
+inline constexpr std::string_view kCGImageSourceShouldAllowFloat = "kCGImageSourceShouldAllowFloat";
+/// Whether a thumbnail is turned upright by the picture's orientation.
+inline constexpr std::string_view kCGImageSourceCreateThumbnailWithTransform =
+    "kCGImageSourceCreateThumbnailWithTransform";
+/// Whether a thumbnail is made from the picture even when the file has one of its own.
+inline constexpr std::string_view kCGImageSourceCreateThumbnailFromImageAlways =
+    "kCGImageSourceCreateThumbnailFromImageAlways";
+/// Whether a thumbnail is made from the picture when the file has none of its own.
+inline constexpr std::string_view kCGImageSourceCreateThumbnailFromImageIfAbsent =
+    "kCGImageSourceCreateThumbnailFromImageIfAbsent";
+/// The longest side that a thumbnail may have, a number.
+inline constexpr std::string_view kCGImageSourceThumbnailMaxPixelSize =
+    "kCGImageSourceThumbnailMaxPixelSize";
+
+// Options of a `CGImageDestination`.
+
+/// The quality of a lossy format, a number from 0 (smallest) to 1 (best).
+inline constexpr std::string_view kCGImageDestinationLossyCompressionQuality =
+    "kCGImageDestinationLossyCompressionQuality";
+
+} // namespace zorvan

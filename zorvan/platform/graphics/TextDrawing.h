@@ -1,0 +1,49 @@
+#pragma once
+
+#include <zorvan/platform/graphics/Bitmap.h>
+
+#include <cstdint>
+#include <string_view>
+
+namespace zorvan {
+
+/// Which part of a text that is too long gives way to "…".
+enum class TextEllipsis { middle, end };
+
+enum class TextLineAlignment { left, center, right };
+
+/// A colour whose components are not multiplied by its alpha.
+struct TextLineColor {
+    std::uint8_t red = 0;
+    std::uint8_t green = 0;
+    std::uint8_t blue = 0;
+    std::uint8_t alpha = 255;
+};
+
+struct TextLineStyle {
+    /// The height of the font in pixels.
+    double size = 13;
+    bool isBold = false;
+    TextLineColor color = {};
+    TextLineAlignment alignment = TextLineAlignment::left;
+    TextEllipsis ellipsis = TextEllipsis::end;
+};
+
+/// Where a line of text goes, in pixels from the top-left corner of the bitmap.
+struct TextBox {
+    std::int64_t x = 0;
+    std::int64_t y = 0;
+    std::int64_t width = 0;
+    std::int64_t height = 0;
+};
+
+/// Draws UTF-8 text as one line in the desktop's sans-serif font, its top at the top of the box,
+/// shortened to the width of the box and cut off at its lower edge.
+///
+/// Line breaks are drawn as signs, bytes that are no UTF-8 as U+FFFD. Nothing is drawn outside the
+/// bitmap, and nothing at all on a machine without fonts. May be called from several threads for
+/// bitmaps, or parts of one bitmap, that do not overlap.
+void drawTextLine(Bitmap& bitmap, std::string_view text, const TextBox& box,
+                  const TextLineStyle& style);
+
+} // namespace zorvan

@@ -1,0 +1,156 @@
+#include <zorvan/platform/imageio/internal/ByteOrder.h>
+#include <zorvan/platform/imageio/internal/FrameWriter.h>
+#include <zorvan/platform/imageio/internal/PixelRows.h>
+#include <zorvan/platform/imageio/internal/StoredProperties.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+
+#include <libheif/heif.h>
+
+namespace zorvan::imageio {
+namespace {
+
+constexpr int usualQuality = 60;
+
+template <auto release>
+struct Release {
+    template <class Object>
+    void operator()(Object* object) const noexcept {
+        release(object);
+    }
+};
+using Context = std::unique_ptr<heif_context, Release<heif_context_free>>;
+using Encoder = std::unique_ptr<heif_encoder, Release<heif_encoder_release>>;
+using Image = std::unique_ptr<heif_image, Release<heif_image_release>>;
+using Handle = std::unique_ptr<heif_image_handle, Release<heif_image_handle_release>>;
+using Options = std::unique_ptr<heif_encoding_options, Release<heif_encoding_options_free>>;
+
+bool good(const heif_error& error) { return error.code == heif_error_Ok; }
+
+int codecQuality(std::optional<double> quality) {
+    if (!quality || std::isnan(*quality))
+        return usualQuality;
+    return static_cast<int>(std::lround(std::clamp(*quality, 0.0, 1.0) * 100));
+}
+
+Encoder encoderFor(heif_context* context, const Frame& frame) {
+    heif_encoder* encoder = nullptr;
+    if (!good(heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder)))
+        return nullptr;
+    Encoder owner(encoder);
+    heif_encoder_set_lossy_quality(encoder, codecQuality(frame.quality));
+    // Slower ones gain a few per cent of size for a multiple of the time.
+    heif_encoder_set_parameter_string(encoder, "preset", "fast");
+    heif_encoder_set_logging_level(encoder, 0);
+    return owner;
+}
+
+Image imageOf(const Bitmap& bitmap, bool opaque) {
+    heif_image* image = nullptr;
+    const auto width = static_cast<int>(bitmap.width());
+    const auto height = static_cast<int>(bitmap.height());
+    const heif_chroma chroma = opaque ? heif_chroma_interleaved_RGB : heif_chroma_interleaved_RGBA;
+    if (!good(heif_image_create(width, height, heif_colorspace_RGB, chroma, &image)))
+        return nullptr;
+    Image owner(image);
+    if (!good(heif_image_add_plane(image, heif_channel_interleaved, width, height, 8)))
+        return nullptr;
+    int stride = 0;
+    std::uint8_t* pixels = heif_image_get_plane(image, heif_channel_interleaved, &stride);
+    RgbaRows rows(bitmap);
+    for (std::int64_t y = 0; y < bitmap.height(); ++y) {
+        if (opaque)
+            dropAlpha(rows(y), pixels + y * stride, bitmap.width());
+        else
+            unpremultiply(rows(y), pixels + y * stride, bitmap.width());
+    }
+    return owner;
+}
+
+heif_error append(heif_context*, const void* data, std::size_t size, void* user) {
+    try {
+        const auto* first = static_cast<const std::byte*>(data);
+        Data& bytes = *static_cast<Data*>(user);
+        bytes.insert(bytes.end(), first, first + size);
+        return {heif_error_Ok, heif_suberror_Unspecified, ""};
+    } catch (const std::exception&) {
+        return {heif_error_Memory_allocation_error, heif_suberror_Unspecified, "no memory"};
+    }
+}
+
+std::int64_t big32At(const Data& bytes, std::size_t offset) {
+    return static_cast<std::int64_t>(big32(bytes, offset));
+}
+
+/// The library states the size after a quarter turn where the format wants the size before it: the
+/// two numbers change places wherever they do not fit the picture as it was coded, a little padded.
+void mendStatedSizes(Data& bytes, const Bitmap& bitmap) {
+    constexpr std::int64_t largestPadding = 64;
+    const auto fits = [](std::int64_t coded, std::int64_t side) {
+        return coded >= side && coded < side + largestPadding;
+    };
+    constexpr std::array<std::byte, 4> name = {std::byte{'i'}, std::byte{'s'}, std::byte{'p'},
+                                               std::byte{'e'}};
+    // The boxes that state sizes stand before the coded data.
+    constexpr std::size_t searched = 4096;
+    const auto end = bytes.begin() + static_cast<std::ptrdiff_t>(std::min(bytes.size(), searched));
+    for (auto at = std::search(bytes.begin(), end, name.begin(), name.end()); at != end;
+         at = std::search(at + 1, end, name.begin(), name.end())) {
+        const auto width = static_cast<std::size_t>(at - bytes.begin()) + 8;
+        if (width + 8 > bytes.size())
+            return;
+        const std::int64_t first = big32At(bytes, width);
+        const std::int64_t second = big32At(bytes, width + 4);
+        const bool right = fits(first, bitmap.width()) && fits(second, bitmap.height());
+        if (!right && fits(second, bitmap.width()) && fits(first, bitmap.height()))
+            std::swap_ranges(at + 8, at + 12, at + 12);
+    }
+}
+
+} // namespace
+
+std::optional<Data> encodeHeic(const Frame& frame) {
+    constexpr std::int64_t maximumCodedSide = 16'384;
+    const Bitmap& bitmap = *frame.bitmap;
+    if (bitmap.width() > maximumCodedSide || bitmap.height() > maximumCodedSide)
+        return std::nullopt;
+    const Context context(heif_context_alloc());
+    const Options options(heif_encoding_options_alloc());
+    const bool opaque = isOpaque(bitmap);
+    const Image image = imageOf(bitmap, opaque);
+    if (!context || !options || !image)
+        return std::nullopt;
+    const Encoder encoder = encoderFor(context.get(), frame);
+    if (!encoder)
+        return std::nullopt;
+    const StoredProperties properties = storedProperties(frame.properties);
+    // A turn that readers obey stands in the format's own boxes; Exif only repeats it. But the
+    // library cannot read back what it writes for a quarter turn with alpha, so there Exif stands
+    // alone.
+    const int orientation = properties.orientation.value_or(1);
+    const bool quarterTurn = orientation > 4;
+    const bool inBoxes = opaque || !quarterTurn;
+    options->image_orientation = static_cast<heif_orientation>(inBoxes ? orientation : 1);
+    heif_image_handle* handle = nullptr;
+    if (!good(heif_context_encode_image(context.get(), image.get(), encoder.get(), options.get(),
+                                        &handle)))
+        return std::nullopt;
+    const Handle owner(handle);
+    const Data exif = exifBlock(properties);
+    if (!exif.empty() && !good(heif_context_add_exif_metadata(context.get(), handle, exif.data(),
+                                                              static_cast<int>(exif.size()))))
+        return std::nullopt;
+    Data bytes;
+    heif_writer writer = {1, append};
+    if (!good(heif_context_write(context.get(), &writer, &bytes)))
+        return std::nullopt;
+    if (quarterTurn && inBoxes)
+        mendStatedSizes(bytes, bitmap);
+    return bytes;
+}
+
+} // namespace zorvan::imageio

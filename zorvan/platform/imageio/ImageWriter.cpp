@@ -1,0 +1,78 @@
+#include <zorvan/platform/imageio/ImageWriter.h>
+
+#include <zorvan/platform/imageio/internal/FrameWriter.h>
+
+#include <exception>
+
+namespace zorvan::imageio {
+namespace {
+
+std::optional<Data> dispatched(FileFormat format, std::span<const Frame> frames) {
+    switch (format) {
+    case FileFormat::jpeg:
+        return encodeJpeg(frames[0]);
+    case FileFormat::png:
+        return encodePng(frames[0]);
+    case FileFormat::tiff:
+        return encodeTiff(frames);
+    case FileFormat::heic:
+        return encodeHeic(frames[0]);
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<Data> encode(FileFormat format, std::span<const Frame> frames) {
+    if (frames.empty() || (frames.size() > 1 && format != FileFormat::tiff))
+        return std::nullopt;
+    for (const Frame& frame : frames)
+        if (!frame.bitmap)
+            return std::nullopt;
+    try {
+        return dispatched(format, frames);
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+bool isOpaque(const Bitmap& bitmap) noexcept {
+    const int alpha = bitmap.layout() == BitmapLayout::rgba ? 3 : 0;
+    for (std::int64_t y = 0; y < bitmap.height(); ++y) {
+        std::uint8_t all = 255;
+        const std::uint8_t* pixel = bitmap.row(y) + alpha;
+        for (std::int64_t x = 0; x < bitmap.width(); ++x, pixel += 4)
+            all &= *pixel;
+        if (all != 255)
+            return false;
+    }
+    return true;
+}
+
+RgbaRows::RgbaRows(const Bitmap& bitmap) : bitmap_(bitmap) {
+    if (bitmap.layout() == BitmapLayout::argb)
+        buffer_.resize(static_cast<std::size_t>(bitmap.bytesPerRow()));
+}
+
+const std::uint8_t* RgbaRows::operator()(std::int64_t y) noexcept {
+    const std::uint8_t* row = bitmap_.row(y);
+    if (buffer_.empty())
+        return row;
+    for (std::size_t i = 0; i < buffer_.size(); i += 4) {
+        buffer_[i] = row[i + 1];
+        buffer_[i + 1] = row[i + 2];
+        buffer_[i + 2] = row[i + 3];
+        buffer_[i + 3] = row[i];
+    }
+    return buffer_.data();
+}
+
+void dropAlpha(const std::uint8_t* rgba, std::uint8_t* rgb, std::int64_t count) noexcept {
+    for (std::int64_t i = 0; i < count; ++i, rgba += 4, rgb += 3) {
+        rgb[0] = rgba[0];
+        rgb[1] = rgba[1];
+        rgb[2] = rgba[2];
+    }
+}
+
+} // namespace zorvan::imageio

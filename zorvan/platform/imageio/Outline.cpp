@@ -1,0 +1,104 @@
+#include <zorvan/platform/imageio/internal/Outline.h>
+
+#include <string>
+
+namespace zorvan::imageio {
+namespace {
+
+/// The length of the UTF-8 sequence that begins here; 0 when there is none.
+std::size_t sequenceLength(std::string_view text) {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned lead = byte(0);
+    if (lead < 0x80)
+        return 1;
+    const std::size_t length = lead >= 0xF0 && lead < 0xF5   ? 4
+                               : lead >= 0xE0 && lead < 0xF0 ? 3
+                               : lead >= 0xC2 && lead < 0xE0 ? 2
+                                                             : 0;
+    if (length == 0 || length > text.size())
+        return 0;
+    for (std::size_t i = 1; i < length; ++i)
+        if ((byte(i) & 0xC0) != 0x80)
+            return 0;
+    const bool overlong = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xF0 && byte(1) < 0x90);
+    const bool surrogate = lead == 0xED && byte(1) >= 0xA0;
+    const bool beyond = lead == 0xF4 && byte(1) >= 0x90;
+    return overlong || surrogate || beyond ? 0 : length;
+}
+
+bool isUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t length = sequenceLength(text);
+        if (length == 0)
+            return false;
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
+std::string fromLatin1(std::string_view text) {
+    std::string result;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80) {
+            result += c;
+        } else {
+            result += static_cast<char>(0xC0 | byte >> 6);
+            result += static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+PropertyList::Dictionary propertiesOf(const Outline& outline) {
+    PropertyList::Dictionary result = {
+        {"PixelWidth", outline.size.width}, {"PixelHeight", outline.size.height},
+        {"Depth", outline.depth},           {"ColorModel", outline.colorModel},
+        {"HasAlpha", outline.hasAlpha},
+    };
+    if (outline.orientation)
+        result.emplace("Orientation", *outline.orientation);
+    if (outline.dpi) {
+        result.emplace("DPIWidth", outline.dpi->x);
+        result.emplace("DPIHeight", outline.dpi->y);
+    }
+    return result;
+}
+
+PropertyList::Dictionary& section(PropertyList::Dictionary& properties, std::string_view name) {
+    const auto place = properties.try_emplace(std::string(name), PropertyList::Dictionary()).first;
+    if (!place->second.as<PropertyList::Dictionary>())
+        place->second = PropertyList::Dictionary();
+    return *place->second.as<PropertyList::Dictionary>();
+}
+
+const PropertyList::Dictionary* findSection(const PropertyList::Dictionary& properties,
+                                            std::string_view name) {
+    const auto found = properties.find(name);
+    return found == properties.end() ? nullptr : found->second.as<PropertyList::Dictionary>();
+}
+
+std::optional<double> findNumber(const PropertyList::Dictionary& properties, std::string_view key) {
+    const auto found = properties.find(key);
+    const NSNumber* number = found == properties.end() ? nullptr : found->second.as<NSNumber>();
+    return number ? std::optional(number->doubleValue()) : std::nullopt;
+}
+
+const std::string* findText(const PropertyList::Dictionary& properties, std::string_view key) {
+    const auto found = properties.find(key);
+    return found == properties.end() ? nullptr : found->second.as<std::string>();
+}
+
+std::string textFrom(std::string_view bytes) {
+    std::string_view text = bytes.substr(0, bytes.find('\0'));
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos)
+        return {};
+    text = text.substr(first, text.find_last_not_of(blanks) - first + 1);
+    return isUtf8(text) ? std::string(text) : fromLatin1(text);
+}
+
+} // namespace zorvan::imageio

@@ -1,0 +1,187 @@
+#include <zorvan/platform/imageio/internal/FrameWriter.h>
+#include <zorvan/platform/imageio/internal/StoredProperties.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+#include <tiffio.h>
+
+namespace zorvan::imageio {
+namespace {
+
+/// A growing file in memory, for libtiff.
+class MemoryFile {
+public:
+    Data bytes = {};
+
+    static tmsize_t read(thandle_t handle, void* out, tmsize_t size) {
+        MemoryFile& file = *static_cast<MemoryFile*>(handle);
+        const std::size_t there =
+            file.position_ < file.bytes.size() ? file.bytes.size() - file.position_ : 0;
+        const std::size_t count = std::min(static_cast<std::size_t>(size), there);
+        if (count > 0)
+            std::memcpy(out, file.bytes.data() + file.position_, count);
+        file.position_ += count;
+        return static_cast<tmsize_t>(count);
+    }
+
+    static tmsize_t write(thandle_t handle, void* data, tmsize_t size) {
+        MemoryFile& file = *static_cast<MemoryFile*>(handle);
+        const auto count = static_cast<std::size_t>(size);
+        try {
+            file.bytes.resize(std::max(file.bytes.size(), file.position_ + count));
+        } catch (const std::exception&) {
+            return 0;
+        }
+        std::memcpy(file.bytes.data() + file.position_, data, count);
+        file.position_ += count;
+        return size;
+    }
+
+    static toff_t seek(thandle_t handle, toff_t offset, int whence) {
+        MemoryFile& file = *static_cast<MemoryFile*>(handle);
+        const toff_t base = whence == SEEK_SET   ? 0
+                            : whence == SEEK_CUR ? file.position_
+                                                 : file.bytes.size();
+        file.position_ = static_cast<std::size_t>(base + offset);
+        return file.position_;
+    }
+
+    static int close(thandle_t) { return 0; }
+    static toff_t size(thandle_t handle) { return static_cast<MemoryFile*>(handle)->bytes.size(); }
+
+private:
+    std::size_t position_ = 0;
+};
+
+struct Close {
+    void operator()(TIFF* tiff) const noexcept { TIFFClose(tiff); }
+};
+using Tiff = std::unique_ptr<TIFF, Close>;
+
+int silence(TIFF*, void*, const char*, const char*, va_list) { return 1; }
+
+Tiff openForWriting(MemoryFile& file, std::int64_t byteCount) {
+    // Beyond 4 GB the offsets of the classic form do not suffice.
+    const char* mode = byteCount > std::int64_t{4'000'000'000} ? "w8" : "w";
+    TIFFOpenOptions* options = TIFFOpenOptionsAlloc();
+    TIFFOpenOptionsSetErrorHandlerExtR(options, silence, nullptr);
+    TIFFOpenOptionsSetWarningHandlerExtR(options, silence, nullptr);
+    Tiff tiff(TIFFClientOpenExt("memory", mode, &file, MemoryFile::read, MemoryFile::write,
+                                MemoryFile::seek, MemoryFile::close, MemoryFile::size, nullptr,
+                                nullptr, options));
+    TIFFOpenOptionsFree(options);
+    return tiff;
+}
+
+bool isKnown(int compression) {
+    constexpr std::array<int, 5> known = {COMPRESSION_NONE, COMPRESSION_LZW,
+                                          COMPRESSION_ADOBE_DEFLATE, COMPRESSION_DEFLATE,
+                                          COMPRESSION_PACKBITS};
+    return std::find(known.begin(), known.end(), compression) != known.end();
+}
+
+bool hasPredictor(int compression) {
+    return compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE ||
+           compression == COMPRESSION_DEFLATE;
+}
+
+void setProperties(TIFF* tiff, const StoredProperties& properties) {
+    TIFFSetField(tiff, TIFFTAG_ORIENTATION, properties.orientation.value_or(ORIENTATION_TOPLEFT));
+    for (const StoredProperties::Text& text : properties.texts)
+        TIFFSetField(tiff, text.tag, text.value.c_str());
+    if (!properties.dpi)
+        return;
+    TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+    TIFFSetField(tiff, TIFFTAG_XRESOLUTION, properties.dpi->x);
+    TIFFSetField(tiff, TIFFTAG_YRESOLUTION, properties.dpi->y);
+}
+
+void setLayout(TIFF* tiff, const Bitmap& bitmap, bool opaque, int compression) {
+    constexpr std::int64_t stripSize = 256 << 10;
+    const std::int64_t rowSize = bitmap.width() * (opaque ? 3 : 4);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(bitmap.width()));
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(bitmap.height()));
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, opaque ? 3 : 4);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression);
+    if (hasPredictor(compression))
+        TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
+    const std::int64_t rows = std::clamp<std::int64_t>(stripSize / rowSize, 1, bitmap.height());
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, static_cast<std::uint32_t>(rows));
+    const std::uint16_t alpha = EXTRASAMPLE_ASSOCALPHA;
+    if (!opaque)
+        TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &alpha);
+}
+
+bool writeRows(TIFF* tiff, const Bitmap& bitmap, bool opaque) {
+    RgbaRows rows(bitmap);
+    // The codec may turn the row into differences in place.
+    std::vector<std::uint8_t> out(static_cast<std::size_t>(bitmap.bytesPerRow()));
+    for (std::int64_t y = 0; y < bitmap.height(); ++y) {
+        if (opaque)
+            dropAlpha(rows(y), out.data(), bitmap.width());
+        else
+            std::memcpy(out.data(), rows(y), out.size());
+        if (TIFFWriteScanline(tiff, out.data(), static_cast<std::uint32_t>(y), 0) != 1)
+            return false;
+    }
+    return true;
+}
+
+/// The Exif directory stands on its own in the file, and the page then points to it.
+bool writeExifDirectory(TIFF* tiff, tdir_t page, const StoredProperties& properties) {
+    if (properties.exifTexts.empty())
+        return true;
+    std::uint64_t offset = 0;
+    if (TIFFCreateEXIFDirectory(tiff) != 0)
+        return false;
+    for (const StoredProperties::Text& text : properties.exifTexts)
+        TIFFSetField(tiff, text.tag, text.value.c_str());
+    if (TIFFWriteCustomDirectory(tiff, &offset) != 1 || TIFFSetDirectory(tiff, page) != 1)
+        return false;
+    TIFFSetField(tiff, TIFFTAG_EXIFIFD, offset);
+    return TIFFRewriteDirectory(tiff) == 1;
+}
+
+bool writePage(TIFF* tiff, const Frame& frame, tdir_t page, std::size_t pageCount) {
+    const int compression = frame.tiffCompression.value_or(COMPRESSION_NONE);
+    if (!isKnown(compression))
+        return false;
+    const bool opaque = isOpaque(*frame.bitmap);
+    const StoredProperties properties = storedProperties(frame.properties);
+    setLayout(tiff, *frame.bitmap, opaque, compression);
+    setProperties(tiff, properties);
+    if (pageCount > 1)
+        TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, FILETYPE_PAGE);
+    if (!properties.exifTexts.empty())
+        TIFFSetField(tiff, TIFFTAG_EXIFIFD, std::uint64_t{0});
+    return writeRows(tiff, *frame.bitmap, opaque) && TIFFWriteDirectory(tiff) == 1 &&
+           writeExifDirectory(tiff, page, properties);
+}
+
+} // namespace
+
+std::optional<Data> encodeTiff(std::span<const Frame> frames) {
+    constexpr std::size_t maximumPages = 65'000;
+    std::int64_t byteCount = 0;
+    for (const Frame& frame : frames)
+        byteCount += frame.bitmap->byteCount();
+    MemoryFile file;
+    Tiff tiff = openForWriting(file, byteCount);
+    if (!tiff || frames.size() > maximumPages)
+        return std::nullopt;
+    for (std::size_t page = 0; page < frames.size(); ++page)
+        if (!writePage(tiff.get(), frames[page], static_cast<tdir_t>(page), frames.size()))
+            return std::nullopt;
+    tiff.reset();
+    return std::move(file.bytes);
+}
+
+} // namespace zorvan::imageio

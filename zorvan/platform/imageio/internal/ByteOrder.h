@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace zorvan::imageio {
+
+using Bytes = std::span<const std::byte>;
+
+/// Big-endian numbers at a position; 0 where the bytes end before.
+inline std::uint64_t bigEndian(Bytes bytes, std::size_t offset, std::size_t width) noexcept {
+    if (width > bytes.size() || offset > bytes.size() - width)
+        return 0;
+    std::uint64_t value = 0;
+    for (std::size_t i = 0; i < width; ++i)
+        value = value << 8 | std::to_integer<std::uint64_t>(bytes[offset + i]);
+    return value;
+}
+
+inline std::uint16_t big16(Bytes bytes, std::size_t offset) noexcept {
+    return static_cast<std::uint16_t>(bigEndian(bytes, offset, 2));
+}
+
+inline std::uint32_t big32(Bytes bytes, std::size_t offset) noexcept {
+    return static_cast<std::uint32_t>(bigEndian(bytes, offset, 4));
+}
+
+} // namespace zorvan::imageio

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <zorvan/platform/foundation/Data.h>
+#include <zorvan/platform/foundation/PropertyList.h>
+#include <zorvan/platform/imageio/internal/ByteOrder.h>
+#include <zorvan/platform/imageio/internal/Outline.h>
+
+#include <optional>
+
+namespace zorvan::imageio {
+
+// An Exif block is a small TIFF file inside a picture; it begins with its byte order mark.
+
+/// The orientation, 1 to 8, read by a walk of our own over the first directory: it is there even
+/// when the rest of the block is broken.
+std::optional<int> exifOrientation(Bytes block) noexcept;
+
+/// Puts what the block says into the dictionaries "{TIFF}", "{Exif}" and "{GPS}".
+void addExifProperties(Bytes block, PropertyList::Dictionary& properties);
+
+/// The small JPEG inside the block; empty when there is none.
+Data exifThumbnail(Bytes block);
+
+/// The resolution in pixels per inch that "{TIFF}" states, if it does.
+std::optional<Outline::Resolution> exifResolution(const PropertyList::Dictionary& properties);
+
+/// The block without the "Exif\0\0" that some containers put before it.
+Bytes withoutExifSignature(Bytes block) noexcept;
+
+} // namespace zorvan::imageio

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <zorvan/platform/imageio/internal/ByteOrder.h>
+#include <zorvan/platform/imageio/internal/ByteSource.h>
+#include <zorvan/platform/imageio/internal/PictureSink.h>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace zorvan::imageio {
+
+/// Whether a file that begins so is of the HEIF family, with pictures in HEVC or AV1.
+bool isHeif(Bytes head) noexcept;
+
+struct PixelRect {
+    std::int64_t x = 0;
+    std::int64_t y = 0;
+    std::int64_t width = 0;
+    std::int64_t height = 0;
+    friend bool operator==(const PixelRect&, const PixelRect&) = default;
+};
+
+/// What the boxes of a HEIF file say about one picture.
+struct HeifPicture {
+    std::uint32_t item = 0;
+    /// The size of the coded picture.
+    PixelSize coded;
+    /// The part of the coded picture that is to be shown, in its own coordinates.
+    PixelRect crop;
+    /// The EXIF value that turns that part as the file's own rotations and mirrors do; absent when
+    /// it has none.
+    std::optional<int> orientation = {};
+    int depth = 8;
+    bool monochrome = false;
+    /// How the colour planes are sampled, in HEVC's numbers: 0 none, 1 half by half, 2 half width,
+    /// 3 full; absent when the boxes do not say.
+    std::optional<int> chroma = {};
+    bool hasAlpha = false;
+    /// The item that is a small version of this one.
+    std::optional<std::uint32_t> thumbnail = {};
+    /// Where the Exif item is.
+    struct Extent {
+        std::uint64_t offset;
+        std::uint64_t length;
+    };
+    std::optional<Extent> exif = {};
+};
+
+struct HeifFile {
+    /// The primary picture first, then the others that are pictures in their own right.
+    std::vector<HeifPicture> pictures = {};
+    /// Whether the data of every item lies within the file.
+    bool isComplete = true;
+};
+
+/// Reads the boxes that describe the pictures, not the pictures. Throws Failure.
+HeifFile readHeifBoxes(ByteSource& source);
+
+} // namespace zorvan::imageio

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <zorvan/platform/graphics/AreaDownscaler.h>
+#include <zorvan/platform/graphics/Bitmap.h>
+#include <zorvan/platform/imageio/ImageReader.h>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace zorvan::imageio {
+
+struct PixelSize {
+    std::int64_t width = 0;
+    std::int64_t height = 0;
+    friend bool operator==(const PixelSize&, const PixelSize&) = default;
+};
+
+/// Throws when a picture of this size is refused: before anything is allocated for it.
+void checkSize(PixelSize size);
+
+/// The size that a stored picture comes out at.
+PixelSize wantedSize(PixelSize stored, const DecodeOptions& options) noexcept;
+
+/// Takes the rows of a picture from a codec, the top one first, and makes the bitmap that was asked
+/// for: row by row, so that a picture that is to be small is never whole in memory.
+class PictureSink {
+public:
+    /// `source` is the size of what the codec gives; no side of `target` is longer.
+    PictureSink(PixelSize source, PixelSize target);
+    PictureSink(PictureSink&&) = delete;
+
+    /// Where the codec puts the next row: room for the source's width in RGBA, premultiplied.
+    std::uint8_t* row() noexcept;
+    /// The row is there.
+    void commit() noexcept;
+    /// After the last row.
+    Bitmap take() { return std::move(bitmap_); }
+
+private:
+    Bitmap bitmap_;
+    std::optional<AreaDownscaler> scaler_;
+    std::vector<std::uint8_t> buffer_;
+    std::int64_t next_ = 0;
+};
+
+} // namespace zorvan::imageio

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <zorvan/platform/imageio/internal/ByteSource.h>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include <tiffio.h>
+
+namespace zorvan::imageio {
+
+/// libtiff reading from a source of ours, with its reports kept to this file.
+class TiffFile {
+public:
+    /// Throws Failure when the first page cannot be read.
+    explicit TiffFile(ByteSource& source);
+    ~TiffFile();
+    TiffFile(const TiffFile&) = delete;
+    TiffFile& operator=(const TiffFile&) = delete;
+
+    TIFF* get() const noexcept { return tiff_; }
+
+    struct Page {
+        tdir_t directory;
+        /// A reduced version of the page in the main chain.
+        std::optional<tdir_t> reducedDirectory = {};
+    };
+    const std::vector<Page>& pages() const noexcept { return pages_; }
+
+    /// Makes the directory the current one. Throws Failure.
+    void select(tdir_t directory);
+    void selectAt(std::uint64_t offset);
+
+    /// Throws what the failure of a call on the current directory comes down to.
+    [[noreturn]] void fail() const;
+    /// Throws when the pixels of that strip or tile do not lie within the file.
+    void checkWithinFile(std::uint32_t strile) const;
+
+    /// A field with one value.
+    template <class Value>
+    std::optional<Value> field(std::uint32_t tag) const {
+        Value value = {};
+        return TIFFGetField(tiff_, tag, &value) == 1 ? std::optional(value) : std::nullopt;
+    }
+    template <class Value>
+    Value fieldOrDefault(std::uint32_t tag, Value otherwise) const {
+        Value value = {};
+        return TIFFGetFieldDefaulted(tiff_, tag, &value) == 1 ? value : otherwise;
+    }
+
+private:
+    static tmsize_t read(thandle_t handle, void* out, tmsize_t size);
+    static toff_t seek(thandle_t handle, toff_t offset, int whence);
+
+    void findPages();
+
+    ByteSource& source_;
+    std::uint64_t position_ = 0;
+    bool reachedEnd_ = false;
+    TIFF* tiff_ = nullptr;
+    std::vector<Page> pages_ = {};
+};
+
+} // namespace zorvan::imageio
