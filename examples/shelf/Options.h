@@ -1,0 +1,44 @@
+#pragma once
+
+#include <zorvan/media/ImageExportFormat.h>
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+/// What the user asked for.
+struct Options {
+    std::vector<std::string> paths;
+
+    bool recursive = false;
+    bool hidden = false;
+    bool packages = false;
+    bool noLinks = false;
+    std::vector<std::string> types; // identifiers or extensions
+
+    std::optional<std::string> sheet;
+    zorvan::ImageExportFormat sheetFormat = zorvan::ImageExportFormat::png;
+    std::optional<std::int64_t> columns;
+    std::int64_t cell = 180;
+
+    std::optional<std::string> exportFolder;
+    std::int64_t exportSize = 1024;
+    zorvan::ImageExportFormat exportFormat = zorvan::ImageExportFormat::jpg;
+
+    bool json = false;
+    bool quiet = false;
+    bool quick = false;
+    bool help = false;
+};
+
+/// The command line makes no sense; the message says why.
+struct UsageError : std::runtime_error {
+    using runtime_error::runtime_error;
+};
+
+/// Throws `UsageError`.
+Options parseOptions(const std::vector<std::string>& arguments);
+
+extern const char* const helpText;

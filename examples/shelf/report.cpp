@@ -1,0 +1,96 @@
+#include "report.h"
+
+#include "displayText.h"
+
+#include <algorithm>
+#include <array>
+
+using zorvan::CGSize;
+
+namespace {
+
+constexpr std::size_t widestName = 48;
+
+using Row = std::array<std::string, 5>;
+
+std::string numberText(double value) { return std::to_string(static_cast<std::int64_t>(value)); }
+
+Row rowOf(const ListedFile& file, const PictureFacts& facts) {
+    Row row{shortened(forDisplay(file.name), widestName),
+            forDisplay(facts.type.value_or("unknown"))};
+    if (!facts.error.empty()) {
+        row[2] = "unreadable: " + forDisplay(facts.error);
+        return row;
+    }
+    row[2] = sizeText(*facts.size);
+    row[3] = std::to_string(facts.orientation);
+    row[4] = sizeText(*facts.uprightSize);
+    return row;
+}
+
+/// The reason of an unreadable picture runs over the columns after it, so it widens none.
+std::size_t columnWidth(const std::vector<Row>& rows, std::size_t column) {
+    std::size_t width = 0;
+    for (const Row& row : rows)
+        if (column < 2 || !row[3].empty())
+            width = std::max(width, displayWidth(row[column]));
+    return width;
+}
+
+std::string lineOf(const Row& row, const std::array<std::size_t, 5>& widths) {
+    std::string line;
+    for (std::size_t column = 0; column < row.size(); ++column)
+        line += padded(row[column], widths[column]) + "  ";
+    line.resize(line.find_last_not_of(' ') + 1);
+    return line + '\n';
+}
+
+std::string counted(std::size_t count, const char* what) {
+    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
+}
+
+} // namespace
+
+std::string sizeText(const CGSize& size) {
+    return numberText(size.width) + " x " + numberText(size.height);
+}
+
+std::string table(const std::vector<ListedFile>& files, const std::vector<PictureFacts>& facts) {
+    if (files.empty())
+        return {};
+    std::vector<Row> rows{{"Name", "Type", "Size", "Orientation", "Upright"}};
+    for (std::size_t i = 0; i < files.size(); ++i)
+        rows.push_back(rowOf(files[i], facts[i]));
+    std::array<std::size_t, 5> widths{};
+    for (std::size_t column = 0; column < widths.size(); ++column)
+        widths[column] = columnWidth(rows, column);
+    std::string text;
+    for (const Row& row : rows)
+        text += lineOf(row, widths);
+    const auto unreadable = static_cast<std::size_t>(std::count_if(
+        facts.begin(), facts.end(), [](const PictureFacts& fact) { return !fact.error.empty(); }));
+    text += '\n' + counted(files.size(), "file");
+    if (unreadable > 0)
+        text += ", " + std::to_string(unreadable) + " unreadable";
+    return text + '\n';
+}
+
+std::string json(const std::vector<ListedFile>& files, const std::vector<PictureFacts>& facts) {
+    std::string text = "[";
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const PictureFacts& fact = facts[i];
+        const auto number = [](const std::optional<CGSize>& size, double CGSize::*side) {
+            return size ? numberText((*size).*side) : std::string("null");
+        };
+        text += i == 0 ? "\n" : ",\n";
+        text += "  {\"path\": " + quotedForJSON(files[i].url.path());
+        text += ", \"type\": " + (fact.type ? quotedForJSON(*fact.type) : "null");
+        text += ", \"width\": " + number(fact.size, &CGSize::width);
+        text += ", \"height\": " + number(fact.size, &CGSize::height);
+        text += ", \"orientation\": " + (fact.size ? std::to_string(fact.orientation) : "null");
+        text += ", \"uprightWidth\": " + number(fact.uprightSize, &CGSize::width);
+        text += ", \"uprightHeight\": " + number(fact.uprightSize, &CGSize::height);
+        text += ", \"error\": " + (fact.error.empty() ? "null" : quotedForJSON(fact.error)) + "}";
+    }
+    return text + (files.empty() ? "]\n" : "\n]\n");
+}

@@ -1,0 +1,323 @@
+#include "Program.h"
+#include "displayText.h"
+
+#include <zorvan/media/CGImage.h>
+#include <zorvan/media/CGImageSource.h>
+
+#include <algorithm>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <sys/stat.h>
+#include <thread>
+
+using nlohmann::json;
+using namespace zorvan;
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+class Shelf : public testing::Test {
+protected:
+    void picture(const std::string& name, std::int64_t width = 60, std::int64_t height = 40) {
+        fs::create_directories((folder.path / name).parent_path());
+        const auto image = CGImage::empty(width, height);
+        const std::string extension = fs::path(name).extension();
+        const Data bytes =
+            *image->data(extension == ".png" ? ImageExportFormat::png : ImageExportFormat::jpg);
+        write(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    }
+    void write(const std::string& name, std::string_view bytes) {
+        std::ofstream(folder.path / name, std::ios::binary) << bytes;
+    }
+    std::string read(const std::string& name) {
+        std::ifstream stream(folder.path / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+    std::string at(const std::string& name) const { return folder.path / name; }
+
+    Outcome shelf(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), SHELF_PROGRAM);
+        return run(arguments);
+    }
+    /// The names that the JSON of a run has, relative to the folder.
+    std::vector<std::string> listed(std::vector<std::string> arguments) {
+        arguments.push_back("--json");
+        const Outcome outcome = shelf(arguments);
+        EXPECT_EQ(outcome.status, 0) << outcome.errors;
+        std::vector<std::string> names;
+        for (const auto& fact : json::parse(outcome.output))
+            names.push_back(
+                fs::path(fact.at("path").get<std::string>()).lexically_relative(folder.path));
+        return names;
+    }
+    std::vector<std::string> filesIn(const std::string& name) {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder.path / name))
+            names.push_back(entry.path().filename());
+        return names;
+    }
+    CGSize sizeOf(const std::string& name) {
+        return CGImage::imageSize(URL({.fileURLWithPath = at(name)})).value_or(CGSize());
+    }
+
+    TemporaryFolder folder;
+};
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+} // namespace
+
+TEST_F(Shelf, helpsAndRefusesNonsense) {
+    const Outcome help = shelf({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_TRUE(help.output.starts_with("Usage: shelf [OPTIONS] PATH...\n"));
+    for (const std::string& line : linesOf(help.output))
+        EXPECT_LE(displayWidth(line), 80u) << line;
+
+    struct {
+        std::vector<std::string> arguments;
+        const char* complaint;
+    } table[] = {
+        {{}, "shelf: name a picture or a folder of pictures\n"},
+        {{"--frob", "."}, "shelf: unknown option '--frob'\n"},
+        {{".", "--size"}, "shelf: --size takes a value\n"},
+        {{".", "--size", "0"}, "shelf: --size takes a number from 1 to 65535, not '0'\n"},
+        {{".", "--cell=12x"}, "shelf: --cell takes a number from 1 to 4096, not '12x'\n"},
+        {{".", "--columns", "99999999999999999999"}, "not '99999999999999999999'\n"},
+        {{".", "--format", "bmp"}, "shelf: --format takes png, jpg, tiff or heic, not 'bmp'\n"},
+        {{".", "-o", "sheet"}, "shelf: --output takes png, jpg, tiff or heic, not ''\n"},
+        {{".", "--quiet=yes"}, "shelf: --quiet takes no value\n"},
+        {{".", "--quick", "-o", "a.png"}, "--quick is for a list alone"},
+        {{".", "--json", "--quiet"}, "exclude each other"},
+    };
+    for (const auto& row : table) {
+        const Outcome outcome = shelf(row.arguments);
+        EXPECT_EQ(outcome.status, 2) << row.complaint;
+        EXPECT_THAT(outcome.errors, HasSubstr(row.complaint));
+        EXPECT_EQ(outcome.output, "");
+    }
+}
+
+TEST_F(Shelf, namesWhatIsMissing) {
+    picture("a.jpg");
+    const Outcome outcome = shelf({at("a.jpg"), at("none"), at("n\ne"), "-o", at("sheet.png")});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.errors, "shelf: " + at("none") + ": no such file or folder\nshelf: " +
+                                  at("n\\ne") + ": no such file or folder\n");
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_FALSE(fs::exists(at("sheet.png")));
+}
+
+TEST_F(Shelf, listsWhatItsOptionsSay) {
+    for (const char* name : {"img10.jpg", "IMG9.png", "sub/a.jpg", ".hidden.jpg", "doc.rtfd/b.jpg"})
+        picture(name);
+    write("notes.txt", "no picture");
+    fs::create_symlink("img10.jpg", folder.path / "link.jpg");
+    const std::string root = folder.path;
+    EXPECT_THAT(listed({root}), ElementsAre("IMG9.png", "img10.jpg", "link.jpg"));
+    EXPECT_THAT(listed({root, "--no-links", "-r"}),
+                ElementsAre("IMG9.png", "img10.jpg", "sub/a.jpg"));
+    EXPECT_THAT(listed({root, "--hidden", "--packages", "--recursive", "--no-links"}),
+                ElementsAre(".hidden.jpg", "doc.rtfd/b.jpg", "IMG9.png", "img10.jpg", "sub/a.jpg"));
+    for (const char* type : {"png", ".PNG", "public.png"})
+        EXPECT_THAT(listed({root, "--type", type}), ElementsAre("IMG9.png")) << type;
+    EXPECT_THAT(listed({root, "--type", "png", "--type", "public.jpeg", "--no-links"}),
+                ElementsAre("IMG9.png", "img10.jpg"));
+    EXPECT_THAT(listed({root, "--type", "public.movie"}), ElementsAre());
+    // Given by name, a file needs no extension, and counts once.
+    fs::rename(at("IMG9.png"), at("bare"));
+    EXPECT_THAT(listed({at("sub"), at("bare"), at("sub/a.jpg")}), ElementsAre("sub/a.jpg", "bare"));
+}
+
+TEST_F(Shelf, printsAnAlignedTable) {
+    picture("日本.jpg", 300, 20);
+    picture("with a\nbreak.png", 4, 4);
+    picture(std::string(90, 'n') + ".jpg");
+    write("caf\xE9.jpg", "not a picture at all");
+    const Outcome outcome = shelf({folder.path});
+    EXPECT_EQ(outcome.status, 0);
+    const auto lines = linesOf(outcome.output);
+    ASSERT_EQ(lines.size(), 7u) << outcome.output;
+    EXPECT_TRUE(lines[0].starts_with("Name "));
+    const std::size_t column = displayWidth(lines[0].substr(0, lines[0].find("Type")));
+    for (std::size_t i = 1; i <= 4; ++i)
+        EXPECT_EQ(displayWidth(lines[i].substr(0, lines[i].find("public."))), column) << lines[i];
+    EXPECT_THAT(outcome.output, HasSubstr("with a\\nbreak.png"));
+    EXPECT_THAT(outcome.output, HasSubstr("caf\\xE9.jpg"));
+    EXPECT_THAT(outcome.output, HasSubstr("unreadable: "));
+    EXPECT_THAT(outcome.output, HasSubstr("300 x 20"));
+    EXPECT_EQ(lines[6], "4 files, 1 unreadable");
+    EXPECT_EQ(outcome.errors, "");
+}
+
+TEST_F(Shelf, staysSilentWhenTold) {
+    picture("a.jpg");
+    const Outcome outcome = shelf({folder.path, "-q", "-o", at("sheet.jpg")});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output + outcome.errors, "");
+}
+
+TEST_F(Shelf, printsJSONForMachines) {
+    picture("a.jpg", 300, 20);
+    write("bad\xFF.png", "x");
+    const Outcome outcome = shelf({folder.path, "--json"});
+    EXPECT_EQ(outcome.status, 0);
+    const json facts = json::parse(outcome.output);
+    ASSERT_EQ(facts.size(), 2u);
+    EXPECT_EQ(facts[0], json({{"path", at("a.jpg")},
+                              {"type", "public.jpeg"},
+                              {"width", 300},
+                              {"height", 20},
+                              {"orientation", 1},
+                              {"uprightWidth", 300},
+                              {"uprightHeight", 20},
+                              {"error", nullptr}}));
+    EXPECT_EQ(facts[1].at("path"), at("bad\uFFFD.png"));
+    EXPECT_TRUE(facts[1].at("width").is_null());
+    EXPECT_TRUE(facts[1].at("error").is_string());
+
+    const Outcome nothing = shelf({folder.path, "--json", "--type", "gif"});
+    EXPECT_EQ(nothing.status, 0);
+    EXPECT_EQ(json::parse(nothing.output), json::array());
+}
+
+TEST_F(Shelf, noticesWhatIsCutShortUnlessInAHurry) {
+    const std::string cut = std::string(SAMPLES) + "/unreadable/truncated.jpg";
+    const auto error = [&](std::vector<std::string> arguments) {
+        return json::parse(shelf(arguments).output)[0].at("error");
+    };
+    EXPECT_TRUE(error({cut, "--json"}).is_string());
+    EXPECT_TRUE(error({cut, "--json", "--quick"}).is_null());
+}
+
+TEST_F(Shelf, neverWaitsForAPipe) {
+    ASSERT_EQ(mkfifo(at("pipe.jpg").c_str(), 0600), 0);
+    const Outcome outcome = shelf({folder.path});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.output, HasSubstr("not a regular file"));
+}
+
+TEST_F(Shelf, exportsWithoutEverOverwriting) {
+    picture("in/a.jpg", 400, 100);
+    picture("in/a.png", 30, 20);
+    write("in/broken.jpg", "x");
+    for (int round = 0; round < 2; ++round) {
+        const Outcome outcome = shelf(
+            {at("in"), "--export", at("out/deep"), "--size", "200", "--format", "png", "--quiet"});
+        EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    }
+    EXPECT_THAT(filesIn("out/deep"),
+                UnorderedElementsAre("a.png", "a (0).png", "a (1).png", "a (2).png"));
+    EXPECT_EQ(sizeOf("out/deep/a.png"), CGSize(200, 50));
+    EXPECT_EQ(sizeOf("out/deep/a (0).png"), CGSize(30, 20));
+    EXPECT_EQ(sizeOf("out/deep/a (1).png"), CGSize(200, 50));
+}
+
+TEST_F(Shelf, severalExportsAtOnceKeepOutOfEachOthersWay) {
+    for (int i = 0; i < 10; ++i)
+        picture("in" + std::to_string(i) + "/a.jpg", 20 + i, 20);
+    std::vector<std::string> roots;
+    for (int i = 0; i < 10; ++i)
+        roots.push_back(at("in" + std::to_string(i)));
+    {
+        std::vector<std::jthread> runs;
+        for (int process = 0; process < 4; ++process)
+            runs.emplace_back([&] {
+                std::vector<std::string> arguments{"--export", at("out"), "-q"};
+                arguments.insert(arguments.end(), roots.begin(), roots.end());
+                EXPECT_EQ(shelf(arguments).status, 0);
+            });
+    }
+    std::map<double, int> widths;
+    for (const std::string& name : filesIn("out"))
+        ++widths[sizeOf("out/" + name).width];
+    EXPECT_EQ(widths.size(), 10u);
+    for (const auto& [width, count] : widths)
+        EXPECT_EQ(count, 4) << width;
+}
+
+TEST_F(Shelf, makesSheetsInEachFormat) {
+    for (int i = 0; i < 7; ++i)
+        picture("in/" + std::to_string(i) + ".jpg");
+    write("in/8.jpg", "broken");
+    for (const char* extension : {"png", "jpg", "tiff", "heic"}) {
+        const std::string sheet = std::string("sheet.") + extension;
+        const Outcome outcome =
+            shelf({at("in"), "-o", at(sheet), "--columns", "3", "--cell", "50", "-q"});
+        EXPECT_EQ(outcome.status, 0) << outcome.errors;
+        EXPECT_EQ(sizeOf(sheet), CGSize(48 + 3 * 50 + 2 * 20, 48 + 3 * 90 + 2 * 20)) << extension;
+        const auto source = CGImageSource::create(URL({.fileURLWithPath = at(sheet)}));
+        EXPECT_EQ(source->type(), ImageExportFormat::make({.pathExt = extension})->cgType());
+    }
+    EXPECT_THAT(filesIn(""),
+                UnorderedElementsAre("in", "sheet.png", "sheet.jpg", "sheet.tiff", "sheet.heic"));
+}
+
+TEST_F(Shelf, leavesItsOwnSheetOutOfTheNextOne) {
+    picture("a.jpg");
+    for (int round = 0; round < 2; ++round)
+        EXPECT_EQ(shelf({folder.path, "-q", "-o", at("sheet.png"), "--cell", "50"}).status, 0);
+    EXPECT_EQ(sizeOf("sheet.png"), CGSize(98, 138));
+}
+
+TEST_F(Shelf, keepsTheOldSheetWhenTheNewOneFails) {
+    picture("in/a.jpg");
+    write("sheet.png", "old");
+    fs::create_directory(at("out.png"));
+    const Outcome folderInTheWay = shelf({at("in"), "-q", "-o", at("out.png")});
+    EXPECT_EQ(folderInTheWay.status, 1);
+    EXPECT_EQ(folderInTheWay.errors, "shelf: " + at("out.png") + ": the sheet cannot be written\n");
+
+    const Outcome tooLarge = run({"sh", "-c", "ulimit -f 0; exec \"$@\" 2>&1", "sh", SHELF_PROGRAM,
+                                  at("in"), "-q", "-o", at("sheet.png")});
+    EXPECT_NE(tooLarge.status, 0);
+    EXPECT_EQ(read("sheet.png"), "old");
+
+    const Outcome noFolder = shelf({at("in"), "-o", at("none/sheet.png")});
+    EXPECT_EQ(noFolder.status, 1);
+    EXPECT_EQ(noFolder.errors, "shelf: " + at("none") + ": no such folder\n");
+
+    const Outcome huge = shelf({at("in"), "-o", at("sheet.png"), "--cell", "4096"});
+    EXPECT_EQ(huge.status, 0) << huge.errors;
+}
+
+TEST_F(Shelf, endsWithOneWhenNothingCouldBeWritten) {
+    picture("a.jpg");
+    write("broken.jpg", "x");
+    const Outcome noneReadable = shelf({at("broken.jpg"), "--export", at("out")});
+    EXPECT_EQ(noneReadable.status, 1);
+    EXPECT_THAT(noneReadable.errors, HasSubstr("no picture could be read"));
+
+    const Outcome blocked = shelf({at("a.jpg"), "--export", at("a.jpg") + "/out"});
+    EXPECT_EQ(blocked.status, 1);
+    EXPECT_THAT(blocked.errors, HasSubstr(at("a.jpg") + "/out: "));
+
+    const Outcome fullOutput =
+        run({"sh", "-c", "exec \"$@\" >/dev/full", "sh", SHELF_PROGRAM, at("a.jpg")});
+    EXPECT_EQ(fullOutput.status, 1);
+    EXPECT_THAT(fullOutput.errors, HasSubstr("standard output: "));
+}
+
+TEST_F(Shelf, worksWithoutFonts) {
+    picture("in/a.jpg");
+    fs::create_directory(at("fonts"));
+    write("fonts.conf",
+          "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM \"fonts.dtd\"><fontconfig><dir>" +
+              at("fonts") + "</dir><cachedir>" + at("cache") + "</cachedir></fontconfig>");
+    const Outcome outcome = run({"env", "FONTCONFIG_FILE=" + at("fonts.conf"), SHELF_PROGRAM,
+                                 at("in"), "-q", "-o", at("sheet.png")});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_TRUE(fs::exists(at("sheet.png")));
+}
