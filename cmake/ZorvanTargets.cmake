@@ -22,22 +22,31 @@ macro(zorvan_add_folders)
   endforeach()
 endmacro()
 
+# The file name of a component, without prefix and suffix: NumbersGeometry is zorvan-numbers-geometry.
+function(zorvan_library_name component result)
+  string(REGEX REPLACE "([a-z])([A-Z])" "\\1-\\2" dashed ${component})
+  string(TOLOWER zorvan-${dashed} name)
+  set(${result} ${name} PARENT_SCOPE)
+endfunction()
+
 # zorvan_library(<Component> SOURCES <file>... [USES <Component>...] [NEEDS <pkg-config module>...])
 #
 # Makes the shared library Zorvan::<Component>. USES names the components of this library that its
 # headers include; NEEDS names third-party modules, which stay private to the .cpp files.
 function(zorvan_library component)
   cmake_parse_arguments(arg "" "" "SOURCES;USES;NEEDS" ${ARGN})
-  string(REGEX REPLACE "([a-z])([A-Z])" "\\1-\\2" dashed ${component})
-  string(TOLOWER zorvan-${dashed} library)
+  zorvan_library_name(${component} library)
   add_library(${component} SHARED ${arg_SOURCES})
   add_library(Zorvan::${component} ALIAS ${component})
   set_target_properties(${component} PROPERTIES
-    OUTPUT_NAME ${library} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    OUTPUT_NAME ${library} VERSION ${PROJECT_VERSION}
+    # Before 1.0 a minor version may change the binary interface.
+    SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
     INSTALL_RPATH "$ORIGIN")
   target_compile_features(${component} PUBLIC cxx_std_20)
   target_include_directories(${component} PUBLIC
-    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   list(TRANSFORM arg_USES PREPEND Zorvan:: OUTPUT_VARIABLE used)
   target_link_libraries(${component} PUBLIC ${used}
                         PRIVATE $<BUILD_INTERFACE:zorvan_build_flags> Threads::Threads)
@@ -54,18 +63,19 @@ endfunction()
 function(zorvan_write_pkg_config library uses)
   set(required "")
   foreach(component ${uses})
-    string(REGEX REPLACE "([a-z])([A-Z])" "\\1-\\2" dashed ${component})
-    string(TOLOWER zorvan-${dashed} name)
+    zorvan_library_name(${component} name)
     list(APPEND required ${name})
   endforeach()
   list(JOIN required " " ZORVAN_PC_REQUIRES)
   set(ZORVAN_PC_NAME ${library})
+  file(RELATIVE_PATH ZORVAN_PC_UP /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/zorvan.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${library}.pc
           DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endfunction()
 
-# zorvan_finish_library(): Zorvan::Zorvan, which stands for every component, and the package files.
+# zorvan_finish_library(): what stands for all components: Zorvan::Zorvan, the headers that include a
+# whole family or everything, and the package files.
 function(zorvan_finish_library)
   get_property(components GLOBAL PROPERTY ZORVAN_COMPONENTS)
   add_library(Zorvan INTERFACE)
@@ -83,15 +93,55 @@ function(zorvan_finish_library)
           DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zorvan)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/zorvan DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
           FILES_MATCHING PATTERN "*.h" PATTERN internal EXCLUDE)
-  set(ZORVAN_PC_NAME zorvan)
+  zorvan_write_gathering_headers()
+  set(names "")
   foreach(component ${components})
-    string(REGEX REPLACE "([a-z])([A-Z])" "\\1-\\2" dashed ${component})
-    string(TOLOWER zorvan-${dashed} name)
+    zorvan_library_name(${component} name)
     list(APPEND names ${name})
   endforeach()
   list(JOIN names " " ZORVAN_PC_REQUIRES)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/zorvan-all.pc.in ${PROJECT_BINARY_DIR}/zorvan.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/zorvan.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+
+# Writes <zorvan/FAMILY.h> for every folder of zorvan/, and <zorvan/zorvan.h> for all of them. They are
+# made from what the folders hold, so that no header can be left out.
+function(zorvan_write_gathering_headers)
+  file(GLOB stale ${PROJECT_BINARY_DIR}/include/zorvan/*.h)
+  file(GLOB entries RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/zorvan/*)
+  foreach(entry ${entries})
+    get_filename_component(family ${entry} NAME)
+    zorvan_list_headers(${entry} headers)
+    if(headers AND NOT family STREQUAL platform)
+      list(JOIN headers "" ZORVAN_INCLUDES)
+      zorvan_write_gathering_header(${family})
+      list(REMOVE_ITEM stale ${PROJECT_BINARY_DIR}/include/zorvan/${family}.h)
+      string(APPEND everything ${ZORVAN_INCLUDES})
+    elseif(headers)
+      list(JOIN headers "" platform)
+    endif()
+  endforeach()
+  set(ZORVAN_INCLUDES "${everything}${platform}")
+  zorvan_write_gathering_header(zorvan)
+  list(REMOVE_ITEM stale ${PROJECT_BINARY_DIR}/include/zorvan/zorvan.h)
+  if(stale)
+    file(REMOVE ${stale})
+  endif()
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/include/zorvan DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+endfunction()
+
+# zorvan_list_headers(<folder> <result>): the #include lines of the public headers in and below a folder.
+function(zorvan_list_headers folder result)
+  file(GLOB_RECURSE headers RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS
+       ${PROJECT_SOURCE_DIR}/${folder}/*.h)
+  list(FILTER headers EXCLUDE REGEX "/internal/")
+  list(TRANSFORM headers REPLACE "(.+)" "#include <\\1>\n")
+  set(${result} ${headers} PARENT_SCOPE)
+endfunction()
+
+function(zorvan_write_gathering_header name)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/gathering-header.h.in
+                 ${PROJECT_BINARY_DIR}/include/zorvan/${name}.h @ONLY)
 endfunction()
 
 # zorvan_test(<name> SOURCES <file>... USES <Component>... [NEEDS <pkg-config module>...])

@@ -1,0 +1,121 @@
+// Set algebra over a million positions in ten thousand ranges, beside Boost.ICL and CRoaring.
+
+#include <zorvan/collections/IndexSet.h>
+
+#include <benchmark/benchmark.h>
+#include <boost/icl/interval_set.hpp>
+#include <roaring/roaring.hh>
+
+#include <cstdlib>
+#include <random>
+
+using namespace zorvan;
+
+namespace {
+
+using Interval = boost::icl::interval<std::int64_t>;
+using IntervalSet = boost::icl::interval_set<std::int64_t>;
+
+/// Ten thousand ranges of 100 positions on average, with gaps of the same mean.
+std::vector<IndexSet::Range> scatteredRanges(unsigned seed) {
+    std::mt19937 random(seed);
+    std::uniform_int_distribution<std::int64_t> length(1, 199);
+    std::vector<IndexSet::Range> ranges;
+    std::int64_t position = 0;
+    for (int i = 0; i < 10'000; ++i) {
+        position += length(random);
+        const std::int64_t upper = position + length(random);
+        ranges.push_back({position, upper});
+        position = upper + 1;
+    }
+    return ranges;
+}
+
+struct Ours {
+    using Set = IndexSet;
+    static Set make(const std::vector<IndexSet::Range>& ranges) {
+        Set set;
+        for (const auto range : ranges)
+            set.insert(range);
+        return set;
+    }
+    static Set unite(const Set& a, const Set& b) { return a.union_(b); }
+    static Set intersect(const Set& a, const Set& b) { return a.intersection(b); }
+    static bool contains(const Set& set, std::int64_t index) { return set.contains(index); }
+};
+
+struct BoostIcl {
+    using Set = IntervalSet;
+    static Set make(const std::vector<IndexSet::Range>& ranges) {
+        Set set;
+        for (const auto range : ranges)
+            set.insert(Interval::right_open(range.lower, range.upper));
+        return set;
+    }
+    static Set unite(const Set& a, const Set& b) { return a + b; }
+    static Set intersect(const Set& a, const Set& b) { return a & b; }
+    static bool contains(const Set& set, std::int64_t index) {
+        return boost::icl::contains(set, index);
+    }
+};
+
+struct CRoaring {
+    using Set = Roaring;
+    static Set make(const std::vector<IndexSet::Range>& ranges) {
+        Set set;
+        for (const auto range : ranges)
+            set.addRange(static_cast<std::uint64_t>(range.lower),
+                         static_cast<std::uint64_t>(range.upper));
+        set.runOptimize();
+        return set;
+    }
+    static Set unite(const Set& a, const Set& b) { return a | b; }
+    static Set intersect(const Set& a, const Set& b) { return a & b; }
+    static bool contains(const Set& set, std::int64_t index) {
+        return set.contains(static_cast<std::uint32_t>(index));
+    }
+};
+
+template <class Peer>
+void unionOf(benchmark::State& state) {
+    const auto a = Peer::make(scatteredRanges(1)), b = Peer::make(scatteredRanges(2));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(Peer::unite(a, b));
+}
+
+template <class Peer>
+void intersectionOf(benchmark::State& state) {
+    const auto a = Peer::make(scatteredRanges(1)), b = Peer::make(scatteredRanges(2));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(Peer::intersect(a, b));
+}
+
+/// A million questions at random positions.
+template <class Peer>
+void containsMillion(benchmark::State& state) {
+    const auto set = Peer::make(scatteredRanges(1));
+    std::mt19937 random(3);
+    std::vector<std::int64_t> asked(1'000'000);
+    for (auto& index : asked)
+        index = static_cast<std::int64_t>(random() % 2'000'000);
+    for (auto _ : state) {
+        std::int64_t found = 0;
+        for (const std::int64_t index : asked)
+            found += Peer::contains(set, index);
+        benchmark::DoNotOptimize(found);
+    }
+}
+
+BENCHMARK(unionOf<Ours>);
+BENCHMARK(unionOf<BoostIcl>);
+BENCHMARK(unionOf<CRoaring>);
+BENCHMARK(intersectionOf<Ours>);
+BENCHMARK(intersectionOf<BoostIcl>);
+BENCHMARK(intersectionOf<CRoaring>);
+BENCHMARK(containsMillion<Ours>)->Unit(benchmark::kMillisecond);
+BENCHMARK(containsMillion<BoostIcl>)->Unit(benchmark::kMillisecond);
+BENCHMARK(containsMillion<CRoaring>)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,76 @@
+#!/bin/sh
+# thumbnail-bench.sh [ROUNDS]: the time and the peak memory of whole processes that make a 256-pixel
+# thumbnail of a 12-megapixel picture: shelf, vipsthumbnail and GraphicsMagick, taking turns.
+set -eu
+root=$(cd "$(dirname "$0")/.." && pwd)
+rounds=${1:-9}
+shelf=${ZORVAN_SHELF:-$root/build/bench/examples/shelf/shelf}
+work=$root/build/bench/thumbnails
+mkdir -p "$work/out"
+cd "$work"
+
+# 4000 x 3000 pixels with shapes, smooth skies and the grain of a camera.
+if [ ! -f large.heic ]; then
+    vips resize "$root/examples/samples/interlaced.png" shapes.v 12.5 --kernel cubic
+    vips crop shapes.v framed.v 0 0 4000 3000
+    vips gaussnoise grain.v 4000 3000 --sigma 5 --seed 1
+    vips add framed.v grain.v grainy.v
+    vips cast grainy.v picture.v uchar
+    vips copy picture.v large.png
+    vips copy picture.v 'large.jpg[Q=90]'
+    vips copy picture.v 'large.tiff[compression=lzw]'
+    heif-enc -q 80 -o unfinished.heic large.png >making-heic.log 2>&1
+    mv unfinished.heic large.heic
+    rm -f ./*.v
+fi
+
+run() { # PROGRAM PICTURE
+    set -- "$1" "$2" /usr/bin/time -f %M -a -o "$1.memory"
+    program=$1 picture=$2
+    shift 2
+    case $program in
+    shelf) "$@" "$shelf" "$picture" --export out --size 256 --format jpg ;;
+    vips) "$@" vipsthumbnail "$picture" --size 256x256 -o "$work/out/vips.jpg" ;;
+    gm) "$@" gm convert -size 512x512 "$picture" -thumbnail 256x256 out/gm.jpg ;;
+    esac
+}
+
+measure() { # PROGRAM PICTURE
+    start=$(date +%s%N)
+    if run "$1" "$2" >one.log 2>&1; then
+        echo $((($(date +%s%N) - start) / 1000)) >>"$1.time"
+    else
+        echo "$1 refuses $2: $(tail -n 1 one.log)" >"$1.refused"
+    fi
+}
+
+median() { # FILE
+    sort -n "$1" | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'
+}
+
+printf '%-11s %10s %10s %10s %10s %10s %9s %9s %9s\n' picture 'shelf ms' 'vips ms' 'gm ms' 'to vips' 'to gm' \
+    'shelf MB' 'vips MB' 'gm MB'
+for picture in large.jpg large.png large.tiff large.heic; do
+    rm -f ./*.time ./*.memory ./*.refused
+    round=0
+    while [ "$round" -lt "$rounds" ]; do
+        rm -f out/*
+        for program in shelf vips gm; do
+            measure "$program" "$picture"
+        done
+        round=$((round + 1))
+    done
+    for program in shelf vips gm; do
+        if [ -f "$program.time" ]; then
+            echo "$(median "$program.time") $(median "$program.memory")"
+        else
+            cat "$program.refused" >&2
+            echo '0 0'
+        fi
+    done | awk -v picture="$picture" '
+        { time[NR] = $1 / 1000; memory[NR] = $2 / 1024 }
+        function shown(value) { return value > 0 ? sprintf("%.1f", value) : "-" }
+        function ratio(peer) { return time[1] > 0 && peer > 0 ? sprintf("%.2f", time[1] / peer) : "-" }
+        END { printf "%-11s %10s %10s %10s %10s %10s %9s %9s %9s\n", picture, shown(time[1]), shown(time[2]), shown(time[3]),
+              ratio(time[2]), ratio(time[3]), shown(memory[1]), shown(memory[2]), shown(memory[3]) }'
+done

@@ -1,0 +1,121 @@
+#include <zorvan/collections/Array.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <set>
+
+using namespace zorvan;
+using Letters = std::vector<char>;
+
+TEST(Array, movesBlocks) {
+    struct {
+        IndexSet from;
+        std::int64_t to;
+        const char* after;
+        std::int64_t landing;
+    } table[] = {
+        {{0, 2}, 4, "bdace", 2}, {{3}, 0, "dabce", 0},    {{0, 1}, 5, "cdeab", 3},
+        {{1, 3}, 2, "abdce", 1}, {{0, 4}, 0, "aebcd", 0}, {{}, 3, "abcde", 3},
+        {{2}, 2, "abcde", 2},    {{1, 2}, 3, "abcde", 1}, {{0, 1, 2, 3, 4}, 5, "abcde", 0},
+    };
+    for (const auto& row : table) {
+        Letters list{'a', 'b', 'c', 'd', 'e'};
+        EXPECT_EQ(zorvan::move(list, row.from, row.to), row.landing);
+        EXPECT_EQ(std::string(list.begin(), list.end()), row.after);
+    }
+}
+
+TEST(Array, movesAndRemovesAsOneElementAtATimeWould) {
+    std::mt19937 random(11);
+    for (int round = 0; round < 2000; ++round) {
+        const int count = static_cast<int>(random() % 12);
+        std::vector<std::unique_ptr<int>> list;
+        std::vector<int> plain, indices;
+        IndexSet from;
+        for (int i = 0; i < count; ++i) {
+            list.push_back(std::make_unique<int>(i));
+            plain.push_back(i);
+            indices.push_back(i);
+            if (random() % 2)
+                from.insert(i);
+        }
+        const auto to = static_cast<std::int64_t>(random() % static_cast<unsigned>(count + 1));
+
+        std::int64_t rank = 0, below = 0;
+        std::vector<int> moved;
+        for (const std::int64_t p : from) {
+            below += p < to;
+            moved.push_back(plain[static_cast<std::size_t>(p - rank)]);
+            plain.erase(plain.begin() + (p - rank++));
+        }
+        const std::vector<int> rest = plain;
+        plain.insert(plain.begin() + (to - below), moved.begin(), moved.end());
+
+        ASSERT_EQ(zorvan::move(list, from, to), to - below);
+        const IndexSet selection = from.union_({0, 5});
+        const IndexSet after = selection.afterMoving(from, to);
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            ASSERT_TRUE(list[i]);
+            ASSERT_EQ(*list[i], plain[i]);
+            ASSERT_EQ(after.contains(static_cast<std::int64_t>(i)), selection.contains(plain[i]));
+        }
+        zorvan::remove(indices, from);
+        ASSERT_EQ(indices, rest);
+    }
+}
+
+TEST(ArrayDeathTest, refusesPositionsOutsideTheList) {
+    Letters list{'a', 'b'};
+    EXPECT_DEATH(zorvan::move(list, {0}, 3), "^A position lies outside the list.\n$");
+    EXPECT_DEATH(zorvan::move(list, {2}, 0), "outside the list");
+    EXPECT_DEATH(zorvan::remove(list, {0, 2}), "outside the list");
+    EXPECT_DEATH(at(list, {2}), "outside the list");
+    EXPECT_DEATH(chunked(list, 0), "at least one element");
+}
+
+TEST(Array, cutsAndKeepsEnds) {
+    std::vector<int> list{1, 2, 3, 2};
+    EXPECT_EQ(removeFirst(list, [](int i) { return i == 2; }), 2);
+    EXPECT_EQ(list, (std::vector<int>{1, 2, 3}));
+    EXPECT_EQ(removeFirst(list, [](int i) { return i == 9; }), std::nullopt);
+    EXPECT_EQ(keepingLast(std::vector{1, 2, 3, 4}, 2), (std::vector<int>{3, 4}));
+    EXPECT_EQ(keepingLast(std::vector{1}, 2), (std::vector<int>{1}));
+    EXPECT_EQ(keepingLast(std::vector{1}, -1), std::vector<int>{});
+    EXPECT_EQ(removingFirst(std::vector{1, 2}, 5), std::vector<int>{});
+    EXPECT_EQ(removingFirst(std::vector{1, 2}, -5), (std::vector<int>{1, 2}));
+    EXPECT_EQ(chunked(std::vector{1, 2, 3, 4, 5}, 2),
+              (std::vector<std::vector<int>>{{1, 2}, {3, 4}, {5}}));
+    const auto [first, second] = split(std::vector{1, 2, 3});
+    EXPECT_EQ(first, std::vector<int>{1});
+    EXPECT_EQ(second, (std::vector<int>{2, 3}));
+    EXPECT_EQ(safe(list, -1), std::nullopt);
+    EXPECT_EQ(safe(list, 3), std::nullopt);
+    EXPECT_EQ(popFirst(list), 1);
+    EXPECT_FALSE(moveUp(list, 0));
+    EXPECT_FALSE(moveDown(list, 1));
+    EXPECT_TRUE(moveDown(list, 0));
+    EXPECT_EQ(list, (std::vector<int>{3, 2}));
+    EXPECT_EQ(flat(std::vector<std::vector<int>>{{1}, {}, {2, 3}}), (std::vector<int>{1, 2, 3}));
+    EXPECT_EQ(compacted(std::optional(1), std::optional<int>(), std::optional(3)),
+              (std::vector<int>{1, 3}));
+}
+
+TEST(Array, drawsDistinctSamples) {
+    EXPECT_TRUE(distinctSamples(std::vector{1, 2, 3}, 0).empty());
+    EXPECT_TRUE(distinctSamples(std::vector<int>(), 5).empty());
+    // However many are asked for, it ends once all hundred have been drawn.
+    EXPECT_EQ(distinctSamples(std::vector{7}, std::numeric_limits<std::int64_t>::max()),
+              std::vector{7});
+    std::vector<int> list(250);
+    std::iota(list.begin(), list.end(), 0);
+    for (int round = 0; round < 50; ++round) {
+        const std::vector<int> drawn = distinctSamples(list, 1000);
+        EXPECT_LE(drawn.size(), 100u);
+        EXPECT_GT(drawn.size(), 50u);
+        EXPECT_EQ(std::set<int>(drawn.begin(), drawn.end()).size(), drawn.size());
+    }
+}

@@ -1,0 +1,150 @@
+#include <zorvan/collections/IndexSet.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <set>
+
+using namespace zorvan;
+using Range = IndexSet::Range;
+
+namespace {
+
+std::vector<std::int64_t> members(const IndexSet& set) { return {set.begin(), set.end()}; }
+
+/// What must hold of every set, whatever was done to it.
+void expectSound(const IndexSet& set) {
+    std::int64_t count = 0, previousUpper = -1;
+    for (const Range range : set.ranges()) {
+        ASSERT_LT(range.lower, range.upper);
+        ASSERT_GT(range.lower, previousUpper) << "ranges touch or overlap";
+        previousUpper = range.upper;
+        count += range.count();
+    }
+    ASSERT_EQ(set.count(), count);
+}
+
+void expectSame(const IndexSet& set, const std::set<std::int64_t>& model) {
+    expectSound(set);
+    ASSERT_EQ(members(set), std::vector<std::int64_t>(model.begin(), model.end()));
+}
+
+} // namespace
+
+TEST(IndexSet, isBuiltFromItsLabels) {
+    EXPECT_EQ(IndexSet({.i1 = 5, .i2 = 2}), IndexSet({2, 3, 4, 5}));
+    EXPECT_EQ(IndexSet({.loc = 2, .len = 3}), IndexSet({2, 3, 4}));
+    EXPECT_EQ(IndexSet({.location = 7, .length = 0}), IndexSet());
+    const IndexSet unsorted{4, 1, 4, 0}, million(Range{0, 1'000'000});
+    EXPECT_EQ(unsorted.description(), "{0...1, 4}");
+    EXPECT_EQ(million.ranges().size(), 1u);
+}
+
+TEST(IndexSet, holdsTheLargestPosition) {
+    const std::int64_t largest = IndexSet::maximumIndex;
+    const IndexSet set{largest, 0};
+    EXPECT_EQ(set.last(), largest);
+    EXPECT_TRUE(set.contains(largest));
+    EXPECT_FALSE(set.contains(std::numeric_limits<std::int64_t>::max()));
+    EXPECT_FALSE(set.contains(std::numeric_limits<std::int64_t>::min()));
+    EXPECT_EQ(set.integerGreaterThan(std::numeric_limits<std::int64_t>::max()), std::nullopt);
+    EXPECT_EQ(set.integerLessThan(std::numeric_limits<std::int64_t>::min()), std::nullopt);
+    EXPECT_EQ(set.integerLessThan(largest), 0);
+}
+
+TEST(IndexSetDeathTest, refusesWhatIsNoPosition) {
+    const std::int64_t tooLarge = std::numeric_limits<std::int64_t>::max();
+    EXPECT_DEATH(IndexSet({-1}), "^An index set holds no negative positions.\n$");
+    EXPECT_DEATH(IndexSet({tooLarge}), "^A position of an index set is too large.\n$");
+    EXPECT_DEATH(IndexSet({.loc = 1, .len = -1}),
+                 "^A range of an index set ends before it begins.\n$");
+    EXPECT_DEATH(IndexSet({.loc = tooLarge, .len = 1}), "too large");
+    EXPECT_DEATH(IndexSet({.loc = -5, .len = 3}), "negative");
+    EXPECT_DEATH(IndexSet({tooLarge - 1}).shift(0, 1), "too large");
+}
+
+TEST(IndexSet, shiftsAsAListDoes) {
+    struct {
+        IndexSet before;
+        std::int64_t index, delta;
+        IndexSet after;
+    } table[] = {
+        {{0, 1, 2, 5}, 1, 2, {0, 3, 4, 7}},
+        {{0, 1, 2, 5}, 5, -2, {0, 1, 2, 3}},
+        {{0, 1, 2, 5}, 2, -1, {0, 1, 4}},
+        {{0, 1, 2, 5}, 2, -2, {0, 3}},
+        {{3, 4}, 0, -4, {0}},
+        {{3, 4}, 2, std::numeric_limits<std::int64_t>::min(), {}},
+        {{3, 4}, 9, 5, {3, 4}},
+        {{0, 1}, 0, 0, {0, 1}},
+    };
+    for (auto& row : table) {
+        IndexSet shifted = row.before;
+        shifted.shift(row.index, row.delta);
+        EXPECT_EQ(shifted, row.after) << row.index << " by " << row.delta;
+        expectSound(shifted);
+    }
+}
+
+TEST(IndexSet, agreesWithAPlainSetUnderRandomOperations) {
+    std::mt19937 random(7);
+    const auto draw = [&random](std::int64_t below) {
+        return std::uniform_int_distribution<std::int64_t>(0, below - 1)(random);
+    };
+    for (int round = 0; round < 300; ++round) {
+        IndexSet set, other;
+        std::set<std::int64_t> model, otherModel;
+        const std::int64_t width = 1 + draw(60);
+        for (int step = 0; step < 40; ++step) {
+            const std::int64_t lower = draw(width);
+            const Range range{lower, lower + draw(6)};
+            const bool adds = draw(3) > 0, toOther = draw(2) == 0;
+            IndexSet& target = toOther ? other : set;
+            std::set<std::int64_t>& targetModel = toOther ? otherModel : model;
+            adds ? target.insert(range) : target.remove(range);
+            for (std::int64_t i = range.lower; i < range.upper; ++i)
+                adds ? void(targetModel.insert(i)) : void(targetModel.erase(i));
+            expectSame(target, targetModel);
+        }
+
+        std::set<std::int64_t> both, only, either, one;
+        for (std::int64_t i = 0; i < width + 6; ++i) {
+            const bool a = model.contains(i), b = otherModel.contains(i);
+            if (a && b)
+                both.insert(i);
+            if (a && !b)
+                only.insert(i);
+            if (a || b)
+                either.insert(i);
+            if (a != b)
+                one.insert(i);
+            ASSERT_EQ(set.contains(i), a);
+            const auto above = model.upper_bound(i), notBelow = model.lower_bound(i);
+            ASSERT_EQ(set.integerGreaterThan(i).value_or(-1), above == model.end() ? -1 : *above);
+            ASSERT_EQ(set.integerLessThan(i).value_or(-1),
+                      notBelow == model.begin() ? -1 : *std::prev(notBelow));
+            const std::int64_t upper = i + draw(8);
+            ASSERT_EQ(set.count(Range{i, upper}),
+                      std::distance(notBelow, model.lower_bound(upper)));
+            ASSERT_EQ(set.intersects(Range{i, upper}), set.count(Range{i, upper}) > 0);
+            ASSERT_EQ(set.contains(Range{i, upper}), set.count(Range{i, upper}) == upper - i);
+        }
+        expectSame(set.intersection(other), both);
+        expectSame(set.subtracting(other), only);
+        expectSame(set.union_(other), either);
+        expectSame(set.symmetricDifference(other), one);
+        ASSERT_EQ(set.intersects(other), !both.empty());
+        ASSERT_EQ(set.contains(other), both.size() == otherModel.size());
+    }
+}
+
+TEST(IndexSet, togglesAndMapsToPaths) {
+    IndexSet set{1, 2};
+    set.toggle(2);
+    set.toggle(7);
+    EXPECT_EQ(set, IndexSet({1, 7}));
+    EXPECT_EQ(set.toggling(1).singleIndex(), 7);
+    EXPECT_EQ(set.mapToIndexPaths(), (std::unordered_set<IndexPath>{{.item = 1, .section = 0},
+                                                                    {.item = 7, .section = 0}}));
+}

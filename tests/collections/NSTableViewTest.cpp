@@ -1,0 +1,246 @@
+#include <zorvan/collections/ManagedList.h>
+#include <zorvan/collections/NSTableView.h>
+#include <zorvan/collections/SelectableArray.h>
+#include <zorvan/platform/dispatch/NSNotificationCenter.h>
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace zorvan;
+using Calls = std::vector<ViewCall>;
+using Options = NSTableView::AnimationOptions;
+
+namespace {
+
+/// A cell view that remembers which item it was made for.
+struct ItemView : NSView {
+    explicit ItemView(int shown) : NSView(Key{}, {}), item(shown) {}
+    int item;
+};
+
+struct Source : NSTableViewDataSource, NSTableViewDelegate {
+    std::int64_t numberOfRows(const NSTableView&) const override {
+        return static_cast<std::int64_t>(items.size());
+    }
+    std::shared_ptr<NSView> view(NSTableView&, std::int64_t, std::int64_t row) override {
+        return std::make_shared<ItemView>(items[static_cast<std::size_t>(row)]);
+    }
+    double heightOfRow(const NSTableView&, std::int64_t row) const override {
+        return 10 + static_cast<double>(row % 3);
+    }
+    std::vector<int> items;
+};
+
+struct Fixture {
+    explicit Fixture(std::vector<int> items = {}, std::int64_t columns = 2) {
+        source->items = std::move(items);
+        table->setNumberOfColumns(columns);
+        table->setDataSource(source);
+        table->setDelegate(source);
+        table->setCallObserver([this](const ViewCall& call) { calls.push_back(call); });
+    }
+    /// Every cell view, made or found, stands where its item does.
+    void expectRows() {
+        ASSERT_EQ(table->numberOfRows(), static_cast<std::int64_t>(source->items.size()));
+        for (std::int64_t row = 0; row < table->numberOfRows(); ++row) {
+            const auto view = std::dynamic_pointer_cast<ItemView>(table->view(0, row, true));
+            ASSERT_TRUE(view);
+            ASSERT_EQ(view->item, source->items[static_cast<std::size_t>(row)]) << "row " << row;
+        }
+    }
+
+    std::shared_ptr<Source> source = std::make_shared<Source>();
+    std::shared_ptr<NSTableView> table = NSTableView::create();
+    Calls calls;
+};
+
+} // namespace
+
+TEST(NSTableView, showsEditionsByTheCallsThatFit) {
+    using Edition = SelectableArrayEdition;
+    struct {
+        Edition edition;
+        std::vector<int> items;
+        Calls calls;
+    } table[] = {
+        {Edition::Insert{2, 1},
+         {0, 8, 9, 1, 2},
+         {{"beginUpdates", ""}, {"insertRows", "{1...2}, 32"}, {"endUpdates", ""}}},
+        {Edition::Replace{1}, {0, 9, 2}, {{"reloadData", "{1}, {0...1}"}}},
+        {Edition::Remove{{0, 2}},
+         {1},
+         {{"beginUpdates", ""}, {"removeRows", "{0, 2}, 32"}, {"endUpdates", ""}}},
+        {Edition::Move{{0, 1}, 3},
+         {2, 0, 1},
+         {{"beginUpdates", ""}, {"moveRow", "0, 2"}, {"moveRow", "0, 2"}, {"endUpdates", ""}}},
+        {Edition::Select{{1}}, {0, 1, 2}, {{"selectRowIndexes", "{1}, not extending"}}},
+        {Edition::Reload{{0}},
+         {7, 8},
+         {{"reloadData", ""}, {"selectRowIndexes", "{0}, not extending"}}},
+    };
+    for (const auto& row : table) {
+        Fixture shown({0, 1, 2});
+        shown.expectRows();
+        shown.source->items = row.items;
+        shown.table->reloadEditedData(row.edition, Options::slideDown);
+        EXPECT_EQ(shown.calls, row.calls);
+        shown.expectRows();
+    }
+}
+
+TEST(NSTableView, showsManagedListEditions) {
+    const auto list = ManagedList<int>::create({0, 1, 2, 3});
+    Fixture shown({0, 1, 2, 3});
+    const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
+        NSNotificationName(ManagedList<int>::didReloadNotification), list, nullptr,
+        [&](const Notification& note) {
+            shown.source->items = list->items();
+            ManagedList<int>::ViewReloader(*ManagedList<int>::edition(note)).reload(*shown.table);
+        });
+    struct {
+        std::function<void()> change;
+        Calls calls;
+    } table[] = {
+        {[&] { list->setSelection({1, 2}); }, {{"selectRowIndexes", "{1...2}, not extending"}}},
+        {[&] { list->insert({9}, 0); },
+         {{"beginUpdates", ""}, {"insertRows", "{0}, 1"}, {"endUpdates", ""}, {"selectRowIndexes", "{}, not extending"}}},
+        {[&] { list->remove({0}); }, {{"beginUpdates", ""}, {"removeRows", "{0}, 1"}, {"endUpdates", ""}}},
+        {[&] { list->move({0}, 2); },
+         {{"reloadData", "{0...3}, {0...1}"}, {"selectRowIndexes", "{1}, not extending"}}},
+        {[&] { list->setFilter([](int item) { return item > 1; }); },
+         {{"reloadData", ""}, {"selectRowIndexes", "{}, not extending"}}},
+        {[&] { list->reverseOrder(); }, {{"reloadData", "{0...1}, {0...1}"}}},
+    };
+    for (const auto& row : table) {
+        shown.calls.clear();
+        row.change();
+        EXPECT_EQ(shown.calls, row.calls);
+        EXPECT_EQ(shown.table->selectedRowIndexes(), list->selection());
+        shown.expectRows();
+    }
+    NSNotificationCenter::defaultCenter()->removeObserver(observer);
+}
+
+TEST(NSTableView, followsAListThroughRandomEditions) {
+    std::mt19937 random(3);
+    for (int round = 0; round < 100; ++round) {
+        Fixture shown;
+        const auto list = SelectableArray<int>::create();
+        list->setEditionHandler([&](const SelectableArray<int>::Action& action) {
+            const SelectableArrayEdition edition = action();
+            shown.source->items = list->elements();
+            shown.table->reloadEditedData(edition, Options::effectFade);
+        });
+        int next = 0;
+        for (int step = 0; step < 40; ++step) {
+            IndexSet some;
+            for (std::int64_t i = 0; i < list->count(); ++i)
+                if (random() % 3 == 0)
+                    some.insert(i);
+            const auto place = static_cast<std::int64_t>(
+                random() % static_cast<unsigned>(list->count() + 1));
+            switch (random() % 6) {
+            case 0:
+            case 1:
+                list->insert({next, next + 1, next + 2}, place);
+                next += 3;
+                break;
+            case 2:
+                list->remove(some);
+                break;
+            case 3:
+                list->move(some, place);
+                break;
+            case 4:
+                list->select(some);
+                break;
+            case 5:
+                if (place < list->count())
+                    list->replace(next++, place);
+                break;
+            }
+            shown.expectRows();
+            ASSERT_EQ(shown.table->selectedRowIndexes(), list->selection());
+        }
+    }
+}
+
+TEST(NSTableViewDeathTest, catchesEditionsThatLie) {
+    Fixture shown({0, 1, 2});
+    EXPECT_DEATH(shown.table->reloadEditedData(SelectableArrayEdition::Remove{{0}}, Options::effectFade),
+                 "^After its updates a table view has 2 rows, but its data source has 3.\n$");
+    EXPECT_DEATH(shown.table->removeRows({3}, Options::effectNone),
+                 "^A row lies outside the table view.\n$");
+    EXPECT_DEATH(shown.table->insertRows({5}, Options::effectNone), "outside the table view");
+    EXPECT_DEATH(shown.table->endUpdates(),
+                 "^A table view ends updates that have not begun.\n$");
+}
+
+TEST(NSTableView, announcesASelectionOnceItDiffers) {
+    Fixture shown({0, 1, 2});
+    int announced = 0;
+    const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
+        NSNotificationName(NSTableView::selectionDidChangeNotification), shown.table, nullptr,
+        [&](const Notification&) { ++announced; });
+    shown.table->selectOnlyRows({1, 7});
+    shown.table->selectOnlyRow(1);
+    EXPECT_EQ(announced, 1);
+    shown.table->selectAlsoRow(2);
+    EXPECT_EQ(announced, 2);
+    EXPECT_EQ(shown.table->selectedRowIndexes(), IndexSet({1, 2}));
+    shown.table->setClickedRow(2);
+    EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet({1, 2}));
+    shown.table->setClickedRow(0);
+    EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet({0}));
+    shown.table->setClickedRow(-1);
+    EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet());
+    NSNotificationCenter::defaultCenter()->removeObserver(observer);
+}
+
+TEST(NSTableView, scrollsItsRowsIntoPlace) {
+    Fixture shown(std::vector<int>(100));
+    const auto scrollView = NSScrollView::create(CGRect(0, 0, 150, 50));
+    const auto shownFrom = [&] { return scrollView->contentView()->bounds().y(); };
+    scrollView->setDocumentView(shown.table);
+    shown.table->expandFirstColumnWidth();
+    EXPECT_EQ(shown.table->frame().size, CGSize(250, 1099)); // 10, 11, 12, 10 ...
+    EXPECT_EQ(shown.table->frameOfCell(1, 3), CGRect(150, 33, 100, 10));
+    EXPECT_EQ(shown.table->frameOfCell(2, 0), CGRect());
+    EXPECT_EQ(shown.table->row(33.0), 3);
+    EXPECT_EQ(shown.table->row(32.9), 2);
+    EXPECT_EQ(shown.table->row(1099.0), -1);
+
+    shown.table->scrollRowToVisible(2);
+    EXPECT_EQ(shownFrom(), 0);
+    shown.table->scrollRowToVisible(9);
+    EXPECT_EQ(shownFrom(), 109 - 50);
+    shown.table->selectOnlyRows({1, 99});
+    shown.table->scrollToFirstSelectedRow();
+    EXPECT_EQ(shownFrom(), 10);
+    shown.table->scrollToLastSelectedRow();
+    EXPECT_EQ(shownFrom(), 1099 - 50);
+    shown.table->centreRow(30, false);
+    EXPECT_EQ(shownFrom(), 330 + (10 - 50) * 0.5);
+    shown.table->scrollTopRow(0, true);
+    EXPECT_EQ(shownFrom(), 0);
+}
+
+TEST(NSTableView, keepsItsColumns) {
+    Fixture shown({0}, 3);
+    EXPECT_EQ(shown.table->lastCellView(), nullptr);
+    const auto made = shown.table->view(0, 0, true);
+    EXPECT_EQ(shown.table->firstCellView(), made);
+    EXPECT_EQ(shown.table->cell(1), nullptr);
+    shown.calls.clear();
+    shown.table->setNumberOfColumns(3);
+    EXPECT_TRUE(shown.calls.empty());
+    shown.table->reloadFirstAndLastColumnData();
+    EXPECT_EQ(shown.calls, (Calls{{"reloadData", "{0}, {0, 2}"}}));
+    EXPECT_EQ(shown.table->firstCellView(), nullptr);
+    shown.table->setNumberOfColumns(0);
+    EXPECT_EQ(shown.table->numberOfColumns(), 0);
+    shown.calls.clear();
+    shown.table->reloadFirstColumnData();
+    EXPECT_TRUE(shown.calls.empty());
+}

@@ -1,0 +1,148 @@
+#include <zorvan/collections/SelectableArray.h>
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace zorvan;
+using Edition = SelectableArrayEdition;
+using List = SelectableArray<char>;
+
+namespace {
+
+/// A list of letters that keeps the editions it hands out.
+struct Recorded {
+    explicit Recorded(std::string_view letters, IndexSet selection = {}) {
+        std::vector<List::Entry> entries;
+        for (const char letter : letters)
+            entries.push_back(
+                {selection.contains(static_cast<std::int64_t>(entries.size())), letter});
+        list->setEntries(std::move(entries));
+        list->setEditionHandler(
+            [this](const List::Action& action) { editions.push_back(action()); });
+    }
+    std::string letters() const { return {list->elements().begin(), list->elements().end()}; }
+
+    std::shared_ptr<List> list = List::create();
+    std::vector<Edition> editions;
+};
+
+} // namespace
+
+TEST(SelectableArray, tellsEveryChange) {
+    struct {
+        const char* name;
+        std::function<void(List&)> change;
+        const char* letters;
+        IndexSet selection;
+        std::optional<Edition> edition;
+    } table[] = {
+        {"insert",
+         [](List& l) {
+             l.insert({'x', 'y'}, 1);
+         },
+         "axybcde",
+         {4},
+         Edition::Insert{2, 1}},
+        {"append", [](List& l) { l.append({'x'}); }, "abcdex", {2}, Edition::Insert{1, 5}},
+        {"insert nothing", [](List& l) { l.insert({}, 1); }, "abcde", {2}, {}},
+        {"replace", [](List& l) { l.replace('x', 2); }, "abxde", {2}, Edition::Replace{2}},
+        {"remove",
+         [](List& l) {
+             l.remove({0, 1});
+         },
+         "cde",
+         {0},
+         Edition::Remove{{0, 1}}},
+        {"remove nothing", [](List& l) { l.remove({}); }, "abcde", {2}, {}},
+        {"remove selected",
+         [](List& l) { l.removeSelectedElements(); },
+         "abde",
+         {},
+         Edition::Remove{{2}}},
+        {"move",
+         [](List& l) {
+             l.move({0, 2}, 4);
+         },
+         "bdace",
+         {3},
+         Edition::Move{{0, 2}, 4}},
+        {"sort", [](List& l) { l.sort(std::greater<>{}); }, "edcba", {2}, Edition::Reload{{2}}},
+        {"reverse", [](List& l) { l.reverseElementsOrder(); }, "edcba", {2}, Edition::Reload{{2}}},
+        {"select",
+         [](List& l) {
+             l.select({1, 9});
+         },
+         "abcde",
+         {1},
+         Edition::Select{{1}}},
+        {"select the same", [](List& l) { l.select({2}); }, "abcde", {2}, {}},
+        {"select all",
+         [](List& l) { l.selectAll(); },
+         "abcde",
+         {0, 1, 2, 3, 4},
+         Edition::Select{{0, 1, 2, 3, 4}}},
+        {"next", [](List& l) { l.selectNext(10); }, "abcde", {4}, Edition::Select{{4}}},
+        {"previous", [](List& l) { l.selectPrevious(); }, "abcde", {1}, Edition::Select{{1}}},
+        {"far back",
+         [](List& l) { l.selectPrevious(std::numeric_limits<std::int64_t>::max()); },
+         "abcde",
+         {0},
+         Edition::Select{{0}}},
+        {"far",
+         [](List& l) { l.selectNext(std::numeric_limits<std::int64_t>::max()); },
+         "abcde",
+         {4},
+         Edition::Select{{4}}},
+    };
+    for (const auto& row : table) {
+        Recorded recorded("abcde", {2});
+        row.change(*recorded.list);
+        EXPECT_EQ(recorded.letters(), row.letters) << row.name;
+        EXPECT_EQ(recorded.list->selection(), row.selection) << row.name;
+        ASSERT_EQ(recorded.editions.size(), row.edition.has_value()) << row.name;
+        if (row.edition) {
+            EXPECT_EQ(recorded.editions[0], *row.edition) << row.name;
+        }
+    }
+}
+
+TEST(SelectableArray, reportsTheClippedSelection) {
+    Recorded recorded("abc");
+    recorded.list->select({5});
+    ASSERT_EQ(recorded.editions.size(), 1u);
+    EXPECT_EQ(recorded.editions[0], Edition(Edition::Select{{}}));
+}
+
+TEST(SelectableArray, staysQuietWhenEmpty) {
+    Recorded recorded("");
+    List& list = *recorded.list;
+    list.sort(std::less<>{});
+    list.reverseElementsOrder();
+    list.removeAllElements();
+    list.selectFirst();
+    list.selectLast();
+    list.selectNext();
+    list.selectAll();
+    EXPECT_TRUE(recorded.editions.empty());
+    EXPECT_TRUE(list.isSelectionFull());
+    EXPECT_FALSE(list.canSelectAll());
+    EXPECT_FALSE(list.canSelectPrevious());
+}
+
+TEST(SelectableArray, leavesTheChangeToTheHandler) {
+    const auto list = List::create();
+    List::Action kept;
+    list->setEditionHandler([&kept](const List::Action& action) { kept = action; });
+    list->append({'a'});
+    EXPECT_TRUE(list->elements().empty());
+    EXPECT_EQ(kept(), Edition(Edition::Insert{1, 0}));
+    EXPECT_EQ(list->count(), 1);
+}
+
+TEST(SelectableArrayDeathTest, refusesPositionsOutsideTheList) {
+    Recorded recorded("ab");
+    EXPECT_DEATH(recorded.list->insert({'x'}, 3), "outside the list");
+    EXPECT_DEATH(recorded.list->replace('x', 2), "outside the list");
+    EXPECT_DEATH(recorded.list->remove({2}), "outside the list");
+}

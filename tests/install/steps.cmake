@@ -1,0 +1,142 @@
+# One step of the package test: cmake -D STEP=<name> ... -P steps.cmake; CMakeLists.txt says what is given.
+
+cmake_minimum_required(VERSION 3.25)
+set(prefix ${WORK}/prefix)
+set(here ${SOURCE_TREE}/tests/install)
+set(strict "-Wall -Wextra -Wpedantic -Wconversion -Werror")
+
+# must_run(<command>...): stops with what the command printed when it fails; leaves that in `output`.
+macro(must_run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${ARGN}\nends with ${result}:\n${output}")
+  endif()
+endmacro()
+
+# Configures and builds a copy of a project that stands outside this tree.
+macro(build_consumer folder)
+  get_filename_component(name ${folder} NAME)
+  file(REMOVE_RECURSE ${WORK}/${name} ${WORK}/${name}-build)
+  file(COPY ${folder} DESTINATION ${WORK})
+  must_run(${CMAKE_COMMAND} -S ${WORK}/${name} -B ${WORK}/${name}-build -G ${GENERATOR}
+           -D CMAKE_PREFIX_PATH=${prefix} -D CMAKE_CXX_COMPILER=${COMPILER}
+           -D CMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER}
+           -D "CMAKE_CXX_FLAGS=${strict}" ${ARGN})
+  must_run(${CMAKE_COMMAND} --build ${WORK}/${name}-build)
+endmacro()
+
+macro(run_consumer name)
+  must_run(${WORK}/${name}-build/${name})
+endmacro()
+
+if(STEP STREQUAL install)
+  file(REMOVE_RECURSE ${WORK})
+  must_run(${CMAKE_COMMAND} --install ${BUILD_TREE} --prefix ${prefix})
+
+elseif(STEP STREQUAL remove)
+  file(REMOVE_RECURSE ${WORK})
+
+elseif(STEP STREQUAL no-internal-header)
+  file(GLOB_RECURSE headers RELATIVE ${prefix} ${prefix}/include/*)
+  if(NOT "include/zorvan/zorvan.h" IN_LIST headers)
+    message(FATAL_ERROR "no header is installed")
+  endif()
+  foreach(header ${headers})
+    if(header MATCHES "/internal/" OR NOT header MATCHES "[.]h$")
+      message(FATAL_ERROR "${header} is installed")
+    endif()
+  endforeach()
+
+elseif(STEP STREQUAL headers-stand-alone)
+  # A project with one file for each header that includes nothing else.
+  set(project ${WORK}/headers-stand-alone)
+  file(REMOVE_RECURSE ${project})
+  file(GLOB_RECURSE headers RELATIVE ${prefix}/include ${prefix}/include/*.h)
+  foreach(header ${headers})
+    string(MAKE_C_IDENTIFIER ${header} name)
+    file(WRITE ${project}/${name}.cpp "#include <${header}>\n")
+  endforeach()
+  file(WRITE ${project}/CMakeLists.txt
+       "cmake_minimum_required(VERSION 3.25)\n"
+       "project(HeadersStandAlone LANGUAGES CXX)\n"
+       "find_package(Zorvan REQUIRED)\n"
+       "file(GLOB sources *.cpp)\n"
+       "add_library(headers OBJECT \${sources})\n"
+       "set_target_properties(headers PROPERTIES NO_SYSTEM_FROM_IMPORTED ON)\n"
+       "target_compile_options(headers PRIVATE -fsyntax-only)\n"
+       "target_link_libraries(headers PRIVATE Zorvan::Zorvan)\n")
+  must_run(${CMAKE_COMMAND} -S ${project} -B ${project}-build -G ${GENERATOR}
+           -D CMAKE_PREFIX_PATH=${prefix} -D CMAKE_CXX_COMPILER=${COMPILER}
+           -D "CMAKE_CXX_FLAGS=${strict}")
+  must_run(${CMAKE_COMMAND} --build ${project}-build -- -k 0)
+
+elseif(STEP STREQUAL plain-families)
+  set(families NumbersGeometry Colour)
+  foreach(family ${families})
+    if(NOT family IN_LIST COMPONENTS)
+      list(REMOVE_ITEM families ${family})
+    endif()
+  endforeach()
+  build_consumer(${here}/plain-families -D "FAMILIES=${families}")
+  run_consumer(plain-families)
+  must_run(ldd ${WORK}/plain-families-build/plain-families)
+  string(REPLACE "\n" ";" lines "${output}")
+  foreach(line ${lines})
+    if(NOT line MATCHES "^[ \t]*(linux-vdso|libzorvan-|libstdc\\+\\+|libm|libgcc_s|libc|/lib.*/ld-linux|$)")
+      message(FATAL_ERROR "A program that uses ${families} needs${line}")
+    endif()
+    if(line MATCHES "libzorvan-" AND NOT line MATCHES "${prefix}/")
+      message(FATAL_ERROR "The program does not use the installed library:${line}")
+    endif()
+  endforeach()
+
+elseif(STEP STREQUAL every-family)
+  build_consumer(${here}/every-family -D "FAMILIES=${COMPONENTS}")
+  run_consumer(every-family)
+
+elseif(STEP STREQUAL unknown-component)
+  file(COPY ${here}/plain-families DESTINATION ${WORK}/unknown)
+  execute_process(COMMAND ${CMAKE_COMMAND} -S ${WORK}/unknown/plain-families -B ${WORK}/unknown/build
+                          -G ${GENERATOR} -D CMAKE_PREFIX_PATH=${prefix} -D FAMILIES=Gardening
+                  RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE output)
+  if(result EQUAL 0 OR NOT output MATCHES "Gardening")
+    message(FATAL_ERROR "A component that does not exist is not refused by its name:\n${output}")
+  endif()
+
+elseif(STEP STREQUAL pkg-config)
+  set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIBDIR}/pkgconfig)
+  set(ENV{LD_LIBRARY_PATH} ${prefix}/${LIBDIR})
+  must_run(pkg-config --print-errors --validate zorvan)
+  execute_process(COMMAND pkg-config --cflags --libs zorvan-numbers-geometry OUTPUT_VARIABLE flags)
+  separate_arguments(flags UNIX_COMMAND "${flags}")
+  file(MAKE_DIRECTORY ${WORK}/pkg-config)
+  must_run(${COMPILER} -std=c++20 ${here}/plain-families/plain-families.cpp ${flags}
+           -o ${WORK}/pkg-config/one-family)
+  must_run(${WORK}/pkg-config/one-family)
+  execute_process(COMMAND pkg-config --cflags --libs zorvan OUTPUT_VARIABLE flags)
+  separate_arguments(flags UNIX_COMMAND "${flags}")
+  must_run(${COMPILER} -std=c++20 ${here}/every-family/every-family.cpp ${flags}
+           -o ${WORK}/pkg-config/every-family)
+  must_run(${WORK}/pkg-config/every-family)
+
+elseif(STEP STREQUAL readme)
+  # The example that README.md shows is the one that is built here.
+  file(READ ${SOURCE_TREE}/examples/readme/readme.cpp code)
+  file(READ ${SOURCE_TREE}/README.md text)
+  string(FIND "${text}" "${code}" position)
+  if(position EQUAL -1)
+    message(FATAL_ERROR "README.md does not show examples/readme/readme.cpp as it is")
+  endif()
+  build_consumer(${SOURCE_TREE}/examples/readme)
+  file(MAKE_DIRECTORY ${WORK}/thumbnails)
+  must_run(${WORK}/readme-build/readme ${SOURCE_TREE}/examples/samples ${WORK}/thumbnails)
+  foreach(name "exif" "exif (0)" "orientation-6")
+    file(READ "${WORK}/thumbnails/${name}.png" signature LIMIT 8 HEX)
+    if(NOT signature STREQUAL 89504e470d0a1a0a)
+      message(FATAL_ERROR "The example has not written ${name}.png")
+    endif()
+  endforeach()
+
+else()
+  message(FATAL_ERROR "There is no step ${STEP}")
+endif()

@@ -1,0 +1,205 @@
+#pragma once
+
+#include <zorvan/collections/IndexPath.h>
+#include <zorvan/platform/foundation/Required.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <iterator>
+#include <limits>
+#include <optional>
+#include <span>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace zorvan {
+
+/// A sorted set of positions: whole numbers from 0 to `maximumIndex`.
+///
+/// It is kept as a sorted list of ranges that neither overlap nor touch, so a selection of a
+/// million rows in one block costs one range, and set algebra costs the number of ranges, not of
+/// members. A negative position, or one above `maximumIndex`, stops the program, in every operation
+/// that would store it; the questions (`contains` and its kin) accept any number.
+class IndexSet {
+public:
+    /// Positions `lower` up to, not including, `upper`.
+    struct Range {
+        std::int64_t lower;
+        std::int64_t upper;
+
+        constexpr std::int64_t count() const noexcept { return upper - lower; }
+        friend constexpr bool operator==(const Range&, const Range&) noexcept = default;
+    };
+
+    struct LocLen {
+        Required<std::int64_t> loc;
+        Required<std::int64_t> len;
+    };
+    struct LocationLength {
+        Required<std::int64_t> location;
+        Required<std::int64_t> length;
+    };
+    struct Ends {
+        Required<std::int64_t> i1;
+        Required<std::int64_t> i2;
+    };
+
+    static constexpr std::int64_t maximumIndex = std::numeric_limits<std::int64_t>::max() - 1;
+
+    class Iterator;
+    using const_iterator = Iterator;
+    using value_type = std::int64_t;
+
+    IndexSet() = default;
+    /// The given members, in any order.
+    IndexSet(std::initializer_list<std::int64_t> members);
+    explicit IndexSet(Range range);
+    /// The positions `loc` up to, not including, `loc + len`. A negative length stops the program.
+    IndexSet(LocLen argument);
+    IndexSet(LocationLength argument);
+    /// Both ends included, in either order.
+    IndexSet(Ends argument);
+    /// The set of members given in any order; one sort, then one pass.
+    static IndexSet of(std::span<const std::int64_t> members);
+
+    bool isEmpty() const noexcept { return ranges_.empty(); }
+    std::int64_t count() const noexcept { return count_; }
+    std::optional<std::int64_t> first() const noexcept;
+    std::optional<std::int64_t> last() const noexcept;
+
+    /// The ranges, ascending, none empty, none touching the next. Valid until the set changes.
+    std::span<const Range> ranges() const& noexcept { return ranges_; }
+    std::span<const Range> ranges() && = delete; // they would be gone before they were read
+    /// Iterates over the members, ascending.
+    Iterator begin() const noexcept;
+    Iterator end() const noexcept;
+
+    bool contains(std::int64_t index) const noexcept;
+    /// True when every position of the range is a member; so for an empty range.
+    bool contains(Range range) const noexcept;
+    bool contains(const IndexSet& other) const noexcept;
+    bool intersects(Range range) const noexcept;
+    bool intersects(const IndexSet& other) const noexcept;
+    /// How many members lie in the range.
+    std::int64_t count(Range range) const noexcept;
+
+    std::optional<std::int64_t> integerGreaterThan(std::int64_t index) const noexcept;
+    std::optional<std::int64_t> integerGreaterThanOrEqualTo(std::int64_t index) const noexcept;
+    std::optional<std::int64_t> integerLessThan(std::int64_t index) const noexcept;
+    std::optional<std::int64_t> integerLessThanOrEqualTo(std::int64_t index) const noexcept;
+
+    void insert(std::int64_t index);
+    void insert(Range range);
+    void remove(std::int64_t index);
+    void remove(Range range);
+    void removeAll() noexcept;
+
+    [[nodiscard]] IndexSet union_(const IndexSet& other) const;
+    [[nodiscard]] IndexSet intersection(const IndexSet& other) const;
+    [[nodiscard]] IndexSet subtracting(const IndexSet& other) const;
+    [[nodiscard]] IndexSet symmetricDifference(const IndexSet& other) const;
+    void formUnion(const IndexSet& other) { *this = union_(other); }
+    void formIntersection(const IndexSet& other) { *this = intersection(other); }
+    void subtract(const IndexSet& other) { *this = subtracting(other); }
+    void formSymmetricDifference(const IndexSet& other) { *this = symmetricDifference(other); }
+
+    /// Makes or closes room, as a list does when elements come or go: every member at or after
+    /// `index` moves by `delta`. With a negative `delta`, the members of `index + delta ..< index`
+    /// are dropped first, as are those that would fall below 0.
+    void shift(std::int64_t index, std::int64_t delta);
+
+    /// Where the members stand after a list has lost the elements at `removed`; a member that is
+    /// one of them is dropped.
+    [[nodiscard]] IndexSet afterRemoving(const IndexSet& removed) const;
+    /// Where the members stand after a list has moved the elements at `from` before the one at `to`
+    /// (positions before the move).
+    [[nodiscard]] IndexSet afterMoving(const IndexSet& from, std::int64_t to) const;
+    /// Where the members stand after a list of `count` elements has been reversed; all must be
+    /// below `count`.
+    [[nodiscard]] IndexSet afterReversing(std::int64_t count) const;
+
+    /// The only member when there is exactly one.
+    std::optional<std::int64_t> singleIndex() const noexcept;
+    bool isSingle() const noexcept { return count_ == 1; }
+    /// Removes the index when it is a member, else inserts it.
+    void toggle(std::int64_t index);
+    [[nodiscard]] IndexSet toggling(std::int64_t index) const;
+    [[nodiscard]] IndexSet inserting(std::int64_t index) const;
+    [[nodiscard]] IndexSet removing(std::int64_t index) const;
+
+    /// The ranges in order: "{0...2, 5}".
+    std::string description() const;
+
+    /// An index path of the section for each member.
+    std::unordered_set<IndexPath> mapToIndexPaths(std::int64_t section = 0) const;
+
+    friend bool operator==(const IndexSet& a, const IndexSet& b) noexcept {
+        return a.count_ == b.count_ && a.ranges_ == b.ranges_;
+    }
+
+private:
+    explicit IndexSet(std::span<const Range> ranges);
+    std::size_t rangeEndingAfter(std::int64_t index) const noexcept;
+
+    std::vector<Range> ranges_;
+    std::int64_t count_ = 0;
+};
+
+/// Walks the members of an index set, ascending.
+class IndexSet::Iterator {
+public:
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = std::int64_t;
+    using difference_type = std::int64_t;
+    using pointer = const std::int64_t*;
+    using reference = std::int64_t;
+
+    Iterator() = default;
+
+    std::int64_t operator*() const noexcept { return index_; }
+    Iterator& operator++() noexcept {
+        if (++index_ == range_->upper)
+            enter(range_ + 1);
+        return *this;
+    }
+    Iterator operator++(int) noexcept {
+        Iterator before = *this;
+        ++*this;
+        return before;
+    }
+    friend bool operator==(const Iterator& a, const Iterator& b) noexcept {
+        return a.range_ == b.range_ && a.index_ == b.index_;
+    }
+
+private:
+    friend class IndexSet;
+
+    Iterator(const Range* range, const Range* end) noexcept : end_(end) { enter(range); }
+    void enter(const Range* range) noexcept {
+        range_ = range;
+        index_ = range == end_ ? 0 : range->lower;
+    }
+
+    const Range* range_ = nullptr;
+    const Range* end_ = nullptr;
+    std::int64_t index_ = 0;
+};
+
+inline IndexSet::Iterator IndexSet::begin() const noexcept {
+    return Iterator(ranges_.data(), ranges_.data() + ranges_.size());
+}
+
+inline IndexSet::Iterator IndexSet::end() const noexcept {
+    const Range* end = ranges_.data() + ranges_.size();
+    return Iterator(end, end);
+}
+
+} // namespace zorvan
+
+template <>
+struct std::hash<zorvan::IndexSet> {
+    std::size_t operator()(const zorvan::IndexSet& set) const noexcept;
+};

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <zorvan/collections/IndexSet.h>
+
+#include <optional>
+
+namespace zorvan {
+
+/// One change of a `ManagedList`, told so that a view can follow it. Positions are shown positions.
+struct ManagedListEdition {
+    enum class Action { insert, remove, select, move, sort, filter };
+
+    explicit ManagedListEdition(Action change) : action(change) {}
+
+    /// True when the number of shown items may have changed.
+    bool mayChangeCount() const noexcept {
+        return action == Action::insert || action == Action::remove || action == Action::filter;
+    }
+
+    friend bool operator==(const ManagedListEdition&, const ManagedListEdition&) = default;
+
+    Action action;
+    /// The selection before and after the change; set for every action.
+    std::optional<IndexSet> oldSelection = {};
+    std::optional<IndexSet> newSelection = {};
+    /// For `insert`: where the new items stand.
+    std::optional<IndexSet> insertedIndexes = {};
+    /// For `remove`: where the removed items stood.
+    std::optional<IndexSet> removedIndexes = {};
+    /// For `move`: where the moved items stood, and where they stand now.
+    std::optional<IndexSet> movedFromIndexes = {};
+    std::optional<IndexSet> movedToIndexes = {};
+};
+
+} // namespace zorvan

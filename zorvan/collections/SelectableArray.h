@@ -1,0 +1,222 @@
+#pragma once
+
+#include <zorvan/collections/Array.h>
+#include <zorvan/collections/IndexSet.h>
+#include <zorvan/collections/SelectableArrayEdition.h>
+#include <zorvan/collections/SelectionQueries.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace zorvan {
+
+/// A list whose elements each carry a selected flag, which follows them wherever they go.
+///
+/// Every change runs through `editionHandler`: it receives the change as a deferred action, runs it
+/// when it wishes, and gets back an edition that says exactly what changed. A handler that never
+/// runs the action leaves the list as it was. Positions outside the list stop the program when the
+/// action runs, except in `select`. Used from one thread.
+template <class Element>
+class SelectableArray : public std::enable_shared_from_this<SelectableArray<Element>>,
+                        public SelectionQueries<SelectableArray<Element>> {
+    struct Key {};
+
+public:
+    struct Entry {
+        bool isSelected;
+        Element element;
+    };
+    /// Applies the change and tells what it was. It keeps the list alive.
+    using Action = std::function<SelectableArrayEdition()>;
+    using EditionHandler = std::function<void(const Action&)>;
+
+    /// An empty list whose handler runs each change at once and drops the edition.
+    static std::shared_ptr<SelectableArray> create() {
+        return std::make_shared<SelectableArray>(Key{});
+    }
+    explicit SelectableArray(Key) {}
+
+    const std::vector<Element>& elements() const noexcept { return elements_; }
+    const IndexSet& selection() const noexcept { return selection_; }
+    std::int64_t count() const noexcept { return detail::countOf(elements_); }
+    /// The elements with their flags.
+    std::vector<Entry> entries() const;
+
+    const EditionHandler& editionHandler() const noexcept { return editionHandler_; }
+    void setEditionHandler(EditionHandler handler) { editionHandler_ = std::move(handler); }
+
+    void setEntries(std::vector<Entry> entries);
+    /// Inserts the elements, unselected, before the one at `at`. Nothing for no elements.
+    void insert(std::vector<Element> elements, std::int64_t at);
+    /// Replaces one element; its flag stays.
+    void replace(Element element, std::int64_t at);
+    /// Nothing for an empty set.
+    void remove(IndexSet at);
+    /// As `zorvan::move` for lists. Nothing for an empty set.
+    void move(IndexSet from, std::int64_t to);
+    /// Sorts by a strict ordering; equal elements keep their order. Nothing for an empty list.
+    void sort(std::function<bool(const Element&, const Element&)> by);
+    /// Nothing for an empty list.
+    void reverseElementsOrder();
+    /// Selects exactly these positions; those outside the list are passed over. Nothing when it is
+    /// the selection already.
+    void select(IndexSet indexes);
+
+    void prepend(std::vector<Element> elements) { insert(std::move(elements), 0); }
+    void append(std::vector<Element> elements) { insert(std::move(elements), count()); }
+    void removeSelectedElements() { remove(selection_); }
+    void removeAllElements() { remove(this->allIndexes()); }
+    void moveSelectedElements(std::int64_t to) { move(selection_, to); }
+    /// Nothing for an empty list.
+    void selectLast() {
+        if (count() > 0)
+            select({count() - 1});
+    }
+
+    const Element* firstSelectedElement() const { return elementAt(selection_.first()); }
+    const Element* lastSelectedElement() const { return elementAt(selection_.last()); }
+    /// The selected element when exactly one is, else null.
+    const Element* singleSelectedElement() const { return elementAt(selection_.singleIndex()); }
+    /// In ascending position order.
+    std::vector<Element> selectedElements() const { return at(elements_, selection_); }
+
+    bool canRemoveAllElements() const noexcept { return count() > 0; }
+    bool canRemoveSelectedElements() const noexcept { return !this->isSelectionEmpty(); }
+    bool canMoveSelectedElements() const noexcept { return !this->isSelectionEmpty(); }
+
+    /// Equal elements in the same order with the same selection.
+    friend bool operator==(const SelectableArray& a,
+                           const SelectableArray& b) requires std::equality_comparable<Element> {
+        return a.elements_ == b.elements_ && a.selection_ == b.selection_;
+    }
+
+private:
+    template <class Change>
+    void edit(Change change) {
+        editionHandler_([self = this->shared_from_this(), change = std::move(change)]() mutable {
+            return SelectableArrayEdition(change(*self));
+        });
+    }
+    const Element* elementAt(std::optional<std::int64_t> index) const {
+        return index ? &elements_[static_cast<std::size_t>(*index)] : nullptr;
+    }
+    void assign(std::vector<Entry> entries);
+
+    std::vector<Element> elements_;
+    IndexSet selection_;
+    EditionHandler editionHandler_ = [](const Action& action) { action(); };
+};
+
+template <class Element>
+auto SelectableArray<Element>::entries() const -> std::vector<Entry> {
+    std::vector<Entry> entries;
+    entries.reserve(elements_.size());
+    for (std::int64_t i = 0; i < count(); ++i)
+        entries.push_back({selection_.contains(i), elements_[static_cast<std::size_t>(i)]});
+    return entries;
+}
+
+template <class Element>
+void SelectableArray<Element>::assign(std::vector<Entry> entries) {
+    elements_.clear();
+    selection_.removeAll();
+    elements_.reserve(entries.size());
+    for (Entry& entry : entries) {
+        if (entry.isSelected)
+            selection_.insert(count());
+        elements_.push_back(std::move(entry.element));
+    }
+}
+
+template <class Element>
+void SelectableArray<Element>::setEntries(std::vector<Entry> entries) {
+    edit([entries = std::move(entries)](SelectableArray& list) {
+        list.assign(entries);
+        return SelectableArrayEdition::Reload{list.selection_};
+    });
+}
+
+template <class Element>
+void SelectableArray<Element>::insert(std::vector<Element> elements, std::int64_t at) {
+    if (elements.empty())
+        return;
+    edit([elements = std::move(elements), at](SelectableArray& list) {
+        detail::checkInsertion(list.elements_, at);
+        const std::int64_t count = detail::countOf(elements);
+        list.elements_.insert(list.elements_.begin() + at, elements.begin(), elements.end());
+        list.selection_.shift(at, count);
+        return SelectableArrayEdition::Insert{count, at};
+    });
+}
+
+template <class Element>
+void SelectableArray<Element>::replace(Element element, std::int64_t at) {
+    edit([element = std::move(element), at](SelectableArray& list) {
+        detail::checkPositions(list.elements_, {at});
+        list.elements_[static_cast<std::size_t>(at)] = element;
+        return SelectableArrayEdition::Replace{at};
+    });
+}
+
+template <class Element>
+void SelectableArray<Element>::remove(IndexSet at) {
+    if (at.isEmpty())
+        return;
+    edit([at = std::move(at)](SelectableArray& list) {
+        zorvan::remove(list.elements_, at);
+        list.selection_ = list.selection_.afterRemoving(at);
+        return SelectableArrayEdition::Remove{at};
+    });
+}
+
+template <class Element>
+void SelectableArray<Element>::move(IndexSet from, std::int64_t to) {
+    if (from.isEmpty())
+        return;
+    edit([from = std::move(from), to](SelectableArray& list) {
+        zorvan::move(list.elements_, from, to);
+        list.selection_ = list.selection_.afterMoving(from, to);
+        return SelectableArrayEdition::Move{from, to};
+    });
+}
+
+template <class Element>
+void SelectableArray<Element>::sort(std::function<bool(const Element&, const Element&)> by) {
+    if (elements_.empty())
+        return;
+    edit([by = std::move(by)](SelectableArray& list) {
+        std::vector<Entry> entries = list.entries();
+        std::stable_sort(entries.begin(), entries.end(), [&by](const Entry& a, const Entry& b) {
+            return by(a.element, b.element);
+        });
+        list.assign(std::move(entries));
+        return SelectableArrayEdition::Reload{list.selection_};
+    });
+}
+
+template <class Element>
+void SelectableArray<Element>::reverseElementsOrder() {
+    if (elements_.empty())
+        return;
+    edit([](SelectableArray& list) {
+        std::reverse(list.elements_.begin(), list.elements_.end());
+        list.selection_ = list.selection_.afterReversing(list.count());
+        return SelectableArrayEdition::Reload{list.selection_};
+    });
+}
+
+template <class Element>
+void SelectableArray<Element>::select(IndexSet indexes) {
+    if (indexes == selection_)
+        return;
+    edit([indexes = std::move(indexes)](SelectableArray& list) {
+        list.selection_ = indexes.intersection(list.allIndexes());
+        return SelectableArrayEdition::Select{list.selection_};
+    });
+}
+
+} // namespace zorvan

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <zorvan/collections/IndexSet.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+namespace zorvan {
+
+/// What every list with a selection can be asked, and the ways to step its selection.
+///
+/// `List` derives from it and gives `count()`, `selection()` and `select(IndexSet)`. Stepping
+/// clamps to the ends of the list, while `canSelectPrevious` and `canSelectNext` ask whether the
+/// whole step fits.
+template <class List>
+class SelectionQueries {
+public:
+    bool isSelectionEmpty() const noexcept { return list().selection().isEmpty(); }
+    bool isSelectionSingle() const noexcept { return list().selection().isSingle(); }
+    /// True for an empty list.
+    bool isSelectionFull() const noexcept { return list().selection().count() == list().count(); }
+
+    /// False when nothing is selected.
+    bool canSelectPrevious(std::int64_t step = 1) const noexcept {
+        return !isSelectionEmpty() && *list().selection().first() >= step;
+    }
+    /// False when nothing is selected.
+    bool canSelectNext(std::int64_t step = 1) const noexcept {
+        return !isSelectionEmpty() && stepped(step) <= list().count() - 1;
+    }
+    bool canSelectAll() const noexcept { return !isSelectionFull(); }
+    bool canDeselectAll() const noexcept { return !isSelectionEmpty(); }
+
+    /// Nothing for an empty list.
+    void selectFirst() {
+        if (list().count() > 0)
+            list().select({0});
+    }
+    /// Selects the position `step` before the first selected one, or the first. Nothing when
+    /// nothing is selected. A negative step goes the other way, and is held inside the list as
+    /// well.
+    void selectPrevious(std::int64_t step = 1) {
+        if (isSelectionEmpty())
+            return;
+        const std::int64_t first = *list().selection().first();
+        const std::int64_t room = first - (list().count() - 1);
+        list().select({first - std::clamp(step, room, first)});
+    }
+    /// Selects the position `step` after the last selected one, or the last. Nothing when nothing
+    /// is selected. A negative step goes the other way, and is held inside the list as well.
+    void selectNext(std::int64_t step = 1) {
+        if (!isSelectionEmpty())
+            list().select({std::clamp<std::int64_t>(stepped(step), 0, list().count() - 1)});
+    }
+    void selectAll() { list().select(allIndexes()); }
+    void deselectAll() { list().select({}); }
+
+protected:
+    IndexSet allIndexes() const { return IndexSet(IndexSet::Range{0, list().count()}); }
+
+private:
+    List& list() noexcept { return static_cast<List&>(*this); }
+    const List& list() const noexcept { return static_cast<const List&>(*this); }
+
+    std::int64_t stepped(std::int64_t step) const noexcept {
+        const std::int64_t last = *list().selection().last();
+        return step > IndexSet::maximumIndex - last ? IndexSet::maximumIndex : last + step;
+    }
+};
+
+} // namespace zorvan

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/Angle.h>
+#include <zorvan/numbers-geometry/CATransform3D.h>
+#include <zorvan/numbers-geometry/CGAffineTransform.h>
+#include <zorvan/numbers-geometry/CGPoint.h>
+#include <zorvan/numbers-geometry/CGRect.h>
+#include <zorvan/numbers-geometry/CGSize.h>
+#include <zorvan/numbers-geometry/CardinalDirection.h>
+#include <zorvan/numbers-geometry/ClockDirection.h>
+#include <zorvan/numbers-geometry/EnumerationValue.h>
+#include <zorvan/numbers-geometry/HOrientation.h>
+#include <zorvan/numbers-geometry/Integer.h>
+#include <zorvan/numbers-geometry/Interval.h>
+#include <zorvan/numbers-geometry/Line.h>
+#include <zorvan/numbers-geometry/NSEdgeInsets.h>
+#include <zorvan/numbers-geometry/Orientation.h>
+#include <zorvan/numbers-geometry/RealNumber.h>
+#include <zorvan/numbers-geometry/RectAnchor.h>
+#include <zorvan/numbers-geometry/RectCorners.h>
+#include <zorvan/numbers-geometry/Segment.h>
+#include <zorvan/numbers-geometry/Triangle.h>
+#include <zorvan/numbers-geometry/VOrientation.h>

@@ -1,0 +1,96 @@
+#include <zorvan/platform/appkit/Canvas.h>
+
+#include <zorvan/numbers-geometry/RealNumber.h>
+#include <zorvan/platform/graphics/TextDrawing.h>
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+namespace zorvan {
+
+Canvas::Canvas(Bitmap& bitmap, double scale)
+    : bitmap_(&bitmap), scale_(scale),
+      bounds_(0, 0, static_cast<double>(bitmap.width()) / scale,
+              static_cast<double>(bitmap.height()) / scale),
+      clip_(bounds_) {}
+
+Canvas Canvas::inside(const CGRect& frame, const CGRect& bounds, bool isFlipped) const {
+    Canvas inner(*this);
+    inner.pixelOrigin_ = toPixels(frame).origin;
+    inner.bounds_ = bounds;
+    inner.isFlipped_ = isFlipped;
+    // The visible part of the frame, in the coordinates of the view inside.
+    const CGRect visible = frame.intersection(clip_);
+    const double x = bounds.minX() + visible.minX() - frame.minX();
+    const double fromTop =
+        isFlipped_ ? visible.minY() - frame.minY() : frame.maxY() - visible.maxY();
+    const double y = isFlipped ? bounds.minY() + fromTop
+                               : bounds.maxY() - fromTop - visible.height();
+    inner.clip_ = visible.isNull()
+                      ? CGRect::null
+                      : CGRect(x, y, visible.width(), visible.height()).intersection(bounds);
+    return inner;
+}
+
+/// In pixels, y growing downward from the top of the bitmap.
+CGRect Canvas::toPixels(const CGRect& rect) const {
+    const double fromTop = isFlipped_ ? rect.minY() - bounds_.minY() : bounds_.maxY() - rect.maxY();
+    return {pixelOrigin_.x + (rect.minX() - bounds_.minX()) * scale_,
+            pixelOrigin_.y + fromTop * scale_, rect.width() * scale_, rect.height() * scale_};
+}
+
+/// Held inside the bitmap.
+Canvas::PixelEdges Canvas::pixelEdges(const CGRect& rect) const {
+    const CGRect pixels = toPixels(rect);
+    const auto edge = [](double position, std::int64_t limit) {
+        return std::clamp<std::int64_t>(roundInt(position), 0, limit);
+    };
+    return {edge(pixels.minX(), bitmap_->width()), edge(pixels.maxX(), bitmap_->width()),
+            edge(pixels.minY(), bitmap_->height()), edge(pixels.maxY(), bitmap_->height())};
+}
+
+void Canvas::fill(const CGRect& rect, Colour colour) {
+    const CGRect visible = rect.intersection(clip_);
+    if (visible.isNull())
+        return;
+    const PixelEdges edges = pixelEdges(visible);
+    const std::uint8_t pixel[4] = {colour.r, colour.g, colour.b, 255};
+    for (std::int64_t y = edges.top; y < edges.bottom; ++y)
+        for (std::int64_t x = edges.left; x < edges.right; ++x)
+            std::copy_n(pixel, 4, bitmap_->row(y) + x * 4);
+}
+
+void Canvas::drawText(std::string_view text, const CGRect& rect, Colour colour) {
+    const CGRect visible = rect.intersection(clip_);
+    const CGRect box = toPixels(rect);
+    const auto [width, height] = box.roundIntWidthHeight();
+    std::optional<Bitmap> cell = text.empty() || visible.isNull()
+                                     ? std::nullopt
+                                     : Bitmap::make(width, height);
+    if (!cell)
+        return;
+    const std::int64_t left = roundInt(box.minX()), top = roundInt(box.minY());
+    const auto forEachRow = [&, shown = pixelEdges(visible)](auto copy) {
+        const std::int64_t from = std::max(shown.left, left);
+        const std::int64_t to = std::min(shown.right, left + width);
+        for (std::int64_t y = std::max(shown.top, top); y < std::min(shown.bottom, top + height);
+             ++y)
+            if (from < to)
+                copy(bitmap_->row(y) + from * 4, cell->row(y - top) + (from - left) * 4,
+                     static_cast<std::size_t>((to - from) * 4));
+    };
+    // Drawn aside over what is there, so that only the part inside the clip is brought back.
+    forEachRow([](std::uint8_t* screen, std::uint8_t* aside, std::size_t bytes) {
+        std::memcpy(aside, screen, bytes);
+    });
+    const double size = std::min(13 * scale_, box.height());
+    const std::int64_t margin = std::max<std::int64_t>(roundInt((box.height() - size * 1.3) / 2), 0);
+    drawTextLine(*cell, text, {.x = 0, .y = margin, .width = width, .height = height - margin},
+                 {.size = size, .color = {colour.r, colour.g, colour.b, 255}});
+    forEachRow([](std::uint8_t* screen, std::uint8_t* aside, std::size_t bytes) {
+        std::memcpy(screen, aside, bytes);
+    });
+}
+
+} // namespace zorvan

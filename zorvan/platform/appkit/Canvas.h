@@ -1,0 +1,53 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/CGRect.h>
+#include <zorvan/platform/graphics/Bitmap.h>
+
+#include <cstdint>
+#include <string_view>
+
+namespace zorvan {
+
+/// What a view draws on: a bitmap, seen through an origin, a clip and a scale.
+///
+/// Coordinates are the view's own, in points; with y growing downward for a flipped view and upward
+/// otherwise, the canvas turns them. Drawing never leaves the clip.
+class Canvas {
+public:
+    /// An opaque colour.
+    struct Colour {
+        std::uint8_t r, g, b;
+    };
+
+    /// The whole of a bitmap, whose size in points is its size in pixels divided by `scale`.
+    Canvas(Bitmap& bitmap, double scale);
+
+    /// The same bitmap for a view inside this one: `frame` is where it stands here, `bounds` what of its
+    /// own coordinates shows there.
+    Canvas inside(const CGRect& frame, const CGRect& bounds, bool isFlipped) const;
+
+    /// The visible part, in the view's coordinates.
+    const CGRect& clip() const noexcept { return clip_; }
+
+    void fill(const CGRect& rect, Colour colour);
+    /// One line of text, in the middle of the rectangle's height, shortened to its width.
+    void drawText(std::string_view text, const CGRect& rect, Colour colour);
+
+private:
+    struct PixelEdges {
+        std::int64_t left, right, top, bottom;
+    };
+
+    CGRect toPixels(const CGRect& rect) const;
+    PixelEdges pixelEdges(const CGRect& rect) const;
+
+    Bitmap* bitmap_;
+    double scale_;
+    CGRect bounds_;
+    CGRect clip_;
+    bool isFlipped_ = false;
+    /// Where the top left corner of `bounds_` stands on the bitmap, in pixels from its top left.
+    CGPoint pixelOrigin_;
+};
+
+} // namespace zorvan

@@ -1,0 +1,32 @@
+#pragma once
+
+
+#include <cstdint>
+
+namespace zorvan {
+
+/// How changes of views are shown while it is in force: for how long, and whether at all.
+///
+/// Contexts nest: `beginGrouping` makes a new one with the values of the one around it, `endGrouping`
+/// returns to that. Views without a host change at once whatever it says. Main thread only.
+class NSAnimationContext {
+public:
+    static void beginGrouping();
+    /// Stops the program when no grouping has begun.
+    static void endGrouping();
+    static NSAnimationContext& currentContext();
+    /// How many groupings are open.
+    static std::int64_t groupingDepth();
+
+    /// Seconds; 0.25 unless set.
+    double duration() const noexcept { return duration_; }
+    void setDuration(double seconds) { duration_ = seconds; }
+    bool allowsImplicitAnimation() const noexcept { return allowsImplicitAnimation_; }
+    void setAllowsImplicitAnimation(bool allows) { allowsImplicitAnimation_ = allows; }
+
+private:
+    double duration_ = 0.25;
+    bool allowsImplicitAnimation_ = false;
+};
+
+} // namespace zorvan
