@@ -152,7 +152,8 @@ TEST_F(NSNotificationCenterTest, ABlockMayUseTheCenterWhenItIsReleased) {
     };
     observe(closed, nullptr, 'c');
     const std::weak_ptr<NotificationObserver> token = center->addObserver(
-        opened, nullptr, nullptr, [last = std::make_shared<Last>(*center)](const Notification&) {});
+        opened, nullptr, nullptr,
+        [last = std::shared_ptr<Last>(new Last{*center})](const Notification&) {});
     center->removeObserver(token.lock());
     EXPECT_EQ(seen, "c");
 }
