@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 using namespace zorvan;
@@ -25,6 +26,9 @@ struct Source : NSTableViewDataSource, NSTableViewDelegate {
     }
     std::shared_ptr<NSView> view(NSTableView&, std::int64_t, std::int64_t row) override {
         return std::make_shared<ItemView>(items[static_cast<std::size_t>(row)]);
+    }
+    std::string text(const NSTableView&, std::int64_t, std::int64_t row) const override {
+        return "item " + std::to_string(items[static_cast<std::size_t>(row)]);
     }
     double heightOfRow(const NSTableView&, std::int64_t row) const override {
         return 10 + static_cast<double>(row % 3);
@@ -243,4 +247,41 @@ TEST(NSTableView, keepsItsColumns) {
     shown.calls.clear();
     shown.table->reloadFirstColumnData();
     EXPECT_TRUE(shown.calls.empty());
+}
+
+TEST(NSTableView, drawsWhatIsScrolledIntoSightAndNothingElse) {
+    const auto source = std::make_shared<Source>();
+    source->items.resize(20);
+    const auto table = NSTableView::create();
+    table->setRowHeight(20);
+    table->setNumberOfColumns(2);
+    table->setDataSource(source);
+    const auto window = NSView::create(CGRect(0, 0, 240, 140));
+    const auto scrollView = NSScrollView::create(CGRect(20, 20, 200, 100));
+    window->addSubview(scrollView);
+    scrollView->setDocumentView(table);
+    table->setRowHeight(20); // laid out in its clip view
+    table->selectOnlyRow(6);
+    table->scrollTopRow(5, false);
+
+    const auto bitmap = window->render(2);
+    ASSERT_TRUE(bitmap);
+    ASSERT_EQ(bitmap->width(), 480);
+    const auto darkest = [&bitmap](std::int64_t left, std::int64_t top, std::int64_t right,
+                                   std::int64_t bottom) {
+        int least = 255;
+        for (std::int64_t y = top; y < bottom; ++y)
+            for (std::int64_t x = left; x < right; ++x)
+                least = std::min<int>(least, bitmap->row(y)[x * 4]);
+        return least;
+    };
+    // The second row in sight is the selected one: its red is that of the selection colour.
+    EXPECT_EQ(darkest(40, 80, 440, 120), 0);
+    EXPECT_LT(darkest(40, 40, 240, 80), 120);  // the text of the first row, in the first column
+    EXPECT_LT(darkest(240, 40, 440, 80), 120); // and in the second
+    // Around the scroll view all is white, though the table is taller than it.
+    EXPECT_EQ(darkest(0, 0, 480, 40), 255);
+    EXPECT_EQ(darkest(0, 240, 480, 280), 255);
+    EXPECT_EQ(darkest(0, 0, 40, 280), 255);
+    EXPECT_EQ(darkest(440, 0, 480, 280), 255);
 }

@@ -1,5 +1,7 @@
 #include <zorvan/platform/graphics/TextDrawing.h>
 
+#include <zorvan/platform/foundation/internal/Release.h>
+
 #include <algorithm>
 #include <memory>
 #include <pango/pangocairo.h>
@@ -11,18 +13,11 @@ namespace {
 // A longer text fills no line of pixels that a bitmap may have.
 constexpr std::size_t maximumLength = 65536;
 
-template <auto release>
-struct Releaser {
-    template <class Object>
-    void operator()(Object* object) const noexcept {
-        release(object);
-    }
-};
-using Surface = std::unique_ptr<cairo_surface_t, Releaser<cairo_surface_destroy>>;
-using Cairo = std::unique_ptr<cairo_t, Releaser<cairo_destroy>>;
-using Layout = std::unique_ptr<PangoLayout, Releaser<g_object_unref>>;
-using Font = std::unique_ptr<PangoFontDescription, Releaser<pango_font_description_free>>;
-using Text = std::unique_ptr<char, Releaser<g_free>>;
+using Surface = std::unique_ptr<cairo_surface_t, Release<cairo_surface_destroy>>;
+using Cairo = std::unique_ptr<cairo_t, Release<cairo_destroy>>;
+using Layout = std::unique_ptr<PangoLayout, Release<g_object_unref>>;
+using Font = std::unique_ptr<PangoFontDescription, Release<pango_font_description_free>>;
+using Text = std::unique_ptr<char, Release<g_free>>;
 
 /// Pango stops the program when it is to draw without a font.
 bool hasFonts() {

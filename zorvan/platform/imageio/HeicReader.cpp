@@ -1,3 +1,4 @@
+#include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/HeifBoxes.h>
@@ -20,13 +21,6 @@
 namespace zorvan::imageio {
 namespace {
 
-template <auto release>
-struct Release {
-    template <class Object>
-    void operator()(Object* object) const noexcept {
-        release(object);
-    }
-};
 using Handle = std::unique_ptr<heif_image_handle, Release<heif_image_handle_release>>;
 using Image = std::unique_ptr<heif_image, Release<heif_image_release>>;
 using Options = std::unique_ptr<heif_decoding_options, Release<heif_decoding_options_free>>;

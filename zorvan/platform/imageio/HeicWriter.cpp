@@ -1,3 +1,4 @@
+#include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/imageio/internal/ByteOrder.h>
 #include <zorvan/platform/imageio/internal/FrameWriter.h>
 #include <zorvan/platform/imageio/internal/PixelRows.h>
@@ -16,13 +17,6 @@ namespace {
 
 constexpr int usualQuality = 60;
 
-template <auto release>
-struct Release {
-    template <class Object>
-    void operator()(Object* object) const noexcept {
-        release(object);
-    }
-};
 using Context = std::unique_ptr<heif_context, Release<heif_context_free>>;
 using Encoder = std::unique_ptr<heif_encoder, Release<heif_encoder_release>>;
 using Image = std::unique_ptr<heif_image, Release<heif_image_release>>;
