@@ -37,14 +37,7 @@ PropertyList::Dictionary propertiesOf(const PngHeader& header) {
 /// libpng reading from a source of ours, with its reports kept to this call.
 class Decoder {
 public:
-    explicit Decoder(ByteSource& source) : source_(source) {
-        png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, fail,
-                                      [](png_structp, png_const_charp) {});
-        info_ = png_ ? png_create_info_struct(png_) : nullptr;
-        if (!info_) {
-            png_destroy_read_struct(&png_, nullptr, nullptr);
-            throw Failure{reason::noMemory};
-        }
+    explicit Decoder(ByteSource& source) : Decoder(source, Created()) {
         run([&] {
             constexpr png_alloc_size_t maximumChunk = 16U << 20;
             png_set_read_fn(png_, this, read);
@@ -70,6 +63,19 @@ public:
     }
 
 private:
+    struct Created {};
+
+    // Apart, so that the destructor runs when the reading that follows fails.
+    Decoder(ByteSource& source, Created) : source_(source) {
+        png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, fail,
+                                      [](png_structp, png_const_charp) {});
+        info_ = png_ ? png_create_info_struct(png_) : nullptr;
+        if (!info_) {
+            png_destroy_read_struct(&png_, nullptr, nullptr);
+            throw Failure{reason::noMemory};
+        }
+    }
+
     static void fail(png_structp png, png_const_charp) {
         std::longjmp(static_cast<Decoder*>(png_get_error_ptr(png))->failure_, 1);
     }
