@@ -149,7 +149,8 @@ function(zorvan_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;USES;NEEDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   zorvan_link_program(${name} GTest::gmock GTest::gtest_main)
-  gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300
+    ENVIRONMENT LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/cmake/leaks.supp)
 endfunction()
 
 # zorvan_bench(<name> SOURCES <file>... USES <Component>... [NEEDS <pkg-config module of a peer>...])
