@@ -18,7 +18,7 @@ for program in "$fuzzers"/*; do
     seeds=
     case $name in *image* | *picture* | *decode* | *metadata* | *thumbnail*) seeds=$root/examples/samples ;; esac
     # shellcheck disable=SC2086 # no word at all when empty
-    if "$program" "$corpus" $seeds -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
+    if LSAN_OPTIONS=print_suppressions=0:suppressions="$root/cmake/leaks.supp" "$program" "$corpus" $seeds -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
         -malloc_limit_mb=1024 -artifact_prefix="$found/$name-" -print_final_stats=1 >"$log" 2>&1; then
         printf '%-32s %s runs, nothing found\n' "$name" \
             "$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")"

@@ -15,10 +15,7 @@
 
 using namespace zorvan;
 
-namespace {
-
-constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
+namespace testing_reals {
 
 // A real of another kind, which joins by its functions.
 struct Tenths {
@@ -41,6 +38,16 @@ struct Tenths {
     friend Tenths pow(Tenths a, Tenths b) { return Tenths(std::pow(a.value, b.value)); }
     friend Tenths sqrt(Tenths a) { return Tenths(std::sqrt(a.value)); }
 };
+
+} // namespace testing_reals
+
+namespace {
+
+using testing_reals::Tenths;
+
+constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
+
 static_assert(RealNumber<double> && RealNumber<float> && RealNumber<Tenths>);
 static_assert(!RealNumber<int> && !RealNumber<bool>);
 

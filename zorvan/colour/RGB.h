@@ -26,7 +26,7 @@ struct RGB {
     };
     struct Bytes {
         Required<std::span<const std::uint8_t>> rgbPtr;
-        Required<std::size_t> at;
+        std::size_t at;
     };
 
     constexpr RGB() noexcept = default;

@@ -39,10 +39,16 @@ private:
     std::uint8_t raw_;
 };
 
+namespace detail {
+
+template <class Self, std::int64_t count>
+void takeEnumerationValue(const EnumerationValue<Self, count>&);
+
+} // namespace detail
+
 template <class T>
-concept EnumerationWithRawValue = requires(const T& value) {
-    []<class Self, std::int64_t count>(const EnumerationValue<Self, count>&) {}(value);
-};
+concept EnumerationWithRawValue =
+    requires(const T& value) { detail::takeEnumerationValue(value); };
 
 } // namespace zorvan
 

@@ -64,7 +64,7 @@ void Canvas::fill(const CGRect& rect, Colour colour) {
 void Canvas::drawText(std::string_view text, const CGRect& rect, Colour colour) {
     const CGRect visible = rect.intersection(clip_);
     const CGRect box = toPixels(rect);
-    const auto [width, height] = box.roundIntWidthHeight();
+    const std::int64_t width = roundInt(box.width()), height = roundInt(box.height());
     std::optional<Bitmap> cell = text.empty() || visible.isNull()
                                      ? std::nullopt
                                      : Bitmap::make(width, height);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <type_traits>
 #include <utility>
 
 namespace zorvan {
@@ -16,6 +17,11 @@ struct Required {
     template <class... Arguments>
         requires(sizeof...(Arguments) > 0 && std::constructible_from<T, Arguments...>)
     constexpr Required(Arguments&&... arguments) : value(std::forward<Arguments>(arguments)...) {}
+    /// An aggregate from its fields, for compilers that make none from parentheses.
+    template <class... Arguments>
+        requires(std::is_aggregate_v<T> && !std::constructible_from<T, Arguments...> &&
+                 requires(Arguments&&... fields) { T{std::forward<Arguments>(fields)...}; })
+    constexpr Required(Arguments&&... fields) : value{std::forward<Arguments>(fields)...} {}
     /// An integer for a real, which -Wconversion would otherwise report from in here.
     template <std::integral Integer>
         requires std::floating_point<T>

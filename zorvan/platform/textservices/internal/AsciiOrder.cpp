@@ -133,7 +133,7 @@ bool AsciiOrder::readRanks(const UCollator* collator) {
             ++rank;
         ranks_[static_cast<std::size_t>(order[i])] = rank;
     }
-    std::fill(ranks_.begin() + '0', ranks_.begin() + '9' + 1, ranks_['0']);
+    std::fill(&ranks_['0'], &ranks_['9'] + 1, ranks_['0']);
     return ranks_['0'] != 0;
 }
 
