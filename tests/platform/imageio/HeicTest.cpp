@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace zorvan::imageio {
 namespace {
 
@@ -43,6 +45,17 @@ TEST(Heic, TheFilesOwnTurnHoldsAgainstExif) {
     properties = propertiesOf(turnOnly);
     EXPECT_EQ(number(properties, "Orientation"), 6);
     EXPECT_EQ(properties.count("{TIFF}"), 0U);
+}
+
+TEST(Heic, ASizeStatedAfterTheTurnIsTakenForTheOneBefore) {
+    const Bitmap original = pattern(80, 64);
+    Data bytes = encoded(FileFormat::heic, original, {{"Orientation", 6}});
+    const std::size_t size = positionOf(bytes, "ispe") + 8;
+    std::swap_ranges(&bytes[size], &bytes[size + 4], &bytes[size + 4]);
+    const auto properties = propertiesOf(bytes);
+    EXPECT_EQ(number(properties, "PixelWidth"), 80);
+    EXPECT_EQ(number(properties, "PixelHeight"), 64);
+    EXPECT_LE(difference(decoded(bytes), original).mean, 6);
 }
 
 TEST(Heic, OddSizesComeBackAsTheyWere) {

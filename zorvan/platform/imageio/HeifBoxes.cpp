@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/HeifTransforms.h>
+#include <zorvan/platform/imageio/internal/HevcSequence.h>
 
 #include <algorithm>
 #include <array>
@@ -296,6 +297,17 @@ void readDescription(const Box& property, HeifPicture& picture) {
     }
 }
 
+/// Some encoders state the size that a quarter turn leads to, where the size before it belongs.
+void mendTurnedSize(const std::vector<Box>& properties, PixelSize& stated) {
+    for (const Box& property : properties) {
+        if (property.type != "hvcC")
+            continue;
+        const PixelSize turned = {stated.height, stated.width};
+        if (hevcPictureSize(property.content) == turned)
+            stated = turned;
+    }
+}
+
 HeifPicture describe(const Meta& meta, std::uint32_t id, const Item& item) {
     HeifPicture picture = {.item = id, .coded = {}, .crop = {}};
     const std::vector<Box> properties = meta.propertiesOf(item);
@@ -303,6 +315,7 @@ HeifPicture describe(const Meta& meta, std::uint32_t id, const Item& item) {
         readDescription(property, picture);
     if (picture.coded.width < 1 || picture.coded.height < 1)
         throw Failure{reason::damaged};
+    mendTurnedSize(properties, picture.coded);
     HeifTransforms transforms(picture.coded);
     bool turned = false;
     for (const Box& property : properties)
