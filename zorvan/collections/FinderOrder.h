@@ -1,48 +1,47 @@
 #pragma once
 
 #include <zorvan/collections/Dictionary.h>
-#include <zorvan/text/String.h>
+#include <zorvan/platform/textservices/Collation.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <functional>
-#include <numeric>
 #include <ranges>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-/// Sorting by the order in which people read names; see `finderCompare`. Equal names keep their order.
+/// Sorting by the order in which people read names; see `finderCompare`. Equal names keep their
+/// order.
 namespace zorvan {
 
 /// The elements sorted by the name that `block` gives for each; it is called once for each.
 template <std::ranges::input_range Range, class Block>
-auto finderSorted(Range&& range, Block block)
-    requires(!Dictionary<std::remove_cvref_t<Range>>)
-{
+auto finderSorted(Range&& range, Block block) requires(!Dictionary<std::remove_cvref_t<Range>>) {
     using Element = std::ranges::range_value_t<Range>;
-    std::vector<std::pair<std::string, Element>> named;
-    for (auto&& element : range)
-        named.emplace_back(std::string(std::invoke(block, element)), element);
-    std::vector<std::size_t> order(named.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::stable_sort(order.begin(), order.end(), [&named](std::size_t a, std::size_t b) {
-        return finderCompare(named[a].first, named[b].first) == ComparisonResult::orderedAscending;
-    });
+    std::vector<Element> elements;
+    std::vector<std::string> names;
+    for (auto&& element : range) {
+        names.emplace_back(std::invoke(block, element));
+        elements.push_back(element);
+    }
+    const std::vector<std::string_view> views(names.begin(), names.end());
     std::vector<Element> sorted;
-    sorted.reserve(order.size());
-    for (const std::size_t place : order)
-        sorted.push_back(std::move(named[place].second));
+    sorted.reserve(elements.size());
+    for (const std::size_t place : orderOfNames(views))
+        sorted.push_back(std::move(elements[place]));
     return sorted;
 }
 
 /// The texts in that order.
 template <std::ranges::input_range Range>
 std::vector<std::string> finderSorted(Range&& range) {
-    std::vector<std::string> sorted(std::ranges::begin(range), std::ranges::end(range));
-    std::stable_sort(sorted.begin(), sorted.end(), [](const std::string& a, const std::string& b) {
-        return finderCompare(a, b) == ComparisonResult::orderedAscending;
-    });
+    std::vector<std::string> texts(std::ranges::begin(range), std::ranges::end(range));
+    const std::vector<std::string_view> views(texts.begin(), texts.end());
+    std::vector<std::string> sorted;
+    sorted.reserve(texts.size());
+    for (const std::size_t place : orderOfNames(views))
+        sorted.push_back(std::move(texts[place]));
     return sorted;
 }
 

@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 #include <unicode/ucol.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdlib>
 #include <new>
+#include <numeric>
 #include <random>
 #include <string>
 #include <thread>
@@ -110,6 +112,37 @@ TEST(Collation, FastPathAgreesWithTheCollatorInEveryLocale) {
         }
         ucol_close(collator);
     }
+}
+
+// Without digits of other scripts: next to ASCII ones, the collators of some locales compare them
+// otherwise than their own sort keys do.
+TEST(Collation, SortsAsItCompares) {
+    const std::vector<std::vector<std::string>> alphabets = {
+        {"a", "B", "b", " ", "-", "\1", "0", "00", "7", "12", std::string(254, '9')},
+        {"a", "B", "-", "0", "12", "é", "\u0301", "ß", "\xFF", "\xE4\xB8", "中", "ch"},
+        {"a", "1", std::string(255, '9'), std::string(3000, 'x')}};
+    std::mt19937 random(5);
+    for (const char* identifier : {"en", "cs", "ja", "root"})
+        for (const auto& alphabet : alphabets) {
+            const Locale locale(identifier);
+            std::vector<std::string> texts(300);
+            for (std::string& text : texts)
+                for (std::size_t i = random() % 5; i > 0; --i)
+                    text += alphabet[random() % alphabet.size()];
+            const std::vector<std::string_view> names(texts.begin(), texts.end());
+            std::vector<std::size_t> expected(names.size());
+            std::iota(expected.begin(), expected.end(), std::size_t{0});
+            std::stable_sort(expected.begin(), expected.end(), [&](std::size_t a, std::size_t b) {
+                return compareNames(names[a], names[b], locale) == orderedAscending;
+            });
+            const std::vector<std::size_t> order = orderOfNames(names, locale);
+            const auto [found, wanted] =
+                std::mismatch(order.begin(), order.end(), expected.begin());
+            EXPECT_TRUE(found == order.end())
+                << identifier << ": " << testing::PrintToString(names[*found]) << " before "
+                << testing::PrintToString(names[*wanted]);
+        }
+    EXPECT_TRUE(orderOfNames({}).empty());
 }
 
 TEST(Collation, FollowsTheLocale) {

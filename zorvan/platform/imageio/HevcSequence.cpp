@@ -96,9 +96,8 @@ std::optional<PixelSize> sizeInSequence(Bytes unit) {
         return std::nullopt;
     const std::int64_t unitWidth = chroma == 1 || chroma == 2 ? 2 : 1;
     const std::int64_t unitHeight = chroma == 1 ? 2 : 1;
-    const PixelSize shown = {
-        width - unitWidth * (std::int64_t{window.left} + window.right),
-        height - unitHeight * (std::int64_t{window.top} + window.bottom)};
+    const PixelSize shown = {width - unitWidth * (std::int64_t{window.left} + window.right),
+                             height - unitHeight * (std::int64_t{window.top} + window.bottom)};
     if (shown.width < 1 || shown.height < 1)
         return std::nullopt;
     return shown;

@@ -2,7 +2,10 @@
 
 #include <zorvan/platform/textservices/Locale.h>
 
+#include <cstddef>
+#include <span>
 #include <string_view>
+#include <vector>
 
 namespace zorvan {
 
@@ -16,5 +19,12 @@ enum class ComparisonResult { orderedAscending = -1, orderedSame = 0, orderedDes
 [[nodiscard]] ComparisonResult compareNames(std::string_view a, std::string_view b);
 [[nodiscard]] ComparisonResult compareNames(std::string_view a, std::string_view b,
                                             const Locale& locale);
+
+/// The positions of the names in the order of `compareNames`; names that compare the same keep
+/// their order. Far cheaper than a sort that compares, and takes a small multiple of the names'
+/// bytes while it runs.
+[[nodiscard]] std::vector<std::size_t> orderOfNames(std::span<const std::string_view> names);
+[[nodiscard]] std::vector<std::size_t> orderOfNames(std::span<const std::string_view> names,
+                                                    const Locale& locale);
 
 } // namespace zorvan

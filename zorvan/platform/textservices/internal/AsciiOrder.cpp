@@ -184,4 +184,26 @@ std::optional<std::strong_ordering> AsciiOrder::compare(std::string_view a,
     }
 }
 
+bool AsciiOrder::appendKey(std::string_view name, std::string& keys) const {
+    if (!isUsable_)
+        return false;
+    for (std::size_t i = 0; i < name.size();) {
+        if (!isAscii(name[i]))
+            return false;
+        const std::uint8_t rank = ranks_[static_cast<std::size_t>(name[i])];
+        if (rank != 0)
+            keys.push_back(static_cast<char>(rank));
+        if (!isDigit(name[i])) {
+            ++i;
+            continue;
+        }
+        const std::string_view number = takeNumber(name, i);
+        if (number.size() > longestNumber)
+            return false;
+        keys.push_back(static_cast<char>(number.size()));
+        keys += number;
+    }
+    return true;
+}
+
 } // namespace zorvan::internal

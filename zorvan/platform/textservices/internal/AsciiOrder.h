@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace zorvan::internal {
@@ -23,6 +24,10 @@ public:
     /// ASCII has a say in it, or a number has very many digits.
     std::optional<std::strong_ordering> compare(std::string_view a,
                                                 std::string_view b) const noexcept;
+
+    /// Appends bytes whose order as a whole, as unsigned bytes with the shorter first, is that of
+    /// the names. False, with anything appended, for a name that takes the collator.
+    bool appendKey(std::string_view name, std::string& keys) const;
 
 private:
     struct Element {
