@@ -6,6 +6,8 @@ target_compile_options(zorvan_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wc
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # g++ 12 sees overlaps in std::string's operator+ that are not there (its bug 105651).
   target_compile_options(zorvan_build_flags INTERFACE -Wno-restrict)
+  # A library's own functions may be inlined into each other, as clang does by itself.
+  target_compile_options(zorvan_build_flags INTERFACE -fno-semantic-interposition)
 endif()
 if(ZORVAN_SANITIZE)
   target_compile_options(zorvan_build_flags INTERFACE -fsanitize=${ZORVAN_SANITIZE}

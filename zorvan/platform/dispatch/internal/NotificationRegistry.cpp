@@ -10,12 +10,6 @@ std::atomic<std::uint64_t> registriesMade = 0;
 
 NSNotificationCenter::Registry::Registry() : identity_(++registriesMade) {}
 
-std::size_t NSNotificationCenter::Registry::KeyHash::operator()(const Key& key) const noexcept {
-    const std::size_t mixed = reinterpret_cast<std::size_t>(key.name) * 0x9E3779B97F4A7C15ULL ^
-                              reinterpret_cast<std::size_t>(key.sender) * 0xC2B2AE3D27D4EB4FULL;
-    return mixed ^ (mixed >> 32);
-}
-
 NSNotificationCenter::Registry::Kind NSNotificationCenter::Registry::kind(const Key& key) noexcept {
     if (key.name)
         return key.sender ? nameAndSender : nameOnly;
@@ -44,33 +38,25 @@ void NSNotificationCenter::Registry::add(const ObserverPointer& observer,
 /// The channel of that key, made when there is none.
 NSNotificationCenter::Registry::Channel&
 NSNotificationCenter::Registry::channel(const Key& key, const std::shared_ptr<Sender>& sender) {
-    const auto [place, isNew] = channels_.try_emplace(key);
-    if (!isNew && !sameOwner(place->second->sender, sender)) {
-        orphans_.push_back(std::move(place->second));
-        orphans_.back()->orphaned = std::prev(orphans_.end());
-        place->second = nullptr;
-    }
-    if (isNew)
+    const std::size_t keyHash = hash(key);
+    Channel* const found = channels_.find(key, keyHash);
+    if (found && sameOwner(found->sender, sender))
+        return *found;
+    if (found) {
+        orphans_.push_back(channels_.take(*found));
+        found->orphaned = std::prev(orphans_.end());
+    } else {
         ++channelCount_[kind(key)];
-    if (!place->second) {
-        place->second = std::make_unique<Channel>();
-        place->second->key = key;
-        place->second->sender = sender;
     }
-    return *place->second;
+    auto made = std::make_unique<Channel>();
+    made->key = key;
+    made->hash = keyHash;
+    made->sender = sender;
+    return channels_.insert(std::move(made));
 }
 
 std::atomic<std::uint32_t>& NSNotificationCenter::Registry::interest(const Key& key) noexcept {
     return key.name ? interest_[slot(key.name)] : interestInEveryName_;
-}
-
-std::size_t NSNotificationCenter::Registry::slot(const std::string* name) noexcept {
-    return KeyHash()({name, nullptr}) % interestSlots;
-}
-
-bool NSNotificationCenter::Registry::mayConcern(NSNotificationName name) const noexcept {
-    return interest_[slot(&name.rawValue())].load(std::memory_order_relaxed) != 0 ||
-           interestInEveryName_.load(std::memory_order_relaxed) != 0;
 }
 
 void NSNotificationCenter::Registry::remove(const ObserverPointer& observer) {
@@ -92,17 +78,13 @@ void NSNotificationCenter::Registry::remove(const ObserverPointer& observer) {
 
 std::unique_ptr<NSNotificationCenter::Registry::Channel>
 NSNotificationCenter::Registry::takeChannel(Channel& channel) {
-    std::unique_ptr<Channel> taken;
     if (channel.orphaned) {
-        taken = std::move(**channel.orphaned);
-        orphans_.erase(*channel.orphaned);
+        std::unique_ptr<Channel> taken = std::move(**channel.orphaned);
+        orphans_.erase(*taken->orphaned);
         return taken;
     }
-    const auto place = channels_.find(channel.key);
-    taken = std::move(place->second);
-    channels_.erase(place);
     --channelCount_[kind(channel.key)];
-    return taken;
+    return channels_.take(channel);
 }
 
 void NSNotificationCenter::Registry::deliver(const Notification& notification) {
@@ -119,34 +101,34 @@ void NSNotificationCenter::Registry::deliver(const Notification& notification) {
 /// Fills the front of `found` with the observers of each channel concerned; the number of them.
 std::size_t NSNotificationCenter::Registry::find(const Notification& notification, Found& found) {
     const std::string* const name = &notification.name.rawValue();
-    const Sender* const sender = notification.object.get();
-    const std::array<Key, kindCount> keys{
-        {{name, sender}, {name, nullptr}, {nullptr, sender}, {nullptr, nullptr}}};
+    const std::shared_ptr<Sender>& sender = notification.object;
     std::size_t count = 0;
+    const auto look = [&](Kind kind, Key key) {
+        if (channelCount_[kind] == 0)
+            return;
+        if (const Channel* const channel = channelWithSnapshot(key, sender))
+            found[count++] = channel->snapshot;
+    };
     const std::lock_guard lock(mutex_);
-    for (const Kind kind : {nameAndSender, nameOnly, senderOnly, everything}) {
-        const bool needsSender = kind == nameAndSender || kind == senderOnly;
-        if (channelCount_[kind] == 0 || (needsSender && !sender))
-            continue;
-        found[count] = snapshot(keys[kind], notification.object);
-        if (found[count])
-            ++count;
+    if (sender) {
+        look(nameAndSender, {name, sender.get()});
+        look(senderOnly, {nullptr, sender.get()});
     }
+    look(nameOnly, {name, nullptr});
+    look(everything, {nullptr, nullptr});
     return count;
 }
 
-NSNotificationCenter::Registry::SharedSnapshot
-NSNotificationCenter::Registry::snapshot(const Key& key, const std::shared_ptr<Sender>& sender) {
-    const auto place = channels_.find(key);
-    if (place == channels_.end())
+const NSNotificationCenter::Registry::Channel*
+NSNotificationCenter::Registry::channelWithSnapshot(Key key,
+                                                    const std::shared_ptr<Sender>& sender) {
+    Channel* const channel = channels_.find(key, hash(key));
+    if (!channel || (key.sender && !sameOwner(channel->sender, sender)))
         return nullptr;
-    Channel& channel = *place->second;
-    if (key.sender && !sameOwner(channel.sender, sender))
-        return nullptr;
-    if (!channel.snapshot)
-        channel.snapshot =
-            std::make_shared<const Snapshot>(channel.observers.begin(), channel.observers.end());
-    return channel.snapshot;
+    if (!channel->snapshot)
+        channel->snapshot =
+            std::make_shared<const Snapshot>(channel->observers.begin(), channel->observers.end());
+    return channel;
 }
 
 /// Merges the channels, each of which is in the order of addition.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/platform/dispatch/internal/ChainedTable.h>
 #include <zorvan/platform/dispatch/internal/NotificationObserver.h>
 
 #include <array>
@@ -8,7 +9,6 @@
 #include <cstdint>
 #include <mutex>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 namespace zorvan {
@@ -32,7 +32,10 @@ public:
     void remove(const ObserverPointer& observer);
 
     /// False when nobody can want a notification of that name; says so without a lock.
-    bool mayConcern(NSNotificationName name) const noexcept;
+    bool mayConcern(NSNotificationName name) const noexcept {
+        return interest_[slot(&name.rawValue())].load(std::memory_order_relaxed) != 0 ||
+               interestInEveryName_.load(std::memory_order_relaxed) != 0;
+    }
 
     void deliver(const Notification& notification);
 
@@ -45,23 +48,29 @@ private:
         const Sender* sender;    // null: every sender
         bool operator==(const Key&) const = default;
     };
-    struct KeyHash {
-        std::size_t operator()(const Key& key) const noexcept;
-    };
     struct Channel {
         Key key;
+        std::size_t hash;
         std::weak_ptr<Sender> sender;
         NotificationObserver::List observers;
         SharedSnapshot snapshot; // null when the list has changed since
         std::optional<std::list<std::unique_ptr<Channel>>::iterator>
-            orphaned; // place among orphans
+            orphaned;                  // place among orphans
+        std::unique_ptr<Channel> next; // in the table
     };
     enum Kind : std::size_t { nameAndSender, nameOnly, senderOnly, everything, kindCount };
-    static constexpr std::size_t interestSlots = 1024;
+    static constexpr std::size_t interestSlots = 4096;
     using Found = std::array<SharedSnapshot, kindCount>;
 
     static Kind kind(const Key& key) noexcept;
-    static std::size_t slot(const std::string* name) noexcept;
+    static std::size_t hash(Key key) noexcept {
+        const std::size_t mixed = reinterpret_cast<std::size_t>(key.name) * 0x9E3779B97F4A7C15ULL ^
+                                  reinterpret_cast<std::size_t>(key.sender) * 0xC2B2AE3D27D4EB4FULL;
+        return mixed ^ (mixed >> 32);
+    }
+    static std::size_t slot(const std::string* name) noexcept {
+        return hash({name, nullptr}) % interestSlots;
+    }
     static bool sameOwner(const std::weak_ptr<Sender>& a,
                           const std::shared_ptr<Sender>& b) noexcept;
     static void tellInOrder(std::span<const SharedSnapshot> found,
@@ -71,11 +80,11 @@ private:
     std::unique_ptr<Channel> takeChannel(Channel& channel);
     std::atomic<std::uint32_t>& interest(const Key& key) noexcept;
     std::size_t find(const Notification& notification, Found& found);
-    SharedSnapshot snapshot(const Key& key, const std::shared_ptr<Sender>& sender);
+    const Channel* channelWithSnapshot(Key key, const std::shared_ptr<Sender>& sender);
 
     const std::uint64_t identity_;
     std::mutex mutex_;
-    std::unordered_map<Key, std::unique_ptr<Channel>, KeyHash> channels_;
+    ChainedTable<Channel> channels_;
     std::list<std::unique_ptr<Channel>> orphans_; // of gone senders whose address another one took
     std::array<std::size_t, kindCount> channelCount_{};
     std::uint64_t nextNumber_ = 0;
