@@ -1,9 +1,8 @@
 #include <zorvan/platform/graphics/parallelRows.h>
 
-#include <algorithm>
+#include <zorvan/platform/dispatch/concurrentPerform.h>
 
-#include <oneapi/tbb/blocked_range.h>
-#include <oneapi/tbb/parallel_for.h>
+#include <algorithm>
 
 namespace zorvan {
 
@@ -13,8 +12,14 @@ void parallelRows(std::int64_t count, std::int64_t grain, RowsBody body, void* c
     const std::int64_t groups = (count - 1) / grain + 1;
     if (groups == 1)
         return body(context, 0, count);
-    tbb::parallel_for(tbb::blocked_range<std::int64_t>(0, groups), [&](const auto& range) {
-        body(context, range.begin() * grain, std::min(range.end() * grain, count));
+    struct Rows {
+        std::int64_t count, grain;
+        RowsBody body;
+        void* context;
+    } rows = {count, grain, body, context};
+    internal::performChunks(groups, &rows, [](void* loop, std::int64_t first, std::int64_t last) {
+        const Rows& whole = *static_cast<Rows*>(loop);
+        whole.body(whole.context, first * whole.grain, std::min(last * whole.grain, whole.count));
     });
 }
 
