@@ -27,11 +27,6 @@ void startSodium() {
 
 } // namespace
 
-void wipe(Data& bytes) noexcept {
-    sodium_memzero(bytes.data(), bytes.size());
-    bytes.clear();
-}
-
 void SealingKey::Free::operator()(std::byte* bytes) const noexcept { sodium_free(bytes); }
 
 SealingKey::SealingKey(const KeyIdentifier& identifier) : identifier_(identifier) {

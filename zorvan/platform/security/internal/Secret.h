@@ -1,13 +1,11 @@
 #pragma once
 
 #include <zorvan/platform/foundation/Data.h>
+#include <zorvan/platform/security/wipe.h>
 
 #include <utility>
 
 namespace zorvan::security {
-
-/// Overwrites bytes in a way that is never optimised away, and empties them.
-void wipe(Data& bytes) noexcept;
 
 /// Bytes that are wiped when they are no longer needed.
 class Secret {
