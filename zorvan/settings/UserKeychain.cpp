@@ -4,6 +4,8 @@
 #include <zorvan/platform/propertylist/internal/TextForms.h>
 #include <zorvan/platform/security/wipe.h>
 
+#include <span>
+
 namespace zorvan {
 
 namespace {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <span>
 #include <sqlite3.h>
 #include <thread>
 

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <memory>
 #include <sodium.h>
+#include <span>
 #include <string>
 #include <unistd.h>
 
@@ -75,17 +76,15 @@ void bindConditions(Statement& statement, const ItemQuery& query) {
         statement.bind(*query.reference);
 }
 
-/// Absent for a row that the store cannot have written.
-std::optional<SecureItem> rowOf(const Statement& row) {
+/// Whatever the columns hold: damage shows when the value is opened.
+SecureItem rowOf(const Statement& row) {
     SecureItem item;
     item.reference = row.integer(0);
     item.isSynchronizable = row.integer(1) != 0;
     item.created = row.integer(2);
     item.modified = row.integer(3);
-    const auto key = row.bytes(4);
-    if (key.size() != item.key.size())
-        return std::nullopt;
-    std::ranges::copy(key, item.key.begin());
+    if (const auto key = row.bytes(4); key.size() == sizeof(KeyIdentifier))
+        std::ranges::copy(key, item.key.emplace().begin());
     const auto sealed = row.bytes(5);
     item.sealed.assign(sealed.begin(), sealed.end());
     for (std::size_t i = 0; i < textCount; ++i) {
@@ -101,8 +100,7 @@ std::optional<SecureItem> rowOf(const Statement& row) {
 std::vector<SecureItem> rowsOf(Statement statement) {
     std::vector<SecureItem> rows;
     while (statement.step())
-        if (auto row = rowOf(statement))
-            rows.push_back(std::move(*row));
+        rows.push_back(rowOf(statement));
     return rows;
 }
 
@@ -125,7 +123,7 @@ void bindItem(Statement& statement, const SecureItem& item) {
     statement.bind(item.isSynchronizable)
         .bind(item.created)
         .bind(item.modified)
-        .bindBytes(item.key)
+        .bindBytes(*item.key)
         .bindBytes(item.sealed)
         .bind(item.reference);
 }
@@ -178,6 +176,15 @@ void ItemStore::add(const NewItem& item) {
         throw Failure{errSecDuplicateItem};
 }
 
+ItemStore::Opening ItemStore::open(const SecureItem& item) {
+    if (!item.key)
+        return {};
+    const SealingKey* const key = custody_.find(*item.key);
+    if (!key)
+        return {{}, true};
+    return {key->open(item.sealed, associatedData(item)), false};
+}
+
 std::vector<OpenedItem> ItemStore::find(const ItemQuery& query) {
     Statement statement =
         database_.statement("SELECT " + columns() + " FROM items" + conditionsOf(query) +
@@ -186,22 +193,18 @@ std::vector<OpenedItem> ItemStore::find(const ItemQuery& query) {
     std::vector<OpenedItem> found;
     bool lacksKey = false;
     while (found.size() < query.limit && statement.step()) {
-        std::optional<SecureItem> item = rowOf(statement);
-        if (!item)
-            continue;
-        const SealingKey* const key = custody_.find(item->key);
-        lacksKey = lacksKey || !key;
-        std::optional<Secret> value =
-            key ? key->open(item->sealed, associatedData(*item)) : std::nullopt;
-        if (value)
-            found.push_back({std::move(*item), std::move(*value)});
+        SecureItem item = rowOf(statement);
+        Opening opening = open(item);
+        lacksKey = lacksKey || opening.lacksKey;
+        if (opening.value)
+            found.push_back({std::move(item), std::move(*opening.value)});
     }
     if (found.empty())
         throw Failure{lacksKey ? errSecInteractionNotAllowed : errSecItemNotFound};
     return found;
 }
 
-void ItemStore::change(SecureItem item, const ItemAttributes& changes) {
+bool ItemStore::change(SecureItem item, const ItemAttributes& changes) {
     static const std::string alteration =
         "UPDATE items SET service = ?1, account = ?2, access_group = ?3, label = ?4, generic = ?5, "
         "accessible = ?6, synchronizable = ?7, created = ?8, modified = ?9, sealing_key = ?10, "
@@ -209,12 +212,12 @@ void ItemStore::change(SecureItem item, const ItemAttributes& changes) {
         std::string(nextRevision) + " WHERE reference = ?12";
     std::optional<Secret> kept;
     if (!changes.value) {
-        const SealingKey* const key = custody_.find(item.key);
-        if (!key)
+        Opening opening = open(item);
+        if (opening.lacksKey)
             throw Failure{errSecInteractionNotAllowed};
-        kept = key->open(item.sealed, associatedData(item));
-        if (!kept)
-            return;
+        if (!opening.value)
+            return false;
+        kept = std::move(opening.value);
     }
     give(item, changes);
     item.modified = microsecondsNow();
@@ -222,6 +225,7 @@ void ItemStore::change(SecureItem item, const ItemAttributes& changes) {
     Statement statement = database_.statement(alteration);
     bindItem(statement, item);
     statement.step();
+    return true;
 }
 
 void ItemStore::update(const ItemQuery& query, const ItemAttributes& changes) {
@@ -231,11 +235,11 @@ void ItemStore::update(const ItemQuery& query, const ItemAttributes& changes) {
     Statement matching =
         database_.statement("SELECT " + columns() + " FROM items" + conditionsOf(query));
     bindConditions(matching, query);
-    const std::vector<SecureItem> rows = rowsOf(std::move(matching));
-    if (rows.empty())
+    bool isChanged = false;
+    for (SecureItem& row : rowsOf(std::move(matching)))
+        isChanged = change(std::move(row), changes) || isChanged;
+    if (!isChanged)
         throw Failure{errSecItemNotFound};
-    for (const SecureItem& row : rows)
-        change(row, changes);
     transaction.commit();
 }
 

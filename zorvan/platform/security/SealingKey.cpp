@@ -4,6 +4,7 @@
 
 #include <new>
 #include <sodium.h>
+#include <span>
 
 namespace zorvan::security {
 

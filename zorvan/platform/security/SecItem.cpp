@@ -6,6 +6,7 @@
 #include <chrono>
 #include <mutex>
 #include <new>
+#include <span>
 
 namespace zorvan {
 

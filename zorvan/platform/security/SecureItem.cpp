@@ -1,6 +1,7 @@
 #include <zorvan/platform/security/internal/SecureItem.h>
 
 #include <algorithm>
+#include <span>
 #include <string_view>
 
 namespace zorvan::security {
@@ -26,7 +27,7 @@ void append(Data& bytes, std::uint64_t number) {
 Data associatedData(const SecureItem& item) {
     Data bytes;
     append(bytes, itemMagic);
-    bytes.insert(bytes.end(), item.key.begin(), item.key.end());
+    bytes.insert(bytes.end(), item.key->begin(), item.key->end());
     for (const std::int64_t number : {item.reference, item.created, item.modified})
         append(bytes, static_cast<std::uint64_t>(number));
     bytes.push_back(std::byte{item.isSynchronizable});

@@ -31,9 +31,17 @@ public:
     void remove(const ItemQuery& query);
 
 private:
+    /// What came of opening a value: neither when it is damaged.
+    struct Opening {
+        std::optional<Secret> value;
+        bool lacksKey = false;
+    };
+
     explicit ItemStore(PrivateFolder folder);
     bool isUsable(const PrivateFolder& folder) const;
-    void change(SecureItem item, const ItemAttributes& changes);
+    Opening open(const SecureItem& item);
+    /// False for an item whose value is damaged, when there is no new one.
+    bool change(SecureItem item, const ItemAttributes& changes);
 
     PrivateFolder folder_;
     Database database_;

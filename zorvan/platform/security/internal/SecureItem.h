@@ -37,11 +37,11 @@ struct SecureItem {
     bool isSynchronizable = false;
     std::int64_t created = 0; // microseconds since 1970
     std::int64_t modified = 0;
-    KeyIdentifier key{}; // which sealed the value
+    std::optional<KeyIdentifier> key; // which sealed the value; absent when that is damaged
     Data sealed;
 };
 
-/// Everything about an item but its value: what the value is bound to.
+/// Everything about an item but its value: what the value is bound to. It must name its key.
 Data associatedData(const SecureItem& item);
 
 Data persistentReference(std::int64_t reference);
