@@ -123,6 +123,27 @@ std::optional<SealingKey> keyIn(SecretItem* item) {
     return isWhole ? std::optional(std::move(key)) : std::nullopt;
 }
 
+/// Lets the process outlive the bus while it lasts, which the shared connection would not.
+/// Afterwards the connection is as the application wants it, or gone when nobody else has it.
+class Survival {
+public:
+    explicit Survival(GDBusConnection* connection)
+        : connection_(connection), exitedOnClose_(g_dbus_connection_get_exit_on_close(connection)) {
+        g_dbus_connection_set_exit_on_close(connection, FALSE);
+    }
+    Survival(const Survival&) = delete;
+    Survival& operator=(const Survival&) = delete;
+    ~Survival() {
+        const bool isOthersToo = G_OBJECT(connection_)->ref_count > 1;
+        if (isOthersToo && !g_dbus_connection_is_closed(connection_))
+            g_dbus_connection_set_exit_on_close(connection_, exitedOnClose_);
+    }
+
+private:
+    GDBusConnection* connection_;
+    gboolean exitedOnClose_;
+};
+
 /// The conversation, which may hang in any step until it is cancelled.
 class Conversation {
 public:
@@ -141,21 +162,15 @@ public:
 
 private:
     bool connect() {
-        const std::string address = busAddress();
-        if (address.empty())
+        if (busAddress().empty())
             return false;
-        constexpr auto flags =
-            static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                              G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-        // Of its own: the connection that the process shares ends the process when the bus goes.
-        connection_.reset(g_dbus_connection_new_for_address_sync(address.c_str(), flags, nullptr,
-                                                                 cancellable_, nullptr));
+        // The client insists on the connection that all of the process share.
+        connection_.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable_, nullptr));
         if (!connection_)
             return false;
-        service_.reset(static_cast<SecretService*>(g_initable_new(
-            silentService(), cancellable_, nullptr, "g-connection", connection_.get(), "g-name",
-            "org.freedesktop.secrets", "g-object-path", "/org/freedesktop/secrets",
-            "g-interface-name", "org.freedesktop.Secret.Service", nullptr)));
+        survival_.emplace(connection_.get());
+        service_.reset(secret_service_open_sync(silentService(), nullptr, SECRET_SERVICE_NONE,
+                                                cancellable_, nullptr));
         return service_ != nullptr;
     }
 
@@ -198,6 +213,7 @@ private:
 
     GCancellable* cancellable_;
     Object<GDBusConnection> connection_;
+    std::optional<Survival> survival_;
     Object<SecretService> service_;
 };
 
