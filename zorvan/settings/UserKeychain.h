@@ -44,7 +44,8 @@ public:
         struct RawValue {
             Required<std::string> rawValue;
         };
-        explicit Key(std::string text) : rawValue(std::move(text)) {}
+        template <std::convertible_to<std::string_view> Text>
+        explicit Key(const Text& text) : rawValue(std::string_view(text)) {}
         explicit Key(RawValue argument) : rawValue(std::move(argument.rawValue.value)) {}
 
         std::string rawValue;
@@ -113,13 +114,8 @@ public:
     bool set(const char* text, const Key& key, std::optional<Access> access = {}) const {
         return set(std::string_view(text), key, access);
     }
-    /// Archived as `NSNumber`s. False for an integer beyond 64 signed bits.
-    template <class Number>
-    requires std::integral<Number> || std::floating_point<Number>
-    bool set(Number number, const Key& key, std::optional<Access> access = {}) const {
-        return setArchive([&] { return NSKeyedArchiver::archivedData(number); }, key, access);
-    }
-    /// Whatever `NSKeyedArchiver` takes. False when it cannot be archived.
+    /// A number or truth value, archived as an `NSNumber`, or an object: whatever `NSKeyedArchiver`
+    /// takes. False when it cannot be archived.
     template <class Object>
     bool set(const Object& object, const Key& key, std::optional<Access> access = {}) const {
         return setArchive([&] { return NSKeyedArchiver::archivedData(object); }, key, access);

@@ -44,7 +44,7 @@ public:
     template <class T>
     static Data archivedData(const T& rootObject) {
         NSKeyedArchiver archiver;
-        archiver.encode(rootObject, "root");
+        archiver.set("root", stored(archiver.reference(rootObject)));
         return archiver.encodedData();
     }
 
