@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <chrono>
-#include <memory>
 #include <sodium.h>
 #include <span>
 #include <string>
 #include <unistd.h>
+#include <utility>
 
 namespace zorvan::security {
 
@@ -30,6 +30,20 @@ constexpr int fixedColumns = 6;
 constexpr const char* nextRevision =
     "(SELECT coalesce(max(revision), 0) + 1 FROM items AS others WHERE others.service = ?1 AND "
     "others.account = ?2 AND others.access_group = ?3)";
+
+const std::string valueOnly =
+    "UPDATE items SET modified = ?9, sealing_key = ?10, sealed = ?11, revision = " +
+    std::string(nextRevision) + " WHERE reference = ?12";
+const std::string describing =
+    "UPDATE items SET service = ?1, account = ?2, access_group = ?3, label = ?4, generic = ?5, "
+    "accessible = "
+    "?6, synchronizable = ?7, modified = ?9, sealing_key = ?10, sealed = ?11, revision = " +
+    std::string(nextRevision) + " WHERE reference = ?12";
+
+bool isDescribed(const ItemAttributes& changes) {
+    return changes.isSynchronizable ||
+           std::ranges::any_of(changes.texts, [](const auto& text) { return text.has_value(); });
+}
 
 std::int64_t microsecondsNow() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
@@ -138,19 +152,20 @@ bool ItemStore::isUsable(const PrivateFolder& folder) const {
 }
 
 ItemStore& ItemStore::ofUser(bool mayCreate) {
-    static std::unique_ptr<ItemStore> store;
-    // A connection must not be used, not even closed, in a child of the process that opened it.
+    // Never closed at the end: a child of the process would close it too, which a connection does
+    // not bear.
+    static ItemStore* store = nullptr;
     if (store && store->process_ != ::getpid())
-        static_cast<void>(store.release());
+        store = nullptr;
     const PrivateFolder folder(PrivateFolder::standardPath());
     if (store && store->isUsable(folder))
         return *store;
-    store.reset();
+    delete std::exchange(store, nullptr);
     if (mayCreate)
         folder.create();
     else if (!Database::exists(folder))
         throw Failure{errSecItemNotFound};
-    store.reset(new ItemStore(folder));
+    store = new ItemStore(folder);
     return *store;
 }
 
@@ -196,20 +211,19 @@ std::vector<OpenedItem> ItemStore::find(const ItemQuery& query) {
         SecureItem item = rowOf(statement);
         Opening opening = open(item);
         lacksKey = lacksKey || opening.lacksKey;
-        if (opening.value)
-            found.push_back({std::move(item), std::move(*opening.value)});
+        if (!opening.value)
+            continue;
+        item.sealed.clear();
+        item.sealed.shrink_to_fit();
+        found.push_back(
+            {std::move(item), query.returnsData ? std::move(*opening.value) : Secret(0)});
     }
     if (found.empty())
         throw Failure{lacksKey ? errSecInteractionNotAllowed : errSecItemNotFound};
     return found;
 }
 
-bool ItemStore::change(SecureItem item, const ItemAttributes& changes) {
-    static const std::string alteration =
-        "UPDATE items SET service = ?1, account = ?2, access_group = ?3, label = ?4, generic = ?5, "
-        "accessible = ?6, synchronizable = ?7, created = ?8, modified = ?9, sealing_key = ?10, "
-        "sealed = ?11, revision = " +
-        std::string(nextRevision) + " WHERE reference = ?12";
+bool ItemStore::change(SecureItem item, const ItemAttributes& changes, const SealingKey& newKey) {
     std::optional<Secret> kept;
     if (!changes.value) {
         Opening opening = open(item);
@@ -221,8 +235,9 @@ bool ItemStore::change(SecureItem item, const ItemAttributes& changes) {
     }
     give(item, changes);
     item.modified = microsecondsNow();
-    seal(item, custody_.forSealing(), kept ? kept->bytes() : *changes.value);
-    Statement statement = database_.statement(alteration);
+    seal(item, newKey, kept ? kept->bytes() : *changes.value);
+    // What is not named is not written, which spares the index that identifies items.
+    Statement statement = database_.statement(isDescribed(changes) ? describing : valueOnly);
     bindItem(statement, item);
     statement.step();
     return true;
@@ -230,14 +245,14 @@ bool ItemStore::change(SecureItem item, const ItemAttributes& changes) {
 
 void ItemStore::update(const ItemQuery& query, const ItemAttributes& changes) {
     // The keyring may take its time, for which no other process should have to wait.
-    custody_.forSealing();
+    const SealingKey& newKey = custody_.forSealing();
     Database::Transaction transaction(database_);
     Statement matching =
         database_.statement("SELECT " + columns() + " FROM items" + conditionsOf(query));
     bindConditions(matching, query);
     bool isChanged = false;
     for (SecureItem& row : rowsOf(std::move(matching)))
-        isChanged = change(std::move(row), changes) || isChanged;
+        isChanged = change(std::move(row), changes, newKey) || isChanged;
     if (!isChanged)
         throw Failure{errSecItemNotFound};
     transaction.commit();

@@ -1,7 +1,6 @@
 #include <zorvan/platform/security/internal/KeyCustody.h>
 
 #include <zorvan/platform/security/internal/Keyring.h>
-#include <zorvan/platform/security/internal/PrivateKeyFile.h>
 
 namespace zorvan::security {
 
@@ -18,9 +17,19 @@ const SealingKey& KeyCustody::forSealing() {
         consultKeyring(true);
     if (keyringKey_)
         return keys_.at(*keyringKey_);
-    // Read anew each time: the file may have been put aside while the process runs, and a key that
-    // is nowhere on disk must not seal anything.
-    return remember(readOrMakeKeyFile(folder_));
+    return keyOfFile();
+}
+
+/// The file may be put aside while the process runs, and a key that is nowhere on disk must not
+/// seal anything.
+const SealingKey& KeyCustody::keyOfFile() {
+    const std::optional<KeyFileStamp> stamp = stampOfKeyFile(folder_);
+    if (stamp && stamp == fileStamp_)
+        return keys_.at(fileKey_);
+    const SealingKey& key = remember(readOrMakeKeyFile(folder_));
+    fileKey_ = key.identifier();
+    fileStamp_ = stamp;
+    return key;
 }
 
 const SealingKey* KeyCustody::find(const KeyIdentifier& identifier) {

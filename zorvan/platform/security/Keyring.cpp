@@ -272,9 +272,10 @@ KeyringAnswer askKeyring(bool mayCreate, std::chrono::milliseconds patience) {
         return answer;
     std::unique_lock lock(exchange->mutex);
     answer.isLate = !exchange->hasEnded.wait_for(lock, patience, [&] { return exchange->isDone; });
+    answer.keys = std::move(exchange->keys);
+    lock.unlock();
     if (answer.isLate)
         g_cancellable_cancel(exchange->cancellable.get());
-    answer.keys = std::move(exchange->keys);
     return answer;
 }
 

@@ -110,6 +110,13 @@ void placeKeyFile(const PrivateFolder& folder, const SealingKey& key) {
 
 } // namespace
 
+std::optional<KeyFileStamp> stampOfKeyFile(const PrivateFolder& folder) noexcept {
+    struct stat status {};
+    if (::lstat(folder.path(keyFile).c_str(), &status) != 0)
+        return std::nullopt;
+    return KeyFileStamp{status.st_dev, status.st_ino, status.st_ctim};
+}
+
 std::optional<SealingKey> readKeyFile(const PrivateFolder& folder) {
     if (!folder.exists())
         return std::nullopt;

@@ -11,7 +11,7 @@
 
 namespace zorvan::security {
 
-/// An item with its value, after a check that neither was changed.
+/// An item after a check that nothing of it was changed, with its value when that is asked for.
 struct OpenedItem {
     SecureItem item;
     Secret value;
@@ -41,7 +41,7 @@ private:
     bool isUsable(const PrivateFolder& folder) const;
     Opening open(const SecureItem& item);
     /// False for an item whose value is damaged, when there is no new one.
-    bool change(SecureItem item, const ItemAttributes& changes);
+    bool change(SecureItem item, const ItemAttributes& changes, const SealingKey& newKey);
 
     PrivateFolder folder_;
     Database database_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zorvan/platform/security/internal/PrivateFolder.h>
+#include <zorvan/platform/security/internal/PrivateKeyFile.h>
 #include <zorvan/platform/security/internal/SealingKey.h>
 
 #include <array>
@@ -29,12 +30,15 @@ private:
 
     const SealingKey* known(const KeyIdentifier& identifier) const;
     const SealingKey& remember(SealingKey key);
+    const SealingKey& keyOfFile();
     /// Asks the keyring, unless it has just failed.
     void consultKeyring(bool mayCreate);
 
     PrivateFolder folder_;
     std::map<KeyIdentifier, SealingKey> keys_;
     std::optional<KeyIdentifier> keyringKey_;
+    KeyIdentifier fileKey_{};
+    std::optional<KeyFileStamp> fileStamp_;               // of the file that the key was read from
     std::array<Clock::time_point, 2> nextConsultation_{}; // without and with leave to make a key
 };
 
