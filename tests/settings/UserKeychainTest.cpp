@@ -1,0 +1,280 @@
+#include "Process.h"
+
+#include <zorvan/settings/UserKeychain.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <set>
+#include <stdexcept>
+#include <thread>
+#include <unordered_set>
+
+using namespace zorvan;
+namespace fs = std::filesystem;
+
+namespace {
+
+using Access = UserKeychain::Access;
+
+class KeychainTest : public testing::Test {
+protected:
+    KeychainTest() {
+        std::string pattern = (fs::temp_directory_path() / "zorvan-keychain-XXXXXX").string();
+        if (!::mkdtemp(pattern.data()))
+            throw std::runtime_error("mkdtemp");
+        root = pattern;
+        ::setenv("XDG_DATA_HOME", root.c_str(), 1);
+        ::setenv("XDG_RUNTIME_DIR", root.c_str(), 1);
+        ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
+        keychain = UserKeychain::create({.serviceName = "test"});
+    }
+    ~KeychainTest() override { fs::remove_all(root); }
+
+    static Data bytes(std::string_view text) {
+        const auto raw = std::as_bytes(std::span(text));
+        return Data(raw.begin(), raw.end());
+    }
+
+    /// The attributes of every item there is.
+    static std::vector<PropertyList::Dictionary> items() {
+        const SecItemResult found = SecItemCopyMatching({{kSecClass, kSecClassGenericPassword},
+                                                         {kSecMatchLimit, kSecMatchLimitAll},
+                                                         {kSecReturnAttributes, true}});
+        std::vector<PropertyList::Dictionary> result;
+        if (found.value)
+            for (const PropertyList& item : *found.value->as<PropertyList::Array>())
+                result.push_back(*item.as<PropertyList::Dictionary>());
+        return result;
+    }
+
+    fs::path root;
+    std::shared_ptr<UserKeychain> keychain;
+    const UserKeychain::Key key{"key"};
+};
+
+struct Token {
+    static constexpr std::string_view archivedClassName = "Token";
+    std::string text;
+    std::int64_t uses = 0;
+    void encode(NSKeyedArchiver& coder) const {
+        coder.encode(text, "text");
+        coder.encode(uses, "uses");
+    }
+    static Token decode(const NSKeyedUnarchiver& coder) {
+        Token token{coder.decode<std::string>("text"), coder.decode<std::int64_t>("uses")};
+        if (token.uses < 0)
+            throw std::out_of_range("uses");
+        return token;
+    }
+    friend bool operator==(const Token&, const Token&) = default;
+};
+
+} // namespace
+
+TEST_F(KeychainTest, AccessesHaveTheirConstants) {
+    struct {
+        Access access;
+        const char* constant;
+    } table[] = {
+        {Access::afterFirstUnlock, kSecAttrAccessibleAfterFirstUnlock},
+        {Access::afterFirstUnlockThisDeviceOnly, kSecAttrAccessibleAfterFirstUnlockThisDeviceOnly},
+        {Access::always, nullptr},
+        {Access::whenPasscodeSetThisDeviceOnly, kSecAttrAccessibleWhenPasscodeSetThisDeviceOnly},
+        {Access::alwaysThisDeviceOnly, nullptr},
+        {Access::whenUnlocked, kSecAttrAccessibleWhenUnlocked},
+        {Access::whenUnlockedThisDeviceOnly, kSecAttrAccessibleWhenUnlockedThisDeviceOnly},
+    };
+    std::unordered_set<Access> distinct;
+    std::vector<Access> withConstant;
+    for (const auto& row : table) {
+        distinct.insert(row.access);
+        EXPECT_EQ(row.access.attributeValue().has_value(), row.constant != nullptr);
+        if (!row.constant)
+            continue;
+        withConstant.push_back(row.access);
+        EXPECT_EQ(row.access.attributeValue(), row.constant);
+        EXPECT_EQ(Access::make(row.constant), row.access);
+        EXPECT_EQ(Access::lookup().at(row.access), row.constant);
+    }
+    EXPECT_EQ(distinct.size(), 7u);
+    EXPECT_EQ(Access::lookup().size(), 5u);
+    EXPECT_EQ(std::vector<Access>(Access::all.begin(), Access::all.end()), withConstant);
+    EXPECT_EQ(Access::make(""), std::nullopt);
+    EXPECT_EQ(Access::make("always"), std::nullopt);
+}
+
+TEST_F(KeychainTest, KeepsEveryKindOfValue) {
+    EXPECT_TRUE(keychain->set("größer", key));
+    EXPECT_EQ(keychain->string(key), "größer");
+    EXPECT_EQ(keychain->data(key), bytes("größer"));
+    EXPECT_EQ(keychain->integer(key), std::nullopt);
+    EXPECT_TRUE(keychain->set(Data{std::byte{0xFF}}, key));
+    EXPECT_EQ(keychain->string(key), std::nullopt); // no text
+    EXPECT_EQ(keychain->data(key), Data{std::byte{0xFF}});
+    EXPECT_TRUE(keychain->set(std::string(), key));
+    EXPECT_EQ(keychain->string(key), "");
+    EXPECT_TRUE(keychain->hasValue(key));
+
+    EXPECT_TRUE(keychain->set(42, key));
+    EXPECT_EQ(keychain->integer(key), 42);
+    EXPECT_EQ(keychain->double_(key), 42.0);
+    EXPECT_EQ(keychain->float_(key), 42.0f);
+    EXPECT_EQ(keychain->bool_(key), true);
+    EXPECT_EQ(keychain->data(key), NSKeyedArchiver::archivedData(NSNumber(42)));
+    EXPECT_TRUE(keychain->set(-2.75, key));
+    EXPECT_EQ(keychain->integer(key), -2);
+    EXPECT_TRUE(keychain->set(0.1f, key));
+    EXPECT_EQ(keychain->float_(key), 0.1f);
+    EXPECT_TRUE(keychain->set(false, key));
+    EXPECT_EQ(keychain->bool_(key), false);
+    EXPECT_TRUE(keychain->object<NSNumber>(key)->isBool());
+    EXPECT_EQ(keychain->integer(key), 0);
+    EXPECT_TRUE(keychain->set(std::numeric_limits<std::int64_t>::min(), key));
+    EXPECT_EQ(keychain->integer(key), std::numeric_limits<std::int64_t>::min());
+
+    EXPECT_TRUE(keychain->set(Token{"t", 3}, key));
+    EXPECT_EQ(keychain->object<Token>(key), (Token{"t", 3}));
+    EXPECT_EQ(keychain->object<std::string>(key), std::nullopt); // of another class
+    EXPECT_EQ(keychain->integer(key), std::nullopt);
+    EXPECT_TRUE(keychain->set(Token{"t", -1}, key));
+    EXPECT_EQ(keychain->object<Token>(key), std::nullopt); // refused by its own class
+    EXPECT_EQ(items().size(), 1u);
+}
+
+TEST_F(KeychainTest, WhatCannotBeStoredChangesNothing) {
+    ASSERT_TRUE(keychain->set("kept", key));
+    EXPECT_FALSE(keychain->set("\xC0\x80", key));
+    EXPECT_FALSE(keychain->set(std::numeric_limits<std::uint64_t>::max(), key));
+    EXPECT_FALSE(keychain->set(Token{"\xFF", 1}, key));
+    EXPECT_FALSE(keychain->set(Data(maximumSecretSize + 1), key));
+    EXPECT_EQ(keychain->string(key), "kept");
+}
+
+TEST_F(KeychainTest, ItemsHaveTheAttributesOfTheirKey) {
+    const auto grouped = UserKeychain::create({.serviceName = "s", .accessGroup = "g"});
+    EXPECT_TRUE(grouped->set("v", key, Access::afterFirstUnlock));
+    const auto item = items().at(0);
+    EXPECT_EQ(item.at(kSecAttrService), "s");
+    EXPECT_EQ(item.at(kSecAttrAccessGroup), "g");
+    EXPECT_EQ(item.at(kSecAttrLabel), "key");
+    EXPECT_EQ(item.at(kSecAttrGeneric), bytes("key"));
+    EXPECT_EQ(item.at(kSecAttrAccount), "key");
+    EXPECT_EQ(item.at(kSecAttrAccessible), kSecAttrAccessibleAfterFirstUnlock);
+    EXPECT_EQ(item.at(kSecAttrSynchronizable), false);
+    // Without a group, items of every group of the service are meant.
+    EXPECT_EQ(UserKeychain::create({.serviceName = "s"})->string(key), "v");
+    EXPECT_EQ(UserKeychain::create({.serviceName = "s", .accessGroup = "h"})->string(key),
+              std::nullopt);
+    EXPECT_EQ(keychain->string(key), std::nullopt);
+}
+
+TEST_F(KeychainTest, AnAccessNarrowsWhatIsMeant) {
+    EXPECT_FALSE(keychain->hasValue(key));
+    EXPECT_TRUE(keychain->set("1", key));
+    EXPECT_EQ(items().at(0).at(kSecAttrAccessible), kSecAttrAccessibleWhenUnlocked);
+    EXPECT_EQ(keychain->string(key, Access::whenUnlocked), "1");
+    EXPECT_EQ(keychain->string(key, Access::afterFirstUnlock), std::nullopt);
+    // It exists, so it is not added; and as one of that access it is not there to be changed.
+    EXPECT_FALSE(keychain->set("2", key, Access::afterFirstUnlock));
+    EXPECT_FALSE(keychain->remove(key, Access::afterFirstUnlock));
+    EXPECT_EQ(keychain->string(key), "1");
+    // An access without a constant counts as none.
+    EXPECT_TRUE(keychain->set("3", key, Access::always));
+    EXPECT_EQ(keychain->string(key, Access::alwaysThisDeviceOnly), "3");
+    EXPECT_EQ(items().size(), 1u);
+    EXPECT_TRUE(keychain->remove(key, Access::whenUnlocked));
+    EXPECT_FALSE(keychain->hasValue(key));
+    EXPECT_FALSE(keychain->remove(key));
+}
+
+TEST_F(KeychainTest, SynchronizationIsAStateOfItems) {
+    EXPECT_FALSE(keychain->enableSynchronization());
+    keychain->setEnableSynchronization(true);
+    EXPECT_TRUE(keychain->set("1", key));
+    EXPECT_EQ(items().at(0).at(kSecAttrSynchronizable), true);
+    keychain->setEnableSynchronization(false);
+    EXPECT_EQ(keychain->string(key), "1");
+    EXPECT_TRUE(keychain->set("2", key)); // the item keeps its state
+    EXPECT_EQ(items().size(), 1u);
+    EXPECT_EQ(items().at(0).at(kSecAttrSynchronizable), true);
+    EXPECT_EQ(keychain->string(key), "2");
+
+    // Turned on later, the item becomes one of two, and the last word is read and removed with the
+    // other.
+    const UserKeychain::Key second{"second"};
+    EXPECT_TRUE(keychain->set("a", second));
+    keychain->setEnableSynchronization(true);
+    EXPECT_TRUE(keychain->set("b", second));
+    EXPECT_EQ(keychain->string(second), "b");
+    EXPECT_EQ(items().size(), 3u);
+    EXPECT_TRUE(keychain->remove(second));
+    EXPECT_FALSE(keychain->hasValue(second));
+}
+
+TEST_F(KeychainTest, AllKeysAreThoseOfTheService) {
+    const auto other = UserKeychain::create({.serviceName = "other"});
+    const auto grouped = UserKeychain::create({.serviceName = "test", .accessGroup = "g"});
+    EXPECT_FALSE(keychain->removeAllKeys());
+    EXPECT_TRUE(other->set("o", key));
+    EXPECT_FALSE(keychain->removeAllKeys());
+    EXPECT_TRUE(grouped->set("g", UserKeychain::Key("grouped")));
+    EXPECT_TRUE(keychain->set("1", key));
+    keychain->setEnableSynchronization(true);
+    EXPECT_TRUE(keychain->set("2", UserKeychain::Key({.rawValue = "synchronizable"})));
+    EXPECT_TRUE(grouped->removeAllKeys());
+    EXPECT_EQ(items().size(), 3u);
+    EXPECT_TRUE(keychain->removeAllKeys()); // in either state
+    EXPECT_EQ(items().size(), 1u);
+    EXPECT_EQ(other->string(key), "o");
+}
+
+TEST_F(KeychainTest, AReferenceNamesTheItem) {
+    EXPECT_EQ(keychain->dataRef(key), std::nullopt);
+    EXPECT_TRUE(keychain->set("v", key));
+    const auto reference = keychain->dataRef(key);
+    ASSERT_TRUE(reference);
+    const SecItemResult found =
+        SecItemCopyMatching({{kSecValuePersistentRef, *reference}, {kSecReturnData, true}});
+    EXPECT_EQ(found.value, PropertyList(bytes("v")));
+}
+
+TEST_F(KeychainTest, WritersOfOneKeyAllSucceed) {
+    std::vector<std::thread> writers;
+    for (int i = 0; i < 4; ++i)
+        writers.emplace_back([&, i] {
+            for (int j = 0; j < 10; ++j)
+                EXPECT_TRUE(keychain->set(i, key));
+        });
+    for (std::thread& writer : writers)
+        writer.join();
+    EXPECT_EQ(items().size(), 1u);
+    EXPECT_LT(keychain->integer(key), 4);
+}
+
+TEST_F(KeychainTest, WithoutAStoreEverythingIsFalseOrAbsent) {
+    std::ofstream(root / "file");
+    ::setenv("XDG_DATA_HOME", (root / "file").c_str(), 1); // where no folder can be made
+    EXPECT_FALSE(keychain->set("1", key));
+    EXPECT_FALSE(keychain->hasValue(key));
+    EXPECT_EQ(keychain->string(key), std::nullopt);
+    EXPECT_FALSE(keychain->remove(key));
+    EXPECT_FALSE(keychain->removeAllKeys());
+}
+
+TEST_F(KeychainTest, TheStandardOneIsTheMainBundles) {
+    EXPECT_EQ(UserKeychain::standard(), UserKeychain::standard());
+    EXPECT_EQ(UserKeychain::standard()->serviceName(), "QuenlowKeychain");
+    EXPECT_EQ(UserKeychain::standard()->accessGroup(), std::nullopt);
+    EXPECT_FALSE(UserKeychain::standard()->enableSynchronization());
+    fs::copy(STANDARD_KEYCHAIN, root / "program");
+    fs::create_directory(root / "program.bundle");
+    std::ofstream(root / "program.bundle" / "Info.plist")
+        << "<plist><dict><key>CFBundleIdentifier</key><string>org.example.app</string></dict></"
+           "plist>";
+    Process program({(root / "program").string()}, {});
+    EXPECT_EQ(program.hear(), "org.example.app");
+}
