@@ -27,7 +27,7 @@ std::uint64_t number(Bytes bytes) {
 /// the table is. A container holds the numbers of its objects in that table.
 class BinaryReader {
 public:
-    explicit BinaryReader(Bytes bytes) : bytes_(bytes) {
+    BinaryReader(Bytes bytes, Identifiers identifiers) : bytes_(bytes), identifiers_(identifiers) {
         if (bytes.size() < magicSize + trailerSize)
             throw Refusal("the file is cut short");
         const Bytes trailer = bytes.last(trailerSize);
@@ -42,14 +42,12 @@ public:
             objectCount_ > (end - table_) / offsetSize_)
             throw Refusal("the table of objects is damaged");
         objectBudget_ = bytes.size() * 2;
-        textBudget_ = bytes.size() * 16 + minimumTextBudget;
+        textBudget_ = bytes.size() * textPerByte + minimumTextBudget;
     }
 
     PropertyList root() { return object(root_, 0); }
 
 private:
-    static constexpr std::size_t minimumTextBudget = 1 << 20;
-
     /// What an object begins with: its kind, and where its content starts.
     struct Head {
         unsigned kind;
@@ -118,6 +116,8 @@ private:
             return utf8(head);
         case 0x6:
             return utf16(head);
+        case 0x8:
+            return identifier(head);
         case 0xA:
             return array(head, depth + 1);
         case 0xD:
@@ -206,6 +206,14 @@ private:
         return characters;
     }
 
+    PropertyList identifier(const Head& head) const {
+        if (identifiers_ == Identifiers::refused || head.detail > 7)
+            throw Refusal("an object is of a kind that property lists do not have");
+        const auto value =
+            static_cast<std::int64_t>(number(content(head.content, 1, head.detail + 1)));
+        return PropertyList::Dictionary{{identifierKey, value}};
+    }
+
     PropertyList array(Head& head, std::size_t depth) {
         const Bytes references = container(head, 1, depth);
         PropertyList::Array values;
@@ -246,6 +254,7 @@ private:
     }
 
     Bytes bytes_;
+    Identifiers identifiers_;
     std::size_t offsetSize_;
     std::size_t referenceSize_;
     std::uint64_t objectCount_;
@@ -257,6 +266,8 @@ private:
 
 } // namespace
 
-PropertyList readBinary(Bytes bytes) { return BinaryReader(bytes).root(); }
+PropertyList readBinary(Bytes bytes, Identifiers identifiers) {
+    return BinaryReader(bytes, identifiers).root();
+}
 
 } // namespace zorvan::propertylist

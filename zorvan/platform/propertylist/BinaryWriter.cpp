@@ -2,8 +2,10 @@
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
 
+#include <algorithm>
 #include <bit>
 #include <limits>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -25,11 +27,15 @@ void appendNumber(Data& bytes, std::uint64_t number, unsigned size) {
 }
 
 /// Numbers the objects in a first pass, since the size of a reference depends on how many there
-/// are, and writes them in the same order in a second. Equal texts share one object.
+/// are, and writes them in the same order in a second. Equal texts share one object, for as long as
+/// a reader unfolds as much.
 class BinaryWriter {
 public:
+    explicit BinaryWriter(Identifiers identifiers) : identifiers_(identifiers) {}
+
     Data write(const PropertyList& root) {
         count(root, 0);
+        textBudget_ = minimumTextBudget;
         referenceSize_ = bytesFor(objectCount_);
         bytes_.reserve(256);
         for (const char c : std::string_view(binaryMagic))
@@ -50,7 +56,7 @@ private:
         ++objectCount_;
         const auto* array = value.as<PropertyList::Array>();
         const auto* dictionary = value.as<PropertyList::Dictionary>();
-        if (!array && !dictionary)
+        if ((!array && !dictionary) || identifier(value))
             return;
         if (depth + 1 > maximumDepth)
             throw Refusal("the list is too deep");
@@ -64,9 +70,33 @@ private:
             }
     }
 
+    /// The object identifier that a value stands for; absent when it stands for itself.
+    std::optional<std::uint64_t> identifier(const PropertyList& value) const {
+        const auto* dictionary = value.as<PropertyList::Dictionary>();
+        if (identifiers_ == Identifiers::refused || !dictionary || dictionary->size() != 1 ||
+            dictionary->begin()->first != identifierKey)
+            return std::nullopt;
+        const auto* number = dictionary->begin()->second.as<NSNumber>();
+        if (!number || !number->isInteger() || number->int64Value() < 0)
+            return std::nullopt;
+        return static_cast<std::uint64_t>(number->int64Value());
+    }
+
     void countText(const std::string& text) {
-        if (texts_.try_emplace(text, unwritten).second)
+        if (texts_.try_emplace(text, unwritten).second || !canShare(text))
             ++objectCount_;
+    }
+
+    /// Whether a text that stands in the list already may be referred to. Both passes ask in the
+    /// same order, so that they decide alike.
+    bool canShare(const std::string& text) {
+        const std::size_t size = 2 * text.size(); // in UTF-16, at the most
+        const std::size_t cost =
+            size - std::min(size, textPerByte); // a reference is a byte or more
+        if (cost > textBudget_)
+            return false;
+        textBudget_ -= cost;
+        return true;
     }
 
     // Second pass. Each function returns the number of the object that it wrote.
@@ -100,6 +130,8 @@ private:
             return writeText(*text);
         if (const auto* array = value.as<PropertyList::Array>())
             return writeArray(*array);
+        if (const auto number = identifier(value))
+            return writeIdentifier(*number);
         if (const auto* dictionary = value.as<PropertyList::Dictionary>())
             return writeDictionary(*dictionary);
 
@@ -127,12 +159,20 @@ private:
         }
     }
 
+    std::uint64_t writeIdentifier(std::uint64_t number) {
+        const std::uint64_t object = begin();
+        const unsigned size = bytesFor(number);
+        marker(0x8, size - 1);
+        appendNumber(bytes_, number, size);
+        return object;
+    }
+
     std::uint64_t writeText(const std::string& text) {
         std::uint64_t& object = texts_.find(text)->second;
-        if (object == unwritten) {
-            object = begin();
-            writeCharacters(text);
-        }
+        if (object != unwritten && canShare(text))
+            return object;
+        object = begin();
+        writeCharacters(text);
         return object;
     }
 
@@ -206,7 +246,9 @@ private:
 
     static constexpr std::uint64_t unwritten = std::numeric_limits<std::uint64_t>::max();
 
+    Identifiers identifiers_;
     std::unordered_map<std::string_view, std::uint64_t> texts_;
+    std::size_t textBudget_ = minimumTextBudget;
     std::uint64_t objectCount_ = 0;
     unsigned referenceSize_ = 1;
     std::vector<std::size_t> offsets_;
@@ -215,6 +257,8 @@ private:
 
 } // namespace
 
-Data writeBinary(const PropertyList& list) { return BinaryWriter().write(list); }
+Data writeBinary(const PropertyList& list, Identifiers identifiers) {
+    return BinaryWriter(identifiers).write(list);
+}
 
 } // namespace zorvan::propertylist

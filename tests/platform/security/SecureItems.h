@@ -1,0 +1,113 @@
+#pragma once
+
+#include "Process.h"
+
+#include <zorvan/platform/security/SecItem.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <memory>
+#include <span>
+#include <sqlite3.h>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+/// A user without items, without a bus and without a keyring.
+class SecureItems : public testing::Test {
+protected:
+    using Dictionary = zorvan::PropertyList::Dictionary;
+
+    SecureItems() {
+        std::string pattern =
+            (std::filesystem::temp_directory_path() / "zorvan-items-XXXXXX").string();
+        if (!::mkdtemp(pattern.data()))
+            throw std::runtime_error("mkdtemp");
+        root = pattern;
+        environment = {{"XDG_DATA_HOME", root + "/data"},
+                       {"XDG_RUNTIME_DIR", root},
+                       {"HOME", root},
+                       {"XDG_CONFIG_HOME", root + "/config"},
+                       {"XDG_CACHE_HOME", root + "/cache"},
+                       {"DISPLAY", ""},
+                       {"GNOME_KEYRING_CONTROL", ""},
+                       {"DBUS_SESSION_BUS_ADDRESS", ""}};
+        for (const auto& [name, value] : environment)
+            value.empty() ? ::unsetenv(name.c_str()) : ::setenv(name.c_str(), value.c_str(), 1);
+    }
+    ~SecureItems() override {
+        std::error_code ignored;
+        std::filesystem::permissions(folder(), std::filesystem::perms::owner_all, ignored);
+        std::filesystem::remove_all(root, ignored);
+    }
+
+    std::string folder() const { return root + "/data/zorvan/secure-items"; }
+    std::string path(const std::string& name) const { return folder() + '/' + name; }
+
+    static zorvan::Data bytes(std::string_view text) {
+        const auto raw = std::as_bytes(std::span(text));
+        return zorvan::Data(raw.begin(), raw.end());
+    }
+
+    /// A query, or an item, with an account and more.
+    static Dictionary item(std::string_view account, const Dictionary& more = {}) {
+        Dictionary result{{zorvan::kSecClass, zorvan::kSecClassGenericPassword},
+                          {zorvan::kSecAttrService, "test"},
+                          {zorvan::kSecAttrAccount, account}};
+        for (const auto& [key, value] : more)
+            result.insert_or_assign(key, value);
+        return result;
+    }
+
+    static zorvan::OSStatus add(std::string_view account, std::string_view value,
+                                const Dictionary& more = {}) {
+        Dictionary attributes = item(account, more);
+        attributes.insert_or_assign(zorvan::kSecValueData, bytes(value));
+        return zorvan::SecItemAdd(attributes);
+    }
+
+    /// The value of the first item that matches, or the status as text.
+    static std::string get(Dictionary query) {
+        query.insert_or_assign(zorvan::kSecReturnData, true);
+        const zorvan::SecItemResult found = zorvan::SecItemCopyMatching(query);
+        if (found.status != zorvan::errSecSuccess)
+            return std::to_string(found.status);
+        const zorvan::Data& data = *found.value->as<zorvan::Data>();
+        return std::string(reinterpret_cast<const char*>(data.data()), data.size());
+    }
+
+    std::unique_ptr<Process> peer() const {
+        return std::make_unique<Process>(std::vector<std::string>{PEER}, environment);
+    }
+
+    static std::string ask(Process& process, const std::string& line) {
+        process.tell(line);
+        return process.hear().value_or("nothing");
+    }
+
+    /// Runs a statement on the database behind the store's back; what it selects, one row a line.
+    std::string sql(const std::string& text) const {
+        sqlite3* database = nullptr;
+        std::string result;
+        const auto addRow = [](void* rows, int count, char** values, char**) {
+            for (int i = 0; i < count; ++i)
+                static_cast<std::string*>(rows)
+                    ->append(values[i] ? values[i] : "NULL")
+                    .append("\n");
+            return 0;
+        };
+        char* error = nullptr;
+        if (sqlite3_open_v2(path("items.sqlite").c_str(), &database, SQLITE_OPEN_READWRITE,
+                            nullptr) != SQLITE_OK ||
+            sqlite3_busy_timeout(database, 5000) != SQLITE_OK ||
+            sqlite3_exec(database, text.c_str(), addRow, &result, &error) != SQLITE_OK)
+            ADD_FAILURE() << (error ? error : "the database does not open");
+        sqlite3_free(error);
+        sqlite3_close(database);
+        return result;
+    }
+
+    std::string root;
+    Process::Environment environment;
+};

@@ -1,0 +1,95 @@
+#include "SecureItems.h"
+
+#include <csignal>
+#include <random>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace zorvan;
+using namespace std::chrono_literals;
+
+using SeveralProcesses = SecureItems;
+
+TEST_F(SeveralProcesses, OfTwoThatAddTheSameOneGetsDuplicate) {
+    constexpr int count = 60;
+    const auto a = peer();
+    const auto b = peer();
+    const std::string command = "race item " + std::to_string(count);
+    a->tell(command); // on an empty folder, so that they also race for the database and the key
+    b->tell(command);
+    const auto first = a->hear(60s);
+    const auto second = b->hear(60s);
+    ASSERT_TRUE(first && second);
+    EXPECT_EQ(std::stoi(*first) + std::stoi(*second), count);
+    EXPECT_EQ(sql("SELECT count(*), count(DISTINCT sealing_key) FROM items"),
+              std::to_string(count) + "\n1\n");
+    EXPECT_EQ(ask(*peer(), "get item-59"), "");
+}
+
+TEST_F(SeveralProcesses, AReferenceNamesTheItemInAnotherProcess) {
+    const auto a = peer();
+    ASSERT_EQ(ask(*a, "set one first"), "0");
+    ASSERT_EQ(ask(*a, "set two second"), "0");
+    const std::string reference = ask(*a, "ref two");
+    a->end();
+    const auto b = peer();
+    EXPECT_EQ(ask(*b, "get-ref " + reference), "second");
+    ASSERT_EQ(ask(*b, "set two third"), "0");
+    EXPECT_EQ(ask(*peer(), "get-ref " + reference), "third");
+    ASSERT_EQ(ask(*b, "delete two"), "0");
+    EXPECT_EQ(ask(*peer(), "get-ref " + reference), std::to_string(errSecItemNotFound));
+}
+
+TEST_F(SeveralProcesses, WhatWasStoredIsThereAfterAKill) {
+    std::mt19937 random(7);
+    std::int64_t next = 0;
+    std::int64_t written = 0;
+    const auto reader = peer();
+    for (int round = 0; round < 40; ++round) {
+        const auto writer = peer();
+        writer->tell("count-up n " + std::to_string(next));
+        ASSERT_TRUE(writer->hear()) << round;
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 20000));
+        writer->kill(SIGKILL);
+        const std::vector<std::string> told = writer->hearAll(1s);
+        const std::int64_t last = told.empty() ? next : std::stoll(told.back());
+        const std::int64_t found = std::stoll(ask(*reader, "get n"));
+        EXPECT_GE(found, last);     // what was reported is there
+        EXPECT_LE(found, last + 1); // one more may have been stored but not reported
+        written += found - next + 1;
+        next = found + 1;
+    }
+    EXPECT_GE(written, 200);
+    EXPECT_EQ(sql("PRAGMA integrity_check"), "ok\n");
+    EXPECT_EQ(sql("SELECT count(*) FROM items"), "1\n");
+}
+
+TEST_F(SeveralProcesses, AWriterThatIsStoppedHoldsOthersUpForAWhileOnly) {
+    ASSERT_EQ(add("a", "1"), errSecSuccess);
+    sqlite3* lock = nullptr;
+    ASSERT_EQ(sqlite3_open(path("items.sqlite").c_str(), &lock), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(lock, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    const auto start = std::chrono::steady_clock::now();
+    const auto other = peer();
+    EXPECT_EQ(ask(*other, "get a"), "1"); // reading goes on
+    EXPECT_EQ(ask(*other, "add b 2"), std::to_string(errSecNotAvailable));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 12s);
+    sqlite3_close(lock);
+    EXPECT_EQ(ask(*other, "add b 2"), "0");
+}
+
+TEST_F(SeveralProcesses, AForkedChildUsesTheStoreOnItsOwn) {
+    ASSERT_EQ(add("a", "1"), errSecSuccess);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const bool isGood = get(item("a")) == "1" && add("b", "2") == errSecSuccess;
+        ::_exit(isGood ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(get(item("b")), "2");
+    EXPECT_EQ(add("c", "3"), errSecSuccess);
+    EXPECT_EQ(ask(*peer(), "add d 4"), "0");
+}

@@ -1,0 +1,234 @@
+#include <zorvan/platform/propertylist/NSKeyedUnarchiver.h>
+
+#include <zorvan/platform/propertylist/PropertyListFile.h>
+#include <zorvan/platform/propertylist/internal/ArchiveForm.h>
+#include <zorvan/platform/propertylist/internal/Codecs.h>
+
+namespace zorvan {
+
+using namespace internal;
+
+/// What is known of an archive while it is read.
+struct NSKeyedUnarchiver::Archive {
+    PropertyList::Dictionary top;
+    PropertyList::Array objects;
+    std::vector<bool> isVisited; // by number
+    /// What may still be read again of objects that several others refer to.
+    std::size_t budget;
+    /// The objects that pointers share; null while one is being made.
+    std::map<std::pair<std::size_t, std::type_index>, std::shared_ptr<void>> shared;
+
+    void payFor(const PropertyList& object) {
+        std::size_t cost = 1;
+        if (const auto* text = object.as<std::string>())
+            cost += text->size();
+        else if (const auto* data = object.as<Data>())
+            cost += data->size();
+        if (cost > budget)
+            refuse("the archive unfolds to far more than its size");
+        budget -= cost;
+    }
+};
+
+namespace {
+
+constexpr std::size_t minimumBudget = 1 << 20;
+
+template <class Kind>
+Kind takeEntry(PropertyList::Dictionary& dictionary, std::string_view key) {
+    const auto entry = dictionary.find(key);
+    Kind* const value = entry == dictionary.end() ? nullptr : entry->second.as<Kind>();
+    if (!value)
+        throw ArchiveError("it is no keyed archive");
+    return std::move(*value);
+}
+
+template <class Kind>
+const Kind* entryOf(const PropertyList::Dictionary& dictionary, std::string_view key) {
+    const auto entry = dictionary.find(key);
+    return entry == dictionary.end() ? nullptr : entry->second.as<Kind>();
+}
+
+/// The number of the object that a stored value refers to; absent for other values.
+std::optional<std::size_t> identifier(const PropertyList& stored) {
+    const auto* reference = stored.as<PropertyList::Dictionary>();
+    if (!reference || reference->size() != 1)
+        return std::nullopt;
+    const auto* number = entryOf<NSNumber>(*reference, propertylist::identifierKey);
+    if (!number || !number->isInteger() || number->int64Value() < 0)
+        return std::nullopt;
+    return static_cast<std::size_t>(number->int64Value());
+}
+
+PropertyList::Dictionary readArchive(std::span<const std::byte> bytes) {
+    try {
+        PropertyList list = propertylist::readBinary(bytes, propertylist::Identifiers::admitted);
+        if (auto* archive = list.as<PropertyList::Dictionary>())
+            return std::move(*archive);
+    } catch (const propertylist::Refusal& refusal) {
+        throw ArchiveError(refusal.what());
+    }
+    throw ArchiveError("it is no keyed archive");
+}
+
+} // namespace
+
+NSKeyedUnarchiver::NSKeyedUnarchiver(std::span<const std::byte> bytes)
+    : archive_(std::make_shared<Archive>()), depth_(0) {
+    PropertyList::Dictionary archive = readArchive(bytes);
+    const auto* version = entryOf<NSNumber>(archive, "$version");
+    if (takeEntry<std::string>(archive, "$archiver") != archiverName || !version ||
+        *version != NSNumber(archiveVersion))
+        refuse("it is a keyed archive of an unknown kind");
+    archive_->top = takeEntry<PropertyList::Dictionary>(archive, "$top");
+    archive_->objects = takeEntry<PropertyList::Array>(archive, "$objects");
+    archive_->isVisited.resize(archive_->objects.size());
+    archive_->budget = bytes.size() * 16 + minimumBudget;
+    fields_ = &archive_->top;
+}
+
+NSKeyedUnarchiver::NSKeyedUnarchiver(std::shared_ptr<Archive> archive,
+                                     const PropertyList::Dictionary& fields, std::size_t depth)
+    : archive_(std::move(archive)), fields_(&fields), depth_(depth) {
+    if (depth_ > propertylist::maximumDepth)
+        refuse("the objects are nested too deep");
+}
+
+bool NSKeyedUnarchiver::contains(std::string_view key) const {
+    return fields_->contains(archivedKey(key));
+}
+
+void NSKeyedUnarchiver::refuse(const char* reason) { throw ArchiveError(reason); }
+
+void NSKeyedUnarchiver::refuseClass() { refuse("an object is of another class than asked for"); }
+
+const PropertyList& NSKeyedUnarchiver::field(std::string_view key) const {
+    const auto entry = fields_->find(archivedKey(key));
+    if (entry == fields_->end())
+        throw ArchiveError("there is nothing under the name \"" + std::string(key) + '"');
+    return entry->second;
+}
+
+NSKeyedUnarchiver::Object NSKeyedUnarchiver::object(const PropertyList& stored) const {
+    const std::optional<std::size_t> number = identifier(stored);
+    if (!number) {
+        // Only numbers stand by themselves.
+        if (!stored.as<NSNumber>())
+            refuse("a field of an object is damaged");
+        return {&stored, 0, false};
+    }
+    if (*number >= archive_->objects.size())
+        refuse("an object is missing");
+    const PropertyList& value = archive_->objects[*number];
+    if (archive_->isVisited[*number])
+        archive_->payFor(value);
+    archive_->isVisited[*number] = true;
+    return {&value, *number, *number == 0};
+}
+
+const NSNumber& NSKeyedUnarchiver::numberOf(const Object& object) const {
+    const auto* number = object.value->as<NSNumber>();
+    if (!number)
+        refuseClass();
+    return *number;
+}
+
+std::string NSKeyedUnarchiver::read(const Object& object, Of<std::string>) const {
+    const auto* text = object.value->as<std::string>();
+    if (!text || object.isNull)
+        refuseClass();
+    return *text;
+}
+
+Data NSKeyedUnarchiver::read(const Object& object, Of<Data>) const {
+    const auto* data = object.value->as<Data>();
+    if (!data)
+        refuseClass();
+    return *data;
+}
+
+Date NSKeyedUnarchiver::read(const Object& object, Of<Date>) const {
+    const auto* date = object.value->as<Date>();
+    if (!date)
+        refuseClass();
+    return *date;
+}
+
+URL NSKeyedUnarchiver::read(const Object& object, Of<URL>) const {
+    const NSKeyedUnarchiver fields = fieldsOf(object, urlClass);
+    std::optional<URL> url = URL::make({.string = fields.decode<std::string>(urlKey)});
+    if (!url)
+        refuse("a URL is damaged");
+    return std::move(*url);
+}
+
+PropertyList NSKeyedUnarchiver::read(const Object& object, Of<PropertyList>) const {
+    const auto* fields = object.value->as<PropertyList::Dictionary>();
+    if (!fields) {
+        if (object.isNull || object.value->as<PropertyList::Array>())
+            refuseClass();
+        return *object.value;
+    }
+    if (fields->contains(keysKey))
+        return read(object, Of<PropertyList::Dictionary>());
+    return read(object, Of<PropertyList::Array>());
+}
+
+const PropertyList::Array& NSKeyedUnarchiver::arrayOf(const Object& object) const {
+    const auto* values =
+        entryOf<PropertyList::Array>(*fieldsOf(object, arrayClass).fields_, contentsKey);
+    if (!values)
+        refuse("an array is damaged");
+    return *values;
+}
+
+NSKeyedUnarchiver::Contents NSKeyedUnarchiver::contentsOf(const Object& object) const {
+    const PropertyList::Dictionary& fields = *fieldsOf(object, dictionaryClass).fields_;
+    const auto* keys = entryOf<PropertyList::Array>(fields, keysKey);
+    const auto* values = entryOf<PropertyList::Array>(fields, contentsKey);
+    if (!keys || !values || keys->size() != values->size())
+        refuse("a dictionary is damaged");
+    return {keys, values};
+}
+
+NSKeyedUnarchiver NSKeyedUnarchiver::fieldsOf(const Object& object,
+                                              std::string_view className) const {
+    const auto* fields = object.value->as<PropertyList::Dictionary>();
+    const auto tag = fields ? fields->find(classKey) : PropertyList::Dictionary::const_iterator();
+    if (!fields || tag == fields->end())
+        refuseClass();
+    const std::optional<std::size_t> number = identifier(tag->second);
+    if (!number || *number >= archive_->objects.size())
+        refuse("the class of an object is missing");
+    const auto* described = archive_->objects[*number].as<PropertyList::Dictionary>();
+    const auto* name = described ? entryOf<std::string>(*described, classNameKey) : nullptr;
+    if (!name || *name != className)
+        refuseClass();
+    return NSKeyedUnarchiver(archive_, *fields, depth_ + 1);
+}
+
+NSKeyedUnarchiver NSKeyedUnarchiver::deeper() const {
+    return NSKeyedUnarchiver(archive_, *fields_, depth_ + 1);
+}
+
+std::shared_ptr<void> NSKeyedUnarchiver::sharedBefore(const Object& object,
+                                                      std::type_index type) const {
+    if (object.number == 0)
+        return nullptr;
+    const auto [entry, isNew] = archive_->shared.try_emplace(std::pair(object.number, type));
+    if (!isNew && !entry->second)
+        refuse("an object holds itself");
+    return entry->second;
+}
+
+void NSKeyedUnarchiver::remember(const Object& object, std::type_index type,
+                                 std::shared_ptr<void> made) const {
+    if (object.number != 0)
+        archive_->shared[std::pair(object.number, type)] = std::move(made);
+}
+
+void NSKeyedUnarchiver::forget(const Object& object, std::type_index type) const noexcept {
+    archive_->shared.erase(std::pair(object.number, type));
+}
+
+} // namespace zorvan

@@ -1,0 +1,59 @@
+#include <zorvan/platform/security/internal/KeyCustody.h>
+
+#include <zorvan/platform/security/internal/Keyring.h>
+#include <zorvan/platform/security/internal/PrivateKeyFile.h>
+
+namespace zorvan::security {
+
+namespace {
+
+constexpr std::chrono::milliseconds patience{2000};
+constexpr std::chrono::seconds pauseAfterRefusal{2};
+constexpr std::chrono::seconds pauseAfterSilence{60}; // so that a hanging keyring costs little
+
+} // namespace
+
+const SealingKey& KeyCustody::forSealing() {
+    if (!keyringKey_)
+        consultKeyring(true);
+    if (keyringKey_)
+        return keys_.at(*keyringKey_);
+    // Read anew each time: the file may have been put aside while the process runs, and a key that
+    // is nowhere on disk must not seal anything.
+    return remember(readOrMakeKeyFile(folder_));
+}
+
+const SealingKey* KeyCustody::find(const KeyIdentifier& identifier) {
+    if (const SealingKey* key = known(identifier))
+        return key;
+    if (auto key = readKeyFile(folder_); key && key->identifier() == identifier)
+        return &remember(std::move(*key));
+    consultKeyring(false);
+    return known(identifier);
+}
+
+const SealingKey* KeyCustody::known(const KeyIdentifier& identifier) const {
+    const auto entry = keys_.find(identifier);
+    return entry == keys_.end() ? nullptr : &entry->second;
+}
+
+const SealingKey& KeyCustody::remember(SealingKey key) {
+    const KeyIdentifier identifier = key.identifier();
+    return keys_.try_emplace(identifier, std::move(key)).first->second;
+}
+
+void KeyCustody::consultKeyring(bool mayCreate) {
+    if (Clock::now() < nextConsultation_[mayCreate])
+        return;
+    KeyringAnswer answer = askKeyring(mayCreate, patience);
+    nextConsultation_[mayCreate] = Clock::now() + pauseAfterRefusal;
+    if (answer.isLate)
+        nextConsultation_.fill(Clock::now() + pauseAfterSilence);
+    for (SealingKey& key : answer.keys) {
+        if (!keyringKey_) // the first of them, so that all processes choose the same
+            keyringKey_ = key.identifier();
+        remember(std::move(key));
+    }
+}
+
+} // namespace zorvan::security

@@ -1,0 +1,119 @@
+#include <zorvan/platform/security/internal/PrivateFolder.h>
+
+#include <zorvan/platform/security/internal/Failure.h>
+#include <zorvan/platform/security/internal/FileDescriptor.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <optional>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+namespace zorvan::security {
+
+namespace {
+
+constexpr mode_t othersBits = 0077;
+
+[[noreturn]] void failFor(int error) {
+    switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+        throw Failure{errSecDiskFull};
+    case ELOOP:
+    case EACCES:
+    case EPERM:
+        throw Failure{errSecAuthFailed};
+    default:
+        throw Failure{errSecIO};
+    }
+}
+
+std::string homeFolder() {
+    if (const char* home = ::secure_getenv("HOME"); home && home[0] == '/')
+        return home;
+    passwd entry{};
+    passwd* found = nullptr;
+    std::vector<char> space(16384);
+    if (::getpwuid_r(::geteuid(), &entry, space.data(), space.size(), &found) != 0 || !found ||
+        found->pw_dir[0] != '/')
+        throw Failure{errSecNotAvailable};
+    return found->pw_dir;
+}
+
+/// Absent when there is nothing of that name.
+std::optional<struct stat> statusOf(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) == 0)
+        return status;
+    if (errno == ENOENT || errno == ENOTDIR)
+        return std::nullopt;
+    failFor(errno);
+}
+
+bool isUsersAlone(const struct stat& status) {
+    return status.st_uid == ::geteuid() && (status.st_mode & othersBits) == 0;
+}
+
+void makeFolders(const std::string& path) {
+    if (::mkdir(path.c_str(), 0700) == 0 || errno == EEXIST)
+        return;
+    const std::size_t slash = path.rfind('/');
+    if (errno != ENOENT || slash == 0 || slash == std::string::npos)
+        failFor(errno);
+    makeFolders(path.substr(0, slash));
+    if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
+        failFor(errno);
+}
+
+} // namespace
+
+std::string PrivateFolder::standardPath() {
+    const char* const data = ::secure_getenv("XDG_DATA_HOME");
+    const std::string base = data && data[0] == '/' ? data : homeFolder() + "/.local/share";
+    return base + "/zorvan/secure-items";
+}
+
+bool PrivateFolder::exists() const {
+    const auto status = statusOf(path_);
+    if (status && (!S_ISDIR(status->st_mode) || !isUsersAlone(*status)))
+        throw Failure{errSecAuthFailed};
+    return status.has_value();
+}
+
+void PrivateFolder::create() const {
+    if (exists())
+        return;
+    makeFolders(path_);
+    if (!exists())
+        throw Failure{errSecIO};
+}
+
+bool PrivateFolder::hasFile(const char* name) const {
+    const auto status = statusOf(path(name));
+    if (status && (!S_ISREG(status->st_mode) || !isUsersAlone(*status) || status->st_nlink != 1))
+        throw Failure{errSecAuthFailed};
+    return status.has_value();
+}
+
+void PrivateFolder::createFile(const char* name) const {
+    // Never opened when it is there: closing it again would drop the locks that a database in this
+    // process has on it.
+    const FileDescriptor file(
+        ::open(path(name).c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!file && errno != EEXIST)
+        failFor(errno);
+    if (!hasFile(name))
+        throw Failure{errSecIO};
+}
+
+void PrivateFolder::sync() const {
+    const FileDescriptor folder(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder || ::fsync(folder.get()) != 0)
+        failFor(errno);
+}
+
+} // namespace zorvan::security

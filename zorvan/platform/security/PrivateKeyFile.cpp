@@ -1,0 +1,137 @@
+#include <zorvan/platform/security/internal/PrivateKeyFile.h>
+
+#include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/security/internal/Failure.h>
+#include <zorvan/platform/security/internal/FileDescriptor.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sodium.h>
+#include <span>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zorvan::security {
+
+namespace {
+
+constexpr const char* keyFile = "key";
+constexpr std::string_view magic = "zorvkey1";
+
+/// The file: the magic, the identifier, the key, and a sum over these, which tells damage from a
+/// key.
+constexpr std::size_t identifierAt = magic.size();
+constexpr std::size_t keyAt = identifierAt + sizeof(KeyIdentifier);
+constexpr std::size_t sumAt = keyAt + SealingKey::size;
+constexpr std::size_t sumSize = 16;
+constexpr std::size_t fileSize = sumAt + sumSize;
+static_assert(sumSize >= crypto_generichash_BYTES_MIN);
+
+std::array<std::byte, sumSize> sumOf(const Data& file) {
+    std::array<std::byte, sumSize> sum;
+    crypto_generichash(reinterpret_cast<unsigned char*>(sum.data()), sum.size(),
+                       reinterpret_cast<const unsigned char*>(file.data()), sumAt, nullptr, 0);
+    return sum;
+}
+
+/// The first bytes of a file, one more than a key file has when there are more.
+Secret contentsOf(const FileDescriptor& file) {
+    Secret contents(fileSize + 1);
+    std::size_t filled = 0;
+    while (filled < contents.bytes().size()) {
+        const ssize_t count =
+            ::read(file.get(), contents.bytes().data() + filled, contents.bytes().size() - filled);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            throw Failure{errSecIO};
+        if (count == 0)
+            break;
+        filled += static_cast<std::size_t>(count);
+    }
+    contents.bytes().resize(filled);
+    return contents;
+}
+
+SealingKey keyIn(const Data& file) {
+    const bool isKey = file.size() == fileSize &&
+                       std::memcmp(file.data(), magic.data(), magic.size()) == 0 &&
+                       std::ranges::equal(sumOf(file), std::span(file).subspan(sumAt));
+    if (!isKey)
+        throw Failure{errSecNotAvailable};
+    KeyIdentifier identifier;
+    std::copy_n(file.begin() + identifierAt, identifier.size(), identifier.begin());
+    return SealingKey::filled(identifier, [&](auto bytes) {
+        std::copy_n(file.begin() + keyAt, bytes.size(), bytes.begin());
+    });
+}
+
+Secret fileOf(const SealingKey& key) {
+    Secret file(fileSize);
+    const auto start = file.bytes().begin();
+    std::ranges::copy(std::as_bytes(std::span(magic)), start);
+    std::ranges::copy(key.identifier(), start + identifierAt);
+    std::ranges::copy(key.bytes(), start + keyAt);
+    std::ranges::copy(sumOf(file.bytes()), start + sumAt);
+    return file;
+}
+
+bool writeAll(int descriptor, const Data& bytes) {
+    std::size_t written = 0;
+    while (written < bytes.size()) {
+        const ssize_t count = ::write(descriptor, bytes.data() + written, bytes.size() - written);
+        if (count < 0 && errno != EINTR)
+            return false;
+        if (count > 0)
+            written += static_cast<std::size_t>(count);
+    }
+    return ::fsync(descriptor) == 0;
+}
+
+/// Puts a whole file under the name of the key, unless that is taken.
+void placeKeyFile(const PrivateFolder& folder, const SealingKey& key) {
+    const std::string temporary = folder.path(("key." + makeUUIDString()).c_str());
+    const FileDescriptor file(
+        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!file)
+        throw Failure{errno == ENOSPC ? errSecDiskFull : errSecIO};
+    const bool isPlaced =
+        writeAll(file.get(), fileOf(key).bytes()) &&
+        (::link(temporary.c_str(), folder.path(keyFile).c_str()) == 0 || errno == EEXIST);
+    const int error = errno;
+    ::unlink(temporary.c_str());
+    if (!isPlaced)
+        throw Failure{error == ENOSPC ? errSecDiskFull : errSecIO};
+    folder.sync();
+}
+
+} // namespace
+
+std::optional<SealingKey> readKeyFile(const PrivateFolder& folder) {
+    if (!folder.exists())
+        return std::nullopt;
+    const FileDescriptor file(
+        ::open(folder.path(keyFile).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!file && errno == ENOENT)
+        return std::nullopt;
+    struct stat status {};
+    // Two links are what there is for a moment while another process puts the file in place.
+    if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        status.st_uid != ::geteuid() || (status.st_mode & 0077) != 0 || status.st_nlink > 2)
+        throw Failure{errSecAuthFailed};
+    return keyIn(contentsOf(file).bytes());
+}
+
+SealingKey readOrMakeKeyFile(const PrivateFolder& folder) {
+    if (auto key = readKeyFile(folder))
+        return std::move(*key);
+    placeKeyFile(folder, SealingKey::random());
+    if (auto key = readKeyFile(folder))
+        return std::move(*key);
+    throw Failure{errSecIO};
+}
+
+} // namespace zorvan::security

@@ -1,0 +1,117 @@
+#include <zorvan/platform/security/SecItem.h>
+
+#include <zorvan/platform/security/internal/Failure.h>
+#include <zorvan/platform/security/internal/ItemStore.h>
+
+#include <chrono>
+#include <mutex>
+#include <new>
+#include <span>
+
+namespace zorvan {
+
+namespace {
+
+using namespace security;
+
+/// Does something with the user's items, one thread at a time.
+template <class Action>
+OSStatus withItems(Action action) {
+    static std::mutex mutex;
+    try {
+        const std::lock_guard lock(mutex);
+        action();
+        return errSecSuccess;
+    } catch (const Failure& failure) {
+        return failure.status;
+    } catch (const std::bad_alloc&) {
+        return errSecAllocate;
+    }
+}
+
+Date dateOf(std::int64_t microseconds) {
+    return Date(
+        std::chrono::duration_cast<Date::duration>(std::chrono::microseconds(microseconds)));
+}
+
+PropertyList::Dictionary attributesOf(const SecureItem& item) {
+    PropertyList::Dictionary attributes{{kSecClass, kSecClassGenericPassword},
+                                        {kSecAttrSynchronizable, item.isSynchronizable},
+                                        {kSecAttrCreationDate, dateOf(item.created)},
+                                        {kSecAttrModificationDate, dateOf(item.modified)}};
+    for (std::size_t i = 0; i < textCount; ++i) {
+        if (!item.texts[i])
+            continue;
+        const auto bytes = std::as_bytes(std::span(*item.texts[i]));
+        attributes.emplace(textColumns[i].key, i == genericText
+                                                   ? PropertyList(Data(bytes.begin(), bytes.end()))
+                                                   : PropertyList(*item.texts[i]));
+    }
+    return attributes;
+}
+
+PropertyList resultOf(OpenedItem& opened, const ItemQuery& query) {
+    if (query.returnsData + query.returnsAttributes + query.returnsReference == 1) {
+        if (query.returnsData)
+            return opened.value.take();
+        if (query.returnsReference)
+            return persistentReference(opened.item.reference);
+    }
+    PropertyList::Dictionary result;
+    if (query.returnsAttributes)
+        result = attributesOf(opened.item);
+    if (query.returnsData)
+        result.emplace(kSecValueData, opened.value.take());
+    if (query.returnsReference)
+        result.emplace(kSecValuePersistentRef, persistentReference(opened.item.reference));
+    return result;
+}
+
+std::optional<PropertyList> resultOf(std::vector<OpenedItem>& found, const ItemQuery& query) {
+    if (!query.returnsData && !query.returnsAttributes && !query.returnsReference)
+        return std::nullopt;
+    if (query.returnsOne)
+        return resultOf(found.front(), query);
+    PropertyList::Array results;
+    results.reserve(found.size());
+    for (OpenedItem& opened : found)
+        results.push_back(resultOf(opened, query));
+    return results;
+}
+
+} // namespace
+
+OSStatus SecItemAdd(const PropertyList::Dictionary& attributes) {
+    return withItems([&] {
+        const NewItem item = newItem(attributes);
+        ItemStore::ofUser(true).add(item);
+    });
+}
+
+OSStatus SecItemUpdate(const PropertyList::Dictionary& query,
+                       const PropertyList::Dictionary& attributesToUpdate) {
+    return withItems([&] {
+        const ItemAttributes wanted = changes(attributesToUpdate);
+        const ItemQuery matching = matchQuery(query);
+        ItemStore::ofUser(false).update(matching, wanted);
+    });
+}
+
+SecItemResult SecItemCopyMatching(const PropertyList::Dictionary& query) {
+    std::optional<PropertyList> value;
+    const OSStatus status = withItems([&] {
+        const ItemQuery search = searchQuery(query);
+        std::vector<OpenedItem> found = ItemStore::ofUser(false).find(search);
+        value = resultOf(found, search);
+    });
+    return {status, std::move(value)};
+}
+
+OSStatus SecItemDelete(const PropertyList::Dictionary& query) {
+    return withItems([&] {
+        const ItemQuery matching = matchQuery(query);
+        ItemStore::ofUser(false).remove(matching);
+    });
+}
+
+} // namespace zorvan

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+namespace zorvan::security {
+
+/// A folder that is the user's alone: theirs, mode 0700, and no symbolic link. Everything that can
+/// fail throws `Failure`: `errSecAuthFailed` when something is not the user's alone.
+class PrivateFolder {
+public:
+    /// Where the user's secure items are: below `$XDG_DATA_HOME`, else "~/.local/share".
+    static std::string standardPath();
+
+    explicit PrivateFolder(std::string path) : path_(std::move(path)) {}
+
+    const std::string& path() const noexcept { return path_; }
+    std::string path(const char* name) const { return path_ + '/' + name; }
+
+    /// Whether it is there.
+    bool exists() const;
+    /// Makes it, and the folders around it, unless it is there.
+    void create() const;
+    /// Whether a file is there. It must be a plain file of the user's, mode 0600, under this name
+    /// only.
+    bool hasFile(const char* name) const;
+    /// Makes an empty file, unless there is one.
+    void createFile(const char* name) const;
+    /// Makes what happened to the names in it last.
+    void sync() const;
+
+private:
+    std::string path_;
+};
+
+} // namespace zorvan::security
