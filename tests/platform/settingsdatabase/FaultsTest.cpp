@@ -1,0 +1,286 @@
+#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
+
+#include "Processes.h"
+
+#include <tests/files/TemporaryFolder.h>
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <csignal>
+#include <fstream>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+using namespace zorvan;
+
+namespace {
+
+/// A database in a folder, and what is told of it.
+class Faults : public testing::Test {
+protected:
+    Faults() {
+        SettingsDatabase::setProblemHandler(
+            [this](const std::string& text) { told_.push_back(text); });
+    }
+    ~Faults() override { SettingsDatabase::setProblemHandler({}); }
+
+    std::shared_ptr<SettingsDatabase> open() const { return SettingsDatabase::open(path_); }
+    void fill(int keys = 1, std::size_t size = 300) const {
+        const auto database = open();
+        for (int i = 0; i < keys; ++i)
+            database->set("key " + std::to_string(i), std::string(size, 'x'));
+    }
+    static std::string bytesOf(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    void setBytes(const std::string& bytes) const {
+        std::ofstream(path_, std::ios::binary | std::ios::trunc) << bytes;
+    }
+    void execute(const char* statement) const {
+        sqlite3* handle = nullptr;
+        ASSERT_EQ(sqlite3_open(path_.c_str(), &handle), SQLITE_OK);
+        ASSERT_EQ(sqlite3_exec(handle, statement, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(handle);
+    }
+    /// Reads and writes go on in memory.
+    void expectMemoryOnly(const std::string& problem) {
+        const auto database = open();
+        EXPECT_FALSE(database->set("new", 1));
+        EXPECT_FALSE(database->set("new", 2));
+        EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"new", 2}}));
+        EXPECT_FALSE(database->synchronize());
+        const std::string line = path_ + ": " + problem + "; changes are kept in memory";
+        EXPECT_EQ(told_, std::vector{line}); // once
+        EXPECT_EQ(database->problem(), line);
+    }
+
+    TemporaryFolder folder_;
+    std::string path_ = folder_.path() / "a.settings";
+    std::vector<std::string> told_;
+};
+
+} // namespace
+
+TEST_F(Faults, setsDamageAside) {
+    const std::string wrong(10'000, '?');
+    setBytes(wrong);
+    ASSERT_EQ(::chmod(path_.c_str(), 0600), 0);
+    {
+        const auto database = open();
+        EXPECT_TRUE(database->contents().empty());
+        EXPECT_TRUE(database->set("k", 1));
+    }
+    EXPECT_EQ(bytesOf(path_ + ".damaged"), wrong);
+    EXPECT_EQ(told_,
+              std::vector{path_ + ": it was damaged and is set aside as " + path_ + ".damaged"});
+    setBytes(wrong + "2");
+    open();
+    EXPECT_EQ(bytesOf(path_ + ".damaged"), wrong); // the first is not lost to the second
+    EXPECT_EQ(bytesOf(path_ + ".damaged-2"), wrong + "2");
+    EXPECT_EQ(told_.size(), 2u);
+}
+
+// Every page in turn is overwritten: the application goes on, and no bytes are lost.
+TEST_F(Faults, goesOnWithAnyPageDamaged) {
+    fill(200);
+    const std::string sound = bytesOf(path_);
+    for (std::size_t page = 0; page * 4096 < sound.size(); ++page) {
+        std::string damaged = sound;
+        damaged.replace(page * 4096, 4096, 4096, '\xA5');
+        const std::string name = path_ + ".damaged";
+        std::filesystem::remove(name);
+        setBytes(damaged);
+        {
+            const auto database = open();
+            EXPECT_TRUE(database->set("k", 1));
+            EXPECT_EQ(*database->value("k"), PropertyList(1));
+        }
+        EXPECT_TRUE(bytesOf(name) == damaged)
+            << "page " << page << ' ' << testing::PrintToString(told_);
+        std::filesystem::remove(path_);
+    }
+}
+
+TEST_F(Faults, carriesOnFromMemoryWhenDamageComesLater) {
+    fill(1500, 3000); // more than the engine has in memory by itself
+    {
+        const auto database = open();
+        std::string bytes = bytesOf(path_);
+        std::fill(bytes.begin() + 100, bytes.end(), '\xA5');
+        std::fstream(path_, std::ios::binary | std::ios::in | std::ios::out) << bytes;
+        for (int i = 0; i < 1500; i += 100)
+            database->set("key " + std::to_string(i), i);
+        EXPECT_EQ(told_, std::vector{path_ + ": it was damaged and is set aside as " + path_ +
+                                     ".damaged"});
+    }
+    const auto contents = open()->contents(); // the new database has everything
+    EXPECT_EQ(contents.size(), 1500u);
+    EXPECT_EQ(contents.at("key 700"), PropertyList(700));
+    EXPECT_EQ(contents.at("key 701"), PropertyList(std::string(3000, 'x')));
+    EXPECT_TRUE(std::filesystem::exists(path_ + ".damaged"));
+}
+
+TEST_F(Faults, leavesANewerVersionAlone) {
+    fill();
+    execute("PRAGMA user_version = 2");
+    const std::string before = bytesOf(path_);
+    expectMemoryOnly("it was written by a newer version");
+    EXPECT_TRUE(bytesOf(path_) == before);
+}
+
+TEST_F(Faults, leavesTheDatabasesOfOthersAlone) {
+    execute("CREATE TABLE settings(id INTEGER PRIMARY KEY, key TEXT, value)");
+    ASSERT_EQ(::chmod(path_.c_str(), 0600), 0);
+    const std::string before = bytesOf(path_);
+    expectMemoryOnly("it is no database of settings");
+    EXPECT_TRUE(bytesOf(path_) == before);
+}
+
+TEST_F(Faults, refusesATableThatIsNotItsOwn) {
+    fill();
+    execute(
+        "ALTER TABLE settings RENAME TO x; CREATE VIEW settings AS SELECT id, key, value FROM x");
+    expectMemoryOnly("it is no database of settings");
+}
+
+TEST_F(Faults, refusesALinkInItsPlace) {
+    const std::string target = folder_.path() / "target";
+    std::ofstream(target) << "precious";
+    for (const char* ending : {"-shm", "-wal", ""}) {
+        told_.clear();
+        std::filesystem::remove(path_);
+        std::filesystem::create_symlink(target, path_ + ending);
+        expectMemoryOnly("a symbolic link stands in its place");
+        EXPECT_EQ(bytesOf(target), "precious");
+        std::filesystem::remove(path_ + ending);
+    }
+    told_.clear();
+    std::filesystem::create_directory(path_);
+    expectMemoryOnly("what stands in its place is no file");
+}
+
+TEST_F(Faults, refusesAForeignOwner) {
+    if (::geteuid() != 0) { // the only folder that surely is somebody else's
+        path_ = "/etc/a.settings";
+        expectMemoryOnly("its folder belongs to another user");
+        return;
+    }
+    fill();
+    ASSERT_EQ(::chown(path_.c_str(), 12345, 12345), 0);
+    expectMemoryOnly("it belongs to another user");
+}
+
+TEST_F(Faults, readsAFolderThatItMayNotWrite) {
+    const std::string inner = folder_.path() / "inner";
+    path_ = inner + "/a.settings";
+    fill();
+    ASSERT_EQ(::chmod(folder_.path().c_str(), 0755), 0);
+    // Root may write everything: another user's eyes are needed.
+    if (::geteuid() == 0) {
+        for (const std::string& path : {inner, path_})
+            ASSERT_EQ(::chown(path.c_str(), 12345, 12345), 0);
+    }
+    ASSERT_EQ(::chmod(inner.c_str(), 0500), 0);
+    EXPECT_TRUE(inChild([&] {
+        if (::geteuid() == 0 && ::setuid(12345) != 0)
+            return false;
+        const auto database = open();
+        const bool reads = database->value("key 0") != nullptr;
+        const bool keeps = !database->set("new", 1) && database->value("new") != nullptr;
+        return reads && keeps && told_.size() == 1 && !database->synchronize() && told_.size() == 1;
+    }));
+    ASSERT_EQ(::chmod(inner.c_str(), 0700), 0);
+}
+
+// On a disk of 256 KB where that can be had, else with a limit on the size of files.
+TEST_F(Faults, keepsInMemoryWhatAFullDiskCannotTake) {
+    const std::string small = folder_.path() / "small";
+    std::filesystem::create_directory(small);
+    const bool isMounted = ::mount("tmpfs", small.c_str(), "tmpfs", 0, "size=256k,mode=0700") == 0;
+    const std::string ballast = small + "/ballast";
+    path_ = small + "/a.settings";
+    EXPECT_TRUE(inChild([&] {
+        const auto limit = [&](rlim_t size) {
+            struct rlimit value {};
+            ::getrlimit(RLIMIT_FSIZE, &value);
+            value.rlim_cur = size;
+            ::setrlimit(RLIMIT_FSIZE, &value);
+        };
+        std::signal(SIGXFSZ, SIG_IGN);
+        if (!isMounted)
+            limit(128 << 10);
+        const auto database = open();
+        int stored = 0, kept = 0;
+        for (int i = 0; i < 100; ++i)
+            ++(database->set(std::to_string(i), std::string(4000, 'x')) ? stored : kept);
+        if (stored == 0 || kept == 0 || database->contents().size() != 100 || told_.size() != 1)
+            return false;
+        isMounted ? void(::mount("tmpfs", small.c_str(), "tmpfs", MS_REMOUNT, "size=4m"))
+                  : limit(RLIM_INFINITY);
+        return database->synchronize() && database->problem() == std::nullopt;
+    }));
+    EXPECT_TRUE(inChild([&] { return open()->contents().size() == 100; }));
+    if (isMounted)
+        ::umount2(small.c_str(), MNT_DETACH);
+}
+
+TEST_F(Faults, comesBackWhenTheFileIsTakenAway) {
+    {
+        const auto database = open();
+        database->set("old", 1);
+        for (const char* ending : {"", "-wal", "-shm"})
+            std::filesystem::remove(path_ + ending);
+        EXPECT_TRUE(database->set("new", 2));
+        EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"new", 2}}));
+    }
+    EXPECT_EQ(open()->contents(), (PropertyList::Dictionary{{"new", 2}}));
+}
+
+TEST_F(Faults, takesHundredMegabytesAndRefusesMoreThanItsLimit) {
+    const std::size_t large = std::size_t{100} << 20;
+    ASSERT_TRUE(open()->set("large", Data(large, std::byte{1})));
+    {
+        const auto database = open();
+        const auto value = database->value("large");
+        ASSERT_TRUE(value && value->as<Data>());
+        EXPECT_EQ(value->as<Data>()->size(), large);
+        EXPECT_TRUE(database->remove("large"));
+    }
+    const auto database = open();
+    EXPECT_FALSE(database->set("larger", Data(SettingsDatabase::maximumValueSize, std::byte{1})));
+    EXPECT_TRUE(database->value("larger"));
+    EXPECT_EQ(told_, std::vector{
+                         path_ +
+                         ": larger: the value is larger than 256 MiB; changes are kept in memory"});
+    EXPECT_TRUE(database->set("other", 1)); // and it does not stand in the way
+    EXPECT_EQ(told_.size(), 1u);
+}
+
+TEST_F(Faults, passesOverValuesItCannotRead) {
+    fill(2);
+    execute("UPDATE settings SET value = x'FF00' WHERE key = 'key 0'");
+    {
+        const auto database = open();
+        EXPECT_FALSE(database->value("key 0"));
+        EXPECT_TRUE(database->value("key 1"));
+        EXPECT_TRUE(database->set("key 0", 1));
+    }
+    EXPECT_EQ(open()->contents().at("key 0"), PropertyList(1));
+}
+
+TEST_F(Faults, holdsAMillionKeys) {
+    constexpr int keys = 1'000'000;
+    {
+        std::vector<SettingsDatabase::Change> changes;
+        for (int i = 0; i < keys; ++i)
+            changes.emplace_back("key " + std::to_string(i), i);
+        ASSERT_TRUE(open()->apply(std::move(changes)));
+    }
+    const auto database = open();
+    EXPECT_EQ(*database->value("key 999999"), PropertyList(999'999));
+    EXPECT_TRUE(database->set("key 0", 7));
+    EXPECT_EQ(database->contents().size(), std::size_t{keys});
+}

@@ -1,0 +1,194 @@
+#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
+
+#include "Processes.h"
+
+#include <tests/files/TemporaryFolder.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fcntl.h>
+#include <random>
+#include <sys/file.h>
+#include <thread>
+
+using namespace zorvan;
+
+namespace {
+
+std::int64_t integer(SettingsDatabase& database, std::string_view key) {
+    const auto value = database.value(key);
+    const auto* number = value ? value->as<NSNumber>() : nullptr;
+    return number ? number->int64Value() : -1;
+}
+
+/// Takes steps with a process on the other side.
+class Steps {
+public:
+    Steps() {
+        if (pipe(there_) != 0 || pipe(back_) != 0)
+            throw std::runtime_error("no pipe");
+    }
+    void go() { pass(there_[1]); }
+    bool awaitGo() { return await(there_[0]); }
+    void done() { pass(back_[1]); }
+    bool awaitDone() { return await(back_[0]); }
+
+private:
+    static void pass(int end) {
+        if (write(end, "x", 1) != 1)
+            throw std::runtime_error("the other side is gone");
+    }
+    static bool await(int end) {
+        char c;
+        return read(end, &c, 1) == 1;
+    }
+    int there_[2], back_[2];
+};
+
+} // namespace
+
+// A process writes and says what was written; it is killed at some moment; another one must find
+// all that was said, and nothing half.
+TEST(Processes, loseNothingWhenKilled) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    std::mt19937 random(3);
+    std::int64_t last = 0, single = -1, batch = -1, writes = 0; // as they were said to be stored
+    for (int round = 0; round < 220; ++round) {
+        int said[2];
+        ASSERT_EQ(pipe(said), 0);
+        Child writer([&] {
+            const auto database = SettingsDatabase::open(path);
+            for (std::int64_t n = last + 1;; ++n) {
+                const PropertyList padded = std::string(static_cast<std::size_t>(n % 7000), 'x');
+                const bool stored =
+                    n % 3 == 0 ? database->apply({{"one", n}, {"two", n}, {"text", padded}})
+                               : database->set("n", n);
+                if (!stored || write(said[1], &n, sizeof n) != sizeof n)
+                    return false;
+            }
+        });
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 12'000));
+        writer.kill();
+        writer.end();
+        close(said[1]);
+        for (std::int64_t n = 0; read(said[0], &n, sizeof n) == sizeof n; ++writes) {
+            (n % 3 == 0 ? batch : single) = n;
+            last = n;
+        }
+        close(said[0]);
+        ASSERT_TRUE(inChild([&] { // the verifier
+            const auto database = SettingsDatabase::open(path);
+            const std::int64_t n = integer(*database, "n"), one = integer(*database, "one");
+            return database->problem() == std::nullopt && n >= single && n <= last + 2 &&
+                   one >= batch && one <= last + 2 && one == integer(*database, "two");
+        })) << "round "
+            << round << ", said " << last;
+    }
+    EXPECT_GT(writes, 200);
+    EXPECT_FALSE(std::filesystem::exists(path + ".damaged"));
+}
+
+TEST(Processes, noticeEachOthersWrites) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    Steps steps;
+    Child other([&] {
+        const auto database = SettingsDatabase::open(path);
+        database->set("shared", 1);
+        steps.done();
+        steps.awaitGo();
+        const bool seen = integer(*database, "shared") == 2 && integer(*database, "new") == 5;
+        database->remove("new");
+        database->set("shared", 3);
+        steps.done();
+        steps.awaitGo();
+        const bool cleared = database->contents().empty();
+        database->set("after", 9);
+        steps.done();
+        return seen && cleared;
+    });
+    ASSERT_TRUE(steps.awaitDone());
+    const auto database = SettingsDatabase::open(path);
+    EXPECT_EQ(integer(*database, "shared"), 1);
+    database->set("shared", 2);
+    database->set("new", 5);
+    steps.go();
+    ASSERT_TRUE(steps.awaitDone());
+    EXPECT_EQ(integer(*database, "shared"), 3);
+    EXPECT_FALSE(database->value("new"));
+    database->removeAll();
+    steps.go();
+    ASSERT_TRUE(steps.awaitDone());
+    EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"after", 9}}));
+    EXPECT_TRUE(other.end());
+}
+
+// Two processes count with a lock of their own around reading and writing.
+TEST(Processes, countTogether) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    const std::string lockPath = folder.path() / "lock";
+    constexpr int each = 500;
+    const auto count = [&] {
+        const auto database = SettingsDatabase::open(path);
+        const int lock = open(lockPath.c_str(), O_RDWR | O_CREAT, 0600);
+        for (int i = 0; i < each; ++i) {
+            flock(lock, LOCK_EX);
+            const std::int64_t before = integer(*database, "count");
+            const bool stored = database->set("count", before < 0 ? 1 : before + 1);
+            flock(lock, LOCK_UN);
+            if (!stored)
+                return false;
+        }
+        return true;
+    };
+    Child one(count), two(count);
+    EXPECT_TRUE(one.end());
+    EXPECT_TRUE(two.end());
+    EXPECT_EQ(integer(*SettingsDatabase::open(path), "count"), 2 * each);
+}
+
+// Without a lock one of them wins each key, but every process must come to the same in the end.
+TEST(Processes, agreeInTheEnd) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    const auto write = [&](unsigned seed) {
+        const auto database = SettingsDatabase::open(path);
+        std::mt19937 random(seed);
+        for (int i = 0; i < 1000; ++i) {
+            const std::string key = std::to_string(random() % 10);
+            const auto kind = random() % 50;
+            const bool stored = kind == 0 ? database->removeAll()
+                                : kind < 9
+                                    ? database->remove(key)
+                                    : database->set(key, static_cast<int>(seed) * 10'000 + i);
+            if (!stored)
+                return false;
+        }
+        return true;
+    };
+    Child one([&] { return write(1); }), two([&] { return write(2); });
+    auto watcher =
+        SettingsDatabase::open(path); // what it opened must not go along into the children
+    EXPECT_TRUE(one.end());
+    EXPECT_TRUE(two.end());
+    const PropertyList::Dictionary seen = watcher->contents();
+    watcher.reset();
+    EXPECT_TRUE(inChild([&] { return SettingsDatabase::open(path)->contents() == seen; }));
+}
+
+TEST(Processes, keepAForkApart) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    const auto database = SettingsDatabase::open(path);
+    database->set("k", 1);
+    EXPECT_TRUE(inChild([&] {
+        SettingsDatabase::setProblemHandler([](const std::string&) {});
+        return integer(*database, "k") == 1 && !database->set("k", 2) &&
+               integer(*database, "k") == 2;
+    }));
+    EXPECT_EQ(integer(*database, "k"), 1);
+    EXPECT_TRUE(database->set("k", 3));
+}

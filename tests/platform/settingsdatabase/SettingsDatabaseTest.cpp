@@ -1,0 +1,160 @@
+#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
+#include <zorvan/platform/settingsdatabase/SettingsFolder.h>
+#include <zorvan/platform/settingsdatabase/internal/SettingsMemory.h>
+
+#include "Values.h"
+
+#include <tests/files/TemporaryFolder.h>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sys/stat.h>
+#include <thread>
+
+using namespace zorvan;
+
+namespace {
+
+mode_t modeOf(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+}
+
+} // namespace
+
+TEST(SettingsDatabase, keepsWhatItIsGiven) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "inner/a.settings";
+    std::mt19937 random(11);
+    PropertyList::Dictionary model;
+    // Opened again and again: what was written, replaced and removed before must be there, or not.
+    for (int round = 0; round < 6; ++round) {
+        const auto database = SettingsDatabase::open(path);
+        ASSERT_EQ(database->contents().size(), model.size());
+        for (const auto& [key, value] : model) {
+            const auto stored = database->value(key);
+            ASSERT_TRUE(stored && internal::isIdentical(*stored, value)) << key;
+        }
+        for (int i = 0; i < 200; ++i) {
+            const std::string key = "key\0é" + std::to_string(random() % 50);
+            if (random() % 4 == 0) {
+                ASSERT_TRUE(database->remove(key));
+                model.erase(key);
+            } else {
+                const PropertyList value = randomValue(random, 3);
+                ASSERT_TRUE(database->set(key, value));
+                model.insert_or_assign(key, value);
+            }
+        }
+        if (round == 3) {
+            ASSERT_TRUE(database->removeAll());
+            model.clear();
+        }
+        if (round == 4) {
+            ASSERT_TRUE(database->synchronize());
+        }
+        ASSERT_EQ(database->problem(), std::nullopt);
+    }
+}
+
+TEST(SettingsDatabase, tellsOneFromTrueFromReal) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    SettingsDatabase::open(path)->set("k", 1);
+    for (const PropertyList& value : {PropertyList(true), PropertyList(1.0), PropertyList(1),
+                                      PropertyList(0.0), PropertyList(-0.0), PropertyList("")}) {
+        ASSERT_TRUE(SettingsDatabase::open(path)->set("k", value));
+        EXPECT_TRUE(internal::isIdentical(*SettingsDatabase::open(path)->value("k"), value));
+    }
+}
+
+TEST(SettingsDatabase, appliesAllOrNothing) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    const auto database = SettingsDatabase::open(path);
+    ASSERT_TRUE(
+        database->apply({{"a", 1}, {"b", 2}, {"a", 3}, {"c", std::nullopt}, {"b", std::nullopt}}));
+    EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"a", 3}}));
+}
+
+TEST(SettingsDatabase, isPrivate) {
+    const TemporaryFolder folder;
+    const std::string inner = folder.path() / "inner";
+    const std::string path = inner + "/a.settings";
+    const mode_t old = ::umask(0);
+    const auto database = SettingsDatabase::open(path);
+    ::umask(old);
+    database->set("k", 1);
+    EXPECT_EQ(modeOf(inner), 0700u);
+    for (const char* ending : {"", "-wal", "-shm"})
+        EXPECT_EQ(modeOf(path + ending), 0600u) << ending;
+}
+
+TEST(SettingsDatabase, closesWhatStandsOpen) {
+    const TemporaryFolder folder;
+    const std::string inner = folder.path() / "inner";
+    const std::string path = inner + "/a.settings";
+    SettingsDatabase::open(path)->set("k", 1);
+    ::chmod(inner.c_str(), 0755);
+    ::chmod(path.c_str(), 0644);
+    EXPECT_TRUE(SettingsDatabase::open(path)->value("k"));
+    EXPECT_EQ(modeOf(inner), 0700u);
+    EXPECT_EQ(modeOf(path), 0600u);
+}
+
+TEST(SettingsDatabase, isSharedInTheProcess) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    const auto database = SettingsDatabase::open(path);
+    EXPECT_EQ(SettingsDatabase::open(path), database);
+    constexpr int threads = 4, each = 200;
+    std::vector<std::thread> writers;
+    for (int t = 0; t < threads; ++t)
+        writers.emplace_back([&, t] {
+            for (int i = 0; i < each; ++i) {
+                database->set(std::to_string(t) + "-" + std::to_string(i), i);
+                database->value("0-0");
+            }
+        });
+    for (std::thread& writer : writers)
+        writer.join();
+    EXPECT_EQ(database->contents().size(), std::size_t{threads * each});
+}
+
+TEST(SettingsDatabase, clearsRemovedKeysAway) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    const auto database = SettingsDatabase::open(path);
+    database->set("stays", 1);
+    for (int i = 0; i < 3000; ++i) {
+        database->set("passing " + std::to_string(i), std::string(500, 'x'));
+        database->remove("passing " + std::to_string(i));
+    }
+    ASSERT_TRUE(database->synchronize());
+    EXPECT_LT(std::filesystem::file_size(path), 500'000u); // 3,000 such keys take more
+    EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"stays", 1}}));
+}
+
+TEST(SettingsFolder, namesFiles) {
+    ::setenv("XDG_CONFIG_HOME", "/c", 1);
+    struct {
+        std::string domain;
+        std::optional<std::string> path;
+    } table[] = {
+        {"com.example.App-1_x", "/c/zorvan/com.example.App-1_x.settings"},
+        {"../../evil", "/c/zorvan/%2E.%2F..%2Fevil.settings"},
+        {".hidden", "/c/zorvan/%2Ehidden.settings"},
+        {"ä b%", "/c/zorvan/%C3%A4%20b%25.settings"},
+        {"", std::nullopt},
+        {std::string(200, 'a'), "/c/zorvan/" + std::string(200, 'a') + ".settings"},
+        {std::string(201, 'a'), std::nullopt},
+    };
+    for (const auto& row : table)
+        EXPECT_EQ(settingsPath(row.domain), row.path);
+    ::setenv("HOME", "/h", 1);
+    ::setenv("XDG_CONFIG_HOME", "relative", 1);
+    EXPECT_EQ(settingsFolder(), "/h/.config/zorvan");
+    ::unsetenv("XDG_CONFIG_HOME");
+    EXPECT_EQ(settingsFolder(), "/h/.config/zorvan");
+}

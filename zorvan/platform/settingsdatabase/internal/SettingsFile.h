@@ -1,0 +1,95 @@
+#pragma once
+
+#include <zorvan/platform/settingsdatabase/internal/SQLiteConnection.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <sys/types.h>
+#include <vector>
+
+namespace zorvan::internal {
+
+/// The file of a domain cannot be used, and is left alone; the text says why.
+struct RefusedFile : std::runtime_error {
+    using runtime_error::runtime_error;
+};
+
+/// The table of a domain on the disk.
+///
+/// A row is a key, its value, or no value when the key was removed, and an identifier. Every write
+/// gives the row it concerns a new identifier above all others, so that "what has changed since" is
+/// the end of the table. When a key has several rows, which two processes can bring about, the one
+/// with the highest identifier counts and the others are waste.
+///
+/// Everything throws `SQLiteFailure`.
+class SettingsFile {
+public:
+    struct Row {
+        std::int64_t id = 0;
+        std::string_view key; // not for the marks that have no key
+        bool hasKey = true;
+        bool isRemoved = false;
+        std::optional<PropertyList> value; // absent as well when its bytes stand for none
+    };
+    using RowReader = std::function<void(Row)>;
+
+    /// Opens the database at the path, makes it when there is none. The folder is made too. A
+    /// database that is damaged is renamed (see `setAside`) and begun anew. A database that this
+    /// process may not write opens for reading.
+    ///
+    /// Throws `RefusedFile`, `SQLiteFailure` and `std::system_error`.
+    static std::unique_ptr<SettingsFile> open(const std::string& path, std::string& setAside);
+
+    /// Closes a file that turned out to be damaged, renames it, and returns the new path. Empty
+    /// when another process has done so already. Throws `RefusedFile` and `std::system_error`.
+    static std::string setAside(std::unique_ptr<SettingsFile> damaged);
+
+    bool isWritable() const noexcept { return writable_; }
+
+    /// Whether the path still leads to the file that was opened.
+    bool isInPlace() const noexcept;
+
+    /// Rows above an identifier, in their order. Calls `startOver` first, and gives all rows, when
+    /// rows below may have vanished without a trace since that identifier was the last.
+    void readAbove(std::int64_t id, const std::function<void()>& startOver,
+                   const RowReader& reader);
+
+    /// Writes the value under the key, or its removal. `previous` is the identifier of the row that
+    /// the key has, 0 for none. The result is the new identifier.
+    std::int64_t write(std::int64_t previous, std::string_view key, const PropertyList* value);
+
+    /// Removes every row; the result is the identifier of the mark that tells others.
+    std::int64_t removeAll();
+
+    /// Removes rows by their identifiers, and rows of removed keys. Who has seen less than what
+    /// there is now reads everything.
+    void compact(const std::vector<std::int64_t>& waste);
+
+    void begin() { connection_.execute("BEGIN IMMEDIATE"); }
+    void commit() { connection_.execute("COMMIT"); }
+    void rollBack() noexcept;
+    void checkpoint() { connection_.checkpoint(); }
+
+    /// Where the stamp of the content is; null when there is no way to tell.
+    const void* stampAddress() const noexcept { return stamp_; }
+
+private:
+    SettingsFile(const std::string& path, SQLiteConnection::Access access);
+    void prepare();
+    void checkOrigin();
+
+    std::string path_;
+    bool writable_;
+    dev_t device_ = 0;
+    ino_t inode_ = 0;
+    SQLiteConnection connection_;
+    std::optional<SQLiteStatement> read_, readPurged_, insert_, update_;
+    const void* stamp_ = nullptr;
+};
+
+} // namespace zorvan::internal
