@@ -218,17 +218,13 @@ cairo_operator_t cairoOperator(NSCompositingOperation operation) noexcept {
         return CAIRO_OPERATOR_DIFFERENCE;
     case Operation::exclusion:
         return CAIRO_OPERATOR_EXCLUSION;
-    case Operation::hue:
-        return CAIRO_OPERATOR_HSL_HUE;
-    case Operation::saturation:
-        return CAIRO_OPERATOR_HSL_SATURATION;
-    case Operation::color:
-        return CAIRO_OPERATOR_HSL_COLOR;
-    case Operation::luminosity:
-        return CAIRO_OPERATOR_HSL_LUMINOSITY;
     case Operation::sourceOver:
     case Operation::highlight:
     case Operation::plusDarker:
+    case Operation::hue:
+    case Operation::saturation:
+    case Operation::color:
+    case Operation::luminosity:
         break;
     }
     return CAIRO_OPERATOR_OVER;

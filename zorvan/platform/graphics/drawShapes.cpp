@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/graphics/drawBitmap.h>
 #include <zorvan/platform/graphics/internal/CairoDrawing.h>
+#include <zorvan/platform/graphics/internal/blendPixels.h>
 
 #include <algorithm>
 #include <cmath>
@@ -147,40 +148,25 @@ void drawBounded(const CairoTile& tile, const Paint& paint, const DrawingStyle& 
     cairo_set_source_rgba(tile.cairo, 0, 0, 0, 0);
 }
 
-/// What both keep back from white, added up; pixels of one order, whichever it is.
-void addDarkness(const Bitmap& layer, const DrawingTarget& target) noexcept {
-    for (std::int64_t y = 0; y < layer.height(); ++y) {
-        const std::uint8_t* source = layer.row(y);
-        std::uint8_t* pixel = target.pixels + y * target.bytesPerRow;
-        for (std::int64_t x = 0; x < layer.width(); ++x, source += 4, pixel += 4) {
-            const int alpha = std::min(255, source[3] + pixel[3]);
-            for (int c = 0; c < 3; ++c) {
-                const int dark = source[3] - source[c] + pixel[3] - pixel[c];
-                pixel[c] = static_cast<std::uint8_t>(std::max(0, alpha - dark));
-            }
-            pixel[3] = static_cast<std::uint8_t>(alpha);
-        }
-    }
-}
-
+/// Draws the shape aside, on nothing, and blends that in.
 template <class Shape>
-void addDarkness(const CairoTile& tile, const Paint& paint, const DrawingStyle& style,
+void drawBlended(const CairoTile& tile, const Paint& paint, const DrawingStyle& style,
                  Shape shape) {
     Bitmap layer = layerFor(tile.rect);
     DrawingStyle over = style;
     over.operation = Operation::sourceOver;
-    const DrawingTarget aside = targetOn(layer, tile.rect);
     // The layer is read in the order of the tile, so its own pixels are not turned around.
-    drawTile(aside, over, ChannelOrder::swapped, [&](const CairoTile& part) {
+    drawTile(targetOn(layer, tile.rect), over, ChannelOrder::swapped, [&](const CairoTile& part) {
         withSource({part.cairo, tile.order, part.rect}, paint, style.alpha,
                    [&] { shape(part.cairo); });
     });
     cairo_surface_t* const surface = cairo_get_target(tile.cairo);
     cairo_surface_flush(surface);
-    DrawingTarget target = aside;
-    target.pixels = cairo_image_surface_get_data(surface);
-    target.bytesPerRow = cairo_image_surface_get_stride(surface);
-    addDarkness(layer, target);
+    std::uint8_t* const pixels = cairo_image_surface_get_data(surface);
+    const std::int64_t bytesPerRow = cairo_image_surface_get_stride(surface);
+    for (std::int64_t y = 0; y < layer.height(); ++y)
+        blendPixels(style.operation, tile.order, layer.row(y), pixels + y * bytesPerRow,
+                    layer.width());
     cairo_surface_mark_dirty(surface);
 }
 
@@ -191,14 +177,14 @@ void drawShape(const DrawingTarget& target, const CGRect& extents, const Paint& 
     if (!isDrawable(paint))
         return;
     const auto draw = [&](const CairoTile& tile) {
-        if (style.operation == Operation::plusDarker)
-            addDarkness(tile, paint, style, shape);
+        if (isBlendedByUs(style.operation))
+            drawBlended(tile, paint, style, shape);
         else if (reachesBeyondSource(style.operation))
             drawBounded(tile, paint, style, shape);
         else
             withSource(tile, paint, style.alpha, [&] { shape(tile.cairo); });
     };
-    const ChannelOrder order = preferredOrder(target.layout, style.operation);
+    const ChannelOrder order = preferredOrder(target.layout);
     for (const DrawingTarget& tile : tilesOf(target, extents, style))
         drawTile(tile, style, order, draw);
 }
@@ -293,8 +279,7 @@ void drawPicture(const DrawingTarget& target, const Bitmap& source,
                       static_cast<double>(source.height()));
     if (!isInvertible(transform))
         return;
-    const bool needsArea =
-        showsTransparency(style.operation) || style.operation == Operation::plusDarker;
+    const bool needsArea = showsTransparency(style.operation);
     for (const DrawingTarget& tile :
          tilesOf(target, rect.applying(transform).insetBy(-1, -1), style)) {
         const CGRect covered = rectOf(tile);

@@ -18,17 +18,17 @@ using Cairo = std::unique_ptr<cairo_t, Release<cairo_destroy>>;
 /// How the components stand while Cairo draws, which knows blue, green, red, alpha in memory only.
 enum class ChannelOrder {
     /// Red and blue have changed places in sources and target alike. No pixel is touched for that,
-    /// and the result is the same, as long as the operation treats all colours alike.
+    /// and the result is the same, because every operation of Cairo's that is used treats all
+    /// colours
+    /// alike.
     swapped,
     /// As Cairo knows them. The pixels are turned around in place before and after.
     cairo,
 };
 
 /// The order that lets pixels of the layout stay as they are, if there is one.
-inline ChannelOrder preferredOrder(BitmapLayout layout, NSCompositingOperation operation) noexcept {
-    const bool mixesColors = operation >= NSCompositingOperation::hue;
-    return layout == BitmapLayout::rgba && !mixesColors ? ChannelOrder::swapped
-                                                        : ChannelOrder::cairo;
+inline ChannelOrder preferredOrder(BitmapLayout layout) noexcept {
+    return layout == BitmapLayout::rgba ? ChannelOrder::swapped : ChannelOrder::cairo;
 }
 
 /// A part of the target that Cairo draws in, in target coordinates and inside the clip.
