@@ -1,6 +1,6 @@
 #!/bin/sh
 # bench.sh [FILTER]: runs the benchmarks whose name matches FILTER (a regular expression), ours beside
-# their peers, then whole programs making thumbnails (the benchmark named thumbnails). Prints medians.
+# their peers, then whole programs that shrink pictures (those named batch and thumbnails). Prints medians.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 filter=${1:-.}
@@ -23,6 +23,10 @@ find "$root/build/bench/bench" -type f -perm -u+x ! -path '*/CMakeFiles/*' | sor
     [ -z "$table" ] || printf '\n== %s\n%s\n' "$(basename "$program")" "$table"
 done
 
+if echo batch | grep -Eq "$filter"; then
+    printf '\n== batch of pictures, whole programs\n'
+    "$root/scripts/batch-bench.sh"
+fi
 if echo thumbnails | grep -Eq "$filter"; then
     printf '\n== thumbnails, whole programs\n'
     exec "$root/scripts/thumbnail-bench.sh"

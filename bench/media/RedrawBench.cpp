@@ -108,20 +108,43 @@ double meanError(const std::uint8_t* bytes, const std::vector<double>& exact) {
     return sum / static_cast<double>(exact.size());
 }
 
-void fillByTwoThreads(std::uint8_t* pixels) {
-    const auto fill = [pixels](std::int64_t first, std::int64_t last) {
+void fillByTwoThreads(std::uint8_t* pixels, std::int64_t columns, std::int64_t rows) {
+    const auto fill = [pixels, columns](std::int64_t first, std::int64_t last) {
         for (std::int64_t y = first; y < last; ++y)
-            for (std::int64_t x = 0; x < width; ++x) {
-                std::uint8_t* const pixel = pixels + y * width * 4 + x * 4;
+            for (std::int64_t x = 0; x < columns; ++x) {
+                std::uint8_t* const pixel = pixels + y * columns * 4 + x * 4;
                 pixel[0] = static_cast<std::uint8_t>(x);
                 pixel[1] = static_cast<std::uint8_t>(y);
                 pixel[2] = static_cast<std::uint8_t>(x ^ y);
                 pixel[3] = 255;
             }
     };
-    std::thread other(fill, 0, height / 2);
-    fill(height / 2, height);
+    std::thread other(fill, 0, rows / 2);
+    fill(rows / 2, rows);
     other.join();
+}
+
+void compareFill(const char* name, std::int64_t columns, std::int64_t rows) {
+    compare(
+        name,
+        [=] {
+            keep(CGContext::rgba(
+                     columns, rows,
+                     [](CGContext& context, std::uint8_t* data, std::int64_t x, std::int64_t y) {
+                         std::uint8_t* const pixel = data + context.offset(x, y);
+                         pixel[0] = static_cast<std::uint8_t>(x);
+                         pixel[1] = static_cast<std::uint8_t>(y);
+                         pixel[2] = static_cast<std::uint8_t>(x ^ y);
+                         pixel[3] = 255;
+                     })
+                     .get());
+        },
+        "two threads by hand",
+        [=] {
+            Bitmap filled = Bitmap::make(columns, rows).value();
+            fillByTwoThreads(filled.data(), columns, rows);
+            keep(filled.data());
+        });
 }
 
 } // namespace
@@ -145,25 +168,7 @@ int main(int, char** arguments) {
         "turn 12 MP by 10 degrees", [&] { keep(image->applying(turn).get()); }, "libvips rotate",
         [&] { keep(rotatedByVips(*image).get()); });
 
-    Bitmap filled = Bitmap::make(width, height).value();
-    compare(
-        "fill 12 MP",
-        [] {
-            keep(CGContext::rgba(
-                     width, height,
-                     [](CGContext& context, std::uint8_t* data, std::int64_t x, std::int64_t y) {
-                         std::uint8_t* const pixel = data + context.offset(x, y);
-                         pixel[0] = static_cast<std::uint8_t>(x);
-                         pixel[1] = static_cast<std::uint8_t>(y);
-                         pixel[2] = static_cast<std::uint8_t>(x ^ y);
-                         pixel[3] = 255;
-                     })
-                     .get());
-        },
-        "two threads by hand",
-        [&] {
-            fillByTwoThreads(filled.data());
-            keep(filled.data());
-        });
+    compareFill("fill 4 MP", 2304, 1728);
+    compareFill("fill 12 MP", width, height);
     vips_shutdown();
 }

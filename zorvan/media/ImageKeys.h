@@ -14,8 +14,17 @@ inline constexpr std::string_view kCGImagePropertyOrientation = "Orientation";
 /// A dictionary of TIFF tags, and in it the compression code: 1 none, 5 LZW, 8 deflate.
 inline constexpr std::string_view kCGImagePropertyTIFFDictionary = "{TIFF}";
 inline constexpr std::string_view kCGImagePropertyTIFFCompression = "Compression";
-/// A dictionary of EXIF tags.
+inline constexpr std::string_view kCGImagePropertyTIFFImageDescription = "ImageDescription";
+/// When the file was last changed, "yyyy:MM:dd HH:mm:ss".
+inline constexpr std::string_view kCGImagePropertyTIFFDateTime = "DateTime";
+/// A dictionary of EXIF tags, and in it when the picture was taken, in the same form.
 inline constexpr std::string_view kCGImagePropertyExifDictionary = "{Exif}";
+inline constexpr std::string_view kCGImagePropertyExifDateTimeOriginal = "DateTimeOriginal";
+inline constexpr std::string_view kCGImagePropertyExifDateTimeDigitized = "DateTimeDigitized";
+/// A dictionary of IPTC records, and in it the caption, which is written as the description of a
+/// picture that has no other.
+inline constexpr std::string_view kCGImagePropertyIPTCDictionary = "{IPTC}";
+inline constexpr std::string_view kCGImagePropertyIPTCCaptionAbstract = "Caption/Abstract";
 
 // Options of a `CGImageSource`.
 

@@ -26,9 +26,7 @@ constexpr bool usesHeapOnly = true;
 constexpr bool usesHeapOnly = false;
 #endif
 
-bool isMapped(std::size_t byteCount) noexcept {
-    return !usesHeapOnly && byteCount >= 2 * hugePage;
-}
+bool isMapped(std::size_t byteCount) noexcept { return !usesHeapOnly && byteCount >= 2 * hugePage; }
 
 struct Mapping {
     std::uint8_t* bytes = nullptr;

@@ -51,6 +51,18 @@ std::vector<StoredProperties::Text> textsOf(const PropertyList::Dictionary* sect
     return result;
 }
 
+/// The caption of a record of IPTC's, as the description of a picture without one. Its tag is the
+/// lowest, so it stands first.
+void addCaption(const PropertyList::Dictionary& properties,
+                std::vector<StoredProperties::Text>& texts) {
+    const std::uint16_t description = tiffTexts.front().tag;
+    const PropertyList::Dictionary* iptc = findSection(properties, "{IPTC}");
+    const std::string* caption = iptc ? findText(*iptc, "Caption/Abstract") : nullptr;
+    const bool hasOther = !texts.empty() && texts.front().tag == description;
+    if (caption && !caption->empty() && !hasOther)
+        texts.insert(texts.begin(), {description, shortened(*caption)});
+}
+
 std::optional<int> orientationIn(const PropertyList::Dictionary* dictionary) {
     const std::optional<double> value =
         dictionary ? findNumber(*dictionary, "Orientation") : std::nullopt;
@@ -120,6 +132,7 @@ StoredProperties storedProperties(const PropertyList::Dictionary& properties) {
                                .exifTexts = textsOf(findSection(properties, "{Exif}"), exifTexts)};
     if (!result.orientation)
         result.orientation = orientationIn(tiff);
+    addCaption(properties, result.texts);
     const std::optional<double> x = findNumber(properties, "DPIWidth");
     const std::optional<double> y = findNumber(properties, "DPIHeight");
     constexpr double limit = 65535;

@@ -1,0 +1,231 @@
+#include "TestImages.h"
+
+#include <zorvan/media/CGContext.h>
+#include <zorvan/media/CGRect.h>
+#include <zorvan/media/NSBezierPath.h>
+#include <zorvan/media/NSBundle.h>
+#include <zorvan/media/NSColor.h>
+#include <zorvan/media/NSImage.h>
+#include <zorvan/platform/appkit/Canvas.h>
+#include <zorvan/platform/foundation/UUID.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+namespace zorvan {
+namespace {
+
+constexpr std::uint32_t red = 0xFF0000FF, green = 0xFF00FF00, blue = 0xFFFF0000;
+
+TEST(NSGraphicsContext, IsKeptForEachThreadAndNests) {
+    const auto first = CGContext::rgba(4, 4), second = CGContext::rgba(4, 4);
+    EXPECT_EQ(CGContext::current(), nullptr);
+    first->push();
+    first->setCompositingOperation(NSCompositingOperation::copy);
+    second->useTemporaryContext([&] {
+        EXPECT_EQ(CGContext::current(), second);
+        std::thread([] { EXPECT_EQ(CGContext::current(), nullptr); }).join();
+        // The state of the context around is kept, too.
+        first->setCompositingOperation(NSCompositingOperation::XOR);
+    });
+    EXPECT_EQ(CGContext::current(), first);
+    EXPECT_EQ(NSGraphicsContext::current()->compositingOperation(), NSCompositingOperation::copy);
+    EXPECT_THROW(second->useTemporaryContext([] { throw std::runtime_error("stop"); }),
+                 std::runtime_error);
+    EXPECT_EQ(CGContext::current(), first);
+    first->pop();
+    first->pop();
+    EXPECT_EQ(CGContext::current(), nullptr);
+    // Nothing draws then, and nothing goes wrong.
+    set(NSColor::red);
+    fill(CGRect(0, 0, 4, 4), NSColor::red);
+    NSBezierPath::create({.rect = CGRect(0, 0, 4, 4)})->addClip();
+    EXPECT_DEATH(NSGraphicsContext::create(nullptr, false), "needs a drawing context");
+    EXPECT_DEATH(NSBezierPath::create()->line({1, 1}), "The path has no current point.");
+}
+
+TEST(NSGraphicsContext, FillsWithItsCompositingOperation) {
+    const auto context = CGContext::rgba(4, 4);
+    context->useTemporaryContext([&] {
+        fill(CGRect(0, 0, 2, 4), NSColor::red);
+        NSGraphicsContext::current()->setCompositingOperation(NSCompositingOperation::sourceAtop);
+        fill(CGRect(0, 0, 4, 4), NSColor::green);
+    });
+    const auto image = context->makeImage();
+    EXPECT_EQ(pixelAt(*image, 1, 1), green);
+    EXPECT_EQ(pixelAt(*image, 3, 1), 0u);
+}
+
+TEST(NSGraphicsContext, DrawsWhereAViewDoes) {
+    for (const bool isFlipped : {false, true}) {
+        Bitmap bitmap = Bitmap::make(40, 40).value();
+        const Canvas whole(bitmap, 2); // 20 by 20 points
+        Canvas canvas = whole.inside(CGRect(5, 4, 10, 8), CGRect(100, 50, 10, 8), isFlipped);
+        NSGraphicsContext::use(NSGraphicsContext::create(canvas), [&] {
+            fill(CGRect(0, 0, 1000, 1000), NSColor::blue); // held by the clip
+            fill(CGRect(100, 50, 3, 2), NSColor::red);
+        });
+        const auto image = CGImage::create(std::move(bitmap));
+        for (std::int64_t y = 0; y < 40; ++y)
+            for (std::int64_t x = 0; x < 40; ++x) {
+                const bool isInView = x >= 10 && x < 30 && y >= 16 && y < 32;
+                const bool isRed =
+                    x >= 10 && x < 16 && (isFlipped ? y >= 16 && y < 20 : y >= 28 && y < 32);
+                ASSERT_EQ(pixelAt(*image, x, y), isRed      ? red
+                                                 : isInView ? blue
+                                                            : 0)
+                    << x << ' ' << y << ' ' << isFlipped;
+            }
+    }
+}
+
+TEST(NSImage, ChoosesTheRepresentationForTheScale) {
+    const auto small = plain(10, 10, red), large = plain(20, 20, green);
+    EXPECT_EQ(small->nsImage()->size(), CGSize(10, 10));
+    EXPECT_EQ(small->nsImage()->cgImageForProposedRect(), small);
+    const auto image = NSImage::create(large, CGSize(10, 10));
+    image->addRepresentation({small, CGSize(10, 10)});
+    EXPECT_EQ(image->cgImageForProposedRect(), small);
+    EXPECT_EQ(image->cgImageForProposedRect(CGRect(0, 0, 11, 5)), large);
+    EXPECT_EQ(image->cgImageForProposedRect(CGRect(0, 0, 500, 500)), large);
+    const auto context = CGContext::rgba(40, 40);
+    context->scaleBy(2, 2);
+    EXPECT_EQ(
+        image->cgImageForProposedRect(image->rect(), NSGraphicsContext::create(context, false)),
+        large);
+    EXPECT_EQ(NSImage::create(CGSize(3, 3))->cgImageForProposedRect(), nullptr);
+    EXPECT_EQ(NSImage::create(CGImage::Pointer()), nullptr);
+    EXPECT_EQ(image->alignmentRect(), CGRect(0, 0, 10, 10));
+}
+
+TEST(NSImage, DrawsPartsUprightAndFaded) {
+    // Red above, green below.
+    const auto halves = CGImage::draw(4, 4, [](CGContext& c) {
+                            c.draw(*plain(1, 1, green), CGRect(0, 0, 4, 2));
+                            c.draw(*plain(1, 1, red), CGRect(0, 2, 4, 2));
+                        })->nsImage();
+    for (const bool isFlipped : {false, true}) {
+        const auto drawn = [&](const CGRect& in, const NSImage::Options& options) {
+            return CGImage::draw(8, 8, [&](CGContext& context) {
+                if (isFlipped)
+                    context.concatenate({1, 0, 0, -1, 0, 8});
+                NSGraphicsContext::use(
+                    NSGraphicsContext::create(context.shared_from_this(), isFlipped),
+                    [&] { halves->draw(in, options); });
+            });
+        };
+        const auto whole = drawn(CGRect(0, 0, 8, 8), {});
+        EXPECT_EQ(pixelAt(*whole, 4, 1), red);
+        EXPECT_EQ(pixelAt(*whole, 4, 6), green);
+        const auto part = drawn(CGRect(2, 2, 4, 4), {.from = CGRect(0, 0, 2, 2)});
+        EXPECT_EQ(pixelAt(*part, 3, 3), isFlipped ? green : green);
+        EXPECT_EQ(pixelAt(*part, 5, 5), green);
+        EXPECT_EQ(pixelAt(*part, 1, 3) | pixelAt(*part, 6, 3) | pixelAt(*part, 3, 1), 0u);
+        EXPECT_EQ(pixelAt(*drawn(CGRect(0, 0, 8, 8), {.fraction = 0.5}), 4, 1) >> 24, 0x80u);
+        const auto mirrored = drawn(CGRect(0, 0, 8, 8), {.respectFlipped = false});
+        EXPECT_EQ(pixelAt(*mirrored, 4, 1), isFlipped ? green : red);
+    }
+}
+
+TEST(NSImage, TakesDrawingsWithTheFocus) {
+    const auto image = NSImage::create(plain(4, 4, 0x80000080), CGSize(4, 4));
+    const auto tinted = NSImage::create(CGSize(4, 6));
+    tinted->useFocus(
+        [&] {
+            image->draw(CGRect(0, 0, 4, 4));
+            fill(tinted->rect(), NSColor::green);
+            NSGraphicsContext::current()->setCompositingOperation(NSCompositingOperation::copy);
+        },
+        2);
+    EXPECT_EQ(CGContext::current(), nullptr);
+    EXPECT_EQ(tinted->representations().front().image->size(), CGSize(8, 12));
+    image->useFocus([&] {
+        fill(CGRect(0, 0, 2, 4), NSColor::blue); // over what was there
+    });
+    const auto drawn = image->cgImageForProposedRect();
+    EXPECT_EQ(pixelAt(*drawn, 0, 0), blue);
+    EXPECT_EQ(pixelAt(*drawn, 3, 0), 0x80000080u);
+    const auto none = NSImage::create(CGSize());
+    none->useFocus([] { fill(CGRect(0, 0, 2, 4), NSColor::blue); });
+    EXPECT_EQ(none->cgImageForProposedRect(), nullptr);
+    none->unlockFocus();
+    EXPECT_EQ(none->data(ImageExportFormat::png), std::nullopt);
+    EXPECT_TRUE(image->data(ImageExportFormat::png));
+}
+
+TEST(NSImage, IsFoundByItsName) {
+    const auto image = plain(2, 2, red)->nsImage();
+    EXPECT_TRUE(image->setName("first"));
+    EXPECT_TRUE(image->setName("logo"));
+    EXPECT_EQ(NSImage::named("logo"), image);
+    EXPECT_EQ(NSImage::named("first"), nullptr);
+    EXPECT_EQ(image->name(), "logo");
+    EXPECT_FALSE(plain(1, 1, red)->nsImage()->setName("logo"));
+    EXPECT_EQ(CGImage::named("logo")->size(), CGSize(2, 2));
+    EXPECT_TRUE(image->setName(""));
+    EXPECT_EQ(NSImage::named("logo"), nullptr);
+    EXPECT_EQ(CGImage::named("../logo"), nullptr);
+    EXPECT_EQ(NSImage::named(""), nullptr);
+}
+
+TEST(NSImage, IsFoundAmongResourcesAndIcons) {
+    namespace fs = std::filesystem;
+    const auto write = [](const fs::path& path, const CGImage& image) {
+        const Data bytes = image.pngData().value();
+        fs::create_directories(path.parent_path());
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
+    };
+    const std::string id = makeUUIDString();
+    const fs::path resources(NSBundle::mainBundle()->resourceURL().path());
+    write(resources / (id + ".png"), *plain(8, 8, red));
+    write(resources / (id + "@2x.png"), *plain(16, 16, green));
+    const auto resource = NSImage::named(id);
+    ASSERT_TRUE(resource);
+    EXPECT_EQ(resource->size(), CGSize(8, 8));
+    EXPECT_EQ(resource->representations().size(), 2u);
+    EXPECT_EQ(NSImage::named(id + ".png")->size(), CGSize(8, 8));
+    fs::remove(resources / (id + ".png"));
+    fs::remove(resources / (id + "@2x.png"));
+
+    const fs::path data = fs::temp_directory_path() / ("icons-" + id);
+    write(data / "icons/hicolor/32x32/apps" / (id + ".png"), *plain(32, 32, blue));
+    const char* const before = std::getenv("XDG_DATA_HOME");
+    const std::string kept = before ? before : "";
+    setenv("XDG_DATA_HOME", data.c_str(), 1);
+    const auto icon = NSImage::named(id);
+    fs::create_directories(data / (id + ".app"));
+    const auto bundle = NSBundle::create(data / (id + ".app"));
+    const auto ofBundle = applicationIcon(*bundle, 64);
+    before ? setenv("XDG_DATA_HOME", kept.c_str(), 1) : unsetenv("XDG_DATA_HOME");
+    fs::remove_all(data);
+    ASSERT_TRUE(icon && ofBundle);
+    EXPECT_EQ(pixelAt(*icon->cgImageForProposedRect(), 5, 5), blue);
+    EXPECT_EQ(ofBundle->size(), CGSize(64, 64));
+}
+
+TEST(NSImage, DrawsSymbolsAtAnySize) {
+    EXPECT_EQ(NSImage::systemSymbol("no.such.symbol"), nullptr);
+    EXPECT_GE(NSImage::systemSymbolNames().size(), 30u);
+    for (const std::string_view name : NSImage::systemSymbolNames()) {
+        const auto symbol = NSImage::systemSymbol(name, "what it shows");
+        EXPECT_TRUE(symbol->isTemplate());
+        EXPECT_EQ(symbol->accessibilityDescription(), "what it shows");
+        for (const double side : {12.0, 48.0}) {
+            const auto drawn = symbol->cgImageForProposedRect(CGRect(0, 0, side, side));
+            ASSERT_EQ(drawn->size(), CGSize(side, side));
+            std::int64_t inked = 0;
+            for (std::int64_t i = 3; i < drawn->bitmap().byteCount(); i += 4)
+                inked += drawn->uint8Data()[i] > 90;
+            EXPECT_GT(static_cast<double>(inked), side * 0.6) << name;
+            EXPECT_LT(static_cast<double>(inked), side * side * 0.8) << name;
+        }
+    }
+}
+
+} // namespace
+} // namespace zorvan

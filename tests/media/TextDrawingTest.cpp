@@ -1,0 +1,185 @@
+#include "TestImages.h"
+
+#include <zorvan/media/CGContext.h>
+#include <zorvan/media/NSAttributedString.h>
+#include <zorvan/media/NSGraphicsContext.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace zorvan {
+namespace {
+
+const std::string words =
+    "several words that are broken into lines between one another and go on and on";
+
+AttributeDictionary attributes(double size = 12, TextAlignment alignment = TextAlignment::left) {
+    return {{std::string(AttributeName::font), TextFont{"DejaVu Sans", size}},
+            {std::string(AttributeName::alignment), alignment}};
+}
+
+/// The pixels that are drawn on, counted from the bottom left.
+struct Ink {
+    std::int64_t left = 1 << 20, right = -1, bottom = 1 << 20, top = -1, count = 0;
+};
+
+Ink inkOf(const CGImage& image) {
+    Ink ink;
+    for (std::int64_t y = 0; y < image.height(); ++y)
+        for (std::int64_t x = 0; x < image.width(); ++x)
+            if (pixelAt(image, x, y) >> 24 > 40) {
+                ink.left = std::min(ink.left, x);
+                ink.right = std::max(ink.right, x);
+                ink.bottom = std::min(ink.bottom, image.height() - 1 - y);
+                ink.top = std::max(ink.top, image.height() - 1 - y);
+                ++ink.count;
+            }
+    return ink;
+}
+
+Ink inkOf(const std::function<void(CGContext&)>& draw) {
+    return inkOf(*CGImage::draw(200, 100, draw));
+}
+
+TEST(TextDrawing, FillsARectangleFromTheTopAndLeavesOutWhatDoesNotFit) {
+    const CGRect rect(20, 10, 120, 60);
+    const Ink ink = inkOf([&](CGContext& c) { c.drawString(words, rect, attributes()); });
+    EXPECT_GE(ink.left, 20);
+    EXPECT_LT(ink.right, 140);
+    EXPECT_GT(ink.right, 110);
+    EXPECT_NEAR(static_cast<double>(ink.top), 68, 3);
+    EXPECT_GE(ink.bottom, 10);
+    const Ink oneLine =
+        inkOf([&](CGContext& c) { c.drawString(words, rect.with({.th = 20}), attributes()); });
+    EXPECT_LT(oneLine.top - oneLine.bottom, 14);
+    EXPECT_GT(oneLine.top, 60);
+    const Ink none =
+        inkOf([&](CGContext& c) { c.drawString(words, rect.with({.th = 8}), attributes()); });
+    EXPECT_EQ(none.count, 0);
+}
+
+TEST(TextDrawing, AlignsEachParagraphOnItsOwn) {
+    const CGRect rect(0, 0, 200, 100);
+    for (const auto& [alignment, left, right] :
+         {std::tuple(TextAlignment::left, 0, 40), std::tuple(TextAlignment::right, 160, 199),
+          std::tuple(TextAlignment::center, 80, 120)}) {
+        const Ink ink = inkOf(
+            [&, a = alignment](CGContext& c) { c.drawString("word", rect, attributes(12, a)); });
+        EXPECT_GE(ink.left, left);
+        EXPECT_LE(ink.right, right);
+    }
+    NSMutableAttributedString mixed(NSAttributedString("a\n", attributes(12, TextAlignment::left)));
+    mixed.append(NSAttributedString("b", attributes(12, TextAlignment::right)));
+    const Ink both =
+        inkOf([&](CGContext& c) { c.useTemporaryContext([&] { drawTruncated(mixed, rect); }); });
+    EXPECT_LT(both.left, 10);
+    EXPECT_GT(both.right, 190);
+}
+
+TEST(TextDrawing, StaysInsideAPath) {
+    CGPath disc;
+    disc.addEllipse(CGRect(10, 5, 90, 90));
+    const CGImage::Pointer image = CGImage::draw(200, 100, [&](CGContext& c) {
+        c.drawString(words, disc, attributes(8));
+        c.setCompositingOperation(NSCompositingOperation::destinationOut);
+        CGPath grown;
+        grown.addEllipse(CGRect(9, 4, 92, 92));
+        c.fill(grown);
+    });
+    EXPECT_EQ(inkOf(*image).count, 0);
+    const Ink ink = inkOf([&](CGContext& c) { c.drawString(words, disc, attributes(8)); });
+    EXPECT_GT(ink.right - ink.left, 60);
+    // A path that winds around no line at all.
+    CGPath sliver;
+    sliver.addRect(CGRect(0, 0, 3, 90));
+    EXPECT_EQ(inkOf([&](CGContext& c) { c.drawString(words, sliver, attributes()); }).count, 0);
+}
+
+TEST(TextDrawing, ShortensTheLastLineThatFits) {
+    const auto drawn = [](const std::string& text, double height) {
+        return inkOf([&](CGContext& c) {
+            c.useTemporaryContext([&] {
+                drawTruncated(NSAttributedString(text, attributes()), CGRect(0, 0, 100, height));
+            });
+        });
+    };
+    EXPECT_EQ(inkOf([](CGContext&) {
+                  drawTruncated(NSAttributedString("x"), {0, 0, 9, 9});
+              }).count,
+              0); // without a current context
+    const Ink whole = drawn(words, 100), two = drawn(words, 32), first = drawn(words, 5);
+    EXPECT_GT(whole.top - whole.bottom, 50);
+    EXPECT_LT(two.top - two.bottom, 30);
+    EXPECT_GT(two.top - two.bottom, 18);
+    EXPECT_GT(first.count, 0); // in any case
+    // A paragraph that ends where the room does says that there was another.
+    EXPECT_GT(drawn("word\nnext", 16).right, drawn("word", 16).right + 5);
+    EXPECT_EQ(drawn("word\nnext", 100).count, drawn("word\nnext", 33).count);
+}
+
+TEST(TextDrawing, IsUprightInEveryContext) {
+    // "L" has its ink at the bottom left.
+    const auto isUpright = [](const CGImage& image) {
+        const Ink ink = inkOf(image);
+        std::int64_t low = 0, high = 0;
+        for (std::int64_t x = ink.left; x <= ink.right; ++x) {
+            low += pixelAt(image, x, image.height() - 1 - ink.bottom) >> 24 > 60;
+            high += pixelAt(image, x, image.height() - 1 - ink.top) >> 24 > 60;
+        }
+        return low > high * 2;
+    };
+    const NSAttributedString letter("L", attributes(40));
+    for (const bool isFlipped : {false, true}) {
+        const CGImage::Pointer image = CGImage::draw(60, 60, [&](CGContext& context) {
+            if (isFlipped)
+                context.concatenate({1, 0, 0, -1, 0, 60});
+            NSGraphicsContext::use(NSGraphicsContext::create(context.shared_from_this(), isFlipped),
+                                   [&] { drawTruncated(letter, CGRect(10, 0, 50, 55)); });
+        });
+        EXPECT_TRUE(isUpright(*image)) << isFlipped;
+        EXPECT_NEAR(static_cast<double>(inkOf(*image).top), isFlipped ? 52 : 47, 6);
+    }
+}
+
+TEST(TextDrawing, IsColouredInBothLayouts) {
+    AttributeDictionary red = attributes(40);
+    red.emplace(AttributeName::foregroundColor, TextColor(1, 0, 0));
+    const auto draw = [&](CGContext& c) {
+        c.setAlpha(0.5);
+        c.drawString("\u2588", CGRect(0, 0, 50, 60), red); // a full block
+    };
+    for (const CGImage::Pointer& image :
+         {CGImage::draw(60, 60, draw), CGImage::argbDraw(60, 60, draw)->rgbaDrawnCopy()})
+        EXPECT_EQ(pixelAt(*image, 10, 30), 0x80000080u);
+}
+
+TEST(TextDrawing, IsMeasuredAsItIsDrawn) {
+    const NSAttributedString text(words, attributes());
+    const CGSize whole = size(text), broken = size(text, 100);
+    EXPECT_GT(whole.width, 400);
+    EXPECT_LE(broken.width, 100);
+    EXPECT_NEAR(broken.height / whole.height, std::round(broken.height / whole.height), 0.01);
+    EXPECT_EQ(size(NSAttributedString()), CGSize());
+}
+
+TEST(TextDrawing, TakesAnyText) {
+    const std::string texts[] = {
+        std::string("a\0b", 3),   "\xFF\xFE",      "\n\n\n",    "\r\n\u2029\r",
+        std::string(100000, 'x'), "😀\u0301\u200D", "\u202Eשלום"};
+    for (const std::string& text : texts)
+        (void)inkOf([&](CGContext& c) {
+            CGPath path;
+            path.addEllipse(CGRect(0, 0, 200, 100));
+            c.drawString(text, CGRect(0, 0, 200, 100), attributes());
+            c.drawString(text, path, attributes());
+            c.drawString(text, path, {{"NSFont", TextFont{"none such", -5}}});
+            c.rotate(1e9);
+            c.drawString(text, CGRect(0, 0, 1e12, 1e-9), attributes(1e9));
+            c.scaleBy(0, 1);
+            c.drawString(text, path, attributes());
+        });
+}
+
+} // namespace
+} // namespace zorvan

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <zorvan/media/CIImage.h>
+#include <zorvan/media/CIVector.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace zorvan {
+
+inline constexpr std::string_view kCIInputImageKey = "inputImage";
+inline constexpr std::string_view kCIOutputImageKey = "outputImage";
+
+/// Makes a picture from one, by values under keys. An application may derive filters of its own.
+///
+/// | name | keys, and what they are when not set |
+/// |---|---|
+/// | "CIColorMatrix" | "inputRVector" (1, 0, 0, 0), "inputGVector" (0, 1, 0, 0), "inputBVector" (0,
+/// 0, 1, 0), "inputAVector" (0, 0, 0, 1), "inputBiasVector" (0, 0, 0, 0): each component of the
+/// result is the product of its vector and the pixel (red, green, blue, alpha), and its part of the
+/// bias | | "CIToneCurve" | "inputPoint0" to "inputPoint4", (0, 0), (0.25, 0.25) ... (1, 1): red,
+/// green and blue each follow a smooth curve through the points, which never turns back between two
+/// of them; they must stand in order of x |
+class CIFilter {
+public:
+    using Pointer = std::shared_ptr<CIFilter>;
+    /// Nothing, a picture, numbers or one number.
+    using Value = std::variant<std::monostate, CIImage::Pointer, CIVector, double>;
+
+    /// A filter of the table; empty when it is none of them.
+    static Pointer create(std::string_view name);
+    static std::vector<std::string_view> filterNames();
+
+    virtual ~CIFilter() = default;
+    CIFilter(const CIFilter&) = delete;
+    CIFilter& operator=(const CIFilter&) = delete;
+
+    const std::string& name() const noexcept { return name_; }
+    void setValue(Value value, std::string_view key) {
+        values_.insert_or_assign(std::string(key), std::move(value));
+    }
+    /// The output picture under `kCIOutputImageKey`, else what has been set; nothing when that is
+    /// not there.
+    Value value(std::string_view key) const;
+
+    /// Empty when the filter has no input picture.
+    virtual CIImage::Pointer outputImage() const = 0;
+
+protected:
+    explicit CIFilter(std::string_view name) : name_(name) {}
+
+    CIImage::Pointer inputImage() const;
+    CIVector vector(std::string_view key, const CIVector& unset) const;
+
+private:
+    std::string name_;
+    std::map<std::string, Value, std::less<>> values_;
+};
+
+} // namespace zorvan
