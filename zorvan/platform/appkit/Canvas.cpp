@@ -10,9 +10,8 @@
 namespace zorvan {
 
 Canvas::Canvas(Bitmap& bitmap, double scale)
-    : bitmap_(&bitmap), scale_(scale),
-      bounds_(0, 0, static_cast<double>(bitmap.width()) / scale,
-              static_cast<double>(bitmap.height()) / scale),
+    : bitmap_(&bitmap), scale_(scale), bounds_(0, 0, static_cast<double>(bitmap.width()) / scale,
+                                               static_cast<double>(bitmap.height()) / scale),
       clip_(bounds_) {}
 
 Canvas Canvas::inside(const CGRect& frame, const CGRect& bounds, bool isFlipped) const {
@@ -25,12 +24,23 @@ Canvas Canvas::inside(const CGRect& frame, const CGRect& bounds, bool isFlipped)
     const double x = bounds.minX() + visible.minX() - frame.minX();
     const double fromTop =
         isFlipped_ ? visible.minY() - frame.minY() : frame.maxY() - visible.maxY();
-    const double y = isFlipped ? bounds.minY() + fromTop
-                               : bounds.maxY() - fromTop - visible.height();
+    const double y =
+        isFlipped ? bounds.minY() + fromTop : bounds.maxY() - fromTop - visible.height();
     inner.clip_ = visible.isNull()
                       ? CGRect::null
                       : CGRect(x, y, visible.width(), visible.height()).intersection(bounds);
     return inner;
+}
+
+CGAffineTransform Canvas::transform() const noexcept {
+    const double downward = isFlipped_ ? scale_ : -scale_;
+    const double top = isFlipped_ ? bounds_.minY() : bounds_.maxY();
+    return {scale_,
+            0,
+            0,
+            downward,
+            pixelOrigin_.x - bounds_.minX() * scale_,
+            pixelOrigin_.y - top * downward};
 }
 
 /// In pixels, y growing downward from the top of the bitmap.
@@ -65,9 +75,8 @@ void Canvas::drawText(std::string_view text, const CGRect& rect, Colour colour) 
     const CGRect visible = rect.intersection(clip_);
     const CGRect box = toPixels(rect);
     const std::int64_t width = roundInt(box.width()), height = roundInt(box.height());
-    std::optional<Bitmap> cell = text.empty() || visible.isNull()
-                                     ? std::nullopt
-                                     : Bitmap::make(width, height);
+    std::optional<Bitmap> cell =
+        text.empty() || visible.isNull() ? std::nullopt : Bitmap::make(width, height);
     if (!cell)
         return;
     const std::int64_t left = roundInt(box.minX()), top = roundInt(box.minY());
@@ -85,7 +94,8 @@ void Canvas::drawText(std::string_view text, const CGRect& rect, Colour colour) 
         std::memcpy(aside, screen, bytes);
     });
     const double size = std::min(13 * scale_, box.height());
-    const std::int64_t margin = std::max<std::int64_t>(roundInt((box.height() - size * 1.3) / 2), 0);
+    const std::int64_t margin =
+        std::max<std::int64_t>(roundInt((box.height() - size * 1.3) / 2), 0);
     drawTextLine(*cell, text, {.x = 0, .y = margin, .width = width, .height = height - margin},
                  {.size = size, .color = {colour.r, colour.g, colour.b, 255}});
     forEachRow([](std::uint8_t* screen, std::uint8_t* aside, std::size_t bytes) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/numbers-geometry/CGAffineTransform.h>
 #include <zorvan/numbers-geometry/CGRect.h>
 #include <zorvan/platform/graphics/Bitmap.h>
 
@@ -22,12 +23,20 @@ public:
     /// The whole of a bitmap, whose size in points is its size in pixels divided by `scale`.
     Canvas(Bitmap& bitmap, double scale);
 
-    /// The same bitmap for a view inside this one: `frame` is where it stands here, `bounds` what of its
-    /// own coordinates shows there.
+    /// The same bitmap for a view inside this one: `frame` is where it stands here, `bounds` what
+    /// of its own coordinates shows there.
     Canvas inside(const CGRect& frame, const CGRect& bounds, bool isFlipped) const;
 
     /// The visible part, in the view's coordinates.
     const CGRect& clip() const noexcept { return clip_; }
+
+    /// What is drawn on, all of it.
+    Bitmap& bitmap() const noexcept { return *bitmap_; }
+    /// From the view's coordinates to pixels from the top left of the bitmap, y growing downward.
+    CGAffineTransform transform() const noexcept;
+    bool isFlipped() const noexcept { return isFlipped_; }
+    /// Pixels to a point.
+    double scale() const noexcept { return scale_; }
 
     void fill(const CGRect& rect, Colour colour);
     /// One line of text, in the middle of the rectangle's height, shortened to its width.

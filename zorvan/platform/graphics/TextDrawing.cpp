@@ -1,6 +1,7 @@
 #include <zorvan/platform/graphics/TextDrawing.h>
 
 #include <zorvan/platform/foundation/internal/Release.h>
+#include <zorvan/platform/graphics/internal/fonts.h>
 
 #include <algorithm>
 #include <memory>
@@ -18,18 +19,6 @@ using Cairo = std::unique_ptr<cairo_t, Release<cairo_destroy>>;
 using Layout = std::unique_ptr<PangoLayout, Release<g_object_unref>>;
 using Font = std::unique_ptr<PangoFontDescription, Release<pango_font_description_free>>;
 using Text = std::unique_ptr<char, Release<g_free>>;
-
-/// Pango stops the program when it is to draw without a font.
-bool hasFonts() {
-    static const bool hasOne = [] {
-        PangoFontFamily** families = nullptr;
-        int count = 0;
-        pango_font_map_list_families(pango_cairo_font_map_get_default(), &families, &count);
-        g_free(families);
-        return count > 0;
-    }();
-    return hasOne;
-}
 
 Layout makeLayout(cairo_t* cairo, std::string_view text, const TextBox& box,
                   const TextLineStyle& style) {
@@ -54,7 +43,7 @@ Layout makeLayout(cairo_t* cairo, std::string_view text, const TextBox& box,
     pango_layout_set_alignment(layout.get(),
                                style.alignment == TextLineAlignment::left     ? PANGO_ALIGN_LEFT
                                : style.alignment == TextLineAlignment::center ? PANGO_ALIGN_CENTER
-                                                                          : PANGO_ALIGN_RIGHT);
+                                                                              : PANGO_ALIGN_RIGHT);
     return layout;
 }
 

@@ -1,0 +1,132 @@
+#pragma once
+
+#include <zorvan/platform/graphics/Bitmap.h>
+#include <zorvan/platform/graphics/CGPath.h>
+#include <zorvan/platform/graphics/NSCompositingOperation.h>
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace zorvan {
+
+/// Pixels to draw in, owned by somebody else: those of a bitmap, or of a part of it.
+///
+/// Everything that is drawn is placed in target coordinates, in pixels with y growing downward; the
+/// outer corner of the first pixel stands at (x, y).
+struct DrawingTarget {
+    std::uint8_t* pixels;
+    std::int64_t width;
+    std::int64_t height;
+    std::int64_t bytesPerRow;
+    BitmapLayout layout;
+    std::int64_t x = 0;
+    std::int64_t y = 0;
+
+    /// All of a bitmap, its top left corner at (x, y).
+    static DrawingTarget of(Bitmap& bitmap, std::int64_t x = 0, std::int64_t y = 0) noexcept {
+        return {bitmap.data(),
+                bitmap.width(),
+                bitmap.height(),
+                bitmap.bytesPerRow(),
+                bitmap.layout(),
+                x,
+                y};
+    }
+};
+
+/// Components from 0 to 1, not multiplied by alpha.
+struct PaintColor {
+    double red = 0;
+    double green = 0;
+    double blue = 0;
+    double alpha = 1;
+};
+
+/// Colours along a line, or outward from the centre of a circle; beyond the ends the first and the
+/// last colour go on. Colours are mixed before they are multiplied by alpha.
+struct GradientPaint {
+    struct Stop {
+        double location;
+        PaintColor color;
+    };
+    std::vector<Stop> stops;
+    /// In the gradient's own coordinates, which `toTarget` leads out of.
+    CGPoint start;
+    CGPoint end;
+    /// Above 0 a circle around `start`; `end` is not used then.
+    double radius = 0;
+    CGAffineTransform toTarget = {};
+};
+
+/// A picture repeated over the plane.
+struct PatternPaint {
+    /// In the layout `rgba`.
+    std::shared_ptr<const Bitmap> cell;
+    /// From the pixels of the cell, y downward, to the target.
+    CGAffineTransform toTarget;
+};
+
+using Paint = std::variant<PaintColor, GradientPaint, PatternPaint>;
+
+/// A path that drawing stays inside, within the one around it.
+struct DrawingClip {
+    CGPath path;
+    CGPathFillRule rule;
+    std::shared_ptr<const DrawingClip> outer;
+    /// Around what all of them leave.
+    CGRect bounds;
+
+    static std::shared_ptr<const DrawingClip> make(CGPath path, CGPathFillRule rule,
+                                                   std::shared_ptr<const DrawingClip> outer) {
+        const CGRect own = path.controlPointBoundingBox();
+        const CGRect bounds = outer ? own.intersection(outer->bounds) : own;
+        return std::make_shared<const DrawingClip>(
+            DrawingClip{std::move(path), rule, std::move(outer), bounds});
+    }
+};
+
+/// What applies to every kind of drawing.
+struct DrawingStyle {
+    NSCompositingOperation operation = NSCompositingOperation::sourceOver;
+    /// Multiplies the alpha of what is drawn.
+    double alpha = 1;
+    /// Empty when there is none.
+    std::shared_ptr<const DrawingClip> clip;
+    bool isAntialiased = true;
+};
+
+enum class CGLineCap { butt = 0, round = 1, square = 2 };
+enum class CGLineJoin { miter = 0, round = 1, bevel = 2 };
+
+struct StrokeStyle {
+    /// In the coordinates that `toTarget` leads out of; 0 draws the thinnest line there is.
+    double lineWidth = 1;
+    CGLineCap lineCap = CGLineCap::butt;
+    CGLineJoin lineJoin = CGLineJoin::miter;
+    double miterLimit = 10;
+    /// Lengths drawn and left out in turn; empty for a line without gaps.
+    std::vector<double> dash;
+    double dashPhase = 0;
+    CGAffineTransform toTarget = {};
+};
+
+// Pixels are changed where they stand, in either layout. Each throws `std::bad_alloc`, and may be
+// called from several threads for targets that do not overlap.
+
+void fillPath(const DrawingTarget& target, const CGPath& path, CGPathFillRule rule,
+              const Paint& paint, const DrawingStyle& style);
+
+/// `path` is in target coordinates. Nothing is drawn when the transform of the style has no
+/// inverse.
+void strokePath(const DrawingTarget& target, const CGPath& path, const StrokeStyle& stroke,
+                const Paint& paint, const DrawingStyle& style);
+
+/// All of `source`, placed and resampled as `drawBitmap` does it; `transform` leads from its
+/// pixels, y downward, to the target.
+void drawPicture(const DrawingTarget& target, const Bitmap& source,
+                 const CGAffineTransform& transform, const DrawingStyle& style);
+
+} // namespace zorvan

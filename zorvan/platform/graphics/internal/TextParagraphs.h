@@ -1,0 +1,52 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/CGRect.h>
+#include <zorvan/platform/foundation/internal/Release.h>
+#include <zorvan/platform/textservices/NSAttributedString.h>
+
+#include <memory>
+#include <pango/pangocairo.h>
+#include <string>
+#include <vector>
+
+namespace zorvan {
+
+struct TextLayoutRelease {
+    void operator()(PangoLayout* layout) const noexcept { g_object_unref(layout); }
+};
+using TextLayout = std::unique_ptr<PangoLayout, TextLayoutRelease>;
+
+/// A paragraph, its attributes as Pango knows them.
+class TextParagraph {
+public:
+    TextParagraph(const NSAttributedString& text, NSRange range);
+
+    std::size_t byteCount() const noexcept { return text_.size(); }
+
+    /// The text from byte `from` on, broken at `width` (in points; infinity for no breaks), "…"
+    /// after it when asked for. `alpha` multiplies the alpha of all colours.
+    TextLayout layout(PangoContext* context, double width, double alpha, std::size_t from = 0,
+                      bool hasEllipsis = false) const;
+
+    /// Of the largest font in it.
+    double fontSize() const noexcept { return fontSize_; }
+
+private:
+    struct Span {
+        std::size_t begin;
+        std::size_t end;
+        AttributeDictionary attributes;
+    };
+
+    std::string text_;
+    std::vector<Span> spans_;
+    TextAlignment alignment_ = TextAlignment::left;
+    double fontSize_ = 0;
+};
+
+std::vector<TextParagraph> paragraphsOf(const NSAttributedString& text);
+
+/// A context whose layouts do not depend on the size they are drawn at.
+std::unique_ptr<PangoContext, Release<g_object_unref>> makeTextContext();
+
+} // namespace zorvan
