@@ -16,10 +16,12 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 namespace zorvan {
 
 class CGContext;
+class NSImage;
 
 /// A picture, which never changes and may be shared between threads: 8 bits a component, 4 bytes a
 /// pixel, rows of `width * 4` bytes with the top row first, alpha premultiplied.
@@ -37,6 +39,12 @@ public:
     static Pointer create(Bitmap bitmap);
     /// Shares the pixels, which must not change any more.
     static Pointer create(std::shared_ptr<const Bitmap> bitmap);
+
+    /// The application image of that name (`NSImage::named`) as a bitmap of its size; empty when
+    /// there is none.
+    [[nodiscard]] static Pointer named(std::string_view name);
+    /// An application image that shows this picture at its size in pixels.
+    [[nodiscard]] std::shared_ptr<NSImage> nsImage() const;
 
     // Loading. A file is known by its bytes, whatever its name. Empty when it cannot be read.
 
