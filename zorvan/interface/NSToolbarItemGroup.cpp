@@ -28,7 +28,7 @@ std::vector<std::shared_ptr<NSToolbarItem>> subitems(const std::vector<Shown>& s
 std::shared_ptr<NSToolbarItemGroup> NSToolbarItemGroup::create(Images group) {
     auto made = std::make_shared<NSToolbarItemGroup>(Key{}, std::move(group.itemIdentifier));
     made->setSubitems(zorvan::subitems(
-        group.images.value, group.labels,
+        group.images, group.labels,
         [](NSToolbarItem& item, const std::shared_ptr<NSImage>& image) { item.setImage(image); }));
     made->setSelectionMode(group.selectionMode);
     made->setTarget(group.target);
@@ -39,7 +39,7 @@ std::shared_ptr<NSToolbarItemGroup> NSToolbarItemGroup::create(Images group) {
 std::shared_ptr<NSToolbarItemGroup> NSToolbarItemGroup::create(Titles group) {
     auto made = std::make_shared<NSToolbarItemGroup>(Key{}, std::move(group.itemIdentifier));
     made->setSubitems(zorvan::subitems(
-        group.titles.value, group.labels,
+        group.titles, group.labels,
         [](NSToolbarItem& item, const std::string& title) { item.setTitle(title); }));
     made->setSelectionMode(group.selectionMode);
     made->setTarget(group.target);

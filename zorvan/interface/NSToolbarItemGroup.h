@@ -1,7 +1,6 @@
 #pragma once
 
 #include <zorvan/interface/NSToolbarItem.h>
-#include <zorvan/platform/foundation/Required.h>
 
 #include <cstdint>
 #include <vector>
@@ -16,7 +15,7 @@ public:
 
     struct Images {
         NSToolbarItemIdentifier itemIdentifier;
-        Required<std::vector<std::shared_ptr<NSImage>>> images;
+        std::vector<std::shared_ptr<NSImage>> images;
         SelectionMode selectionMode = SelectionMode::selectOne;
         std::vector<std::string> labels = {};
         std::weak_ptr<void> target = {};
@@ -24,7 +23,7 @@ public:
     };
     struct Titles {
         NSToolbarItemIdentifier itemIdentifier;
-        Required<std::vector<std::string>> titles;
+        std::vector<std::string> titles;
         SelectionMode selectionMode = SelectionMode::selectOne;
         std::vector<std::string> labels = {};
         std::weak_ptr<void> target = {};

@@ -1,6 +1,7 @@
 #include <zorvan/interface/NSWindow.h>
 
 #include <zorvan/interface/NSApplication.h>
+#include <zorvan/interface/NSControl.h>
 #include <zorvan/interface/internal/FrameView.h>
 #include <zorvan/interface/internal/ToolbarStrip.h>
 #include <zorvan/interface/internal/TouchBarStrip.h>
@@ -202,7 +203,10 @@ void NSWindow::sendEvent(const NSEvent& event) {
     const bool hasLeft = event.type == Type::mouseExited;
     trackMouse(hasLeft ? std::nullopt : std::optional(event.locationInWindow), event);
     if (event.type == Type::leftMouseDown) {
-        const auto hit = frameView_->hitTest(event.locationInWindow);
+        auto hit = frameView_->hitTest(event.locationInWindow);
+        const auto control = std::dynamic_pointer_cast<NSControl>(hit);
+        if (control && !control->isEnabled())
+            hit.reset();
         pressedView_ = hit;
         if (hit)
             hit->mouseDown(event);

@@ -76,10 +76,10 @@ public:
     /// Nothing when it is not the main window.
     void resignMainWindow();
 
-    /// Hands an event on: presses to the view that is hit, drags and releases to the one that was
-    /// pressed, be it in the window any more or not; entering and leaving to the owners of tracking
-    /// areas. `mouseExited` means that the mouse has left the window. Nothing once the window is
-    /// closed.
+    /// Hands an event on: presses to the view that is hit, unless it is a disabled control; drags
+    /// and releases to the one that was pressed, be it in the window any more or not; entering and
+    /// leaving to the owners of tracking areas. `mouseExited` means that the mouse has left the
+    /// window. Nothing once the window is closed.
     void sendEvent(const NSEvent& event);
 
     void layoutIfNeeded();
