@@ -15,7 +15,7 @@ using namespace zorvan;
 
 namespace {
 
-constexpr double left = 150, columnWidth = 130, rowHeight = 44;
+constexpr double left = 160, columnWidth = 148, rowHeight = 44;
 
 struct State {
     const char* name;
@@ -94,7 +94,7 @@ const Look looks[] = {
          tintText(button, true);
          tintBackground(button, true);
          button.setImagePosition(NSCellImagePosition::imageRight);
-         button.setExpandedSize(CGSize(24, 6));
+         button.setExpandedSize(CGSize(20, 6));
      }},
 };
 

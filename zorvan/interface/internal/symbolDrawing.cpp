@@ -1,6 +1,7 @@
 #include <zorvan/interface/internal/symbolDrawing.h>
 
-#include <zorvan/interface/NSImage.h>
+#include <zorvan/media/CGRect.h>
+#include <zorvan/media/NSColor.h>
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +10,14 @@ namespace zorvan {
 
 void drawInside(const NSImage& image, const CGRect& rect, const NSColor& ink, bool isEnabled) {
     if (image.isTemplate())
-        return tintedImage(image, ink, 1)->draw(rect);
+        // The colour where the picture is opaque; a faint colour stays faint over any ground.
+        return NSImage::create(image.size(), false,
+                               [&](const CGRect& whole) {
+                                   image.draw(whole);
+                                   setFill(ink);
+                                   fill(whole, NSCompositingOperation::sourceIn);
+                               })
+            ->draw(rect);
     constexpr double faint = 0.4;
     image.draw(rect, {.fraction = isEnabled ? 1 : faint});
 }
