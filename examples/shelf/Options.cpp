@@ -36,6 +36,9 @@ Smaller copies:
       --size N        fitted into N x N pixels, never enlarged (default 1024)
       --format F      png, jpg, tiff or heic (default jpg)
 
+A window:
+      --screenshot FILE   draw a window that shows the pictures, as a PNG file
+
 What is printed:
       --json          the facts as JSON instead of a table
       --quick         read only the head of each file: a picture that is broken
@@ -111,14 +114,22 @@ private:
             throw UsageError("name a picture or a folder of pictures");
         if (options_.json && options_.quiet)
             throw UsageError("--json and --quiet exclude each other");
-        if (options_.quick && (options_.sheet || options_.exportFolder))
-            throw UsageError("--quick is for a list alone, without --output and --export");
+        if (options_.quick && (options_.sheet || options_.screenshot || options_.exportFolder))
+            throw UsageError(
+                "--quick is for a list alone, without --output, --screenshot and --export");
     }
 
     void setSheet(const std::string& path) {
         const zorvan::URL url({.fileURLWithPath = path});
         options_.sheetFormat = format("--output", url.pathExtension());
         options_.sheet = path;
+    }
+
+    void setScreenshot(const std::string& path) {
+        if (format("--screenshot", zorvan::URL({.fileURLWithPath = path}).pathExtension()) !=
+            ImageExportFormat::png)
+            throw UsageError("--screenshot writes png only");
+        options_.screenshot = path;
     }
 
     void setFolder(const std::string& path) {
@@ -139,6 +150,7 @@ private:
     const std::map<std::string, std::function<void(const std::string&)>> settings_{
         {"-o", [this](const std::string& value) { setSheet(value); }},
         {"--output", [this](const std::string& value) { setSheet(value); }},
+        {"--screenshot", [this](const std::string& value) { setScreenshot(value); }},
         {"--type", [this](const std::string& value) { options_.types.push_back(value); }},
         {"--columns",
          [this](const std::string& value) { options_.columns = number("--columns", value, 1000); }},

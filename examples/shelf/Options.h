@@ -23,6 +23,8 @@ struct Options {
     std::optional<std::int64_t> columns;
     std::int64_t cell = 180;
 
+    std::optional<std::string> screenshot; // a PNG file
+
     std::optional<std::string> exportFolder;
     std::int64_t exportSize = 1024;
     zorvan::ImageExportFormat exportFormat = zorvan::ImageExportFormat::jpg;

@@ -68,8 +68,9 @@ std::vector<std::string> missingPaths(const Options& options) {
 
 std::vector<ListedFile> listFiles(const Options& options) {
     std::unordered_set<std::string> seen;
-    if (options.sheet)
-        seen.insert(fileURL(*options.sheet).resolvingSymlinksInPath().path());
+    for (const auto& written : {options.sheet, options.screenshot})
+        if (written)
+            seen.insert(fileURL(*written).resolvingSymlinksInPath().path());
     std::vector<ListedFile> list;
     for (const std::string& path : options.paths)
         for (ListedFile& file : filesOf(path, options))

@@ -17,6 +17,6 @@ struct ListedFile {
 std::vector<std::string> missingPaths(const Options& options);
 
 /// The files that the paths stand for: the paths in their order, what a folder holds in an order
-/// for people, no file twice. The sheet itself is left out, so that it may stand among the
-/// pictures.
+/// for people, no file twice. The sheet and the screenshot are left out, so that they may stand
+/// among the pictures.
 std::vector<ListedFile> listFiles(const Options& options);

@@ -3,6 +3,7 @@
 #include "ContactSheet.h"
 #include "Options.h"
 #include "PictureList.h"
+#include "PictureWindow.h"
 #include "ProgressBar.h"
 #include "displayText.h"
 #include "report.h"
@@ -37,12 +38,14 @@ bool makeRoom(const Options& options) {
         complain(forDisplay(*options.exportFolder) + ": " + problem.message());
         return false;
     }
-    if (!options.sheet)
-        return true;
-    const auto folder = std::filesystem::absolute(*options.sheet).parent_path();
-    if (!std::filesystem::is_directory(folder, problem)) {
-        complain(forDisplay(folder.string()) + ": no such folder");
-        return false;
+    for (const auto& file : {options.sheet, options.screenshot}) {
+        if (!file)
+            continue;
+        const auto folder = std::filesystem::absolute(*file).parent_path();
+        if (!std::filesystem::is_directory(folder, problem)) {
+            complain(forDisplay(folder.string()) + ": no such folder");
+            return false;
+        }
     }
     return true;
 }
@@ -63,6 +66,17 @@ bool checkWritten(const Options& options, const std::vector<ListedFile>& files,
     if (isNothingWritten && result.problems.empty() && !files.empty())
         complain("no picture could be read, so none was written");
     return result.problems.empty() && !isNothingWritten;
+}
+
+bool writeScreenshot(const Options& options, const std::vector<ListedFile>& files,
+                     const WorkResult& result) {
+    const auto path = std::filesystem::absolute(options.paths.front()).lexically_normal();
+    const std::string name = (path.has_filename() ? path : path.parent_path()).filename();
+    const PictureWindow shown(forDisplay(name), files, result.facts);
+    if (shown.writeScreenshot(*options.screenshot))
+        return true;
+    complain(forDisplay(*options.screenshot) + ": the screenshot cannot be written");
+    return false;
 }
 
 int run(const Options& options) {
@@ -98,6 +112,8 @@ int run(const Options& options) {
         isWritten = false;
     }
     if (options.sheet && !sheet)
+        isWritten = false;
+    if (options.screenshot && !writeScreenshot(options, files, result))
         isWritten = false;
     return isPrinted && isWritten ? allWell : notWritten;
 }

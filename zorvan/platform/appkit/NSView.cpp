@@ -8,28 +8,197 @@
 
 namespace zorvan {
 
-NSView::~NSView() = default;
+NSView::~NSView() {
+    for (const auto& view : std::exchange(subviews_, {}))
+        view->moveTo(nullptr, nullptr);
+}
+
+// Place
+
+void NSView::setFrame(const CGRect& frame) {
+    const CGRect before = std::exchange(frame_, {frame.origin, constrained(frame.size)});
+    if (frame_ != before)
+        contentDidChange();
+    if (frame_.size == before.size)
+        return;
+    needsLayout_ = true;
+    updateTrackingAreas();
+}
 
 void NSView::setBoundsOrigin(CGPoint origin) {
+    const bool isChange = origin != boundsOrigin_;
     boundsOrigin_ = origin;
+    if (isChange) {
+        contentDidChange();
+        updateTrackingAreas();
+    }
     note("setBoundsOrigin", description(origin.x) + ", " + description(origin.y));
 }
+
+CGSize NSView::intrinsicContentSize() const { return {noIntrinsicMetric, noIntrinsicMetric}; }
+
+CGSize NSView::fittingSize() const {
+    const CGSize intrinsic = intrinsicContentSize();
+    return constrained({intrinsic.width < 0 ? frame_.width() : intrinsic.width,
+                        intrinsic.height < 0 ? frame_.height() : intrinsic.height});
+}
+
+CGSize NSView::constrained(CGSize size) const {
+    for (const auto& constraint : constraints_) {
+        double& side =
+            constraint->firstAttribute() == NSLayoutAttribute::width ? size.width : size.height;
+        side = std::max(side, constraint->constant());
+    }
+    return size;
+}
+
+void NSView::followConstraints() {
+    setFrame(frame_);
+    setNeedsLayout(true);
+}
+
+// The tree
 
 void NSView::addSubview(const std::shared_ptr<NSView>& view) {
     for (const NSView* holder = this; holder; holder = holder->superview_.lock().get())
         if (holder == view.get())
             fatalError("A view cannot hold itself.");
-    view->removeFromSuperview();
-    view->superview_ = weak_from_this();
-    subviews_.push_back(view);
+    const std::shared_ptr<NSView> keptAlive = view;
+    keptAlive->moveTo(window(), shared_from_this());
+    contentDidChange();
 }
 
 void NSView::removeFromSuperview() {
-    if (const std::shared_ptr<NSView> superview = superview_.lock()) {
-        const std::shared_ptr<NSView> keptAlive = shared_from_this();
-        std::erase(superview->subviews_, keptAlive);
+    const std::shared_ptr<NSView> keptAlive = shared_from_this();
+    const std::shared_ptr<NSView> holder = superview();
+    moveTo(nullptr, nullptr);
+    if (holder)
+        holder->contentDidChange();
+}
+
+/// The views inside go along; they are told only of another window.
+void NSView::moveTo(const std::shared_ptr<NSWindow>& window,
+                    const std::shared_ptr<NSView>& superview) {
+    // A window that is ending cannot be asked for any more.
+    const bool isOtherWindow = window ? window_.lock() != window : isInWindow_;
+    if (isOtherWindow)
+        willMoveAll(window);
+    if (const std::shared_ptr<NSView> holder = superview_.lock())
+        std::erase_if(holder->subviews_, [this](const auto& view) { return view.get() == this; });
+    superview_ = superview;
+    if (superview)
+        superview->subviews_.push_back(shared_from_this());
+    if (isOtherWindow)
+        didMoveAll(window);
+}
+
+// Those told may change the tree, so that copies are walked.
+
+void NSView::willMoveAll(const std::shared_ptr<NSWindow>& window) {
+    viewWillMove(window);
+    const auto views = subviews_;
+    for (const auto& view : views)
+        view->willMoveAll(window);
+}
+
+void NSView::didMoveAll(const std::shared_ptr<NSWindow>& window) {
+    window_ = window;
+    isInWindow_ = window != nullptr;
+    const auto views = subviews_;
+    for (const auto& view : views)
+        if (view->superview_.lock().get() == this)
+            view->didMoveAll(window);
+    viewDidMoveToWindow();
+    if (window)
+        updateTrackingAreas();
+}
+
+void NSView::viewWillMove(const std::shared_ptr<NSWindow>&) {}
+
+void NSView::viewDidMoveToWindow() {}
+
+CGPoint NSView::convertToBase(CGPoint point) const {
+    const CGRect shown = bounds();
+    const double fromTop = isFlipped() ? point.y - shown.minY() : shown.maxY() - point.y;
+    const auto holder = superview();
+    if (!holder)
+        return {point.x - shown.minX(), shown.height() - fromTop};
+    const bool isDownward = holder->isFlipped();
+    return holder->convertToBase({frame_.minX() + point.x - shown.minX(),
+                                  isDownward ? frame_.minY() + fromTop : frame_.maxY() - fromTop});
+}
+
+CGPoint NSView::convertFromBase(CGPoint point) const {
+    const CGRect shown = bounds();
+    const auto holder = superview();
+    double fromLeft = point.x, fromTop = shown.height() - point.y;
+    if (holder) {
+        const CGPoint outside = holder->convertFromBase(point);
+        fromLeft = outside.x - frame_.minX();
+        fromTop = holder->isFlipped() ? outside.y - frame_.minY() : frame_.maxY() - outside.y;
     }
-    superview_.reset();
+    return {shown.minX() + fromLeft, isFlipped() ? shown.minY() + fromTop : shown.maxY() - fromTop};
+}
+
+std::shared_ptr<NSView> NSView::hitTest(CGPoint point) {
+    if (isHidden_ || !frame_.contains(point))
+        return nullptr;
+    const auto holder = superview();
+    const bool isDownward = holder && holder->isFlipped();
+    const double fromTop = isDownward ? point.y - frame_.minY() : frame_.maxY() - point.y;
+    const CGRect shown = bounds();
+    const CGPoint inside(shown.minX() + point.x - frame_.minX(),
+                         isFlipped() ? shown.minY() + fromTop : shown.maxY() - fromTop);
+    for (auto view = subviews_.rbegin(); view != subviews_.rend(); ++view)
+        if (const auto hit = (*view)->hitTest(inside))
+            return hit;
+    return shared_from_this();
+}
+
+// Drawing
+
+void NSView::setHidden(bool hidden) {
+    if (hidden == isHidden_)
+        return;
+    isHidden_ = hidden;
+    contentDidChange();
+}
+
+void NSView::setNeedsDisplay(bool needsDisplay) {
+    needsDisplay_ = needsDisplay;
+    if (!needsDisplay)
+        return;
+    contentDidChange();
+    note("setNeedsDisplay");
+}
+
+void NSView::contentDidChange() {
+    if (const auto holder = superview())
+        holder->contentDidChange();
+}
+
+void NSView::didDisplayAll() {
+    needsDisplay_ = false;
+    for (const auto& view : subviews_)
+        view->didDisplayAll();
+}
+
+void NSView::setNeedsLayout(bool needsLayout) {
+    needsLayout_ = needsLayout;
+    if (needsLayout)
+        contentDidChange();
+}
+
+void NSView::layout() {}
+
+void NSView::layoutSubtreeIfNeeded() {
+    if (needsLayout_) {
+        needsLayout_ = false;
+        layout();
+    }
+    const auto views = subviews_;
+    for (const auto& view : views)
+        view->layoutSubtreeIfNeeded();
 }
 
 std::optional<Bitmap> NSView::render(double scale) const {
@@ -56,5 +225,37 @@ void NSView::drawAll(Canvas& canvas) const {
             view->drawAll(inner);
     }
 }
+
+// The mouse
+
+void NSView::mouseDown(const NSEvent& with) {
+    if (const auto holder = superview())
+        holder->mouseDown(with);
+}
+
+void NSView::mouseDragged(const NSEvent& with) {
+    if (const auto holder = superview())
+        holder->mouseDragged(with);
+}
+
+void NSView::mouseUp(const NSEvent& with) {
+    if (const auto holder = superview())
+        holder->mouseUp(with);
+}
+
+void NSView::mouseMoved(const NSEvent&) {}
+void NSView::mouseEntered(const NSEvent&) {}
+void NSView::mouseExited(const NSEvent&) {}
+
+void NSView::addTrackingArea(const std::shared_ptr<NSTrackingArea>& area) {
+    trackingAreas_.push_back(area);
+}
+
+void NSView::removeTrackingArea(const std::shared_ptr<NSTrackingArea>& area) {
+    const std::shared_ptr<NSTrackingArea> keptAlive = area;
+    std::erase(trackingAreas_, keptAlive);
+}
+
+void NSView::updateTrackingAreas() {}
 
 } // namespace zorvan

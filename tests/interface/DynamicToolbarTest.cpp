@@ -1,0 +1,425 @@
+#include <zorvan/interface/DynamicToolbar.h>
+#include <zorvan/interface/NSTrackingSeparatorToolbarItem.h>
+#include <zorvan/interface/NSWindow.h>
+#include <zorvan/media/NSImage.h>
+
+#include <gmock/gmock.h>
+
+using namespace zorvan;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+using Calls = std::vector<std::string>;
+using Identifiers = std::vector<std::string>;
+
+bool isUUID(const std::string& text) {
+    return text.size() == 36 && text[8] == '-' && text[13] == '-' && text[18] == '-' &&
+           text[23] == '-' && text.find_first_not_of("0123456789ABCDEF-") == std::string::npos;
+}
+
+class DynamicToolbarTest : public testing::Test {
+protected:
+    DynamicToolbarTest() {
+        bar->toolbar()->setCallObserver(
+            [this](const ViewCall& call) { calls.push_back(call.name + " " + call.arguments); });
+    }
+    std::shared_ptr<DynamicToolbarItem> add(const std::string& identifier) {
+        const auto item = bar->addItem({.identifier = identifier});
+        item->setItem(NSToolbarItem::create(identifier));
+        return item;
+    }
+    Calls takeCalls() { return std::exchange(calls, {}); }
+
+    std::shared_ptr<DynamicToolbar> bar = DynamicToolbar::create({"bar"});
+    Calls calls;
+};
+
+} // namespace
+
+TEST_F(DynamicToolbarTest, beginsAsItShould) {
+    const NSToolbar& toolbar = *bar->toolbar();
+    EXPECT_EQ(toolbar.identifier(), "bar");
+    EXPECT_FALSE(toolbar.autosavesConfiguration());
+    EXPECT_TRUE(toolbar.showsBaselineSeparator());
+    EXPECT_EQ(static_cast<int>(toolbar.displayMode()), 2);
+    EXPECT_EQ(toolbar.delegate(), bar);
+    EXPECT_EQ(bar->displayedItemSet(), nullptr);
+    EXPECT_THAT(bar->itemSets(), IsEmpty());
+    EXPECT_FALSE(bar->itemSetProvider());
+    const auto other = DynamicToolbar::create()->toolbar()->identifier();
+    EXPECT_TRUE(isUUID(other)) << other;
+    EXPECT_NE(DynamicToolbar::create()->toolbar()->identifier(), other);
+}
+
+TEST_F(DynamicToolbarTest, dropsItemsThatHaveNoSet) {
+    add("a");
+    const auto set = bar->addItemSet();
+    EXPECT_THAT(set->items(), IsEmpty());
+    add("b");
+    bar->addItemSet();
+    add("c");
+    EXPECT_EQ(set->identifiers(), Identifiers{"b"});
+    EXPECT_TRUE(set->isEnabled()());
+}
+
+TEST_F(DynamicToolbarTest, editsTheToolbarOnlyWhenItsItemsChange) {
+    bar->addItemSet();
+    const auto a = add("a"), b = add("b");
+    bar->reloadDisplayedItems();
+    EXPECT_THAT(takeCalls(), ElementsAre("insertItem a, 0", "insertItem b, 1"));
+    EXPECT_EQ(bar->toolbar()->items(), (std::vector{a->item(), b->item()}));
+    bar->reloadDisplayedItems();
+    EXPECT_THAT(takeCalls(), IsEmpty());
+
+    a->setRemovedFromBar(true);
+    bar->reloadDisplayedItems();
+    EXPECT_THAT(takeCalls(), ElementsAre("removeItem 0", "removeItem 0", "insertItem b, 0"));
+    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), Identifiers{"b"});
+    EXPECT_EQ(bar->toolbarAllowedItemIdentifiers(*bar->toolbar()), (Identifiers{"a", "b"}));
+    EXPECT_EQ(bar->toolbarDefaultItemIdentifiers(*bar->toolbar()), (Identifiers{"a", "b"}));
+    EXPECT_THAT(bar->toolbarSelectableItemIdentifiers(*bar->toolbar()), IsEmpty());
+
+    bar->setItemSets({});
+    bar->reloadDisplayedItems();
+    EXPECT_THAT(takeCalls(), ElementsAre("removeItem 0"));
+    EXPECT_EQ(bar->displayedItemSet(), nullptr);
+    EXPECT_THAT(bar->toolbarAllowedItemIdentifiers(*bar->toolbar()), IsEmpty());
+}
+
+TEST_F(DynamicToolbarTest, choosesTheProvidedSetOrTheFirstEnabledOne) {
+    Calls asked;
+    bool first = true, second = true;
+    std::shared_ptr<DynamicToolbarItemSet> provided;
+    const auto one = bar->addItemSet([&] { return asked.push_back("one"), first; });
+    const auto two = bar->addItemSet([&] { return asked.push_back("two"), second; });
+    const auto reload = [&] {
+        asked.clear();
+        bar->reloadDisplayedItems();
+        return bar->displayedItemSet();
+    };
+    EXPECT_EQ(reload(), one);
+    EXPECT_THAT(asked, ElementsAre("one"));
+    first = false;
+    EXPECT_EQ(reload(), two);
+    EXPECT_THAT(asked, ElementsAre("one", "two"));
+    second = false;
+    EXPECT_EQ(reload(), nullptr);
+
+    provided = DynamicToolbarItemSet::create();
+    bar->setItemSetProvider([&] { return asked.push_back("provider"), provided; });
+    EXPECT_EQ(reload(), provided);
+    EXPECT_THAT(asked, ElementsAre("provider", "one", "two"));
+    first = true;
+    EXPECT_EQ(reload(), provided);
+    EXPECT_THAT(asked, ElementsAre("provider", "one"));
+    provided = nullptr;
+    EXPECT_EQ(reload(), one);
+}
+
+TEST_F(DynamicToolbarTest, updatesBeforeItShowsTheSet) {
+    Calls order;
+    bar->addItemSet();
+    for (const char* name : {"a", "b"})
+        add(name)->setUpdate([&, this](DynamicToolbarItem& item) {
+            EXPECT_EQ(bar->displayedItemSet(), nullptr);
+            order.push_back(item.identifier());
+        });
+    bar->itemSets()[0]->items()[1]->setRemovedFromBar(true);
+    bar->reloadDisplayedItems();
+    EXPECT_THAT(order, ElementsAre("a", "b"));
+    EXPECT_THAT(takeCalls(), ElementsAre("insertItem a, 0"));
+}
+
+TEST_F(DynamicToolbarTest, givesTheFirstItemOfAnIdentifier) {
+    bar->addItemSet();
+    const auto first = add("a");
+    add("a");
+    bar->addItem({.identifier = "none"});
+    NSToolbar& toolbar = *bar->toolbar();
+    EXPECT_EQ(bar->toolbarItemForItemIdentifier(toolbar, "a", true), nullptr);
+    bar->setDisplayedItemSet(bar->itemSets()[0]);
+    EXPECT_EQ(bar->toolbarItemForItemIdentifier(toolbar, "a", true), first->item());
+    EXPECT_EQ(bar->toolbarMakeItemForIdentifier(toolbar, "a"), first->item());
+    EXPECT_EQ(bar->toolbarItemForItemIdentifier(toolbar, "none", true), nullptr);
+    EXPECT_EQ(bar->toolbarItemForItemIdentifier(toolbar, "b", true), nullptr);
+}
+
+TEST_F(DynamicToolbarTest, leavesSpacesToTheToolbarAndPassesOverWhatIsMissing) {
+    bar->addItemSet();
+    bar->addItem({.identifier = "missing"});
+    bar->addItem({.identifier = std::string(NSToolbarFlexibleSpaceItemIdentifier)});
+    add("b");
+    bar->reloadDisplayedItems();
+    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), (Identifiers{"NSToolbarFlexibleSpaceItem", "b"}));
+}
+
+// What is called in the middle of a reload changes what the reload works on.
+
+TEST_F(DynamicToolbarTest, letsAPredicateChangeTheSets) {
+    auto set = bar->addItemSet();
+    add("a");
+    set->setIsEnabled([&, weak = std::weak_ptr(set)] {
+        bar->setItemSets({});
+        weak.lock()->setIsEnabled([] { return false; });
+        bar->addItemSet();
+        add("new");
+        return true;
+    });
+    const std::weak_ptr watched = set;
+    set.reset();
+    bar->reloadDisplayedItems();
+    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), Identifiers{"a"});
+    EXPECT_EQ(bar->displayedItemSet(), watched.lock());
+    bar->reloadDisplayedItems();
+    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), Identifiers{"new"});
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(DynamicToolbarTest, letsAnUpdateChangeItsSet) {
+    const auto set = bar->addItemSet();
+    int updates = 0;
+    add("a")->setUpdate([&](DynamicToolbarItem& item) {
+        ++updates;
+        item.setUpdate(nullptr);
+        set->setItems({});
+        add("b")->setUpdate([&](DynamicToolbarItem&) { ++updates; });
+    });
+    bar->reloadDisplayedItems();
+    EXPECT_EQ(updates, 1);
+    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), Identifiers{"b"});
+}
+
+TEST_F(DynamicToolbarTest, doesAReloadAskedForMeanwhileOnceMore) {
+    bar->addItemSet();
+    int updates = 0;
+    const auto item = add("a");
+    item->setUpdate([&](DynamicToolbarItem& updated) {
+        ++updates;
+        updated.setRemovedFromBar(updates == 1);
+        bar->reloadDisplayedItems();
+    });
+    bar->reloadDisplayedItems();
+    EXPECT_EQ(updates, 2);
+    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), Identifiers{"a"});
+
+    item->setUpdate([](DynamicToolbarItem&) { throw std::runtime_error("not now"); });
+    EXPECT_THROW(bar->reloadDisplayedItems(), std::runtime_error);
+    item->setUpdate([&](DynamicToolbarItem&) { ++updates; });
+    bar->reloadDisplayedItems();
+    EXPECT_EQ(updates, 3);
+}
+
+TEST_F(DynamicToolbarTest, maybeReleasedByAnUpdate) {
+    bar->addItemSet();
+    const auto toolbar = bar->toolbar();
+    add("a")->setUpdate([&](DynamicToolbarItem&) { bar.reset(); });
+    bar->reloadDisplayedItems();
+    EXPECT_EQ(bar, nullptr);
+    EXPECT_EQ(toolbar->itemIdentifiers(), Identifiers{"a"});
+    EXPECT_EQ(toolbar->delegate(), nullptr);
+}
+
+TEST_F(DynamicToolbarTest, showsNoDefaultItemsByItself) {
+    bar->addItemSet();
+    add("a")->setRemovedFromBar(true);
+    bar->reloadDisplayedItems();
+    const auto window = NSWindow::create({200, 100});
+    window->setToolbar(bar->toolbar());
+    EXPECT_THAT(bar->toolbar()->items(), IsEmpty());
+}
+
+// The builders
+
+namespace {
+
+struct Model {
+    void act() { ++acts; }
+    int acts = 0;
+};
+
+} // namespace
+
+TEST_F(DynamicToolbarTest, buildsImageButtons) {
+    const auto set = bar->addItemSet();
+    const auto model = std::make_shared<Model>();
+    std::shared_ptr<NSButton> updated;
+    const auto button =
+        bar->addItem({.createImageButton =
+                          [&](ImageButtonSettings& settings) {
+                              EXPECT_FALSE(settings.identifier || settings.displayName ||
+                                           settings.isNavigational || settings.imageName ||
+                                           settings.imageSize || settings.action);
+                              settings.displayName = "Back";
+                              settings.isNavigational = true;
+                              settings.imageName = "chevron.left";
+                              settings.action = Selector("act", &Model::act);
+                              settings.target = model;
+                          },
+                      .update =
+                          [&](DynamicToolbarItem& item, NSButton& control) {
+                              EXPECT_EQ(item.item()->view().get(), &control);
+                              control.setTitle("updated");
+                          }});
+    const auto item = set->items()[0];
+    EXPECT_TRUE(isUUID(item->identifier()));
+    EXPECT_EQ(item->item()->itemIdentifier(), item->identifier());
+    EXPECT_EQ(item->item()->label(), "Back");
+    EXPECT_EQ(item->item()->toolTip(), "Back");
+    EXPECT_TRUE(item->item()->isNavigational());
+    EXPECT_EQ(item->item()->view(), button);
+    EXPECT_EQ(button->title(), "");
+    EXPECT_EQ(static_cast<int>(button->bezelStyle()), 11);
+    EXPECT_EQ(button->image()->size(), CGSize(19, 19));
+    EXPECT_EQ(button->image()->accessibilityDescription(), "chevron.left");
+    button->performClick();
+    EXPECT_EQ(model->acts, 1);
+    bar->reloadDisplayedItems();
+    EXPECT_EQ(button->title(), "updated");
+}
+
+TEST_F(DynamicToolbarTest, resolvesImagesBySymbolThenByName) {
+    bar->addItemSet();
+    const auto image = [&](std::string name, std::optional<CGSize> size) {
+        return bar
+            ->addItem({.createImageButton =
+                           [&](ImageButtonSettings& settings) {
+                               settings.imageName = name;
+                               settings.imageSize = size;
+                           }})
+            ->image();
+    };
+    const auto own = NSImage::create(CGSize(64, 64));
+    ASSERT_TRUE(own->setName("interface test"));
+    const auto star = NSImage::create(CGSize(64, 64));
+    ASSERT_TRUE(star->setName("star"));
+    EXPECT_EQ(image("interface test", CGSize(30, 20))->size(), CGSize(30, 20));
+    EXPECT_EQ(own->size(), CGSize(64, 64));
+    EXPECT_TRUE(image("star", {})->isTemplate());
+    EXPECT_EQ(image("no such picture", {}), nullptr);
+}
+
+TEST_F(DynamicToolbarTest, buildsSearchFields) {
+    const auto set = bar->addItemSet();
+    const auto given = NSSearchField::create();
+    given->setPlaceholderString("old");
+    given->setAction(Selector("old", [] {}));
+    const auto field = bar->addItem({.createSearchField = [&](SearchFieldSettings& settings) {
+        settings.identifier = "search";
+        settings.displayName = "Search";
+        settings.searchField = given;
+    }});
+    EXPECT_EQ(field, given);
+    EXPECT_FALSE(field->placeholderString());
+    EXPECT_FALSE(field->action());
+    const auto item = std::dynamic_pointer_cast<NSSearchToolbarItem>(set->items()[0]->item());
+    ASSERT_TRUE(item);
+    EXPECT_EQ(item->searchField(), field);
+    EXPECT_EQ(item->label() + item->toolTip(), "");
+    const auto made = bar->addItem({.createSearchField = [](SearchFieldSettings& settings) {
+        settings.placeholderString = "Find";
+    }});
+    EXPECT_EQ(made->placeholderString(), "Find");
+}
+
+TEST_F(DynamicToolbarTest, buildsSeparatorsAndMenus) {
+    const auto set = bar->addItemSet();
+    const auto split = bar->addItem({.createSplitView = [](SplitViewSettings&) {}});
+    const auto separator =
+        std::dynamic_pointer_cast<NSTrackingSeparatorToolbarItem>(set->items()[0]->item());
+    ASSERT_TRUE(separator);
+    EXPECT_EQ(separator->splitView(), split);
+    EXPECT_EQ(separator->dividerIndex(), 0);
+
+    const auto plain = bar->addItem({.createMenuButton = [](MenuButtonSettings&) {}});
+    EXPECT_TRUE(plain->showsIndicator());
+    EXPECT_EQ(plain->menu()->numberOfItems(), 0);
+    const auto menu = NSMenu::create();
+    std::shared_ptr<NSMenuToolbarItem> seen;
+    const auto item = bar->addItem({.createMenuButton =
+                                        [&](MenuButtonSettings& settings) {
+                                            settings.identifier = "menu";
+                                            settings.showsIndicator = false;
+                                            settings.menu = menu;
+                                            settings.displayName = "More";
+                                            settings.imageName = "ellipsis";
+                                            settings.imageSize = CGSize(12, 12);
+                                        },
+                                    .update =
+                                        [&](DynamicToolbarItem&, NSMenuToolbarItem& updated) {
+                                            seen = std::static_pointer_cast<NSMenuToolbarItem>(
+                                                updated.shared_from_this());
+                                        }});
+    EXPECT_EQ(item->itemIdentifier(), "menu");
+    EXPECT_FALSE(item->showsIndicator());
+    EXPECT_EQ(item->menu(), menu);
+    EXPECT_EQ(item->toolTip(), "More");
+    EXPECT_EQ(item->image()->size(), CGSize(12, 12));
+    bar->reloadDisplayedItems();
+    EXPECT_EQ(seen, item);
+}
+
+TEST_F(DynamicToolbarTest, buildsGroups) {
+    using Group = NSToolbarItemGroup;
+    bar->addItemSet();
+    const auto images = bar->addItem({.createImageGroup = [](ButtonGroupSettings& settings) {
+        settings.imageNames = {"list.bullet", "no such picture", "square.grid.2x2"};
+        settings.titles = {"List", "Nothing", "Grid"};
+        settings.selectedIndex = 1;
+    }});
+    EXPECT_EQ(images->selectionMode(), Group::SelectionMode::selectOne);
+    EXPECT_EQ(images->controlRepresentation(), Group::ControlRepresentation::automatic);
+    ASSERT_EQ(images->subitems().size(), 2u);
+    EXPECT_EQ(images->subitems()[1]->label(), "Grid");
+    EXPECT_EQ(images->subitems()[1]->image()->size(), CGSize(19, 19));
+    EXPECT_EQ(images->selectedIndex(), -1);
+
+    const auto titles = bar->addItem({.createTitleGroup = [](ButtonGroupSettings& settings) {
+        settings.titles = {"Day", "Week"};
+        settings.selectedIndex = 1;
+        settings.selectionMode = Group::SelectionMode::selectAny;
+        settings.controlRepresentation = Group::ControlRepresentation::collapsed;
+        settings.displayName = "Span";
+        settings.isNavigational = true;
+    }});
+    EXPECT_EQ(titles->selectedIndex(), 1);
+    EXPECT_EQ(titles->label(), "Span");
+    EXPECT_TRUE(titles->isNavigational());
+    EXPECT_EQ(titles->controlRepresentation(), Group::ControlRepresentation::collapsed);
+    titles->press(0);
+    EXPECT_TRUE(titles->isSelected(0) && titles->isSelected(1));
+
+    const auto own = NSToolbarItem::create("own");
+    const auto given = bar->addItem({.createTitleGroup = [&](ButtonGroupSettings& settings) {
+        settings.subitems = {own};
+        settings.titles = {"replaced", "replaced"};
+        settings.selectedIndex = 0;
+    }});
+    EXPECT_THAT(given->subitems(), ElementsAre(own));
+    EXPECT_EQ(given->selectedIndex(), 0);
+}
+
+TEST_F(DynamicToolbarTest, buildsAnyView) {
+    const auto set = bar->addItemSet();
+    std::shared_ptr<NSSplitView> made;
+    Calls order;
+    const auto view =
+        set->addItem<NSSplitView>({.identifier = "view",
+                                   .displayName = "A view",
+                                   .createView =
+                                       [&] {
+                                           return made = NSSplitView::create({0, 0, 10, 10});
+                                       },
+                                   .update =
+                                       [&](DynamicToolbarItem& item, NSSplitView& updated) {
+                                           order.push_back(item.identifier());
+                                           EXPECT_EQ(&updated, made.get());
+                                       }});
+    EXPECT_EQ(view, made);
+    EXPECT_EQ(set->items()[0]->item()->view(), made);
+    EXPECT_FALSE(set->items()[0]->item()->isNavigational());
+    EXPECT_FALSE(set->items()[0]->removedFromBar());
+    bar->reloadDisplayedItems();
+    EXPECT_THAT(order, ElementsAre("view"));
+}

@@ -1,0 +1,320 @@
+#include <zorvan/interface/NSApplication.h>
+#include <zorvan/interface/NSButton.h>
+#include <zorvan/interface/NSWindow.h>
+#include <zorvan/media/CGImage.h>
+#include <zorvan/observation/NoteSubscriber.h>
+
+#include <gmock/gmock.h>
+
+using namespace zorvan;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Type = NSEvent::EventType;
+using Calls = std::vector<std::string>;
+
+namespace {
+
+/// Tells of the notifications of windows, and does something then.
+class Watch {
+public:
+    explicit Watch(std::function<void(const std::string&)> then = [](const std::string&) {})
+        : then_(std::move(then)) {
+        for (const auto name :
+             {NSWindow::didBecomeMainNotification, NSWindow::didResignMainNotification,
+              NSWindow::willCloseNotification, NSWindow::didResizeNotification})
+            observers_.push_back(NSNotificationCenter::defaultCenter()->addObserver(
+                NSNotificationName(name), nullptr, nullptr, [this](const Notification& told) {
+                    const auto window = std::static_pointer_cast<const NSWindow>(told.object);
+                    notes.push_back(window->title() + " " + told.name.rawValue().substr(8));
+                    then_(notes.back());
+                }));
+    }
+    ~Watch() {
+        for (const auto& observer : observers_)
+            NSNotificationCenter::defaultCenter()->removeObserver(observer);
+    }
+    Calls notes;
+
+private:
+    std::function<void(const std::string&)> then_;
+    std::vector<std::shared_ptr<NotificationObserver>> observers_;
+};
+
+/// Tells of the mouse.
+struct Mouser : NSView {
+    static std::shared_ptr<Mouser> create(const CGRect& frame, Calls& calls, std::string name) {
+        return std::make_shared<Mouser>(Key{}, frame, calls, std::move(name));
+    }
+    Mouser(Key key, const CGRect& frame, Calls& told, std::string its)
+        : NSView(key, frame), calls(told), name(std::move(its)) {}
+    void updateTrackingAreas() override {
+        if (area)
+            removeTrackingArea(area);
+        using Options = NSTrackingArea::Options;
+        area = NSTrackingArea::create(bounds(),
+                                      Options::mouseEnteredAndExited | Options::mouseMoved |
+                                          Options::activeInActiveApp,
+                                      shared_from_this());
+        addTrackingArea(area);
+    }
+    void mouseEntered(const NSEvent& event) override {
+        calls.push_back("enter " + name);
+        EXPECT_EQ(event.trackingArea, area);
+        if (then)
+            then();
+    }
+    void mouseExited(const NSEvent&) override { calls.push_back("exit " + name); }
+    void mouseMoved(const NSEvent&) override { calls.push_back("move " + name); }
+    void mouseDown(const NSEvent&) override { calls.push_back("down " + name); }
+    void mouseUp(const NSEvent&) override { calls.push_back("up " + name); }
+
+    Calls& calls;
+    std::string name;
+    std::shared_ptr<NSTrackingArea> area;
+    std::function<void()> then;
+};
+
+class NSWindowMouse : public testing::Test {
+protected:
+    NSWindowMouse() {
+        window->contentView()->addSubview(outer);
+        outer->addSubview(inner);
+    }
+    void send(Type type, CGPoint at) { window->sendEvent({.type = type, .locationInWindow = at}); }
+    Calls take() { return std::exchange(calls, {}); }
+
+    Calls calls;
+    std::shared_ptr<NSWindow> window = NSWindow::create({200, 100});
+    std::shared_ptr<Mouser> outer = Mouser::create({20, 20, 100, 60}, calls, "outer");
+    std::shared_ptr<Mouser> inner = Mouser::create({10, 10, 20, 20}, calls, "inner");
+};
+
+} // namespace
+
+TEST(NSWindow, handsTheMainStatusOn) {
+    const auto a = NSWindow::create({10, 10}, "a"), b = NSWindow::create({10, 10}, "b");
+    Watch watch;
+    EXPECT_FALSE(a->isVisible());
+    a->makeMainWindow();
+    a->makeMainWindow();
+    EXPECT_TRUE(a->isVisible());
+    EXPECT_EQ(NSApplication::shared().mainWindow(), a);
+    b->makeMainWindow();
+    EXPECT_FALSE(a->isMainWindow());
+    b->close();
+    b->close();
+    EXPECT_EQ(NSApplication::shared().mainWindow(), nullptr);
+    EXPECT_THAT(watch.notes,
+                ElementsAre("a DidBecomeMainNotification", "a DidResignMainNotification",
+                            "b DidBecomeMainNotification", "b WillCloseNotification",
+                            "b DidResignMainNotification"));
+}
+
+TEST(NSWindow, mayBeClosedByWhoeverIsTold) {
+    struct {
+        std::string note;
+        Calls notes;
+        bool isMain;
+    } table[] = {
+        // Before it has become main, it does not become it.
+        {"a DidResignMainNotification",
+         {"a DidBecomeMainNotification", "a DidResignMainNotification", "b WillCloseNotification"},
+         false},
+        {"b DidBecomeMainNotification",
+         {"a DidBecomeMainNotification", "a DidResignMainNotification",
+          "b DidBecomeMainNotification", "b WillCloseNotification", "b DidResignMainNotification"},
+         false},
+    };
+    for (const auto& row : table) {
+        const auto a = NSWindow::create({10, 10}, "a");
+        auto b = NSWindow::create({10, 10}, "b");
+        Watch watch([&](const std::string& note) {
+            if (note == row.note || note == "b WillCloseNotification")
+                b->close();
+        });
+        a->makeMainWindow();
+        b->makeMainWindow();
+        EXPECT_EQ(watch.notes, row.notes);
+        EXPECT_EQ(b->isMainWindow(), row.isMain);
+        EXPECT_FALSE(b->isVisible());
+    }
+    // The last holder lets go while it is told.
+    auto window = NSWindow::create({10, 10}, "a");
+    const std::weak_ptr gone = window;
+    {
+        Watch watch([&](const std::string&) { window.reset(); });
+        window->makeMainWindow();
+        EXPECT_EQ(watch.notes.size(), 1u);
+    }
+    EXPECT_TRUE(gone.expired());
+    EXPECT_EQ(NSApplication::shared().mainWindow(), nullptr);
+}
+
+TEST(NSWindow, givesWayToAnotherMainWindowMadeMeanwhile) {
+    const auto a = NSWindow::create({10, 10}, "a"), b = NSWindow::create({10, 10}, "b"),
+               c = NSWindow::create({10, 10}, "c");
+    Watch watch([&](const std::string& note) {
+        if (note == "a DidResignMainNotification")
+            c->makeMainWindow();
+    });
+    a->makeMainWindow();
+    b->makeMainWindow();
+    EXPECT_TRUE(c->isMainWindow());
+    EXPECT_FALSE(b->isMainWindow());
+    c->close();
+}
+
+TEST(NSWindow, growsWithItsBarsAndTellsOfItsSize) {
+    const auto window = NSWindow::create({200, 100}, "w");
+    Watch watch;
+    EXPECT_EQ(window->size(), CGSize(200, 130));
+    const auto toolbar = NSToolbar::create("t");
+    window->setToolbar(toolbar);
+    EXPECT_EQ(window->size(), CGSize(200, 176));
+    EXPECT_EQ(window->contentView()->frame(), CGRect(0, 0, 200, 100));
+    window->setTouchBar(NSTouchBar::create());
+    EXPECT_EQ(window->contentView()->frame(), CGRect(0, 44, 200, 100));
+    toolbar->setDisplayMode(NSToolbar::DisplayMode::iconAndLabel);
+    window->layoutIfNeeded();
+    EXPECT_EQ(window->size(), CGSize(200, 238));
+    EXPECT_THAT(watch.notes, IsEmpty());
+    window->setContentSize({300, 100});
+    window->setContentSize({300, 100});
+    EXPECT_THAT(watch.notes, ElementsAre("w DidResizeNotification"));
+    EXPECT_EQ(window->contentView()->frame().width(), 300);
+    window->setContentSize({-5, std::numeric_limits<double>::quiet_NaN()});
+    EXPECT_EQ(window->contentSize(), CGSize(1, 1));
+}
+
+TEST(NSWindow, drawsTheWholeOfItself) {
+    const auto window = NSWindow::create({60, 40});
+    struct Red : NSView {
+        using NSView::NSView;
+        Red() : NSView(Key{}, {}) {}
+        void draw(Canvas& canvas) const override { canvas.fill(bounds(), {255, 0, 0}); }
+    };
+    int asked = 0;
+    window->setContentView(std::make_shared<Red>());
+    window->setTouchBar(NSTouchBar::create());
+    window->setDisplayHandler([&] { ++asked; });
+    const auto bitmap = window->render(2);
+    ASSERT_TRUE(bitmap);
+    EXPECT_EQ(bitmap->width(), 120);
+    EXPECT_EQ(bitmap->height(), 228);
+    const auto red = [&](std::int64_t y) {
+        const std::uint8_t* pixel = bitmap->row(y) + 60 * 4;
+        return pixel[0] == 255 && pixel[1] == 0;
+    };
+    EXPECT_FALSE(red(59));
+    EXPECT_TRUE(red(60) && red(139));
+    EXPECT_FALSE(red(140));
+    EXPECT_FALSE(window->viewsNeedDisplay());
+    EXPECT_EQ(asked, 0);
+    window->contentView()->setNeedsDisplay(true);
+    window->contentView()->setNeedsDisplay(true);
+    EXPECT_EQ(asked, 1);
+    const auto image = CGImage::image(window->pngData(1).value());
+    EXPECT_EQ(image->size(), window->size());
+    EXPECT_FALSE(window->contentView()->needsDisplay());
+    EXPECT_FALSE(window->render(1e9));
+}
+
+TEST_F(NSWindowMouse, entersAndLeavesTrackingAreas) {
+    send(Type::mouseMoved, {35, 35});
+    EXPECT_THAT(take(), ElementsAre("enter outer", "enter inner", "move outer", "move inner"));
+    send(Type::mouseMoved, {100, 35});
+    EXPECT_THAT(take(), ElementsAre("exit inner", "move outer"));
+    send(Type::mouseExited, {});
+    EXPECT_THAT(take(), ElementsAre("exit outer"));
+    send(Type::leftMouseDown, {35, 35});
+    EXPECT_THAT(take(), ElementsAre("enter outer", "enter inner", "down inner"));
+    // What is dragged from gets the release, wherever that is.
+    send(Type::leftMouseUp, {500, 500});
+    EXPECT_THAT(take(), ElementsAre("exit outer", "exit inner", "up inner"));
+    inner->setHidden(true);
+    NSApplication::shared().setActive(false);
+    send(Type::mouseMoved, {35, 35});
+    EXPECT_THAT(take(), IsEmpty());
+    NSApplication::shared().setActive(true);
+    send(Type::mouseMoved, {35, 35});
+    EXPECT_THAT(take(), ElementsAre("enter outer", "move outer"));
+}
+
+TEST_F(NSWindowMouse, followsAreasThatChangeUnderTheMouse) {
+    send(Type::mouseMoved, {35, 35});
+    take();
+    // A larger area in place of one that the mouse is in is no new one.
+    inner->setFrame({10, 10, 30, 30});
+    send(Type::mouseMoved, {36, 36});
+    EXPECT_THAT(take(), ElementsAre("move outer", "move inner"));
+    inner->setFrame({10, 10, 2, 2});
+    send(Type::mouseMoved, {36, 36});
+    EXPECT_THAT(take(), ElementsAre("exit inner", "move outer"));
+    outer->removeFromSuperview();
+    send(Type::mouseMoved, {36, 36});
+    EXPECT_THAT(take(), ElementsAre("exit outer"));
+}
+
+TEST_F(NSWindowMouse, passesOverViewsThatLeaveWhileOthersAreTold) {
+    outer->then = [this] { inner->removeFromSuperview(); };
+    send(Type::mouseMoved, {35, 35});
+    send(Type::mouseExited, {});
+    EXPECT_THAT(take(), ElementsAre("enter outer", "move outer", "exit outer"));
+}
+
+TEST_F(NSWindowMouse, isDeafOnceClosed) {
+    window->orderFront();
+    window->close();
+    send(Type::leftMouseDown, {35, 35});
+    EXPECT_THAT(take(), IsEmpty());
+    window->orderFront();
+    send(Type::leftMouseDown, {35, 35});
+    EXPECT_FALSE(take().empty());
+}
+
+TEST_F(NSWindowMouse, letsAButtonActWhenItIsReleasedInside) {
+    const auto button = NSButton::create({130, 20, 50, 30});
+    button->setAction(Selector("act", [&] { calls.push_back("act"); }));
+    window->contentView()->addSubview(button);
+    send(Type::leftMouseDown, {150, 30});
+    EXPECT_TRUE(button->isHighlighted());
+    send(Type::leftMouseDragged, {10, 10});
+    EXPECT_FALSE(button->isHighlighted());
+    send(Type::leftMouseUp, {10, 10});
+    EXPECT_THAT(take(), IsEmpty());
+    send(Type::leftMouseDown, {150, 30});
+    send(Type::leftMouseUp, {151, 31});
+    EXPECT_THAT(take(), ElementsAre("act"));
+    button->setEnabled(false);
+    send(Type::leftMouseDown, {150, 30});
+    send(Type::leftMouseUp, {150, 30});
+    EXPECT_THAT(take(), IsEmpty());
+}
+
+TEST(NSApplication, performsActionsOnLivingTargetsOnly) {
+    struct Target {
+        void plain() { calls.push_back("plain"); }
+        void withButton(NSButton& sender) { calls.push_back("from " + sender.title()); }
+        Calls calls;
+    };
+    auto target = std::make_shared<Target>();
+    const auto kept = target;
+    const std::weak_ptr<void> weak = target;
+    NSApplication& application = NSApplication::shared();
+    const auto button = NSButton::create({.title = "b"});
+    const Selector withButton("withButton", &Target::withButton);
+    EXPECT_TRUE(application.sendAction(Selector("plain", &Target::plain), weak, nullptr));
+    EXPECT_TRUE(application.sendAction(withButton, weak, button));
+    // A sender of another class, no sender, no target, and a target that has gone.
+    EXPECT_FALSE(application.sendAction(withButton, weak, NSView::create()));
+    EXPECT_FALSE(application.sendAction(withButton, weak, nullptr));
+    EXPECT_FALSE(application.sendAction(withButton, {}, button));
+    EXPECT_THAT(kept->calls, ElementsAre("plain", "from b"));
+    std::weak_ptr<void> gone = std::make_shared<Target>();
+    bool wasCalled = false;
+    const Selector block("block", [&] { wasCalled = true; });
+    EXPECT_FALSE(application.sendAction(block, gone, button));
+    EXPECT_FALSE(wasCalled);
+    EXPECT_TRUE(application.sendAction(block, {}, button));
+    EXPECT_TRUE(wasCalled);
+}

@@ -1,0 +1,416 @@
+#include <zorvan/interface/NSApplication.h>
+#include <zorvan/interface/NSImage.h>
+#include <zorvan/interface/NSWindow.h>
+#include <zorvan/interface/TintedButton.h>
+#include <zorvan/media/CGContext.h>
+
+#include <gmock/gmock.h>
+
+using namespace zorvan;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Type = NSEvent::EventType;
+using Calls = std::vector<std::string>;
+
+namespace {
+
+std::optional<NSGradient> plain(const NSColor& color) { return color.gradient(); }
+
+/// An opaque grey picture.
+std::shared_ptr<NSImage> square(double side) {
+    const auto pixels = static_cast<std::int64_t>(side);
+    return NSImage::create(CGImage::draw(pixels, pixels, [&](CGContext& context) {
+        context.setFillColor(CGColor::gray);
+        context.fill({0, 0, side, side});
+    }));
+}
+
+std::string pixel(const NSView& view, double x, double y, double scale = 1) {
+    const auto bitmap = view.render(scale).value();
+    const std::uint8_t* at =
+        bitmap.row(bitmap.height() - 1 - static_cast<std::int64_t>(y * scale)) +
+        static_cast<std::int64_t>(x * scale) * 4;
+    return RGBA(at[0] / 255.0, at[1] / 255.0, at[2] / 255.0, 1).hexString();
+}
+
+class TintedButtonTest : public testing::Test {
+protected:
+    TintedButtonTest() {
+        window->contentView()->addSubview(button);
+        button->setCallObserver([this](const ViewCall& call) { calls.push_back(call.name); });
+    }
+    ~TintedButtonTest() override { NSApplication::shared().setCallObserver(nullptr); }
+    void send(Type type, CGPoint at) { window->sendEvent({.type = type, .locationInWindow = at}); }
+    Calls take() { return std::exchange(calls, {}); }
+
+    Calls calls;
+    std::shared_ptr<NSWindow> window = NSWindow::create({200, 100});
+    std::shared_ptr<TintedButton> button = TintedButton::create({20, 20, 60, 20});
+    const CGPoint inside = {30, 30}, outside = {150, 30};
+};
+
+} // namespace
+
+TEST_F(TintedButtonTest, beginsWithoutColours) {
+    const auto fresh = TintedButton::create();
+    EXPECT_EQ(fresh->trackingArea(), nullptr);
+    EXPECT_FALSE(fresh->expandedSize());
+    const auto cell = fresh->tintedButtonCell();
+    ASSERT_TRUE(cell);
+    EXPECT_FALSE(cell->isHover() || cell->isPressed());
+    EXPECT_FALSE(cell->imageTintColor() || cell->textDisabledColor() ||
+                 cell->backgroundHoverGradient() || cell->backgroundGradientAngle() ||
+                 cell->backgroundRadius());
+    EXPECT_EQ(TintedButtonCell::create(NSButtonCell::Image{square(4)})->imagePosition(),
+              NSCellImagePosition::imageOnly);
+    EXPECT_EQ(TintedButtonCell::create(NSButtonCell::Text{"t"})->title(), "t");
+}
+
+TEST_F(TintedButtonTest, passesItsPropertiesToItsCell) {
+    take();
+    button->setImagePressedColor(NSColor::red);
+    button->setBackgroundTintGradient(plain(NSColor::blue));
+    button->setBackgroundRadius(3);
+    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay", "setNeedsDisplay", "setNeedsDisplay"));
+    const auto cell = button->tintedButtonCell();
+    EXPECT_EQ(cell->imagePressedColor(), NSColor::red);
+    EXPECT_EQ(cell->backgroundTintGradient(), plain(NSColor::blue));
+    EXPECT_EQ(button->backgroundRadius(), 3);
+    cell->setTextHoverColor(NSColor::green);
+    EXPECT_EQ(button->textHoverColor(), NSColor::green);
+    button->setCell(NSButtonCell::create(NSButtonCell::Text{"plain"}));
+    take();
+    EXPECT_EQ(button->tintedButtonCell(), nullptr);
+    EXPECT_FALSE(button->imagePressedColor());
+    button->setImagePressedColor(NSColor::red);
+    EXPECT_FALSE(button->imagePressedColor());
+    EXPECT_THAT(take(), IsEmpty());
+}
+
+TEST(TintedButtonCoding, replacesTheCellAndKeepsWhatWasSet) {
+    const auto plainButton = NSButton::create({1, 2, 70, 30});
+    plainButton->setTitle("Save");
+    plainButton->setImage(NSImage::systemSymbol("star", "star"));
+    plainButton->setImagePosition(NSCellImagePosition::imageAbove);
+    plainButton->setEnabled(false);
+    const auto decoded = TintedButton::create(TintedButton::Coder{plainButton->encode()});
+    ASSERT_TRUE(decoded->tintedButtonCell());
+    EXPECT_EQ(decoded->frame(), CGRect(1, 2, 70, 30));
+    EXPECT_EQ(decoded->title(), "Save");
+    EXPECT_EQ(decoded->imagePosition(), NSCellImagePosition::imageAbove);
+    ASSERT_TRUE(decoded->image());
+    EXPECT_EQ(decoded->image()->accessibilityDescription(), "star");
+    EXPECT_FALSE(decoded->isEnabled());
+    EXPECT_FALSE(decoded->textTintColor());
+
+    int acts = 0;
+    const auto titled =
+        TintedButton::create({.title = "Go", .action = Selector("go", [&] { ++acts; })});
+    EXPECT_EQ(titled->title(), "Go");
+    titled->performClick();
+    EXPECT_EQ(acts, 1);
+    // Bytes from elsewhere.
+    const auto odd = TintedButton::create(TintedButton::Coder{PropertyList::Dictionary{
+        {"frame", "wide"}, {"title", 5}, {"imagePosition", 99}, {"imageName", "no such picture"}}});
+    EXPECT_EQ(odd->frame(), CGRect());
+    EXPECT_EQ(odd->title(), "");
+    EXPECT_EQ(odd->imagePosition(), NSCellImagePosition::noImage);
+}
+
+// Colours by state
+
+TEST(TintedButtonColours, comeInTheirOrder) {
+    const auto button = TintedButton::create({0, 0, 40, 20});
+    button->setImage(square(10));
+    const auto cell = button->tintedButtonCell();
+    const NSColor tint = NSColor::red, hover = NSColor::green, pressed = NSColor::blue,
+                  disabled = NSColor::yellow;
+    struct {
+        bool isEnabled, isPressed, isHover;
+        NSColor withAll;
+    } states[] = {
+        {true, false, false, tint},  {true, false, true, hover},      {true, true, false, pressed},
+        {true, true, true, pressed}, {false, false, false, disabled}, {false, true, true, disabled},
+    };
+    for (const auto& state : states) {
+        button->setEnabled(state.isEnabled);
+        cell->setIsPressed(state.isPressed);
+        cell->setIsHover(state.isHover);
+        for (const bool hasAll : {true, false}) {
+            const auto given = [&](const NSColor& color) {
+                return hasAll ? std::optional(color) : std::nullopt;
+            };
+            const auto gradient = [&](const NSColor& color) {
+                return hasAll ? plain(color) : std::nullopt;
+            };
+            button->setImageTintColor(tint);
+            button->setImageHoverColor(given(hover));
+            button->setImagePressedColor(given(pressed));
+            button->setImageDisabledColor(given(disabled));
+            button->setTextTintColor(tint);
+            button->setTextHoverColor(given(hover));
+            button->setTextPressedColor(given(pressed));
+            button->setTextDisabledColor(given(disabled));
+            button->setBackgroundTintGradient(plain(tint));
+            button->setBackgroundHoverGradient(gradient(hover));
+            button->setBackgroundPressedGradient(gradient(pressed));
+            button->setBackgroundDisabledGradient(gradient(disabled));
+            const std::string expected = (hasAll ? state.withAll : tint).hexString();
+            EXPECT_EQ(pixel(*button, 2, 10), expected) << "background";
+            // Image and title on a ground of another colour.
+            for (const auto set : {&TintedButton::setBackgroundTintGradient,
+                                   &TintedButton::setBackgroundHoverGradient,
+                                   &TintedButton::setBackgroundPressedGradient,
+                                   &TintedButton::setBackgroundDisabledGradient})
+                (button.get()->*set)(plain(NSColor::white));
+            EXPECT_EQ(pixel(*button, 20, 10), expected) << "image";
+            button->setImagePosition(NSCellImagePosition::noImage);
+            button->setTitle("\u2588\u2588");
+            EXPECT_EQ(pixel(*button, 20, 10), expected) << "title";
+            button->setTitle("");
+            button->setImagePosition(NSCellImagePosition::imageOnly);
+        }
+    }
+}
+
+TEST(TintedButtonColours, fallBackToTheLookOfAnyButton) {
+    const auto any = NSButton::create({0, 0, 60, 26});
+    const auto tinted = TintedButton::create({0, 0, 60, 26});
+    const auto looks = [](const NSView& view) {
+        const auto bitmap = view.render(2).value();
+        return std::vector<std::uint8_t>(bitmap.data(), bitmap.data() + bitmap.byteCount());
+    };
+    for (const auto& button : std::vector<std::shared_ptr<NSButton>>{any, tinted}) {
+        button->setTitle("Title");
+        button->setImage(NSImage::systemSymbol("star"));
+    }
+    EXPECT_EQ(looks(*tinted), looks(*any));
+    // Without a tint, a colour for one state is no colour for the others.
+    tinted->setTextHoverColor(NSColor::red);
+    tinted->setImagePressedColor(NSColor::red);
+    tinted->setBackgroundDisabledGradient(plain(NSColor::red));
+    EXPECT_EQ(looks(*tinted), looks(*any));
+    tinted->tintedButtonCell()->setIsHover(true);
+    EXPECT_NE(looks(*tinted), looks(*any));
+}
+
+TEST(TintedButtonBezel, isARoundedRectangleOfTheGradient) {
+    const auto button = TintedButton::create({0, 0, 60, 20});
+    button->setBackgroundTintGradient(NSGradient::make({.colors = {NSColor::red, NSColor::blue}}));
+    const auto isRed = [&](double x, double y) {
+        const auto color = RGBA::make({.hexString = pixel(*button, x, y, 2)}).value();
+        return color.r > color.b;
+    };
+    EXPECT_TRUE(isRed(1, 10) && isRed(0.2, 0.2) && !isRed(58, 10));
+    button->setBackgroundGradientAngle(90);
+    EXPECT_TRUE(isRed(30, 2) && !isRed(30, 18));
+    button->setBackgroundGradientAngle(180);
+    EXPECT_TRUE(isRed(58, 10) && !isRed(1, 10));
+
+    button->setBackgroundTintGradient(plain(NSColor::black));
+    const auto shape = [&](std::optional<double> radius) {
+        button->setBackgroundRadius(radius);
+        const auto bitmap = button->render(2).value();
+        return std::vector<std::uint8_t>(bitmap.data(), bitmap.data() + bitmap.byteCount());
+    };
+    EXPECT_EQ(shape(100), shape(10));
+    EXPECT_NE(shape(9), shape(10));
+    EXPECT_EQ(shape(std::nullopt), shape(0));
+    EXPECT_EQ(shape(-3), shape(0));
+    button->setFrame({0, 0, 0, 20});
+    EXPECT_FALSE(button->render());
+}
+
+TEST_F(TintedButtonTest, growsByWhatItIsExpanded) {
+    button->setTitle("Title");
+    button->setImage(square(10));
+    const CGSize natural = button->intrinsicContentSize();
+    window->layoutIfNeeded();
+    button->setExpandedSize(CGSize(10, 4));
+    EXPECT_TRUE(button->needsLayout());
+    EXPECT_EQ(button->intrinsicContentSize(), CGSize(natural.width + 10, natural.height + 4));
+
+    // The interior stands in a frame that is smaller by half of it on each side.
+    struct Cell : TintedButtonCell {
+        Cell() : TintedButtonCell(Key{}) {}
+        void drawImage(const NSImage&, const CGRect& frame, const NSControl&) const override {
+            drawn.push_back(frame);
+        }
+        CGRect drawTitle(const NSAttributedString&, const CGRect& frame,
+                         const NSControl&) const override {
+            drawn.push_back(frame);
+            return frame;
+        }
+        mutable std::vector<CGRect> drawn;
+    };
+    const auto cell = std::make_shared<Cell>();
+    cell->setTitle("a title much too long for its button");
+    cell->setImage(square(10));
+    button->setCell(cell);
+    button->setExpandedSize(CGSize(20, 4));
+    ASSERT_TRUE(button->render());
+    EXPECT_THAT(cell->drawn, ElementsAre(CGRect(10, 5, 10, 10), CGRect(25, 2, 25, 16)));
+}
+
+TEST(TintedImage, takesTheColourAndKeepsTheOpacity) {
+    const auto source = NSImage::create(CGImage::draw(4, 2, [](CGContext& context) {
+        context.setFillColor(CGColor::create({.gray = 1, .alpha = 0.5}));
+        context.fill({0, 0, 2, 2});
+    }));
+    source->setTemplate(true);
+    source->setAlignmentRect({1, 0, 2, 1});
+    const auto tinted = tintedImage(*source, NSColor::red, 2);
+    EXPECT_EQ(tinted->size(), CGSize(8, 4));
+    EXPECT_EQ(tinted->alignmentRect(), CGRect(2, 0, 4, 2));
+    EXPECT_FALSE(tinted->isTemplate());
+    EXPECT_TRUE(source->isTemplate());
+    const auto image = tinted->cgImageForProposedRect();
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->size(), CGSize(8, 4));
+    const std::uint8_t* left = image->uint8Data();
+    EXPECT_NEAR(left[0], 128, 1);
+    EXPECT_EQ(left[1], 0);
+    EXPECT_NEAR(left[3], 128, 1);
+    EXPECT_EQ(left[7 * 4 + 3], 0);
+    const auto nothing = NSImage::create(CGSize());
+    EXPECT_EQ(tintedImage(*nothing, NSColor::red, 3), nothing);
+}
+
+// Events
+
+TEST_F(TintedButtonTest, followsTheMouse) {
+    const auto cell = button->tintedButtonCell();
+    NSApplication::shared().setCallObserver(
+        [&](const ViewCall& call) { calls.push_back(call.arguments); });
+    button->setAction(Selector("act", [&] {
+        EXPECT_TRUE(cell->isPressed());
+        calls.push_back("acted");
+    }));
+    take();
+    send(Type::mouseMoved, inside);
+    EXPECT_TRUE(cell->isHover() && !cell->isPressed());
+    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    send(Type::leftMouseDown, inside);
+    EXPECT_TRUE(cell->isHover() && cell->isPressed());
+    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay", "act", "acted"));
+    send(Type::leftMouseDragged, outside);
+    EXPECT_TRUE(!cell->isHover() && cell->isPressed());
+    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    send(Type::leftMouseUp, outside);
+    EXPECT_FALSE(cell->isHover() || cell->isPressed());
+    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    button->setEnabled(false);
+    take();
+    send(Type::leftMouseDown, inside);
+    EXPECT_FALSE(cell->isPressed());
+    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+}
+
+TEST_F(TintedButtonTest, keepsItsTrackingAreaOverItsBounds) {
+    const auto first = button->trackingArea();
+    ASSERT_TRUE(first);
+    EXPECT_EQ(first->rect(), CGRect(0, 0, 60, 20));
+    EXPECT_EQ(first->options().rawValue, 65u);
+    EXPECT_EQ(first->owner(), button);
+    EXPECT_FALSE(first->userInfo());
+    button->setFrame({20, 20, 150, 20});
+    EXPECT_NE(button->trackingArea(), first);
+    EXPECT_THAT(button->trackingAreas(), ElementsAre(button->trackingArea()));
+    EXPECT_EQ(button->trackingArea()->rect(), CGRect(0, 0, 150, 20));
+    send(Type::mouseMoved, outside);
+    EXPECT_TRUE(button->tintedButtonCell()->isHover());
+    button->setFrame({20, 20, 60, 20});
+    send(Type::mouseMoved, outside);
+    EXPECT_FALSE(button->tintedButtonCell()->isHover());
+}
+
+TEST_F(TintedButtonTest, redrawsWhenAnyWindowBecomesMainWhileItIsInOne) {
+    const auto other = NSWindow::create({10, 10});
+    EXPECT_TRUE(button->windowDidBecomeMainSubscriber()->observer());
+    EXPECT_TRUE(button->windowDidResignMainSubscriber()->observer());
+    take();
+    other->makeMainWindow();
+    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    other->resignMainWindow();
+    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    // Into another window: each of the two is told of once.
+    other->contentView()->addSubview(button);
+    take();
+    window->makeMainWindow();
+    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    button->removeFromSuperview();
+    take();
+    window->close();
+    EXPECT_THAT(take(), IsEmpty());
+    EXPECT_FALSE(button->windowDidBecomeMainSubscriber()->observer());
+}
+
+TEST_F(TintedButtonTest, endsItsSubscriptionsWithItself) {
+    const auto become = button->windowDidBecomeMainSubscriber();
+    const auto resign = button->windowDidResignMainSubscriber();
+    button->removeFromSuperview();
+    window->contentView()->addSubview(button);
+    EXPECT_TRUE(become->observer() && resign->observer());
+    window->setContentView(nullptr);
+    EXPECT_FALSE(become->observer() || resign->observer());
+    window->contentView()->addSubview(button);
+    // The window goes, the button stays.
+    window.reset();
+    EXPECT_EQ(button->window(), nullptr);
+    EXPECT_FALSE(become->observer() || resign->observer());
+    const auto second = NSWindow::create({100, 100});
+    second->contentView()->addSubview(button);
+    EXPECT_TRUE(become->observer());
+    second->contentView()->subviews()[0]->setCallObserver(nullptr);
+    std::weak_ptr gone = button;
+    button.reset();
+    second->setContentView(nullptr);
+    EXPECT_TRUE(gone.expired());
+    EXPECT_FALSE(become->observer() || resign->observer());
+}
+
+// What ends while an action is performed
+
+TEST_F(TintedButtonTest, doesNotActOnATargetThatHasGone) {
+    struct Target {
+        void act() { std::abort(); }
+    };
+    auto target = std::make_shared<Target>();
+    button->setTarget(std::weak_ptr<void>(target));
+    button->setAction(Selector("act", &Target::act));
+    target.reset();
+    send(Type::leftMouseDown, inside);
+    EXPECT_TRUE(button->tintedButtonCell()->isPressed());
+    send(Type::leftMouseUp, inside);
+    EXPECT_FALSE(button->tintedButtonCell()->isPressed());
+}
+
+TEST_F(TintedButtonTest, mayRemoveItselfInItsAction) {
+    button->setAction(Selector("remove", [this] { button->removeFromSuperview(); }));
+    const auto cell = button->tintedButtonCell();
+    send(Type::leftMouseDown, inside);
+    EXPECT_EQ(button->window(), nullptr);
+    EXPECT_TRUE(cell->isPressed() && cell->isHover());
+    // The release and the leaving still come.
+    send(Type::leftMouseUp, inside);
+    EXPECT_FALSE(cell->isPressed() || cell->isHover());
+}
+
+TEST_F(TintedButtonTest, mayEndInItsAction) {
+    // The action releases the button, its window, and itself.
+    std::weak_ptr<TintedButton> gone = button;
+    button->setCallObserver(nullptr);
+    button->setAction(Selector("end", [this, gone] {
+        const auto self = gone.lock();
+        self->setAction(std::nullopt);
+        self->removeFromSuperview();
+        window->close();
+        window.reset();
+        button.reset();
+    }));
+    const auto sender = window;
+    sender->orderFront();
+    sender->sendEvent({.type = Type::leftMouseDown, .locationInWindow = inside});
+    sender->sendEvent({.type = Type::leftMouseUp, .locationInWindow = inside});
+    EXPECT_TRUE(gone.expired());
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <zorvan/interface/NSToolbar.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace zorvan {
+
+/// A toolbar of three views, at the left, in the middle and at the right.
+///
+/// The views are shown and hidden by `showLeftItemView` and its like: a view that is not to be
+/// shown is hidden and keeps its place, so that the others do not move.
+class DividedToolbar : public NSToolbar, public NSToolbarDelegate {
+public:
+    static constexpr std::string_view leftItemIdentifier = "LeftToolbarItem";
+    static constexpr std::string_view centerItemIdentifier = "CenterToolbarItem";
+    static constexpr std::string_view rightItemIdentifier = "RightToolbarItem";
+
+    static std::shared_ptr<DividedToolbar> create(std::string identifier = "DividedToolbar");
+    using NSToolbar::NSToolbar;
+
+    // True unless set.
+
+    bool showLeftItemView() const noexcept { return !leftItemView_->isHidden(); }
+    void setShowLeftItemView(bool show) { leftItemView_->setHidden(!show); }
+    bool showCenterItemView() const noexcept { return !centerItemView_->isHidden(); }
+    void setShowCenterItemView(bool show) { centerItemView_->setHidden(!show); }
+    bool showRightItemView() const noexcept { return !rightItemView_->isHidden(); }
+    void setShowRightItemView(bool show) { rightItemView_->setHidden(!show); }
+
+    // 80 x 32 points each, to put views into.
+
+    const std::shared_ptr<NSView>& leftItemView() const noexcept { return leftItemView_; }
+    const std::shared_ptr<NSView>& centerItemView() const noexcept { return centerItemView_; }
+    const std::shared_ptr<NSView>& rightItemView() const noexcept { return rightItemView_; }
+
+    // Made when first asked for.
+
+    const std::shared_ptr<NSToolbarItem>& leftToolbarItem();
+    const std::shared_ptr<NSToolbarItem>& centerToolbarItem();
+    const std::shared_ptr<NSToolbarItem>& rightToolbarItem();
+
+    // As its own delegate.
+
+    std::shared_ptr<NSToolbarItem>
+    toolbarItemForItemIdentifier(NSToolbar& toolbar, const NSToolbarItemIdentifier& identifier,
+                                 bool willBeInsertedIntoToolbar) override;
+    std::vector<NSToolbarItemIdentifier> toolbarDefaultItemIdentifiers(NSToolbar& toolbar) override;
+    std::vector<NSToolbarItemIdentifier> toolbarAllowedItemIdentifiers(NSToolbar& toolbar) override;
+
+private:
+    std::shared_ptr<NSView> leftItemView_ = NSView::create({0, 0, 80, 32});
+    std::shared_ptr<NSView> centerItemView_ = NSView::create({0, 0, 80, 32});
+    std::shared_ptr<NSView> rightItemView_ = NSView::create({0, 0, 80, 32});
+    std::shared_ptr<NSToolbarItem> leftToolbarItem_;
+    std::shared_ptr<NSToolbarItem> centerToolbarItem_;
+    std::shared_ptr<NSToolbarItem> rightToolbarItem_;
+};
+
+} // namespace zorvan

@@ -1,0 +1,160 @@
+#include <zorvan/interface/NSButton.h>
+
+#include <zorvan/interface/internal/Decoding.h>
+
+namespace zorvan {
+
+std::shared_ptr<NSButton> NSButton::create(const CGRect& frame) {
+    const auto button = std::make_shared<NSButton>(Key{}, frame);
+    button->setUp();
+    return button;
+}
+
+std::shared_ptr<NSButton> NSButton::create(const Title& settings) {
+    const auto button = create();
+    button->setTitle(settings.title.value);
+    button->setTarget(settings.target);
+    button->setAction(settings.action);
+    button->setFrame({CGPoint(), button->fittingSize()});
+    return button;
+}
+
+std::shared_ptr<NSButton> NSButton::create(const Coder& button) {
+    const PropertyList::Dictionary& coder = button.coder;
+    const auto made = std::make_shared<NSButton>(Key{}, decodeFrame(coder));
+    made->setCell(NSButtonCell::create(NSButtonCell::Coder{coder}));
+    made->setEnabled(decoded<bool>(coder, "enabled").value_or(true));
+    return made;
+}
+
+void NSButton::setUp() { setCell(NSButtonCell::create(NSButtonCell::Text{""})); }
+
+PropertyList::Dictionary NSButton::encode() const {
+    const auto cell = buttonCell();
+    PropertyList::Dictionary coder = cell ? cell->encode() : PropertyList::Dictionary();
+    coder.insert_or_assign("frame", PropertyList(encodeFrame(frame())));
+    coder.insert_or_assign("enabled", PropertyList(isEnabled()));
+    return coder;
+}
+
+PropertyList::Dictionary NSButton::encodeFrame(const CGRect& frame) {
+    return {{"x", frame.origin.x},
+            {"y", frame.origin.y},
+            {"width", frame.size.width},
+            {"height", frame.size.height}};
+}
+
+CGRect NSButton::decodeFrame(const PropertyList::Dictionary& coder) {
+    const auto found = coder.find("frame");
+    const auto* const frame =
+        found == coder.end() ? nullptr : found->second.as<PropertyList::Dictionary>();
+    const auto side = [frame](std::string_view key) {
+        return frame ? decoded<double>(*frame, key).value_or(0) : 0;
+    };
+    return {side("x"), side("y"), side("width"), side("height")};
+}
+
+std::shared_ptr<NSButtonCell> NSButton::buttonCell() const noexcept {
+    return std::dynamic_pointer_cast<NSButtonCell>(cell());
+}
+
+std::string NSButton::title() const { return stringValue(); }
+
+void NSButton::setTitle(std::string_view title) { setStringValue(title); }
+
+NSAttributedString NSButton::attributedTitle() const {
+    return cell() ? cell()->attributedStringValue() : NSAttributedString();
+}
+
+void NSButton::setAttributedTitle(NSAttributedString title) {
+    if (cell())
+        cell()->setAttributedStringValue(std::move(title));
+}
+
+std::shared_ptr<NSImage> NSButton::image() const { return cell() ? cell()->image() : nullptr; }
+
+void NSButton::setImage(std::shared_ptr<NSImage> image) {
+    if (cell())
+        cell()->setImage(std::move(image));
+}
+
+NSCellImagePosition NSButton::imagePosition() const {
+    const auto own = buttonCell();
+    return own ? own->imagePosition() : NSCellImagePosition::noImage;
+}
+
+void NSButton::setImagePosition(NSCellImagePosition position) {
+    if (const auto own = buttonCell())
+        own->setImagePosition(position);
+}
+
+NSBezelStyle NSButton::bezelStyle() const {
+    const auto own = buttonCell();
+    return own ? own->bezelStyle() : NSBezelStyle::rounded;
+}
+
+void NSButton::setBezelStyle(NSBezelStyle style) {
+    if (const auto own = buttonCell())
+        own->setBezelStyle(style);
+}
+
+bool NSButton::isBordered() const {
+    const auto own = buttonCell();
+    return own && own->isBordered();
+}
+
+void NSButton::setBordered(bool bordered) {
+    if (const auto own = buttonCell())
+        own->setBordered(bordered);
+}
+
+std::optional<NSColor> NSButton::bezelColor() const {
+    const auto own = buttonCell();
+    return own ? own->bezelColor() : std::nullopt;
+}
+
+void NSButton::setBezelColor(std::optional<NSColor> color) {
+    if (const auto own = buttonCell())
+        own->setBezelColor(color);
+}
+
+std::optional<NSColor> NSButton::contentTintColor() const {
+    const auto own = buttonCell();
+    return own ? own->contentTintColor() : std::nullopt;
+}
+
+void NSButton::setContentTintColor(std::optional<NSColor> color) {
+    if (const auto own = buttonCell())
+        own->setContentTintColor(color);
+}
+
+// The mouse
+
+void NSButton::performClick() {
+    if (isEnabled())
+        sendAction();
+}
+
+bool NSButton::isInside(const NSEvent& event) const {
+    return bounds().contains(convertFromBase(event.locationInWindow));
+}
+
+void NSButton::mouseDown(const NSEvent&) {
+    if (isEnabled() && cell())
+        cell()->setHighlighted(true);
+}
+
+void NSButton::mouseDragged(const NSEvent& with) {
+    if (isEnabled() && cell())
+        cell()->setHighlighted(isInside(with));
+}
+
+void NSButton::mouseUp(const NSEvent& with) {
+    if (!cell() || !cell()->isHighlighted())
+        return;
+    cell()->setHighlighted(false);
+    if (isInside(with))
+        performClick();
+}
+
+} // namespace zorvan

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <zorvan/interface/NSButtonCell.h>
+#include <zorvan/interface/NSControl.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zorvan {
+
+/// A push button. It sends its action when the mouse is released over it.
+class NSButton : public NSControl {
+public:
+    struct Title {
+        Required<std::string> title;
+        std::weak_ptr<void> target = {};
+        std::optional<Selector> action = {};
+    };
+    struct Coder {
+        Required<PropertyList::Dictionary> coder;
+    };
+    static std::shared_ptr<NSButton> create(const CGRect& frame = {});
+    /// As large as it would like to be.
+    static std::shared_ptr<NSButton> create(const Title& button);
+    /// What `encode` wrote; what is not there or of another kind keeps its usual value.
+    static std::shared_ptr<NSButton> create(const Coder& button);
+    using NSControl::NSControl;
+
+    /// Its frame and what its cell writes.
+    PropertyList::Dictionary encode() const;
+
+    /// Its cell when that is a button cell, else null.
+    std::shared_ptr<NSButtonCell> buttonCell() const noexcept;
+
+    // These are the cell's: absent without a button cell, and setting them then does nothing.
+
+    std::string title() const;
+    void setTitle(std::string_view title);
+    NSAttributedString attributedTitle() const;
+    void setAttributedTitle(NSAttributedString title);
+    std::shared_ptr<NSImage> image() const;
+    void setImage(std::shared_ptr<NSImage> image);
+    NSCellImagePosition imagePosition() const;
+    void setImagePosition(NSCellImagePosition position);
+    NSBezelStyle bezelStyle() const;
+    void setBezelStyle(NSBezelStyle style);
+    bool isBordered() const;
+    void setBordered(bool bordered);
+    std::optional<NSColor> bezelColor() const;
+    void setBezelColor(std::optional<NSColor> color);
+    std::optional<NSColor> contentTintColor() const;
+    void setContentTintColor(std::optional<NSColor> color);
+
+    bool isHighlighted() const { return cell() && cell()->isHighlighted(); }
+    /// As a click does.
+    void performClick();
+
+    // A disabled button takes the mouse and does nothing.
+
+    void mouseDown(const NSEvent& with) override;
+    void mouseDragged(const NSEvent& with) override;
+    void mouseUp(const NSEvent& with) override;
+
+protected:
+    static PropertyList::Dictionary encodeFrame(const CGRect& frame);
+    static CGRect decodeFrame(const PropertyList::Dictionary& coder);
+    /// Gives the button the cell that the class makes.
+    void setUp();
+
+private:
+    bool isInside(const NSEvent& event) const;
+};
+
+} // namespace zorvan

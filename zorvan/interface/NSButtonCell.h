@@ -1,0 +1,103 @@
+#pragma once
+
+#include <zorvan/colour/NSColor.h>
+#include <zorvan/interface/NSCell.h>
+#include <zorvan/platform/foundation/PropertyList.h>
+#include <zorvan/platform/foundation/Required.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zorvan {
+
+/// How the bezel of a button looks.
+enum class NSBezelStyle : std::int64_t { rounded = 1, texturedRounded = 11 };
+
+/// The cell of a push button: a bezel, and on it an image and a title.
+class NSButtonCell : public NSCell {
+public:
+    struct Text {
+        Required<std::string> text;
+    };
+    struct Image {
+        Required<std::shared_ptr<NSImage>> image;
+    };
+    struct Coder {
+        Required<PropertyList::Dictionary> coder;
+    };
+    /// A title and no image.
+    static std::shared_ptr<NSButtonCell> create(Text argument);
+    /// An image, which may be null, and no title.
+    static std::shared_ptr<NSButtonCell> create(Image argument);
+    /// What `encode` wrote; what is not there or of another kind keeps its usual value.
+    static std::shared_ptr<NSButtonCell> create(const Coder& argument);
+    using NSCell::NSCell;
+
+    /// Title, image (by its name), image position, bezel and whether enabled. Target and action,
+    /// which belong to the running program, are not written.
+    PropertyList::Dictionary encode() const;
+
+    const NSAttributedString& attributedTitle() const noexcept { return attributedStringValue(); }
+    /// What has no font is set in that of the system, what has no colour in that of labels.
+    void setAttributedTitle(NSAttributedString title) {
+        setAttributedStringValue(std::move(title));
+    }
+    std::string title() const { return stringValue(); }
+    void setTitle(std::string_view title) { setStringValue(title); }
+
+    /// Gives a cell that shows no image a position for it: alone when there is no title, else to
+    /// the left of it.
+    void setImage(std::shared_ptr<NSImage> image) override;
+    NSCellImagePosition imagePosition() const noexcept { return imagePosition_; }
+    void setImagePosition(NSCellImagePosition position);
+
+    NSBezelStyle bezelStyle() const noexcept { return bezelStyle_; }
+    void setBezelStyle(NSBezelStyle style);
+    /// Whether there is a bezel.
+    bool isBordered() const noexcept { return isBordered_; }
+    void setBordered(bool bordered);
+    /// Absent for that of the system.
+    const std::optional<NSColor>& bezelColor() const noexcept { return bezelColor_; }
+    void setBezelColor(std::optional<NSColor> color);
+    /// Of template images and of the title where it has no colour; absent for that of labels.
+    const std::optional<NSColor>& contentTintColor() const noexcept { return contentTintColor_; }
+    void setContentTintColor(std::optional<NSColor> color);
+
+    CGSize cellSize() const override;
+    /// Where image and title stand in a frame; no rectangle for what is not shown.
+    CGRect imageRect(const CGRect& forBounds) const;
+    CGRect titleRect(const CGRect& forBounds) const;
+
+    /// The bezel, then the interior.
+    void draw(const CGRect& withFrame, const NSControl& in) const override;
+    /// The image, then the title.
+    void drawInterior(const CGRect& withFrame, const NSControl& in) const override;
+    virtual void drawBezel(const CGRect& withFrame, const NSControl& in) const;
+    virtual void drawImage(const NSImage& image, const CGRect& withFrame,
+                           const NSControl& in) const;
+    /// Where the title was drawn.
+    virtual CGRect drawTitle(const NSAttributedString& title, const CGRect& withFrame,
+                             const NSControl& in) const;
+
+protected:
+    void decode(const PropertyList::Dictionary& coder);
+
+private:
+    struct Placement {
+        CGRect image, title;
+    };
+    Placement placement(const CGRect& bounds) const;
+    CGSize shownImageSize() const;
+    CGSize shownTitleSize() const;
+    NSColor labelColor(const NSControl& in) const;
+
+    NSCellImagePosition imagePosition_ = NSCellImagePosition::noImage;
+    NSBezelStyle bezelStyle_ = NSBezelStyle::rounded;
+    bool isBordered_ = true;
+    std::optional<NSColor> bezelColor_;
+    std::optional<NSColor> contentTintColor_;
+};
+
+} // namespace zorvan

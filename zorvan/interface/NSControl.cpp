@@ -1,0 +1,72 @@
+#include <zorvan/interface/NSControl.h>
+
+#include <zorvan/interface/NSApplication.h>
+#include <zorvan/interface/internal/drawing.h>
+
+namespace zorvan {
+
+void NSControl::setCell(std::shared_ptr<NSCell> cell) {
+    const auto self = std::static_pointer_cast<NSControl>(shared_from_this());
+    const std::shared_ptr<NSControl> other = cell ? cell->controlView() : nullptr;
+    if (other && other != self)
+        other->setCell(nullptr);
+    if (cell_)
+        cell_->controlView_.reset();
+    cell_ = std::move(cell);
+    if (cell_)
+        cell_->controlView_ = self;
+    setNeedsDisplay(true);
+    setNeedsLayout(true);
+}
+
+void NSControl::setEnabled(bool enabled) {
+    if (enabled == isEnabled_)
+        return;
+    isEnabled_ = enabled;
+    setNeedsDisplay(true);
+}
+
+std::string NSControl::stringValue() const { return cell_ ? cell_->stringValue() : std::string(); }
+
+void NSControl::setStringValue(std::string_view text) {
+    if (cell_)
+        cell_->setStringValue(text);
+}
+
+std::shared_ptr<void> NSControl::target() const noexcept {
+    return cell_ ? cell_->target().lock() : nullptr;
+}
+
+void NSControl::setTarget(std::weak_ptr<void> target) {
+    if (cell_)
+        cell_->setTarget(std::move(target));
+}
+
+std::optional<Selector> NSControl::action() const { return cell_ ? cell_->action() : std::nullopt; }
+
+void NSControl::setAction(std::optional<Selector> action) {
+    if (cell_)
+        cell_->setAction(std::move(action));
+}
+
+bool NSControl::sendAction() {
+    return cell_ && cell_->action() && sendAction(*cell_->action(), cell_->target());
+}
+
+bool NSControl::sendAction(const Selector& action, const std::weak_ptr<void>& to) {
+    return NSApplication::shared().sendAction(action, to, shared_from_this());
+}
+
+CGSize NSControl::intrinsicContentSize() const {
+    return cell_ ? cell_->cellSize() : NSView::intrinsicContentSize();
+}
+
+void NSControl::draw(Canvas& canvas) const {
+    const std::shared_ptr<NSCell> own = cell_;
+    if (!own)
+        return;
+    const Drawing drawing(canvas);
+    own->draw(bounds(), *this);
+}
+
+} // namespace zorvan

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <zorvan/interface/NSCell.h>
+#include <zorvan/interface/Selector.h>
+#include <zorvan/platform/appkit/NSView.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zorvan {
+
+/// A view that its cell draws and that sends an action when it is used.
+class NSControl : public NSView {
+public:
+    using NSView::NSView;
+
+    const std::shared_ptr<NSCell>& cell() const noexcept { return cell_; }
+    /// The cell leaves the control that it was in. Null for none.
+    virtual void setCell(std::shared_ptr<NSCell> cell);
+
+    bool isEnabled() const noexcept { return isEnabled_; }
+    void setEnabled(bool enabled);
+
+    // These are the cell's; without a cell they are absent, and setting them does nothing.
+
+    std::string stringValue() const;
+    void setStringValue(std::string_view text);
+    /// Null when it has gone or was never set.
+    std::shared_ptr<void> target() const noexcept;
+    /// Not kept alive.
+    void setTarget(std::weak_ptr<void> target);
+    std::optional<Selector> action() const;
+    void setAction(std::optional<Selector> action);
+
+    /// Sends the control's own action; false when there is none or nothing performed it.
+    bool sendAction();
+    /// Sends an action with this control as its sender.
+    bool sendAction(const Selector& action, const std::weak_ptr<void>& to);
+
+    /// As large as the cell would like to be.
+    CGSize intrinsicContentSize() const override;
+    void draw(Canvas& canvas) const override;
+
+private:
+    std::shared_ptr<NSCell> cell_;
+    bool isEnabled_ = true;
+};
+
+} // namespace zorvan

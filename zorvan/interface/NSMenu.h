@@ -1,0 +1,93 @@
+#pragma once
+
+#include <zorvan/interface/Selector.h>
+#include <zorvan/platform/appkit/ViewCall.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zorvan {
+
+class NSMenu;
+
+/// A line of a menu: a command with a title, a line that opens another menu, or a separator.
+class NSMenuItem : public ActionSender, public std::enable_shared_from_this<NSMenuItem> {
+public:
+    /// The target is not kept alive.
+    static std::shared_ptr<NSMenuItem>
+    create(std::string title, std::optional<Selector> action = {}, std::weak_ptr<void> target = {});
+    static std::shared_ptr<NSMenuItem> separatorItem();
+
+    const std::string& title() const noexcept { return title_; }
+    void setTitle(std::string title) { title_ = std::move(title); }
+    bool isSeparatorItem() const noexcept { return isSeparator_; }
+    bool isEnabled() const noexcept { return isEnabled_; }
+    void setEnabled(bool enabled) { isEnabled_ = enabled; }
+    std::shared_ptr<void> target() const noexcept { return target_.lock(); }
+    void setTarget(std::weak_ptr<void> target) { target_ = std::move(target); }
+    const std::optional<Selector>& action() const noexcept { return action_; }
+    void setAction(std::optional<Selector> action) { action_ = std::move(action); }
+    const std::shared_ptr<NSMenu>& submenu() const noexcept { return submenu_; }
+    void setSubmenu(std::shared_ptr<NSMenu> submenu) { submenu_ = std::move(submenu); }
+
+    /// The menu that the item stands in; null outside of one.
+    std::shared_ptr<NSMenu> menu() const noexcept { return menu_.lock(); }
+
+private:
+    struct Key {};
+    friend class NSMenu;
+
+public:
+    NSMenuItem(Key, std::string title) : title_(std::move(title)) {}
+
+private:
+    std::string title_;
+    std::optional<Selector> action_;
+    std::weak_ptr<void> target_;
+    std::shared_ptr<NSMenu> submenu_;
+    std::weak_ptr<NSMenu> menu_;
+    bool isSeparator_ = false;
+    bool isEnabled_ = true;
+};
+
+/// A list of commands. Without a host nothing opens; the observer is told that it should.
+/// Main thread only.
+class NSMenu : public std::enable_shared_from_this<NSMenu> {
+public:
+    static std::shared_ptr<NSMenu> create(std::string title = {});
+
+    const std::string& title() const noexcept { return title_; }
+    const std::vector<std::shared_ptr<NSMenuItem>>& itemArray() const noexcept { return items_; }
+    std::int64_t numberOfItems() const noexcept { return static_cast<std::int64_t>(items_.size()); }
+    /// Null when there is none.
+    std::shared_ptr<NSMenuItem> item(std::int64_t at) const noexcept;
+
+    /// At the end. An item that stands in a menu already stops the program.
+    void addItem(const std::shared_ptr<NSMenuItem>& item);
+    void removeAllItems();
+
+    /// Sends the item's action with the item as its sender, as a click on it does. False when there
+    /// is no such item, when it is disabled or has no action, and when nothing performed it.
+    bool performActionForItem(std::int64_t at);
+
+    /// Asks the host to open the menu.
+    void popUp();
+    void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
+
+private:
+    struct Key {};
+
+public:
+    NSMenu(Key, std::string title) : title_(std::move(title)) {}
+
+private:
+    std::string title_;
+    std::vector<std::shared_ptr<NSMenuItem>> items_;
+    ViewCallObserver callObserver_;
+};
+
+} // namespace zorvan

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <zorvan/interface/NSMenu.h>
+#include <zorvan/interface/NSToolbarItem.h>
+
+namespace zorvan {
+
+/// A toolbar item that opens a menu when it is pressed.
+class NSMenuToolbarItem : public NSToolbarItem {
+public:
+    static std::shared_ptr<NSMenuToolbarItem> create(NSToolbarItemIdentifier itemIdentifier) {
+        return std::make_shared<NSMenuToolbarItem>(Key{}, std::move(itemIdentifier));
+    }
+    using NSToolbarItem::NSToolbarItem;
+
+    const std::shared_ptr<NSMenu>& menu() const noexcept { return menu_; }
+    /// A new, empty one for null.
+    void setMenu(std::shared_ptr<NSMenu> menu);
+    /// A mark that shows that there is a menu.
+    bool showsIndicator() const noexcept { return showsIndicator_; }
+    void setShowsIndicator(bool shows);
+
+protected:
+    std::shared_ptr<NSView> makeView() override;
+    void updateView(NSView& made) override;
+
+private:
+    std::shared_ptr<NSMenu> menu_ = NSMenu::create();
+    bool showsIndicator_ = true;
+};
+
+} // namespace zorvan

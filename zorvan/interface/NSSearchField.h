@@ -1,0 +1,34 @@
+#pragma once
+
+#include <zorvan/interface/NSControl.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zorvan {
+
+/// A text field to search with. It sends its action when the user has changed its text.
+class NSSearchField : public NSControl {
+public:
+    static std::shared_ptr<NSSearchField> create(const CGRect& frame = {});
+    using NSControl::NSControl;
+
+    /// Shown while the field is empty; absent for nothing.
+    const std::optional<std::string>& placeholderString() const noexcept { return placeholder_; }
+    void setPlaceholderString(std::optional<std::string> placeholder);
+
+    /// What the user types: replaces the text and sends the action. Nothing while disabled, and for
+    /// the text that is there.
+    void enterText(std::string_view text);
+
+    /// 180 points wide.
+    CGSize intrinsicContentSize() const override;
+    void draw(Canvas& canvas) const override;
+
+private:
+    std::optional<std::string> placeholder_;
+};
+
+} // namespace zorvan

@@ -1,0 +1,113 @@
+#include <zorvan/interface/NSSplitView.h>
+
+#include <zorvan/interface/internal/drawing.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zorvan {
+
+void NSSplitView::setVertical(bool vertical) {
+    isVertical_ = vertical;
+    setNeedsLayout(true);
+}
+
+std::int64_t NSSplitView::numberOfDividers() const noexcept {
+    return std::max<std::int64_t>(static_cast<std::int64_t>(subviews().size()) - 1, 0);
+}
+
+double NSSplitView::length() const { return isVertical_ ? bounds().width() : bounds().height(); }
+
+/// New dividers part the room of the last subview evenly; those of subviews that have gone are
+/// dropped.
+void NSSplitView::bringUpToDate() {
+    const auto count = static_cast<std::size_t>(numberOfDividers());
+    positions_.resize(std::min(positions_.size(), count));
+    while (positions_.size() < count) {
+        const double start = positions_.empty() ? 0 : positions_.back() + dividerThickness();
+        const auto parts = static_cast<double>(count - positions_.size() + 1);
+        positions_.push_back(start + std::max(length() - start, 0.0) / parts);
+    }
+}
+
+std::optional<double> NSSplitView::position(std::int64_t ofDividerAt) const {
+    if (ofDividerAt < 0 || ofDividerAt >= static_cast<std::int64_t>(positions_.size()))
+        return std::nullopt;
+    return positions_[static_cast<std::size_t>(ofDividerAt)];
+}
+
+void NSSplitView::setPosition(double position, std::int64_t ofDividerAt) {
+    bringUpToDate();
+    if (!this->position(ofDividerAt) || !std::isfinite(position))
+        return;
+    const double least =
+        this->position(ofDividerAt - 1).value_or(-dividerThickness()) + dividerThickness();
+    const double most = this->position(ofDividerAt + 1).value_or(length()) - dividerThickness();
+    positions_[static_cast<std::size_t>(ofDividerAt)] = std::max(least, std::min(position, most));
+    setNeedsLayout(true);
+}
+
+void NSSplitView::layout() {
+    bringUpToDate();
+    const CGRect all = bounds();
+    double start = 0;
+    const auto views = subviews();
+    for (std::size_t i = 0; i < views.size(); ++i) {
+        const double end = i < positions_.size() ? std::min(positions_[i], length()) : length();
+        const double extent = std::max(end - start, 0.0);
+        views[i]->setFrame(
+            isVertical_ ? CGRect(all.minX() + start, all.minY(), extent, all.height())
+                        : CGRect(all.minX(), all.maxY() - start - extent, all.width(), extent));
+        start = end + dividerThickness();
+    }
+}
+
+double NSSplitView::along(CGPoint point) const {
+    return isVertical_ ? point.x - bounds().minX() : bounds().maxY() - point.y;
+}
+
+std::optional<std::int64_t> NSSplitView::dividerNear(CGPoint point) const {
+    constexpr double reach = 3;
+    for (std::size_t i = 0; i < positions_.size(); ++i)
+        if (std::abs(along(point) - positions_[i] - dividerThickness() / 2) <= reach)
+            return static_cast<std::int64_t>(i);
+    return std::nullopt;
+}
+
+std::shared_ptr<NSView> NSSplitView::hitTest(CGPoint point) {
+    const auto hit = NSView::hitTest(point);
+    const CGPoint inside(bounds().minX() + point.x - frame().minX(),
+                         bounds().minY() + point.y - frame().minY());
+    return hit && dividerNear(inside) ? shared_from_this() : hit;
+}
+
+void NSSplitView::mouseDown(const NSEvent& with) {
+    held_ = dividerNear(convertFromBase(with.locationInWindow));
+    if (!held_)
+        NSView::mouseDown(with);
+}
+
+void NSSplitView::mouseDragged(const NSEvent& with) {
+    if (held_)
+        setPosition(along(convertFromBase(with.locationInWindow)), *held_);
+    else
+        NSView::mouseDragged(with);
+}
+
+void NSSplitView::mouseUp(const NSEvent& with) {
+    if (!std::exchange(held_, std::nullopt))
+        NSView::mouseUp(with);
+}
+
+void NSSplitView::draw(Canvas& canvas) const {
+    const Drawing drawing(canvas);
+    const CGRect all = bounds();
+    for (const double position : positions_)
+        fillRect(isVertical_
+                     ? CGRect(all.minX() + position, all.minY(), dividerThickness(), all.height())
+                     : CGRect(all.minX(), all.maxY() - position - dividerThickness(), all.width(),
+                              dividerThickness()),
+                 Palette::separator);
+}
+
+} // namespace zorvan

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <zorvan/interface/NSToolbarItem.h>
+#include <zorvan/platform/appkit/ViewCall.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zorvan {
+
+class NSToolbar;
+class NSWindow;
+
+/// Gives a toolbar its items.
+class NSToolbarDelegate {
+public:
+    virtual ~NSToolbarDelegate() = default;
+    /// Null for an item that there is not.
+    virtual std::shared_ptr<NSToolbarItem>
+    toolbarItemForItemIdentifier(NSToolbar& toolbar, const NSToolbarItemIdentifier& identifier,
+                                 bool willBeInsertedIntoToolbar) = 0;
+    virtual std::vector<NSToolbarItemIdentifier>
+    toolbarDefaultItemIdentifiers(NSToolbar& toolbar) = 0;
+    virtual std::vector<NSToolbarItemIdentifier>
+    toolbarAllowedItemIdentifiers(NSToolbar& toolbar) = 0;
+    /// None unless overridden.
+    virtual std::vector<NSToolbarItemIdentifier>
+    toolbarSelectableItemIdentifiers(NSToolbar& toolbar);
+};
+
+/// The row of items at the top of a window.
+///
+/// It asks its delegate, which it does not keep alive, for each item that is inserted, and makes
+/// the spaces itself when the delegate gives none. A toolbar that comes into a window before
+/// anything was inserted or removed shows its default items. Main thread only.
+class NSToolbar : public std::enable_shared_from_this<NSToolbar> {
+protected:
+    struct Key {};
+
+public:
+    enum class DisplayMode : std::int64_t {
+        default_ = 0,
+        iconAndLabel = 1,
+        iconOnly = 2,
+        labelOnly = 3,
+    };
+
+    static std::shared_ptr<NSToolbar> create(std::string identifier) {
+        return std::make_shared<NSToolbar>(Key{}, std::move(identifier));
+    }
+    NSToolbar(Key, std::string identifier) : identifier_(std::move(identifier)) {}
+    virtual ~NSToolbar();
+    NSToolbar(const NSToolbar&) = delete;
+    NSToolbar& operator=(const NSToolbar&) = delete;
+
+    const std::string& identifier() const noexcept { return identifier_; }
+    std::shared_ptr<NSToolbarDelegate> delegate() const noexcept { return delegate_.lock(); }
+    void setDelegate(const std::shared_ptr<NSToolbarDelegate>& delegate);
+    bool autosavesConfiguration() const noexcept { return autosavesConfiguration_; }
+    void setAutosavesConfiguration(bool autosaves);
+    bool allowsUserCustomization() const noexcept { return allowsUserCustomization_; }
+    void setAllowsUserCustomization(bool allows);
+    /// A line below the toolbar.
+    bool showsBaselineSeparator() const noexcept { return showsBaselineSeparator_; }
+    void setShowsBaselineSeparator(bool shows);
+    DisplayMode displayMode() const noexcept { return displayMode_; }
+    void setDisplayMode(DisplayMode mode);
+
+    const std::vector<std::shared_ptr<NSToolbarItem>>& items() const noexcept { return items_; }
+    /// The identifiers of the items, in order.
+    std::vector<NSToolbarItemIdentifier> itemIdentifiers() const;
+    /// Asks the delegate for the item. Nothing is inserted when there is none; a position beyond
+    /// the end is the end, one below 0 stops the program.
+    void insertItem(const NSToolbarItemIdentifier& withItemIdentifier, std::int64_t at);
+    /// Stops the program when there is no such item.
+    void removeItem(std::int64_t at);
+
+    /// The window that shows the toolbar; null for none.
+    std::shared_ptr<NSWindow> window() const noexcept { return window_.lock(); }
+    /// From now on the default items are not shown by themselves.
+    void forgoDefaultItems() noexcept { showsDefaultItems_ = false; }
+
+    /// Told of each call that changes the toolbar.
+    void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
+
+private:
+    friend class NSWindow;
+    friend class NSToolbarItem;
+
+    void comeInto(const std::shared_ptr<NSWindow>& window);
+    std::shared_ptr<NSToolbarItem> makeItem(const NSToolbarItemIdentifier& identifier);
+    void note(std::string name, std::string arguments);
+    void set(bool NSToolbar::*flag, bool value, const char* name);
+    void didChange();
+
+    std::string identifier_;
+    std::weak_ptr<NSToolbarDelegate> delegate_;
+    std::vector<std::shared_ptr<NSToolbarItem>> items_;
+    std::weak_ptr<NSWindow> window_;
+    ViewCallObserver callObserver_;
+    DisplayMode displayMode_ = DisplayMode::default_;
+    bool autosavesConfiguration_ = false;
+    bool allowsUserCustomization_ = false;
+    bool showsBaselineSeparator_ = true;
+    bool showsDefaultItems_ = true;
+};
+
+} // namespace zorvan

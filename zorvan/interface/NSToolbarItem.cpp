@@ -1,0 +1,80 @@
+#include <zorvan/interface/NSToolbarItem.h>
+
+#include <zorvan/interface/NSApplication.h>
+#include <zorvan/interface/NSButton.h>
+#include <zorvan/interface/NSToolbar.h>
+#include <zorvan/interface/internal/ItemButton.h>
+
+namespace zorvan {
+
+NSToolbarItem::NSToolbarItem(Key, NSToolbarItemIdentifier itemIdentifier)
+    : identifier_(std::move(itemIdentifier)) {}
+
+NSToolbarItem::~NSToolbarItem() = default;
+
+void NSToolbarItem::setLabel(std::string label) {
+    label_ = std::move(label);
+    didChange();
+}
+
+void NSToolbarItem::setTitle(std::string title) {
+    title_ = std::move(title);
+    didChange();
+}
+
+void NSToolbarItem::setNavigational(bool navigational) {
+    isNavigational_ = navigational;
+    didChange();
+}
+
+void NSToolbarItem::setView(std::shared_ptr<NSView> view) {
+    view_ = std::move(view);
+    didChange();
+}
+
+void NSToolbarItem::setImage(std::shared_ptr<NSImage> image) {
+    image_ = std::move(image);
+    didChange();
+}
+
+void NSToolbarItem::setEnabled(bool enabled) {
+    isEnabled_ = enabled;
+    if (const auto control = std::dynamic_pointer_cast<NSControl>(view_))
+        control->setEnabled(enabled);
+    didChange();
+}
+
+bool NSToolbarItem::sendAction() {
+    return action_ && NSApplication::shared().sendAction(*action_, target_, shared_from_this());
+}
+
+std::shared_ptr<NSView> NSToolbarItem::shownView() {
+    if (view_)
+        return view_;
+    if (!madeView_)
+        madeView_ = makeView();
+    if (madeView_)
+        updateView(*madeView_);
+    return madeView_;
+}
+
+std::shared_ptr<NSView> NSToolbarItem::makeView() {
+    if (!image_ && title_.empty())
+        return nullptr;
+    return ItemButton::create([weak = weak_from_this()] {
+        if (const auto item = weak.lock())
+            item->sendAction();
+    });
+}
+
+void NSToolbarItem::updateView(NSView& made) {
+    if (auto* const button = dynamic_cast<ItemButton*>(&made))
+        button->show(title_, image_, isEnabled_);
+}
+
+void NSToolbarItem::didChange() {
+    if (const auto holder = toolbar())
+        holder->didChange();
+}
+
+} // namespace zorvan

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <zorvan/interface/Selector.h>
+#include <zorvan/platform/appkit/NSView.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace zorvan {
+
+class NSImage;
+class NSToolbar;
+
+/// What tells the items of a toolbar apart.
+using NSToolbarItemIdentifier = std::string;
+
+/// Items that a toolbar makes itself.
+inline constexpr std::string_view NSToolbarFlexibleSpaceItemIdentifier =
+    "NSToolbarFlexibleSpaceItem";
+inline constexpr std::string_view NSToolbarSpaceItemIdentifier = "NSToolbarSpaceItem";
+
+/// One item of a toolbar: a view, or an image that sends an action when it is pressed.
+class NSToolbarItem : public ActionSender, public std::enable_shared_from_this<NSToolbarItem> {
+protected:
+    struct Key {};
+
+public:
+    static std::shared_ptr<NSToolbarItem> create(NSToolbarItemIdentifier itemIdentifier) {
+        return std::make_shared<NSToolbarItem>(Key{}, std::move(itemIdentifier));
+    }
+    NSToolbarItem(Key, NSToolbarItemIdentifier itemIdentifier);
+    ~NSToolbarItem() override;
+
+    const NSToolbarItemIdentifier& itemIdentifier() const noexcept { return identifier_; }
+    /// Shown below the item in the display modes that have labels.
+    const std::string& label() const noexcept { return label_; }
+    void setLabel(std::string label);
+    /// Shown on the item itself, in place of an image.
+    const std::string& title() const noexcept { return title_; }
+    void setTitle(std::string title);
+    const std::string& toolTip() const noexcept { return toolTip_; }
+    void setToolTip(std::string toolTip) { toolTip_ = std::move(toolTip); }
+    /// Whether the item stands at the leading edge, before every other.
+    bool isNavigational() const noexcept { return isNavigational_; }
+    void setNavigational(bool navigational);
+
+    /// Null when the item is shown by its image alone.
+    const std::shared_ptr<NSView>& view() const noexcept { return view_; }
+    void setView(std::shared_ptr<NSView> view);
+    const std::shared_ptr<NSImage>& image() const noexcept { return image_; }
+    void setImage(std::shared_ptr<NSImage> image);
+
+    bool isEnabled() const noexcept { return isEnabled_; }
+    void setEnabled(bool enabled);
+    std::shared_ptr<void> target() const noexcept { return target_.lock(); }
+    /// Not kept alive.
+    void setTarget(std::weak_ptr<void> target) { target_ = std::move(target); }
+    const std::optional<Selector>& action() const noexcept { return action_; }
+    void setAction(std::optional<Selector> action) { action_ = std::move(action); }
+    /// Sends the action with the item as its sender; false when there is none or nothing performed
+    /// it.
+    bool sendAction();
+
+    /// What a toolbar shows of the item: its view, or one that the item makes and keeps. Null for a
+    /// space.
+    std::shared_ptr<NSView> shownView();
+
+    /// The toolbar that shows the item; null outside of one.
+    std::shared_ptr<NSToolbar> toolbar() const noexcept { return toolbar_.lock(); }
+
+protected:
+    /// Makes what is shown in place of a view; null for nothing.
+    virtual std::shared_ptr<NSView> makeView();
+    /// Brings what `makeView` made up to date.
+    virtual void updateView(NSView& made);
+    /// Shows what has changed.
+    void didChange();
+
+private:
+    friend class NSToolbar;
+
+    NSToolbarItemIdentifier identifier_;
+    std::string label_;
+    std::string title_;
+    std::string toolTip_;
+    std::shared_ptr<NSView> view_;
+    std::shared_ptr<NSView> madeView_;
+    std::shared_ptr<NSImage> image_;
+    std::optional<Selector> action_;
+    std::weak_ptr<void> target_;
+    std::weak_ptr<NSToolbar> toolbar_;
+    bool isNavigational_ = false;
+    bool isEnabled_ = true;
+};
+
+} // namespace zorvan

@@ -1,0 +1,54 @@
+#include <zorvan/interface/NSTouchBar.h>
+
+#include <zorvan/interface/NSWindow.h>
+
+#include <algorithm>
+
+namespace zorvan {
+
+NSTouchBarItem::~NSTouchBarItem() = default;
+
+std::shared_ptr<NSView> NSTouchBarItem::view() const { return nullptr; }
+
+void NSTouchBar::setDelegate(const std::shared_ptr<NSTouchBarDelegate>& delegate) {
+    delegate_ = delegate;
+    if (const ViewCallObserver observer = callObserver_)
+        observer({"setDelegate", delegate ? "delegate" : "none"});
+}
+
+std::shared_ptr<NSTouchBarItem> NSTouchBar::makeItem(const NSTouchBarItemIdentifier& identifier) {
+    if (const auto giver = delegate())
+        if (auto item = giver->touchBarMakeItemForIdentifier(*this, identifier))
+            return item;
+    const bool isSpace = identifier == NSTouchBarItemIdentifierFixedSpaceSmall ||
+                         identifier == NSTouchBarItemIdentifierFixedSpaceLarge ||
+                         identifier == NSTouchBarItemIdentifierFlexibleSpace;
+    return isSpace ? NSTouchBarItem::create(identifier) : nullptr;
+}
+
+void NSTouchBar::setDefaultItemIdentifiers(std::vector<NSTouchBarItemIdentifier> identifiers) {
+    const auto keptAlive = weak_from_this().lock();
+    std::string list;
+    std::vector<std::shared_ptr<NSTouchBarItem>> items;
+    for (const NSTouchBarItemIdentifier& identifier : identifiers) {
+        list += (list.empty() ? "" : ", ") + identifier;
+        if (auto item = makeItem(identifier))
+            items.push_back(std::move(item));
+    }
+    defaultItemIdentifiers_ = std::move(identifiers);
+    items_ = std::move(items);
+    if (const auto shown = window())
+        shown->setToolbarNeedsLayout();
+    if (const ViewCallObserver observer = callObserver_)
+        observer({"setDefaultItemIdentifiers", list});
+}
+
+std::shared_ptr<NSTouchBarItem>
+NSTouchBar::item(const NSTouchBarItemIdentifier& forIdentifier) const {
+    const auto found = std::find_if(items_.begin(), items_.end(), [&](const auto& item) {
+        return item->identifier() == forIdentifier;
+    });
+    return found == items_.end() ? nullptr : *found;
+}
+
+} // namespace zorvan

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <zorvan/interface/NSTouchBarItem.h>
+#include <zorvan/platform/appkit/ViewCall.h>
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace zorvan {
+
+class NSTouchBar;
+class NSWindow;
+
+/// Gives a touch bar its items.
+class NSTouchBarDelegate {
+public:
+    virtual ~NSTouchBarDelegate() = default;
+    /// Null for an item that there is not.
+    virtual std::shared_ptr<NSTouchBarItem>
+    touchBarMakeItemForIdentifier(NSTouchBar& touchBar,
+                                  const NSTouchBarItemIdentifier& identifier) = 0;
+};
+
+/// A strip of controls at hand for what the user does, shown below the window.
+///
+/// Each time its identifiers are set it asks its delegate, which it does not keep alive, for the
+/// items, and makes the spaces itself when the delegate gives none. Main thread only.
+class NSTouchBar : public std::enable_shared_from_this<NSTouchBar> {
+public:
+    static std::shared_ptr<NSTouchBar> create() { return std::make_shared<NSTouchBar>(Key{}); }
+
+    const std::vector<NSTouchBarItemIdentifier>& defaultItemIdentifiers() const noexcept {
+        return defaultItemIdentifiers_;
+    }
+    void setDefaultItemIdentifiers(std::vector<NSTouchBarItemIdentifier> identifiers);
+    std::shared_ptr<NSTouchBarDelegate> delegate() const noexcept { return delegate_.lock(); }
+    void setDelegate(const std::shared_ptr<NSTouchBarDelegate>& delegate);
+
+    /// The items that there are for the identifiers, in order.
+    const std::vector<std::shared_ptr<NSTouchBarItem>>& items() const noexcept { return items_; }
+    /// The shown item of that identifier; null when there is none.
+    std::shared_ptr<NSTouchBarItem> item(const NSTouchBarItemIdentifier& forIdentifier) const;
+
+    /// The window that shows the bar; null for none.
+    std::shared_ptr<NSWindow> window() const noexcept { return window_.lock(); }
+
+    /// Told of each call that changes the bar.
+    void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
+
+private:
+    struct Key {};
+    friend class NSWindow;
+
+public:
+    explicit NSTouchBar(Key) {}
+
+private:
+    std::shared_ptr<NSTouchBarItem> makeItem(const NSTouchBarItemIdentifier& identifier);
+
+    std::vector<NSTouchBarItemIdentifier> defaultItemIdentifiers_;
+    std::vector<std::shared_ptr<NSTouchBarItem>> items_;
+    std::weak_ptr<NSTouchBarDelegate> delegate_;
+    std::weak_ptr<NSWindow> window_;
+    ViewCallObserver callObserver_;
+};
+
+} // namespace zorvan

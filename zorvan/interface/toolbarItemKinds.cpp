@@ -1,0 +1,95 @@
+#include <zorvan/interface/NSMenuToolbarItem.h>
+#include <zorvan/interface/NSSearchToolbarItem.h>
+#include <zorvan/interface/NSToolbar.h>
+#include <zorvan/interface/NSTrackingSeparatorToolbarItem.h>
+#include <zorvan/interface/internal/ItemButton.h>
+#include <zorvan/interface/internal/drawing.h>
+
+namespace zorvan {
+
+// NSSearchToolbarItem
+
+std::shared_ptr<NSSearchToolbarItem>
+NSSearchToolbarItem::create(NSToolbarItemIdentifier itemIdentifier) {
+    const auto item = std::make_shared<NSSearchToolbarItem>(Key{}, std::move(itemIdentifier));
+    item->setSearchField(nullptr);
+    return item;
+}
+
+void NSSearchToolbarItem::setSearchField(std::shared_ptr<NSSearchField> searchField) {
+    searchField_ = searchField ? std::move(searchField) : NSSearchField::create();
+    setView(searchField_);
+}
+
+// NSMenuToolbarItem
+
+void NSMenuToolbarItem::setMenu(std::shared_ptr<NSMenu> menu) {
+    menu_ = menu ? std::move(menu) : NSMenu::create();
+}
+
+void NSMenuToolbarItem::setShowsIndicator(bool shows) {
+    showsIndicator_ = shows;
+    didChange();
+}
+
+std::shared_ptr<NSView> NSMenuToolbarItem::makeView() {
+    const std::weak_ptr<NSToolbarItem> weak = weak_from_this();
+    return ItemButton::create([weak] {
+        if (const auto item = std::static_pointer_cast<NSMenuToolbarItem>(weak.lock()))
+            item->menu()->popUp();
+    });
+}
+
+void NSMenuToolbarItem::updateView(NSView& made) {
+    NSToolbarItem::updateView(made);
+    static_cast<ItemButton&>(made).setShowsIndicator(showsIndicator_);
+}
+
+// NSTrackingSeparatorToolbarItem
+
+namespace {
+
+/// A line over the whole height.
+class SeparatorView : public NSView {
+public:
+    static std::shared_ptr<SeparatorView> create() {
+        return std::make_shared<SeparatorView>(Key{}, CGRect());
+    }
+    using NSView::NSView;
+
+    CGSize intrinsicContentSize() const override { return {1, 28}; }
+    void draw(Canvas& canvas) const override {
+        const Drawing drawing(canvas);
+        fillRect(bounds(), Palette::separator);
+    }
+};
+
+} // namespace
+
+std::shared_ptr<NSTrackingSeparatorToolbarItem>
+NSTrackingSeparatorToolbarItem::create(NSToolbarItemIdentifier itemIdentifier,
+                                       std::shared_ptr<NSSplitView> splitView,
+                                       std::int64_t dividerIndex) {
+    auto item = std::make_shared<NSTrackingSeparatorToolbarItem>(Key{}, std::move(itemIdentifier));
+    item->splitView_ = std::move(splitView);
+    item->dividerIndex_ = dividerIndex;
+    return item;
+}
+
+std::optional<double> NSTrackingSeparatorToolbarItem::dividerPosition() const {
+    const auto bar = toolbar();
+    if (!splitView_ || !splitView_->isVertical() || !bar || !bar->window() ||
+        splitView_->window() != bar->window())
+        return std::nullopt;
+    const std::optional<double> position = splitView_->position(dividerIndex_);
+    if (!position)
+        return std::nullopt;
+    const CGRect all = splitView_->bounds();
+    return splitView_->convertToBase({all.minX() + *position, all.minY()}).x;
+}
+
+std::shared_ptr<NSView> NSTrackingSeparatorToolbarItem::makeView() {
+    return SeparatorView::create();
+}
+
+} // namespace zorvan

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/CGRect.h>
+
+#include <any>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace zorvan {
+
+class NSView;
+
+/// A rectangle of a view, in the view's own coordinates, whose owner is told when the mouse comes
+/// and goes. It counts from when it is added to the view. An area never changes.
+class NSTrackingArea {
+public:
+    /// A set of options. Without one of those that say when an area is active, it never is.
+    struct Options {
+        std::uint64_t rawValue = 0;
+
+        static const Options mouseEnteredAndExited, mouseMoved, activeInActiveApp, activeAlways;
+
+        constexpr bool contains(Options other) const noexcept {
+            return (rawValue & other.rawValue) == other.rawValue;
+        }
+        friend constexpr bool operator==(Options, Options) noexcept = default;
+        friend constexpr Options operator|(Options a, Options b) noexcept {
+            return {a.rawValue | b.rawValue};
+        }
+    };
+    using UserInfo = std::map<std::string, std::any, std::less<>>;
+
+    /// The owner, which is told of the mouse, is not kept alive.
+    static std::shared_ptr<NSTrackingArea> create(const CGRect& rect, Options options,
+                                                  const std::shared_ptr<NSView>& owner,
+                                                  std::optional<UserInfo> userInfo = {}) {
+        return std::make_shared<NSTrackingArea>(Key{}, rect, options, owner, std::move(userInfo));
+    }
+
+    const CGRect& rect() const noexcept { return rect_; }
+    Options options() const noexcept { return options_; }
+    std::shared_ptr<NSView> owner() const noexcept { return owner_.lock(); }
+    const std::optional<UserInfo>& userInfo() const noexcept { return userInfo_; }
+
+private:
+    struct Key {};
+
+public:
+    NSTrackingArea(Key, const CGRect& rect, Options options, const std::shared_ptr<NSView>& owner,
+                   std::optional<UserInfo> userInfo)
+        : rect_(rect), options_(options), owner_(owner), userInfo_(std::move(userInfo)) {}
+
+private:
+    CGRect rect_;
+    Options options_;
+    std::weak_ptr<NSView> owner_;
+    std::optional<UserInfo> userInfo_;
+};
+
+inline constexpr NSTrackingArea::Options NSTrackingArea::Options::mouseEnteredAndExited{0x01};
+inline constexpr NSTrackingArea::Options NSTrackingArea::Options::mouseMoved{0x02};
+/// While the application is the active one.
+inline constexpr NSTrackingArea::Options NSTrackingArea::Options::activeInActiveApp{0x40};
+inline constexpr NSTrackingArea::Options NSTrackingArea::Options::activeAlways{0x80};
+
+} // namespace zorvan
