@@ -1,0 +1,22 @@
+#pragma once
+
+#include <zorvan/media/AVMediaType.h>
+#include <zorvan/numbers-geometry/CGAffineTransform.h>
+#include <zorvan/numbers-geometry/CGSize.h>
+
+namespace zorvan {
+
+/// One track of a media asset.
+struct AVAssetTrack {
+    AVMediaType mediaType = AVMediaType::other;
+    /// Frames per second; 0 when it is not known, and for what is no video.
+    float nominalFrameRate = 0;
+    /// In square pixels, before the transform; (0, 0) for what is no video.
+    CGSize naturalSize;
+    /// How the pictures are to be laid out for showing.
+    CGAffineTransform preferredTransform;
+
+    friend bool operator==(const AVAssetTrack&, const AVAssetTrack&) = default;
+};
+
+} // namespace zorvan
