@@ -18,6 +18,8 @@ constexpr Option options[] = {
     {"vo", "libmpv"},
     {"audio-fallback-to-null", "yes"},
     {"hwdec", "no"},
+    // The renderer cannot turn pictures, and says that it can.
+    {"video-rotate", "no"},
     {"osd-level", "0"},
     {"sid", "no"},
     {"audio-display", "no"},

@@ -13,8 +13,8 @@ constexpr auto longestLanding = 30'000ms;
 constexpr auto longestStep = 1'000ms;
 /// How long a frame may lag behind the event of its seek.
 constexpr auto frameLag = 60ms, longestFrameLag = 500ms;
-/// Times closer than this are of the same picture.
-constexpr double sameTime = 0.001;
+/// Times closer than this are the same, written in other units.
+constexpr double sameTime = 1e-5;
 
 } // namespace
 

@@ -1,5 +1,7 @@
 #include <zorvan/platform/avfoundation/internal/PlayerEngine.h>
 
+#include <zorvan/platform/graphics/ExactTransforms.h>
+
 #include <algorithm>
 #include <cmath>
 #include <string_view>
@@ -11,10 +13,17 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-constexpr std::uint64_t loadId = 1, timeId = 2, endId = 3, widthId = 4, heightId = 5;
+constexpr std::uint64_t loadId = 1, timeId = 2, endId = 3, widthId = 4, heightId = 5, turnId = 6;
 
 /// How often a seek or step under way is looked after when no event comes.
 constexpr auto checkInterval = 20ms;
+
+/// The EXIF orientation of a picture that is to be turned clockwise by so many degrees. There are
+/// quarter turns only.
+int orientationOfTurn(std::int64_t degrees) {
+    constexpr int orientations[] = {1, 6, 3, 8};
+    return orientations[(degrees % 360 + 360 + 45) / 90 % 4];
+}
 
 } // namespace
 
@@ -30,6 +39,7 @@ MediaPlayer::Engine::Engine(const std::string& path, std::weak_ptr<Listener> lis
     core_->observe(endId, "eof-reached", MPV_FORMAT_FLAG);
     core_->observe(widthId, "video-out-params/dw", MPV_FORMAT_INT64);
     core_->observe(heightId, "video-out-params/dh", MPV_FORMAT_INT64);
+    core_->observe(turnId, "current-tracks/video/demux-rotation", MPV_FORMAT_INT64);
     runner_ = std::make_unique<OperationRunner>(*core_);
     core_->command(loadId, {"loadfile", path.c_str()});
     runner_->start({.kind = Operation::Kind::open}, Clock::now());
@@ -209,6 +219,9 @@ void MediaPlayer::Engine::handleChange(const mpv_event& event) {
     case heightId:
         height_ = *static_cast<const std::int64_t*>(property.data);
         break;
+    case turnId:
+        turn_ = *static_cast<const std::int64_t*>(property.data);
+        break;
     }
 }
 
@@ -297,6 +310,8 @@ void MediaPlayer::Engine::drawIfAsked() {
             return;
     }
     auto bitmap = width_ > 0 && height_ > 0 ? core_->draw(width_, height_) : std::nullopt;
+    if (bitmap && turn_ != 0)
+        bitmap = oriented(*bitmap, orientationOfTurn(turn_));
     {
         const Lock lock(mutex_);
         drawn_ = std::move(bitmap);

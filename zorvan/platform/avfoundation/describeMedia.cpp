@@ -140,7 +140,8 @@ std::vector<MediaMetadata> metadata(const AVFormatContext& input) {
     std::vector<MediaMetadata> entries;
     const AVDictionaryEntry* entry = nullptr;
     while ((entry = av_dict_get(input.metadata, "", entry, AV_DICT_IGNORE_SUFFIX)))
-        entries.push_back({names.identifier(entry->key), entry->value});
+        if (!MetadataNames::isOfFileFormat(entry->key))
+            entries.push_back({names.identifier(entry->key), entry->value});
     // The date of the container itself is that of its last rewriting; what people or cameras wrote
     // goes before it.
     std::stable_partition(entries.begin(), entries.end(), [](const MediaMetadata& e) {

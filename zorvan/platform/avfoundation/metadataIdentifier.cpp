@@ -1,7 +1,6 @@
 #include <zorvan/platform/avfoundation/internal/metadataIdentifier.h>
 
 #include <algorithm>
-#include <array>
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -27,6 +26,10 @@ MetadataNames::MetadataNames(const AVFormatContext& input) {
     // A QuickTime file need not state a brand.
     const bool isQuickTime = !brand || std::string_view(brand->value) == "qt  ";
     family_ = isQuickTime ? Family::quickTime : Family::iso;
+}
+
+bool MetadataNames::isOfFileFormat(std::string_view name) noexcept {
+    return name == "major_brand" || name == "minor_version" || name == "compatible_brands";
 }
 
 std::string MetadataNames::identifier(std::string_view name) const {

@@ -65,6 +65,7 @@ private:
     std::unique_ptr<MpvCore> core_;
     std::unique_ptr<OperationRunner> runner_;
     std::int64_t width_ = 0, height_ = 0;
+    std::int64_t turn_ = 0; // clockwise, in degrees, of what is drawn
     bool isAtEnd_ = false;
 
     std::mutex pictureMutex_; // one asks at a time

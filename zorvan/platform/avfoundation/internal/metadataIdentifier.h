@@ -19,6 +19,8 @@ public:
     explicit MetadataNames(const AVFormatContext& input);
 
     std::string identifier(std::string_view name) const;
+    /// Whether it tells of the format of the file rather than of what is in it.
+    static bool isOfFileFormat(std::string_view name) noexcept;
 
 private:
     enum class Family { quickTime, iso, other };
