@@ -24,6 +24,8 @@ struct CloseInput {
 };
 using Input = std::unique_ptr<AVFormatContext, CloseInput>;
 
+constexpr AVRational microsecond{1, AV_TIME_BASE};
+
 int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
     return AVERROR(EACCES);
 }
@@ -117,7 +119,7 @@ std::optional<MediaTime> asTime(std::int64_t value, AVRational unit) {
         return std::nullopt;
     if (unit.num == 1)
         return MediaTime{value, unit.den};
-    const std::int64_t microseconds = av_rescale_q(value, unit, AV_TIME_BASE_Q);
+    const std::int64_t microseconds = av_rescale_q(value, unit, microsecond);
     return microseconds < 0 ? std::nullopt : std::optional(MediaTime{microseconds, AV_TIME_BASE});
 }
 
@@ -132,7 +134,7 @@ std::optional<MediaTime> duration(const AVFormatContext& input) {
             longest = stream;
     }
     return longest ? asTime(longest->duration, longest->time_base)
-                   : asTime(input.duration, AV_TIME_BASE_Q);
+                   : asTime(input.duration, microsecond);
 }
 
 std::vector<MediaMetadata> metadata(const AVFormatContext& input) {
