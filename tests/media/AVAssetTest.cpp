@@ -148,9 +148,12 @@ TEST(AVAsset, DecodesOnlyWhereItMustAndMay) {
     testmovies::make("stream.ts", picture("96x64", "25") + Words{"-c:v", "libx264"});
     const auto header = describeMedia(testmovies::path("header.mp4"));
     EXPECT_EQ(header->tracks.at(0).naturalSize, CGSize(96, 64));
+    ASSERT_TRUE(header->tracks.at(0).frameDuration);
+    EXPECT_EQ(header->tracks.at(0).frameDuration->timescale, 25);
     const auto stream = describeMedia(testmovies::path("stream.ts"));
     EXPECT_EQ(stream->tracks.at(0).naturalSize, CGSize()) << "only a decoder knows";
     EXPECT_NEAR(stream->tracks.at(0).frameRate, 25, 0.01);
+    EXPECT_FALSE(stream->tracks.at(0).frameDuration);
 }
 
 Date moment(int hour) { return sys_days(2024y / 5 / 31) + hours(hour) + 34min + 56s; }

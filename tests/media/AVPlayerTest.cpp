@@ -103,13 +103,20 @@ TEST(AVPlayer, AccurateSeeksShowThePictureOfThatTime) {
 }
 
 TEST(AVPlayer, AccurateSeeksKeepToThePicturesOfFractionalRates) {
-    const auto player = readyPlayer(
-        testmovies::numbers("ntsc", {.rate = "24000/1001", .count = 60, .keyInterval = 250}));
-    for (const int number : {1, 17, 58, 59, 30}) {
-        const double start = number * 1001 / 24000.0;
-        for (const double offset : {0.0, 0.02, 0.0415}) {
-            EXPECT_TRUE(seekTo(*player, start + offset));
-            EXPECT_EQ(shownNumber(*player), number) << start << " + " << offset;
+    // The first says that its pictures last equally long, the last has no index. The second
+    // rounds times to milliseconds.
+    for (const std::string container : {"mp4", "mkv", "ts"}) {
+        const auto player = readyPlayer(testmovies::numbers(
+            "ntsc",
+            {.rate = "24000/1001", .container = container, .count = 60, .keyInterval = 250}));
+        for (const int number : {1, 17, 58, 59, 30}) {
+            const double start = number * 1001 / 24000.0;
+            for (const double offset : {0.001, 0.02, 0.0405}) {
+                EXPECT_TRUE(seekTo(*player, start + offset));
+                EXPECT_EQ(shownNumber(*player), number) << container << start << " + " << offset;
+            }
+            EXPECT_TRUE(stepBy(*player, -1));
+            EXPECT_EQ(shownNumber(*player), number - 1) << container;
         }
     }
 }

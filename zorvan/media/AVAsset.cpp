@@ -43,6 +43,10 @@ AVMediaType mediaType(MediaKind kind) {
     return AVMediaType::other;
 }
 
+CMTime asTime(const std::optional<MediaTime>& time, const CMTime& otherwise) {
+    return time ? CMTimeMake(time->value, time->timescale) : otherwise;
+}
+
 PropertyList textOrBytes(const std::string& value) {
     const bool isUTF8 = utf8FromUTF16(utf16FromUTF8(value)) == value;
     if (isUTF8)
@@ -58,14 +62,15 @@ AVAsset::Parts partsOf(const URL& url) {
     if (!file)
         return parts;
     for (const MediaTrack& track : file->tracks)
-        parts.tracks.value.push_back({.mediaType = mediaType(track.kind),
-                                      .nominalFrameRate = static_cast<float>(track.frameRate),
-                                      .naturalSize = track.naturalSize,
-                                      .preferredTransform = track.preferredTransform});
+        parts.tracks.value.push_back(
+            {.mediaType = mediaType(track.kind),
+             .nominalFrameRate = static_cast<float>(track.frameRate),
+             .naturalSize = track.naturalSize,
+             .preferredTransform = track.preferredTransform,
+             .minFrameDuration = asTime(track.frameDuration, kCMTimeInvalid)});
     for (const MediaMetadata& entry : file->metadata)
         parts.metadata.push_back({entry.identifier, textOrBytes(entry.value)});
-    if (file->duration)
-        parts.duration = CMTimeMake(file->duration->value, file->duration->timescale);
+    parts.duration = asTime(file->duration, kCMTimeIndefinite);
     return parts;
 }
 

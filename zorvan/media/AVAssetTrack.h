@@ -3,6 +3,7 @@
 #include <zorvan/media/AVMediaType.h>
 #include <zorvan/numbers-geometry/CGAffineTransform.h>
 #include <zorvan/numbers-geometry/CGSize.h>
+#include <zorvan/text/CMTime.h>
 
 namespace zorvan {
 
@@ -15,6 +16,9 @@ struct AVAssetTrack {
     CGSize naturalSize;
     /// How the pictures are to be laid out for showing.
     CGAffineTransform preferredTransform;
+    /// The shortest time between two pictures, when the header says that all last equally long;
+    /// else invalid.
+    CMTime minFrameDuration = kCMTimeInvalid;
 
     friend bool operator==(const AVAssetTrack&, const AVAssetTrack&) = default;
 };

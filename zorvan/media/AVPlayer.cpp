@@ -16,6 +16,17 @@ namespace zorvan {
 using avfoundation::MediaPlayer;
 using avfoundation::PlaybackClock;
 
+namespace {
+
+/// In seconds; 0 when it is not known, also of which track.
+double frameDuration(const AVAsset& asset) {
+    const auto tracks = asset.tracksWithMediaType(AVMediaType::video);
+    const bool isKnown = tracks.size() == 1 && tracks.front().minFrameDuration.isNumeric();
+    return isKnown ? tracks.front().minFrameDuration.seconds() : 0;
+}
+
+} // namespace
+
 /// Passes what the player's thread tells to the observers. Outlives the items.
 class AVPlayer::Observers : public MediaPlayer::Listener {
 public:
@@ -86,8 +97,8 @@ void AVPlayer::replaceCurrentItem(std::shared_ptr<AVPlayerItem> item) {
     if (item_) {
         item_->isInPlayer_ = true;
         if (!item_->hasFailed_)
-            item_->player_ =
-                std::make_unique<MediaPlayer>(item_->asset_->url()->path(), observers_);
+            item_->player_ = std::make_unique<MediaPlayer>(
+                item_->asset_->url()->path(), frameDuration(*item_->asset_), observers_);
     }
     setRate(rate);
 }

@@ -12,8 +12,9 @@ constexpr double farthest = 1e9;
 
 } // namespace
 
-MediaPlayer::MediaPlayer(const std::string& path, std::weak_ptr<Listener> listener)
-    : engine_(std::make_unique<Engine>(path, std::move(listener))) {}
+MediaPlayer::MediaPlayer(const std::string& path, double frameDuration,
+                         std::weak_ptr<Listener> listener)
+    : engine_(std::make_unique<Engine>(path, frameDuration, std::move(listener))) {}
 
 MediaPlayer::~MediaPlayer() = default;
 

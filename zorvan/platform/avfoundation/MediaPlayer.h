@@ -44,7 +44,9 @@ public:
     /// dropped or could not be done. On the player's thread, or at once after a failure.
     using Completion = std::function<void(bool finished)>;
 
-    MediaPlayer(const std::string& path, std::weak_ptr<Listener> listener);
+    /// `frameDuration` is how long every picture lasts, in seconds, and 0 when that is not known or
+    /// differs. Exact seeks are faster when it is given, and wrong when it is too long.
+    MediaPlayer(const std::string& path, double frameDuration, std::weak_ptr<Listener> listener);
     /// Stops playing; completions still due are called with false before it returns.
     ~MediaPlayer();
     MediaPlayer(const MediaPlayer&) = delete;

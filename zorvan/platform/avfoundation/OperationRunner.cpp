@@ -1,5 +1,6 @@
 #include <zorvan/platform/avfoundation/internal/OperationRunner.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace zorvan::avfoundation {
@@ -44,7 +45,31 @@ void OperationRunner::start(Operation operation, TimePoint now) {
 void OperationRunner::seek(TimePoint now) {
     const bool isExact = operation_.kind == Operation::Kind::exactSeek;
     awaitLanding(now);
-    core_.seek(++id_, operation_.seconds, isExact ? "absolute+exact" : "absolute+keyframes");
+    core_.seek(++id_, isExact ? exactTarget() : operation_.seconds,
+               isExact ? "absolute+exact" : "absolute+keyframes");
+}
+
+/// libmpv lands on the first picture that begins at most 5 ms before the target, or after it. So
+/// the one that is on show at a time is met at once when the target is that much less than a
+/// picture before the time; in the last moments of a picture it is the next one all the same.
+double OperationRunner::exactTarget() const noexcept {
+    constexpr double slack = 0.005;
+    const double moment = frameDuration_ / 50;
+    if (frameDuration_ < 2 * slack)
+        return operation_.seconds;
+    return std::max(operation_.seconds - frameDuration_ + slack + moment, 0.0);
+}
+
+/// A container without an index may lead behind the time sought, whence there is no way back.
+void OperationRunner::seekFromEarlier(TimePoint now) {
+    setDemuxerOffset(std::max(2 * demuxerOffset_, 20.0));
+    isCorrecting_ = false;
+    seek(now);
+}
+
+void OperationRunner::setDemuxerOffset(double seconds) {
+    demuxerOffset_ = seconds;
+    core_.setNumber("hr-seek-demuxer-offset", seconds);
 }
 
 void OperationRunner::stepBack(TimePoint now) {
@@ -120,14 +145,15 @@ void OperationRunner::didAnswer(std::uint64_t id, std::optional<double> seconds,
         isFirstTime_ = false;
         return hasMoved ? stepOnOrBack(now) : finish(true);
     }
-    // libmpv lands on the first picture that begins at or after the time. What is on show then is
-    // the one before it.
+    // Of a picture that begins after the time, the one before it is on show then.
     const bool isLate = operation_.kind == Operation::Kind::exactSeek && hasVideo_ &&
                         position_ > operation_.seconds + sameTime;
     if (isLate && !isCorrecting_) {
         isCorrecting_ = true;
         return stepBack(now);
     }
+    if (isLate && demuxerOffset_ <= operation_.seconds)
+        return seekFromEarlier(now);
     finish(true);
 }
 

@@ -13,7 +13,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
-constexpr std::uint64_t loadId = 1, timeId = 2, endId = 3, widthId = 4, heightId = 5, turnId = 6;
+constexpr std::uint64_t loadId = 1, timeId = 2, endId = 3, widthId = 4, heightId = 5, turnId = 6,
+                        formatId = 7;
 
 /// How often a seek or step under way is looked after when no event comes.
 constexpr auto checkInterval = 20ms;
@@ -25,9 +26,18 @@ int orientationOfTurn(std::int64_t degrees) {
     return orientations[(degrees % 360 + 360 + 45) / 90 % 4];
 }
 
+/// Where there is no index, a search in the file may end behind the key picture that is needed.
+/// Farther apart than this they seldom are.
+constexpr double offsetWithoutIndex = 10;
+
+bool hasIndex(std::string_view format) {
+    return format.starts_with("mov,") || format.starts_with("matroska,") || format == "avi";
+}
+
 } // namespace
 
-MediaPlayer::Engine::Engine(const std::string& path, std::weak_ptr<Listener> listener)
+MediaPlayer::Engine::Engine(const std::string& path, double frameDuration,
+                            std::weak_ptr<Listener> listener)
     : listener_(std::move(listener)) {
     clock_.at = Clock::now();
     core_ = MpvCore::create([this] { wake(); });
@@ -40,7 +50,8 @@ MediaPlayer::Engine::Engine(const std::string& path, std::weak_ptr<Listener> lis
     core_->observe(widthId, "video-out-params/dw", MPV_FORMAT_INT64);
     core_->observe(heightId, "video-out-params/dh", MPV_FORMAT_INT64);
     core_->observe(turnId, "current-tracks/video/demux-rotation", MPV_FORMAT_INT64);
-    runner_ = std::make_unique<OperationRunner>(*core_);
+    core_->observe(formatId, "file-format", MPV_FORMAT_STRING);
+    runner_ = std::make_unique<OperationRunner>(*core_, frameDuration);
     core_->command(loadId, {"loadfile", path.c_str()});
     runner_->start({.kind = Operation::Kind::open}, Clock::now());
     thread_ = std::thread([this] { run(); });
@@ -221,6 +232,10 @@ void MediaPlayer::Engine::handleChange(const mpv_event& event) {
         break;
     case turnId:
         turn_ = *static_cast<const std::int64_t*>(property.data);
+        break;
+    case formatId:
+        if (!hasIndex(*static_cast<char* const*>(property.data)))
+            runner_->setDemuxerOffset(offsetWithoutIndex);
         break;
     }
 }

@@ -10,6 +10,7 @@
 #include <memory>
 #include <new>
 #include <span>
+#include <string_view>
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -69,6 +70,15 @@ double frameRate(const AVStream& stream) {
         return static_cast<double>(stream.nb_frames) /
                (static_cast<double>(stream.duration) * unit);
     return positive(stream.r_frame_rate);
+}
+
+/// A QuickTime header lists how long each picture lasts, and FFmpeg sets this rate when it opens
+/// one whose pictures all last equally long. Later, and for other containers, it is a guess.
+std::optional<MediaTime> frameDuration(const AVFormatContext& input, const AVStream& stream) {
+    const AVRational rate = stream.r_frame_rate;
+    if (std::string_view(input.iformat->name).substr(0, 4) != "mov," || positive(rate) == 0)
+        return std::nullopt;
+    return MediaTime{rate.den, rate.num};
 }
 
 CGSize naturalSize(AVFormatContext& input, AVStream& stream) {
@@ -163,7 +173,8 @@ std::optional<MediaDescription> describeMedia(const std::string& path,
     const Input input = openInput(*file, options);
     if (!input)
         return std::nullopt;
-    if (needsPackets(*input) && avformat_find_stream_info(input.get(), nullptr) < 0)
+    const bool isGuess = needsPackets(*input);
+    if (isGuess && avformat_find_stream_info(input.get(), nullptr) < 0)
         return std::nullopt;
 
     MediaDescription description;
@@ -175,6 +186,8 @@ std::optional<MediaDescription> describeMedia(const std::string& path,
         if (track.kind != MediaKind::video)
             continue;
         track.frameRate = frameRate(*stream);
+        if (!isGuess)
+            track.frameDuration = frameDuration(*input, *stream);
         track.naturalSize = naturalSize(*input, *stream);
         track.preferredTransform = preferredTransform(*stream);
     }

@@ -22,6 +22,8 @@ struct MediaTrack {
     MediaKind kind = MediaKind::other;
     /// Frames per second on the average; 0 when it is not known, and for what is no video.
     double frameRate = 0;
+    /// How long every picture lasts, when the header says that all last equally long.
+    std::optional<MediaTime> frameDuration;
     /// In square pixels, before the transform; (0, 0) for what is no video.
     CGSize naturalSize;
     /// How the pictures are to be laid out for showing.

@@ -31,7 +31,9 @@ public:
         double seconds;
     };
 
-    explicit OperationRunner(MpvCore& core) : core_(core) {}
+    /// `frameDuration` as `MediaPlayer` has it.
+    OperationRunner(MpvCore& core, double frameDuration)
+        : core_(core), frameDuration_(frameDuration) {}
 
     bool isRunning() const noexcept { return phase_ != Phase::idle; }
     /// The core stands still afterwards.
@@ -39,6 +41,9 @@ public:
     /// Leaves out the steps not yet begun.
     void cutShort() noexcept { remainingSteps_ = 0; }
     void abort() { finish(false); }
+
+    /// How much earlier than a picture the file is to be read to find it.
+    void setDemuxerOffset(double seconds);
 
     void commandDidFail(std::uint64_t id);
     void didSeek() noexcept;
@@ -60,6 +65,8 @@ private:
     };
 
     void seek(TimePoint now);
+    void seekFromEarlier(TimePoint now);
+    double exactTarget() const noexcept;
     void askTime(TimePoint now);
     void stepOn(TimePoint now);
     void stepBack(TimePoint now);
@@ -70,6 +77,7 @@ private:
     void finish(bool finished);
 
     MpvCore& core_;
+    const double frameDuration_;
     Phase phase_ = Phase::idle;
     Operation operation_;
     std::optional<Outcome> outcome_;
@@ -78,6 +86,7 @@ private:
     std::uint64_t remainingSteps_ = 0;
     bool isFirstTime_ = false; // of a step: the time asked for is the one to start from
     bool isCorrecting_ = false;
+    double demuxerOffset_ = 0;
     bool hasVideo_ = false;
 
     std::uint64_t id_ = firstId;

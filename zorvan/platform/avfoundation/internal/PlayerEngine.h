@@ -15,7 +15,7 @@ namespace zorvan::avfoundation {
 /// The player's thread: it owns the core, passes on what is asked for, and tells the listener.
 class MediaPlayer::Engine {
 public:
-    Engine(const std::string& path, std::weak_ptr<Listener> listener);
+    Engine(const std::string& path, double frameDuration, std::weak_ptr<Listener> listener);
     ~Engine();
 
     Status status() const;
