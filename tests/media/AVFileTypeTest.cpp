@@ -1,0 +1,54 @@
+#include <zorvan/media/AVFileType.h>
+#include <zorvan/media/AVVideoCodecType.h>
+
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace zorvan {
+namespace {
+
+TEST(AVFileType, ExtensionsInTheirOrder) {
+    std::vector<std::string_view> extensions;
+    for (const AVFileType& type : AVFileType::allValues())
+        extensions.push_back(type.pathExtension());
+    EXPECT_EQ(extensions,
+              (std::vector<std::string_view>{"ac3",  "amr",  "dng", "3gp", "aifc", "aiff", "avci",
+                                             "heic", "heif", "jpg", "tif", "wav",  "3g2",  "mp4",
+                                             "au",   "m4a",  "m4v", "mp3", "eac3", "mov"}));
+    EXPECT_EQ(AVFileTypeCoreAudioFormat.pathExtension(), "caf");
+}
+
+TEST(AVFileType, IndexIsThePositionAmongAllValues) {
+    EXPECT_EQ(AVFileTypeAC3.index(), 0);
+    EXPECT_EQ(AVFileTypeTIFF.index(), 10);
+    EXPECT_EQ(AVFileTypeQuickTimeMovie.index(), 19);
+    EXPECT_EQ(AVFileTypeCoreAudioFormat.index(), 0);
+    EXPECT_EQ(AVFileType({.rawValue = "public.mpeg-4"}).index(), AVFileTypeMPEG4.index());
+}
+
+TEST(AVFileType, UnknownTypesHaveNoExtension) {
+    const AVFileType unknown({.rawValue = "org.example.film"});
+    EXPECT_EQ(unknown.index(), 0);
+    EXPECT_DEATH(static_cast<void>(unknown.pathExtension()),
+                 "^AVFileType is not supported org.example.film\n$");
+}
+
+TEST(AVFileType, ValuesKeepTheirText) {
+    std::unordered_set<AVFileType> types{AVFileTypeMPEG4};
+    {
+        AVFileType made({.rawValue = std::string("org.example.") + "a-rather-long-identifier"});
+        const AVFileType moved = std::move(made);
+        EXPECT_EQ(made, moved);
+        types.insert(moved);
+    }
+    types.insert(AVFileType({.rawValue = "public.mpeg-4"}));
+    EXPECT_EQ(types.size(), 2u);
+    EXPECT_TRUE(types.contains(AVFileType({.rawValue = "org.example.a-rather-long-identifier"})));
+    EXPECT_EQ(AVVideoCodecTypeHEVC.rawValue(), "hvc1");
+}
+
+} // namespace
+} // namespace zorvan

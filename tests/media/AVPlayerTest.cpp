@@ -1,0 +1,386 @@
+#include "TestMovies.h"
+
+#include <zorvan/media/AVPlayer.h>
+#include <zorvan/platform/dispatch/MainQueue.h>
+#include <zorvan/platform/dispatch/NSThread.h>
+
+#include <chrono>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace zorvan {
+namespace {
+
+using namespace std::chrono_literals;
+using testmovies::Numbers;
+using Clock = std::chrono::steady_clock;
+
+/// Pumps the main queue until then; whether it came true in time.
+bool waitUntil(const std::function<bool()>& condition, Clock::duration limit = 20s) {
+    const auto deadline = Clock::now() + limit;
+    while (!condition()) {
+        if (Clock::now() > deadline)
+            return false;
+        MainQueue::runUntil(Clock::now() + 2ms);
+    }
+    return true;
+}
+
+void pump(Clock::duration time) { MainQueue::runUntil(Clock::now() + time); }
+
+/// The number that the picture on show carries; -1 without a picture.
+int shownNumber(const AVPlayer& player) {
+    const auto picture = player.currentItem()->currentPicture();
+    if (!picture)
+        return -1;
+    int number = 0;
+    for (int bit = 0; bit < testmovies::numberBits; ++bit) {
+        const int x = bit * testmovies::bitWidth + testmovies::bitWidth / 2;
+        if (picture->row(testmovies::numberHeight / 2)[x * 4] > 127)
+            number |= 1 << bit;
+    }
+    return number;
+}
+
+std::shared_ptr<AVPlayer> readyPlayer(const URL& url) {
+    auto player = AVPlayer::create(url);
+    EXPECT_TRUE(waitUntil(
+        [&] { return player->currentItem()->status() == AVPlayerItem::Status::readyToPlay; }));
+    return player;
+}
+
+/// Starts something that takes a completion, and waits for it.
+bool finishes(const std::function<void(AVPlayer::Completion)>& start) {
+    std::optional<bool> result;
+    start([&](bool finished) { result = finished; });
+    EXPECT_TRUE(waitUntil([&] { return result.has_value(); }));
+    return result.value_or(false);
+}
+
+bool seekTo(AVPlayer& player, double seconds) {
+    return finishes(
+        [&](auto done) { player.seekAccurately(CMTime({.seconds = seconds}), std::move(done)); });
+}
+
+bool stepBy(AVPlayer& player, std::int64_t count) {
+    return finishes([&](auto done) { player.step({.byCount = count}, std::move(done)); });
+}
+
+TEST(AVPlayer, IsReadyAtTheStartOfItsItemAndPaused) {
+    const auto player = readyPlayer(testmovies::numbers("plain"));
+    EXPECT_EQ(player->rate(), 0);
+    EXPECT_EQ(player->currentTime(), kCMTimeZero);
+    EXPECT_EQ(player->duration()->seconds(), 4);
+    EXPECT_EQ(shownNumber(*player), 0);
+}
+
+struct Place {
+    double seconds;
+    int number;
+};
+
+TEST(AVPlayer, AccurateSeeksShowThePictureOfThatTime) {
+    const auto player = readyPlayer(testmovies::numbers("plain"));
+    for (const auto& [seconds, number] : std::vector<Place>{{1, 25},
+                                                            {1.01, 25},
+                                                            {1.0399, 25},
+                                                            {1.04, 26},
+                                                            {0, 0},
+                                                            {0.039, 0},
+                                                            {3.97, 99},
+                                                            {-5, 0},
+                                                            {2.5, 62},
+                                                            {1000, 99},
+                                                            {2.52, 63}}) {
+        EXPECT_TRUE(seekTo(*player, seconds));
+        EXPECT_EQ(shownNumber(*player), number) << seconds;
+        EXPECT_NEAR(player->currentTime().seconds(), number / 25.0, 1e-6) << seconds;
+    }
+}
+
+TEST(AVPlayer, AccurateSeeksKeepToThePicturesOfFractionalRates) {
+    // The first says that its pictures last equally long, the last has no index. The second
+    // rounds times to milliseconds.
+    for (const std::string container : {"mp4", "mkv", "ts"}) {
+        const auto player = readyPlayer(testmovies::numbers(
+            "ntsc",
+            {.rate = "24000/1001", .container = container, .count = 60, .keyInterval = 250}));
+        for (const int number : {1, 17, 58, 59, 30}) {
+            const double start = number * 1001 / 24000.0;
+            for (const double offset : {0.001, 0.02, 0.0405}) {
+                EXPECT_TRUE(seekTo(*player, start + offset));
+                EXPECT_EQ(shownNumber(*player), number) << container << start << " + " << offset;
+            }
+            EXPECT_TRUE(stepBy(*player, -1));
+            EXPECT_EQ(shownNumber(*player), number - 1) << container;
+        }
+    }
+}
+
+TEST(AVPlayer, AccurateSeeksKeepToPicturesOfUnequalLength) {
+    // The odd pictures come 16 ms late, so that the even ones last 56 ms and the odd ones 24.
+    const auto player = readyPlayer(testmovies::numbers(
+        "unequal",
+        {.count = 50,
+         .options = {"-vf", "settb=1/90000,setpts=(N+mod(N\\,2)*0.4)/25/TB", "-fps_mode", "vfr",
+                     "-enc_time_base", "1/90000", "-video_track_timescale", "90000"}}));
+    for (const auto& [seconds, number] : std::vector<Place>{
+             {0.41, 10}, {0.45, 10}, {0.457, 11}, {0.479, 11}, {0.481, 12}, {1.83, 45}}) {
+        EXPECT_TRUE(seekTo(*player, seconds));
+        EXPECT_EQ(shownNumber(*player), number) << seconds;
+    }
+}
+
+TEST(AVPlayer, InaccurateSeeksLandOnAKeyPictureBefore) {
+    const auto player = readyPlayer(testmovies::numbers("plain"));
+    for (const auto& [seconds, number] :
+         std::vector<Place>{{1.9, 25}, {2.7, 50}, {3.99, 75}, {0.5, 0}}) {
+        EXPECT_TRUE(finishes([&, s = seconds](auto done) {
+            player->seekInaccurately(CMTime({.seconds = s}), std::move(done));
+        }));
+        EXPECT_EQ(shownNumber(*player), number) << seconds;
+    }
+}
+
+TEST(AVPlayer, TimesThatAreNoNumberAreNotSought) {
+    const auto player = readyPlayer(testmovies::numbers("plain"));
+    ASSERT_TRUE(seekTo(*player, 1));
+    for (const CMTime& time : {kCMTimeInvalid, kCMTimeIndefinite})
+        EXPECT_FALSE(finishes([&](auto done) { player->seekAccurately(time, std::move(done)); }));
+    EXPECT_EQ(shownNumber(*player), 25);
+    EXPECT_TRUE(finishes(
+        [&](auto done) { player->seekAccurately(kCMTimePositiveInfinity, std::move(done)); }));
+    EXPECT_EQ(shownNumber(*player), 99);
+}
+
+TEST(AVPlayer, AFurtherSeekTakesThePlaceOfTheOneThatWaits) {
+    const auto player = readyPlayer(testmovies::numbers("plain"));
+    std::vector<int> finished, dropped;
+    for (int i = 1; i <= 20; ++i)
+        player->seekAccurately(CMTimeMake(i, 10),
+                               [&, i](bool landed) { (landed ? finished : dropped).push_back(i); });
+    EXPECT_EQ(player->currentTime(), CMTimeMake(2, 1)) << "the time asked for";
+    ASSERT_TRUE(waitUntil([&] { return finished.size() + dropped.size() == 20; }));
+    EXPECT_EQ(finished.back(), 20);
+    EXPECT_FALSE(dropped.empty());
+    EXPECT_EQ(shownNumber(*player), 50);
+}
+
+TEST(AVPlayer, StepsBothWaysAndStopsAtTheEnds) {
+    const auto player = readyPlayer(testmovies::numbers("plain"));
+    ASSERT_TRUE(seekTo(*player, 1));
+    for (const auto& [count, number] : std::vector<std::pair<int, int>>{
+             {1, 26}, {1, 27}, {-1, 26}, {-3, 23}, {7, 30}, {0, 30}, {-100, 0}, {2, 2}}) {
+        EXPECT_TRUE(stepBy(*player, count));
+        EXPECT_EQ(shownNumber(*player), number) << count;
+        EXPECT_NEAR(player->currentTime().seconds(), number / 25.0, 1e-6) << count;
+    }
+    ASSERT_TRUE(seekTo(*player, 3.9));
+    EXPECT_TRUE(stepBy(*player, std::numeric_limits<std::int64_t>::max()));
+    EXPECT_EQ(shownNumber(*player), 99);
+    EXPECT_TRUE(stepBy(*player, -1));
+    EXPECT_EQ(shownNumber(*player), 98);
+
+    player->seekNextFrame();
+    player->seekPreviousFrame();
+    player->seekPreviousFrame();
+    EXPECT_TRUE(waitUntil([&] { return player->currentTime() == CMTimeMake(97, 25); }));
+}
+
+TEST(AVPlayer, PlaysOnAfterAStep) {
+    const auto player = readyPlayer(testmovies::numbers("plain"));
+    player->play();
+    EXPECT_TRUE(stepBy(*player, 5));
+    EXPECT_TRUE(player->isPlaying());
+    EXPECT_TRUE(waitUntil([&] { return player->currentTime() > 0.5; }));
+}
+
+TEST(AVPlayer, PlaysPausesAndEnds) {
+    const auto player = readyPlayer(testmovies::numbers("short", {.count = 20}));
+    player->playPause();
+    EXPECT_EQ(player->rate(), 1);
+    ASSERT_TRUE(waitUntil([&] { return shownNumber(*player) >= 5; }));
+    player->playPause();
+    EXPECT_FALSE(player->isPlaying());
+    pump(100ms); // for the core to have stopped
+    const int number = shownNumber(*player);
+    pump(200ms);
+    EXPECT_EQ(shownNumber(*player), number);
+    EXPECT_LT(number, 19);
+
+    player->setRate(4);
+    EXPECT_TRUE(waitUntil([&] { return !player->isPlaying(); }));
+    EXPECT_EQ(shownNumber(*player), 19);
+    player->play();
+    EXPECT_TRUE(waitUntil([&] { return !player->isPlaying(); })) << "it stays at the end";
+    ASSERT_TRUE(seekTo(*player, 0));
+    player->play();
+    EXPECT_TRUE(waitUntil([&] { return shownNumber(*player) >= 3; })) << "and leaves it by a seek";
+}
+
+TEST(AVPlayer, RatesThatCannotBePlayed) {
+    const auto player = AVPlayer::create(testmovies::numbers("short", {.count = 20}));
+    player->setRate(-1);
+    EXPECT_EQ(player->rate(), 0);
+    player->setRate(std::numeric_limits<float>::quiet_NaN());
+    EXPECT_TRUE(player->isPlaying());
+    player->playPause();
+    EXPECT_EQ(player->rate(), 0);
+    player->setRate(std::numeric_limits<float>::infinity());
+    EXPECT_EQ(player->rate(), 100);
+}
+
+TEST(AVPlayer, WithoutAnItem) {
+    const auto player = AVPlayer::create();
+    EXPECT_FALSE(player->duration());
+    EXPECT_EQ(player->currentTime(), kCMTimeZero);
+    EXPECT_FALSE(seekTo(*player, 1));
+    EXPECT_FALSE(stepBy(*player, 1));
+    player->playPause();
+    EXPECT_TRUE(player->isPlaying());
+    player->replaceCurrentItem(AVPlayerItem::create(testmovies::numbers("plain")));
+    EXPECT_TRUE(waitUntil([&] { return shownNumber(*player) >= 3; })) << "it plays its first item";
+}
+
+TEST(AVPlayer, ItemsMoveFromPlayerToPlayer) {
+    const auto item = AVPlayerItem::create(testmovies::numbers("plain"));
+    const auto first = AVPlayer::create(item);
+    EXPECT_DEATH(AVPlayer::create(item), "^AVPlayerItem is already in a player\n$");
+    first->replaceCurrentItem(nullptr);
+    EXPECT_EQ(item->status(), AVPlayerItem::Status::unknown);
+    const auto second = AVPlayer::create(item);
+    ASSERT_TRUE(seekTo(*second, 2));
+    EXPECT_EQ(shownNumber(*second), 50);
+}
+
+TEST(AVPlayer, ObserversFollowPlayingAndItsRate) {
+    const auto player = readyPlayer(testmovies::numbers("plain"));
+    for (const float rate : {1.0f, 2.0f}) {
+        ASSERT_TRUE(seekTo(*player, 0));
+        std::vector<double> times;
+        bool isMain = true;
+        const auto observer = player->addTimeObserver({.fps = 50}, [&](const CMTime& time) {
+            times.push_back(time.seconds());
+            isMain = isMain && NSThread::isMainThread();
+        });
+        player->setRate(rate);
+        ASSERT_TRUE(waitUntil([&] { return player->currentTime() > 1; }));
+        player->removeTimeObserver(observer);
+        player->pause();
+        EXPECT_TRUE(isMain);
+        // Every 20 ms of the movie, but a busy machine may take some together.
+        EXPECT_GT(times.size(), 20u) << rate;
+        EXPECT_LT(times.size(), 60u) << rate;
+        EXPECT_TRUE(std::is_sorted(times.begin(), times.end())) << rate;
+        const std::size_t count = times.size();
+        pump(150ms);
+        EXPECT_EQ(times.size(), count) << "removed";
+    }
+}
+
+TEST(AVPlayer, ObserversAreToldOfJumpsAndStops) {
+    const auto player = readyPlayer(testmovies::numbers("plain"));
+    pump(50ms);
+    std::vector<double> times;
+    const auto observer =
+        player->addTimeObserver([&](const CMTime& time) { times.push_back(time.seconds()); });
+    pump(100ms);
+    EXPECT_TRUE(times.empty()) << "paused, nothing happens";
+    ASSERT_TRUE(seekTo(*player, 3));
+    ASSERT_TRUE(seekTo(*player, 1));
+    ASSERT_TRUE(stepBy(*player, 1));
+    EXPECT_EQ(times, (std::vector<double>{3, 1, 1.04}));
+    player->play();
+    ASSERT_TRUE(waitUntil([&] { return times.size() >= 6; }));
+    EXPECT_LT(times.back(), 2);
+    player->pause();
+    pump(200ms);
+    const std::size_t count = times.size();
+    EXPECT_NEAR(times.back(), player->currentTime().seconds(), 0.05) << "told where it stopped";
+    pump(200ms);
+    EXPECT_EQ(times.size(), count);
+}
+
+TEST(AVPlayer, ObserversMayEndWithinTheirBlockAndRunOnOtherQueues) {
+    const auto player = readyPlayer(testmovies::numbers("plain"));
+    int calls = 0;
+    std::shared_ptr<PeriodicTimeObserver> observer;
+    observer = player->addTimeObserver([&](const CMTime&) {
+        ++calls;
+        player->removeTimeObserver(observer);
+        player->removeTimeObserver(observer);
+    });
+    std::atomic<int> elsewhere = 0;
+    player->addPeriodicTimeObserver(
+        {.interval = CMTimeMake(1, 50), .queue = DispatchQueue::create("observers")},
+        [&](const CMTime&) { elsewhere += NSThread::isMainThread() ? 1000 : 1; });
+    int jumps = 0;
+    player->addTimeObserver({.fps = 0}, [&](const CMTime&) { ++jumps; });
+    player->play();
+    ASSERT_TRUE(waitUntil([&] { return elsewhere > 10; }));
+    EXPECT_LT(elsewhere, 1000);
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(jumps, 1) << "without an interval: the start alone";
+}
+
+TEST(AVPlayer, StopsForARateBeyondTimeScales) {
+    const auto player = AVPlayer::create();
+    EXPECT_DEATH(player->addTimeObserver({.fps = std::int64_t{1} << 31}, [](const CMTime&) {}),
+                 "^Frame rate does not fit a time scale\n$");
+}
+
+TEST(AVPlayer, SeveralAtOnceDoNotDisturbEachOther) {
+    const URL movie = testmovies::numbers("plain");
+    std::vector<std::shared_ptr<AVPlayer>> players;
+    for (int i = 0; i < 4; ++i)
+        players.push_back(readyPlayer(movie));
+    int landed = 0;
+    for (std::size_t i = 0; i < players.size(); ++i)
+        players[i]->seekAccurately(CMTimeMake(static_cast<std::int64_t>(i) * 10 + 5, 25),
+                                   [&](bool finished) { landed += finished; });
+    ASSERT_TRUE(waitUntil([&] { return landed == 4; }));
+    players[3]->play();
+    ASSERT_TRUE(waitUntil([&] { return shownNumber(*players[3]) > 40; }));
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_EQ(shownNumber(*players[i]), static_cast<int>(i) * 10 + 5);
+}
+
+TEST(AVPlayer, GoesAwayAtAnyMoment) {
+    const URL movie = testmovies::numbers("plain");
+    const auto begun = Clock::now();
+    int answers = 0;
+    for (int i = 0; i < 24; ++i) {
+        auto player = AVPlayer::create(movie);
+        player->addTimeObserver([kept = player->currentItem()](const CMTime&) {});
+        player->play();
+        pump(std::chrono::milliseconds(i * 4));
+        player->seekAccurately(CMTimeMake(3, 1), [&](bool) { ++answers; });
+        player->step({.byCount = 3}, [&](bool) { ++answers; });
+        if (i % 3 == 1)
+            pump(3ms);
+        player.reset();
+    }
+    EXPECT_TRUE(waitUntil([&] { return answers == 48; })) << answers;
+    EXPECT_LT(Clock::now() - begun, 60s);
+}
+
+TEST(AVPlayer, ShowsPicturesUpright) {
+    testmovies::numbers("turned", {.count = 5});
+    testmovies::setMatrix("turned.mp4", 0, {0, 1, -1, 0, 32, 0}); // clockwise
+    const auto player = readyPlayer(testmovies::url("turned.mp4"));
+    ASSERT_TRUE(seekTo(*player, 0.041));
+    const auto picture = player->currentItem()->currentPicture();
+    ASSERT_TRUE(picture);
+    EXPECT_EQ(picture->width(), 32);
+    EXPECT_EQ(picture->height(), 128);
+    EXPECT_GT(picture->row(8)[16 * 4], 200) << "the lowest bit, once at the left";
+    EXPECT_LT(picture->row(100)[16 * 4], 50);
+    EXPECT_EQ(picture->row(100)[16 * 4 + 3], 255);
+}
+
+} // namespace
+} // namespace zorvan

@@ -1,0 +1,93 @@
+#include "TestMovies.h"
+
+#include <zorvan/media/AVPlayer.h>
+#include <zorvan/platform/dispatch/MainQueue.h>
+
+#include <chrono>
+#include <random>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace zorvan {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+/// Plays what can be played of it to its end; fails the test when that does not come.
+AVPlayerItem::Status play(const URL& url) {
+    const auto item = AVPlayerItem::create(url);
+    const auto player = AVPlayer::create(item);
+    player->setRate(20);
+    const auto deadline = Clock::now() + 20s;
+    while (player->rate() != 0 && Clock::now() < deadline)
+        MainQueue::runUntil(Clock::now() + 5ms);
+    EXPECT_EQ(player->rate(), 0) << url.path();
+    item->currentPicture();
+    return item->status();
+}
+
+TEST(DamagedMovies, WhatIsNoMovieFails) {
+    testmovies::numbers("good", {.count = 10});
+    const std::string good = testmovies::path("good.mp4");
+    testmovies::write("empty.mp4", "");
+    testmovies::write("text.mp4", "Dear reader, this is no movie.\n");
+    testmovies::write("zeros.mp4", std::string(100'000, '\0'));
+    testmovies::write("header.mp4", testmovies::read("good.mp4").substr(0, 40));
+    testmovies::write("playlist.m3u8", "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\n" + good +
+                                           "\n#EXT-X-ENDLIST\n");
+    testmovies::write("playlist.mp4", "#EXTM3U\n" + good + "\n");
+    testmovies::write("concat.ffconcat", "ffconcat version 1.0\nfile '" + good + "'\n");
+    testmovies::write("edit.edl", "# mpv EDL v0\n" + good + "\n");
+    testmovies::write("sheet.cue", "FILE \"" + good + "\" WAVE\n  TRACK 01 AUDIO\n");
+    testmovies::write("cast.sdp", "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\n"
+                                  "m=video 5004 RTP/AVP 96\na=rtpmap:96 H264/90000\n");
+    ASSERT_EQ(mkfifo(testmovies::path("pipe.mp4").c_str(), 0600), 0);
+    ASSERT_EQ(mkdir(testmovies::path("folder.mp4").c_str(), 0700), 0);
+    for (const char* name : {"empty.mp4", "text.mp4", "zeros.mp4", "header.mp4", "playlist.m3u8",
+                             "playlist.mp4", "concat.ffconcat", "edit.edl", "sheet.cue", "cast.sdp",
+                             "pipe.mp4", "folder.mp4", "missing.mp4"}) {
+        const auto asset = AVAsset::create(testmovies::url(name));
+        EXPECT_FALSE(asset->isReadable()) << name;
+        EXPECT_FALSE(asset->duration().isNumeric()) << name;
+        EXPECT_EQ(play(testmovies::url(name)), AVPlayerItem::Status::failed) << name;
+    }
+    for (const char* text : {"http://127.0.0.1:9/movie.mp4", "edl:///tmp/x", "lavfi://testsrc"})
+        EXPECT_EQ(play(*URL::make({.string = text})), AVPlayerItem::Status::failed) << text;
+}
+
+TEST(DamagedMovies, CutAnywhereTheyPlayAsFarAsTheyGoOrFail) {
+    testmovies::numbers("long", {.count = 50, .options = {"-movflags", "+faststart"}});
+    testmovies::numbers("blocks", {.container = "mkv", .count = 50});
+    for (const std::string extension : {".mp4", ".mkv"}) {
+        const std::string bytes =
+            testmovies::read((extension == ".mp4" ? "long" : "blocks") + extension);
+        for (std::size_t part = 1; part < 8; ++part) {
+            const std::string name = "cut" + std::to_string(part) + extension;
+            testmovies::write(name, bytes.substr(0, bytes.size() * part / 8));
+            play(testmovies::url(name));
+        }
+    }
+}
+
+TEST(DamagedMovies, WithBytesChangedTheyPlayOrFail) {
+    testmovies::numbers("changed", {.count = 30});
+    const std::string bytes = testmovies::read("changed.mp4");
+    const std::size_t head = bytes.rfind("moov");
+    ASSERT_NE(head, bytes.npos);
+    std::minstd_rand random(5);
+    for (int round = 0; round < 30; ++round) {
+        std::string damaged = bytes;
+        for (int i = 0; i < 6; ++i) {
+            const std::size_t start = round % 2 == 0 ? head : 0;
+            damaged[start + random() % (damaged.size() - start)] = static_cast<char>(random());
+        }
+        testmovies::write("damaged.mp4", damaged);
+        play(testmovies::url("damaged.mp4"));
+    }
+}
+
+} // namespace
+} // namespace zorvan

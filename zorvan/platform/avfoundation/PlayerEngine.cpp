@@ -1,0 +1,387 @@
+#include <zorvan/platform/avfoundation/internal/PlayerEngine.h>
+
+#include <zorvan/platform/graphics/ExactTransforms.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+#include <utility>
+
+namespace zorvan::avfoundation {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using namespace std::chrono_literals;
+
+constexpr std::uint64_t loadId = 1, timeId = 2, endId = 3, widthId = 4, heightId = 5, turnId = 6,
+                        formatId = 7;
+
+/// How often a seek or step under way is looked after when no event comes.
+constexpr auto checkInterval = 20ms;
+
+/// The EXIF orientation of a picture that is to be turned clockwise by so many degrees. There are
+/// quarter turns only.
+int orientationOfTurn(std::int64_t degrees) {
+    constexpr int orientations[] = {1, 6, 3, 8};
+    return orientations[(degrees % 360 + 360 + 45) / 90 % 4];
+}
+
+/// Where there is no index, a search in the file may end behind the key picture that is needed.
+/// Farther apart than this they seldom are.
+constexpr double offsetWithoutIndex = 10;
+
+bool hasIndex(std::string_view format) {
+    return format.starts_with("mov,") || format.starts_with("matroska,") || format == "avi";
+}
+
+} // namespace
+
+MediaPlayer::Engine::Engine(const std::string& path, double frameDuration,
+                            std::weak_ptr<Listener> listener)
+    : listener_(std::move(listener)) {
+    clock_.at = Clock::now();
+    core_ = MpvCore::create([this] { wake(); });
+    if (!core_) {
+        status_ = Status::failed;
+        return;
+    }
+    core_->observe(timeId, "time-pos", MPV_FORMAT_DOUBLE);
+    core_->observe(endId, "eof-reached", MPV_FORMAT_FLAG);
+    core_->observe(widthId, "video-out-params/dw", MPV_FORMAT_INT64);
+    core_->observe(heightId, "video-out-params/dh", MPV_FORMAT_INT64);
+    core_->observe(turnId, "current-tracks/video/demux-rotation", MPV_FORMAT_INT64);
+    core_->observe(formatId, "file-format", MPV_FORMAT_STRING);
+    runner_ = std::make_unique<OperationRunner>(*core_, frameDuration);
+    core_->command(loadId, {"loadfile", path.c_str()});
+    runner_->start({.kind = Operation::Kind::open}, Clock::now());
+    thread_ = std::thread([this] { run(); });
+}
+
+MediaPlayer::Engine::~Engine() {
+    {
+        const Lock lock(mutex_);
+        isStopping_ = true;
+    }
+    changed_.notify_all();
+    if (thread_.joinable())
+        thread_.join();
+    core_.reset();
+}
+
+MediaPlayer::Status MediaPlayer::Engine::status() const {
+    const Lock lock(mutex_);
+    return status_;
+}
+
+PlaybackClock MediaPlayer::Engine::clock() const {
+    const Lock lock(mutex_);
+    return clock_;
+}
+
+double MediaPlayer::Engine::rate() const {
+    const Lock lock(mutex_);
+    return rate_;
+}
+
+void MediaPlayer::Engine::setRate(double rate) {
+    {
+        const Lock lock(mutex_);
+        if (status_ == Status::failed)
+            return;
+        rate_ = rate > 0 ? std::clamp(rate, 0.01, 100.0) : 0;
+        isRateNew_ = true;
+    }
+    changed_.notify_all();
+}
+
+void MediaPlayer::Engine::add(Operation operation) {
+    Lock lock(mutex_);
+    if (status_ == Status::failed) {
+        lock.unlock();
+        if (operation.completion)
+            operation.completion(false);
+        return;
+    }
+    if (operation.kind != Operation::Kind::step) {
+        std::move(waiting_.begin(), waiting_.end(), std::back_inserter(dropped_));
+        waiting_.clear();
+        clock_ = {operation.seconds, 0, Clock::now()};
+    }
+    waiting_.push_back(std::move(operation));
+    lock.unlock();
+    changed_.notify_all();
+}
+
+std::optional<Bitmap> MediaPlayer::Engine::picture() {
+    const std::scoped_lock one(pictureMutex_);
+    Lock lock(mutex_);
+    if (status_ != Status::ready)
+        return std::nullopt;
+    isPictureAsked_ = true;
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return !isPictureAsked_ || isStopping_; });
+    return std::exchange(drawn_, std::nullopt);
+}
+
+void MediaPlayer::Engine::wake() {
+    {
+        const Lock lock(mutex_);
+        isWoken_ = true;
+    }
+    changed_.notify_all();
+}
+
+void MediaPlayer::Engine::run() {
+    while (waitForWork()) {
+        handleEvents();
+        if (core_->takeFrame())
+            runner_->didTakeFrame();
+        if (auto outcome = runner_->advance(width_ > 0, Clock::now()))
+            handle(std::move(*outcome));
+        startNext();
+        applyRate();
+        drawIfAsked();
+    }
+    runner_->abort();
+    if (const auto outcome = runner_->advance(false, Clock::now()))
+        if (outcome->operation.completion)
+            outcome->operation.completion(false);
+    dropWaiting();
+}
+
+/// False when the player is to end.
+bool MediaPlayer::Engine::waitForWork() {
+    Lock lock(mutex_);
+    const auto hasWork = [this] {
+        if (isStopping_ || isWoken_ || isPictureAsked_ || !dropped_.empty())
+            return true;
+        return !runner_->isRunning() && (isRateNew_ || !waiting_.empty());
+    };
+    if (runner_->isRunning())
+        changed_.wait_for(lock, checkInterval, hasWork);
+    else
+        changed_.wait(lock, hasWork);
+    isWoken_ = false;
+    return !isStopping_;
+}
+
+void MediaPlayer::Engine::handleEvents() {
+    for (;;) {
+        const mpv_event& event = core_->nextEvent();
+        if (event.event_id == MPV_EVENT_NONE)
+            return;
+        handle(event);
+    }
+}
+
+void MediaPlayer::Engine::handle(const mpv_event& event) {
+    switch (event.event_id) {
+    case MPV_EVENT_SEEK:
+        runner_->didSeek();
+        break;
+    case MPV_EVENT_PLAYBACK_RESTART:
+        runner_->didRestart(Clock::now());
+        break;
+    case MPV_EVENT_COMMAND_REPLY:
+        if (event.error < 0)
+            event.reply_userdata == loadId ? fail() : runner_->commandDidFail(event.reply_userdata);
+        break;
+    case MPV_EVENT_GET_PROPERTY_REPLY: {
+        std::optional<double> seconds;
+        if (event.error >= 0)
+            seconds = *static_cast<double*>(static_cast<mpv_event_property*>(event.data)->data);
+        runner_->didAnswer(event.reply_userdata, seconds, Clock::now());
+        break;
+    }
+    case MPV_EVENT_PROPERTY_CHANGE:
+        handleChange(event);
+        break;
+    // A file that plays stays open at its end; one that closes cannot be played.
+    case MPV_EVENT_END_FILE:
+    case MPV_EVENT_SHUTDOWN:
+        fail();
+        break;
+    default:
+        break;
+    }
+}
+
+void MediaPlayer::Engine::handleChange(const mpv_event& event) {
+    const auto& property = *static_cast<const mpv_event_property*>(event.data);
+    if (property.format == MPV_FORMAT_NONE)
+        return;
+    switch (event.reply_userdata) {
+    case timeId: {
+        const double seconds = *static_cast<const double*>(property.data);
+        runner_->didChangeTime(seconds);
+        if (!runner_->isRunning())
+            setClock(seconds, false);
+        break;
+    }
+    case endId:
+        isAtEnd_ = *static_cast<const int*>(property.data) != 0;
+        runner_->didReachEnd(isAtEnd_);
+        if (isAtEnd_ && !runner_->isRunning())
+            endPlaying();
+        break;
+    case widthId:
+        width_ = *static_cast<const std::int64_t*>(property.data);
+        break;
+    case heightId:
+        height_ = *static_cast<const std::int64_t*>(property.data);
+        break;
+    case turnId:
+        turn_ = *static_cast<const std::int64_t*>(property.data);
+        break;
+    case formatId:
+        if (!hasIndex(*static_cast<char* const*>(property.data)))
+            runner_->setDemuxerOffset(offsetWithoutIndex);
+        break;
+    }
+}
+
+void MediaPlayer::Engine::startNext() {
+    dropWaiting();
+    std::optional<Operation> next;
+    PlaybackClock clock;
+    {
+        const Lock lock(mutex_);
+        if (waiting_.empty())
+            return;
+        if (runner_->isRunning()) {
+            if (waiting_.front().kind != Operation::Kind::step)
+                runner_->cutShort();
+            return;
+        }
+        next = std::move(waiting_.front());
+        waiting_.pop_front();
+        const bool isStep = next->kind == Operation::Kind::step;
+        const double seconds = isStep ? clock_.secondsAt(Clock::now()) : next->seconds;
+        clock = clock_ = {seconds, 0, Clock::now()};
+    }
+    if (const auto listener = listener_.lock())
+        listener->clockDidChange(clock, false);
+    runner_->start(std::move(*next), Clock::now());
+}
+
+void MediaPlayer::Engine::handle(OperationRunner::Outcome outcome) {
+    const bool isOpening = outcome.operation.kind == Operation::Kind::open;
+    if (isOpening && outcome.finished)
+        setStatus(Status::ready);
+    else if (isOpening)
+        fail();
+    {
+        const Lock lock(mutex_);
+        isRateNew_ = true; // the core stands still
+    }
+    setClock(outcome.seconds, true);
+    if (outcome.operation.completion)
+        outcome.operation.completion(outcome.finished);
+}
+
+void MediaPlayer::Engine::applyRate() {
+    double rate = 0;
+    {
+        const Lock lock(mutex_);
+        if (!isRateNew_ || runner_->isRunning() || !waiting_.empty())
+            return;
+        isRateNew_ = false;
+        if (status_ != Status::ready)
+            return;
+        rate = rate_;
+    }
+    if (rate > 0 && isAtEnd_)
+        return endPlaying();
+    if (rate > 0)
+        core_->setNumber("speed", rate);
+    core_->setFlag("pause", rate <= 0);
+    double seconds = 0;
+    {
+        const Lock lock(mutex_);
+        if (rate == clock_.rate)
+            return;
+        seconds = clock_.secondsAt(Clock::now());
+    }
+    setClock(seconds, true);
+}
+
+/// The end was reached, or is where playing was to begin.
+void MediaPlayer::Engine::endPlaying() {
+    double seconds = 0;
+    {
+        const Lock lock(mutex_);
+        if (!waiting_.empty() || rate_ == 0)
+            return;
+        rate_ = 0;
+        seconds = clock_.secondsAt(Clock::now());
+    }
+    setClock(seconds, true);
+}
+
+void MediaPlayer::Engine::drawIfAsked() {
+    {
+        const Lock lock(mutex_);
+        if (!isPictureAsked_)
+            return;
+    }
+    auto bitmap = width_ > 0 && height_ > 0 ? core_->draw(width_, height_) : std::nullopt;
+    if (bitmap && turn_ != 0)
+        bitmap = oriented(*bitmap, orientationOfTurn(turn_));
+    {
+        const Lock lock(mutex_);
+        drawn_ = std::move(bitmap);
+        isPictureAsked_ = false;
+    }
+    changed_.notify_all();
+}
+
+void MediaPlayer::Engine::fail() {
+    {
+        const Lock lock(mutex_);
+        if (status_ == Status::failed)
+            return;
+        rate_ = 0;
+        std::move(waiting_.begin(), waiting_.end(), std::back_inserter(dropped_));
+        waiting_.clear();
+    }
+    setStatus(Status::failed);
+    runner_->abort();
+}
+
+void MediaPlayer::Engine::setStatus(Status status) {
+    {
+        const Lock lock(mutex_);
+        if (status_ == Status::failed)
+            return;
+        status_ = status;
+    }
+    if (const auto listener = listener_.lock())
+        listener->statusDidChange(status);
+}
+
+void MediaPlayer::Engine::setClock(double seconds, bool isJump) {
+    PlaybackClock clock;
+    {
+        const Lock lock(mutex_);
+        if (!waiting_.empty()) // the clock stands where the seek is to land
+            return;
+        clock = clock_ = {seconds, status_ == Status::ready ? rate_ : 0, Clock::now()};
+    }
+    if (const auto listener = listener_.lock())
+        listener->clockDidChange(clock, isJump);
+}
+
+void MediaPlayer::Engine::dropWaiting() {
+    std::deque<Operation> dropped;
+    {
+        const Lock lock(mutex_);
+        dropped.swap(dropped_);
+        if (isStopping_)
+            std::move(waiting_.begin(), waiting_.end(), std::back_inserter(dropped));
+    }
+    for (const Operation& operation : dropped)
+        if (operation.completion)
+            operation.completion(false);
+}
+
+} // namespace zorvan::avfoundation

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/CGAffineTransform.h>
+#include <zorvan/numbers-geometry/CGSize.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zorvan::avfoundation {
+
+enum class MediaKind { video, audio, text, other };
+
+/// `value / timescale` seconds.
+struct MediaTime {
+    std::int64_t value;
+    std::int32_t timescale;
+};
+
+struct MediaTrack {
+    MediaKind kind = MediaKind::other;
+    /// Frames per second on the average; 0 when it is not known, and for what is no video.
+    double frameRate = 0;
+    /// How long every picture lasts, when the header says that all last equally long.
+    std::optional<MediaTime> frameDuration;
+    /// In square pixels, before the transform; (0, 0) for what is no video.
+    CGSize naturalSize;
+    /// How the pictures are to be laid out for showing.
+    CGAffineTransform preferredTransform;
+};
+
+/// What a file says of itself: "mdta/com.apple.quicktime.creationdate" and the like, and bytes that
+/// are most often UTF-8.
+struct MediaMetadata {
+    std::string identifier;
+    std::string value;
+};
+
+struct MediaDescription {
+    /// In the order of the file. Pictures of a cover are no tracks.
+    std::vector<MediaTrack> tracks;
+    std::vector<MediaMetadata> metadata;
+    /// Absent when the file does not say.
+    std::optional<MediaTime> duration;
+};
+
+struct MediaReadingOptions {
+    /// Some containers (MPEG streams, FLV) leave sizes to the encoded pictures. Whether the first
+    /// of these may be decoded then; without it such sizes are (0, 0).
+    bool mayDecode = false;
+};
+
+/// Describes a movie or a sound file from its header, and from its first packets where the header
+/// does not say enough. Absent when it is no regular file, or none of a known container: what it
+/// is, its bytes decide. Opens no other file than this one, whatever this one asks for.
+std::optional<MediaDescription> describeMedia(const std::string& path,
+                                              const MediaReadingOptions& options = {});
+
+} // namespace zorvan::avfoundation
