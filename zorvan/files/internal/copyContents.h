@@ -1,0 +1,12 @@
+#pragma once
+
+#include <sys/stat.h>
+
+namespace zorvan::files {
+
+/// Copies what a regular file holds to an empty one: by sharing its blocks where the file system
+/// can, else within the kernel, else through memory. Holes stay holes. A file that changes
+/// meanwhile is copied up to the size it had. Returns 0 or the error number.
+int copyContents(int from, const struct stat& status, int to);
+
+} // namespace zorvan::files
