@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <chrono>
 #include <fcntl.h>
 #include <map>
@@ -99,8 +100,8 @@ TEST(SafeCopy, replacesEveryKindByEveryKind) {
     };
     for (const char* source : {"file", "link", "folder"})
         for (const char* destination : {"nothing", "file", "link", "folder"}) {
-            const TemporaryFolder folder;
-            const TemporaryFolder far(TemporaryFolder::fastParent());
+            const TemporaryFolder folder(TemporaryFolder::fastParent());
+            const TemporaryFolder far;
             for (const auto& temporary : {folder.path() / "tmp", far.path()}) {
                 SCOPED_TRACE(std::string(source) + " over " + destination + ", by way of " +
                              temporary.string());
@@ -270,11 +271,11 @@ constexpr StoppedCopy stoppedCopies[] = {{"file", "old file", false},
 /// Strikes the copy at each of its system calls in turn. Whenever it ends, the destination must be
 /// what it was or what it becomes, and the latter when the copy said so.
 void strikeEverywhere(const StoppedCopy& row, TracedProcess::Fate fate) {
-    const TemporaryFolder far(TemporaryFolder::fastParent());
+    const TemporaryFolder far;
     auto end = TracedProcess::End::wasStruck;
     for (std::size_t call = 0; end == TracedProcess::End::wasStruck; ++call) {
         ASSERT_LT(call, 5000u);
-        TemporaryFolder folder;
+        TemporaryFolder folder(TemporaryFolder::fastParent());
         folder.folder("tmp");
         folder.file("file", std::string(70000, 'n'));
         folder.file("folder/a", "new a");
@@ -366,20 +367,24 @@ TEST(SafeCopy, waitsForReaders) {
     TemporaryFolder folder;
     folder.file("old", "old");
     folder.file("new", "new");
-    pid_t writer = 0;
+    std::atomic<bool> isDone = false;
+    std::thread writer;
     const auto seen = readSecuredFileWithCoordinator(folder.url("old"), [&](const URL& url) {
-        writer = startChild([&] { manager().overwritingCopy(folder.url("new"), url); });
-        usleep(200'000);
-        EXPECT_EQ(waitpid(writer, nullptr, WNOHANG), 0) << "the writer did not wait";
+        writer = std::thread([&, url] {
+            manager().overwritingCopy(folder.url("new"), url);
+            isDone = true;
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        EXPECT_FALSE(isDone) << "the writer did not wait";
         return text(url.path());
     });
     EXPECT_EQ(seen, "old");
-    EXPECT_EQ(exitStatus(writer), 0);
+    writer.join();
     EXPECT_EQ(text(folder.path() / "old"), "new");
 }
 
 TEST(SafeCopy, twoAtOnceLeaveOneOfTheTwo) {
-    TemporaryFolder folder;
+    TemporaryFolder folder(TemporaryFolder::fastParent());
     const std::string a(200'000, 'a'), b(300'000, 'b');
     folder.file("a", a);
     folder.file("b", b);
