@@ -165,7 +165,8 @@ private:
         if (!S_ISREG(status.st_mode))
             throwFileError("cannot copy", from, EINVAL);
         const FileDescriptor target = opened(to, O_WRONLY | O_CREAT | O_EXCL, 0600);
-        if (const int error = copyContents(source.get(), status, target.get()))
+        if (const int error =
+                copyContents(source.get(), status, target.get(), durability_ == Durability::onDisk))
             throwFileError("cannot copy", from, error);
         copyAttributes(source, status, target, to);
         if (durability_ == Durability::onDisk && !root_ && ::fsync(target.get()) != 0)

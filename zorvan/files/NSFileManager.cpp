@@ -80,7 +80,7 @@ bool isOnOneVolume(const std::string& folder, const std::string& other) {
 
 void placeCopy(const std::string& source, const std::string& destination) {
     const Scratch copy = Scratch::beside(destination);
-    copyItem(source, copy.path(), Durability::onDisk);
+    copyItem(source, copy.path(), Durability::none); // nothing is at risk
     if (const int error = placeItem(copy.path(), destination))
         throwFileError("cannot copy to", destination, error);
 }

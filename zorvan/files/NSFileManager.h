@@ -122,7 +122,8 @@ public:
 
     /// Copies a file, a link, or a folder with all it holds, in the place of what is at the
     /// destination. Whatever happens, and be it the end of the process, what is at the destination
-    /// is whole: the old item or the new one. When the call returns, the new one is on the disk.
+    /// is whole: the old item or the new one; nothing or the new one where nothing was. An old item
+    /// goes only when the new one is on the disk, so that not even a power failure takes both.
     ///
     /// Modes, dates and extended attributes go along. A file that takes the place of a file, or a
     /// folder that of a folder, gets the mode and as far as allowed the owner of that one. A link

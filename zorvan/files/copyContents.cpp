@@ -52,7 +52,7 @@ bool isRefusal(int error) {
 }
 
 /// Copies from `position` to `end`, as far as the file reaches.
-Progress copyRange(int from, int to, off_t position, off_t end) {
+Progress copyRange(int from, int to, off_t position, off_t end, bool startsWriting) {
     while (position < end) {
         off_t source = position;
         off_t target = position;
@@ -65,24 +65,25 @@ Progress copyRange(int from, int to, off_t position, off_t end) {
             return copyThroughMemory(from, to, position, end);
         if (count < 0)
             return {position, errno};
-        ::sync_file_range(to, position, count, SYNC_FILE_RANGE_WRITE);
+        if (startsWriting)
+            ::sync_file_range(to, position, count, SYNC_FILE_RANGE_WRITE);
         position += count;
     }
     return {position, 0};
 }
 
 /// Copies the parts of a file with holes that are not holes.
-Progress copyParts(int from, int to, off_t size) {
+Progress copyParts(int from, int to, off_t size, bool startsWriting) {
     off_t position = 0;
     while (position < size) {
         const off_t start = ::lseek(from, position, SEEK_DATA);
         if (start < 0 && errno == ENXIO)
             return {size, 0}; // the rest is a hole
         if (start < 0)
-            return copyRange(from, to, position, size);
+            return copyRange(from, to, position, size, startsWriting);
         const off_t hole = ::lseek(from, start, SEEK_HOLE);
         const off_t end = hole < 0 ? size : std::min(hole, size);
-        const Progress progress = copyRange(from, to, start, end);
+        const Progress progress = copyRange(from, to, start, end, startsWriting);
         if (progress.error != 0 || progress.reached < end)
             return progress;
         position = end;
@@ -92,15 +93,15 @@ Progress copyParts(int from, int to, off_t size) {
 
 } // namespace
 
-int copyContents(int from, const struct stat& status, int to) {
+int copyContents(int from, const struct stat& status, int to, bool startsWriting) {
     if (::ioctl(to, FICLONE, from) == 0)
         return 0;
     // The kernel's own files tell no size.
     if (status.st_size == 0)
         return copyThroughMemory(from, to, 0, std::numeric_limits<off_t>::max()).error;
     const bool hasHoles = off_t{status.st_blocks} * 512 < status.st_size;
-    const Progress progress =
-        hasHoles ? copyParts(from, to, status.st_size) : copyRange(from, to, 0, status.st_size);
+    const Progress progress = hasHoles ? copyParts(from, to, status.st_size, startsWriting)
+                                       : copyRange(from, to, 0, status.st_size, startsWriting);
     if (progress.error != 0)
         return progress.error;
     return hasHoles && ::ftruncate(to, progress.reached) != 0 ? errno : 0;
