@@ -1,42 +1,22 @@
+#include "ChildProcess.h"
 #include "TemporaryFolder.h"
 
 #include <zorvan/files/NSFileManager.h>
+#include <zorvan/platform/foundation/NSUserName.h>
 
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 using namespace zorvan;
 
 namespace {
 const NSFileManager& manager() { return *NSFileManager::defaultManager(); }
 } // namespace
-
-TEST(NSFileManager, numbersTakenNamesFromZero) {
-    TemporaryFolder folder;
-    struct {
-        const char *wanted, *available;
-    } table[] = {
-        {"a.txt", "a.txt"},       {"a.txt", "a (0).txt"},
-        {"a.txt", "a (1).txt"},   {"a (0).txt", "a (0) (0).txt"},
-        {".git", ".git"},         {".git", ".git (0)"},
-        {"b.tar.gz", "b.tar.gz"}, {"b.tar.gz", "b.tar (0).gz"},
-        {"noext", "noext"},       {"noext", "noext (0)"},
-    };
-    for (const auto& row : table) {
-        const URL url = manager().availableItemURL(row.wanted, folder.url());
-        EXPECT_EQ(folder.relative(url), row.available);
-        EXPECT_EQ(manager().availableItemURL(folder.url(row.wanted)), url);
-        folder.file(folder.relative(url));
-    }
-}
-
-TEST(NSFileManager, numbersFoldersAndDanglingLinks) {
-    TemporaryFolder folder;
-    folder.folder("Photos");
-    folder.link("gone.txt", "nowhere");
-    EXPECT_EQ(manager().availableItemURL(folder.url("Photos")), folder.url("Photos (0)"));
-    EXPECT_EQ(manager().availableItemURL(folder.url("gone.txt")), folder.url("gone (0).txt"));
-    EXPECT_EQ(manager().availableItemURL(URL::root()).path(), "/ (0)");
-}
 
 TEST(NSFileManager, tellsWhatExists) {
     TemporaryFolder folder;
@@ -59,19 +39,189 @@ TEST(NSFileManager, tellsWhatExists) {
     EXPECT_FALSE(manager().contentExists(*URL::make({.string = "http://a/"})).exist);
 }
 
+namespace {
+
+/// An environment variable, while the object lives; null takes it away.
+class Variable {
+public:
+    Variable(const char* name, const char* value) : name_(name) {
+        if (const char* before = std::getenv(name))
+            before_ = before;
+        value ? setenv(name, value, 1) : unsetenv(name);
+    }
+    ~Variable() { before_ ? setenv(name_, before_->c_str(), 1) : unsetenv(name_); }
+
+private:
+    const char* name_;
+    std::optional<std::string> before_;
+};
+
+std::string parent(const URL& url) { return url.deletingLastPathComponent().path(); }
+
+} // namespace
+
 TEST(NSFileManager, namesTemporaryFiles) {
-    const URL plain = manager().temporaryURL();
-    EXPECT_EQ(plain.path().find('.'), std::string::npos);
-    EXPECT_NE(manager().temporaryURL(), plain);
+    const URL model({.fileURLWithPath = "/a.b/c.tiff"});
+    EXPECT_EQ(manager().temporaryURL().path().find('.'), std::string::npos);
+    EXPECT_NE(manager().temporaryURL(), manager().temporaryURL());
     EXPECT_EQ(manager().temporaryURL({.pathExt = "jpg"}).pathExtension(), "jpg");
-    EXPECT_EQ(
-        manager().temporaryURL({.for_ = URL({.fileURLWithPath = "/a.b/c.tiff"})}).pathExtension(),
-        "tiff");
-    const char* before = std::getenv("TMPDIR");
-    const std::string saved = before ? before : "";
-    setenv("TMPDIR", "/var/scratch/", 1);
-    EXPECT_EQ(manager().temporaryURL().deletingLastPathComponent().path(), "/var/scratch");
-    setenv("TMPDIR", "relative", 1);
-    EXPECT_EQ(manager().temporaryURL().deletingLastPathComponent().path(), "/tmp");
-    before ? setenv("TMPDIR", saved.c_str(), 1) : unsetenv("TMPDIR");
+    EXPECT_EQ(manager().temporaryURL({.for_ = model}).pathExtension(), "tiff");
+    for (const auto& [value, folder] :
+         {std::pair{"/var/scratch/", "/var/scratch"}, {"relative", "/tmp"}, {"", "/tmp"}}) {
+        const Variable variable("TMPDIR", value);
+        EXPECT_EQ(parent(manager().temporaryURL()), folder);
+    }
+}
+
+TEST(NSFileManager, makesAFolderForTheTemporaryFilesOfABundle) {
+    TemporaryFolder folder;
+    const Variable variable("TMPDIR", folder.url("deep/tmp").path().c_str());
+    folder.file("named/Info.plist", "<plist><dict><key>CFBundleIdentifier</key>"
+                                    "<string>org.example.a</string></dict></plist>");
+    folder.folder("plain");
+    const auto named = NSBundle::create(folder.url("named").path());
+    const auto plain = NSBundle::create(folder.url("plain").path());
+
+    const URL url = manager().temporaryURL({.pathExt = "jpg", .bundle = named});
+    EXPECT_EQ(parent(url), folder.url("deep/tmp/org.example.a").path());
+    EXPECT_EQ(url.pathExtension(), "jpg");
+    EXPECT_EQ(manager().temporaryURL({.for_ = url, .bundle = named}).pathExtension(), "jpg");
+    EXPECT_EQ(std::filesystem::status(parent(url)).permissions(),
+              std::filesystem::perms::owner_all);
+    const std::string a = parent(manager().temporaryURL({.pathExt = "", .bundle = plain}));
+    EXPECT_TRUE(std::filesystem::is_directory(a));
+    EXPECT_NE(a, parent(manager().temporaryURL({.pathExt = "", .bundle = plain})));
+}
+
+TEST(NSFileManager, knowsTheFoldersOfTheProgram) {
+    EXPECT_EQ(manager().noSandboxHomePath(), "/Users/" + NSUserName() + "/");
+    EXPECT_EQ(manager().noSandboxHomeURL().path() + "/", manager().noSandboxHomePath());
+    EXPECT_EQ(manager().noSandboxBundleSupportDirectoryURL()->path(),
+              "/Users/" + NSUserName() + "/Library/Application Support/Files Test");
+
+    TemporaryFolder folder;
+    const Variable home("HOME", folder.url("home").path().c_str());
+    {
+        const Variable data("XDG_DATA_HOME", "relative");
+        EXPECT_EQ(manager().bundleSupportDirectoryURL(),
+                  folder.url("home/.local/share/Files Test"));
+    }
+    const Variable data("XDG_DATA_HOME", folder.url("data").path().c_str());
+    EXPECT_EQ(manager().bundleSupportDirectoryURL(), folder.url("data/Files Test"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "data"));
+    EXPECT_EQ(manager().createBundleSupportDirectory(), folder.url("data/Files Test"));
+    EXPECT_EQ(manager().createBundleSupportDirectoryWithComponent("a/b"),
+              folder.url("data/Files Test/a/b"));
+    EXPECT_TRUE(std::filesystem::is_directory(folder.path() / "data/Files Test/a/b"));
+    folder.file("data/Files Test/file");
+    EXPECT_FALSE(manager().createBundleSupportDirectoryWithComponent("file"));
+}
+
+// The test without its bundle, as a program of another name.
+TEST(NSFileManager, hasNoFoldersForAProgramWithoutABundleName) {
+    if (std::getenv("ZORVAN_TEST_WITHOUT_BUNDLE")) {
+        EXPECT_FALSE(manager().noSandboxBundleSupportDirectoryURL());
+        EXPECT_FALSE(manager().bundleSupportDirectoryURL());
+        EXPECT_FALSE(manager().createBundleSupportDirectory());
+        return;
+    }
+    TemporaryFolder folder;
+    std::filesystem::copy_file("/proc/self/exe", folder.path() / "other");
+    const pid_t child = startChild([&] {
+        setenv("ZORVAN_TEST_WITHOUT_BUNDLE", "1", 1);
+        execl(folder.url("other").path().c_str(), "other",
+              "--gtest_filter=NSFileManager.hasNoFoldersForAProgramWithoutABundleName", nullptr);
+        FAIL() << "the copy does not start";
+    });
+    EXPECT_EQ(exitStatus(child), 0);
+}
+
+TEST(NSFileManager, createsDirectories) {
+    TemporaryFolder folder;
+    folder.file("file");
+    EXPECT_EQ(manager().createDirectory(folder.url("a/b")), folder.url("a/b"));
+    EXPECT_EQ(manager().createDirectory(folder.url("a/b")), folder.url("a/b"));
+    EXPECT_EQ(manager().createDirectory(folder.url("a"), "c/d"), folder.url("a/c/d"));
+    EXPECT_EQ(manager().createDirectory(folder.url("e"), ""), folder.url("e"));
+    for (const char* name : {"a/b", "a/c/d", "e"})
+        EXPECT_TRUE(std::filesystem::is_directory(folder.path() / name)) << name;
+    for (const URL& url :
+         {folder.url("file"), folder.url("file/x"), *URL::make({.string = "http://a/b"})})
+        EXPECT_THROW(manager().createDirectory(url), std::filesystem::filesystem_error);
+}
+
+TEST(NSFileManager, readsAttributes) {
+    TemporaryFolder folder;
+    for (const auto& [size, units] :
+         {std::pair{0, 0}, {1023, 0}, {1024, 1}, {2048, 2}, {3071, 2}}) {
+        folder.file("file", std::string(static_cast<std::size_t>(size), 'x'));
+        EXPECT_EQ(manager().sizeInMoOfItem(folder.url("file")), units) << size;
+    }
+    std::filesystem::resize_file(folder.path() / "file", std::uintmax_t{5} << 30);
+    EXPECT_EQ(manager().sizeInMoOfItem(folder.url("file")), 5 << 20);
+
+    const std::string path = folder.url("file").path();
+    const auto setDate = [&](time_t seconds, long nanoseconds) {
+        const timespec dates[] = {{0, 0}, {seconds, nanoseconds}};
+        ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), dates, 0), 0);
+    };
+    using namespace std::chrono;
+    setDate(1'000'000'000, 987654321);
+    EXPECT_EQ(manager().modifyDateForFile(folder.url("file")),
+              Date(seconds(1'000'000'000) + nanoseconds(987654321)));
+    setDate(-5, 250'000'000);
+    EXPECT_EQ(manager().modifyDateForFile(folder.url("file")), Date(milliseconds(-4750)));
+    // Later than a moment can be: the last one, not one long past.
+    setDate(time_t{1} << 33, 0);
+    setDate(time_t{13} << 30, 0);
+    EXPECT_GT(*manager().modifyDateForFile(folder.url("file")), Date(hours(24 * 365 * 290)));
+
+    // The word of another program on the date of creation, 0 for none.
+    const std::string command = "stat -c %W " + path;
+    FILE* pipe = popen(command.c_str(), "r");
+    long long created = 0;
+    ASSERT_EQ(std::fscanf(pipe, "%lld", &created), 1);
+    pclose(pipe);
+    const auto date = manager().createDateForFile(folder.url("file"));
+    EXPECT_EQ(date ? floor<seconds>(date->time_since_epoch()).count() : 0, created);
+
+    folder.link("link", "file");
+    folder.link("broken", "nowhere");
+    EXPECT_EQ(manager().sizeInMoOfItem(folder.url("link")), 0);
+    EXPECT_TRUE(manager().modifyDateForFile(folder.url("broken")));
+    for (const URL& url : {folder.url("missing"), *URL::make({.string = "http://a/b"})}) {
+        EXPECT_FALSE(manager().sizeInMoOfItem(url));
+        EXPECT_FALSE(manager().modifyDateForFile(url));
+        EXPECT_FALSE(manager().createDateForFile(url));
+    }
+}
+
+TEST(NSFileManager, searchesFilesInTheOrderOfTheList) {
+    TemporaryFolder folder;
+    folder.file("b.2020/sub/x");
+    folder.file("b.2020/.hidden");
+    folder.file("p.app/inner");
+    folder.file("a.txt");
+    folder.link("to-file", "a.txt");
+    folder.link("to-folder", "p.app");
+    folder.link("broken", "nowhere");
+    const std::vector<URL> roots{folder.url("to-folder"), folder.url("broken"),
+                                 folder.url("to-file"), folder.url("b.2020")};
+    const auto names = [&](const std::vector<URL>& urls) {
+        std::vector<std::string> result;
+        for (const URL& url : urls)
+            result.push_back(folder.relative(url));
+        return result;
+    };
+    EXPECT_THAT(names(manager().searchFiles(roots)),
+                testing::ElementsAre("p.app/inner", "a.txt", "b.2020/sub"));
+    EXPECT_THAT(names(manager().searchFiles(roots, {.recursive = true})),
+                testing::ElementsAre("p.app/inner", "a.txt", "b.2020/sub", "b.2020/sub/x"));
+    const auto all =
+        manager().enumerator(folder.url("b.2020"), NSDirectoryEnumerationOptions::none);
+    std::size_t count = 0;
+    while (all->nextObject())
+        ++count;
+    EXPECT_EQ(count, 3u);
+    EXPECT_FALSE(manager().enumerator(folder.url("a.txt"), NSDirectoryEnumerationOptions::none));
 }

@@ -20,7 +20,14 @@ public:
             throw std::runtime_error("no temporary folder");
         path_ = name;
     }
-    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
+    ~TemporaryFolder() {
+        // Folders that may not be written are opened as they are met, before they are entered.
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(path_))
+            if (!entry.is_symlink() && entry.is_directory())
+                std::filesystem::permissions(entry, std::filesystem::perms::owner_all,
+                                             std::filesystem::perm_options::add);
+        std::filesystem::remove_all(path_);
+    }
 
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;

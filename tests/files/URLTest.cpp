@@ -1,3 +1,4 @@
+#include "ChildProcess.h"
 #include "TemporaryFolder.h"
 
 #include <zorvan/files/URL.h>
@@ -7,6 +8,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace zorvan;
@@ -96,17 +98,37 @@ TEST(FileURL, knowsWhatMayBeDone) {
 }
 
 TEST(FileURL, obeysPermissions) {
-    if (geteuid() == 0)
-        GTEST_SKIP() << "the superuser may do everything";
-    TemporaryFolder folder;
-    folder.file("kept/file");
-    chmod(folder.url("kept/file").path().c_str(), 0);
-    chmod(folder.url("kept").path().c_str(), 0500);
-    EXPECT_FALSE(isReadable(folder.url("kept/file")));
-    EXPECT_FALSE(isWritable(folder.url("kept/file")));
-    EXPECT_FALSE(isDeletable(folder.url("kept/file")));
-    chmod(folder.url("kept").path().c_str(), 0700);
-    EXPECT_TRUE(isDeletable(folder.url("kept/file")));
+    asOrdinaryUser([] {
+        TemporaryFolder folder;
+        folder.file("kept/file");
+        chmod(folder.url("kept/file").path().c_str(), 0);
+        chmod(folder.url("kept").path().c_str(), 0500);
+        EXPECT_FALSE(isReadable(folder.url("kept/file")));
+        EXPECT_FALSE(isWritable(folder.url("kept/file")));
+        EXPECT_FALSE(isDeletable(folder.url("kept/file")));
+        chmod(folder.url("kept").path().c_str(), 0700);
+        EXPECT_TRUE(isDeletable(folder.url("kept/file")));
+    });
+}
+
+TEST(FileURL, readsPermissionBitsOfTheUsersClass) {
+    asOrdinaryUser([] {
+        TemporaryFolder folder;
+        folder.file("own");
+        folder.link("link", "own");
+        folder.link("broken", "nowhere");
+        for (mode_t mode = 0; mode <= 0777; ++mode) {
+            chmod(folder.url("own").path().c_str(), mode);
+            const bool isBoth = (mode & 0400) && (mode & 0200);
+            EXPECT_EQ(checkIsReadAndWrite(folder.url("own")), isBoth) << std::oct << mode;
+            EXPECT_EQ(checkIsReadAndWrite(folder.url("link")), isBoth) << std::oct << mode;
+        }
+        EXPECT_EQ(checkIsReadAndWrite(folder.url("broken")), std::nullopt);
+        EXPECT_EQ(checkIsReadAndWrite(web), std::nullopt);
+        // Of the superuser and of another group: what others may do counts.
+        EXPECT_EQ(checkIsReadAndWrite(file("/etc/passwd")), false);
+        EXPECT_EQ(checkIsReadAndWrite(file("/dev/null")), true);
+    });
 }
 
 TEST(FileURL, listsSubFilesOrItself) {
@@ -146,6 +168,22 @@ TEST(FileURL, readsUnderASharedLock) {
     EXPECT_THAT(result, Optional(folder.url("file").path().size()));
     EXPECT_EQ(flock(writer, LOCK_EX | LOCK_NB), 0);
     close(writer);
+
+    // A writer that has its lock may replace the file before it lets readers in.
+    const int replacing = open(folder.url("file").path().c_str(), O_RDWR);
+    ASSERT_EQ(flock(replacing, LOCK_EX), 0);
+    std::thread reader([&] {
+        readSecuredFileWithCoordinator(folder.url("file"), [&](const URL& url) {
+            const int named = open(url.path().c_str(), O_RDWR);
+            EXPECT_NE(flock(named, LOCK_EX | LOCK_NB), 0) << "the lock is that of the old file";
+            return close(named);
+        });
+    });
+    usleep(50'000);
+    folder.file("new");
+    std::filesystem::rename(folder.path() / "new", folder.path() / "file");
+    close(replacing);
+    reader.join();
 
     bool isCalled = false;
     EXPECT_FALSE(readSecuredFileWithCoordinator(folder.url("missing"),

@@ -1,26 +1,22 @@
 #include <zorvan/files/NSFileManager.h>
 
-#include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/files/internal/CopyItem.h>
+#include <zorvan/files/internal/PlaceItem.h>
+#include <zorvan/files/internal/filePath.h>
+#include <zorvan/files/internal/visibleEntries.h>
+#include <zorvan/platform/archives/ZipArchive.h>
 
-#include <cstdint>
-#include <cstdlib>
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace zorvan {
 
-namespace {
-
-bool isTaken(const URL& url) {
-    struct stat status {};
-    return url.isFileURL() && ::lstat(url.path().c_str(), &status) == 0;
-}
-
-std::string temporaryDirectory() {
-    const char* directory = std::getenv("TMPDIR");
-    return directory && directory[0] == '/' ? directory : "/tmp";
-}
-
-} // namespace
+using namespace files;
 
 const std::shared_ptr<NSFileManager>& NSFileManager::defaultManager() {
     static const std::shared_ptr<NSFileManager> manager(new NSFileManager);
@@ -34,33 +30,125 @@ NSFileManager::Content NSFileManager::contentExists(const URL& url) const {
     return {.exist = true, .isDir = S_ISDIR(status.st_mode)};
 }
 
-URL NSFileManager::availableItemURL(const URL& url) const {
-    if (!isTaken(url))
-        return url;
-    const std::string base(url.deletingPathExtension().lastPathComponent());
-    const std::string extension(url.pathExtension());
-    const URL directory = url.deletingLastPathComponent();
-    for (std::int64_t n = 0;; ++n) {
-        const URL candidate =
-            directory.appendingPathComponent(base + " (" + std::to_string(n) + ")")
-                .appendingPathExtension(extension);
-        if (!isTaken(candidate))
-            return candidate;
+namespace {
+
+/// What the item itself is asked for; absent when it does not tell all of it.
+std::optional<struct statx> attributes(const URL& url, unsigned mask) {
+    struct statx status {};
+    if (!url.isFileURL() ||
+        ::statx(AT_FDCWD, url.path().c_str(), AT_SYMLINK_NOFOLLOW, mask, &status) != 0 ||
+        (status.stx_mask & mask) != mask)
+        return std::nullopt;
+    return status;
+}
+
+/// The nearest moment there is: file systems keep dates that lie further off.
+Date dateOf(const statx_timestamp& stamp) {
+    using std::chrono::floor, std::chrono::seconds;
+    const auto first = floor<seconds>(Date::min().time_since_epoch()).count() + 1;
+    const auto last = floor<seconds>(Date::max().time_since_epoch()).count() - 1;
+    return Date(std::chrono::duration_cast<Date::duration>(
+        seconds(std::clamp<std::int64_t>(stamp.tv_sec, first, last)) +
+        std::chrono::nanoseconds(stamp.tv_nsec)));
+}
+
+} // namespace
+
+std::optional<Date> NSFileManager::modifyDateForFile(const URL& url) const {
+    const auto status = attributes(url, STATX_MTIME);
+    return status ? std::optional(dateOf(status->stx_mtime)) : std::nullopt;
+}
+
+std::optional<Date> NSFileManager::createDateForFile(const URL& url) const {
+    const auto status = attributes(url, STATX_BTIME);
+    return status ? std::optional(dateOf(status->stx_btime)) : std::nullopt;
+}
+
+std::optional<std::int64_t> NSFileManager::sizeInMoOfItem(const URL& url) const {
+    const auto status = attributes(url, STATX_SIZE);
+    return status ? std::optional(static_cast<std::int64_t>(status->stx_size >> 10)) : std::nullopt;
+}
+
+namespace {
+
+bool isOnOneVolume(const std::string& folder, const std::string& other) {
+    struct stat a {
+    }, b{};
+    return ::stat(folder.c_str(), &a) == 0 && ::stat(other.c_str(), &b) == 0 &&
+           a.st_dev == b.st_dev;
+}
+
+void placeCopy(const std::string& source, const std::string& destination) {
+    const Scratch copy = Scratch::beside(destination);
+    copyItem(source, copy.path(), Durability::none); // nothing is at risk
+    if (const int error = placeItem(copy.path(), destination))
+        throwFileError("cannot copy to", destination, error);
+}
+
+/// The replacement is made in the folder for temporary files. From there it can be moved into place
+/// in one step only on the same volume, and only by who may write the folders that move; else a
+/// second copy is made beside the destination.
+void replaceWithCopy(const std::string& source, const std::string& destination,
+                     const std::string& temporary) {
+    const Scratch copy(temporary);
+    const bool isNear = isOnOneVolume(folderOf(destination), folderOf(temporary));
+    copyItem(source, copy.path(), isNear ? Durability::onDisk : Durability::none);
+    int error = isNear ? replaceItem(destination, copy.path()) : EXDEV;
+    if (error == EXDEV || error == EACCES) {
+        const Scratch beside = Scratch::beside(destination);
+        copyItem(copy.path(), beside.path(), Durability::onDisk);
+        error = replaceItem(destination, beside.path());
+    }
+    if (error != 0)
+        throwFileError("cannot replace", destination, error);
+}
+
+} // namespace
+
+void NSFileManager::overwritingCopy(const URL& source, const URL& destination) const {
+    const std::string& from = filePath(source);
+    const std::string& to = filePath(destination);
+    if (isTaken(to))
+        replaceWithCopy(from, to, temporaryURL({.for_ = source}).path());
+    else
+        placeCopy(from, to);
+}
+
+std::optional<Data> NSFileManager::zipItems(const std::vector<URL>& urls) const {
+    const URL folder = temporaryURL();
+    const Scratch scratch(folder.path());
+    try {
+        if (makePrivateFolder(folder.path()) != 0)
+            return std::nullopt;
+        for (const URL& url : urls) {
+            if (filePath(url) == "/")
+                return std::nullopt;
+            const URL copy = availableItemURL(url.lastPathComponent(), folder);
+            copyItem(url.path(), copy.path(), Durability::none);
+        }
+        return zipArchiveOfFolder(folder.path());
+    } catch (const std::exception&) {
+        return std::nullopt;
     }
 }
 
-URL NSFileManager::availableItemURL(std::string_view name, const URL& directory) const {
-    return availableItemURL(directory.appendingPathComponent(name));
+std::shared_ptr<NSDirectoryEnumerator>
+NSFileManager::enumerator(const URL& url, NSDirectoryEnumerationOptions options) const {
+    return NSDirectoryEnumerator::create(url, options);
 }
 
-URL NSFileManager::temporaryURL(PathExtension argument) const {
-    return URL({.fileURLWithPath = temporaryDirectory()})
-        .appendingPathComponent(makeUUIDString())
-        .appendingPathExtension(argument.pathExt);
-}
-
-URL NSFileManager::temporaryURL(Model argument) const {
-    return temporaryURL({.pathExt = argument.for_.value.pathExtension()});
+std::vector<URL> NSFileManager::searchFiles(const std::vector<URL>& urls,
+                                            Recursive argument) const {
+    std::vector<URL> found;
+    for (const URL& url : urls) {
+        const URL resolved = url.resolvingSymlinksInPath();
+        const Content content = contentExists(resolved);
+        if (content.isDir)
+            appendVisibleEntries(resolved, argument.recursive, found);
+        else if (content.exist)
+            found.push_back(resolved);
+    }
+    return found;
 }
 
 } // namespace zorvan

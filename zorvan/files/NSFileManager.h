@@ -1,15 +1,23 @@
 #pragma once
 
+#include <zorvan/files/NSDirectoryEnumerator.h>
+#include <zorvan/platform/foundation/Data.h>
 #include <zorvan/platform/foundation/URL.h>
+#include <zorvan/platform/propertylist/NSBundle.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zorvan {
 
-/// Questions about the file system and names for new files. Has no state; safe from every thread.
+/// What applications do with files around their documents. Has no state; safe from every thread.
+///
+/// Where a call says that it throws, it throws `std::filesystem::filesystem_error` with the error
+/// of the system; a URL that is not a file's is `std::errc::invalid_argument`.
 class NSFileManager {
 public:
     struct Content {
@@ -22,6 +30,17 @@ public:
     struct Model {
         Required<URL> for_;
     };
+    struct PathExtensionInBundle {
+        std::string_view pathExt;
+        Required<std::shared_ptr<const NSBundle>> bundle;
+    };
+    struct ModelInBundle {
+        Required<URL> for_;
+        Required<std::shared_ptr<const NSBundle>> bundle;
+    };
+    struct Recursive {
+        bool recursive;
+    };
 
     static const std::shared_ptr<NSFileManager>& defaultManager();
 
@@ -29,16 +48,33 @@ public:
     /// nor does anything at a URL that is not a file's.
     Content contentExists(const URL& url) const;
 
-    /// The URL itself when nothing exists there, else the first free one of "photo (0).jpg",
-    /// "photo (1).jpg" and so on beside it. A symbolic link takes its name even when it leads
-    /// nowhere.
-    ///
-    /// Another process may take the name before you do: create the file so that this fails
-    /// (`O_EXCL`, `link`), then ask again.
-    URL availableItemURL(const URL& url) const;
+    // Folders.
 
-    /// The same for a name in a directory.
-    URL availableItemURL(std::string_view name, const URL& directory) const;
+    /// "/Users/", the login name, "/": where the files of users stand on systems that keep
+    /// programs in sandboxes. Made of text alone; it need not exist.
+    std::string noSandboxHomePath() const;
+    URL noSandboxHomeURL() const;
+
+    /// The folder of the main bundle's name in "Library/Application Support" of `noSandboxHomeURL`.
+    /// Absent when the main bundle has no "CFBundleName".
+    std::optional<URL> noSandboxBundleSupportDirectoryURL() const;
+
+    /// The folder for what the program keeps for its user: of the main bundle's name, in
+    /// `$XDG_DATA_HOME`, else in ".local/share" of the home folder. Absent when the main bundle has
+    /// no "CFBundleName", or the user no home. Nothing is created.
+    std::optional<URL> bundleSupportDirectoryURL() const;
+
+    /// Creates a folder, and those on the way to it that are missing. A folder that is there
+    /// already is left alone. Gives the URL of the folder. Throws.
+    URL createDirectory(const URL& url) const;
+    URL createDirectory(const URL& url, std::string_view pathComponent) const;
+
+    /// Creates `bundleSupportDirectoryURL`, or a folder in it. Absent when that is absent or cannot
+    /// be created.
+    std::optional<URL> createBundleSupportDirectory() const;
+    std::optional<URL> createBundleSupportDirectoryWithComponent(std::string_view component) const;
+
+    // Names for new files.
 
     /// A URL for a new file in the directory for temporary files (`$TMPDIR`, else "/tmp"), named by
     /// a UUID; with the extension unless it is empty. Nothing is created.
@@ -46,6 +82,68 @@ public:
 
     /// The same with the path extension of `for_`.
     URL temporaryURL(Model argument) const;
+
+    /// The same in a folder that is named by the bundle's identifier, or by a UUID when it has
+    /// none. The folder is created, for the user alone; when that fails, so will making the file.
+    URL temporaryURL(const PathExtensionInBundle& argument) const;
+    URL temporaryURL(const ModelInBundle& argument) const;
+
+    /// The URL itself when nothing exists there, else the first free one of "photo (0).jpg",
+    /// "photo (1).jpg" and so on beside it. A symbolic link takes its name even when it leads
+    /// nowhere.
+    ///
+    /// Another process may take the name before you do. The calls below take it in the same step.
+    URL availableItemURL(const URL& url) const;
+
+    /// The same for a name in a directory.
+    URL availableItemURL(std::string_view name, const URL& directory) const;
+
+    /// Creates an empty file, or a folder, at the first of the names of `availableItemURL` that is
+    /// free, and gives its URL. However many processes call it at once, each gets a name of its
+    /// own, and nothing that exists is touched. Throws.
+    URL createAvailableFile(const URL& url) const;
+    URL createAvailableDirectory(const URL& url) const;
+
+    /// Moves an item to the first of those names that is free, with the same promise. Between
+    /// volumes the item is copied first, and removed when the copy has its name. Throws.
+    URL moveItemToAvailableURL(const URL& item, const URL& url) const;
+
+    // Attributes, of a link its own.
+
+    /// When the item's content changed last, or when it was created. Absent when that cannot be
+    /// found out; not every file system keeps the date of creation.
+    std::optional<Date> modifyDateForFile(const URL& url) const;
+    std::optional<Date> createDateForFile(const URL& url) const;
+
+    /// The size in units of 1024 bytes, the rest dropped. Absent when it cannot be found out.
+    std::optional<std::int64_t> sizeInMoOfItem(const URL& url) const;
+
+    // Copies and lists.
+
+    /// Copies a file, a link, or a folder with all it holds, in the place of what is at the
+    /// destination. Whatever happens, and be it the end of the process, what is at the destination
+    /// is whole: the old item or the new one; nothing or the new one where nothing was. An old item
+    /// goes only when the new one is on the disk, so that not even a power failure takes both.
+    ///
+    /// Modes, dates and extended attributes go along. A file that takes the place of a file, or a
+    /// folder that of a folder, gets the mode and as far as allowed the owner of that one. A link
+    /// at the destination is replaced itself. Waits for `readSecuredFileWithCoordinator` of the
+    /// destination to end in all processes, so it must not be called by such an accessor. Throws.
+    void overwritingCopy(const URL& source, const URL& destination) const;
+
+    /// A zip archive of the items, folders with all they hold. An item whose name another one has
+    /// is numbered as `availableItemURL` does. Absent when an item cannot be read, or memory does
+    /// not suffice.
+    std::optional<Data> zipItems(const std::vector<URL>& urls) const;
+
+    /// Null when there is no such directory.
+    std::shared_ptr<NSDirectoryEnumerator> enumerator(const URL& url,
+                                                      NSDirectoryEnumerationOptions options) const;
+
+    /// For each URL in turn, symbolic links resolved: nothing where nothing exists, the file
+    /// itself, or the entries of the directory, sub-folders included, without hidden ones and
+    /// without what packages hold; with `recursive`, also what the sub-folders hold.
+    std::vector<URL> searchFiles(const std::vector<URL>& urls, Recursive argument = {}) const;
 
 private:
     NSFileManager() = default;

@@ -1,11 +1,11 @@
 #include <zorvan/files/URL.h>
 
 #include <zorvan/files/NSDirectoryEnumerator.h>
+#include <zorvan/files/internal/LockItem.h>
+#include <zorvan/files/internal/visibleEntries.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -73,6 +73,15 @@ bool isKeptByStickyBit(const struct stat& item, const struct stat& directory) {
            user != directory.st_uid;
 }
 
+bool belongsToGroup(gid_t group) {
+    if (group == ::getegid())
+        return true;
+    std::vector<gid_t> groups(static_cast<std::size_t>(std::max(::getgroups(0, nullptr), 0)));
+    const int count = ::getgroups(static_cast<int>(groups.size()), groups.data());
+    groups.resize(static_cast<std::size_t>(std::max(count, 0)));
+    return std::find(groups.begin(), groups.end(), group) != groups.end();
+}
+
 } // namespace
 
 std::optional<bool> checkIsOnMainDisk(const URL& url) {
@@ -115,37 +124,41 @@ bool isDeletable(const URL& url) {
            (!S_ISDIR(item.st_mode) || isAllowed(url.path(), W_OK | X_OK));
 }
 
-std::vector<URL> listSubFilesOrSelf(const URL& url, Recursively argument) {
+std::optional<bool> checkIsReadAndWrite(const URL& url) {
+    struct stat status {};
+    if (!url.isFileURL() || ::stat(url.path().c_str(), &status) != 0)
+        return std::nullopt;
+    const mode_t wanted = status.st_uid == ::geteuid()    ? S_IRUSR | S_IWUSR
+                          : belongsToGroup(status.st_gid) ? S_IRGRP | S_IWGRP
+                                                          : S_IROTH | S_IWOTH;
+    return (status.st_mode & wanted) == wanted;
+}
+
+void files::appendVisibleEntries(const URL& directory, bool isRecursive, std::vector<URL>& urls) {
     using Options = NSDirectoryEnumerationOptions;
-    if (!url.isFileURL() || !url.pathExtension().empty())
-        return {url};
     const auto enumerator = NSDirectoryEnumerator::create(
-        url.resolvingSymlinksInPath(),
-        Options::skipsHiddenFiles | Options::skipsPackageDescendants |
-            (argument.recursively ? Options::none : Options::skipsSubdirectoryDescendants));
-    std::vector<URL> urls;
+        directory, Options::skipsHiddenFiles | Options::skipsPackageDescendants |
+                       (isRecursive ? Options::none : Options::skipsSubdirectoryDescendants));
     while (enumerator) {
         std::optional<URL> entry = enumerator->nextObject();
         if (!entry)
             break;
         urls.push_back(std::move(*entry));
     }
+}
+
+std::vector<URL> listSubFilesOrSelf(const URL& url, Recursively argument) {
+    if (!url.isFileURL() || !url.pathExtension().empty())
+        return {url};
+    std::vector<URL> urls;
+    files::appendVisibleEntries(url.resolvingSymlinksInPath(), argument.recursively, urls);
     return urls;
 }
 
 namespace files {
 
-SharedFileLock::SharedFileLock(const URL& url) {
-    if (!url.isFileURL())
-        return;
-    descriptor_ = ::open(url.path().c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    while (descriptor_ >= 0 && ::flock(descriptor_, LOCK_SH) != 0) {
-        if (errno == EINTR)
-            continue;
-        ::close(descriptor_);
-        descriptor_ = -1;
-    }
-}
+SharedFileLock::SharedFileLock(const URL& url)
+    : descriptor_(url.isFileURL() ? lockItem(url.path(), LockKind::shared).release() : -1) {}
 
 SharedFileLock::~SharedFileLock() {
     if (descriptor_ >= 0)

@@ -65,6 +65,12 @@ struct ConformsToOneOf {
 [[nodiscard]] bool isWritable(const URL& url);
 [[nodiscard]] bool isDeletable(const URL& url);
 
+/// Whether the permission bits let this process read and write the item: the owner's bits when it
+/// runs as the owner, else the group's when it is of the group, else the others'. Bits alone: the
+/// superuser, access lists and read-only volumes may do more or less (`isReadable`, `isWritable`).
+/// Of a link, those of what it points to. Absent when they cannot be found out.
+std::optional<bool> checkIsReadAndWrite(const URL& url);
+
 struct Recursively {
     bool recursively = false;
 };
@@ -76,7 +82,8 @@ std::vector<URL> listSubFilesOrSelf(const URL& url, Recursively argument = {});
 
 namespace files {
 
-/// Keeps a shared advisory lock (`flock`) on a file, so that writers who ask for theirs wait.
+/// Keeps a shared advisory lock (`flock`) on the file or folder that has a name, so that writers
+/// who ask for theirs wait.
 class SharedFileLock {
 public:
     /// Waits for the lock.
@@ -94,9 +101,11 @@ private:
 
 } // namespace files
 
-/// Calls the accessor with the URL to read from, while a shared advisory lock is held on the file,
-/// and gives its result. Absent, without a call, when the file cannot be opened for reading. What
-/// the accessor throws passes through.
+/// Calls the accessor with the URL to read from, while a shared advisory lock is held on the file
+/// or folder, and gives its result. Meanwhile `NSFileManager::overwritingCopy` does not replace it,
+/// in whatever process; nor does any writer that takes the exclusive `flock`. Other writers are not
+/// held up. Waits for such a writer to end first. Absent, without a call, when the file cannot be
+/// opened for reading. What the accessor throws passes through.
 template <class Accessor>
 auto readSecuredFileWithCoordinator(const URL& url, Accessor&& accessor)
     -> std::optional<std::invoke_result_t<Accessor, const URL&>> {

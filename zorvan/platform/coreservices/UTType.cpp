@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <unordered_set>
 #include <vector>
 
 namespace zorvan {
@@ -45,9 +46,11 @@ bool mimeTypeConforms(std::string_view mimeType, std::string_view other) {
     const auto named = typeWithIdentifier(other);
     const auto foreign = MimeDatabase::shared().typeOfIdentifier(other);
     // The database may declare circles; every type is looked at once.
-    std::vector<std::string> seen{std::string(mimeType)};
-    for (std::size_t i = 0; i < seen.size(); ++i) {
-        const std::string current = seen[i];
+    std::vector<std::string> waiting{std::string(mimeType)};
+    std::unordered_set<std::string> seen(waiting.begin(), waiting.end());
+    while (!waiting.empty()) {
+        const std::string current = std::move(waiting.back());
+        waiting.pop_back();
         if (foreign && current == *foreign)
             return true;
         const auto own = typeWithMimeType(current);
@@ -55,8 +58,8 @@ bool mimeTypeConforms(std::string_view mimeType, std::string_view other) {
         if (named && ((own && typeConforms(*own, *named)) || typeConforms(*implicit, *named)))
             return true;
         for (std::string& parent : MimeDatabase::shared().parents(current))
-            if (std::find(seen.begin(), seen.end(), parent) == seen.end())
-                seen.push_back(std::move(parent));
+            if (seen.insert(parent).second)
+                waiting.push_back(std::move(parent));
     }
     return false;
 }

@@ -1,13 +1,18 @@
+#include <zorvan/platform/foundation/NSHomeDirectory.h>
 #include <zorvan/platform/foundation/NSUserName.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <pwd.h>
 #include <unistd.h>
 #include <vector>
 
 namespace zorvan {
 
-std::string NSUserName() {
+namespace {
+
+/// A field of the user's entry in the user database; empty when there is none.
+std::string userField(char* passwd::*field) {
     constexpr std::size_t largest = 1 << 20;
     std::vector<char> buffer(1024);
     for (;;) {
@@ -15,9 +20,18 @@ std::string NSUserName() {
         passwd* found = nullptr;
         const int error = getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found);
         if (error != ERANGE || buffer.size() >= largest)
-            return error == 0 && found ? found->pw_name : "";
+            return error == 0 && found ? found->*field : "";
         buffer.resize(buffer.size() * 2);
     }
+}
+
+} // namespace
+
+std::string NSUserName() { return userField(&passwd::pw_name); }
+
+std::string NSHomeDirectory() {
+    const char* home = std::getenv("HOME");
+    return home && home[0] == '/' ? home : userField(&passwd::pw_dir);
 }
 
 } // namespace zorvan

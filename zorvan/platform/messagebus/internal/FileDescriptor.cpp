@@ -3,14 +3,8 @@
 #include <cerrno>
 #include <sys/eventfd.h>
 #include <system_error>
-#include <unistd.h>
 
 namespace zorvan::internal {
-
-FileDescriptor::~FileDescriptor() {
-    if (descriptor_ >= 0)
-        ::close(descriptor_);
-}
 
 Wakeup::Wakeup() : event_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (!event_)

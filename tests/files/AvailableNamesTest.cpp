@@ -1,0 +1,122 @@
+#include "ChildProcess.h"
+#include "TemporaryFolder.h"
+
+#include <zorvan/files/NSFileManager.h>
+
+#include <algorithm>
+#include <set>
+#include <sys/stat.h>
+
+using namespace zorvan;
+namespace fs = std::filesystem;
+
+namespace {
+
+const NSFileManager& manager() { return *NSFileManager::defaultManager(); }
+
+std::string text(const URL& url) {
+    std::ifstream file(url.path(), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+} // namespace
+
+TEST(AvailableNames, numbersTakenNamesFromZero) {
+    TemporaryFolder folder;
+    struct {
+        const char *wanted, *available;
+    } table[] = {
+        {"a.txt", "a.txt"},       {"a.txt", "a (0).txt"},
+        {"a.txt", "a (1).txt"},   {"a (0).txt", "a (0) (0).txt"},
+        {".git", ".git"},         {".git", ".git (0)"},
+        {"b.tar.gz", "b.tar.gz"}, {"b.tar.gz", "b.tar (0).gz"},
+        {"noext", "noext"},       {"noext", "noext (0)"},
+    };
+    for (const auto& row : table) {
+        const URL url = manager().availableItemURL(row.wanted, folder.url());
+        EXPECT_EQ(folder.relative(url), row.available);
+        EXPECT_EQ(manager().availableItemURL(folder.url(row.wanted)), url);
+        folder.file(folder.relative(url));
+    }
+}
+
+TEST(AvailableNames, numbersFoldersAndDanglingLinks) {
+    TemporaryFolder folder;
+    folder.folder("Photos");
+    folder.link("gone.txt", "nowhere");
+    EXPECT_EQ(manager().availableItemURL(folder.url("Photos")), folder.url("Photos (0)"));
+    EXPECT_EQ(manager().availableItemURL(folder.url("gone.txt")), folder.url("gone (0).txt"));
+    EXPECT_EQ(manager().availableItemURL(URL::root()).path(), "/ (0)");
+}
+
+TEST(AvailableNames, areTakenInTheSameStep) {
+    TemporaryFolder folder;
+    folder.file("a.txt", "kept");
+    folder.link("a (0).txt", "nowhere");
+    folder.file("item/inner", "moved");
+    EXPECT_EQ(manager().createAvailableFile(folder.url("a.txt")), folder.url("a (1).txt"));
+    EXPECT_EQ(manager().createAvailableDirectory(folder.url("a.txt")), folder.url("a (2).txt"));
+    EXPECT_EQ(manager().moveItemToAvailableURL(folder.url("item"), folder.url("a.txt")),
+              folder.url("a (3).txt"));
+    EXPECT_EQ(text(folder.url("a.txt")), "kept");
+    EXPECT_TRUE(fs::is_empty(folder.path() / "a (1).txt"));
+    EXPECT_TRUE(fs::is_directory(folder.path() / "a (2).txt"));
+    EXPECT_EQ(text(folder.url("a (3).txt/inner")), "moved");
+    EXPECT_FALSE(fs::exists(folder.path() / "item"));
+    EXPECT_FALSE(fs::exists(folder.path() / "nowhere"));
+
+    const URL missing = folder.url("missing/x");
+    const URL web = *URL::make({.string = "http://a.org/x"});
+    for (const URL& url : {missing, web}) {
+        EXPECT_THROW(manager().createAvailableFile(url), fs::filesystem_error);
+        EXPECT_THROW(manager().createAvailableDirectory(url), fs::filesystem_error);
+        EXPECT_THROW(manager().moveItemToAvailableURL(folder.url("a.txt"), url),
+                     fs::filesystem_error);
+        EXPECT_THROW(manager().moveItemToAvailableURL(url, folder.url("a.txt")),
+                     fs::filesystem_error);
+    }
+    EXPECT_EQ(text(folder.url("a.txt")), "kept");
+}
+
+TEST(AvailableNames, moveBetweenVolumes) {
+    TemporaryFolder far(TemporaryFolder::fastParent());
+    TemporaryFolder folder;
+    far.file("item/inner", "moved");
+    folder.file("item", "kept");
+    EXPECT_EQ(manager().moveItemToAvailableURL(far.url("item"), folder.url("item")),
+              folder.url("item (0)"));
+    EXPECT_EQ(text(folder.url("item (0)/inner")), "moved");
+    EXPECT_EQ(text(folder.url("item")), "kept");
+    EXPECT_TRUE(fs::is_empty(far.path()));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 2);
+}
+
+// Each process puts its mark in what it created; a mark that is missing was overwritten.
+TEST(AvailableNames, areNeverTakenTwiceByTwoProcesses) {
+    constexpr int rounds = 150;
+    TemporaryFolder folder;
+    folder.folder("out");
+    const auto work = [&](const std::string& who) {
+        for (int i = 0; i < rounds; ++i) {
+            const std::string mark = who + std::to_string(i);
+            const URL file = manager().createAvailableFile(folder.url("out/x.txt"));
+            std::ofstream(file.path(), std::ios::app) << mark << " file\n";
+            const URL directory = manager().createAvailableDirectory(folder.url("out/x.txt"));
+            std::ofstream(directory.path() + "/mark", std::ios::app) << mark << " folder\n";
+            folder.file(mark, mark + " moved\n");
+            manager().moveItemToAvailableURL(folder.url(mark), folder.url("out/x.txt"));
+        }
+    };
+    const pid_t children[] = {startChild([&] { work("a"); }), startChild([&] { work("b"); })};
+    for (const pid_t child : children)
+        EXPECT_EQ(exitStatus(child), 0);
+
+    std::set<std::string> marks;
+    for (const auto& entry : fs::recursive_directory_iterator(folder.path() / "out"))
+        if (entry.is_regular_file()) {
+            EXPECT_TRUE(marks.insert(text(URL({.fileURLWithPath = entry.path()}))).second);
+        }
+    EXPECT_EQ(marks.size(), std::size_t{2 * 3 * rounds});
+    for (const std::string& mark : marks)
+        EXPECT_EQ(std::count(mark.begin(), mark.end(), '\n'), 1) << mark;
+}

@@ -1,0 +1,118 @@
+#include "TemporaryFolder.h"
+
+#include <zorvan/files/NSFileWrapper.h>
+
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <sys/stat.h>
+
+using namespace zorvan;
+using testing::ElementsAre;
+namespace fs = std::filesystem;
+
+namespace {
+
+Data bytes(const std::string& text) {
+    Data data(text.size());
+    std::memcpy(data.data(), text.data(), text.size());
+    return data;
+}
+
+std::vector<std::string> names(const NSFileWrapper& folder) {
+    std::vector<std::string> result;
+    for (const auto& [name, child] : folder.fileWrappers())
+        result.push_back(name);
+    return result;
+}
+
+} // namespace
+
+TEST(NSFileWrapper, readsAFolderOrMakesOne) {
+    TemporaryFolder folder;
+    folder.file("doc/text", "words");
+    folder.file("doc/sub/inner", "");
+    folder.link("doc/link", "text");
+    folder.link("to-doc", "doc");
+    mkfifo((folder.path() / "doc/pipe").c_str(), 0600);
+    for (const char* name : {"doc", "to-doc"}) {
+        const auto wrapper = NSFileWrapper::create({.url = folder.url(name)});
+        EXPECT_EQ(wrapper->filename(), name);
+        EXPECT_THAT(names(*wrapper), ElementsAre("link", "sub", "text"));
+        const auto& children = wrapper->fileWrappers();
+        EXPECT_EQ(children.at("text")->regularFileContents(), bytes("words"));
+        EXPECT_EQ(children.at("link")->symbolicLinkDestination(), "text");
+        EXPECT_THAT(names(*children.at("sub")), ElementsAre("inner"));
+        EXPECT_FALSE(children.at("sub")->regularFileContents());
+    }
+    const auto empty = NSFileWrapper::create({.url = folder.url("new/deep")});
+    EXPECT_TRUE(fs::is_directory(folder.path() / "new/deep"));
+    EXPECT_TRUE(empty->isDirectory() && empty->fileWrappers().empty());
+
+    const auto lost = NSFileWrapper::create({.url = folder.url("doc")});
+    fs::remove(folder.path() / "doc/text");
+    EXPECT_THROW(lost->fileWrappers().at("text")->regularFileContents(), fs::filesystem_error);
+    for (const URL& url : {folder.url("doc/sub/inner"), folder.url("doc/sub/inner/x"),
+                           *URL::make({.string = "http://a.org/x"})})
+        EXPECT_THROW(NSFileWrapper::create({.url = url}), fs::filesystem_error);
+}
+
+TEST(NSFileWrapper, writesWhatWasReadAndChanged) {
+    TemporaryFolder folder;
+    folder.file("doc/old", "old");
+    folder.file("doc/dropped");
+    folder.file("doc/run", "#!");
+    chmod((folder.path() / "doc/run").c_str(), 0755);
+    const auto wrapper = NSFileWrapper::create({.url = folder.url("doc")});
+    wrapper->removeFileWrapper(wrapper->fileWrappers().at("dropped"));
+    for (const char* name : {"old", "old (0)"}) {
+        const auto file = NSFileWrapper::create({.regularFileWithContents = bytes(name)});
+        file->setPreferredFilename("old");
+        wrapper->addFileWrapper(file);
+    }
+    const auto sub =
+        NSFileWrapper::create({.directoryWithFileWrappers = NSFileWrapper::Children()});
+    sub->setPreferredFilename("sub");
+    EXPECT_EQ(wrapper->addFileWrapper(sub), "sub");
+    const auto link = NSFileWrapper::create({.symbolicLinkWithDestination = "../old"});
+    link->setPreferredFilename("link");
+    sub->addFileWrapper(link);
+
+    folder.file("file");
+    for (const char* place : {"doc", "file", "new"}) {
+        wrapper->write(folder.url(place));
+        const auto read = NSFileWrapper::create({.url = folder.url(place)});
+        EXPECT_THAT(names(*read), ElementsAre("old", "old (0)", "old (1)", "run", "sub")) << place;
+        EXPECT_EQ(read->fileWrappers().at("old")->regularFileContents(), bytes("old"));
+        EXPECT_EQ(read->fileWrappers().at("old (1)")->regularFileContents(), bytes("old (0)"));
+        EXPECT_EQ(fs::status(folder.path() / place / "run").permissions(), fs::perms(0755));
+        EXPECT_EQ(fs::read_symlink(folder.path() / place / "sub/link"), "../old");
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 3);
+
+    // A file that is gone makes writing fail, and leaves what is there.
+    fs::remove(folder.path() / "doc/run");
+    EXPECT_THROW(wrapper->write(folder.url("new")), fs::filesystem_error);
+    EXPECT_TRUE(fs::exists(folder.path() / "new/run"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 3);
+}
+
+TEST(NSFileWrapperDeathTest, stopsAtBrokenContracts) {
+    const auto file = NSFileWrapper::create({.regularFileWithContents = Data()});
+    const auto outer =
+        NSFileWrapper::create({.directoryWithFileWrappers = NSFileWrapper::Children()});
+    const auto inner =
+        NSFileWrapper::create({.directoryWithFileWrappers = NSFileWrapper::Children()});
+    inner->setPreferredFilename("inner");
+    outer->addFileWrapper(inner);
+    outer->setPreferredFilename("outer");
+    EXPECT_DEATH(inner->addFileWrapper(outer), "^A file wrapper cannot hold itself.\n$");
+    EXPECT_DEATH(outer->addFileWrapper(outer), "^A file wrapper cannot hold itself.\n$");
+    EXPECT_DEATH(file->addFileWrapper(inner), "^The file wrapper is not a directory.\n$");
+    EXPECT_DEATH((void)file->fileWrappers(), "^The file wrapper is not a directory.\n$");
+    for (const char* name : {"", ".", "..", "a/b"}) {
+        file->setPreferredFilename(name);
+        EXPECT_DEATH(outer->addFileWrapper(file),
+                     "^The file wrapper has no preferred file name.\n$");
+    }
+}

@@ -1,0 +1,22 @@
+#include <zorvan/files/NSPasteboard.h>
+
+#include <gmock/gmock.h>
+
+using namespace zorvan;
+
+TEST(NSPasteboard, givesTheFilesAmongItsObjects) {
+    const URL file({.fileURLWithPath = "/a b"}), other({.fileURLWithPath = "/c"});
+    const auto pasteboard = NSPasteboard::create();
+    EXPECT_THAT(pasteboard->fileURLs(), testing::IsEmpty());
+    pasteboard->writeObjects({file, "file:///text", *URL::make({.string = "http://a.org/"})});
+    pasteboard->writeObjects({other, file});
+    EXPECT_THAT(pasteboard->fileURLs(), testing::ElementsAre(file, other, file));
+    EXPECT_EQ(pasteboard->objects().size(), 5u);
+
+    const std::int64_t count = pasteboard->changeCount();
+    EXPECT_EQ(pasteboard->clearContents(), count + 1);
+    EXPECT_EQ(pasteboard->changeCount(), count + 1);
+    EXPECT_THAT(pasteboard->fileURLs(), testing::IsEmpty());
+    EXPECT_EQ(NSPasteboard::generalPasteboard(), NSPasteboard::generalPasteboard());
+    EXPECT_NE(NSPasteboard::generalPasteboard(), pasteboard);
+}

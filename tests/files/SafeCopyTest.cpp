@@ -1,0 +1,428 @@
+// The safe copy: what it copies, and what is left when it is stopped.
+
+#include "TemporaryFolder.h"
+#include "TracedProcess.h"
+
+#include <zorvan/files/NSFileManager.h>
+#include <zorvan/files/URL.h>
+#include <zorvan/files/internal/PlaceItem.h>
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <fcntl.h>
+#include <map>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <thread>
+
+using namespace zorvan;
+using testing::ElementsAre;
+using testing::Pair;
+namespace fs = std::filesystem;
+
+namespace {
+
+const NSFileManager& manager() { return *NSFileManager::defaultManager(); }
+
+std::string text(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Every item below a path, by its path from there: what a file or link holds, "/" for a folder.
+std::map<std::string, std::string> contents(const fs::path& path) {
+    std::map<std::string, std::string> items;
+    const auto add = [&](const fs::path& item) {
+        const fs::file_status status = fs::symlink_status(item);
+        items[item.lexically_relative(path).string()] =
+            fs::is_symlink(status)     ? "-> " + fs::read_symlink(item).string()
+            : fs::is_directory(status) ? "/"
+                                       : text(item);
+    };
+    add(path);
+    if (fs::is_directory(fs::symlink_status(path)))
+        for (const auto& entry : fs::recursive_directory_iterator(path))
+            add(entry.path());
+    return items;
+}
+
+mode_t mode(const fs::path& path) {
+    struct stat status {};
+    EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777;
+}
+
+void setDate(const fs::path& path, time_t seconds) {
+    const timespec dates[] = {{seconds, 1}, {seconds, 123456789}};
+    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), dates, AT_SYMLINK_NOFOLLOW), 0);
+}
+
+/// An error number, or 0 when the copy succeeds.
+int copyError(const URL& source, const URL& destination) {
+    try {
+        manager().overwritingCopy(source, destination);
+        return 0;
+    } catch (const fs::filesystem_error& error) {
+        return error.code().value();
+    }
+}
+
+/// The folder for temporary files, while the object lives.
+class TemporaryDirectory {
+public:
+    explicit TemporaryDirectory(const fs::path& path) {
+        if (const char* value = std::getenv("TMPDIR"))
+            before_ = value;
+        setenv("TMPDIR", path.c_str(), 1);
+    }
+    ~TemporaryDirectory() { before_ ? setenv("TMPDIR", before_->c_str(), 1) : unsetenv("TMPDIR"); }
+
+private:
+    std::optional<std::string> before_;
+};
+
+} // namespace
+
+TEST(SafeCopy, replacesEveryKindByEveryKind) {
+    const auto make = [](const TemporaryFolder& folder, const std::string& name,
+                         const std::string& kind) {
+        if (kind == "file")
+            folder.file(name, name + " text");
+        else if (kind == "link")
+            folder.link(name, name + " target");
+        else if (kind == "folder")
+            folder.file(name + "/sub/" + name, name + " inner");
+    };
+    for (const char* source : {"file", "link", "folder"})
+        for (const char* destination : {"nothing", "file", "link", "folder"}) {
+            const TemporaryFolder folder(TemporaryFolder::fastParent());
+            const TemporaryFolder far;
+            for (const auto& temporary : {folder.path() / "tmp", far.path()}) {
+                SCOPED_TRACE(std::string(source) + " over " + destination + ", by way of " +
+                             temporary.string());
+                for (const char* name : {"source", "destination"})
+                    fs::remove_all(folder.path() / name);
+                folder.folder("tmp");
+                const TemporaryDirectory place(temporary);
+                make(folder, "source", source);
+                make(folder, "destination", destination);
+                const auto wanted = contents(folder.path() / "source");
+                EXPECT_EQ(copyError(folder.url("source"), folder.url("destination")), 0);
+                EXPECT_EQ(contents(folder.path() / "destination"), wanted);
+                EXPECT_EQ(contents(folder.path() / "source"), wanted);
+                fs::remove_all(folder.path() / "destination");
+                fs::remove_all(folder.path() / "source");
+                EXPECT_EQ(contents(folder.path()).size(), 2u) << "something is left over";
+                EXPECT_TRUE(fs::is_empty(temporary));
+            }
+        }
+}
+
+TEST(SafeCopy, takesModesDatesAndAttributesAlong) {
+    TemporaryFolder folder;
+    folder.file("a/file", "text");
+    folder.file("a/closed/inner");
+    folder.folder("a/empty");
+    folder.link("a/link", "nowhere");
+    ASSERT_EQ(mkfifo((folder.path() / "a/pipe").c_str(), 0600), 0);
+    struct {
+        const char* name;
+        mode_t mode;
+    } const table[] = {{"a/file", 0751},   {"a/closed/inner", 0}, {"a/closed", 0555},
+                       {"a/empty", 01777}, {"a/pipe", 0620},      {"a/link", 0},
+                       {"a", 0710}};
+    time_t date = 1'000'000'000;
+    for (const auto& row : table) {
+        if (row.mode != 0)
+            chmod((folder.path() / row.name).c_str(), row.mode);
+        setDate(folder.path() / row.name, date++);
+    }
+    const bool hasAttributes =
+        setxattr((folder.path() / "a/file").c_str(), "user.note", "n", 1, 0) == 0;
+
+    manager().overwritingCopy(folder.url("a"), folder.url("b"));
+    for (const auto& row : table) {
+        const std::string copy = "b" + std::string(row.name).substr(1);
+        EXPECT_EQ(mode(folder.path() / row.name), mode(folder.path() / copy)) << copy;
+        EXPECT_EQ(manager().modifyDateForFile(folder.url(row.name)),
+                  manager().modifyDateForFile(folder.url(copy)))
+            << copy;
+    }
+    EXPECT_TRUE(fs::is_fifo(folder.path() / "b/pipe"));
+    char note = 0;
+    EXPECT_EQ(getxattr((folder.path() / "b/file").c_str(), "user.note", &note, 1),
+              hasAttributes ? 1 : -1);
+}
+
+TEST(SafeCopy, keepsThePermissionsOfWhatItReplaces) {
+    TemporaryFolder folder;
+    folder.file("new", "new");
+    folder.file("old", "old");
+    folder.file("new folder/x");
+    folder.folder("old folder");
+    chmod(folder.url("new").path().c_str(), 06755);
+    chmod(folder.url("old").path().c_str(), 0604);
+    chmod(folder.url("old folder").path().c_str(), 0750);
+    manager().overwritingCopy(folder.url("new"), folder.url("old"));
+    EXPECT_EQ(mode(folder.path() / "old"), 0604u);
+    manager().overwritingCopy(folder.url("new folder"), folder.url("old folder"));
+    EXPECT_EQ(mode(folder.path() / "old folder"), 0750u);
+    manager().overwritingCopy(folder.url("new folder"), folder.url("old"));
+    EXPECT_EQ(mode(folder.path() / "old"), mode(folder.path() / "new folder"));
+}
+
+TEST(SafeCopy, replacesFoldersThatMayNotBeWritten) {
+    asOrdinaryUser([] {
+        TemporaryFolder folder;
+        folder.folder("tmp");
+        const TemporaryDirectory place(folder.path() / "tmp");
+        folder.file("a/sub/x");
+        folder.file("b/sub/y");
+        for (const char* name : {"a/sub", "a", "b/sub", "b"})
+            chmod(folder.url(name).path().c_str(), 0500);
+        manager().overwritingCopy(folder.url("a"), folder.url("b"));
+        EXPECT_EQ(contents(folder.path() / "a"), contents(folder.path() / "b"));
+        EXPECT_EQ(contents(folder.path()).size(), 8u) << "something is left over";
+        for (const char* name : {"a/sub", "a", "b/sub", "b"})
+            chmod(folder.url(name).path().c_str(), 0700);
+    });
+}
+
+TEST(SafeCopy, copiesHolesAndOddSizes) {
+    TemporaryFolder folder;
+    constexpr std::uintmax_t megabyte = 1 << 20;
+    struct {
+        std::uintmax_t size;
+        std::vector<std::uintmax_t> islands; // where there are data
+    } const table[] = {{0, {}},
+                       {1, {0}},
+                       {3 * megabyte + 1, {}},
+                       {64 * megabyte, {0, 30 * megabyte, 64 * megabyte - 1}},
+                       {33 * megabyte, {32 * megabyte + 5}}};
+    for (const auto& row : table) {
+        folder.file("sparse", "");
+        fs::resize_file(folder.path() / "sparse", row.size);
+        std::fstream file(folder.path() / "sparse", std::ios::in | std::ios::out);
+        for (const std::uintmax_t island : row.islands)
+            file.seekp(static_cast<std::streamoff>(island)).put('!');
+        file.close();
+        manager().overwritingCopy(folder.url("sparse"), folder.url("copy"));
+        EXPECT_TRUE(text(folder.path() / "sparse") == text(folder.path() / "copy")) << row.size;
+        struct stat status {};
+        stat(folder.url("copy").path().c_str(), &status);
+        EXPECT_LT(status.st_blocks * 512, 1 << 20) << "the holes are filled";
+    }
+    // The kernel's own files say that they are empty.
+    manager().overwritingCopy(URL({.fileURLWithPath = "/proc/self/status"}), folder.url("copy"));
+    EXPECT_THAT(text(folder.path() / "copy"), testing::StartsWith("Name:"));
+}
+
+TEST(SafeCopy, passesErrorsOnAndTouchesNothing) {
+    TemporaryFolder folder;
+    folder.file("file", "text");
+    folder.file("folder/sub/x");
+    const URL web = *URL::make({.string = "http://a.org/x"});
+    const auto before = contents(folder.path());
+    struct {
+        URL source, destination;
+        int error;
+    } const table[] = {
+        {folder.url("missing"), folder.url("new"), ENOENT},
+        {folder.url("missing"), folder.url("file"), ENOENT},
+        {folder.url("file"), folder.url("missing/new"), ENOENT},
+        {folder.url("file"), folder.url("file/new"), ENOTDIR},
+        {folder.url("folder"), folder.url("folder/sub/new"), EINVAL},
+        {folder.url("file"), folder.url(std::string(300, 'x')), ENAMETOOLONG},
+        {folder.url("folder"), URL({.fileURLWithPath = "/proc"}), EPERM},
+        {web, folder.url("new"), EINVAL},
+        {folder.url("file"), web, EINVAL},
+    };
+    for (const auto& row : table) {
+        const int error = copyError(row.source, row.destination);
+        if (row.error == EPERM)
+            EXPECT_NE(error, 0);
+        else
+            EXPECT_EQ(error, row.error) << row.source.path() << " to " << row.destination.path();
+        EXPECT_EQ(contents(folder.path()), before);
+    }
+    // In the place of a folder around it.
+    manager().overwritingCopy(folder.url("folder/sub"), folder.url("folder"));
+    EXPECT_THAT(contents(folder.path() / "folder"), ElementsAre(Pair(".", "/"), Pair("x", "x")));
+}
+
+namespace {
+
+/// The cases that are stopped half-way: a source, a destination, a folder for temporary files.
+struct StoppedCopy {
+    const char *source, *destination;
+    bool isFar;
+};
+constexpr StoppedCopy stoppedCopies[] = {{"file", "old file", false},
+                                         {"file", "old file", true},
+                                         {"folder", "old folder", false},
+                                         {"folder", "old file", true},
+                                         {"file", "new", false}};
+
+/// Strikes the copy at each of its system calls in turn. Whenever it ends, the destination must be
+/// what it was or what it becomes, and the latter when the copy said so.
+void strikeEverywhere(const StoppedCopy& row, TracedProcess::Fate fate) {
+    const TemporaryFolder far;
+    auto end = TracedProcess::End::wasStruck;
+    for (std::size_t call = 0; end == TracedProcess::End::wasStruck; ++call) {
+        ASSERT_LT(call, 5000u);
+        TemporaryFolder folder(TemporaryFolder::fastParent());
+        folder.folder("tmp");
+        folder.file("file", std::string(70000, 'n'));
+        folder.file("folder/a", "new a");
+        folder.file("folder/sub/b", "new b");
+        folder.file("old file", "old");
+        folder.file("old folder/c", "old c");
+        const auto old = contents(folder.path());
+        const auto source = contents(folder.path() / row.source);
+        const auto place = folder.path() / row.destination;
+        const auto before = contents(place);
+        const TemporaryDirectory temporary(row.isFar ? far.path() : folder.path() / "tmp");
+
+        TracedProcess process(call, fate);
+        end = process.run([&] {
+            manager().overwritingCopy(folder.url(row.source), folder.url(row.destination));
+        });
+        ASSERT_EQ(contents(folder.path() / row.source), source) << "at call " << call;
+        const auto after = contents(place);
+        ASSERT_TRUE(after == source || after == before) << "at call " << call;
+        ASSERT_TRUE(after == source || process.exitStatus() != 0) << "at call " << call;
+        ASSERT_TRUE(end == TracedProcess::End::wasStruck || process.exitStatus() == 0);
+    }
+}
+
+} // namespace
+
+TEST(SafeCopy, leavesTheOldOrTheNewWhenKilledAtAnyStep) {
+    for (const StoppedCopy& row : stoppedCopies) {
+        SCOPED_TRACE(std::string(row.source) + " over " + row.destination);
+        strikeEverywhere(row, TracedProcess::Fate::killed);
+    }
+}
+
+#if defined(__x86_64__)
+TEST(SafeCopy, leavesTheOldOrTheNewWhenAnyCallFails) {
+    for (const StoppedCopy& row : stoppedCopies) {
+        SCOPED_TRACE(std::string(row.source) + " over " + row.destination);
+        strikeEverywhere(row, TracedProcess::Fate::fails);
+    }
+}
+#endif
+
+namespace {
+
+/// Makes the folder a disk of a megabyte, for this process; false when that is not allowed.
+bool mountSmallDisk(const fs::path& folder) {
+    const std::string user = "0 " + std::to_string(getuid()) + " 1";
+    const std::string group = "0 " + std::to_string(getgid()) + " 1";
+    if (unshare(CLONE_NEWNS | (geteuid() == 0 ? 0 : CLONE_NEWUSER)) != 0)
+        return false;
+    if (geteuid() != 0) {
+        std::ofstream("/proc/self/setgroups") << "deny";
+        std::ofstream("/proc/self/gid_map") << group;
+        std::ofstream("/proc/self/uid_map") << user;
+    }
+    return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount("none", folder.c_str(), "tmpfs", 0, "size=1m") == 0;
+}
+
+} // namespace
+
+TEST(SafeCopy, keepsTheOldFileWhenTheDiskIsFull) {
+    TemporaryFolder folder;
+    folder.file("large", std::string(900'000, 'n'));
+    folder.folder("disk");
+    // Where no disk can be mounted, the size that files may have is the limit instead.
+    for (const bool isDisk : {true, false})
+        for (const bool isFolder : {false, true}) {
+            const pid_t child = startChild([&] {
+                const bool isMounted = isDisk && mountSmallDisk(folder.path() / "disk");
+                folder.file("disk/old", std::string(400'000, 'o'));
+                folder.file("disk/old folder/x", "old");
+                const auto before = contents(folder.path() / "disk");
+                const rlimit limit{500'000, 500'000};
+                signal(SIGXFSZ, SIG_IGN);
+                if (!isMounted)
+                    setrlimit(RLIMIT_FSIZE, &limit);
+                const int full = isMounted ? ENOSPC : EFBIG;
+                const char* destination = isFolder ? "disk/old folder" : "disk/old";
+                EXPECT_EQ(copyError(folder.url("large"), folder.url(destination)), full);
+                EXPECT_EQ(copyError(folder.url("large"), folder.url("disk/new")), full);
+                EXPECT_TRUE(contents(folder.path() / "disk") == before);
+            });
+            EXPECT_EQ(exitStatus(child), 0);
+        }
+}
+
+TEST(SafeCopy, waitsForReaders) {
+    TemporaryFolder folder;
+    folder.file("old", "old");
+    folder.file("new", "new");
+    std::atomic<bool> isDone = false;
+    std::thread writer;
+    const auto seen = readSecuredFileWithCoordinator(folder.url("old"), [&](const URL& url) {
+        writer = std::thread([&, url] {
+            manager().overwritingCopy(folder.url("new"), url);
+            isDone = true;
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        EXPECT_FALSE(isDone) << "the writer did not wait";
+        return text(url.path());
+    });
+    EXPECT_EQ(seen, "old");
+    writer.join();
+    EXPECT_EQ(text(folder.path() / "old"), "new");
+}
+
+TEST(SafeCopy, twoAtOnceLeaveOneOfTheTwo) {
+    TemporaryFolder folder(TemporaryFolder::fastParent());
+    const std::string a(200'000, 'a'), b(300'000, 'b');
+    folder.file("a", a);
+    folder.file("b", b);
+    folder.file("x", a);
+    for (int round = 0; round < 20; ++round) {
+        const pid_t children[] = {
+            startChild([&] { manager().overwritingCopy(folder.url("a"), folder.url("x")); }),
+            startChild([&] { manager().overwritingCopy(folder.url("b"), folder.url("x")); })};
+        const std::string during = text(folder.path() / "x");
+        EXPECT_TRUE(during == a || during == b);
+        for (const pid_t child : children)
+            EXPECT_EQ(exitStatus(child), 0);
+        EXPECT_EQ(contents(folder.path()).size(), 4u);
+    }
+}
+
+TEST(PlaceItem, neverReplacesByNameEither) {
+    TemporaryFolder folder;
+    for (const char* kind : {"file", "folder", "link"}) {
+        SCOPED_TRACE(kind);
+        const auto make = [&](const std::string& name) {
+            if (kind == std::string("folder"))
+                folder.file(name + "/inner");
+            else
+                kind == std::string("file") ? folder.file(name) : folder.link(name, "nowhere");
+        };
+        make("from");
+        const auto wanted = contents(folder.path() / "from");
+        const auto move = [&](const char* to) {
+            return files::placeItemByName(folder.url("from").path(), folder.url(to).path());
+        };
+        folder.folder("taken");
+        EXPECT_EQ(move("taken"), EEXIST);
+        fs::remove(folder.path() / "taken");
+        EXPECT_EQ(move("to"), 0);
+        EXPECT_EQ(contents(folder.path() / "to"), wanted);
+        EXPECT_EQ(move("again"), ENOENT);
+        fs::remove_all(folder.path() / "to");
+        EXPECT_TRUE(fs::is_empty(folder.path()));
+    }
+}

@@ -1,0 +1,83 @@
+// Names that nothing has: asked for, and taken.
+
+#include <zorvan/files/NSFileManager.h>
+
+#include <zorvan/files/internal/CopyItem.h>
+#include <zorvan/files/internal/PlaceItem.h>
+#include <zorvan/files/internal/filePath.h>
+#include <zorvan/files/internal/numberedName.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace zorvan {
+
+using namespace files;
+
+namespace {
+
+/// The first of the names that `take` gives no EEXIST for: the URL itself, then the numbered ones.
+template <class Take>
+URL firstAvailable(const URL& url, Take take) {
+    const std::string name(url.lastPathComponent());
+    const URL directory = url.deletingLastPathComponent();
+    URL candidate = url;
+    for (std::int64_t n = 0;; ++n) {
+        const int error = take(filePath(candidate));
+        if (error == 0)
+            return candidate;
+        if (error != EEXIST)
+            throwFileError("cannot create", candidate.path(), error);
+        candidate = directory.appendingPathComponent(numberedName(name, n));
+    }
+}
+
+int createFile(const std::string& path) {
+    const internal::FileDescriptor file(
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    return file ? 0 : errno;
+}
+
+int createFolder(const std::string& path) { return ::mkdir(path.c_str(), 0777) == 0 ? 0 : errno; }
+
+} // namespace
+
+URL NSFileManager::availableItemURL(const URL& url) const {
+    if (!url.isFileURL())
+        return url;
+    return firstAvailable(url, [](const std::string& path) { return isTaken(path) ? EEXIST : 0; });
+}
+
+URL NSFileManager::availableItemURL(std::string_view name, const URL& directory) const {
+    return availableItemURL(directory.appendingPathComponent(name));
+}
+
+URL NSFileManager::createAvailableFile(const URL& url) const {
+    return firstAvailable(url, createFile);
+}
+
+URL NSFileManager::createAvailableDirectory(const URL& url) const {
+    return firstAvailable(url, createFolder);
+}
+
+URL NSFileManager::moveItemToAvailableURL(const URL& item, const URL& url) const {
+    const std::string& from = filePath(item);
+    const Scratch copy = Scratch::beside(filePath(url));
+    bool isCopied = false;
+    const URL place = firstAvailable(url, [&](const std::string& path) {
+        const int error = isCopied ? EXDEV : placeItem(from, path);
+        if (error != EXDEV)
+            return error;
+        if (!isCopied)
+            copyItem(from, copy.path(), Durability::onDisk);
+        isCopied = true;
+        return placeItem(copy.path(), path);
+    });
+    if (isCopied)
+        removeItem(from);
+    return place;
+}
+
+} // namespace zorvan

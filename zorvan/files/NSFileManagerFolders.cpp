@@ -1,0 +1,130 @@
+// The folders that a program puts its files into.
+
+#include <zorvan/files/NSFileManager.h>
+
+#include <zorvan/files/internal/filePath.h>
+#include <zorvan/platform/foundation/NSHomeDirectory.h>
+#include <zorvan/platform/foundation/NSUserName.h>
+#include <zorvan/platform/foundation/UUID.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+
+namespace zorvan {
+
+int files::makePrivateFolder(const std::string& path) noexcept {
+    std::error_code error;
+    std::filesystem::create_directories(folderOf(path), error);
+    if (error)
+        return error.value();
+    return ::mkdir(path.c_str(), 0700) == 0 ? 0 : errno;
+}
+
+using namespace files;
+
+namespace {
+
+/// The value of an environment variable that holds an absolute path; empty otherwise.
+std::string pathFromEnvironment(const char* name) {
+    const char* value = std::getenv(name);
+    return value && value[0] == '/' ? value : "";
+}
+
+URL temporaryDirectory() {
+    const std::string path = pathFromEnvironment("TMPDIR");
+    return URL({.fileURLWithPath = path.empty() ? "/tmp" : path});
+}
+
+std::optional<URL> applicationSupportDirectory() {
+    if (std::string data = pathFromEnvironment("XDG_DATA_HOME"); !data.empty())
+        return URL({.fileURLWithPath = std::move(data)});
+    const std::string home = NSHomeDirectory();
+    if (home.empty())
+        return std::nullopt;
+    return URL({.fileURLWithPath = home + "/.local/share"});
+}
+
+std::optional<std::string> mainBundleName() {
+    const PropertyList* name = NSBundle::mainBundle()->objectForInfoDictionaryKey("CFBundleName");
+    const auto* text = name ? name->as<std::string>() : nullptr;
+    return text ? std::optional(*text) : std::nullopt;
+}
+
+URL temporaryDirectory(const NSBundle& bundle) {
+    const auto identifier = bundle.bundleIdentifier();
+    const URL folder =
+        temporaryDirectory().appendingPathComponent(identifier ? *identifier : makeUUIDString());
+    makePrivateFolder(folder.path());
+    return folder;
+}
+
+URL newFile(const URL& folder, std::string_view extension) {
+    return folder.appendingPathComponent(makeUUIDString()).appendingPathExtension(extension);
+}
+
+} // namespace
+
+std::string NSFileManager::noSandboxHomePath() const { return "/Users/" + NSUserName() + "/"; }
+
+URL NSFileManager::noSandboxHomeURL() const {
+    return URL({.fileURLWithPath = noSandboxHomePath()});
+}
+
+std::optional<URL> NSFileManager::noSandboxBundleSupportDirectoryURL() const {
+    const auto name = mainBundleName();
+    if (!name)
+        return std::nullopt;
+    return noSandboxHomeURL()
+        .appendingPathComponent("Library/Application Support")
+        .appendingPathComponent(*name);
+}
+
+std::optional<URL> NSFileManager::bundleSupportDirectoryURL() const {
+    const auto name = mainBundleName();
+    const auto support = name ? applicationSupportDirectory() : std::nullopt;
+    return support ? std::optional(support->appendingPathComponent(*name)) : std::nullopt;
+}
+
+URL NSFileManager::createDirectory(const URL& url) const {
+    std::filesystem::create_directories(filePath(url));
+    return url;
+}
+
+URL NSFileManager::createDirectory(const URL& url, std::string_view pathComponent) const {
+    return createDirectory(url.appendingPathComponent(pathComponent));
+}
+
+std::optional<URL> NSFileManager::createBundleSupportDirectory() const {
+    return createBundleSupportDirectoryWithComponent("");
+}
+
+std::optional<URL>
+NSFileManager::createBundleSupportDirectoryWithComponent(std::string_view component) const {
+    const auto support = bundleSupportDirectoryURL();
+    if (!support)
+        return std::nullopt;
+    try {
+        return createDirectory(*support, component);
+    } catch (const std::filesystem::filesystem_error&) {
+        return std::nullopt;
+    }
+}
+
+URL NSFileManager::temporaryURL(PathExtension argument) const {
+    return newFile(temporaryDirectory(), argument.pathExt);
+}
+
+URL NSFileManager::temporaryURL(Model argument) const {
+    return newFile(temporaryDirectory(), argument.for_.value.pathExtension());
+}
+
+URL NSFileManager::temporaryURL(const PathExtensionInBundle& argument) const {
+    return newFile(temporaryDirectory(*argument.bundle.value), argument.pathExt);
+}
+
+URL NSFileManager::temporaryURL(const ModelInBundle& argument) const {
+    return newFile(temporaryDirectory(*argument.bundle.value), argument.for_.value.pathExtension());
+}
+
+} // namespace zorvan

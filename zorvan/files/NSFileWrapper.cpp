@@ -1,0 +1,181 @@
+#include <zorvan/files/NSFileWrapper.h>
+
+#include <zorvan/files/internal/CopyItem.h>
+#include <zorvan/files/internal/PlaceItem.h>
+#include <zorvan/files/internal/filePath.h>
+#include <zorvan/files/internal/numberedName.h>
+#include <zorvan/platform/foundation/fatalError.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <span>
+#include <unistd.h>
+
+namespace zorvan {
+
+using namespace files;
+using internal::FileDescriptor;
+
+namespace {
+
+Data bytesOf(const std::string& path) {
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+    Data bytes;
+    Data chunk(std::size_t{1} << 16);
+    for (;;) {
+        const ssize_t count = ::read(file.get(), chunk.data(), chunk.size());
+        if (count == 0)
+            return bytes;
+        if (count < 0 && errno != EINTR)
+            throwFileError("cannot read", path, errno);
+        bytes.insert(bytes.end(), chunk.begin(), chunk.begin() + std::max<ssize_t>(count, 0));
+    }
+}
+
+void writeBytes(std::span<const std::byte> bytes, const std::string& path) {
+    const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!file)
+        throwFileError("cannot create", path, errno);
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(file.get(), bytes.data(), bytes.size());
+        if (count < 0 && errno != EINTR)
+            throwFileError("cannot write", path, errno);
+        bytes = bytes.subspan(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    }
+}
+
+bool isFileName(const std::string& name) {
+    return !name.empty() && name != "." && name != ".." &&
+           name.find_first_of(std::string_view("/\0", 2)) == std::string::npos;
+}
+
+} // namespace
+
+std::shared_ptr<NSFileWrapper> NSFileWrapper::create(const Place& place) {
+    const std::string& path = filePath(place.url.value);
+    Children children;
+    if (std::filesystem::is_directory(path))
+        children = readChildren(path);
+    else
+        std::filesystem::create_directories(path);
+    auto wrapper = create({.directoryWithFileWrappers = std::move(children)});
+    wrapper->filename_ = place.url.value.lastPathComponent();
+    wrapper->preferredFilename_ = wrapper->filename_;
+    return wrapper;
+}
+
+std::shared_ptr<NSFileWrapper> NSFileWrapper::create(RegularFile file) {
+    return std::shared_ptr<NSFileWrapper>(
+        new NSFileWrapper(std::move(file.regularFileWithContents.value)));
+}
+
+std::shared_ptr<NSFileWrapper> NSFileWrapper::create(Directory directory) {
+    return std::shared_ptr<NSFileWrapper>(
+        new NSFileWrapper(std::move(directory.directoryWithFileWrappers.value)));
+}
+
+std::shared_ptr<NSFileWrapper> NSFileWrapper::create(SymbolicLink link) {
+    return std::shared_ptr<NSFileWrapper>(
+        new NSFileWrapper(Link{std::move(link.symbolicLinkWithDestination.value)}));
+}
+
+/// Null for what is no file, folder or link.
+std::shared_ptr<NSFileWrapper> NSFileWrapper::read(const std::string& path) {
+    const auto made = [](Content content) {
+        return std::shared_ptr<NSFileWrapper>(new NSFileWrapper(std::move(content)));
+    };
+    switch (std::filesystem::symlink_status(path).type()) {
+    case std::filesystem::file_type::directory:
+        return made(readChildren(path));
+    case std::filesystem::file_type::symlink:
+        return made(Link{std::filesystem::read_symlink(path).string()});
+    case std::filesystem::file_type::regular:
+        return made(URL({.fileURLWithPath = path}));
+    default:
+        return nullptr;
+    }
+}
+
+NSFileWrapper::Children NSFileWrapper::readChildren(const std::string& path) {
+    Children children;
+    for (const auto& entry : std::filesystem::directory_iterator(path))
+        if (auto child = read(entry.path().string())) {
+            child->filename_ = child->preferredFilename_ = entry.path().filename().string();
+            children.emplace(child->filename_, std::move(child));
+        }
+    return children;
+}
+
+NSFileWrapper::Children& NSFileWrapper::children() {
+    if (!isDirectory())
+        fatalError("The file wrapper is not a directory.");
+    return std::get<Children>(content_);
+}
+
+const NSFileWrapper::Children& NSFileWrapper::fileWrappers() const {
+    return const_cast<NSFileWrapper*>(this)->children();
+}
+
+std::optional<Data> NSFileWrapper::regularFileContents() const {
+    if (const Data* data = std::get_if<Data>(&content_))
+        return *data;
+    if (const URL* url = std::get_if<URL>(&content_))
+        return bytesOf(url->path());
+    return std::nullopt;
+}
+
+std::optional<std::string> NSFileWrapper::symbolicLinkDestination() const {
+    const Link* link = std::get_if<Link>(&content_);
+    return link ? std::optional(link->destination) : std::nullopt;
+}
+
+bool NSFileWrapper::holds(const NSFileWrapper& other) const {
+    if (this == &other)
+        return true;
+    const Children* children = std::get_if<Children>(&content_);
+    return children && std::any_of(children->begin(), children->end(),
+                                   [&](const auto& child) { return child.second->holds(other); });
+}
+
+std::string NSFileWrapper::addFileWrapper(const std::shared_ptr<NSFileWrapper>& child) {
+    Children& siblings = children();
+    if (!isFileName(child->preferredFilename_))
+        fatalError("The file wrapper has no preferred file name.");
+    if (child->holds(*this))
+        fatalError("A file wrapper cannot hold itself.");
+    std::string name = child->preferredFilename_;
+    for (std::int64_t n = 0; !siblings.emplace(name, child).second; ++n)
+        name = numberedName(child->preferredFilename_, n);
+    return name;
+}
+
+void NSFileWrapper::removeFileWrapper(const std::shared_ptr<NSFileWrapper>& child) {
+    std::erase_if(children(), [&](const auto& entry) { return entry.second == child; });
+}
+
+void NSFileWrapper::write(const URL& url) const {
+    const std::string& path = filePath(url);
+    const Scratch copy = Scratch::beside(path);
+    writeTo(copy.path());
+    synchroniseVolumeOf(copy.path());
+    const int error = isTaken(path) ? replaceItem(path, copy.path()) : placeItem(copy.path(), path);
+    if (error != 0)
+        throwFileError("cannot write", path, error);
+}
+
+void NSFileWrapper::writeTo(const std::string& path) const {
+    if (const URL* file = std::get_if<URL>(&content_))
+        return copyItem(file->path(), path, Durability::none);
+    if (const Data* data = std::get_if<Data>(&content_))
+        return writeBytes(*data, path);
+    if (const Link* link = std::get_if<Link>(&content_))
+        return std::filesystem::create_symlink(link->destination, path);
+    std::filesystem::create_directory(path);
+    for (const auto& [name, child] : std::get<Children>(content_))
+        child->writeTo(path + '/' + name);
+}
+
+} // namespace zorvan

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <zorvan/platform/foundation/URL.h>
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace zorvan {
+
+/// Holds what was cut or copied, or is being dragged, until it is put down somewhere.
+///
+/// A pasteboard belongs to this process alone: what it holds is neither seen by other programs nor
+/// taken from the clipboard of the desktop, which only a program with a window has access to. Safe
+/// from every thread.
+class NSPasteboard {
+public:
+    using Object = std::variant<URL, std::string>;
+
+    /// The one that cut, copy and paste share.
+    static const std::shared_ptr<NSPasteboard>& generalPasteboard();
+
+    /// A new one, for a drag or for the program's own use. Empty.
+    static std::shared_ptr<NSPasteboard> create();
+
+    /// Takes everything away, which is what a new owner begins with. Gives the new change count.
+    std::int64_t clearContents();
+
+    /// Adds objects after those that are there.
+    void writeObjects(std::vector<Object> objects);
+
+    std::vector<Object> objects() const;
+
+    /// Grows each time the pasteboard is cleared.
+    std::int64_t changeCount() const;
+
+    /// The file URLs among the objects, in their order; a text is none, whatever it says.
+    std::vector<URL> fileURLs() const;
+
+private:
+    NSPasteboard() = default;
+
+    mutable std::mutex mutex_;
+    std::vector<Object> objects_;
+    std::int64_t changeCount_ = 0;
+};
+
+} // namespace zorvan
