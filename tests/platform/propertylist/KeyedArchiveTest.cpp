@@ -299,10 +299,10 @@ TEST(KeyedArchive, RefusesDamage) {
     // Each object holds the next one twice: read out in full, it would be 2^99 of them.
     List::Array doubling;
     for (int i = 1; i < 100; ++i)
-        doubling.push_back(List::Dictionary{{"$class", to(101)},
-                                            {"NS.objects", List::Array{to(i + 1), to(i + 1)}}});
-    doubling.push_back(1);
-    doubling.push_back(classNamed("NSArray"));
+        doubling.emplace_back(List::Dictionary{{"$class", to(101)},
+                                               {"NS.objects", List::Array{to(i + 1), to(i + 1)}}});
+    doubling.emplace_back(1);
+    doubling.emplace_back(classNamed("NSArray"));
     EXPECT_EQ(refusal<PropertyList>(archiveOf(doubling)),
               "the archive unfolds to far more than its size");
 }

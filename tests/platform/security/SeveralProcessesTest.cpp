@@ -78,6 +78,19 @@ TEST_F(SeveralProcesses, AWriterThatIsStoppedHoldsOthersUpForAWhileOnly) {
     EXPECT_EQ(ask(*other, "add b 2"), "0");
 }
 
+TEST_F(SeveralProcesses, AWriteThatFindsNoRoomChangesNothing) {
+    // Files may not grow beyond 128 KiB, or 256, as the shell counts.
+    Process cramped({"sh", "-c", "trap '' XFSZ; ulimit -f 256; exec " PEER}, environment);
+    ASSERT_EQ(ask(cramped, "set a 1"), "0");
+    const std::string large(600'000, 'x');
+    EXPECT_LT(std::stoi(ask(cramped, "set a " + large)), 0);
+    EXPECT_LT(std::stoi(ask(cramped, "set b " + large)), 0);
+    EXPECT_EQ(ask(cramped, "get a"), "1");
+    EXPECT_EQ(ask(cramped, "set a 2"), "0");
+    EXPECT_EQ(ask(*peer(), "get a"), "2");
+    EXPECT_EQ(ask(*peer(), "set b " + large), "0");
+}
+
 TEST_F(SeveralProcesses, AForkedChildUsesTheStoreOnItsOwn) {
     ASSERT_EQ(add("a", "1"), errSecSuccess);
     const pid_t child = ::fork();

@@ -121,15 +121,17 @@ void Database::Finalize::operator()(sqlite3_stmt* statement) const noexcept {
 Database::Database(const PrivateFolder& folder) {
     folder.createFile(databaseFile);
     for (const char* name : companionFiles)
-        folder.hasFile(name);
+        folder.statusOfFile(name);
     sqlite3* connection = nullptr;
     const int code = sqlite3_open_v2(
         folder.path(databaseFile).c_str(), &connection,
         SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_FULLMUTEX, nullptr);
     connection_.reset(connection);
     check(code);
-    if (::lstat(folder.path(databaseFile).c_str(), &file_) != 0)
+    const auto status = folder.statusOfFile(databaseFile);
+    if (!status)
         throw Failure{errSecIO};
+    file_ = *status;
     configure();
     prepareSchema();
 }
@@ -137,13 +139,14 @@ Database::Database(const PrivateFolder& folder) {
 Database::~Database() = default;
 
 bool Database::exists(const PrivateFolder& folder) {
-    return folder.exists() && folder.hasFile(databaseFile);
+    return folder.exists() && folder.statusOfFile(databaseFile);
 }
 
 bool Database::isInPlace(const PrivateFolder& folder) const {
-    struct stat now {};
-    return exists(folder) && ::lstat(folder.path(databaseFile).c_str(), &now) == 0 &&
-           now.st_ino == file_.st_ino && now.st_dev == file_.st_dev;
+    if (!folder.exists())
+        return false;
+    const auto now = folder.statusOfFile(databaseFile);
+    return now && now->st_ino == file_.st_ino && now->st_dev == file_.st_dev;
 }
 
 void Database::execute(const char* text) {

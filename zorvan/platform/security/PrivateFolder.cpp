@@ -92,11 +92,11 @@ void PrivateFolder::create() const {
         throw Failure{errSecIO};
 }
 
-bool PrivateFolder::hasFile(const char* name) const {
+std::optional<struct stat> PrivateFolder::statusOfFile(const char* name) const {
     const auto status = statusOf(path(name));
     if (status && (!S_ISREG(status->st_mode) || !isUsersAlone(*status) || status->st_nlink != 1))
         throw Failure{errSecAuthFailed};
-    return status.has_value();
+    return status;
 }
 
 void PrivateFolder::createFile(const char* name) const {
@@ -106,7 +106,7 @@ void PrivateFolder::createFile(const char* name) const {
         ::open(path(name).c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file && errno != EEXIST)
         failFor(errno);
-    if (!hasFile(name))
+    if (!statusOfFile(name))
         throw Failure{errSecIO};
 }
 

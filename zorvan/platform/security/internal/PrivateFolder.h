@@ -1,6 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <sys/stat.h>
+#include <utility>
 
 namespace zorvan::security {
 
@@ -20,9 +23,9 @@ public:
     bool exists() const;
     /// Makes it, and the folders around it, unless it is there.
     void create() const;
-    /// Whether a file is there. It must be a plain file of the user's, mode 0600, under this name
-    /// only.
-    bool hasFile(const char* name) const;
+    /// What the file system has of a file; absent when it is not there. It must be a plain file of
+    /// the user's, mode 0600, under this name only.
+    std::optional<struct stat> statusOfFile(const char* name) const;
     /// Makes an empty file, unless there is one.
     void createFile(const char* name) const;
     /// Makes what happened to the names in it last.
