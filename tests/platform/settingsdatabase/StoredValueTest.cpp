@@ -32,6 +32,7 @@ TEST(StoredValue, hasTheseBytes) {
         {false, "F"},
         {1, std::string("i\x01\0\0\0\0\0\0\0", 9)},
         {-2, "i\xFE\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
+        {~std::uint64_t{0}, "u\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"},
         {1.5, std::string("r\0\0\0\0\0\0\xF8\x3F", 9)},
         {Date(std::chrono::seconds(1)), std::string("d\x00\xCA\x9A\x3B\0\0\0\0", 9)},
         {"", std::string("s\0", 2)},

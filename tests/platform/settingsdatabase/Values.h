@@ -20,6 +20,8 @@ inline zorvan::PropertyList randomValue(std::mt19937& random, int depth) {
     case 0:
         return random() % 2 == 0;
     case 1:
+        if (random() % 2 == 0)
+            return ~std::uint64_t{random()};
         return static_cast<std::int64_t>(random() * 0x1'0000'0001ULL);
     case 2: {
         const double reals[] = {0.0,

@@ -54,6 +54,8 @@ private:
     static NSNumber boxed(Number value) {
         if constexpr (std::same_as<Number, bool>)
             return NSNumber(value);
+        else if constexpr (std::unsigned_integral<Number> && sizeof(Number) == sizeof(std::uint64_t))
+            return NSNumber(static_cast<std::uint64_t>(value));
         else if constexpr (std::integral<Number>)
             return NSNumber(static_cast<std::int64_t>(value));
         else

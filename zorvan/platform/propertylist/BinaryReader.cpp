@@ -145,7 +145,10 @@ private:
             above = number(digits.first(8));
             digits = digits.last(8);
         }
-        const auto value = static_cast<std::int64_t>(number(digits));
+        const std::uint64_t bits = number(digits);
+        if (size == 16 && above == 0)
+            return bits;
+        const auto value = static_cast<std::int64_t>(bits);
         if (size == 16 && above != (value < 0 ? ~std::uint64_t{0} : 0))
             throw Refusal("an integer does not fit 64 bits");
         return value;

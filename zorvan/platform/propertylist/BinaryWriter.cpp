@@ -151,6 +151,10 @@ private:
     void writeNumber(const NSNumber& number) {
         if (number.isBool()) {
             marker(0x0, number.boolValue() ? 9 : 8);
+        } else if (number.isUnsigned()) { // in eight bytes it would be taken for a negative one
+            marker(0x1, 4);
+            appendNumber(bytes_, 0, 8);
+            appendNumber(bytes_, number.uint64Value(), 8);
         } else if (number.isInteger()) {
             writeInteger(static_cast<std::uint64_t>(number.int64Value()));
         } else {

@@ -93,6 +93,8 @@ private:
         } else {
             if (!number.isInteger())
                 refuseClass();
+            if (number.isUnsigned())
+                refuse("an integer does not fit its type");
             const std::int64_t value = number.int64Value();
             const auto result = static_cast<T>(value);
             if (static_cast<std::int64_t>(result) != value ||

@@ -246,7 +246,7 @@ double secondsFromReference(Date date) {
            std::chrono::duration<double>(rest).count();
 }
 
-std::optional<std::int64_t> decodeInteger(std::string_view text) {
+std::optional<NSNumber> decodeInteger(std::string_view text) {
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+'))
         text.remove_prefix(1);
@@ -256,10 +256,10 @@ std::optional<std::int64_t> decodeInteger(std::string_view text) {
         base = 16;
     }
     const std::optional<std::uint64_t> size = parsedWhole<std::uint64_t>(text, base);
-    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
-    if (!size || *size > largest + (negative ? 1 : 0))
+    constexpr std::uint64_t limit = std::uint64_t{1} << 63;
+    if (!size || (negative && *size > limit))
         return std::nullopt;
-    return static_cast<std::int64_t>(negative ? 0 - *size : *size);
+    return negative ? NSNumber(static_cast<std::int64_t>(0 - *size)) : NSNumber(*size);
 }
 
 std::optional<double> decodeReal(std::string_view text) {

@@ -46,6 +46,8 @@ private:
         if (number.isBool()) {
             indent(depth);
             text_ += number.boolValue() ? "<true/>\n" : "<false/>\n";
+        } else if (number.isUnsigned()) {
+            leaf("integer", std::to_string(number.uint64Value()), depth);
         } else if (number.isInteger()) {
             leaf("integer", std::to_string(number.int64Value()), depth);
         } else {

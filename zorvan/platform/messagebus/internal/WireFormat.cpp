@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::uint8_t version = 1;
 
-enum class Tag : std::uint8_t { boolean, integer, real, text, date, data, array, dictionary };
+enum class Tag : std::uint8_t { boolean, integer, real, text, date, data, array, dictionary, unsignedInteger };
 
 using Nanoseconds = std::chrono::duration<std::int64_t, std::nano>;
 
@@ -85,6 +85,9 @@ private:
         if (number.isBool()) {
             tag(Tag::boolean);
             flag(number.boolValue());
+        } else if (number.isUnsigned()) {
+            tag(Tag::unsignedInteger);
+            integer(number.uint64Value());
         } else if (number.isInteger()) {
             tag(Tag::integer);
             integer(static_cast<std::uint64_t>(number.int64Value()));
@@ -179,6 +182,8 @@ private:
             return boxed(flag());
         case Tag::integer:
             return fromBits([](std::uint64_t bits) { return static_cast<std::int64_t>(bits); });
+        case Tag::unsignedInteger:
+            return fromBits([](std::uint64_t bits) { return bits; });
         case Tag::real:
             return fromBits([](std::uint64_t bits) { return std::bit_cast<double>(bits); });
         case Tag::text:

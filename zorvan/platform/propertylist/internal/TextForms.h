@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zorvan/platform/foundation/Data.h>
+#include <zorvan/platform/foundation/NSNumber.h>
 
 #include <cstdint>
 #include <optional>
@@ -42,7 +43,7 @@ std::optional<Date> dateFromReference(double seconds);
 double secondsFromReference(Date date);
 
 /// Decimal, or hexadecimal after "0x".
-std::optional<std::int64_t> decodeInteger(std::string_view text);
+std::optional<NSNumber> decodeInteger(std::string_view text);
 std::optional<double> decodeReal(std::string_view text);
 std::string encodeReal(double real);
 

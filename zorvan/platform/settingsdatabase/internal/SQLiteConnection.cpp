@@ -149,7 +149,7 @@ void SQLiteStatement::bindSetting(int index, const PropertyList* value) {
     const auto* number = value->as<NSNumber>();
     if (text && text->size() <= maximumStoredSize) {
         bind(index, *text);
-    } else if (number && number->isInteger()) {
+    } else if (number && number->isInteger() && !number->isUnsigned()) {
         bind(index, number->int64Value());
     } else if (number && number->isReal() && !std::isnan(number->doubleValue())) {
         sqlite3_bind_double(statement_, index, number->doubleValue());

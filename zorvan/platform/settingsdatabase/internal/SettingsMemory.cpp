@@ -87,6 +87,7 @@ bool isIdentical(const PropertyList& a, const PropertyList& b) {
     if (numberA && numberB)
         return numberA->isBool() == numberB->isBool() && numberA->isReal() == numberB->isReal() &&
                numberA->int64Value() == numberB->int64Value() &&
+               numberA->uint64Value() == numberB->uint64Value() &&
                std::bit_cast<std::uint64_t>(numberA->doubleValue()) ==
                    std::bit_cast<std::uint64_t>(numberB->doubleValue());
     const auto* arrayA = a.as<PropertyList::Array>();

@@ -39,6 +39,8 @@ private:
     void writeNumber(const NSNumber& number) {
         if (number.isBool())
             letter(number.boolValue() ? 'T' : 'F');
+        else if (number.isUnsigned())
+            writeEight('u', number.uint64Value());
         else if (number.isInteger())
             writeEight('i', static_cast<std::uint64_t>(number.int64Value()));
         else
@@ -110,6 +112,8 @@ public:
             return false;
         case 'i':
             return static_cast<std::int64_t>(eight());
+        case 'u':
+            return NSNumber(eight());
         case 'r':
             return std::bit_cast<double>(eight());
         case 'd':

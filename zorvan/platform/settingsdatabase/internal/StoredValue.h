@@ -25,7 +25,8 @@ inline constexpr std::size_t maximumStoredSize = std::size_t{256} << 20;
 /// it was. A letter says the kind, then:
 ///
 ///     T F     truth values
-///     i       integer: 8 bytes, lowest first      d   date: nanoseconds since 1970, the same
+///     u       integer above the largest signed one: 8 bytes, lowest first
+///     i       any other integer: the same         d   date: nanoseconds since 1970, the same
 ///     r       real: its 8 bytes, lowest first
 ///     s b     text, data: length, bytes
 ///     a       array: count, values                o   dictionary: count, then length, key, value

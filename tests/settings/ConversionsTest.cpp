@@ -1,0 +1,125 @@
+#include "Store.h"
+
+#include <cmath>
+#include <limits>
+
+using namespace zorvan;
+
+namespace {
+
+using Texts = std::optional<std::vector<std::string>>;
+constexpr double inf = std::numeric_limits<double>::infinity();
+constexpr std::int64_t top = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t bottom = std::numeric_limits<std::int64_t>::min();
+
+class Conversions : public Store {};
+
+} // namespace
+
+// The table of the guide page, whole: each kind through each getter.
+TEST_F(Conversions, ofEveryKind) {
+    const Date date{std::chrono::seconds(5)};
+    const Data data{std::byte{0x31}};
+    const PropertyList::Array array{"1"}, mixed{"1", 1};
+    const PropertyList::Dictionary dictionary{{"1", 1}};
+    struct Row {
+        std::optional<PropertyList> stored;
+        bool truth;
+        std::int64_t integer;
+        double real;
+        std::optional<std::string> text;
+    } table[] = {
+        {std::nullopt, false, 0, 0, std::nullopt},
+        {true, true, 1, 1, "1"},
+        {false, false, 0, 0, "0"},
+        {0, false, 0, 0, "0"},
+        {-7, true, -7, -7, "-7"},
+        {top, true, top, 9223372036854775807.0, "9223372036854775807"},
+        {~std::uint64_t{0}, true, top, 18446744073709551615.0, "18446744073709551615"},
+        {0.0, false, 0, 0, "0"},
+        {-0.5, true, 0, -0.5, "-0.5"},
+        {2.0, true, 2, 2, "2"},
+        {0.1, true, 0, 0.1, "0.1"},
+        {1e300, true, top, 1e300, "1e+300"},
+        {-1e300, true, bottom, -1e300, "-1e+300"},
+        {-inf, true, bottom, -inf, "-inf"},
+        {"", false, 0, 0, ""},
+        {"42", true, 42, 42, "42"},
+        {" \t-42.75 apples", true, -42, -42.75, " \t-42.75 apples"},
+        {"+0012", true, 12, 12, "+0012"},
+        {"1e3", true, 1, 1000, "1e3"},
+        {".5", false, 0, .5, ".5"},
+        {"0x10", false, 0, 0, "0x10"},
+        {"1,5", true, 1, 1, "1,5"},
+        {"YES", true, 0, 0, "YES"},
+        {"yellow", true, 0, 0, "yellow"},
+        {"t", true, 0, 0, "t"},
+        {"true", true, 0, 0, "true"},
+        {"on", false, 0, 0, "on"},
+        {"NO", false, 0, 0, "NO"},
+        {"00", false, 0, 0, "00"},
+        {" -0y", true, 0, 0, " -0y"},
+        {"inf", false, 0, 0, "inf"},
+        {"nan", false, 0, 0, "nan"},
+        {"--1", false, 0, 0, "--1"},
+        {"99999999999999999999", true, top, 1e20, "99999999999999999999"},
+        {"-99999999999999999999", true, bottom, -1e20, "-99999999999999999999"},
+        {"9223372036854775807", true, top, 9223372036854775807.0, "9223372036854775807"},
+        {"-9223372036854775808", true, bottom, -9223372036854775808.0, "-9223372036854775808"},
+        {"1e999", true, 1, inf, "1e999"},
+        {"-1e999", true, -1, -inf, "-1e999"},
+        {"1e-999", true, 1, 0, "1e-999"},
+        {date, false, 0, 0, std::nullopt},
+        {data, false, 0, 0, std::nullopt},
+        {array, false, 0, 0, std::nullopt},
+        {dictionary, false, 0, 0, std::nullopt},
+    };
+    for (const Row& row : table) {
+        store().setObject(row.stored, "k");
+        reopen();
+        const std::string name = row.text.value_or("no text");
+        EXPECT_EQ(store().boolForKey("k"), row.truth) << name;
+        EXPECT_EQ(store().integerForKey("k"), row.integer) << name;
+        EXPECT_EQ(store().doubleForKey("k"), row.real) << name;
+        EXPECT_EQ(store().floatForKey("k"), static_cast<float>(row.real)) << name;
+        EXPECT_EQ(store().stringForKey("k"), row.text);
+        EXPECT_EQ(store().hasObjectForKey("k"), row.stored.has_value());
+        EXPECT_EQ(store().dataForKey("k").has_value(), row.stored == PropertyList(data));
+        EXPECT_EQ(store().date("k").has_value(), row.stored == PropertyList(date));
+        EXPECT_EQ(store().arrayForKey("k").has_value(), row.stored == PropertyList(array));
+        EXPECT_EQ(store().dictionaryForKey("k").has_value(),
+                  row.stored == PropertyList(dictionary));
+        EXPECT_EQ(store().stringArrayForKey("k"),
+                  row.stored == PropertyList(array) ? Texts({{"1"}}) : std::nullopt);
+    }
+    store().setObject(mixed, "k");
+    EXPECT_EQ(store().stringArrayForKey("k"), std::nullopt);
+    store().setObject(std::numeric_limits<double>::quiet_NaN(), "k");
+    EXPECT_TRUE(store().boolForKey("k"));
+    EXPECT_EQ(store().integerForKey("k"), 0);
+    EXPECT_TRUE(std::isnan(store().doubleForKey("k")));
+}
+
+TEST_F(Conversions, ofURLs) {
+    ::setenv("HOME", "/home/me", 1);
+    struct {
+        PropertyList stored;
+        std::optional<std::string> url;
+    } table[] = {
+        {"https://example.com/a?b", "https://example.com/a?b"},
+        {"file:///a%20b", "file:///a%20b"},
+        {"/a b", "file:///a%20b"},
+        {"~/x", "file:///home/me/x"},
+        {"~", "file:///home/me"},
+        {"~other/x", std::nullopt},
+        {"no scheme", std::nullopt},
+        {"", std::nullopt},
+        {std::string("/a\0b", 4), std::nullopt},
+        {1, std::nullopt},
+    };
+    for (const auto& row : table) {
+        store().setObject(row.stored, "k");
+        const auto url = store().URLForKey("k");
+        EXPECT_EQ(url ? std::optional(url->absoluteString()) : std::nullopt, row.url);
+    }
+}

@@ -1,0 +1,114 @@
+#include "Examples.h"
+
+#include <zorvan/platform/propertylist/NSKeyedArchiver.h>
+#include <zorvan/platform/propertylist/NSKeyedUnarchiver.h>
+#include <zorvan/settings/KeyedDecodingContainer.h>
+#include <zorvan/settings/KeyedJSONContainer.h>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+
+using namespace zorvan;
+
+namespace {
+
+/// With the raw values "a" and "b".
+class Side {
+public:
+    struct RawValue {
+        std::string_view rawValue;
+    };
+    static std::optional<Side> make(RawValue argument) {
+        if (argument.rawValue != "a" && argument.rawValue != "b")
+            return std::nullopt;
+        return Side(argument.rawValue == "b");
+    }
+    explicit Side(bool isB) : isB_(isB) {}
+    std::string_view rawValue() const { return isB_ ? "b" : "a"; }
+    friend bool operator==(const Side&, const Side&) = default;
+
+private:
+    bool isB_;
+};
+
+} // namespace
+
+template <>
+struct std::hash<Side> {
+    std::size_t operator()(const Side& side) const noexcept { return side == Side(true); }
+};
+
+namespace {
+
+using Sides = std::unordered_map<Side, std::int64_t>;
+using Texts = std::map<std::string, std::int64_t>;
+
+/// The same values in an archive and in JSON.
+KeyedJSONContainer json() {
+    const std::string_view text =
+        R"({"good": {"a": 1, "b": 2}, "bad": {"a": 1, "c": 3}, "empty": {},
+        "list": ["a", 1, "b", 2], "badList": ["c", 1], "number": 7, "text": "t"})";
+    return KeyedJSONContainer(std::as_bytes(std::span(text)));
+}
+
+NSKeyedUnarchiver archive() {
+    NSKeyedArchiver archiver;
+    archiver.encode(Texts{{"a", 1}, {"b", 2}}, "good");
+    archiver.encode(Texts{{"a", 1}, {"c", 3}}, "bad");
+    archiver.encode(Texts(), "empty");
+    archiver.encode(Sides{{Side(false), 1}, {Side(true), 2}}, "list");
+    archiver.encode(std::vector<std::string>{"c", "1"}, "badList");
+    archiver.encode(std::int64_t{7}, "number");
+    archiver.encode("t", "text");
+    return NSKeyedUnarchiver(archiver.encodedData());
+}
+
+template <class Container>
+void decodesDictionaries(const Container& container) {
+    const Sides both{{Side(false), 1}, {Side(true), 2}};
+    EXPECT_EQ((decodeRawKeyedDict<Side, std::int64_t>(container, "good")), both);
+    EXPECT_EQ((decodeRawKeyedDict<Side, std::int64_t>(container, "empty")), Sides());
+    EXPECT_EQ((decodeRawKeyedDict<Side, std::int64_t>(container, "list")), both);
+    try {
+        decodeRawKeyedDict<Side, std::int64_t>(container, "bad");
+        FAIL();
+    } catch (const KeyedDecodingContainerError& error) {
+        EXPECT_EQ(error, KeyedDecodingContainerError::unexpectedRawRepresentableKeyValue);
+        EXPECT_STREQ(error.what(), "unexpectedRawRepresentableKeyValue");
+    }
+    // The container's own errors, those of the second attempt, pass through.
+    EXPECT_THROW((decodeRawKeyedDict<Side, std::int64_t>(container, "badList")),
+                 std::runtime_error);
+    EXPECT_THROW((decodeRawKeyedDict<Side, std::int64_t>(container, "number")), std::runtime_error);
+    EXPECT_THROW((decodeRawKeyedDict<Side, std::int64_t>(container, "not there")),
+                 std::runtime_error);
+}
+
+template <class Container>
+void decodesImplicitly(const Container& container) {
+    const std::int64_t number = implicitDecode(container, "number");
+    const std::string text = implicitDecode(container, "text");
+    EXPECT_EQ(number, 7);
+    EXPECT_EQ(text, "t");
+    EXPECT_THROW(
+        [&] {
+            const std::int64_t wrong = implicitDecode(container, "text");
+            (void)wrong;
+        }(),
+        std::runtime_error);
+}
+
+} // namespace
+
+TEST(KeyedDecoding, ofJSON) {
+    decodesDictionaries(json());
+    decodesImplicitly(json());
+}
+
+TEST(KeyedDecoding, ofArchives) {
+    decodesDictionaries(archive());
+    decodesImplicitly(archive());
+}

@@ -1,0 +1,82 @@
+#include <tests/files/TemporaryFolder.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+/// An application that is installed in versions and launched.
+class LaunchTracking : public testing::Test {
+protected:
+    LaunchTracking() {
+        ::setenv("XDG_CONFIG_HOME", (folder_.path() / "config").c_str(), 1);
+        std::filesystem::copy_file(PROGRAM, folder_.path() / "app");
+    }
+
+    void install(const std::string& version) const {
+        const std::string entry =
+            version.empty()
+                ? ""
+                : "<key>CFBundleShortVersionString</key><string>" + version + "</string>";
+        folder_.file("app.bundle/Info.plist", "<plist><dict><key>CFBundleIdentifier</key>"
+                                              "<string>org.example.app</string>" +
+                                                  entry + "</dict></plist>");
+    }
+
+    std::string launch(const std::string& arguments = "") const {
+        const std::string command = (folder_.path() / "app").string() + " " + arguments;
+        FILE* output = ::popen(command.c_str(), "r");
+        std::string text;
+        std::array<char, 256> buffer;
+        while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), output))
+            text.append(buffer.data(), size);
+        EXPECT_EQ(::pclose(output), 0);
+        return text;
+    }
+
+    TemporaryFolder folder_;
+};
+
+} // namespace
+
+TEST_F(LaunchTracking, tellsFirstSecondAndUpdatedLaunch) {
+    install("1.0");
+    EXPECT_EQ(launch(), "VersionNumber=1.0.0\nLaunchesCount=1\nFirstLaunchDate=now\n"
+                        "VersionDidUpdate=1\nUpdateLaunchDate=now\n1.0.0 1 1 1 1\n");
+    EXPECT_EQ(launch(),
+              "VersionNumber=1.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n1.0.0 0 2 1 1\n");
+    install("1.0.1");
+    EXPECT_EQ(launch(), "VersionNumber=1.0.1\nLaunchesCount=3\nVersionDidUpdate=1\n"
+                        "UpdateLaunchDate=now\n1.0.1 1 3 1 1\n");
+    install("1.0"); // back
+    EXPECT_EQ(launch(),
+              "VersionNumber=1.0.0\nLaunchesCount=4\nVersionDidUpdate=0\n1.0.0 0 4 1 1\n");
+    EXPECT_EQ(launch("clear"), "0 left\n");
+    EXPECT_EQ(launch(), "VersionNumber=1.0.0\nLaunchesCount=1\nFirstLaunchDate=now\n"
+                        "VersionDidUpdate=1\nUpdateLaunchDate=now\n1.0.0 1 1 1 1\n");
+}
+
+TEST_F(LaunchTracking, managesWithoutAVersion) {
+    install("");
+    EXPECT_EQ(launch(), "VersionNumber=0.0.0\nLaunchesCount=1\nFirstLaunchDate=now\n"
+                        "VersionDidUpdate=0\n0.0.0 0 1 1 0\n");
+    EXPECT_EQ(launch(),
+              "VersionNumber=0.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n0.0.0 0 2 1 0\n");
+}
+
+// What is stored comes from anywhere: other versions, other programs, people.
+TEST_F(LaunchTracking, readsWhatIsStoredLeniently) {
+    install("2.0");
+    EXPECT_EQ(launch("VersionNumber 1.x LaunchesCount 41"),
+              "VersionNumber=2.0.0\nLaunchesCount=42\nVersionDidUpdate=1\nUpdateLaunchDate=now\n"
+              "2.0.0 1 42 0 1\n");
+    EXPECT_EQ(launch("VersionNumber 2.0.1 LaunchesCount 0"),
+              "VersionNumber=2.0.0\nLaunchesCount=1\nFirstLaunchDate=now\nVersionDidUpdate=0\n"
+              "2.0.0 0 1 1 1\n");
+    EXPECT_EQ(launch("LaunchesCount 9223372036854775807"),
+              "VersionNumber=2.0.0\nLaunchesCount=9223372036854775807\nVersionDidUpdate=0\n"
+              "2.0.0 0 9223372036854775807 1 1\n");
+}

@@ -1,0 +1,42 @@
+// An application at its start. Prints, for each notification, the key and what is stored under it.
+
+#include <zorvan/platform/dispatch/NSNotificationCenter.h>
+#include <zorvan/settings/BundleVersionUDC.h>
+#include <zorvan/settings/NSUserDefaults.h>
+#include <zorvan/settings/NumberCoders.h>
+#include <zorvan/settings/ObjectCoders.h>
+#include <zorvan/text/LaunchTracking.h>
+
+#include <cstdio>
+#include <cstring>
+
+using namespace zorvan;
+
+int main(int argc, char** argv) {
+    const auto store = NSUserDefaults::standardUserDefaults();
+    const auto started = std::chrono::system_clock::now();
+    NSNotificationCenter::defaultCenter()->addObserver(
+        NSUserDefaults::didSetKeyNotification(), store, {}, [&](const Notification& note) {
+            const std::string key = NSUserDefaults::editedKeyName(note).value_or("?");
+            const auto date = store->date(key);
+            const std::string text = date && *date >= started ? "now"
+                                     : date                   ? "before"
+                                                              : *store->stringForKey(key);
+            std::printf("%s=%s\n", key.c_str(), text.c_str());
+        });
+    for (int i = 1; i + 1 < argc; i += 2)
+        store->setObject(argv[i + 1], argv[i]);
+    if (argc == 2 && std::strcmp(argv[1], "clear") == 0) {
+        store->clearAllData();
+        std::printf("%zu left\n", store->persistentDomainForName(store->domainName()).size());
+        return 0;
+    }
+    updateStatisticsAtLaunch(*store);
+    std::printf("%s %d %lld %d %d\n",
+                store->value(UserDefaultsKeys::versionNumber()).rawValue().c_str(),
+                store->value(UserDefaultsKeys::versionDidUpdate()),
+                static_cast<long long>(store->value(UserDefaultsKeys::launchesCount())),
+                store->value(UserDefaultsKeys::firstLaunchDate()).has_value(),
+                store->value(UserDefaultsKeys::updateLaunchDate()).has_value());
+    return 0;
+}

@@ -1,0 +1,150 @@
+#include "Store.h"
+
+#include <zorvan/platform/bookmarks/URLBookmark.h>
+#include <zorvan/platform/bookmarks/internal/BookmarkRecord.h>
+#include <zorvan/platform/bookmarks/internal/FileSearch.h>
+#include <zorvan/settings/PersistentURLUDC.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace zorvan;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class PersistentURL : public Store {
+protected:
+    PersistentURL() { home_.file("a/photo.jpg", "pixels"); }
+
+    fs::path path(const std::string& name) const { return home_.path() / name; }
+    Data bookmark() const { return store_->dataForKey("Photo").value_or(Data()); }
+    std::optional<std::string> read() {
+        const auto url = store()[key_].value();
+        return url ? std::optional(home_.relative(*url)) : std::nullopt;
+    }
+
+    TemporaryFolder home_;
+    const OptionalUserDefaultsKey<PersistentURLUDC> key_{{.name = "Photo"}};
+};
+
+} // namespace
+
+TEST_F(PersistentURL, findsTheFileWhereItWent) {
+    store()[key_] = home_.url("a/photo.jpg");
+    reopen();
+    Data before = bookmark();
+    EXPECT_EQ(read(), "a/photo.jpg");
+    EXPECT_EQ(bookmark(), before); // not stale, so not written again
+    told();
+    struct {
+        std::string from, to, file;
+    } moves[] = {
+        {"a/photo.jpg", "a/renamed", "a/renamed"},
+        {"a/renamed", "b/c/d/deep.jpg", "b/c/d/deep.jpg"},
+        {"b/c", "c2", "c2/d/deep.jpg"}, // the folder around it
+        {"c2", "a/c2", "a/c2/d/deep.jpg"},
+    };
+    for (const auto& move : moves) {
+        fs::create_directories(path(move.to).parent_path());
+        fs::rename(path(move.from), path(move.to));
+        EXPECT_EQ(read(), move.file);
+        EXPECT_NE(bookmark(), before) << "a fresh one takes the place of the stale";
+        before = bookmark();
+        EXPECT_EQ(read(), move.file);
+        EXPECT_EQ(bookmark(), before);
+    }
+    EXPECT_EQ(told(), std::vector<std::string>()); // without a notification
+}
+
+TEST_F(PersistentURL, prefersTheFileToItsName) {
+    store()[key_] = home_.url("a/photo.jpg");
+    fs::rename(path("a/photo.jpg"), path("a/old.jpg"));
+    home_.file("a/photo.jpg", "another");
+    EXPECT_EQ(read(), "a/old.jpg");
+}
+
+TEST_F(PersistentURL, followsASaveThatReplacesTheFile) {
+    store()[key_] = home_.url("a/photo.jpg");
+    const Data before = bookmark();
+    home_.file("a/new", "edited");
+    fs::rename(path("a/new"), path("a/photo.jpg"));
+    EXPECT_EQ(read(), "a/photo.jpg");
+    EXPECT_NE(bookmark(), before);
+}
+
+TEST_F(PersistentURL, saysWhatItCannotFind) {
+    store()[key_] = home_.url("a/photo.jpg");
+    const Data before = bookmark();
+    fs::remove(path("a/photo.jpg"));
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(read(), std::nullopt);
+    store().setObject(Data{std::byte{1}}, "Photo");
+    EXPECT_EQ(read(), std::nullopt);
+    std::fflush(stdout);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "The file \"photo.jpg\" cannot be found.\nThe bookmark cannot be read.\n");
+    EXPECT_EQ(bookmark(), Data{std::byte{1}}); // it stays
+    store().setObject("no bytes", "Photo");
+    EXPECT_EQ(read(), std::nullopt);
+}
+
+TEST_F(PersistentURL, keepsTheOldBookmarkWhenThereCanBeNoNewOne) {
+    store()[key_] = home_.url("a/photo.jpg");
+    const Data before = bookmark();
+    store()[key_] = home_.url("a/not there");
+    store()[key_] = *URL::make({.string = "https://example.com"});
+    EXPECT_EQ(bookmark(), before);
+    EXPECT_EQ(told().size(), 3u);
+    store()[key_] = std::nullopt;
+    EXPECT_FALSE(store().hasObjectForKey("Photo"));
+}
+
+TEST_F(PersistentURL, finds_AsAnybodyFoldersAndLinksAndOddNames) {
+    home_.folder("folder");
+    home_.link("link", "nowhere");
+    home_.file("\xFF\n", "x");
+    for (const char* name : {"folder", "link", "\xFF\n"}) {
+        const auto bytes = bookmarkData(home_.url(name), NSURLBookmarkCreationWithSecurityScope);
+        ASSERT_TRUE(bytes);
+        fs::rename(path(name), path("moved"));
+        const auto resolved = resolveBookmark(*bytes, NSURLBookmarkResolutionWithSecurityScope);
+        ASSERT_TRUE(resolved);
+        EXPECT_EQ(home_.relative(resolved->url), "moved");
+        EXPECT_TRUE(resolved->isStale);
+        // Without the handle, by which only root may ask.
+        const auto record = internal::BookmarkRecord::decoded(*bytes);
+        EXPECT_EQ(internal::findMoved(record->identity, record->path), path("moved"));
+        fs::remove(path("moved"));
+    }
+}
+
+// A derived class keeps its own ways within a key.
+TEST_F(PersistentURL, canBeDerivedFrom) {
+    struct Loud : PersistentURLUDC {
+        std::optional<URL> decode(NSUserDefaults&, std::string_view) const override {
+            return URL::root();
+        }
+    };
+    const OptionalUserDefaultsKey<PersistentURLUDC> key(
+        {.name = "Photo", .coder = std::make_shared<const Loud>(), .value = std::optional<URL>()});
+    EXPECT_EQ(store()[key].value(), URL::root());
+}
+
+TEST(BookmarkRecord, refusesWhatIsNone) {
+    const internal::BookmarkRecord record{{1, 2, 3}, {4, Data(8, std::byte{5})}, "/a"};
+    const Data whole = record.encoded();
+    ASSERT_TRUE(internal::BookmarkRecord::decoded(whole));
+    EXPECT_EQ(internal::BookmarkRecord::decoded(whole)->encoded(), whole);
+    for (std::size_t size = 0; size < whole.size(); ++size)
+        EXPECT_FALSE(internal::BookmarkRecord::decoded(std::span(whole).first(size))) << size;
+    for (const char* path : {"", "a"})
+        EXPECT_FALSE(internal::BookmarkRecord::decoded(internal::BookmarkRecord{{}, {}, path}.encoded()));
+    const std::string cut("/a\0b", 4);
+    EXPECT_FALSE(internal::BookmarkRecord::decoded(internal::BookmarkRecord{{}, {}, cut}.encoded()));
+    Data longer = whole; // a later version's
+    longer.resize(whole.size() + 9);
+    EXPECT_TRUE(internal::BookmarkRecord::decoded(longer));
+    EXPECT_FALSE(resolveBookmark(Data(3), 0));
+}

@@ -1,0 +1,92 @@
+#include <zorvan/platform/bookmarks/internal/FileSearch.h>
+
+#include <deque>
+#include <dirent.h>
+#include <memory>
+#include <sys/stat.h>
+
+namespace zorvan::internal {
+
+namespace {
+
+std::string parentOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
+}
+
+/// Breadth first, so that what is near is found early. Names only: a directory tells the number of
+/// each file, and a folder is entered only when it is on the volume.
+class Search {
+public:
+    explicit Search(const FileIdentity& file) : file_(file) {}
+
+    std::string below(const std::string& top, const std::string& except) {
+        const auto volume = FileIdentity::at(top);
+        if (!volume)
+            return {};
+        std::deque<std::string> folders{top};
+        while (!folders.empty() && left_ > 0) {
+            const std::string folder = std::move(folders.front());
+            folders.pop_front();
+            const auto identity = FileIdentity::at(folder);
+            if (!identity || identity->device != volume->device)
+                continue;
+            std::string found = in(folder, except, folders);
+            if (!found.empty())
+                return found;
+        }
+        return {};
+    }
+
+private:
+    std::string in(const std::string& folder, const std::string& except,
+                   std::deque<std::string>& folders) {
+        const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);
+        if (!entries)
+            return {};
+        while (const dirent* entry = left_ > 0 ? ::readdir(entries.get()) : nullptr) {
+            const std::string name = entry->d_name;
+            if (name == "." || name == "..")
+                continue;
+            --left_;
+            std::string path = (folder == "/" ? "" : folder) + "/" + name;
+            if (entry->d_ino == file_.inode)
+                if (const auto identity = FileIdentity::at(path);
+                    identity && file_.isSameFile(*identity))
+                    return path;
+            const bool isFolder = entry->d_type == DT_DIR || entry->d_type == DT_UNKNOWN;
+            if (isFolder && path != except)
+                folders.push_back(std::move(path));
+        }
+        return {};
+    }
+
+    const FileIdentity& file_;
+    std::size_t left_ = maximumSearch;
+};
+
+} // namespace
+
+std::string existingFolder(std::string path) {
+    struct stat status {};
+    do
+        path = parentOf(path);
+    while (path != "/" && (::stat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)));
+    return path;
+}
+
+std::string findMoved(const FileIdentity& file, const std::string& path) {
+    Search search(file);
+    std::string searched;
+    for (std::string top = existingFolder(path);; top = parentOf(top)) {
+        std::string found = search.below(top, searched);
+        if (!found.empty() || top == "/")
+            return found;
+        const auto here = FileIdentity::at(top), above = FileIdentity::at(parentOf(top));
+        if (!here || !above || here->device != above->device)
+            return {};
+        searched = top;
+    }
+}
+
+} // namespace zorvan::internal

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <zorvan/settings/JSONCoding.h>
+#include <zorvan/settings/NSUserDefaults.h>
+
+#include <optional>
+#include <string_view>
+
+namespace zorvan {
+
+/// Stored as the bytes of a JSON text; `JSONCoding<T>` says how. Anything else that is stored reads
+/// as absent. A value that has no JSON form, such as a number that is not finite, removes the key.
+template <JSONCodable T>
+class JSONCodableUDC {
+public:
+    using CodableType = T;
+
+    std::optional<T> decode(NSUserDefaults& from, std::string_view key) const {
+        const std::optional<Data> text = from.dataForKey(key);
+        if (!text)
+            return std::nullopt;
+        try {
+            return JSONCoding<T>::decode(JSON::parse(*text));
+        } catch (const JSONError&) {
+            return std::nullopt;
+        }
+    }
+
+    void encode(const std::optional<T>& value, NSUserDefaults& to, std::string_view key) const {
+        try {
+            to.setObject(
+                value ? std::optional<PropertyList>(JSON(JSONCoding<T>::encode(*value)).text())
+                      : std::nullopt,
+                key);
+        } catch (const JSONError&) {
+            to.removeObjectForKey(key);
+        }
+    }
+};
+
+} // namespace zorvan

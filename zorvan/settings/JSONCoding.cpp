@@ -1,0 +1,77 @@
+#include <zorvan/settings/JSONCoding.h>
+
+#include <zorvan/settings/internal/base64.h>
+
+#include <chrono>
+#include <limits>
+#include <utility>
+
+namespace zorvan {
+
+namespace {
+
+using Seconds = std::chrono::duration<double>;
+constexpr Date reference = std::chrono::sys_days(std::chrono::year(2001) / 1 / 1);
+
+} // namespace
+
+namespace detail {
+
+std::int64_t signedInteger(const JSON& json) {
+    if (const auto* real = json.as<double>()) {
+        constexpr double limit = 9223372036854775808.0; // 2^63
+        if (*real >= -limit && *real < limit &&
+            static_cast<double>(static_cast<std::int64_t>(*real)) == *real)
+            return static_cast<std::int64_t>(*real);
+        throw JSONError("there is no integer");
+    }
+    if (json.as<std::uint64_t>())
+        throw JSONError("an integer does not fit its type");
+    return expected<std::int64_t>(json, "integer");
+}
+
+std::uint64_t unsignedInteger(const JSON& json) {
+    if (const auto* large = json.as<std::uint64_t>())
+        return *large;
+    const std::int64_t integer = signedInteger(json);
+    if (integer < 0)
+        throw JSONError("an integer does not fit its type");
+    return static_cast<std::uint64_t>(integer);
+}
+
+double real(const JSON& json) {
+    if (const auto* integer = json.as<std::int64_t>())
+        return static_cast<double>(*integer);
+    if (const auto* integer = json.as<std::uint64_t>())
+        return static_cast<double>(*integer);
+    return expected<double>(json, "number");
+}
+
+} // namespace detail
+
+JSON JSONCoding<Date>::encode(Date value) { return Seconds(value - reference).count(); }
+
+Date JSONCoding<Date>::decode(const JSON& json) {
+    // A little inside of what a date can hold, so that no rounding leads out of it.
+    constexpr double limit = 9.2e9;
+    const double seconds = detail::real(json);
+    if (!(seconds > -limit && seconds < limit - 1e9))
+        throw JSONError("a date is out of range");
+    return reference + std::chrono::duration_cast<Date::duration>(Seconds(seconds));
+}
+
+JSON JSONCoding<Data>::encode(const Data& value) { return internal::encodedBase64(value); }
+
+Data JSONCoding<Data>::decode(const JSON& json) {
+    if (auto bytes = internal::decodedBase64(detail::expected<std::string>(json, "text")))
+        return std::move(*bytes);
+    throw JSONError("data is not in base 64");
+}
+
+URL JSONCoding<URL>::decode(const JSON& json) {
+    if (auto url = URL::make({.string = detail::expected<std::string>(json, "text")}))
+        return std::move(*url);
+    throw JSONError("a text is no URL");
+}
+
+} // namespace zorvan

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <zorvan/settings/KeyedDecodingContainerError.h>
+#include <zorvan/settings/RawRepresentable.h>
+
+#include <concepts>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+namespace zorvan {
+
+/// What gives values by name: `NSKeyedUnarchiver`, `KeyedJSONContainer`, or one of your own, with a
+/// member `decode<T>(key)` that throws a `std::runtime_error` when there is no such value.
+template <class C>
+concept KeyedDecodingContainer = requires(const C& container, std::string_view key) {
+    { container.template decode<std::string>(key) } -> std::same_as<std::string>;
+};
+
+/// A value that is yet to be decoded, as the type that it is used as.
+template <KeyedDecodingContainer Container>
+class ImplicitlyDecoded {
+public:
+    ImplicitlyDecoded(const Container& container, std::string_view key)
+        : container_(container), key_(key) {}
+
+    template <class T>
+    operator T() const {
+        return container_.template decode<T>(key_);
+    }
+
+private:
+    const Container& container_;
+    std::string key_;
+};
+
+/// Decodes the type that the result is used as: `const std::int64_t size = implicitDecode(coder,
+/// "size");`, the same as `coder.decode<std::int64_t>("size")`. Use the result before the container
+/// is gone.
+template <KeyedDecodingContainer Container>
+[[nodiscard]] ImplicitlyDecoded<Container> implicitDecode(const Container& container,
+                                                          std::string_view forKey) {
+    return {container, forKey};
+}
+
+/// A dictionary whose keys are raw texts of K. Throws
+/// `KeyedDecodingContainerError::unexpectedRawRepresentableKeyValue` when one of them is the raw
+/// value of none. What is no dictionary with text keys is decoded as an array of each key and its
+/// value in turn, and the container's errors about that pass through.
+template <StringRawRepresentable K, class V, KeyedDecodingContainer Container>
+std::unordered_map<K, V> decodeRawKeyedDict(const Container& container, std::string_view forKey) {
+    std::unordered_map<std::string, V> texts;
+    try {
+        texts = container.template decode<std::unordered_map<std::string, V>>(forKey);
+    } catch (const std::runtime_error&) {
+        return container.template decode<std::unordered_map<K, V>>(forKey);
+    }
+    std::unordered_map<K, V> values;
+    for (auto& [text, value] : texts) {
+        auto key = RawRepresentation<K>::make(std::string_view(text));
+        if (!key)
+            throw KeyedDecodingContainerError(
+                KeyedDecodingContainerError::unexpectedRawRepresentableKeyValue);
+        values.insert_or_assign(std::move(*key), std::move(value));
+    }
+    return values;
+}
+
+} // namespace zorvan

@@ -1,0 +1,234 @@
+#include <zorvan/settings/NSUserDefaults.h>
+
+#include <zorvan/platform/dispatch/NSNotificationCenter.h>
+#include <zorvan/platform/propertylist/NSBundle.h>
+#include <zorvan/platform/propertylist/PropertyListFile.h>
+#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
+#include <zorvan/settings/internal/conversions.h>
+
+#include <filesystem>
+#include <system_error>
+
+namespace zorvan {
+
+namespace {
+
+std::string programName() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error).filename().string();
+}
+
+const std::string& applicationDomain() {
+    static const std::string& domain =
+        *new std::string(NSBundle::mainBundle()->bundleIdentifier().value_or(programName()));
+    return domain;
+}
+
+} // namespace
+
+const std::shared_ptr<NSUserDefaults>& NSUserDefaults::standardUserDefaults() {
+    // Destroyed at the end, so that the database is closed and its log is gone.
+    static const std::shared_ptr<NSUserDefaults> standard = create();
+    return standard;
+}
+
+std::shared_ptr<NSUserDefaults> NSUserDefaults::create() {
+    return std::make_shared<NSUserDefaults>(Making(), applicationDomain());
+}
+
+std::shared_ptr<NSUserDefaults> NSUserDefaults::create(SuiteName argument) {
+    if (argument.suiteName.value.empty())
+        return nullptr;
+    return std::make_shared<NSUserDefaults>(Making(), std::move(argument.suiteName.value));
+}
+
+NSUserDefaults::NSUserDefaults(Making, std::string domain)
+    : domain_(std::move(domain)), database_(SettingsDatabase::ofDomain(domain_)) {}
+
+NSUserDefaults::~NSUserDefaults() = default;
+
+// Reading.
+
+std::shared_ptr<const PropertyList> NSUserDefaults::stored(std::string_view key) const {
+    std::shared_ptr<const PropertyList> value = database_->value(key);
+    if (value)
+        return value;
+    const std::lock_guard lock(registering_);
+    const auto found = registered_.find(key);
+    return found == registered_.end() ? nullptr
+                                      : std::make_shared<const PropertyList>(found->second);
+}
+
+template <class Kind>
+std::optional<Kind> NSUserDefaults::storedAs(std::string_view key) const {
+    const auto value = stored(key);
+    const Kind* kind = value ? value->as<Kind>() : nullptr;
+    return kind ? std::optional(*kind) : std::nullopt;
+}
+
+std::optional<PropertyList> NSUserDefaults::objectForKey(std::string_view key) const {
+    const auto value = stored(key);
+    return value ? std::optional(*value) : std::nullopt;
+}
+
+bool NSUserDefaults::hasObjectForKey(std::string_view key) const { return stored(key) != nullptr; }
+
+bool NSUserDefaults::boolForKey(std::string_view key) const {
+    const auto value = stored(key);
+    return value && internal::asBool(*value);
+}
+
+std::int64_t NSUserDefaults::integerForKey(std::string_view key) const {
+    const auto value = stored(key);
+    return value ? internal::asInteger(*value) : 0;
+}
+
+float NSUserDefaults::floatForKey(std::string_view key) const {
+    return static_cast<float>(doubleForKey(key));
+}
+
+double NSUserDefaults::doubleForKey(std::string_view key) const {
+    const auto value = stored(key);
+    return value ? internal::asDouble(*value) : 0;
+}
+
+std::optional<std::string> NSUserDefaults::stringForKey(std::string_view key) const {
+    const auto value = stored(key);
+    return value ? internal::asString(*value) : std::nullopt;
+}
+
+std::optional<Data> NSUserDefaults::dataForKey(std::string_view key) const {
+    return storedAs<Data>(key);
+}
+
+std::optional<PropertyList::Array> NSUserDefaults::arrayForKey(std::string_view key) const {
+    return storedAs<PropertyList::Array>(key);
+}
+
+std::optional<PropertyList::Dictionary>
+NSUserDefaults::dictionaryForKey(std::string_view key) const {
+    return storedAs<PropertyList::Dictionary>(key);
+}
+
+std::optional<std::vector<std::string>>
+NSUserDefaults::stringArrayForKey(std::string_view key) const {
+    const auto value = stored(key);
+    const auto* array = value ? value->as<PropertyList::Array>() : nullptr;
+    if (!array)
+        return std::nullopt;
+    std::vector<std::string> texts;
+    for (const PropertyList& item : *array) {
+        const auto* text = item.as<std::string>();
+        if (!text)
+            return std::nullopt;
+        texts.push_back(*text);
+    }
+    return texts;
+}
+
+std::optional<URL> NSUserDefaults::URLForKey(std::string_view key) const {
+    const auto value = stored(key);
+    return value ? internal::asURL(*value) : std::nullopt;
+}
+
+std::optional<Date> NSUserDefaults::date(std::string_view forKey) const {
+    return storedAs<Date>(forKey);
+}
+
+// Writing.
+
+void NSUserDefaults::setObject(std::optional<PropertyList> value, std::string_view forKey) {
+    if (value)
+        database_->set(forKey, std::move(*value));
+    else
+        database_->remove(forKey);
+}
+
+void NSUserDefaults::setURL(const std::optional<URL>& value, std::string_view forKey) {
+    setObject(value ? std::optional<PropertyList>(value->absoluteString()) : std::nullopt, forKey);
+}
+
+void NSUserDefaults::removeObjectForKey(std::string_view key) { database_->remove(key); }
+
+// Notifications.
+
+NSNotificationName NSUserDefaults::didSetKeyNotification() {
+    static const NSNotificationName name("UserDefaultsDidSetKeyNotification");
+    return name;
+}
+
+const std::string& NSUserDefaults::editedKeyName() {
+    static const std::string& key = *new std::string("EditedKeyName");
+    return key;
+}
+
+std::optional<std::string> NSUserDefaults::editedKeyName(const Notification& of) {
+    const auto* name = of.value<std::string>(editedKeyName());
+    return name ? std::optional(*name) : std::nullopt;
+}
+
+void NSUserDefaults::postDidSet(const std::string& keyName) {
+    NSNotificationCenter::defaultCenter()->post(didSetKeyNotification(), shared_from_this(),
+                                                Notification::UserInfo{{editedKeyName(), keyName}});
+}
+
+// Domains.
+
+void NSUserDefaults::clearAllData() {
+    if (const auto identifier = NSBundle::mainBundle()->bundleIdentifier())
+        removePersistentDomainForName(*identifier);
+}
+
+void NSUserDefaults::removePersistentDomainForName(std::string_view name) {
+    SettingsDatabase::ofDomain(name)->removeAll();
+}
+
+PropertyList::Dictionary NSUserDefaults::persistentDomainForName(std::string_view name) const {
+    return SettingsDatabase::ofDomain(name)->contents();
+}
+
+void NSUserDefaults::setPersistentDomain(PropertyList::Dictionary values,
+                                         std::string_view forName) {
+    const auto database = SettingsDatabase::ofDomain(forName);
+    std::vector<SettingsDatabase::Change> changes;
+    for (const auto& [key, value] : database->contents())
+        if (!values.contains(key))
+            changes.emplace_back(key, std::nullopt);
+    for (auto& [key, value] : values)
+        changes.emplace_back(key, std::move(value));
+    database->apply(std::move(changes));
+}
+
+void NSUserDefaults::registerDefaults(PropertyList::Dictionary values) {
+    const std::lock_guard lock(registering_);
+    values.merge(registered_);
+    registered_ = std::move(values);
+}
+
+PropertyList::Dictionary NSUserDefaults::dictionaryRepresentation() const {
+    PropertyList::Dictionary all = database_->contents();
+    const std::lock_guard lock(registering_);
+    all.insert(registered_.begin(), registered_.end());
+    return all;
+}
+
+bool NSUserDefaults::synchronize() { return database_->synchronize(); }
+
+// To and from a file.
+
+std::optional<Data> NSUserDefaults::exportedXML() const {
+    return propertylist::encode(database_->contents(), propertylist::Format::xml);
+}
+
+bool NSUserDefaults::importPropertyList(std::span<const std::byte> bytes) {
+    std::optional<PropertyList> list = propertylist::decode(bytes);
+    auto* values = list ? list->as<PropertyList::Dictionary>() : nullptr;
+    if (!values)
+        return false;
+    std::vector<SettingsDatabase::Change> changes;
+    for (auto& [key, value] : *values)
+        changes.emplace_back(key, std::move(value));
+    return database_->apply(std::move(changes));
+}
+
+} // namespace zorvan

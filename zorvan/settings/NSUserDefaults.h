@@ -1,0 +1,266 @@
+#pragma once
+
+#include <zorvan/platform/dispatch/Notification.h>
+#include <zorvan/platform/foundation/PropertyList.h>
+#include <zorvan/platform/foundation/URL.h>
+#include <zorvan/settings/SettingReference.h>
+#include <zorvan/settings/UserDefaultsKeys.h>
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace zorvan {
+
+class SettingsDatabase;
+
+/// The user's settings: property-list values by key, in a domain.
+///
+/// A domain is the application's, named by the main bundle's identifier (by the name of the program
+/// when it has none), or a suite with a name of its own, which several applications may share. Each
+/// is a database in `settingsFolder()`; what it promises, and what happens when it cannot be
+/// written, is said at `SettingsDatabase`. Stores of one domain share it. Reads are served from
+/// memory and see at once what this and other processes have written.
+///
+/// Typed access is by keys, which carry the name, the default and the coder:
+///
+/// ```cpp
+/// const EvaluedUserDefaultsKey<IntUDC> columns({.name = "Columns", .value = 4});
+/// auto& store = *NSUserDefaults::standardUserDefaults();
+/// store[columns] = 6;
+/// const std::int64_t shown = store[columns];
+/// ```
+///
+/// Every write through a key is followed by the notification `didSetKeyNotification()`, on the
+/// writing thread and before the write returns. Writes without a key post nothing. An in-place
+/// change is a read and a write, and is not atomic.
+///
+/// Safe from every thread.
+class NSUserDefaults : public std::enable_shared_from_this<NSUserDefaults> {
+public:
+    struct SuiteName {
+        Required<std::string> suiteName;
+    };
+    /// Only `create` makes stores.
+    class Making {
+        friend class NSUserDefaults;
+        Making() = default;
+    };
+
+    /// The store of the application's domain, the same object each time.
+    static const std::shared_ptr<NSUserDefaults>& standardUserDefaults();
+    /// Another store of the application's domain.
+    static std::shared_ptr<NSUserDefaults> create();
+    /// A store of the domain with that name; null when the name is empty.
+    static std::shared_ptr<NSUserDefaults> create(SuiteName argument);
+
+    NSUserDefaults(Making, std::string domain);
+    ~NSUserDefaults();
+    NSUserDefaults(const NSUserDefaults&) = delete;
+    NSUserDefaults& operator=(const NSUserDefaults&) = delete;
+
+    const std::string& domainName() const noexcept { return domain_; }
+
+    // Untyped reading. What is stored is converted where a conversion is named; anything else
+    // counts as nothing: 0, false or absent.
+
+    /// What is stored under the key; absent when nothing is.
+    std::optional<PropertyList> objectForKey(std::string_view key) const;
+    bool hasObjectForKey(std::string_view key) const;
+    /// A number is true unless it is 0. A text is true when, after spaces, a sign and zeros, it
+    /// goes on with one of Y y T t 1 to 9.
+    bool boolForKey(std::string_view key) const;
+    /// A real is truncated and saturates, NaN is 0. A text is read as far as it is a decimal
+    /// integer, after spaces and a sign, and saturates; 0 when it does not begin with one.
+    std::int64_t integerForKey(std::string_view key) const;
+    float floatForKey(std::string_view key) const;
+    /// A text is read as far as it is a decimal real, after spaces and a sign, in any locale with a
+    /// point; beyond the range it is infinite or 0.
+    double doubleForKey(std::string_view key) const;
+    /// A number gives its shortest decimal text that reads back the same, a truth value "1" or "0".
+    std::optional<std::string> stringForKey(std::string_view key) const;
+    std::optional<Data> dataForKey(std::string_view key) const;
+    std::optional<PropertyList::Array> arrayForKey(std::string_view key) const;
+    std::optional<PropertyList::Dictionary> dictionaryForKey(std::string_view key) const;
+    /// Absent unless every element is a text.
+    std::optional<std::vector<std::string>> stringArrayForKey(std::string_view key) const;
+    /// A text with a scheme as a URL, one that begins with "/" as the path of a file, with "~" as
+    /// one in the home folder.
+    std::optional<URL> URLForKey(std::string_view key) const;
+    std::optional<Date> date(std::string_view forKey) const;
+
+    // Untyped writing. An absent value removes the key.
+
+    void setObject(std::optional<PropertyList> value, std::string_view forKey);
+    void setBool(bool value, std::string_view forKey) { setObject(value, forKey); }
+    void setInteger(std::int64_t value, std::string_view forKey) { setObject(value, forKey); }
+    void setFloat(float value, std::string_view forKey) { setObject(value, forKey); }
+    void setDouble(double value, std::string_view forKey) { setObject(value, forKey); }
+    /// Stored as the text of the whole URL.
+    void setURL(const std::optional<URL>& value, std::string_view forKey);
+    void set(Date value, std::string_view forKey) { setObject(value, forKey); }
+    void removeObjectForKey(std::string_view key);
+
+    // Typed access.
+
+    /// Reads and writes as `value`, `set` and `setOpt` do.
+    template <GenericUserDefaultsKey Key>
+    SettingReference<Key> operator[](const Key& key) {
+        return SettingReference<Key>(*this, key);
+    }
+
+    /// What the coder reads, else the key's default.
+    template <class Coder>
+    typename Coder::CodableType value(const EvaluedUserDefaultsKey<Coder>& key) {
+        std::optional<typename Coder::CodableType> stored =
+            detail::coderOf(key).decode(*this, key.name);
+        return stored ? std::move(*stored) : key.value;
+    }
+    template <class Coder>
+    std::optional<typename Coder::CodableType> value(const OptionalUserDefaultsKey<Coder>& key) {
+        std::optional<typename Coder::CodableType> stored =
+            detail::coderOf(key).decode(*this, key.name);
+        return stored ? std::move(stored) : key.value;
+    }
+
+    /// Writes a value, or what a callable gives, which is called once, and posts the notification.
+    template <GenericUserDefaultsKey Key, class Expression>
+    void set(const Key& key, Expression&& expr) {
+        const auto& coder = detail::coderOf(key);
+        const std::optional<typename Key::CodableType> value(
+            evaluated<typename Key::CodableType>(std::forward<Expression>(expr)));
+        coder.encode(value, *this, key.name);
+        postDidSet(key.name);
+    }
+    /// The same with a value that may be absent.
+    template <GenericUserDefaultsKey Key, class Expression>
+    void setOpt(const Key& key, Expression&& expr) {
+        const auto& coder = detail::coderOf(key);
+        const std::optional<typename Key::CodableType> value =
+            evaluated<std::optional<typename Key::CodableType>>(std::forward<Expression>(expr));
+        coder.encode(value, *this, key.name);
+        postDidSet(key.name);
+    }
+    /// As `set` and `setOpt`, but when `hasValue(key)` nothing happens, nor is a callable called.
+    template <GenericUserDefaultsKey Key, class Expression>
+    void setIfNil(const Key& key, Expression&& expr) {
+        if (!hasValue(key))
+            set(key, std::forward<Expression>(expr));
+    }
+    template <GenericUserDefaultsKey Key, class Expression>
+    void setOptIfNil(const Key& key, Expression&& expr) {
+        if (!hasValue(key))
+            setOpt(key, std::forward<Expression>(expr));
+    }
+    /// Writes the key's default into the store unless something is there.
+    template <class Coder>
+    void setDefaultValue(const EvaluedUserDefaultsKey<Coder>& of) {
+        setIfNil(of, of.value);
+    }
+    /// Whether anything is stored under the key's name, readable by its coder or not.
+    template <GenericUserDefaultsKey Key>
+    bool hasValue(const Key& forKey) const {
+        return hasObjectForKey(forKey.name);
+    }
+
+    // Notifications.
+
+    /// "UserDefaultsDidSetKeyNotification", posted on the default center with the store as its
+    /// object.
+    static NSNotificationName didSetKeyNotification();
+    /// "EditedKeyName": under it the notification has the key's name, a `std::string`, and nothing
+    /// else.
+    static const std::string& editedKeyName();
+    /// The name of the key that was written; absent when the notification has none, or no text.
+    static std::optional<std::string> editedKeyName(const Notification& of);
+
+    /// Whether the notification is about one of the keys: `note(notification, {&columns, &rows})`.
+    template <GenericUserDefaultsKey Key>
+    static bool note(const Notification& note, std::initializer_list<const Key*> didEditKeys) {
+        return NSUserDefaults::note(note, std::span(didEditKeys.begin(), didEditKeys.size()));
+    }
+    template <GenericUserDefaultsKey Key>
+    static bool note(const Notification& note, std::span<const Key* const> didEditKeys) {
+        const std::optional<std::string> edited = editedKeyName(note);
+        for (const Key* key : didEditKeys)
+            if (edited == key->name)
+                return true;
+        return false;
+    }
+    /// Tells that a key was written. For writers that do not go through the key.
+    void postDidSet(const std::string& keyName);
+
+    // Domains.
+
+    /// Removes everything from the domain of the main bundle; does nothing when that has no
+    /// identifier.
+    void clearAllData();
+    void removePersistentDomainForName(std::string_view name);
+    PropertyList::Dictionary persistentDomainForName(std::string_view name) const;
+    /// Replaces what the domain holds, in one step.
+    void setPersistentDomain(PropertyList::Dictionary values, std::string_view forName);
+
+    /// Values that are read from this store where the domain has none. Kept by this object only,
+    /// and added to those registered before.
+    void registerDefaults(PropertyList::Dictionary values);
+
+    /// Everything that can be read, registered values included.
+    PropertyList::Dictionary dictionaryRepresentation() const;
+
+    /// Stores what could not be stored when it was written, and makes everything last through a
+    /// power failure. Whether that succeeded.
+    bool synchronize();
+
+    // To and from a file.
+
+    /// The domain as an XML property list, which has whole seconds only. Absent when a text is not
+    /// UTF-8 or has a character that XML cannot write.
+    std::optional<Data> exportedXML() const;
+    /// Sets every key of a property list, XML or binary, in one step; other keys stay. False, and
+    /// nothing is changed, when the bytes are no dictionary; false as well when the values are only
+    /// in memory. Posts nothing.
+    bool importPropertyList(std::span<const std::byte> bytes);
+
+private:
+    template <class Value, class Expression>
+    static Value evaluated(Expression&& expression) {
+        if constexpr (std::is_constructible_v<Value, Expression&&> &&
+                      !std::is_invocable_v<Expression&&>)
+            return Value(std::forward<Expression>(expression));
+        else
+            return Value(std::forward<Expression>(expression)());
+    }
+
+    std::shared_ptr<const PropertyList> stored(std::string_view key) const;
+    template <class Kind>
+    std::optional<Kind> storedAs(std::string_view key) const;
+
+    const std::string domain_;
+    const std::shared_ptr<SettingsDatabase> database_;
+    mutable std::mutex registering_;
+    PropertyList::Dictionary registered_;
+};
+
+template <GenericUserDefaultsKey Key>
+auto SettingReference<Key>::value() const -> Value {
+    return store_.value(key_);
+}
+
+template <GenericUserDefaultsKey Key>
+void SettingReference<Key>::assign(const Value& value) const {
+    if constexpr (std::same_as<Value, typename Key::CodableType>)
+        store_.set(key_, value);
+    else
+        store_.setOpt(key_, value);
+}
+
+} // namespace zorvan
