@@ -101,7 +101,7 @@ TEST_F(PersistentURL, keepsTheOldBookmarkWhenThereCanBeNoNewOne) {
     EXPECT_FALSE(store().hasObjectForKey("Photo"));
 }
 
-TEST_F(PersistentURL, finds_AsAnybodyFoldersAndLinksAndOddNames) {
+TEST_F(PersistentURL, findsFoldersAndLinksAndOddNames) {
     home_.folder("folder");
     home_.link("link", "nowhere");
     home_.file("\xFF\n", "x");
@@ -114,8 +114,8 @@ TEST_F(PersistentURL, finds_AsAnybodyFoldersAndLinksAndOddNames) {
         EXPECT_EQ(home_.relative(resolved->url), "moved");
         EXPECT_TRUE(resolved->isStale);
         // Without the handle, by which only root may ask.
-        const auto record = internal::BookmarkRecord::decoded(*bytes);
-        EXPECT_EQ(internal::findMoved(record->identity, record->path), path("moved"));
+        const auto identity = internal::FileIdentity::at(path("moved"));
+        EXPECT_EQ(internal::findMoved(*identity, path(name)), path("moved"));
         fs::remove(path("moved"));
     }
 }
@@ -133,16 +133,20 @@ TEST_F(PersistentURL, canBeDerivedFrom) {
 }
 
 TEST(BookmarkRecord, refusesWhatIsNone) {
-    const internal::BookmarkRecord record{{1, 2, 3}, {4, Data(8, std::byte{5})}, "/a"};
+    internal::BookmarkRecord record;
+    record.identity = {1, 2, 3};
+    record.handle.type = 4;
+    record.handle.bytes.resize(8, std::byte{5});
+    record.path = "/a";
     const Data whole = record.encoded();
     ASSERT_TRUE(internal::BookmarkRecord::decoded(whole));
     EXPECT_EQ(internal::BookmarkRecord::decoded(whole)->encoded(), whole);
     for (std::size_t size = 0; size < whole.size(); ++size)
         EXPECT_FALSE(internal::BookmarkRecord::decoded(std::span(whole).first(size))) << size;
-    for (const char* path : {"", "a"})
-        EXPECT_FALSE(internal::BookmarkRecord::decoded(internal::BookmarkRecord{{}, {}, path}.encoded()));
-    const std::string cut("/a\0b", 4);
-    EXPECT_FALSE(internal::BookmarkRecord::decoded(internal::BookmarkRecord{{}, {}, cut}.encoded()));
+    for (const std::string& path : {std::string(), std::string("a"), std::string("/a\0b", 4)}) {
+        record.path = path;
+        EXPECT_FALSE(internal::BookmarkRecord::decoded(record.encoded()));
+    }
     Data longer = whole; // a later version's
     longer.resize(whole.size() + 9);
     EXPECT_TRUE(internal::BookmarkRecord::decoded(longer));
