@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -15,7 +16,11 @@ namespace {
 /// Rounding in transforms is no reason for another row.
 constexpr double tolerance = 1e-6;
 
-constexpr std::int64_t rowsOfTile = 128;
+/// A slanted picture is shrunk as a whole before it is drawn, which is not to happen for each tile.
+std::int64_t rowsOfTile(const CGAffineTransform& t, std::int64_t rows) noexcept {
+    const bool isUpright = (t.b == 0 && t.c == 0) || (t.a == 0 && t.d == 0);
+    return isUpright ? 128 : rows;
+}
 
 CGRect wholePixels(const CGRect& rect) noexcept {
     const double left = std::floor(rect.minX() + tolerance);
@@ -88,7 +93,7 @@ CGImage::Pointer CIContext::createCGImage(const CIImage::Pointer& image, const C
     const auto left = static_cast<std::int64_t>(changed.minX());
     const auto width = static_cast<std::int64_t>(changed.width());
 
-    parallelRows(bitmap->height(), rowsOfTile, [&](std::int64_t first, std::int64_t last) {
+    const auto drawTile = [&](std::int64_t first, std::int64_t last) {
         DrawingTarget tile = DrawingTarget::of(*bitmap);
         tile.pixels = bitmap->row(first);
         tile.y = first;
@@ -100,7 +105,12 @@ CGImage::Pointer CIContext::createCGImage(const CIImage::Pointer& image, const C
         const auto bottom = static_cast<std::int64_t>(changed.maxY());
         for (std::int64_t y = std::max(first, top); y < std::min(last, bottom); ++y)
             changeRow(bitmap->row(y) + left * 4, width, image->changes_);
-    });
+    };
+    try {
+        parallelRows(bitmap->height(), rowsOfTile(placement, bitmap->height()), drawTile);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
     return CGImage::create(std::move(*bitmap));
 }
 

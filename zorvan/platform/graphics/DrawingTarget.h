@@ -107,7 +107,8 @@ struct StrokeStyle {
     CGLineCap lineCap = CGLineCap::butt;
     CGLineJoin lineJoin = CGLineJoin::miter;
     double miterLimit = 10;
-    /// Lengths drawn and left out in turn; empty for a line without gaps.
+    /// Lengths drawn and left out in turn; empty for a line without gaps, as it is drawn when a
+    /// length is negative or all are too short to be seen.
     std::vector<double> dash;
     double dashPhase = 0;
     CGAffineTransform toTarget = {};

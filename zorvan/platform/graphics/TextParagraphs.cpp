@@ -96,6 +96,15 @@ private:
     double alpha_;
 };
 
+/// How much of UTF-8 text fits into a length without cutting a character.
+std::size_t lengthOfWhole(std::string_view text, std::size_t most) noexcept {
+    if (text.size() <= most)
+        return text.size();
+    while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0) == 0x80)
+        --most;
+    return most;
+}
+
 bool isParagraphEnd(char16_t unit) noexcept {
     return unit == u'\n' || unit == u'\r' || unit == u'\u2029';
 }
@@ -109,25 +118,37 @@ TextParagraph::TextParagraph(const NSAttributedString& text, NSRange range) {
         std::string piece = part.attributedSubstring(run.range).string();
         // Pango's texts end at a zero byte.
         std::replace(piece.begin(), piece.end(), '\0', ' ');
-        if (text_.size() + piece.size() > maximumByteCount)
-            break;
+        piece.resize(lengthOfWhole(piece, maximumByteCount - text_.size()));
         spans_.push_back({text_.size(), text_.size() + piece.size(), run.attributes});
         text_ += piece;
         const auto* font = attribute<TextFont>(run.attributes, AttributeName::font);
-        fontSize_ = std::max(fontSize_, fontSizeOf(font ? *font : TextFont()));
+        const double size = fontSizeOf(font ? *font : TextFont());
+        fontSize_ = std::max(fontSize_, size);
+        smallestFontSize_ = isFirst ? size : std::min(smallestFontSize_, size);
         const auto* alignment = attribute<TextAlignment>(run.attributes, AttributeName::alignment);
         if (isFirst && alignment)
             alignment_ = *alignment;
         isFirst = false;
     }
     if (spans_.empty())
-        fontSize_ = fontSizeOf(TextFont());
+        fontSize_ = smallestFontSize_ = fontSizeOf(TextFont());
+}
+
+std::size_t TextParagraph::byteCountToFill(CGSize box) const noexcept {
+    // Narrow letters are a fifth as wide as their font is high, and take up to four bytes.
+    const double columns = box.width / (smallestFontSize_ * 0.2) + 16;
+    const double rows = std::max(box.height, 0.0) / smallestFontSize_ + 2;
+    const double bytes = columns * rows * 4;
+    return bytes < static_cast<double>(maximumByteCount) ? static_cast<std::size_t>(bytes)
+                                                         : maximumByteCount;
 }
 
 TextLayout TextParagraph::layout(PangoContext* context, double width, double alpha,
-                                 std::size_t from, bool hasEllipsis) const {
+                                 const Part& part) const {
+    const std::size_t from = part.from;
     TextLayout layout(pango_layout_new(context));
     std::string shown = text_.substr(from);
+    shown.resize(lengthOfWhole(shown, part.count));
     const AttributeList list(pango_attr_list_new());
     if (spans_.empty())
         AttributeWriter(list.get(), 0, G_MAXUINT, alpha).writeFont(TextFont(), 0);
@@ -138,7 +159,7 @@ TextLayout TextParagraph::layout(PangoContext* context, double width, double alp
                             isLast ? G_MAXUINT : span.end - from, alpha)
                 .write(span.attributes);
         }
-    if (hasEllipsis)
+    if (part.hasEllipsis)
         shown += ellipsis;
     pango_layout_set_text(layout.get(), shown.data(), static_cast<int>(shown.size()));
     pango_layout_set_attributes(layout.get(), list.get());

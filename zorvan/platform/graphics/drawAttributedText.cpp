@@ -16,6 +16,9 @@ namespace {
 
 double points(int pangoUnits) noexcept { return static_cast<double>(pangoUnits) / PANGO_SCALE; }
 
+/// More than a line has.
+constexpr std::size_t bytesOfLine = 2048;
+
 struct PlacedLine {
     std::shared_ptr<PangoLayout> layout; // which the line belongs to
     PangoLayoutLine* line;
@@ -57,12 +60,14 @@ public:
 
 private:
     void place(const TextParagraph& paragraph, const TextParagraph* next) {
-        TextLayout layout = paragraph.layout(context_, box_.width(), alpha_);
+        const std::size_t count = paragraph.byteCountToFill(CGSize(box_.width(), box_.maxY() - y_));
+        TextLayout layout = paragraph.layout(context_, box_.width(), alpha_, {.count = count});
         if (overflow_ == TextOverflow::truncatesLastLine) {
             // A paragraph after which there is no room says that there was more.
             const bool endsHere = next && !hasRoomBelow(layout.get(), *next);
             if (endsHere)
-                layout = paragraph.layout(context_, box_.width(), alpha_, 0, true);
+                layout = paragraph.layout(context_, box_.width(), alpha_,
+                                          {.count = count, .hasEllipsis = true});
             pango_layout_set_ellipsize(layout.get(), PANGO_ELLIPSIZE_END);
             pango_layout_set_height(
                 layout.get(),
@@ -75,7 +80,8 @@ private:
     bool hasRoomBelow(PangoLayout* layout, const TextParagraph& next) const {
         int height = 0;
         pango_layout_get_size(layout, nullptr, &height);
-        const TextLayout following = next.layout(context_, box_.width(), alpha_);
+        const TextLayout following =
+            next.layout(context_, box_.width(), alpha_, {.count = bytesOfLine});
         const double needed = linesOf(following.get()).front().rect.height();
         return y_ + points(height) + needed <= box_.maxY() + tolerance;
     }
@@ -135,12 +141,12 @@ private:
     /// How many bytes the line took; absent when there is no room any more.
     std::optional<std::size_t> placeLine(const TextParagraph& paragraph, std::size_t from) {
         double height = paragraph.fontSize();
-        for (; y_ + height <= bounds_.maxY(); y_ += std::max(1.0, height / 16)) {
+        for (; y_ + height <= bounds_.maxY(); y_ += std::max(height / 16, step_)) {
             std::optional<TextSpan> span = widestSpan(polygons_, y_, y_ + height);
             if (!span || span->length() < paragraph.fontSize())
                 continue;
             std::shared_ptr<PangoLayout> layout(
-                paragraph.layout(context_, span->length(), alpha_, from));
+                paragraph.layout(context_, span->length(), alpha_, {from, bytesOfLine}));
             const LineMetrics line = linesOf(layout.get()).front();
             // The line is as high as its own fonts are, which the room has to suit.
             if (line.rect.height() > height) {
@@ -149,7 +155,8 @@ private:
                                                      : std::nullopt;
                 if (!span || span->length() < paragraph.fontSize())
                     continue;
-                layout.reset(paragraph.layout(context_, span->length(), alpha_, from).release(),
+                layout.reset(paragraph.layout(context_, span->length(), alpha_, {from, bytesOfLine})
+                                 .release(),
                              TextLayoutRelease());
             }
             return add(std::move(layout), *span);
@@ -175,6 +182,7 @@ private:
     CGRect bounds_;
     double alpha_;
     double y_;
+    double step_; // downward where there is no room, so that a tall path takes no more than some
     std::vector<PlacedLine> lines_;
 };
 
@@ -235,7 +243,7 @@ CGSize sizeOfText(const NSAttributedString& text, double width) {
         return size;
     const auto context = makeTextContext();
     for (const TextParagraph& paragraph : paragraphsOf(text)) {
-        const TextLayout layout = paragraph.layout(context.get(), width, 1);
+        const TextLayout layout = paragraph.layout(context.get(), width, 1, {});
         for (const LineMetrics& line : linesOf(layout.get())) {
             size.width = std::max(size.width, line.rect.width());
             size.height += line.rect.height();
@@ -256,7 +264,11 @@ void drawText(const DrawingTarget& target, const NSAttributedString& text, const
 
 void drawText(const DrawingTarget& target, const NSAttributedString& text, const CGPath& path,
               const CGAffineTransform& toTarget, const DrawingStyle& style) {
-    if (!isInvertible(toTarget) || path.isEmpty() || !hasFonts())
+    constexpr double farthest = 1e7;
+    const CGRect bounds = path.controlPointBoundingBox();
+    const bool isNear = std::abs(bounds.minX()) < farthest && std::abs(bounds.maxX()) < farthest &&
+                        std::abs(bounds.minY()) < farthest && std::abs(bounds.maxY()) < farthest;
+    if (!isInvertible(toTarget) || path.isEmpty() || !isNear || !hasFonts())
         return;
     const auto context = makeTextContext();
     PathFlow flow(context.get(), path, style.alpha);

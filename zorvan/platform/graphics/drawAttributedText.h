@@ -31,7 +31,8 @@ void drawText(const DrawingTarget& target, const NSAttributedString& text, const
               TextOverflow overflow, const CGAffineTransform& toTarget, const DrawingStyle& style);
 
 /// Lays the text out inside the path: each line takes the widest stretch that lies inside over the
-/// whole height of the line. What does not fit is left out.
+/// whole height of the line. What does not fit is left out. Nothing is drawn in a path that reaches
+/// 10,000,000 points away from the origin.
 void drawText(const DrawingTarget& target, const NSAttributedString& text, const CGPath& path,
               const CGAffineTransform& toTarget, const DrawingStyle& style);
 

@@ -201,11 +201,17 @@ cairo_line_join_t cairoJoin(CGLineJoin join) noexcept {
                                        : CAIRO_LINE_JOIN_MITER;
 }
 
-/// Cairo takes no dash that has a negative length or none above 0.
-bool isDash(const std::vector<double>& dash) noexcept {
-    const auto isLength = [](double d) { return std::isfinite(d) && d >= 0; };
-    return std::all_of(dash.begin(), dash.end(), isLength) &&
-           std::any_of(dash.begin(), dash.end(), [](double d) { return d > 0; });
+/// Cairo takes no dash that has a negative length, and would draw ones too short to be seen by the
+/// million.
+bool isDash(const StrokeStyle& stroke) noexcept {
+    constexpr double shortest = 0.05; // in pixels, all together
+    double sum = 0;
+    for (const double length : stroke.dash) {
+        if (!std::isfinite(length) || length < 0)
+            return false;
+        sum += length;
+    }
+    return sum * std::hypot(stroke.toTarget.a, stroke.toTarget.b) > shortest;
 }
 
 void setPen(cairo_t* cairo, const StrokeStyle& stroke) {
@@ -217,7 +223,7 @@ void setPen(cairo_t* cairo, const StrokeStyle& stroke) {
     cairo_set_line_cap(cairo, cairoCap(stroke.lineCap));
     cairo_set_line_join(cairo, cairoJoin(stroke.lineJoin));
     cairo_set_miter_limit(cairo, std::isfinite(stroke.miterLimit) ? stroke.miterLimit : 10);
-    if (isDash(stroke.dash))
+    if (isDash(stroke))
         cairo_set_dash(cairo, stroke.dash.data(), static_cast<int>(stroke.dash.size()),
                        std::isfinite(stroke.dashPhase) ? stroke.dashPhase : 0);
 }

@@ -23,10 +23,18 @@ public:
 
     std::size_t byteCount() const noexcept { return text_.size(); }
 
-    /// The text from byte `from` on, broken at `width` (in points; infinity for no breaks), "…"
-    /// after it when asked for. `alpha` multiplies the alpha of all colours.
-    TextLayout layout(PangoContext* context, double width, double alpha, std::size_t from = 0,
-                      bool hasEllipsis = false) const;
+    struct Part {
+        std::size_t from = 0;
+        /// The most bytes.
+        std::size_t count = std::string::npos;
+        bool hasEllipsis = false;
+    };
+    /// Part of the text, broken at `width` (in points; infinity for no breaks), "…" after it when
+    /// asked for. `alpha` multiplies the alpha of all colours.
+    TextLayout layout(PangoContext* context, double width, double alpha, const Part& part) const;
+
+    /// More bytes than letters of the smallest font in it fill the box with.
+    std::size_t byteCountToFill(CGSize box) const noexcept;
 
     /// Of the largest font in it.
     double fontSize() const noexcept { return fontSize_; }
@@ -42,6 +50,7 @@ private:
     std::vector<Span> spans_;
     TextAlignment alignment_ = TextAlignment::left;
     double fontSize_ = 0;
+    double smallestFontSize_ = 0;
 };
 
 std::vector<TextParagraph> paragraphsOf(const NSAttributedString& text);
