@@ -145,6 +145,9 @@ void OperationRunner::didAnswer(std::uint64_t id, std::optional<double> seconds,
         isFirstTime_ = false;
         return hasMoved ? stepOnOrBack(now) : finish(true);
     }
+    // Sound begins at the time itself; what is told is where an output with a delay would be.
+    if (operation_.kind == Operation::Kind::exactSeek && !hasVideo_)
+        position_ = operation_.seconds;
     // Of a picture that begins after the time, the one before it is on show then.
     const bool isLate = operation_.kind == Operation::Kind::exactSeek && hasVideo_ &&
                         position_ > operation_.seconds + sameTime;
