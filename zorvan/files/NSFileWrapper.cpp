@@ -84,7 +84,7 @@ std::shared_ptr<NSFileWrapper> NSFileWrapper::create(SymbolicLink link) {
 
 /// Null for what is no file, folder or link.
 std::shared_ptr<NSFileWrapper> NSFileWrapper::read(const std::string& path) {
-    const auto made = [](Content content) {
+    const auto made = [](auto content) {
         return std::shared_ptr<NSFileWrapper>(new NSFileWrapper(std::move(content)));
     };
     switch (std::filesystem::symlink_status(path).type()) {
