@@ -153,7 +153,9 @@ std::string NSFileWrapper::addFileWrapper(const std::shared_ptr<NSFileWrapper>& 
 }
 
 void NSFileWrapper::removeFileWrapper(const std::shared_ptr<NSFileWrapper>& child) {
-    std::erase_if(children(), [&](const auto& entry) { return entry.second == child; });
+    // The caller's pointer may be the one that is erased.
+    const NSFileWrapper* gone = child.get();
+    std::erase_if(children(), [&](const auto& entry) { return entry.second.get() == gone; });
 }
 
 void NSFileWrapper::write(const URL& url) const {
