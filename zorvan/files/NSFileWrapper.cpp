@@ -84,7 +84,7 @@ std::shared_ptr<NSFileWrapper> NSFileWrapper::create(SymbolicLink link) {
 
 /// Null for what is no file, folder or link.
 std::shared_ptr<NSFileWrapper> NSFileWrapper::read(const std::string& path) {
-    const auto made = [](Content content) {
+    const auto made = [](auto content) {
         return std::shared_ptr<NSFileWrapper>(new NSFileWrapper(std::move(content)));
     };
     switch (std::filesystem::symlink_status(path).type()) {
@@ -153,7 +153,9 @@ std::string NSFileWrapper::addFileWrapper(const std::shared_ptr<NSFileWrapper>& 
 }
 
 void NSFileWrapper::removeFileWrapper(const std::shared_ptr<NSFileWrapper>& child) {
-    std::erase_if(children(), [&](const auto& entry) { return entry.second == child; });
+    // The caller's pointer may be the one that is erased.
+    const NSFileWrapper* gone = child.get();
+    std::erase_if(children(), [&](const auto& entry) { return entry.second.get() == gone; });
 }
 
 void NSFileWrapper::write(const URL& url) const {

@@ -87,7 +87,8 @@ private:
     /// A file is where it was read from, or its bytes.
     using Content = std::variant<URL, Data, Link, Children>;
 
-    explicit NSFileWrapper(Content content) : content_(std::move(content)) {}
+    template <class Kind>
+    explicit NSFileWrapper(Kind kind) : content_(std::move(kind)) {}
 
     static std::shared_ptr<NSFileWrapper> read(const std::string& path);
     static Children readChildren(const std::string& path);
