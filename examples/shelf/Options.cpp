@@ -12,7 +12,7 @@ using zorvan::ImageExportFormat;
 
 const char* const helpText =
     R"(Usage: shelf [OPTIONS] PATH...
-       shelf settings DOMAIN     (prints a domain of settings as an XML property list)
+       shelf settings DOMAIN    (prints a domain of settings as XML)
 
 Lists pictures, makes a contact sheet of them, or writes smaller copies of them.
 A PATH is a picture, or a folder of pictures.

@@ -115,7 +115,7 @@ TEST_F(PersistentURL, findsFoldersAndLinksAndOddNames) {
         EXPECT_TRUE(resolved->isStale);
         // Without the handle, by which only root may ask.
         const auto identity = internal::FileIdentity::at(path("moved"));
-        EXPECT_EQ(internal::findMoved(*identity, path(name)), path("moved"));
+        EXPECT_EQ(internal::findMoved({*identity, {}, path(name)}), path("moved"));
         fs::remove(path("moved"));
     }
 }

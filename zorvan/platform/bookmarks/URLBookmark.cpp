@@ -34,7 +34,7 @@ std::string placeOf(const BookmarkRecord& record) {
     const auto found = path.empty() ? std::nullopt : FileIdentity::at(path);
     if (found && record.identity.isSameFile(*found))
         return path;
-    return internal::findMoved(record.identity, record.path);
+    return internal::findMoved(record);
 }
 
 } // namespace

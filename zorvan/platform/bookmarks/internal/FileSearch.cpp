@@ -18,7 +18,7 @@ std::string parentOf(const std::string& path) {
 /// each file, and a folder is entered only when it is on the volume.
 class Search {
 public:
-    explicit Search(const FileIdentity& file) : file_(file) {}
+    explicit Search(const BookmarkRecord& file) : file_(file) {}
 
     std::string below(const std::string& top, const std::string& except) {
         const auto volume = FileIdentity::at(top);
@@ -50,10 +50,8 @@ private:
                 continue;
             --left_;
             std::string path = (folder == "/" ? "" : folder) + "/" + name;
-            if (entry->d_ino == file_.inode)
-                if (const auto identity = FileIdentity::at(path);
-                    identity && file_.isSameFile(*identity))
-                    return path;
+            if (entry->d_ino == file_.identity.inode && isFile(path))
+                return path;
             const bool isFolder = entry->d_type == DT_DIR || entry->d_type == DT_UNKNOWN;
             if (isFolder && path != except)
                 folders.push_back(std::move(path));
@@ -61,7 +59,14 @@ private:
         return {};
     }
 
-    const FileIdentity& file_;
+    /// A number can be given out again within the grain of the clock of births; a handle cannot.
+    bool isFile(const std::string& path) const {
+        const auto identity = FileIdentity::at(path);
+        return identity && file_.identity.isSameFile(*identity) &&
+               file_.handle.mayBeOf(FileHandle::of(path));
+    }
+
+    const BookmarkRecord& file_;
     std::size_t left_ = maximumSearch;
 };
 
@@ -75,10 +80,10 @@ std::string existingFolder(std::string path) {
     return path;
 }
 
-std::string findMoved(const FileIdentity& file, const std::string& path) {
+std::string findMoved(const BookmarkRecord& file) {
     Search search(file);
     std::string searched;
-    for (std::string top = existingFolder(path);; top = parentOf(top)) {
+    for (std::string top = existingFolder(file.path);; top = parentOf(top)) {
         std::string found = search.below(top, searched);
         if (!found.empty() || top == "/")
             return found;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <zorvan/platform/bookmarks/internal/FileIdentity.h>
+#include <zorvan/platform/bookmarks/internal/BookmarkRecord.h>
 
 #include <string>
 
@@ -9,10 +9,10 @@ namespace zorvan::internal {
 /// How many names a search looks at before it gives up.
 inline constexpr std::size_t maximumSearch = 200'000;
 
-/// The path of the file now, when it once was at `path`: looks into the folder there, then below
+/// The path of the file now: starts from where it once was, looks into the folder there, then below
 /// each folder around it, from the inside out, without leaving the volume. Empty when it is not
 /// found.
-std::string findMoved(const FileIdentity& file, const std::string& path);
+std::string findMoved(const BookmarkRecord& file);
 
 /// The closest folder around the path that exists.
 std::string existingFolder(std::string path);

@@ -183,7 +183,7 @@ private:
         case Tag::integer:
             return fromBits([](std::uint64_t bits) { return static_cast<std::int64_t>(bits); });
         case Tag::unsignedInteger:
-            return fromBits([](std::uint64_t bits) { return bits; });
+            return unsignedInteger();
         case Tag::real:
             return fromBits([](std::uint64_t bits) { return std::bit_cast<double>(bits); });
         case Tag::text:
@@ -204,6 +204,14 @@ private:
             return boxed(dictionary(depth));
         }
         return std::nullopt;
+    }
+
+    /// One that fits among the signed is sent as such.
+    std::optional<PropertyList> unsignedInteger() {
+        const auto bits = integer<std::uint64_t>();
+        if (!bits || !NSNumber(*bits).isUnsigned())
+            return std::nullopt;
+        return NSNumber(*bits);
     }
 
     std::optional<PropertyList::Array> array(std::size_t depth) {
