@@ -49,7 +49,7 @@ NSUserDefaults::~NSUserDefaults() = default;
 
 // Reading.
 
-std::shared_ptr<const PropertyList> NSUserDefaults::stored(std::string_view key) const {
+std::shared_ptr<const PropertyList> NSUserDefaults::sharedObjectForKey(std::string_view key) const {
     std::shared_ptr<const PropertyList> value = database_->value(key);
     if (value)
         return value;
@@ -61,25 +61,27 @@ std::shared_ptr<const PropertyList> NSUserDefaults::stored(std::string_view key)
 
 template <class Kind>
 std::optional<Kind> NSUserDefaults::storedAs(std::string_view key) const {
-    const auto value = stored(key);
+    const auto value = sharedObjectForKey(key);
     const Kind* kind = value ? value->as<Kind>() : nullptr;
     return kind ? std::optional(*kind) : std::nullopt;
 }
 
 std::optional<PropertyList> NSUserDefaults::objectForKey(std::string_view key) const {
-    const auto value = stored(key);
+    const auto value = sharedObjectForKey(key);
     return value ? std::optional(*value) : std::nullopt;
 }
 
-bool NSUserDefaults::hasObjectForKey(std::string_view key) const { return stored(key) != nullptr; }
+bool NSUserDefaults::hasObjectForKey(std::string_view key) const {
+    return sharedObjectForKey(key) != nullptr;
+}
 
 bool NSUserDefaults::boolForKey(std::string_view key) const {
-    const auto value = stored(key);
+    const auto value = sharedObjectForKey(key);
     return value && internal::asBool(*value);
 }
 
 std::int64_t NSUserDefaults::integerForKey(std::string_view key) const {
-    const auto value = stored(key);
+    const auto value = sharedObjectForKey(key);
     return value ? internal::asInteger(*value) : 0;
 }
 
@@ -88,12 +90,12 @@ float NSUserDefaults::floatForKey(std::string_view key) const {
 }
 
 double NSUserDefaults::doubleForKey(std::string_view key) const {
-    const auto value = stored(key);
+    const auto value = sharedObjectForKey(key);
     return value ? internal::asDouble(*value) : 0;
 }
 
 std::optional<std::string> NSUserDefaults::stringForKey(std::string_view key) const {
-    const auto value = stored(key);
+    const auto value = sharedObjectForKey(key);
     return value ? internal::asString(*value) : std::nullopt;
 }
 
@@ -112,7 +114,7 @@ NSUserDefaults::dictionaryForKey(std::string_view key) const {
 
 std::optional<std::vector<std::string>>
 NSUserDefaults::stringArrayForKey(std::string_view key) const {
-    const auto value = stored(key);
+    const auto value = sharedObjectForKey(key);
     const auto* array = value ? value->as<PropertyList::Array>() : nullptr;
     if (!array)
         return std::nullopt;
@@ -127,7 +129,7 @@ NSUserDefaults::stringArrayForKey(std::string_view key) const {
 }
 
 std::optional<URL> NSUserDefaults::URLForKey(std::string_view key) const {
-    const auto value = stored(key);
+    const auto value = sharedObjectForKey(key);
     return value ? internal::asURL(*value) : std::nullopt;
 }
 

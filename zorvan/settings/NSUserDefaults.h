@@ -75,6 +75,8 @@ public:
 
     /// What is stored under the key; absent when nothing is.
     std::optional<PropertyList> objectForKey(std::string_view key) const;
+    /// The same object, shared instead of copied; null when there is none.
+    std::shared_ptr<const PropertyList> sharedObjectForKey(std::string_view key) const;
     bool hasObjectForKey(std::string_view key) const;
     /// A number is true unless it is 0. A text is true when, after spaces, a sign and zeros, it
     /// goes on with one of Y y T t 1 to 9.
@@ -240,7 +242,6 @@ private:
             return Value(std::forward<Expression>(expression)());
     }
 
-    std::shared_ptr<const PropertyList> stored(std::string_view key) const;
     template <class Kind>
     std::optional<Kind> storedAs(std::string_view key) const;
 

@@ -1,11 +1,13 @@
 #include <zorvan/settings/NumberCoders.h>
 
 #include <zorvan/settings/NSUserDefaults.h>
+#include <zorvan/settings/internal/conversions.h>
 
 namespace zorvan {
 
 std::optional<bool> BoolUDC::decode(NSUserDefaults& from, std::string_view key) const {
-    return from.hasObjectForKey(key) ? std::optional(from.boolForKey(key)) : std::nullopt;
+    const auto object = from.sharedObjectForKey(key);
+    return object ? std::optional(internal::asBool(*object)) : std::nullopt;
 }
 
 void BoolUDC::encode(std::optional<bool> value, NSUserDefaults& to, std::string_view key) const {
@@ -13,7 +15,8 @@ void BoolUDC::encode(std::optional<bool> value, NSUserDefaults& to, std::string_
 }
 
 std::optional<std::int64_t> IntUDC::decode(NSUserDefaults& from, std::string_view key) const {
-    return from.hasObjectForKey(key) ? std::optional(from.integerForKey(key)) : std::nullopt;
+    const auto object = from.sharedObjectForKey(key);
+    return object ? std::optional(internal::asInteger(*object)) : std::nullopt;
 }
 
 void IntUDC::encode(std::optional<std::int64_t> value, NSUserDefaults& to,
@@ -22,12 +25,12 @@ void IntUDC::encode(std::optional<std::int64_t> value, NSUserDefaults& to,
 }
 
 std::optional<std::uint64_t> UIntUDC::decode(NSUserDefaults& from, std::string_view key) const {
-    const std::optional<PropertyList> object = from.objectForKey(key);
+    const auto object = from.sharedObjectForKey(key);
     if (!object)
         return std::nullopt;
     if (const auto* number = object->as<NSNumber>(); number && number->isUnsigned())
         return number->uint64Value();
-    const std::int64_t integer = from.integerForKey(key);
+    const std::int64_t integer = internal::asInteger(*object);
     return integer >= 0 ? std::optional(static_cast<std::uint64_t>(integer)) : std::nullopt;
 }
 
@@ -37,7 +40,8 @@ void UIntUDC::encode(std::optional<std::uint64_t> value, NSUserDefaults& to,
 }
 
 std::optional<float> FloatUDC::decode(NSUserDefaults& from, std::string_view key) const {
-    return from.hasObjectForKey(key) ? std::optional(from.floatForKey(key)) : std::nullopt;
+    const auto object = from.sharedObjectForKey(key);
+    return object ? std::optional(static_cast<float>(internal::asDouble(*object))) : std::nullopt;
 }
 
 void FloatUDC::encode(std::optional<float> value, NSUserDefaults& to, std::string_view key) const {
@@ -45,7 +49,8 @@ void FloatUDC::encode(std::optional<float> value, NSUserDefaults& to, std::strin
 }
 
 std::optional<double> DoubleUDC::decode(NSUserDefaults& from, std::string_view key) const {
-    return from.hasObjectForKey(key) ? std::optional(from.doubleForKey(key)) : std::nullopt;
+    const auto object = from.sharedObjectForKey(key);
+    return object ? std::optional(internal::asDouble(*object)) : std::nullopt;
 }
 
 void DoubleUDC::encode(std::optional<double> value, NSUserDefaults& to,
