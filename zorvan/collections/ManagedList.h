@@ -15,6 +15,7 @@
 #include <memory>
 #include <numeric>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -350,15 +351,21 @@ template <std::equality_comparable Item>
 auto ManagedList<Item>::pass(const std::vector<Item>& items, const IndexSet& selection,
                              const Filter& filter) -> Passing {
     Passing passing;
+    std::span<const IndexSet::Range> selected = selection.ranges(); // from the position on
     for (std::int64_t full = 0; full < detail::countOf(items); ++full) {
         const Item& item = items[static_cast<std::size_t>(full)];
         if (!filter(item))
             continue;
-        if (selection.contains(full))
-            passing.selection.insert(detail::countOf(passing.items));
+        while (!selected.empty() && selected.front().upper <= full)
+            selected = selected.subspan(1);
+        if (!selected.empty() && selected.front().lower <= full)
+            passing.selection.insert(detail::countOf(passing.positions));
         passing.positions.push_back(full);
-        passing.items.push_back(item);
     }
+    // Afterwards, when it is known how many there are.
+    passing.items.reserve(passing.positions.size());
+    for (const std::int64_t full : passing.positions)
+        passing.items.push_back(items[static_cast<std::size_t>(full)]);
     return passing;
 }
 
