@@ -1,6 +1,6 @@
 #include <zorvan/settings/JSONCoding.h>
 
-#include <zorvan/settings/internal/base64.h>
+#include <zorvan/platform/propertylist/internal/TextForms.h>
 
 #include <chrono>
 #include <limits>
@@ -60,10 +60,21 @@ Date JSONCoding<Date>::decode(const JSON& json) {
     return reference + std::chrono::duration_cast<Date::duration>(Seconds(seconds));
 }
 
-JSON JSONCoding<Data>::encode(const Data& value) { return internal::encodedBase64(value); }
+namespace {
+
+/// Whole groups without blanks: JSON is strict where property lists are lenient.
+std::optional<Data> strictBase64(std::string_view text) {
+    const bool isStrict =
+        text.size() % 4 == 0 && text.find_first_of(" \t\r\n") == std::string_view::npos;
+    return isStrict ? propertylist::decodeBase64(text) : std::nullopt;
+}
+
+} // namespace
+
+JSON JSONCoding<Data>::encode(const Data& value) { return propertylist::encodeBase64(value); }
 
 Data JSONCoding<Data>::decode(const JSON& json) {
-    if (auto bytes = internal::decodedBase64(detail::expected<std::string>(json, "text")))
+    if (auto bytes = strictBase64(detail::expected<std::string>(json, "text")))
         return std::move(*bytes);
     throw JSONError("data is not in base 64");
 }

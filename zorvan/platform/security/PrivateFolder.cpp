@@ -1,7 +1,7 @@
 #include <zorvan/platform/security/internal/PrivateFolder.h>
 
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/security/internal/Failure.h>
-#include <zorvan/platform/security/internal/FileDescriptor.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -15,6 +15,8 @@
 namespace zorvan::security {
 
 namespace {
+
+using zorvan::internal::FileDescriptor;
 
 constexpr mode_t othersBits = 0077;
 

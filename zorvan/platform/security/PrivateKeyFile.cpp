@@ -1,8 +1,8 @@
 #include <zorvan/platform/security/internal/PrivateKeyFile.h>
 
 #include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/security/internal/Failure.h>
-#include <zorvan/platform/security/internal/FileDescriptor.h>
 
 #include <algorithm>
 #include <array>
@@ -17,6 +17,8 @@
 namespace zorvan::security {
 
 namespace {
+
+using zorvan::internal::FileDescriptor;
 
 constexpr const char* keyFile = "key";
 constexpr std::string_view magic = "zorvkey1";

@@ -1,5 +1,7 @@
 #include <zorvan/platform/bookmarks/internal/FileIdentity.h>
 
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+
 #include <climits>
 #include <cstring>
 #include <fcntl.h>
@@ -52,22 +54,20 @@ FileHandle FileHandle::of(const std::string& path) {
 std::string FileHandle::currentPath(const std::string& neighbour) const {
     if (bytes.empty() || bytes.size() > MAX_HANDLE_SZ)
         return {};
-    const int volume = ::open(neighbour.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (volume < 0)
+    const FileDescriptor volume(::open(neighbour.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!volume)
         return {};
     HandleBuffer buffer(bytes.size());
     buffer.get()->handle_type = type;
     std::memcpy(buffer.get()->f_handle, bytes.data(), bytes.size());
-    const int file = ::open_by_handle_at(volume, buffer.get(), O_PATH | O_CLOEXEC);
-    ::close(volume);
-    if (file < 0)
+    const FileDescriptor file(::open_by_handle_at(volume.get(), buffer.get(), O_PATH | O_CLOEXEC));
+    if (!file)
         return {};
-    const std::string link = "/proc/self/fd/" + std::to_string(file);
+    const std::string link = "/proc/self/fd/" + std::to_string(file.get());
     std::string path(PATH_MAX, '\0');
     const ssize_t size = ::readlink(link.c_str(), path.data(), path.size());
     struct stat status {};
-    const bool isGone = ::fstat(file, &status) != 0 || status.st_nlink == 0;
-    ::close(file);
+    const bool isGone = ::fstat(file.get(), &status) != 0 || status.st_nlink == 0;
     path.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
     return isGone || !path.starts_with('/') || path.ends_with(deletedMark) ? std::string() : path;
 }
