@@ -31,12 +31,12 @@ function(zorvan_library_name component result)
   set(${result} ${name} PARENT_SCOPE)
 endfunction()
 
-# zorvan_library(<Component> SOURCES <file>... [USES <Component>...] [NEEDS <pkg-config module>...])
+# zorvan_library(<Component> [APART] SOURCES <file>... [USES <Component>...] [NEEDS <pkg-config module>...])
 #
-# Makes the shared library Zorvan::<Component>. USES names the components of this library that its
+# Makes the shared library Zorvan::<Component>, one of those that Zorvan::Zorvan stands for unless APART. USES names the components of this library that its
 # headers include; NEEDS names third-party modules, which stay private to the .cpp files.
 function(zorvan_library component)
-  cmake_parse_arguments(arg "" "" "SOURCES;USES;NEEDS" ${ARGN})
+  cmake_parse_arguments(arg "APART" "" "SOURCES;USES;NEEDS" ${ARGN})
   zorvan_library_name(${component} library)
   add_library(${component} SHARED ${arg_SOURCES})
   add_library(Zorvan::${component} ALIAS ${component})
@@ -59,7 +59,9 @@ function(zorvan_library component)
   endforeach()
   install(TARGETS ${component} EXPORT ZorvanTargets)
   zorvan_write_pkg_config(${library} "${arg_USES}")
-  set_property(GLOBAL APPEND PROPERTY ZORVAN_COMPONENTS ${component})
+  if(NOT arg_APART)
+    set_property(GLOBAL APPEND PROPERTY ZORVAN_COMPONENTS ${component})
+  endif()
 endfunction()
 
 function(zorvan_write_pkg_config library uses)

@@ -47,10 +47,23 @@ bool NSMenu::performActionForItem(std::int64_t at) {
            NSApplication::shared().sendAction(*chosen->action(), chosen->target_, chosen);
 }
 
+namespace {
+
+std::function<void(NSMenu&)>& menuHost() {
+    static std::function<void(NSMenu&)> host;
+    return host;
+}
+
+} // namespace
+
+void NSMenu::setHost(std::function<void(NSMenu&)> host) { menuHost() = std::move(host); }
+
 void NSMenu::popUp() {
     const auto keptAlive = shared_from_this();
     if (const ViewCallObserver observer = callObserver_)
         observer({"popUp", title_});
+    if (const auto host = menuHost())
+        host(*this);
 }
 
 } // namespace zorvan

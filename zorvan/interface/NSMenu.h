@@ -4,6 +4,7 @@
 #include <zorvan/platform/appkit/ViewCall.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -54,7 +55,8 @@ private:
     bool isEnabled_ = true;
 };
 
-/// A list of commands. Without a host nothing opens; the observer is told that it should.
+/// A list of commands. Without a host nothing opens; the observer is told that it should in any
+/// case.
 /// Main thread only.
 class NSMenu : public std::enable_shared_from_this<NSMenu> {
 public:
@@ -74,8 +76,10 @@ public:
     /// is no such item, when it is disabled or has no action, and when nothing performed it.
     bool performActionForItem(std::int64_t at);
 
-    /// Asks the host to open the menu.
+    /// Asks the host to open the menu at the mouse.
     void popUp();
+    /// What opens the menus of the application; empty for nothing.
+    static void setHost(std::function<void(NSMenu&)> host);
     void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
 
 private:

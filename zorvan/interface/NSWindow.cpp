@@ -61,13 +61,13 @@ void NSWindow::setTitle(std::string title) {
 CGSize NSWindow::size() const {
     const double bars =
         (toolbar_ ? ToolbarStrip::height(*toolbar_) : 0) + (touchBar_ ? TouchBarStrip::height : 0);
-    return {contentSize_.width, contentSize_.height + FrameView::titleHeight + bars};
+    return {contentSize_.width, contentSize_.height + titleBarHeight + bars};
 }
 
 void NSWindow::placeViews() {
     const CGSize whole = size();
     frameView_->setFrame(whole.rect());
-    double top = whole.height - FrameView::titleHeight;
+    double top = whole.height - titleBarHeight;
     if (toolbarStrip_) {
         const double height = ToolbarStrip::height(*toolbar_);
         toolbarStrip_->setFrame({0, top - height, whole.width, height});

@@ -37,6 +37,9 @@ public:
     static constexpr std::string_view didResizeNotification = "NSWindowDidResizeNotification";
     static constexpr std::string_view willCloseNotification = "NSWindowWillCloseNotification";
 
+    /// In points. A host whose windows have title bars of their own leaves ours out.
+    static constexpr double titleBarHeight = 30;
+
     /// With an empty content view of that size. The window is not shown yet.
     static std::shared_ptr<NSWindow> create(CGSize contentSize, std::string title = {});
     ~NSWindow();

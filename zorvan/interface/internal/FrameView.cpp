@@ -17,12 +17,12 @@ void FrameView::contentDidChange() {
 
 void FrameView::draw(Canvas& canvas) const {
     const Drawing drawing(canvas);
-    const CGRect bar(0, bounds().height() - titleHeight, bounds().width(), titleHeight);
+    const CGRect bar(0, bounds().height() - NSWindow::titleBarHeight, bounds().width(), NSWindow::titleBarHeight);
     fillRect(bar, Palette::bar);
-    const double side = titleHeight;
+    const double side = NSWindow::titleBarHeight;
     drawLabel(title_, {side, bar.minY(), bar.width() - 2 * side, bar.height()}, LabelStyle::bold,
               Palette::label);
-    const CGPoint middle(bar.maxX() - 20, bar.minY() + titleHeight / 2);
+    const CGPoint middle(bar.maxX() - 20, bar.minY() + NSWindow::titleBarHeight / 2);
     constexpr double arm = 4;
     for (const double slope : {1.0, -1.0})
         drawLine(

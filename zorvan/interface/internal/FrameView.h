@@ -12,8 +12,6 @@ namespace zorvan {
 /// The outermost view of a window; draws the title bar.
 class FrameView : public NSView {
 public:
-    static constexpr double titleHeight = 30;
-
     static std::shared_ptr<FrameView> create() {
         return std::make_shared<FrameView>(Key{}, CGRect());
     }
