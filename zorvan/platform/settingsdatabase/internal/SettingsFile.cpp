@@ -112,11 +112,8 @@ void SettingsFile::readAbove(std::int64_t id, const std::function<void()>& start
         {
             const StatementUse use(*read_);
             read_->bind(1, isTooOld ? std::int64_t{0} : id);
-            while (read_->step()) {
-                const bool removed = read_->isNull(2);
-                reader({read_->integer(0), read_->text(1), !read_->isNull(1), removed,
-                        read_->setting(2)});
-            }
+            while (read_->step())
+                reader({read_->integer(0), read_->text(1), read_->setting(2)});
         }
         commit();
     } catch (...) {
