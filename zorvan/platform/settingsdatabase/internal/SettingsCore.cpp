@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <system_error>
 #include <unistd.h>
+#include <unordered_map>
 #include <utility>
 
 namespace zorvan {
@@ -267,7 +268,8 @@ std::int64_t SettingsDatabase::Core::storeAll(const Changes& changes,
         storeOne(changes.front(), memory_.row(changes.front().first));
         return rows.back();
     }
-    std::map<std::string_view, std::int64_t> written;
+    std::unordered_map<std::string_view, std::int64_t> written;
+    written.reserve(changes.size());
     file_->begin();
     for (const auto& change : changes) {
         const auto found = written.find(change.first);
