@@ -2,13 +2,18 @@
 
 #include "Examples.h"
 
+#include <zorvan/media/AVFileType.h>
+#include <zorvan/media/AVVideoCodecType.h>
+#include <zorvan/platform/bookmarks/internal/BookmarkRecord.h>
 #include <zorvan/settings/BundleVersionUDC.h>
 #include <zorvan/settings/EnumCoders.h>
 #include <zorvan/settings/GeometryCoders.h>
 #include <zorvan/settings/ImageExportFormatUDC.h>
 #include <zorvan/settings/JSONCodableUDC.h>
+#include <zorvan/settings/MediaIdentifierCoders.h>
 #include <zorvan/settings/NumberCoders.h>
 #include <zorvan/settings/ObjectCoders.h>
+#include <zorvan/settings/PersistentURLUDC.h>
 #include <zorvan/settings/TimeCoders.h>
 #include <zorvan/settings/URLCoders.h>
 
@@ -18,12 +23,21 @@
 
 namespace zorvan {
 
-/// What the golden database holds. What is added to a later version goes into another file.
+/// What the golden databases hold, the coders that were there when each was made. A database is
+/// never made again: what is added to a later version goes into another one.
 ///
 /// Goes through a value of each coder: a function for each name that writes it, one that checks it.
 class Golden {
 public:
-    Golden() {
+    static constexpr int count = 2;
+
+    explicit Golden(int number) { number == 1 ? addFirst() : addSecond(); }
+
+    std::map<std::string, std::function<void(NSUserDefaults&)>> writers;
+    std::map<std::string, std::function<bool(NSUserDefaults&)>> checks;
+
+private:
+    void addFirst() {
         add<BoolUDC>("Bool", true);
         add<IntUDC>("Int", -1234567890123456789);
         add<UIntUDC>("UInt", std::uint64_t{18446744073709551615u});
@@ -56,10 +70,19 @@ public:
         add<EnumStringArrayUDC<Letter>>("EnumStringArray", {Letter::b, Letter::a});
     }
 
-    std::map<std::string, std::function<void(NSUserDefaults&)>> writers;
-    std::map<std::string, std::function<bool(NSUserDefaults&)>> checks;
+    void addSecond() {
+        add<AVFileTypeUDC>("AVFileType", AVFileType({.rawValue = "com.example.odd-movie"}));
+        add<AVVideoCodecTypeUDC>("AVVideoCodecType", AVVideoCodecType({.rawValue = "hvc1"}));
+        // Where the file is on another computer, nobody knows: the bookmark has to be whole.
+        add<PersistentURLUDC>("PersistentURL", URL({.fileURLWithPath = "/usr/bin/env"}));
+        checks["PersistentURL"] = [](NSUserDefaults& store) {
+            const Data bytes = store.dataForKey("PersistentURL").value_or(Data());
+            const auto record = internal::BookmarkRecord::decoded(bytes);
+            return record && record->path == "/usr/bin/env" && record->identity.inode != 0 &&
+                   !record->handle.bytes.empty() && record->encoded() == bytes;
+        };
+    }
 
-private:
     template <class Coder>
     void add(const std::string& name, const typename Coder::CodableType& value) {
         writers[name] = [=](NSUserDefaults& store) { Coder().encode(value, store, name); };

@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/propertylist/NSBundle.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
+#include <zorvan/platform/security/internal/addOrUpdate.h>
 #include <zorvan/platform/security/wipe.h>
 
 #include <span>
@@ -95,14 +96,7 @@ bool UserKeychain::setAndWipe(Data bytes, const Key& key, std::optional<Access> 
     addition.try_emplace(kSecAttrAccessible, kSecAttrAccessibleWhenUnlocked);
     Data& added = *addition.emplace(kSecValueData, std::move(bytes)).first->second.as<Data>();
     const WipedAtEnd afterAddition(added);
-    const OSStatus status = SecItemAdd(addition);
-    if (status != errSecDuplicateItem)
-        return status == errSecSuccess;
-
-    PropertyList::Dictionary changes;
-    Data& changed = *changes.emplace(kSecValueData, std::move(added)).first->second.as<Data>();
-    const WipedAtEnd afterChange(changed);
-    return SecItemUpdate(query, changes) == errSecSuccess;
+    return security::addOrUpdate(addition, query) == errSecSuccess;
 }
 
 std::optional<Data> UserKeychain::read(const Key& key, std::optional<Access> access,

@@ -2,20 +2,24 @@
 
 #include <fstream>
 #include <set>
+#include <sys/syscall.h>
 #include <thread>
+#include <unistd.h>
 
 using namespace zorvan;
 
 namespace {
 
+std::atomic<std::time_t> secondsFromNow = 0; // what the clock is wrong by
+
 class SecItemTest : public SecureItems {
 protected:
     /// The accounts of all items that match.
-    static std::set<std::string> accounts(Dictionary query) {
+    static std::multiset<std::string> accounts(Dictionary query) {
         query.insert_or_assign(kSecMatchLimit, kSecMatchLimitAll);
         query.insert_or_assign(kSecReturnAttributes, true);
         const SecItemResult found = SecItemCopyMatching(query);
-        std::set<std::string> names;
+        std::multiset<std::string> names;
         if (found.status != errSecSuccess)
             return names;
         for (const PropertyList& item : *found.value->as<PropertyList::Array>())
@@ -29,11 +33,13 @@ protected:
         return query;
     }
 
-    static std::size_t count(Dictionary query) {
-        query.insert_or_assign(kSecMatchLimit, kSecMatchLimitAll);
-        query.insert_or_assign(kSecReturnAttributes, true);
-        const SecItemResult found = SecItemCopyMatching(query);
-        return found.value ? found.value->as<PropertyList::Array>()->size() : 0;
+    /// All that there is of an item.
+    static Dictionary everything(const Data& reference) {
+        const auto found = SecItemCopyMatching({{kSecValuePersistentRef, reference},
+                                                {kSecReturnAttributes, true},
+                                                {kSecReturnData, true},
+                                                {kSecReturnPersistentRef, true}});
+        return found.value ? *found.value->as<Dictionary>() : Dictionary();
     }
 
     static Data reference(const Dictionary& query) {
@@ -44,6 +50,14 @@ protected:
 };
 
 } // namespace
+
+/// Stands in for the C library's, for the libraries of the program too.
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
+    const long result = ::syscall(SYS_clock_gettime, clock, time);
+    if (clock == CLOCK_REALTIME)
+        time->tv_sec += secondsFromNow;
+    return static_cast<int>(result);
+}
 
 TEST_F(SecItemTest, AnItemComesAndGoes) {
     EXPECT_EQ(get(item("a")), std::to_string(errSecItemNotFound));
@@ -76,7 +90,7 @@ TEST_F(SecItemTest, EveryAttributeNamedHasToBeEqual) {
     const std::string odd("c\0d", 3);
     struct {
         Dictionary more;
-        std::set<std::string> found;
+        std::multiset<std::string> found;
     } table[] = {
         {{}, {"a", "b", odd}},
         {{{kSecAttrService, "test"}}, {"a", "b"}},
@@ -132,40 +146,54 @@ TEST_F(SecItemTest, OfBothStatesTheOneWrittenLastIsRead) {
               errSecSuccess);
     EXPECT_EQ(get(item("a")), "third");
     EXPECT_EQ(SecItemUpdate(item("a"), {{kSecAttrSynchronizable, true}}), errSecDuplicateItem);
-    EXPECT_EQ(count(item("a")), 2u); // nothing was changed
+    EXPECT_EQ(accounts(item("a")).size(), 2u); // nothing was changed
     EXPECT_EQ(get(item("a", {{kSecAttrSynchronizable, true}})), "second");
     EXPECT_EQ(SecItemDelete(item("a")), errSecSuccess);
-    EXPECT_EQ(count(item("a")), 0u);
+    EXPECT_EQ(accounts(item("a")).size(), 0u);
 }
 
 TEST_F(SecItemTest, AnUpdateKeepsWhatItDoesNotChange) {
     ASSERT_EQ(add("a", "v", {{kSecAttrLabel, "old"}, {kSecAttrGeneric, "g"}}), errSecSuccess);
     const Data name = reference(item("a"));
-    const auto attributes = [&] {
-        const auto found = SecItemCopyMatching({{kSecValuePersistentRef, name},
-                                                {kSecReturnAttributes, true},
-                                                {kSecReturnData, true},
-                                                {kSecReturnPersistentRef, true}});
-        return found.value ? *found.value->as<Dictionary>() : Dictionary();
-    };
-    const Dictionary before = attributes();
+    const Dictionary before = everything(name);
     EXPECT_EQ(before.at(kSecAttrCreationDate), before.at(kSecAttrModificationDate));
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
     ASSERT_EQ(SecItemUpdate(item("a"), {{kSecAttrLabel, "new"}, {kSecAttrAccount, "b"}}),
               errSecSuccess);
-    Dictionary after = attributes();
-    EXPECT_LT(*before.at(kSecAttrModificationDate).as<Date>(),
-              *after.at(kSecAttrModificationDate).as<Date>());
     Dictionary expected = before;
     expected.insert_or_assign(kSecAttrLabel, "new");
     expected.insert_or_assign(kSecAttrAccount, "b");
-    expected.erase(kSecAttrModificationDate);
-    after.erase(kSecAttrModificationDate);
+    const Dictionary after = everything(name);
+    EXPECT_LT(*before.at(kSecAttrModificationDate).as<Date>(),
+              *after.at(kSecAttrModificationDate).as<Date>());
+    expected.insert_or_assign(kSecAttrModificationDate, after.at(kSecAttrModificationDate));
     EXPECT_EQ(after, expected);
     EXPECT_EQ(expected.at(kSecValueData), bytes("v"));
     EXPECT_EQ(expected.at(kSecValuePersistentRef), name);
     EXPECT_EQ(expected.at(kSecAttrGeneric), bytes("g"));
     EXPECT_EQ(get(item("a")), std::to_string(errSecItemNotFound));
+}
+
+// Which writing came last does not depend on what the clock said.
+TEST_F(SecItemTest, AClockThatIsSetDoesNotChangeTheOrder) {
+    ASSERT_EQ(add("a", "false", {{kSecAttrSynchronizable, false}}), errSecSuccess);
+    ASSERT_EQ(add("a", "true", {{kSecAttrSynchronizable, true}}), errSecSuccess);
+    constexpr std::time_t year = 366 * 86400;
+    for (const std::time_t wrongBy : {-1L, -86400L, -100 * year, 100 * year, 0L, -1L}) {
+        secondsFromNow = wrongBy;
+        for (const bool isSynchronizable : {false, true, false}) {
+            const Dictionary query = item("a", {{kSecAttrSynchronizable, isSynchronizable}});
+            const Data name = reference(query);
+            const Dictionary before = everything(name);
+            const std::string value = std::to_string(wrongBy) + (isSynchronizable ? "t" : "f");
+            ASSERT_EQ(SecItemUpdate(query, {{kSecValueData, bytes(value)}}), errSecSuccess);
+            EXPECT_EQ(get(item("a")), value);
+            const Dictionary after = everything(name);
+            EXPECT_EQ(after.at(kSecAttrCreationDate), before.at(kSecAttrCreationDate));
+            EXPECT_LT(*before.at(kSecAttrModificationDate).as<Date>(),
+                      *after.at(kSecAttrModificationDate).as<Date>());
+        }
+    }
+    secondsFromNow = 0;
 }
 
 TEST_F(SecItemTest, ResultsAreWhatIsAskedFor) {
@@ -234,7 +262,7 @@ TEST_F(SecItemTest, RefusesWhatMakesNoSense) {
     };
     for (const auto& row : table)
         EXPECT_EQ(row.status, row.expected) << &row - table;
-    EXPECT_EQ(count(ofClass()), 1u);
+    EXPECT_EQ(accounts(ofClass()).size(), 1u);
     EXPECT_EQ(get(item("a")), "1");
 }
 

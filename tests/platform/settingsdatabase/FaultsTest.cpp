@@ -280,7 +280,8 @@ TEST_F(Faults, holdsAMillionKeys) {
         ASSERT_TRUE(open()->apply(std::move(changes)));
     }
     const auto database = open();
-    EXPECT_EQ(*database->value("key 999999"), PropertyList(999'999));
+    for (int i = keys - 1; i > 0; i -= 998)
+        EXPECT_EQ(*database->value("key " + std::to_string(i)), PropertyList(i));
     EXPECT_TRUE(database->set("key 0", 7));
-    EXPECT_EQ(database->contents().size(), std::size_t{keys});
+    EXPECT_EQ(*database->value("key 0"), PropertyList(7));
 }

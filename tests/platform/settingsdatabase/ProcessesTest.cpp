@@ -55,7 +55,14 @@ TEST(Processes, loseNothingWhenKilled) {
     const std::string path = folder.path() / "a.settings";
     std::mt19937 random(3);
     std::int64_t last = 0, single = -1, batch = -1, writes = 0; // as they were said to be stored
-    for (int round = 0; round < 220; ++round) {
+    const auto hear = [&](int end) {
+        std::int64_t n = 0;
+        if (read(end, &n, sizeof n) != sizeof n)
+            return false;
+        (n % 3 == 0 ? batch : single) = last = n;
+        return ++writes > 0;
+    };
+    for (int round = 0; round < 100 || (writes <= 200 && round < 400); ++round) {
         int said[2];
         ASSERT_EQ(pipe(said), 0);
         Child writer([&] {
@@ -69,13 +76,13 @@ TEST(Processes, loseNothingWhenKilled) {
                     return false;
             }
         });
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % 12'000));
+        close(said[1]);
+        if (round % 2 == 0) // else while it opens
+            hear(said[0]);
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 4'000));
         writer.kill();
         writer.end();
-        close(said[1]);
-        for (std::int64_t n = 0; read(said[0], &n, sizeof n) == sizeof n; ++writes) {
-            (n % 3 == 0 ? batch : single) = n;
-            last = n;
+        while (hear(said[0])) {
         }
         close(said[0]);
         ASSERT_TRUE(inChild([&] { // the verifier

@@ -125,7 +125,7 @@ Database::Database(const PrivateFolder& folder) {
     sqlite3* connection = nullptr;
     const int code = sqlite3_open_v2(
         folder.path(databaseFile).c_str(), &connection,
-        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_FULLMUTEX, nullptr);
+        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOFOLLOW | SQLITE_OPEN_NOMUTEX, nullptr);
     connection_.reset(connection);
     check(code);
     const auto status = folder.statusOfFile(databaseFile);

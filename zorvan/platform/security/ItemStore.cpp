@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <compare>
+#include <limits>
 #include <sodium.h>
 #include <span>
 #include <string>
@@ -17,28 +19,29 @@ namespace {
 /// In the order in which `rowOf` reads them.
 const std::string& columns() {
     static const std::string names = [] {
-        std::string list = "reference, synchronizable, created, modified, sealing_key, sealed";
+        std::string list =
+            "reference, synchronizable, created, modified, revision, sealing_key, sealed";
         for (const TextColumn& column : textColumns)
             list += std::string(", ") + column.column;
         return list;
     }();
     return names;
 }
-constexpr int fixedColumns = 6;
+constexpr int fixedColumns = 7;
 
-/// One more than any writing of the same item in either state, so that it tells which came last.
-constexpr const char* nextRevision =
-    "(SELECT coalesce(max(revision), 0) + 1 FROM items AS others WHERE others.service = ?1 AND "
-    "others.account = ?2 AND others.access_group = ?3)";
+constexpr std::int64_t lastRevision = std::numeric_limits<std::int64_t>::max() - 1;
 
-const std::string valueOnly =
-    "UPDATE items SET modified = ?9, sealing_key = ?10, sealed = ?11, revision = " +
-    std::string(nextRevision) + " WHERE reference = ?12";
-const std::string describing =
+constexpr const char* insertion =
+    "INSERT INTO items (service, account, access_group, label, generic, accessible, "
+    "synchronizable, created, modified, sealing_key, sealed, reference, revision) "
+    "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13)";
+constexpr const char* valueOnly =
+    "UPDATE items SET modified = ?9, sealing_key = ?10, sealed = ?11, revision = ?13 "
+    "WHERE reference = ?12";
+constexpr const char* describing =
     "UPDATE items SET service = ?1, account = ?2, access_group = ?3, label = ?4, generic = ?5, "
-    "accessible = "
-    "?6, synchronizable = ?7, modified = ?9, sealing_key = ?10, sealed = ?11, revision = " +
-    std::string(nextRevision) + " WHERE reference = ?12";
+    "accessible = ?6, synchronizable = ?7, modified = ?9, sealing_key = ?10, sealed = ?11, "
+    "revision = ?13 WHERE reference = ?12";
 
 bool isDescribed(const ItemAttributes& changes) {
     return changes.isSynchronizable ||
@@ -48,6 +51,12 @@ bool isDescribed(const ItemAttributes& changes) {
 std::int64_t microsecondsNow() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+}
+
+/// The time of a change. Later than that of the change before it, whatever the clock says.
+std::int64_t timeAfter(std::int64_t before) {
+    const std::int64_t now = microsecondsNow();
+    return before < now || before == std::numeric_limits<std::int64_t>::max() ? now : before + 1;
 }
 
 std::int64_t newReference() {
@@ -97,9 +106,10 @@ SecureItem rowOf(const Statement& row) {
     item.isSynchronizable = row.integer(1) != 0;
     item.created = row.integer(2);
     item.modified = row.integer(3);
-    if (const auto key = row.bytes(4); key.size() == sizeof(KeyIdentifier))
+    item.revision = row.integer(4);
+    if (const auto key = row.bytes(5); key.size() == sizeof(KeyIdentifier))
         std::ranges::copy(key, item.key.emplace().begin());
-    const auto sealed = row.bytes(5);
+    const auto sealed = row.bytes(6);
     item.sealed.assign(sealed.begin(), sealed.end());
     for (std::size_t i = 0; i < textCount; ++i) {
         const int column = fixedColumns + static_cast<int>(i);
@@ -111,11 +121,12 @@ SecureItem rowOf(const Statement& row) {
     return item;
 }
 
-std::vector<SecureItem> rowsOf(Statement statement) {
-    std::vector<SecureItem> rows;
-    while (statement.step())
-        rows.push_back(rowOf(statement));
-    return rows;
+/// Items in the order of what identifies them, the states of one by which was written last.
+bool isReadBefore(const SecureItem& a, const SecureItem& b) {
+    const auto difference =
+        std::lexicographical_compare_three_way(a.texts.begin(), a.texts.begin() + identifyingTexts,
+                                               b.texts.begin(), b.texts.begin() + identifyingTexts);
+    return difference < 0 || (difference == 0 && a.revision > b.revision);
 }
 
 void give(SecureItem& item, const ItemAttributes& attributes) {
@@ -139,7 +150,8 @@ void bindItem(Statement& statement, const SecureItem& item) {
         .bind(item.modified)
         .bindBytes(*item.key)
         .bindBytes(item.sealed)
-        .bind(item.reference);
+        .bind(item.reference)
+        .bind(item.revision);
 }
 
 } // namespace
@@ -169,26 +181,63 @@ ItemStore& ItemStore::ofUser(bool mayCreate) {
     return *store;
 }
 
-void ItemStore::add(const NewItem& item) {
-    static const std::string insertion =
-        "INSERT INTO items (service, account, access_group, label, generic, accessible, "
-        "synchronizable, created, modified, sealing_key, sealed, reference, revision) SELECT ?1, "
-        "?2, "
-        "?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, " +
-        std::string(nextRevision) +
-        " WHERE NOT ?13 OR NOT EXISTS (SELECT 1 FROM items WHERE service = ?1 AND account = ?2 AND "
-        "access_group = ?3)";
+bool ItemStore::add(const NewItem& item) {
+    // The keyring may take its time, for which no other process should have to wait.
+    const SealingKey& key = custody_.forSealing();
+    Database::Transaction transaction(database_);
+    if (!insert(item, key))
+        return false;
+    transaction.commit();
+    return true;
+}
+
+void ItemStore::addOrUpdate(const NewItem& item, const ItemQuery& query,
+                            const ItemAttributes& changes) {
+    const SealingKey& key = custody_.forSealing();
+    Database::Transaction transaction(database_);
+    if (!insert(item, key))
+        changeMatching(query, changes, key);
+    transaction.commit();
+}
+
+void ItemStore::update(const ItemQuery& query, const ItemAttributes& changes) {
+    const SealingKey& key = custody_.forSealing();
+    Database::Transaction transaction(database_);
+    changeMatching(query, changes, key);
+    transaction.commit();
+}
+
+ItemStore::Standing ItemStore::standing(const Texts& identity) {
+    Statement rows = database_.statement(
+        "SELECT synchronizable, revision FROM items WHERE service = ? AND account = ? AND "
+        "access_group = ?");
+    for (std::size_t i = 0; i < identifyingTexts; ++i)
+        bindText(rows, i, identity[i]);
+    Standing standing;
+    while (rows.step()) {
+        standing.isThere[rows.integer(0) != 0] = true;
+        standing.lastRevision =
+            std::max(standing.lastRevision, std::min(rows.integer(1), lastRevision));
+    }
+    return standing;
+}
+
+bool ItemStore::insert(const NewItem& item, const SealingKey& key) {
     SecureItem row;
+    give(row, item.attributes);
+    const Standing before = standing(row.texts);
+    if (before.isThere[row.isSynchronizable] ||
+        (item.isDuplicateOfEitherState && before.isThere[!row.isSynchronizable]))
+        return false;
     row.reference = newReference();
     row.created = row.modified = microsecondsNow();
-    give(row, item.attributes);
+    row.revision = before.lastRevision + 1;
     const Data empty;
-    seal(row, custody_.forSealing(), item.attributes.value ? *item.attributes.value : empty);
+    seal(row, key, item.attributes.value ? *item.attributes.value : empty);
     Statement statement = database_.statement(insertion);
     bindItem(statement, row);
-    statement.bind(item.isDuplicateOfEitherState).step();
-    if (database_.changes() == 0)
-        throw Failure{errSecDuplicateItem};
+    statement.step();
+    return true;
 }
 
 ItemStore::Opening ItemStore::open(const SecureItem& item) {
@@ -200,21 +249,29 @@ ItemStore::Opening ItemStore::open(const SecureItem& item) {
     return {key->open(item.sealed, associatedData(item)), false};
 }
 
-std::vector<OpenedItem> ItemStore::find(const ItemQuery& query) {
+std::vector<SecureItem> ItemStore::matching(const ItemQuery& query) {
     Statement statement =
-        database_.statement("SELECT " + columns() + " FROM items" + conditionsOf(query) +
-                            " ORDER BY service, account, access_group, revision DESC");
+        database_.statement("SELECT " + columns() + " FROM items" + conditionsOf(query));
     bindConditions(statement, query);
+    std::vector<SecureItem> rows;
+    while (statement.step())
+        rows.push_back(rowOf(statement));
+    return rows;
+}
+
+std::vector<OpenedItem> ItemStore::find(const ItemQuery& query) {
+    std::vector<SecureItem> rows = matching(query);
+    std::ranges::sort(rows, isReadBefore);
     std::vector<OpenedItem> found;
     bool lacksKey = false;
-    while (found.size() < query.limit && statement.step()) {
-        SecureItem item = rowOf(statement);
+    for (SecureItem& item : rows) {
+        if (found.size() == query.limit)
+            break;
         Opening opening = open(item);
         lacksKey = lacksKey || opening.lacksKey;
         if (!opening.value)
             continue;
-        item.sealed.clear();
-        item.sealed.shrink_to_fit();
+        item.sealed = {};
         found.push_back(
             {std::move(item), query.returnsData ? std::move(*opening.value) : Secret(0)});
     }
@@ -234,7 +291,8 @@ bool ItemStore::change(SecureItem item, const ItemAttributes& changes, const Sea
         kept = std::move(opening.value);
     }
     give(item, changes);
-    item.modified = microsecondsNow();
+    item.modified = timeAfter(item.modified);
+    item.revision = standing(item.texts).lastRevision + 1;
     seal(item, newKey, kept ? kept->bytes() : *changes.value);
     // What is not named is not written, which spares the index that identifies items.
     Statement statement = database_.statement(isDescribed(changes) ? describing : valueOnly);
@@ -243,19 +301,13 @@ bool ItemStore::change(SecureItem item, const ItemAttributes& changes, const Sea
     return true;
 }
 
-void ItemStore::update(const ItemQuery& query, const ItemAttributes& changes) {
-    // The keyring may take its time, for which no other process should have to wait.
-    const SealingKey& newKey = custody_.forSealing();
-    Database::Transaction transaction(database_);
-    Statement matching =
-        database_.statement("SELECT " + columns() + " FROM items" + conditionsOf(query));
-    bindConditions(matching, query);
+void ItemStore::changeMatching(const ItemQuery& query, const ItemAttributes& changes,
+                               const SealingKey& newKey) {
     bool isChanged = false;
-    for (SecureItem& row : rowsOf(std::move(matching)))
+    for (SecureItem& row : matching(query))
         isChanged = change(std::move(row), changes, newKey) || isChanged;
     if (!isChanged)
         throw Failure{errSecItemNotFound};
-    transaction.commit();
 }
 
 void ItemStore::remove(const ItemQuery& query) {

@@ -2,7 +2,9 @@
 
 #include <zorvan/platform/security/internal/Failure.h>
 #include <zorvan/platform/security/internal/ItemStore.h>
+#include <zorvan/platform/security/internal/addOrUpdate.h>
 
+#include <algorithm>
 #include <chrono>
 #include <mutex>
 #include <new>
@@ -29,9 +31,13 @@ OSStatus withItems(Action action) {
     }
 }
 
-Date dateOf(std::int64_t microseconds) {
-    return Date(
-        std::chrono::duration_cast<Date::duration>(std::chrono::microseconds(microseconds)));
+/// What no date reaches becomes the last that does.
+Date dateOf(std::int64_t count) {
+    constexpr auto least =
+        std::chrono::duration_cast<std::chrono::microseconds>(Date::duration::min());
+    constexpr auto most =
+        std::chrono::duration_cast<std::chrono::microseconds>(Date::duration::max());
+    return Date(std::clamp(std::chrono::microseconds(count), least, most));
 }
 
 PropertyList::Dictionary attributesOf(const SecureItem& item) {
@@ -84,7 +90,19 @@ std::optional<PropertyList> resultOf(std::vector<OpenedItem>& found, const ItemQ
 OSStatus SecItemAdd(const PropertyList::Dictionary& attributes) {
     return withItems([&] {
         const NewItem item = newItem(attributes);
-        ItemStore::ofUser(true).add(item);
+        if (!ItemStore::ofUser(true).add(item))
+            throw Failure{errSecDuplicateItem};
+    });
+}
+
+OSStatus security::addOrUpdate(const PropertyList::Dictionary& attributes,
+                               const PropertyList::Dictionary& query) {
+    return withItems([&] {
+        const NewItem item = newItem(attributes);
+        const ItemQuery matching = matchQuery(query);
+        ItemAttributes changes;
+        changes.value = item.attributes.value;
+        ItemStore::ofUser(true).addOrUpdate(item, matching, changes);
     });
 }
 

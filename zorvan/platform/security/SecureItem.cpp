@@ -26,6 +26,7 @@ void append(Data& bytes, std::uint64_t number) {
 
 Data associatedData(const SecureItem& item) {
     Data bytes;
+    bytes.reserve(512);
     append(bytes, itemMagic);
     bytes.insert(bytes.end(), item.key->begin(), item.key->end());
     for (const std::int64_t number : {item.reference, item.created, item.modified})

@@ -3,12 +3,12 @@
 #include <zorvan/platform/foundation/Data.h>
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
+#include <unordered_map>
 #include <utility>
 
 struct sqlite3;
@@ -49,7 +49,7 @@ private:
     int nextParameter_ = 1;
 };
 
-/// The database of the items in a folder. Everything throws `Failure`.
+/// The database of the items in a folder, for one thread at a time. Everything throws `Failure`.
 class Database {
 public:
     /// Makes the file when there is none.
@@ -96,7 +96,7 @@ private:
     std::int64_t number(const char* query);
 
     std::unique_ptr<sqlite3, Close> connection_;
-    std::map<std::string, std::unique_ptr<sqlite3_stmt, Finalize>, std::less<>> statements_;
+    std::unordered_map<std::string, std::unique_ptr<sqlite3_stmt, Finalize>> statements_;
     struct stat file_ {};
 };
 

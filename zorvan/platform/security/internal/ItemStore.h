@@ -6,6 +6,7 @@
 #include <zorvan/platform/security/internal/PrivateFolder.h>
 #include <zorvan/platform/security/internal/SecureItem.h>
 
+#include <array>
 #include <sys/types.h>
 #include <vector>
 
@@ -24,7 +25,10 @@ public:
     /// Used under a lock of the caller's.
     static ItemStore& ofUser(bool mayCreate);
 
-    void add(const NewItem& item);
+    /// False when it is there already.
+    bool add(const NewItem& item);
+    /// Adds the item; when it is there already, changes those that the query matches instead.
+    void addOrUpdate(const NewItem& item, const ItemQuery& query, const ItemAttributes& changes);
     /// Never empty.
     std::vector<OpenedItem> find(const ItemQuery& query);
     void update(const ItemQuery& query, const ItemAttributes& changes);
@@ -37,9 +41,22 @@ private:
         bool lacksKey = false;
     };
 
+    /// What there is of an item: in which states, not synchronizable and synchronizable.
+    struct Standing {
+        std::array<bool, 2> isThere{};
+        std::int64_t lastRevision = 0;
+    };
+
     explicit ItemStore(PrivateFolder folder);
     bool isUsable(const PrivateFolder& folder) const;
     Opening open(const SecureItem& item);
+    Standing standing(const Texts& identity);
+    std::vector<SecureItem> matching(const ItemQuery& query);
+
+    // Within a transaction:
+    bool insert(const NewItem& item, const SealingKey& key);
+    void changeMatching(const ItemQuery& query, const ItemAttributes& changes,
+                        const SealingKey& newKey);
     /// False for an item whose value is damaged, when there is no new one.
     bool change(SecureItem item, const ItemAttributes& changes, const SealingKey& newKey);
 

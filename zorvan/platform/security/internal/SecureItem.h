@@ -37,6 +37,7 @@ struct SecureItem {
     bool isSynchronizable = false;
     std::int64_t created = 0; // microseconds since 1970
     std::int64_t modified = 0;
+    std::int64_t revision = 0;        // above that of every earlier writing of the same item
     std::optional<KeyIdentifier> key; // which sealed the value; absent when that is damaged
     Data sealed;
 };

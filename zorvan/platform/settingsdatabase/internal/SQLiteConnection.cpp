@@ -179,27 +179,25 @@ std::int64_t SQLiteStatement::integer(int column) const {
     return sqlite3_column_int64(statement_, column);
 }
 
-bool SQLiteStatement::isNull(int column) const {
-    return sqlite3_column_type(statement_, column) == SQLITE_NULL;
-}
-
 std::string_view SQLiteStatement::text(int column) const {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
-    return {bytes ? bytes : "", static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
+    return {bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement_, column))};
 }
 
-std::optional<PropertyList> SQLiteStatement::setting(int column) const {
+SettingContent SQLiteStatement::setting(int column) const {
     switch (sqlite3_column_type(statement_, column)) {
     case SQLITE_INTEGER:
-        return integer(column);
+        return PropertyList(integer(column));
     case SQLITE_FLOAT:
-        return sqlite3_column_double(statement_, column);
+        return PropertyList(sqlite3_column_double(statement_, column));
     case SQLITE_TEXT:
-        return text(column);
-    case SQLITE_BLOB:
-        return decodeStored(blob(statement_, column));
+        return PropertyList(text(column));
+    case SQLITE_BLOB: {
+        const auto bytes = blob(statement_, column);
+        return EncodedSetting{Data(bytes.begin(), bytes.end())};
+    }
     default:
-        return std::nullopt;
+        return std::monostate();
     }
 }
 

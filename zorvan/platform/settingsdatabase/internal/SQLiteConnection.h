@@ -1,9 +1,8 @@
 #pragma once
 
-#include <zorvan/platform/foundation/PropertyList.h>
+#include <zorvan/platform/settingsdatabase/internal/SettingRows.h>
 
 #include <cstdint>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -82,10 +81,10 @@ public:
     void reset() noexcept;
 
     std::int64_t integer(int column) const;
-    bool isNull(int column) const;
+    /// Null for absence.
     std::string_view text(int column) const;
-    /// Absent for a null, and for what stands for no value.
-    std::optional<PropertyList> setting(int column) const;
+    /// A removal for a null.
+    SettingContent setting(int column) const;
 
 private:
     SQLiteConnection& connection_;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <system_error>
 #include <unistd.h>
+#include <unordered_map>
 #include <utility>
 
 namespace zorvan {
@@ -94,31 +95,27 @@ void SettingsDatabase::Core::refresh() {
     // Read first: a commit during the reading makes it stale again.
     const void* address = file_->stampAddress();
     const WALStamp stamp = address ? internal::readStamp(address) : WALStamp();
+    const bool isFirst = lastRow_ == 0;
     bool startsOver = false;
     std::int64_t last = lastRow_;
-    std::vector<internal::SettingsMemory::Incoming> rows;
+    internal::SettingRows rows;
+    std::vector<std::int64_t> waste;
     file_->readAbove(
         lastRow_, [&] { startsOver = true; },
-        [&](SettingsFile::Row row) {
+        [&](SettingsFile::Row&& row) {
             last = row.id;
-            if (!row.hasKey)
+            if (!row.key.data())
                 return;
-            Value value;
-            if (!row.isRemoved && row.value)
-                value = std::make_shared<const PropertyList>(std::move(*row.value));
-            rows.push_back({row.id, std::string(row.key), std::move(value)});
+            if (const std::int64_t replaced = rows.put(row.key, row.id, std::move(row.content));
+                replaced != 0 && isFirst)
+                waste.push_back(replaced);
         });
 
-    const bool isFirst = lastRow_ == 0;
-    std::vector<std::int64_t> waste;
     {
         const std::lock_guard hold(holding_);
         if (startsOver)
             memory_.forgetRows();
-        for (auto& row : rows)
-            if (const std::int64_t replaced = memory_.take(std::move(row));
-                replaced != 0 && isFirst)
-                waste.push_back(replaced);
+        memory_.take(std::move(rows));
         stampAddress_ = address;
         seen_ = stamp;
     }
@@ -217,6 +214,7 @@ void SettingsDatabase::Core::dropUnchanged(Changes& changes) {
     const auto isUnchanged = [this](const auto& change) {
         if (memory_.isPending(change.first))
             return false;
+        const std::lock_guard hold(holding_);
         const Value old = memory_.value(change.first);
         return old && change.second ? internal::isIdentical(*old, *change.second)
                                     : old == change.second;
@@ -270,7 +268,8 @@ std::int64_t SettingsDatabase::Core::storeAll(const Changes& changes,
         storeOne(changes.front(), memory_.row(changes.front().first));
         return rows.back();
     }
-    std::map<std::string_view, std::int64_t> written;
+    std::unordered_map<std::string_view, std::int64_t> written;
+    written.reserve(changes.size());
     file_->begin();
     for (const auto& change : changes) {
         const auto found = written.find(change.first);

@@ -41,8 +41,8 @@ SettingsFile::SettingsFile(const std::string& path, Access access)
     read_.emplace(connection_, "SELECT id, key, value FROM settings WHERE id > ?1 ORDER BY id");
     readPurged_.emplace(connection_, "SELECT value FROM settings WHERE id = 0");
     if (writable_) {
-        insert_.emplace(connection_, "INSERT INTO settings(id, key, value) VALUES "
-                                     "((SELECT max(id) FROM settings) + 1, ?1, ?2) RETURNING id");
+        // Without one given, the engine takes the identifier above all others.
+        insert_.emplace(connection_, "INSERT INTO settings(key, value) VALUES (?1, ?2)");
         update_.emplace(connection_, "UPDATE settings SET id = (SELECT max(id) FROM settings) + 1, "
                                      "value = ?2 WHERE id = ?3 AND key = ?1 RETURNING id");
         stamp_ = connection_.stampAddress();
@@ -112,11 +112,8 @@ void SettingsFile::readAbove(std::int64_t id, const std::function<void()>& start
         {
             const StatementUse use(*read_);
             read_->bind(1, isTooOld ? std::int64_t{0} : id);
-            while (read_->step()) {
-                const bool removed = read_->isNull(2);
-                reader({read_->integer(0), read_->text(1), !read_->isNull(1), removed,
-                        read_->setting(2)});
-            }
+            while (read_->step())
+                reader({read_->integer(0), read_->text(1), read_->setting(2)});
         }
         commit();
     } catch (...) {
@@ -127,22 +124,22 @@ void SettingsFile::readAbove(std::int64_t id, const std::function<void()>& start
 
 std::int64_t SettingsFile::write(std::int64_t previous, std::string_view key,
                                  const PropertyList* value) {
-    const auto run = [&](SQLiteStatement& statement) -> std::int64_t {
-        const StatementUse use(statement);
-        statement.bind(1, key);
-        statement.bindSetting(2, value);
-        if (previous != 0 && &statement == &*update_)
-            statement.bind(3, previous);
-        if (!statement.step())
-            return 0;
-        const std::int64_t id = statement.integer(0);
-        statement.step(); // the commit happens with the last step
-        return id;
-    };
-    if (previous != 0)
-        if (const std::int64_t id = run(*update_))
+    if (previous != 0) {
+        const StatementUse use(*update_);
+        update_->bind(1, key);
+        update_->bindSetting(2, value);
+        update_->bind(3, previous);
+        if (update_->step()) {
+            const std::int64_t id = update_->integer(0);
+            update_->step(); // the commit happens with the last step
             return id;
-    return run(*insert_);
+        }
+    }
+    const StatementUse use(*insert_);
+    insert_->bind(1, key);
+    insert_->bindSetting(2, value);
+    insert_->step();
+    return sqlite3_last_insert_rowid(connection_.handle());
 }
 
 std::int64_t SettingsFile::removeAll() {

@@ -31,12 +31,10 @@ class SettingsFile {
 public:
     struct Row {
         std::int64_t id = 0;
-        std::string_view key; // not for the marks that have no key
-        bool hasKey = true;
-        bool isRemoved = false;
-        std::optional<PropertyList> value; // absent as well when its bytes stand for none
+        std::string_view key; // null for the marks that have no key
+        SettingContent content;
     };
-    using RowReader = std::function<void(Row)>;
+    using RowReader = std::function<void(Row&&)>;
 
     /// Opens the database at the path, makes it when there is none. The folder is made too. A
     /// database that is damaged is renamed (see `setAside`) and begun anew. A database that this

@@ -6,24 +6,23 @@
 
 namespace zorvan::internal {
 
-SettingsMemory::Value SettingsMemory::value(std::string_view key) const {
+SettingsMemory::Value SettingsMemory::value(std::string_view key) {
     if (!pending_.empty())
         if (const auto found = pending_.find(key); found != pending_.end())
             return found->second.value;
-    const auto found = rows_.find(key);
-    return found == rows_.end() ? Value() : found->second.value;
+    return rows_.value(key);
 }
 
 std::int64_t SettingsMemory::row(std::string_view key) const {
-    const auto found = rows_.find(key);
-    return found == rows_.end() ? 0 : found->second.id;
+    const auto* row = rows_.find(key);
+    return row ? row->id : 0;
 }
 
 PropertyList::Dictionary SettingsMemory::contents() const {
     PropertyList::Dictionary all;
-    for (const auto& [key, row] : rows_)
-        if (row.value)
-            all.emplace(key, *row.value);
+    for (const auto& row : rows_.all())
+        if (auto value = copyOf(row.content))
+            all.emplace(row.key, std::move(*value));
     for (const auto& [key, change] : pending_) {
         all.erase(key);
         if (change.value)
@@ -37,21 +36,15 @@ bool SettingsMemory::hasStorablePending() const {
                                [](const auto& change) { return change.second.isStorable; });
 }
 
-std::int64_t SettingsMemory::replace(std::string key, Row row) {
-    Row& old = rows_[std::move(key)];
-    if (old.id != 0 && !old.value)
-        --removed_;
-    if (!row.value)
-        ++removed_;
-    return std::exchange(old, std::move(row)).id;
-}
-
-std::int64_t SettingsMemory::take(Incoming incoming) {
-    return replace(std::move(incoming.key), {incoming.id, std::move(incoming.value)});
+void SettingsMemory::take(SettingRows incoming) {
+    if (rows_.all().empty())
+        rows_ = std::move(incoming);
+    else
+        rows_.put(std::move(incoming));
 }
 
 void SettingsMemory::stored(const std::string& key, Value value, std::int64_t id) {
-    replace(key, {id, std::move(value)});
+    rows_.put(key, id, value ? SettingContent(std::move(value)) : SettingContent());
     pending_.erase(key);
 }
 
@@ -59,25 +52,15 @@ void SettingsMemory::keep(const std::string& key, Value value, bool isStorable) 
     pending_.insert_or_assign(key, Pending{std::move(value), isStorable});
 }
 
-void SettingsMemory::forgetRows() {
-    rows_.clear();
-    removed_ = 0;
-}
-
 void SettingsMemory::clear() {
     forgetRows();
     pending_.clear();
 }
 
-void SettingsMemory::forgetRemoved() {
-    std::erase_if(rows_, [](const auto& row) { return !row.second.value; });
-    removed_ = 0;
-}
-
 void SettingsMemory::keepEverything() {
-    for (auto& [key, row] : rows_)
-        if (row.value)
-            pending_.try_emplace(key, Pending{std::move(row.value)});
+    for (const auto& row : rows_.all())
+        if (Value value = rows_.value(row.key))
+            pending_.try_emplace(std::string(row.key), Pending{std::move(value)});
     forgetRows();
 }
 

@@ -1,16 +1,13 @@
 #pragma once
 
-#include <zorvan/platform/foundation/PropertyList.h>
+#include <zorvan/platform/settingsdatabase/internal/SettingRows.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <vector>
 
 namespace zorvan::internal {
 
@@ -19,20 +16,15 @@ namespace zorvan::internal {
 class SettingsMemory {
 public:
     /// Null for a removed key.
-    using Value = std::shared_ptr<const PropertyList>;
+    using Value = SharedSetting;
 
-    struct Incoming {
-        std::int64_t id;
-        std::string key;
-        Value value;
-    };
     struct Pending {
         Value value;
         bool isStorable = true;
     };
     using PendingChanges = std::map<std::string, Pending, std::less<>>;
 
-    Value value(std::string_view key) const;
+    Value value(std::string_view key);
     /// The row that the key has in the database, 0 for none.
     std::int64_t row(std::string_view key) const;
     bool isPending(std::string_view key) const { return pending_.contains(key); }
@@ -41,42 +33,26 @@ public:
     const PendingChanges& pending() const noexcept { return pending_; }
     bool hasStorablePending() const;
 
-    /// A row of the database. What is pending for the key stands above it. The identifier of the
-    /// row that it replaces, 0 for none.
-    std::int64_t take(Incoming incoming);
+    /// Rows of the database. What is pending for their keys stands above them.
+    void take(SettingRows incoming);
     /// What was pending for the key is stored, in that row.
     void stored(const std::string& key, Value value, std::int64_t id);
     void keep(const std::string& key, Value value, bool isStorable);
 
     /// No rows any more; what is pending stays.
-    void forgetRows();
+    void forgetRows() { rows_ = {}; }
     void clear();
     /// Drops what is known of rows of removed keys.
-    void forgetRemoved();
+    void forgetRemoved() { rows_.forgetRemoved(); }
     /// All values are pending.
     void keepEverything();
 
-    std::size_t size() const noexcept { return rows_.size(); }
-    std::size_t removed() const noexcept { return removed_; }
+    std::size_t size() const noexcept { return rows_.all().size(); }
+    std::size_t removed() const noexcept { return rows_.removed(); }
 
 private:
-    struct Row {
-        std::int64_t id = 0;
-        Value value;
-    };
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view key) const noexcept {
-            return std::hash<std::string_view>()(key);
-        }
-    };
-    using Rows = std::unordered_map<std::string, Row, Hash, std::equal_to<>>;
-
-    std::int64_t replace(std::string key, Row row);
-
-    Rows rows_;
+    SettingRows rows_;
     PendingChanges pending_;
-    std::size_t removed_ = 0;
 };
 
 /// Equal in kind and content to the last bit, numbers included.
