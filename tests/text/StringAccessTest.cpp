@@ -1,6 +1,6 @@
 #include <zorvan/text/String.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <clocale>
 #include <limits>

@@ -53,8 +53,9 @@ public:
     std::optional<NSColor> contentTintColor() const;
     void setContentTintColor(std::optional<NSColor> color);
 
+    /// While pressed.
     bool isHighlighted() const { return cell() && cell()->isHighlighted(); }
-    /// As a click does.
+    /// Sends the action, as a click does; nothing when the button is disabled.
     void performClick();
 
     // A disabled button takes the mouse and does nothing.
