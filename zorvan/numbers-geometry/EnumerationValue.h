@@ -47,9 +47,8 @@ void takeEnumerationValue(const EnumerationValue<Self, count>&);
 } // namespace detail
 
 template <class T>
-concept EnumerationWithRawValue = requires(const T& value) {
-    detail::takeEnumerationValue(value);
-};
+concept EnumerationWithRawValue =
+    requires(const T& value) { detail::takeEnumerationValue(value); };
 
 } // namespace zorvan
 

@@ -29,9 +29,9 @@ inline constexpr std::size_t maximumFileSize = std::size_t{256} << 20;
 /// byte, or to much more text than there are bytes, is refused, like one that holds itself.
 /// Entities of its own are refused in XML.
 ///
-/// Integers must fit 64 bits, signed or not. Dates beyond the range of `Date` become its nearest
-/// end. Of a key that stands twice in a dictionary, the last one counts. A lone surrogate becomes
-/// U+FFFD. Null values, sets and object identifiers, which only archives have, are refused.
+/// Integers must fit 64 bits, signed or not. Dates beyond the range of `Date` become its nearest end. Of a
+/// key that stands twice in a dictionary, the last one counts. A lone surrogate becomes U+FFFD.
+/// Null values, sets and object identifiers, which only archives have, are refused.
 std::optional<PropertyList> decode(std::span<const std::byte> bytes, std::string* reason = nullptr);
 
 /// Writes a list. The binary form keeps everything except the last digits of a date (it has them as
