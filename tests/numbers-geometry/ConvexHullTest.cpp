@@ -54,18 +54,6 @@ Points randomPoints(std::mt19937_64& random, std::size_t count, double from, dou
     return points;
 }
 
-void expectHullOf(const Points& hull, const Points& points, double tolerance) {
-    const std::size_t n = hull.size();
-    ASSERT_GE(n, 3U);
-    for (std::size_t i = 0; i < n; ++i) {
-        const CGPoint a = hull[i], b = hull[(i + 1) % n];
-        EXPECT_GT(Triangle(a, b, hull[(i + 2) % n]).signedArea(), 0);
-        EXPECT_NE(std::find(points.begin(), points.end(), a), points.end());
-        for (const CGPoint& p : points)
-            ASSERT_GE(Triangle(a, b, p).signedArea(), -tolerance);
-    }
-}
-
 } // namespace
 
 TEST(ConvexHull, ofAFewPoints) {
@@ -81,17 +69,6 @@ TEST(ConvexHull, ofAFewPoints) {
     EXPECT_EQ(points, (Points{{0, 0}, {4, 0}, {2, 4}}));
 }
 
-TEST(ConvexHull, enclosesEveryPoint) {
-    std::mt19937_64 random(5);
-    for (const std::size_t count : {3U, 10U, 100U, 1000U, 3000U})
-        for (const double scale : {10.0, 1e6}) {
-            const Points points = randomPoints(random, count, -scale / 3, scale);
-            const Points hull = CGPoint::convexHull(points);
-            expectHullOf(hull, points, 1e-6 * scale);
-            EXPECT_EQ(CGPoint::convexHull(hull), hull);
-        }
-}
-
 TEST(ConvexHull, equalsThePlainlyWrittenOne) {
     std::mt19937_64 random(5);
     // Scales at which points coincide, are collinear, or overflow at six places.
@@ -101,6 +78,8 @@ TEST(ConvexHull, equalsThePlainlyWrittenOne) {
             EXPECT_EQ(CGPoint::convexHull(points), plainHull(points)) << scale;
         }
     for (const std::size_t count : {9U, 200U, 2000U}) {
+        const Points many = randomPoints(random, count, -10, 1000);
+        EXPECT_EQ(CGPoint::convexHull(many), plainHull(many));
         Points grid = randomPoints(random, count, 0, 12);
         for (CGPoint& p : grid)
             p = p.floor();

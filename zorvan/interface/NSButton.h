@@ -67,6 +67,8 @@ public:
 protected:
     static PropertyList::Dictionary encodeFrame(const CGRect& frame);
     static CGRect decodeFrame(const PropertyList::Dictionary& coder);
+    /// Takes the title, target and action over, and the size that the button would like then.
+    void apply(const Title& settings);
     /// Gives the button the cell that the class makes.
     void setUp();
 

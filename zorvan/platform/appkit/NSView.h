@@ -22,7 +22,7 @@ class NSWindow;
 /// A rectangle of the interface: it stands in a superview, holds subviews, and draws itself.
 ///
 /// A view needs no display: it keeps all of its state and draws into a bitmap. Lengths are in
-/// points, y grows upward. Used from the main thread.
+/// points; y grows upward unless the view is flipped. Used from the main thread.
 class NSView : public ActionSender, public std::enable_shared_from_this<NSView> {
 protected:
     struct Key {};
