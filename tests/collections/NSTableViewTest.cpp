@@ -226,19 +226,15 @@ TEST(NSTableView, keepsItsColumns) {
 }
 
 TEST(NSTableView, drawsWhatIsScrolledIntoSightAndNothingElse) {
-    const auto source = std::make_shared<Source>();
-    source->items.resize(20);
-    const auto table = NSTableView::create();
-    table->setRowHeight(20);
-    table->setNumberOfColumns(2);
-    table->setDataSource(source);
+    Fixture shown(std::vector<int>(20));
+    shown.table->setDelegate(nullptr); // so that it draws texts, in rows of one height
     const auto window = NSView::create(CGRect(0, 0, 240, 140));
     const auto scrollView = NSScrollView::create(CGRect(20, 20, 200, 100));
     window->addSubview(scrollView);
-    scrollView->setDocumentView(table);
-    table->setRowHeight(20); // laid out in its clip view
-    table->selectOnlyRow(6);
-    table->scrollTopRow(5, false);
+    scrollView->setDocumentView(shown.table);
+    shown.table->setRowHeight(20);
+    shown.table->selectOnlyRow(6);
+    shown.table->scrollTopRow(5, false);
 
     const auto bitmap = window->render(2);
     ASSERT_TRUE(bitmap);

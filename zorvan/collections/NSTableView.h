@@ -99,7 +99,9 @@ public:
         return columns_;
     }
     std::int64_t numberOfColumns() const noexcept;
+    /// At the right end. Every cell view is forgotten, here and where a column is removed.
     void addTableColumn(const std::shared_ptr<NSTableColumn>& column);
+    /// Not null; nothing is removed when the table does not have it.
     void removeTableColumn(const std::shared_ptr<NSTableColumn>& column);
     /// Removes columns from the last one down, or adds new ones at the end. None for a negative
     /// number.
@@ -112,6 +114,7 @@ public:
     double rowHeight() const noexcept { return rowHeight_; }
     void setRowHeight(double height);
 
+    /// Updates nest.
     void beginUpdates();
     /// Stops the program when no updates have begun, and when the outermost one ends with another
     /// number of rows than the data source has.
@@ -136,6 +139,7 @@ public:
     /// Shows an edition of a `SelectableArray`.
     void reloadEditedData(const SelectableArrayEdition& edition, AnimationOptions animation);
 
+    /// Asks the delegate for the heights anew.
     void noteHeightOfRows(const IndexSet& withIndexesChanged);
     void noteHeightOfAllRowsChanged();
     /// As `noteHeightOfAllRowsChanged`, not animated.
