@@ -76,7 +76,7 @@ TEST(CGSize, fitsAndFills) {
     EXPECT_EQ(CGSize(-400, 200).clamping(100), CGSize(100, 50));
     EXPECT_EQ(CGSize(-50, 20).clamping(100), CGSize(-50, 20));
     EXPECT_EQ(CGSize(400, 200).clamping({100, 100}), CGSize(100, 50));
-    EXPECT_EQ(CGSize(200, 400).clamping({100, 100}), CGSize(50, 100));
+    EXPECT_EQ(CGSize(200, 400).clamping({300, 100}), CGSize(50, 100));
     EXPECT_EQ(CGSize(1000, 500).innerFittingSize(1), CGSize(500, 500));
     EXPECT_EQ(CGSize(1000, 500).innerFillingSize(1), CGSize(1000, 1000));
     EXPECT_EQ(CGSize(4, 2).scaling({.toWidth = 8}), CGSize(8, 4));
