@@ -151,6 +151,8 @@ function(zorvan_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;USES;NEEDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   zorvan_link_program(${name} GTest::gmock GTest::gtest_main)
+  # It is the library that is tried as optimised as it is installed; its tests compile a third faster so.
+  target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O1>)
   gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300
     ENVIRONMENT "LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/cmake/leaks.supp;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/threads.supp")
 endfunction()

@@ -1,5 +1,5 @@
-// Filters over lists with a selection, beside the proxy model of Qt; block moves and removals, beside
-// std::stable_partition.
+// Filters over lists with a selection, beside the proxy model of Qt; block moves and removals,
+// beside std::stable_partition.
 
 #include <zorvan/collections/ManagedList.h>
 
@@ -167,9 +167,12 @@ BENCHMARK(filterOurs)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecon
 BENCHMARK(filterQt)->Arg(100'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(duplicatesUnderFilter)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(insertThousandUnderFilter)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(removeScattered)->Unit(benchmark::kMillisecond);
-BENCHMARK(moveScattered)->Unit(benchmark::kMillisecond);
-BENCHMARK(stablePartition)->Unit(benchmark::kMillisecond);
+BENCHMARK(removeScattered)->Name("remove scattered, ours")->Unit(benchmark::kMillisecond);
+BENCHMARK(moveScattered)->Name("move scattered, ours")->Unit(benchmark::kMillisecond);
+BENCHMARK(stablePartition)
+    ->Name("remove scattered, stable_partition")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(stablePartition)->Name("move scattered, stable_partition")->Unit(benchmark::kMillisecond);
 
 } // namespace
 

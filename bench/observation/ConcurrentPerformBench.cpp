@@ -45,15 +45,15 @@ void oneTBB(benchmark::State& state, std::int64_t count, Work work) {
     }
 }
 
-void concurrentPerformLight(benchmark::State& state) { ours(state, lightCount, light); }
-void oneTBBLight(benchmark::State& state) { oneTBB(state, lightCount, light); }
-void concurrentPerformHeavy(benchmark::State& state) { ours(state, heavyCount, heavy); }
-void oneTBBHeavy(benchmark::State& state) { oneTBB(state, heavyCount, heavy); }
+void lightOurs(benchmark::State& state) { ours(state, lightCount, light); }
+void lightOneTBB(benchmark::State& state) { oneTBB(state, lightCount, light); }
+void heavyOurs(benchmark::State& state) { ours(state, heavyCount, heavy); }
+void heavyOneTBB(benchmark::State& state) { oneTBB(state, heavyCount, heavy); }
 
-BENCHMARK(concurrentPerformLight)->UseRealTime();
-BENCHMARK(oneTBBLight)->UseRealTime();
-BENCHMARK(concurrentPerformHeavy)->UseRealTime();
-BENCHMARK(oneTBBHeavy)->UseRealTime();
+BENCHMARK(lightOurs)->UseRealTime();
+BENCHMARK(lightOneTBB)->UseRealTime();
+BENCHMARK(heavyOurs)->UseRealTime();
+BENCHMARK(heavyOneTBB)->UseRealTime();
 
 } // namespace
 

@@ -84,7 +84,7 @@ void echoBare() {
         client.serve();
 }
 
-void notificationRoundTrip(benchmark::State& state) {
+void roundTripOurs(benchmark::State& state) {
     Process other({"/proc/self/exe", "--echo-ours"}, {});
     other.hear();
     const auto observer = center().addObserver(pong, nullptr, nullptr,
@@ -96,7 +96,7 @@ void notificationRoundTrip(benchmark::State& state) {
     center().removeObserver(observer);
 }
 
-void bareClientRoundTrip(benchmark::State& state) {
+void roundTripBareClient(benchmark::State& state) {
     Process other({"/proc/self/exe", "--echo-bare"}, {});
     other.hear();
     bool answered = false;
@@ -109,8 +109,8 @@ void bareClientRoundTrip(benchmark::State& state) {
     }
 }
 
-BENCHMARK(notificationRoundTrip)->UseRealTime();
-BENCHMARK(bareClientRoundTrip)->UseRealTime();
+BENCHMARK(roundTripOurs)->UseRealTime();
+BENCHMARK(roundTripBareClient)->UseRealTime();
 
 } // namespace
 

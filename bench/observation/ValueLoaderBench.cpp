@@ -12,7 +12,7 @@ namespace {
 
 using namespace zorvan;
 
-void requestOfALoadedValue(benchmark::State& state) {
+void requestOurs(benchmark::State& state) {
     const auto loader =
         ValueLoader<int>::create(NSOperationQueue::create(), [] { return std::optional(1); });
     loader->request(MainQueue::stop);
@@ -24,7 +24,7 @@ void requestOfALoadedValue(benchmark::State& state) {
         state.SkipWithError("not loaded");
 }
 
-void valueOfALoadedValue(benchmark::State& state) {
+void valueOurs(benchmark::State& state) {
     const auto loader =
         ValueLoader<int>::create(NSOperationQueue::create(), [] { return std::optional(1); });
     loader->request(MainQueue::stop);
@@ -33,7 +33,7 @@ void valueOfALoadedValue(benchmark::State& state) {
         benchmark::DoNotOptimize(*loader->value());
 }
 
-void functionCallAndAtomicRead(benchmark::State& state) {
+void requestCallAndAtomicRead(benchmark::State& state) {
     static std::atomic<int> value = 1;
     static std::int64_t calls = 0;
     void (*volatile call)() = [] { ++calls; };
@@ -43,9 +43,9 @@ void functionCallAndAtomicRead(benchmark::State& state) {
     }
 }
 
-BENCHMARK(requestOfALoadedValue);
-BENCHMARK(valueOfALoadedValue);
-BENCHMARK(functionCallAndAtomicRead);
+BENCHMARK(requestOurs);
+BENCHMARK(valueOurs);
+BENCHMARK(requestCallAndAtomicRead);
 
 } // namespace
 

@@ -1,6 +1,9 @@
 // A process of its own that posts and observes as it is told on standard input, one command a line:
 //
 //   observe NAME [SENDER]    prints "observing", and from then on each notification
+//   occupy NAME COUNT        observes in the background, and holds the main thread up until told
+//   COUNT
+//                            times; then prints "free"
 //   ignore                   ends the last observation and prints "ignoring"
 //   post NAME SENDER COUNT   posts COUNT notifications numbered from 0, then prints "posted"
 //   flood NAME SENDER        posts without end
@@ -10,6 +13,7 @@
 // bytes.
 
 #include <zorvan/platform/dispatch/DispatchQueue.h>
+#include <zorvan/platform/dispatch/DispatchSemaphore.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
 #include <zorvan/platform/messagebus/NSDistributedNotificationCenter.h>
 
@@ -48,6 +52,22 @@ void post(const std::string& name, const std::string& sender, std::int64_t numbe
                   PropertyList::Dictionary{{"number", number}, {"bytes", Data(size)}});
 }
 
+void occupy(const std::string& name, int count) {
+    DispatchSemaphore told(0);
+    const auto tell = [&](const Notification& notification) {
+        report(notification);
+        told.signal();
+    };
+    const auto queue = NSOperationQueue::create();
+    const auto observer = center().addObserver(name, nullptr, queue, tell);
+    say("observing");
+    for (int i = 0; i < count; ++i)
+        told.wait();
+    center().removeObserver(observer);
+    queue->waitUntilAllOperationsAreFinished();
+    say("free");
+}
+
 void obey(const std::string& line) {
     std::istringstream words(line);
     std::string command;
@@ -59,6 +79,8 @@ void obey(const std::string& line) {
         const auto object = sender.empty() ? nullptr : std::make_shared<const std::string>(sender);
         observers.push_back(center().addObserver(name, object, nullptr, report));
         say("observing");
+    } else if (command == "occupy") {
+        occupy(name, std::stoi(sender));
     } else if (command == "ignore") {
         center().removeObserver(observers.back());
         observers.pop_back();

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <set>
 #include <string>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -110,6 +111,29 @@ TEST_P(DistributedTest, ARemovedObserverIsToldNoMore) {
     EXPECT_EQ(a->hear(), "observing");
     b->tell("post Name x 1");
     expectNumbered(*a, "Name x ", 1);
+}
+
+// The main thread receives while it is idle, and hands that over when it is not.
+TEST_P(DistributedTest, ABusyMainThreadHoldsUpNobodyElse) {
+    const auto a = observer("Quick");
+    const auto b = peer();
+    for (int round = 0; round < 3; ++round) {
+        b->tell("post Quick x 1");
+        EXPECT_EQ(b->hear(), "posted");
+        expectNumbered(*a, "Quick x ", 1);
+        a->tell("occupy Slow 20");
+        EXPECT_EQ(a->hear(), "observing");
+        b->tell("post Slow x 20");
+        EXPECT_EQ(b->hear(), "posted");
+        std::set<std::string> heard; // in the background there is no order
+        for (int i = 0; i < 20; ++i) {
+            const auto line = a->hear();
+            ASSERT_TRUE(line);
+            heard.insert(*line);
+        }
+        EXPECT_EQ(heard.size(), 20U);
+        EXPECT_EQ(a->hear(), "free");
+    }
 }
 
 TEST_P(DistributedTest, NamesAndSendersMayBeAnyText) {

@@ -7,11 +7,10 @@
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <algorithm>
-#include <cerrno>
+#include <array>
+#include <ctime>
 #include <exception>
-#include <sys/eventfd.h>
-#include <system_error>
-#include <unistd.h>
+#include <poll.h>
 #include <utility>
 
 namespace zorvan {
@@ -27,12 +26,14 @@ void requireMainThread() {
         fatalError("The main queue can only be drained on the main thread.");
 }
 
-// An event descriptor holds a counter; a full or empty one is as good as signalled or cleared.
-void signal(int event) { ::eventfd_write(event, 1); }
-
-void clear(int event) {
-    eventfd_t count;
-    ::eventfd_read(event, &count);
+/// Until the deadline, an hour at the most.
+timespec timeLeft(std::chrono::steady_clock::time_point deadline) {
+    using namespace std::chrono;
+    const auto now = steady_clock::now();
+    if (deadline <= now)
+        return {};
+    const auto left = std::min<nanoseconds>(deadline - now, hours(1));
+    return {static_cast<time_t>(left / seconds(1)), static_cast<long>((left % seconds(1)).count())};
 }
 
 } // namespace
@@ -46,9 +47,17 @@ const std::shared_ptr<MainDispatchQueue>& MainDispatchQueue::shared() {
 void MainDispatchQueue::enqueue(Block block) {
     const std::lock_guard lock(mutex_);
     blocks_.push_back(std::move(block));
-    if (event_ >= 0 && blocks_.size() == 1)
-        signal(event_);
-    changed_.notify_one();
+    if (event_ && blocks_.size() == 1)
+        event_->signal();
+    wake();
+}
+
+/// Under the lock.
+void MainDispatchQueue::wake() {
+    if (std::exchange(isPolling_, false))
+        idleWakeup_->signal();
+    else
+        changed_.notify_one();
 }
 
 /// Under the lock, with a block there.
@@ -56,8 +65,8 @@ Block MainDispatchQueue::takeFirst() {
     Block block = std::move(blocks_.front());
     blocks_.pop_front();
     ++taken_;
-    if (event_ >= 0 && blocks_.empty())
-        clear(event_);
+    if (event_ && blocks_.empty())
+        event_->clear();
     return block;
 }
 
@@ -81,12 +90,9 @@ void MainDispatchQueue::runSync(BlockReference block) {
 
 bool MainDispatchQueue::run(Deadline deadline) {
     requireMainThread();
-    const auto ready = [this] { return stopped_ || !blocks_.empty(); };
     for (;;) {
         std::unique_lock lock(mutex_);
-        if (!deadline)
-            changed_.wait(lock, ready);
-        else if (!changed_.wait_until(lock, *deadline, ready))
+        if (!awaitWork(lock, deadline))
             return false;
         if (std::exchange(stopped_, false))
             return true;
@@ -98,10 +104,48 @@ bool MainDispatchQueue::run(Deadline deadline) {
     }
 }
 
+/// False when the deadline passed before.
+bool MainDispatchQueue::awaitWork(std::unique_lock<std::mutex>& lock, Deadline deadline) {
+    while (!stopped_ && blocks_.empty()) {
+        if (deadline && std::chrono::steady_clock::now() >= *deadline)
+            return false;
+        if (idleSource_)
+            pollIdleSource(lock, deadline);
+        else if (deadline)
+            changed_.wait_until(lock, *deadline);
+        else
+            changed_.wait(lock);
+    }
+    return true;
+}
+
+/// Until there are blocks, the source has something, or the deadline.
+void MainDispatchQueue::pollIdleSource(std::unique_lock<std::mutex>& lock, Deadline deadline) {
+    isPolling_ = true;
+    lock.unlock();
+    std::array<pollfd, 2> entries{
+        {idleSource_->beginIdle(), {idleWakeup_->descriptor(), POLLIN, 0}}};
+    const timespec timeout = deadline ? timeLeft(*deadline) : timespec{};
+    ::ppoll(entries.data(), entries.size(), deadline ? &timeout : nullptr, nullptr);
+    lock.lock();
+    if (!std::exchange(isPolling_, false))
+        idleWakeup_->clear();
+    lock.unlock();
+    idleSource_->endIdle(entries[0].revents);
+    lock.lock();
+}
+
+void MainDispatchQueue::setIdleSource(IdleSource& source) {
+    const std::lock_guard lock(mutex_);
+    idleWakeup_.emplace();
+    idleSource_ = &source;
+    changed_.notify_one();
+}
+
 void MainDispatchQueue::stop() {
     const std::lock_guard lock(mutex_);
     stopped_ = true;
-    changed_.notify_one();
+    wake();
 }
 
 std::size_t MainDispatchQueue::drain() {
@@ -123,12 +167,12 @@ std::size_t MainDispatchQueue::drain() {
 
 int MainDispatchQueue::fileDescriptor() {
     const std::lock_guard lock(mutex_);
-    if (event_ < 0) {
-        event_ = ::eventfd(blocks_.empty() ? 0 : 1, EFD_CLOEXEC | EFD_NONBLOCK);
-        if (event_ < 0)
-            throw std::system_error(errno, std::generic_category(), "eventfd");
+    if (!event_) {
+        event_.emplace();
+        if (!blocks_.empty())
+            event_->signal();
     }
-    return event_;
+    return event_->descriptor();
 }
 
 } // namespace internal

@@ -26,7 +26,8 @@ struct Notification {
     std::optional<UserInfo> userInfo;
 
     explicit Notification(NSNotificationName name, std::shared_ptr<const void> object = {},
-                          std::optional<UserInfo> userInfo = {});
+                          std::optional<UserInfo> userInfo = {})
+        : name(name), object(std::move(object)), userInfo(std::move(userInfo)) {}
 
     /// The value under the key when there is one of exactly that type, else null. It lives in the
     /// notification.

@@ -62,7 +62,7 @@ std::atomic<std::uint32_t>& NSNotificationCenter::Registry::interest(const Key& 
 void NSNotificationCenter::Registry::remove(const ObserverPointer& observer) {
     // Released after the lock: their blocks may hold anything.
     NotificationObserver::List removed;
-    SharedSnapshot outdated;
+    Snapshot::Owner outdated;
     std::unique_ptr<Channel> emptied;
 
     const std::lock_guard lock(mutex_);
@@ -89,59 +89,52 @@ NSNotificationCenter::Registry::takeChannel(Channel& channel) {
 
 void NSNotificationCenter::Registry::deliver(const Notification& notification) {
     Found found;
-    const std::size_t count = find(notification, found);
-    if (count == 1) {
-        for (const ObserverPointer& observer : *found[0])
+    find(notification, found);
+    const std::span snapshots = found.snapshots();
+    if (snapshots.size() == 1) {
+        for (const ObserverPointer& observer : snapshots[0]->observers())
             observer->tell(notification);
-    } else if (count > 1) {
-        tellInOrder(std::span(found).first(count), notification);
+    } else if (snapshots.size() > 1) {
+        tellInOrder(snapshots, notification);
     }
 }
 
-/// Fills the front of `found` with the observers of each channel concerned; the number of them.
-std::size_t NSNotificationCenter::Registry::find(const Notification& notification, Found& found) {
+/// Borrows the observers of each channel concerned.
+void NSNotificationCenter::Registry::find(const Notification& notification, Found& found) {
     const std::string* const name = &notification.name.rawValue();
     const std::shared_ptr<Sender>& sender = notification.object;
-    std::size_t count = 0;
-    const auto look = [&](Kind kind, Key key) {
-        if (channelCount_[kind] == 0)
-            return;
-        if (const Channel* const channel = channelWithSnapshot(key, sender))
-            found[count++] = channel->snapshot;
-    };
     const std::lock_guard lock(mutex_);
-    if (sender) {
-        look(nameAndSender, {name, sender.get()});
-        look(senderOnly, {nullptr, sender.get()});
-    }
-    look(nameOnly, {name, nullptr});
-    look(everything, {nullptr, nullptr});
-    return count;
+    if (sender && channelCount_[nameAndSender] != 0)
+        borrow({name, sender.get()}, sender, found);
+    if (sender && channelCount_[senderOnly] != 0)
+        borrow({nullptr, sender.get()}, sender, found);
+    if (channelCount_[nameOnly] != 0)
+        borrow({name, nullptr}, sender, found);
+    if (channelCount_[everything] != 0)
+        borrow({nullptr, nullptr}, sender, found);
 }
 
-const NSNotificationCenter::Registry::Channel*
-NSNotificationCenter::Registry::channelWithSnapshot(Key key,
-                                                    const std::shared_ptr<Sender>& sender) {
+inline void NSNotificationCenter::Registry::borrow(Key key, const std::shared_ptr<Sender>& sender,
+                                                   Found& found) {
     Channel* const channel = channels_.find(key, hash(key));
     if (!channel || (key.sender && !sameOwner(channel->sender, sender)))
-        return nullptr;
+        return;
     if (!channel->snapshot)
-        channel->snapshot =
-            std::make_shared<const Snapshot>(channel->observers.begin(), channel->observers.end());
-    return channel;
+        channel->snapshot = Snapshot::make({channel->observers.begin(), channel->observers.end()});
+    found.borrow(*channel->snapshot);
 }
 
 /// Merges the channels, each of which is in the order of addition.
-void NSNotificationCenter::Registry::tellInOrder(std::span<const SharedSnapshot> found,
+void NSNotificationCenter::Registry::tellInOrder(std::span<Snapshot* const> found,
                                                  const Notification& notification) {
     std::array<std::size_t, kindCount> next{};
     for (;;) {
         const NotificationObserver* first = nullptr;
         std::size_t from = 0;
         for (std::size_t i = 0; i < found.size(); ++i) {
-            if (next[i] == found[i]->size())
+            if (next[i] == found[i]->observers().size())
                 continue;
-            const NotificationObserver* const candidate = (*found[i])[next[i]].get();
+            const NotificationObserver* const candidate = found[i]->observers()[next[i]].get();
             if (!first || candidate->number < first->number) {
                 first = candidate;
                 from = i;

@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/dispatch/internal/ChainedTable.h>
 #include <zorvan/platform/dispatch/internal/NotificationObserver.h>
+#include <zorvan/platform/dispatch/internal/ObserverSnapshot.h>
 
 #include <array>
 #include <atomic>
@@ -9,7 +10,6 @@
 #include <cstdint>
 #include <mutex>
 #include <span>
-#include <vector>
 
 namespace zorvan {
 
@@ -40,8 +40,7 @@ public:
     void deliver(const Notification& notification);
 
 private:
-    using Snapshot = std::vector<ObserverPointer>;
-    using SharedSnapshot = std::shared_ptr<const Snapshot>;
+    using Snapshot = internal::ObserverSnapshot;
 
     struct Key {
         const std::string* name; // null: every name
@@ -53,14 +52,37 @@ private:
         std::size_t hash;
         std::weak_ptr<Sender> sender;
         NotificationObserver::List observers;
-        SharedSnapshot snapshot; // null when the list has changed since
+        Snapshot::Owner snapshot; // null when the list has changed since
         std::optional<std::list<std::unique_ptr<Channel>>::iterator>
             orphaned;                  // place among orphans
         std::unique_ptr<Channel> next; // in the table
     };
     enum Kind : std::size_t { nameAndSender, nameOnly, senderOnly, everything, kindCount };
     static constexpr std::size_t interestSlots = 4096;
-    using Found = std::array<SharedSnapshot, kindCount>;
+
+    /// What one post has borrowed.
+    class Found {
+    public:
+        Found() noexcept {} // leaves the places as they are: all but one are seldom needed
+        Found(const Found&) = delete;
+        Found& operator=(const Found&) = delete;
+        ~Found() {
+            for (Snapshot* const snapshot : snapshots())
+                snapshot->giveBack();
+        }
+
+        void borrow(Snapshot& snapshot) noexcept {
+            snapshot.borrow();
+            snapshots_[count_++] = &snapshot;
+        }
+        std::span<Snapshot* const> snapshots() const noexcept {
+            return {snapshots_.data(), count_};
+        }
+
+    private:
+        std::array<Snapshot*, kindCount> snapshots_;
+        std::size_t count_ = 0;
+    };
 
     static Kind kind(const Key& key) noexcept;
     static std::size_t hash(Key key) noexcept {
@@ -73,14 +95,13 @@ private:
     }
     static bool sameOwner(const std::weak_ptr<Sender>& a,
                           const std::shared_ptr<Sender>& b) noexcept;
-    static void tellInOrder(std::span<const SharedSnapshot> found,
-                            const Notification& notification);
+    static void tellInOrder(std::span<Snapshot* const> found, const Notification& notification);
 
     Channel& channel(const Key& key, const std::shared_ptr<Sender>& sender);
     std::unique_ptr<Channel> takeChannel(Channel& channel);
     std::atomic<std::uint32_t>& interest(const Key& key) noexcept;
-    std::size_t find(const Notification& notification, Found& found);
-    const Channel* channelWithSnapshot(Key key, const std::shared_ptr<Sender>& sender);
+    void find(const Notification& notification, Found& found);
+    void borrow(Key key, const std::shared_ptr<Sender>& sender, Found& found);
 
     const std::uint64_t identity_;
     std::mutex mutex_;

@@ -1,8 +1,12 @@
-#include <zorvan/platform/messagebus/internal/FileDescriptor.h>
+#include <zorvan/platform/dispatch/internal/MainDispatchQueue.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/Wakeup.h>
 #include <zorvan/platform/messagebus/internal/Transport.h>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <map>
@@ -10,8 +14,11 @@
 #include <poll.h>
 #include <string>
 #include <string_view>
+#include <sys/timerfd.h>
+#include <system_error>
 #include <systemd/sd-bus.h>
 #include <thread>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -26,6 +33,10 @@ constexpr const char* signature = "say";         // the sort key and the message
 constexpr std::uint64_t callTimeout = 5'000'000; // microseconds
 constexpr auto reconnectInterval = std::chrono::seconds(1);
 constexpr int messagesInARow = 64;
+constexpr auto patience = std::chrono::milliseconds(5); // with a busy main thread
+
+using Clock = std::chrono::steady_clock;
+constexpr auto never = Clock::time_point::max();
 
 using Bus = std::unique_ptr<sd_bus, decltype(&sd_bus_flush_close_unref)>;
 using Message = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
@@ -67,11 +78,37 @@ std::string matchRule(const std::string& name) {
            "',arg0='" + sortKey(name) + "'";
 }
 
-/// The connection is used under a lock, by the threads that send and by one that polls.
-class BusTransport final : public Transport {
+/// Readable once the delay, of less than a second, has passed.
+class Timer {
+public:
+    Timer() : descriptor_(::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC | TFD_NONBLOCK)) {
+        if (!descriptor_)
+            throw std::system_error(errno, std::generic_category(), "timerfd_create");
+    }
+
+    int descriptor() const noexcept { return descriptor_.get(); }
+    void start(std::chrono::nanoseconds delay) const noexcept {
+        const itimerspec setting{{}, {0, delay.count()}};
+        ::timerfd_settime(descriptor_.get(), 0, &setting, nullptr);
+    }
+    void clear() const noexcept {
+        std::uint64_t expirations;
+        [[maybe_unused]] const auto size =
+            ::read(descriptor_.get(), &expirations, sizeof expirations);
+    }
+
+private:
+    FileDescriptor descriptor_;
+};
+
+/// The connection is used under a lock, by the threads that send and by one that receives: the main
+/// thread while it is idle in `MainQueue::run` or has been a moment ago, else a thread of our own.
+/// Between the two the turn changes without haste, so that neither wakes the other for a message.
+class BusTransport final : public Transport, public IdleSource {
 public:
     BusTransport(Bus bus, Receive receive) : bus_(std::move(bus)), receive_(std::move(receive)) {
         std::thread([this] { run(); }).detach();
+        MainDispatchQueue::shared()->setIdleSource(*this);
     }
 
     void want(const std::string& name) override {
@@ -102,6 +139,28 @@ public:
             wakeup_.signal();
     }
 
+    pollfd beginIdle() override {
+        const pollfd nothing{-1, 0, 0};
+        // Another thread may be waiting for the bus to answer; the main thread must not.
+        const std::unique_lock lock(mutex_, std::try_to_lock);
+        if (!lock || !bus_)
+            return nothing;
+        idleEnd_ = never;
+        if (!mainReceives_.exchange(true))
+            wakeup_.signal();
+        return {sd_bus_get_fd(bus_.get()), POLLIN, 0};
+    }
+
+    void endIdle(short events) override {
+        if (events != 0)
+            deliver();
+        if (!mainReceives_)
+            return;
+        idleEnd_ = Clock::now();
+        if (!watching_.exchange(true))
+            watch_.start(patience);
+    }
+
 private:
     using Slots = std::map<std::string, Slot>;
 
@@ -128,43 +187,70 @@ private:
 
     void run() {
         for (;;) {
-            const bool connected = process();
-            for (const Data& message : std::exchange(delivering_, {}))
-                receive_(message);
-            if (!connected)
-                reconnect();
-            else
+            if (deliver())
                 await();
+            else
+                reconnect();
         }
     }
 
-    /// Moves what has arrived to `delivering_`; false when the bus has gone.
-    bool process() {
-        const std::lock_guard lock(mutex_);
+    /// Passes on some of what has arrived; false when the bus has gone.
+    bool deliver() {
+        const std::lock_guard inOrder(delivery_);
+        std::vector<Data> messages;
         int processed = 1;
-        for (int i = 0; i < messagesInARow && processed > 0; ++i)
-            processed = sd_bus_process(bus_.get(), nullptr);
-        delivering_.swap(received_);
+        {
+            const std::lock_guard lock(mutex_);
+            for (int i = 0; i < messagesInARow && processed > 0; ++i)
+                processed = bus_ ? sd_bus_process(bus_.get(), nullptr) : -ENOTCONN;
+            messages.swap(received_);
+        }
+        if (processed != 0)
+            wakeup_.signal(); // there is more, or nothing any more
+        for (const Data& message : messages)
+            receive_(message);
         return processed >= 0;
     }
 
     void await() {
-        std::array<pollfd, 2> entries{};
+        std::array<pollfd, 3> entries{};
         entries[1] = {wakeup_.descriptor(), POLLIN, 0};
+        entries[2] = {watch_.descriptor(), POLLIN, 0};
         std::uint64_t until = 0;
         {
             const std::lock_guard lock(mutex_);
+            const int events = sd_bus_get_events(bus_.get());
             entries[0] = {sd_bus_get_fd(bus_.get()),
-                          static_cast<short>(sd_bus_get_events(bus_.get())), 0};
+                          static_cast<short>(mainReceives_ ? events & POLLOUT : events), 0};
             if (sd_bus_get_timeout(bus_.get(), &until) < 0)
                 until = 0;
         }
         ::poll(entries.data(), entries.size(), timeLeft(until));
         wakeup_.clear();
+        if (entries[2].revents != 0)
+            judgeMainThread();
     }
 
-    /// In milliseconds, rounded up, until a time in microseconds on the monotonic clock.
+    /// Takes the turn from the main thread when that has been busy for long.
+    void judgeMainThread() {
+        const std::lock_guard lock(mutex_);
+        watch_.clear();
+        watching_ = false; // first, so that what the main thread does from now on starts it anew
+        const Clock::time_point end = idleEnd_;
+        if (end == never)
+            return;
+        const auto left = patience - (Clock::now() - end);
+        if (left <= left.zero())
+            mainReceives_ = false;
+        else if (!watching_.exchange(true))
+            watch_.start(left);
+    }
+
+    /// In milliseconds, rounded up, until a time in microseconds on the monotonic clock; -1 for
+    /// never.
     static int timeLeft(std::uint64_t until) {
+        if (until == UINT64_MAX)
+            return -1;
         using namespace std::chrono;
         const auto now = duration_cast<microseconds>(steady_clock::now().time_since_epoch());
         const auto current = static_cast<std::uint64_t>(now.count());
@@ -176,6 +262,7 @@ private:
     void reconnect() {
         {
             const std::lock_guard lock(mutex_);
+            mainReceives_ = false;
             for (auto& [name, slot] : slots_)
                 slot.reset();
             bus_.reset();
@@ -196,7 +283,11 @@ private:
     Bus bus_; // null while the bus is gone
     Slots slots_;
     std::vector<Data> received_;
-    std::vector<Data> delivering_; // of the polling thread
+    std::mutex delivery_;                    // keeps the order of what is passed on; before mutex_
+    std::atomic<bool> mainReceives_ = false; // changed under the lock
+    std::atomic<Clock::time_point> idleEnd_ = never; // of the main thread; `never` while it is idle
+    std::atomic<bool> watching_ = false;             // the timer runs
+    const Timer watch_;
     const Wakeup wakeup_;
     const Receive receive_;
 };

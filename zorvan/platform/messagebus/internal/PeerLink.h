@@ -1,7 +1,7 @@
 #pragma once
 
 #include <zorvan/platform/foundation/Data.h>
-#include <zorvan/platform/messagebus/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/messagebus/internal/Transport.h>
 
 #include <cstddef>

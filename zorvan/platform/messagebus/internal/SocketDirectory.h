@@ -1,6 +1,6 @@
 #pragma once
 
-#include <zorvan/platform/messagebus/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 
 #include <optional>
 #include <set>

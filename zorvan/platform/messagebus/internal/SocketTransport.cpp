@@ -1,3 +1,4 @@
+#include <zorvan/platform/foundation/internal/Wakeup.h>
 #include <zorvan/platform/messagebus/internal/PeerLink.h>
 #include <zorvan/platform/messagebus/internal/SocketDirectory.h>
 #include <zorvan/platform/messagebus/internal/Transport.h>

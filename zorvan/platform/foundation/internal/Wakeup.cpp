@@ -1,4 +1,4 @@
-#include <zorvan/platform/messagebus/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/Wakeup.h>
 
 #include <cerrno>
 #include <sys/eventfd.h>

@@ -4,7 +4,7 @@
 
 namespace zorvan::internal {
 
-/// Wakes a thread that polls its descriptor.
+/// Wakes a thread that polls its descriptor, which is readable from `signal` to `clear`.
 class Wakeup {
 public:
     /// Throws `std::system_error` when the process can open no more descriptors.
