@@ -11,8 +11,6 @@ using Range = IndexSet::Range;
 
 namespace {
 
-std::vector<std::int64_t> members(const IndexSet& set) { return {set.begin(), set.end()}; }
-
 /// What must hold of every set, whatever was done to it.
 void expectSound(const IndexSet& set) {
     std::int64_t count = 0, previousUpper = -1;
@@ -27,7 +25,7 @@ void expectSound(const IndexSet& set) {
 
 void expectSame(const IndexSet& set, const std::set<std::int64_t>& model) {
     expectSound(set);
-    ASSERT_EQ(members(set), std::vector<std::int64_t>(model.begin(), model.end()));
+    ASSERT_TRUE(std::equal(set.begin(), set.end(), model.begin(), model.end()));
 }
 
 } // namespace
@@ -65,6 +63,7 @@ TEST(IndexSetDeathTest, refusesWhatIsNoPosition) {
 }
 
 TEST(IndexSet, shiftsAsAListDoes) {
+    constexpr auto farBack = std::numeric_limits<std::int64_t>::min();
     struct {
         IndexSet before;
         std::int64_t index, delta;
@@ -74,10 +73,10 @@ TEST(IndexSet, shiftsAsAListDoes) {
         {{0, 1, 2, 5}, 5, -2, {0, 1, 2, 3}},
         {{0, 1, 2, 5}, 2, -1, {0, 1, 4}},
         {{0, 1, 2, 5}, 2, -2, {0, 3}},
-        {{3, 4}, 0, -4, {0}},
-        {{3, 4}, 2, std::numeric_limits<std::int64_t>::min(), {}},
+        {{3, 4, 6}, 0, -4, {0, 2}},
+        {{3, 4}, 2, farBack, {}},
         {{3, 4}, 9, 5, {3, 4}},
-        {{0, 1}, 0, 0, {0, 1}},
+        {{0, 1, 5}, 0, 0, {0, 1, 5}},
     };
     for (auto& row : table) {
         IndexSet shifted = row.before;
@@ -111,14 +110,10 @@ TEST(IndexSet, agreesWithAPlainSetUnderRandomOperations) {
         std::set<std::int64_t> both, only, either, one;
         for (std::int64_t i = 0; i < width + 6; ++i) {
             const bool a = model.contains(i), b = otherModel.contains(i);
-            if (a && b)
-                both.insert(i);
-            if (a && !b)
-                only.insert(i);
-            if (a || b)
-                either.insert(i);
-            if (a != b)
-                one.insert(i);
+            for (const auto& [holds, members] :
+                 {std::pair(a && b, &both), {a && !b, &only}, {a || b, &either}, {a != b, &one}})
+                if (holds)
+                    members->insert(i);
             ASSERT_EQ(set.contains(i), a);
             const auto above = model.upper_bound(i), notBelow = model.lower_bound(i);
             ASSERT_EQ(set.integerGreaterThan(i).value_or(-1), above == model.end() ? -1 : *above);

@@ -1,9 +1,8 @@
+#include "RandomEditions.h"
+
 #include <zorvan/collections/NSCollectionView.h>
-#include <zorvan/collections/SelectableArray.h>
 
 #include <gtest/gtest.h>
-
-#include <random>
 
 using namespace zorvan;
 using Calls = std::vector<ViewCall>;
@@ -24,12 +23,6 @@ struct Fixture {
         view->setDataSource(source);
         view->setCallObserver([this](const ViewCall& call) { calls.push_back(call); });
     }
-    IndexSet selectedItems() const {
-        IndexSet items;
-        for (const IndexPath path : view->selectionIndexPaths())
-            items.insert(path.item);
-        return items;
-    }
     std::shared_ptr<Source> source = std::make_shared<Source>();
     std::shared_ptr<NSCollectionView> view = NSCollectionView::create();
     Calls calls;
@@ -39,6 +32,8 @@ struct Fixture {
 
 TEST(NSCollectionView, showsEditionsByTheCallsThatFit) {
     const ViewCall animator{"animator", ""}, batch{"performBatchUpdates", ""};
+    const ViewCall first{"moveItem", "(0, 0), (1, 0)"}, second{"moveItem", "(1, 0), (2, 0)"};
+    const ViewCall reload{"reloadSections", "{0}"};
     struct {
         Edition edition;
         std::int64_t count;
@@ -47,13 +42,9 @@ TEST(NSCollectionView, showsEditionsByTheCallsThatFit) {
         {Edition::Insert{2, 1}, 5, {animator, batch, {"insertItems", "(1, 0), (2, 0)"}}},
         {Edition::Replace{1}, 3, {animator, batch, {"reloadItems", "(1, 0)"}}},
         {Edition::Remove{{0, 2}}, 1, {animator, batch, {"deleteItems", "(0, 0), (2, 0)"}}},
-        {Edition::Move{{0, 1}, 3},
-         3,
-         {animator, batch, {"moveItem", "(0, 0), (1, 0)"}, {"moveItem", "(1, 0), (2, 0)"}}},
+        {Edition::Move{{0, 1}, 3}, 3, {animator, batch, first, second}},
         {Edition::Select{{1}}, 3, {{"setSelectionIndexPaths", "(1, 0)"}}},
-        {Edition::Reload{{0}},
-         2,
-         {{"reloadSections", "{0}"}, {"setSelectionIndexPaths", "(0, 0)"}}},
+        {Edition::Reload{{0}}, 2, {reload, {"setSelectionIndexPaths", "(0, 0)"}}},
     };
     for (const auto& row : table) {
         Fixture shown(3);
@@ -65,7 +56,7 @@ TEST(NSCollectionView, showsEditionsByTheCallsThatFit) {
 }
 
 TEST(NSCollectionView, followsTheSelectionOfAList) {
-    std::mt19937 random(9);
+    RandomEditions random(9);
     Fixture shown(0);
     const auto list = SelectableArray<int>::create();
     list->setEditionHandler([&](const SelectableArray<int>::Action& action) {
@@ -73,29 +64,13 @@ TEST(NSCollectionView, followsTheSelectionOfAList) {
         shown.source->count = list->count();
         shown.view->reloadEditedData(edition);
     });
-    for (int step = 0; step < 3000; ++step) {
-        IndexSet some;
-        for (std::int64_t i = 0; i < list->count(); ++i)
-            if (random() % 3 == 0)
-                some.insert(i);
-        const auto place =
-            static_cast<std::int64_t>(random() % static_cast<unsigned>(list->count() + 1));
-        switch (random() % 4) {
-        case 0:
-            list->insert({1, 2, 3}, place);
-            break;
-        case 1:
-            list->remove(some);
-            break;
-        case 2:
-            list->move(some, place);
-            break;
-        case 3:
-            list->select(some);
-            break;
-        }
+    for (int step = 0; step < 2000; ++step) {
+        random.edit(*list);
         ASSERT_EQ(shown.view->numberOfItems(0), list->count());
-        ASSERT_EQ(shown.selectedItems(), list->selection());
+        IndexSet selected;
+        for (const IndexPath path : shown.view->selectionIndexPaths())
+            selected.insert(path.item);
+        ASSERT_EQ(selected, list->selection());
     }
 }
 
@@ -133,9 +108,8 @@ TEST(NSCollectionView, findsItemsInARectangle) {
         CGRect rect;
         std::vector<std::int64_t> items;
     } table[] = {
-        {{0, 0, 10, 10}, {0}},           {{50, 0, 10, 10}, {}},
-        {{40, 40, 30, 30}, {0, 1, 3, 4}}, {{0, 120, 200, 500}, {6}},
-        {{0, -50, 1, 1}, {}},            {{0, 1e300, 10, 10}, {}},
+        {{0, 0, 10, 10}, {0}},     {{50, 0, 10, 10}, {}}, {{40, 40, 30, 9}, {0, 1}},
+        {{0, 120, 200, 500}, {6}}, {{0, -50, 1, 1}, {}},  {{0, 1e300, 10, 10}, {}},
     };
     for (const auto& row : table) {
         std::vector<std::int64_t> found;

@@ -1,12 +1,12 @@
+#include "RandomEditions.h"
+
 #include <zorvan/collections/ManagedList.h>
 #include <zorvan/collections/NSTableView.h>
-#include <zorvan/collections/SelectableArray.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 
 using namespace zorvan;
 using Calls = std::vector<ViewCall>;
@@ -59,6 +59,16 @@ struct Fixture {
     Calls calls;
 };
 
+ViewCall selects(const std::string& rows) { return {"selectRowIndexes", rows + ", not extending"}; }
+
+Calls updates(Calls calls, std::optional<ViewCall> after = {}) {
+    calls.insert(calls.begin(), {"beginUpdates", ""});
+    calls.push_back({"endUpdates", ""});
+    if (after)
+        calls.push_back(*after);
+    return calls;
+}
+
 } // namespace
 
 TEST(NSTableView, showsEditionsByTheCallsThatFit) {
@@ -68,20 +78,12 @@ TEST(NSTableView, showsEditionsByTheCallsThatFit) {
         std::vector<int> items;
         Calls calls;
     } table[] = {
-        {Edition::Insert{2, 1},
-         {0, 8, 9, 1, 2},
-         {{"beginUpdates", ""}, {"insertRows", "{1...2}, 32"}, {"endUpdates", ""}}},
+        {Edition::Insert{2, 1}, {0, 8, 9, 1, 2}, updates({{"insertRows", "{1...2}, 32"}})},
         {Edition::Replace{1}, {0, 9, 2}, {{"reloadData", "{1}, {0...1}"}}},
-        {Edition::Remove{{0, 2}},
-         {1},
-         {{"beginUpdates", ""}, {"removeRows", "{0, 2}, 32"}, {"endUpdates", ""}}},
-        {Edition::Move{{0, 1}, 3},
-         {2, 0, 1},
-         {{"beginUpdates", ""}, {"moveRow", "0, 2"}, {"moveRow", "0, 2"}, {"endUpdates", ""}}},
-        {Edition::Select{{1}}, {0, 1, 2}, {{"selectRowIndexes", "{1}, not extending"}}},
-        {Edition::Reload{{0}},
-         {7, 8},
-         {{"reloadData", ""}, {"selectRowIndexes", "{0}, not extending"}}},
+        {Edition::Remove{{0, 2}}, {1}, updates({{"removeRows", "{0, 2}, 32"}})},
+        {Edition::Move{{0, 1}, 3}, {2, 0, 1}, updates({{"moveRow", "0, 2"}, {"moveRow", "0, 2"}})},
+        {Edition::Select{{1}}, {0, 1, 2}, {selects("{1}")}},
+        {Edition::Reload{{0}}, {7, 8}, {{"reloadData", ""}, selects("{0}")}},
     };
     for (const auto& row : table) {
         Fixture shown({0, 1, 2});
@@ -94,6 +96,9 @@ TEST(NSTableView, showsEditionsByTheCallsThatFit) {
 }
 
 TEST(NSTableView, showsManagedListEditions) {
+    const std::vector<int> nine{9};
+    const IndexSet first{0}, middle{1, 2};
+    const auto isLarge = [](int item) { return item > 1; };
     const auto list = ManagedList<int>::create({0, 1, 2, 3});
     Fixture shown({0, 1, 2, 3});
     const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
@@ -106,14 +111,11 @@ TEST(NSTableView, showsManagedListEditions) {
         std::function<void()> change;
         Calls calls;
     } table[] = {
-        {[&] { list->setSelection({1, 2}); }, {{"selectRowIndexes", "{1...2}, not extending"}}},
-        {[&] { list->insert({9}, 0); },
-         {{"beginUpdates", ""}, {"insertRows", "{0}, 1"}, {"endUpdates", ""}, {"selectRowIndexes", "{}, not extending"}}},
-        {[&] { list->remove({0}); }, {{"beginUpdates", ""}, {"removeRows", "{0}, 1"}, {"endUpdates", ""}}},
-        {[&] { list->move({0}, 2); },
-         {{"reloadData", "{0...3}, {0...1}"}, {"selectRowIndexes", "{1}, not extending"}}},
-        {[&] { list->setFilter([](int item) { return item > 1; }); },
-         {{"reloadData", ""}, {"selectRowIndexes", "{}, not extending"}}},
+        {[&] { list->setSelection(middle); }, {selects("{1...2}")}},
+        {[&] { list->insert(nine, 0); }, updates({{"insertRows", "{0}, 1"}}, selects("{}"))},
+        {[&] { list->remove(first); }, updates({{"removeRows", "{0}, 1"}})},
+        {[&] { list->move(first, 2); }, {{"reloadData", "{0...3}, {0...1}"}, selects("{1}")}},
+        {[&] { list->setFilter(isLarge); }, {{"reloadData", ""}, selects("{}")}},
         {[&] { list->reverseOrder(); }, {{"reloadData", "{0...1}, {0...1}"}}},
     };
     for (const auto& row : table) {
@@ -127,7 +129,7 @@ TEST(NSTableView, showsManagedListEditions) {
 }
 
 TEST(NSTableView, followsAListThroughRandomEditions) {
-    std::mt19937 random(3);
+    RandomEditions random(3);
     for (int round = 0; round < 100; ++round) {
         Fixture shown;
         const auto list = SelectableArray<int>::create();
@@ -136,34 +138,8 @@ TEST(NSTableView, followsAListThroughRandomEditions) {
             shown.source->items = list->elements();
             shown.table->reloadEditedData(edition, Options::effectFade);
         });
-        int next = 0;
         for (int step = 0; step < 40; ++step) {
-            IndexSet some;
-            for (std::int64_t i = 0; i < list->count(); ++i)
-                if (random() % 3 == 0)
-                    some.insert(i);
-            const auto place = static_cast<std::int64_t>(
-                random() % static_cast<unsigned>(list->count() + 1));
-            switch (random() % 6) {
-            case 0:
-            case 1:
-                list->insert({next, next + 1, next + 2}, place);
-                next += 3;
-                break;
-            case 2:
-                list->remove(some);
-                break;
-            case 3:
-                list->move(some, place);
-                break;
-            case 4:
-                list->select(some);
-                break;
-            case 5:
-                if (place < list->count())
-                    list->replace(next++, place);
-                break;
-            }
+            random.edit(*list);
             shown.expectRows();
             ASSERT_EQ(shown.table->selectedRowIndexes(), list->selection());
         }
@@ -172,13 +148,13 @@ TEST(NSTableView, followsAListThroughRandomEditions) {
 
 TEST(NSTableViewDeathTest, catchesEditionsThatLie) {
     Fixture shown({0, 1, 2});
-    EXPECT_DEATH(shown.table->reloadEditedData(SelectableArrayEdition::Remove{{0}}, Options::effectFade),
-                 "^After its updates a table view has 2 rows, but its data source has 3.\n$");
+    EXPECT_DEATH(
+        shown.table->reloadEditedData(SelectableArrayEdition::Remove{{0}}, Options::effectFade),
+        "^After its updates a table view has 2 rows, but its data source has 3.\n$");
     EXPECT_DEATH(shown.table->removeRows({3}, Options::effectNone),
                  "^A row lies outside the table view.\n$");
     EXPECT_DEATH(shown.table->insertRows({5}, Options::effectNone), "outside the table view");
-    EXPECT_DEATH(shown.table->endUpdates(),
-                 "^A table view ends updates that have not begun.\n$");
+    EXPECT_DEATH(shown.table->endUpdates(), "^A table view ends updates that have not begun.\n$");
 }
 
 TEST(NSTableView, announcesASelectionOnceItDiffers) {
@@ -250,19 +226,15 @@ TEST(NSTableView, keepsItsColumns) {
 }
 
 TEST(NSTableView, drawsWhatIsScrolledIntoSightAndNothingElse) {
-    const auto source = std::make_shared<Source>();
-    source->items.resize(20);
-    const auto table = NSTableView::create();
-    table->setRowHeight(20);
-    table->setNumberOfColumns(2);
-    table->setDataSource(source);
+    Fixture shown(std::vector<int>(20));
+    shown.table->setDelegate(nullptr); // so that it draws texts, in rows of one height
     const auto window = NSView::create(CGRect(0, 0, 240, 140));
     const auto scrollView = NSScrollView::create(CGRect(20, 20, 200, 100));
     window->addSubview(scrollView);
-    scrollView->setDocumentView(table);
-    table->setRowHeight(20); // laid out in its clip view
-    table->selectOnlyRow(6);
-    table->scrollTopRow(5, false);
+    scrollView->setDocumentView(shown.table);
+    shown.table->setRowHeight(20);
+    shown.table->selectOnlyRow(6);
+    shown.table->scrollTopRow(5, false);
 
     const auto bitmap = window->render(2);
     ASSERT_TRUE(bitmap);

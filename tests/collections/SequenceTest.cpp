@@ -50,11 +50,13 @@ TEST(Dictionary, resolvesCollisionsByTheLaterEntry) {
     EXPECT_EQ(inversed(words), (std::unordered_map<int, std::string>{{1, "c"}, {2, "b"}}));
     EXPECT_EQ(mapKeys(words, [](const std::string&) { return 0; }),
               (std::unordered_map<int, int>{{0, 1}}));
-    EXPECT_EQ(compactMapKeys(words, [](const std::string& key) -> std::optional<char> {
-                  return key == "b" ? std::nullopt : std::optional(key[0]);
-              }),
+    EXPECT_EQ(compactMapKeys(words,
+                             [](const std::string& key) -> std::optional<char> {
+                                 return key == "b" ? std::nullopt : std::optional(key[0]);
+                             }),
               (std::unordered_map<char, int>{{'a', 1}, {'c', 1}}));
-    EXPECT_EQ(combinedWith(Words{{"a", 1}, {"b", 2}}, Words{{"b", 3}}), (Words{{"a", 1}, {"b", 3}}));
+    EXPECT_EQ(combinedWith(Words{{"a", 1}, {"b", 2}}, Words{{"b", 3}}),
+              (Words{{"a", 1}, {"b", 3}}));
     EXPECT_EQ(pop(words, "a"), (Words{{"b", 2}, {"c", 1}}));
     EXPECT_EQ(mapValuesToSet(words, [](int i) { return i; }), (std::unordered_set<int>{1, 2}));
 }
@@ -93,9 +95,9 @@ TEST(Parallel, keepsOrderAndCallsEachOnce) {
 
 TEST(Parallel, passesErrorsOn) {
     const std::vector<int> list(1000, 1);
-    EXPECT_THROW(parallelMap(list,
-                             [](int) -> std::string { throw std::runtime_error("no value"); }),
-                 std::runtime_error);
+    EXPECT_THROW(
+        parallelMap(list, [](int) -> std::string { throw std::runtime_error("no value"); }),
+        std::runtime_error);
     EXPECT_THROW(parallelEach(list, [](int) { throw std::logic_error("no"); }), std::logic_error);
 }
 

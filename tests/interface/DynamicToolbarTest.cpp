@@ -3,11 +3,9 @@
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/media/NSImage.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 using namespace zorvan;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -46,7 +44,7 @@ TEST_F(DynamicToolbarTest, beginsAsItShould) {
     EXPECT_EQ(static_cast<int>(toolbar.displayMode()), 2);
     EXPECT_EQ(toolbar.delegate(), bar);
     EXPECT_EQ(bar->displayedItemSet(), nullptr);
-    EXPECT_THAT(bar->itemSets(), IsEmpty());
+    EXPECT_TRUE(bar->itemSets().empty());
     EXPECT_FALSE(bar->itemSetProvider());
     const auto other = DynamicToolbar::create()->toolbar()->identifier();
     EXPECT_TRUE(isUUID(other)) << other;
@@ -56,7 +54,7 @@ TEST_F(DynamicToolbarTest, beginsAsItShould) {
 TEST_F(DynamicToolbarTest, dropsItemsThatHaveNoSet) {
     add("a");
     const auto set = bar->addItemSet();
-    EXPECT_THAT(set->items(), IsEmpty());
+    EXPECT_TRUE(set->items().empty());
     add("b");
     bar->addItemSet();
     add("c");
@@ -68,24 +66,24 @@ TEST_F(DynamicToolbarTest, editsTheToolbarOnlyWhenItsItemsChange) {
     bar->addItemSet();
     const auto a = add("a"), b = add("b");
     bar->reloadDisplayedItems();
-    EXPECT_THAT(takeCalls(), ElementsAre("insertItem a, 0", "insertItem b, 1"));
+    EXPECT_EQ(takeCalls(), (Calls{"insertItem a, 0", "insertItem b, 1"}));
     EXPECT_EQ(bar->toolbar()->items(), (std::vector{a->item(), b->item()}));
     bar->reloadDisplayedItems();
-    EXPECT_THAT(takeCalls(), IsEmpty());
+    EXPECT_TRUE(takeCalls().empty());
 
     a->setRemovedFromBar(true);
     bar->reloadDisplayedItems();
-    EXPECT_THAT(takeCalls(), ElementsAre("removeItem 0", "removeItem 0", "insertItem b, 0"));
+    EXPECT_EQ(takeCalls(), (Calls{"removeItem 0", "removeItem 0", "insertItem b, 0"}));
     EXPECT_EQ(bar->toolbar()->itemIdentifiers(), Identifiers{"b"});
     EXPECT_EQ(bar->toolbarAllowedItemIdentifiers(*bar->toolbar()), (Identifiers{"a", "b"}));
     EXPECT_EQ(bar->toolbarDefaultItemIdentifiers(*bar->toolbar()), (Identifiers{"a", "b"}));
-    EXPECT_THAT(bar->toolbarSelectableItemIdentifiers(*bar->toolbar()), IsEmpty());
+    EXPECT_TRUE(bar->toolbarSelectableItemIdentifiers(*bar->toolbar()).empty());
 
     bar->setItemSets({});
     bar->reloadDisplayedItems();
-    EXPECT_THAT(takeCalls(), ElementsAre("removeItem 0"));
+    EXPECT_EQ(takeCalls(), Calls{"removeItem 0"});
     EXPECT_EQ(bar->displayedItemSet(), nullptr);
-    EXPECT_THAT(bar->toolbarAllowedItemIdentifiers(*bar->toolbar()), IsEmpty());
+    EXPECT_TRUE(bar->toolbarAllowedItemIdentifiers(*bar->toolbar()).empty());
 }
 
 TEST_F(DynamicToolbarTest, choosesTheProvidedSetOrTheFirstEnabledOne) {
@@ -100,20 +98,20 @@ TEST_F(DynamicToolbarTest, choosesTheProvidedSetOrTheFirstEnabledOne) {
         return bar->displayedItemSet();
     };
     EXPECT_EQ(reload(), one);
-    EXPECT_THAT(asked, ElementsAre("one"));
+    EXPECT_EQ(asked, Calls{"one"});
     first = false;
     EXPECT_EQ(reload(), two);
-    EXPECT_THAT(asked, ElementsAre("one", "two"));
+    EXPECT_EQ(asked, (Calls{"one", "two"}));
     second = false;
     EXPECT_EQ(reload(), nullptr);
 
     provided = DynamicToolbarItemSet::create();
     bar->setItemSetProvider([&] { return asked.push_back("provider"), provided; });
     EXPECT_EQ(reload(), provided);
-    EXPECT_THAT(asked, ElementsAre("provider", "one", "two"));
+    EXPECT_EQ(asked, (Calls{"provider", "one", "two"}));
     first = true;
     EXPECT_EQ(reload(), provided);
-    EXPECT_THAT(asked, ElementsAre("provider", "one"));
+    EXPECT_EQ(asked, (Calls{"provider", "one"}));
     provided = nullptr;
     EXPECT_EQ(reload(), one);
 }
@@ -128,8 +126,8 @@ TEST_F(DynamicToolbarTest, updatesBeforeItShowsTheSet) {
         });
     bar->itemSets()[0]->items()[1]->setRemovedFromBar(true);
     bar->reloadDisplayedItems();
-    EXPECT_THAT(order, ElementsAre("a", "b"));
-    EXPECT_THAT(takeCalls(), ElementsAre("insertItem a, 0"));
+    EXPECT_EQ(order, (Calls{"a", "b"}));
+    EXPECT_EQ(takeCalls(), (Calls{"insertItem a, 0"}));
 }
 
 TEST_F(DynamicToolbarTest, givesTheFirstItemOfAnIdentifier) {
@@ -227,7 +225,7 @@ TEST_F(DynamicToolbarTest, showsNoDefaultItemsByItself) {
     bar->reloadDisplayedItems();
     const auto window = NSWindow::create({200, 100});
     window->setToolbar(bar->toolbar());
-    EXPECT_THAT(bar->toolbar()->items(), IsEmpty());
+    EXPECT_TRUE(bar->toolbar()->items().empty());
 }
 
 // The builders
@@ -396,7 +394,7 @@ TEST_F(DynamicToolbarTest, buildsGroups) {
         settings.titles = {"replaced", "replaced"};
         settings.selectedIndex = 0;
     }});
-    EXPECT_THAT(given->subitems(), ElementsAre(own));
+    EXPECT_EQ(given->subitems(), std::vector{own});
     EXPECT_EQ(given->selectedIndex(), 0);
 }
 
@@ -421,5 +419,5 @@ TEST_F(DynamicToolbarTest, buildsAnyView) {
     EXPECT_FALSE(set->items()[0]->item()->isNavigational());
     EXPECT_FALSE(set->items()[0]->removedFromBar());
     bar->reloadDisplayedItems();
-    EXPECT_THAT(order, ElementsAre("view"));
+    EXPECT_EQ(order, Calls{"view"});
 }

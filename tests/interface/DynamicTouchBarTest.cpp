@@ -2,11 +2,9 @@
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/media/NSImage.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 using namespace zorvan;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -26,7 +24,7 @@ protected:
 
 TEST_F(DynamicTouchBarTest, setsItsIdentifiersOnEveryReload) {
     EXPECT_EQ(bar->touchBar()->delegate(), bar);
-    EXPECT_THAT(bar->touchBar()->defaultItemIdentifiers(), IsEmpty());
+    EXPECT_TRUE(bar->touchBar()->defaultItemIdentifiers().empty());
     bar->addItem({.identifier = "dropped"});
     bar->reloadDisplayedItems();
     int updates = 0;
@@ -41,15 +39,15 @@ TEST_F(DynamicTouchBarTest, setsItsIdentifiersOnEveryReload) {
     bar->reloadDisplayedItems();
     bar->reloadDisplayedItems();
     EXPECT_EQ(updates, 3);
-    EXPECT_THAT(calls, ElementsAre("setDefaultItemIdentifiers ", "setDefaultItemIdentifiers a, b",
-                                   "setDefaultItemIdentifiers a", "setDefaultItemIdentifiers a"));
-    EXPECT_THAT(bar->touchBar()->items(), ElementsAre(a->item()));
+    EXPECT_EQ(calls, (Calls{"setDefaultItemIdentifiers ", "setDefaultItemIdentifiers a, b",
+                            "setDefaultItemIdentifiers a", "setDefaultItemIdentifiers a"}));
+    EXPECT_EQ(bar->touchBar()->items(), std::vector{a->item()});
     EXPECT_EQ(bar->makeItem("a"), a->item());
     EXPECT_EQ(bar->makeItem("b"), nullptr);
     EXPECT_EQ(bar->makeItem("dropped"), nullptr);
     bar->setItemSets({});
     bar->reloadDisplayedItems();
-    EXPECT_THAT(bar->touchBar()->items(), IsEmpty());
+    EXPECT_TRUE(bar->touchBar()->items().empty());
     EXPECT_EQ(bar->displayedItemSet(), nullptr);
     EXPECT_EQ(bar->makeItem("a"), nullptr);
 }

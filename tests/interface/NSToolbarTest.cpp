@@ -6,10 +6,9 @@
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/media/NSImage.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 using namespace zorvan;
-using testing::ElementsAre;
 using Identifiers = std::vector<std::string>;
 
 namespace {
@@ -207,7 +206,7 @@ TEST(NSToolbarItem, actsWhenItIsPressed) {
     clickMiddle(menu, 0.5);
     clickMiddle(group, 0.9);
     clickMiddle(group, 0.1);
-    EXPECT_THAT(acts, ElementsAre("i", "popUp", "1", "0"));
+    EXPECT_EQ(acts, (Identifiers{"i", "popUp", "1", "0"}));
     item->setEnabled(false);
     shown.window->layoutIfNeeded();
     clickMiddle(item, 0.5);

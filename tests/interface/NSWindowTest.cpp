@@ -4,11 +4,9 @@
 #include <zorvan/media/CGImage.h>
 #include <zorvan/observation/NoteSubscriber.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 using namespace zorvan;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using Type = NSEvent::EventType;
 using Calls = std::vector<std::string>;
 
@@ -104,10 +102,9 @@ TEST(NSWindow, handsTheMainStatusOn) {
     b->close();
     b->close();
     EXPECT_EQ(NSApplication::shared().mainWindow(), nullptr);
-    EXPECT_THAT(watch.notes,
-                ElementsAre("a DidBecomeMainNotification", "a DidResignMainNotification",
-                            "b DidBecomeMainNotification", "b WillCloseNotification",
-                            "b DidResignMainNotification"));
+    EXPECT_EQ(watch.notes, (Calls{"a DidBecomeMainNotification", "a DidResignMainNotification",
+                                  "b DidBecomeMainNotification", "b WillCloseNotification",
+                                  "b DidResignMainNotification"}));
 }
 
 TEST(NSWindow, mayBeClosedByWhoeverIsTold) {
@@ -177,10 +174,10 @@ TEST(NSWindow, growsWithItsBarsAndTellsOfItsSize) {
     toolbar->setDisplayMode(NSToolbar::DisplayMode::iconAndLabel);
     window->layoutIfNeeded();
     EXPECT_EQ(window->size(), CGSize(200, 238));
-    EXPECT_THAT(watch.notes, IsEmpty());
+    EXPECT_TRUE(watch.notes.empty());
     window->setContentSize({300, 100});
     window->setContentSize({300, 100});
-    EXPECT_THAT(watch.notes, ElementsAre("w DidResizeNotification"));
+    EXPECT_EQ(watch.notes, Calls{"w DidResizeNotification"});
     EXPECT_EQ(window->contentView()->frame().width(), 300);
     window->setContentSize({-5, std::numeric_limits<double>::quiet_NaN()});
     EXPECT_EQ(window->contentSize(), CGSize(1, 1));
@@ -221,23 +218,23 @@ TEST(NSWindow, drawsTheWholeOfItself) {
 
 TEST_F(NSWindowMouse, entersAndLeavesTrackingAreas) {
     send(Type::mouseMoved, {35, 35});
-    EXPECT_THAT(take(), ElementsAre("enter outer", "enter inner", "move outer", "move inner"));
+    EXPECT_EQ(take(), (Calls{"enter outer", "enter inner", "move outer", "move inner"}));
     send(Type::mouseMoved, {100, 35});
-    EXPECT_THAT(take(), ElementsAre("exit inner", "move outer"));
+    EXPECT_EQ(take(), (Calls{"exit inner", "move outer"}));
     send(Type::mouseExited, {});
-    EXPECT_THAT(take(), ElementsAre("exit outer"));
+    EXPECT_EQ(take(), Calls{"exit outer"});
     send(Type::leftMouseDown, {35, 35});
-    EXPECT_THAT(take(), ElementsAre("enter outer", "enter inner", "down inner"));
+    EXPECT_EQ(take(), (Calls{"enter outer", "enter inner", "down inner"}));
     // What is dragged from gets the release, wherever that is.
     send(Type::leftMouseUp, {500, 500});
-    EXPECT_THAT(take(), ElementsAre("exit outer", "exit inner", "up inner"));
+    EXPECT_EQ(take(), (Calls{"exit outer", "exit inner", "up inner"}));
     inner->setHidden(true);
     NSApplication::shared().setActive(false);
     send(Type::mouseMoved, {35, 35});
-    EXPECT_THAT(take(), IsEmpty());
+    EXPECT_TRUE(take().empty());
     NSApplication::shared().setActive(true);
     send(Type::mouseMoved, {35, 35});
-    EXPECT_THAT(take(), ElementsAre("enter outer", "move outer"));
+    EXPECT_EQ(take(), (Calls{"enter outer", "move outer"}));
 }
 
 TEST_F(NSWindowMouse, followsAreasThatChangeUnderTheMouse) {
@@ -246,27 +243,27 @@ TEST_F(NSWindowMouse, followsAreasThatChangeUnderTheMouse) {
     // A larger area in place of one that the mouse is in is no new one.
     inner->setFrame({10, 10, 30, 30});
     send(Type::mouseMoved, {36, 36});
-    EXPECT_THAT(take(), ElementsAre("move outer", "move inner"));
+    EXPECT_EQ(take(), (Calls{"move outer", "move inner"}));
     inner->setFrame({10, 10, 2, 2});
     send(Type::mouseMoved, {36, 36});
-    EXPECT_THAT(take(), ElementsAre("exit inner", "move outer"));
+    EXPECT_EQ(take(), (Calls{"exit inner", "move outer"}));
     outer->removeFromSuperview();
     send(Type::mouseMoved, {36, 36});
-    EXPECT_THAT(take(), ElementsAre("exit outer"));
+    EXPECT_EQ(take(), Calls{"exit outer"});
 }
 
 TEST_F(NSWindowMouse, passesOverViewsThatLeaveWhileOthersAreTold) {
     outer->then = [this] { inner->removeFromSuperview(); };
     send(Type::mouseMoved, {35, 35});
     send(Type::mouseExited, {});
-    EXPECT_THAT(take(), ElementsAre("enter outer", "move outer", "exit outer"));
+    EXPECT_EQ(take(), (Calls{"enter outer", "move outer", "exit outer"}));
 }
 
 TEST_F(NSWindowMouse, isDeafOnceClosed) {
     window->orderFront();
     window->close();
     send(Type::leftMouseDown, {35, 35});
-    EXPECT_THAT(take(), IsEmpty());
+    EXPECT_TRUE(take().empty());
     window->orderFront();
     send(Type::leftMouseDown, {35, 35});
     EXPECT_FALSE(take().empty());
@@ -281,14 +278,14 @@ TEST_F(NSWindowMouse, letsAButtonActWhenItIsReleasedInside) {
     send(Type::leftMouseDragged, {10, 10});
     EXPECT_FALSE(button->isHighlighted());
     send(Type::leftMouseUp, {10, 10});
-    EXPECT_THAT(take(), IsEmpty());
+    EXPECT_TRUE(take().empty());
     send(Type::leftMouseDown, {150, 30});
     send(Type::leftMouseUp, {151, 31});
-    EXPECT_THAT(take(), ElementsAre("act"));
+    EXPECT_EQ(take(), Calls{"act"});
     button->setEnabled(false);
     send(Type::leftMouseDown, {150, 30});
     send(Type::leftMouseUp, {150, 30});
-    EXPECT_THAT(take(), IsEmpty());
+    EXPECT_TRUE(take().empty());
 }
 
 TEST(NSApplication, performsActionsOnLivingTargetsOnly) {
@@ -309,7 +306,7 @@ TEST(NSApplication, performsActionsOnLivingTargetsOnly) {
     EXPECT_FALSE(application.sendAction(withButton, weak, NSView::create()));
     EXPECT_FALSE(application.sendAction(withButton, weak, nullptr));
     EXPECT_FALSE(application.sendAction(withButton, {}, button));
-    EXPECT_THAT(kept->calls, ElementsAre("plain", "from b"));
+    EXPECT_EQ(kept->calls, (Calls{"plain", "from b"}));
     std::weak_ptr<void> gone = std::make_shared<Target>();
     bool wasCalled = false;
     const Selector block("block", [&] { wasCalled = true; });

@@ -4,11 +4,9 @@
 #include <zorvan/interface/TintedButton.h>
 #include <zorvan/media/CGContext.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 using namespace zorvan;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using Type = NSEvent::EventType;
 using Calls = std::vector<std::string>;
 
@@ -71,7 +69,7 @@ TEST_F(TintedButtonTest, passesItsPropertiesToItsCell) {
     button->setImagePressedColor(NSColor::red);
     button->setBackgroundTintGradient(plain(NSColor::blue));
     button->setBackgroundRadius(3);
-    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay", "setNeedsDisplay", "setNeedsDisplay"));
+    EXPECT_EQ(take(), (Calls{"setNeedsDisplay", "setNeedsDisplay", "setNeedsDisplay"}));
     const auto cell = button->tintedButtonCell();
     EXPECT_EQ(cell->imagePressedColor(), NSColor::red);
     EXPECT_EQ(cell->backgroundTintGradient(), plain(NSColor::blue));
@@ -84,7 +82,7 @@ TEST_F(TintedButtonTest, passesItsPropertiesToItsCell) {
     EXPECT_FALSE(button->imagePressedColor());
     button->setImagePressedColor(NSColor::red);
     EXPECT_FALSE(button->imagePressedColor());
-    EXPECT_THAT(take(), IsEmpty());
+    EXPECT_TRUE(take().empty());
 }
 
 TEST(TintedButtonCoding, replacesTheCellAndKeepsWhatWasSet) {
@@ -249,7 +247,7 @@ TEST_F(TintedButtonTest, growsByWhatItIsExpanded) {
     button->setCell(cell);
     button->setExpandedSize(CGSize(20, 4));
     ASSERT_TRUE(button->render());
-    EXPECT_THAT(cell->drawn, ElementsAre(CGRect(10, 5, 10, 10), CGRect(25, 2, 25, 16)));
+    EXPECT_EQ(cell->drawn, (std::vector{CGRect(10, 5, 10, 10), CGRect(25, 2, 25, 16)}));
 }
 
 TEST(TintedImage, takesTheColourAndKeepsTheOpacity) {
@@ -289,21 +287,21 @@ TEST_F(TintedButtonTest, followsTheMouse) {
     take();
     send(Type::mouseMoved, inside);
     EXPECT_TRUE(cell->isHover() && !cell->isPressed());
-    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    EXPECT_EQ(take(), Calls{"setNeedsDisplay"});
     send(Type::leftMouseDown, inside);
     EXPECT_TRUE(cell->isHover() && cell->isPressed());
-    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay", "act", "acted"));
+    EXPECT_EQ(take(), (Calls{"setNeedsDisplay", "act", "acted"}));
     send(Type::leftMouseDragged, outside);
     EXPECT_TRUE(!cell->isHover() && cell->isPressed());
-    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    EXPECT_EQ(take(), Calls{"setNeedsDisplay"});
     send(Type::leftMouseUp, outside);
     EXPECT_FALSE(cell->isHover() || cell->isPressed());
-    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    EXPECT_EQ(take(), Calls{"setNeedsDisplay"});
     button->setEnabled(false);
     take();
     send(Type::leftMouseDown, inside);
     EXPECT_FALSE(cell->isPressed());
-    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    EXPECT_EQ(take(), Calls{"setNeedsDisplay"});
 }
 
 TEST_F(TintedButtonTest, keepsItsTrackingAreaOverItsBounds) {
@@ -315,7 +313,7 @@ TEST_F(TintedButtonTest, keepsItsTrackingAreaOverItsBounds) {
     EXPECT_FALSE(first->userInfo());
     button->setFrame({20, 20, 150, 20});
     EXPECT_NE(button->trackingArea(), first);
-    EXPECT_THAT(button->trackingAreas(), ElementsAre(button->trackingArea()));
+    EXPECT_EQ(button->trackingAreas(), std::vector{button->trackingArea()});
     EXPECT_EQ(button->trackingArea()->rect(), CGRect(0, 0, 150, 20));
     send(Type::mouseMoved, outside);
     EXPECT_TRUE(button->tintedButtonCell()->isHover());
@@ -330,18 +328,18 @@ TEST_F(TintedButtonTest, redrawsWhenAnyWindowBecomesMainWhileItIsInOne) {
     EXPECT_TRUE(button->windowDidResignMainSubscriber()->observer());
     take();
     other->makeMainWindow();
-    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    EXPECT_EQ(take(), Calls{"setNeedsDisplay"});
     other->resignMainWindow();
-    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    EXPECT_EQ(take(), Calls{"setNeedsDisplay"});
     // Into another window: each of the two is told of once.
     other->contentView()->addSubview(button);
     take();
     window->makeMainWindow();
-    EXPECT_THAT(take(), ElementsAre("setNeedsDisplay"));
+    EXPECT_EQ(take(), Calls{"setNeedsDisplay"});
     button->removeFromSuperview();
     take();
     window->close();
-    EXPECT_THAT(take(), IsEmpty());
+    EXPECT_TRUE(take().empty());
     EXPECT_FALSE(button->windowDidBecomeMainSubscriber()->observer());
 }
 

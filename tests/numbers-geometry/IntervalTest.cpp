@@ -17,9 +17,7 @@ TEST(Interval, isMadeFromEndsOrValues) {
     EXPECT_EQ(Interval(1, 2).with({.min = 0}), Interval(0, 2));
     EXPECT_EQ(Interval(1, 2).with({.max = 5}), Interval(1, 5));
     EXPECT_EQ(Interval(1, 2).description(), "[1.0, 2.0]");
-}
-
-TEST(Interval, touchingEndsShareAPoint) {
+    // Ends that touch share a point.
     EXPECT_EQ(Interval(0, 1).intersection(Interval(1, 2)), Interval(1, 1));
     EXPECT_TRUE(Interval(0, 1).intersects(Interval(1, 2)));
     EXPECT_EQ(Interval::intersection({0, 1}, {2, 3}), std::nullopt);
@@ -36,25 +34,20 @@ TEST(Interval, comparesBothEnds) {
     EXPECT_FALSE(Interval(1, 2).overlap({2, 0.5}, 1));
 }
 
-TEST(Interval, splits) {
+TEST(Interval, splitsAndExpands) {
     const Interval i(0, 10);
     EXPECT_EQ(i.bissect(), std::pair(Interval(0, 5), Interval(5, 10)));
     using Parts = std::pair<std::optional<Interval>, std::optional<Interval>>;
     EXPECT_EQ(i.bissectAtValue(10), Parts(Interval(0, 10), Interval(10, 10)));
     EXPECT_EQ(i.bissectAtValue(11), Parts(i, std::nullopt));
     EXPECT_EQ(i.bissectAtValue(-1), Parts(std::nullopt, i));
-}
-
-TEST(Interval, restrictsAndExpands) {
     EXPECT_EQ(Interval(1, 3).restrictValue(5), 3);
     EXPECT_EQ(Interval(1, 3).restrictValue(0), 1);
     EXPECT_EQ(Interval(3, 1).restrictValue(2), 1); // the maximum is looked at first
     EXPECT_EQ(Interval(1, 3).expandingToValue(0), Interval(0, 3));
     EXPECT_EQ(Interval(3, 1).expandingToValue(2), Interval(2, 2));
     EXPECT_EQ(Interval(2, 4).scaleNormalizedValue(1.5), 5);
-}
-
-TEST(Interval, convergesWhenTheEndsShareAFloor) {
+    // It has converged when the ends share a floor.
     EXPECT_TRUE(Interval(0.1, 0.9).hasConverged(1));
     EXPECT_FALSE(Interval(0.1, 0.9).hasConverged(2)); // 102 and 921
     EXPECT_TRUE(Interval(0.10001, 0.10002).hasConverged(2));

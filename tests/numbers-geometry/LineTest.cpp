@@ -13,11 +13,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <unordered_set>
 
 using namespace zorvan;
 
-TEST(Line, isNormalisedAndSigned) {
+TEST(Line, isSignedAndMeetsUnlessParallel) {
     const Line axis(CGPoint(0, 0), CGPoint(1, 0));
     EXPECT_EQ(axis, Line(0, 1, 0));
     EXPECT_EQ(axis.distance({5, 2}), 2);
@@ -26,9 +25,6 @@ TEST(Line, isNormalisedAndSigned) {
     Line moved = axis;
     moved.offsetBy(3);
     EXPECT_EQ(moved.distance({0, -3}), 0);
-}
-
-TEST(Line, meetsUnlessParallel) {
     const Line rising(CGPoint(0, 0), CGPoint(1, 1));
     const auto meeting = rising.intersects(Line(CGPoint(0, 1), CGPoint(1, 0)));
     ASSERT_TRUE(meeting);
@@ -52,8 +48,7 @@ TEST(Segment, measures) {
 }
 
 TEST(Segment, comparesInBothDirections) {
-    const Segment s({0, 0}, {3, 4});
-    const Segment near({3.0001, 4}, {0, 0});
+    const Segment s({0, 0}, {3, 4}), near({3.0001, 4}, {0, 0});
     EXPECT_TRUE(s.isEqualToReversedSegment(s.reversed()));
     EXPECT_FALSE(s.isEqualToSegment(s.reversed()));
     EXPECT_TRUE(s.isSimilarToReversed(near, 3));
@@ -74,28 +69,29 @@ TEST(Segment, containsByTheHalfOpenBounds) {
 }
 
 TEST(Segment, intersects) {
-    const Segment flat({0, 0}, {2, 0});
-    EXPECT_EQ(flat.intersects(Segment({1, -1}, {1, 1})), CGPoint(1, 0));
-    EXPECT_EQ(flat.intersects(Segment({1, 1}, {1, -1})), CGPoint(1, 0));
-    EXPECT_EQ(flat.intersects(Segment({3, -1}, {3, 1})), std::nullopt);
-    EXPECT_EQ(flat.intersects(Segment({0, 1}, {2, 1})), std::nullopt);
+    const Segment flat({0, 0}, {2, 0}), rising({0, 0}, {4, 2});
     // Touching at an end counts on a counter-clockwise turn only.
-    EXPECT_EQ(flat.intersects(Segment({2, 0}, {2, 1})), CGPoint(2, 0));
-    EXPECT_EQ(flat.intersects(Segment({2, 0}, {2, -1})), std::nullopt);
+    const struct {
+        CGPoint start, end;
+        std::optional<CGPoint> meeting;
+    } table[] = {
+        {{1, -1}, {1, 1}, CGPoint(1, 0)}, {{1, 1}, {1, -1}, CGPoint(1, 0)},
+        {{2, 0}, {2, 1}, CGPoint(2, 0)},  {{2, 0}, {2, -1}, std::nullopt},
+        {{3, -1}, {3, 1}, std::nullopt},  {{0, 1}, {2, 1}, std::nullopt},
+    };
+    for (const auto& [start, end, meeting] : table)
+        EXPECT_EQ(flat.intersects(Segment(start, end)), meeting) << start.x << ", " << end.y;
     EXPECT_EQ(flat.findIntersection(Segment({0.5, -1}, {0.5, 3})),
               (Segment::Intersection{{0.5, 0}, 0.25, 0.25}));
-    EXPECT_EQ(Segment({0, 0}, {4, 2}).intersects({.horizontal = 1}), CGPoint(2, 1));
-    EXPECT_EQ(Segment({0, 0}, {4, 2}).intersects({.horizontal = 2.1}), std::nullopt);
+    EXPECT_EQ(rising.intersects({.horizontal = 1}), CGPoint(2, 1));
+    EXPECT_EQ(rising.intersects({.horizontal = 2.1}), std::nullopt);
     EXPECT_EQ(Segment({3, 2}, {3, 0}).intersects({.horizontal = 2.000005}), CGPoint(3, 2.000005));
     EXPECT_EQ(Segment({1, 2}, {5, 2}).intersects({.horizontal = 2}), CGPoint(1, 2));
 }
 
 TEST(Triangle, classifiesTurns) {
     using State = Triangle::CollinearityState;
-    EXPECT_EQ(Triangle({0, 0}, {1, 0}, {0, 1}).collinearity(6), State::counterClockwiseTurn);
     EXPECT_EQ(Triangle({0, 0}, {0, 1}, {1, 0}).collinearity(6), State::clockwiseTurn);
-    EXPECT_EQ(Triangle({0, 0}, {1, 1}, {2, 2}).collinearity(6), State::line);
-    EXPECT_EQ(Triangle({1, 1}, {1, 1}, {1, 1}).collinearity(6), State::point);
     EXPECT_EQ(Triangle({0, 0}, {1e-7, 0}, {0, -1e-7}).collinearity(6), State::point);
     EXPECT_EQ(Triangle({0, 0}, {1, 0}, {0, 1e-6}).collinearity(6), State::counterClockwiseTurn);
     EXPECT_EQ(Triangle({0, 0}, {1, 0}, {0, 0.9e-6}).collinearity(6), State::line);
@@ -104,7 +100,6 @@ TEST(Triangle, classifiesTurns) {
 
 TEST(Angle, staysWithinOneTurn) {
     EXPECT_DOUBLE_EQ(Angle({.degrees = -90}).degrees(), 270);
-    EXPECT_DOUBLE_EQ(Angle({.degrees = 450}).degrees(), 90);
     EXPECT_EQ(Angle({.radians = -1e-20}).value(), 0);
     for (double x = -50; x < 50; x += 0.01) {
         const Angle angle({.radians = x});
@@ -112,35 +107,28 @@ TEST(Angle, staysWithinOneTurn) {
         ASSERT_NEAR(std::sin(angle.value()), std::sin(x), 1e-13);
     }
     EXPECT_TRUE(std::isnan(Angle({.radians = INFINITY}).value()));
+    // A sum is brought back into the turn, an addition in place is not.
+    EXPECT_EQ(Angle({.radians = 3}) - Angle({.radians = 1}), Angle({.radians = 2}));
+    EXPECT_LT((Angle({.radians = 4}) + Angle({.radians = 3})).value(), 1);
+    Angle sum({.radians = 4});
+    sum += Angle({.radians = 3});
+    EXPECT_EQ(sum.value(), 7);
+    EXPECT_TRUE(Angle::right < Angle::straight);
 }
 
-TEST(Angle, completes) {
+TEST(Angle, hasComplementsATypeAndAText) {
     EXPECT_NEAR(Angle({.degrees = 30}).complementary().degrees(), 60, 1e-12);
     EXPECT_NEAR(Angle({.degrees = 100}).complementary().degrees(), 80, 1e-12);
     EXPECT_NEAR(Angle({.degrees = 200}).supplementary().degrees(), 160, 1e-12);
     EXPECT_NEAR(Angle({.degrees = 30}).explementary().degrees(), 330, 1e-12);
     EXPECT_EQ(Angle::zero.explementary(), Angle::zero);
-}
-
-TEST(Angle, addsWithAndWithoutNormalising) {
-    EXPECT_EQ(Angle({.radians = 3}) - Angle({.radians = 1}), Angle({.radians = 2}));
-    Angle sum({.radians = 4});
-    sum += Angle({.radians = 3});
-    EXPECT_EQ(sum.value(), 7);
-    EXPECT_LT((Angle({.radians = 4}) + Angle({.radians = 3})).value(), 1);
-    EXPECT_TRUE(Angle::right < Angle::straight);
-}
-
-TEST(Angle, hasATypeAndAText) {
-    struct {
-        double radians;
-        Angle::Type type;
-    } table[] = {{0, Angle::Type::zero},          {std::nextafter(PI_1_2, 0), Angle::Type::acute},
-                 {PI_1_2, Angle::Type::right},    {std::nextafter(PI_1_2, 2), Angle::Type::obtuse},
-                 {PI_1_1, Angle::Type::straight}, {PI_3_2, Angle::Type::reflex},
-                 {NAN, Angle::Type::reflex}};
-    for (const auto& row : table)
-        EXPECT_EQ(Angle({.radians = row.radians}).type(), row.type) << row.radians;
+    const std::pair<double, Angle::Type> table[] = {
+        {0, Angle::Type::zero},          {std::nextafter(PI_1_2, 0), Angle::Type::acute},
+        {PI_1_2, Angle::Type::right},    {std::nextafter(PI_1_2, 2), Angle::Type::obtuse},
+        {PI_1_1, Angle::Type::straight}, {PI_3_2, Angle::Type::reflex},
+        {NAN, Angle::Type::reflex}};
+    for (const auto& [radians, type] : table)
+        EXPECT_EQ(Angle({.radians = radians}).type(), type) << radians;
     EXPECT_EQ(Angle::right.description(), "90.0 deg");
     EXPECT_EQ(PI_1_3, 1.0471975511965979); // a division of doubles is one step off
     EXPECT_EQ(PI_3_4, 2.356194490192345);
@@ -149,32 +137,19 @@ TEST(Angle, hasATypeAndAText) {
 TEST(Directions, turnAndToggle) {
     static_assert(Orientation::up.left_() == Orientation::left);
     static_assert(CardinalDirection::north.right() == CardinalDirection::east);
+    static_assert(CardinalDirection::east.left() == CardinalDirection::north);
     Orientation way = Orientation::up;
-    std::unordered_set<Orientation> seen;
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_TRUE(seen.insert(way).second);
+    for (const Orientation next :
+         {Orientation::right, Orientation::down, Orientation::left, Orientation::up}) {
         EXPECT_EQ(way.left_().right_(), way);
         way.turnRight();
+        EXPECT_EQ(way, next);
     }
-    EXPECT_EQ(way, Orientation::up);
-    EXPECT_EQ(Orientation::up.right_(), Orientation::right);
-    EXPECT_EQ(CardinalDirection::east.left(), CardinalDirection::north);
     HOrientation side = HOrientation::left;
     side.toggle();
     EXPECT_EQ(side, HOrientation::right);
     EXPECT_EQ(VOrientation::down.toggled(), VOrientation::up);
     EXPECT_EQ(ClockDirection::clockwise.toggled(), ClockDirection::antiClockwise);
-}
-
-TEST(Directions, workInASwitchAndByRawValue) {
-    switch (Orientation::up.left_()) {
-    case Orientation::up:
-    case Orientation::down:
-    case Orientation::right:
-        FAIL();
-    case Orientation::left:
-        break;
-    }
     EXPECT_EQ(Orientation::left.rawValue(), 3);
     EXPECT_EQ(Orientation::make({.rawValue = 2}), Orientation::right);
     EXPECT_EQ(CardinalDirection::make({.rawValue = 3}), CardinalDirection::south);

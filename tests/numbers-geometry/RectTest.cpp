@@ -18,8 +18,7 @@ const CGRect ten(0, 0, 10, 10);
 // Small whole coordinates, so that edges often coincide and sides are often zero or negative.
 struct RandomRects {
     std::mt19937_64 random{11};
-    std::uniform_int_distribution<> whole{-6, 6};
-    double number() { return whole(random); }
+    double number() { return std::uniform_int_distribution<>(-6, 6)(random); }
     CGPoint point() { return {number(), number()}; }
     CGRect rect() { return {point(), point().size()}; }
 };
@@ -52,17 +51,15 @@ TEST(CGRect, accessorsReadTheStandardisedRectangle) {
 
 TEST(CGRect, namesItsAnchors) {
     const CGRect r(0, 0, 4, 2);
-    struct {
-        RectAnchor anchor;
-        CGPoint point;
-    } table[] = {{RectAnchor::topLeft, {0, 2}},     {RectAnchor::topRight, {4, 2}},
-                 {RectAnchor::bottomRight, {4, 0}}, {RectAnchor::bottomLeft, {0, 0}},
-                 {RectAnchor::middleLeft, {0, 1}},  {RectAnchor::topCenter, {2, 2}},
-                 {RectAnchor::middleRight, {4, 1}}, {RectAnchor::bottomCenter, {2, 0}}};
-    for (const auto& row : table) {
-        EXPECT_EQ(r.point(row.anchor), row.point);
-        EXPECT_EQ(r.square(row.anchor, 2).center(), row.point);
-        EXPECT_EQ(r.rect(row.anchor, {2, 4}).size, CGSize(2, 4));
+    const std::pair<RectAnchor, CGPoint> table[] = {
+        {RectAnchor::topLeft, {0, 2}},     {RectAnchor::topRight, {4, 2}},
+        {RectAnchor::bottomRight, {4, 0}}, {RectAnchor::bottomLeft, {0, 0}},
+        {RectAnchor::middleLeft, {0, 1}},  {RectAnchor::topCenter, {2, 2}},
+        {RectAnchor::middleRight, {4, 1}}, {RectAnchor::bottomCenter, {2, 0}}};
+    for (const auto& [anchor, point] : table) {
+        EXPECT_EQ(r.point(anchor), point);
+        EXPECT_EQ(r.square(anchor, 2).center(), point);
+        EXPECT_EQ(r.rect(anchor, {2, 4}).size, CGSize(2, 4));
     }
 }
 
@@ -136,46 +133,36 @@ TEST(CGRect, mutatingFormsDoWhatTheCopyingOnesReturn) {
 }
 
 TEST(CGRect, expandsPerAxisFromTheOrigin) {
-    CGRect inside = ten;
-    inside.expand({4, 4});
-    EXPECT_EQ(inside, CGRect(0, 0, 4, 4));
-    CGRect outside = ten;
-    outside.expand({-2, 12});
-    EXPECT_EQ(outside, CGRect(-2, 0, 12, 12));
-    CGRect same = ten;
-    same.expand({0, 0});
-    EXPECT_EQ(same, ten);
-}
-
-TEST(CGRect, draggedHandleIsMirroredWhenItCrosses) {
-    CGRect r = ten;
-    EXPECT_EQ(r.move(RectAnchor::topRight, {-5, 20}), RectAnchor::topLeft);
-    EXPECT_EQ(r, CGRect(-5, 0, 5, 20));
-    r = ten;
-    EXPECT_EQ(r.move(RectAnchor::bottomLeft, {2, 15}), RectAnchor::topLeft);
-    EXPECT_EQ(r, CGRect(2, 10, 8, 5));
-    r = ten;
-    EXPECT_EQ(r.move(RectAnchor::middleLeft, {3, 99}), RectAnchor::middleLeft);
-    EXPECT_EQ(r, CGRect(3, 0, 7, 10));
+    const std::pair<CGPoint, CGRect> table[] = {
+        {{4, 4}, {0, 0, 4, 4}}, {{-2, 12}, {-2, 0, 12, 12}}, {{0, 0}, ten}};
+    for (const auto& [point, expanded] : table) {
+        CGRect r = ten;
+        r.expand(point);
+        EXPECT_EQ(r, expanded);
+    }
 }
 
 TEST(CGRect, draggedHandleEndsUnderThePoint) {
+    CGRect crossed = ten; // so the handle is mirrored
+    EXPECT_EQ(crossed.move(RectAnchor::bottomLeft, {2, 15}), RectAnchor::topLeft);
+    EXPECT_EQ(crossed, CGRect(2, 10, 8, 5));
     RandomRects source;
     for (int i = 0; i < 5000; ++i) {
-        CGRect r = source.rect().standardized();
+        const CGRect before = source.rect().standardized();
+        CGRect r = before;
         const RectAnchor anchor = RectAnchor::allValues[static_cast<std::size_t>(i) % 8];
-        const CGPoint opposite = r.point(anchor.opposed());
-        const CGPoint to = source.point();
+        const CGPoint opposite = r.point(anchor.opposed()), to = source.point();
         const RectAnchor now = r.move(anchor, to);
         EXPECT_EQ(r, r.standardized());
-        if (!anchor.isCenter()) {
-            EXPECT_EQ(r.point(now).x, to.x);
-        }
-        if (!anchor.isMiddle()) {
-            EXPECT_EQ(r.point(now).y, to.y);
-        }
+        EXPECT_EQ(anchor.isCenter() ? r.point(now).y : r.point(now).x,
+                  anchor.isCenter() ? to.y : to.x);
+        EXPECT_EQ(anchor.isMiddle() ? r.point(now).x : r.point(now).y,
+                  anchor.isMiddle() ? to.x : to.y);
         if (anchor.isCorner()) {
             EXPECT_EQ(r.point(now.opposed()), opposite);
+        }
+        if (anchor.isMiddle()) {
+            EXPECT_EQ(r.size.height, before.size.height);
         }
     }
 }

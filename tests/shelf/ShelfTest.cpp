@@ -6,8 +6,9 @@
 
 #include <algorithm>
 #include <fstream>
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <sstream>
 #include <sys/stat.h>
 #include <thread>
@@ -15,9 +16,7 @@
 using nlohmann::json;
 using namespace zorvan;
 namespace fs = std::filesystem;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::UnorderedElementsAre;
+using Names = std::vector<std::string>;
 
 namespace {
 
@@ -45,20 +44,20 @@ protected:
         return run(arguments);
     }
     /// The names that the JSON of a run has, relative to the folder.
-    std::vector<std::string> listed(std::vector<std::string> arguments) {
+    Names listed(Names arguments) {
         arguments.push_back("--json");
         const Outcome outcome = shelf(arguments);
         EXPECT_EQ(outcome.status, 0) << outcome.errors;
-        std::vector<std::string> names;
+        Names names;
         for (const auto& fact : json::parse(outcome.output))
             names.push_back(
                 fs::path(fact.at("path").get<std::string>()).lexically_relative(folder.path));
         return names;
     }
-    std::vector<std::string> filesIn(const std::string& name) {
-        std::vector<std::string> names;
+    std::set<std::string> filesIn(const std::string& name) {
+        std::set<std::string> names;
         for (const auto& entry : fs::directory_iterator(folder.path / name))
-            names.push_back(entry.path().filename());
+            names.insert(entry.path().filename());
         return names;
     }
     CGSize sizeOf(const std::string& name) {
@@ -106,7 +105,7 @@ TEST_F(Shelf, helpsAndRefusesNonsense) {
     for (const auto& row : table) {
         const Outcome outcome = shelf(row.arguments);
         EXPECT_EQ(outcome.status, 2) << row.complaint;
-        EXPECT_THAT(outcome.errors, HasSubstr(row.complaint));
+        EXPECT_NE(outcome.errors.find(row.complaint), std::string::npos) << outcome.errors;
         EXPECT_EQ(outcome.output, "");
     }
 }
@@ -127,19 +126,18 @@ TEST_F(Shelf, listsWhatItsOptionsSay) {
     write("notes.txt", "no picture");
     fs::create_symlink("img10.jpg", folder.path / "link.jpg");
     const std::string root = folder.path;
-    EXPECT_THAT(listed({root}), ElementsAre("IMG9.png", "img10.jpg", "link.jpg"));
-    EXPECT_THAT(listed({root, "--no-links", "-r"}),
-                ElementsAre("IMG9.png", "img10.jpg", "sub/a.jpg"));
-    EXPECT_THAT(listed({root, "--hidden", "--packages", "--recursive", "--no-links"}),
-                ElementsAre(".hidden.jpg", "doc.rtfd/b.jpg", "IMG9.png", "img10.jpg", "sub/a.jpg"));
+    EXPECT_EQ(listed({root}), (Names{"IMG9.png", "img10.jpg", "link.jpg"}));
+    EXPECT_EQ(listed({root, "--no-links", "-r"}), (Names{"IMG9.png", "img10.jpg", "sub/a.jpg"}));
+    EXPECT_EQ(listed({root, "--hidden", "--packages", "--recursive", "--no-links"}),
+              (Names{".hidden.jpg", "doc.rtfd/b.jpg", "IMG9.png", "img10.jpg", "sub/a.jpg"}));
     for (const char* type : {"png", ".PNG", "public.png"})
-        EXPECT_THAT(listed({root, "--type", type}), ElementsAre("IMG9.png")) << type;
-    EXPECT_THAT(listed({root, "--type", "png", "--type", "public.jpeg", "--no-links"}),
-                ElementsAre("IMG9.png", "img10.jpg"));
-    EXPECT_THAT(listed({root, "--type", "public.movie"}), ElementsAre());
+        EXPECT_EQ(listed({root, "--type", type}), Names{"IMG9.png"}) << type;
+    EXPECT_EQ(listed({root, "--type", "png", "--type", "public.jpeg", "--no-links"}),
+              (Names{"IMG9.png", "img10.jpg"}));
+    EXPECT_EQ(listed({root, "--type", "public.movie"}), Names{});
     // Given by name, a file needs no extension, and counts once.
     fs::rename(at("IMG9.png"), at("bare"));
-    EXPECT_THAT(listed({at("sub"), at("bare"), at("sub/a.jpg")}), ElementsAre("sub/a.jpg", "bare"));
+    EXPECT_EQ(listed({at("sub"), at("bare"), at("sub/a.jpg")}), (Names{"sub/a.jpg", "bare"}));
 }
 
 TEST_F(Shelf, printsAnAlignedTable) {
@@ -155,10 +153,8 @@ TEST_F(Shelf, printsAnAlignedTable) {
     const std::size_t column = displayWidth(lines[0].substr(0, lines[0].find("Type")));
     for (std::size_t i = 1; i <= 4; ++i)
         EXPECT_EQ(displayWidth(lines[i].substr(0, lines[i].find("public."))), column) << lines[i];
-    EXPECT_THAT(outcome.output, HasSubstr("with a\\nbreak.png"));
-    EXPECT_THAT(outcome.output, HasSubstr("caf\\xE9.jpg"));
-    EXPECT_THAT(outcome.output, HasSubstr("unreadable: "));
-    EXPECT_THAT(outcome.output, HasSubstr("300 x 20"));
+    for (const char* part : {"with a\\nbreak.png", "caf\\xE9.jpg", "unreadable: ", "300 x 20"})
+        EXPECT_NE(outcome.output.find(part), std::string::npos) << part;
     EXPECT_EQ(lines[6], "4 files, 1 unreadable");
     EXPECT_EQ(outcome.errors, "");
 }
@@ -177,21 +173,22 @@ TEST_F(Shelf, printsJSONForMachines) {
     EXPECT_EQ(outcome.status, 0);
     const json facts = json::parse(outcome.output);
     ASSERT_EQ(facts.size(), 2u);
-    EXPECT_EQ(facts[0], json({{"path", at("a.jpg")},
-                              {"type", "public.jpeg"},
-                              {"width", 300},
-                              {"height", 20},
-                              {"orientation", 1},
-                              {"uprightWidth", 300},
-                              {"uprightHeight", 20},
-                              {"error", nullptr}}));
-    EXPECT_EQ(facts[1].at("path"), at("bad\uFFFD.png"));
+    EXPECT_TRUE(facts[0] == json({{"path", at("a.jpg")},
+                                  {"type", "public.jpeg"},
+                                  {"width", 300},
+                                  {"height", 20},
+                                  {"orientation", 1},
+                                  {"uprightWidth", 300},
+                                  {"uprightHeight", 20},
+                                  {"error", nullptr}}))
+        << facts[0].dump();
+    EXPECT_EQ(facts[1].at("path").get<std::string>(), at("bad\uFFFD.png"));
     EXPECT_TRUE(facts[1].at("width").is_null());
     EXPECT_TRUE(facts[1].at("error").is_string());
 
     const Outcome nothing = shelf({folder.path, "--json", "--type", "gif"});
     EXPECT_EQ(nothing.status, 0);
-    EXPECT_EQ(json::parse(nothing.output), json::array());
+    EXPECT_TRUE(json::parse(nothing.output) == json::array()) << nothing.output;
 }
 
 TEST_F(Shelf, noticesWhatIsCutShortUnlessInAHurry) {
@@ -207,7 +204,7 @@ TEST_F(Shelf, neverWaitsForAPipe) {
     ASSERT_EQ(mkfifo(at("pipe.jpg").c_str(), 0600), 0);
     const Outcome outcome = shelf({folder.path});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_THAT(outcome.output, HasSubstr("not a regular file"));
+    EXPECT_NE(outcome.output.find("not a regular file"), std::string::npos) << outcome.output;
 }
 
 TEST_F(Shelf, exportsWithoutEverOverwriting) {
@@ -219,8 +216,8 @@ TEST_F(Shelf, exportsWithoutEverOverwriting) {
             {at("in"), "--export", at("out/deep"), "--size", "200", "--format", "png", "--quiet"});
         EXPECT_EQ(outcome.status, 0) << outcome.errors;
     }
-    EXPECT_THAT(filesIn("out/deep"),
-                UnorderedElementsAre("a.png", "a (0).png", "a (1).png", "a (2).png"));
+    EXPECT_EQ(filesIn("out/deep"),
+              (std::set<std::string>{"a.png", "a (0).png", "a (1).png", "a (2).png"}));
     EXPECT_EQ(sizeOf("out/deep/a.png"), CGSize(200, 50));
     EXPECT_EQ(sizeOf("out/deep/a (0).png"), CGSize(30, 20));
     EXPECT_EQ(sizeOf("out/deep/a (1).png"), CGSize(200, 50));
@@ -262,8 +259,8 @@ TEST_F(Shelf, makesSheetsInEachFormat) {
         const auto source = CGImageSource::create(URL({.fileURLWithPath = at(sheet)}));
         EXPECT_EQ(source->type(), ImageExportFormat::make({.pathExt = extension})->cgType());
     }
-    EXPECT_THAT(filesIn(""),
-                UnorderedElementsAre("in", "sheet.png", "sheet.jpg", "sheet.tiff", "sheet.heic"));
+    EXPECT_EQ(filesIn(""),
+              (std::set<std::string>{"in", "sheet.png", "sheet.jpg", "sheet.tiff", "sheet.heic"}));
 }
 
 TEST_F(Shelf, leavesItsOwnSheetOutOfTheNextOne) {
@@ -299,16 +296,17 @@ TEST_F(Shelf, endsWithOneWhenNothingCouldBeWritten) {
     write("broken.jpg", "x");
     const Outcome noneReadable = shelf({at("broken.jpg"), "--export", at("out")});
     EXPECT_EQ(noneReadable.status, 1);
-    EXPECT_THAT(noneReadable.errors, HasSubstr("no picture could be read"));
+    EXPECT_NE(noneReadable.errors.find("no picture could be read"), std::string::npos)
+        << noneReadable.errors;
 
     const Outcome blocked = shelf({at("a.jpg"), "--export", at("a.jpg") + "/out"});
     EXPECT_EQ(blocked.status, 1);
-    EXPECT_THAT(blocked.errors, HasSubstr(at("a.jpg") + "/out: "));
+    EXPECT_NE(blocked.errors.find(at("a.jpg") + "/out: "), std::string::npos) << blocked.errors;
 
     const Outcome fullOutput =
         run({"sh", "-c", "exec \"$@\" >/dev/full", "sh", SHELF_PROGRAM, at("a.jpg")});
     EXPECT_EQ(fullOutput.status, 1);
-    EXPECT_THAT(fullOutput.errors, HasSubstr("standard output: "));
+    EXPECT_NE(fullOutput.errors.find("standard output: "), std::string::npos) << fullOutput.errors;
 }
 
 TEST_F(Shelf, drawsAWindowOfThePictures) {

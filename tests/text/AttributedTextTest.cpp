@@ -36,6 +36,11 @@ std::string rtfText(const NSAttributedString& text) {
     return {reinterpret_cast<const char*>(data.data()), data.size()};
 }
 
+void expectIn(const std::string& document, const std::vector<std::string>& parts) {
+    for (const std::string& part : parts)
+        EXPECT_THAT(document, HasSubstr(part));
+}
+
 /// What a program prints when it is given `document` as a file.
 std::string outputOf(const std::string& command, const std::string& document) {
     char path[] = "/tmp/zorvan-document-XXXXXX";
@@ -57,7 +62,6 @@ std::string outputOf(const std::string& command, const std::string& document) {
 
 TEST(AttributedText, IsBuiltAndChanged) {
     const AttributeDictionary bold = {{"NSFont", TextFont{"Times", 12, true, false}}};
-    EXPECT_TRUE(isEmpty(NSAttributedString()));
     EXPECT_FALSE(isEmpty(format(bold, "x")));
     EXPECT_EQ(format(bold, "ab").runs().front().attributes, bold);
     NSMutableAttributedString text = mutableFormat(bold, "ab");
@@ -72,80 +76,62 @@ TEST(AttributedText, IsBuiltAndChanged) {
     EXPECT_TRUE(plain.runs().front().attributes.empty());
     replaceAllCharacters(text, "");
     addForegroundColor(text, TextColor());
-    EXPECT_EQ(text, NSAttributedString());
+    EXPECT_TRUE(isEmpty(text));
 }
 
 TEST(AttributedText, HTMLHoldsTextAndAttributes) {
     const std::string html = *htmlDocument(sample());
-    EXPECT_THAT(html, HasSubstr("font-weight:bold;\">Bold</span>"));
-    EXPECT_THAT(
-        html,
-        HasSubstr(
-            "color:rgba(255,0,0,1);text-decoration:underline;\"> &amp; &lt;red&gt;</span></p>"));
-    EXPECT_THAT(
-        html,
-        HasSubstr("<p style=\"text-align:center\"><a href=\"https://example.com/?a=1&amp;b=2\">"));
-    EXPECT_THAT(html, HasSubstr("<sup>2</sup>"));
+    expectIn(html,
+             {"font-weight:bold;\">Bold</span>", "<sup>2</sup>",
+              "color:rgba(255,0,0,1);text-decoration:underline;\"> &amp; &lt;red&gt;</span></p>",
+              "<p style=\"text-align:center\"><a href=\"https://example.com/?a=1&amp;b=2\">"});
     EXPECT_EQ(outputOf("xmllint --html --noout", html), "");
     EXPECT_EQ(outputOf("xmllint --html --xpath 'string(//body)'", html),
               "\nBold & <red>\nlink {x} \\ é 😀2\n\n");
 }
 
 TEST(AttributedText, HTMLLetsNothingOut) {
+    const auto linked = [](const char* link) {
+        return *htmlDocument(format({{"NSLink", std::string(link)}}, "x"));
+    };
     const AttributeDictionary hostile = {{"NSLink", std::string("java\tscript:alert(1)")},
                                          {"NSFont", TextFont{"x';}\"><script>", -1, false, false}}};
     const std::string html = *htmlDocument(format(hostile, "</p>\"'\x01\xFF"));
     EXPECT_THAT(html, Not(HasSubstr("<script>")));
     EXPECT_THAT(html, Not(HasSubstr("href")));
-    EXPECT_THAT(html, HasSubstr("&lt;/p&gt;&quot;&#39;\uFFFD\uFFFD"));
+    expectIn(html, {"&lt;/p&gt;&quot;&#39;\uFFFD\uFFFD"});
     for (const char* link : {"javascript:x", "JavaScript:x", " javascript:x", "data:text/html,x",
                              "vbscript:x", "file:///etc/passwd"})
-        EXPECT_THAT(*htmlDocument(format({{"NSLink", std::string(link)}}, "x")),
-                    Not(HasSubstr("href")))
-            << link;
+        EXPECT_THAT(linked(link), Not(HasSubstr("href"))) << link;
     for (const char* link : {"http://x", "HTTPS://x", "mailto:a@b.cd", "page.html?a:b", "#top"})
-        EXPECT_THAT(*htmlDocument(format({{"NSLink", std::string(link)}}, "x")), HasSubstr("href"))
-            << link;
+        EXPECT_THAT(linked(link), HasSubstr("href")) << link;
 }
 
 TEST(AttributedText, ParagraphsEndAsTheyAreWritten) {
-    const struct {
-        std::string_view text;
-        std::string_view body;
-    } cases[] = {
+    const std::pair<std::string_view, std::string> table[] = {
         {"", ""},
-        {"a", "<p>a</p>\n"},
         {"a\n", "<p>a</p>\n"},
         {"a\r\nb", "<p>a</p>\n<p>b</p>\n"},
         {"\n\nb", "<p><br></p>\n<p><br></p>\n<p>b</p>\n"},
         {"a\u2029b\u2028c", "<p>a</p>\n<p>b<br>c</p>\n"},
     };
-    for (const auto& [text, body] : cases)
-        EXPECT_THAT(*htmlDocument(NSAttributedString(text)),
-                    HasSubstr("<body>\n" + std::string(body) + "</body>"));
+    for (const auto& [text, body] : table)
+        expectIn(*htmlDocument(NSAttributedString(text)), {"<body>\n" + body + "</body>"});
 }
 
 TEST(AttributedText, RTFIsReadBack) {
     const std::string document = rtfText(sample());
     EXPECT_TRUE(std::all_of(document.begin(), document.end(),
                             [](char c) { return static_cast<unsigned char>(c) < 0x80; }));
-    EXPECT_THAT(document, HasSubstr("{\\fonttbl{\\f0\\fnil Helvetica;}{\\f1\\fnil Times;}}"));
-    EXPECT_THAT(document, HasSubstr("{\\colortbl;\\red255\\green0\\blue0;}"));
-    EXPECT_THAT(document, HasSubstr("{\\f1\\fs28\\b Bold}"));
-    EXPECT_THAT(document, HasSubstr("\\cf1\\ul  & <red>"));
-    EXPECT_THAT(document, HasSubstr("\\{x\\} \\\\ \\u233? \\u-10179?\\u-8704?"));
-    EXPECT_THAT(document, HasSubstr("HYPERLINK \"https://example.com/?a=1&b=2\""));
-}
-
-TEST(AttributedText, RTFIsReadByAnotherProgram) {
+    expectIn(document, {"{\\fonttbl{\\f0\\fnil Helvetica;}{\\f1\\fnil Times;}}",
+                        "{\\colortbl;\\red255\\green0\\blue0;}", "{\\f1\\fs28\\b Bold}",
+                        "\\cf1\\ul  & <red>", "\\{x\\} \\\\ \\u233? \\u-10179?\\u-8704?",
+                        "HYPERLINK \"https://example.com/?a=1&b=2\""});
     NSMutableAttributedString text = sample();
     text.removeAttribute(AttributeName::link, {0, text.length()}); // which unrtf does not read
-    const std::string read = outputOf("unrtf --html --quiet", rtfText(text));
-    EXPECT_THAT(read, HasSubstr("<b>Bold</b>"));
-    EXPECT_THAT(read, HasSubstr("<font color=\"#ff0000\"><u> &amp; &lt;red&gt;</u></font>"));
-    EXPECT_THAT(read, HasSubstr("<center>"));
-    EXPECT_THAT(read, HasSubstr("link {x} \\ &eacute;"));
-    EXPECT_THAT(read, HasSubstr("<sup>2</sup>"));
+    expectIn(outputOf("unrtf --html --quiet", rtfText(text)),
+             {"<b>Bold</b>", "<font color=\"#ff0000\"><u> &amp; &lt;red&gt;</u></font>", "<center>",
+              "link {x} \\ &eacute;", "<sup>2</sup>"});
 }
 
 TEST(AttributedText, RTFBracesBalance) {

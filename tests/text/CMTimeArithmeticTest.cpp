@@ -1,81 +1,44 @@
+#include "Times.h"
+
 #include <zorvan/text/CMTimeArithmetic.h>
 
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <limits>
-#include <ostream>
 
 using namespace zorvan;
 
 namespace {
 
-constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
 constexpr std::int32_t top = kCMTimeMaxTimescale;
 
-CMTime rounded(std::int64_t value, std::int32_t timescale) {
-    CMTime time = CMTimeMake(value, timescale);
-    time.flags |= kCMTimeFlags_HasBeenRounded;
-    return time;
-}
-
-CMTime inEpoch(std::int64_t epoch) { return CMTimeMakeWithEpoch(1, 1, epoch); }
-
-struct Fields {
-    CMTime time;
-    friend bool operator==(const Fields& a, const Fields& b) {
-        return a.time.value == b.time.value && a.time.timescale == b.time.timescale &&
-               a.time.flags == b.time.flags && a.time.epoch == b.time.epoch;
-    }
-    friend std::ostream& operator<<(std::ostream& stream, const Fields& fields) {
-        return stream << fields.time.value << '/' << fields.time.timescale << " flags "
-                      << fields.time.flags << " epoch " << fields.time.epoch;
-    }
+struct Sum {
+    CMTime a, b, sum, difference;
 };
-
-/// To the last field, since equal times may differ in their timescale.
-#define EXPECT_SAME(a, b) EXPECT_EQ(Fields{a}, Fields{b})
 
 } // namespace
 
 TEST(CMTimeArithmetic, addsInTheLeastCommonTimescale) {
-    struct {
-        CMTime a, b, sum, difference;
-    } table[] = {
-        {CMTimeMake(1, 600), CMTimeMake(2, 600), CMTimeMake(3, 600), CMTimeMake(-1, 600)},
-        {CMTimeMake(1, 4), CMTimeMake(1, 6), CMTimeMake(5, 12), CMTimeMake(1, 12)},
-        {CMTimeMake(1, 1), CMTimeMake(1, 1000), CMTimeMake(1001, 1000), CMTimeMake(999, 1000)},
-        // An operand that was rounded marks the result.
-        {rounded(1, 2), CMTimeMake(1, 2), rounded(2, 2), rounded(0, 2)},
-        // The least common multiple is no timescale any more.
-        {CMTimeMake(1, top), CMTimeMake(1, 2), rounded(1073741825, top), rounded(-1073741823, top)},
-        // The timescale is halved while the value overflows; halves are rounded away from zero.
-        {CMTimeMake(largest, 600), CMTimeMake(largest, 600), CMTimeMake(largest, 300),
-         CMTimeMake(0, 600)},
-        {CMTimeMake(largest, 2), CMTimeMake(2, 2), rounded(4611686018427387905, 1),
-         CMTimeMake(largest - 2, 2)},
-        {CMTimeMake(smallest, 4), CMTimeMake(-1, 4), rounded(smallest / 2 - 1, 2),
-         CMTimeMake(smallest + 1, 4)},
-        {CMTimeMake(largest, 1), CMTimeMake(1, 1), kCMTimePositiveInfinity,
-         CMTimeMake(largest - 1, 1)},
-        {CMTimeMake(smallest, 1), CMTimeMake(-1, 1), kCMTimeNegativeInfinity,
-         CMTimeMake(smallest + 1, 1)},
+    // An operand that was rounded marks the result; so does a least common multiple that is no
+    // timescale. It is halved while the value overflows; halves are rounded away from zero.
+    const Sum table[] = {
+        {t(1, 600), t(2, 600), t(3, 600), t(-1, 600)},
+        {t(1, 4), t(1, 6), t(5, 12), t(1, 12)},
+        {t(1, 1), t(1, 1000), t(1001, 1000), t(999, 1000)},
+        {rounded(1, 2), t(1, 2), rounded(2, 2), rounded(0, 2)},
+        {t(1, top), t(1, 2), rounded(1073741825, top), rounded(-1073741823, top)},
+        {t(largest, 600), t(largest, 600), t(largest, 300), t(0, 600)},
+        {t(largest, 2), t(2, 2), rounded(4611686018427387905), t(largest - 2, 2)},
+        {t(smallest, 4), t(-1, 4), rounded(smallest / 2 - 1, 2), t(smallest + 1, 4)},
+        {t(largest), t(1), plus, t(largest - 1)},
+        {t(smallest), t(-1), minus, t(smallest + 1)},
     };
-    for (const auto& row : table) {
-        EXPECT_SAME(row.a + row.b, row.sum) << Fields{row.a} << " and " << Fields{row.b};
-        EXPECT_SAME(row.b + row.a, row.sum) << Fields{row.b} << " and " << Fields{row.a};
-        EXPECT_SAME(row.a - row.b, row.difference) << Fields{row.a} << " and " << Fields{row.b};
+    for (const auto& [a, b, sum, difference] : table) {
+        expectSame({{a + b, sum}, {b + a, sum}, {a - b, difference}});
     }
 }
 
 TEST(CMTimeArithmetic, addsMarksAndEpochs) {
-    const CMTime one = CMTimeMake(1, 1);
-    const CMTime invalid = kCMTimeInvalid, unknown = kCMTimeIndefinite;
-    const CMTime plus = kCMTimePositiveInfinity, minus = kCMTimeNegativeInfinity;
-    struct {
-        CMTime a, b, sum, difference;
-    } table[] = {
+    const CMTime one = t(1);
+    const Sum table[] = {
         {invalid, plus, invalid, invalid}, {one, invalid, invalid, invalid},
         {plus, one, plus, plus},           {one, plus, plus, minus},
         {minus, one, minus, minus},        {one, minus, minus, plus},
@@ -84,9 +47,9 @@ TEST(CMTimeArithmetic, addsMarksAndEpochs) {
         {unknown, one, unknown, unknown},  {one, unknown, unknown, unknown},
         {plus, unknown, plus, plus},       {unknown, plus, plus, minus},
     };
-    for (const auto& row : table) {
-        EXPECT_SAME(row.a + row.b, row.sum) << Fields{row.a} << " and " << Fields{row.b};
-        EXPECT_SAME(row.a - row.b, row.difference) << Fields{row.a} << " and " << Fields{row.b};
+    for (const auto& [a, b, sum, difference] : table) {
+        SCOPED_TRACE(testing::PrintToString(a) + " and " + testing::PrintToString(b));
+        expectSame({{a + b, sum}, {a - b, difference}});
     }
     EXPECT_EQ((inEpoch(0) + inEpoch(5)).epoch, 5);
     EXPECT_EQ((inEpoch(5) - inEpoch(0)).epoch, 5);
@@ -96,177 +59,132 @@ TEST(CMTimeArithmetic, addsMarksAndEpochs) {
 
 TEST(CMTimeArithmetic, ordersEveryKind) {
     // Each one is below the next.
-    const CMTime ladder[] = {
-        kCMTimeNegativeInfinity,
-        CMTimeMake(smallest, 1),
-        CMTimeMake(-1, top),
-        kCMTimeZero,
-        CMTimeMake(largest - 1, largest >> 32),
-        CMTimeMake(largest, largest >> 32),
-        CMTimeMake(largest, 1),
-        CMTimeMakeWithEpoch(-1, 1, 1),
-        CMTimeMakeWithEpoch(0, 1, 2),
-        kCMTimeIndefinite,
-        kCMTimePositiveInfinity,
-        kCMTimeInvalid,
-    };
+    const CMTime far = t(largest, top), nearlyFar = t(largest - 1, top), tiny = t(-1, top);
+    const CMTime ladder[] = {minus,         t(smallest), tiny,       t(0),
+                             nearlyFar,     far,         t(largest), inEpoch(1, -1),
+                             inEpoch(2, 0), unknown,     plus,       invalid};
     for (std::size_t i = 0; i < std::size(ladder); ++i)
         for (std::size_t k = 0; k < std::size(ladder); ++k)
             EXPECT_EQ(CMTimeCompare(ladder[i], ladder[k]), (i > k) - (i < k)) << i << ' ' << k;
-    EXPECT_EQ(CMTimeMake(1, 2), rounded(300, 600));
-    EXPECT_EQ(CMTimeMake(1, 0), kCMTimeInvalid);
+    EXPECT_EQ(t(1, 2), rounded(300, 600));
+    EXPECT_EQ(t(1, 0), invalid);
     // One part in 2^62 apart: a comparison in double precision would call them equal.
-    EXPECT_LT(CMTimeMake(top - 1, top), CMTimeMake(top, top - 1));
-    EXPECT_LT(CMTimeMake(4611686011984936962, top), CMTimeMake(2147483646, 1) + CMTimeMake(1, top));
-    EXPECT_SAME(CMTimeMinimum(CMTimeMake(1, 2), CMTimeMake(2, 4)), CMTimeMake(1, 2));
-    EXPECT_SAME(CMTimeMaximum(CMTimeMake(1, 2), CMTimeMake(2, 4)), CMTimeMake(1, 2));
-    EXPECT_SAME(CMTimeMaximum(CMTimeMake(1, 2), kCMTimeIndefinite), kCMTimeIndefinite);
+    EXPECT_LT(t(top - 1, top), t(top, top - 1));
+    EXPECT_LT(t(4611686011984936962, top), t(2147483646) + t(1, top));
+    expectSame({{CMTimeMinimum(t(1, 2), t(2, 4)), t(1, 2)},
+                {CMTimeMaximum(t(1, 2), t(2, 4)), t(1, 2)},
+                {CMTimeMaximum(t(1, 2), unknown), unknown}});
 }
 
 TEST(CMTimeArithmetic, convertsByEveryMethod) {
-    using enum CMTimeRoundingMethod;
+    // The values by half, toward zero, away from it, never to it, up and down: the methods' order.
     struct {
         std::int64_t value;
         std::int32_t from, to;
-        std::int64_t half, zero, away, neverToZero, up, down;
+        std::int64_t results[6];
     } table[] = {
-        {3, 2, 1, 2, 1, 2, 1, 2, 1},
-        {-3, 2, 1, -2, -1, -2, -1, -1, -2},
-        {4, 3, 1, 1, 1, 2, 1, 2, 1},
-        {-4, 3, 1, -1, -1, -2, -1, -1, -2},
-        {5, 3, 1, 2, 1, 2, 1, 2, 1},
-        {1, 3, 1, 0, 0, 1, 1, 1, 0},
-        {-1, 3, 1, 0, 0, -1, -1, 0, -1},
-        {1, 3, 4, 1, 1, 2, 2, 2, 1},
-        {-1, 3, 4, -1, -1, -2, -2, -1, -2},
-        {6, 4, 2, 3, 3, 3, 3, 3, 3},
-        {largest, 3, 3, largest, largest, largest, largest, largest, largest},
+        {3, 2, 1, {2, 1, 2, 1, 2, 1}}, {-3, 2, 1, {-2, -1, -2, -1, -1, -2}},
+        {4, 3, 1, {1, 1, 2, 1, 2, 1}}, {-4, 3, 1, {-1, -1, -2, -1, -1, -2}},
+        {1, 3, 4, {1, 1, 2, 2, 2, 1}}, {-1, 3, 4, {-1, -1, -2, -2, -1, -2}},
+        {1, 3, 1, {0, 0, 1, 1, 1, 0}}, {-1, 3, 1, {0, 0, -1, -1, 0, -1}},
+        {5, 3, 1, {2, 1, 2, 1, 2, 1}}, {6, 4, 2, {3, 3, 3, 3, 3, 3}},
     };
-    for (const auto& row : table) {
-        const std::pair<CMTimeRoundingMethod, std::int64_t> results[] = {
-            {roundHalfAwayFromZero, row.half},     {roundTowardZero, row.zero},
-            {roundAwayFromZero, row.away},         {neverToZero, row.neverToZero},
-            {roundTowardPositiveInfinity, row.up}, {roundTowardNegativeInfinity, row.down}};
-        for (const auto& [method, value] : results) {
-            const CMTime time = CMTimeMake(row.value, row.from);
-            const CMTime result = CMTimeConvertScale(time, row.to, method);
-            EXPECT_EQ(result.value, value)
-                << row.value << '/' << row.from << " by " << static_cast<std::uint32_t>(method);
+    for (const auto& row : table)
+        for (std::uint32_t method = 1; method <= 6; ++method) {
+            const CMTime time = t(row.value, row.from);
+            const CMTime result =
+                CMTimeConvertScale(time, row.to, static_cast<CMTimeRoundingMethod>(method));
+            EXPECT_EQ(result.value, row.results[method - 1])
+                << row.value << '/' << row.from << " by " << method;
             EXPECT_EQ(result.timescale, row.to);
             EXPECT_EQ(result.hasBeenRounded(), result != time);
         }
-    }
-    EXPECT_TRUE(CMTimeConvertScale(CMTimeMake(smallest, 1), 2, default_).isNegativeInfinity());
-    EXPECT_FALSE(CMTimeConvertScale(kCMTimeZero, 0, default_).isValid());
-    EXPECT_SAME(CMTimeConvertScale(rounded(1, 2), 4, default_), rounded(2, 4));
-    EXPECT_SAME(CMTimeConvertScale(kCMTimeIndefinite, 4, default_), kCMTimeIndefinite);
-    EXPECT_EQ(CMTimeConvertScale(inEpoch(3), 4, default_).epoch, 3);
+    constexpr auto usual = CMTimeRoundingMethod::default_;
+    EXPECT_TRUE(CMTimeConvertScale(t(smallest), 2, usual).isNegativeInfinity());
+    EXPECT_FALSE(CMTimeConvertScale(kCMTimeZero, 0, usual).isValid());
+    expectSame({{CMTimeConvertScale(rounded(1, 2), 4, usual), rounded(2, 4)},
+                {CMTimeConvertScale(unknown, 4, usual), unknown},
+                {CMTimeConvertScale(t(largest, 3), 3, usual), t(largest, 3)}});
+    EXPECT_EQ(CMTimeConvertScale(inEpoch(3), 4, usual).epoch, 3);
 }
 
 TEST(CMTimeArithmetic, multipliesByIntegers) {
-    EXPECT_SAME(CMTimeMake(3, 600) * 200, CMTimeMake(600, 600));
-    EXPECT_SAME(-2 * CMTimeMake(3, 600), CMTimeMake(-6, 600));
-    EXPECT_SAME(CMTimeMake(largest, 600) * 4, CMTimeMake(largest, 150));
-    EXPECT_SAME(CMTimeMake(largest, 3) * 2, rounded(6148914691236517205, 1));
-    EXPECT_SAME(CMTimeMake(largest, 1) * 2, kCMTimePositiveInfinity);
-    EXPECT_SAME(CMTimeMake(smallest, 1) * std::numeric_limits<std::int32_t>::min(),
-                kCMTimePositiveInfinity);
-    EXPECT_SAME(CMTimeMake(smallest, 1) * 1, CMTimeMake(smallest, 1));
-    EXPECT_SAME(kCMTimeNegativeInfinity * -1, kCMTimePositiveInfinity);
-    EXPECT_SAME(kCMTimePositiveInfinity * 0, kCMTimeIndefinite);
-    EXPECT_SAME(kCMTimeIndefinite * 2, kCMTimeIndefinite);
-    EXPECT_SAME(kCMTimeInvalid * 2, kCMTimeInvalid);
+    const TimePairs numbers = {
+        {t(3, 600) * 200, t(600, 600)},
+        {-2 * t(3, 600), t(-6, 600)},
+        {t(largest, 600) * 4, t(largest, 150)},
+        {t(largest, 3) * 2, rounded(6148914691236517205)},
+        {t(smallest) * std::numeric_limits<std::int32_t>::min(), plus},
+        {t(smallest) * 1, t(smallest)},
+    };
+    const TimePairs marks = {
+        {t(largest) * 2, plus}, {minus * -1, plus},     {plus * 0, unknown},
+        {unknown * 2, unknown}, {invalid * 2, invalid}, {0 * minus, unknown},
+    };
+    expectSame(numbers);
+    expectSame(marks);
 }
 
 TEST(CMTimeArithmetic, multipliesByRatios) {
-    struct {
-        CMTime time;
-        std::int32_t multiplier, divisor;
-        CMTime result;
-    } table[] = {
-        {CMTimeMake(10, 1), 1, 4, CMTimeMake(5, 2)},
-        {CMTimeMake(600, 600), 1, 2, CMTimeMake(300, 600)}, // keeps its timescale where it can
-        {CMTimeMake(1, 600), 1, 7, CMTimeMake(1, 4200)},
-        {CMTimeMake(1, 600), -2, 3, CMTimeMake(-2, 1800)},
-        {CMTimeMake(1, 600), 2, -3, CMTimeMake(-2, 1800)},
-        {rounded(1, 2), 1, 2, rounded(1, 4)},
-        {CMTimeMake(smallest, 1), 1, 1, CMTimeMake(smallest, 1)},
-        {CMTimeMake(smallest, 1), -1, 1, kCMTimePositiveInfinity},
-        {CMTimeMake(largest, 1), 3, 2, kCMTimePositiveInfinity},
-        // Only the lowest terms have a timescale.
-        {CMTimeMake(3, 1500000000), 1, 2, CMTimeMake(1, 1000000000)},
-        // No timescale holds these: the nearest time of all.
-        {CMTimeMake(1, top), 1, 2, rounded(0, 1)},
-        {CMTimeMake(3, 2000000000), 1, 2, rounded(1, 1333333333)},
-        {CMTimeMake(1, 1), 1, 0, kCMTimeInvalid},
-        {kCMTimePositiveInfinity, -1, 2, kCMTimeNegativeInfinity},
-        {kCMTimePositiveInfinity, 0, 2, kCMTimeIndefinite},
-        {kCMTimeInvalid, 1, 2, kCMTimeInvalid},
+    // A time keeps its timescale where it can. At 1500000000 only the lowest terms have one; where
+    // none holds the result, it is the nearest time of all.
+    const auto ratio = CMTimeMultiplyByRatio;
+    const TimePairs numbers = {
+        {ratio(t(10), 1, 4), t(5, 2)},           {ratio(t(600, 600), 1, 2), t(300, 600)},
+        {ratio(t(1, 600), 1, 7), t(1, 4200)},    {ratio(t(1, 600), -2, 3), t(-2, 1800)},
+        {ratio(t(1, 600), 2, -3), t(-2, 1800)},  {ratio(rounded(1, 2), 1, 2), rounded(1, 4)},
+        {ratio(t(smallest), 1, 1), t(smallest)}, {ratio(t(1, top), 1, 2), rounded(0)},
     };
-    for (const auto& row : table)
-        EXPECT_SAME(CMTimeMultiplyByRatio(row.time, row.multiplier, row.divisor), row.result)
-            << Fields{row.time} << " * " << row.multiplier << " / " << row.divisor;
-    EXPECT_SAME(CMTimeMake(10, 1) / 4, CMTimeMake(5, 2));
-    EXPECT_SAME(CMTimeMake(3, 2).middle(), CMTimeMake(3, 4));
+    const TimePairs large = {{ratio(t(3, 1500000000), 1, 2), t(1, 1000000000)},
+                             {ratio(t(3, 2000000000), 1, 2), rounded(1, 1333333333)}};
+    const TimePairs marks = {
+        {ratio(plus, -1, 2), minus},     {ratio(plus, 0, 2), unknown},
+        {ratio(t(1), 1, 0), invalid},    {ratio(invalid, 1, 2), invalid},
+        {ratio(t(largest), 3, 2), plus}, {ratio(t(smallest), -1, 1), plus},
+    };
+    expectSame(numbers);
+    expectSame(large);
+    expectSame(marks);
+    expectSame({{t(10) / 4, t(5, 2)}, {t(3, 2).middle(), t(3, 4)}});
 }
 
 TEST(CMTimeArithmetic, multipliesByReals) {
-    struct {
-        CMTime time;
-        double factor;
-        CMTime result;
-    } table[] = {
-        {CMTimeMake(1, 1), 0.5, CMTimeMake(1, 2)},
-        {CMTimeMake(10, 600), 0.5, CMTimeMake(5, 600)},
-        {CMTimeMake(10, 600), -3, CMTimeMake(-30, 600)},
-        // A decimal factor counts as the fraction that was meant.
-        {CMTimeMake(600, 600), 0.1, CMTimeMake(60, 600)},
-        {CMTimeMake(1, 1000000), 1.1, CMTimeMake(11, 10000000)},
-        {CMTimeMake(3, 1), 1.0 / 3, CMTimeMake(1, 1)},
-        {rounded(1, 1), 2, rounded(2, 1)},
-        {CMTimeMake(5, 7), 0, CMTimeMake(0, 7)},
-        {CMTimeMake(0, 7), 1e300, CMTimeMake(0, 7)},
-        {CMTimeMake(1, 1), 1e300, kCMTimePositiveInfinity},
-        {CMTimeMake(-1, 1), 0x1p64, kCMTimeNegativeInfinity},
-        {CMTimeMake(1, 4), 0x1p64, rounded(std::int64_t{1} << 62, 1)},
-        {CMTimeMake(1, 1), 1e-300, rounded(0, 1)},
-        {CMTimeMake(1, 1), 5e-324, rounded(0, 1)},
-        {CMTimeMake(std::int64_t{1} << 62, 1), 0x1p-80, rounded(1, 262144)},
-        {CMTimeMake(1, 1), INFINITY, kCMTimePositiveInfinity},
-        {CMTimeMake(0, 1), INFINITY, kCMTimeIndefinite},
-        {kCMTimePositiveInfinity, -0.5, kCMTimeNegativeInfinity},
-        {kCMTimePositiveInfinity, 0, kCMTimeIndefinite},
-        {CMTimeMake(1, 1), NAN, kCMTimeInvalid},
+    // A decimal factor counts as the fraction that was meant.
+    constexpr std::int64_t large = std::int64_t{1} << 62;
+    const TimePairs numbers = {
+        {t(10, 600) * 0.5, t(5, 600)},   {t(10, 600) * -3.0, t(-30, 600)},
+        {0.1 * t(600, 600), t(60, 600)}, {t(1, 4) * 0x1p64, rounded(large)},
+        {rounded(1) * 2.0, rounded(2)},  {t(3) * (1.0 / 3), t(1)},
+        {t(1) * 1e-300, rounded(0)},     {t(1) * 5e-324, rounded(0)},
+        {t(5, 7) * 0.0, t(0, 7)},        {t(0, 7) * 1e300, t(0, 7)},
     };
-    for (const auto& row : table) {
-        EXPECT_SAME(row.time * row.factor, row.result) << Fields{row.time} << " * " << row.factor;
-        EXPECT_SAME(row.factor * row.time, row.result) << Fields{row.time} << " * " << row.factor;
-    }
+    const TimePairs marks = {
+        {t(1) * 1e300, plus},  {t(-1) * 0x1p64, minus}, {t(1) * INFINITY, plus},
+        {plus * -0.5, minus},  {plus * 0.0, unknown},   {t(0) * INFINITY, unknown},
+        {t(1) * NAN, invalid},
+    };
+    expectSame(numbers);
+    expectSame(marks);
+    expectSame({{t(1, 1000000) * 1.1, t(11, 10000000)}, {t(large) * 0x1p-80, rounded(1, 262144)}});
     EXPECT_EQ((inEpoch(4) * 0.5).epoch, 4);
-    EXPECT_NEAR((CMTimeMake(7, 600) * M_PI).seconds(), 7 * M_PI / 600, 1e-15);
+    EXPECT_NEAR((t(7, 600) * M_PI).seconds(), 7 * M_PI / 600, 1e-15);
 }
 
-TEST(CMTimeArithmetic, takesTheSignAway) {
-    EXPECT_SAME(CMTimeAbsoluteValue(rounded(-3, 2)), rounded(3, 2));
-    EXPECT_SAME(CMTimeAbsoluteValue(CMTimeMake(smallest, 2)), CMTimeMake(std::int64_t{1} << 62, 1));
-    EXPECT_SAME(CMTimeAbsoluteValue(kCMTimeNegativeInfinity), kCMTimePositiveInfinity);
-    EXPECT_SAME(CMTimeAbsoluteValue(kCMTimeIndefinite), kCMTimeIndefinite);
-    EXPECT_SAME(CMTimeAbsoluteValue(kCMTimeInvalid), kCMTimeInvalid);
-}
-
-TEST(CMTimeArithmetic, dividesTimes) {
-    EXPECT_EQ(CMTimeMake(3, 2) / CMTimeMake(1, 4), 6.0);
-    EXPECT_TRUE(std::isnan(kCMTimeInvalid / CMTimeMake(1, 4)));
-    EXPECT_EQ(CMTimeMake(3, 2) / kCMTimeZero, INFINITY);
-}
-
-TEST(CMTimeArithmetic, assigns) {
-    CMTime time = CMTimeMake(1, 2);
-    time += CMTimeMake(1, 3);
-    time -= CMTimeMake(1, 6);
-    EXPECT_SAME(time, CMTimeMake(4, 6));
+TEST(CMTimeArithmetic, takesSignsAwayDividesAndAssigns) {
+    expectSame({{CMTimeAbsoluteValue(rounded(-3, 2)), rounded(3, 2)},
+                {CMTimeAbsoluteValue(t(smallest, 2)), t(std::int64_t{1} << 62)},
+                {CMTimeAbsoluteValue(minus), plus},
+                {CMTimeAbsoluteValue(unknown), unknown},
+                {CMTimeAbsoluteValue(invalid), invalid}});
+    EXPECT_EQ(t(3, 2) / t(1, 4), 6.0);
+    EXPECT_TRUE(std::isnan(invalid / t(1, 4)));
+    EXPECT_EQ(t(3, 2) / kCMTimeZero, INFINITY);
+    CMTime time = t(1, 2);
+    time += t(1, 3);
+    time -= t(1, 6);
+    expectSame({{time, t(4, 6)}});
     time *= 3;
     time /= 2;
     time *= 0.5;
-    EXPECT_EQ(time, CMTimeMake(1, 2));
+    EXPECT_EQ(time, t(1, 2));
 }

@@ -6,7 +6,6 @@
 #include <sys/resource.h>
 
 #include <algorithm>
-#include <map>
 #include <random>
 
 using namespace zorvan;
@@ -19,38 +18,29 @@ std::string plainly(const std::string& first, const std::string& second) {
         const Characters characters(text);
         return std::vector<std::string>(characters.begin(), characters.end());
     };
-    std::map<std::string, int> numbers;
-    const auto numbered = [&](const std::vector<std::string>& characters) {
-        std::vector<int> result;
-        for (const auto& c : characters)
-            result.push_back(
-                numbers.try_emplace(canonicalCharacter(c), static_cast<int>(numbers.size()))
-                    .first->second);
-        return result;
+    const auto canonical = [](std::vector<std::string> characters) {
+        for (std::string& character : characters)
+            character = canonicalCharacter(character);
+        return characters;
     };
     const auto spelling = spelt(first);
-    const auto a = numbered(spelling);
-    const auto b = numbered(spelt(second));
+    const auto a = canonical(spelling), b = canonical(spelt(second));
     std::vector<std::vector<int>> table(a.size() + 1, std::vector<int>(b.size() + 1));
     for (std::size_t i = 1; i <= a.size(); ++i)
         for (std::size_t j = 1; j <= b.size(); ++j)
             table[i][j] = a[i - 1] == b[j - 1] ? table[i - 1][j - 1] + 1
                                                : std::max(table[i - 1][j], table[i][j - 1]);
-    std::vector<std::string> taken;
+    std::string result;
     for (std::size_t i = a.size(), j = b.size(); i >= 1 && j >= 1;) {
         if (table[i][j] == table[i][j - 1])
             --j;
         else if (table[i][j] == table[i - 1][j])
             --i;
         else {
-            taken.push_back(spelling[i - 1]);
-            --i;
+            result.insert(0, spelling[--i]);
             --j;
         }
     }
-    std::string result;
-    for (auto character = taken.rbegin(); character != taken.rend(); ++character)
-        result += *character;
     return result;
 }
 
@@ -81,7 +71,7 @@ TEST(CommonSubsequence, AgreesWithThePlainTable) {
         {"a", "b"},
         {"a", "b", "c", "d"},
         {"a", "é", "e\u0301", "e", "\xFF", "中"},
-        {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l", "m", "n", "o", "p", "q", "r"},
+        {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l", "m", "n"},
     };
     std::mt19937 random(1);
     for (int round = 0; round < 4000; ++round) {

@@ -230,9 +230,9 @@ std::vector<Element> compacted(std::optional<Element> first, std::optional<Other
 
 /// Draws up to `drawCount` elements, no position twice, in the order drawn.
 ///
-/// Each draw picks one of a hundred evenly spaced positions; a position drawn before uses up the draw
-/// and adds nothing. So the result may be shorter than asked for, and of a list of more than a hundred
-/// elements only every (count / 100)th can come.
+/// Each draw picks one of a hundred evenly spaced positions; a position drawn before uses up the
+/// draw and adds nothing. So the result may be shorter than asked for, and of a list of more than a
+/// hundred elements only every (count / 100)th can come.
 template <class Element>
 std::vector<Element> distinctSamples(const std::vector<Element>& list, std::int64_t drawCount) {
     const auto position = [&list](std::uint32_t hundredth) {

@@ -11,8 +11,8 @@
 #include <unordered_set>
 #include <utility>
 
-/// Operations on dictionaries: `std::map` and `std::unordered_map`, receiver first. A result with other
-/// keys is a `std::unordered_map`. Where two entries claim one key, the one met later in the
+/// Operations on dictionaries: `std::map` and `std::unordered_map`, receiver first. A result with
+/// other keys is a `std::unordered_map`. Where two entries claim one key, the one met later in the
 /// dictionary's iteration wins.
 namespace zorvan {
 
@@ -33,7 +33,8 @@ auto mapKeys(const Source& dictionary, Transform transform) {
 /// As `mapKeys`; an entry whose new key is absent is dropped.
 template <Dictionary Source, class Transform>
 auto compactMapKeys(const Source& dictionary, Transform transform) {
-    using Key = typename std::invoke_result_t<Transform&, const typename Source::key_type&>::value_type;
+    using Key =
+        typename std::invoke_result_t<Transform&, const typename Source::key_type&>::value_type;
     using Pair = std::pair<Key, typename Source::mapped_type>;
     return compactMapEntries(dictionary, [&transform](const auto& entry) -> std::optional<Pair> {
         std::optional<Key> key = std::invoke(transform, entry.first);
@@ -80,14 +81,14 @@ auto inversed(const Source& dictionary) {
 
 /// Adds a text to the set under the key, which is made when it is missing.
 template <Dictionary Source>
-    requires std::same_as<typename Source::mapped_type, std::unordered_set<std::string>>
+requires std::same_as<typename Source::mapped_type, std::unordered_set<std::string>>
 void insertValue(Source& dictionary, std::string value, const typename Source::key_type& key) {
     dictionary[key].insert(std::move(value));
 }
 
 /// Removes a text from the set under the key, and the key when its set becomes empty.
 template <Dictionary Source>
-    requires std::same_as<typename Source::mapped_type, std::unordered_set<std::string>>
+requires std::same_as<typename Source::mapped_type, std::unordered_set<std::string>>
 void removeValue(Source& dictionary, const std::string& value,
                  const typename Source::key_type& key) {
     const auto found = dictionary.find(key);

@@ -17,9 +17,9 @@ concept Hashable = requires(const Item& item) {
 
 /// Finds the first item of a list that equals a given one.
 ///
-/// Building it costs one pass when the item has a `std::hash`, a sort when it only has an order, and
-/// nothing when it has equality alone; then each question walks the list. The list must outlive it,
-/// unchanged.
+/// Building it costs one pass when the item has a `std::hash`, a sort when it only has an order,
+/// and nothing when it has equality alone; then each question walks the list. The list must outlive
+/// it, unchanged.
 template <class Item>
 class FirstPositions {
 public:
@@ -55,7 +55,7 @@ private:
     std::size_t slotOf(const Item& item) const {
         const std::size_t mask = slots_.size() - 1;
         // Standard hashes of numbers are the numbers themselves: mix them, or runs would collide.
-        const std::size_t hash = std::hash<Item>{}(item) * 0x9E3779B97F4A7C15u;
+        const std::size_t hash = std::hash<Item>{}(item)*0x9E3779B97F4A7C15u;
         std::size_t slot = (hash ^ (hash >> 32)) & mask;
         while (slots_[slot] != 0 && !(items_[static_cast<std::size_t>(slots_[slot] - 1)] == item))
             slot = (slot + 1) & mask;
@@ -71,11 +71,10 @@ private:
     }
 
     std::int64_t findInOrder(const Item& item) const {
-        const auto found =
-            std::lower_bound(slots_.begin(), slots_.end(), item,
-                             [this](std::int64_t position, const Item& wanted) {
-                                 return items_[static_cast<std::size_t>(position)] < wanted;
-                             });
+        const auto found = std::lower_bound(
+            slots_.begin(), slots_.end(), item, [this](std::int64_t position, const Item& wanted) {
+                return items_[static_cast<std::size_t>(position)] < wanted;
+            });
         const bool equal =
             found != slots_.end() && items_[static_cast<std::size_t>(*found)] == item;
         return equal ? *found : -1;

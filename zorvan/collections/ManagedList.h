@@ -26,16 +26,18 @@ namespace zorvan {
 /// The list model behind a table view: items in order, a selection, and an optional filter.
 ///
 /// While a filter is set the list shows only the items that pass it, keeps the full list aside, and
-/// carries every change made through shown positions over to it. Each change is announced twice on the
-/// default notification centre, synchronously, with the list as sender and the same edition under the
-/// key "Edition": before the lists change and after. A change that changes nothing is not announced.
+/// carries every change made through shown positions over to it. Each change is announced twice on
+/// the default notification centre, synchronously, with the list as sender and the same edition
+/// under the key "Edition": before the lists change and after. A change that changes nothing is not
+/// announced.
 ///
-/// Shown positions outside the list stop the program, except in the selection. Used from one thread.
-/// Changing the list from an observer of the announcement *before* a change stops the program.
+/// Shown positions outside the list stop the program, except in the selection. Used from one
+/// thread. Changing the list from an observer of the announcement *before* a change stops the
+/// program.
 ///
-/// Cost: linear in what is shown, plus, when a change is made through a filter, finding each shown item
-/// in the full list; that is linear for items with a `std::hash`, a sort for items that only have an
-/// order, and quadratic for items that have nothing but equality.
+/// Cost: linear in what is shown, plus, when a change is made through a filter, finding each shown
+/// item in the full list; that is linear for items with a `std::hash`, a sort for items that only
+/// have an order, and quadratic for items that have nothing but equality.
 template <std::equality_comparable Item>
 class ManagedList : public std::enable_shared_from_this<ManagedList<Item>>,
                     public SelectionQueries<ManagedList<Item>> {
@@ -77,18 +79,18 @@ public:
 
     /// Empty when no filter is set.
     const Filter& filter() const noexcept { return filter_; }
-    /// Shows what passes the filter, or everything for an empty one. Selected items that stay in sight
-    /// stay selected. What the filter throws reaches the caller, and nothing has changed.
+    /// Shows what passes the filter, or everything for an empty one. Selected items that stay in
+    /// sight stay selected. What the filter throws reaches the caller, and nothing has changed.
     void setFilter(Filter filter);
 
-    /// Inserts before the shown item at `at` and deselects everything. Under a filter, items that do
-    /// not pass are kept out of sight.
+    /// Inserts before the shown item at `at` and deselects everything. Under a filter, items that
+    /// do not pass are kept out of sight.
     void insert(const std::vector<Item>& contentOf, std::int64_t at);
     void remove(const IndexSet& at);
     /// Moves items before the shown item at `to`, or to the end; they become the selection.
     void move(const IndexSet& from, std::int64_t to);
-    /// Sorts the shown items, and the full list as well under a filter; equal items keep their order.
-    /// What the order throws reaches the caller.
+    /// Sorts the shown items, and the full list as well under a filter; equal items keep their
+    /// order. What the order throws reaches the caller.
     void sort(const Order& by);
     void reverseOrder();
 
@@ -111,8 +113,8 @@ public:
         return note.value<Edition>(editionKey);
     }
 
-    /// Where the item at a shown position stands in the full list: the first place of an equal item.
-    /// The position itself when no filter is set, and for the end of the shown list.
+    /// Where the item at a shown position stands in the full list: the first place of an equal
+    /// item. The position itself when no filter is set, and for the end of the shown list.
     std::int64_t fullPosition(std::int64_t shown) const;
 
 private:
@@ -287,11 +289,10 @@ std::vector<std::int64_t> ManagedList<Item>::sortedPositions(const std::vector<I
                                                              const Order& by) {
     std::vector<std::int64_t> positions(items.size());
     std::iota(positions.begin(), positions.end(), 0);
-    std::stable_sort(positions.begin(), positions.end(),
-                     [&items, &by](std::int64_t a, std::int64_t b) {
-                         return by(items[static_cast<std::size_t>(a)],
-                                   items[static_cast<std::size_t>(b)]);
-                     });
+    std::stable_sort(
+        positions.begin(), positions.end(), [&items, &by](std::int64_t a, std::int64_t b) {
+            return by(items[static_cast<std::size_t>(a)], items[static_cast<std::size_t>(b)]);
+        });
     return positions;
 }
 

@@ -28,16 +28,17 @@ public:
     virtual ~NSCollectionViewDataSource() = default;
     /// One unless overridden.
     virtual std::int64_t numberOfSections(const NSCollectionView& view) const;
-    virtual std::int64_t numberOfItems(const NSCollectionView& view, std::int64_t section) const = 0;
+    virtual std::int64_t numberOfItems(const NSCollectionView& view,
+                                       std::int64_t section) const = 0;
 };
 
 /// Items in sections, placed by a layout.
 ///
 /// It knows how many items each section has and which are selected. Changes come in batches: within
 /// `performBatchUpdates`, deletions and the origins of moves count positions before the batch, and
-/// insertions and the destinations of moves positions after it, whatever the order of the calls. A batch
-/// that ends with another number of items than the data source has stops the program, as does a path
-/// that is none. A change outside a batch is a batch of its own. Main thread only.
+/// insertions and the destinations of moves positions after it, whatever the order of the calls. A
+/// batch that ends with another number of items than the data source has stops the program, as does
+/// a path that is none. A change outside a batch is a batch of its own. Main thread only.
 class NSCollectionView : public NSView {
 public:
     static std::shared_ptr<NSCollectionView> create(const CGRect& frame = {}) {
@@ -72,7 +73,8 @@ public:
     static constexpr std::string_view sectionHeader = "SectionHeader";
     static constexpr std::string_view sectionFooter = "SectionFooter";
 
-    /// Keeps what the items of an identifier are made from; of an identifier given twice, the later.
+    /// Keeps what the items of an identifier are made from; of an identifier given twice, the
+    /// later.
     void registerNib(NSNib nib, const std::string& forItemWithIdentifier);
     void registerNib(NSNib nib, std::string_view forSupplementaryViewOfKind,
                      const std::string& withIdentifier);
@@ -112,8 +114,8 @@ public:
     void performBatchUpdates(const std::function<void()>& updates,
                              const std::function<void()>& completionHandler = {});
 
-    /// Makes changes that a host shows as an animation. Without a host they take effect at once; the
-    /// observer is told that they were animated.
+    /// Makes changes that a host shows as an animation. Without a host they take effect at once;
+    /// the observer is told that they were animated.
     class Animator {
     public:
         explicit Animator(std::shared_ptr<NSCollectionView> view) : view_(std::move(view)) {}
@@ -140,9 +142,10 @@ private:
     bool contains(IndexPath path) const noexcept;
     void apply(const Batch& batch);
     void checkAgainstSource() const;
-    /// Where the items that were neither deleted nor moved stand after the batch, in each section the
-    /// selected ones only.
-    void carrySelection(const Batch& batch, std::int64_t section, std::set<IndexPath>& selection) const;
+    /// Where the items that were neither deleted nor moved stand after the batch, in each section
+    /// the selected ones only.
+    void carrySelection(const Batch& batch, std::int64_t section,
+                        std::set<IndexPath>& selection) const;
     void layOut();
 
     std::weak_ptr<NSCollectionViewDataSource> dataSource_;

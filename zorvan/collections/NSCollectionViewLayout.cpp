@@ -31,8 +31,8 @@ NSCollectionViewFlowLayout::layoutAttributesForElements(const CGRect& in) const 
         std::int64_t item = skipped < count / perLine_ + 1 ? skipped * perLine_ : count;
         for (; item < count; ++item) {
             const CGRect frame(static_cast<double>(item % perLine_) * stepX,
-                               top + static_cast<double>(item / perLine_) * stepY,
-                               itemSize_.width, itemSize_.height);
+                               top + static_cast<double>(item / perLine_) * stepY, itemSize_.width,
+                               itemSize_.height);
             if (frame.minY() >= in.maxY())
                 break;
             if (frame.intersects(in))

@@ -98,8 +98,8 @@ void NSOutlineView::expandItem(const Item& item, bool expandChildren) {
         expanded_.insert(item);
     }
     showChange();
-    note("expandItem", std::string(item ? "an item" : "the root") +
-                           (expandChildren ? ", with children" : ""));
+    note("expandItem",
+         std::string(item ? "an item" : "the root") + (expandChildren ? ", with children" : ""));
 }
 
 void NSOutlineView::collapseItem(const Item& item) {

@@ -12,17 +12,20 @@ namespace zorvan {
 
 class NSOutlineView;
 
-/// Gives an outline its items. Items are told apart by identity; no item (null) stands for the root.
+/// Gives an outline its items. Items are told apart by identity; no item (null) stands for the
+/// root.
 class NSOutlineViewDataSource {
 public:
     using Item = std::shared_ptr<const void>;
 
     virtual ~NSOutlineViewDataSource() = default;
     virtual std::int64_t numberOfChildren(const NSOutlineView& outline, const Item& item) const = 0;
-    virtual Item child(const NSOutlineView& outline, std::int64_t index, const Item& item) const = 0;
+    virtual Item child(const NSOutlineView& outline, std::int64_t index,
+                       const Item& item) const = 0;
     /// Whether the item has children unless overridden.
     virtual bool isExpandable(const NSOutlineView& outline, const Item& item) const;
-    /// The text of a cell, which the outline draws where it has no cell view. Empty unless overridden.
+    /// The text of a cell, which the outline draws where it has no cell view. Empty unless
+    /// overridden.
     virtual std::string text(const NSOutlineView& outline, std::int64_t column,
                              const Item& item) const;
 };
@@ -43,16 +46,19 @@ public:
     /// Reloads.
     void setOutlineDataSource(const std::shared_ptr<NSOutlineViewDataSource>& source);
 
-    /// Shows the children of the item, and with `expandChildren` those of everything below it. No item
-    /// stands for the root, which is always expanded itself. Nothing for an item that is not expandable.
+    /// Shows the children of the item, and with `expandChildren` those of everything below it. No
+    /// item stands for the root, which is always expanded itself. Nothing for an item that is not
+    /// expandable.
     void expandItem(const Item& item, bool expandChildren = false);
-    /// Hides what is below the item; what was expanded there stays so for later. Nothing for the root.
+    /// Hides what is below the item; what was expanded there stays so for later. Nothing for the
+    /// root.
     void collapseItem(const Item& item);
     bool isItemExpanded(const Item& item) const { return expanded_.contains(item); }
     void setExpanded(bool expanded, const Item& item);
     void toggleExpand(const Item& item) { setExpanded(!isItemExpanded(item), item); }
     void expandAllItems() { expandItem(nullptr, true); }
-    /// Later, on the main queue, and at once as far as animation goes. Nothing when the outline is gone.
+    /// Later, on the main queue, and at once as far as animation goes. Nothing when the outline is
+    /// gone.
     void asyncExpandAllItems();
 
     /// The visible item at a row; null when there is no such row.
@@ -60,7 +66,8 @@ public:
     /// The row of a visible item, or -1.
     std::int64_t row(const Item& forItem) const;
     using NSTableView::row;
-    /// How deep the item at a row stands: 0 for the children of the root, -1 when there is no such row.
+    /// How deep the item at a row stands: 0 for the children of the root, -1 when there is no such
+    /// row.
     std::int64_t level(std::int64_t forRow) const;
 
 protected:

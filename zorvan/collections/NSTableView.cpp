@@ -371,8 +371,7 @@ void NSTableView::scroll(std::int64_t row, double share, bool animated) {
     if (!scrollView)
         return;
     const CGRect cell = frameOfCell(0, row);
-    const CGPoint origin(0, cell.minY() +
-                                (cell.height() - scrollView->frame().height()) * share);
+    const CGPoint origin(0, cell.minY() + (cell.height() - scrollView->frame().height()) * share);
     if (animated)
         scrollView->contentView()->animator().setBoundsOrigin(origin);
     else
@@ -427,8 +426,8 @@ void NSTableView::drawRow(Canvas& canvas, std::int64_t row) const {
     canvas.fill(wholeRow, isSelected ? selected : row % 2 ? striped : plain);
     for (std::int64_t column = 0; column < numberOfColumns(); ++column) {
         const CGRect cell = frameOfCell(column, row).shrunkBy({.dx = 4, .dy = 0});
-        const Canvas::Colour ink = isSelected ? Canvas::Colour{255, 255, 255}
-                                              : Canvas::Colour{36, 36, 36};
+        const Canvas::Colour ink =
+            isSelected ? Canvas::Colour{255, 255, 255} : Canvas::Colour{36, 36, 36};
         canvas.drawText(cellText(column, row), cell, ink);
     }
 }

@@ -23,7 +23,8 @@ class NSTableViewDataSource {
 public:
     virtual ~NSTableViewDataSource() = default;
     virtual std::int64_t numberOfRows(const NSTableView& table) const = 0;
-    /// The text of a cell, which the table draws where it has no cell view. Empty unless overridden.
+    /// The text of a cell, which the table draws where it has no cell view. Empty unless
+    /// overridden.
     virtual std::string text(const NSTableView& table, std::int64_t column, std::int64_t row) const;
 };
 
@@ -39,11 +40,11 @@ public:
 
 /// A table of rows and columns.
 ///
-/// It knows how many rows it has, which are selected, and which cell views stand where, and keeps that
-/// right through insertions, removals and moves. It is told of changes; it does not look for them: when
-/// the outermost `endUpdates` finds that the data source has another number of rows than the table was
-/// told of, it stops the program. Rows are counted from 0 at the top; a row that does not exist stops
-/// the program in the operations that change rows, and is passed over elsewhere.
+/// It knows how many rows it has, which are selected, and which cell views stand where, and keeps
+/// that right through insertions, removals and moves. It is told of changes; it does not look for
+/// them: when the outermost `endUpdates` finds that the data source has another number of rows than
+/// the table was told of, it stops the program. Rows are counted from 0 at the top; a row that does
+/// not exist stops the program in the operations that change rows, and is passed over elsewhere.
 ///
 /// The data source and the delegate are not kept alive. Main thread only.
 class NSTableView : public NSView {
@@ -52,8 +53,8 @@ public:
     struct AnimationOptions {
         std::uint64_t rawValue = 0;
 
-        static const AnimationOptions effectNone, effectFade, effectGap, slideUp, slideDown, slideLeft,
-            slideRight;
+        static const AnimationOptions effectNone, effectFade, effectGap, slideUp, slideDown,
+            slideLeft, slideRight;
 
         friend constexpr bool operator==(AnimationOptions, AnimationOptions) noexcept = default;
         friend constexpr AnimationOptions operator|(AnimationOptions a,
@@ -98,9 +99,12 @@ public:
         return columns_;
     }
     std::int64_t numberOfColumns() const noexcept;
+    /// At the right end. Every cell view is forgotten, here and where a column is removed.
     void addTableColumn(const std::shared_ptr<NSTableColumn>& column);
+    /// Not null; nothing is removed when the table does not have it.
     void removeTableColumn(const std::shared_ptr<NSTableColumn>& column);
-    /// Removes columns from the last one down, or adds new ones at the end. None for a negative number.
+    /// Removes columns from the last one down, or adds new ones at the end. None for a negative
+    /// number.
     void setNumberOfColumns(std::int64_t to);
     /// Gives the first column the width of the enclosing scroll view, or 100 points without one.
     void expandFirstColumnWidth();
@@ -110,6 +114,7 @@ public:
     double rowHeight() const noexcept { return rowHeight_; }
     void setRowHeight(double height);
 
+    /// Updates nest.
     void beginUpdates();
     /// Stops the program when no updates have begun, and when the outermost one ends with another
     /// number of rows than the data source has.
@@ -134,6 +139,7 @@ public:
     /// Shows an edition of a `SelectableArray`.
     void reloadEditedData(const SelectableArrayEdition& edition, AnimationOptions animation);
 
+    /// Asks the delegate for the heights anew.
     void noteHeightOfRows(const IndexSet& withIndexesChanged);
     void noteHeightOfAllRowsChanged();
     /// As `noteHeightOfAllRowsChanged`, not animated.
@@ -150,8 +156,8 @@ public:
     /// The row last clicked, -1 for none; a host sets it.
     std::int64_t clickedRow() const noexcept { return clickedRow_; }
     void setClickedRow(std::int64_t row) noexcept { clickedRow_ = row; }
-    /// What a click is about: the whole selection when the clicked row is in it, else that row alone;
-    /// empty when no row was clicked.
+    /// What a click is about: the whole selection when the clicked row is in it, else that row
+    /// alone; empty when no row was clicked.
     IndexSet clickedRowIndexes() const;
 
     /// In the table's coordinates; zero when there is no such cell.
@@ -167,10 +173,11 @@ public:
     void centreRow(std::int64_t row, bool animated);
     void scrollTopRow(std::int64_t row, bool animated);
 
-    /// The view of a cell; null when there is no such cell, when the delegate gives none, and when it
-    /// has not been made and is not to be.
+    /// The view of a cell; null when there is no such cell, when the delegate gives none, and when
+    /// it has not been made and is not to be.
     std::shared_ptr<NSView> view(std::int64_t atColumn, std::int64_t row, bool makeIfNecessary);
-    /// The view at column 0 of the first row, of the last, or of the given one, when it has been made.
+    /// The view at column 0 of the first row, of the last, or of the given one, when it has been
+    /// made.
     std::shared_ptr<NSView> firstCellView() { return cell(0); }
     std::shared_ptr<NSView> lastCellView() { return cell(rowCount_ - 1); }
     std::shared_ptr<NSView> cell(std::int64_t at) { return view(0, at, false); }
@@ -189,7 +196,8 @@ private:
     IndexSet allColumns() const;
     void setSelection(IndexSet selection);
     void checkRows(const IndexSet& rows) const;
-    /// Renumbers cell views after rows have changed; `place` gives the new row of an old one, or -1.
+    /// Renumbers cell views after rows have changed; `place` gives the new row of an old one, or
+    /// -1.
     template <class Place>
     void renumberCells(Place place);
     void layOut();
@@ -208,7 +216,8 @@ private:
     std::int64_t clickedRow_ = -1;
     std::int64_t updateDepth_ = 0;
     double rowHeight_ = 24;
-    /// Where each row begins and the last one ends, when the delegate gives heights; found when asked.
+    /// Where each row begins and the last one ends, when the delegate gives heights; found when
+    /// asked.
     mutable std::vector<double> rowTops_;
 };
 

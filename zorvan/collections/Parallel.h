@@ -10,9 +10,10 @@
 #include <utility>
 #include <vector>
 
-/// Maps over lists on every core. The transform is called once for each element, from several threads
-/// at once, so it must be safe to call concurrently; the caller waits until all calls have ended. When
-/// one throws, the first exception reaches the caller, and elements not yet begun may be left out.
+/// Maps over lists on every core. The transform is called once for each element, from several
+/// threads at once, so it must be safe to call concurrently; the caller waits until all calls have
+/// ended. When one throws, the first exception reaches the caller, and elements not yet begun may
+/// be left out.
 namespace zorvan {
 
 namespace detail {

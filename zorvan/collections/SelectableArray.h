@@ -49,6 +49,7 @@ public:
     const EditionHandler& editionHandler() const noexcept { return editionHandler_; }
     void setEditionHandler(EditionHandler handler) { editionHandler_ = std::move(handler); }
 
+    /// Exchanges the whole list; the edition is a `Reload`.
     void setEntries(std::vector<Entry> entries);
     /// Inserts the elements, unselected, before the one at `at`. Nothing for no elements.
     void insert(std::vector<Element> elements, std::int64_t at);

@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-/// Operations on any range that can be walked once. What a transform or predicate throws reaches the
-/// caller. A "compact" form takes a transform that gives an optional, and drops what is absent.
+/// Operations on any range that can be walked once. What a transform or predicate throws reaches
+/// the caller. A "compact" form takes a transform that gives an optional, and drops what is absent.
 namespace zorvan {
 
 namespace detail {

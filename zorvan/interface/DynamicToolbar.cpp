@@ -1,23 +1,9 @@
 #include <zorvan/interface/DynamicToolbar.h>
 
+#include <zorvan/interface/internal/dynamicBars.h>
 #include <zorvan/platform/foundation/UUID.h>
 
 namespace zorvan {
-
-// DynamicToolbarItemSet
-
-void DynamicToolbarItemSet::setIsEnabled(Predicate isEnabled) {
-    isEnabled_ = isEnabled ? std::move(isEnabled) : [] { return true; };
-}
-
-std::vector<NSToolbarItemIdentifier> DynamicToolbarItemSet::identifiers() const {
-    std::vector<NSToolbarItemIdentifier> identifiers;
-    for (const auto& item : items_)
-        identifiers.push_back(item->identifier());
-    return identifiers;
-}
-
-// DynamicToolbar
 
 std::shared_ptr<DynamicToolbar> DynamicToolbar::create(Identifier toolbar) {
     const auto made = std::make_shared<DynamicToolbar>(Key{}, std::move(toolbar.identifier));
@@ -56,37 +42,22 @@ void DynamicToolbar::reloadDisplayedItems() {
 
 void DynamicToolbar::reloadOnce() {
     const std::shared_ptr<DynamicToolbarItemSet> chosen = chooseItemSet();
-    if (chosen) {
-        const auto items = chosen->items();
-        for (const auto& item : items)
-            if (const DynamicToolbarItem::Update update = item->update())
-                update(*item);
-    }
+    if (chosen)
+        internal::updateAll(chosen->items());
     displayedItemSet_ = chosen;
     showItems();
 }
 
-// Callables are copied before they are called, because they may replace themselves.
-
 std::shared_ptr<DynamicToolbarItemSet> DynamicToolbar::chooseItemSet() const {
     std::shared_ptr<DynamicToolbarItemSet> provided;
-    if (const ItemSetProvider provider = itemSetProvider_)
+    if (const ItemSetProvider provider = itemSetProvider_) // it may replace itself
         provided = provider();
-    const auto sets = itemSets_;
-    for (const auto& set : sets) {
-        const DynamicToolbarItemSet::Predicate isEnabled = set->isEnabled();
-        if (isEnabled())
-            return provided ? provided : set;
-    }
-    return provided;
+    const auto enabled = internal::firstEnabled(itemSets_);
+    return provided ? provided : enabled;
 }
 
 void DynamicToolbar::showItems() {
-    std::vector<NSToolbarItemIdentifier> wanted;
-    if (displayedItemSet_)
-        for (const auto& item : displayedItemSet_->items())
-            if (!item->removedFromBar())
-                wanted.push_back(item->identifier());
+    const auto wanted = internal::shownIdentifiers(displayedItemSet_);
     const std::vector<NSToolbarItemIdentifier> current = toolbar_->itemIdentifiers();
     if (wanted == current)
         return;
@@ -100,11 +71,7 @@ void DynamicToolbar::showItems() {
 std::shared_ptr<NSToolbarItem>
 DynamicToolbar::toolbarItemForItemIdentifier(NSToolbar&, const NSToolbarItemIdentifier& identifier,
                                              bool) {
-    if (displayedItemSet_)
-        for (const auto& item : displayedItemSet_->items())
-            if (item->identifier() == identifier)
-                return item->item();
-    return nullptr;
+    return internal::shownItem<NSToolbarItem>(displayedItemSet_, identifier);
 }
 
 std::shared_ptr<NSToolbarItem>

@@ -1,10 +1,8 @@
 #include <zorvan/interface/DynamicTouchBar.h>
 
-namespace zorvan {
+#include <zorvan/interface/internal/dynamicBars.h>
 
-void DynamicTouchBarItemSet::setIsEnabled(Predicate isEnabled) {
-    isEnabled_ = isEnabled ? std::move(isEnabled) : [] { return true; };
-}
+namespace zorvan {
 
 std::shared_ptr<DynamicTouchBar> DynamicTouchBar::create() {
     const auto made = std::make_shared<DynamicTouchBar>(Key{});
@@ -32,40 +30,16 @@ void DynamicTouchBar::reloadDisplayedItems() {
 }
 
 void DynamicTouchBar::reloadOnce() {
-    const std::shared_ptr<DynamicTouchBarItemSet> chosen = firstEnabledSet();
-    if (chosen) {
-        const auto items = chosen->items();
-        for (const auto& item : items)
-            if (const DynamicTouchBarItem::Update update = item->update())
-                update(*item);
-    }
-    displayedItemSet_ = chosen;
-    std::vector<NSTouchBarItemIdentifier> shown;
+    const std::shared_ptr<DynamicTouchBarItemSet> chosen = internal::firstEnabled(itemSets_);
     if (chosen)
-        for (const auto& item : chosen->items())
-            if (!item->removedFromBar())
-                shown.push_back(item->identifier());
-    touchBar_->setDefaultItemIdentifiers(std::move(shown));
-}
-
-std::shared_ptr<DynamicTouchBarItemSet> DynamicTouchBar::firstEnabledSet() const {
-    const auto sets = itemSets_;
-    for (const auto& set : sets) {
-        // It may replace itself.
-        const DynamicTouchBarItemSet::Predicate isEnabled = set->isEnabled();
-        if (isEnabled())
-            return set;
-    }
-    return nullptr;
+        internal::updateAll(chosen->items());
+    displayedItemSet_ = chosen;
+    touchBar_->setDefaultItemIdentifiers(internal::shownIdentifiers(chosen));
 }
 
 std::shared_ptr<NSTouchBarItem>
 DynamicTouchBar::makeItem(const NSTouchBarItemIdentifier& identifier) const {
-    if (displayedItemSet_)
-        for (const auto& item : displayedItemSet_->items())
-            if (item->identifier() == identifier)
-                return item->item();
-    return nullptr;
+    return internal::shownItem<NSTouchBarItem>(displayedItemSet_, identifier);
 }
 
 std::shared_ptr<NSTouchBarItem>

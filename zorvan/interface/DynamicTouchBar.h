@@ -62,7 +62,6 @@ public:
 
 private:
     void reloadOnce();
-    std::shared_ptr<DynamicTouchBarItemSet> firstEnabledSet() const;
 
     std::shared_ptr<NSTouchBar> touchBar_;
     std::shared_ptr<DynamicTouchBarItemSet> displayedItemSet_;

@@ -12,10 +12,7 @@ std::shared_ptr<NSButton> NSButton::create(const CGRect& frame) {
 
 std::shared_ptr<NSButton> NSButton::create(const Title& settings) {
     const auto button = create();
-    button->setTitle(settings.title.value);
-    button->setTarget(settings.target);
-    button->setAction(settings.action);
-    button->setFrame({CGPoint(), button->fittingSize()});
+    button->apply(settings);
     return button;
 }
 
@@ -25,6 +22,13 @@ std::shared_ptr<NSButton> NSButton::create(const Coder& button) {
     made->setCell(NSButtonCell::create(NSButtonCell::Coder{coder}));
     made->setEnabled(decoded<bool>(coder, "enabled").value_or(true));
     return made;
+}
+
+void NSButton::apply(const Title& settings) {
+    setTitle(settings.title.value);
+    setTarget(settings.target);
+    setAction(settings.action);
+    setFrame({CGPoint(), fittingSize()});
 }
 
 void NSButton::setUp() { setCell(NSButtonCell::create(NSButtonCell::Text{""})); }

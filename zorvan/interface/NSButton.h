@@ -53,8 +53,9 @@ public:
     std::optional<NSColor> contentTintColor() const;
     void setContentTintColor(std::optional<NSColor> color);
 
+    /// While pressed.
     bool isHighlighted() const { return cell() && cell()->isHighlighted(); }
-    /// As a click does.
+    /// Sends the action, as a click does; nothing when the button is disabled.
     void performClick();
 
     // A disabled button takes the mouse and does nothing.
@@ -66,6 +67,8 @@ public:
 protected:
     static PropertyList::Dictionary encodeFrame(const CGRect& frame);
     static CGRect decodeFrame(const PropertyList::Dictionary& coder);
+    /// Takes the title, target and action over, and the size that the button would like then.
+    void apply(const Title& settings);
     /// Gives the button the cell that the class makes.
     void setUp();
 

@@ -57,6 +57,7 @@ public:
         setAttributedStringValue(NSAttributedString(text));
     }
 
+    /// Null for none.
     const std::shared_ptr<NSImage>& image() const noexcept { return image_; }
     virtual void setImage(std::shared_ptr<NSImage> image);
 

@@ -26,12 +26,15 @@ public:
     const std::string& title() const noexcept { return title_; }
     void setTitle(std::string title) { title_ = std::move(title); }
     bool isSeparatorItem() const noexcept { return isSeparator_; }
+    /// A disabled item performs nothing. True unless set.
     bool isEnabled() const noexcept { return isEnabled_; }
     void setEnabled(bool enabled) { isEnabled_ = enabled; }
+    /// Null without a target and once it has gone.
     std::shared_ptr<void> target() const noexcept { return target_.lock(); }
     void setTarget(std::weak_ptr<void> target) { target_ = std::move(target); }
     const std::optional<Selector>& action() const noexcept { return action_; }
     void setAction(std::optional<Selector> action) { action_ = std::move(action); }
+    /// Null unless the item opens a menu.
     const std::shared_ptr<NSMenu>& submenu() const noexcept { return submenu_; }
     void setSubmenu(std::shared_ptr<NSMenu> submenu) { submenu_ = std::move(submenu); }
 
@@ -80,6 +83,7 @@ public:
     void popUp();
     /// What opens the menus of the application; empty for nothing.
     static void setHost(std::function<void(NSMenu&)> host);
+    /// Told of each `popUp`; an empty one ends it.
     void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
 
 private:

@@ -19,15 +19,17 @@ class NSWindow;
 class NSToolbarDelegate {
 public:
     virtual ~NSToolbarDelegate() = default;
-    /// Null for an item that there is not.
+    /// What to insert for an identifier; null when there is no such item.
     virtual std::shared_ptr<NSToolbarItem>
     toolbarItemForItemIdentifier(NSToolbar& toolbar, const NSToolbarItemIdentifier& identifier,
                                  bool willBeInsertedIntoToolbar) = 0;
+    /// The items that an unedited toolbar shows, in order.
     virtual std::vector<NSToolbarItemIdentifier>
     toolbarDefaultItemIdentifiers(NSToolbar& toolbar) = 0;
+    /// Those that people may choose from.
     virtual std::vector<NSToolbarItemIdentifier>
     toolbarAllowedItemIdentifiers(NSToolbar& toolbar) = 0;
-    /// None unless overridden.
+    /// Those that stay chosen once pressed; none unless overridden.
     virtual std::vector<NSToolbarItemIdentifier>
     toolbarSelectableItemIdentifiers(NSToolbar& toolbar);
 };
@@ -60,6 +62,7 @@ public:
     const std::string& identifier() const noexcept { return identifier_; }
     std::shared_ptr<NSToolbarDelegate> delegate() const noexcept { return delegate_.lock(); }
     void setDelegate(const std::shared_ptr<NSToolbarDelegate>& delegate);
+    /// For a host that lets people arrange the items; both flags are false unless set.
     bool autosavesConfiguration() const noexcept { return autosavesConfiguration_; }
     void setAutosavesConfiguration(bool autosaves);
     bool allowsUserCustomization() const noexcept { return allowsUserCustomization_; }

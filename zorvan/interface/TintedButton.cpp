@@ -14,10 +14,7 @@ std::shared_ptr<TintedButton> TintedButton::create(const CGRect& frame) {
 
 std::shared_ptr<TintedButton> TintedButton::create(const Title& settings) {
     const auto button = create();
-    button->setTitle(settings.title.value);
-    button->setTarget(settings.target);
-    button->setAction(settings.action);
-    button->setFrame({CGPoint(), button->fittingSize()});
+    button->apply(settings);
     return button;
 }
 

@@ -12,8 +12,8 @@ TEST(URL, foldsPaths) {
     struct {
         const char *given, *path;
     } table[] = {
-        {"/a/b", "/a/b"}, {"/a//b/", "/a/b"}, {"/a/./b/../c", "/a/c"}, {"/", "/"},
-        {"//a", "/a"},    {"///", "/"},       {"/..", "/"},
+        {"/a/b", "/a/b"}, {"/a//b/", "/a/b"}, {"/a/./b/../c", "/a/c"}, {"/", "/"}, {"//a", "/a"},
+        {"///", "/"},     {"/..", "/"},
     };
     for (const auto& row : table)
         EXPECT_EQ(file(row.given).path(), row.path) << row.given;

@@ -4,14 +4,12 @@
 #include <zorvan/platform/propertylist/NSKeyedUnarchiver.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <random>
 
 using namespace zorvan;
-using testing::HasSubstr;
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include <zorvan/platform/textservices/Characters.h>
 #include <zorvan/platform/textservices/Unicode.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
 #include <unicode/utf16.h>
@@ -14,7 +14,6 @@
 #include <sstream>
 
 using namespace zorvan;
-using testing::ElementsAre;
 
 namespace {
 

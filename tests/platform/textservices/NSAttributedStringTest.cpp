@@ -1,11 +1,10 @@
 #include <zorvan/platform/textservices/NSAttributedString.h>
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <random>
 
 using namespace zorvan;
-using testing::ElementsAre;
 using TextRun = NSAttributedString::Run;
 
 namespace {
@@ -40,7 +39,7 @@ TEST(NSAttributedString, CountsInUTF16Units) {
     const NSAttributedString text("a😀é", named(1));
     EXPECT_EQ(text.length(), 4u);
     EXPECT_EQ(text.string(), "a😀é");
-    EXPECT_THAT(text.runs(), ElementsAre(TextRun{{0, 4}, named(1)}));
+    EXPECT_EQ(text.runs(), (std::vector{TextRun{{0, 4}, named(1)}}));
     EXPECT_EQ(NSAttributedString("\xFF").string(), "\uFFFD");
     EXPECT_EQ(text.attributedSubstring({1, 1}).string(), "\uFFFD"); // half a pair
     EXPECT_TRUE(NSAttributedString("").runs().empty());
@@ -51,7 +50,7 @@ TEST(NSAttributedString, ReplacementInheritsAttributes) {
     text.append(NSAttributedString("cd", named(2)));
     text.replaceCharacters({1, 2}, "XYZ");
     EXPECT_EQ(text.string(), "aXYZd");
-    EXPECT_THAT(text.runs(), ElementsAre(TextRun{{0, 4}, named(1)}, TextRun{{4, 1}, named(2)}));
+    EXPECT_EQ(text.runs(), (std::vector{TextRun{{0, 4}, named(1)}, TextRun{{4, 1}, named(2)}}));
     text.replaceCharacters({5, 0}, "!");
     EXPECT_EQ(text.runAt(5).attributes, named(2));
     text.replaceCharacters({0, 0}, "?");

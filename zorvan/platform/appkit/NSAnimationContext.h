@@ -1,19 +1,20 @@
 #pragma once
 
-
 #include <cstdint>
 
 namespace zorvan {
 
 /// How changes of views are shown while it is in force: for how long, and whether at all.
 ///
-/// Contexts nest: `beginGrouping` makes a new one with the values of the one around it, `endGrouping`
-/// returns to that. Views without a host change at once whatever it says. Main thread only.
+/// Contexts nest: `beginGrouping` makes a new one with the values of the one around it,
+/// `endGrouping` returns to that. Views without a host change at once whatever it says. Main thread
+/// only.
 class NSAnimationContext {
 public:
     static void beginGrouping();
     /// Stops the program when no grouping has begun.
     static void endGrouping();
+    /// That of the innermost grouping, else the one that always is.
     static NSAnimationContext& currentContext();
     /// How many groupings are open.
     static std::int64_t groupingDepth();
@@ -21,6 +22,8 @@ public:
     /// Seconds; 0.25 unless set.
     double duration() const noexcept { return duration_; }
     void setDuration(double seconds) { duration_ = seconds; }
+    /// Whether a host animates plain changes too, not only those made through an animator; false
+    /// unless set.
     bool allowsImplicitAnimation() const noexcept { return allowsImplicitAnimation_; }
     void setAllowsImplicitAnimation(bool allows) { allowsImplicitAnimation_ = allows; }
 

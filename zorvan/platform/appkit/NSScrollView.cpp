@@ -40,8 +40,8 @@ std::shared_ptr<NSScrollView> enclosingScrollView(const NSView& view) {
 
 namespace {
 
-/// Where an interval of that length must start to show as much as it can of `from` ... `to`, moved as
-/// little as it takes.
+/// Where an interval of that length must start to show as much as it can of `from` ... `to`, moved
+/// as little as it takes.
 double scrolled(double start, double length, double from, double to) {
     if (from < start)
         return from;

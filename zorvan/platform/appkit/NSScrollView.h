@@ -17,11 +17,12 @@ public:
     /// As its document is, so that the two count y alike.
     bool isFlipped() const noexcept override;
 
+    /// Null for none.
     const std::shared_ptr<NSView>& documentView() const noexcept { return documentView_; }
     void setDocumentView(const std::shared_ptr<NSView>& view);
 
-    /// Makes changes that a host shows as an animation. Without a host they take effect at once; the
-    /// observer is told that they were animated.
+    /// Makes changes that a host shows as an animation. Without a host they take effect at once;
+    /// the observer is told that they were animated.
     class Animator {
     public:
         explicit Animator(std::shared_ptr<NSClipView> view) : view_(std::move(view)) {}
@@ -45,6 +46,7 @@ public:
     using NSView::NSView;
 
     void setFrame(const CGRect& frame) override;
+    /// Never null.
     const std::shared_ptr<NSClipView>& contentView() const noexcept { return contentView_; }
     const std::shared_ptr<NSView>& documentView() const noexcept {
         return contentView_->documentView();
@@ -60,8 +62,8 @@ private:
 /// The innermost scroll view that the view stands in; null when there is none.
 std::shared_ptr<NSScrollView> enclosingScrollView(const NSView& view);
 
-/// What the clip view around `view` shows of it, in the coordinates of `view`; all of it when it is not
-/// the document of a clip view.
+/// What the clip view around `view` shows of it, in the coordinates of `view`; all of it when it is
+/// not the document of a clip view.
 CGRect visibleRect(const NSView& view);
 
 /// Moves the clip view around `view` as little as it takes to show the rectangle, which is in the

@@ -21,8 +21,8 @@ class NSWindow;
 
 /// A rectangle of the interface: it stands in a superview, holds subviews, and draws itself.
 ///
-/// A view needs no display: it keeps all of its state and draws into a bitmap. Used from the main
-/// thread.
+/// A view needs no display: it keeps all of its state and draws into a bitmap. Lengths are in
+/// points; y grows upward unless the view is flipped. Used from the main thread.
 class NSView : public ActionSender, public std::enable_shared_from_this<NSView> {
 protected:
     struct Key {};
@@ -49,6 +49,7 @@ public:
 
     /// What the view shows, in its own coordinates; as large as its frame.
     CGRect bounds() const noexcept { return {boundsOrigin_, frame_.size}; }
+    /// Scrolls: another origin shows another part of what the view holds.
     void setBoundsOrigin(CGPoint origin);
 
     /// True when y grows downward in the view's own coordinates.
@@ -66,11 +67,13 @@ public:
 
     // The tree
 
+    /// Null for the outermost view.
     std::shared_ptr<NSView> superview() const noexcept { return superview_.lock(); }
     const std::vector<std::shared_ptr<NSView>>& subviews() const noexcept { return subviews_; }
     /// Above the other subviews; taken out of the superview it had. A view that holds this one, or
     /// is this one, stops the program.
     void addSubview(const std::shared_ptr<NSView>& view);
+    /// Nothing without a superview.
     void removeFromSuperview();
 
     /// The window that shows the view; null outside of one.
@@ -121,10 +124,12 @@ public:
     virtual void mouseEntered(const NSEvent& with);
     virtual void mouseExited(const NSEvent& with);
 
+    /// Where the owner of each area is told of the mouse.
     const std::vector<std::shared_ptr<NSTrackingArea>>& trackingAreas() const noexcept {
         return trackingAreas_;
     }
     void addTrackingArea(const std::shared_ptr<NSTrackingArea>& area);
+    /// Nothing when the view does not have it.
     void removeTrackingArea(const std::shared_ptr<NSTrackingArea>& area);
     /// Called when the view has come into a window and when its bounds have changed, to exchange
     /// the areas that depend on them. Whatever overrides it calls it first.

@@ -5,8 +5,8 @@
 
 namespace zorvan {
 
-/// One call of a view, told to whoever watches the view: a host that shows it in a real window, or a
-/// test. `arguments` is text for people, one argument after the other.
+/// One call of a view, told to whoever watches the view: a host that shows it in a real window, or
+/// a test. `arguments` is text for people, one argument after the other.
 struct ViewCall {
     std::string name;
     std::string arguments;

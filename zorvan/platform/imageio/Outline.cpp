@@ -1,40 +1,11 @@
 #include <zorvan/platform/imageio/internal/Outline.h>
 
+#include <zorvan/platform/foundation/internal/UTF8.h>
+
 #include <string>
 
 namespace zorvan::imageio {
 namespace {
-
-/// The length of the UTF-8 sequence that begins here; 0 when there is none.
-std::size_t sequenceLength(std::string_view text) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned lead = byte(0);
-    if (lead < 0x80)
-        return 1;
-    const std::size_t length = lead >= 0xF0 && lead < 0xF5   ? 4
-                               : lead >= 0xE0 && lead < 0xF0 ? 3
-                               : lead >= 0xC2 && lead < 0xE0 ? 2
-                                                             : 0;
-    if (length == 0 || length > text.size())
-        return 0;
-    for (std::size_t i = 1; i < length; ++i)
-        if ((byte(i) & 0xC0) != 0x80)
-            return 0;
-    const bool overlong = (lead == 0xE0 && byte(1) < 0xA0) || (lead == 0xF0 && byte(1) < 0x90);
-    const bool surrogate = lead == 0xED && byte(1) >= 0xA0;
-    const bool beyond = lead == 0xF4 && byte(1) >= 0x90;
-    return overlong || surrogate || beyond ? 0 : length;
-}
-
-bool isUtf8(std::string_view text) {
-    while (!text.empty()) {
-        const std::size_t length = sequenceLength(text);
-        if (length == 0)
-            return false;
-        text.remove_prefix(length);
-    }
-    return true;
-}
 
 std::string fromLatin1(std::string_view text) {
     std::string result;
@@ -98,7 +69,7 @@ std::string textFrom(std::string_view bytes) {
     if (first == std::string_view::npos)
         return {};
     text = text.substr(first, text.find_last_not_of(blanks) - first + 1);
-    return isUtf8(text) ? std::string(text) : fromLatin1(text);
+    return zorvan::internal::isUTF8(text) ? std::string(text) : fromLatin1(text);
 }
 
 } // namespace zorvan::imageio

@@ -86,36 +86,21 @@ std::optional<Number> parsedWhole(std::string_view text, Format... format) {
 
 std::optional<char32_t> UTF8Reader::next() {
     const auto byteAt = [&](std::size_t at) -> char32_t {
-        return static_cast<unsigned char>(text_[at]);
+        return static_cast<unsigned char>(text_[position_ + at]);
     };
-    const char32_t first = byteAt(position_);
-    if (first < 0x80) {
+    char32_t scalar = byteAt(0);
+    if (scalar < 0x80) {
         ++position_;
-        return first;
+        return scalar;
     }
-    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    if (first < 0xC2 || first > 0xF4 || text_.size() - position_ < length)
+    const std::size_t length = internal::utf8SequenceLength(text_.substr(position_));
+    if (length == 0)
         return std::nullopt;
-    char32_t scalar = first & (0xFFu >> (length + 1));
-    for (std::size_t i = 1; i < length; ++i) {
-        const char32_t byte = byteAt(position_ + i);
-        if ((byte & 0xC0) != 0x80)
-            return std::nullopt;
-        scalar = scalar << 6 | (byte & 0x3F);
-    }
-    const bool overlong = (length == 3 && scalar < 0x800) || (length == 4 && scalar < 0x10000);
-    if (overlong || scalar > 0x10FFFF || (scalar >= 0xD800 && scalar < 0xE000))
-        return std::nullopt;
+    scalar &= 0xFFu >> (length + 1);
+    for (std::size_t i = 1; i < length; ++i)
+        scalar = scalar << 6 | (byteAt(i) & 0x3F);
     position_ += length;
     return scalar;
-}
-
-bool isUTF8(std::string_view text) {
-    UTF8Reader reader(text);
-    while (!reader.atEnd())
-        if (!reader.next())
-            return false;
-    return true;
 }
 
 void appendUTF8(std::string& text, char32_t scalar) {

@@ -1,6 +1,6 @@
 #include <zorvan/platform/messagebus/internal/WireFormat.h>
 
-#include <zorvan/platform/messagebus/internal/UTF8.h>
+#include <zorvan/platform/foundation/internal/UTF8.h>
 
 #include <bit>
 #include <chrono>

@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/foundation/Data.h>
 #include <zorvan/platform/foundation/NSNumber.h>
+#include <zorvan/platform/foundation/internal/UTF8.h>
 
 #include <cstdint>
 #include <optional>
@@ -27,7 +28,7 @@ private:
     std::size_t position_ = 0;
 };
 
-bool isUTF8(std::string_view text);
+using internal::isUTF8;
 void appendUTF8(std::string& text, char32_t scalar);
 
 std::optional<Data> decodeBase64(std::string_view text);

@@ -1,13 +1,8 @@
-#include <zorvan/platform/messagebus/internal/UTF8.h>
-
-#include <cstddef>
+#include <zorvan/platform/foundation/internal/UTF8.h>
 
 namespace zorvan::internal {
 
-namespace {
-
-/// The length of the sequence that the text begins with; 0 when it is not well formed.
-std::size_t sequenceLength(std::string_view text) noexcept {
+std::size_t utf8SequenceLength(std::string_view text) noexcept {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char first = byte(0);
     if (first < 0x80)
@@ -27,11 +22,9 @@ std::size_t sequenceLength(std::string_view text) noexcept {
     return length;
 }
 
-} // namespace
-
 bool isUTF8(std::string_view text) noexcept {
     while (!text.empty()) {
-        const std::size_t length = sequenceLength(text);
+        const std::size_t length = utf8SequenceLength(text);
         if (length == 0)
             return false;
         text.remove_prefix(length);

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zorvan {
+
+/// Items that a dynamic toolbar or touch bar shows together, when the predicate of the set says so.
+/// `Container` has the builders of such items.
+template <class Item, class Container>
+class DynamicBarItemSet : public Container {
+    struct Key {};
+
+public:
+    using Predicate = std::function<bool()>;
+
+    /// Always enabled unless a predicate is given.
+    static std::shared_ptr<DynamicBarItemSet> create(Predicate isEnabled = {}) {
+        return std::make_shared<DynamicBarItemSet>(Key{}, std::move(isEnabled));
+    }
+    DynamicBarItemSet(Key, Predicate isEnabled) { setIsEnabled(std::move(isEnabled)); }
+
+    using Container::addItem;
+    std::shared_ptr<Item> addItem(const std::shared_ptr<Item>& item) override {
+        items_.push_back(item);
+        return item;
+    }
+
+    const std::vector<std::shared_ptr<Item>>& items() const noexcept { return items_; }
+    void setItems(std::vector<std::shared_ptr<Item>> items) { items_ = std::move(items); }
+
+    const Predicate& isEnabled() const noexcept { return isEnabled_; }
+    /// An empty one is always true.
+    void setIsEnabled(Predicate isEnabled) {
+        isEnabled_ = isEnabled ? std::move(isEnabled) : [] { return true; };
+    }
+
+    /// Of all items, in order, also of those that are not shown.
+    std::vector<std::string> identifiers() const {
+        std::vector<std::string> identifiers;
+        for (const auto& item : items_)
+            identifiers.push_back(item->identifier());
+        return identifiers;
+    }
+
+private:
+    std::vector<std::shared_ptr<Item>> items_;
+    Predicate isEnabled_;
+};
+
+} // namespace zorvan
