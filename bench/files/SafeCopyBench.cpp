@@ -87,14 +87,14 @@ void copyBesideCp(benchmark::State& state) {
         zorvan::NSFileManager::defaultManager()->overwritingCopy(
             zorvan::URL({.fileURLWithPath = source}), zorvan::URL({.fileURLWithPath = copy}));
     };
-    const Contender contenders[] = {
-        {"ours", ours},
-        {"cp", [&] { run(cp + copy); }},
-        {"cp_and_sync", [&] { run(cp + copy + " && sync " + copy); }},
-        {"cp_sync_and_mv", [&] {
-             const std::string beside = copy + ".new";
-             run(cp + beside + " && sync " + beside + " && mv " + beside + " " + copy);
-         }}};
+    const Contender contenders[] = {{"ours", ours},
+                                    {"cp", [&] { run(cp + copy); }},
+                                    {"cp_and_sync", [&] { run(cp + copy + " && sync " + copy); }},
+                                    {"cp_sync_and_mv", [&] {
+                                         const std::string beside = copy + ".new";
+                                         run(cp + beside + " && sync " + beside + " && mv " +
+                                             beside + " " + copy);
+                                     }}};
     std::map<std::string, std::vector<double>> times;
     for (auto _ : state)
         for (const auto& [name, work] : contenders) {
