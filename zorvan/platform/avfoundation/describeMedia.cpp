@@ -1,66 +1,19 @@
 #include <zorvan/platform/avfoundation/describeMedia.h>
 
-#include <zorvan/platform/avfoundation/internal/FileBytes.h>
-#include <zorvan/platform/avfoundation/internal/containers.h>
+#include <zorvan/platform/avfoundation/internal/MovieInput.h>
 #include <zorvan/platform/avfoundation/internal/metadataIdentifier.h>
-#include <zorvan/platform/avfoundation/internal/quietFFmpeg.h>
 
 #include <algorithm>
-#include <cmath>
-#include <memory>
-#include <new>
-#include <span>
 #include <string_view>
 
 extern "C" {
-#include <libavformat/avformat.h>
 #include <libavutil/mathematics.h>
 }
 
 namespace zorvan::avfoundation {
 namespace {
 
-struct CloseInput {
-    void operator()(AVFormatContext* context) const noexcept { avformat_close_input(&context); }
-};
-using Input = std::unique_ptr<AVFormatContext, CloseInput>;
-
 constexpr AVRational microsecond{1, AV_TIME_BASE};
-
-int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
-    return AVERROR(EACCES);
-}
-
-Input openInput(const FileBytes& file, const MediaReadingOptions& options) {
-    AVFormatContext* context = avformat_alloc_context();
-    if (!context)
-        throw std::bad_alloc();
-    context->pb = file.context();
-    context->io_open = &refuseToOpen;
-    context->format_whitelist = av_strdup(readContainers);
-    context->protocol_whitelist = av_strdup("file");
-    // A list that holds no decoder's name admits none.
-    if (!options.mayDecode)
-        context->codec_whitelist = av_strdup("none");
-    // On failure it frees the context.
-    return avformat_open_input(&context, nullptr, nullptr, nullptr) < 0 ? nullptr : Input(context);
-}
-
-std::span<AVStream* const> streams(const AVFormatContext& input) {
-    return {input.streams, input.nb_streams};
-}
-
-bool isCover(const AVStream& stream) {
-    return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
-}
-
-bool isVideo(const AVStream& stream) {
-    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO && !isCover(stream);
-}
-
-double positive(AVRational rational) {
-    return rational.num > 0 && rational.den > 0 ? av_q2d(rational) : 0;
-}
 
 double frameRate(const AVStream& stream) {
     if (const double average = positive(stream.avg_frame_rate); average > 0)
@@ -79,25 +32,6 @@ std::optional<MediaTime> frameDuration(const AVFormatContext& input, const AVStr
     if (std::string_view(input.iformat->name).substr(0, 4) != "mov," || positive(rate) == 0)
         return std::nullopt;
     return MediaTime{rate.den, rate.num};
-}
-
-CGSize naturalSize(AVFormatContext& input, AVStream& stream) {
-    const double width = std::max(stream.codecpar->width, 0);
-    const double height = std::max(stream.codecpar->height, 0);
-    const double pixelRatio = positive(av_guess_sample_aspect_ratio(&input, &stream, nullptr));
-    return {pixelRatio > 0 ? std::round(width * pixelRatio) : width, height};
-}
-
-CGAffineTransform preferredTransform(const AVStream& stream) {
-    std::size_t size = 0;
-    const auto* const bytes = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &size);
-    std::int32_t matrix[9];
-    if (!bytes || size < sizeof matrix)
-        return CGAffineTransform::identity;
-    std::copy_n(bytes, sizeof matrix, reinterpret_cast<std::uint8_t*>(matrix));
-    constexpr double one = 1 << 16;
-    return {matrix[0] / one, matrix[1] / one, matrix[3] / one,
-            matrix[4] / one, matrix[6] / one, matrix[7] / one};
 }
 
 MediaKind kind(const AVStream& stream) {
@@ -134,9 +68,9 @@ std::optional<MediaTime> asTime(std::int64_t value, AVRational unit) {
 }
 
 /// Of the track that lasts longest, since headers round to their own unit; else of the header.
-std::optional<MediaTime> duration(const AVFormatContext& input) {
+std::optional<MediaTime> duration(const MovieInput& input) {
     const AVStream* longest = nullptr;
-    for (const AVStream* stream : streams(input)) {
+    for (const AVStream* stream : input.streams()) {
         if (isCover(*stream) || !asTime(stream->duration, stream->time_base))
             continue;
         if (!longest || av_compare_ts(longest->duration, longest->time_base, stream->duration,
@@ -144,7 +78,7 @@ std::optional<MediaTime> duration(const AVFormatContext& input) {
             longest = stream;
     }
     return longest ? asTime(longest->duration, longest->time_base)
-                   : asTime(input.duration, microsecond);
+                   : asTime(input.context().duration, microsecond);
 }
 
 std::vector<MediaMetadata> metadata(const AVFormatContext& input) {
@@ -166,19 +100,16 @@ std::vector<MediaMetadata> metadata(const AVFormatContext& input) {
 
 std::optional<MediaDescription> describeMedia(const std::string& path,
                                               const MediaReadingOptions& options) {
-    quietFFmpeg();
-    const auto file = FileBytes::open(path);
-    if (!file)
-        return std::nullopt;
-    const Input input = openInput(*file, options);
+    const auto input = MovieInput::open(path, options.mayDecode);
     if (!input)
         return std::nullopt;
-    const bool isGuess = needsPackets(*input);
-    if (isGuess && avformat_find_stream_info(input.get(), nullptr) < 0)
+    AVFormatContext& context = input->context();
+    const bool isGuess = needsPackets(context);
+    if (isGuess && !input->readPackets())
         return std::nullopt;
 
     MediaDescription description;
-    for (AVStream* stream : streams(*input)) {
+    for (AVStream* stream : input->streams()) {
         if (isCover(*stream))
             continue;
         MediaTrack& track = description.tracks.emplace_back();
@@ -187,13 +118,13 @@ std::optional<MediaDescription> describeMedia(const std::string& path,
             continue;
         track.frameRate = frameRate(*stream);
         if (!isGuess)
-            track.frameDuration = frameDuration(*input, *stream);
-        track.naturalSize = naturalSize(*input, *stream);
+            track.frameDuration = frameDuration(context, *stream);
+        track.naturalSize = naturalSize(context, *stream);
         track.preferredTransform = preferredTransform(*stream);
     }
     if (description.tracks.empty())
         return std::nullopt;
-    description.metadata = metadata(*input);
+    description.metadata = metadata(context);
     description.duration = duration(*input);
     return description;
 }
