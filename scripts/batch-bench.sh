@@ -1,8 +1,8 @@
 #!/bin/sh
-# batch-bench.sh [COUNT] [ROUNDS] [PEER]...: the time that COUNT pictures of 12 megapixels, turned in four ways, take to
-# become upright JPEGs of at most 1,600 pixels: ours and each PEER (vips for vipsthumbnail, magick for ImageMagick;
-# both unless told otherwise) on two processors and taking turns, without a process for each picture; then
-# the peak memory of ours for COUNT and for ten times as many.
+# batch-bench.sh [COUNT] [ROUNDS] [PEER]...: the time that COUNT pictures of 12 megapixels, turned in four ways,
+# take to become upright JPEGs of at most 1,600 pixels: ours and each PEER (vips for vipsthumbnail, magick for
+# ImageMagick; both unless told otherwise) on two processors and taking turns, without a process for each
+# picture; then the peak memory of ours for COUNT and for ten times as many.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 count=${1:-100}

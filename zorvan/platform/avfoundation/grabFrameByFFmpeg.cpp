@@ -133,26 +133,26 @@ Decoder openDecoder(const AVStream& stream, bool isExact) {
     return avcodec_open2(decoder.get(), codec, nullptr) >= 0 ? std::move(decoder) : nullptr;
 }
 
-/// The last picture that begins by that time, from where the reader stands; null when the first one
-/// begins later, unless `takesAny`.
-Frame lastUntil(FrameReader& reader, double seconds, bool takesAny) {
+/// A picture that begins by that time, from where the reader stands: the last one when it is to be
+/// exact, else the first. Null when the first one begins later, unless `takesAny`.
+Frame pictureBy(double seconds, FrameReader& reader, bool isExact, bool takesAny) {
     constexpr double hair = 1e-6; // times are rounded
     Frame best;
     for (Frame next = makeFrame(); reader.read(*next); next = makeFrame()) {
         const bool isLater = reader.secondsOf(*next) > seconds + hair;
         if (!isLater || (takesAny && !best))
             best = std::move(next);
-        if (isLater)
+        if (isLater || !isExact)
             break;
     }
     return best;
 }
 
-Frame find(FrameReader& reader, double seconds) {
+Frame find(double seconds, FrameReader& reader, bool isExact) {
     for (const double back : stepsBack) {
         reader.seek(seconds - back);
         const bool isLast = !(seconds - back > 0);
-        if (Frame frame = lastUntil(reader, seconds, isLast))
+        if (Frame frame = pictureBy(seconds, reader, isExact, isLast))
             return frame;
         if (isLast)
             return nullptr;
@@ -220,8 +220,8 @@ std::optional<GrabbedFrame> grabbed(const std::string& path, const FrameRequest&
     if (!decoder)
         return std::nullopt;
     FrameReader reader(*input, *stream, std::move(decoder));
-    const Frame frame =
-        find(reader, std::isnan(request.seconds) ? 0 : std::max(request.seconds, 0.0));
+    const double seconds = std::isnan(request.seconds) ? 0 : std::max(request.seconds, 0.0);
+    const Frame frame = find(seconds, reader, request.isExact);
     if (!frame)
         return std::nullopt;
 
