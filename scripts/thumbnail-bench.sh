@@ -9,19 +9,10 @@ work=$root/build/bench/thumbnails
 mkdir -p "$work/out"
 cd "$work"
 
-# 4000 x 3000 pixels with shapes, smooth skies and the grain of a camera.
 if [ ! -f large.heic ]; then
-    vips resize "$root/examples/samples/interlaced.png" shapes.v 12.5 --kernel cubic
-    vips crop shapes.v framed.v 0 0 4000 3000
-    vips gaussnoise grain.v 4000 3000 --sigma 5 --seed 1
-    vips add framed.v grain.v grainy.v
-    vips cast grainy.v picture.v uchar
-    vips copy picture.v large.png
-    vips copy picture.v 'large.jpg[Q=90]'
-    vips copy picture.v 'large.tiff[compression=lzw]'
+    "$root/scripts/camera-picture.sh" large.png 'large.jpg[Q=90]' 'large.tiff[compression=lzw]'
     heif-enc -q 80 -o unfinished.heic large.png >making-heic.log 2>&1
     mv unfinished.heic large.heic
-    rm -f ./*.v
 fi
 
 run() { # PROGRAM PICTURE

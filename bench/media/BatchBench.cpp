@@ -3,49 +3,42 @@
 #include <zorvan/media/ImageExportFormat.h>
 #include <zorvan/media/ImageThumbailer.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-#include <thread>
-#include <vector>
-
 #include <atomic>
+#include <cstdio>
 #include <sys/resource.h>
+#include <thread>
 
-/// Makes upright JPEGs of at most 1,600 pixels a side, on two threads, of PICTURE, COUNT times:
+/// Makes upright JPEGs of at most 1,600 pixels a side in FOLDER, on two threads:
 ///
-///     batch PICTURE FOLDER COUNT
+///     bench-batch-export FOLDER PICTURE...
 ///
-/// and says what memory it needed at most. A program of its own, so that it is measured as the
-/// peers are.
+/// and says what memory it needed at most, in KB. A program of its own, so that it is measured as
+/// the peers are.
 int main(int argumentCount, char** arguments) {
     using namespace zorvan;
-    if (argumentCount != 4)
-        return 0; // scripts/batch-bench.sh runs it with a picture
-    const URL picture({.fileURLWithPath = arguments[1]});
-    const std::string folder = arguments[2];
-    const int count = std::atoi(arguments[3]);
-    std::atomic<int> next = 0, failures = 0;
-    const auto work = [&] {
+    if (argumentCount < 3)
+        return 0; // scripts/batch-bench.sh runs it with pictures
+    const URL folder({.fileURLWithPath = arguments[1]});
+    std::atomic<int> next = 2, failures = 0;
+    const auto isExported = [&](const URL& picture) {
         const ImageThumbailer thumbnailer{.maximumPixelSize = 1600};
-        for (int i = next++; i < count; i = next++) {
-            const CGImage::Pointer small = thumbnailer.thumbnail(picture);
-            const URL file({.fileURLWithPath = folder + "/" + std::to_string(i % 100) + ".jpg"});
-            const auto destination =
-                CGImageDestination::create(file, ImageExportFormat::jpg.cgType(), 1);
-            if (!small || !destination)
-                ++failures;
-            else
-                destination->addImage(small);
-            if (small && destination && !destination->finalize())
-                ++failures;
-        }
+        const CGImage::Pointer small = thumbnailer.thumbnail(picture);
+        const URL file = folder.appendingPathComponent(picture.lastPathComponent());
+        const auto destination =
+            CGImageDestination::create(file, ImageExportFormat::jpg.cgType(), 1);
+        if (!small || !destination)
+            return false;
+        destination->addImage(small);
+        return destination->finalize();
     };
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 2; ++i)
-        threads.emplace_back(work);
-    for (std::thread& thread : threads)
-        thread.join();
+    const auto work = [&] {
+        for (int i = next++; i < argumentCount; i = next++)
+            if (!isExported(URL({.fileURLWithPath = arguments[i]})))
+                ++failures;
+    };
+    std::thread other(work);
+    work();
+    other.join();
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     std::printf("%ld\n", usage.ru_maxrss);

@@ -3,8 +3,11 @@
 #include "displayText.h"
 #include "report.h"
 
+#include <zorvan/media/CGContext.h>
 #include <zorvan/media/CGImageDestination.h>
 #include <zorvan/media/ImageKeys.h>
+#include <zorvan/media/NSBezierPath.h>
+#include <zorvan/media/NSColor.h>
 #include <zorvan/platform/graphics/TextDrawing.h>
 #include <zorvan/platform/graphics/drawBitmap.h>
 
@@ -76,6 +79,8 @@ void ContactSheet::fill(std::size_t position, const std::string& name, const Pic
     const Point at = corner(position);
     if (thumbnail) {
         drawThumbnail(at, *thumbnail);
+        if (facts.movie)
+            drawPlaySign(at, *thumbnail);
     } else {
         fillRectangle(bitmap_, {at.x, at.y, cell_, cell_}, tile);
         drawTextLine(bitmap_, "unreadable", {at.x, at.y + cell_ / 2 - 9, cell_, lineHeight},
@@ -93,10 +98,33 @@ void ContactSheet::drawThumbnail(Point at, const CGImage& thumbnail) {
                bitmap_, Backdrop::arbitrary);
 }
 
+void ContactSheet::drawPlaySign(Point at, const CGImage& thumbnail) {
+    // Its own pixels are all that it touches: cells next to it may be drawn at the same time.
+    constexpr std::int64_t side = 36;
+    if (cell_ < side || thumbnail.height() < side || thumbnail.width() < side)
+        return;
+    const auto context =
+        CGContext::create(bitmap_, {at.x + (cell_ - side) / 2,
+                                    at.y + cell_ - (thumbnail.height() + side) / 2, side, side});
+    context->useTemporaryContext([] {
+        setFill(NSColor::black.withAlphaComponent(0.55));
+        NSBezierPath::create({.ovalIn = CGRect(0, 0, side, side)})->fill();
+        setFill(NSColor::white);
+        const auto triangle = NSBezierPath::create();
+        triangle->move({13, 9});
+        triangle->line({13, 27});
+        triangle->line({28, 18});
+        triangle->close();
+        triangle->fill();
+    });
+}
+
 void ContactSheet::drawCaption(Point at, const std::string& name, const PictureFacts& facts) {
     const std::size_t slash = name.rfind('/');
     const std::string title = forDisplay(name.substr(slash == std::string::npos ? 0 : slash + 1));
-    const std::string detail = facts.error.empty() ? sizeText(*facts.uprightSize) : facts.error;
+    std::string detail = facts.error.empty() ? sizeText(*facts.uprightSize) : facts.error;
+    if (facts.error.empty() && facts.movie && facts.movie->duration)
+        detail += ", " + durationText(*facts.movie->duration);
     drawTextLine(bitmap_, title, {at.x, at.y + cell_ + 5, cell_, lineHeight},
                  {.size = 13,
                   .color = ink,

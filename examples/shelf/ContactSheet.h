@@ -37,6 +37,7 @@ private:
 
     Point corner(std::size_t position) const;
     void drawThumbnail(Point corner, const zorvan::CGImage& thumbnail);
+    void drawPlaySign(Point corner, const zorvan::CGImage& thumbnail);
     void drawCaption(Point corner, const std::string& name, const PictureFacts& facts);
 
     zorvan::Bitmap bitmap_;

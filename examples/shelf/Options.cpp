@@ -14,8 +14,9 @@ const char* const helpText =
     R"(Usage: shelf [OPTIONS] PATH...
        shelf settings DOMAIN    (prints a domain of settings as XML)
 
-Lists pictures, makes a contact sheet of them, or writes smaller copies of them.
-A PATH is a picture, or a folder of pictures.
+Lists pictures and movies, makes a contact sheet of them, or writes smaller
+copies of them; a movie stands there as one of its pictures.
+A PATH is a picture, a movie, or a folder of them.
 
 Which pictures:
   -r, --recursive     also those in sub-folders

@@ -44,7 +44,8 @@ std::vector<ListedFile> filesOf(const std::string& path, const Options& options)
     files->setSkipAlias(options.noLinks);
     // A file that the user names is looked at whatever its extension.
     setTypes(*files, options.types,
-             isFolder ? FileIterator::Types{UTIType::image()} : FileIterator::Types());
+             isFolder ? FileIterator::Types{UTIType::image(), UTIType::movie()}
+                      : FileIterator::Types());
 
     std::vector<ListedFile> list;
     const std::string top = root.resolvingSymlinksInPath().path();

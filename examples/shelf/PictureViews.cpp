@@ -63,6 +63,8 @@ std::string nameOf(const ListedFile& file) {
 std::string kindOf(const PictureFacts& facts) {
     if (!facts.error.empty())
         return "Unreadable";
+    if (facts.movie)
+        return "Movies";
     static const std::map<std::string, std::string> names{{"public.jpeg", "JPEG"},
                                                           {"public.png", "PNG"},
                                                           {"public.tiff", "TIFF"},

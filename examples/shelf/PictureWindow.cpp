@@ -23,7 +23,7 @@ std::vector<KindList::Kind> kindsOf(const std::vector<PictureFacts>& facts) {
     for (const PictureFacts& fact : facts)
         ++counts[kindOf(fact)];
     std::vector<KindList::Kind> kinds{{"square.grid.2x2", "All pictures", facts.size()}};
-    for (const char* name : {"JPEG", "HEIC", "PNG", "TIFF", "Others"})
+    for (const char* name : {"JPEG", "HEIC", "PNG", "TIFF", "Movies", "Others"})
         if (counts[name] > 0)
             kinds.push_back({"photo", name, counts[name]});
     if (counts["Unreadable"] > 0)

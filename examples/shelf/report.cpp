@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <cstdio>
+#include <ctime>
 
 using zorvan::CGSize;
 
@@ -11,9 +14,46 @@ namespace {
 
 constexpr std::size_t widestName = 48;
 
-using Row = std::array<std::string, 5>;
+using Row = std::array<std::string, 6>;
+using Widths = std::array<std::size_t, 6>;
 
 std::string numberText(double value) { return std::to_string(static_cast<std::int64_t>(value)); }
+
+std::string rateText(float rate) {
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%.5g", static_cast<double>(rate));
+    return text.data();
+}
+
+/// "2024-05-31T12:34:56Z".
+std::string dateText(zorvan::Date date) {
+    const std::time_t seconds =
+        std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(date));
+    std::tm parts{};
+    std::array<char, 64> text{};
+    gmtime_r(&seconds, &parts);
+    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts);
+    return text.data();
+}
+
+std::string movieText(const MovieFacts& movie) {
+    std::string text = movie.duration ? durationText(*movie.duration) : "movie";
+    if (movie.frameRate > 0)
+        text += ", " + rateText(movie.frameRate) + " a second";
+    return movie.date ? text + ", " + dateText(*movie.date).substr(0, 10) : text;
+}
+
+/// The entries of JSON that only movies have.
+std::string movieEntries(const MovieFacts& movie) {
+    const auto known = [](bool isKnown, const std::string& text) {
+        return isKnown ? text : std::string("null");
+    };
+    return ", \"duration\": " +
+           known(movie.duration.has_value(), std::to_string(movie.duration.value_or(0))) +
+           ", \"frameRate\": " + known(movie.frameRate > 0, rateText(movie.frameRate)) +
+           ", \"date\": " +
+           known(movie.date.has_value(), '"' + dateText(movie.date.value_or(zorvan::Date())) + '"');
+}
 
 Row rowOf(const ListedFile& file, const PictureFacts& facts) {
     Row row{shortened(forDisplay(file.name), widestName),
@@ -25,6 +65,8 @@ Row rowOf(const ListedFile& file, const PictureFacts& facts) {
     row[2] = sizeText(*facts.size);
     row[3] = std::to_string(facts.orientation);
     row[4] = sizeText(*facts.uprightSize);
+    if (facts.movie)
+        row[5] = movieText(*facts.movie);
     return row;
 }
 
@@ -37,7 +79,7 @@ std::size_t columnWidth(const std::vector<Row>& rows, std::size_t column) {
     return width;
 }
 
-std::string lineOf(const Row& row, const std::array<std::size_t, 5>& widths) {
+std::string lineOf(const Row& row, const Widths& widths) {
     std::string line;
     for (std::size_t column = 0; column < row.size(); ++column)
         line += padded(row[column], widths[column]) + "  ";
@@ -55,13 +97,26 @@ std::string sizeText(const CGSize& size) {
     return numberText(size.width) + " x " + numberText(size.height);
 }
 
+std::string durationText(double seconds) {
+    const auto all = static_cast<std::int64_t>(std::min(seconds, 1e12));
+    std::array<char, 64> text{};
+    const long long hours = all / 3600, minutes = all / 60 % 60, rest = all % 60;
+    if (hours > 0)
+        std::snprintf(text.data(), text.size(), "%lld:%02lld:%02lld", hours, minutes, rest);
+    else
+        std::snprintf(text.data(), text.size(), "%lld:%02lld", minutes, rest);
+    return text.data();
+}
+
 std::string table(const std::vector<ListedFile>& files, const std::vector<PictureFacts>& facts) {
     if (files.empty())
         return {};
     std::vector<Row> rows{{"Name", "Type", "Size", "Orientation", "Upright"}};
+    if (std::ranges::any_of(facts, [](const PictureFacts& fact) { return !!fact.movie; }))
+        rows.front()[5] = "Movie";
     for (std::size_t i = 0; i < files.size(); ++i)
         rows.push_back(rowOf(files[i], facts[i]));
-    std::array<std::size_t, 5> widths{};
+    Widths widths{};
     for (std::size_t column = 0; column < widths.size(); ++column)
         widths[column] = columnWidth(rows, column);
     std::string text;
@@ -90,6 +145,7 @@ std::string json(const std::vector<ListedFile>& files, const std::vector<Picture
         text += ", \"orientation\": " + (fact.size ? std::to_string(fact.orientation) : "null");
         text += ", \"uprightWidth\": " + number(fact.uprightSize, &CGSize::width);
         text += ", \"uprightHeight\": " + number(fact.uprightSize, &CGSize::height);
+        text += fact.movie ? movieEntries(*fact.movie) : "";
         text += ", \"error\": " + (fact.error.empty() ? "null" : quotedForJSON(fact.error)) + "}";
     }
     return text + (files.empty() ? "]\n" : "\n]\n");

@@ -14,10 +14,7 @@ namespace {
 
 const NSFileManager& manager() { return *NSFileManager::defaultManager(); }
 
-std::string text(const URL& url) {
-    std::ifstream file(url.path(), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+std::string text(const URL& url) { return ::text(url.path()); }
 
 } // namespace
 

@@ -66,12 +66,6 @@ void removeChain(const std::string& top, int depth) {
 
 } // namespace
 
-TEST(NSDirectoryEnumerator, goesDepthFirst) {
-    TemporaryFolder folder;
-    folder.file("a/b/c");
-    EXPECT_THAT(all(folder), ElementsAre("a", "a/b", "a/b/c"));
-}
-
 TEST(NSDirectoryEnumerator, obeysEachSumOfOptions) {
     TemporaryFolder folder;
     folder.file(".h/x");
@@ -231,7 +225,7 @@ TEST(NSDirectoryEnumerator, survivesATreeThatMovesMeanwhile) {
 TEST(NSDirectoryEnumerator, agreesWithTheStandardWalkOnRandomTrees) {
     std::mt19937 random(11);
     for (int round = 0; round < 10; ++round) {
-        TemporaryFolder folder;
+        TemporaryFolder folder(TemporaryFolder::fastParent());
         std::vector<std::string> folders{""};
         for (int i = 0; i < 300; ++i) {
             const std::string parent = folders[random() % folders.size()];

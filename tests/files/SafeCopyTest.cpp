@@ -29,11 +29,6 @@ namespace {
 
 const NSFileManager& manager() { return *NSFileManager::defaultManager(); }
 
-std::string text(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// Every item below a path, by its path from there: what a file or link holds, "/" for a folder.
 std::map<std::string, std::string> contents(const fs::path& path) {
     std::map<std::string, std::string> items;

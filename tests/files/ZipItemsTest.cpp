@@ -65,11 +65,6 @@ protected:
     const std::string archive = (folder.path() / "archive.zip").string();
 };
 
-std::string text(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 } // namespace
 
 TEST_F(ZipItems, holdsFoldersLinksAndNamesOfAllKinds) {
@@ -165,7 +160,9 @@ TEST_F(ZipItems, holdsFilesOfMoreThanFourGigabytes) {
     std::ofstream(archive, std::ios::binary)
         .write(reinterpret_cast<const char*>(data->data()),
                static_cast<std::streamsize>(data->size()));
-    EXPECT_EQ(run("unzip -tq " + archive).status, 0);
-    const std::string list = run("python3 -m zipfile -l " + archive).text;
-    EXPECT_THAT(list, testing::HasSubstr(std::to_string(size)));
+    // Reading all of it again would take as long as writing it; what comes after it stands beyond.
+    const Output read = run("python3 -c \"import sys, zipfile; z = zipfile.ZipFile(sys.argv[1]); "
+                            "print(z.getinfo('large').file_size, z.read('z').decode())\" " +
+                            archive);
+    EXPECT_EQ(read.text, std::to_string(size) + " after it\n");
 }

@@ -114,6 +114,9 @@ TEST(AVAsset, ReadsRatesAndSizesOfEveryContainer) {
              {"ogv", {"-c:v", "libtheora"}, 0.02},
              {"frag.mp4", {"-c:v", "libx264", "-movflags", "frag_keyframe+empty_moov"}, 1e-5}})
         for (const char* rate : {"24000/1001", "25", "30000/1001"}) {
+            // Every container once; the arithmetic of rates is the same in all.
+            if (rate != std::string("24000/1001") && std::string(extension) != "mp4")
+                continue;
             const std::string name = std::string(rate).substr(0, 5) + "." + extension;
             const auto asset =
                 AVAsset::create(testmovies::make(name, picture("96x64", rate) + options));

@@ -35,15 +35,7 @@ void pump(Clock::duration time) { MainQueue::runUntil(Clock::now() + time); }
 /// The number that the picture on show carries; -1 without a picture.
 int shownNumber(const AVPlayer& player) {
     const auto picture = player.currentItem()->currentPicture();
-    if (!picture)
-        return -1;
-    int number = 0;
-    for (int bit = 0; bit < testmovies::numberBits; ++bit) {
-        const int x = bit * testmovies::bitWidth + testmovies::bitWidth / 2;
-        if (picture->row(testmovies::numberHeight / 2)[x * 4] > 127)
-            number |= 1 << bit;
-    }
-    return number;
+    return picture ? testmovies::numberOf(*picture) : -1;
 }
 
 std::shared_ptr<AVPlayer> readyPlayer(const URL& url) {

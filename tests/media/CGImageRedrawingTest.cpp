@@ -64,25 +64,6 @@ TEST(CGImage, AnOrientationIsTheDrawingThatItsGeometryDescribes) {
     }
 }
 
-TEST(CGImage, TheEightOrientationsAtAGlance) {
-    Bitmap letters = Bitmap::make(2, 3).value();
-    for (std::int64_t i = 0; i < 6; ++i)
-        letters.data()[i * 4] = static_cast<std::uint8_t>('A' + i);
-    const auto image = CGImage::create(std::move(letters));
-    const char* const expected[] = {"AB CD EF ", "BA DC FE ", "FE DC BA ", "EF CD AB ",
-                                    "ACE BDF ",  "ECA FDB ",  "FDB ECA ",  "BDF ACE "};
-    for (std::int64_t value = 1; value <= 8; ++value) {
-        const auto result = image->oriented(value);
-        std::string text;
-        for (std::int64_t y = 0; y < result->height(); ++y) {
-            for (std::int64_t x = 0; x < result->width(); ++x)
-                text += static_cast<char>(pixelAt(*result, x, y));
-            text += ' ';
-        }
-        EXPECT_EQ(text, expected[value - 1]) << value;
-    }
-}
-
 TEST(CGImage, OrientationsOutsideTheEightAreNone) {
     const auto image = noise(4, 3);
     EXPECT_EQ(image->oriented(std::int64_t{1}), image);
@@ -209,15 +190,6 @@ TEST(CGImage, CroppingShowsTheMiddle) {
             const bool isMargin = x < 2 || x >= 42 || y < 1 || y >= 21;
             ASSERT_EQ(pixelAt(*enlarged, x, y), isMargin ? 0 : pixelAt(*image, x - 2, y - 1));
         }
-}
-
-TEST(CGImage, CroppingByHalfPixelsMixesNeighbours) {
-    // Insets of 0.5 leave 39 x 19 pixels, each halfway between four.
-    const auto image = plain(40, 20, 0xFF112233);
-    const auto result = image->cropping({.dx = 0.5, .dy = 0.5});
-    ASSERT_EQ(result->width(), 39);
-    for (std::int64_t i = 0; i < 39 * 19; ++i)
-        ASSERT_EQ(pixelAt(*result, i % 39, i / 39), 0xFF112233);
 }
 
 TEST(CGImage, ATransformIsNotBroughtBackToTheOrigin) {

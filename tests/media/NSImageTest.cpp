@@ -172,14 +172,19 @@ TEST(NSImage, IsFoundByItsName) {
     EXPECT_EQ(NSImage::named(""), nullptr);
 }
 
-TEST(NSImage, IsFoundAmongResourcesAndIcons) {
-    namespace fs = std::filesystem;
-    const auto write = [](const fs::path& path, const CGImage& image) {
-        const Data bytes = image.pngData().value();
-        fs::create_directories(path.parent_path());
-        std::ofstream(path, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
-    };
+namespace fs = std::filesystem;
+
+void write(const fs::path& path, const std::string& text) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+void write(const fs::path& path, const CGImage& image) {
+    const Data bytes = image.pngData().value();
+    write(path, std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+}
+
+TEST(NSImage, IsFoundAmongResources) {
     const std::string id = makeUUIDString();
     const fs::path resources(NSBundle::mainBundle()->resourceURL().path());
     write(resources / (id + ".png"), *plain(8, 8, red));
@@ -191,21 +196,114 @@ TEST(NSImage, IsFoundAmongResourcesAndIcons) {
     EXPECT_EQ(NSImage::named(id + ".png")->size(), CGSize(8, 8));
     fs::remove(resources / (id + ".png"));
     fs::remove(resources / (id + "@2x.png"));
+}
 
-    const fs::path data = fs::temp_directory_path() / ("icons-" + id);
-    write(data / "icons/hicolor/32x32/apps" / (id + ".png"), *plain(32, 32, blue));
-    const char* const before = std::getenv("XDG_DATA_HOME");
-    const std::string kept = before ? before : "";
-    setenv("XDG_DATA_HOME", data.c_str(), 1);
-    const auto icon = NSImage::named(id);
-    fs::create_directories(data / (id + ".app"));
-    const auto bundle = NSBundle::create(data / (id + ".app"));
-    const auto ofBundle = applicationIcon(*bundle, 64);
-    before ? setenv("XDG_DATA_HOME", kept.c_str(), 1) : unsetenv("XDG_DATA_HOME");
-    fs::remove_all(data);
-    ASSERT_TRUE(icon && ofBundle);
-    EXPECT_EQ(pixelAt(*icon->cgImageForProposedRect(), 5, 5), blue);
-    EXPECT_EQ(ofBundle->size(), CGSize(64, 64));
+/// A desktop with the theme "Child", whose parent is "Parent", and folders of its own for all else.
+class Icons : public testing::Test {
+protected:
+    Icons() {
+        for (const char* name : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_DATA_DIRS"}) {
+            const char* const value = std::getenv(name);
+            before_.emplace_back(name, value ? std::optional<std::string>(value) : std::nullopt);
+            setenv(name, root_.c_str(), 1);
+        }
+        write(root_ / "gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name=Child\n");
+        write(icons_ / "Child/index.theme",
+              "[Icon Theme]\nInherits=Parent,hicolor\nDirectories=16,32,64,wide,32@2,../outside\n"
+              "[16]\nSize=16\nType=Fixed\n[32]\nSize=30\nThreshold=3\n[64]\nSize=64\n"
+              "[wide]\nSize=20\nType=Scalable\nMinSize=8\nMaxSize=60\n"
+              "[32@2]\nSize=32\nScale=2\nType=Fixed\n[../outside]\nSize=32\n");
+        write(icons_ / "Parent/index.theme",
+              "[Icon Theme]\nInherits=hicolor,Child,Grandparent\nDirectories=32\n[32]\nSize=32\n");
+        write(icons_ / "Grandparent/index.theme", "[Icon Theme]\nDirectories=32\n[32]\nSize=32\n");
+    }
+    ~Icons() override {
+        for (const auto& [name, value] : before_)
+            value ? setenv(name, value->c_str(), 1) : unsetenv(name);
+        fs::remove_all(root_);
+    }
+
+    const fs::path root_ = fs::temp_directory_path() / ("icons-" + makeUUIDString());
+    const fs::path icons_ = root_ / "icons";
+
+private:
+    std::vector<std::pair<const char*, std::optional<std::string>>> before_;
+};
+
+TEST_F(Icons, AreFoundByTheRulesOfThemes) {
+    struct {
+        const char* what;
+        std::vector<std::pair<const char*, std::uint32_t>> folders;
+        std::uint32_t color, colorAtTwo;
+    } const table[] = {
+        {"within the threshold",
+         {{"Child/16", red}, {"Child/32", green}, {"Child/64", red}},
+         green,
+         red},
+        {"the first folder of two that fit",
+         {{"Child/32", green}, {"Child/wide", red}},
+         green,
+         red},
+        {"any size", {{"Child/16", red}, {"Child/wide", green}}, green, green},
+        {"the nearest", {{"Child/16", green}, {"Child/64", red}}, green, red},
+        {"the scale", {{"Child/32@2", blue}, {"Child/64", red}, {"Child/32", green}}, green, blue},
+        {"a child's before a parent's that fits",
+         {{"Parent/32", red}, {"Child/64", green}},
+         green,
+         green},
+        {"a parent's", {{"Parent/32", green}, {"hicolor/32x32/apps", red}}, green, green},
+        {"the shared theme last",
+         {{"hicolor/32x32/apps", red}, {"Grandparent/32", green}},
+         green,
+         green},
+        {"the shared theme without an index",
+         {{"hicolor/64x64/apps", red}, {"hicolor/32x32/apps", green}},
+         green,
+         red},
+        {"without a theme", {{".", green}}, green, green},
+        {"never outside", {{"outside", red}}, 0, 0},
+    };
+    int number = 0;
+    for (const auto& row : table) {
+        const std::string name = "icon" + std::to_string(++number);
+        for (const auto& [folder, color] : row.folders)
+            write(icons_ / folder / (name + ".png"), *plain(8, 8, color));
+        const auto icon = NSImage::named(name);
+        const auto colorAt = [&](double side) {
+            return icon ? pixelAt(*icon->cgImageForProposedRect(CGRect(0, 0, side, side)), 4, 4)
+                        : 0;
+        };
+        EXPECT_EQ(colorAt(8), row.color) << row.what;
+        EXPECT_EQ(icon ? icon->size() : CGSize(32, 32), CGSize(32, 32)) << row.what;
+        const auto& last = icon ? icon->representations().back().image : nullptr;
+        EXPECT_EQ(last ? pixelAt(*last, 4, 4) : 0, row.colorAtTwo) << row.what;
+    }
+    write(icons_ / "hicolor/32x32/apps/tool.png", *plain(32, 32, blue));
+    fs::create_directories(root_ / "tool.app");
+    EXPECT_EQ(applicationIcon(*NSBundle::create(root_ / "tool.app"), 64)->size(), CGSize(64, 64));
+}
+
+TEST_F(Icons, OfShapesAreSharpAtAnySize) {
+    write(root_ / "secret.png", *plain(8, 8, blue));
+    const std::string shapes = "<svg xmlns='http://www.w3.org/2000/svg' width='16' height='8'>"
+                               "<rect width='8' height='8' fill='#f00'/><image x='8' width='8' "
+                               "height='8' href='file://" +
+                               (root_ / "secret.png").string() + "'/></svg>";
+    write(icons_ / "Child/16/shapes.svg", shapes);
+    const auto icon = NSImage::named("shapes");
+    ASSERT_TRUE(icon);
+    EXPECT_EQ(icon->size(), CGSize(32, 16));
+    const auto drawn = icon->cgImageForProposedRect(CGRect(0, 0, 640, 320));
+    ASSERT_EQ(drawn->size(), CGSize(640, 320));
+    for (const std::int64_t y : {0, 160, 319}) {
+        EXPECT_EQ(pixelAt(*drawn, 319, y), red);
+        EXPECT_EQ(pixelAt(*drawn, 320, y), 0u) << "another file was read";
+    }
+    for (const char* broken : {"<svg", "<svg xmlns='http://www.w3.org/2000/svg'/>",
+                               "<svg xmlns='http://www.w3.org/2000/svg' width='-1' height='1'/>"}) {
+        write(icons_ / "Child/16/broken.svg", broken);
+        EXPECT_EQ(NSImage::named("broken"), nullptr) << broken;
+    }
 }
 
 TEST(NSImage, DrawsSymbolsAtAnySize) {

@@ -121,4 +121,12 @@ zorvan::URL numbers(const std::string& name, const Numbers& numbers) {
     return make(name + "." + numbers.container, std::move(arguments));
 }
 
+int numberOf(const zorvan::Bitmap& picture) {
+    int number = 0;
+    for (int bit = 0; bit < numberBits; ++bit)
+        if (picture.row(numberHeight / 2)[(bit * bitWidth + bitWidth / 2) * 4] > 127)
+            number |= 1 << bit;
+    return number;
+}
+
 } // namespace testmovies

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zorvan/platform/foundation/URL.h>
+#include <zorvan/platform/graphics/Bitmap.h>
 
 #include <array>
 #include <cstdint>
@@ -37,5 +38,7 @@ constexpr int bitWidth = 16, numberBits = 8, numberHeight = 32;
 
 /// A movie whose pictures show their number as bars, the lowest bit at the left.
 zorvan::URL numbers(const std::string& name, const Numbers& numbers = {});
+/// The number that such a picture shows.
+int numberOf(const zorvan::Bitmap& picture);
 
 } // namespace testmovies

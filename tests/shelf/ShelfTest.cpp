@@ -1,4 +1,5 @@
 #include "Program.h"
+#include "TestMovies.h"
 #include "displayText.h"
 
 #include <zorvan/media/CGImage.h>
@@ -189,6 +190,48 @@ TEST_F(Shelf, printsJSONForMachines) {
     const Outcome nothing = shelf({folder.path, "--json", "--type", "gif"});
     EXPECT_EQ(nothing.status, 0);
     EXPECT_TRUE(json::parse(nothing.output) == json::array()) << nothing.output;
+}
+
+TEST_F(Shelf, showsMoviesAmongThePictures) {
+    testmovies::make("red.mp4", {"-f", "lavfi", "-i", "color=red:s=160x80:r=30000/1001:d=2", "-c:v",
+                                 "libx264", "-metadata", "creation_time=2024-05-31T12:34:56Z"});
+    testmovies::setMatrix("red.mp4", 0, {0, 1, -1, 0, 80, 0});
+    write("a.mp4", testmovies::read("red.mp4"));
+    write("bare", testmovies::read("red.mp4")); // known by its bytes
+    write("cut.mp4", testmovies::read("red.mp4").substr(0, 300));
+    const json facts =
+        json::parse(shelf({at("a.mp4"), at("bare"), at("cut.mp4"), "--json"}).output);
+    EXPECT_NEAR(facts[0].at("duration").get<double>(), 2, 0.05);
+    EXPECT_NEAR(facts[0].at("frameRate").get<double>(), 29.97, 0.001);
+    json others = facts[0];
+    others.erase("duration");
+    others.erase("frameRate");
+    EXPECT_EQ(others, json({{"path", at("a.mp4")},
+                            {"type", "public.mpeg-4"},
+                            {"width", 160},
+                            {"height", 80},
+                            {"orientation", 6},
+                            {"uprightWidth", 80},
+                            {"uprightHeight", 160},
+                            {"date", "2024-05-31T12:34:56Z"},
+                            {"error", nullptr}}));
+    EXPECT_EQ(facts[1].at("type"), "public.movie");
+    EXPECT_TRUE(facts[2].at("error").is_string());
+
+    const Outcome sheet = shelf({folder.path, "-o", at("sheet.png"), "--cell", "80"});
+    EXPECT_EQ(sheet.status, 0);
+    EXPECT_THAT(sheet.output, HasSubstr("0:02, 29.97 a second, 2024-05-31"));
+    EXPECT_THAT(sheet.output, HasSubstr("2 files, 1 unreadable"));
+    const auto image = CGImage::image(URL({.fileURLWithPath = at("sheet.png")}));
+    const auto redAt = [&](std::int64_t x, std::int64_t y) {
+        const std::uint8_t* const pixel = image->bitmap().row(24 + y) + (24 + x) * 4;
+        return pixel[0] > 200 && pixel[1] < 60 && pixel[2] < 60;
+    };
+    // Half as wide as high, with a sign in its middle.
+    EXPECT_TRUE(redAt(23, 2) && redAt(56, 77));
+    EXPECT_FALSE(redAt(17, 40) || redAt(62, 40) || redAt(40, 40));
+    EXPECT_EQ(shelf({at("a.mp4"), "--export", at("out"), "-q", "--format", "png"}).status, 0);
+    EXPECT_EQ(sizeOf("out/a.png"), CGSize(80, 160));
 }
 
 TEST_F(Shelf, noticesWhatIsCutShortUnlessInAHurry) {

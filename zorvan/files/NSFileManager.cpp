@@ -5,6 +5,7 @@
 #include <zorvan/files/internal/filePath.h>
 #include <zorvan/files/internal/visibleEntries.h>
 #include <zorvan/platform/archives/ZipArchive.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -85,12 +86,24 @@ void placeCopy(const std::string& source, const std::string& destination) {
         throwFileError("cannot copy to", destination, error);
 }
 
+/// Makes room for what takes the place of a file: memory that is free already costs less than half
+/// of what the kernel needs to find fresh.
+void giveUpCache(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return;
+    const internal::FileDescriptor file(
+        ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    ::posix_fadvise(file.get(), 0, 0, POSIX_FADV_DONTNEED);
+}
+
 /// The replacement is made in the folder for temporary files. From there it can be moved into place
 /// in one step only on the same volume, and only by who may write the folders that move; else a
 /// second copy is made beside the destination.
 void replaceWithCopy(const std::string& source, const std::string& destination,
                      const std::string& temporary) {
     const Scratch copy(temporary);
+    giveUpCache(destination);
     const bool isNear = isOnOneVolume(folderOf(destination), folderOf(temporary));
     copyItem(source, copy.path(), isNear ? Durability::onDisk : Durability::none);
     int error = isNear ? replaceItem(destination, copy.path()) : EXDEV;

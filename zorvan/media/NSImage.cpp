@@ -2,6 +2,7 @@
 
 #include <zorvan/media/CGContext.h>
 #include <zorvan/media/ImageKeys.h>
+#include <zorvan/platform/graphics/VectorPicture.h>
 
 #include <algorithm>
 #include <cmath>
@@ -41,6 +42,19 @@ CGImage::Pointer upright(const CGImage::Pointer& image,
     return turned ? turned : image;
 }
 
+/// Drawn anew at each size, with as many pixels as it has in the context.
+NSImage::Pointer imageOf(const std::shared_ptr<const VectorPicture>& picture) {
+    if (!picture)
+        return nullptr;
+    return NSImage::create(picture->size(), false, [picture](const CGRect& rect) {
+        const auto context = CGContext::current();
+        const CGSize pixels = pixelsOf(rect, context.get());
+        auto bitmap = picture->drawn(pixelCount(pixels.width), pixelCount(pixels.height));
+        if (bitmap)
+            context->draw(*CGImage::create(std::move(*bitmap)), rect);
+    });
+}
+
 } // namespace
 
 NSImage::Pointer CGImage::nsImage() const { return NSImage::create(shared_from_this()); }
@@ -61,10 +75,15 @@ NSImage::Pointer NSImage::create(CGImage::Pointer image, CGSize size) {
 }
 
 NSImage::Pointer NSImage::create(const URL& contentsOf) {
-    return create(upright(CGImage::image(contentsOf), CGImage::metadata(contentsOf)));
+    const auto image = create(upright(CGImage::image(contentsOf), CGImage::metadata(contentsOf)));
+    if (image || !contentsOf.isFileURL())
+        return image;
+    return imageOf(VectorPicture::create(contentsOf.path()));
 }
 
 NSImage::Pointer NSImage::create(Data data) {
+    if (const auto picture = VectorPicture::create(data))
+        return imageOf(picture);
     const auto metadata = CGImage::metadata(data);
     return create(upright(CGImage::image(std::move(data)), metadata));
 }

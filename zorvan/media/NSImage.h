@@ -42,8 +42,8 @@ public:
     static Pointer create(CGSize size);
     /// A size of zero stands for that in pixels. Empty when the bitmap is.
     static Pointer create(CGImage::Pointer image, CGSize size = {});
-    /// A picture file, its first picture upright, at its size in pixels. Empty when it cannot be
-    /// read.
+    /// A picture file, its first picture upright, at its size in pixels, or an SVG, which is drawn
+    /// anew for each size in pixels that is asked for. Empty when it cannot be read.
     static Pointer create(const URL& contentsOf);
     static Pointer create(Data data);
     /// A picture that is drawn anew for each size in pixels that is asked for. With `flipped` the
@@ -54,10 +54,10 @@ public:
     ///
     /// 1. the image that carries the name, see `setName`;
     /// 2. the resource of the main bundle with that name, or with that name and ".png", ".jpg",
-    ///    ".jpeg", ".tiff", ".tif" or ".heic"; files with "@2x" and "@3x" before the extension
-    ///    give further representations;
-    /// 3. the icon of that name, of 32 pixels, that applications have installed for the desktop;
-    ///    only bitmaps are read.
+    ///    ".jpeg", ".tiff", ".tif", ".heic" or ".svg"; files with "@2x" and "@3x" before the
+    ///    extension give further representations;
+    /// 3. the icon of that name, for 32 points, in the theme of the desktop, with that for twice as
+    ///    many pixels as a further representation.
     ///
     /// A new image each time, but for the first. Empty when there is none.
     static Pointer named(std::string_view name);

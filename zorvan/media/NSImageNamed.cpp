@@ -70,10 +70,25 @@ NSImage::Pointer resource(std::string_view name) {
     if (dot != std::string_view::npos && dot > 0)
         if (const auto image = resource(name.substr(0, dot), name.substr(dot + 1)))
             return image;
-    for (const char* extension : {"png", "jpg", "jpeg", "tiff", "tif", "heic"})
+    for (const char* extension : {"png", "jpg", "jpeg", "tiff", "tif", "heic", "svg"})
         if (const auto image = resource(name, extension))
             return image;
     return nullptr;
+}
+
+/// With the picture that the theme has for two pixels to a point, when that is another one.
+NSImage::Pointer iconNamed(std::string_view name, std::int64_t size) {
+    const std::optional<URL> url = desktop::iconNamed(name, size);
+    const NSImage::Pointer icon = url ? NSImage::create(*url) : nullptr;
+    if (!icon)
+        return nullptr;
+    const auto side = static_cast<double>(size);
+    icon->setSize(icon->size().fitting({side, side}));
+    const std::optional<URL> larger = desktop::iconNamed(name, size, 2);
+    const NSImage::Pointer scaled = larger && *larger != *url ? NSImage::create(*larger) : nullptr;
+    if (scaled && !scaled->representations().empty())
+        icon->addRepresentation({scaled->representations().front().image, icon->size()});
+    return icon;
 }
 
 } // namespace
@@ -84,8 +99,7 @@ NSImage::Pointer NSImage::named(std::string_view name) {
     if (Pointer image = resource(name))
         return image;
     constexpr std::int64_t usualSize = 32;
-    const std::optional<URL> icon = desktop::iconNamed(name, usualSize);
-    return icon ? create(*icon) : nullptr;
+    return iconNamed(name, usualSize);
 }
 
 bool NSImage::setName(std::string name) {

@@ -63,16 +63,18 @@ TEST(RoundTrip, BothLayoutsAreWrittenAlike) {
 
 TEST(RoundTrip, MaximumSizeGivesExactlyThatSizeAndTheAverage) {
     const Bitmap original = pattern(400, 301);
-    for (const FileFormat format : formats)
+    for (const FileFormat format : formats) {
+        const Data bytes = encoded(format, original);
         for (const std::int64_t limit : {1, 7, 50, 399, 400, 5000}) {
             SCOPED_TRACE(testing::Message() << typeIdentifier(format) << ' ' << limit);
-            const Bitmap small = decoded(encoded(format, original), {.maximumPixelSize = limit});
+            const Bitmap small = decoded(bytes, {.maximumPixelSize = limit});
             EXPECT_EQ(small.width(), std::min<std::int64_t>(limit, 400));
             const double height = 301.0 * static_cast<double>(small.width()) / 400;
             EXPECT_NEAR(static_cast<double>(small.height()), height, 0.75);
             const Bitmap expected = referenceDownscale(original, small.width(), small.height());
             EXPECT_LE(difference(small, expected).mean, isLossless(format) ? 0.05 : 5);
         }
+    }
 }
 
 TEST(RoundTrip, QualityOrdersTheSizes) {

@@ -1,0 +1,137 @@
+#include <zorvan/platform/avfoundation/describeMedia.h>
+
+#include <zorvan/platform/avfoundation/internal/MovieInput.h>
+#include <zorvan/platform/avfoundation/internal/metadataIdentifier.h>
+
+#include <algorithm>
+#include <string_view>
+
+extern "C" {
+#include <libavutil/mathematics.h>
+}
+
+namespace zorvan::avfoundation {
+namespace {
+
+constexpr AVRational microsecond{1, AV_TIME_BASE};
+
+double frameRate(const AVStream& stream) {
+    if (const double average = positive(stream.avg_frame_rate); average > 0)
+        return average;
+    const double unit = positive(stream.time_base);
+    if (stream.nb_frames > 0 && stream.duration > 0 && unit > 0)
+        return static_cast<double>(stream.nb_frames) /
+               (static_cast<double>(stream.duration) * unit);
+    return positive(stream.r_frame_rate);
+}
+
+/// A QuickTime header lists how long each picture lasts, and FFmpeg sets this rate when it opens
+/// one whose pictures all last equally long. Later, and for other containers, it is a guess.
+std::optional<MediaTime> frameDuration(const AVFormatContext& input, const AVStream& stream) {
+    const AVRational rate = stream.r_frame_rate;
+    if (std::string_view(input.iformat->name).substr(0, 4) != "mov," || positive(rate) == 0)
+        return std::nullopt;
+    return MediaTime{rate.den, rate.num};
+}
+
+MediaKind kind(const AVStream& stream) {
+    switch (stream.codecpar->codec_type) {
+    case AVMEDIA_TYPE_VIDEO:
+        return MediaKind::video;
+    case AVMEDIA_TYPE_AUDIO:
+        return MediaKind::audio;
+    case AVMEDIA_TYPE_SUBTITLE:
+        return MediaKind::text;
+    default:
+        return MediaKind::other;
+    }
+}
+
+/// Whether the header left something out that the packets could tell. Where the number of frames is
+/// known, packets would not tell more about the rate.
+bool needsPackets(const AVFormatContext& input) {
+    if ((input.ctx_flags & AVFMTCTX_NOHEADER) != 0)
+        return true;
+    return std::any_of(input.streams, input.streams + input.nb_streams, [](const AVStream* s) {
+        const bool hasSize = s->codecpar->width > 0 && s->codecpar->height > 0;
+        return isVideo(*s) && !(hasSize && (s->nb_frames > 0 || frameRate(*s) > 0));
+    });
+}
+
+std::optional<MediaTime> asTime(std::int64_t value, AVRational unit) {
+    if (value == AV_NOPTS_VALUE || value < 0 || unit.num <= 0 || unit.den <= 0)
+        return std::nullopt;
+    if (unit.num == 1)
+        return MediaTime{value, unit.den};
+    const std::int64_t microseconds = av_rescale_q(value, unit, microsecond);
+    return microseconds < 0 ? std::nullopt : std::optional(MediaTime{microseconds, AV_TIME_BASE});
+}
+
+/// Of the track that lasts longest, since headers round to their own unit; else of the header.
+std::optional<MediaTime> duration(const MovieInput& input) {
+    const AVStream* longest = nullptr;
+    for (const AVStream* stream : input.streams()) {
+        if (isCover(*stream) || !asTime(stream->duration, stream->time_base))
+            continue;
+        if (!longest || av_compare_ts(longest->duration, longest->time_base, stream->duration,
+                                      stream->time_base) < 0)
+            longest = stream;
+    }
+    return longest ? asTime(longest->duration, longest->time_base)
+                   : asTime(input.context().duration, microsecond);
+}
+
+std::vector<MediaMetadata> metadata(const AVFormatContext& input) {
+    const MetadataNames names(input);
+    std::vector<MediaMetadata> entries;
+    const AVDictionaryEntry* entry = nullptr;
+    while ((entry = av_dict_get(input.metadata, "", entry, AV_DICT_IGNORE_SUFFIX)))
+        if (!MetadataNames::isOfFileFormat(entry->key))
+            entries.push_back({names.identifier(entry->key), entry->value});
+    // The date of the container itself is that of its last rewriting; what people or cameras wrote
+    // goes before it.
+    std::stable_partition(entries.begin(), entries.end(), [](const MediaMetadata& e) {
+        return e.identifier != containerDateIdentifier;
+    });
+    return entries;
+}
+
+std::optional<MediaDescription> described(const std::string& path,
+                                          const MediaReadingOptions& options) {
+    const auto input = MovieInput::open(path, options.mayDecode);
+    if (!input)
+        return std::nullopt;
+    AVFormatContext& context = input->context();
+    const bool isGuess = needsPackets(context);
+    if (isGuess && !input->readPackets())
+        return std::nullopt;
+
+    MediaDescription description;
+    for (AVStream* stream : input->streams()) {
+        if (isCover(*stream))
+            continue;
+        MediaTrack& track = description.tracks.emplace_back();
+        track.kind = kind(*stream);
+        if (track.kind != MediaKind::video)
+            continue;
+        track.frameRate = frameRate(*stream);
+        if (!isGuess)
+            track.frameDuration = frameDuration(context, *stream);
+        track.naturalSize = naturalSize(context, *stream);
+        track.preferredTransform = preferredTransform(*stream);
+    }
+    if (description.tracks.empty())
+        return std::nullopt;
+    description.metadata = metadata(context);
+    description.duration = duration(*input);
+    return description;
+}
+
+} // namespace
+
+extern "C" void zorvanDescribeMedia(const std::string& path, const MediaReadingOptions& options,
+                                    std::optional<MediaDescription>& result) {
+    result = described(path, options);
+}
+
+} // namespace zorvan::avfoundation

@@ -1,0 +1,252 @@
+#include <zorvan/platform/avfoundation/grabFrame.h>
+
+#include <zorvan/platform/avfoundation/internal/MovieInput.h>
+#include <zorvan/platform/foundation/internal/Release.h>
+#include <zorvan/platform/graphics/ExactTransforms.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <new>
+#include <utility>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libswscale/swscale.h>
+}
+
+namespace zorvan::avfoundation {
+namespace {
+
+template <class Object, void (*release)(Object**)>
+struct ReleaseByReference {
+    void operator()(Object* object) const noexcept { release(&object); }
+};
+using Decoder =
+    std::unique_ptr<AVCodecContext, ReleaseByReference<AVCodecContext, avcodec_free_context>>;
+using Packet = std::unique_ptr<AVPacket, ReleaseByReference<AVPacket, av_packet_free>>;
+using Frame = std::unique_ptr<AVFrame, ReleaseByReference<AVFrame, av_frame_free>>;
+using Scaler = std::unique_ptr<SwsContext, Release<sws_freeContext>>;
+
+/// More than any camera's, and little enough for a few to be in memory.
+constexpr std::int64_t maximumPixelCount = std::int64_t{1} << 27;
+
+/// A search may end behind the picture that is wanted; it is then begun so much earlier, and at
+/// last at the start.
+constexpr double stepsBack[] = {0, 10, INFINITY};
+
+Frame makeFrame() {
+    Frame frame(av_frame_alloc());
+    if (!frame)
+        throw std::bad_alloc();
+    return frame;
+}
+
+AVStream* firstVideo(const MovieInput& input) {
+    const auto streams = input.streams();
+    const auto found =
+        std::ranges::find_if(streams, [](const AVStream* stream) { return isVideo(*stream); });
+    return found == streams.end() ? nullptr : *found;
+}
+
+/// The pictures of a track, one after the other from where it was last sought to.
+class FrameReader {
+public:
+    FrameReader(MovieInput& input, AVStream& stream, Decoder decoder)
+        : input_(input), stream_(stream), decoder_(std::move(decoder)), packet_(av_packet_alloc()) {
+        if (!packet_)
+            throw std::bad_alloc();
+        for (AVStream* other : input.streams())
+            if (other != &stream)
+                other->discard = AVDISCARD_ALL;
+    }
+
+    /// To the key picture at or before the time, where the file has an index. The start is sought
+    /// before itself, because its first picture may be stored before its time.
+    void seek(double seconds) {
+        avcodec_flush_buffers(decoder_.get());
+        isAtEnd_ = false;
+        const double unit = positive(stream_.time_base);
+        if (!(unit > 0))
+            return;
+        const double wanted = start() + (seconds > 0 ? seconds : -1);
+        const double target = std::clamp(wanted / unit, -0x1p62, 0x1p62);
+        av_seek_frame(&input_.context(), stream_.index, static_cast<std::int64_t>(target),
+                      AVSEEK_FLAG_BACKWARD);
+    }
+
+    bool read(AVFrame& frame) {
+        for (;;) {
+            const int result = avcodec_receive_frame(decoder_.get(), &frame);
+            if (result != AVERROR(EAGAIN))
+                return result >= 0;
+            if (isAtEnd_)
+                return false;
+            sendPacket();
+        }
+    }
+
+    /// From the start of the movie.
+    double secondsOf(const AVFrame& frame) const {
+        if (frame.best_effort_timestamp == AV_NOPTS_VALUE)
+            return 0;
+        return static_cast<double>(frame.best_effort_timestamp) * positive(stream_.time_base) -
+               start();
+    }
+
+private:
+    double start() const {
+        const std::int64_t microseconds = input_.context().start_time;
+        return microseconds == AV_NOPTS_VALUE ? 0
+                                              : static_cast<double>(microseconds) / AV_TIME_BASE;
+    }
+
+    void sendPacket() {
+        if (av_read_frame(&input_.context(), packet_.get()) < 0) {
+            isAtEnd_ = true;
+            avcodec_send_packet(decoder_.get(), nullptr);
+            return;
+        }
+        // What cannot be decoded is passed over.
+        if (packet_->stream_index == stream_.index)
+            avcodec_send_packet(decoder_.get(), packet_.get());
+        av_packet_unref(packet_.get());
+    }
+
+    MovieInput& input_;
+    AVStream& stream_;
+    Decoder decoder_;
+    Packet packet_;
+    bool isAtEnd_ = false;
+};
+
+Decoder openDecoder(const AVStream& stream, bool isExact) {
+    const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
+    Decoder decoder(codec ? avcodec_alloc_context3(codec) : nullptr);
+    if (!decoder || avcodec_parameters_to_context(decoder.get(), stream.codecpar) < 0)
+        return nullptr;
+    decoder->pkt_timebase = stream.time_base;
+    decoder->max_pixels = maximumPixelCount;
+    decoder->thread_count = 1; // threads decode ahead, and one picture is wanted
+    if (!isExact)
+        decoder->skip_frame = AVDISCARD_NONKEY;
+    return avcodec_open2(decoder.get(), codec, nullptr) >= 0 ? std::move(decoder) : nullptr;
+}
+
+/// A picture that begins by that time, from where the reader stands: the last one when it is to be
+/// exact, else the first. Null when the first one begins later, unless `takesAny`.
+Frame pictureBy(double seconds, FrameReader& reader, bool isExact, bool takesAny) {
+    constexpr double hair = 1e-6; // times are rounded
+    Frame best;
+    for (Frame next = makeFrame(); reader.read(*next); next = makeFrame()) {
+        const bool isLater = reader.secondsOf(*next) > seconds + hair;
+        if (!isLater || (takesAny && !best))
+            best = std::move(next);
+        if (isLater || !isExact)
+            break;
+    }
+    return best;
+}
+
+Frame find(double seconds, FrameReader& reader, bool isExact) {
+    for (const double back : stepsBack) {
+        reader.seek(seconds - back);
+        const bool isLast = !(seconds - back > 0);
+        if (Frame frame = pictureBy(seconds, reader, isExact, isLast))
+            return frame;
+        if (isLast)
+            return nullptr;
+    }
+    return nullptr;
+}
+
+/// The EXIF orientation of a picture that a track lays out so; 1 for what is neither a quarter turn
+/// nor a mirror.
+int orientationOf(const CGAffineTransform& transform) {
+    constexpr std::array<double, 4> turns[] = {{1, 0, 0, 1},   {-1, 0, 0, 1}, {-1, 0, 0, -1},
+                                               {1, 0, 0, -1},  {0, 1, 1, 0},  {0, 1, -1, 0},
+                                               {0, -1, -1, 0}, {0, -1, 1, 0}};
+    const std::array<double, 4> turn{transform.a, transform.b, transform.c, transform.d};
+    const auto found = std::ranges::find(turns, turn);
+    return found == std::end(turns) ? 1 : static_cast<int>(found - std::begin(turns)) + 1;
+}
+
+CGSize reduced(const CGSize& size, const CGSize& most) {
+    const double x = most.width > 0 ? most.width / size.width : 1;
+    const double y = most.height > 0 ? most.height / size.height : 1;
+    const double scale = std::min({x, y, 1.0});
+    return {std::max(std::round(size.width * scale), 1.0),
+            std::max(std::round(size.height * scale), 1.0)};
+}
+
+/// Tells the colours as the movie means them; large pictures that do not say it mean BT.709.
+void setColors(SwsContext* scaler, const AVFrame& frame) {
+    constexpr int smallestLargeHeight = 720;
+    const bool isStated = frame.colorspace != AVCOL_SPC_UNSPECIFIED;
+    const int matrix = isStated                              ? frame.colorspace
+                       : frame.height >= smallestLargeHeight ? AVCOL_SPC_BT709
+                                                             : AVCOL_SPC_SMPTE170M;
+    constexpr int one = 1 << 16;
+    sws_setColorspaceDetails(scaler, sws_getCoefficients(matrix),
+                             frame.color_range == AVCOL_RANGE_JPEG,
+                             sws_getCoefficients(SWS_CS_DEFAULT), 1, 0, one, one);
+}
+
+std::optional<Bitmap> pixelsOf(const AVFrame& frame, const CGSize& size) {
+    const auto width = static_cast<int>(size.width), height = static_cast<int>(size.height);
+    const Scaler scaler(
+        sws_getContext(frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), width,
+                       height, AV_PIX_FMT_RGBA, SWS_AREA | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT,
+                       nullptr, nullptr, nullptr));
+    std::optional<Bitmap> bitmap = scaler ? Bitmap::make(width, height) : std::nullopt;
+    if (!bitmap)
+        return std::nullopt;
+    setColors(scaler.get(), frame);
+    std::uint8_t* const planes[] = {bitmap->data()};
+    const int strides[] = {static_cast<int>(bitmap->bytesPerRow())};
+    if (sws_scale(scaler.get(), frame.data, frame.linesize, 0, frame.height, planes, strides) <= 0)
+        return std::nullopt;
+    for (std::int64_t i = 3; i < bitmap->byteCount(); i += 4)
+        bitmap->data()[i] = 255;
+    return bitmap;
+}
+
+std::optional<GrabbedFrame> grabbed(const std::string& path, const FrameRequest& request) {
+    const auto input = MovieInput::open(path, true);
+    if (!input || !input->readPackets())
+        return std::nullopt;
+    AVStream* const stream = firstVideo(*input);
+    Decoder decoder = stream ? openDecoder(*stream, request.isExact) : nullptr;
+    if (!decoder)
+        return std::nullopt;
+    FrameReader reader(*input, *stream, std::move(decoder));
+    const double seconds = std::isnan(request.seconds) ? 0 : std::max(request.seconds, 0.0);
+    const Frame frame = find(seconds, reader, request.isExact);
+    if (!frame)
+        return std::nullopt;
+
+    const int orientation = request.isUpright ? orientationOf(preferredTransform(*stream)) : 1;
+    const bool isOnItsSide = orientation >= 5;
+    const CGSize most = isOnItsSide ? request.maximumSize.flipped() : request.maximumSize;
+    // The picture's own size: a stream may change it.
+    const double ratio =
+        positive(av_guess_sample_aspect_ratio(&input->context(), stream, frame.get()));
+    const CGSize size(std::round(frame->width * (ratio > 0 ? ratio : 1)), frame->height);
+    const bool isPicture = size.width >= 1 && size.height >= 1 &&
+                           size.area() <= static_cast<double>(maximumPixelCount);
+    std::optional<Bitmap> bitmap = isPicture ? pixelsOf(*frame, reduced(size, most)) : std::nullopt;
+    if (bitmap && orientation != 1)
+        bitmap = oriented(*bitmap, orientation);
+    if (!bitmap)
+        return std::nullopt;
+    return GrabbedFrame{std::move(*bitmap), reader.secondsOf(*frame)};
+}
+
+} // namespace
+
+extern "C" void zorvanGrabFrame(const std::string& path, const FrameRequest& request,
+                                std::optional<GrabbedFrame>& result) {
+    result = grabbed(path, request);
+}
+
+} // namespace zorvan::avfoundation

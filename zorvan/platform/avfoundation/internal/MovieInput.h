@@ -1,0 +1,53 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/CGAffineTransform.h>
+#include <zorvan/numbers-geometry/CGSize.h>
+#include <zorvan/platform/avfoundation/internal/FileBytes.h>
+
+#include <memory>
+#include <span>
+#include <string>
+
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
+namespace zorvan::avfoundation {
+
+/// A movie or sound file that FFmpeg has opened, and no other file with it.
+class MovieInput {
+public:
+    /// Empty when it is no regular file, or none of a known container. Without `mayDecode` nothing
+    /// is decoded to find out more about the tracks.
+    static std::unique_ptr<MovieInput> open(const std::string& path, bool mayDecode);
+
+    AVFormatContext& context() const noexcept { return *context_; }
+    std::span<AVStream* const> streams() const noexcept {
+        return {context_->streams, context_->nb_streams};
+    }
+    /// Reads packets where the header left something out; false when they cannot be read.
+    bool readPackets() const noexcept {
+        return avformat_find_stream_info(context_.get(), nullptr) >= 0;
+    }
+
+private:
+    struct CloseInput {
+        void operator()(AVFormatContext* context) const noexcept { avformat_close_input(&context); }
+    };
+
+    std::unique_ptr<FileBytes> file_;
+    std::unique_ptr<AVFormatContext, CloseInput> context_;
+};
+
+/// Whether it is the picture of a cover.
+bool isCover(const AVStream& stream) noexcept;
+bool isVideo(const AVStream& stream) noexcept;
+
+/// In square pixels, before the transform.
+CGSize naturalSize(AVFormatContext& input, AVStream& stream) noexcept;
+CGAffineTransform preferredTransform(const AVStream& stream) noexcept;
+
+/// 0 for what is not above it.
+double positive(AVRational rational) noexcept;
+
+} // namespace zorvan::avfoundation

@@ -1,0 +1,119 @@
+#include <zorvan/platform/graphics/VectorPicture.h>
+
+#include <zorvan/platform/graphics/internal/CairoDrawing.h>
+
+#include <cstdio>
+#include <dlfcn.h>
+#include <librsvg/rsvg.h>
+#include <string_view>
+#include <sys/stat.h>
+#include <vector>
+
+namespace zorvan {
+
+namespace {
+
+/// librsvg, loaded when it is needed: it would more than double the time that a program takes to
+/// start.
+struct Rsvg {
+    decltype(&rsvg_handle_new_from_data) open = nullptr;
+    decltype(&rsvg_handle_get_intrinsic_size_in_pixels) size = nullptr;
+    decltype(&rsvg_handle_get_intrinsic_dimensions) dimensions = nullptr;
+    decltype(&rsvg_handle_render_document) render = nullptr;
+
+    /// Null when the machine has none.
+    static const Rsvg* shared() {
+        static const std::optional<Rsvg> library = loaded();
+        return library ? &*library : nullptr;
+    }
+
+private:
+    static std::optional<Rsvg> loaded() {
+        void* const library = ::dlopen("librsvg-2.so.2", RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+        if (!library)
+            return std::nullopt;
+        const auto find = [&](auto& function, const char* name) {
+            function = reinterpret_cast<std::decay_t<decltype(function)>>(::dlsym(library, name));
+            return function != nullptr;
+        };
+        Rsvg rsvg;
+        const bool hasAll = find(rsvg.open, "rsvg_handle_new_from_data") &&
+                            find(rsvg.size, "rsvg_handle_get_intrinsic_size_in_pixels") &&
+                            find(rsvg.dimensions, "rsvg_handle_get_intrinsic_dimensions") &&
+                            find(rsvg.render, "rsvg_handle_render_document");
+        return hasAll ? std::optional(rsvg) : std::nullopt;
+    }
+};
+
+CGSize sizeOf(const Rsvg& rsvg, RsvgHandle* handle) {
+    double width = 0, height = 0;
+    if (rsvg.size(handle, &width, &height))
+        return {width, height};
+    gboolean hasWidth = 0, hasHeight = 0, hasBox = 0;
+    RsvgLength ignored{};
+    RsvgRectangle box{};
+    rsvg.dimensions(handle, &hasWidth, &ignored, &hasHeight, &ignored, &hasBox, &box);
+    return hasBox ? CGSize(box.width, box.height) : CGSize();
+}
+
+bool looksLikeSVG(std::span<const std::byte> bytes) {
+    constexpr std::size_t head = 4096; // comments and declarations may come before
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()),
+                                std::min(bytes.size(), head));
+    return text.find("<svg") != std::string_view::npos ||
+           text.find(":svg") != std::string_view::npos;
+}
+
+} // namespace
+
+std::shared_ptr<const VectorPicture> VectorPicture::create(std::span<const std::byte> bytes) {
+    const bool isCandidate = bytes.size() <= maximumByteCount && looksLikeSVG(bytes);
+    const Rsvg* const rsvg = isCandidate ? Rsvg::shared() : nullptr;
+    if (!rsvg)
+        return nullptr;
+    const std::shared_ptr<RsvgHandle> handle(
+        rsvg->open(reinterpret_cast<const guint8*>(bytes.data()), bytes.size(), nullptr),
+        [](RsvgHandle* opened) {
+            if (opened)
+                g_object_unref(opened);
+        });
+    const CGSize size = handle ? sizeOf(*rsvg, handle.get()) : CGSize();
+    if (!(size.width > 0 && size.height > 0))
+        return nullptr;
+    return std::shared_ptr<const VectorPicture>(new VectorPicture(handle, size));
+}
+
+std::shared_ptr<const VectorPicture> VectorPicture::create(const std::string& path) {
+    // Reading from a pipe would wait for ever.
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        static_cast<std::uintmax_t>(status.st_size) > maximumByteCount)
+        return nullptr;
+    const std::unique_ptr<std::FILE, Release<std::fclose>> file(std::fopen(path.c_str(), "rbe"));
+    if (!file)
+        return nullptr;
+    std::vector<std::byte> bytes(static_cast<std::size_t>(status.st_size));
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
+    return create(bytes);
+}
+
+std::optional<Bitmap> VectorPicture::drawn(std::int64_t width, std::int64_t height) const {
+    constexpr std::int64_t maximumSide = 32000; // of a surface of Cairo's
+    if (width > maximumSide || height > maximumSide)
+        return std::nullopt;
+    std::optional<Bitmap> bitmap = Bitmap::make(width, height);
+    if (!bitmap)
+        return std::nullopt;
+    const DrawingTarget target = DrawingTarget::of(*bitmap);
+    const CairoSurface surface = surfaceOn(target);
+    const Cairo cairo(cairo_create(surface.get()));
+    const RsvgRectangle all{0, 0, static_cast<double>(width), static_cast<double>(height)};
+    auto* const handle = static_cast<RsvgHandle*>(handle_.get());
+    if (!Rsvg::shared()->render(handle, cairo.get(), &all, nullptr))
+        return std::nullopt;
+    cairo_surface_flush(surface.get());
+    exchangeChannels(target);
+    return bitmap;
+}
+
+} // namespace zorvan

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <zorvan/numbers-geometry/CGSize.h>
+#include <zorvan/platform/graphics/Bitmap.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace zorvan {
+
+/// A picture made of shapes, an SVG, which is drawn at any size. Used from one thread at a time.
+class VectorPicture {
+public:
+    /// The most bytes of an SVG that are looked at.
+    static constexpr std::size_t maximumByteCount = std::size_t{8} << 20;
+
+    /// Empty when the bytes are no SVG that says how large it is, or too many, or when this machine
+    /// has no librsvg, which is loaded when the first SVG is read. Files and addresses that the
+    /// bytes name are not opened.
+    static std::shared_ptr<const VectorPicture> create(std::span<const std::byte> bytes);
+    static std::shared_ptr<const VectorPicture> create(const std::string& path);
+
+    /// In pixels, as the picture asks for.
+    CGSize size() const noexcept { return size_; }
+
+    /// Fitted into the bitmap, centred, on a transparent ground. Absent when the bitmap cannot be
+    /// made or the picture cannot be drawn.
+    std::optional<Bitmap> drawn(std::int64_t width, std::int64_t height) const;
+
+private:
+    VectorPicture(std::shared_ptr<void> handle, CGSize size) noexcept
+        : handle_(std::move(handle)), size_(size) {}
+
+    std::shared_ptr<void> handle_;
+    CGSize size_;
+};
+
+} // namespace zorvan
