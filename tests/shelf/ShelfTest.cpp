@@ -220,8 +220,8 @@ TEST_F(Shelf, showsMoviesAmongThePictures) {
 
     const Outcome sheet = shelf({folder.path, "-o", at("sheet.png"), "--cell", "80"});
     EXPECT_EQ(sheet.status, 0);
-    EXPECT_THAT(sheet.output, HasSubstr("0:02, 29.97 a second, 2024-05-31"));
-    EXPECT_THAT(sheet.output, HasSubstr("2 files, 1 unreadable"));
+    for (const char* part : {"0:02, 29.97 a second, 2024-05-31", "2 files, 1 unreadable"})
+        EXPECT_NE(sheet.output.find(part), std::string::npos) << part;
     const auto image = CGImage::image(URL({.fileURLWithPath = at("sheet.png")}));
     const auto redAt = [&](std::int64_t x, std::int64_t y) {
         const std::uint8_t* const pixel = image->bitmap().row(24 + y) + (24 + x) * 4;
