@@ -1,13 +1,10 @@
 #include <zorvan/platform/coreservices/internal/MimeDatabase.h>
 
 #include <zorvan/platform/coreservices/internal/words.h>
-#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/readRegularFile.h>
 
 #include <charconv>
 #include <cstdlib>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace zorvan::coreservices {
 
@@ -15,22 +12,9 @@ namespace {
 
 constexpr std::size_t maximumFileSize = std::size_t{16} << 20;
 
-/// Empty for what is no file; a pipe is not waited for.
+/// Empty for what cannot be read.
 std::string readFile(const std::string& path) {
-    const internal::FileDescriptor file(
-        ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    struct stat status {};
-    if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
-        return {};
-    std::string text;
-    for (std::vector<char> chunk(65536);;) {
-        const ssize_t count = ::read(file.get(), chunk.data(), chunk.size());
-        if (count <= 0)
-            return count == 0 ? text : std::string();
-        text.append(chunk.data(), static_cast<std::size_t>(count));
-        if (text.size() > maximumFileSize)
-            return {};
-    }
+    return internal::readRegularFile(path, maximumFileSize).value_or("");
 }
 
 std::string environment(const char* name, std::string otherwise) {

@@ -1,13 +1,11 @@
 #include <zorvan/platform/graphics/VectorPicture.h>
 
+#include <zorvan/platform/foundation/internal/readRegularFile.h>
 #include <zorvan/platform/graphics/internal/CairoDrawing.h>
 
-#include <cstdio>
 #include <dlfcn.h>
 #include <librsvg/rsvg.h>
 #include <string_view>
-#include <sys/stat.h>
-#include <vector>
 
 namespace zorvan {
 
@@ -84,17 +82,8 @@ std::shared_ptr<const VectorPicture> VectorPicture::create(std::span<const std::
 }
 
 std::shared_ptr<const VectorPicture> VectorPicture::create(const std::string& path) {
-    // Reading from a pipe would wait for ever.
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        static_cast<std::uintmax_t>(status.st_size) > maximumByteCount)
-        return nullptr;
-    const std::unique_ptr<std::FILE, Release<std::fclose>> file(std::fopen(path.c_str(), "rbe"));
-    if (!file)
-        return nullptr;
-    std::vector<std::byte> bytes(static_cast<std::size_t>(status.st_size));
-    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
-    return create(bytes);
+    const std::optional<std::string> text = internal::readRegularFile(path, maximumByteCount);
+    return text ? create(std::as_bytes(std::span(*text))) : nullptr;
 }
 
 std::optional<Bitmap> VectorPicture::drawn(std::int64_t width, std::int64_t height) const {

@@ -1,8 +1,9 @@
 #include <zorvan/platform/propertylist/internal/KeyFile.h>
 
+#include <zorvan/platform/foundation/internal/readRegularFile.h>
+
 #include <charconv>
-#include <filesystem>
-#include <fstream>
+#include <sstream>
 #include <system_error>
 
 namespace zorvan::desktop {
@@ -20,15 +21,12 @@ std::string_view trimmed(std::string_view text) {
 } // namespace
 
 std::optional<KeyFile> KeyFile::read(const std::string& path) {
-    constexpr std::uintmax_t largest = 1 << 20;
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error) ||
-        std::filesystem::file_size(path, error) > largest || error)
-        return std::nullopt;
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream)
+    constexpr std::size_t largest = std::size_t{1} << 20;
+    const std::optional<std::string> bytes = internal::readRegularFile(path, largest);
+    if (!bytes)
         return std::nullopt;
 
+    std::istringstream stream(*bytes);
     KeyFile file;
     Group* group = nullptr;
     for (std::string line; std::getline(stream, line);) {

@@ -1,6 +1,7 @@
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 
 #include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 
 #include <algorithm>
@@ -23,28 +24,14 @@ void explain(std::string* reason, std::string text) {
 
 void explainSystem(std::string* reason) { explain(reason, std::system_category().message(errno)); }
 
-class File {
-public:
-    explicit File(int descriptor) : descriptor_(descriptor) {}
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-    ~File() {
-        if (isOpen())
-            ::close(descriptor_);
-    }
-    bool isOpen() const { return descriptor_ >= 0; }
-    int descriptor() const { return descriptor_; }
-
-private:
-    int descriptor_;
-};
+using File = internal::FileDescriptor;
 
 /// Up to `size` bytes; fewer when the file turns out to be shorter. Absent after an error.
 std::optional<Data> readUpTo(const File& file, std::size_t size) {
     Data bytes(size);
     std::size_t filled = 0;
     while (filled < size) {
-        const ssize_t count = ::read(file.descriptor(), bytes.data() + filled, size - filled);
+        const ssize_t count = ::read(file.get(), bytes.data() + filled, size - filled);
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
@@ -59,7 +46,7 @@ std::optional<Data> readUpTo(const File& file, std::size_t size) {
 
 bool writeAll(const File& file, std::span<const std::byte> bytes) {
     while (!bytes.empty()) {
-        const ssize_t count = ::write(file.descriptor(), bytes.data(), bytes.size());
+        const ssize_t count = ::write(file.get(), bytes.data(), bytes.size());
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
@@ -72,7 +59,7 @@ bool writeAll(const File& file, std::span<const std::byte> bytes) {
 /// Gives the new file the permissions of the one that it replaces, before anything is in it.
 bool takePermissions(const File& file, const std::string& path) {
     struct stat old {};
-    return ::stat(path.c_str(), &old) != 0 || ::fchmod(file.descriptor(), old.st_mode & 07777) == 0;
+    return ::stat(path.c_str(), &old) != 0 || ::fchmod(file.get(), old.st_mode & 07777) == 0;
 }
 
 /// Makes the new name of a file last. Where a directory cannot be synchronised, nothing more can be
@@ -81,16 +68,16 @@ void syncDirectoryOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const std::string directory = slash == std::string::npos ? "." : path.substr(0, slash + 1);
     const File file(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (file.isOpen())
-        ::fsync(file.descriptor());
+    if (file)
+        ::fsync(file.get());
 }
 
 bool replaceFile(const std::string& path, std::span<const std::byte> bytes) {
     const std::string temporary = path + '.' + makeUUIDString();
     const File file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    if (!file.isOpen())
+    if (!file)
         return false;
-    if (takePermissions(file, path) && writeAll(file, bytes) && ::fsync(file.descriptor()) == 0 &&
+    if (takePermissions(file, path) && writeAll(file, bytes) && ::fsync(file.get()) == 0 &&
         ::rename(temporary.c_str(), path.c_str()) == 0) {
         syncDirectoryOf(path);
         return true;
@@ -128,7 +115,7 @@ std::optional<PropertyList> readFile(const std::string& path, std::string* reaso
     // Without O_NONBLOCK a named pipe would hold the caller up before it can be told apart.
     const File file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
-    if (!file.isOpen() || ::fstat(file.descriptor(), &status) != 0) {
+    if (!file || ::fstat(file.get(), &status) != 0) {
         explainSystem(reason);
         return std::nullopt;
     }

@@ -1,0 +1,35 @@
+#include <zorvan/platform/foundation/internal/readRegularFile.h>
+
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <vector>
+
+namespace zorvan::internal {
+
+std::optional<std::string> readRegularFile(const std::string& path, std::size_t most) {
+    // Without O_NONBLOCK the opening of a pipe would wait for somebody to write.
+    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat status {};
+    if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    std::string text;
+    // To the end, whatever the size said: files of some file systems say 0.
+    for (std::vector<char> chunk(std::clamp<std::size_t>(most, 1, 65536));;) {
+        const ssize_t count = ::read(file.get(), chunk.data(), chunk.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return std::nullopt;
+        if (count == 0)
+            return text;
+        text.append(chunk.data(), static_cast<std::size_t>(count));
+        if (text.size() > most)
+            return std::nullopt;
+    }
+}
+
+} // namespace zorvan::internal

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace zorvan::internal {
+
+/// The bytes of a file. Absent for what is no regular file, which is not waited for, for one of
+/// more bytes than that, and for one that cannot be read.
+std::optional<std::string> readRegularFile(const std::string& path, std::size_t most);
+
+} // namespace zorvan::internal
