@@ -123,8 +123,8 @@ int run(const Options& options) {
 
 int main(int argc, char** argv) {
     try {
-        if (argc > 1 &&
-            std::strcmp(argv[1], "settings") == 0) // a folder of that name is "./settings"
+        // A folder of that name is "./settings".
+        if (argc > 1 && std::strcmp(argv[1], "settings") == 0)
             return print(settingsAsXML({argv + 2, argv + argc})) ? allWell : notWritten;
         const Options options = parseOptions({argv + 1, argv + argc});
         if (options.help)

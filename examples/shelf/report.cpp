@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <cstdio>
 #include <ctime>
@@ -21,8 +22,17 @@ std::string numberText(double value) { return std::to_string(static_cast<std::in
 
 std::string rateText(float rate) {
     std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.5g", static_cast<double>(rate));
-    return text.data();
+    const auto written = std::to_chars(text.begin(), text.end(), static_cast<double>(rate),
+                                       std::chars_format::general, 5);
+    return {text.begin(), written.ptr};
+}
+
+/// For JSON, whatever the language of the user.
+std::string secondsText(double seconds) {
+    std::array<char, 400> text{};
+    const auto written =
+        std::to_chars(text.begin(), text.end(), seconds, std::chars_format::fixed, 6);
+    return {text.begin(), written.ptr};
 }
 
 /// "2024-05-31T12:34:56Z".
@@ -49,7 +59,7 @@ std::string movieEntries(const MovieFacts& movie) {
         return isKnown ? text : std::string("null");
     };
     return ", \"duration\": " +
-           known(movie.duration.has_value(), std::to_string(movie.duration.value_or(0))) +
+           known(movie.duration.has_value(), secondsText(movie.duration.value_or(0))) +
            ", \"frameRate\": " + known(movie.frameRate > 0, rateText(movie.frameRate)) +
            ", \"date\": " +
            known(movie.date.has_value(), '"' + dateText(movie.date.value_or(zorvan::Date())) + '"');
@@ -98,7 +108,7 @@ std::string sizeText(const CGSize& size) {
 }
 
 std::string durationText(double seconds) {
-    const auto all = static_cast<std::int64_t>(std::min(seconds, 1e12));
+    const auto all = static_cast<std::int64_t>(std::clamp(seconds, 0.0, 1e12));
     std::array<char, 64> text{};
     const long long hours = all / 3600, minutes = all / 60 % 60, rest = all % 60;
     if (hours > 0)
