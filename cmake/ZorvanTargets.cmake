@@ -33,8 +33,9 @@ endfunction()
 
 # zorvan_library(<Component> [APART] SOURCES <file>... [USES <Component>...] [NEEDS <pkg-config module>...])
 #
-# Makes the shared library Zorvan::<Component>, one of those that Zorvan::Zorvan stands for unless APART. USES names the components of this library that its
-# headers include; NEEDS names third-party modules, which stay private to the .cpp files.
+# Makes the shared library Zorvan::<Component>, one of those that Zorvan::Zorvan stands for unless APART.
+# USES names the components of this library that its headers include; NEEDS names third-party modules, which
+# stay private to the .cpp files.
 function(zorvan_library component)
   cmake_parse_arguments(arg "APART" "" "SOURCES;USES;NEEDS" ${ARGN})
   zorvan_library_name(${component} library)
