@@ -2,7 +2,7 @@
 
 #include <zorvan/platform/propertylist/NSBundle.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
-#include <zorvan/platform/security/internal/addOrUpdate.h>
+#include <zorvan/platform/security/internal/Items.h>
 #include <zorvan/platform/security/wipe.h>
 
 #include <span>
@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char* serviceWithoutBundle = "QuenlowKeychain";
 
-/// Makes sure that a secret in a dictionary does not stay in memory.
+/// Makes sure that a secret does not stay in memory.
 class WipedAtEnd {
 public:
     explicit WipedAtEnd(Data& bytes) noexcept : bytes_(bytes) {}
@@ -24,6 +24,30 @@ public:
 private:
     Data& bytes_;
 };
+
+security::ItemAttributes itemsOf(const UserKeychain& keychain) {
+    security::ItemAttributes items;
+    items.texts[security::serviceText] = keychain.serviceName();
+    items.texts[security::accessGroupText] = keychain.accessGroup();
+    return items;
+}
+
+/// In both states of synchronisation.
+security::ItemAttributes itemOf(const UserKeychain& keychain, const UserKeychain::Key& key,
+                                std::optional<UserKeychain::Access> access) {
+    security::ItemAttributes item = itemsOf(keychain);
+    for (const auto text : {security::accountText, security::labelText, security::genericText})
+        item.texts[text] = key.rawValue;
+    if (access)
+        item.texts[security::accessibleText] = access->attributeValue();
+    return item;
+}
+
+std::optional<Data> bytesFor(const security::ItemQuery& query) {
+    SecItemResult found = security::copyMatching(query);
+    Data* const bytes = found.value ? found.value->as<Data>() : nullptr;
+    return bytes ? std::optional(std::move(*bytes)) : std::nullopt;
+}
 
 } // namespace
 
@@ -63,21 +87,12 @@ const std::shared_ptr<UserKeychain>& UserKeychain::standard() {
     return keychain;
 }
 
-PropertyList::Dictionary UserKeychain::baseQuery(const Key& key,
-                                                 std::optional<Access> access) const {
-    PropertyList::Dictionary query{
-        {kSecClass, kSecClassGenericPassword}, {kSecAttrService, serviceName_},
-        {kSecAttrLabel, key.rawValue},         {kSecAttrSynchronizable, kSecAttrSynchronizableAny},
-        {kSecAttrGeneric, key.rawValue},       {kSecAttrAccount, key.rawValue}};
-    if (const auto constant = access ? access->attributeValue() : std::nullopt)
-        query.emplace(kSecAttrAccessible, *constant);
-    if (accessGroup_)
-        query.emplace(kSecAttrAccessGroup, *accessGroup_);
-    return query;
-}
-
 bool UserKeychain::set(const Data& bytes, const Key& key, std::optional<Access> access) const {
-    return setAndWipe(bytes, key, access);
+    security::ItemAttributes item = itemOf(*this, key, access);
+    if (enableSynchronization_)
+        item.isSynchronizable = true;
+    item.value = &bytes;
+    return security::addOrUpdate(item, !item.isSynchronizable) == errSecSuccess;
 }
 
 bool UserKeychain::set(std::string_view text, const Key& key, std::optional<Access> access) const {
@@ -88,35 +103,22 @@ bool UserKeychain::set(std::string_view text, const Key& key, std::optional<Acce
 }
 
 bool UserKeychain::setAndWipe(Data bytes, const Key& key, std::optional<Access> access) const {
-    PropertyList::Dictionary query = baseQuery(key, access);
-    if (enableSynchronization_)
-        query.insert_or_assign(kSecAttrSynchronizable, true);
-
-    PropertyList::Dictionary addition = query;
-    addition.try_emplace(kSecAttrAccessible, kSecAttrAccessibleWhenUnlocked);
-    Data& added = *addition.emplace(kSecValueData, std::move(bytes)).first->second.as<Data>();
-    const WipedAtEnd afterAddition(added);
-    return security::addOrUpdate(addition, query) == errSecSuccess;
-}
-
-std::optional<Data> UserKeychain::read(const Key& key, std::optional<Access> access,
-                                       const char* what) const {
-    PropertyList::Dictionary query = baseQuery(key, access);
-    query.emplace(kSecMatchLimit, kSecMatchLimitOne);
-    query.emplace(what, true);
-    SecItemResult found = SecItemCopyMatching(query);
-    Data* const bytes = found.value ? found.value->as<Data>() : nullptr;
-    if (found.status != errSecSuccess || !bytes)
-        return std::nullopt;
-    return std::move(*bytes);
+    const WipedAtEnd afterwards(bytes);
+    return set(bytes, key, access);
 }
 
 std::optional<Data> UserKeychain::data(const Key& key, std::optional<Access> access) const {
-    return read(key, access, kSecReturnData);
+    security::ItemQuery query;
+    query.attributes = itemOf(*this, key, access);
+    query.returnsData = true;
+    return bytesFor(query);
 }
 
 std::optional<Data> UserKeychain::dataRef(const Key& key, std::optional<Access> access) const {
-    return read(key, access, kSecReturnPersistentRef);
+    security::ItemQuery query;
+    query.attributes = itemOf(*this, key, access);
+    query.returnsReference = true;
+    return bytesFor(query);
 }
 
 std::optional<std::string> UserKeychain::string(const Key& key,
@@ -179,15 +181,15 @@ bool UserKeychain::hasValue(const Key& key, std::optional<Access> access) const 
 }
 
 bool UserKeychain::remove(const Key& key, std::optional<Access> access) const {
-    return SecItemDelete(baseQuery(key, access)) == errSecSuccess;
+    security::ItemQuery query;
+    query.attributes = itemOf(*this, key, access);
+    return security::remove(query) == errSecSuccess;
 }
 
 bool UserKeychain::removeAllKeys() const {
-    PropertyList::Dictionary query{{kSecClass, kSecClassGenericPassword},
-                                   {kSecAttrService, serviceName_}};
-    if (accessGroup_)
-        query.emplace(kSecAttrAccessGroup, *accessGroup_);
-    return SecItemDelete(query) == errSecSuccess;
+    security::ItemQuery query;
+    query.attributes = itemsOf(*this);
+    return security::remove(query) == errSecSuccess;
 }
 
 } // namespace zorvan

@@ -153,8 +153,6 @@ public:
 private:
     explicit UserKeychain(Service argument);
 
-    PropertyList::Dictionary baseQuery(const Key& key, std::optional<Access> access) const;
-    std::optional<Data> read(const Key& key, std::optional<Access> access, const char* what) const;
     std::optional<NSNumber> number(const Key& key, std::optional<Access> access) const;
     /// Writes bytes of which nobody else needs a copy: they are wiped.
     bool setAndWipe(Data bytes, const Key& key, std::optional<Access> access) const;

@@ -120,7 +120,9 @@ TEST_F(DamageTest, AnythingInPlaceOfTheDatabaseDoesNoHarm) {
 TEST_F(DamageTest, ADatabaseOfAnotherKindIsLeftAlone) {
     ASSERT_EQ(add("a", "1"), errSecSuccess);
     const char* const changes[] = {
-        "PRAGMA user_version = 2",
+        "PRAGMA user_version = 3",
+        "PRAGMA user_version = 1", // which had other rows
+        "PRAGMA user_version = 0; ALTER TABLE items RENAME TO others",
         "CREATE TRIGGER spy AFTER INSERT ON items BEGIN DELETE FROM items; END",
         "DROP TABLE items",
     };
@@ -141,6 +143,25 @@ TEST_F(DamageTest, ADatabaseOfAnotherKindIsLeftAlone) {
         fs::rename(root + "/aside", folder());
         EXPECT_EQ(get(item("a")), "1");
     }
+}
+
+TEST_F(DamageTest, ADatabaseOfTheFirstVersionIsTakenOver) {
+    ASSERT_EQ(ask(*peer(), "add a 1"), "0");
+    ASSERT_EQ(ask(*peer(), "add b 2"), "0");
+    const std::string reference = ask(*peer(), "ref b");
+    const std::string rows = sql("SELECT * FROM items ORDER BY account");
+    sql("ALTER TABLE items RENAME TO later;"
+        "CREATE TABLE items (reference INTEGER PRIMARY KEY, service TEXT NOT NULL, account TEXT "
+        "NOT "
+        "NULL, access_group TEXT NOT NULL, label TEXT, generic BLOB, accessible TEXT NOT NULL, "
+        "synchronizable INTEGER NOT NULL, created INTEGER NOT NULL, modified INTEGER NOT NULL, "
+        "revision INTEGER NOT NULL, sealing_key BLOB NOT NULL, sealed BLOB NOT NULL, UNIQUE "
+        "(service, account, access_group, synchronizable));"
+        "INSERT INTO items SELECT * FROM later; DROP TABLE later; PRAGMA user_version = 1");
+    EXPECT_EQ(get(item("a")), "1");
+    EXPECT_EQ(ask(*peer(), "get-ref " + reference), "2");
+    EXPECT_EQ(sql("SELECT * FROM items ORDER BY account"), rows);
+    EXPECT_EQ(sql("PRAGMA user_version"), "2\n");
 }
 
 TEST_F(DamageTest, FilesAreTheUsersAlone) {

@@ -279,16 +279,20 @@ TEST_F(SecItemTest, ThreadsDoNotDisturbEachOther) {
     std::vector<std::thread> threads;
     std::atomic<int> added = 0;
     for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < 20; ++i) {
+        threads.emplace_back([&, own = "of " + std::to_string(t)] {
+            for (int i = 0; i < 100; ++i) {
                 const std::string account = std::to_string(i);
                 added += add(account, account) == errSecSuccess;
                 EXPECT_EQ(get(item(account)), account);
+                EXPECT_EQ(add(own, account), errSecSuccess);
+                EXPECT_EQ(SecItemUpdate(item(own), {{kSecValueData, bytes("new")}}), errSecSuccess);
+                EXPECT_EQ(get(item(own)), "new");
+                EXPECT_EQ(SecItemDelete(item(own)), errSecSuccess);
             }
         });
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_EQ(added, 20);
+    EXPECT_EQ(added, 100);
 }
 
 TEST_F(SecItemTest, NothingOfAValueIsOnTheDisk) {

@@ -16,10 +16,22 @@ namespace {
 constexpr const char* databaseFile = "items.sqlite";
 constexpr const char* companionFiles[] = {"items.sqlite-wal", "items.sqlite-shm",
                                           "items.sqlite-journal"};
-constexpr int version = 1;
+constexpr int version = 2;
+constexpr const char* versionQuery = "PRAGMA user_version";
 constexpr std::chrono::milliseconds patience{5000}; // with other processes
 
+/// The rows lie in the order of what identifies them, so that a write changes one page. By
+/// reference, which is rare, all of them are read.
 constexpr const char* schema =
+    "CREATE TABLE items (reference INTEGER NOT NULL, service TEXT NOT NULL, "
+    "account TEXT NOT NULL, access_group TEXT NOT NULL, label TEXT, generic BLOB, "
+    "accessible TEXT NOT NULL, synchronizable INTEGER NOT NULL, created INTEGER NOT NULL, "
+    "modified INTEGER NOT NULL, revision INTEGER NOT NULL, sealing_key BLOB NOT NULL, "
+    "sealed BLOB NOT NULL, PRIMARY KEY (service, account, access_group, synchronizable)) "
+    "WITHOUT ROWID";
+
+/// Of version 1, which had the same columns.
+constexpr const char* firstSchema =
     "CREATE TABLE items (reference INTEGER PRIMARY KEY, service TEXT NOT NULL, "
     "account TEXT NOT NULL, access_group TEXT NOT NULL, label TEXT, generic BLOB, "
     "accessible TEXT NOT NULL, synchronizable INTEGER NOT NULL, created INTEGER NOT NULL, "
@@ -143,8 +155,6 @@ bool Database::exists(const PrivateFolder& folder) {
 }
 
 bool Database::isInPlace(const PrivateFolder& folder) const {
-    if (!folder.exists())
-        return false;
     const auto now = folder.statusOfFile(databaseFile);
     return now && now->st_ino == file_.st_ino && now->st_dev == file_.st_dev;
 }
@@ -190,22 +200,38 @@ std::int64_t Database::number(const char* query) {
     return result.step() ? result.integer(0) : 0;
 }
 
+bool Database::holdsJust(const char* tableDefinition) {
+    Statement tables = statement("SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL");
+    const std::string_view expected = tableDefinition;
+    return tables.step() &&
+           std::ranges::equal(tables.bytes(0), std::as_bytes(std::span(expected))) &&
+           !tables.step();
+}
+
 void Database::prepareSchema() {
-    if (number("PRAGMA user_version") == 0) {
+    if (const auto found = number(versionQuery); found == 0 || found == 1) {
         Transaction transaction(*this);
-        if (number("PRAGMA user_version") == 0) {
-            execute(schema);
-            execute(("PRAGMA user_version=" + std::to_string(version)).c_str());
-        }
+        upgrade();
         transaction.commit();
     }
-    Statement tables = statement("SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL");
-    const std::string_view expected = schema;
-    const bool isOurs = number("PRAGMA user_version") == version && tables.step() &&
-                        std::ranges::equal(tables.bytes(0), std::as_bytes(std::span(expected))) &&
-                        !tables.step();
-    if (!isOurs)
+    if (number(versionQuery) != version || !holdsJust(schema))
         throw Failure{errSecNotAvailable};
+}
+
+/// Within a transaction: another process may have been faster.
+void Database::upgrade() {
+    const std::int64_t found = number(versionQuery);
+    if (found == 0 && number("SELECT count(*) FROM sqlite_schema") == 0) {
+        execute(schema);
+    } else if (found == 1 && holdsJust(firstSchema)) {
+        execute("ALTER TABLE items RENAME TO first_items");
+        execute(schema);
+        execute("INSERT INTO items SELECT * FROM first_items");
+        execute("DROP TABLE first_items");
+    } else {
+        return;
+    }
+    execute(("PRAGMA user_version=" + std::to_string(version)).c_str());
 }
 
 Statement Database::statement(const std::string& text) {

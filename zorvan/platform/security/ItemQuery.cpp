@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace zorvan::security {
 
@@ -66,9 +67,12 @@ bool takeValue(ItemAttributes& attributes, std::string_view key, const PropertyL
     if (key != kSecValueData)
         return false;
     attributes.value = &required<Data>(value);
-    if (attributes.value->size() > maximumSecretSize)
-        throw Failure{errSecDataTooLarge};
     return true;
+}
+
+void requireSize(const Data* value) {
+    if (value && value->size() > maximumSecretSize)
+        throw Failure{errSecDataTooLarge};
 }
 
 void requireClass(const PropertyList::Dictionary& attributes) {
@@ -141,24 +145,29 @@ ItemQuery queryOf(const PropertyList::Dictionary& dictionary, bool returnsSometh
 
 } // namespace
 
+NewItem::NewItem(ItemAttributes givenAttributes, bool isDuplicate)
+    : given(std::move(givenAttributes)), attributes(given), isDuplicateOfEitherState(isDuplicate) {
+    requireSize(given.value);
+    for (std::size_t i = 0; i < identifyingTexts; ++i)
+        if (!attributes.texts[i])
+            attributes.texts[i].emplace();
+    if (!attributes.texts[accessibleText])
+        attributes.texts[accessibleText] = kSecAttrAccessibleWhenUnlocked;
+}
+
 NewItem newItem(const PropertyList::Dictionary& attributes) {
     requireClass(attributes);
-    NewItem item;
+    ItemAttributes given;
+    bool isDuplicateOfEitherState = false;
     for (const auto& [key, value] : attributes) {
         if (key == kSecClass)
             continue;
         if (isAny(key, value))
-            item.isDuplicateOfEitherState = true;
-        else if (!takeAttribute(item.attributes, key, value) &&
-                 !takeValue(item.attributes, key, value))
+            isDuplicateOfEitherState = true;
+        else if (!takeAttribute(given, key, value) && !takeValue(given, key, value))
             refuse(key);
     }
-    for (std::size_t i = 0; i < identifyingTexts; ++i)
-        if (!item.attributes.texts[i])
-            item.attributes.texts[i].emplace();
-    if (!item.attributes.texts[accessibleText])
-        item.attributes.texts[accessibleText] = kSecAttrAccessibleWhenUnlocked;
-    return item;
+    return {std::move(given), isDuplicateOfEitherState};
 }
 
 ItemAttributes changes(const PropertyList::Dictionary& attributes) {
@@ -171,6 +180,7 @@ ItemAttributes changes(const PropertyList::Dictionary& attributes) {
                 throw Failure{errSecParam};
             refuse(key);
         }
+    requireSize(result.value);
     return result;
 }
 

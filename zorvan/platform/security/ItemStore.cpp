@@ -37,16 +37,12 @@ constexpr const char* insertion =
     "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13)";
 constexpr const char* valueOnly =
     "UPDATE items SET modified = ?9, sealing_key = ?10, sealed = ?11, revision = ?13 "
-    "WHERE reference = ?12";
+    "WHERE service = ?14 AND account = ?15 AND access_group = ?16 AND synchronizable = ?17";
 constexpr const char* describing =
     "UPDATE items SET service = ?1, account = ?2, access_group = ?3, label = ?4, generic = ?5, "
     "accessible = ?6, synchronizable = ?7, modified = ?9, sealing_key = ?10, sealed = ?11, "
-    "revision = ?13 WHERE reference = ?12";
-
-bool isDescribed(const ItemAttributes& changes) {
-    return changes.isSynchronizable ||
-           std::ranges::any_of(changes.texts, [](const auto& text) { return text.has_value(); });
-}
+    "revision = ?13 "
+    "WHERE service = ?14 AND account = ?15 AND access_group = ?16 AND synchronizable = ?17";
 
 std::int64_t microsecondsNow() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
@@ -137,9 +133,57 @@ void give(SecureItem& item, const ItemAttributes& attributes) {
         item.isSynchronizable = *attributes.isSynchronizable;
 }
 
+/// A query for the items of one service and account, as far as they are given: among them all
+/// states of an item.
+ItemQuery relativesOf(const Texts& texts) {
+    ItemQuery query;
+    query.attributes.texts[serviceText] = texts[serviceText];
+    query.attributes.texts[accountText] = texts[accountText];
+    return query;
+}
+
+bool matches(const SecureItem& item, const ItemAttributes& attributes) {
+    for (std::size_t i = 0; i < textCount; ++i)
+        if (attributes.texts[i] && item.texts[i] != attributes.texts[i])
+            return false;
+    return !attributes.isSynchronizable || item.isSynchronizable == *attributes.isSynchronizable;
+}
+
+bool hasSameName(const Texts& a, const Texts& b) {
+    return std::equal(a.begin(), a.begin() + identifyingTexts, b.begin());
+}
+
+bool isDescribedAlike(const SecureItem& a, const SecureItem& b) {
+    return a.texts == b.texts && a.isSynchronizable == b.isSynchronizable;
+}
+
+/// What there is of an item: in which states, not synchronizable and synchronizable.
+struct Standing {
+    std::array<bool, 2> isThere{};
+    std::int64_t lastRevision = 0;
+};
+
+Standing standing(const std::vector<SecureItem>& relatives, const Texts& name) {
+    Standing standing;
+    for (const SecureItem& item : relatives) {
+        if (!hasSameName(item.texts, name))
+            continue;
+        standing.isThere[item.isSynchronizable] = true;
+        standing.lastRevision =
+            std::max(standing.lastRevision, std::min(item.revision, lastRevision));
+    }
+    return standing;
+}
+
 void seal(SecureItem& item, const SealingKey& key, std::span<const std::byte> value) {
     item.key = key.identifier();
     item.sealed = key.seal(value, associatedData(item));
+}
+
+void bindName(Statement& statement, const SecureItem& item) {
+    for (std::size_t i = 0; i < identifyingTexts; ++i)
+        bindText(statement, i, item.texts[i]);
+    statement.bind(item.isSynchronizable);
 }
 
 void bindItem(Statement& statement, const SecureItem& item) {
@@ -159,8 +203,8 @@ void bindItem(Statement& statement, const SecureItem& item) {
 ItemStore::ItemStore(PrivateFolder folder)
     : folder_(folder), database_(folder), custody_(folder), process_(::getpid()) {}
 
-bool ItemStore::isUsable(const PrivateFolder& folder) const {
-    return folder_.path() == folder.path() && database_.isInPlace(folder);
+bool ItemStore::isUsable(const std::string& path) const {
+    return folder_.path() == path && folder_.isInPlace() && database_.isInPlace(folder_);
 }
 
 ItemStore& ItemStore::ofUser(bool mayCreate) {
@@ -169,15 +213,17 @@ ItemStore& ItemStore::ofUser(bool mayCreate) {
     static ItemStore* store = nullptr;
     if (store && store->process_ != ::getpid())
         store = nullptr;
-    const PrivateFolder folder(PrivateFolder::standardPath());
-    if (store && store->isUsable(folder))
+    std::string path = PrivateFolder::standardPath();
+    if (store && store->isUsable(path))
         return *store;
     delete std::exchange(store, nullptr);
+    PrivateFolder folder(std::move(path));
     if (mayCreate)
         folder.create();
     else if (!Database::exists(folder))
         throw Failure{errSecItemNotFound};
-    store = new ItemStore(folder);
+    folder.open();
+    store = new ItemStore(std::move(folder));
     return *store;
 }
 
@@ -185,47 +231,42 @@ bool ItemStore::add(const NewItem& item) {
     // The keyring may take its time, for which no other process should have to wait.
     const SealingKey& key = custody_.forSealing();
     Database::Transaction transaction(database_);
-    if (!insert(item, key))
+    if (!insert(item, matching(relativesOf(item.attributes.texts)), key))
         return false;
     transaction.commit();
     return true;
 }
 
-void ItemStore::addOrUpdate(const NewItem& item, const ItemQuery& query,
-                            const ItemAttributes& changes) {
+void ItemStore::addOrUpdate(const NewItem& item) {
     const SealingKey& key = custody_.forSealing();
     Database::Transaction transaction(database_);
-    if (!insert(item, key))
-        changeMatching(query, changes, key);
+    std::vector<SecureItem> relatives = matching(relativesOf(item.given.texts));
+    if (!insert(item, relatives, key))
+        giveValue(relatives, item.given, key);
     transaction.commit();
 }
 
 void ItemStore::update(const ItemQuery& query, const ItemAttributes& changes) {
     const SealingKey& key = custody_.forSealing();
     Database::Transaction transaction(database_);
-    changeMatching(query, changes, key);
+    bool isChanged = false;
+    for (const SecureItem& row : matching(query)) {
+        SecureItem changed = row;
+        give(changed, changes);
+        changed.revision =
+            standing(matching(relativesOf(changed.texts)), changed.texts).lastRevision + 1;
+        isChanged = change(row, changed, changes.value, key) || isChanged;
+    }
+    if (!isChanged)
+        throw Failure{errSecItemNotFound};
     transaction.commit();
 }
 
-ItemStore::Standing ItemStore::standing(const Texts& identity) {
-    Statement rows = database_.statement(
-        "SELECT synchronizable, revision FROM items WHERE service = ? AND account = ? AND "
-        "access_group = ?");
-    for (std::size_t i = 0; i < identifyingTexts; ++i)
-        bindText(rows, i, identity[i]);
-    Standing standing;
-    while (rows.step()) {
-        standing.isThere[rows.integer(0) != 0] = true;
-        standing.lastRevision =
-            std::max(standing.lastRevision, std::min(rows.integer(1), lastRevision));
-    }
-    return standing;
-}
-
-bool ItemStore::insert(const NewItem& item, const SealingKey& key) {
+bool ItemStore::insert(const NewItem& item, const std::vector<SecureItem>& relatives,
+                       const SealingKey& key) {
     SecureItem row;
     give(row, item.attributes);
-    const Standing before = standing(row.texts);
+    const Standing before = standing(relatives, row.texts);
     if (before.isThere[row.isSynchronizable] ||
         (item.isDuplicateOfEitherState && before.isThere[!row.isSynchronizable]))
         return false;
@@ -238,6 +279,23 @@ bool ItemStore::insert(const NewItem& item, const SealingKey& key) {
     bindItem(statement, row);
     statement.step();
     return true;
+}
+
+void ItemStore::giveValue(std::vector<SecureItem>& relatives, const ItemAttributes& attributes,
+                          const SealingKey& key) {
+    bool isChanged = false;
+    for (SecureItem& row : relatives) {
+        if (!matches(row, attributes))
+            continue;
+        SecureItem changed = row;
+        changed.revision = standing(relatives, row.texts).lastRevision + 1;
+        if (!change(row, changed, attributes.value, key))
+            continue;
+        row = std::move(changed);
+        isChanged = true;
+    }
+    if (!isChanged)
+        throw Failure{errSecItemNotFound};
 }
 
 ItemStore::Opening ItemStore::open(const SecureItem& item) {
@@ -280,34 +338,26 @@ std::vector<OpenedItem> ItemStore::find(const ItemQuery& query) {
     return found;
 }
 
-bool ItemStore::change(SecureItem item, const ItemAttributes& changes, const SealingKey& newKey) {
+bool ItemStore::change(const SecureItem& row, SecureItem& changed, const Data* value,
+                       const SealingKey& newKey) {
     std::optional<Secret> kept;
-    if (!changes.value) {
-        Opening opening = open(item);
+    if (!value) {
+        Opening opening = open(row);
         if (opening.lacksKey)
             throw Failure{errSecInteractionNotAllowed};
         if (!opening.value)
             return false;
         kept = std::move(opening.value);
     }
-    give(item, changes);
-    item.modified = timeAfter(item.modified);
-    item.revision = standing(item.texts).lastRevision + 1;
-    seal(item, newKey, kept ? kept->bytes() : *changes.value);
-    // What is not named is not written, which spares the index that identifies items.
-    Statement statement = database_.statement(isDescribed(changes) ? describing : valueOnly);
-    bindItem(statement, item);
+    changed.modified = timeAfter(row.modified);
+    seal(changed, newKey, kept ? kept->bytes() : *value);
+    // A row stays where it is, unless what identifies it is written.
+    Statement statement =
+        database_.statement(isDescribedAlike(row, changed) ? valueOnly : describing);
+    bindItem(statement, changed);
+    bindName(statement, row);
     statement.step();
-    return true;
-}
-
-void ItemStore::changeMatching(const ItemQuery& query, const ItemAttributes& changes,
-                               const SealingKey& newKey) {
-    bool isChanged = false;
-    for (SecureItem& row : matching(query))
-        isChanged = change(std::move(row), changes, newKey) || isChanged;
-    if (!isChanged)
-        throw Failure{errSecItemNotFound};
+    return database_.changes() > 0;
 }
 
 void ItemStore::remove(const ItemQuery& query) {

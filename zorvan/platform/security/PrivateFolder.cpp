@@ -47,9 +47,9 @@ std::string homeFolder() {
 }
 
 /// Absent when there is nothing of that name.
-std::optional<struct stat> statusOf(const std::string& path) {
+std::optional<struct stat> statusOf(int folder, const std::string& path) {
     struct stat status {};
-    if (::lstat(path.c_str(), &status) == 0)
+    if (::fstatat(folder, path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0)
         return status;
     if (errno == ENOENT || errno == ENOTDIR)
         return std::nullopt;
@@ -79,12 +79,14 @@ std::string PrivateFolder::standardPath() {
     return base + "/zorvan/secure-items";
 }
 
-bool PrivateFolder::exists() const {
-    const auto status = statusOf(path_);
+std::optional<struct stat> PrivateFolder::status() const {
+    const auto status = statusOf(AT_FDCWD, path_);
     if (status && (!S_ISDIR(status->st_mode) || !isUsersAlone(*status)))
         throw Failure{errSecAuthFailed};
-    return status.has_value();
+    return status;
 }
+
+bool PrivateFolder::exists() const { return status().has_value(); }
 
 void PrivateFolder::create() const {
     if (exists())
@@ -94,8 +96,12 @@ void PrivateFolder::create() const {
         throw Failure{errSecIO};
 }
 
+std::optional<struct stat> PrivateFolder::statusOfAny(const char* name) const {
+    return open_ ? statusOf(open_->get(), name) : statusOf(AT_FDCWD, path(name));
+}
+
 std::optional<struct stat> PrivateFolder::statusOfFile(const char* name) const {
-    const auto status = statusOf(path(name));
+    const auto status = statusOfAny(name);
     if (status && (!S_ISREG(status->st_mode) || !isUsersAlone(*status) || status->st_nlink != 1))
         throw Failure{errSecAuthFailed};
     return status;
@@ -110,6 +116,20 @@ void PrivateFolder::createFile(const char* name) const {
         failFor(errno);
     if (!statusOfFile(name))
         throw Failure{errSecIO};
+}
+
+void PrivateFolder::open() {
+    FileDescriptor folder(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!folder)
+        failFor(errno);
+    open_ = std::make_shared<const FileDescriptor>(std::move(folder));
+}
+
+bool PrivateFolder::isInPlace() const {
+    const auto there = status();
+    struct stat held {};
+    return there && open_ && ::fstat(open_->get(), &held) == 0 && held.st_ino == there->st_ino &&
+           held.st_dev == there->st_dev;
 }
 
 void PrivateFolder::sync() const {

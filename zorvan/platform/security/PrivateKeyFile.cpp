@@ -112,11 +112,11 @@ void placeKeyFile(const PrivateFolder& folder, const SealingKey& key) {
 
 } // namespace
 
-std::optional<KeyFileStamp> stampOfKeyFile(const PrivateFolder& folder) noexcept {
-    struct stat status {};
-    if (::lstat(folder.path(keyFile).c_str(), &status) != 0)
+std::optional<KeyFileStamp> stampOfKeyFile(const PrivateFolder& folder) {
+    const auto status = folder.statusOfAny(keyFile);
+    if (!status)
         return std::nullopt;
-    return KeyFileStamp{status.st_dev, status.st_ino, status.st_ctim};
+    return KeyFileStamp{status->st_dev, status->st_ino, status->st_ctim};
 }
 
 std::optional<SealingKey> readKeyFile(const PrivateFolder& folder) {

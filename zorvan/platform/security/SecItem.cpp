@@ -2,7 +2,7 @@
 
 #include <zorvan/platform/security/internal/Failure.h>
 #include <zorvan/platform/security/internal/ItemStore.h>
-#include <zorvan/platform/security/internal/addOrUpdate.h>
+#include <zorvan/platform/security/internal/Items.h>
 
 #include <algorithm>
 #include <chrono>
@@ -16,12 +16,14 @@ namespace {
 
 using namespace security;
 
+/// Held by whoever uses the items, whatever for.
+constinit std::mutex itemsMutex;
+
 /// Does something with the user's items, one thread at a time.
 template <class Action>
 OSStatus withItems(Action action) {
-    static std::mutex mutex;
     try {
-        const std::lock_guard lock(mutex);
+        const std::lock_guard lock(itemsMutex);
         action();
         return errSecSuccess;
     } catch (const Failure& failure) {
@@ -85,6 +87,17 @@ std::optional<PropertyList> resultOf(std::vector<OpenedItem>& found, const ItemQ
     return results;
 }
 
+template <class MakeQuery>
+SecItemResult resultOf(MakeQuery makeQuery) {
+    std::optional<PropertyList> value;
+    const OSStatus status = withItems([&] {
+        const ItemQuery& query = makeQuery();
+        std::vector<OpenedItem> found = ItemStore::ofUser(false).find(query);
+        value = resultOf(found, query);
+    });
+    return {status, std::move(value)};
+}
+
 } // namespace
 
 OSStatus SecItemAdd(const PropertyList::Dictionary& attributes) {
@@ -95,14 +108,9 @@ OSStatus SecItemAdd(const PropertyList::Dictionary& attributes) {
     });
 }
 
-OSStatus security::addOrUpdate(const PropertyList::Dictionary& attributes,
-                               const PropertyList::Dictionary& query) {
+OSStatus security::addOrUpdate(const ItemAttributes& attributes, bool isDuplicateOfEitherState) {
     return withItems([&] {
-        const NewItem item = newItem(attributes);
-        const ItemQuery matching = matchQuery(query);
-        ItemAttributes changes;
-        changes.value = item.attributes.value;
-        ItemStore::ofUser(true).addOrUpdate(item, matching, changes);
+        ItemStore::ofUser(true).addOrUpdate(NewItem(attributes, isDuplicateOfEitherState));
     });
 }
 
@@ -116,13 +124,11 @@ OSStatus SecItemUpdate(const PropertyList::Dictionary& query,
 }
 
 SecItemResult SecItemCopyMatching(const PropertyList::Dictionary& query) {
-    std::optional<PropertyList> value;
-    const OSStatus status = withItems([&] {
-        const ItemQuery search = searchQuery(query);
-        std::vector<OpenedItem> found = ItemStore::ofUser(false).find(search);
-        value = resultOf(found, search);
-    });
-    return {status, std::move(value)};
+    return resultOf([&] { return searchQuery(query); });
+}
+
+SecItemResult security::copyMatching(const ItemQuery& query) {
+    return resultOf([&]() -> const ItemQuery& { return query; });
 }
 
 OSStatus SecItemDelete(const PropertyList::Dictionary& query) {
@@ -130,6 +136,10 @@ OSStatus SecItemDelete(const PropertyList::Dictionary& query) {
         const ItemQuery matching = matchQuery(query);
         ItemStore::ofUser(false).remove(matching);
     });
+}
+
+OSStatus security::remove(const ItemQuery& query) {
+    return withItems([&] { ItemStore::ofUser(false).remove(query); });
 }
 
 } // namespace zorvan

@@ -92,6 +92,8 @@ private:
     void configure();
     void setJournal();
     void prepareSchema();
+    void upgrade();
+    bool holdsJust(const char* tableDefinition);
     void execute(const char* text);
     std::int64_t number(const char* query);
 

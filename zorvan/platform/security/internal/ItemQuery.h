@@ -28,8 +28,13 @@ struct ItemQuery {
 
 /// An item to be added.
 struct NewItem {
+    /// With what is taken for attributes that are left out. Throws `Failure`:
+    /// `errSecDataTooLarge`.
+    NewItem(ItemAttributes given, bool isDuplicateOfEitherState);
+
+    ItemAttributes given;
     ItemAttributes attributes;
-    bool isDuplicateOfEitherState = false;
+    bool isDuplicateOfEitherState;
 };
 
 /// Each throws `Failure` for what cannot be asked: `errSecParam`, `errSecNoSuchAttr`,

@@ -6,7 +6,7 @@
 #include <zorvan/platform/security/internal/PrivateFolder.h>
 #include <zorvan/platform/security/internal/SecureItem.h>
 
-#include <array>
+#include <string>
 #include <sys/types.h>
 #include <vector>
 
@@ -27,8 +27,8 @@ public:
 
     /// False when it is there already.
     bool add(const NewItem& item);
-    /// Adds the item; when it is there already, changes those that the query matches instead.
-    void addOrUpdate(const NewItem& item, const ItemQuery& query, const ItemAttributes& changes);
+    /// Adds the item; when it is there already, gives its value to those that match what was given.
+    void addOrUpdate(const NewItem& item);
     /// Never empty.
     std::vector<OpenedItem> find(const ItemQuery& query);
     void update(const ItemQuery& query, const ItemAttributes& changes);
@@ -41,24 +41,20 @@ private:
         bool lacksKey = false;
     };
 
-    /// What there is of an item: in which states, not synchronizable and synchronizable.
-    struct Standing {
-        std::array<bool, 2> isThere{};
-        std::int64_t lastRevision = 0;
-    };
-
     explicit ItemStore(PrivateFolder folder);
-    bool isUsable(const PrivateFolder& folder) const;
+    bool isUsable(const std::string& path) const;
     Opening open(const SecureItem& item);
-    Standing standing(const Texts& identity);
     std::vector<SecureItem> matching(const ItemQuery& query);
 
-    // Within a transaction:
-    bool insert(const NewItem& item, const SealingKey& key);
-    void changeMatching(const ItemQuery& query, const ItemAttributes& changes,
-                        const SealingKey& newKey);
-    /// False for an item whose value is damaged, when there is no new one.
-    bool change(SecureItem item, const ItemAttributes& changes, const SealingKey& newKey);
+    // Within a transaction; among the relatives are all states of an item that is written:
+    bool insert(const NewItem& item, const std::vector<SecureItem>& relatives,
+                const SealingKey& key);
+    void giveValue(std::vector<SecureItem>& relatives, const ItemAttributes& attributes,
+                   const SealingKey& key);
+    /// Seals and writes what a row becomes, with the value that it has when there is no new one;
+    /// false when that is damaged.
+    bool change(const SecureItem& row, SecureItem& changed, const Data* value,
+                const SealingKey& newKey);
 
     PrivateFolder folder_;
     Database database_;

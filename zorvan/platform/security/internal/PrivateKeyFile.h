@@ -20,7 +20,7 @@ struct KeyFileStamp {
                a.changed.tv_nsec == b.changed.tv_nsec;
     }
 };
-std::optional<KeyFileStamp> stampOfKeyFile(const PrivateFolder& folder) noexcept;
+std::optional<KeyFileStamp> stampOfKeyFile(const PrivateFolder& folder);
 
 /// The key in the file "key" of a folder; absent when there is none. Throws `Failure`:
 /// `errSecAuthFailed` when the file is not the user's alone, `errSecNotAvailable` when it is

@@ -21,11 +21,18 @@ inline constexpr TextColumn textColumns[] = {
     {kSecAttrAccessGroup, "access_group"}, {kSecAttrLabel, "label"},
     {kSecAttrGeneric, "generic"},          {kSecAttrAccessible, "accessible"},
 };
-inline constexpr std::size_t textCount = std::size(textColumns);
+enum TextIndex : std::size_t {
+    serviceText,
+    accountText,
+    accessGroupText,
+    labelText,
+    genericText,
+    accessibleText,
+    textCount
+};
+static_assert(std::size(textColumns) == textCount);
 /// The first ones identify an item, so that they are never absent in one.
 inline constexpr std::size_t identifyingTexts = 3;
-inline constexpr std::size_t genericText = 4;
-inline constexpr std::size_t accessibleText = 5;
 
 /// Values in the order of `textColumns`.
 using Texts = std::array<std::optional<std::string>, textCount>;
