@@ -259,6 +259,16 @@ TEST_F(Faults, takesHundredMegabytesAndRefusesMoreThanItsLimit) {
     EXPECT_EQ(told_.size(), 1u);
 }
 
+// No write could come after it.
+TEST_F(Faults, setsTheLastIdentifierOfAllAside) {
+    fill();
+    execute("UPDATE settings SET id = 9223372036854775807 WHERE id > 0");
+    EXPECT_TRUE(open()->set("k", 1));
+    EXPECT_TRUE(open()->set("k", 2));
+    EXPECT_EQ(told_.size(), 1u);
+    EXPECT_TRUE(std::filesystem::exists(path_ + ".damaged"));
+}
+
 TEST_F(Faults, passesOverValuesItCannotRead) {
     fill(2);
     execute("UPDATE settings SET value = x'FF00' WHERE key = 'key 0'");

@@ -324,8 +324,11 @@ bool SettingsDatabase::Core::removeAll() {
         }
     }
     Changes removals;
-    for (const auto& entry : memory_.contents())
-        removals.emplace_back(entry.first, Value());
+    {
+        const std::lock_guard hold(holding_);
+        for (const auto& entry : memory_.contents())
+            removals.emplace_back(entry.first, Value());
+    }
     keep(removals, nullptr);
     return false;
 }
