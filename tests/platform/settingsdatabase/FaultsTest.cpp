@@ -112,7 +112,7 @@ TEST_F(Faults, carriesOnFromMemoryWhenDamageComesLater) {
         std::fill(bytes.begin() + 100, bytes.end(), '\xA5');
         std::fstream(path_, std::ios::binary | std::ios::in | std::ios::out) << bytes;
         for (int i = 0; i < 1500; i += 100)
-            database->set("key " + std::to_string(i), i);
+            EXPECT_TRUE(database->set("key " + std::to_string(i), i));
         EXPECT_EQ(told_, std::vector{path_ + ": it was damaged and is set aside as " + path_ +
                                      ".damaged"});
     }

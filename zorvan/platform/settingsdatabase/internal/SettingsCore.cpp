@@ -255,7 +255,7 @@ bool SettingsDatabase::Core::store(const Changes& changes) {
         keep(all, nullptr);
         meet(failure);
     }
-    return false;
+    return memory_.pending().empty(); // when a new database took it
 }
 
 /// In one transaction. The row of each change, and the last of them.
