@@ -13,8 +13,24 @@
 #include <zorvan/settings/URLCoders.h>
 
 #include <limits>
+#include <stdexcept>
 
 using namespace zorvan;
+
+namespace {
+
+/// Its coding throws what this library does not.
+struct Moody {
+    friend bool operator==(const Moody&, const Moody&) = default;
+};
+
+} // namespace
+
+template <>
+struct zorvan::JSONCoding<Moody> {
+    static JSON encode(const Moody&) { throw std::out_of_range("mood"); }
+    static Moody decode(const JSON&) { throw std::out_of_range("mood"); }
+};
 
 namespace {
 
@@ -224,6 +240,9 @@ TEST_F(Coders, keepJSON) {
         JSONCodableUDC<Window>().encode(wrong, store(), "k");
         EXPECT_FALSE(store().hasObjectForKey("k"));
     }
+    reads<JSONCodableUDC<Moody>>(Data{std::byte{'1'}}, {});
+    JSONCodableUDC<Moody>().encode(Moody(), store(), "k");
+    EXPECT_FALSE(store().hasObjectForKey("k"));
 }
 
 TEST_F(Coders, countUpAndDown) {

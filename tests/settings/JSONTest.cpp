@@ -69,6 +69,7 @@ TEST(JSONCoding, refusesOtherTypes) {
         {"an integer does not fit its type", refusal<std::int8_t>("128")},
         {"an integer does not fit its type", refusal<unsigned>("-1")},
         {"an integer does not fit its type", refusal<std::int64_t>("9223372036854775808")},
+        {"a number does not fit its type", refusal<float>("-1e39")},
         {"there is no number", refusal<double>("\"1\"")},
         {"there is no text", refusal<std::string>("1")},
         {"there is no text", refusal<std::string>("null")},

@@ -3,6 +3,8 @@
 #include <zorvan/settings/NumberCoders.h>
 #include <zorvan/settings/ObjectCoders.h>
 
+#include <utility>
+
 using namespace zorvan;
 
 namespace {
@@ -90,10 +92,13 @@ TEST_F(Keys, areSetOnlyWhenNothingIsThere) {
 TEST_F(Keys, tellAfterTheWrite) {
     std::int64_t seen = 0;
     const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
-        NSUserDefaults::didSetKeyNotification(), store_, {},
-        [&](const Notification&) { seen = store()[count]; });
+        NSUserDefaults::didSetKeyNotification(), store_, {}, [&](const Notification&) {
+            if (std::exchange(seen, store()[count].value()) == 0)
+                store()[count] = 9; // tells again, of itself
+        });
     store()[count] = 8;
-    EXPECT_EQ(seen, 8);
+    EXPECT_EQ(seen, 9);
+    EXPECT_EQ(told().size(), 2u);
     NSNotificationCenter::defaultCenter()->removeObserver(observer);
 }
 

@@ -3,6 +3,7 @@
 #include <zorvan/settings/JSONCoding.h>
 #include <zorvan/settings/NSUserDefaults.h>
 
+#include <exception>
 #include <optional>
 #include <string_view>
 
@@ -10,6 +11,7 @@ namespace zorvan {
 
 /// Stored as the bytes of a JSON text; `JSONCoding<T>` says how. Anything else that is stored reads
 /// as absent. A value that has no JSON form, such as a number that is not finite, removes the key.
+/// Whatever `std::exception` a coding throws counts as that.
 template <JSONCodable T>
 class JSONCodableUDC {
 public:
@@ -21,7 +23,7 @@ public:
             return std::nullopt;
         try {
             return JSONCoding<T>::decode(JSON::parse(*text));
-        } catch (const JSONError&) {
+        } catch (const std::exception&) { // a coding of the application may throw what it likes
             return std::nullopt;
         }
     }
@@ -32,7 +34,7 @@ public:
                 value ? std::optional<PropertyList>(JSON(JSONCoding<T>::encode(*value)).text())
                       : std::nullopt,
                 key);
-        } catch (const JSONError&) {
+        } catch (const std::exception&) {
             to.removeObjectForKey(key);
         }
     }

@@ -5,8 +5,10 @@
 #include <zorvan/settings/JSON.h>
 #include <zorvan/settings/RawRepresentable.h>
 
+#include <cmath>
 #include <concepts>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -116,7 +118,12 @@ private:
 template <std::floating_point T>
 struct JSONCoding<T> {
     static JSON encode(T value) { return static_cast<double>(value); }
-    static T decode(const JSON& json) { return static_cast<T>(detail::real(json)); }
+    static T decode(const JSON& json) {
+        const double number = detail::real(json);
+        if (std::abs(number) > static_cast<double>(std::numeric_limits<T>::max()))
+            throw JSONError("a number does not fit its type");
+        return static_cast<T>(number);
+    }
 };
 
 template <>

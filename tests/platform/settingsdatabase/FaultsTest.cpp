@@ -112,7 +112,7 @@ TEST_F(Faults, carriesOnFromMemoryWhenDamageComesLater) {
         std::fill(bytes.begin() + 100, bytes.end(), '\xA5');
         std::fstream(path_, std::ios::binary | std::ios::in | std::ios::out) << bytes;
         for (int i = 0; i < 1500; i += 100)
-            database->set("key " + std::to_string(i), i);
+            EXPECT_TRUE(database->set("key " + std::to_string(i), i));
         EXPECT_EQ(told_, std::vector{path_ + ": it was damaged and is set aside as " + path_ +
                                      ".damaged"});
     }
@@ -257,6 +257,16 @@ TEST_F(Faults, takesHundredMegabytesAndRefusesMoreThanItsLimit) {
                          ": larger: the value is larger than 256 MiB; changes are kept in memory"});
     EXPECT_TRUE(database->set("other", 1)); // and it does not stand in the way
     EXPECT_EQ(told_.size(), 1u);
+}
+
+// No write could come after it.
+TEST_F(Faults, setsTheLastIdentifierOfAllAside) {
+    fill();
+    execute("UPDATE settings SET id = 9223372036854775807 WHERE id > 0");
+    EXPECT_TRUE(open()->set("k", 1));
+    EXPECT_TRUE(open()->set("k", 2));
+    EXPECT_EQ(told_.size(), 1u);
+    EXPECT_TRUE(std::filesystem::exists(path_ + ".damaged"));
 }
 
 TEST_F(Faults, passesOverValuesItCannotRead) {

@@ -9,7 +9,9 @@
 #include <chrono>
 #include <fcntl.h>
 #include <random>
+#include <sched.h>
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <thread>
 
 using namespace zorvan;
@@ -132,6 +134,40 @@ TEST(Processes, noticeEachOthersWrites) {
     EXPECT_TRUE(other.end());
 }
 
+// As in a sandbox, which shows a process what it may not touch.
+TEST(Processes, followWritersWhereTheyMayOnlyRead) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    const auto lockUp = [&] {
+        const char* place = folder.path().c_str();
+        return (unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) &&
+               mount("", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+               mount(place, place, nullptr, MS_BIND, nullptr) == 0 &&
+               mount("", place, nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr) == 0;
+    };
+    if (!inChild(lockUp))
+        GTEST_SKIP() << "no mounts of one's own";
+    Steps steps;
+    Child reader([&] {
+        steps.awaitGo();
+        lockUp();
+        const auto database = SettingsDatabase::open(path);
+        const bool readsFirst = integer(*database, "k") == 1;
+        steps.done();
+        steps.awaitGo();
+        const bool readsSecond = integer(*database, "k") == 2;
+        SettingsDatabase::setProblemHandler([](const std::string&) {});
+        return readsFirst && readsSecond && !database->set("k", 3);
+    });
+    const auto database = SettingsDatabase::open(path);
+    database->set("k", 1);
+    steps.go();
+    ASSERT_TRUE(steps.awaitDone());
+    database->set("k", 2);
+    steps.go();
+    EXPECT_TRUE(reader.end());
+}
+
 // Two processes count with a lock of their own around reading and writing.
 TEST(Processes, countTogether) {
     const TemporaryFolder folder;
@@ -198,4 +234,25 @@ TEST(Processes, keepAForkApart) {
     }));
     EXPECT_EQ(integer(*database, "k"), 1);
     EXPECT_TRUE(database->set("k", 3));
+}
+
+// Where nothing can be stored, what is being decoded is looked through at the same time.
+TEST(Processes, removeEverythingWhileAThreadReads) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    std::vector<SettingsDatabase::Change> changes;
+    for (int i = 0; i < 2000; ++i)
+        changes.emplace_back(std::to_string(i), PropertyList::Array{i});
+    ASSERT_TRUE(SettingsDatabase::open(path)->apply(std::move(changes)));
+    const auto database = SettingsDatabase::open(path);
+    EXPECT_TRUE(inChild([&] { // which may not write
+        SettingsDatabase::setProblemHandler([](const std::string&) {});
+        std::thread reader([&] {
+            for (int i = 2000; i > 0; --i)
+                database->value(std::to_string(i));
+        });
+        const bool isStored = database->removeAll();
+        reader.join();
+        return !isStored && database->contents().empty();
+    }));
 }

@@ -1,6 +1,9 @@
 #include <zorvan/platform/security/internal/KeyCustody.h>
 
+#include <zorvan/platform/security/internal/Failure.h>
 #include <zorvan/platform/security/internal/Keyring.h>
+
+#include <optional>
 
 namespace zorvan::security {
 
@@ -35,10 +38,19 @@ const SealingKey& KeyCustody::keyOfFile() {
 const SealingKey* KeyCustody::find(const KeyIdentifier& identifier) {
     if (const SealingKey* key = known(identifier))
         return key;
-    if (auto key = readKeyFile(folder_); key && key->identifier() == identifier)
-        return &remember(std::move(*key));
+    // A key file that is damaged or open to others does not stand in the way of the keyring.
+    std::optional<Failure> refusal;
+    try {
+        if (auto key = readKeyFile(folder_); key && key->identifier() == identifier)
+            return &remember(std::move(*key));
+    } catch (const Failure& failure) {
+        refusal = failure;
+    }
     consultKeyring(false);
-    return known(identifier);
+    const SealingKey* const key = known(identifier);
+    if (!key && refusal)
+        throw *refusal;
+    return key;
 }
 
 const SealingKey* KeyCustody::known(const KeyIdentifier& identifier) const {

@@ -36,8 +36,8 @@ namespace zorvan {
 /// ("NAME.damaged-2", ...) and a new one is begun; when the damage shows only while the process
 /// runs, with the values in memory.
 ///
-/// A child that `fork` made and that runs no new program reads what there was, and keeps what it
-/// writes in memory.
+/// A child that `fork` made, while no other thread used settings, and that runs no new program
+/// reads what there was, and keeps what it writes in memory.
 ///
 /// Safe from every thread.
 class SettingsDatabase {

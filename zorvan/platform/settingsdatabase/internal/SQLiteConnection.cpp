@@ -103,7 +103,8 @@ const void* SQLiteConnection::stampAddress() {
     if (!file || !file->pMethods || file->pMethods->iVersion < 2)
         return nullptr;
     void volatile* memory = nullptr;
-    if (file->pMethods->xShmMap(file, 0, shownSize, 0, &memory) != SQLITE_OK)
+    const int code = file->pMethods->xShmMap(file, 0, shownSize, 0, &memory);
+    if (code != SQLITE_OK && code != SQLITE_READONLY) // mapped, but not to be written
         return nullptr;
     return const_cast<const void*>(memory);
 }

@@ -255,7 +255,7 @@ bool SettingsDatabase::Core::store(const Changes& changes) {
         keep(all, nullptr);
         meet(failure);
     }
-    return false;
+    return memory_.pending().empty(); // when a new database took it
 }
 
 /// In one transaction. The row of each change, and the last of them.
@@ -324,8 +324,11 @@ bool SettingsDatabase::Core::removeAll() {
         }
     }
     Changes removals;
-    for (const auto& entry : memory_.contents())
-        removals.emplace_back(entry.first, Value());
+    {
+        const std::lock_guard hold(holding_);
+        for (const auto& entry : memory_.contents())
+            removals.emplace_back(entry.first, Value());
+    }
     keep(removals, nullptr);
     return false;
 }

@@ -16,6 +16,9 @@ using Access = SQLiteConnection::Access;
 constexpr std::int64_t applicationID = 0x5A736574;
 constexpr std::int64_t formatVersion = 1;
 
+/// No row gets here by counting; above the last number that there is the engine gives any.
+constexpr std::int64_t lastIdentifier = std::int64_t{1} << 62;
+
 /// The row 0 has no key; its value is the number below which rows may have vanished.
 constexpr char schema[] = "CREATE TABLE settings(id INTEGER PRIMARY KEY, key TEXT, value)";
 
@@ -45,9 +48,10 @@ SettingsFile::SettingsFile(const std::string& path, Access access)
         insert_.emplace(connection_, "INSERT INTO settings(key, value) VALUES (?1, ?2)");
         update_.emplace(connection_, "UPDATE settings SET id = (SELECT max(id) FROM settings) + 1, "
                                      "value = ?2 WHERE id = ?3 AND key = ?1 RETURNING id");
-        stamp_ = connection_.stampAddress();
         connection_.setCheckpointOnClose(true);
     }
+    if (access != Access::immutable)
+        stamp_ = connection_.stampAddress();
 }
 
 void SettingsFile::checkOrigin() {
@@ -112,8 +116,12 @@ void SettingsFile::readAbove(std::int64_t id, const std::function<void()>& start
         {
             const StatementUse use(*read_);
             read_->bind(1, isTooOld ? std::int64_t{0} : id);
-            while (read_->step())
-                reader({read_->integer(0), read_->text(1), read_->setting(2)});
+            while (read_->step()) {
+                const std::int64_t row = read_->integer(0);
+                if (row > lastIdentifier)
+                    throw SQLiteFailure(SQLITE_CORRUPT, "a row has an impossible identifier");
+                reader({row, read_->text(1), read_->setting(2)});
+            }
         }
         commit();
     } catch (...) {
