@@ -1,6 +1,7 @@
 #include "PictureWindow.h"
 
 #include "PictureViews.h"
+#include "displayText.h"
 
 #include <zorvan/interface/NSSplitView.h>
 #include <zorvan/interface/TintedButton.h>
@@ -8,6 +9,7 @@
 #include <zorvan/platform/appkit/NSScrollView.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 
 using namespace zorvan;
@@ -19,6 +21,11 @@ constexpr auto allPictures = "All pictures";
 constexpr double sidebarWidth = 200, statusHeight = 52;
 
 NSColor hex(std::string_view text) { return NSColor::make({.hexString = text}).value(); }
+
+std::string titleOf(const std::string& path) {
+    const auto whole = std::filesystem::absolute(path).lexically_normal();
+    return forDisplay((whole.has_filename() ? whole : whole.parent_path()).filename().string());
+}
 
 std::vector<KindList::Kind> kindsOf(const std::vector<PictureFacts>& facts) {
     std::map<std::string, std::size_t> counts;
@@ -116,9 +123,9 @@ private:
 
 } // namespace
 
-PictureWindow::PictureWindow(const std::string& title, const std::vector<ListedFile>& files,
+PictureWindow::PictureWindow(const std::string& path, const std::vector<ListedFile>& files,
                              const std::vector<PictureFacts>& facts)
-    : window_(NSWindow::create(contentSize, title)), split_(NSSplitView::create()),
+    : window_(NSWindow::create(contentSize, titleOf(path))), split_(NSSplitView::create()),
       grid_(PictureGrid::create(files, facts)), toolbar_(DynamicToolbar::create({"shelf"})),
       touchBar_(DynamicTouchBar::create()) {
     const auto kinds = kindsOf(facts);

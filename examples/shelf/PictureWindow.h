@@ -19,7 +19,8 @@ class PictureGrid;
 /// on headless views: this program draws it into a file, and a host may show it.
 class PictureWindow {
 public:
-    PictureWindow(const std::string& title, const std::vector<ListedFile>& files,
+    /// Named after the file or folder at the path.
+    PictureWindow(const std::string& path, const std::vector<ListedFile>& files,
                   const std::vector<PictureFacts>& facts);
 
     const std::shared_ptr<zorvan::NSWindow>& window() const { return window_; }

@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
         const std::vector<ListedFile> files = listFiles(options);
         ProgressBar progress(files.size(), !options.quiet);
         const WorkResult result = work(files, options, nullptr, progress);
-        PictureWindow shown("Shelf", files, result.facts);
+        PictureWindow shown(options.paths.front(), files, result.facts);
         const auto host = zorvan::QtWindowHost::show(shown.window());
         addShortcuts(host->widget(), shown);
         return QApplication::exec();
