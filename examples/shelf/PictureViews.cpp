@@ -8,6 +8,7 @@
 #include <zorvan/media/NSAttributedString.h>
 #include <zorvan/media/NSColor.h>
 #include <zorvan/media/NSGraphicsContext.h>
+#include <zorvan/platform/appkit/NSScrollView.h>
 
 #include <algorithm>
 #include <cmath>
@@ -88,7 +89,7 @@ std::shared_ptr<PictureGrid> PictureGrid::create(const std::vector<ListedFile>& 
 void PictureGrid::setCellSide(double side) {
     cellSide_ = std::clamp(side, 64.0, 512.0);
     thumbnails_.assign(files_.size(), std::nullopt);
-    setNeedsDisplay(true);
+    askForRoom();
 }
 
 void PictureGrid::setFilter(const std::string& text) {
@@ -120,7 +121,14 @@ void PictureGrid::reload() {
     if (isSortedBySize_)
         std::stable_sort(items_.begin(), items_.end(),
                          [&](const Item& a, const Item& b) { return area(a) > area(b); });
+    askForRoom();
+}
+
+/// The holder of the scroll view makes the grid as high as it needs to be.
+void PictureGrid::askForRoom() {
     setNeedsDisplay(true);
+    if (const auto scrollView = enclosingScrollView(*this))
+        scrollView->superview()->setNeedsLayout(true);
 }
 
 void PictureGrid::select(std::optional<std::size_t> index) {
@@ -141,14 +149,25 @@ void PictureGrid::selectNext(bool forward) {
     else if (!forward && current != items_.begin())
         --next;
     select(next->index);
+    const CGRect chosen = cell(static_cast<std::size_t>(next - items_.begin()));
+    scrollToVisible(*this, chosen.shrunkBy({.dx = 0, .dy = -margin}));
+}
+
+double PictureGrid::columns(double width) const {
+    const double room = width - 2 * margin;
+    return std::max(1.0, std::floor((room + gap) / (cellSide_ + gap)));
+}
+
+double PictureGrid::height(double forWidth) const {
+    const double rows = std::ceil(static_cast<double>(items_.size()) / columns(forWidth));
+    return 2 * margin - gap + rows * (boxHeight() + captionHeight + gap);
 }
 
 CGRect PictureGrid::cell(std::size_t place) const {
-    const double room = bounds().width() - 2 * margin;
-    const double columns = std::max(1.0, std::floor((room + gap) / (cellSide_ + gap)));
+    const double width = bounds().width(), room = width - 2 * margin, inRow = columns(width);
     // What is left over widens the gaps.
-    const double step = columns > 1 ? (room - cellSide_) / (columns - 1) : cellSide_ + gap;
-    const auto perRow = static_cast<std::size_t>(columns);
+    const double step = inRow > 1 ? (room - cellSide_) / (inRow - 1) : cellSide_ + gap;
+    const auto perRow = static_cast<std::size_t>(inRow);
     const double height = boxHeight() + captionHeight;
     const double x = margin + static_cast<double>(place % perRow) * step;
     const double top =
@@ -169,14 +188,28 @@ std::shared_ptr<NSImage> PictureGrid::thumbnail(std::size_t index) const {
 
 void PictureGrid::draw(Canvas& canvas) const {
     NSGraphicsContext::use(NSGraphicsContext::create(canvas), [&] {
-        fill(bounds(), paper);
+        const CGRect shown = visibleRect(*this);
+        fill(shown, paper);
         for (std::size_t place = 0; place < items_.size(); ++place) {
             const CGRect frame = cell(place);
-            if (frame.maxY() < bounds().minY())
-                break;
-            drawItem(items_[place], frame);
+            if (frame.intersects(shown))
+                drawItem(items_[place], frame);
         }
+        if (items_.empty())
+            drawLine("No pictures", {shown.minX(), shown.midY() - 10, shown.width(), 20},
+                     {.size = 14, .color = faint});
+        if (shown.height() < bounds().height())
+            drawScroller(shown);
     });
+}
+
+/// At the right edge, which part of the whole is to be seen.
+void PictureGrid::drawScroller(const CGRect& shown) const {
+    const double share = shown.height() / bounds().height();
+    const double length = std::max(share * shown.height(), 24.0);
+    const double way = (shown.height() - length) / (bounds().height() - shown.height());
+    setFill(ink.withAlphaComponent(0.3));
+    nsRoundedPath({shown.maxX() - 9, shown.minY() + shown.minY() * way, 6, length}, 3)->fill();
 }
 
 void PictureGrid::drawItem(const Item& item, const CGRect& cell) const {
@@ -258,13 +291,21 @@ void KindList::draw(Canvas& canvas) const {
 
 void KindList::mouseDown(const NSEvent& with) {
     const CGPoint point = convertFromBase(with.locationInWindow);
-    for (std::size_t i = 0; i < kinds_.size(); ++i) {
-        if (!row(i).contains(point))
-            continue;
-        chosenKind_ = i;
-        setNeedsDisplay(true);
-        chosen_(i);
-    }
+    for (std::size_t i = 0; i < kinds_.size(); ++i)
+        if (row(i).contains(point))
+            choose(i);
+}
+
+void KindList::choose(const std::string& kind) {
+    for (std::size_t i = 0; i < kinds_.size(); ++i)
+        if (kinds_[i].name == kind)
+            choose(i);
+}
+
+void KindList::choose(std::size_t kind) {
+    chosenKind_ = kind;
+    setNeedsDisplay(true);
+    chosen_(kind);
 }
 
 // StatusBar

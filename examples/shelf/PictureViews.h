@@ -12,8 +12,7 @@
 #include <string>
 #include <vector>
 
-/// Thumbnails in rows, each with its name and its size below, from the top down as far as there is
-/// room.
+/// Thumbnails in rows, each with its name and its size below. It stands in a scroll view.
 class PictureGrid : public zorvan::NSView {
 public:
     static std::shared_ptr<PictureGrid> create(const std::vector<ListedFile>& files,
@@ -33,6 +32,8 @@ public:
     void select(std::optional<std::size_t> index);
     /// The next picture shown, or the one before; the first when none is selected.
     void selectNext(bool forward);
+    /// What its rows take.
+    double height(double forWidth) const;
 
     void draw(zorvan::Canvas& canvas) const override;
     void mouseDown(const zorvan::NSEvent& with) override;
@@ -46,7 +47,10 @@ private:
 
     void reload();
     double boxHeight() const { return cellSide_ * 0.76; }
+    double columns(double width) const;
     zorvan::CGRect cell(std::size_t place) const;
+    void askForRoom();
+    void drawScroller(const zorvan::CGRect& shown) const;
     void drawItem(const Item& item, const zorvan::CGRect& cell) const;
     std::shared_ptr<zorvan::NSImage> thumbnail(std::size_t index) const;
 
@@ -78,10 +82,14 @@ public:
                                             std::function<void(std::size_t)> chosen);
     using NSView::NSView;
 
+    /// As a click does; nothing when no picture is of that kind.
+    void choose(const std::string& kind);
+
     void draw(zorvan::Canvas& canvas) const override;
     void mouseDown(const zorvan::NSEvent& with) override;
 
 private:
+    void choose(std::size_t kind);
     zorvan::CGRect row(std::size_t kind) const;
 
     std::vector<Kind> kinds_;

@@ -1,12 +1,15 @@
 #include "PictureWindow.h"
 
 #include "PictureViews.h"
+#include "displayText.h"
 
 #include <zorvan/interface/NSSplitView.h>
 #include <zorvan/interface/TintedButton.h>
 #include <zorvan/media/CGImageDestination.h>
+#include <zorvan/platform/appkit/NSScrollView.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 
 using namespace zorvan;
@@ -14,15 +17,21 @@ using namespace zorvan;
 namespace {
 
 constexpr CGSize contentSize(1040, 692);
+constexpr auto allPictures = "All pictures";
 constexpr double sidebarWidth = 200, statusHeight = 52;
 
 NSColor hex(std::string_view text) { return NSColor::make({.hexString = text}).value(); }
+
+std::string titleOf(const std::string& path) {
+    const auto whole = std::filesystem::absolute(path).lexically_normal();
+    return forDisplay((whole.has_filename() ? whole : whole.parent_path()).filename().string());
+}
 
 std::vector<KindList::Kind> kindsOf(const std::vector<PictureFacts>& facts) {
     std::map<std::string, std::size_t> counts;
     for (const PictureFacts& fact : facts)
         ++counts[kindOf(fact)];
-    std::vector<KindList::Kind> kinds{{"square.grid.2x2", "All pictures", facts.size()}};
+    std::vector<KindList::Kind> kinds{{"square.grid.2x2", allPictures, facts.size()}};
     for (const char* name : {"JPEG", "HEIC", "PNG", "TIFF", "Movies", "Others"})
         if (counts[name] > 0)
             kinds.push_back({"photo", name, counts[name]});
@@ -68,14 +77,15 @@ std::shared_ptr<TintedButton> makeButton(const char* title, const char* symbol, 
 /// The grid, and below it the status bar with its buttons at the right.
 class Browser : public NSView {
 public:
-    static std::shared_ptr<Browser> create(const std::shared_ptr<NSView>& grid,
+    static std::shared_ptr<Browser> create(const std::shared_ptr<PictureGrid>& grid,
                                            const std::shared_ptr<NSView>& status,
                                            std::vector<std::shared_ptr<NSView>> buttons) {
         auto browser = std::make_shared<Browser>(Key{}, CGRect());
         browser->grid_ = grid;
         browser->status_ = status;
         browser->buttons_ = std::move(buttons);
-        browser->addSubview(grid);
+        browser->scrollView_->setDocumentView(grid);
+        browser->addSubview(browser->scrollView_);
         browser->addSubview(status);
         for (const auto& button : browser->buttons_)
             status->addSubview(button);
@@ -86,7 +96,14 @@ public:
     void layout() override {
         const CGSize size = bounds().size;
         status_->setFrame({0, 0, size.width, statusHeight});
-        grid_->setFrame({0, statusHeight, size.width, std::max(size.height - statusHeight, 0.0)});
+        const double height = std::max(size.height - statusHeight, 0.0);
+        NSClipView& clipView = *scrollView_->contentView();
+        const double scrolled = grid_->bounds().height() - clipView.bounds().maxY();
+        scrollView_->setFrame({0, statusHeight, size.width, height});
+        grid_->setFrame({0, 0, size.width, std::max(height, grid_->height(size.width))});
+        // What is at the top stays there.
+        const double most = grid_->bounds().height() - height;
+        clipView.setBoundsOrigin({0, std::clamp(most - scrolled, 0.0, most)});
         double right = size.width - 18;
         for (const auto& button : buttons_) {
             const CGSize wanted = button->fittingSize();
@@ -97,7 +114,8 @@ public:
     }
 
 private:
-    std::shared_ptr<NSView> grid_;
+    const std::shared_ptr<NSScrollView> scrollView_ = NSScrollView::create();
+    std::shared_ptr<PictureGrid> grid_;
     std::shared_ptr<NSView> status_;
     /// From the right edge inward.
     std::vector<std::shared_ptr<NSView>> buttons_;
@@ -105,17 +123,17 @@ private:
 
 } // namespace
 
-PictureWindow::PictureWindow(const std::string& title, const std::vector<ListedFile>& files,
+PictureWindow::PictureWindow(const std::string& path, const std::vector<ListedFile>& files,
                              const std::vector<PictureFacts>& facts)
-    : window_(NSWindow::create(contentSize, title)), split_(NSSplitView::create()),
+    : window_(NSWindow::create(contentSize, titleOf(path))), split_(NSSplitView::create()),
       grid_(PictureGrid::create(files, facts)), toolbar_(DynamicToolbar::create({"shelf"})),
       touchBar_(DynamicTouchBar::create()) {
     const auto kinds = kindsOf(facts);
-    split_->addSubview(
-        KindList::create(kinds, [grid = std::weak_ptr(grid_), kinds](std::size_t kind) {
-            if (const auto shown = grid.lock())
-                shown->setKind(kind == 0 ? "" : kinds[kind].name);
-        }));
+    kindList_ = KindList::create(kinds, [grid = std::weak_ptr(grid_), kinds](std::size_t kind) {
+        if (const auto shown = grid.lock())
+            shown->setKind(kind == 0 ? "" : kinds[kind].name);
+    });
+    split_->addSubview(kindList_);
     split_->addSubview(
         Browser::create(grid_, StatusBar::create(statusOf(facts)),
                         {makeButton("Next", "arrow.right", true,
@@ -130,6 +148,8 @@ PictureWindow::PictureWindow(const std::string& title, const std::vector<ListedF
     fillTouchBar();
     window_->makeMainWindow();
 }
+
+void PictureWindow::selectNext(bool forward) { grid_->selectNext(forward); }
 
 bool PictureWindow::writeScreenshot(const std::string& path) const {
     std::optional<Bitmap> bitmap = window_->render(2);
@@ -206,25 +226,31 @@ void PictureWindow::fillToolbar() {
 
 void PictureWindow::fillTouchBar() {
     const auto addButton = [this](const char* title, const char* image,
-                                  std::optional<NSColor> bezel,
-                                  std::function<void(PictureGrid&)> act) {
+                                  std::optional<NSColor> bezel, std::function<void()> act) {
         touchBar_->addItem({.createButton = [&](DynamicTouchBarItemButtonSettings& settings) {
             settings.title = title;
             settings.imageName = image;
             settings.imageSize = CGSize(15, 15);
             settings.bezelColor = bezel;
             settings.minimumWidth = 104;
-            settings.action = Selector(title, withGrid(std::move(act)));
+            settings.action = Selector(title, std::move(act));
         }});
     };
     touchBar_->addItemSet({});
-    addButton("Previous", "chevron.left", {}, [](PictureGrid& grid) { grid.selectNext(false); });
-    addButton("Next", "chevron.right", {}, [](PictureGrid& grid) { grid.selectNext(true); });
+    const auto select = [this](bool next) {
+        return withGrid([next](PictureGrid& grid) { grid.selectNext(next); });
+    };
+    const auto choose = [this](const char* kind) {
+        return [list = std::weak_ptr(kindList_), kind] {
+            if (const auto shown = list.lock())
+                shown->choose(kind);
+        };
+    };
+    addButton("Previous", "chevron.left", {}, select(false));
+    addButton("Next", "chevron.right", {}, select(true));
     touchBar_->addItem({.identifier = std::string(NSTouchBarItemIdentifierFlexibleSpace)});
-    addButton("All", "square.grid.2x2", hex("#2563EB"),
-              [](PictureGrid& grid) { grid.setKind(""); });
-    addButton("Unreadable", "exclamationmark.triangle", hex("#B91C1C"),
-              [](PictureGrid& grid) { grid.setKind("Unreadable"); });
+    addButton("All", "square.grid.2x2", hex("#2563EB"), choose(allPictures));
+    addButton("Unreadable", "exclamationmark.triangle", hex("#B91C1C"), choose("Unreadable"));
     touchBar_->reloadDisplayedItems();
     window_->setTouchBar(touchBar_->touchBar());
 }

@@ -71,9 +71,7 @@ bool checkWritten(const Options& options, const std::vector<ListedFile>& files,
 
 bool writeScreenshot(const Options& options, const std::vector<ListedFile>& files,
                      const WorkResult& result) {
-    const auto path = std::filesystem::absolute(options.paths.front()).lexically_normal();
-    const std::string name = (path.has_filename() ? path : path.parent_path()).filename();
-    const PictureWindow shown(forDisplay(name), files, result.facts);
+    const PictureWindow shown(options.paths.front(), files, result.facts);
     if (shown.writeScreenshot(*options.screenshot))
         return true;
     complain(forDisplay(*options.screenshot) + ": the screenshot cannot be written");

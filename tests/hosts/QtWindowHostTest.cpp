@@ -6,14 +6,19 @@
 #include <zorvan/interface/TintedButton.h>
 #include <zorvan/media/NSColor.h>
 #include <zorvan/observation/DispatchQueue.h>
+#include <zorvan/platform/appkit/NSScrollView.h>
 
 #include <QApplication>
+#include <QClipboard>
 #include <QMenu>
 #include <QTest>
+#include <QTimer>
+#include <QWheelEvent>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -64,6 +69,13 @@ protected:
     void click(NSView& view) {
         QTest::mouseClick(&host->widget(), Qt::LeftButton, {}, middleOf(view));
         settle();
+    }
+
+    void clickAndCatch(NSView& view) {
+        try {
+            click(view);
+        } catch (const std::exception&) { // which would come through Qt
+        }
     }
 
     QSize sizeOfWidget() const { return host->widget().size(); }
@@ -129,6 +141,14 @@ TEST_F(QtWindowHostTest, ShowsWhatTheWindowDrawsBelowItsTitleBar) {
     settle();
     expectShown("after a change");
     EXPECT_EQ(host->widget().windowTitle(), "Other");
+    host->widget().hide();
+    for (const char* title : {"Unseen", "Unseen too"}) {
+        window->setTitle(title);
+        settle();
+        EXPECT_EQ(host->widget().windowTitle().toStdString(), title);
+    }
+    host->widget().show();
+    settle();
     const QImage before = shown();
     QTest::mouseMove(&host->widget(), middleOf(*button));
     settle();
@@ -152,6 +172,16 @@ TEST_F(QtWindowHostTest, SizesFollowEachOther) {
     EXPECT_EQ(sizeOfWidget().width(), 260);
     EXPECT_GT(sizeOfWidget().height(), 180);
     expectShown("with a bar");
+    host->widget().showMaximized();
+    settle();
+    const QSize whole = sizeOfWidget();
+    window->setToolbar(nullptr);
+    settle();
+    EXPECT_EQ(sizeOfWidget(), whole) << "the desktop says how large";
+    EXPECT_EQ(window->contentSize().height, whole.height());
+    window->setToolbar(bar->toolbar());
+    host->widget().showNormal();
+    settle();
     host->widget().resize(260, 1);
     settle();
     EXPECT_EQ(window->contentSize().height, 1) << "not less than the bars and a point";
@@ -188,6 +218,27 @@ TEST_F(QtWindowHostTest, ClicksReachTheViewsAndAreCounted) {
     EXPECT_EQ(counter->seen, "1du") << "also outside";
 }
 
+TEST_F(QtWindowHostTest, TheWheelScrolls) {
+    const auto document = NSView::create({0, 0, 400, 300});
+    const auto scrollView = NSScrollView::create({0, 0, 200, 100});
+    scrollView->setDocumentView(document);
+    window->setContentView(scrollView);
+    const auto turn = [&](int x, int y) {
+        const QPointF place(20, 20);
+        QWheelEvent event(place, place, {}, {x, y}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&host->widget(), &event);
+        settle();
+        return scrollView->contentView()->bounds().origin;
+    };
+    const double three = QApplication::wheelScrollLines() * 20;
+    EXPECT_EQ(turn(0, 120), CGPoint(0, three)) << "up";
+    EXPECT_EQ(turn(-60, 0), CGPoint(three / 2, three)) << "to the right, half a step";
+    EXPECT_EQ(turn(0, 12000), CGPoint(three / 2, 140)) << "to the upper end";
+    EXPECT_EQ(turn(0, -12000), CGPoint(three / 2, 0)) << "to the lower end";
+    document->setFrame({0, 0, 100, 50});
+    EXPECT_EQ(turn(-120, 120), CGPoint(0, 0)) << "a document that is all to be seen";
+}
+
 TEST_F(QtWindowHostTest, TypingGoesIntoTheSearchFieldThatWasClicked) {
     const auto field = addSearchField();
     ASSERT_TRUE(field);
@@ -207,6 +258,23 @@ TEST_F(QtWindowHostTest, TypingGoesIntoTheSearchFieldThatWasClicked) {
     QTest::keyClick(&widget, Qt::Key_Backspace);
     EXPECT_EQ(field->stringValue(), "");
     EXPECT_EQ(searches, 5);
+    QGuiApplication::clipboard()->setText("two\nlines");
+    QTest::keySequence(&widget, QKeySequence::Paste);
+    QTest::keyClick(&widget, Qt::Key_X, Qt::AltModifier);
+    EXPECT_EQ(field->stringValue(), "two lines");
+    click(*button);
+    QTest::keyClicks(&widget, "lost");
+    expectShown("without a ring");
+    const QImage plain = shown();
+    QTest::keyClick(&widget, Qt::Key_Tab);
+    EXPECT_NE(shown(), plain) << "a ring";
+    QTest::keyClicks(&widget, "!");
+    EXPECT_EQ(field->stringValue(), "two lines!") << "reached by the keyboard";
+    field->setEnabled(false);
+    QTest::keyClick(&widget, Qt::Key_Tab);
+    window->setToolbar(nullptr);
+    QTest::keyClicks(&widget, "gone");
+    EXPECT_EQ(field->stringValue(), "two lines!") << "no longer in the window";
 }
 
 TEST_F(QtWindowHostTest, IsTheMainWindowWhileItIsActive) {
@@ -228,10 +296,14 @@ TEST_F(QtWindowHostTest, ClosesFromEitherSide) {
     host->widget().close();
     EXPECT_EQ(closed, 1);
     EXPECT_FALSE(window->isVisible());
-    const auto second = NSWindow::create({100, 100});
-    const auto secondHost = QtWindowHost::show(second);
-    second->close();
-    EXPECT_FALSE(secondHost->widget().isVisible());
+    window->makeMainWindow();
+    EXPECT_TRUE(host->widget().isVisible()) << "opened again";
+    QTimer::singleShot(0, [&] { window->close(); });
+    QTimer giveUp;
+    QObject::connect(&giveUp, &QTimer::timeout, [] { QCoreApplication::exit(1); });
+    giveUp.start(20000);
+    EXPECT_EQ(QCoreApplication::exec(), 0) << "the last window ends the event loop";
+    EXPECT_FALSE(host->widget().isVisible());
     EXPECT_EQ(closed, 2);
     NSNotificationCenter::defaultCenter()->removeObserver(observer);
 }
@@ -285,8 +357,25 @@ TEST_F(QtWindowHostTest, QtRunsTheMainQueue) {
 
 using QtWindowHostDeathTest = QtWindowHostTest;
 
-TEST_F(QtWindowHostDeathTest, AWindowHasOneHost) {
+TEST_F(QtWindowHostDeathTest, StopsTheProgram) {
     EXPECT_DEATH((void)QtWindowHost::show(window), "The window has a host already.");
+    EXPECT_DEATH((void)QtWindowHost::show(nullptr), "There is no window to show.");
+    const Selector failing("fail", [] { throw std::runtime_error("no way"); });
+    button->setAction(failing);
+    EXPECT_DEATH(clickAndCatch(*button), "no way");
+    const auto menu = NSMenu::create();
+    menu->addItem(NSMenuItem::create("Fail", failing));
+    menu->popUp();
+    auto* const shown = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_TRUE(shown);
+    const auto trigger = [&] {
+        try {
+            shown->actions()[0]->trigger();
+        } catch (const std::exception&) { // which would come through Qt
+        }
+    };
+    EXPECT_DEATH(trigger(), "no way");
+    shown->close();
 }
 
 } // namespace

@@ -26,8 +26,9 @@ void serveApplication() {
     if (notifier)
         return;
     notifier = new QSocketNotifier(MainQueue::fileDescriptor(), QSocketNotifier::Read, qApp);
-    QObject::connect(notifier, &QSocketNotifier::activated, qApp, [] { MainQueue::drain(); });
-    const auto follow = [](Qt::ApplicationState state) {
+    QObject::connect(notifier, &QSocketNotifier::activated, qApp,
+                     []() noexcept { MainQueue::drain(); });
+    const auto follow = [](Qt::ApplicationState state) noexcept {
         NSApplication::shared().setActive(state == Qt::ApplicationActive);
     };
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, qApp, follow);
@@ -37,6 +38,8 @@ void serveApplication() {
 } // namespace
 
 std::shared_ptr<QtWindowHost> QtWindowHost::show(std::shared_ptr<NSWindow> window) {
+    if (!window)
+        fatalError("There is no window to show.");
     if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
         fatalError("A window can be shown once there is a QApplication.");
     if (!hostedWindows().insert(window.get()).second)

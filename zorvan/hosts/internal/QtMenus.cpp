@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/QtMenus.h>
 
+#include <QApplication>
 #include <QCursor>
 #include <QMenu>
 
@@ -26,7 +27,7 @@ void fill(QMenu& shown, const std::shared_ptr<NSMenu>& menu, int depth) {
             QAction* const action = shown.addAction(textOf(item->title()));
             action->setEnabled(item->isEnabled() && item->action());
             QObject::connect(action, &QAction::triggered, &shown,
-                             [menu, i] { menu->performActionForItem(i); });
+                             [menu, i]() noexcept { menu->performActionForItem(i); });
         }
     }
 }
@@ -34,7 +35,8 @@ void fill(QMenu& shown, const std::shared_ptr<NSMenu>& menu, int depth) {
 } // namespace
 
 void openMenu(NSMenu& menu) {
-    auto* const shown = new QMenu;
+    // Wayland places a menu by the window that it belongs to.
+    auto* const shown = new QMenu(QApplication::activeWindow());
     shown->setAttribute(Qt::WA_DeleteOnClose);
     fill(*shown, menu.shared_from_this(), 0);
     shown->popup(QCursor::pos());
