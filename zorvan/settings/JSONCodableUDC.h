@@ -4,6 +4,7 @@
 #include <zorvan/settings/NSUserDefaults.h>
 
 #include <exception>
+#include <new>
 #include <optional>
 #include <string_view>
 
@@ -11,7 +12,7 @@ namespace zorvan {
 
 /// Stored as the bytes of a JSON text; `JSONCoding<T>` says how. Anything else that is stored reads
 /// as absent. A value that has no JSON form, such as a number that is not finite, removes the key.
-/// Whatever `std::exception` a coding throws counts as that.
+/// Whatever `std::exception` a coding throws counts as that, but for a lack of memory.
 template <JSONCodable T>
 class JSONCodableUDC {
 public:
@@ -23,6 +24,8 @@ public:
             return std::nullopt;
         try {
             return JSONCoding<T>::decode(JSON::parse(*text));
+        } catch (const std::bad_alloc&) {
+            throw;
         } catch (const std::exception&) { // a coding of the application may throw what it likes
             return std::nullopt;
         }
@@ -34,6 +37,8 @@ public:
                 value ? std::optional<PropertyList>(JSON(JSONCoding<T>::encode(*value)).text())
                       : std::nullopt,
                 key);
+        } catch (const std::bad_alloc&) {
+            throw;
         } catch (const std::exception&) {
             to.removeObjectForKey(key);
         }
