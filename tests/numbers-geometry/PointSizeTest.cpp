@@ -60,7 +60,7 @@ TEST(CGSize, knowsItsShapeAndReplacesUnderBothNames) {
 
 TEST(CGSize, fitsAndFills) {
     EXPECT_EQ(CGSize(400, 200).clamping(100), CGSize(100, 50));
-    EXPECT_EQ(CGSize(-400, 200).clamping(100), CGSize(100, 50));
+    EXPECT_EQ(CGSize(-400, 50).clamping(100), CGSize(100, 12.5));
     EXPECT_EQ(CGSize(-50, 20).clamping(100), CGSize(-50, 20));
     EXPECT_EQ(CGSize(400, 200).clamping({100, 100}), CGSize(100, 50));
     EXPECT_EQ(CGSize(200, 400).clamping({300, 100}), CGSize(50, 100));

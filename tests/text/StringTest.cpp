@@ -21,7 +21,7 @@ TEST(String, TellsBlankFromEmptyAndShapes) {
     EXPECT_FALSE(isValidMessage(""));
     EXPECT_TRUE(isValidMessage(" "));
     EXPECT_EQ(count("e\u0301\r\n👨‍👩‍👧"), 3);
-    EXPECT_EQ(minPadding("ab", 4), "ab  ");
+    EXPECT_EQ(minPadding("abc", 4), "abc ");
     EXPECT_EQ(minPadding("abcdef", 4), "abcdef");
     EXPECT_EQ(minPadding("😀", 4), "😀  "); // two UTF-16 units
     EXPECT_EQ(minPadding("ab", -1), "ab");
