@@ -1,14 +1,7 @@
+#include <tests/Testing.h>
+
 #include <zorvan/collections/Array.h>
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <memory>
-#include <numeric>
-#include <random>
-#include <set>
-
-using namespace zorvan;
 using Letters = std::vector<char>;
 
 TEST(Array, movesBlocks) {

@@ -1,12 +1,7 @@
+#include <tests/Testing.h>
+
 #include <zorvan/collections/IndexSet.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <set>
-
-using namespace zorvan;
 using Range = IndexSet::Range;
 
 namespace {

@@ -1,14 +1,7 @@
+#include <tests/Testing.h>
+
 #include <zorvan/collections/ManagedList.h>
 
-#include <gtest/gtest.h>
-
-#include <map>
-#include <random>
-#include <set>
-#include <stdexcept>
-#include <string>
-
-using namespace zorvan;
 using Letters = ManagedList<char>;
 using Action = ManagedListEdition::Action;
 

@@ -1,10 +1,8 @@
 #include "RandomEditions.h"
+#include <tests/Testing.h>
 
 #include <zorvan/collections/NSCollectionView.h>
 
-#include <gtest/gtest.h>
-
-using namespace zorvan;
 using Calls = std::vector<ViewCall>;
 using Edition = SelectableArrayEdition;
 

@@ -1,14 +1,10 @@
 #include "RandomEditions.h"
+#include <tests/Testing.h>
 
 #include <zorvan/collections/ManagedList.h>
 #include <zorvan/collections/NSTableView.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-using namespace zorvan;
 using Calls = std::vector<ViewCall>;
 using Options = NSTableView::AnimationOptions;
 
@@ -239,11 +235,10 @@ TEST(NSTableView, drawsWhatIsScrolledIntoSightAndNothingElse) {
     const auto bitmap = window->render(2);
     ASSERT_TRUE(bitmap);
     ASSERT_EQ(bitmap->width(), 480);
-    const auto darkest = [&bitmap](std::int64_t left, std::int64_t top, std::int64_t right,
-                                   std::int64_t bottom) {
+    const auto darkest = [&](int left, int top, int right, int bottom) {
         int least = 255;
-        for (std::int64_t y = top; y < bottom; ++y)
-            for (std::int64_t x = left; x < right; ++x)
+        for (int y = top; y < bottom; ++y)
+            for (int x = left; x < right; ++x)
                 least = std::min<int>(least, bitmap->row(y)[x * 4]);
         return least;
     };
@@ -252,8 +247,7 @@ TEST(NSTableView, drawsWhatIsScrolledIntoSightAndNothingElse) {
     EXPECT_LT(darkest(40, 40, 240, 80), 120);  // the text of the first row, in the first column
     EXPECT_LT(darkest(240, 40, 440, 80), 120); // and in the second
     // Around the scroll view all is white, though the table is taller than it.
-    EXPECT_EQ(darkest(0, 0, 480, 40), 255);
-    EXPECT_EQ(darkest(0, 240, 480, 280), 255);
-    EXPECT_EQ(darkest(0, 0, 40, 280), 255);
-    EXPECT_EQ(darkest(440, 0, 480, 280), 255);
+    for (const auto& [left, top, right, bottom] :
+         {std::tuple(0, 0, 480, 40), {0, 240, 480, 280}, {0, 0, 40, 280}, {440, 0, 480, 280}})
+        EXPECT_EQ(darkest(left, top, right, bottom), 255) << left << ", " << top;
 }

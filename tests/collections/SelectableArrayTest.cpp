@@ -1,10 +1,7 @@
+#include <tests/Testing.h>
+
 #include <zorvan/collections/SelectableArray.h>
 
-#include <gtest/gtest.h>
-
-#include <random>
-
-using namespace zorvan;
 using Edition = SelectableArrayEdition;
 using List = SelectableArray<char>;
 
@@ -86,16 +83,13 @@ TEST(SelectableArray, staysQuietWhenEmpty) {
     EXPECT_TRUE(list.isSelectionFull());
     EXPECT_FALSE(list.canSelectAll());
     EXPECT_FALSE(list.canSelectPrevious());
-}
-
-TEST(SelectableArray, leavesTheChangeToTheHandler) {
-    const auto list = List::create();
+    // The change is left to the handler.
     List::Action kept;
-    list->setEditionHandler([&kept](const List::Action& action) { kept = action; });
-    list->append({'a'});
-    EXPECT_TRUE(list->elements().empty());
+    list.setEditionHandler([&kept](const List::Action& action) { kept = action; });
+    list.append({'a'});
+    EXPECT_TRUE(list.elements().empty());
     EXPECT_EQ(kept(), Edition(Edition::Insert{1, 0}));
-    EXPECT_EQ(list->count(), 1);
+    EXPECT_EQ(list.count(), 1);
 }
 
 TEST(SelectableArrayDeathTest, refusesPositionsOutsideTheList) {

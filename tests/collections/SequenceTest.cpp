@@ -1,18 +1,12 @@
+#include <tests/Testing.h>
+
 #include <zorvan/collections/Dictionary.h>
 #include <zorvan/collections/FinderOrder.h>
 #include <zorvan/collections/Parallel.h>
 #include <zorvan/collections/Sequence.h>
 
-#include <gtest/gtest.h>
-
-#include <atomic>
 #include <list>
-#include <map>
-#include <numeric>
-#include <stdexcept>
-#include <string>
 
-using namespace zorvan;
 using Words = std::map<std::string, int>;
 
 namespace {
@@ -32,9 +26,7 @@ TEST(Sequence, mapsAndDropsWhatIsAbsent) {
     EXPECT_EQ(nonEmptyOrNil(std::string("a")), "a");
     EXPECT_THROW(mapToSet(list, [](int) -> int { throw std::runtime_error("no"); }),
                  std::runtime_error);
-}
-
-TEST(Sequence, stopsAtTheFirstPresentResult) {
+    // It stops at the first that is present.
     int calls = 0;
     const auto result = compactFirst(std::vector{1, 4, 6}, [&calls](int i) {
         ++calls;
@@ -91,10 +83,7 @@ TEST(Parallel, keepsOrderAndCallsEachOnce) {
     EXPECT_EQ(parallelMap(std::vector{1, 2, 3}, [](int i) { return i > 1; }),
               (std::vector<bool>{false, true, true}));
     EXPECT_TRUE(parallelMap(std::vector<int>(), [](int i) { return i; }).empty());
-}
 
-TEST(Parallel, passesErrorsOn) {
-    const std::vector<int> list(1000, 1);
     EXPECT_THROW(
         parallelMap(list, [](int) -> std::string { throw std::runtime_error("no value"); }),
         std::runtime_error);

@@ -1,17 +1,10 @@
+#include <tests/Testing.h>
+
 #include <zorvan/colour/LAB.h>
 #include <zorvan/colour/RGB.h>
 #include <zorvan/colour/XYZ.h>
 #include <zorvan/colour/YUV.h>
 #include <zorvan/colour/convertToLAB.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <random>
-#include <vector>
-
-using namespace zorvan;
 
 namespace {
 

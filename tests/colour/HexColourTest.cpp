@@ -1,16 +1,9 @@
+#include <tests/Testing.h>
+
 #include <zorvan/colour/CMYKA.h>
 #include <zorvan/colour/HSBA.h>
 #include <zorvan/colour/HSLA.h>
 #include <zorvan/colour/RGBA.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstddef>
-#include <cstdio>
-#include <random>
-
-using namespace zorvan;
 
 namespace {
 

@@ -1,16 +1,9 @@
+#include <tests/Testing.h>
+
 #include <zorvan/colour/HexNSColorTransformer.h>
 #include <zorvan/colour/NSColor.h>
 #include <zorvan/colour/NSGradient.h>
 #include <zorvan/colour/RGB.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <set>
-#include <thread>
-#include <vector>
-
-using namespace zorvan;
 
 TEST(NSColor, readsAndWritesHexText) {
     EXPECT_EQ(NSColor::make({.hexString = "#F00"}), NSColor::red);

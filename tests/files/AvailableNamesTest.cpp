@@ -1,14 +1,8 @@
 #include "ChildProcess.h"
 #include "TemporaryFolder.h"
+#include <tests/Testing.h>
 
 #include <zorvan/files/NSFileManager.h>
-
-#include <algorithm>
-#include <set>
-#include <sys/stat.h>
-
-using namespace zorvan;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -20,29 +14,22 @@ std::string text(const URL& url) { return ::text(url.path()); }
 
 TEST(AvailableNames, numbersTakenNamesFromZero) {
     TemporaryFolder folder;
-    struct {
-        const char *wanted, *available;
-    } table[] = {
+    folder.folder("Photos");
+    folder.link("gone.txt", "nowhere");
+    const std::pair<const char*, const char*> table[] = {
         {"a.txt", "a.txt"},       {"a.txt", "a (0).txt"},
         {"a.txt", "a (1).txt"},   {"a (0).txt", "a (0) (0).txt"},
         {".git", ".git"},         {".git", ".git (0)"},
         {"b.tar.gz", "b.tar.gz"}, {"b.tar.gz", "b.tar (0).gz"},
         {"noext", "noext"},       {"noext", "noext (0)"},
+        {"Photos", "Photos (0)"}, {"gone.txt", "gone (0).txt"},
     };
-    for (const auto& row : table) {
-        const URL url = manager().availableItemURL(row.wanted, folder.url());
-        EXPECT_EQ(folder.relative(url), row.available);
-        EXPECT_EQ(manager().availableItemURL(folder.url(row.wanted)), url);
+    for (const auto& [wanted, available] : table) {
+        const URL url = manager().availableItemURL(wanted, folder.url());
+        EXPECT_EQ(folder.relative(url), available);
+        EXPECT_EQ(manager().availableItemURL(folder.url(wanted)), url);
         folder.file(folder.relative(url));
     }
-}
-
-TEST(AvailableNames, numbersFoldersAndDanglingLinks) {
-    TemporaryFolder folder;
-    folder.folder("Photos");
-    folder.link("gone.txt", "nowhere");
-    EXPECT_EQ(manager().availableItemURL(folder.url("Photos")), folder.url("Photos (0)"));
-    EXPECT_EQ(manager().availableItemURL(folder.url("gone.txt")), folder.url("gone (0).txt"));
     EXPECT_EQ(manager().availableItemURL(URL::root()).path(), "/ (0)");
 }
 
@@ -85,7 +72,7 @@ TEST(AvailableNames, moveBetweenVolumes) {
     EXPECT_EQ(text(folder.url("item (0)/inner")), "moved");
     EXPECT_EQ(text(folder.url("item")), "kept");
     EXPECT_TRUE(fs::is_empty(far.path()));
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 2);
+    EXPECT_EQ(folder.count(), 2);
 }
 
 // Each process puts its mark in what it created; a mark that is missing was overwritten.

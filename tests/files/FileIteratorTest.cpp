@@ -1,17 +1,9 @@
 #include "TemporaryFolder.h"
+#include <tests/Testing.h>
 
 #include <zorvan/files/FileIterator.h>
 
-#include <gmock/gmock.h>
-
 #include <ranges>
-#include <sys/stat.h>
-#include <unistd.h>
-
-using namespace zorvan;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 
 static_assert(std::ranges::input_range<FileIterator>);
 
@@ -20,26 +12,18 @@ namespace {
 class FileIteratorTest : public testing::Test {
 protected:
     std::vector<std::string> all(FileIterator& iterator) const {
-        std::vector<std::string> names;
-        for (const URL& url : iterator)
-            names.push_back(folder.relative(url));
-        return names;
+        std::vector<URL> urls;
+        std::ranges::copy(iterator, std::back_inserter(urls));
+        return folder.relative(urls);
     }
     std::shared_ptr<FileIterator> overFolder() const {
         return FileIterator::create({folder.url()});
     }
 
-    TemporaryFolder folder;
+    TemporaryFolder folder{TemporaryFolder::fastParent()};
 };
 
 } // namespace
-
-TEST_F(FileIteratorTest, visitsNothingWithoutRoots) {
-    const auto iterator = FileIterator::create({});
-    EXPECT_FALSE(iterator->next());
-    EXPECT_FALSE(iterator->next());
-    EXPECT_EQ(iterator->index(), -1);
-}
 
 TEST_F(FileIteratorTest, opensWhatItsOptionsSay) {
     folder.file("a.txt");
@@ -87,17 +71,14 @@ TEST_F(FileIteratorTest, startsAgainAfterTheEnd) {
     EXPECT_FALSE(iterator->next());
     EXPECT_EQ(iterator->index(), -1);
     EXPECT_FALSE(iterator->enumerator());
-    EXPECT_EQ(iterator->next(), folder.url("a.txt"));
-}
-
-TEST_F(FileIteratorTest, sharesItsStateBetweenLoops) {
-    for (const char* name : {"a", "b", "c"})
-        folder.file(name);
-    const auto iterator = FileIterator::create({folder.url("a"), folder.url("b"), folder.url("c")});
-    EXPECT_EQ(*iterator->begin(), folder.url("a"));
-    EXPECT_EQ(*iterator->begin(), folder.url("b"));
-    EXPECT_EQ(iterator->next(), folder.url("c"));
+    // Loops share the state of the calls.
+    EXPECT_EQ(*iterator->begin(), folder.url("a.txt"));
+    EXPECT_EQ(*iterator->begin(), folder.url("b/c.txt"));
     EXPECT_TRUE(iterator->begin() == iterator->end());
+    EXPECT_EQ(iterator->next(), folder.url("a.txt"));
+    const auto none = FileIterator::create({});
+    EXPECT_FALSE(none->next());
+    EXPECT_EQ(none->index(), -1);
 }
 
 TEST_F(FileIteratorTest, filtersByExtension) {
@@ -127,17 +108,12 @@ TEST_F(FileIteratorTest, treatsItsFiltersAsAlternatives) {
     EXPECT_THAT(all(*iterator), ElementsAre("a.txt"));
     iterator->setAllowedFiles(FileIterator::Extensions());
     EXPECT_EQ(all(*iterator).size(), 6u);
-}
-
-TEST_F(FileIteratorTest, filtersTakeEffectForTheNextFile) {
-    folder.file("1.txt");
-    folder.file("2.txt");
-    folder.file("3.png");
-    const auto iterator =
-        FileIterator::create({folder.url("1.txt"), folder.url("2.txt"), folder.url("3.png")});
-    EXPECT_EQ(iterator->next(), folder.url("1.txt"));
-    iterator->setAllowedTypes({{UTIType::png()}});
-    EXPECT_EQ(iterator->next(), folder.url("3.png"));
+    // They take effect for the next file.
+    const auto begun =
+        FileIterator::create({folder.url("a.txt"), folder.url("e"), folder.url("b.png")});
+    EXPECT_EQ(begun->next(), folder.url("a.txt"));
+    begun->setAllowedTypes({{UTIType::png()}});
+    EXPECT_EQ(begun->next(), folder.url("b.png"));
 }
 
 TEST_F(FileIteratorTest, followsLinksToFilesUnlessToldNotTo) {
@@ -163,30 +139,21 @@ TEST_F(FileIteratorTest, followsLinksToFilesUnlessToldNotTo) {
     EXPECT_THAT(all(*roots), ElementsAre("real/a.txt"));
 }
 
-TEST_F(FileIteratorTest, givesWhatIsNoRegularFileEither) {
-    ASSERT_EQ(mkfifo(folder.url("pipe.txt").path().c_str(), 0600), 0);
-    EXPECT_THAT(all(*overFolder()), ElementsAre("pipe.txt"));
-    EXPECT_THAT(all(*FileIterator::create({folder.url("pipe.txt")})), ElementsAre("pipe.txt"));
-}
-
-TEST_F(FileIteratorTest, keepsNamesAsBytes) {
+TEST_F(FileIteratorTest, givesPipesAndNamesOfAnyBytes) {
     const std::string name = "caf\xE9 \n\x01%41.jpg";
-    folder.file(name);
+    ASSERT_EQ(mkfifo(folder.url(name).path().c_str(), 0600), 0);
     const auto iterator = overFolder();
     iterator->setAllowedTypes({{UTIType::jpeg()}});
     EXPECT_THAT(all(*iterator), ElementsAre(name));
+    EXPECT_THAT(all(*FileIterator::create({folder.url(name)})), ElementsAre(name));
 }
 
-TEST(FileIterator, manyExtensionsDoNotConfuseTheTypeFilter) {
-    TemporaryFolder folder(TemporaryFolder::fastParent());
+TEST_F(FileIteratorTest, manyExtensionsDoNotConfuseTheTypeFilter) {
     for (int i = 0; i < 5000; ++i)
         folder.file("f.x" + std::to_string(i));
     folder.file("f.png");
     folder.file("g.PNG");
-    const auto iterator = FileIterator::create({folder.url()});
+    const auto iterator = overFolder();
     iterator->setAllowedTypes({{UTIType::png()}});
-    std::vector<std::string> names;
-    for (const URL& url : *iterator)
-        names.push_back(folder.relative(url));
-    EXPECT_THAT(names, UnorderedElementsAre("f.png", "g.PNG"));
+    EXPECT_THAT(all(*iterator), UnorderedElementsAre("f.png", "g.PNG"));
 }

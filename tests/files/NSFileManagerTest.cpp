@@ -1,21 +1,15 @@
 #include "ChildProcess.h"
 #include "TemporaryFolder.h"
+#include <tests/Testing.h>
+#include <tests/Variable.h>
+#include <tests/outputOf.h>
 
 #include <zorvan/files/NSFileManager.h>
 #include <zorvan/platform/foundation/NSUserName.h>
 
-#include <gmock/gmock.h>
-
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <fcntl.h>
-#include <sys/stat.h>
-
-using namespace zorvan;
-
 namespace {
 const NSFileManager& manager() { return *NSFileManager::defaultManager(); }
+std::string parent(const URL& url) { return url.deletingLastPathComponent().path(); }
 } // namespace
 
 TEST(NSFileManager, tellsWhatExists) {
@@ -23,42 +17,17 @@ TEST(NSFileManager, tellsWhatExists) {
     folder.file("file");
     folder.link("to-folder", ".");
     folder.link("to-nothing", "nowhere");
-    struct {
-        const char* name;
-        bool exist, isDir;
-    } table[] = {{"", true, true},
-                 {"file", true, false},
-                 {"to-folder", true, true},
-                 {"to-nothing", false, false},
-                 {"file/inside", false, false}};
-    for (const auto& row : table) {
-        const auto [exist, isDir] = manager().contentExists(folder.url(row.name));
-        EXPECT_EQ(exist, row.exist) << row.name;
-        EXPECT_EQ(isDir, row.isDir) << row.name;
+    for (const auto& [name, exist, isDir] : {std::tuple("", true, true),
+                                             {"file", true, false},
+                                             {"to-folder", true, true},
+                                             {"to-nothing", false, false},
+                                             {"file/inside", false, false}}) {
+        const auto found = manager().contentExists(folder.url(name));
+        EXPECT_EQ(found.exist, exist) << name;
+        EXPECT_EQ(found.isDir, isDir) << name;
     }
     EXPECT_FALSE(manager().contentExists(*URL::make({.string = "http://a/"})).exist);
 }
-
-namespace {
-
-/// An environment variable, while the object lives; null takes it away.
-class Variable {
-public:
-    Variable(const char* name, const char* value) : name_(name) {
-        if (const char* before = std::getenv(name))
-            before_ = before;
-        value ? setenv(name, value, 1) : unsetenv(name);
-    }
-    ~Variable() { before_ ? setenv(name_, before_->c_str(), 1) : unsetenv(name_); }
-
-private:
-    const char* name_;
-    std::optional<std::string> before_;
-};
-
-std::string parent(const URL& url) { return url.deletingLastPathComponent().path(); }
-
-} // namespace
 
 TEST(NSFileManager, namesTemporaryFiles) {
     const URL model({.fileURLWithPath = "/a.b/c.tiff"});
@@ -86,10 +55,9 @@ TEST(NSFileManager, makesAFolderForTheTemporaryFilesOfABundle) {
     EXPECT_EQ(parent(url), folder.url("deep/tmp/org.example.a").path());
     EXPECT_EQ(url.pathExtension(), "jpg");
     EXPECT_EQ(manager().temporaryURL({.for_ = url, .bundle = named}).pathExtension(), "jpg");
-    EXPECT_EQ(std::filesystem::status(parent(url)).permissions(),
-              std::filesystem::perms::owner_all);
+    EXPECT_EQ(fs::status(parent(url)).permissions(), fs::perms::owner_all);
     const std::string a = parent(manager().temporaryURL({.pathExt = "", .bundle = plain}));
-    EXPECT_TRUE(std::filesystem::is_directory(a));
+    EXPECT_TRUE(fs::is_directory(a));
     EXPECT_NE(a, parent(manager().temporaryURL({.pathExt = "", .bundle = plain})));
 }
 
@@ -108,11 +76,11 @@ TEST(NSFileManager, knowsTheFoldersOfTheProgram) {
     }
     const Variable data("XDG_DATA_HOME", folder.url("data").path().c_str());
     EXPECT_EQ(manager().bundleSupportDirectoryURL(), folder.url("data/Files Test"));
-    EXPECT_FALSE(std::filesystem::exists(folder.path() / "data"));
+    EXPECT_FALSE(fs::exists(folder.path() / "data"));
     EXPECT_EQ(manager().createBundleSupportDirectory(), folder.url("data/Files Test"));
     EXPECT_EQ(manager().createBundleSupportDirectoryWithComponent("a/b"),
               folder.url("data/Files Test/a/b"));
-    EXPECT_TRUE(std::filesystem::is_directory(folder.path() / "data/Files Test/a/b"));
+    EXPECT_TRUE(fs::is_directory(folder.path() / "data/Files Test/a/b"));
     folder.file("data/Files Test/file");
     EXPECT_FALSE(manager().createBundleSupportDirectoryWithComponent("file"));
 }
@@ -126,7 +94,7 @@ TEST(NSFileManager, hasNoFoldersForAProgramWithoutABundleName) {
         return;
     }
     TemporaryFolder folder;
-    std::filesystem::copy_file("/proc/self/exe", folder.path() / "other");
+    fs::copy_file("/proc/self/exe", folder.path() / "other");
     const pid_t child = startChild([&] {
         setenv("ZORVAN_TEST_WITHOUT_BUNDLE", "1", 1);
         execl(folder.url("other").path().c_str(), "other",
@@ -144,10 +112,10 @@ TEST(NSFileManager, createsDirectories) {
     EXPECT_EQ(manager().createDirectory(folder.url("a"), "c/d"), folder.url("a/c/d"));
     EXPECT_EQ(manager().createDirectory(folder.url("e"), ""), folder.url("e"));
     for (const char* name : {"a/b", "a/c/d", "e"})
-        EXPECT_TRUE(std::filesystem::is_directory(folder.path() / name)) << name;
+        EXPECT_TRUE(fs::is_directory(folder.path() / name)) << name;
     for (const URL& url :
          {folder.url("file"), folder.url("file/x"), *URL::make({.string = "http://a/b"})})
-        EXPECT_THROW(manager().createDirectory(url), std::filesystem::filesystem_error);
+        EXPECT_THROW(manager().createDirectory(url), fs::filesystem_error);
 }
 
 TEST(NSFileManager, readsAttributes) {
@@ -157,7 +125,7 @@ TEST(NSFileManager, readsAttributes) {
         folder.file("file", std::string(static_cast<std::size_t>(size), 'x'));
         EXPECT_EQ(manager().sizeInMoOfItem(folder.url("file")), units) << size;
     }
-    std::filesystem::resize_file(folder.path() / "file", std::uintmax_t{5} << 30);
+    fs::resize_file(folder.path() / "file", std::uintmax_t{5} << 30);
     EXPECT_EQ(manager().sizeInMoOfItem(folder.url("file")), 5 << 20);
 
     const std::string path = folder.url("file").path();
@@ -177,11 +145,7 @@ TEST(NSFileManager, readsAttributes) {
     EXPECT_GT(*manager().modifyDateForFile(folder.url("file")), Date(hours(24 * 365 * 290)));
 
     // The word of another program on the date of creation, 0 for none.
-    const std::string command = "stat -c %W " + path;
-    FILE* pipe = popen(command.c_str(), "r");
-    long long created = 0;
-    ASSERT_EQ(std::fscanf(pipe, "%lld", &created), 1);
-    pclose(pipe);
+    const long long created = std::stoll(outputOf("stat -c %W " + path));
     const auto date = manager().createDateForFile(folder.url("file"));
     EXPECT_EQ(date ? floor<seconds>(date->time_since_epoch()).count() : 0, created);
 
@@ -207,21 +171,15 @@ TEST(NSFileManager, searchesFilesInTheOrderOfTheList) {
     folder.link("broken", "nowhere");
     const std::vector<URL> roots{folder.url("to-folder"), folder.url("broken"),
                                  folder.url("to-file"), folder.url("b.2020")};
-    const auto names = [&](const std::vector<URL>& urls) {
-        std::vector<std::string> result;
-        for (const URL& url : urls)
-            result.push_back(folder.relative(url));
-        return result;
-    };
-    EXPECT_THAT(names(manager().searchFiles(roots)),
-                testing::ElementsAre("p.app/inner", "a.txt", "b.2020/sub"));
-    EXPECT_THAT(names(manager().searchFiles(roots, {.recursive = true})),
-                testing::ElementsAre("p.app/inner", "a.txt", "b.2020/sub", "b.2020/sub/x"));
-    const auto all =
-        manager().enumerator(folder.url("b.2020"), NSDirectoryEnumerationOptions::none);
+    EXPECT_THAT(folder.relative(manager().searchFiles(roots)),
+                ElementsAre("p.app/inner", "a.txt", "b.2020/sub"));
+    EXPECT_THAT(folder.relative(manager().searchFiles(roots, {.recursive = true})),
+                ElementsAre("p.app/inner", "a.txt", "b.2020/sub", "b.2020/sub/x"));
+    constexpr auto everything = NSDirectoryEnumerationOptions::none;
+    const auto hidden = manager().enumerator(folder.url("b.2020"), everything);
     std::size_t count = 0;
-    while (all->nextObject())
+    while (hidden->nextObject())
         ++count;
     EXPECT_EQ(count, 3u);
-    EXPECT_FALSE(manager().enumerator(folder.url("a.txt"), NSDirectoryEnumerationOptions::none));
+    EXPECT_FALSE(manager().enumerator(folder.url("a.txt"), everything));
 }

@@ -1,15 +1,7 @@
 #include "TemporaryFolder.h"
+#include <tests/Testing.h>
 
 #include <zorvan/files/NSFileWrapper.h>
-
-#include <gmock/gmock.h>
-
-#include <cstring>
-#include <sys/stat.h>
-
-using namespace zorvan;
-using testing::ElementsAre;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -88,13 +80,13 @@ TEST(NSFileWrapper, writesWhatWasReadAndChanged) {
         EXPECT_EQ(fs::status(folder.path() / place / "run").permissions(), fs::perms(0755));
         EXPECT_EQ(fs::read_symlink(folder.path() / place / "sub/link"), "../old");
     }
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 3);
+    EXPECT_EQ(folder.count(), 3);
 
     // A file that is gone makes writing fail, and leaves what is there.
     fs::remove(folder.path() / "doc/run");
     EXPECT_THROW(wrapper->write(folder.url("new")), fs::filesystem_error);
     EXPECT_TRUE(fs::exists(folder.path() / "new/run"));
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 3);
+    EXPECT_EQ(folder.count(), 3);
 }
 
 TEST(NSFileWrapperDeathTest, stopsAtBrokenContracts) {

@@ -1,8 +1,6 @@
+#include <tests/Testing.h>
+
 #include <zorvan/files/NSPasteboard.h>
-
-#include <gmock/gmock.h>
-
-using namespace zorvan;
 
 TEST(NSPasteboard, givesTheFilesAmongItsObjects) {
     const URL file({.fileURLWithPath = "/a b"}), other({.fileURLWithPath = "/c"});

@@ -2,28 +2,19 @@
 
 #include "TemporaryFolder.h"
 #include "TracedProcess.h"
+#include <tests/Testing.h>
+#include <tests/Variable.h>
 
 #include <zorvan/files/NSFileManager.h>
 #include <zorvan/files/URL.h>
 #include <zorvan/files/internal/PlaceItem.h>
 
-#include <gmock/gmock.h>
-
-#include <atomic>
-#include <chrono>
-#include <fcntl.h>
-#include <map>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/xattr.h>
-#include <thread>
 
-using namespace zorvan;
-using testing::ElementsAre;
 using testing::Pair;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -67,20 +58,6 @@ int copyError(const URL& source, const URL& destination) {
     }
 }
 
-/// The folder for temporary files, while the object lives.
-class TemporaryDirectory {
-public:
-    explicit TemporaryDirectory(const fs::path& path) {
-        if (const char* value = std::getenv("TMPDIR"))
-            before_ = value;
-        setenv("TMPDIR", path.c_str(), 1);
-    }
-    ~TemporaryDirectory() { before_ ? setenv("TMPDIR", before_->c_str(), 1) : unsetenv("TMPDIR"); }
-
-private:
-    std::optional<std::string> before_;
-};
-
 } // namespace
 
 TEST(SafeCopy, replacesEveryKindByEveryKind) {
@@ -103,7 +80,7 @@ TEST(SafeCopy, replacesEveryKindByEveryKind) {
                 for (const char* name : {"source", "destination"})
                     fs::remove_all(folder.path() / name);
                 folder.folder("tmp");
-                const TemporaryDirectory place(temporary);
+                const Variable place("TMPDIR", temporary.c_str());
                 make(folder, "source", source);
                 make(folder, "destination", destination);
                 const auto wanted = contents(folder.path() / "source");
@@ -160,9 +137,9 @@ TEST(SafeCopy, keepsThePermissionsOfWhatItReplaces) {
     folder.file("old", "old");
     folder.file("new folder/x");
     folder.folder("old folder");
-    chmod(folder.url("new").path().c_str(), 06755);
-    chmod(folder.url("old").path().c_str(), 0604);
-    chmod(folder.url("old folder").path().c_str(), 0750);
+    folder.setMode("new", 06755);
+    folder.setMode("old", 0604);
+    folder.setMode("old folder", 0750);
     manager().overwritingCopy(folder.url("new"), folder.url("old"));
     EXPECT_EQ(mode(folder.path() / "old"), 0604u);
     manager().overwritingCopy(folder.url("new folder"), folder.url("old folder"));
@@ -175,16 +152,14 @@ TEST(SafeCopy, replacesFoldersThatMayNotBeWritten) {
     asOrdinaryUser([] {
         TemporaryFolder folder;
         folder.folder("tmp");
-        const TemporaryDirectory place(folder.path() / "tmp");
+        const Variable place("TMPDIR", folder.url("tmp").path().c_str());
         folder.file("a/sub/x");
         folder.file("b/sub/y");
         for (const char* name : {"a/sub", "a", "b/sub", "b"})
-            chmod(folder.url(name).path().c_str(), 0500);
+            folder.setMode(name, 0500);
         manager().overwritingCopy(folder.url("a"), folder.url("b"));
         EXPECT_EQ(contents(folder.path() / "a"), contents(folder.path() / "b"));
         EXPECT_EQ(contents(folder.path()).size(), 8u) << "something is left over";
-        for (const char* name : {"a/sub", "a", "b/sub", "b"})
-            chmod(folder.url(name).path().c_str(), 0700);
     });
 }
 
@@ -266,6 +241,7 @@ constexpr StoppedCopy stoppedCopies[] = {{"file", "old file", false},
 /// Strikes the copy at each of its system calls in turn. Whenever it ends, the destination must be
 /// what it was or what it becomes, and the latter when the copy said so.
 void strikeEverywhere(const StoppedCopy& row, TracedProcess::Fate fate) {
+    SCOPED_TRACE(std::string(row.source) + " over " + row.destination);
     const TemporaryFolder far;
     auto end = TracedProcess::End::wasStruck;
     for (std::size_t call = 0; end == TracedProcess::End::wasStruck; ++call) {
@@ -277,18 +253,18 @@ void strikeEverywhere(const StoppedCopy& row, TracedProcess::Fate fate) {
         folder.file("folder/sub/b", "new b");
         folder.file("old file", "old");
         folder.file("old folder/c", "old c");
-        const auto old = contents(folder.path());
         const auto source = contents(folder.path() / row.source);
-        const auto place = folder.path() / row.destination;
-        const auto before = contents(place);
-        const TemporaryDirectory temporary(row.isFar ? far.path() : folder.path() / "tmp");
+        const auto target = folder.path() / row.destination;
+        const auto before = contents(target);
+        const fs::path scratch = row.isFar ? far.path() : folder.path() / "tmp";
+        const Variable place("TMPDIR", scratch.c_str());
 
         TracedProcess process(call, fate);
         end = process.run([&] {
             manager().overwritingCopy(folder.url(row.source), folder.url(row.destination));
         });
         ASSERT_EQ(contents(folder.path() / row.source), source) << "at call " << call;
-        const auto after = contents(place);
+        const auto after = contents(target);
         ASSERT_TRUE(after == source || after == before) << "at call " << call;
         ASSERT_TRUE(after == source || process.exitStatus() != 0) << "at call " << call;
         ASSERT_TRUE(end == TracedProcess::End::wasStruck || process.exitStatus() == 0);
@@ -298,10 +274,8 @@ void strikeEverywhere(const StoppedCopy& row, TracedProcess::Fate fate) {
 } // namespace
 
 TEST(SafeCopy, leavesTheOldOrTheNewWhenKilledAtAnyStep) {
-    for (const StoppedCopy& row : stoppedCopies) {
-        SCOPED_TRACE(std::string(row.source) + " over " + row.destination);
+    for (const StoppedCopy& row : stoppedCopies)
         strikeEverywhere(row, TracedProcess::Fate::killed);
-    }
 }
 
 #if defined(__x86_64__)
@@ -309,10 +283,8 @@ TEST(SafeCopy, leavesTheOldOrTheNewWhenAnyCallFails) {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizer's own calls would fail too";
 #endif
-    for (const StoppedCopy& row : stoppedCopies) {
-        SCOPED_TRACE(std::string(row.source) + " over " + row.destination);
+    for (const StoppedCopy& row : stoppedCopies)
         strikeEverywhere(row, TracedProcess::Fate::fails);
-    }
 }
 #endif
 

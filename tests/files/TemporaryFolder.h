@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 /// All that a file holds.
 inline std::string text(const std::filesystem::path& path) {
@@ -60,10 +61,23 @@ public:
     void link(const std::string& name, const std::string& target) const {
         std::filesystem::create_symlink(target, path_ / name);
     }
+    void setMode(const std::string& name, unsigned mode) const {
+        std::filesystem::permissions(path_ / name, std::filesystem::perms(mode));
+    }
+    /// How many items stand right in it.
+    std::ptrdiff_t count() const {
+        return std::distance(std::filesystem::directory_iterator(path_), {});
+    }
 
     /// The path of a URL below this folder.
     std::string relative(const zorvan::URL& url) const {
         return url.path().substr(std::min(path_.string().size() + 1, url.path().size()));
+    }
+    std::vector<std::string> relative(const std::vector<zorvan::URL>& urls) const {
+        std::vector<std::string> paths;
+        for (const zorvan::URL& url : urls)
+            paths.push_back(relative(url));
+        return paths;
     }
 
 private:

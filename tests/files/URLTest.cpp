@@ -1,25 +1,20 @@
 #include "ChildProcess.h"
 #include "TemporaryFolder.h"
+#include <tests/Testing.h>
 
 #include <zorvan/files/URL.h>
 
-#include <gmock/gmock.h>
-
-#include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
-#include <thread>
-#include <unistd.h>
-
-using namespace zorvan;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Optional;
-using testing::UnorderedElementsAre;
 
 namespace {
 URL file(std::string path) { return URL({.fileURLWithPath = std::move(path)}); }
 const URL web = *URL::make({.string = "http://a.org/x.jpg"});
+
+/// What may be done: "r" for reading, "w" for writing, "d" for deleting.
+std::string rights(const URL& url) {
+    return std::string(isReadable(url) ? "r" : "") + (isWritable(url) ? "w" : "") +
+           (isDeletable(url) ? "d" : "");
+}
 } // namespace
 
 TEST(FileURL, takesPathsApart) {
@@ -34,18 +29,14 @@ TEST(FileURL, takesPathsApart) {
 }
 
 TEST(FileURL, knowsParents) {
-    struct {
-        const char *url, *other;
-        bool isParent, isFileParent;
-    } table[] = {
-        {"/a/b", "/a/b/c", true, true}, {"/a/b", "/a/b", true, true},
-        {"/a/b", "/a/bc", false, true}, {"/a/b", "/a", false, false},
-        {"/", "/a", true, true},        {"/a/b", "/a/c/b", false, false},
-    };
-    for (const auto& row : table) {
-        EXPECT_EQ(isParent(file(row.url), file(row.other)), row.isParent) << row.url << row.other;
-        EXPECT_EQ(isFileParent(file(row.url), file(row.other)), row.isFileParent)
-            << row.url << row.other;
+    for (const auto& [url, other, isAbove, isFileAbove] : {std::tuple("/a/b", "/a/b/c", true, true),
+                                                           {"/a/b", "/a/b", true, true},
+                                                           {"/a/b", "/a/bc", false, true},
+                                                           {"/a/b", "/a", false, false},
+                                                           {"/", "/a", true, true},
+                                                           {"/a/b", "/a/c/b", false, false}}) {
+        EXPECT_EQ(isParent(file(url), file(other)), isAbove) << url << other;
+        EXPECT_EQ(isFileParent(file(url), file(other)), isFileAbove) << url << other;
     }
 }
 
@@ -59,7 +50,7 @@ TEST(FileURL, knowsTypes) {
     EXPECT_FALSE(conforms(web, {.toOneOf = {}}));
 }
 
-TEST(FileURL, tellsLinksFromFiles) {
+TEST(FileURL, tellsLinksAndTheMainDisk) {
     TemporaryFolder folder;
     folder.file("file");
     folder.link("link", "file");
@@ -69,9 +60,6 @@ TEST(FileURL, tellsLinksFromFiles) {
     EXPECT_THAT(checkIsAlias(folder.url("broken")), Optional(true));
     EXPECT_FALSE(checkIsAlias(folder.url("missing")));
     EXPECT_FALSE(checkIsAlias(web));
-}
-
-TEST(FileURL, knowsTheMainDisk) {
     EXPECT_THAT(checkIsOnMainDisk(URL::root()), Optional(true));
     EXPECT_THAT(checkIsOnMainDisk(file("/proc/self")), Optional(false));
     EXPECT_FALSE(checkIsOnMainDisk(file("/no/such/file")));
@@ -82,32 +70,21 @@ TEST(FileURL, knowsWhatMayBeDone) {
     TemporaryFolder folder;
     folder.file("file");
     folder.link("broken", "nowhere");
-    for (const URL& url : {folder.url("file"), folder.url(), web}) {
-        EXPECT_TRUE(isReadable(url)) << url.path();
-        EXPECT_TRUE(isWritable(url)) << url.path();
-        EXPECT_TRUE(isDeletable(url)) << url.path();
-    }
-    for (const char* name : {"missing", "missing/x", "file/x"}) {
-        EXPECT_FALSE(isReadable(folder.url(name))) << name;
-        EXPECT_FALSE(isWritable(folder.url(name))) << name;
-        EXPECT_FALSE(isDeletable(folder.url(name))) << name;
-    }
+    for (const URL& url : {folder.url("file"), folder.url(), web})
+        EXPECT_EQ(rights(url), "rwd") << url.path();
+    for (const char* name : {"missing", "missing/x", "file/x"})
+        EXPECT_EQ(rights(folder.url(name)), "") << name;
     EXPECT_FALSE(isReadable(folder.url("broken")));
     EXPECT_TRUE(isDeletable(folder.url("broken")));
     EXPECT_FALSE(isDeletable(URL::root()));
-}
-
-TEST(FileURL, obeysPermissions) {
     asOrdinaryUser([] {
-        TemporaryFolder folder;
-        folder.file("kept/file");
-        chmod(folder.url("kept/file").path().c_str(), 0);
-        chmod(folder.url("kept").path().c_str(), 0500);
-        EXPECT_FALSE(isReadable(folder.url("kept/file")));
-        EXPECT_FALSE(isWritable(folder.url("kept/file")));
-        EXPECT_FALSE(isDeletable(folder.url("kept/file")));
-        chmod(folder.url("kept").path().c_str(), 0700);
-        EXPECT_TRUE(isDeletable(folder.url("kept/file")));
+        TemporaryFolder own;
+        own.file("kept/file");
+        own.setMode("kept/file", 0);
+        own.setMode("kept", 0500);
+        EXPECT_EQ(rights(own.url("kept/file")), "");
+        own.setMode("kept", 0700);
+        EXPECT_EQ(rights(own.url("kept/file")), "d");
     });
 }
 
@@ -118,7 +95,7 @@ TEST(FileURL, readsPermissionBitsOfTheUsersClass) {
         folder.link("link", "own");
         folder.link("broken", "nowhere");
         for (mode_t mode = 0; mode <= 0777; ++mode) {
-            chmod(folder.url("own").path().c_str(), mode);
+            folder.setMode("own", mode);
             const bool isBoth = (mode & 0400) && (mode & 0200);
             EXPECT_EQ(checkIsReadAndWrite(folder.url("own")), isBoth) << std::oct << mode;
             EXPECT_EQ(checkIsReadAndWrite(folder.url("link")), isBoth) << std::oct << mode;
@@ -139,15 +116,9 @@ TEST(FileURL, listsSubFilesOrItself) {
     folder.file("f/doc.rtfd/c.txt");
     folder.folder("photos.2020");
     folder.link("link", "f");
-    const auto names = [&](const std::vector<URL>& urls) {
-        std::vector<std::string> result;
-        for (const URL& url : urls)
-            result.push_back(folder.relative(url));
-        return result;
-    };
-    EXPECT_THAT(names(listSubFilesOrSelf(folder.url("f"))),
+    EXPECT_THAT(folder.relative(listSubFilesOrSelf(folder.url("f"))),
                 UnorderedElementsAre("f/a.txt", "f/sub", "f/doc.rtfd"));
-    EXPECT_THAT(names(listSubFilesOrSelf(folder.url("link"), {.recursively = true})),
+    EXPECT_THAT(folder.relative(listSubFilesOrSelf(folder.url("link"), {.recursively = true})),
                 UnorderedElementsAre("f/a.txt", "f/sub", "f/sub/b.txt", "f/doc.rtfd"));
     EXPECT_THAT(listSubFilesOrSelf(folder.url("photos.2020")),
                 ElementsAre(folder.url("photos.2020")));

@@ -1,17 +1,10 @@
+#include <tests/Testing.h>
+
 #include <zorvan/files/UTIType.h>
-
-#include <gmock/gmock.h>
-
-#include <unordered_set>
-
-using namespace zorvan;
 
 TEST(UTIType, constantsHaveTheirIdentifiers) {
     // The irregular ones, and those that are easily mistaken for a neighbour.
-    struct {
-        const UTIType& type;
-        const char* identifier;
-    } table[] = {
+    const std::pair<const UTIType&, const char*> table[] = {
         {UTIType::cppSource(), "public.c-plus-plus-source"},
         {UTIType::objCPPSource(), "public.objective-c-plus-plus-source"},
         {UTIType::cppHeader(), "public.c-plus-plus-header"},
@@ -27,24 +20,18 @@ TEST(UTIType, constantsHaveTheirIdentifiers) {
         {UTIType::content(), "public.content"},
         {UTIType::javaSource(), "com.sun.java-source"},
     };
-    for (const auto& row : table)
-        EXPECT_EQ(row.type.identifier(), row.identifier);
+    for (const auto& [type, identifier] : table)
+        EXPECT_EQ(type.identifier(), identifier);
 }
 
-TEST(UTIType, isEqualWhateverTheCase) {
+TEST(UTIType, isMadeOfIdentifiersExtensionsAndCodes) {
     const UTIType shouted({.identifier = "PUBLIC.JPEG"});
     EXPECT_EQ(shouted, UTIType::jpeg());
     EXPECT_EQ(shouted.identifier(), "PUBLIC.JPEG");
     EXPECT_NE(shouted, UTIType::png());
     EXPECT_TRUE((std::unordered_set<UTIType>{UTIType::jpeg()}.contains(shouted)));
-}
-
-TEST(UTIType, comesFromExtensions) {
     EXPECT_EQ(UTIType::make({.fileExtension = "TIF"}), UTIType::tiff());
     EXPECT_FALSE(UTIType::make({.fileExtension = "unheard-of"}));
-}
-
-TEST(UTIType, keepsFourCharacterCodes) {
     const UTIType type({.type = 0x4A504547u});
     EXPECT_EQ(type.identifier(), "JPEG");
     EXPECT_EQ(type.osType(), 0x4A504547u);

@@ -1,11 +1,9 @@
+#include <tests/Testing.h>
+
 #include <zorvan/interface/DynamicToolbar.h>
 #include <zorvan/interface/NSTrackingSeparatorToolbarItem.h>
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/media/NSImage.h>
-
-#include <gtest/gtest.h>
-
-using namespace zorvan;
 
 namespace {
 
@@ -29,6 +27,7 @@ protected:
         return item;
     }
     Calls takeCalls() { return std::exchange(calls, {}); }
+    Identifiers shown() const { return bar->toolbar()->itemIdentifiers(); }
 
     std::shared_ptr<DynamicToolbar> bar = DynamicToolbar::create({"bar"});
     Calls calls;
@@ -49,10 +48,7 @@ TEST_F(DynamicToolbarTest, beginsAsItShould) {
     const auto other = DynamicToolbar::create()->toolbar()->identifier();
     EXPECT_TRUE(isUUID(other)) << other;
     EXPECT_NE(DynamicToolbar::create()->toolbar()->identifier(), other);
-}
-
-TEST_F(DynamicToolbarTest, dropsItemsThatHaveNoSet) {
-    add("a");
+    add("dropped, for want of a set");
     const auto set = bar->addItemSet();
     EXPECT_TRUE(set->items().empty());
     add("b");
@@ -74,7 +70,7 @@ TEST_F(DynamicToolbarTest, editsTheToolbarOnlyWhenItsItemsChange) {
     a->setRemovedFromBar(true);
     bar->reloadDisplayedItems();
     EXPECT_EQ(takeCalls(), (Calls{"removeItem 0", "removeItem 0", "insertItem b, 0"}));
-    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), Identifiers{"b"});
+    EXPECT_EQ(shown(), Identifiers{"b"});
     EXPECT_EQ(bar->toolbarAllowedItemIdentifiers(*bar->toolbar()), (Identifiers{"a", "b"}));
     EXPECT_EQ(bar->toolbarDefaultItemIdentifiers(*bar->toolbar()), (Identifiers{"a", "b"}));
     EXPECT_TRUE(bar->toolbarSelectableItemIdentifiers(*bar->toolbar()).empty());
@@ -142,20 +138,19 @@ TEST_F(DynamicToolbarTest, givesTheFirstItemOfAnIdentifier) {
     EXPECT_EQ(bar->toolbarMakeItemForIdentifier(toolbar, "a"), first->item());
     EXPECT_EQ(bar->toolbarItemForItemIdentifier(toolbar, "none", true), nullptr);
     EXPECT_EQ(bar->toolbarItemForItemIdentifier(toolbar, "b", true), nullptr);
-}
-
-TEST_F(DynamicToolbarTest, leavesSpacesToTheToolbarAndPassesOverWhatIsMissing) {
+    // Spaces are left to the toolbar, and what is missing is passed over.
+    bar->setItemSets({});
     bar->addItemSet();
     bar->addItem({.identifier = "missing"});
     bar->addItem({.identifier = std::string(NSToolbarFlexibleSpaceItemIdentifier)});
     add("b");
     bar->reloadDisplayedItems();
-    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), (Identifiers{"NSToolbarFlexibleSpaceItem", "b"}));
+    EXPECT_EQ(shown(), (Identifiers{"NSToolbarFlexibleSpaceItem", "b"}));
 }
 
 // What is called in the middle of a reload changes what the reload works on.
 
-TEST_F(DynamicToolbarTest, letsAPredicateChangeTheSets) {
+TEST_F(DynamicToolbarTest, letsPredicatesAndUpdatesChangeTheSets) {
     auto set = bar->addItemSet();
     add("a");
     set->setIsEnabled([&, weak = std::weak_ptr(set)] {
@@ -168,15 +163,14 @@ TEST_F(DynamicToolbarTest, letsAPredicateChangeTheSets) {
     const std::weak_ptr watched = set;
     set.reset();
     bar->reloadDisplayedItems();
-    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), Identifiers{"a"});
+    EXPECT_EQ(shown(), Identifiers{"a"});
     EXPECT_EQ(bar->displayedItemSet(), watched.lock());
     bar->reloadDisplayedItems();
-    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), Identifiers{"new"});
+    EXPECT_EQ(shown(), Identifiers{"new"});
     EXPECT_TRUE(watched.expired());
-}
-
-TEST_F(DynamicToolbarTest, letsAnUpdateChangeItsSet) {
-    const auto set = bar->addItemSet();
+    // And an update its set.
+    bar->setItemSets({});
+    set = bar->addItemSet();
     int updates = 0;
     add("a")->setUpdate([&](DynamicToolbarItem& item) {
         ++updates;
@@ -186,7 +180,7 @@ TEST_F(DynamicToolbarTest, letsAnUpdateChangeItsSet) {
     });
     bar->reloadDisplayedItems();
     EXPECT_EQ(updates, 1);
-    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), Identifiers{"b"});
+    EXPECT_EQ(shown(), Identifiers{"b"});
 }
 
 TEST_F(DynamicToolbarTest, doesAReloadAskedForMeanwhileOnceMore) {
@@ -200,7 +194,7 @@ TEST_F(DynamicToolbarTest, doesAReloadAskedForMeanwhileOnceMore) {
     });
     bar->reloadDisplayedItems();
     EXPECT_EQ(updates, 2);
-    EXPECT_EQ(bar->toolbar()->itemIdentifiers(), Identifiers{"a"});
+    EXPECT_EQ(shown(), Identifiers{"a"});
 
     item->setUpdate([](DynamicToolbarItem&) { throw std::runtime_error("not now"); });
     EXPECT_THROW(bar->reloadDisplayedItems(), std::runtime_error);
@@ -209,23 +203,19 @@ TEST_F(DynamicToolbarTest, doesAReloadAskedForMeanwhileOnceMore) {
     EXPECT_EQ(updates, 3);
 }
 
-TEST_F(DynamicToolbarTest, maybeReleasedByAnUpdate) {
-    bar->addItemSet();
+TEST_F(DynamicToolbarTest, showsNoDefaultItemsAndMayBeReleasedByAnUpdate) {
     const auto toolbar = bar->toolbar();
+    bar->addItemSet();
+    add("removed")->setRemovedFromBar(true);
+    bar->reloadDisplayedItems();
+    const auto window = NSWindow::create({200, 100});
+    window->setToolbar(toolbar);
+    EXPECT_TRUE(toolbar->items().empty());
     add("a")->setUpdate([&](DynamicToolbarItem&) { bar.reset(); });
     bar->reloadDisplayedItems();
     EXPECT_EQ(bar, nullptr);
     EXPECT_EQ(toolbar->itemIdentifiers(), Identifiers{"a"});
     EXPECT_EQ(toolbar->delegate(), nullptr);
-}
-
-TEST_F(DynamicToolbarTest, showsNoDefaultItemsByItself) {
-    bar->addItemSet();
-    add("a")->setRemovedFromBar(true);
-    bar->reloadDisplayedItems();
-    const auto window = NSWindow::create({200, 100});
-    window->setToolbar(bar->toolbar());
-    EXPECT_TRUE(bar->toolbar()->items().empty());
 }
 
 // The builders
@@ -242,24 +232,20 @@ struct Model {
 TEST_F(DynamicToolbarTest, buildsImageButtons) {
     const auto set = bar->addItemSet();
     const auto model = std::make_shared<Model>();
-    std::shared_ptr<NSButton> updated;
-    const auto button =
-        bar->addItem({.createImageButton =
-                          [&](ImageButtonSettings& settings) {
-                              EXPECT_FALSE(settings.identifier || settings.displayName ||
-                                           settings.isNavigational || settings.imageName ||
-                                           settings.imageSize || settings.action);
-                              settings.displayName = "Back";
-                              settings.isNavigational = true;
-                              settings.imageName = "chevron.left";
-                              settings.action = Selector("act", &Model::act);
-                              settings.target = model;
-                          },
-                      .update =
-                          [&](DynamicToolbarItem& item, NSButton& control) {
-                              EXPECT_EQ(item.item()->view().get(), &control);
-                              control.setTitle("updated");
-                          }});
+    const auto settle = [&](ImageButtonSettings& settings) {
+        EXPECT_FALSE(settings.identifier || settings.displayName || settings.isNavigational ||
+                     settings.imageName || settings.imageSize || settings.action);
+        settings.displayName = "Back";
+        settings.isNavigational = true;
+        settings.imageName = "chevron.left";
+        settings.action = Selector("act", &Model::act);
+        settings.target = model;
+    };
+    const auto update = [](DynamicToolbarItem& updated, NSButton& control) {
+        EXPECT_EQ(updated.item()->view().get(), &control);
+        control.setTitle("updated");
+    };
+    const auto button = bar->addItem({.createImageButton = settle, .update = update});
     const auto item = set->items()[0];
     EXPECT_TRUE(isUUID(item->identifier()));
     EXPECT_EQ(item->item()->itemIdentifier(), item->identifier());
@@ -334,21 +320,19 @@ TEST_F(DynamicToolbarTest, buildsSeparatorsAndMenus) {
     EXPECT_TRUE(plain->showsIndicator());
     EXPECT_EQ(plain->menu()->numberOfItems(), 0);
     const auto menu = NSMenu::create();
-    std::shared_ptr<NSMenuToolbarItem> seen;
-    const auto item = bar->addItem({.createMenuButton =
-                                        [&](MenuButtonSettings& settings) {
-                                            settings.identifier = "menu";
-                                            settings.showsIndicator = false;
-                                            settings.menu = menu;
-                                            settings.displayName = "More";
-                                            settings.imageName = "ellipsis";
-                                            settings.imageSize = CGSize(12, 12);
-                                        },
-                                    .update =
-                                        [&](DynamicToolbarItem&, NSMenuToolbarItem& updated) {
-                                            seen = std::static_pointer_cast<NSMenuToolbarItem>(
-                                                updated.shared_from_this());
-                                        }});
+    std::shared_ptr<NSToolbarItem> seen;
+    const auto settle = [&](MenuButtonSettings& settings) {
+        settings.identifier = "menu";
+        settings.showsIndicator = false;
+        settings.menu = menu;
+        settings.displayName = "More";
+        settings.imageName = "ellipsis";
+        settings.imageSize = CGSize(12, 12);
+    };
+    const auto update = [&](DynamicToolbarItem&, NSMenuToolbarItem& updated) {
+        seen = updated.shared_from_this();
+    };
+    const auto item = bar->addItem({.createMenuButton = settle, .update = update});
     EXPECT_EQ(item->itemIdentifier(), "menu");
     EXPECT_FALSE(item->showsIndicator());
     EXPECT_EQ(item->menu(), menu);
@@ -402,18 +386,13 @@ TEST_F(DynamicToolbarTest, buildsAnyView) {
     const auto set = bar->addItemSet();
     std::shared_ptr<NSSplitView> made;
     Calls order;
-    const auto view =
-        set->addItem<NSSplitView>({.identifier = "view",
-                                   .displayName = "A view",
-                                   .createView =
-                                       [&] {
-                                           return made = NSSplitView::create({0, 0, 10, 10});
-                                       },
-                                   .update =
-                                       [&](DynamicToolbarItem& item, NSSplitView& updated) {
-                                           order.push_back(item.identifier());
-                                           EXPECT_EQ(&updated, made.get());
-                                       }});
+    const auto create = [&] { return made = NSSplitView::create({0, 0, 10, 10}); };
+    const auto update = [&](DynamicToolbarItem& item, NSSplitView& updated) {
+        order.push_back(item.identifier());
+        EXPECT_EQ(&updated, made.get());
+    };
+    const auto view = set->addItem<NSSplitView>(
+        {.identifier = "view", .displayName = "A view", .createView = create, .update = update});
     EXPECT_EQ(view, made);
     EXPECT_EQ(set->items()[0]->item()->view(), made);
     EXPECT_FALSE(set->items()[0]->item()->isNavigational());

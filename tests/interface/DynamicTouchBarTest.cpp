@@ -1,10 +1,8 @@
+#include <tests/Testing.h>
+
 #include <zorvan/interface/DynamicTouchBar.h>
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/media/NSImage.h>
-
-#include <gtest/gtest.h>
-
-using namespace zorvan;
 
 namespace {
 

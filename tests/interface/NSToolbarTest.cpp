@@ -1,3 +1,5 @@
+#include <tests/Testing.h>
+
 #include <zorvan/interface/DividedToolbar.h>
 #include <zorvan/interface/EmptyToolbar.h>
 #include <zorvan/interface/NSMenuToolbarItem.h>
@@ -6,9 +8,6 @@
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/media/NSImage.h>
 
-#include <gtest/gtest.h>
-
-using namespace zorvan;
 using Identifiers = std::vector<std::string>;
 
 namespace {
@@ -97,7 +96,6 @@ TEST(EmptyToolbar, showsASpaceAlone) {
     const auto toolbar = EmptyToolbar::create();
     EXPECT_EQ(toolbar->identifier(), "EmptyToolbar");
     EXPECT_FALSE(toolbar->showsBaselineSeparator());
-    EXPECT_EQ(toolbar->toolbarDefaultItemIdentifiers(*toolbar), Identifiers{space});
     EXPECT_EQ(toolbar->toolbarAllowedItemIdentifiers(*toolbar), Identifiers{space});
     const auto item = toolbar->toolbarItemForItemIdentifier(*toolbar, "any", true);
     EXPECT_EQ(item->itemIdentifier(), "any");
@@ -141,9 +139,6 @@ TEST(NSToolbar, showsItsDefaultItemsUnlessItWasEdited) {
     EXPECT_EQ(untouched.window->toolbar(), nullptr);
     EXPECT_EQ(untouched.toolbar->window(), other);
     EXPECT_EQ(untouched.toolbar->items().size(), 2u);
-}
-
-TEST(NSToolbarDeathTest, stopsAtPlacesThatAreNone) {
     const auto toolbar = NSToolbar::create("t");
     EXPECT_DEATH(toolbar->removeItem(0), "^A toolbar has no item to remove there.\n$");
     EXPECT_DEATH(toolbar->insertItem("a", -1),
@@ -192,8 +187,7 @@ TEST(NSToolbarItem, actsWhenItIsPressed) {
         Selector::withSender<NSToolbarItemGroup>("pick", [&](NSToolbarItemGroup& sender) {
             acts.push_back(std::to_string(sender.selectedIndex()));
         }));
-    for (const std::shared_ptr<NSToolbarItem>& each :
-         std::vector<std::shared_ptr<NSToolbarItem>>{item, menu, group}) {
+    for (const auto& each : std::vector<std::shared_ptr<NSToolbarItem>>{item, menu, group}) {
         shown.giver->items[each->itemIdentifier()] = each;
         shown.toolbar->insertItem(each->itemIdentifier(), 9);
     }

@@ -1,12 +1,11 @@
+#include <tests/Testing.h>
+
 #include <zorvan/interface/NSApplication.h>
 #include <zorvan/interface/NSButton.h>
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/media/CGImage.h>
 #include <zorvan/observation/NoteSubscriber.h>
 
-#include <gtest/gtest.h>
-
-using namespace zorvan;
 using Type = NSEvent::EventType;
 using Calls = std::vector<std::string>;
 
@@ -23,7 +22,9 @@ public:
             observers_.push_back(NSNotificationCenter::defaultCenter()->addObserver(
                 NSNotificationName(name), nullptr, nullptr, [this](const Notification& told) {
                     const auto window = std::static_pointer_cast<const NSWindow>(told.object);
-                    notes.push_back(window->title() + " " + told.name.rawValue().substr(8));
+                    const std::string name = told.name.rawValue().substr(8);
+                    notes.push_back(window->title() + " " +
+                                    name.substr(0, name.size() - std::strlen("Notification")));
                     then_(notes.back());
                 }));
     }
@@ -102,37 +103,29 @@ TEST(NSWindow, handsTheMainStatusOn) {
     b->close();
     b->close();
     EXPECT_EQ(NSApplication::shared().mainWindow(), nullptr);
-    EXPECT_EQ(watch.notes, (Calls{"a DidBecomeMainNotification", "a DidResignMainNotification",
-                                  "b DidBecomeMainNotification", "b WillCloseNotification",
-                                  "b DidResignMainNotification"}));
+    EXPECT_EQ(watch.notes, (Calls{"a DidBecomeMain", "a DidResignMain", "b DidBecomeMain",
+                                  "b WillClose", "b DidResignMain"}));
 }
 
 TEST(NSWindow, mayBeClosedByWhoeverIsTold) {
-    struct {
-        std::string note;
-        Calls notes;
-        bool isMain;
-    } table[] = {
+    const std::pair<std::string, Calls> table[] = {
         // Before it has become main, it does not become it.
-        {"a DidResignMainNotification",
-         {"a DidBecomeMainNotification", "a DidResignMainNotification", "b WillCloseNotification"},
-         false},
-        {"b DidBecomeMainNotification",
-         {"a DidBecomeMainNotification", "a DidResignMainNotification",
-          "b DidBecomeMainNotification", "b WillCloseNotification", "b DidResignMainNotification"},
-         false},
+        {"a DidResignMain", {"a DidBecomeMain", "a DidResignMain", "b WillClose"}},
+        {"b DidBecomeMain",
+         {"a DidBecomeMain", "a DidResignMain", "b DidBecomeMain", "b WillClose",
+          "b DidResignMain"}},
     };
-    for (const auto& row : table) {
+    for (const auto& [closing, notes] : table) {
         const auto a = NSWindow::create({10, 10}, "a");
         auto b = NSWindow::create({10, 10}, "b");
-        Watch watch([&](const std::string& note) {
-            if (note == row.note || note == "b WillCloseNotification")
+        Watch watch([&, at = closing](const std::string& note) {
+            if (note == at || note == "b WillClose")
                 b->close();
         });
         a->makeMainWindow();
         b->makeMainWindow();
-        EXPECT_EQ(watch.notes, row.notes);
-        EXPECT_EQ(b->isMainWindow(), row.isMain);
+        EXPECT_EQ(watch.notes, notes);
+        EXPECT_FALSE(b->isMainWindow());
         EXPECT_FALSE(b->isVisible());
     }
     // The last holder lets go while it is told.
@@ -145,13 +138,11 @@ TEST(NSWindow, mayBeClosedByWhoeverIsTold) {
     }
     EXPECT_TRUE(gone.expired());
     EXPECT_EQ(NSApplication::shared().mainWindow(), nullptr);
-}
-
-TEST(NSWindow, givesWayToAnotherMainWindowMadeMeanwhile) {
+    // Another may become main meanwhile.
     const auto a = NSWindow::create({10, 10}, "a"), b = NSWindow::create({10, 10}, "b"),
                c = NSWindow::create({10, 10}, "c");
     Watch watch([&](const std::string& note) {
-        if (note == "a DidResignMainNotification")
+        if (note == "a DidResignMain")
             c->makeMainWindow();
     });
     a->makeMainWindow();
@@ -177,7 +168,7 @@ TEST(NSWindow, growsWithItsBarsAndTellsOfItsSize) {
     EXPECT_TRUE(watch.notes.empty());
     window->setContentSize({300, 100});
     window->setContentSize({300, 100});
-    EXPECT_EQ(watch.notes, Calls{"w DidResizeNotification"});
+    EXPECT_EQ(watch.notes, Calls{"w DidResize"});
     EXPECT_EQ(window->contentView()->frame().width(), 300);
     window->setContentSize({-5, std::numeric_limits<double>::quiet_NaN()});
     EXPECT_EQ(window->contentSize(), CGSize(1, 1));
@@ -250,22 +241,18 @@ TEST_F(NSWindowMouse, followsAreasThatChangeUnderTheMouse) {
     outer->removeFromSuperview();
     send(Type::mouseMoved, {36, 36});
     EXPECT_EQ(take(), Calls{"exit outer"});
-}
-
-TEST_F(NSWindowMouse, passesOverViewsThatLeaveWhileOthersAreTold) {
+    // A view that leaves while another is told is passed over.
+    window->contentView()->addSubview(outer);
     outer->then = [this] { inner->removeFromSuperview(); };
-    send(Type::mouseMoved, {35, 35});
-    send(Type::mouseExited, {});
-    EXPECT_EQ(take(), (Calls{"enter outer", "move outer", "exit outer"}));
-}
-
-TEST_F(NSWindowMouse, isDeafOnceClosed) {
+    send(Type::mouseMoved, {31, 31});
+    EXPECT_EQ(take(), (Calls{"enter outer", "move outer"}));
+    // Once closed, the window is deaf.
     window->orderFront();
     window->close();
-    send(Type::leftMouseDown, {35, 35});
+    send(Type::leftMouseDown, {31, 31});
     EXPECT_TRUE(take().empty());
     window->orderFront();
-    send(Type::leftMouseDown, {35, 35});
+    send(Type::leftMouseDown, {31, 31});
     EXPECT_FALSE(take().empty());
 }
 

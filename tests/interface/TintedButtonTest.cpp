@@ -1,12 +1,11 @@
+#include <tests/Testing.h>
+
 #include <zorvan/interface/NSApplication.h>
 #include <zorvan/interface/NSImage.h>
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/interface/TintedButton.h>
 #include <zorvan/media/CGContext.h>
 
-#include <gtest/gtest.h>
-
-using namespace zorvan;
 using Type = NSEvent::EventType;
 using Calls = std::vector<std::string>;
 
@@ -21,6 +20,11 @@ std::shared_ptr<NSImage> square(double side) {
         context.setFillColor(CGColor::gray);
         context.fill({0, 0, side, side});
     }));
+}
+
+std::vector<std::uint8_t> pixels(const NSView& view) {
+    const auto bitmap = view.render(2).value();
+    return {bitmap.data(), bitmap.data() + bitmap.byteCount()};
 }
 
 std::string pixel(const NSView& view, double x, double y, double scale = 1) {
@@ -115,58 +119,32 @@ TEST(TintedButtonCoding, replacesTheCellAndKeepsWhatWasSet) {
     EXPECT_EQ(odd->imagePosition(), NSCellImagePosition::noImage);
 }
 
-// Colours by state
+// Colours by state; those of image, text and background are chosen alike. The pictures show them
+// all.
 
 TEST(TintedButtonColours, comeInTheirOrder) {
     const auto button = TintedButton::create({0, 0, 40, 20});
-    button->setImage(square(10));
-    const auto cell = button->tintedButtonCell();
     const NSColor tint = NSColor::red, hover = NSColor::green, pressed = NSColor::blue,
                   disabled = NSColor::yellow;
     struct {
         bool isEnabled, isPressed, isHover;
         NSColor withAll;
-    } states[] = {
+    } const states[] = {
         {true, false, false, tint},  {true, false, true, hover},      {true, true, false, pressed},
         {true, true, true, pressed}, {false, false, false, disabled}, {false, true, true, disabled},
     };
-    for (const auto& state : states) {
-        button->setEnabled(state.isEnabled);
-        cell->setIsPressed(state.isPressed);
-        cell->setIsHover(state.isHover);
-        for (const bool hasAll : {true, false}) {
-            const auto given = [&](const NSColor& color) {
-                return hasAll ? std::optional(color) : std::nullopt;
-            };
-            const auto gradient = [&](const NSColor& color) {
-                return hasAll ? plain(color) : std::nullopt;
-            };
-            button->setImageTintColor(tint);
-            button->setImageHoverColor(given(hover));
-            button->setImagePressedColor(given(pressed));
-            button->setImageDisabledColor(given(disabled));
-            button->setTextTintColor(tint);
-            button->setTextHoverColor(given(hover));
-            button->setTextPressedColor(given(pressed));
-            button->setTextDisabledColor(given(disabled));
-            button->setBackgroundTintGradient(plain(tint));
-            button->setBackgroundHoverGradient(gradient(hover));
-            button->setBackgroundPressedGradient(gradient(pressed));
-            button->setBackgroundDisabledGradient(gradient(disabled));
-            const std::string expected = (hasAll ? state.withAll : tint).hexString();
-            EXPECT_EQ(pixel(*button, 2, 10), expected) << "background";
-            // Image and title on a ground of another colour.
-            for (const auto set : {&TintedButton::setBackgroundTintGradient,
-                                   &TintedButton::setBackgroundHoverGradient,
-                                   &TintedButton::setBackgroundPressedGradient,
-                                   &TintedButton::setBackgroundDisabledGradient})
-                (button.get()->*set)(plain(NSColor::white));
-            EXPECT_EQ(pixel(*button, 20, 10), expected) << "image";
-            button->setImagePosition(NSCellImagePosition::noImage);
-            button->setTitle("\u2588\u2588");
-            EXPECT_EQ(pixel(*button, 20, 10), expected) << "title";
-            button->setTitle("");
-            button->setImagePosition(NSCellImagePosition::imageOnly);
+    for (const bool hasAll : {false, true}) {
+        button->setBackgroundTintGradient(plain(tint));
+        if (hasAll) {
+            button->setBackgroundHoverGradient(plain(hover));
+            button->setBackgroundPressedGradient(plain(pressed));
+            button->setBackgroundDisabledGradient(plain(disabled));
+        }
+        for (const auto& [isEnabled, isPressed, isHover, withAll] : states) {
+            button->setEnabled(isEnabled);
+            button->tintedButtonCell()->setIsPressed(isPressed);
+            button->tintedButtonCell()->setIsHover(isHover);
+            EXPECT_EQ(pixel(*button, 2, 10), (hasAll ? withAll : tint).hexString());
         }
     }
 }
@@ -174,22 +152,18 @@ TEST(TintedButtonColours, comeInTheirOrder) {
 TEST(TintedButtonColours, fallBackToTheLookOfAnyButton) {
     const auto any = NSButton::create({0, 0, 60, 26});
     const auto tinted = TintedButton::create({0, 0, 60, 26});
-    const auto looks = [](const NSView& view) {
-        const auto bitmap = view.render(2).value();
-        return std::vector<std::uint8_t>(bitmap.data(), bitmap.data() + bitmap.byteCount());
-    };
     for (const auto& button : std::vector<std::shared_ptr<NSButton>>{any, tinted}) {
         button->setTitle("Title");
         button->setImage(NSImage::systemSymbol("star"));
     }
-    EXPECT_EQ(looks(*tinted), looks(*any));
+    EXPECT_EQ(pixels(*tinted), pixels(*any));
     // Without a tint, a colour for one state is no colour for the others.
     tinted->setTextHoverColor(NSColor::red);
     tinted->setImagePressedColor(NSColor::red);
     tinted->setBackgroundDisabledGradient(plain(NSColor::red));
-    EXPECT_EQ(looks(*tinted), looks(*any));
+    EXPECT_EQ(pixels(*tinted), pixels(*any));
     tinted->tintedButtonCell()->setIsHover(true);
-    EXPECT_NE(looks(*tinted), looks(*any));
+    EXPECT_NE(pixels(*tinted), pixels(*any));
 }
 
 TEST(TintedButtonBezel, isARoundedRectangleOfTheGradient) {
@@ -200,16 +174,13 @@ TEST(TintedButtonBezel, isARoundedRectangleOfTheGradient) {
         return color.r > color.b;
     };
     EXPECT_TRUE(isRed(1, 10) && isRed(0.2, 0.2) && !isRed(58, 10));
-    button->setBackgroundGradientAngle(90);
-    EXPECT_TRUE(isRed(30, 2) && !isRed(30, 18));
     button->setBackgroundGradientAngle(180);
     EXPECT_TRUE(isRed(58, 10) && !isRed(1, 10));
 
     button->setBackgroundTintGradient(plain(NSColor::black));
     const auto shape = [&](std::optional<double> radius) {
         button->setBackgroundRadius(radius);
-        const auto bitmap = button->render(2).value();
-        return std::vector<std::uint8_t>(bitmap.data(), bitmap.data() + bitmap.byteCount());
+        return pixels(*button);
     };
     EXPECT_EQ(shape(100), shape(10));
     EXPECT_NE(shape(9), shape(10));
@@ -324,8 +295,6 @@ TEST_F(TintedButtonTest, keepsItsTrackingAreaOverItsBounds) {
 
 TEST_F(TintedButtonTest, redrawsWhenAnyWindowBecomesMainWhileItIsInOne) {
     const auto other = NSWindow::create({10, 10});
-    EXPECT_TRUE(button->windowDidBecomeMainSubscriber()->observer());
-    EXPECT_TRUE(button->windowDidResignMainSubscriber()->observer());
     take();
     other->makeMainWindow();
     EXPECT_EQ(take(), Calls{"setNeedsDisplay"});
@@ -340,7 +309,6 @@ TEST_F(TintedButtonTest, redrawsWhenAnyWindowBecomesMainWhileItIsInOne) {
     take();
     window->close();
     EXPECT_TRUE(take().empty());
-    EXPECT_FALSE(button->windowDidBecomeMainSubscriber()->observer());
 }
 
 TEST_F(TintedButtonTest, endsItsSubscriptionsWithItself) {
@@ -369,23 +337,16 @@ TEST_F(TintedButtonTest, endsItsSubscriptionsWithItself) {
 
 // What ends while an action is performed
 
-TEST_F(TintedButtonTest, doesNotActOnATargetThatHasGone) {
-    struct Target {
-        void act() { std::abort(); }
-    };
-    auto target = std::make_shared<Target>();
-    button->setTarget(std::weak_ptr<void>(target));
-    button->setAction(Selector("act", &Target::act));
-    target.reset();
-    send(Type::leftMouseDown, inside);
-    EXPECT_TRUE(button->tintedButtonCell()->isPressed());
-    send(Type::leftMouseUp, inside);
-    EXPECT_FALSE(button->tintedButtonCell()->isPressed());
-}
-
-TEST_F(TintedButtonTest, mayRemoveItselfInItsAction) {
-    button->setAction(Selector("remove", [this] { button->removeFromSuperview(); }));
+TEST_F(TintedButtonTest, mayHaveLostItsTargetAndRemoveItselfInItsAction) {
     const auto cell = button->tintedButtonCell();
+    button->setTarget(std::make_shared<int>()); // which has gone by now
+    button->setAction(Selector("act", [] { std::abort(); }));
+    send(Type::leftMouseDown, inside);
+    EXPECT_TRUE(cell->isPressed());
+    send(Type::leftMouseUp, inside);
+    EXPECT_FALSE(cell->isPressed());
+    button->setTarget({});
+    button->setAction(Selector("remove", [this] { button->removeFromSuperview(); }));
     send(Type::leftMouseDown, inside);
     EXPECT_EQ(button->window(), nullptr);
     EXPECT_TRUE(cell->isPressed() && cell->isHover());

@@ -1,16 +1,9 @@
 #include "TestMovies.h"
+#include <tests/Testing.h>
 
 #include <zorvan/media/AVAsset.h>
 #include <zorvan/platform/avfoundation/describeMedia.h>
 
-#include <chrono>
-#include <filesystem>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-namespace zorvan {
 namespace {
 
 using namespace std::chrono;
@@ -52,24 +45,19 @@ TEST(AVAsset, TheLastTrackThatSaysSomethingWins) {
     EXPECT_EQ(assetOf({})->computeNaturalOrientation(), Orientation::up);
 }
 
-struct Turn {
-    std::array<double, 6> matrix;
-    std::optional<Orientation> orientation;
-};
-
 TEST(AVAsset, ReadsTheMatrixOfEveryTurn) {
+    struct {
+        std::array<double, 6> matrix;
+        std::optional<Orientation> orientation;
+    } const table[] = {
+        {{1, 0, 0, 1, 0, 0}, Orientation::up},      {{0, 1, -1, 0, 48, 0}, Orientation::left},
+        {{0, -1, 1, 0, 0, 64}, Orientation::right}, {{-1, 0, 0, -1, 64, 48}, Orientation::down},
+        {{0, 1, -1, 0, 0, 0}, Orientation::left},   {{-1, 0, 0, 1, 64, 0}, std::nullopt},
+        {{0, 1, 1, 0, 0, 0}, std::nullopt},         {{0.5, 0.25, -0.25, 0.5, 3, -4}, std::nullopt}};
     for (const char* extension : {"mp4", "mov"}) {
         const std::string name = std::string("turn.") + extension;
         const auto url = testmovies::make(name, picture("64x48", "25") + Words{"-c:v", "mpeg4"});
-        for (const auto& [m, orientation] :
-             std::vector<Turn>{{{1, 0, 0, 1, 0, 0}, Orientation::up},
-                               {{0, 1, -1, 0, 48, 0}, Orientation::left},
-                               {{0, -1, 1, 0, 0, 64}, Orientation::right},
-                               {{-1, 0, 0, -1, 64, 48}, Orientation::down},
-                               {{0, 1, -1, 0, 0, 0}, Orientation::left},
-                               {{-1, 0, 0, 1, 64, 0}, std::nullopt},
-                               {{0, 1, 1, 0, 0, 0}, std::nullopt},
-                               {{0.5, 0.25, -0.25, 0.5, 3, -4}, std::nullopt}}) {
+        for (const auto& [m, orientation] : table) {
             testmovies::setMatrix(name, 0, m);
             const auto asset = AVAsset::create(url);
             EXPECT_EQ(asset->computeNaturalTransform(),
@@ -98,39 +86,35 @@ TEST(AVAsset, ReadsSeveralTracks) {
 }
 
 TEST(AVAsset, ReadsRatesAndSizesOfEveryContainer) {
-    struct Container {
-        const char* extension;
+    // Every container once; the arithmetic of rates is the same in all.
+    struct {
+        const char *name, *rate;
         Words options;
         double tolerance;
+    } const table[] = {
+        {"25.mp4", "25000/1000", {"-c:v", "libx264"}, 1e-5},
+        {"30.mp4", "30000/1001", {"-c:v", "libx264"}, 1e-5},
+        {"24.mp4", "24000/1001", {"-c:v", "libx264"}, 1e-5},
+        {"24.mov", "24000/1001", {"-c:v", "mjpeg"}, 1e-5},
+        {"24.mkv", "24000/1001", {"-c:v", "libx264"}, 1e-5},
+        {"24.avi", "24000/1001", {"-c:v", "mpeg4"}, 1e-5},
+        {"24.ts", "24000/1001", {"-c:v", "libx264"}, 0.02},
+        {"24.mpg", "24000/1001", {"-c:v", "mpeg2video"}, 0.02},
+        {"24.flv", "24000/1001", {"-c:v", "flv"}, 0.05},
+        {"24.ogv", "24000/1001", {"-c:v", "libtheora"}, 0.02},
+        {"frag.mp4", "24000/1001", {"-movflags", "frag_keyframe+empty_moov"}, 1e-5},
     };
-    for (const auto& [extension, options, tolerance] : std::vector<Container>{
-             {"mp4", {"-c:v", "libx264"}, 1e-5},
-             {"mov", {"-c:v", "mjpeg"}, 1e-5},
-             {"mkv", {"-c:v", "libx264"}, 1e-5},
-             {"avi", {"-c:v", "mpeg4"}, 1e-5},
-             {"ts", {"-c:v", "libx264"}, 0.02},
-             {"mpg", {"-c:v", "mpeg2video"}, 0.02},
-             {"flv", {"-c:v", "flv"}, 0.05},
-             {"ogv", {"-c:v", "libtheora"}, 0.02},
-             {"frag.mp4", {"-c:v", "libx264", "-movflags", "frag_keyframe+empty_moov"}, 1e-5}})
-        for (const char* rate : {"24000/1001", "25", "30000/1001"}) {
-            // Every container once; the arithmetic of rates is the same in all.
-            if (rate != std::string("24000/1001") && std::string(extension) != "mp4")
-                continue;
-            const std::string name = std::string(rate).substr(0, 5) + "." + extension;
-            const auto asset =
-                AVAsset::create(testmovies::make(name, picture("96x64", rate) + options));
-            const double expected = rate[2] == '\0' ? 25 : std::stod(rate) / 1001;
-            EXPECT_NEAR(asset->computeFrameRate(), expected, tolerance) << name;
-            EXPECT_EQ(asset->computeNaturalSize(), CGSize(96, 64)) << name;
-            EXPECT_EQ(asset->computeNaturalOrientation(), Orientation::up) << name;
-        }
-}
-
-TEST(AVAsset, CountsSquarePixels) {
-    const auto url = testmovies::make(
-        "wide.mp4", picture("72x58", "25") + Words{"-vf", "setsar=4/3", "-c:v", "libx264"});
-    EXPECT_EQ(AVAsset::create(url)->computeNaturalSize(), CGSize(96, 58));
+    for (const auto& [name, rate, options, tolerance] : table) {
+        const auto asset =
+            AVAsset::create(testmovies::make(name, picture("96x64", rate) + options));
+        const double expected = std::stod(rate) / std::stod(std::string(rate).substr(6));
+        EXPECT_NEAR(asset->computeFrameRate(), expected, tolerance) << name;
+        EXPECT_EQ(asset->computeNaturalSize(), CGSize(96, 64)) << name;
+        EXPECT_EQ(asset->computeNaturalOrientation(), Orientation::up) << name;
+    }
+    const auto wide =
+        testmovies::make("wide.mp4", picture("72x58", "25") + Words{"-vf", "setsar=4/3"});
+    EXPECT_EQ(AVAsset::create(wide)->computeNaturalSize(), CGSize(96, 58)) << "of square pixels";
 }
 
 TEST(AVAsset, ACoverIsNoTrack) {
@@ -173,27 +157,26 @@ TEST(AVAsset, FindsTheCreationDateInEachOfItsPlaces) {
     const std::string container = "creation_time=2024-05-31T12:34:56Z";
     const std::string userData = "date=2024-05-31T13:34:56Z";
     const std::string keys = "com.apple.quicktime.creationdate=2024-05-31T16:34:56+0200";
-    struct Case {
-        std::string name;
+    struct {
+        const char* name;
         Words arguments;
         std::optional<Date> date;
+    } const table[] = {
+        {"none.mp4", dated({}), std::nullopt},
+        {"container.mp4", dated({container}), moment(12)},
+        {"container.mov", dated({container}), moment(12)},
+        {"container.mkv", dated({container}), moment(12)},
+        {"userdata.mov", dated({userData}), moment(13)},
+        {"keys.mov", dated({keys}) + withKeys, moment(14)},
+        {"keys.mp4", dated({keys}) + withKeys, moment(14)},
+        // What a camera wrote goes before the date of the container; a year alone is no date.
+        {"two.mov", dated({container, userData}), moment(13)},
+        {"three.mov", dated({container, keys}) + withKeys, moment(14)},
+        {"year.mov", dated({container, "date=2024"}), moment(12)},
     };
-    for (const auto& [name, arguments, date] :
-         std::vector<Case>{{"none.mp4", dated({}), std::nullopt},
-                           {"container.mp4", dated({container}), moment(12)},
-                           {"container.mov", dated({container}), moment(12)},
-                           {"container.mkv", dated({container}), moment(12)},
-                           {"userdata.mov", dated({userData}), moment(13)},
-                           {"keys.mov", dated({keys}) + withKeys, moment(14)},
-                           {"keys.mp4", dated({keys}) + withKeys, moment(14)},
-                           // What a camera wrote goes before the date of the container.
-                           {"two.mov", dated({container, userData}), moment(13)},
-                           {"three.mov", dated({container, keys}) + withKeys, moment(14)},
-                           // A year alone is no date.
-                           {"year.mov", dated({container, "date=2024"}), moment(12)}}) {
-        const auto asset = AVAsset::create(testmovies::make(name, arguments));
-        EXPECT_EQ(asset->parseCreationDate(), date) << name;
-    }
+    for (const auto& [name, arguments, date] : table)
+        EXPECT_EQ(AVAsset::create(testmovies::make(name, arguments))->parseCreationDate(), date)
+            << name;
     const auto asset = AVAsset::create(testmovies::url("userdata.mov"));
     EXPECT_EQ(asset->metadata().at(0).identifier,
               AVMetadataIdentifierQuickTimeUserDataCreationDate);
@@ -257,4 +240,3 @@ TEST(AVAsset, LeavesNoFileOpen) {
 }
 
 } // namespace
-} // namespace zorvan

@@ -1,16 +1,11 @@
+#include <tests/Testing.h>
+
 #include <zorvan/media/AVFileType.h>
 #include <zorvan/media/AVVideoCodecType.h>
 
-#include <string>
-#include <unordered_set>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-namespace zorvan {
 namespace {
 
-TEST(AVFileType, ExtensionsInTheirOrder) {
+TEST(AVFileType, HasAPlaceAndAnExtensionUnlessUnknown) {
     std::vector<std::string_view> extensions;
     for (const AVFileType& type : AVFileType::allValues())
         extensions.push_back(type.pathExtension());
@@ -19,17 +14,11 @@ TEST(AVFileType, ExtensionsInTheirOrder) {
                                              "heic", "heif", "jpg", "tif", "wav",  "3g2",  "mp4",
                                              "au",   "m4a",  "m4v", "mp3", "eac3", "mov"}));
     EXPECT_EQ(AVFileTypeCoreAudioFormat.pathExtension(), "caf");
-}
-
-TEST(AVFileType, IndexIsThePositionAmongAllValues) {
     EXPECT_EQ(AVFileTypeAC3.index(), 0);
     EXPECT_EQ(AVFileTypeTIFF.index(), 10);
     EXPECT_EQ(AVFileTypeQuickTimeMovie.index(), 19);
     EXPECT_EQ(AVFileTypeCoreAudioFormat.index(), 0);
     EXPECT_EQ(AVFileType({.rawValue = "public.mpeg-4"}).index(), AVFileTypeMPEG4.index());
-}
-
-TEST(AVFileType, UnknownTypesHaveNoExtension) {
     const AVFileType unknown({.rawValue = "org.example.film"});
     EXPECT_EQ(unknown.index(), 0);
     EXPECT_DEATH(static_cast<void>(unknown.pathExtension()),
@@ -51,4 +40,3 @@ TEST(AVFileType, ValuesKeepTheirText) {
 }
 
 } // namespace
-} // namespace zorvan

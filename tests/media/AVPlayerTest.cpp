@@ -1,34 +1,14 @@
 #include "TestMovies.h"
+#include <tests/Testing.h>
+#include <tests/waitUntil.h>
 
 #include <zorvan/media/AVPlayer.h>
-#include <zorvan/platform/dispatch/MainQueue.h>
 #include <zorvan/platform/dispatch/NSThread.h>
 
-#include <chrono>
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <vector>
-
-#include <gtest/gtest.h>
-
-namespace zorvan {
 namespace {
 
-using namespace std::chrono_literals;
 using testmovies::Numbers;
 using Clock = std::chrono::steady_clock;
-
-/// Pumps the main queue until then; whether it came true in time.
-bool waitUntil(const std::function<bool()>& condition, Clock::duration limit = 20s) {
-    const auto deadline = Clock::now() + limit;
-    while (!condition()) {
-        if (Clock::now() > deadline)
-            return false;
-        MainQueue::runUntil(Clock::now() + 2ms);
-    }
-    return true;
-}
 
 void pump(Clock::duration time) { MainQueue::runUntil(Clock::now() + time); }
 
@@ -62,36 +42,35 @@ bool stepBy(AVPlayer& player, std::int64_t count) {
     return finishes([&](auto done) { player.step({.byCount = count}, std::move(done)); });
 }
 
-TEST(AVPlayer, IsReadyAtTheStartOfItsItemAndPaused) {
+TEST(AVPlayer, SeeksToThePictureOfATimeOrAKeyPictureBefore) {
     const auto player = readyPlayer(testmovies::numbers("plain"));
     EXPECT_EQ(player->rate(), 0);
     EXPECT_EQ(player->currentTime(), kCMTimeZero);
     EXPECT_EQ(player->duration()->seconds(), 4);
     EXPECT_EQ(shownNumber(*player), 0);
-}
-
-struct Place {
-    double seconds;
-    int number;
-};
-
-TEST(AVPlayer, AccurateSeeksShowThePictureOfThatTime) {
-    const auto player = readyPlayer(testmovies::numbers("plain"));
-    for (const auto& [seconds, number] : std::vector<Place>{{1, 25},
-                                                            {1.01, 25},
-                                                            {1.0399, 25},
-                                                            {1.04, 26},
-                                                            {0, 0},
-                                                            {0.039, 0},
-                                                            {3.97, 99},
-                                                            {-5, 0},
-                                                            {2.5, 62},
-                                                            {1000, 99},
-                                                            {2.52, 63}}) {
+    struct {
+        double seconds;
+        int exact, key;
+    } const table[] = {{1, 25, 25},    {1.01, 25, 25}, {1.0399, 25, 25}, {1.04, 26, 25},
+                       {0, 0, 0},      {0.039, 0, 0},  {3.97, 99, 75},   {-5, 0, 0},
+                       {2.5, 62, 50},  {2.52, 63, 50}, {1.9, 47, 25},    {2.7, 67, 50},
+                       {1000, 99, 75}, {3.99, 99, 75}};
+    for (const auto& [seconds, exact, key] : table) {
         EXPECT_TRUE(seekTo(*player, seconds));
-        EXPECT_EQ(shownNumber(*player), number) << seconds;
-        EXPECT_NEAR(player->currentTime().seconds(), number / 25.0, 1e-6) << seconds;
+        EXPECT_EQ(shownNumber(*player), exact) << seconds;
+        EXPECT_NEAR(player->currentTime().seconds(), exact / 25.0, 1e-6) << seconds;
+        EXPECT_TRUE(finishes([&, s = seconds](auto done) {
+            player->seekInaccurately(CMTime({.seconds = s}), std::move(done));
+        }));
+        EXPECT_EQ(shownNumber(*player), key) << seconds;
     }
+    ASSERT_TRUE(seekTo(*player, 1));
+    for (const CMTime& time : {kCMTimeInvalid, kCMTimeIndefinite})
+        EXPECT_FALSE(finishes([&](auto done) { player->seekAccurately(time, std::move(done)); }));
+    EXPECT_EQ(shownNumber(*player), 25);
+    EXPECT_TRUE(finishes(
+        [&](auto done) { player->seekAccurately(kCMTimePositiveInfinity, std::move(done)); }));
+    EXPECT_EQ(shownNumber(*player), 99);
 }
 
 TEST(AVPlayer, AccurateSeeksKeepToThePicturesOfFractionalRates) {
@@ -120,33 +99,11 @@ TEST(AVPlayer, AccurateSeeksKeepToPicturesOfUnequalLength) {
         {.count = 50,
          .options = {"-vf", "settb=1/90000,setpts=(N+mod(N\\,2)*0.4)/25/TB", "-fps_mode", "vfr",
                      "-enc_time_base", "1/90000", "-video_track_timescale", "90000"}}));
-    for (const auto& [seconds, number] : std::vector<Place>{
-             {0.41, 10}, {0.45, 10}, {0.457, 11}, {0.479, 11}, {0.481, 12}, {1.83, 45}}) {
+    for (const auto& [seconds, number] :
+         {std::pair(0.41, 10), {0.45, 10}, {0.457, 11}, {0.479, 11}, {0.481, 12}, {1.83, 45}}) {
         EXPECT_TRUE(seekTo(*player, seconds));
         EXPECT_EQ(shownNumber(*player), number) << seconds;
     }
-}
-
-TEST(AVPlayer, InaccurateSeeksLandOnAKeyPictureBefore) {
-    const auto player = readyPlayer(testmovies::numbers("plain"));
-    for (const auto& [seconds, number] :
-         std::vector<Place>{{1.9, 25}, {2.7, 50}, {3.99, 75}, {0.5, 0}}) {
-        EXPECT_TRUE(finishes([&, s = seconds](auto done) {
-            player->seekInaccurately(CMTime({.seconds = s}), std::move(done));
-        }));
-        EXPECT_EQ(shownNumber(*player), number) << seconds;
-    }
-}
-
-TEST(AVPlayer, TimesThatAreNoNumberAreNotSought) {
-    const auto player = readyPlayer(testmovies::numbers("plain"));
-    ASSERT_TRUE(seekTo(*player, 1));
-    for (const CMTime& time : {kCMTimeInvalid, kCMTimeIndefinite})
-        EXPECT_FALSE(finishes([&](auto done) { player->seekAccurately(time, std::move(done)); }));
-    EXPECT_EQ(shownNumber(*player), 25);
-    EXPECT_TRUE(finishes(
-        [&](auto done) { player->seekAccurately(kCMTimePositiveInfinity, std::move(done)); }));
-    EXPECT_EQ(shownNumber(*player), 99);
 }
 
 TEST(AVPlayer, AFurtherSeekTakesThePlaceOfTheOneThatWaits) {
@@ -165,8 +122,8 @@ TEST(AVPlayer, AFurtherSeekTakesThePlaceOfTheOneThatWaits) {
 TEST(AVPlayer, StepsBothWaysAndStopsAtTheEnds) {
     const auto player = readyPlayer(testmovies::numbers("plain"));
     ASSERT_TRUE(seekTo(*player, 1));
-    for (const auto& [count, number] : std::vector<std::pair<int, int>>{
-             {1, 26}, {1, 27}, {-1, 26}, {-3, 23}, {7, 30}, {0, 30}, {-100, 0}, {2, 2}}) {
+    for (const auto& [count, number] :
+         {std::pair(1, 26), {1, 27}, {-1, 26}, {-3, 23}, {7, 30}, {0, 30}, {-100, 0}, {2, 2}}) {
         EXPECT_TRUE(stepBy(*player, count));
         EXPECT_EQ(shownNumber(*player), number) << count;
         EXPECT_NEAR(player->currentTime().seconds(), number / 25.0, 1e-6) << count;
@@ -181,10 +138,8 @@ TEST(AVPlayer, StepsBothWaysAndStopsAtTheEnds) {
     player->seekPreviousFrame();
     player->seekPreviousFrame();
     EXPECT_TRUE(waitUntil([&] { return player->currentTime() == CMTimeMake(97, 25); }));
-}
 
-TEST(AVPlayer, PlaysOnAfterAStep) {
-    const auto player = readyPlayer(testmovies::numbers("plain"));
+    ASSERT_TRUE(seekTo(*player, 0));
     player->play();
     EXPECT_TRUE(stepBy(*player, 5));
     EXPECT_TRUE(player->isPlaying());
@@ -224,6 +179,8 @@ TEST(AVPlayer, RatesThatCannotBePlayed) {
     EXPECT_EQ(player->rate(), 0);
     player->setRate(std::numeric_limits<float>::infinity());
     EXPECT_EQ(player->rate(), 100);
+    EXPECT_DEATH(player->addTimeObserver({.fps = std::int64_t{1} << 31}, [](const CMTime&) {}),
+                 "^Frame rate does not fit a time scale\n$");
 }
 
 TEST(AVPlayer, WithoutAnItem) {
@@ -319,12 +276,6 @@ TEST(AVPlayer, ObserversMayEndWithinTheirBlockAndRunOnOtherQueues) {
     EXPECT_EQ(jumps, 1) << "without an interval: the start alone";
 }
 
-TEST(AVPlayer, StopsForARateBeyondTimeScales) {
-    const auto player = AVPlayer::create();
-    EXPECT_DEATH(player->addTimeObserver({.fps = std::int64_t{1} << 31}, [](const CMTime&) {}),
-                 "^Frame rate does not fit a time scale\n$");
-}
-
 TEST(AVPlayer, SeveralAtOnceDoNotDisturbEachOther) {
     const URL movie = testmovies::numbers("plain");
     std::vector<std::shared_ptr<AVPlayer>> players;
@@ -387,4 +338,3 @@ TEST(AVPlayer, ShowsPicturesUpright) {
 }
 
 } // namespace
-} // namespace zorvan

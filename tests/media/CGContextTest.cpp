@@ -1,18 +1,10 @@
 #include "TestImages.h"
+#include <tests/Testing.h>
 
 #include <zorvan/media/CGContext.h>
 
-#include <gtest/gtest.h>
-
-#include <atomic>
 #include <mutex>
-#include <set>
-#include <stdexcept>
-#include <thread>
-#include <utility>
-#include <vector>
 
-namespace zorvan {
 namespace {
 
 TEST(CGContext, IsLaidOutAsItsKindSays) {
@@ -50,11 +42,9 @@ TEST(CGContext, AParallelFillVisitsEachPixelOnce) {
         EXPECT_EQ(elsewhere, 0);
         for (const auto& visit : visits)
             ASSERT_EQ(visit, 1) << width << " x " << height;
-        const auto image = context->makeImage();
-        for (std::int64_t y = 0; y < height; ++y)
-            for (std::int64_t x = 0; x < width; ++x)
-                ASSERT_EQ(pixelAt(*image, x, y),
-                          0xFF000000u | static_cast<unsigned>((y & 255) << 8 | (x & 255)));
+        expectPixels(*context->makeImage(), [](auto x, auto y) {
+            return 0xFF000000u | static_cast<unsigned>((y & 255) << 8 | (x & 255));
+        });
     }
 }
 
@@ -99,13 +89,10 @@ TEST(CGContext, DrawsFromTheBottomUp) {
     const auto context = CGContext::rgba(6, 5);
     context->draw(*plain(1, 1, 0xFF0000FF), CGRect(1, 0, 2, 1));
     context->draw(*plain(1, 1, 0xFF00FF00), CGRect(6, 5, -1, -1)); // standardised: the top right
-    const auto image = context->makeImage();
-    for (std::int64_t y = 0; y < 5; ++y)
-        for (std::int64_t x = 0; x < 6; ++x) {
-            const bool isRed = y == 4 && (x == 1 || x == 2);
-            const bool isGreen = y == 0 && x == 5;
-            ASSERT_EQ(pixelAt(*image, x, y), isRed ? 0xFF0000FF : isGreen ? 0xFF00FF00 : 0);
-        }
+    expectPixels(*context->makeImage(), [](auto x, auto y) {
+        const bool isRed = y == 4 && (x == 1 || x == 2), isGreen = y == 0 && x == 5;
+        return isRed ? 0xFF0000FF : isGreen ? 0xFF00FF00 : 0;
+    });
 }
 
 TEST(CGContext, LaysAPictureOverWhatIsThere) {
@@ -156,4 +143,3 @@ TEST(CGContext, GivesUpItsPixelsWithoutACopy) {
 }
 
 } // namespace
-} // namespace zorvan

@@ -1,21 +1,12 @@
 #include "TestImages.h"
+#include <tests/Testing.h>
+#include <tests/files/TemporaryFolder.h>
 
 #include <zorvan/media/CGImageDestination.h>
 #include <zorvan/media/CGImageSource.h>
 #include <zorvan/media/ImageKeys.h>
 #include <zorvan/media/ImageThumbailer.h>
-#include <zorvan/platform/foundation/UUID.h>
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-
-#include <sys/stat.h>
-
-namespace zorvan {
 namespace {
 
 PropertyList::Dictionary options(std::string_view key, PropertyList value) {
@@ -34,30 +25,6 @@ CGImage::Pointer slope(std::int64_t width, std::int64_t height) {
         }
     return CGImage::create(std::move(bitmap));
 }
-
-double meanDifference(const CGImage& a, const CGImage& b) {
-    double sum = 0;
-    for (std::int64_t i = 0; i < a.bitmap().byteCount(); ++i)
-        sum += std::abs(a.uint8Data()[i] - b.uint8Data()[i]);
-    return sum / static_cast<double>(a.bitmap().byteCount());
-}
-
-class Folder {
-public:
-    Folder() : path_(std::filesystem::temp_directory_path() / ("media-" + makeUUIDString())) {
-        std::filesystem::create_directory(path_);
-    }
-    ~Folder() { std::filesystem::remove_all(path_); }
-
-    std::string path(const std::string& name) const { return path_ / name; }
-    URL url(const std::string& name) const { return URL({.fileURLWithPath = path(name)}); }
-    std::int64_t count() const {
-        return std::distance(std::filesystem::directory_iterator(path_), {});
-    }
-
-private:
-    std::filesystem::path path_;
-};
 
 TEST(CGImageMetadata, SizesComeFromIntegersOnly) {
     const auto metadata = [](PropertyList width, PropertyList height, PropertyList orientation) {
@@ -94,7 +61,7 @@ TEST(ImageThumbailer, HasItsDefaultsAndFiveOptions) {
     EXPECT_TRUE(dictionary.at("kCGImageSourceShouldCache").as<NSNumber>()->isBool());
 }
 
-TEST(CGImageEncoding, LosslessFormatsKeepEveryPixel) {
+TEST(CGImageEncoding, KeepsWhatTheFormatAndItsOptionsKeep) {
     const auto image = noise(33, 21);
     const auto opaque = slope(33, 21);
     EXPECT_LE(meanDifference(*CGImage::image(image->pngData().value()), *image), 1);
@@ -102,17 +69,15 @@ TEST(CGImageEncoding, LosslessFormatsKeepEveryPixel) {
     EXPECT_TRUE(haveSamePixels(*CGImage::image(opaque->tiffData().value()), *opaque));
     EXPECT_TRUE(
         haveSamePixels(*CGImage::image(opaque->argbDrawnCopy()->pngData().value()), *opaque));
-}
 
-TEST(CGImageEncoding, EachFormatHasItsOptions) {
-    const auto image = slope(64, 48);
-    EXPECT_EQ(image->data(ImageExportFormat::jpg), image->jpegData(1));
-    EXPECT_GT(image->jpegData(1)->size(), image->jpegData(0.2)->size());
-    EXPECT_EQ(image->jpegData(7), image->jpegData(1));
-    EXPECT_EQ(image->data(ImageExportFormat::tiff), image->tiffData());
-    EXPECT_LT(image->tiffData()->size(), image->data(ImageExportFormat::tiff, {})->size());
-    EXPECT_EQ(image->data(ImageExportFormat::png), image->pngData());
-    EXPECT_LT(meanDifference(*CGImage::image(image->jpegData(1).value()), *image), 2);
+    const auto best = opaque->jpegData(1);
+    EXPECT_LT(meanDifference(*CGImage::image(best.value()), *opaque), 2);
+    EXPECT_EQ(opaque->data(ImageExportFormat::jpg), best);
+    EXPECT_EQ(opaque->jpegData(7), best);
+    EXPECT_LT(opaque->jpegData(0.2)->size(), best->size());
+    EXPECT_EQ(opaque->data(ImageExportFormat::tiff), opaque->tiffData());
+    EXPECT_LT(opaque->tiffData()->size(), opaque->data(ImageExportFormat::tiff, {})->size());
+    EXPECT_EQ(opaque->data(ImageExportFormat::png), opaque->pngData());
 }
 
 TEST(CGImageDestination, KnowsItsTypes) {
@@ -166,42 +131,37 @@ TEST(CGImageDestination, OptionsOfThePictureGoFirst) {
 }
 
 TEST(CGImageDestination, AFailedFileLeavesWhatWasThere) {
-    const Folder folder;
-    std::ofstream(folder.path("taken.png")) << "before";
-    const auto unfinished = CGImageDestination::create(folder.url("taken.png"), "public.png", 1);
-    EXPECT_FALSE(unfinished->finalize());
-    std::ifstream taken(folder.path("taken.png"));
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(taken), {}), "before");
-
-    std::filesystem::create_directory(folder.path("directory.png"));
-    const auto blocked = CGImageDestination::create(folder.url("directory.png"), "public.png", 1);
-    blocked->addImage(slope(4, 4));
-    EXPECT_FALSE(blocked->finalize());
-    const auto nowhere = CGImageDestination::create(folder.url("none/a.png"), "public.png", 1);
-    nowhere->addImage(slope(4, 4));
-    EXPECT_FALSE(nowhere->finalize());
+    const TemporaryFolder folder;
+    folder.file("taken.png", "before");
+    EXPECT_FALSE(CGImageDestination::create(folder.url("taken.png"), "public.png", 1)->finalize());
+    EXPECT_EQ(text(folder.path() / "taken.png"), "before");
+    folder.folder("folder.png");
+    for (const char* blocked : {"folder.png", "none/a.png"}) {
+        const auto destination = CGImageDestination::create(folder.url(blocked), "public.png", 1);
+        destination->addImage(slope(4, 4));
+        EXPECT_FALSE(destination->finalize()) << blocked;
+    }
     EXPECT_EQ(folder.count(), 2); // and nothing of ours beside them
 }
 
 TEST(CGImageDestination, ReplacesAFileAndFollowsALink) {
-    const Folder folder;
-    std::ofstream(folder.path("real.png")) << "before";
-    ASSERT_EQ(chmod(folder.path("real.png").c_str(), 0600), 0);
-    std::filesystem::create_symlink(folder.path("real.png"), folder.path("link.png"));
+    const TemporaryFolder folder;
+    folder.file("real.png", "before");
+    folder.setMode("real.png", 0600);
+    folder.link("link.png", "real.png");
     const auto destination = CGImageDestination::create(folder.url("link.png"), "public.png", 1);
     destination->addImage(slope(4, 4));
     EXPECT_TRUE(destination->finalize());
-    EXPECT_TRUE(std::filesystem::is_symlink(folder.path("link.png")));
+    EXPECT_TRUE(fs::is_symlink(folder.path() / "link.png"));
     EXPECT_TRUE(haveSamePixels(*CGImage::image(folder.url("real.png")), *slope(4, 4)));
-    EXPECT_EQ(std::filesystem::status(folder.path("real.png")).permissions(),
-              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    EXPECT_EQ(fs::status(folder.path() / "real.png").permissions(), fs::perms(0600));
     EXPECT_EQ(folder.count(), 2);
 }
 
 TEST(CGImageLoading, WhatIsNoPictureGivesNothing) {
-    const Folder folder;
-    std::ofstream(folder.path("text.png")) << "not a picture at all";
-    std::ofstream(folder.path("empty.jpg"));
+    const TemporaryFolder folder;
+    folder.file("text.png", "not a picture at all");
+    folder.file("empty.jpg", "");
     for (const char* name : {"text.png", "empty.jpg", "missing.png", "."}) {
         const URL url = folder.url(name);
         EXPECT_EQ(CGImage::image(url), nullptr);
@@ -246,23 +206,19 @@ TEST(CGImageThumbnails, AreUprightUnlessAskedNotToBe) {
 
 TEST(CGImageThumbnails, AreNoLargerThanAskedAndNeverEnlarged) {
     const Data picture = orientedPicture(1);
-    struct Case {
-        double limit;
-        std::int64_t width, height;
-    };
-    for (const Case& c : {Case{1000000, 300, 200}, Case{1e300, 300, 200}, Case{300, 300, 200},
-                          Case{299.9, 299, 199}, Case{1, 1, 1}, Case{0.3, 1, 1}}) {
-        const auto thumbnail = ImageThumbailer{.maximumPixelSize = c.limit}.thumbnail(picture);
-        ASSERT_NE(thumbnail, nullptr) << c.limit;
-        EXPECT_EQ(thumbnail->width(), c.width) << c.limit;
-        EXPECT_EQ(thumbnail->height(), c.height) << c.limit;
+    for (const auto& [limit, size] : {std::pair(1000000.0, CGSize(300, 200)),
+                                      {1e300, {300, 200}},
+                                      {300, {300, 200}},
+                                      {299.9, {299, 199}},
+                                      {1, {1, 1}},
+                                      {0.3, {1, 1}}}) {
+        const auto thumbnail = ImageThumbailer{.maximumPixelSize = limit}.thumbnail(picture);
+        ASSERT_NE(thumbnail, nullptr) << limit;
+        EXPECT_EQ(thumbnail->size(), size) << limit;
     }
     for (double none : {0.0, -5.0, std::nan("")})
         EXPECT_EQ(ImageThumbailer{.maximumPixelSize = none}.thumbnail(picture), nullptr);
-}
-
-TEST(CGImageThumbnails, AreMadeOnlyWhenAskedForWhereTheFileHasNone) {
-    const Data picture = orientedPicture(1);
+    // Where the file has none, one is made only when it is asked for.
     EXPECT_EQ(CGImage::thumbnail(picture), nullptr);
     EXPECT_EQ(ImageThumbailer{.alwaysCreateImage = false}.thumbnail(picture), nullptr);
     const auto made =
@@ -272,4 +228,3 @@ TEST(CGImageThumbnails, AreMadeOnlyWhenAskedForWhereTheFileHasNone) {
 }
 
 } // namespace
-} // namespace zorvan

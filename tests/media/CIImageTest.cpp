@@ -1,15 +1,10 @@
 #include "TestImages.h"
+#include <tests/Testing.h>
 
 #include <zorvan/media/CIContext.h>
 #include <zorvan/media/CIFilter.h>
 #include <zorvan/media/CIImage.h>
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cmath>
-
-namespace zorvan {
 namespace {
 
 CGImage::Pointer drawn(const CIImage::Pointer& image) {
@@ -48,12 +43,10 @@ TEST(CIImage, IsDrawnWholeAndUnchanged) {
     const auto around = CIContext::create()->createCGImage(image, CGRect(-1, -2, 10, 10));
     EXPECT_EQ(pixelAt(*around, 0, 0), 0u);
     EXPECT_EQ(pixelAt(*around, 1, 7), pixelAt(*picture, 0, 402));
-}
-
-TEST(CIImage, IsResampledAsPicturesAre) {
-    const auto picture = noise(300, 200);
-    const auto half = drawn(CIImage::create(picture)->aspectFit(CGRect(0, 0, 150, 100)));
-    EXPECT_TRUE(haveSamePixels(*half, *picture->resizing(CGSize(150, 100))));
+    // And resampled as pictures are.
+    const auto wide = noise(300, 200);
+    const auto half = drawn(CIImage::create(wide)->aspectFit(CGRect(0, 0, 150, 100)));
+    EXPECT_TRUE(haveSamePixels(*half, *wide->resizing(CGSize(150, 100))));
 }
 
 TEST(CIImage, BlendsByTheFixedMatrices) {
@@ -143,20 +136,12 @@ CGImage::Pointer scene(double light, double redLight, double blueLight) {
     return CGImage::create(std::move(bitmap));
 }
 
-/// The mean distance of all components.
-double distance(const CGImage& a, const CGImage& b) {
-    double sum = 0;
-    for (std::int64_t i = 0; i < a.bitmap().byteCount(); ++i)
-        sum += std::abs(a.uint8Data()[i] - b.uint8Data()[i]);
-    return sum / static_cast<double>(a.bitmap().byteCount());
-}
-
 TEST(CIImage, AutoAdjustmentBringsAnUnderExposedPictureBack) {
     const auto wanted = scene(1, 1, 1);
     for (const auto& [red, blue] : {std::pair(1.0, 1.0), std::pair(0.9, 1.15)}) {
         const auto dark = scene(0.22, red, blue);
         const auto adjusted = drawn(CIImage::create(dark)->autoAdjusted());
-        EXPECT_LT(distance(*adjusted, *wanted), distance(*dark, *wanted) / 4);
+        EXPECT_LT(meanDifference(*adjusted, *wanted), meanDifference(*dark, *wanted) / 4);
         // Greys come out grey.
         const auto grey = componentsAt(*adjusted, 110, 60);
         EXPECT_NEAR(grey[0], grey[1], 8);
@@ -164,7 +149,7 @@ TEST(CIImage, AutoAdjustmentBringsAnUnderExposedPictureBack) {
     }
     // A good picture stays much as it is, and its skin keeps its hue.
     const auto same = drawn(CIImage::create(wanted)->autoAdjusted());
-    EXPECT_LT(distance(*same, *wanted), 10);
+    EXPECT_LT(meanDifference(*same, *wanted), 10);
     const auto skin = componentsAt(*same, 75, 20);
     EXPECT_NEAR(static_cast<double>(skin[0]) / skin[2], 0.85 / 0.5, 0.25);
 }
@@ -191,4 +176,3 @@ TEST(CIImage, WhatHasNoPixelsGivesNoPicture) {
 }
 
 } // namespace
-} // namespace zorvan

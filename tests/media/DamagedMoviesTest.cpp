@@ -1,30 +1,17 @@
 #include "TestMovies.h"
+#include <tests/Testing.h>
+#include <tests/waitUntil.h>
 
 #include <zorvan/media/AVPlayer.h>
-#include <zorvan/platform/dispatch/MainQueue.h>
 
-#include <chrono>
-#include <random>
-#include <string>
-
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-namespace zorvan {
 namespace {
-
-using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 
 /// Plays what can be played of it to its end; fails the test when that does not come.
 AVPlayerItem::Status play(const URL& url) {
     const auto item = AVPlayerItem::create(url);
     const auto player = AVPlayer::create(item);
     player->setRate(20);
-    const auto deadline = Clock::now() + 20s;
-    while (player->rate() != 0 && Clock::now() < deadline)
-        MainQueue::runUntil(Clock::now() + 5ms);
-    EXPECT_EQ(player->rate(), 0) << url.path();
+    EXPECT_TRUE(waitUntil([&] { return player->rate() == 0; })) << url.path();
     item->currentPicture();
     return item->status();
 }
@@ -90,4 +77,3 @@ TEST(DamagedMovies, WithBytesChangedTheyPlayOrFail) {
 }
 
 } // namespace
-} // namespace zorvan

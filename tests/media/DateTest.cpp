@@ -1,35 +1,17 @@
+#include <tests/Testing.h>
+#include <tests/Variable.h>
+
 #include <zorvan/media/Date.h>
 
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstdlib>
 #include <ctime>
-#include <string>
-#include <thread>
-#include <vector>
 
-namespace zorvan {
 namespace {
 
 using namespace std::chrono;
 
-/// The process in another time zone, for as long as this object lives.
-class TimeZone {
-public:
-    explicit TimeZone(const char* name) {
-        if (const char* before = std::getenv("TZ"))
-            before_ = before;
-        setenv("TZ", name, 1);
-        tzset();
-    }
-    ~TimeZone() {
-        before_.empty() ? unsetenv("TZ") : setenv("TZ", before_.c_str(), 1);
-        tzset();
-    }
-
-private:
-    std::string before_;
+/// The process in another time zone.
+struct TimeZone : Variable {
+    explicit TimeZone(const char* name) : Variable("TZ", name) { tzset(); }
 };
 
 TEST(Date, IsWrittenAsExifWritesIt) {
@@ -64,4 +46,3 @@ TEST(Date, MayBeWrittenFromManyThreads) {
 }
 
 } // namespace
-} // namespace zorvan

@@ -1,4 +1,5 @@
 #include "TestImages.h"
+#include <tests/Testing.h>
 
 #include <zorvan/colour/NSColor.h>
 #include <zorvan/media/CGContext.h>
@@ -8,12 +9,6 @@
 #include <zorvan/media/NSGradient.h>
 #include <zorvan/media/NSImage.h>
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <fstream>
-
-namespace zorvan {
 namespace {
 
 constexpr std::int64_t width = 64, height = 48;
@@ -255,4 +250,3 @@ TEST(GoldenPictures, AreDrawnInBothLayoutsAndInPartsOfBitmaps) {
 }
 
 } // namespace
-} // namespace zorvan

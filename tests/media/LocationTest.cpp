@@ -1,12 +1,9 @@
+#include <tests/Testing.h>
+
 #include <zorvan/media/Location.h>
 
 #include <clocale>
-#include <string>
-#include <vector>
 
-#include <gtest/gtest.h>
-
-namespace zorvan {
 namespace {
 
 struct Reading {
@@ -44,29 +41,12 @@ TEST(Location, ReadsEveryFormOfISO6709) {
 }
 
 TEST(Location, IsAbsentForAnythingElse) {
-    for (const std::string text : {"",
-                                   " ",
-                                   "/",
-                                   "Paris",
-                                   "+48",
-                                   "48+002",
-                                   "+48 +002",
-                                   "+48+02/",
-                                   "+4+002/",
-                                   "+488+002/",
-                                   "+48577+002/",
-                                   "+48+0022/",
-                                   "+48+00222222/",
-                                   "+48.+002/",
-                                   "+.5+002/",
-                                   "+4a+002/",
-                                   "++48+002/",
-                                   "+48,5+002,5/",
-                                   "+48+002/\nmore",
-                                   "x+48+002/",
-                                   "+\xD9\xA4\xD9\xA8+002/",
-                                   "+nan+inf",
-                                   "+0x+0x1"})
+    for (const std::string malformed :
+         {"", " ", "/", "Paris", "+48", "48+002", "+48 +002", "++48+002/", "+48+002/\nmore",
+          "x+48+002/", "+4a+002/", "+48,5+002,5/", "+\xD9\xA4\xD9\xA8+002/", "+nan+inf", "+0x+0x1"})
+        EXPECT_FALSE(Location::make({.iso6709 = malformed})) << malformed;
+    for (const std::string text : {"+48+02/", "+4+002/", "+488+002/", "+48577+002/", "+48+0022/",
+                                   "+48+00222222/", "+48.+002/", "+.5+002/"})
         EXPECT_FALSE(Location::make({.iso6709 = text})) << text;
     EXPECT_FALSE(Location::make({.iso6709 = std::string(1'000'000, '1')}));
     EXPECT_FALSE(Location::make({.iso6709 = "+48" + std::string("\0+002", 5)}));
@@ -80,4 +60,3 @@ TEST(Location, DoesNotDependOnTheLocale) {
 }
 
 } // namespace
-} // namespace zorvan

@@ -1,4 +1,7 @@
 #include "TestImages.h"
+#include <tests/Testing.h>
+#include <tests/Variable.h>
+#include <tests/files/TemporaryFolder.h>
 
 #include <zorvan/media/CGContext.h>
 #include <zorvan/media/CGRect.h>
@@ -9,14 +12,6 @@
 #include <zorvan/platform/appkit/Canvas.h>
 #include <zorvan/platform/foundation/UUID.h>
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <thread>
-
-namespace zorvan {
 namespace {
 
 constexpr std::uint32_t red = 0xFF0000FF, green = 0xFF00FF00, blue = 0xFFFF0000;
@@ -69,17 +64,11 @@ TEST(NSGraphicsContext, DrawsWhereAViewDoes) {
             fill(CGRect(0, 0, 1000, 1000), NSColor::blue); // held by the clip
             fill(CGRect(100, 50, 3, 2), NSColor::red);
         });
-        const auto image = CGImage::create(std::move(bitmap));
-        for (std::int64_t y = 0; y < 40; ++y)
-            for (std::int64_t x = 0; x < 40; ++x) {
-                const bool isInView = x >= 10 && x < 30 && y >= 16 && y < 32;
-                const bool isRed =
-                    x >= 10 && x < 16 && (isFlipped ? y >= 16 && y < 20 : y >= 28 && y < 32);
-                ASSERT_EQ(pixelAt(*image, x, y), isRed      ? red
-                                                 : isInView ? blue
-                                                            : 0)
-                    << x << ' ' << y << ' ' << isFlipped;
-            }
+        expectPixels(*CGImage::create(std::move(bitmap)), [&](auto x, auto y) {
+            const bool isInView = x >= 10 && x < 30 && y >= 16 && y < 32;
+            const bool isRed = x < 16 && (isFlipped ? y < 20 : y >= 28);
+            return !isInView ? 0 : isRed ? red : blue;
+        });
     }
 }
 
@@ -122,7 +111,7 @@ TEST(NSImage, DrawsPartsUprightAndFaded) {
         EXPECT_EQ(pixelAt(*whole, 4, 1), red);
         EXPECT_EQ(pixelAt(*whole, 4, 6), green);
         const auto part = drawn(CGRect(2, 2, 4, 4), {.from = CGRect(0, 0, 2, 2)});
-        EXPECT_EQ(pixelAt(*part, 3, 3), isFlipped ? green : green);
+        EXPECT_EQ(pixelAt(*part, 3, 3), green);
         EXPECT_EQ(pixelAt(*part, 5, 5), green);
         EXPECT_EQ(pixelAt(*part, 1, 3) | pixelAt(*part, 6, 3) | pixelAt(*part, 3, 1), 0u);
         EXPECT_EQ(pixelAt(*drawn(CGRect(0, 0, 8, 8), {.fraction = 0.5}), 4, 1) >> 24, 0x80u);
@@ -172,23 +161,16 @@ TEST(NSImage, IsFoundByItsName) {
     EXPECT_EQ(NSImage::named(""), nullptr);
 }
 
-namespace fs = std::filesystem;
-
-void write(const fs::path& path, const std::string& text) {
-    fs::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-void write(const fs::path& path, const CGImage& image) {
+std::string pngText(const CGImage& image) {
     const Data bytes = image.pngData().value();
-    write(path, std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 TEST(NSImage, IsFoundAmongResources) {
     const std::string id = makeUUIDString();
     const fs::path resources(NSBundle::mainBundle()->resourceURL().path());
-    write(resources / (id + ".png"), *plain(8, 8, red));
-    write(resources / (id + "@2x.png"), *plain(16, 16, green));
+    std::ofstream(resources / (id + ".png")) << pngText(*plain(8, 8, red));
+    std::ofstream(resources / (id + "@2x.png")) << pngText(*plain(16, 16, green));
     const auto resource = NSImage::named(id);
     ASSERT_TRUE(resource);
     EXPECT_EQ(resource->size(), CGSize(8, 8));
@@ -202,64 +184,42 @@ TEST(NSImage, IsFoundAmongResources) {
 class Icons : public testing::Test {
 protected:
     Icons() {
-        for (const char* name : {"HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_DATA_DIRS"}) {
-            const char* const value = std::getenv(name);
-            before_.emplace_back(name, value ? std::optional<std::string>(value) : std::nullopt);
-            setenv(name, root_.c_str(), 1);
-        }
-        write(root_ / "gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name=Child\n");
-        write(icons_ / "Child/index.theme",
-              "[Icon Theme]\nInherits=Parent,hicolor\nDirectories=16,32,64,wide,32@2,../outside\n"
-              "[16]\nSize=16\nType=Fixed\n[32]\nSize=30\nThreshold=3\n[64]\nSize=64\n"
-              "[wide]\nSize=20\nType=Scalable\nMinSize=8\nMaxSize=60\n"
-              "[32@2]\nSize=32\nScale=2\nType=Fixed\n[../outside]\nSize=32\n");
-        write(icons_ / "Parent/index.theme",
-              "[Icon Theme]\nInherits=hicolor,Child,Grandparent\nDirectories=32\n[32]\nSize=32\n");
-        write(icons_ / "Grandparent/index.theme", "[Icon Theme]\nDirectories=32\n[32]\nSize=32\n");
-    }
-    ~Icons() override {
-        for (const auto& [name, value] : before_)
-            value ? setenv(name, value->c_str(), 1) : unsetenv(name);
-        fs::remove_all(root_);
+        root.file("gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name=Child\n");
+        root.file("icons/Child/index.theme",
+                  "[Icon Theme]\nInherits=Parent,hicolor\n"
+                  "Directories=16,32,64,wide,32@2,../outside\n"
+                  "[16]\nSize=16\nType=Fixed\n[32]\nSize=30\nThreshold=3\n[64]\nSize=64\n"
+                  "[wide]\nSize=20\nType=Scalable\nMinSize=8\nMaxSize=60\n"
+                  "[32@2]\nSize=32\nScale=2\nType=Fixed\n[../outside]\nSize=32\n");
+        const std::string only32 = "Directories=32\n[32]\nSize=32\n";
+        root.file("icons/Parent/index.theme",
+                  "[Icon Theme]\nInherits=hicolor,Child,Grandparent\n" + only32);
+        root.file("icons/Grandparent/index.theme", "[Icon Theme]\n" + only32);
     }
 
-    const fs::path root_ = fs::temp_directory_path() / ("icons-" + makeUUIDString());
-    const fs::path icons_ = root_ / "icons";
-
-private:
-    std::vector<std::pair<const char*, std::optional<std::string>>> before_;
+    const TemporaryFolder root;
+    const Variable home{"HOME", root.path().c_str()};
+    const Variable data{"XDG_DATA_HOME", root.path().c_str()};
+    const Variable configuration{"XDG_CONFIG_HOME", root.path().c_str()};
+    const Variable shared{"XDG_DATA_DIRS", root.path().c_str()};
 };
 
 TEST_F(Icons, AreFoundByTheRulesOfThemes) {
+    const char* const hicolor32 = "hicolor/32x32/apps";
     struct {
         const char* what;
         std::vector<std::pair<const char*, std::uint32_t>> folders;
         std::uint32_t color, colorAtTwo;
     } const table[] = {
-        {"within the threshold",
-         {{"Child/16", red}, {"Child/32", green}, {"Child/64", red}},
-         green,
-         red},
-        {"the first folder of two that fit",
-         {{"Child/32", green}, {"Child/wide", red}},
-         green,
-         red},
+        {"threshold", {{"Child/16", red}, {"Child/32", green}, {"Child/64", red}}, green, red},
+        {"the first of two that fit", {{"Child/32", green}, {"Child/wide", red}}, green, red},
         {"any size", {{"Child/16", red}, {"Child/wide", green}}, green, green},
         {"the nearest", {{"Child/16", green}, {"Child/64", red}}, green, red},
         {"the scale", {{"Child/32@2", blue}, {"Child/64", red}, {"Child/32", green}}, green, blue},
-        {"a child's before a parent's that fits",
-         {{"Parent/32", red}, {"Child/64", green}},
-         green,
-         green},
-        {"a parent's", {{"Parent/32", green}, {"hicolor/32x32/apps", red}}, green, green},
-        {"the shared theme last",
-         {{"hicolor/32x32/apps", red}, {"Grandparent/32", green}},
-         green,
-         green},
-        {"the shared theme without an index",
-         {{"hicolor/64x64/apps", red}, {"hicolor/32x32/apps", green}},
-         green,
-         red},
+        {"a child's before a fit", {{"Parent/32", red}, {"Child/64", green}}, green, green},
+        {"a parent's", {{"Parent/32", green}, {hicolor32, red}}, green, green},
+        {"the shared last", {{hicolor32, red}, {"Grandparent/32", green}}, green, green},
+        {"without an index", {{"hicolor/64x64/apps", red}, {hicolor32, green}}, green, red},
         {"without a theme", {{".", green}}, green, green},
         {"never outside", {{"outside", red}}, 0, 0},
     };
@@ -267,7 +227,8 @@ TEST_F(Icons, AreFoundByTheRulesOfThemes) {
     for (const auto& row : table) {
         const std::string name = "icon" + std::to_string(++number);
         for (const auto& [folder, color] : row.folders)
-            write(icons_ / folder / (name + ".png"), *plain(8, 8, color));
+            root.file(std::string("icons/") + folder + "/" + name + ".png",
+                      pngText(*plain(8, 8, color)));
         const auto icon = NSImage::named(name);
         const auto colorAt = [&](double side) {
             return icon ? pixelAt(*icon->cgImageForProposedRect(CGRect(0, 0, side, side)), 4, 4)
@@ -278,18 +239,19 @@ TEST_F(Icons, AreFoundByTheRulesOfThemes) {
         const auto& last = icon ? icon->representations().back().image : nullptr;
         EXPECT_EQ(last ? pixelAt(*last, 4, 4) : 0, row.colorAtTwo) << row.what;
     }
-    write(icons_ / "hicolor/32x32/apps/tool.png", *plain(32, 32, blue));
-    fs::create_directories(root_ / "tool.app");
-    EXPECT_EQ(applicationIcon(*NSBundle::create(root_ / "tool.app"), 64)->size(), CGSize(64, 64));
+    root.file("icons/hicolor/32x32/apps/tool.png", pngText(*plain(32, 32, blue)));
+    root.folder("tool.app");
+    const auto bundle = NSBundle::create(root.url("tool.app").path());
+    EXPECT_EQ(applicationIcon(*bundle, 64)->size(), CGSize(64, 64));
 }
 
 TEST_F(Icons, OfShapesAreSharpAtAnySize) {
-    write(root_ / "secret.png", *plain(8, 8, blue));
+    root.file("secret.png", pngText(*plain(8, 8, blue)));
     const std::string shapes = "<svg xmlns='http://www.w3.org/2000/svg' width='16' height='8'>"
                                "<rect width='8' height='8' fill='#f00'/><image x='8' width='8' "
                                "height='8' href='file://" +
-                               (root_ / "secret.png").string() + "'/></svg>";
-    write(icons_ / "Child/16/shapes.svg", shapes);
+                               root.url("secret.png").path() + "'/></svg>";
+    root.file("icons/Child/16/shapes.svg", shapes);
     const auto icon = NSImage::named("shapes");
     ASSERT_TRUE(icon);
     EXPECT_EQ(icon->size(), CGSize(32, 16));
@@ -301,7 +263,7 @@ TEST_F(Icons, OfShapesAreSharpAtAnySize) {
     }
     for (const char* broken : {"<svg", "<svg xmlns='http://www.w3.org/2000/svg'/>",
                                "<svg xmlns='http://www.w3.org/2000/svg' width='-1' height='1'/>"}) {
-        write(icons_ / "Child/16/broken.svg", broken);
+        root.file("icons/Child/16/broken.svg", broken);
         EXPECT_EQ(NSImage::named("broken"), nullptr) << broken;
     }
 }
@@ -326,4 +288,3 @@ TEST(NSImage, DrawsSymbolsAtAnySize) {
 }
 
 } // namespace
-} // namespace zorvan

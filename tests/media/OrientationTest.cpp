@@ -1,16 +1,10 @@
+#include <tests/Testing.h>
+
 #include <zorvan/media/ExifOrientation.h>
 #include <zorvan/media/ExifOrientationGeometry.h>
 #include <zorvan/media/ImageExportFormat.h>
 #include <zorvan/media/RenamedExifOrientation.h>
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <limits>
-#include <string_view>
-#include <unordered_set>
-
-namespace zorvan {
 namespace {
 
 TEST(ImageExportFormat, IsFoundByRawValueAndByExtension) {
@@ -20,33 +14,29 @@ TEST(ImageExportFormat, IsFoundByRawValueAndByExtension) {
                              std::numeric_limits<std::int64_t>::max()})
         EXPECT_FALSE(ImageExportFormat::make({.rawValue = raw})) << raw;
 
-    struct Case {
-        std::string_view extension;
-        std::int64_t rawValue;
-    };
-    for (const Case& c : {Case{"jpg", 2}, Case{"JPEG", 2}, Case{"png", 1}, Case{"Tiff", 3},
-                          Case{"TIF", 3}, Case{"heic", 4}, Case{"HEIF", 4}})
-        EXPECT_EQ(ImageExportFormat::make({.pathExt = c.extension})->rawValue(), c.rawValue)
-            << c.extension;
+    for (const auto& [extension, raw] : {std::pair("jpg", 2),
+                                         {"JPEG", 2},
+                                         {"png", 1},
+                                         {"Tiff", 3},
+                                         {"TIF", 3},
+                                         {"heic", 4},
+                                         {"HEIF", 4}})
+        EXPECT_EQ(ImageExportFormat::make({.pathExt = extension})->rawValue(), raw) << extension;
     for (std::string_view unknown : {"", ".png", "gif", "jpgx", "jp", "pn\0", "p\xCE\xA0g"})
         EXPECT_FALSE(ImageExportFormat::make({.pathExt = unknown})) << unknown;
 }
 
 TEST(ImageExportFormat, SaysHowItIsNamedAndEncoded) {
-    struct Case {
-        ImageExportFormat format;
-        std::string_view extension, displayName, type;
-    };
-    const Case cases[] = {{ImageExportFormat::png, "png", "png", "public.png"},
-                          {ImageExportFormat::jpg, "jpg", "jpeg", "public.jpeg"},
-                          {ImageExportFormat::tiff, "tiff", "tiff", "public.tiff"},
-                          {ImageExportFormat::heic, "heic", "heif", "public.heic"}};
     std::size_t position = 0;
-    for (const Case& c : cases) {
-        EXPECT_EQ(ImageExportFormat::allCases[position++], c.format);
-        EXPECT_EQ(c.format.pathExtension(), c.extension);
-        EXPECT_EQ(c.format.displayName(), c.displayName);
-        EXPECT_EQ(c.format.cgType(), c.type);
+    for (const auto& [format, extension, displayName, type] :
+         {std::tuple(ImageExportFormat::png, "png", "png", "public.png"),
+          {ImageExportFormat::jpg, "jpg", "jpeg", "public.jpeg"},
+          {ImageExportFormat::tiff, "tiff", "tiff", "public.tiff"},
+          {ImageExportFormat::heic, "heic", "heif", "public.heic"}}) {
+        EXPECT_EQ(ImageExportFormat::allCases[position++], format);
+        EXPECT_EQ(format.pathExtension(), extension);
+        EXPECT_EQ(format.displayName(), displayName);
+        EXPECT_EQ(format.cgType(), type);
     }
 }
 
@@ -78,14 +68,8 @@ TEST(RenamedExifOrientation, IsTheSamePositionUnderAnotherName) {
 template <class Orientation>
 void expectCompositions() {
     // Horizontal mirror, vertical mirror, left turn and right turn of each position.
-    constexpr std::array<std::array<std::size_t, 4>, 8> table{{{1, 3, 7, 5},
-                                                               {0, 2, 4, 6},
-                                                               {3, 1, 5, 7},
-                                                               {2, 0, 6, 4},
-                                                               {5, 7, 3, 1},
-                                                               {4, 6, 0, 2},
-                                                               {7, 5, 1, 3},
-                                                               {6, 4, 2, 0}}};
+    constexpr std::size_t table[8][4] = {{1, 3, 7, 5}, {0, 2, 4, 6}, {3, 1, 5, 7}, {2, 0, 6, 4},
+                                         {5, 7, 3, 1}, {4, 6, 0, 2}, {7, 5, 1, 3}, {6, 4, 2, 0}};
     for (std::size_t i = 0; i < 8; ++i) {
         const Orientation start = Orientation::allCases[i];
         EXPECT_EQ(start.horizontalMirrored(), Orientation::allCases[table[i][0]]);
@@ -125,4 +109,3 @@ TEST(ExifOrientationGeometry, AnglesScalesAndInverses) {
 }
 
 } // namespace
-} // namespace zorvan

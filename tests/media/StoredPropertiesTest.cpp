@@ -1,32 +1,17 @@
 #include "TestImages.h"
+#include <tests/Testing.h>
+#include <tests/files/TemporaryFolder.h>
+#include <tests/outputOf.h>
 
 #include <zorvan/media/ImageKeys.h>
-#include <zorvan/platform/foundation/UUID.h>
 
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <memory>
-
-namespace zorvan {
 namespace {
 
 /// What a program of somebody else's reads from the file, one value a line.
 std::string readByExiftool(const Data& bytes, const std::string& tags) {
-    const std::filesystem::path file =
-        std::filesystem::temp_directory_path() / ("stored-" + makeUUIDString());
-    std::ofstream(file, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
-    const std::string command = "exiftool -n -s3 -f " + tags + " '" + file.string() + "' 2>&1";
-    std::string output;
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-    char buffer[512];
-    while (pipe && std::fgets(buffer, sizeof buffer, pipe.get()))
-        output += buffer;
-    std::filesystem::remove(file);
-    return output;
+    const TemporaryFolder folder;
+    folder.file("picture", {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    return outputOf("exiftool -n -s3 -f " + tags + " " + folder.url("picture").path());
 }
 
 PropertyList::Dictionary section(std::string_view key, std::string_view name, PropertyList value) {
@@ -60,23 +45,22 @@ TEST(StoredProperties, AreFoundByAnotherReaderInEveryFormat) {
         }
 }
 
-TEST(StoredProperties, AnIptcCaptionIsADescriptionWhenThereIsNoOther) {
+TEST(StoredProperties, AreThoseThatWereAskedForAndAnIptcCaptionForWantOfAnother) {
+    const auto picture = plain(8, 8, 0xFF4080C0);
+    for (const ImageExportFormat format : formats)
+        EXPECT_EQ(
+            readByExiftool(*picture->data(format), "-EXIF:DateTimeOriginal -EXIF:ImageDescription"),
+            "-\n-\n");
     PropertyList::Dictionary options =
         section(kCGImagePropertyIPTCDictionary, kCGImagePropertyIPTCCaptionAbstract, "From IPTC");
-    const auto first = plain(8, 8, 0xFF4080C0)->data(ImageExportFormat::jpg, options);
-    EXPECT_EQ(readByExiftool(*first, "-EXIF:ImageDescription"), "From IPTC\n");
+    const auto description = [&] {
+        return readByExiftool(*picture->data(ImageExportFormat::jpg, options),
+                              "-EXIF:ImageDescription");
+    };
+    EXPECT_EQ(description(), "From IPTC\n");
     options.merge(
         section(kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFImageDescription, "From TIFF"));
-    const auto second = plain(8, 8, 0xFF4080C0)->data(ImageExportFormat::jpg, options);
-    EXPECT_EQ(readByExiftool(*second, "-EXIF:ImageDescription"), "From TIFF\n");
-}
-
-TEST(StoredProperties, NothingIsStoredThatWasNotAskedFor) {
-    for (const ImageExportFormat format : formats)
-        EXPECT_EQ(readByExiftool(*plain(8, 8, 0xFF4080C0)->data(format),
-                                 "-EXIF:DateTimeOriginal -EXIF:ImageDescription"),
-                  "-\n-\n");
+    EXPECT_EQ(description(), "From TIFF\n");
 }
 
 } // namespace
-} // namespace zorvan

@@ -2,23 +2,19 @@
 
 #include <zorvan/media/CGImage.h>
 
+#include <tests/platform/graphics/TestPictures.h>
+
+#include <gtest/gtest.h>
+
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
-#include <random>
 
 namespace zorvan {
 
 /// Random colours, premultiplied by random alpha.
 inline CGImage::Pointer noise(std::int64_t width, std::int64_t height) {
-    Bitmap bitmap = Bitmap::make(width, height).value();
-    std::mt19937 random(static_cast<unsigned>(width * 31 + height));
-    for (std::int64_t i = 0; i < width * height; ++i) {
-        const unsigned alpha = random() % 256;
-        for (int c = 0; c < 4; ++c)
-            bitmap.data()[i * 4 + c] =
-                static_cast<std::uint8_t>(c == 3 ? alpha : random() % (alpha + 1));
-    }
-    return CGImage::create(std::move(bitmap));
+    return CGImage::create(noiseBitmap(width, height));
 }
 
 /// One colour all over, given as bytes in memory order.
@@ -31,9 +27,23 @@ inline CGImage::Pointer plain(std::int64_t width, std::int64_t height, std::uint
 
 /// Column and row counted from the top left.
 inline std::uint32_t pixelAt(const CGImage& image, std::int64_t x, std::int64_t y) {
-    std::uint32_t pixel;
-    std::memcpy(&pixel, image.uint8Data() + image.offset(x, y), 4);
-    return pixel;
+    return pixelAt(image.bitmap(), x, y);
+}
+
+/// Compares every pixel with the one that `wanted` gives for its column and row.
+template <class Wanted>
+void expectPixels(const CGImage& image, Wanted wanted) {
+    for (std::int64_t y = 0; y < image.height(); ++y)
+        for (std::int64_t x = 0; x < image.width(); ++x)
+            ASSERT_EQ(pixelAt(image, x, y), wanted(x, y)) << x << ',' << y;
+}
+
+/// The mean distance of all components.
+inline double meanDifference(const CGImage& a, const CGImage& b) {
+    double sum = 0;
+    for (std::int64_t i = 0; i < a.bitmap().byteCount(); ++i)
+        sum += std::abs(a.uint8Data()[i] - b.uint8Data()[i]);
+    return sum / static_cast<double>(a.bitmap().byteCount());
 }
 
 inline bool haveSamePixels(const CGImage& a, const CGImage& b) {

@@ -1,14 +1,10 @@
 #include "TestImages.h"
+#include <tests/Testing.h>
 
 #include <zorvan/media/CGContext.h>
 #include <zorvan/media/NSAttributedString.h>
 #include <zorvan/media/NSGraphicsContext.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-namespace zorvan {
 namespace {
 
 const std::string words =
@@ -182,4 +178,3 @@ TEST(TextDrawing, TakesAnyText) {
 }
 
 } // namespace
-} // namespace zorvan

@@ -1,16 +1,8 @@
 #include "Printing.h"
+#include <tests/Testing.h>
 
 #include <zorvan/numbers-geometry/CGPoint.h>
 #include <zorvan/numbers-geometry/Triangle.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <functional>
-#include <random>
-
-using namespace zorvan;
 
 namespace {
 

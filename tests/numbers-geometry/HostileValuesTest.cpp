@@ -1,4 +1,5 @@
 #include "Printing.h"
+#include <tests/Testing.h>
 
 #include <zorvan/numbers-geometry/Angle.h>
 #include <zorvan/numbers-geometry/CGAffineTransform.h>
@@ -6,14 +7,6 @@
 #include <zorvan/numbers-geometry/Line.h>
 #include <zorvan/numbers-geometry/Segment.h>
 #include <zorvan/numbers-geometry/Triangle.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <vector>
-
-using namespace zorvan;
 
 // Every operation, on values at and beyond the edges. What they promise there: no undefined
 // behaviour (the sanitizers watch), integers in range, standardised sides not negative, null kept

@@ -1,12 +1,7 @@
 #include "Printing.h"
+#include <tests/Testing.h>
 
 #include <zorvan/numbers-geometry/Interval.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-
-using namespace zorvan;
 
 TEST(Interval, isMadeFromEndsOrValues) {
     EXPECT_EQ(Interval({.value1 = 3, .value2 = 1}), Interval(1, 3));
@@ -23,9 +18,7 @@ TEST(Interval, isMadeFromEndsOrValues) {
     EXPECT_EQ(Interval::intersection({0, 1}, {2, 3}), std::nullopt);
     EXPECT_EQ(Interval::union_({0, 1}, {2, 3}), Interval(0, 3));
     EXPECT_TRUE(Interval(0, 1).contains(1));
-}
-
-TEST(Interval, comparesBothEnds) {
+    // Both ends are compared.
     EXPECT_TRUE(Interval(1.001, 2).isSimilarTo({1.002, 2}, 2));
     EXPECT_FALSE(Interval(1.001, 2).isSimilarTo({1.002, 3}, 2));
     EXPECT_TRUE(Interval(1.001, 1.002).oneEndPointIsSimilarTo(1, 2));

@@ -1,4 +1,5 @@
 #include "Printing.h"
+#include <tests/Testing.h>
 
 #include <zorvan/numbers-geometry/Angle.h>
 #include <zorvan/numbers-geometry/CardinalDirection.h>
@@ -9,12 +10,6 @@
 #include <zorvan/numbers-geometry/Segment.h>
 #include <zorvan/numbers-geometry/Triangle.h>
 #include <zorvan/numbers-geometry/VOrientation.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-
-using namespace zorvan;
 
 TEST(Line, isSignedAndMeetsUnlessParallel) {
     const Line axis(CGPoint(0, 0), CGPoint(1, 0));
@@ -58,9 +53,7 @@ TEST(Segment, comparesInBothDirections) {
     EXPECT_TRUE(Segment({0, 0}, {0, 5}).isColinearTo(Segment({0, 0}, {5, 0}), 0.01));
     EXPECT_TRUE(Segment({0, 0}, {1, 2}).isColinearTo(Segment({5, 5}, {7, 9}), 0));
     EXPECT_FALSE(Segment({0, 0}, {1, 2}).isColinearTo(Segment({0, 0}, {1, 1}), 0.5));
-}
-
-TEST(Segment, containsByTheHalfOpenBounds) {
+    // Points are contained by the half-open bounds.
     EXPECT_FALSE(Segment({0, 0}, {4, 0}).contains({2, 0}));
     EXPECT_TRUE(Segment({0, 0}, {4, 4}).contains({2, 2}));
     EXPECT_FALSE(Segment({0, 0}, {4, 4}).contains({4, 4}));

@@ -1,19 +1,11 @@
 // The usual C headers come first, so that their functions of the same names take part.
-#include <cmath>
-#include <cstdlib>
+#include <tests/Testing.h>
 
 #include <zorvan/numbers-geometry/Integer.h>
 #include <zorvan/numbers-geometry/RealNumber.h>
 
-#include <gtest/gtest.h>
-
 #include <bit>
 #include <charconv>
-#include <limits>
-#include <random>
-#include <set>
-
-using namespace zorvan;
 
 namespace testing_reals {
 
@@ -64,9 +56,7 @@ TEST(RealNumber, rounds) {
     EXPECT_EQ(floorInt(-2.5), -3);
     EXPECT_EQ(ceilInt(2.1), 3);
     EXPECT_EQ(zorvan::round(Tenths(2.46), 1), Tenths(2.5));
-}
-
-TEST(RealNumber, namesOfTheCLibraryResolveAfterUsingNamespace) {
+    // The names of the C library resolve after `using namespace`.
     EXPECT_EQ(round(2.5), 3);
     EXPECT_EQ(floor(2.5F), 2.0F);
     EXPECT_EQ(ceil(2.5), 3);
@@ -94,10 +84,8 @@ TEST(RealNumber, comparesByPlacesAndTolerance) {
 }
 
 TEST(RealNumber, snapsAndClamps) {
-    EXPECT_EQ(glue(8.0, 10, 2), 8);
-    EXPECT_EQ(glue(8.5, 10, 2), 10);
-    EXPECT_EQ(glue(12.0, 10, 2), 12);
-    EXPECT_EQ(glue(11.99, 10, 2), 10);
+    for (const auto& [x, glued] : {std::pair(8.0, 8), {8.5, 10}, {12.0, 12}, {11.99, 10}})
+        EXPECT_EQ(glue(x, 10, 2), glued);
     EXPECT_EQ(glue(9.99, 10, 0), 9.99);
     for (const double x : {-1.0, 3.0, 9.0})
         EXPECT_EQ(zorvan::clamp(x, 5, 1), 5);
@@ -203,9 +191,7 @@ TEST(Integer, keepsToItsRange) {
     EXPECT_EQ(positiveRemainder(-7, 0), -7);
     EXPECT_EQ(positiveRemainder(smallest, -1), 0);
     EXPECT_EQ(randomValue<std::int64_t>(smallest, smallest), smallest);
-}
-
-TEST(Integer, padsToTheDigitsOfTheLargest) {
+    // Numbers are padded to the digits of the largest.
     EXPECT_EQ(zeroPadded(5, 0), "5");
     EXPECT_EQ(zeroPadded(-5, 100), "-05");
     EXPECT_EQ(zeroPadded(1234, 9), "1234");

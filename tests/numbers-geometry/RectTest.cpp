@@ -1,15 +1,8 @@
 #include "Printing.h"
+#include <tests/Testing.h>
 
 #include <zorvan/numbers-geometry/CGAffineTransform.h>
 #include <zorvan/numbers-geometry/RectCorners.h>
-
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <random>
-#include <unordered_set>
-
-using namespace zorvan;
 
 namespace {
 
@@ -75,10 +68,7 @@ TEST(CGRect, replacesParts) {
     EXPECT_EQ(ten.adding({.origin = CGPoint(1, 2)}), CGRect(1, 2, 10, 10));
     EXPECT_EQ(ten.shifting({.origin = {2, 3}}), CGRect(2, 3, 8, 7));
     EXPECT_EQ(ten.shifting({.y = 3}), CGRect(0, 3, 10, 7));
-}
-
-TEST(CGRect, replacesPartsOfAnInvertedRectangle) {
-    const CGRect r(10, 10, -4, -6);
+    const CGRect r(10, 10, -4, -6); // whose sides are negative
     EXPECT_EQ(r.with({.lw = 3}), CGRect(10, 10, 3, 6));
     EXPECT_EQ(r.with({.rw = 3}), CGRect(3, 10, 3, -6));
     EXPECT_EQ(r.with({.bh = 3}), CGRect(10, 10, 4, 3));
@@ -130,13 +120,11 @@ TEST(CGRect, mutatingFormsDoWhatTheCopyingOnesReturn) {
     EXPECT_EQ(r, CGRect(72, 93, 54, 16));
     r.apply(CGAffineTransform(0, 1, -1, 0, 0, 0));
     EXPECT_EQ(r, CGRect(-109, 72, 16, 54));
-}
-
-TEST(CGRect, expandsPerAxisFromTheOrigin) {
-    const std::pair<CGPoint, CGRect> table[] = {
-        {{4, 4}, {0, 0, 4, 4}}, {{-2, 12}, {-2, 0, 12, 12}}, {{0, 0}, ten}};
-    for (const auto& [point, expanded] : table) {
-        CGRect r = ten;
+    // It is expanded on each axis from the origin.
+    for (const auto& [point, expanded] : {std::pair(CGPoint(4, 4), CGRect(0, 0, 4, 4)),
+                                          {{-2, 12}, {-2, 0, 12, 12}},
+                                          {{0, 0}, ten}}) {
+        r = ten;
         r.expand(point);
         EXPECT_EQ(r, expanded);
     }

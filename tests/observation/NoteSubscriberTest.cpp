@@ -1,13 +1,8 @@
+#include <tests/Testing.h>
+
 #include <zorvan/observation/MultiNoteSubscriber.h>
 #include <zorvan/observation/NoteSubscriber.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
-using namespace zorvan;
 
 namespace {
 
@@ -22,12 +17,10 @@ class NoteSubscriberTest : public testing::Test {
 protected:
     NoteSubscriberTest() { subscriber->setName(opened); }
 
-    void subscribe() {
-        subscriber->subscribe(target,
-                              [](const std::shared_ptr<Target>& self, const Notification& note) {
-                                  self->seen += note.name.rawValue().substr(0, 1);
-                              });
+    static void note(const std::shared_ptr<Target>& self, const Notification& told) {
+        self->seen += told.name.rawValue().substr(0, 1);
     }
+    void subscribe() { subscriber->subscribe(target, note); }
 
     std::shared_ptr<Target> target = std::make_shared<Target>();
     const std::shared_ptr<NSNotificationCenter> center = NSNotificationCenter::create();
@@ -35,17 +28,10 @@ protected:
     std::shared_ptr<int> sender = std::make_shared<int>();
 };
 
-TEST_F(NoteSubscriberTest, StartsWithNothingSet) {
-    const auto fresh = NoteSubscriber::create(center);
-    EXPECT_EQ(fresh->center(), center);
-    EXPECT_FALSE(fresh->queue());
-    EXPECT_FALSE(fresh->name());
-    EXPECT_FALSE(fresh->object());
-    EXPECT_FALSE(fresh->observer());
-    fresh->unsubscribe();
-}
-
 TEST_F(NoteSubscriberTest, ObservesBetweenSubscribeAndUnsubscribe) {
+    EXPECT_EQ(subscriber->center(), center);
+    EXPECT_FALSE(subscriber->queue() || subscriber->object() || subscriber->observer());
+    subscriber->unsubscribe();
     center->post(opened);
     subscribe();
     EXPECT_TRUE(subscriber->observer());
@@ -102,12 +88,12 @@ TEST_F(NoteSubscriberTest, KeepsNeitherTargetNorSenderAlive) {
     center->post(opened, sender);
     EXPECT_EQ(calls, 1);
     EXPECT_TRUE(subscriber->observer()) << "still registered";
-}
-
-TEST_F(NoteSubscriberTest, TheTargetMayBeGoneByTheTimeOfAQueuedDelivery) {
+    // The target may be gone by the time of a queued delivery.
+    subscriber->unsubscribe();
     subscriber->setQueue(NSOperationQueue::main());
+    target = std::make_shared<Target>();
     subscribe();
-    center->post(opened);
+    center->post(opened, sender);
     target = nullptr;
     MainQueue::drain();
 }
@@ -136,6 +122,7 @@ using NoteSubscriberDeathTest = NoteSubscriberTest;
 
 TEST_F(NoteSubscriberDeathTest, ChecksInOrder) {
     const auto nameless = NoteSubscriber::create(center);
+    EXPECT_FALSE(nameless->name());
     EXPECT_DEATH(nameless->subscribe(target, [](const auto&, const Notification&) {}),
                  "^Notification name has not been set.\n$");
     subscribe();
@@ -146,11 +133,7 @@ TEST_F(NoteSubscriberDeathTest, ChecksInOrder) {
 
 class MultiNoteSubscriberTest : public NoteSubscriberTest {
 protected:
-    void subscribeToAll() {
-        multi->subscribe(target, [](const std::shared_ptr<Target>& self, const Notification& note) {
-            self->seen += note.name.rawValue().substr(0, 1);
-        });
-    }
+    void subscribeToAll() { multi->subscribe(target, note); }
 
     const std::shared_ptr<MultiNoteSubscriber> multi = MultiNoteSubscriber::create(center);
     const std::vector<std::shared_ptr<int>> senders{

@@ -1,22 +1,15 @@
 #include "Program.h"
 #include "TestMovies.h"
 #include "displayText.h"
+#include <tests/Testing.h>
 
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/CGImageSource.h>
 
-#include <algorithm>
-#include <fstream>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <sstream>
-#include <sys/stat.h>
-#include <thread>
 
 using nlohmann::json;
-using namespace zorvan;
-namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 
 namespace {

@@ -1,11 +1,7 @@
 #include "displayText.h"
+#include <tests/Testing.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <nlohmann/json.hpp>
-#include <random>
-#include <vector>
 
 TEST(DisplayText, showsWhatCannotBePrinted) {
     struct {

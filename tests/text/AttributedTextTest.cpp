@@ -1,14 +1,9 @@
+#include <tests/Testing.h>
+#include <tests/files/TemporaryFolder.h>
+#include <tests/outputOf.h>
+
 #include <zorvan/text/NSAttributedString.h>
 
-#include <gmock/gmock.h>
-
-#include <array>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-
-using namespace zorvan;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -42,20 +37,10 @@ void expectIn(const std::string& document, const std::vector<std::string>& parts
 }
 
 /// What a program prints when it is given `document` as a file.
-std::string outputOf(const std::string& command, const std::string& document) {
-    char path[] = "/tmp/zorvan-document-XXXXXX";
-    const int file = mkstemp(path);
-    EXPECT_GE(file, 0);
-    std::ofstream(path, std::ios::binary) << document;
-    std::string output;
-    if (FILE* pipe = popen((command + " " + path + " 2>&1").c_str(), "r")) {
-        std::array<char, 4096> buffer;
-        while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), pipe))
-            output.append(buffer.data(), size);
-        pclose(pipe);
-    }
-    std::filesystem::remove(path);
-    return output;
+std::string read(const std::string& command, const std::string& document) {
+    const TemporaryFolder folder;
+    folder.file("document", document);
+    return outputOf(command + " " + folder.url("document").path());
 }
 
 } // namespace
@@ -85,8 +70,8 @@ TEST(AttributedText, HTMLHoldsTextAndAttributes) {
              {"font-weight:bold;\">Bold</span>", "<sup>2</sup>",
               "color:rgba(255,0,0,1);text-decoration:underline;\"> &amp; &lt;red&gt;</span></p>",
               "<p style=\"text-align:center\"><a href=\"https://example.com/?a=1&amp;b=2\">"});
-    EXPECT_EQ(outputOf("xmllint --html --noout", html), "");
-    EXPECT_EQ(outputOf("xmllint --html --xpath 'string(//body)'", html),
+    EXPECT_EQ(read("xmllint --html --noout", html), "");
+    EXPECT_EQ(read("xmllint --html --xpath 'string(//body)'", html),
               "\nBold & <red>\nlink {x} \\ é 😀2\n\n");
 }
 
@@ -129,7 +114,7 @@ TEST(AttributedText, RTFIsReadBack) {
                         "HYPERLINK \"https://example.com/?a=1&b=2\""});
     NSMutableAttributedString text = sample();
     text.removeAttribute(AttributeName::link, {0, text.length()}); // which unrtf does not read
-    expectIn(outputOf("unrtf --html --quiet", rtfText(text)),
+    expectIn(read("unrtf --html --quiet", rtfText(text)),
              {"<b>Bold</b>", "<font color=\"#ff0000\"><u> &amp; &lt;red&gt;</u></font>", "<center>",
               "link {x} \\ &eacute;", "<sup>2</sup>"});
 }

@@ -1,10 +1,7 @@
 #include "Times.h"
+#include <tests/Testing.h>
 
 #include <zorvan/text/CMTimeArithmetic.h>
-
-#include <cmath>
-
-using namespace zorvan;
 
 namespace {
 

@@ -1,11 +1,7 @@
 #include "Times.h"
+#include <tests/Testing.h>
 
 #include <zorvan/text/CMTimeRange.h>
-
-#include <cmath>
-#include <random>
-
-using namespace zorvan;
 
 namespace {
 

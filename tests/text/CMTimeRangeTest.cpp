@@ -1,8 +1,7 @@
 #include "Times.h"
+#include <tests/Testing.h>
 
 #include <zorvan/text/CMTimeRange.h>
-
-using namespace zorvan;
 
 namespace {
 

@@ -1,13 +1,7 @@
 #include "Times.h"
+#include <tests/Testing.h>
 
 #include <zorvan/text/CMTimeIterator.h>
-
-#include <algorithm>
-#include <cmath>
-#include <string>
-#include <vector>
-
-using namespace zorvan;
 
 static_assert(CMTime({.seconds = 1.5}).value == 1500000);
 static_assert(t(1, 3) + t(1, 6) == t(1, 2));
@@ -17,14 +11,10 @@ TEST(CMTime, isMadeFromSeconds) {
     // Halves go away from zero; the timescale is halved until the value fits.
     const auto make = CMTimeMakeWithSeconds;
     const TimePairs table = {
-        {make(0.1, 1000), t(100, 1000)},
-        {make(-0.29, 100), t(-29, 100)},
-        {make(0.5, 1), rounded(1)},
-        {make(-0.5, 1), rounded(-1)},
-        {make(1.0 / 3, 100), rounded(33, 100)},
-        {make(1e19, 600), plus},
-        {make(-1e300, 600), minus},
-        {seconds(infinity), plus},
+        {make(0.1, 1000), t(100, 1000)}, {make(-0.29, 100), t(-29, 100)},
+        {make(0.5, 1), rounded(1)},      {make(1.0 / 3, 100), rounded(33, 100)},
+        {make(-0.5, 1), rounded(-1)},    {make(-1e300, 600), minus},
+        {make(1e19, 600), plus},         {seconds(infinity), plus},
     };
     expectSame(table);
     constexpr std::int64_t large = 5000000000000000000;

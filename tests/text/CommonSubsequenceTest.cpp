@@ -1,14 +1,9 @@
-#include <zorvan/text/String.h>
+#include <tests/Testing.h>
 
 #include <zorvan/platform/textservices/Characters.h>
+#include <zorvan/text/String.h>
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
-
-#include <algorithm>
-#include <random>
-
-using namespace zorvan;
 
 namespace {
 

@@ -1,15 +1,10 @@
+#include <tests/Testing.h>
+
 #include <zorvan/text/EventKeyCode.h>
-
-#include <gtest/gtest.h>
-
-using namespace zorvan;
 
 TEST(EventKeyCode, startsWithTheInitialTable) {
     using K = EventKeyCode;
-    const struct {
-        const K& key;
-        int code;
-    } table[] = {
+    const std::pair<const K&, int> table[] = {
         {K::digit0, 29},      {K::digit1, 18},   {K::digit2, 19},     {K::digit3, 20},
         {K::digit4, 21},      {K::digit5, 23},   {K::digit6, 22},     {K::digit7, 26},
         {K::digit8, 28},      {K::digit9, 25},   {K::space, 49},      {K::escape, 53},
@@ -24,8 +19,8 @@ TEST(EventKeyCode, startsWithTheInitialTable) {
         {K::rightArrow, 124},
     };
     static_assert(std::size(table) == 45);
-    for (const auto& row : table)
-        EXPECT_EQ(row.key.rawValue, row.code);
+    for (const auto& [key, code] : table)
+        EXPECT_EQ(key.rawValue, code);
 }
 
 TEST(EventKeyCode, isReassignedForTheProcess) {

@@ -1,8 +1,7 @@
-#include <zorvan/text/NSBundle.h>
-
 #include "../platform/propertylist/BundleFolder.h"
+#include <tests/Testing.h>
 
-using namespace zorvan;
+#include <zorvan/text/NSBundle.h>
 
 TEST_F(BundleTest, readsTypedEntries) {
     writeInformation("a.bundle/Contents/Info.plist",

@@ -1,15 +1,13 @@
-#include <zorvan/text/String.h>
+#include <tests/Testing.h>
 
 #include <zorvan/platform/foundation/NSUserName.h>
+#include <zorvan/platform/textservices/Locale.h>
+#include <zorvan/text/Double.h>
+#include <zorvan/text/String.h>
 
-#include <gtest/gtest.h>
-
-#include <random>
-
-using namespace zorvan;
 using Matches = std::vector<std::vector<std::string>>;
 
-TEST(String, TellsBlankFromEmpty) {
+TEST(String, TellsBlankFromEmptyAndShapes) {
     for (const char* blank : {"", "  \n", "\u00A0\u2028\t\r\n"})
         EXPECT_TRUE(isBlank(blank)) << blank;
     EXPECT_FALSE(isBlank(" \u0301"));
@@ -23,16 +21,15 @@ TEST(String, TellsBlankFromEmpty) {
     EXPECT_FALSE(isValidMessage(""));
     EXPECT_TRUE(isValidMessage(" "));
     EXPECT_EQ(count("e\u0301\r\n👨‍👩‍👧"), 3);
-}
-
-TEST(String, Shapes) {
-    EXPECT_EQ(minPadding("ab", 4), "ab  ");
+    EXPECT_EQ(minPadding("abc", 4), "abc ");
     EXPECT_EQ(minPadding("abcdef", 4), "abcdef");
     EXPECT_EQ(minPadding("😀", 4), "😀  "); // two UTF-16 units
     EXPECT_EQ(minPadding("ab", -1), "ab");
-    const std::pair<std::string_view, std::string_view> decapitals[] = {
-        {"Hello", "hello"}, {"", ""}, {"ÉTÉ", "éTÉ"}, {"E\u0301T", "e\u0301T"}, {"\xFFÀ", "\xFFÀ"}};
-    for (const auto& [text, changed] : decapitals)
+    for (const auto& [text, changed] : {std::pair("Hello", "hello"),
+                                        {"", ""},
+                                        {"ÉTÉ", "éTÉ"},
+                                        {"E\u0301T", "e\u0301T"},
+                                        {"\xFFÀ", "\xFFÀ"}})
         EXPECT_EQ(decapitalized(text), changed);
 }
 
@@ -53,8 +50,7 @@ TEST(String, NumbersCopies) {
         {"File (-1)", "File (-1) (1)"},
         {"File (٣)", "File (٣) (1)"},
         {"\xFF\xFE (2)", "\xFF\xFE (3)"},
-        {"Report (2) final", "Report (3)"},
-    };
+        {"Report (2) final", "Report (3)"}};
     for (const auto& [name, copy] : cases)
         EXPECT_EQ(incremented(name), copy);
     EXPECT_EQ(incremented("File (9223372036854775806)"), "File (9223372036854775807)");
@@ -108,9 +104,7 @@ TEST(String, AbbreviatesTheHomeFolder) {
     std::string other = "/x" + home;
     EXPECT_FALSE(abreviateTildeInPath(other));
     EXPECT_EQ(other, "/x" + home);
-}
-
-TEST(String, FinderOrderIsThatOfNames) {
+    // The order of the Finder is that of names.
     EXPECT_EQ(finderCompare("file2", "file10"), ComparisonResult::orderedAscending);
     EXPECT_EQ(finderCompare("é", "E"), ComparisonResult::orderedSame);
     EXPECT_EQ(finderCompare("Öl", "Z", Locale("sv")), ComparisonResult::orderedDescending);
@@ -162,4 +156,26 @@ TEST(String, ValidatesLinks) {
         EXPECT_FALSE(isValidLink(none)) << none;
     EXPECT_TRUE(isValid("joe@example.com", NSTextCheckingType::link));
     EXPECT_FALSE(isValid("2021-01-01", NSTextCheckingType::date));
+}
+
+TEST(Double, FormatsPercentForTheCurrentLocale) {
+    // Halves go to the even neighbour.
+    const Locale before = Locale::current();
+    for (const auto& [locale, value, text] : {std::tuple("en_US", 0.25, "25%"),
+                                              {"en_US", -0.5, "-50%"},
+                                              {"en_US", 0, "0%"},
+                                              {"en_US", 12.345, "1,234%"},
+                                              {"en_US_POSIX", 12.34, "1,234%"},
+                                              {"en_US", 0.125, "12%"},
+                                              {"tr_TR", 0.5, "%50"},
+                                              {"de_DE", 12.34, "1.234\u00A0%"},
+                                              {"ar_EG", 0.5, "٥٠٪\u061C"}}) {
+        Locale::setCurrent(Locale(locale));
+        EXPECT_EQ(formatPercent(value), text) << locale << " " << value;
+    }
+    Locale::setCurrent(Locale("en_US"));
+    EXPECT_EQ(formatPercent(1e300).size(), 404u); // 303 digits, 100 commas and the sign
+    EXPECT_EQ(formatPercent(std::numeric_limits<double>::infinity()), "∞%");
+    EXPECT_EQ(formatPercent(std::nan("")), "NaN%");
+    Locale::setCurrent(before);
 }

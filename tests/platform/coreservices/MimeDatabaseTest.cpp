@@ -1,38 +1,22 @@
-#include <zorvan/platform/coreservices/internal/MimeDatabase.h>
+#include <tests/Testing.h>
+#include <tests/files/TemporaryFolder.h>
 
 #include <zorvan/platform/coreservices/UTType.h>
+#include <zorvan/platform/coreservices/internal/MimeDatabase.h>
 
-#include <gmock/gmock.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sys/stat.h>
-
-using namespace zorvan;
 using coreservices::MimeDatabase;
-using testing::Eq;
-using testing::Optional;
 
 namespace {
 
 class MimeDatabaseTest : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string name = testing::TempDir() + "mime-XXXXXX";
-        ASSERT_TRUE(mkdtemp(name.data()));
-        folder = name;
-        mime = folder / "mime";
-        std::filesystem::create_directories(mime / "image");
-    }
-    void TearDown() override { std::filesystem::remove_all(folder); }
-
     void write(const std::string& name, const std::string& text) {
-        std::ofstream(mime / name, std::ios::binary) << text;
+        folder.file("mime/" + name, text);
     }
     MimeDatabase read() { return MimeDatabase({mime.string()}); }
 
-    std::filesystem::path folder, mime;
+    const TemporaryFolder folder;
+    const fs::path mime = folder.path() / "mime";
 };
 
 } // namespace
@@ -68,18 +52,16 @@ TEST_F(MimeDatabaseTest, survivesNonsense) {
     EXPECT_THAT(database.parents("image/ok"), testing::ElementsAre("image/ok", "image/p"));
 }
 
-TEST_F(MimeDatabaseTest, isEmptyWhereThereIsNone) {
-    const MimeDatabase nowhere({(folder / "missing").string(), "/dev/null"});
+TEST_F(MimeDatabaseTest, isEmptyWhereThereIsNoneOrAHugeOne) {
+    const MimeDatabase nowhere({folder.url("missing").path(), "/dev/null"});
     EXPECT_FALSE(nowhere.typeOfExtension("tga"));
-    std::filesystem::create_directory(mime / "globs2");
+    folder.folder("mime/globs2");
     ASSERT_EQ(mkfifo((mime / "subclasses").c_str(), 0600), 0); // must not be waited for
     EXPECT_FALSE(read().typeOfExtension("tga"));
-}
-
-TEST_F(MimeDatabaseTest, refusesHugeFiles) {
+    fs::remove(mime / "globs2");
     write("globs2", "50:image/x-tga:*.tga\n");
-    std::filesystem::resize_file(mime / "globs2", (std::uintmax_t{16} << 20) + 1);
-    EXPECT_FALSE(read().typeOfExtension("tga"));
+    fs::resize_file(mime / "globs2", (std::uintmax_t{16} << 20) + 1);
+    EXPECT_FALSE(read().typeOfExtension("tga")) << "of a huge file";
 }
 
 TEST_F(MimeDatabaseTest, readsComments) {
@@ -96,17 +78,14 @@ TEST_F(MimeDatabaseTest, readsComments) {
 // own.
 class LongTail : public MimeDatabaseTest {
 protected:
-    void SetUp() override {
-        MimeDatabaseTest::SetUp();
-        testing::FLAGS_gtest_death_test_style = "threadsafe";
-    }
+    LongTail() { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
 
     /// Runs the check in a fresh process that sees only the database in `folder`.
     template <class Check>
     void inFreshProcess(Check check) {
         EXPECT_EXIT(
             {
-                setenv("XDG_DATA_HOME", folder.c_str(), 1);
+                setenv("XDG_DATA_HOME", folder.path().c_str(), 1);
                 setenv("XDG_DATA_DIRS", "relative:/nonexistent", 1);
                 setenv("LC_ALL", "de_DE.UTF-8", 1);
                 std::exit(check() ? 0 : 1);

@@ -1,17 +1,8 @@
-#include <zorvan/platform/coreservices/UTType.h>
+#include <tests/Testing.h>
 
+#include <zorvan/platform/coreservices/UTType.h>
 #include <zorvan/platform/coreservices/internal/TypeDeclarations.h>
 #include <zorvan/platform/coreservices/internal/words.h>
-
-#include <gmock/gmock.h>
-
-#include <random>
-#include <set>
-#include <thread>
-
-using namespace zorvan;
-using testing::Eq;
-using testing::Optional;
 
 namespace {
 
@@ -26,9 +17,7 @@ const PropertyList::Array& array(const PropertyList::Dictionary& dictionary, con
 } // namespace
 
 TEST(UTType, findsTypesByExtension) {
-    struct {
-        const char *extension, *identifier;
-    } table[] = {
+    const std::pair<const char*, const char*> table[] = {
         {"jpg", "public.jpeg"},
         {"JPEG", "public.jpeg"},
         {"tif", "public.tiff"},
@@ -39,8 +28,8 @@ TEST(UTType, findsTypesByExtension) {
         {"C++", "public.c-plus-plus-source"},
         {"app", "com.apple.application-bundle"},
     };
-    for (const auto& row : table)
-        EXPECT_THAT(typeOf(row.extension), Optional(Eq(row.identifier))) << row.extension;
+    for (const auto& [extension, identifier] : table)
+        EXPECT_THAT(typeOf(extension), Optional(Eq(identifier))) << extension;
     for (const char* unknown : {"", "no-such-extension", ".jpg", "jpg ", "\xFF\xFE"})
         EXPECT_FALSE(typeOf(unknown)) << unknown;
 }
@@ -53,37 +42,35 @@ TEST(UTType, findsTypesByMimeType) {
 }
 
 TEST(UTType, knowsWhatConformsToWhat) {
+    using Names = std::vector<std::string_view>;
     struct {
-        std::string_view identifier, other;
-        bool conforms;
-    } table[] = {
-        {"public.jpeg", "public.image", true},
-        {"public.jpeg", "PUBLIC.DATA", true},
-        {"public.jpeg", "public.item", true},
-        {"public.jpeg", "public.content", true},
-        {"public.jpeg", "public.png", false},
-        {"public.image", "public.jpeg", false},
-        {"public.c-plus-plus-source", "public.plain-text", true},
-        {"public.rtf", "public.plain-text", false},
-        {"com.adobe.pdf", "public.composite-content", true},
-        {"com.adobe.pdf", "public.image", false},
-        {"public.mpeg-4-audio", "public.audio", true},
-        {"public.mp3", "public.movie", false},
-        {"public.symlink", "com.apple.resolvable", true},
-        {"com.apple.rtfd", "com.apple.package", true},
-        {"com.apple.rtfd", "public.data", false},
-        {"com.apple.framework", "com.apple.package", false},
-        {"com.apple.application-bundle", "public.executable", true},
-        {"public.vcard", "public.contact", true},
-        {"public.item", "public.data", false},
-        {"unheard.of", "Unheard.Of", true},
-        {"unheard.of", "public.item", false},
-        {"", "", true},
-        {"", "public.item", false},
+        std::string_view identifier;
+        Names conformsTo, not_;
+    } const table[] = {
+        {"public.jpeg",
+         {"public.image", "PUBLIC.DATA", "public.item", "public.content"},
+         {"public.png"}},
+        {"public.image", {}, {"public.jpeg"}},
+        {"public.c-plus-plus-source", {"public.plain-text"}, {}},
+        {"public.rtf", {}, {"public.plain-text"}},
+        {"com.adobe.pdf", {"public.composite-content"}, {"public.image"}},
+        {"public.mpeg-4-audio", {"public.audio"}, {}},
+        {"public.mp3", {}, {"public.movie"}},
+        {"public.symlink", {"com.apple.resolvable"}, {}},
+        {"com.apple.rtfd", {"com.apple.package"}, {"public.data"}},
+        {"com.apple.framework", {}, {"com.apple.package"}},
+        {"com.apple.application-bundle", {"public.executable"}, {}},
+        {"public.vcard", {"public.contact"}, {}},
+        {"public.item", {}, {"public.data"}},
+        {"unheard.of", {"Unheard.Of"}, {"public.item"}},
+        {"", {""}, {"public.item"}},
     };
-    for (const auto& row : table)
-        EXPECT_EQ(UTTypeConformsTo(row.identifier, row.other), row.conforms)
-            << row.identifier << " to " << row.other;
+    for (const auto& [identifier, conformsTo, not_] : table) {
+        for (const auto other : conformsTo)
+            EXPECT_TRUE(UTTypeConformsTo(identifier, other)) << identifier << " to " << other;
+        for (const auto other : not_)
+            EXPECT_FALSE(UTTypeConformsTo(identifier, other)) << identifier << " to " << other;
+    }
 }
 
 TEST(UTType, conformanceIsAnOrder) {

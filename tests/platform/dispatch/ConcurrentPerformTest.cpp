@@ -1,19 +1,12 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/dispatch/concurrentPerform.h>
 
-#include <gtest/gtest.h>
-
-#include <atomic>
 #include <mutex>
-#include <set>
-#include <stdexcept>
-#include <thread>
-#include <vector>
 
 // The thread sanitizer does not see how oneTBB, which is not built with it, orders its threads.
 extern "C" const char* __tsan_default_suppressions() { return "race:tbb::\nrace:/tbb/\n"; }
-
-using namespace zorvan;
 
 namespace {
 

@@ -1,19 +1,11 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/dispatch/DispatchSemaphore.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
 #include <zorvan/platform/dispatch/NSThread.h>
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <atomic>
 #include <mutex>
-#include <stdexcept>
-#include <thread>
-#include <vector>
-
-using namespace zorvan;
-using namespace std::chrono_literals;
 
 namespace {
 

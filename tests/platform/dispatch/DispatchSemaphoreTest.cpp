@@ -1,12 +1,6 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/dispatch/DispatchSemaphore.h>
-
-#include <gtest/gtest.h>
-
-#include <thread>
-#include <vector>
-
-using namespace zorvan;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -18,15 +12,14 @@ TEST(DispatchSemaphore, CountsSignals) {
     semaphore->signal();
     EXPECT_TRUE(semaphore->wait(std::chrono::steady_clock::time_point::min()));
     EXPECT_FALSE(semaphore->wait(std::chrono::steady_clock::time_point::min()));
-}
-
-TEST(DispatchSemaphore, GivesUpAfterTheTimeOutAndTakesNothing) {
-    const auto semaphore = DispatchSemaphore::create(0);
+    // It gives up after the time-out, and takes nothing.
     const auto start = std::chrono::steady_clock::now();
     EXPECT_FALSE(semaphore->wait(20ms));
     EXPECT_GE(std::chrono::steady_clock::now() - start, 20ms);
     semaphore->signal();
     EXPECT_TRUE(semaphore->wait(std::chrono::nanoseconds::max()));
+    EXPECT_DEATH(DispatchSemaphore::create(-1),
+                 "^A semaphore cannot start with a negative count.\n$");
 }
 
 TEST(DispatchSemaphore, EverySignalLetsOneThreadOn) {
@@ -48,11 +41,6 @@ TEST(DispatchSemaphore, EverySignalLetsOneThreadOn) {
         thread.join();
     EXPECT_EQ(through, 4000);
     EXPECT_FALSE(semaphore->wait(0s));
-}
-
-TEST(DispatchSemaphoreDeathTest, RefusesANegativeCount) {
-    EXPECT_DEATH(DispatchSemaphore::create(-1),
-                 "^A semaphore cannot start with a negative count.\n$");
 }
 
 } // namespace

@@ -1,17 +1,9 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/dispatch/DispatchSemaphore.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
 #include <zorvan/platform/dispatch/NSOperationQueue.h>
 #include <zorvan/platform/dispatch/NSThread.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <atomic>
-#include <thread>
-#include <vector>
-
-using namespace zorvan;
-using namespace std::chrono_literals;
 
 namespace {
 

@@ -1,17 +1,9 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/foundation/NSNumber.h>
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-
-using namespace zorvan;
-
 TEST(NSNumber, clampsRealsOutsideTheIntegerRange) {
-    struct {
-        double real;
-        std::int64_t integer;
-    } table[] = {
+    const std::pair<double, std::int64_t> table[] = {
         {2.9, 2},
         {-2.9, -2},
         {9223372036854775808.0, std::numeric_limits<std::int64_t>::max()},
@@ -20,8 +12,8 @@ TEST(NSNumber, clampsRealsOutsideTheIntegerRange) {
         {INFINITY, std::numeric_limits<std::int64_t>::max()},
         {NAN, 0},
     };
-    for (const auto& row : table)
-        EXPECT_EQ(NSNumber(row.real).int64Value(), row.integer) << row.real;
+    for (const auto& [real, integer] : table)
+        EXPECT_EQ(NSNumber(real).int64Value(), integer) << real;
 }
 
 TEST(NSNumber, comparesByValueAcrossKinds) {

@@ -1,22 +1,18 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/foundation/URL.h>
-
-#include <gtest/gtest.h>
-
-using namespace zorvan;
 
 namespace {
 URL file(std::string path) { return URL({.fileURLWithPath = std::move(path)}); }
 } // namespace
 
 TEST(URL, foldsPaths) {
-    struct {
-        const char *given, *path;
-    } table[] = {
+    const std::pair<const char*, const char*> table[] = {
         {"/a/b", "/a/b"}, {"/a//b/", "/a/b"}, {"/a/./b/../c", "/a/c"}, {"/", "/"}, {"//a", "/a"},
         {"///", "/"},     {"/..", "/"},
     };
-    for (const auto& row : table)
-        EXPECT_EQ(file(row.given).path(), row.path) << row.given;
+    for (const auto& [given, path] : table)
+        EXPECT_EQ(file(given).path(), path) << given;
     EXPECT_TRUE(file("relative").path().starts_with('/'));
 }
 

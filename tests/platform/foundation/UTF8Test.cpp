@@ -1,6 +1,6 @@
-#include <zorvan/platform/foundation/internal/UTF8.h>
+#include <tests/Testing.h>
 
-#include <gtest/gtest.h>
+#include <zorvan/platform/foundation/internal/UTF8.h>
 
 using namespace zorvan::internal;
 

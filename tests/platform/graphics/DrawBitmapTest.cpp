@@ -1,16 +1,9 @@
 #include "TestPictures.h"
+#include <tests/Testing.h>
 
 #include <zorvan/platform/graphics/ExactTransforms.h>
 #include <zorvan/platform/graphics/drawBitmap.h>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <utility>
-
-namespace zorvan {
 namespace {
 
 int largestDifference(const Bitmap& a, const Bitmap& b) {
@@ -29,28 +22,14 @@ Bitmap drawn(const Bitmap& source, const CGAffineTransform& t, std::int64_t widt
 
 /// The map, rows downwards, that turns and mirrors a picture of w x h as an EXIF value says.
 CGAffineTransform turn(int exifValue, double w, double h) {
-    switch (exifValue) {
-    case 1:
-        return {1, 0, 0, 1, 0, 0};
-    case 2:
-        return {-1, 0, 0, 1, w, 0};
-    case 3:
-        return {-1, 0, 0, -1, w, h};
-    case 4:
-        return {1, 0, 0, -1, 0, h};
-    case 5:
-        return {0, 1, 1, 0, 0, 0};
-    case 6:
-        return {0, 1, -1, 0, h, 0};
-    case 7:
-        return {0, -1, -1, 0, h, w};
-    default:
-        return {0, -1, 1, 0, 0, w};
-    }
+    const CGAffineTransform turns[] = {
+        {1, 0, 0, 1, 0, 0}, {-1, 0, 0, 1, w, 0}, {-1, 0, 0, -1, w, h}, {1, 0, 0, -1, 0, h},
+        {0, 1, 1, 0, 0, 0}, {0, 1, -1, 0, h, 0}, {0, -1, -1, 0, h, w}, {0, -1, 1, 0, 0, w}};
+    return turns[exifValue - 1];
 }
 
 TEST(DrawBitmap, ATurnWithAStretchIsTheStretchOfTheTurned) {
-    const Bitmap source = noise(60, 44);
+    const Bitmap source = noiseBitmap(60, 44);
     for (int value = 1; value <= 8; ++value)
         for (const auto& [sx, sy] : {std::pair(0.35, 0.6), std::pair(1.7, 2.3), std::pair(0.5, 1.5),
                                      std::pair(1.0, 1.0)}) {
@@ -63,7 +42,7 @@ TEST(DrawBitmap, ATurnWithAStretchIsTheStretchOfTheTurned) {
 }
 
 TEST(DrawBitmap, WholePixelsThatReachBeyondTheTargetAreCutOff) {
-    const Bitmap source = noise(30, 20);
+    const Bitmap source = noiseBitmap(30, 20);
     for (int value = 1; value <= 8; ++value) {
         const Bitmap upright = oriented(source, value).value();
         for (const auto& [x, y] :
@@ -78,7 +57,7 @@ TEST(DrawBitmap, WholePixelsThatReachBeyondTheTargetAreCutOff) {
 
 TEST(DrawBitmap, TheBackdropIsOnlyAPromise) {
     for (const BitmapLayout layout : {BitmapLayout::rgba, BitmapLayout::argb}) {
-        const Bitmap source = noise(50, 40, layout);
+        const Bitmap source = noiseBitmap(50, 40, layout);
         for (const CGAffineTransform& t :
              {CGAffineTransform(1, 0, 0, 1, 3, 4), CGAffineTransform(0.4, 0, 0, 2, 1, 1),
               CGAffineTransform(0, 1.5, -0.7, 0, 40, 2)}) {
@@ -91,7 +70,7 @@ TEST(DrawBitmap, TheBackdropIsOnlyAPromise) {
 }
 
 TEST(DrawBitmap, BothLayoutsGiveTheSamePicture) {
-    const Bitmap rgba = noise(50, 40);
+    const Bitmap rgba = noiseBitmap(50, 40);
     const Bitmap argb = copied(rgba, BitmapLayout::argb).value();
     for (const CGAffineTransform& t :
          {CGAffineTransform(0.4, 0, 0, 2, 1, 1), CGAffineTransform(0.9, 0.4, -0.3, 0.8, 20, 5)}) {
@@ -143,4 +122,3 @@ TEST(DrawBitmap, APictureWiderThanFixedPointNumbersReachIsDrawn) {
 }
 
 } // namespace
-} // namespace zorvan

@@ -1,42 +1,20 @@
 #include "TestPictures.h"
+#include <tests/Testing.h>
 
 #include <zorvan/platform/graphics/ExactTransforms.h>
 
-#include <gtest/gtest.h>
-
 #include <bit>
-#include <limits>
-#include <utility>
-#include <vector>
 
-namespace zorvan {
 namespace {
 
-struct Position {
-    std::int64_t x;
-    std::int64_t y;
-};
-
 /// Where the pixel of the result at (x, y) stands in a source of w x h pixels.
-Position sourceOf(int exifValue, std::int64_t x, std::int64_t y, std::int64_t w, std::int64_t h) {
-    switch (exifValue) {
-    case 1:
-        return {x, y};
-    case 2:
-        return {w - 1 - x, y};
-    case 3:
-        return {w - 1 - x, h - 1 - y};
-    case 4:
-        return {x, h - 1 - y};
-    case 5:
-        return {y, x};
-    case 6:
-        return {y, h - 1 - x};
-    case 7:
-        return {w - 1 - y, h - 1 - x};
-    default:
-        return {w - 1 - y, x};
-    }
+std::pair<std::int64_t, std::int64_t> sourceOf(std::int64_t exifValue, std::int64_t x,
+                                               std::int64_t y, std::int64_t w, std::int64_t h) {
+    if (exifValue >= 5)
+        std::swap(x, y);
+    const bool fromRight = exifValue / 2 == 1 || exifValue >= 7;
+    const bool fromBottom = exifValue == 3 || exifValue == 4 || exifValue == 6 || exifValue == 7;
+    return {fromRight ? w - 1 - x : x, fromBottom ? h - 1 - y : y};
 }
 
 // Around the sizes of the blocks and of the vector registers, and one that is written past the
@@ -47,7 +25,7 @@ const std::vector<std::pair<std::int64_t, std::int64_t>> sizes{
 
 TEST(ExactTransforms, EachOrientationMovesEveryPixelToItsPlace) {
     for (const auto& [w, h] : sizes) {
-        const Bitmap source = noise(w, h);
+        const Bitmap source = noiseBitmap(w, h);
         for (int value = 1; value <= 8; ++value) {
             const Bitmap result = oriented(source, value).value();
             ASSERT_EQ(result.width(), value >= 5 ? h : w);
@@ -55,25 +33,20 @@ TEST(ExactTransforms, EachOrientationMovesEveryPixelToItsPlace) {
             std::int64_t wrong = 0;
             for (std::int64_t y = 0; y < result.height(); ++y)
                 for (std::int64_t x = 0; x < result.width(); ++x) {
-                    const Position p = sourceOf(value, x, y, w, h);
-                    wrong += pixelAt(result, x, y) != pixelAt(source, p.x, p.y);
+                    const auto [sx, sy] = sourceOf(value, x, y, w, h);
+                    wrong += pixelAt(result, x, y) != pixelAt(source, sx, sy);
                 }
             EXPECT_EQ(wrong, 0) << w << " x " << h << ", value " << value;
         }
     }
-}
-
-TEST(ExactTransforms, OnlyTheEightValuesAreOrientations) {
-    const Bitmap source = noise(3, 2);
-    for (std::int64_t value : {std::int64_t{0}, std::int64_t{9}, std::int64_t{-1},
-                               std::numeric_limits<std::int64_t>::max()})
-        EXPECT_FALSE(oriented(source, value)) << value;
+    for (std::int64_t value : {0L, 9L, -1L, std::numeric_limits<long>::max()})
+        EXPECT_FALSE(oriented(noiseBitmap(3, 2), value)) << value;
 }
 
 TEST(ExactTransforms, ACropShowsItsWindowAndTransparencyBeyondThePicture) {
     constexpr std::int64_t furthest = std::numeric_limits<std::int64_t>::max();
     constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min();
-    const Bitmap source = noise(50, 30);
+    const Bitmap source = noiseBitmap(50, 30);
     const PixelRect windows[] = {{0, 0, 50, 30},   {10, 5, 20, 7},      {49, 29, 1, 1},
                                  {-3, -4, 60, 40}, {45, -2, 10, 10},    {-20, 10, 20, 5},
                                  {50, 0, 5, 5},    {furthest, 0, 3, 3}, {lowest, lowest, 3, 3}};
@@ -95,7 +68,7 @@ TEST(ExactTransforms, ACropShowsItsWindowAndTransparencyBeyondThePicture) {
 
 TEST(ExactTransforms, ACopyInTheOtherLayoutMovesAlphaToTheOtherEnd) {
     for (const auto& [w, h] : sizes) {
-        const Bitmap source = noise(w, h);
+        const Bitmap source = noiseBitmap(w, h);
         const Bitmap argb = copied(source, BitmapLayout::argb).value();
         EXPECT_EQ(argb.layout(), BitmapLayout::argb);
         std::int64_t wrong = 0;
@@ -122,17 +95,10 @@ TEST(Bitmap, IsTransparentEvenOnStorageThatWasInUseBefore) {
 TEST(Bitmap, SizesThatNoBitmapHasAreRefused) {
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
     const std::pair<std::int64_t, std::int64_t> refused[] = {
-        {0, 1},
-        {1, 0},
-        {-1, 5},
-        {5, -1},
-        {most, most},
-        {most, 1},
-        {1 << 15, (1 << 14) + 1},
-        {std::numeric_limits<std::int64_t>::min(), 1}};
+        {0, 1},       {1, 0},    {-1, 5},    {5, -1},
+        {most, most}, {most, 1}, {-most, 1}, {1 << 15, (1 << 14) + 1}};
     for (const auto& [w, h] : refused)
         EXPECT_FALSE(Bitmap::make(w, h)) << w << " x " << h;
 }
 
 } // namespace
-} // namespace zorvan

@@ -1,12 +1,7 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/graphics/parallelRows.h>
 
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <stdexcept>
-#include <vector>
-
-namespace zorvan {
 namespace {
 
 TEST(ParallelRows, EachRowIsVisitedOnceInRangesThatKeepToTheGrain) {
@@ -41,4 +36,3 @@ TEST(ParallelRows, NestsAndPassesExceptionsOn) {
 }
 
 } // namespace
-} // namespace zorvan

@@ -9,8 +9,8 @@
 namespace zorvan {
 
 /// Random colours, premultiplied by random alpha.
-inline Bitmap noise(std::int64_t width, std::int64_t height,
-                    BitmapLayout layout = BitmapLayout::rgba) {
+inline Bitmap noiseBitmap(std::int64_t width, std::int64_t height,
+                          BitmapLayout layout = BitmapLayout::rgba) {
     Bitmap bitmap = Bitmap::make(width, height, layout).value();
     std::mt19937 random(static_cast<unsigned>(width * 31 + height));
     for (std::int64_t i = 0; i < width * height; ++i) {

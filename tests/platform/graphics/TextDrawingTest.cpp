@@ -1,16 +1,6 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/graphics/TextDrawing.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
-#include <cstring>
-#include <string>
-#include <thread>
-#include <vector>
-
-using namespace zorvan;
 
 namespace {
 

@@ -1,19 +1,9 @@
 #include "Support.h"
-
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <random>
-#include <string>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <tests/Testing.h>
+#include <tests/files/TemporaryFolder.h>
 
 namespace zorvan::imageio {
 namespace {
-
-constexpr std::array formats = {FileFormat::png, FileFormat::jpeg, FileFormat::tiff,
-                                FileFormat::heic};
 
 TEST(DamagedFile, CutAnywhereItIsAnErrorAndNeverACrash) {
     const Bitmap original = pattern(150, 100);
@@ -65,42 +55,35 @@ TEST(DamagedFile, RandomChangesNeverCrash) {
 }
 
 TEST(DamagedFile, ContentDecidesNotTheName) {
-    const std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("imageio-test-" + std::to_string(getpid()));
-    std::filesystem::create_directories(folder);
+    const TemporaryFolder folder;
     const auto store = [&](const char* name, const Data& bytes) {
-        const std::string path = folder / name;
-        std::ofstream(path, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()),
-                   static_cast<std::streamsize>(bytes.size()));
-        return path;
+        folder.file(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+        return folder.url(name).path();
     };
     const Bitmap picture = pattern(12, 8);
     const auto png = ImageReader::open(store("really-a.jpg", encoded(FileFormat::png, picture)));
     EXPECT_EQ(png->format(), FileFormat::png);
     EXPECT_TRUE(png->decode(0, {}));
-    struct Row {
-        std::string path;
-        const char* error;
+    ASSERT_EQ(mkfifo(folder.url("pipe.png").path().c_str(), 0600), 0);
+    const std::pair<std::string, std::string> table[] = {
+        {store("text.png", bytesOf("hello, world")), "not a picture"},
+        {store("empty.png", {}), "the file is empty"},
+        {store("one.png", bytesOf("x")), "not a picture"},
+        {store("start.png", bytesOf("\x89PN")), "the file is cut short"},
+        {folder.path() / "missing.png", "there is no such file"},
+        {folder.path() / "pipe.png", "not a regular file"},
+        {folder.path(), "not a regular file"},
     };
-    ASSERT_EQ(mkfifo((folder / "pipe.png").c_str(), 0600), 0);
-    for (const Row& row :
-         {Row{store("text.png", bytesOf("hello, world")), "not a picture"},
-          Row{store("empty.png", {}), "the file is empty"},
-          Row{store("one.png", bytesOf("x")), "not a picture"},
-          Row{store("start.png", bytesOf("\x89PN")), "the file is cut short"},
-          Row{folder / "missing.png", "there is no such file"},
-          Row{folder / "pipe.png", "not a regular file"}, Row{folder, "not a regular file"}}) {
-        const auto reader = ImageReader::open(row.path);
-        EXPECT_EQ(reader->error(), row.error) << row.path;
+    for (const auto& [path, error] : table) {
+        const auto reader = ImageReader::open(path);
+        EXPECT_EQ(reader->error(), error) << path;
         EXPECT_FALSE(reader->format());
         EXPECT_EQ(reader->count(), 0);
         EXPECT_FALSE(reader->properties(0));
         EXPECT_FALSE(reader->decode(0, {}));
         EXPECT_FALSE(reader->embeddedThumbnail(0));
-        EXPECT_EQ(reader->error(), row.error) << row.path;
+        EXPECT_EQ(reader->error(), error) << path;
     }
-    std::filesystem::remove_all(folder);
 }
 
 void setBig32(Data& bytes, std::size_t at, std::uint32_t value) {

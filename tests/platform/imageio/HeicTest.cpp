@@ -1,10 +1,7 @@
 #include "Support.h"
+#include <tests/Testing.h>
 
 #include <zorvan/platform/imageio/internal/HeifTransforms.h>
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
 
 namespace zorvan::imageio {
 namespace {
@@ -70,21 +67,25 @@ TEST(Heic, OddSizesComeBackAsTheyWere) {
 }
 
 TEST(HeifTransforms, TurnsAndMirrorsComposeInOrder) {
-    struct Row {
-        int quartersBefore;
-        int mirror; // 0 none, 1 left and right, 2 top and bottom
-        int quartersAfter;
-        int orientation;
-    };
-    for (const Row row : {Row{0, 0, 0, 1}, Row{0, 1, 0, 2}, Row{2, 0, 0, 3}, Row{0, 2, 0, 4},
-                          Row{3, 1, 0, 5}, Row{3, 0, 0, 6}, Row{1, 1, 0, 7}, Row{1, 0, 0, 8},
-                          Row{0, 1, 1, 5}, Row{0, 1, 3, 7}, Row{2, 1, 0, 4}, Row{1, 0, 3, 1}}) {
+    // The mirror: 0 none, 1 left and right, 2 top and bottom.
+    for (const auto& [quartersBefore, mirror, quartersAfter, orientation] : {std::tuple(0, 0, 0, 1),
+                                                                             {0, 1, 0, 2},
+                                                                             {2, 0, 0, 3},
+                                                                             {0, 2, 0, 4},
+                                                                             {3, 1, 0, 5},
+                                                                             {3, 0, 0, 6},
+                                                                             {1, 1, 0, 7},
+                                                                             {1, 0, 0, 8},
+                                                                             {0, 1, 1, 5},
+                                                                             {0, 1, 3, 7},
+                                                                             {2, 1, 0, 4},
+                                                                             {1, 0, 3, 1}}) {
         HeifTransforms transforms({40, 30});
-        transforms.rotate(row.quartersBefore);
-        if (row.mirror > 0)
-            transforms.mirror(row.mirror == 1);
-        transforms.rotate(row.quartersAfter);
-        EXPECT_EQ(transforms.orientation(), row.orientation);
+        transforms.rotate(quartersBefore);
+        if (mirror > 0)
+            transforms.mirror(mirror == 1);
+        transforms.rotate(quartersAfter);
+        EXPECT_EQ(transforms.orientation(), orientation);
     }
 }
 

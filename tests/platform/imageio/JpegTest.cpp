@@ -1,10 +1,5 @@
 #include "Support.h"
-
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <cstdlib>
-#include <vector>
+#include <tests/Testing.h>
 
 #include <jpeglib.h>
 

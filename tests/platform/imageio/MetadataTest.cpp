@@ -1,15 +1,11 @@
 #include "Support.h"
+#include <tests/Testing.h>
 
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
 #include <zorvan/platform/imageio/internal/Iptc.h>
 
-#include <gtest/gtest.h>
-
 namespace zorvan::imageio {
 namespace {
-
-constexpr std::array formats = {FileFormat::png, FileFormat::jpeg, FileFormat::tiff,
-                                FileFormat::heic};
 
 TEST(Metadata, WhatIsWrittenIsReadBack) {
     const PropertyList::Dictionary properties = {
@@ -62,24 +58,26 @@ TEST(Metadata, LongTextsAreShortenedNotRefused) {
     EXPECT_EQ(text(read, "{TIFF}", "Model"), "M");
 }
 
+void append(Data& bytes, std::size_t number, int width, bool little) {
+    for (int i = 0; i < width; ++i)
+        bytes.push_back(static_cast<std::byte>(number >> 8 * (little ? i : width - 1 - i) & 255));
+}
+
 /// A block in either byte order with the orientation as its only entry.
 Data orientationBlock(bool little, int type, int value) {
     Data block = bytesOf(little ? "II" : "MM");
-    const auto put = [&](unsigned number, int width) {
-        for (int i = 0; i < width; ++i)
-            block.push_back(
-                static_cast<std::byte>(number >> 8 * (little ? i : width - 1 - i) & 255));
-    };
-    put(42, 2);
-    put(8, 4);
-    put(1, 2);
-    put(0x112, 2);
-    put(static_cast<unsigned>(type), 2);
-    put(1, 4);
-    put(static_cast<unsigned>(value), type == 3 ? 2 : 4);
-    if (type == 3)
-        put(0, 2);
-    put(0, 4);
+    const auto first = static_cast<std::size_t>(value);
+    const std::pair<std::size_t, int> numbers[] = {{42, 2},
+                                                   {8, 4},
+                                                   {1, 2},
+                                                   {0x112, 2},
+                                                   {static_cast<std::size_t>(type), 2},
+                                                   {1, 4},
+                                                   {first, type == 3 ? 2 : 4},
+                                                   {0, type == 3 ? 2 : 0},
+                                                   {0, 4}};
+    for (const auto& [number, width] : numbers)
+        append(block, number, width, little);
     return block;
 }
 
@@ -111,10 +109,7 @@ TEST(Metadata, ABrokenExifBlockDoesNotHideTheSize) {
 TEST(Metadata, TheThumbnailInsideExifIsDecoded) {
     const Data thumbnail = encoded(FileFormat::jpeg, pattern(16, 12));
     Data block = orientationBlock(true, 3, 6);
-    const auto put = [&](std::size_t number, int width) {
-        for (int i = 0; i < width; ++i)
-            block.push_back(static_cast<std::byte>(number >> 8 * i & 255));
-    };
+    const auto put = [&](std::size_t value, int width) { append(block, value, width, true); };
     block.resize(block.size() - 4); // the place of the next directory
     put(block.size() + 4, 4);
     const std::size_t data = block.size() + 2 + 3 * 12 + 4;
@@ -131,8 +126,7 @@ TEST(Metadata, TheThumbnailInsideExifIsDecoded) {
     block.insert(block.end(), thumbnail.begin(), thumbnail.end());
     Data segment = bytesOf(std::string_view("\xFF\xE1", 2));
     const std::size_t length = 2 + 6 + block.size();
-    segment.push_back(static_cast<std::byte>(length >> 8));
-    segment.push_back(static_cast<std::byte>(length & 255));
+    append(segment, length, 2, false);
     const Data signature = bytesOf(std::string_view("Exif\0\0", 6));
     segment.insert(segment.end(), signature.begin(), signature.end());
     segment.insert(segment.end(), block.begin(), block.end());

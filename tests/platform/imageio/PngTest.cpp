@@ -1,9 +1,5 @@
 #include "Support.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
+#include <tests/Testing.h>
 
 #include <png.h>
 
@@ -103,25 +99,21 @@ Pixel expectedPixel(const Kind& kind, std::int64_t x, std::int64_t y) {
 }
 
 TEST(Png, EveryColourTypeAndDepthDecodes) {
-    struct Allowed {
-        int colorType;
-        std::vector<int> depths;
-    };
-    const std::vector<Allowed> table = {{PNG_COLOR_TYPE_GRAY, {1, 2, 4, 8, 16}},
-                                        {PNG_COLOR_TYPE_PALETTE, {1, 2, 4, 8}},
-                                        {PNG_COLOR_TYPE_RGB, {8, 16}},
-                                        {PNG_COLOR_TYPE_GRAY_ALPHA, {8, 16}},
-                                        {PNG_COLOR_TYPE_RGB_ALPHA, {8, 16}}};
-    for (const Allowed& allowed : table)
-        for (const int depth : allowed.depths)
+    const std::map<int, std::vector<int>> depthsOfTypes = {{PNG_COLOR_TYPE_GRAY, {1, 2, 4, 8, 16}},
+                                                           {PNG_COLOR_TYPE_PALETTE, {1, 2, 4, 8}},
+                                                           {PNG_COLOR_TYPE_RGB, {8, 16}},
+                                                           {PNG_COLOR_TYPE_GRAY_ALPHA, {8, 16}},
+                                                           {PNG_COLOR_TYPE_RGB_ALPHA, {8, 16}}};
+    for (const auto& [colorType, depths] : depthsOfTypes)
+        for (const int depth : depths)
             for (const bool interlaced : {false, true})
                 for (const bool clear : {false, true}) {
-                    const bool hasAlpha = (allowed.colorType & PNG_COLOR_MASK_ALPHA) != 0;
+                    const bool hasAlpha = (colorType & PNG_COLOR_MASK_ALPHA) != 0;
                     if (clear && hasAlpha)
                         continue;
-                    SCOPED_TRACE(testing::Message() << allowed.colorType << ' ' << depth << ' '
-                                                    << interlaced << ' ' << clear);
-                    const Kind kind = {allowed.colorType, depth, interlaced, clear};
+                    SCOPED_TRACE(testing::Message()
+                                 << colorType << ' ' << depth << ' ' << interlaced << ' ' << clear);
+                    const Kind kind = {colorType, depth, interlaced, clear};
                     const Data bytes = write(kind, 19, 11);
                     const auto properties = propertiesOf(bytes);
                     EXPECT_EQ(number(properties, "Depth"), depth);
@@ -129,13 +121,9 @@ TEST(Png, EveryColourTypeAndDepthDecodes) {
                     const Bitmap picture = decoded(bytes);
                     ASSERT_EQ(picture.width(), 19);
                     ASSERT_EQ(picture.height(), 11);
-                    for (std::int64_t y = 0; y < 11; ++y)
-                        for (std::int64_t x = 0; x < 19; ++x) {
-                            const Pixel got = pixelAt(picture, x, y);
-                            const Pixel expected = expectedPixel(kind, x, y);
-                            for (std::size_t c = 0; c < 4; ++c)
-                                ASSERT_NEAR(got[c], expected[c], 1) << x << ',' << y << ',' << c;
-                        }
+                    expectPixels(picture, [&kind = kind](std::int64_t x, std::int64_t y) {
+                        return expectedPixel(kind, x, y);
+                    });
                 }
 }
 

@@ -30,6 +30,14 @@ Pixel pixelAt(const Bitmap& bitmap, std::int64_t x, std::int64_t y) {
     return {pixel[0], pixel[1], pixel[2], pixel[3]};
 }
 
+void expectPixels(const Bitmap& bitmap,
+                  const std::function<Pixel(std::int64_t, std::int64_t)>& wanted) {
+    for (std::int64_t y = 0; y < bitmap.height(); ++y)
+        for (std::int64_t x = 0; x < bitmap.width(); ++x)
+            for (std::size_t c = 0; c < 4; ++c)
+                ASSERT_NEAR(pixelAt(bitmap, x, y)[c], wanted(x, y)[c], 1) << x << ',' << y;
+}
+
 Difference difference(const Bitmap& a, const Bitmap& b) {
     if (a.width() != b.width() || a.height() != b.height())
         return {std::numeric_limits<double>::infinity(), 256};

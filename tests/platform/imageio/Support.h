@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <string_view>
@@ -13,11 +14,18 @@ namespace zorvan::imageio {
 
 using Pixel = std::array<int, 4>;
 
+inline constexpr std::array formats = {FileFormat::png, FileFormat::jpeg, FileFormat::tiff,
+                                       FileFormat::heic};
+
 /// A picture without any symmetry: a different colour in each corner and a gradient between them.
 /// With alpha, it fades out towards the right.
 Bitmap pattern(std::int64_t width, std::int64_t height, bool alpha = false);
 
 Pixel pixelAt(const Bitmap& bitmap, std::int64_t x, std::int64_t y);
+
+/// Every component is within one of the pixel that `wanted` gives for its column and row.
+void expectPixels(const Bitmap& bitmap,
+                  const std::function<Pixel(std::int64_t x, std::int64_t y)>& wanted);
 
 /// The mean and the largest difference of two pictures' components; infinite when the sizes differ.
 struct Difference {

@@ -1,17 +1,8 @@
 #include "Support.h"
-
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <iterator>
-#include <string>
-#include <vector>
+#include <tests/Testing.h>
+#include <tests/files/TemporaryFolder.h>
 
 #include <tiffio.h>
-#include <unistd.h>
 
 namespace zorvan::imageio {
 namespace {
@@ -112,9 +103,7 @@ void setFields(TIFF* tiff, const Kind& kind) {
         const auto extra = static_cast<std::uint16_t>(kind.extra);
         TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &extra);
     }
-    std::array<std::uint16_t, 256> red;
-    std::array<std::uint16_t, 256> green;
-    std::array<std::uint16_t, 256> blue;
+    std::array<std::uint16_t, 256> red, green, blue;
     for (std::size_t i = 0; i < 256; ++i) {
         red[i] = static_cast<std::uint16_t>(i * 257);
         green[i] = static_cast<std::uint16_t>((255 - i) * 257);
@@ -125,15 +114,12 @@ void setFields(TIFF* tiff, const Kind& kind) {
 }
 
 Data written(const std::function<void(TIFF*)>& work) {
-    const std::string path = std::filesystem::temp_directory_path() /
-                             ("imageio-tiff-test-" + std::to_string(getpid()) + ".tiff");
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "picture.tiff";
     TIFF* tiff = TIFFOpen(path.c_str(), "w");
     work(tiff);
     TIFFClose(tiff);
-    std::ifstream file(path, std::ios::binary);
-    const std::string bytes((std::istreambuf_iterator<char>(file)), {});
-    std::filesystem::remove(path);
-    return bytesOf(bytes);
+    return bytesOf(::text(path));
 }
 
 Data write(const Kind& kind) {
@@ -182,38 +168,31 @@ Pixel expectedPixel(const Kind& kind, std::uint32_t x, std::uint32_t y) {
 TEST(Tiff, EveryLayoutDecodes) {
     constexpr int rgb = PHOTOMETRIC_RGB;
     constexpr int grey = PHOTOMETRIC_MINISBLACK;
-    const std::vector<Kind> kinds = {
-        {grey, 1, 1},
-        {grey, 2, 1},
-        {grey, 4, 1},
-        {grey, 8, 1},
-        {grey, 16, 1},
-        {grey, 32, 1},
-        {PHOTOMETRIC_MINISWHITE, 1, 1},
-        {PHOTOMETRIC_MINISWHITE, 8, 1},
-        {PHOTOMETRIC_PALETTE, 4, 1},
-        {PHOTOMETRIC_PALETTE, 8, 1},
-        {grey, 32, 1, SAMPLEFORMAT_IEEEFP},
-        {rgb, 32, 3, SAMPLEFORMAT_IEEEFP},
-        {rgb, 64, 3, SAMPLEFORMAT_IEEEFP},
-        {grey, 8, 2, SAMPLEFORMAT_UINT, COMPRESSION_NONE, false, false, EXTRASAMPLE_UNASSALPHA},
-        {rgb, 8, 3},
-        {rgb, 16, 3},
-        {rgb, 8, 4, SAMPLEFORMAT_UINT, COMPRESSION_NONE, false, false, EXTRASAMPLE_UNASSALPHA},
-        {rgb, 8, 4, SAMPLEFORMAT_UINT, COMPRESSION_NONE, false, false, EXTRASAMPLE_ASSOCALPHA},
-        {rgb, 16, 4, SAMPLEFORMAT_UINT, COMPRESSION_LZW, false, false, EXTRASAMPLE_UNASSALPHA},
-        {rgb, 8, 4, SAMPLEFORMAT_UINT, COMPRESSION_NONE, false, false, EXTRASAMPLE_UNSPECIFIED},
-        {PHOTOMETRIC_SEPARATED, 8, 4},
-        {PHOTOMETRIC_SEPARATED, 16, 4},
-        {rgb, 8, 3, SAMPLEFORMAT_UINT, COMPRESSION_LZW},
-        {rgb, 8, 3, SAMPLEFORMAT_UINT, COMPRESSION_ADOBE_DEFLATE},
-        {rgb, 8, 3, SAMPLEFORMAT_UINT, COMPRESSION_PACKBITS},
-        {rgb, 8, 3, SAMPLEFORMAT_UINT, COMPRESSION_LZW, true},
-        {rgb, 16, 3, SAMPLEFORMAT_UINT, COMPRESSION_NONE, true},
-        {rgb, 8, 3, SAMPLEFORMAT_UINT, COMPRESSION_ADOBE_DEFLATE, false, true},
-        {rgb, 8, 4, SAMPLEFORMAT_UINT, COMPRESSION_LZW, true, true, EXTRASAMPLE_UNASSALPHA},
-        {grey, 1, 1, SAMPLEFORMAT_UINT, COMPRESSION_NONE, false, true},
-    };
+    constexpr int uint = SAMPLEFORMAT_UINT, plain = COMPRESSION_NONE, lzw = COMPRESSION_LZW;
+    constexpr int deflate = COMPRESSION_ADOBE_DEFLATE, separated = PHOTOMETRIC_SEPARATED;
+    constexpr int white = PHOTOMETRIC_MINISWHITE, palette = PHOTOMETRIC_PALETTE;
+    constexpr int alpha = EXTRASAMPLE_UNASSALPHA;
+    std::vector<Kind> kinds = {{grey, 1, 1},      {grey, 2, 1},      {grey, 4, 1},  {grey, 8, 1},
+                               {grey, 16, 1},     {grey, 32, 1},     {white, 1, 1}, {white, 8, 1},
+                               {palette, 4, 1},   {palette, 8, 1},   {rgb, 8, 3},   {rgb, 16, 3},
+                               {separated, 8, 4}, {separated, 16, 4}};
+    for (const Kind& kind : {Kind{grey, 32, 1, SAMPLEFORMAT_IEEEFP},
+                             {rgb, 32, 3, SAMPLEFORMAT_IEEEFP},
+                             {rgb, 64, 3, SAMPLEFORMAT_IEEEFP},
+                             {grey, 8, 2, uint, plain, false, false, alpha},
+                             {rgb, 8, 4, uint, plain, false, false, alpha},
+                             {rgb, 8, 4, uint, plain, false, false, EXTRASAMPLE_ASSOCALPHA},
+                             {rgb, 16, 4, uint, lzw, false, false, alpha},
+                             {rgb, 8, 4, uint, plain, false, false, EXTRASAMPLE_UNSPECIFIED},
+                             {rgb, 8, 3, uint, lzw},
+                             {rgb, 8, 3, uint, deflate},
+                             {rgb, 8, 3, uint, COMPRESSION_PACKBITS},
+                             {rgb, 8, 3, uint, lzw, true},
+                             {rgb, 16, 3, uint, plain, true},
+                             {rgb, 8, 3, uint, deflate, false, true},
+                             {rgb, 8, 4, uint, lzw, true, true, alpha},
+                             {grey, 1, 1, uint, plain, false, true}})
+        kinds.push_back(kind);
     for (std::size_t i = 0; i < kinds.size(); ++i) {
         SCOPED_TRACE(i);
         const Kind& kind = kinds[i];
@@ -225,30 +204,24 @@ TEST(Tiff, EveryLayoutDecodes) {
         const Bitmap picture = decoded(bytes);
         ASSERT_EQ(picture.width(), width);
         ASSERT_EQ(picture.height(), height);
-        for (std::uint32_t y = 0; y < height; ++y)
-            for (std::uint32_t x = 0; x < width; ++x) {
-                const Pixel got = pixelAt(picture, x, y);
-                const Pixel expected = expectedPixel(kind, x, y);
-                for (std::size_t c = 0; c < 4; ++c)
-                    ASSERT_NEAR(got[c], expected[c], 1) << x << ',' << y << ',' << c;
-            }
+        expectPixels(picture, [&](std::int64_t x, std::int64_t y) {
+            return expectedPixel(kind, static_cast<std::uint32_t>(x),
+                                 static_cast<std::uint32_t>(y));
+        });
     }
 }
 
 TEST(Tiff, JpegInsideAndOtherColourSpacesDecode) {
     // A flat grey is the same in each of them, whatever the subsampling.
-    struct Row {
-        int photometric;
-        int compression;
-    };
-    for (const Row row :
-         {Row{PHOTOMETRIC_YCBCR, COMPRESSION_JPEG}, Row{PHOTOMETRIC_RGB, COMPRESSION_JPEG},
-          Row{PHOTOMETRIC_YCBCR, COMPRESSION_NONE}}) {
-        SCOPED_TRACE(testing::Message() << row.photometric << ' ' << row.compression);
+    for (const auto& [colours, compression] : {std::pair(PHOTOMETRIC_YCBCR, COMPRESSION_JPEG),
+                                               {PHOTOMETRIC_RGB, COMPRESSION_JPEG},
+                                               {PHOTOMETRIC_YCBCR, COMPRESSION_NONE}}) {
+        SCOPED_TRACE(testing::Message() << colours << ' ' << compression);
+        const Kind kind = {colours, 8, 3, SAMPLEFORMAT_UINT, compression, false, false, -1, 16};
+        const bool isPlain = colours == PHOTOMETRIC_YCBCR && compression == COMPRESSION_NONE;
         const Data bytes = written([&](TIFF* tiff) {
-            setFields(tiff, {row.photometric, 8, 3, SAMPLEFORMAT_UINT, row.compression, false,
-                             false, -1, 16});
-            if (row.photometric == PHOTOMETRIC_YCBCR && row.compression == COMPRESSION_NONE)
+            setFields(tiff, kind);
+            if (isPlain)
                 TIFFSetField(tiff, TIFFTAG_YCBCRSUBSAMPLING, 1, 1);
             std::vector<std::uint8_t> strip(std::size_t{width} * 3 * 16, 128);
             for (std::uint32_t i = 0; i < TIFFNumberOfStrips(tiff); ++i)

@@ -1,26 +1,13 @@
 #include "Process.h"
+#include <tests/Testing.h>
+#include <tests/files/TemporaryFolder.h>
 
 #include <zorvan/platform/messagebus/internal/WireFormat.h>
 
-#include <gtest/gtest.h>
-
 #include <csignal>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <memory>
-#include <set>
-#include <string>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 #include <systemd/sd-bus.h>
-#include <unistd.h>
-#include <vector>
-
-using namespace std::chrono_literals;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -30,18 +17,9 @@ enum class Way { bus, sockets };
 class DistributedTest : public testing::TestWithParam<Way> {
 protected:
     DistributedTest() {
-        std::string pattern = (fs::temp_directory_path() / "zorvan-session-XXXXXX").string();
-        if (!::mkdtemp(pattern.data()))
-            throw std::runtime_error("mkdtemp");
-        directory = pattern;
         environment = {{"XDG_RUNTIME_DIR", directory}, {"DBUS_SESSION_BUS_ADDRESS", ""}};
         if (GetParam() == Way::bus)
             startBus();
-    }
-
-    ~DistributedTest() override {
-        bus = nullptr;
-        fs::remove_all(directory);
     }
 
     void startBus() {
@@ -66,12 +44,18 @@ protected:
         return made;
     }
 
+    static void post(Process& process, const std::string& what) {
+        process.tell("post " + what);
+        EXPECT_EQ(process.hear(), "posted");
+    }
+
     static void expectNumbered(Process& process, const std::string& start, int count) {
         for (int i = 0; i < count; ++i)
             ASSERT_EQ(process.hear(), start + std::to_string(i) + " 0");
     }
 
-    std::string directory;
+    const TemporaryFolder folder;
+    const std::string directory = folder.path();
     Process::Environment environment;
     std::unique_ptr<Process> bus;
 };
@@ -80,18 +64,14 @@ TEST_P(DistributedTest, AllProcessesAreToldInOrderTheSenderIncluded) {
     const auto a = observer("Changed");
     const auto b = observer("Changed doc1");
     const auto other = observer("Renamed");
-    a->tell("post Changed doc1 200");
-    EXPECT_EQ(a->hear(), "posted");
+    post(*a, "Changed doc1 200");
     expectNumbered(*a, "Changed doc1 ", 200);
     expectNumbered(*b, "Changed doc1 ", 200);
-    b->tell("post Changed doc2 2");
-    EXPECT_EQ(b->hear(), "posted");
-    b->tell("post Changed - 1");
-    EXPECT_EQ(b->hear(), "posted");
+    post(*b, "Changed doc2 2");
+    post(*b, "Changed - 1");
     expectNumbered(*a, "Changed doc2 ", 2);
     expectNumbered(*a, "Changed - ", 1);
-    b->tell("post Changed doc1 1");
-    EXPECT_EQ(b->hear(), "posted");
+    post(*b, "Changed doc1 1");
     expectNumbered(*b, "Changed doc1 ", 1);
     EXPECT_TRUE(other->hearAll(50ms).empty());
 }
@@ -99,13 +79,11 @@ TEST_P(DistributedTest, AllProcessesAreToldInOrderTheSenderIncluded) {
 TEST_P(DistributedTest, ARemovedObserverIsToldNoMore) {
     const auto a = observer("Name");
     const auto b = peer();
-    b->tell("post Name x 1");
-    EXPECT_EQ(b->hear(), "posted");
+    post(*b, "Name x 1");
     expectNumbered(*a, "Name x ", 1);
     a->tell("ignore");
     EXPECT_EQ(a->hear(), "ignoring");
-    b->tell("post Name x 1");
-    EXPECT_EQ(b->hear(), "posted");
+    post(*b, "Name x 1");
     EXPECT_TRUE(a->hearAll(50ms).empty());
     a->tell("observe Name");
     EXPECT_EQ(a->hear(), "observing");
@@ -118,13 +96,11 @@ TEST_P(DistributedTest, ABusyMainThreadHoldsUpNobodyElse) {
     const auto a = observer("Quick");
     const auto b = peer();
     for (int round = 0; round < 3; ++round) {
-        b->tell("post Quick x 1");
-        EXPECT_EQ(b->hear(), "posted");
+        post(*b, "Quick x 1");
         expectNumbered(*a, "Quick x ", 1);
         a->tell("occupy Slow 20");
         EXPECT_EQ(a->hear(), "observing");
-        b->tell("post Slow x 20");
-        EXPECT_EQ(b->hear(), "posted");
+        post(*b, "Slow x 20");
         std::set<std::string> heard; // in the background there is no order
         for (int i = 0; i < 20; ++i) {
             const auto line = a->hear();
@@ -136,7 +112,7 @@ TEST_P(DistributedTest, ABusyMainThreadHoldsUpNobodyElse) {
     }
 }
 
-TEST_P(DistributedTest, NamesAndSendersMayBeAnyText) {
+TEST_P(DistributedTest, NamesAndSendersMayBeAnyTextAndDataLarge) {
     for (const std::string& name : {std::string("it's"), std::string("a\\b"), std::string("é%,='"),
                                     std::string(3000, '\'')}) {
         const auto a = observer(name + " who's");
@@ -146,9 +122,6 @@ TEST_P(DistributedTest, NamesAndSendersMayBeAnyText) {
         EXPECT_EQ(b->hear(), "posted");
         expectNumbered(*a, name + " who's ", 1);
     }
-}
-
-TEST_P(DistributedTest, LargeMessagesArrive) {
     const auto a = observer("Large");
     const auto b = peer();
     b->tell("large Large x 4000000");
@@ -169,12 +142,10 @@ TEST_P(DistributedTest, AProcessKilledMidStreamHarmsNobody) {
     ASSERT_TRUE(withoutVictim);
     flooder->end();
     survivor->hearAll(300ms);
-    sender->tell("post Stream after 50");
-    EXPECT_EQ(sender->hear(), "posted");
+    post(*sender, "Stream after 50");
     expectNumbered(*survivor, "Stream after ", 50);
     const auto newcomer = observer("Stream");
-    sender->tell("post Stream late 3");
-    EXPECT_EQ(sender->hear(), "posted");
+    post(*sender, "Stream late 3");
     expectNumbered(*newcomer, "Stream late ", 3);
 }
 
@@ -183,8 +154,7 @@ TEST_P(DistributedTest, APostDoesNotWaitForAProcessThatStandsStill) {
     const auto a = observer("Busy");
     still->kill(SIGSTOP);
     const auto b = peer();
-    b->tell("post Busy x 3000");
-    EXPECT_EQ(b->hear(), "posted");
+    post(*b, "Busy x 3000");
     expectNumbered(*a, "Busy x ", 3000);
     still->kill(SIGCONT);
     expectNumbered(*still, "Busy x ", 3000);
@@ -215,21 +185,18 @@ TEST_P(DistributedBusTest, MessagesOfHostilePeersAreIgnored) {
     send("say", "Name", 0);
     send("say", "Name", 3, 1, 255, 255);
     sd_bus_flush_close_unref(connection);
-    a->tell("post Name x 1");
-    EXPECT_EQ(a->hear(), "posted");
+    post(*a, "Name x 1");
     expectNumbered(*a, "Name x ", 1);
 }
 
 TEST_P(DistributedBusTest, ABusThatComesBackIsFoundAgain) {
     const auto a = observer("Again");
     bus = nullptr;
-    a->tell("post Again x 1");
-    EXPECT_EQ(a->hear(), "posted") << "lost, without harm";
+    post(*a, "Again x 1"); // lost, without harm
     startBus();
     const auto b = peer();
     for (int i = 0; i < 100; ++i) {
-        b->tell("post Again y 1");
-        ASSERT_EQ(b->hear(), "posted");
+        post(*b, "Again y 1");
         if (const auto heard = a->hear(100ms)) {
             EXPECT_EQ(heard, "Again y 0 0");
             return;
@@ -240,10 +207,10 @@ TEST_P(DistributedBusTest, ABusThatComesBackIsFoundAgain) {
 
 class DistributedSocketTest : public DistributedTest {
 protected:
-    fs::path folder() const { return fs::path(directory) / "zorvan-notifications"; }
+    const fs::path notifications = fs::path(directory) / "zorvan-notifications";
 
     std::vector<fs::path> sockets() const {
-        return {fs::directory_iterator(folder()), fs::directory_iterator()};
+        return {fs::directory_iterator(notifications), fs::directory_iterator()};
     }
 
     int connectTo(const fs::path& socket) const {
@@ -260,7 +227,7 @@ INSTANTIATE_TEST_SUITE_P(Sockets, DistributedSocketTest, testing::Values(Way::so
 TEST_P(DistributedSocketTest, OnlyTheUserCanReachTheSockets) {
     const auto a = observer("Name");
     struct stat status;
-    ASSERT_EQ(::stat(folder().c_str(), &status), 0);
+    ASSERT_EQ(::stat(notifications.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0700U);
     ASSERT_EQ(sockets().size(), 1U);
     ASSERT_EQ(::stat(sockets()[0].c_str(), &status), 0);
@@ -283,10 +250,9 @@ TEST_P(DistributedSocketTest, WhatHostilePeersSendIsIgnored) {
         idle.push_back(connectTo(socket));
     for (const int made : idle)
         ::close(made);
-    std::ofstream(folder() / "not-one.socket") << "a plain file";
-    fs::create_directory(folder() / "folder.socket");
-    a->tell("post Name x 1");
-    EXPECT_EQ(a->hear(), "posted");
+    std::ofstream(notifications / "not-one.socket") << "a plain file";
+    fs::create_directory(notifications / "folder.socket");
+    post(*a, "Name x 1");
     expectNumbered(*a, "Name x ", 1);
 }
 
@@ -296,21 +262,19 @@ TEST_P(DistributedSocketTest, WhatAKilledProcessLeftIsRemoved) {
     a->end();
     EXPECT_TRUE(fs::exists(left));
     const auto b = observer("Name");
-    b->tell("post Name x 1");
-    EXPECT_EQ(b->hear(), "posted");
+    post(*b, "Name x 1");
     expectNumbered(*b, "Name x ", 1);
     EXPECT_FALSE(fs::exists(left));
     EXPECT_EQ(sockets().size(), 1U);
 }
 
 TEST_P(DistributedSocketTest, AFolderThatOthersCanEnterIsNotUsed) {
-    fs::create_directory(folder());
-    fs::permissions(folder(), fs::perms(0755));
+    fs::create_directory(notifications);
+    fs::permissions(notifications, fs::perms(0755));
     const auto a = observer("Name");
     const auto b = observer("Name");
-    EXPECT_TRUE(fs::is_empty(folder()));
-    a->tell("post Name x 1");
-    EXPECT_EQ(a->hear(), "posted");
+    EXPECT_TRUE(fs::is_empty(notifications));
+    post(*a, "Name x 1");
     expectNumbered(*a, "Name x ", 1);
     EXPECT_TRUE(b->hearAll(50ms).empty()) << "within the process only";
 }

@@ -1,12 +1,7 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/messagebus/internal/WireFormat.h>
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <random>
-#include <stdexcept>
-
-using namespace zorvan;
 using namespace zorvan::internal;
 
 namespace {

@@ -1,10 +1,6 @@
 #include "Lists.h"
+#include <tests/Testing.h>
 
-#include <gtest/gtest.h>
-
-#include <random>
-
-using namespace zorvan;
 using propertylist::Format;
 
 namespace {
@@ -46,10 +42,7 @@ std::string array(const std::vector<int>& references) {
 } // namespace
 
 TEST(Binary, readsEveryForm) {
-    struct {
-        std::string object;
-        PropertyList value;
-    } table[] = {
+    const std::pair<std::string, PropertyList> table[] = {
         {bytes({0x09}), true},
         {bytes({0x10, 0xFF}), 255}, // short integers have no sign
         {bytes({0x11, 0xFF, 0xFF}), 65535},
@@ -69,17 +62,15 @@ TEST(Binary, readsEveryForm) {
         {bytes({0x61, 0xDE, 0x00}), "\uFFFD"},
         {bytes({0x5F, 0x10, 0x02}) + "hi", "hi"}, // a long length, though a short one would do
     };
-    for (const auto& row : table) {
+    for (const auto& [object, value] : table) {
         std::string reason;
-        EXPECT_EQ(decoded(binary({row.object}), &reason), row.value) << reason;
+        EXPECT_EQ(decoded(binary({object}), &reason), value) << reason;
     }
 }
 
 TEST(Binary, saysWhatIsWrong) {
     const std::string no = "an object is of a kind that property lists do not have";
-    struct {
-        std::string document, reason;
-    } table[] = {
+    const std::pair<std::string, std::string> table[] = {
         {"bplist00", "the file is cut short"},
         {binary({}), "an object is missing"},
         {binary({array({7})}), "an object is missing"},
@@ -100,10 +91,10 @@ TEST(Binary, saysWhatIsWrong) {
         {binary({bytes({0xD1, 0, 1, 0, 1}), bytes({0x10, 1})}), "a key is no text"},
         {binary({array({0})}), "the list unfolds to far more than its size"}, // holds itself
     };
-    for (const auto& row : table) {
+    for (const auto& [document, wanted] : table) {
         std::string reason;
-        EXPECT_FALSE(decoded(row.document, &reason));
-        EXPECT_EQ(reason, row.reason);
+        EXPECT_FALSE(decoded(document, &reason));
+        EXPECT_EQ(reason, wanted);
     }
 }
 

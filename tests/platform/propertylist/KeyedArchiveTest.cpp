@@ -1,15 +1,9 @@
 #include "Lists.h"
+#include <tests/Testing.h>
 
 #include <zorvan/platform/propertylist/NSKeyedArchiver.h>
 #include <zorvan/platform/propertylist/NSKeyedUnarchiver.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
-
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <random>
-
-using namespace zorvan;
 
 namespace {
 
@@ -132,9 +126,7 @@ TEST(KeyedArchive, KeepsEveryKindOfValue) {
     EXPECT_EQ(back(sly), sly);
     EXPECT_EQ(back(PropertyList::Dictionary{{"CF$UID", 1}}),
               (PropertyList::Dictionary{{"CF$UID", 1}}));
-}
-
-TEST(KeyedArchive, KeepsTheKindOfANumber) {
+    // Of a number it keeps the kind, too.
     EXPECT_TRUE(back(NSNumber(true)).isBool());
     EXPECT_TRUE(back(NSNumber(1)).isInteger());
     EXPECT_TRUE(back(NSNumber(1.0)).isReal());
@@ -242,22 +234,19 @@ TEST(KeyedArchive, AFailedReadingCanBeTriedAsAnotherClass) {
 }
 
 TEST(KeyedArchive, RefusesWhatCannotBeArchived) {
-    struct {
-        std::function<Data()> make;
-        const char* reason;
-    } table[] = {
+    const std::pair<std::function<Data()>, const char*> table[] = {
         {[] { return NSKeyedArchiver::archivedData("\xFF"); }, "a text is not UTF-8"},
         {[] { return NSKeyedArchiver::archivedData(~std::uint64_t{0}); },
          "an integer does not fit 64 signed bits"},
         {[] { return NSKeyedArchiver::archivedData(nested(propertylist::maximumDepth + 1)); },
          "the objects are nested too deep"},
     };
-    for (const auto& row : table) {
+    for (const auto& [make, reason] : table) {
         try {
-            row.make();
-            ADD_FAILURE() << row.reason;
+            make();
+            ADD_FAILURE() << reason;
         } catch (const ArchiveError& error) {
-            EXPECT_STREQ(error.what(), row.reason);
+            EXPECT_STREQ(error.what(), reason);
         }
     }
     EXPECT_EQ(back(nested(propertylist::maximumDepth)), nested(propertylist::maximumDepth));
@@ -268,10 +257,7 @@ TEST(KeyedArchive, RefusesDamage) {
     const auto array = [](List::Array contents) {
         return List::Dictionary{{"$class", to(2)}, {"NS.objects", std::move(contents)}};
     };
-    struct {
-        Data archive;
-        const char* reason;
-    } table[] = {
+    const std::pair<Data, const char*> table[] = {
         {{}, "the file is cut short"},
         {propertylist::writeBinary(List::Dictionary{{"$archiver", "x"}}),
          "it is a keyed archive of an unknown kind"},
@@ -291,8 +277,8 @@ TEST(KeyedArchive, RefusesDamage) {
                     classNamed("NSDictionary")}),
          "a dictionary is damaged"},
     };
-    for (const auto& row : table)
-        EXPECT_EQ(refusal<PropertyList>(row.archive), row.reason);
+    for (const auto& [archive, reason] : table)
+        EXPECT_EQ(refusal<PropertyList>(archive), reason);
 
     // Each object holds the next one twice: read out in full, it would be 2^99 of them.
     List::Array doubling;

@@ -1,10 +1,7 @@
 #include "BundleFolder.h"
+#include <tests/Testing.h>
 
 #include <zorvan/platform/propertylist/DesktopIcon.h>
-
-#include <limits>
-
-using namespace zorvan;
 
 TEST_F(BundleTest, doesWithoutInformation) {
     std::filesystem::create_directory(root_ / "empty");

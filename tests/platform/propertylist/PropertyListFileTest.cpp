@@ -1,32 +1,16 @@
 #include "Lists.h"
+#include <tests/Testing.h>
+#include <tests/files/TemporaryFolder.h>
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <sys/stat.h>
-
-using namespace zorvan;
 using propertylist::Format;
-namespace fs = std::filesystem;
 
 namespace {
 
 class PropertyListFile : public testing::TestWithParam<Format> {
 protected:
-    PropertyListFile() {
-        std::string name = (fs::temp_directory_path() / "zorvan-list-XXXXXX").string();
-        folder_ = mkdtemp(name.data());
-    }
-    ~PropertyListFile() override { fs::remove_all(folder_); }
+    std::string path(const std::string& name) const { return folder.path() / name; }
 
-    std::string path(const std::string& name) const { return (folder_ / name).string(); }
-    std::size_t fileCount() const {
-        return static_cast<std::size_t>(
-            std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
-    }
-
-    fs::path folder_;
+    const TemporaryFolder folder;
 };
 
 } // namespace
@@ -46,7 +30,7 @@ TEST_P(PropertyListFile, keepsEverything) {
     EXPECT_TRUE(numbers.front().as<NSNumber>()->isInteger());
     EXPECT_TRUE(numbers.back().as<NSNumber>()->isBool());
     EXPECT_TRUE(numbers[8].as<NSNumber>()->isReal());
-    EXPECT_EQ(fileCount(), 1u);
+    EXPECT_EQ(folder.count(), 1);
 }
 
 TEST_P(PropertyListFile, boundsTheDepth) {
@@ -74,21 +58,17 @@ TEST_P(PropertyListFile, leavesTheOldFileAfterAFailure) {
     EXPECT_EQ(reason, "No such file or directory");
     fs::create_directory(path("folder"));
     EXPECT_FALSE(propertylist::writeFile(1, GetParam(), path("folder"), &reason));
-    EXPECT_EQ(fileCount(), 2u);
+    EXPECT_EQ(folder.count(), 2);
 }
 
 TEST_P(PropertyListFile, keepsThePermissions) {
-    const auto permissions = [&] {
-        struct stat status {};
-        ::stat(path("a.plist").c_str(), &status);
-        return status.st_mode & 07777;
-    };
+    const auto permissions = [&] { return fs::status(path("a.plist")).permissions(); };
     const mode_t mask = ::umask(022);
     ASSERT_TRUE(propertylist::writeFile(1, GetParam(), path("a.plist")));
-    EXPECT_EQ(permissions(), 0644u);
-    ::chmod(path("a.plist").c_str(), 0600);
+    EXPECT_EQ(permissions(), fs::perms(0644));
+    folder.setMode("a.plist", 0600);
     ASSERT_TRUE(propertylist::writeFile(2, GetParam(), path("a.plist")));
-    EXPECT_EQ(permissions(), 0600u);
+    EXPECT_EQ(permissions(), fs::perms(0600));
     ::umask(mask);
 }
 
@@ -96,7 +76,7 @@ TEST_P(PropertyListFile, refusesWhatIsNoFile) {
     std::string reason;
     EXPECT_FALSE(propertylist::readFile(path("missing"), &reason));
     EXPECT_EQ(reason, "No such file or directory");
-    EXPECT_FALSE(propertylist::readFile(folder_.string(), &reason));
+    EXPECT_FALSE(propertylist::readFile(folder.path(), &reason));
     EXPECT_EQ(reason, "it is no regular file");
     ::mkfifo(path("pipe").c_str(), 0600);
     EXPECT_FALSE(propertylist::readFile(path("pipe"), &reason));

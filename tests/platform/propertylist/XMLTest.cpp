@@ -1,8 +1,6 @@
 #include "Lists.h"
+#include <tests/Testing.h>
 
-#include <gtest/gtest.h>
-
-using namespace zorvan;
 using propertylist::Format;
 
 namespace {
@@ -36,10 +34,7 @@ TEST(XML, isReadable) {
 }
 
 TEST(XML, readsWhatOthersWrite) {
-    struct {
-        std::string document;
-        PropertyList value;
-    } table[] = {
+    const std::pair<std::string, PropertyList> table[] = {
         {"<?xml version='1.0'?><!DOCTYPE plist SYSTEM 'list.dtd'><plist "
          "version='1.0'><true/></plist>",
          true},
@@ -60,16 +55,17 @@ TEST(XML, readsWhatOthersWrite) {
          PropertyList::Dictionary{{"a", 2}}},
         {"<?xml version='1.0' encoding='ISO-8859-1'?>" + plist("<string>\xE9</string>"), "\u00E9"},
     };
-    for (const auto& row : table) {
+    for (const auto& [document, value] : table) {
         std::string reason;
-        EXPECT_EQ(decoded(row.document, &reason), row.value) << row.document << ": " << reason;
+        EXPECT_EQ(decoded(document, &reason), value) << document << ": " << reason;
     }
+    // Longer than what the parser is given at a time.
+    const std::string longText(std::size_t{3} << 20, 'x');
+    EXPECT_EQ(decoded(plist("<string>" + longText + "</string>")), PropertyList(longText));
 }
 
 TEST(XML, saysWhatIsWrong) {
-    struct {
-        std::string document, reason;
-    } table[] = {
+    const std::pair<std::string, std::string> table[] = {
         {"", "no element found"},
         {"<html/>", "it is no property list"},
         {plist(""), "it is empty"},
@@ -103,10 +99,10 @@ TEST(XML, saysWhatIsWrong) {
         {"<!DOCTYPE plist [<!ENTITY a 'aaaa'>]>" + plist("<string>&a;</string>"),
          "it has entities of its own"},
     };
-    for (const auto& row : table) {
+    for (const auto& [document, wanted] : table) {
         std::string reason;
-        EXPECT_FALSE(decoded(row.document, &reason)) << row.document;
-        EXPECT_EQ(reason, row.reason) << row.document;
+        EXPECT_FALSE(decoded(document, &reason)) << document;
+        EXPECT_EQ(reason, wanted) << document;
     }
 }
 
@@ -117,16 +113,8 @@ TEST(XML, refusesWhatItCannotHold) {
     EXPECT_FALSE(propertylist::encode("\xC0\x80", Format::xml, &reason));
     EXPECT_EQ(reason, "a text is not UTF-8");
     EXPECT_TRUE(propertylist::encode(std::string("a\x01"), Format::binary));
-}
-
-TEST(XML, keepsWholeSecondsOfDates) {
+    // Of dates it keeps whole seconds.
     const Date half = Date{} - std::chrono::milliseconds(500);
     const auto bytes = propertylist::encode(half, Format::xml);
     EXPECT_EQ(propertylist::decode(*bytes), PropertyList(Date{} - std::chrono::seconds(1)));
-}
-
-TEST(XML, splitsLongDocuments) {
-    // Longer than what the parser is given at a time.
-    const std::string longText(std::size_t{3} << 20, 'x');
-    EXPECT_EQ(decoded(plist("<string>" + longText + "</string>")), PropertyList(longText));
 }

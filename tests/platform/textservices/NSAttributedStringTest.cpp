@@ -1,10 +1,7 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/textservices/NSAttributedString.h>
 
-#include <gtest/gtest.h>
-
-#include <random>
-
-using namespace zorvan;
 using TextRun = NSAttributedString::Run;
 
 namespace {

@@ -1,10 +1,7 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/textservices/NSRegularExpression.h>
 
-#include <gtest/gtest.h>
-
-#include <thread>
-
-using namespace zorvan;
 using Matches = std::vector<std::vector<std::string>>;
 using Options = NSRegularExpression::Options;
 
@@ -76,9 +73,7 @@ TEST(NSRegularExpression, GivesUpARunawaySearch) {
     for (int i = 0; i < 200; ++i)
         text += std::string(24, 'a') + "c";
     EXPECT_EQ(failure("(a+)+b|c", text), "search takes too long");
-}
-
-TEST(NSRegularExpression, SearchesALongLine) {
+    // A long line is no reason to.
     const std::string line = std::string(10'000'000, 'x') + " (7)";
     EXPECT_EQ(NSRegularExpression(R"((.*)\((\d*)\))", Options::none).captures(line)[0][1], "7");
 }

@@ -1,29 +1,19 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/textservices/Unicode.h>
 
-#include <gtest/gtest.h>
-
-#include <array>
-
-using namespace zorvan;
-
 TEST(Unicode, TrimsByCodePoints) {
-    const struct {
-        std::string_view text;
-        std::string_view withoutSpaces;
-        std::string_view withoutNewlines;
-    } cases[] = {
-        {"", "", ""},
-        {" \t ", "", ""},
-        {"\n a \n", "\n a \n", "a"},
-        {"\u00A0\u3000a\u2003", "a", "a"},
-        {"\u2028a\u0085", "\u2028a\u0085", "a"},
-        {" \u0301", "\u0301", "\u0301"},
-        {"\u200B", "\u200B", "\u200B"}, // it has no width, but is no space
-        {" \xFF ", "\xFF", "\xFF"},
-        {" \xE3\x80 ", "\xE3\x80", "\xE3\x80"},
-        {"\x80 ", "\x80", "\x80"},
-    };
-    for (const auto& [text, withoutSpaces, withoutNewlines] : cases) {
+    for (const auto& [text, withoutSpaces, withoutNewlines] :
+         {std::tuple("", "", ""),
+          {" \t ", "", ""},
+          {"\n a \n", "\n a \n", "a"},
+          {"\u00A0\u3000a\u2003", "a", "a"},
+          {"\u2028a\u0085", "\u2028a\u0085", "a"},
+          {" \u0301", "\u0301", "\u0301"},
+          {"\u200B", "\u200B", "\u200B"}, // it has no width, but is no space
+          {" \xFF ", "\xFF", "\xFF"},
+          {" \xE3\x80 ", "\xE3\x80", "\xE3\x80"},
+          {"\x80 ", "\x80", "\x80"}}) {
         EXPECT_EQ(trimmed(text, CharacterSet::whitespaces), withoutSpaces);
         EXPECT_EQ(trimmed(text, CharacterSet::whitespacesAndNewlines), withoutNewlines);
     }
