@@ -33,6 +33,8 @@ TEST_F(DamageTest, AChangedRowIsAbsent) {
         "UPDATE items SET sealing_key = x'00' WHERE account = 'a'",
         "UPDATE items SET service = 'test' || x'00' WHERE account = 'a'",
         "UPDATE items SET label = NULL WHERE account = 'a'",
+        "UPDATE items SET label = CAST(label AS BLOB) WHERE account = 'a'",
+        "UPDATE items SET account = CAST(account AS BLOB) WHERE account = 'a'",
         "UPDATE items SET label = 'lg', generic = '' WHERE account = 'a'", // bytes that change
                                                                            // sides
         "UPDATE items SET generic = NULL WHERE account = 'a'",

@@ -112,8 +112,12 @@ std::int64_t Statement::integer(int column) const {
     return sqlite3_column_int64(statement_, column);
 }
 
-bool Statement::isNull(int column) const {
-    return sqlite3_column_type(statement_, column) == SQLITE_NULL;
+bool Statement::isText(int column) const {
+    return sqlite3_column_type(statement_, column) == SQLITE_TEXT;
+}
+
+bool Statement::isBytes(int column) const {
+    return sqlite3_column_type(statement_, column) == SQLITE_BLOB;
 }
 
 std::span<const std::byte> Statement::bytes(int column) const {

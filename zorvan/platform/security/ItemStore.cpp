@@ -95,7 +95,8 @@ void bindConditions(Statement& statement, const ItemQuery& query) {
         statement.bind(*query.reference);
 }
 
-/// Whatever the columns hold: damage shows when the value is opened.
+/// Whatever the columns hold: what is of another kind counts as left out, and damage shows when the
+/// value is opened.
 SecureItem rowOf(const Statement& row) {
     SecureItem item;
     item.reference = row.integer(0);
@@ -109,7 +110,7 @@ SecureItem rowOf(const Statement& row) {
     item.sealed.assign(sealed.begin(), sealed.end());
     for (std::size_t i = 0; i < textCount; ++i) {
         const int column = fixedColumns + static_cast<int>(i);
-        if (row.isNull(column))
+        if (!(i == genericText ? row.isBytes(column) : row.isText(column)))
             continue;
         const auto bytes = row.bytes(column);
         item.texts[i].emplace(reinterpret_cast<const char*>(bytes.data()), bytes.size());

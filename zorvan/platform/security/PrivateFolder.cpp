@@ -97,7 +97,7 @@ void PrivateFolder::create() const {
 }
 
 std::optional<struct stat> PrivateFolder::statusOfAny(const char* name) const {
-    return open_ ? statusOf(open_->get(), name) : statusOf(AT_FDCWD, path(name));
+    return open_ ? statusOf(open_->descriptor.get(), name) : statusOf(AT_FDCWD, path(name));
 }
 
 std::optional<struct stat> PrivateFolder::statusOfFile(const char* name) const {
@@ -120,16 +120,15 @@ void PrivateFolder::createFile(const char* name) const {
 
 void PrivateFolder::open() {
     FileDescriptor folder(::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    if (!folder)
+    struct stat status {};
+    if (!folder || ::fstat(folder.get(), &status) != 0)
         failFor(errno);
-    open_ = std::make_shared<const FileDescriptor>(std::move(folder));
+    open_ = std::make_shared<const Open>(Open{std::move(folder), status.st_dev, status.st_ino});
 }
 
 bool PrivateFolder::isInPlace() const {
-    const auto there = status();
-    struct stat held {};
-    return there && open_ && ::fstat(open_->get(), &held) == 0 && held.st_ino == there->st_ino &&
-           held.st_dev == there->st_dev;
+    const auto now = status();
+    return now && open_ && now->st_ino == open_->node && now->st_dev == open_->device;
 }
 
 void PrivateFolder::sync() const {

@@ -39,7 +39,8 @@ public:
     bool step();
 
     std::int64_t integer(int column) const;
-    bool isNull(int column) const;
+    bool isText(int column) const;
+    bool isBytes(int column) const;
     std::span<const std::byte> bytes(int column) const;
 
 private:

@@ -41,10 +41,16 @@ public:
     void sync() const;
 
 private:
+    struct Open {
+        internal::FileDescriptor descriptor;
+        dev_t device;
+        ino_t node;
+    };
+
     std::optional<struct stat> status() const;
 
     std::string path_;
-    std::shared_ptr<const internal::FileDescriptor> open_; // null until it is
+    std::shared_ptr<const Open> open_; // null until it is
 };
 
 } // namespace zorvan::security
