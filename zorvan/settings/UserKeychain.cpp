@@ -25,21 +25,21 @@ private:
     Data& bytes_;
 };
 
-security::ItemAttributes itemsOf(const UserKeychain& keychain) {
-    security::ItemAttributes items;
-    items.texts[security::serviceText] = keychain.serviceName();
-    items.texts[security::accessGroupText] = keychain.accessGroup();
+security::ItemQuery itemsOf(const UserKeychain& keychain) {
+    security::ItemQuery items;
+    items.attributes.texts[security::serviceText] = keychain.serviceName();
+    items.attributes.texts[security::accessGroupText] = keychain.accessGroup();
     return items;
 }
 
 /// In both states of synchronisation.
-security::ItemAttributes itemOf(const UserKeychain& keychain, const UserKeychain::Key& key,
-                                std::optional<UserKeychain::Access> access) {
-    security::ItemAttributes item = itemsOf(keychain);
+security::ItemQuery itemOf(const UserKeychain& keychain, const UserKeychain::Key& key,
+                           std::optional<UserKeychain::Access> access) {
+    security::ItemQuery item = itemsOf(keychain);
     for (const auto text : {security::accountText, security::labelText, security::genericText})
-        item.texts[text] = key.rawValue;
+        item.attributes.texts[text] = key.rawValue;
     if (access)
-        item.texts[security::accessibleText] = access->attributeValue();
+        item.attributes.texts[security::accessibleText] = access->attributeValue();
     return item;
 }
 
@@ -88,7 +88,7 @@ const std::shared_ptr<UserKeychain>& UserKeychain::standard() {
 }
 
 bool UserKeychain::set(const Data& bytes, const Key& key, std::optional<Access> access) const {
-    security::ItemAttributes item = itemOf(*this, key, access);
+    security::ItemAttributes item = itemOf(*this, key, access).attributes;
     if (enableSynchronization_)
         item.isSynchronizable = true;
     item.value = &bytes;
@@ -108,15 +108,13 @@ bool UserKeychain::setAndWipe(Data bytes, const Key& key, std::optional<Access> 
 }
 
 std::optional<Data> UserKeychain::data(const Key& key, std::optional<Access> access) const {
-    security::ItemQuery query;
-    query.attributes = itemOf(*this, key, access);
+    security::ItemQuery query = itemOf(*this, key, access);
     query.returnsData = true;
     return bytesFor(query);
 }
 
 std::optional<Data> UserKeychain::dataRef(const Key& key, std::optional<Access> access) const {
-    security::ItemQuery query;
-    query.attributes = itemOf(*this, key, access);
+    security::ItemQuery query = itemOf(*this, key, access);
     query.returnsReference = true;
     return bytesFor(query);
 }
@@ -181,15 +179,11 @@ bool UserKeychain::hasValue(const Key& key, std::optional<Access> access) const 
 }
 
 bool UserKeychain::remove(const Key& key, std::optional<Access> access) const {
-    security::ItemQuery query;
-    query.attributes = itemOf(*this, key, access);
-    return security::remove(query) == errSecSuccess;
+    return security::remove(itemOf(*this, key, access)) == errSecSuccess;
 }
 
 bool UserKeychain::removeAllKeys() const {
-    security::ItemQuery query;
-    query.attributes = itemsOf(*this);
-    return security::remove(query) == errSecSuccess;
+    return security::remove(itemsOf(*this)) == errSecSuccess;
 }
 
 } // namespace zorvan
