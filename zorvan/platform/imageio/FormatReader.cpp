@@ -36,6 +36,14 @@ std::optional<PropertyList::Dictionary> FormatReader::properties(std::int64_t in
     });
 }
 
+std::optional<int> FormatReader::orientation(std::int64_t index) {
+    return guarded([&] {
+               checkIndex(index);
+               return readOrientation(index);
+           })
+        .value_or(std::nullopt);
+}
+
 std::optional<Bitmap> FormatReader::decode(std::int64_t index, const DecodeOptions& options) {
     return guarded([&] {
         checkIndex(index);

@@ -289,6 +289,14 @@ private:
 
     /// The file's own turns are binding and Exif's orientation then repeats them; without any of
     /// them Exif's orientation holds.
+    static std::optional<int> orientationOf(const HeifPicture& shown, Bytes exif) {
+        return shown.orientation ? shown.orientation : exifOrientation(exif);
+    }
+
+    std::optional<int> readOrientation(std::int64_t index) override {
+        return orientationOf(picture(index), exifOf(picture(index)));
+    }
+
     PropertyList::Dictionary readProperties(std::int64_t index) override {
         const HeifPicture& shown = picture(index);
         const Data exif = exifOf(shown);
@@ -298,8 +306,7 @@ private:
                            .depth = shown.depth,
                            .colorModel = shown.monochrome ? "Gray" : "RGB",
                            .hasAlpha = shown.hasAlpha,
-                           .orientation =
-                               shown.orientation ? shown.orientation : exifOrientation(exif),
+                           .orientation = orientationOf(shown, exif),
                            .dpi = exifResolution(extra)};
         if (outline.orientation && findSection(extra, "{TIFF}"))
             section(extra, "{TIFF}").insert_or_assign("Orientation", *outline.orientation);

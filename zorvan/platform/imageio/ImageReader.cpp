@@ -20,6 +20,7 @@ public:
     std::optional<PropertyList::Dictionary> properties(std::int64_t) override {
         return std::nullopt;
     }
+    std::optional<int> orientation(std::int64_t) override { return std::nullopt; }
     std::optional<Bitmap> decode(std::int64_t, const DecodeOptions&) override {
         return std::nullopt;
     }

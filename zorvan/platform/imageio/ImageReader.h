@@ -52,6 +52,10 @@ public:
     /// The properties of a picture, without decoding it. Absent when they cannot be read.
     virtual std::optional<PropertyList::Dictionary> properties(std::int64_t index) = 0;
 
+    /// The EXIF value that `properties` states as "Orientation", without the rest of them; absent when
+    /// the file says nothing, or cannot be read.
+    virtual std::optional<int> orientation(std::int64_t index) = 0;
+
     /// The picture as RGBA pixels in its stored orientation, colour premultiplied.
     virtual std::optional<Bitmap> decode(std::int64_t index, const DecodeOptions& options) = 0;
 

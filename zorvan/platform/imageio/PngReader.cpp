@@ -126,6 +126,10 @@ private:
         return propertiesOf(header());
     }
 
+    std::optional<int> readOrientation(std::int64_t) override {
+        return exifOrientation(header().exif);
+    }
+
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
         checkSize(header().size);
         Decoder decoder(source());

@@ -42,6 +42,7 @@ public:
     std::optional<FileFormat> format() const noexcept final { return format_; }
     std::int64_t count() final;
     std::optional<PropertyList::Dictionary> properties(std::int64_t index) final;
+    std::optional<int> orientation(std::int64_t index) final;
     std::optional<Bitmap> decode(std::int64_t index, const DecodeOptions& options) final;
     std::optional<Bitmap> embeddedThumbnail(std::int64_t index) final;
 
@@ -52,6 +53,7 @@ private:
     // Each throws Failure; the index has been checked against the count.
     virtual std::int64_t readCount() = 0;
     virtual PropertyList::Dictionary readProperties(std::int64_t index) = 0;
+    virtual std::optional<int> readOrientation(std::int64_t index) = 0;
     virtual Bitmap readPicture(std::int64_t index, const DecodeOptions& options) = 0;
     virtual Bitmap readThumbnail(std::int64_t index) = 0;
 
