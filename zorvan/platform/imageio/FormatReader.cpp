@@ -58,4 +58,11 @@ std::optional<Bitmap> FormatReader::embeddedThumbnail(std::int64_t index) {
     });
 }
 
+Data wholeFile(ByteSource& source) {
+    constexpr std::uint64_t maximumSize = std::uint64_t{256} << 20;
+    if (source.size() > maximumSize)
+        throw Failure{reason::tooLarge};
+    return source.bytes(0, source.size());
+}
+
 } // namespace zorvan::imageio

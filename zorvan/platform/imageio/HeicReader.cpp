@@ -257,10 +257,11 @@ bool convertAsCoded(const heif_image_handle* handle, PixelSize coded, int chroma
     return true;
 }
 
-class HeicReader final : public FormatReader {
+/// HEIC and AVIF, which differ in the codec only.
+class HeifReader final : public FormatReader {
 public:
-    explicit HeicReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::heic, std::move(source)) {}
+    HeifReader(std::unique_ptr<ByteSource> source, FileFormat format)
+        : FormatReader(format, std::move(source)) {}
 
 private:
     const HeifFile& file() {
@@ -361,8 +362,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<HeicReader>(std::move(source));
+std::unique_ptr<ImageReader> makeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format) {
+    return std::make_unique<HeifReader>(std::move(source), format);
 }
 
 } // namespace zorvan::imageio

@@ -17,8 +17,9 @@ std::optional<Data> dispatched(FileFormat format, std::span<const Frame> frames)
         return encodeTiff(frames);
     case FileFormat::heic:
         return encodeHeic(frames[0]);
+    default:
+        return std::nullopt;
     }
-    return std::nullopt;
 }
 
 } // namespace

@@ -241,17 +241,23 @@ private:
         }
     }
 
-    Bitmap readThumbnail(std::int64_t) override {
-        Data bytes = exifThumbnail(header().exif);
-        if (bytes.empty())
-            throw Failure{reason::noThumbnail};
-        return JpegReader(sourceOver(std::move(bytes))).readPicture(0, {});
-    }
+    Bitmap readThumbnail(std::int64_t) override { return thumbnailInExif(header().exif); }
 
     std::optional<JpegHeader> header_ = {};
 };
 
 } // namespace
+
+Bitmap thumbnailInExif(Bytes exif) {
+    Data bytes = exifThumbnail(exif);
+    if (bytes.empty())
+        throw Failure{reason::noThumbnail};
+    JpegReader reader(sourceOver(std::move(bytes)));
+    std::optional<Bitmap> thumbnail = reader.decode(0, {});
+    if (!thumbnail)
+        throw Failure{reason::damaged};
+    return std::move(*thumbnail);
+}
 
 std::unique_ptr<ImageReader> makeJpegReader(std::unique_ptr<ByteSource> source) {
     return std::make_unique<JpegReader>(std::move(source));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zorvan/platform/imageio/ImageReader.h>
+#include <zorvan/platform/imageio/internal/ByteOrder.h>
 #include <zorvan/platform/imageio/internal/ByteSource.h>
 
 #include <memory>
@@ -69,6 +70,21 @@ private:
 std::unique_ptr<ImageReader> makeJpegReader(std::unique_ptr<ByteSource> source);
 std::unique_ptr<ImageReader> makePngReader(std::unique_ptr<ByteSource> source);
 std::unique_ptr<ImageReader> makeTiffReader(std::unique_ptr<ByteSource> source);
-std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format);
+std::unique_ptr<ImageReader> makeWebPReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeGifReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeBmpReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeSvgReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeJpegXLReader(std::unique_ptr<ByteSource> source);
+
+bool isBmp(Bytes head) noexcept;
+bool isSvg(ByteSource& source);
+
+/// The bytes of a file whose codec wants them all at once. Throws Failure for a file too large for
+/// that.
+Data wholeFile(ByteSource& source);
+
+/// The small JPEG inside an Exif block. Throws Failure when there is none.
+Bitmap thumbnailInExif(Bytes exif);
 
 } // namespace zorvan::imageio
