@@ -362,8 +362,12 @@ private:
 
 } // namespace
 
-std::unique_ptr<ImageReader> makeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format) {
-    return std::make_unique<HeifReader>(std::move(source), format);
+std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source) {
+    return std::make_unique<HeifReader>(std::move(source), FileFormat::heic);
+}
+
+std::unique_ptr<ImageReader> makeAvifReader(std::unique_ptr<ByteSource> source) {
+    return std::make_unique<HeifReader>(std::move(source), FileFormat::avif);
 }
 
 } // namespace zorvan::imageio

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
 
 namespace zorvan::imageio {
 namespace {
@@ -60,18 +59,6 @@ private:
 };
 
 } // namespace
-
-bool isSvg(ByteSource& source) {
-    constexpr std::uint64_t searched = 4096; // comments and declarations may come before
-    const Data head = source.bytes(0, searched);
-    std::string_view text(reinterpret_cast<const char*>(head.data()), head.size());
-    if (text.starts_with("\xEF\xBB\xBF"))
-        text.remove_prefix(3);
-    const std::size_t first = text.find_first_not_of(" \t\r\n");
-    return first != std::string_view::npos && text[first] == '<' &&
-           (text.find("<svg") != std::string_view::npos ||
-            text.find(":svg") != std::string_view::npos);
-}
 
 std::unique_ptr<ImageReader> makeSvgReader(std::unique_ptr<ByteSource> source) {
     return std::make_unique<SvgReader>(std::move(source));

@@ -70,7 +70,8 @@ private:
 std::unique_ptr<ImageReader> makeJpegReader(std::unique_ptr<ByteSource> source);
 std::unique_ptr<ImageReader> makePngReader(std::unique_ptr<ByteSource> source);
 std::unique_ptr<ImageReader> makeTiffReader(std::unique_ptr<ByteSource> source);
-std::unique_ptr<ImageReader> makeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format);
+std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeAvifReader(std::unique_ptr<ByteSource> source);
 std::unique_ptr<ImageReader> makeWebPReader(std::unique_ptr<ByteSource> source);
 std::unique_ptr<ImageReader> makeGifReader(std::unique_ptr<ByteSource> source);
 std::unique_ptr<ImageReader> makeBmpReader(std::unique_ptr<ByteSource> source);
@@ -78,7 +79,6 @@ std::unique_ptr<ImageReader> makeSvgReader(std::unique_ptr<ByteSource> source);
 std::unique_ptr<ImageReader> makeJpegXLReader(std::unique_ptr<ByteSource> source);
 
 bool isBmp(Bytes head) noexcept;
-bool isSvg(ByteSource& source);
 
 /// The bytes of a file whose codec wants them all at once. Throws Failure for a file too large for
 /// that.
