@@ -104,8 +104,9 @@ public:
     std::int64_t bitsPerComponent() const noexcept { return 8; }
     std::int64_t bitsPerPixel() const noexcept { return 32; }
     std::int64_t bytesPerRow() const noexcept { return bitmap_->bytesPerRow(); }
+    /// Lives as long as the picture, which must be held.
     const Bitmap& bitmap() const noexcept { return *bitmap_; }
-    /// The first byte of the top row.
+    /// The first byte of the top row, which lives as long.
     const std::uint8_t* uint8Data() const noexcept { return bitmap_->data(); }
 
     /// (width, height).

@@ -74,7 +74,7 @@ public:
 
     std::string error() const override {
         const std::lock_guard lock(mutex_);
-        return error_.empty() ? std::string(reader_->error()) : error_;
+        return error_.empty() ? reader_->error() : error_;
     }
 
     CGImage::Pointer image(std::int64_t index, const PropertyList::Dictionary&) const override {

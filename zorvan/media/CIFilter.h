@@ -39,7 +39,7 @@ public:
     CIFilter(const CIFilter&) = delete;
     CIFilter& operator=(const CIFilter&) = delete;
 
-    const std::string& name() const noexcept { return name_; }
+    std::string name() const { return name_; }
     void setValue(Value value, std::string_view key) {
         values_.insert_or_assign(std::string(key), std::move(value));
     }

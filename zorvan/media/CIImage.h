@@ -40,7 +40,7 @@ public:
     static Pointer create(const URL& contentsOf);
 
     /// Around the picture; `null` when nothing is left of it.
-    const CGRect& extent() const noexcept { return extent_; }
+    CGRect extent() const noexcept { return extent_; }
 
     [[nodiscard]] Pointer transformed(const CGAffineTransform& by) const;
     /// What of it lies in the rectangle.

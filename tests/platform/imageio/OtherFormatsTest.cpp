@@ -5,6 +5,7 @@
 #include <zorvan/platform/imageio/internal/StoredProperties.h>
 
 #include <libheif/heif.h>
+#include <sys/resource.h>
 
 namespace zorvan::imageio {
 namespace {
@@ -65,6 +66,24 @@ TEST(OtherFormats, CutOrChangedTheyAreErrorsAndNeverCrash) {
     }
 }
 
+/// So much more address space, and none beyond it, for this process.
+class MemoryLimit {
+public:
+    explicit MemoryLimit(std::uint64_t more) {
+        std::uint64_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        getrlimit(RLIMIT_AS, &before_);
+        rlimit limit = before_;
+        limit.rlim_cur = pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE)) + more;
+        setrlimit(RLIMIT_AS, &limit);
+    }
+    ~MemoryLimit() { setrlimit(RLIMIT_AS, &before_); }
+    MemoryLimit(const MemoryLimit&) = delete;
+
+private:
+    rlimit before_ = {};
+};
+
 TEST(OtherFormats, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
     Data gif = gifOf(quarters());
     Data bmp = bmpOf(quarters());
@@ -80,6 +99,22 @@ TEST(OtherFormats, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
             << typeIdentifier(reader->format().value());
     }
     EXPECT_EQ(decoded(svg, {.maximumPixelSize = 10}).width(), 10); // drawn, not shrunk
+    // Sizes within the bound that the file has not the bytes for.
+    gif = gifOf(quarters());
+    const std::size_t description = positionOf(gif, std::string_view(",\0\0\0\0\x18\0", 7));
+    for (const std::size_t at : {std::size_t{7}, std::size_t{9}, description + 6, description + 8})
+        gif[at] = std::byte{0x50};
+    bmp = bmpOf(quarters());
+    Data runs = bmpOf(quarters(), {8, 1});
+    for (Data* bytes : {&bmp, &runs})
+        (*bytes)[19] = (*bytes)[23] = std::byte{0x50};
+    for (const Data& bytes : {gif, bmp, runs}) {
+        const auto reader = ImageReader::open(bytes);
+        EXPECT_EQ(number(propertiesOf(bytes), "PixelWidth"), 0x5018);
+        const MemoryLimit limit(std::uint64_t{256} << 20);
+        EXPECT_FALSE(reader->decode(0, {}));
+        EXPECT_EQ(reader->error(), "the file is cut short");
+    }
 }
 
 TEST(OtherFormats, ExifTurnsAWebp) {

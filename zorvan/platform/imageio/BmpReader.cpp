@@ -301,12 +301,25 @@ private:
 
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
         checkSize(header().size);
+        checkLength();
         PictureSink sink(header().size, wantedSize(header().size, options));
         if (header().isRunLength())
             readRuns(sink);
         else
             readRows(sink);
         return sink.take();
+    }
+
+    /// Throws when the file is too short for its size, before memory is asked for that.
+    void checkLength() {
+        // Of run lengths, a jump of four bytes passes over the most.
+        constexpr std::uint64_t pixelsInByte = 255 * 255 / 4;
+        const auto width = static_cast<std::uint64_t>(header().size.width);
+        const auto height = static_cast<std::uint64_t>(header().size.height);
+        const std::uint64_t least =
+            header().isRunLength() ? width * height / pixelsInByte : header().rowSize() * height;
+        if (header().pixels > source().size() || least > source().size() - header().pixels)
+            throw Failure{reason::cutShort};
     }
 
     /// Where the row that is shown `y` rows below the top is stored.

@@ -43,6 +43,12 @@ public:
                size().height < canvas().height;
     }
 
+    /// How many pixels all of the file's bytes can stand for.
+    std::int64_t mostPixels() const {
+        constexpr std::uint64_t pixelsInByte = 4096; // a code of 12 bits is a text of at most that
+        return static_cast<std::int64_t>(source_.size() * pixelsInByte);
+    }
+
     /// The next row of colour numbers, in the order of the file.
     void readRow(std::uint8_t* out) {
         if (DGifGetLine(gif_, out, gif_->Image.Width) != GIF_OK)
@@ -151,6 +157,8 @@ Bitmap readOnCanvas(GifFile& file, const DecodeOptions& options) {
     const PixelSize canvas = file.canvas();
     checkSize(canvas);
     checkSize(file.size());
+    if (file.size().width > file.mostPixels() / file.size().height)
+        throw Failure{reason::cutShort};
     PictureSink sink(canvas, wantedSize(canvas, options));
     Rows rows(file);
     const auto palette = file.palette();

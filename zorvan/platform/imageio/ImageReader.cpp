@@ -18,7 +18,7 @@ using namespace std::string_view_literals;
 class UnreadableFile final : public ImageReader {
 public:
     explicit UnreadableFile(std::string error) : error_(std::move(error)) {}
-    std::string_view error() const noexcept override { return error_; }
+    std::string error() const override { return error_; }
     std::optional<FileFormat> format() const noexcept override { return std::nullopt; }
     std::int64_t count() override { return 0; }
     std::optional<PropertyList::Dictionary> properties(std::int64_t) override {

@@ -39,7 +39,7 @@ public:
     FormatReader(FileFormat format, std::unique_ptr<ByteSource> source)
         : source_(std::move(source)), format_(format) {}
 
-    std::string_view error() const noexcept final { return error_; }
+    std::string error() const final { return error_; }
     std::optional<FileFormat> format() const noexcept final { return format_; }
     std::int64_t count() final;
     std::optional<PropertyList::Dictionary> properties(std::int64_t index) final;
