@@ -47,6 +47,29 @@ elseif(STEP STREQUAL no-internal-header)
     endif()
   endforeach()
 
+elseif(STEP STREQUAL without-toolkits)
+  # Without the components of a toolkit nothing of it is installed, whatever the tree was built with.
+  set(plain ${WORK}/without-toolkits)
+  foreach(component core media playback development)
+    must_run(${CMAKE_COMMAND} --install ${BUILD_TREE} --prefix ${plain} --component ${component})
+  endforeach()
+  file(GLOB_RECURSE files RELATIVE ${plain} ${plain}/*)
+  if(NOT "include/zorvan/interface/NSWindow.h" IN_LIST files)
+    message(FATAL_ERROR "the headers are not installed")
+  endif()
+  list(FILTER files INCLUDE REGEX "hosts|-qt|-gtk")
+  if(files)
+    message(FATAL_ERROR "installed without being asked for: ${files}")
+  endif()
+  file(WRITE ${WORK}/asks-for-all/CMakeLists.txt
+       "cmake_minimum_required(VERSION 3.25)\nproject(AsksForAll LANGUAGES CXX)\n"
+       "find_package(Zorvan REQUIRED)\n"
+       "file(WRITE \${CMAKE_BINARY_DIR}/all.cpp \"#include <zorvan/zorvan.h>\\nint main() {}\\n\")\n"
+       "add_executable(everything \${CMAKE_BINARY_DIR}/all.cpp)\ntarget_link_libraries(everything PRIVATE Zorvan::Zorvan)\n")
+  must_run(${CMAKE_COMMAND} -S ${WORK}/asks-for-all -B ${WORK}/asks-for-all/build -G ${GENERATOR}
+           -D CMAKE_PREFIX_PATH=${plain} -D CMAKE_CXX_COMPILER=${COMPILER})
+  must_run(${CMAKE_COMMAND} --build ${WORK}/asks-for-all/build)
+
 elseif(STEP STREQUAL headers-stand-alone)
   # A project with one file for each header that includes nothing else.
   set(project ${WORK}/headers-stand-alone)

@@ -55,7 +55,10 @@ CGImageDestination::CGImageDestination(Key, Write write, std::string_view type, 
                                        PropertyList::Dictionary options)
     : write_(std::move(write)), type_(type), count_(count), options_(std::move(options)) {}
 
-bool CGImageDestination::supports(std::string_view type) { return formatOf(type).has_value(); }
+bool CGImageDestination::supports(std::string_view type) {
+    const auto format = formatOf(type);
+    return format && imageio::canEncode(*format);
+}
 
 std::shared_ptr<CGImageDestination>
 CGImageDestination::create(Write write, std::string_view type, std::int64_t count,

@@ -25,6 +25,11 @@ using Handle = std::unique_ptr<heif_image_handle, Release<heif_image_handle_rele
 using Image = std::unique_ptr<heif_image, Release<heif_image_release>>;
 using Options = std::unique_ptr<heif_decoding_options, Release<heif_decoding_options_free>>;
 
+const char* whyUnsupported() {
+    return heif_have_decoder_for_format(heif_compression_HEVC) ? reason::unsupported
+                                                               : reason::noDecoder;
+}
+
 void check(const heif_error& error) {
     switch (error.code) {
     case heif_error_Ok:
@@ -34,7 +39,7 @@ void check(const heif_error& error) {
                                                                              : reason::noMemory};
     case heif_error_Unsupported_feature:
     case heif_error_Unsupported_filetype:
-        throw Failure{reason::unsupported};
+        throw Failure{whyUnsupported()};
     default:
         throw Failure{reason::damaged};
     }
@@ -46,6 +51,11 @@ public:
     explicit Context(ByteSource& source) : source_(source), context_(heif_context_alloc()) {
         if (!context_)
             throw Failure{reason::noMemory};
+        reader_.reader_api_version = 1;
+        reader_.get_position = position;
+        reader_.read = read;
+        reader_.seek = seek;
+        reader_.wait_for_file_size = wait;
         check(heif_context_read_from_reader(context_.get(), &reader_, this, nullptr));
     }
 
@@ -78,7 +88,7 @@ private:
 
     ByteSource& source_;
     std::uint64_t position_ = 0;
-    heif_reader reader_ = {1, position, read, seek, wait};
+    heif_reader reader_ = {};
     std::unique_ptr<heif_context, Release<heif_context_free>> context_;
 };
 

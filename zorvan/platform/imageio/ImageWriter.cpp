@@ -23,6 +23,8 @@ std::optional<Data> dispatched(FileFormat format, std::span<const Frame> frames)
 
 } // namespace
 
+bool canEncode(FileFormat format) { return format != FileFormat::heic || hasHeicEncoder(); }
+
 std::optional<Data> encode(FileFormat format, std::span<const Frame> frames) {
     if (frames.empty() || (frames.size() > 1 && format != FileFormat::tiff))
         return std::nullopt;

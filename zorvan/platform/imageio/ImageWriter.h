@@ -23,8 +23,11 @@ struct Frame {
     PropertyList::Dictionary properties = {};
 };
 
-/// The bytes of a picture file. Absent when the codec refuses, or when a format that holds one picture
-/// is given another number of them.
+/// Whether the encoder of a format is there. Only HEIC's may be missing: it is a plug-in of libheif.
+bool canEncode(FileFormat format);
+
+/// The bytes of a picture file. Absent when the codec is missing or refuses, or when a format that
+/// holds one picture is given another number of them.
 std::optional<Data> encode(FileFormat format, std::span<const Frame> frames);
 
 } // namespace zorvan::imageio
