@@ -40,6 +40,9 @@ function(zorvan_install_library component)
   install(TARGETS ${component} EXPORT Zorvan${toolkit}Targets
           LIBRARY COMPONENT ${package} NAMELINK_COMPONENT development${toolkit}
           ARCHIVE COMPONENT development${toolkit})
+  set_property(GLOBAL APPEND PROPERTY ZORVAN_LIBRARY_FOLDERS ${CMAKE_CURRENT_BINARY_DIR})
+  get_target_property(library ${component} OUTPUT_NAME)
+  set_property(GLOBAL APPEND PROPERTY ZORVAN_LIBRARIES_${package} ${library})
   get_property(toolkits GLOBAL PROPERTY ZORVAN_TOOLKITS)
   if(toolkit AND NOT toolkit IN_LIST toolkits)
     set_property(GLOBAL APPEND PROPERTY ZORVAN_TOOLKITS ${toolkit})

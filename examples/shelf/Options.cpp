@@ -68,7 +68,7 @@ std::int64_t number(const std::string& option, const std::string& text, std::int
 
 ImageExportFormat format(const std::string& option, std::string_view extension) {
     if (const auto known = ImageExportFormat::make({.pathExt = extension})) {
-        if (!CGImageDestination::supports(known->cgType()))
+        if (!zorvan::CGImageDestination::supports(known->cgType()))
             throw UsageError("the encoder for " + std::string(known->displayName()) +
                              " is not installed");
         return *known;
