@@ -124,6 +124,8 @@ TEST(HexNSColorTransformer, goesBackward) {
 TEST(HexNSColorTransformer, registersOnceWhoeverAsks) {
     const std::string name = "HexNSColorTransformer";
     NSValueTransformer::setValueTransformer(nullptr, name);
+    EXPECT_FALSE(
+        NSValueTransformer::addValueTransformer(nullptr, name)); // nor does it take the name
     EXPECT_EQ(NSValueTransformer::valueTransformer(name), nullptr);
     std::vector<std::thread> threads;
     std::vector<std::shared_ptr<const NSValueTransformer>> found(8);
