@@ -2,8 +2,8 @@
 
 #include <zorvan/platform/foundation/NSUserName.h>
 #include <zorvan/platform/textservices/Locale.h>
-#include <zorvan/text/Double.h>
 #include <zorvan/platform/textservices/Unicode.h>
+#include <zorvan/text/Double.h>
 #include <zorvan/text/String.h>
 
 using Matches = std::vector<std::vector<std::string>>;
