@@ -3,6 +3,8 @@
 add_library(zorvan_build_flags INTERFACE)
 target_compile_options(zorvan_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion
                                                     $<$<BOOL:${ZORVAN_WERROR}>:-Werror>)
+# What is compared exactly must not depend on whether the processor multiplies and adds in one step.
+target_compile_options(zorvan_build_flags INTERFACE -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # g++ 12 sees overlaps in std::string's operator+ that are not there (its bug 105651).
   target_compile_options(zorvan_build_flags INTERFACE -Wno-restrict)

@@ -48,6 +48,8 @@ TEST(IndexSet, holdsTheLargestPosition) {
 
 TEST(IndexSetDeathTest, refusesWhatIsNoPosition) {
     const std::int64_t tooLarge = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(toIndexSet(7), IndexSet({7}));
+    EXPECT_DEATH((void)toIndexSet(-1), "^An index set holds no negative positions.\n$");
     EXPECT_DEATH(IndexSet({-1}), "^An index set holds no negative positions.\n$");
     EXPECT_DEATH(IndexSet({tooLarge}), "^A position of an index set is too large.\n$");
     EXPECT_DEATH(IndexSet({.loc = 1, .len = -1}),

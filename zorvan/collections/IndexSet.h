@@ -197,6 +197,9 @@ inline IndexSet::Iterator IndexSet::end() const noexcept {
     return Iterator(end, end);
 }
 
+/// The set that holds only `position`; a negative one stops the program.
+[[nodiscard]] inline IndexSet toIndexSet(std::int64_t position) { return {position}; }
+
 } // namespace zorvan
 
 template <>

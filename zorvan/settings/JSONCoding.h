@@ -25,8 +25,8 @@ struct JSONField {
     const char* name;
     Value Record::*member;
 
-    constexpr JSONField(const char* name, Value Record::*member) noexcept
-        : name(name), member(member) {}
+    constexpr JSONField(const char* name_, Value Record::*member_) noexcept
+        : name(name_), member(member_) {}
 };
 
 /// How a type stands in JSON: `static JSON encode(const T&)` and `static T decode(const JSON&)`,
