@@ -14,6 +14,7 @@ public:
     struct Post {
         bool isDid;
         typename ManagedList<Item>::Edition edition;
+        std::optional<Reordering> reordering;
     };
 
     explicit Announcements(const std::shared_ptr<ManagedList<Item>>& list) {
@@ -21,8 +22,8 @@ public:
             observers_.push_back(center_->addObserver(
                 NSNotificationName(isDid ? ManagedList<Item>::didReloadNotification
                                          : ManagedList<Item>::willReloadNotification),
-                list, nullptr, [this, isDid](const Notification& note) {
-                    posts.push_back({isDid, *ManagedList<Item>::edition(note)});
+                list, nullptr, [this, isDid, told = list.get()](const Notification& note) {
+                    posts.push_back({isDid, *ManagedList<Item>::edition(note), told->reordering()});
                 }));
     }
     ~Announcements() {
@@ -134,16 +135,51 @@ TEST(ManagedListDeathTest, stopsOnBrokenContracts) {
 
 namespace {
 
+int made = 0;
+
+/// Items that are equal in value, and told apart by when they were made.
+struct Hashed {
+    int value;
+    int serial = ++made;
+    friend bool operator==(const Hashed& a, const Hashed& b) { return a.value == b.value; }
+};
 struct Ordered {
     int value;
-    friend auto operator<=>(const Ordered&, const Ordered&) = default;
+    int serial = ++made;
+    friend bool operator==(const Ordered& a, const Ordered& b) { return a.value == b.value; }
+    friend auto operator<=>(const Ordered& a, const Ordered& b) { return a.value <=> b.value; }
 };
 struct OnlyEqual {
     int value;
-    friend bool operator==(const OnlyEqual&, const OnlyEqual&) = default;
+    int serial = ++made;
+    friend bool operator==(const OnlyEqual& a, const OnlyEqual& b) { return a.value == b.value; }
 };
-int valueOf(int item) { return item; }
-int valueOf(auto item) { return item.value; }
+
+/// What was shown before must be where the list says that it went.
+template <class Item>
+void expectFollowed(const std::vector<Item>& before, const std::vector<Item>& after,
+                    const Reordering& reordering, bool isFilter) {
+    const auto serials = [](const std::vector<Item>& items) {
+        std::vector<int> result;
+        for (const Item& item : items)
+            result.push_back(item.serial);
+        return result;
+    };
+    const std::vector<int> old = serials(before), now = serials(after);
+    std::set<std::int64_t> taken;
+    for (std::size_t i = 0; i < old.size(); ++i) {
+        const auto place = reordering.newPosition(static_cast<std::int64_t>(i));
+        const auto found = std::find(now.begin(), now.end(), old[i]);
+        if (found != now.end() || !isFilter) {
+            ASSERT_EQ(place.value_or(-1), found == now.end() ? -1 : found - now.begin());
+        } else if (place) { // an equal one that the full list kept in its stead
+            ASSERT_EQ(after[static_cast<std::size_t>(*place)], before[i]);
+        }
+        ASSERT_TRUE(!place || taken.insert(*place).second);
+    }
+    ASSERT_EQ(reordering.newPosition(-1), std::nullopt);
+    ASSERT_EQ(reordering.newPosition(detail::countOf(before)), std::nullopt);
+}
 
 /// The rules of the list, said once more and as plainly as can be.
 template <class Item>
@@ -172,7 +208,7 @@ struct Model {
                     break;
                 }
     }
-    static bool isLess(const Item& a, const Item& b) { return valueOf(a) < valueOf(b); }
+    static bool isLess(const Item& a, const Item& b) { return a.value < b.value; }
     static void removeFrom(std::vector<Item>& list, const std::set<std::int64_t>& positions) {
         for (auto p = positions.rbegin(); p != positions.rend(); ++p)
             list.erase(list.begin() + *p);
@@ -268,9 +304,14 @@ IndexSet indexSet(const std::set<std::int64_t>& members) {
 
 } // namespace
 
+template <>
+struct std::hash<Hashed> {
+    std::size_t operator()(const Hashed& item) const { return std::hash<int>{}(item.value); }
+};
+
 template <class Item>
 class ManagedListRules : public testing::Test {};
-using ItemTypes = testing::Types<int, Ordered, OnlyEqual>;
+using ItemTypes = testing::Types<Hashed, Ordered, OnlyEqual>;
 TYPED_TEST_SUITE(ManagedListRules, ItemTypes);
 
 TYPED_TEST(ManagedListRules, holdUnderRandomOperations) {
@@ -292,6 +333,7 @@ TYPED_TEST(ManagedListRules, holdUnderRandomOperations) {
                     some.insert(static_cast<std::int64_t>(i));
             announced.posts.clear();
             const auto before = model.selection;
+            const auto shown = model.items;
             const auto at = draw(count + 1);
             bool isQuiet = some.empty();
             switch (draw(6)) {
@@ -329,7 +371,7 @@ TYPED_TEST(ManagedListRules, holdUnderRandomOperations) {
             case 5: {
                 typename List::Filter filter;
                 if (const auto divisor = static_cast<int>(draw(4)); divisor > 0)
-                    filter = [divisor](const auto& item) { return valueOf(item) % divisor == 0; };
+                    filter = [divisor](const auto& item) { return item.value % divisor == 0; };
                 isQuiet = !filter && !model.filter;
                 list->setFilter(filter);
                 model.setFilter(filter);
@@ -345,7 +387,11 @@ TYPED_TEST(ManagedListRules, holdUnderRandomOperations) {
             if (!isQuiet) {
                 ASSERT_EQ(announced.posts[1].edition.oldSelection, indexSet(before));
                 ASSERT_EQ(announced.posts[1].edition.newSelection, list->selection());
+                ASSERT_FALSE(announced.posts[0].reordering);
+                expectFollowed(shown, list->items(), announced.posts[1].reordering.value(),
+                               announced.posts[1].edition.action == Action::filter);
             }
+            ASSERT_FALSE(list->reordering());
         }
     }
 }

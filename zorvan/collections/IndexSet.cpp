@@ -373,6 +373,14 @@ IndexSet IndexSet::afterReversing(std::int64_t count) const {
     return reversed;
 }
 
+IndexSet IndexSet::afterPermuting(std::span<const std::int64_t> oldPositions) const {
+    IndexSet permuted;
+    for (std::size_t i = 0; i < oldPositions.size(); ++i)
+        if (contains(oldPositions[i]))
+            permuted.insert(static_cast<std::int64_t>(i));
+    return permuted;
+}
+
 std::optional<std::int64_t> IndexSet::singleIndex() const noexcept {
     return isSingle() ? first() : std::nullopt;
 }

@@ -120,6 +120,9 @@ public:
     /// Where the members stand after a list of `count` elements has been reversed; all must be
     /// below `count`.
     [[nodiscard]] IndexSet afterReversing(std::int64_t count) const;
+    /// Where the members stand after each new position of a list has got the element that stood at
+    /// the old position given for it.
+    [[nodiscard]] IndexSet afterPermuting(std::span<const std::int64_t> oldPositions) const;
 
     /// The only member when there is exactly one.
     std::optional<std::int64_t> singleIndex() const noexcept;

@@ -5,6 +5,8 @@
 #include <zorvan/collections/IndexSet.h>
 #include <zorvan/collections/ManagedListEdition.h>
 #include <zorvan/collections/ManagedListViewReloader.h>
+#include <zorvan/collections/Permutation.h>
+#include <zorvan/collections/Reordering.h>
 #include <zorvan/collections/SelectionQueries.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 
@@ -12,12 +14,13 @@
 #include <concepts>
 #include <cstdint>
 #include <functional>
+#include <iterator>
 #include <memory>
-#include <numeric>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -64,6 +67,8 @@ public:
         return std::make_shared<ManagedList>(Key{}, std::move(items));
     }
     ManagedList(Key, std::vector<Item> items) : items_(std::move(items)) {}
+    ManagedList(const ManagedList&) = delete;
+    ManagedList& operator=(const ManagedList&) = delete;
 
     /// The shown items.
     const std::vector<Item>& items() const noexcept { return items_; }
@@ -85,19 +90,19 @@ public:
 
     /// Inserts before the shown item at `at` and deselects everything. Under a filter, items that
     /// do not pass are kept out of sight.
-    void insert(const std::vector<Item>& contentOf, std::int64_t at);
+    void insert(std::vector<Item> contentOf, std::int64_t at);
     void remove(const IndexSet& at);
     /// Moves items before the shown item at `to`, or to the end; they become the selection.
     void move(const IndexSet& from, std::int64_t to);
     /// Sorts the shown items, and the full list as well under a filter; equal items keep their
     /// order. What the order throws reaches the caller.
-    void sort(const Order& by);
+    void sort(Order by);
     void reverseOrder();
 
-    void append(const std::vector<Item>& contentOf) { insert(contentOf, count()); }
-    void removeSelectedItems() { remove(IndexSet(selection_)); }
+    void append(std::vector<Item> contentOf) { insert(std::move(contentOf), count()); }
+    void removeSelectedItems() { remove(selection_); }
     void removeAllItems() { remove(this->allIndexes()); }
-    void moveSelectedItems(std::int64_t to) { move(IndexSet(selection_), to); }
+    void moveSelectedItems(std::int64_t to) { move(selection_, to); }
 
     /// Null when nothing is selected.
     const Item* firstSelectedItem() const { return itemAt(selection_.first()); }
@@ -113,42 +118,75 @@ public:
         return note.value<Edition>(editionKey);
     }
 
+    /// Where everything shown went in the change that observers of `didReloadNotification` are
+    /// being told of: what an edition leaves out for a sort, a reversal and a filter, and what
+    /// tells equal items apart. Absent at other times. It is made when it is asked for, and costs
+    /// nothing otherwise. When an observer changes the list, those after it are told of that change
+    /// first, and each is answered for the change that it is being told of.
+    std::optional<Reordering> reordering() const {
+        return reordering_ ? std::optional((*reordering_)()) : std::nullopt;
+    }
+
     /// Where the item at a shown position stands in the full list: the first place of an equal
     /// item. The position itself when no filter is set, and for the end of the shown list.
     std::int64_t fullPosition(std::int64_t shown) const;
 
 private:
+    using Positions = std::vector<std::int64_t>;
+    using MakeReordering = std::function<Reordering()>;
+
     /// What a filter lets through of a list.
     struct Passing {
         std::vector<Item> items;
-        std::vector<std::int64_t> positions;
+        Positions positions;
         IndexSet selection;
+    };
+
+    /// One change and its announcements. It keeps the list alive, which an observer may drop.
+    class Change {
+    public:
+        Change(ManagedList& list, Action action) : edition(action), list_(list.shared_from_this()) {
+            if (list.isAnnouncingWill_)
+                fatalError("A managed list was changed while it announced another change.");
+            edition.oldSelection = list.selection_;
+        }
+        void announceWill() const;
+        void announceDid(const MakeReordering& reordering) const;
+
+        Edition edition;
+
+    private:
+        void announce(std::string_view name) const {
+            NSNotificationCenter::defaultCenter()->post(
+                NSNotificationName(name), list_,
+                Notification::UserInfo{{std::string(editionKey), edition}});
+        }
+
+        std::shared_ptr<ManagedList> list_;
+    };
+
+    /// Sets a value for a time; observers may throw.
+    template <class Value>
+    struct Setting {
+        Setting(Value& set, Value value) : place(set), before(std::exchange(set, value)) {}
+        ~Setting() { place = before; }
+        Setting(const Setting&) = delete;
+        Setting& operator=(const Setting&) = delete;
+
+        Value& place;
+        Value before;
     };
 
     const Item* itemAt(std::optional<std::int64_t> index) const {
         return index ? &items_[static_cast<std::size_t>(*index)] : nullptr;
     }
-    Edition begin(Action action) const {
-        Edition edition(action);
-        edition.oldSelection = selection_;
-        return edition;
-    }
-    void announce(std::string_view name, const Edition& edition) {
-        NSNotificationCenter::defaultCenter()->post(
-            NSNotificationName(name), this->shared_from_this(),
-            Notification::UserInfo{{std::string(editionKey), edition}});
-    }
-    void announceWill(const Edition& edition);
-    void checkIsNotAnnouncing() const {
-        if (isAnnouncingWill_)
-            fatalError("A managed list was changed while it announced another change.");
-    }
 
-    IndexSet fullPositions(const IndexSet& shown) const;
+    Positions fullPositions(const IndexSet& shown) const;
     void findFullPositions() const;
-    static std::vector<std::int64_t> sortedPositions(const std::vector<Item>& items,
-                                                     const Order& by);
-    static void permute(std::vector<Item>& items, const std::vector<std::int64_t>& positions);
+    Positions& placesToChange();
+    void insertIntoFull(std::vector<Item> contentOf, Positions passing, std::int64_t at);
+    void removeFromFull(const IndexSet& at);
+    void moveInFull(const IndexSet& from, std::int64_t to);
     static Passing pass(const std::vector<Item>& items, const IndexSet& selection,
                         const Filter& filter);
 
@@ -156,196 +194,226 @@ private:
     std::vector<Item> fullItems_; // while a filter is set
     Filter filter_;
     IndexSet selection_;
-    /// For each shown position its full one, -1 for none. Found again when it is next asked for.
-    mutable std::vector<std::int64_t> mapping_;
-    mutable bool isMappingCurrent_ = true;
+    /// While a filter is set, where each shown item itself stands in the full list; -1 when an
+    /// equal one was removed there in its stead. Shared with the reordering of the filter's change.
+    std::shared_ptr<Positions> places_;
+    /// Where changes take each shown item to stand: the place of the first equal one, -1 for none.
+    /// Null when it is to be found again.
+    mutable std::shared_ptr<const Positions> mapping_;
+    const MakeReordering* reordering_ = nullptr;
     bool isAnnouncingWill_ = false;
 };
 
 template <std::equality_comparable Item>
-void ManagedList<Item>::announceWill(const Edition& edition) {
-    // Cleared by a guard: an observer may throw.
-    const struct Guard {
-        bool& flag;
-        explicit Guard(bool& announcing) : flag(announcing) { flag = true; }
-        ~Guard() { flag = false; }
-    } guard(isAnnouncingWill_);
-    announce(willReloadNotification, edition);
+void ManagedList<Item>::Change::announceWill() const {
+    const Setting<bool> isAnnouncing(list_->isAnnouncingWill_, true);
+    announce(willReloadNotification);
+}
+
+template <std::equality_comparable Item>
+void ManagedList<Item>::Change::announceDid(const MakeReordering& reordering) const {
+    const Setting<const MakeReordering*> current(list_->reordering_, &reordering);
+    announce(didReloadNotification);
 }
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::findFullPositions() const {
-    if (isMappingCurrent_)
+    if (mapping_)
         return;
     const detail::FirstPositions<Item> positions(fullItems_);
-    mapping_.resize(items_.size());
-    std::transform(items_.begin(), items_.end(), mapping_.begin(),
+    const auto found = std::make_shared<Positions>(items_.size());
+    std::transform(items_.begin(), items_.end(), found->begin(),
                    [&positions](const Item& item) { return positions.of(item); });
-    isMappingCurrent_ = true;
+    mapping_ = found;
 }
 
 template <std::equality_comparable Item>
 std::int64_t ManagedList<Item>::fullPosition(std::int64_t shown) const {
-    if (!filter_)
+    if (!filter_ || shown < 0 || shown >= count())
         return shown;
     findFullPositions();
-    const bool isMapped = shown >= 0 && shown < detail::countOf(mapping_) &&
-                          mapping_[static_cast<std::size_t>(shown)] >= 0;
-    return isMapped ? mapping_[static_cast<std::size_t>(shown)] : shown;
+    const std::int64_t full = (*mapping_)[static_cast<std::size_t>(shown)];
+    return full >= 0 ? full : shown;
 }
 
 template <std::equality_comparable Item>
-IndexSet ManagedList<Item>::fullPositions(const IndexSet& shown) const {
-    std::vector<std::int64_t> positions;
+auto ManagedList<Item>::fullPositions(const IndexSet& shown) const -> Positions {
+    Positions positions;
     positions.reserve(static_cast<std::size_t>(shown.count()));
     for (const std::int64_t position : shown)
         positions.push_back(fullPosition(position));
-    return IndexSet::of(positions);
+    return positions;
+}
+
+/// The places for a change of them, after which the mapping is to be found again.
+template <std::equality_comparable Item>
+auto ManagedList<Item>::placesToChange() -> Positions& {
+    mapping_.reset();
+    if (places_.use_count() > 1)
+        places_ = std::make_shared<Positions>(*places_);
+    return *places_;
 }
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::setSelection(const IndexSet& selection) {
-    checkIsNotAnnouncing();
     IndexSet valid = selection.intersection(this->allIndexes());
     if (valid == selection_)
         return;
-    Edition edition = begin(Action::select);
-    edition.newSelection = valid;
-    announceWill(edition);
-    selection_ = std::move(valid);
-    announce(didReloadNotification, edition);
+    Change change(*this, Action::select);
+    change.edition.newSelection = std::move(valid);
+    change.announceWill();
+    selection_ = *change.edition.newSelection;
+    change.announceDid([count = count()] { return Reordering::none(count); });
 }
 
 template <std::equality_comparable Item>
-void ManagedList<Item>::insert(const std::vector<Item>& contentOf, std::int64_t at) {
-    checkIsNotAnnouncing();
+void ManagedList<Item>::insert(std::vector<Item> contentOf, std::int64_t at) {
     if (contentOf.empty())
         return;
     detail::checkInsertion(items_, at);
-    std::vector<Item> shown;
-    std::copy_if(contentOf.begin(), contentOf.end(), std::back_inserter(shown),
-                 [this](const Item& item) { return !filter_ || filter_(item); });
-    Edition edition = begin(Action::insert);
-    edition.insertedIndexes = IndexSet({.loc = at, .len = detail::countOf(shown)});
-    edition.newSelection = IndexSet();
-    announceWill(edition);
+    Passing passing;
+    if (filter_)
+        passing = pass(contentOf, {}, filter_);
+    else
+        passing.items.swap(contentOf);
+    const std::int64_t before = count(), inserted = detail::countOf(passing.items);
+    Change change(*this, Action::insert);
+    change.edition.insertedIndexes = IndexSet({.loc = at, .len = inserted});
+    change.edition.newSelection = IndexSet();
+    change.announceWill();
 
-    if (filter_) {
-        fullItems_.insert(fullItems_.begin() + fullPosition(at), contentOf.begin(),
-                          contentOf.end());
-        isMappingCurrent_ = false;
-    }
-    items_.insert(items_.begin() + at, std::make_move_iterator(shown.begin()),
-                  std::make_move_iterator(shown.end()));
+    if (filter_)
+        insertIntoFull(std::move(contentOf), std::move(passing.positions), at);
+    items_.insert(items_.begin() + at, std::make_move_iterator(passing.items.begin()),
+                  std::make_move_iterator(passing.items.end()));
     selection_.removeAll();
-    announce(didReloadNotification, edition);
+    change.announceDid([=] { return Reordering::inserting(before, at, inserted); });
+}
+
+template <std::equality_comparable Item>
+void ManagedList<Item>::insertIntoFull(std::vector<Item> contentOf, Positions passing,
+                                       std::int64_t at) {
+    const std::int64_t full = fullPosition(at);
+    Positions& places = placesToChange();
+    Reordering::inserting(detail::countOf(fullItems_), full, detail::countOf(contentOf))
+        .apply(places);
+    for (std::int64_t& position : passing)
+        position += full;
+    places.insert(places.begin() + at, passing.begin(), passing.end());
+    fullItems_.insert(fullItems_.begin() + full, std::make_move_iterator(contentOf.begin()),
+                      std::make_move_iterator(contentOf.end()));
 }
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::remove(const IndexSet& at) {
-    checkIsNotAnnouncing();
     if (at.isEmpty())
         return;
     detail::checkPositions(items_, at);
-    Edition edition = begin(Action::remove);
-    edition.removedIndexes = at;
-    edition.newSelection = selection_.afterRemoving(at);
-    announceWill(edition);
+    const std::int64_t before = count();
+    Change change(*this, Action::remove);
+    change.edition.removedIndexes = at;
+    change.edition.newSelection = selection_.afterRemoving(at);
+    change.announceWill();
 
-    if (filter_) {
-        zorvan::remove(fullItems_, fullPositions(at));
-        isMappingCurrent_ = false;
+    const IndexSet& removed = *change.edition.removedIndexes;
+    if (filter_)
+        removeFromFull(removed);
+    zorvan::remove(items_, removed);
+    selection_ = *change.edition.newSelection;
+    change.announceDid([&] { return Reordering::removing(before, removed); });
+}
+
+template <std::equality_comparable Item>
+void ManagedList<Item>::removeFromFull(const IndexSet& at) {
+    const Positions lost = fullPositions(at);
+    Positions& places = placesToChange();
+    // Where the full list loses an equal item before the shown one, that one's place is free for
+    // whoever is shown of the item that goes.
+    std::unordered_map<std::int64_t, std::int64_t> freed;
+    std::size_t i = 0;
+    for (const std::int64_t shown : at) {
+        const std::int64_t place = places[static_cast<std::size_t>(shown)];
+        if (place != lost[i++])
+            freed.insert_or_assign(lost[i - 1], place);
     }
-    zorvan::remove(items_, at);
-    selection_ = *edition.newSelection;
-    announce(didReloadNotification, edition);
+    if (!freed.empty())
+        for (std::int64_t& place : places)
+            if (const auto found = freed.find(place); found != freed.end())
+                place = found->second;
+    zorvan::remove(places, at);
+    const IndexSet removed = IndexSet::of(lost);
+    Reordering::removing(detail::countOf(fullItems_), removed).apply(places);
+    zorvan::remove(fullItems_, removed);
 }
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::move(const IndexSet& from, std::int64_t to) {
-    checkIsNotAnnouncing();
     if (from.isEmpty())
         return;
     detail::checkPositions(items_, from);
     detail::checkInsertion(items_, to);
-    const std::int64_t landing = to - from.count(IndexSet::Range{0, to});
-    Edition edition = begin(Action::move);
-    edition.movedFromIndexes = from;
-    announceWill(edition);
+    Change change(*this, Action::move);
+    change.edition.movedFromIndexes = from;
+    change.announceWill();
 
-    if (filter_) {
-        zorvan::move(fullItems_, fullPositions(from), fullPosition(to));
-        isMappingCurrent_ = false;
-    }
-    zorvan::move(items_, from, to);
-    selection_ = IndexSet({.loc = landing, .len = from.count()});
-    edition.movedToIndexes = selection_;
-    edition.newSelection = selection_;
-    announce(didReloadNotification, edition);
+    const IndexSet& moved = *change.edition.movedFromIndexes;
+    if (filter_)
+        moveInFull(moved, to);
+    const std::int64_t landing = zorvan::move(items_, moved, to);
+    selection_ = IndexSet({.loc = landing, .len = moved.count()});
+    change.edition.movedToIndexes = selection_;
+    change.edition.newSelection = selection_;
+    change.announceDid([&, count = count()] { return Reordering::moving(count, moved, to); });
 }
 
 template <std::equality_comparable Item>
-std::vector<std::int64_t> ManagedList<Item>::sortedPositions(const std::vector<Item>& items,
-                                                             const Order& by) {
-    std::vector<std::int64_t> positions(items.size());
-    std::iota(positions.begin(), positions.end(), 0);
-    std::stable_sort(
-        positions.begin(), positions.end(), [&items, &by](std::int64_t a, std::int64_t b) {
-            return by(items[static_cast<std::size_t>(a)], items[static_cast<std::size_t>(b)]);
-        });
-    return positions;
+void ManagedList<Item>::moveInFull(const IndexSet& from, std::int64_t to) {
+    const IndexSet moved = IndexSet::of(fullPositions(from));
+    const std::int64_t target = fullPosition(to);
+    Positions& places = placesToChange();
+    Reordering::moving(detail::countOf(fullItems_), moved, target).apply(places);
+    zorvan::move(places, from, to);
+    zorvan::move(fullItems_, moved, target);
 }
 
 template <std::equality_comparable Item>
-void ManagedList<Item>::permute(std::vector<Item>& items,
-                                const std::vector<std::int64_t>& positions) {
-    std::vector<Item> permuted;
-    permuted.reserve(items.size());
-    for (const std::int64_t position : positions)
-        permuted.push_back(std::move(items[static_cast<std::size_t>(position)]));
-    items = std::move(permuted);
-}
-
-template <std::equality_comparable Item>
-void ManagedList<Item>::sort(const Order& by) {
-    checkIsNotAnnouncing();
+void ManagedList<Item>::sort(Order by) {
     if (items_.empty())
         return;
-    // Positions are sorted, not items, so that an order that throws leaves every item in its place.
-    const std::vector<std::int64_t> positions = sortedPositions(items_, by);
-    IndexSet selection;
-    for (std::size_t i = 0; i < positions.size(); ++i)
-        if (selection_.contains(positions[i]))
-            selection.insert(static_cast<std::int64_t>(i));
-    Edition edition = begin(Action::sort);
-    edition.newSelection = selection;
-    announceWill(edition);
+    const Positions order = detail::sortedPositions(items_, by);
+    Change change(*this, Action::sort);
+    change.edition.newSelection = selection_.afterPermuting(order);
+    change.announceWill();
 
-    permute(items_, positions);
-    selection_ = std::move(selection);
+    detail::permute(items_, order);
+    selection_ = *change.edition.newSelection;
     if (filter_) {
-        isMappingCurrent_ = false;
-        permute(fullItems_, sortedPositions(fullItems_, by));
+        Positions& places = placesToChange();
+        detail::permute(places, order);
+        const Positions fullOrder = detail::sortedPositions(fullItems_, by);
+        Reordering::permuting(fullOrder).apply(places);
+        detail::permute(fullItems_, fullOrder);
     }
-    announce(didReloadNotification, edition);
+    change.announceDid([&order] { return Reordering::permuting(order); });
 }
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::reverseOrder() {
-    checkIsNotAnnouncing();
     if (items_.empty())
         return;
-    Edition edition = begin(Action::sort);
-    edition.newSelection = selection_.afterReversing(count());
-    announceWill(edition);
+    Change change(*this, Action::sort);
+    change.edition.newSelection = selection_.afterReversing(count());
+    change.announceWill();
 
     std::reverse(items_.begin(), items_.end());
-    selection_ = *edition.newSelection;
+    selection_ = *change.edition.newSelection;
     if (filter_) {
+        Positions& places = placesToChange();
+        std::reverse(places.begin(), places.end());
+        Reordering::reversing(detail::countOf(fullItems_)).apply(places);
         std::reverse(fullItems_.begin(), fullItems_.end());
-        isMappingCurrent_ = false;
     }
-    announce(didReloadNotification, edition);
+    change.announceDid([count = count()] { return Reordering::reversing(count); });
 }
 
 template <std::equality_comparable Item>
@@ -372,30 +440,37 @@ auto ManagedList<Item>::pass(const std::vector<Item>& items, const IndexSet& sel
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::setFilter(Filter filter) {
-    checkIsNotAnnouncing();
     if (!filter_ && !filter)
         return;
-    Edition edition = begin(Action::filter);
-    announceWill(edition);
+    IndexSet selection = filter_ ? IndexSet::of(fullPositions(selection_)) : selection_;
+    Passing passing;
+    if (filter)
+        passing = pass(allItems(), selection, filter);
+    Change change(*this, Action::filter);
+    change.announceWill();
 
-    IndexSet selection = filter_ ? fullPositions(selection_) : selection_;
-    if (filter) {
-        Passing passing = pass(allItems(), selection, filter);
+    const std::shared_ptr<const Positions> before = places_;
+    if (!filter) {
+        items_ = std::exchange(fullItems_, {});
+        places_.reset();
+        selection_ = std::move(selection);
+    } else {
         if (!filter_)
             fullItems_ = std::move(items_);
         items_ = std::move(passing.items);
-        mapping_ = std::move(passing.positions);
-        selection = std::move(passing.selection);
-    } else {
-        items_ = std::move(fullItems_);
-        fullItems_.clear();
-        mapping_.clear();
+        places_ = std::make_shared<Positions>(std::move(passing.positions));
+        selection_ = std::move(passing.selection);
     }
-    isMappingCurrent_ = true;
+    mapping_ = places_;
     filter_ = std::move(filter);
-    selection_ = std::move(selection);
-    edition.newSelection = selection_;
-    announce(didReloadNotification, edition);
+    change.edition.newSelection = selection_;
+    const auto shown = [](const std::shared_ptr<const Positions>& places) {
+        return places ? std::optional(std::span(*places)) : std::nullopt;
+    };
+    change.announceDid([&, after = std::shared_ptr<const Positions>(places_),
+                        count = detail::countOf(allItems())] {
+        return Reordering::refiltering(count, shown(before), shown(after));
+    });
 }
 
 } // namespace zorvan
