@@ -30,13 +30,14 @@ namespace zorvan {
 ///
 /// While a filter is set the list shows only the items that pass it, keeps the full list aside, and
 /// carries every change made through shown positions over to it. Each change is announced twice on
-/// the default notification centre, synchronously, with the list as sender and the same edition
-/// under the key "Edition": before the lists change and after. A change that changes nothing is not
-/// announced.
+/// the default notification centre, synchronously, with the list as sender and its edition under
+/// the key "Edition": before the lists change, with what is known by then, and after. A change that
+/// changes nothing is not announced, and one whose filter or order throws neither, except where
+/// `sort` says so. The list lives at least until a change has been announced.
 ///
 /// Shown positions outside the list stop the program, except in the selection. Used from one
 /// thread. Changing the list from an observer of the announcement *before* a change stops the
-/// program.
+/// program; calls that change nothing are let pass.
 ///
 /// Cost: linear in what is shown, plus, when a change is made through a filter, finding each shown
 /// item in the full list; that is linear for items with a `std::hash`, a sort for items that only
@@ -95,7 +96,9 @@ public:
     /// Moves items before the shown item at `to`, or to the end; they become the selection.
     void move(const IndexSet& from, std::int64_t to);
     /// Sorts the shown items, and the full list as well under a filter; equal items keep their
-    /// order. What the order throws reaches the caller.
+    /// order. What the order throws reaches the caller; while it sorts the shown items, which comes
+    /// first, nothing has changed then. When it only throws for the full list, the shown items are
+    /// sorted, which has been announced before and is not after.
     void sort(Order by);
     void reverseOrder();
 
@@ -178,7 +181,7 @@ private:
     };
 
     const Item* itemAt(std::optional<std::int64_t> index) const {
-        return index ? &items_[static_cast<std::size_t>(*index)] : nullptr;
+        return index ? detail::addressAt(items_, *index) : nullptr;
     }
 
     Positions fullPositions(const IndexSet& shown) const;
@@ -270,7 +273,7 @@ template <std::equality_comparable Item>
 void ManagedList<Item>::insert(std::vector<Item> contentOf, std::int64_t at) {
     if (contentOf.empty())
         return;
-    detail::checkInsertion(items_, at);
+    detail::checkInsertion(count(), at);
     Passing passing;
     if (filter_)
         passing = pass(contentOf, {}, filter_);
@@ -308,7 +311,7 @@ template <std::equality_comparable Item>
 void ManagedList<Item>::remove(const IndexSet& at) {
     if (at.isEmpty())
         return;
-    detail::checkPositions(items_, at);
+    detail::checkPositions(count(), at);
     const std::int64_t before = count();
     Change change(*this, Action::remove);
     change.edition.removedIndexes = at;
@@ -350,8 +353,8 @@ template <std::equality_comparable Item>
 void ManagedList<Item>::move(const IndexSet& from, std::int64_t to) {
     if (from.isEmpty())
         return;
-    detail::checkPositions(items_, from);
-    detail::checkInsertion(items_, to);
+    detail::checkPositions(count(), from);
+    detail::checkInsertion(count(), to);
     Change change(*this, Action::move);
     change.edition.movedFromIndexes = from;
     change.announceWill();
