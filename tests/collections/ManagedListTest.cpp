@@ -492,7 +492,8 @@ TYPED_TEST(ManagedListRules, holdUnderRandomOperations) {
             ASSERT_EQ(list->items(), model.items);
             ASSERT_EQ(list->selection(), listmodel::indexSet(model.selection));
             ASSERT_EQ(list->allItems(), model.filter ? model.full : model.items);
-            for (std::int64_t p = 0; p <= list->count(); ++p)
+            // Asking all finds all; the next change must also do without.
+            for (std::int64_t p = draw(2) == 0 ? 0 : list->count(); p <= list->count(); ++p)
                 ASSERT_EQ(list->fullPosition(p), model.fullPosition(p));
             ASSERT_FALSE(list->reordering());
             listmodel::expectQueries(*list, model.selection);
