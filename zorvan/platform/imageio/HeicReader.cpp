@@ -267,10 +267,11 @@ bool convertAsCoded(const heif_image_handle* handle, PixelSize coded, int chroma
     return true;
 }
 
-class HeicReader final : public FormatReader {
+/// HEIC and AVIF, which differ in the codec only.
+class HeifReader final : public FormatReader {
 public:
-    explicit HeicReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::heic, std::move(source)) {}
+    HeifReader(std::unique_ptr<ByteSource> source, FileFormat format)
+        : FormatReader(format, std::move(source)) {}
 
 private:
     const HeifFile& file() {
@@ -299,6 +300,14 @@ private:
 
     /// The file's own turns are binding and Exif's orientation then repeats them; without any of
     /// them Exif's orientation holds.
+    static std::optional<int> orientationOf(const HeifPicture& shown, Bytes exif) {
+        return shown.orientation ? shown.orientation : exifOrientation(exif);
+    }
+
+    std::optional<int> readOrientation(std::int64_t index) override {
+        return orientationOf(picture(index), exifOf(picture(index)));
+    }
+
     PropertyList::Dictionary readProperties(std::int64_t index) override {
         const HeifPicture& shown = picture(index);
         const Data exif = exifOf(shown);
@@ -308,8 +317,7 @@ private:
                            .depth = shown.depth,
                            .colorModel = shown.monochrome ? "Gray" : "RGB",
                            .hasAlpha = shown.hasAlpha,
-                           .orientation =
-                               shown.orientation ? shown.orientation : exifOrientation(exif),
+                           .orientation = orientationOf(shown, exif),
                            .dpi = exifResolution(extra)};
         if (outline.orientation && findSection(extra, "{TIFF}"))
             section(extra, "{TIFF}").insert_or_assign("Orientation", *outline.orientation);
@@ -364,8 +372,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<HeicReader>(std::move(source));
+std::unique_ptr<ImageReader> makeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format) {
+    return std::make_unique<HeifReader>(std::move(source), format);
 }
 
 } // namespace zorvan::imageio
