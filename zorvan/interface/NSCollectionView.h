@@ -2,9 +2,9 @@
 
 #include <zorvan/collections/IndexPath.h>
 #include <zorvan/collections/IndexSet.h>
-#include <zorvan/collections/NSCollectionViewLayout.h>
-#include <zorvan/collections/NSNib.h>
 #include <zorvan/collections/SelectableArrayEdition.h>
+#include <zorvan/interface/NSCollectionViewLayout.h>
+#include <zorvan/interface/NSNib.h>
 #include <zorvan/platform/appkit/NSView.h>
 #include <zorvan/platform/foundation/Required.h>
 

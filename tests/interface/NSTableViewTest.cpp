@@ -1,8 +1,9 @@
-#include "RandomEditions.h"
 #include <tests/Testing.h>
+#include <tests/collections/RandomEditions.h>
 
 #include <zorvan/collections/ManagedList.h>
-#include <zorvan/collections/NSTableView.h>
+#include <zorvan/interface/ManagedListViewReloader.h>
+#include <zorvan/interface/NSTableView.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 
 using Calls = std::vector<ViewCall>;

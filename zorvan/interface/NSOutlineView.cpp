@@ -1,4 +1,4 @@
-#include <zorvan/collections/NSOutlineView.h>
+#include <zorvan/interface/NSOutlineView.h>
 
 #include <zorvan/platform/appkit/NSAnimationContext.h>
 #include <zorvan/platform/dispatch/DispatchQueue.h>

@@ -1,4 +1,4 @@
-#include <zorvan/collections/NSCollectionView.h>
+#include <zorvan/interface/NSCollectionView.h>
 
 #include <zorvan/platform/foundation/fatalError.h>
 

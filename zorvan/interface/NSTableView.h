@@ -1,8 +1,8 @@
 #pragma once
 
 #include <zorvan/collections/IndexSet.h>
-#include <zorvan/collections/NSTableColumn.h>
 #include <zorvan/collections/SelectableArrayEdition.h>
+#include <zorvan/interface/NSTableColumn.h>
 #include <zorvan/platform/appkit/NSScrollView.h>
 #include <zorvan/platform/appkit/NSView.h>
 #include <zorvan/platform/foundation/Required.h>

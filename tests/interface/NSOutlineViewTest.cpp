@@ -1,6 +1,6 @@
 #include <tests/Testing.h>
 
-#include <zorvan/collections/NSOutlineView.h>
+#include <zorvan/interface/NSOutlineView.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
 
 namespace {

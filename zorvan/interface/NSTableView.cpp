@@ -1,4 +1,4 @@
-#include <zorvan/collections/NSTableView.h>
+#include <zorvan/interface/NSTableView.h>
 
 #include <zorvan/numbers-geometry/RealNumber.h>
 #include <zorvan/platform/appkit/NSAnimationContext.h>

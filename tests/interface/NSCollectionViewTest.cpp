@@ -1,7 +1,7 @@
-#include "RandomEditions.h"
 #include <tests/Testing.h>
+#include <tests/collections/RandomEditions.h>
 
-#include <zorvan/collections/NSCollectionView.h>
+#include <zorvan/interface/NSCollectionView.h>
 
 using Calls = std::vector<ViewCall>;
 using Edition = SelectableArrayEdition;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <zorvan/collections/NSTableView.h>
+#include <zorvan/interface/NSTableView.h>
 
 #include <cstdint>
 #include <memory>
