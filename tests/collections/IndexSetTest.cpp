@@ -150,6 +150,9 @@ TEST(IndexSet, agreesWithAPlainSetUnderRandomOperations) {
             (formed.*form)(other);
             expectSame(formed, *members);
         }
+        // The members make room, so that what came can go again.
+        ASSERT_FALSE(set.afterInserting(other).intersects(other));
+        ASSERT_EQ(set.afterInserting(other).afterRemoving(other), set);
         ASSERT_EQ(set.intersects(other), !both.empty());
         ASSERT_EQ(set.contains(other), both.size() == otherModel.size());
     }
