@@ -2,7 +2,7 @@
 
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/ImageKeys.h>
-#include <zorvan/media/internal/writeFileAtomically.h>
+#include <zorvan/platform/foundation/internal/writeFile.h>
 #include <zorvan/platform/imageio/ImageWriter.h>
 
 #include <algorithm>
@@ -67,8 +67,8 @@ CGImageDestination::create(const URL& url, std::string_view type, std::int64_t c
                            const PropertyList::Dictionary& options) {
     if (!url.isFileURL())
         return nullptr;
-    return create([url](const Data& bytes) { return writeFileAtomically(url, bytes); }, type, count,
-                  options);
+    const auto write = [url](const Data& bytes) { return !internal::writeFile(url.path(), bytes); };
+    return create(Write(write), type, count, options);
 }
 
 std::shared_ptr<CGImageDestination>

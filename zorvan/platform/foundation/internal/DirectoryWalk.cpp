@@ -1,7 +1,6 @@
-#include <zorvan/files/internal/DirectoryWalk.h>
+#include <zorvan/platform/foundation/internal/DirectoryWalk.h>
 
-#include <zorvan/files/internal/pathExtension.h>
-#include <zorvan/platform/coreservices/UTType.h>
+#include <zorvan/platform/foundation/internal/openByPath.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -13,7 +12,7 @@
 #include <unistd.h>
 #include <utility>
 
-namespace zorvan::files {
+namespace zorvan::internal {
 
 namespace {
 
@@ -28,12 +27,11 @@ constexpr std::size_t nameOffset = 19;
 
 } // namespace
 
-std::unique_ptr<DirectoryWalk> DirectoryWalk::open(std::string path,
-                                                   NSDirectoryEnumerationOptions options) {
+std::unique_ptr<DirectoryWalk> DirectoryWalk::open(std::string path, Visits visits) {
     const int descriptor = ::open(path.c_str(), openFlags);
     if (descriptor < 0)
         return nullptr;
-    std::unique_ptr<DirectoryWalk> walk(new DirectoryWalk(options));
+    std::unique_ptr<DirectoryWalk> walk(new DirectoryWalk(visits));
     walk->path_ = path == "/" ? std::string() : std::move(path);
     walk->nameStart_ = walk->path_.size();
     walk->enter(descriptor);
@@ -46,26 +44,22 @@ DirectoryWalk::~DirectoryWalk() {
             ::close(level.descriptor);
 }
 
-bool DirectoryWalk::has(NSDirectoryEnumerationOptions option) const noexcept {
-    return (options_ & option) == option;
-}
-
 bool DirectoryWalk::advance() {
+    isLeaving_ = false;
     if (std::exchange(descendIntoEntry_, false))
         enterEntry();
     while (!levels_.empty()) {
-        if (!takeRecord(levels_.back())) {
-            leave();
-            continue;
+        if (takeRecord(levels_.back())) {
+            entryLevel_ = levels_.size();
+            descendIntoEntry_ = kind_ == EntryKind::directory;
+            return true;
         }
-        if (has(NSDirectoryEnumerationOptions::skipsHiddenFiles) && name().starts_with('.'))
-            continue;
-        entryLevel_ = levels_.size();
-        descendIntoEntry_ = kind_ == EntryKind::directory &&
-                            !has(NSDirectoryEnumerationOptions::skipsSubdirectoryDescendants) &&
-                            !(has(NSDirectoryEnumerationOptions::skipsPackageDescendants) &&
-                              isPackageExtension(pathExtensionOfName(name())));
-        return true;
+        leave();
+        if (visits_ == Visits::around && !levels_.empty()) {
+            entryLevel_ = levels_.size();
+            isLeaving_ = true;
+            return true;
+        }
     }
     return false;
 }
@@ -115,6 +109,8 @@ bool DirectoryWalk::fill(Level& level) {
     const long count =
         ::syscall(SYS_getdents64, level.descriptor, level.records.data(), level.records.size());
     level.isComplete = count <= 0;
+    if (count < 0)
+        noteError(errno);
     level.end = level.isComplete ? 0 : static_cast<std::size_t>(count);
     return !level.isComplete;
 }
@@ -128,18 +124,14 @@ EntryKind DirectoryWalk::kindOnDisk() const {
                                      : EntryKind::file;
 }
 
-bool DirectoryWalk::linkLeadsToFile() const {
-    struct stat status {};
-    return ::fstatat(levels_.back().descriptor, name().data(), &status, 0) == 0 &&
-           !S_ISDIR(status.st_mode);
-}
-
 void DirectoryWalk::enterEntry() {
     if (levels_.size() - firstOpenLevel_ >= maximumOpenLevels)
         giveUpOldestDescriptor();
     const int descriptor = openEntry();
     if (descriptor >= 0)
         enter(descriptor);
+    else
+        noteError(errno);
 }
 
 int DirectoryWalk::openEntry() {
@@ -161,15 +153,26 @@ void DirectoryWalk::enter(int descriptor) {
     }
 }
 
+/// Goes back to the directory above, of which the one that was left is the current entry then.
 void DirectoryWalk::leave() {
     const int child = levels_.back().descriptor;
+    path_.resize(levels_.back().pathLength);
+    kind_ = EntryKind::directory;
     if (spareBuffers_.size() < maximumOpenLevels)
         spareBuffers_.push_back(std::move(levels_.back().records));
     levels_.pop_back();
-    if (!levels_.empty() && levels_.back().descriptor < 0)
-        reopen(levels_.back(), child);
+    if (!levels_.empty()) {
+        nameStart_ = levels_.back().pathLength + 1;
+        if (levels_.back().descriptor < 0)
+            reopen(levels_.back(), child);
+    }
     if (child >= 0)
         ::close(child);
+}
+
+void DirectoryWalk::noteError(int error) noexcept {
+    if (error_ == 0)
+        error_ = error;
 }
 
 /// Frees the descriptor of the topmost level that has one, except the current level's.
@@ -211,9 +214,10 @@ void DirectoryWalk::reopen(Level& level, int child) {
                status.st_dev == level.device && status.st_ino == level.inode;
     };
     firstOpenLevel_ = levels_.size() - 1;
+    const std::string path = level.pathLength == 0 ? "/" : path_.substr(0, level.pathLength);
     for (const bool isThroughChild : {true, false}) {
-        const int descriptor =
-            isThroughChild ? ::openat(child, "..", openFlags) : reopenByPath(level.pathLength);
+        const int descriptor = isThroughChild ? ::openat(child, "..", openFlags)
+                                              : openByPath(AT_FDCWD, path, openFlags);
         if (isLevel(descriptor)) {
             level.descriptor = descriptor;
             return;
@@ -221,24 +225,7 @@ void DirectoryWalk::reopen(Level& level, int child) {
         if (descriptor >= 0)
             ::close(descriptor);
     }
+    noteError(ESTALE);
 }
 
-/// Opens a directory whose path may be longer than the kernel takes at once.
-int DirectoryWalk::reopenByPath(std::size_t pathLength) const {
-    constexpr std::size_t longestStep = 4000;
-    int current = ::open("/", openFlags);
-    std::string_view rest = std::string_view(path_).substr(0, pathLength);
-    while (current >= 0 && !rest.empty()) {
-        std::size_t length = rest.size();
-        if (length > longestStep)
-            length = rest.rfind('/', longestStep);
-        const std::string step = "." + std::string(rest.substr(0, length));
-        const int next = ::openat(current, step.c_str(), openFlags);
-        ::close(current);
-        current = next;
-        rest.remove_prefix(length);
-    }
-    return current;
-}
-
-} // namespace zorvan::files
+} // namespace zorvan::internal

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <zorvan/files/NSDirectoryEnumerator.h>
-
 #include <cstddef>
 #include <deque>
 #include <memory>
@@ -11,7 +9,7 @@
 #include <sys/types.h>
 #include <vector>
 
-namespace zorvan::files {
+namespace zorvan::internal {
 
 enum class EntryKind { file, directory, link };
 
@@ -25,9 +23,13 @@ enum class EntryKind { file, directory, link };
 /// back.
 class DirectoryWalk {
 public:
-    /// Absent when the directory cannot be opened.
-    static std::unique_ptr<DirectoryWalk> open(std::string path,
-                                               NSDirectoryEnumerationOptions options);
+    enum class Visits {
+        before, // each directory before what it holds
+        around, // each directory that is entered a second time, after what it holds
+    };
+
+    /// Absent when the directory cannot be opened, with the reason in `errno`.
+    static std::unique_ptr<DirectoryWalk> open(std::string path, Visits visits = Visits::before);
 
     DirectoryWalk(const DirectoryWalk&) = delete;
     DirectoryWalk& operator=(const DirectoryWalk&) = delete;
@@ -37,18 +39,26 @@ public:
     /// the next call.
     bool advance();
 
+    /// Ends with a NUL in memory.
     std::string_view name() const noexcept { return std::string_view(path_).substr(nameStart_); }
     const std::string& path() const noexcept { return path_; }
     EntryKind kind() const noexcept { return kind_; }
 
+    /// Whether this is the second visit of a directory.
+    bool isLeaving() const noexcept { return isLeaving_; }
+
+    /// The directory that the entry stands in; -1 when it was not found again.
+    int folder() const noexcept { return levels_.back().descriptor; }
+
     /// How deep the entry stands: 1 directly in the walked directory.
     std::size_t level() const noexcept { return entryLevel_; }
 
-    /// Whether the entry is a link that leads to something that exists and is no directory.
-    bool linkLeadsToFile() const;
-
     /// Leaves out what the entry holds, when it is a directory.
     void skipDescendants() noexcept { descendIntoEntry_ = false; }
+
+    /// The error number of the first directory that could not be opened, read or found again; 0 as
+    /// long as nothing was passed over.
+    int error() const noexcept { return error_; }
 
 private:
     /// A directory that is being read.
@@ -63,9 +73,8 @@ private:
         ino_t inode = 0;
     };
 
-    explicit DirectoryWalk(NSDirectoryEnumerationOptions options) : options_(options) {}
+    explicit DirectoryWalk(Visits visits) : visits_(visits) {}
 
-    bool has(NSDirectoryEnumerationOptions option) const noexcept;
     void enter(int descriptor);
     void enterEntry();
     int openEntry();
@@ -77,9 +86,9 @@ private:
     bool giveUpOldestDescriptor();
     void readRest(Level& level);
     void reopen(Level& level, int child);
-    int reopenByPath(std::size_t pathLength) const;
+    void noteError(int error) noexcept;
 
-    NSDirectoryEnumerationOptions options_;
+    Visits visits_;
     std::deque<Level> levels_;
     std::vector<std::vector<char>> spareBuffers_;
     std::size_t firstOpenLevel_ = 0; // every level from here on has its descriptor
@@ -88,6 +97,8 @@ private:
     std::size_t entryLevel_ = 0;
     EntryKind kind_ = EntryKind::file;
     bool descendIntoEntry_ = false;
+    bool isLeaving_ = false;
+    int error_ = 0;
 };
 
-} // namespace zorvan::files
+} // namespace zorvan::internal
