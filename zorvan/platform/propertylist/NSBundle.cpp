@@ -62,12 +62,12 @@ std::shared_ptr<NSBundle> NSBundle::create(const std::string& path) {
 }
 
 std::shared_ptr<NSBundle> NSBundle::mainBundle() {
-    static const std::shared_ptr<NSBundle> bundle = [] {
+    // Never destroyed, since it may be asked for while the program ends.
+    static const auto& bundle = *new std::shared_ptr<NSBundle>([] {
         std::error_code ignored;
         const fs::path executable = fs::read_symlink("/proc/self/exe", ignored);
-        return std::shared_ptr<NSBundle>(
-            new NSBundle(bundlePathForExecutable(executable.string())));
-    }();
+        return new NSBundle(bundlePathForExecutable(executable.string()));
+    }());
     return bundle;
 }
 
