@@ -97,7 +97,9 @@ function(zorvan_finish_library)
   install(FILES ${PROJECT_BINARY_DIR}/ZorvanConfig.cmake ${PROJECT_BINARY_DIR}/ZorvanConfigVersion.cmake
           DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zorvan)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/zorvan DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-          FILES_MATCHING PATTERN "*.h" PATTERN internal EXCLUDE)
+          FILES_MATCHING PATTERN "*.h" PATTERN internal EXCLUDE
+          # They need another toolkit's headers, and are installed with their library.
+          PATTERN qtmodels EXCLUDE PATTERN gtkmodels EXCLUDE)
   zorvan_write_gathering_headers()
   set(names "")
   foreach(component ${components})
@@ -139,7 +141,7 @@ endfunction()
 function(zorvan_list_headers folder result)
   file(GLOB_RECURSE headers RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS
        ${PROJECT_SOURCE_DIR}/${folder}/*.h)
-  list(FILTER headers EXCLUDE REGEX "/internal/")
+  list(FILTER headers EXCLUDE REGEX "/(internal|qtmodels|gtkmodels)/")
   list(TRANSFORM headers REPLACE "(.+)" "#include <\\1>\n")
   set(${result} ${headers} PARENT_SCOPE)
 endfunction()

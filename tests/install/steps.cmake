@@ -64,7 +64,14 @@ elseif(STEP STREQUAL headers-stand-alone)
        "add_library(headers OBJECT \${sources})\n"
        "set_target_properties(headers PROPERTIES NO_SYSTEM_FROM_IMPORTED ON)\n"
        "target_compile_options(headers PRIVATE -fsyntax-only)\n"
-       "target_link_libraries(headers PRIVATE Zorvan::Zorvan)\n")
+       "target_link_libraries(headers PRIVATE Zorvan::Zorvan)\n"
+       # Those for other toolkits stand on the toolkit's own.
+       "find_package(PkgConfig REQUIRED)\n"
+       "if(TARGET Zorvan::QtModels)\n"
+       "  pkg_check_modules(Qt REQUIRED Qt6Gui)\n"
+       "  target_include_directories(headers SYSTEM PRIVATE \${Qt_INCLUDE_DIRS})\n"
+       "  target_compile_options(headers PRIVATE -fPIC)\n"
+       "endif()\n")
   must_run(${CMAKE_COMMAND} -S ${project} -B ${project}-build -G ${GENERATOR}
            -D CMAKE_PREFIX_PATH=${prefix} -D CMAKE_CXX_COMPILER=${COMPILER}
            -D "CMAKE_CXX_FLAGS=${strict}")
