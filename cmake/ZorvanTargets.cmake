@@ -134,7 +134,9 @@ function(zorvan_finish_library)
   install(FILES ${PROJECT_BINARY_DIR}/ZorvanConfig.cmake ${PROJECT_BINARY_DIR}/ZorvanConfigVersion.cmake
           DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zorvan COMPONENT development)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/zorvan DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
-          FILES_MATCHING PATTERN "*.h" PATTERN internal EXCLUDE PATTERN hosts EXCLUDE)
+          FILES_MATCHING PATTERN "*.h" PATTERN internal EXCLUDE
+          # What wants a toolkit comes with its library.
+          REGEX "/hosts/([^/]*[.]h|qtmodels|gtkmodels)$" EXCLUDE)
   zorvan_write_gathering_headers()
   set(names "")
   foreach(component ${components})

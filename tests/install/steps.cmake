@@ -75,6 +75,7 @@ elseif(STEP STREQUAL without-toolkits)
   if(NOT "include/zorvan/interface/NSWindow.h" IN_LIST files)
     message(FATAL_ERROR "the headers are not installed")
   endif()
+  list(FILTER files EXCLUDE REGEX "/hosts/rows/")
   list(FILTER files INCLUDE REGEX "hosts|-qt|-gtk")
   if(files)
     message(FATAL_ERROR "installed without being asked for: ${files}")
@@ -105,7 +106,14 @@ elseif(STEP STREQUAL headers-stand-alone)
        "add_library(headers OBJECT \${sources})\n"
        "set_target_properties(headers PROPERTIES NO_SYSTEM_FROM_IMPORTED ON)\n"
        "target_compile_options(headers PRIVATE -fsyntax-only)\n"
-       "target_link_libraries(headers PRIVATE Zorvan::Zorvan)\n")
+       "target_link_libraries(headers PRIVATE Zorvan::Zorvan)\n"
+       # Those for other toolkits stand on the toolkit's own.
+       "find_package(PkgConfig REQUIRED)\n"
+       "if(TARGET Zorvan::QtModels)\n"
+       "  pkg_check_modules(Qt REQUIRED Qt6Gui)\n"
+       "  target_include_directories(headers SYSTEM PRIVATE \${Qt_INCLUDE_DIRS})\n"
+       "  target_compile_options(headers PRIVATE -fPIC)\n"
+       "endif()\n")
   must_run(${CMAKE_COMMAND} -S ${project} -B ${project}-build -G ${GENERATOR}
            -D CMAKE_PREFIX_PATH=${prefix} -D CMAKE_CXX_COMPILER=${COMPILER}
            -D "CMAKE_CXX_FLAGS=${strict}")
