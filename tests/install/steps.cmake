@@ -3,7 +3,7 @@
 cmake_minimum_required(VERSION 3.25)
 set(prefix ${WORK}/prefix)
 set(here ${SOURCE_TREE}/tests/install)
-set(strict "-Wall -Wextra -Wpedantic -Wconversion -Werror")
+set(strict "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror")
 
 # must_run(<command>...): stops with what the command printed when it fails; leaves that in `output`.
 macro(must_run)
