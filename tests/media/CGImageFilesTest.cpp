@@ -180,6 +180,17 @@ TEST(CGImageDestination, KnowsItsTypes) {
               nullptr);
 }
 
+TEST(CGImageDestination, ReplacesNothingButFiles) {
+    TemporaryFolder folder;
+    const std::string pipe = folder.url("pipe").path();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const auto destination = CGImageDestination::create(folder.url("pipe"), "public.png", 1);
+    destination->addImage(slope(4, 4));
+    EXPECT_FALSE(destination->finalize());
+    EXPECT_TRUE(fs::is_fifo(pipe));
+    EXPECT_EQ(folder.count(), 1);
+}
+
 TEST(CGImageDestination, WritesThePicturesThatWereAnnounced) {
     const auto data = std::make_shared<Data>(3, std::byte{42});
     const auto destination = CGImageDestination::create(data, "public.tiff", 2);

@@ -2,7 +2,7 @@
 
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/ImageKeys.h>
-#include <zorvan/media/internal/writeFileAtomically.h>
+#include <zorvan/platform/foundation/internal/writeFile.h>
 #include <zorvan/platform/imageio/ImageWriter.h>
 
 #include <algorithm>
@@ -49,7 +49,10 @@ CGImageDestination::CGImageDestination(Key, Write write, std::string_view type, 
                                        PropertyList::Dictionary options)
     : write_(std::move(write)), type_(type), count_(count), options_(std::move(options)) {}
 
-bool CGImageDestination::supports(std::string_view type) { return formatOf(type).has_value(); }
+bool CGImageDestination::supports(std::string_view type) {
+    const auto format = formatOf(type);
+    return format && imageio::canEncode(*format);
+}
 
 std::shared_ptr<CGImageDestination>
 CGImageDestination::create(Write write, std::string_view type, std::int64_t count,
@@ -64,8 +67,8 @@ CGImageDestination::create(const URL& url, std::string_view type, std::int64_t c
                            const PropertyList::Dictionary& options) {
     if (!url.isFileURL())
         return nullptr;
-    return create([url](const Data& bytes) { return writeFileAtomically(url, bytes); }, type, count,
-                  options);
+    const auto write = [url](const Data& bytes) { return !internal::writeFile(url.path(), bytes); };
+    return create(Write(write), type, count, options);
 }
 
 std::shared_ptr<CGImageDestination>

@@ -97,7 +97,8 @@ struct Reference {
 /// The boxes inside "meta", taken apart.
 class Meta {
 public:
-    explicit Meta(Bytes content, std::uint64_t contentOffset) : start_(contentOffset) {
+    explicit Meta(Bytes content, std::uint64_t contentOffset)
+        : begin_(content.data()), start_(contentOffset) {
         FullBox meta = fullBox(content);
         while (!meta.cursor.atEnd()) {
             const Box box = nextBox(meta.cursor);
@@ -112,10 +113,14 @@ public:
             else if (box.type == "iloc")
                 locations_ = box.content;
             else if (box.type == "idat")
-                dataOffset_ =
-                    start_ + static_cast<std::uint64_t>(box.content.data() - content.data());
+                dataOffset_ = offsetOf(box.content);
         }
         readLocations();
+    }
+
+    /// Where in the file a part of the boxes is.
+    std::uint64_t offsetOf(Bytes part) const {
+        return start_ + static_cast<std::uint64_t>(part.data() - begin_);
     }
 
     std::uint32_t primary() const { return primary_; }
@@ -234,6 +239,7 @@ private:
         }
     }
 
+    const std::byte* begin_;
     std::uint64_t start_;
     std::uint64_t dataOffset_ = 0;
     std::uint32_t primary_ = 0;
@@ -309,14 +315,17 @@ void readDescription(const Box& property, HeifPicture& picture) {
 }
 
 /// Some encoders state the size that a quarter turn leads to, where the size before it belongs.
-void mendTurnedSize(const std::vector<Box>& properties, PixelSize& stated) {
-    for (const Box& property : properties) {
-        if (property.type != "hvcC")
-            continue;
-        const PixelSize turned = {stated.height, stated.width};
-        if (hevcPictureSize(property.content) == turned)
-            stated = turned;
-    }
+void mendTurnedSize(const Meta& meta, const std::vector<Box>& properties, HeifPicture& picture) {
+    const PixelSize turned = {picture.coded.height, picture.coded.width};
+    const auto isTurned = [&](const Box& property) {
+        return property.type == "hvcC" && hevcPictureSize(property.content) == turned;
+    };
+    if (turned == picture.coded || std::ranges::none_of(properties, isTurned))
+        return;
+    picture.coded = turned;
+    for (const Box& property : properties)
+        if (property.type == "ispe")
+            picture.turnedSizeAt = meta.offsetOf(property.content) + 4;
 }
 
 HeifPicture describe(const Meta& meta, std::uint32_t id, const Item& item) {
@@ -326,7 +335,7 @@ HeifPicture describe(const Meta& meta, std::uint32_t id, const Item& item) {
         readDescription(property, picture);
     if (picture.coded.width < 1 || picture.coded.height < 1)
         throw Failure{reason::damaged};
-    mendTurnedSize(properties, picture.coded);
+    mendTurnedSize(meta, properties, picture);
     HeifTransforms transforms(picture.coded);
     bool turned = false;
     for (const Box& property : properties)

@@ -24,6 +24,19 @@ std::optional<Data> dispatched(FileFormat format, std::span<const Frame> frames)
 
 } // namespace
 
+bool canEncode(FileFormat format) {
+    switch (format) {
+    case FileFormat::jpeg:
+    case FileFormat::png:
+    case FileFormat::tiff:
+        return true;
+    case FileFormat::heic:
+        return hasHeicEncoder();
+    default:
+        return false;
+    }
+}
+
 std::optional<Data> encode(FileFormat format, std::span<const Frame> frames) {
     if (frames.empty() || (frames.size() > 1 && format != FileFormat::tiff))
         return std::nullopt;

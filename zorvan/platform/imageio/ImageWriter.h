@@ -25,8 +25,11 @@ struct Frame {
     PropertyList::Dictionary properties = {};
 };
 
-/// The bytes of a picture file. Absent when the codec refuses, or when a format that holds one
-/// picture is given another number of them.
+/// Whether pictures can be written in a format: PNG, JPEG, TIFF, and HEIC where libheif has an encoder.
+bool canEncode(FileFormat format);
+
+/// The bytes of a picture file. Absent when the codec is missing or refuses, or when a format that
+/// holds one picture is given another number of them.
 std::optional<Data> encode(FileFormat format, std::span<const Frame> frames);
 
 } // namespace zorvan::imageio

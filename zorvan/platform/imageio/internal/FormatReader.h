@@ -23,6 +23,7 @@ inline constexpr const char* tooLarge = "the picture is too large";
 inline constexpr const char* noMemory = "there is not enough memory";
 inline constexpr const char* noSuchPicture = "the file holds no such picture";
 inline constexpr const char* noThumbnail = "the file holds no thumbnail";
+inline constexpr const char* noDecoder = "the decoder for this format is not installed";
 inline constexpr const char* unsupported = "this variety of the format is not supported";
 } // namespace reason
 

@@ -28,6 +28,8 @@ struct HeifPicture {
     std::uint32_t item = 0;
     /// The size of the coded picture.
     PixelSize coded;
+    /// Where the file states that size with width and height exchanged; absent when it is right.
+    std::optional<std::uint64_t> turnedSizeAt = {};
     /// The part of the coded picture that is to be shown, in its own coordinates.
     PixelRect crop;
     /// The EXIF value that turns that part as the file's own rotations and mirrors do; absent when
