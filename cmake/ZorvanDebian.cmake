@@ -73,7 +73,7 @@ zorvan_debian_libraries(media
   SUMMARY "toolkit library for desktop applications - pictures and views"
   TEXT "Pictures, drawing, what is in a movie, and the views of windows without a display."
   DEPENDS "${core}"
-  RECOMMENDS "librsvg2-2, libheif-plugin-libde265, libheif-plugin-x265")
+  RECOMMENDS "librsvg2-2, libheif-plugin-dav1d, libheif-plugin-libde265, libheif-plugin-x265")
 zorvan_debian_libraries(playback
   SUMMARY "toolkit library for desktop applications - movie player"
   TEXT "Plays movies into pictures."

@@ -1,8 +1,8 @@
 # Which runtime package a component's library goes into, and which toolkit it wants.
 
 set(ZORVAN_PACKAGE_media
-    AppKit Drawing FFmpegMedia Graphics ImageIO Interface Media MediaAssets MediaFiles MediaImages MovieFrames
-    TextDrawing)
+    AppKit Drawing FFmpegMedia Graphics ImageIO Interface Media MediaAssets MediaFiles MediaImages MediaValues
+    MovieFrames TextDrawing)
 set(ZORVAN_PACKAGE_playback MediaPlayback Playback)
 set(ZORVAN_PACKAGE_windows QtHost)
 set(ZORVAN_PACKAGE_qt-models QtModels)

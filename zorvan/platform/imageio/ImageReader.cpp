@@ -111,7 +111,7 @@ std::unique_ptr<ImageReader> readerFor(std::unique_ptr<ByteSource> source) {
 
 #ifndef ZORVAN_JPEG_XL
 std::unique_ptr<ImageReader> makeJpegXLReader(std::unique_ptr<ByteSource>) {
-    return std::make_unique<UnreadableFile>(reason::unsupported);
+    return std::make_unique<UnreadableFile>(reason::noDecoder);
 }
 #endif
 

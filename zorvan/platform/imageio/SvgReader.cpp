@@ -22,7 +22,7 @@ private:
             throw Failure{reason::tooLarge};
         picture_ = VectorPicture::create(source().bytes(0, source().size()));
         if (!picture_)
-            throw Failure{VectorPicture::isSupported() ? reason::damaged : reason::unsupported};
+            throw Failure{VectorPicture::isSupported() ? reason::damaged : reason::noDecoder};
         return *picture_;
     }
 
