@@ -40,7 +40,9 @@ public:
     /// Properties of the whole file.
     void setProperties(const PropertyList::Dictionary& properties);
 
-    /// Adds the next picture. An empty one, and more than were announced, are left out.
+    /// Adds the next picture. Properties that were read beside a picture which has been turned
+    /// upright since go through `CGImage::uprightMetadata`, or it is turned again. An empty one,
+    /// and more than were announced, are left out.
     void addImage(std::shared_ptr<const CGImage> image,
                   const PropertyList::Dictionary& options = {});
 

@@ -69,6 +69,7 @@ public:
 
     std::int64_t count() const override {
         const std::lock_guard lock(mutex_);
+        error_.clear();
         return reader_->count();
     }
 
@@ -91,7 +92,8 @@ public:
     }
 
 private:
-    CGImage::Pointer thumbnail(std::int64_t index, const ThumbnailRequest& request) const override {
+    CGImage::Pointer makeThumbnail(std::int64_t index,
+                                   const ThumbnailRequest& request) const override {
         const std::lock_guard lock(mutex_);
         error_.clear();
         if (request.longestSide < 1) {
@@ -144,7 +146,7 @@ std::int64_t longestSide(double limit) noexcept {
 
 CGImage::Pointer CGImageSource::thumbnail(std::int64_t index,
                                           const PropertyList::Dictionary& options) const {
-    return thumbnail(index, requestFrom(options));
+    return makeThumbnail(index, requestFrom(options));
 }
 
 std::shared_ptr<CGImageSource> CGImageSource::create(const URL& url,

@@ -58,8 +58,8 @@ public:
 private:
     friend struct ImageThumbailer;
 
-    virtual std::shared_ptr<const CGImage> thumbnail(std::int64_t index,
-                                                     const ThumbnailRequest& request) const = 0;
+    virtual std::shared_ptr<const CGImage> makeThumbnail(std::int64_t index,
+                                                         const ThumbnailRequest& request) const = 0;
 };
 
 } // namespace zorvan

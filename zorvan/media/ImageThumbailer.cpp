@@ -29,9 +29,10 @@ std::shared_ptr<const CGImage> ImageThumbailer::thumbnail(Data data) const {
 
 std::shared_ptr<const CGImage> ImageThumbailer::thumbnail(const CGImageSource& source,
                                                           std::int64_t index) const {
-    return source.thumbnail(index, ThumbnailRequest{.longestSide = longestSide(maximumPixelSize),
-                                                    .isUpright = applyExifTransform,
-                                                    .isMadeAlways = alwaysCreateImage});
+    return source.makeThumbnail(index,
+                                ThumbnailRequest{.longestSide = longestSide(maximumPixelSize),
+                                                 .isUpright = applyExifTransform,
+                                                 .isMadeAlways = alwaysCreateImage});
 }
 
 } // namespace zorvan
