@@ -10,9 +10,9 @@
 #include <iterator>
 #include <limits>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace zorvan {
@@ -55,7 +55,12 @@ public:
 
     IndexSet() = default;
     /// The given members, in any order.
-    IndexSet(std::initializer_list<std::int64_t> members);
+    ///
+    /// A template, so that the constructors from labels go before it: to g++ a literal 0 as the
+    /// first value might be the address that a list of its own is made from.
+    template <class = void>
+    IndexSet(std::initializer_list<std::int64_t> members)
+        : IndexSet(of(std::span(members.begin(), members.size()))) {}
     explicit IndexSet(Range range);
     /// The positions `loc` up to, not including, `loc + len`. A negative length stops the program.
     IndexSet(LocLen argument);
@@ -137,7 +142,7 @@ public:
     std::string description() const;
 
     /// An index path of the section for each member.
-    std::unordered_set<IndexPath> mapToIndexPaths(std::int64_t section = 0) const;
+    std::set<IndexPath> mapToIndexPaths(std::int64_t section = 0) const;
 
     friend bool operator==(const IndexSet& a, const IndexSet& b) noexcept {
         return a.count_ == b.count_ && a.ranges_ == b.ranges_;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <zorvan/collections/Array.h>
-#include <zorvan/collections/FirstPositions.h>
+#include <zorvan/collections/FullList.h>
 #include <zorvan/collections/IndexSet.h>
 #include <zorvan/collections/ManagedListEdition.h>
 #include <zorvan/collections/ManagedListViewReloader.h>
@@ -20,7 +20,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -30,17 +29,19 @@ namespace zorvan {
 ///
 /// While a filter is set the list shows only the items that pass it, keeps the full list aside, and
 /// carries every change made through shown positions over to it. Each change is announced twice on
-/// the default notification centre, synchronously, with the list as sender and the same edition
-/// under the key "Edition": before the lists change and after. A change that changes nothing is not
-/// announced.
+/// the default notification centre, synchronously, with the list as sender and its edition under
+/// the key "Edition": before the lists change, with what is known by then, and after. A change that
+/// changes nothing is not announced, and one whose filter or order throws neither, except where
+/// `sort` says so. The list lives at least until a change has been announced.
 ///
 /// Shown positions outside the list stop the program, except in the selection. Used from one
 /// thread. Changing the list from an observer of the announcement *before* a change stops the
-/// program.
+/// program; calls that change nothing are let pass.
 ///
-/// Cost: linear in what is shown, plus, when a change is made through a filter, finding each shown
-/// item in the full list; that is linear for items with a `std::hash`, a sort for items that only
-/// have an order, and quadratic for items that have nothing but equality.
+/// Cost: linear in what is shown, plus, when a change is made through a filter, finding the items
+/// concerned in the full list. A few are looked for one by one; what is found stays known over
+/// removals. Many at once are linear for items with a `std::hash`, a sort for items that only have
+/// an order, and quadratic for items that have nothing but equality.
 template <std::equality_comparable Item>
 class ManagedList : public std::enable_shared_from_this<ManagedList<Item>>,
                     public SelectionQueries<ManagedList<Item>> {
@@ -74,7 +75,7 @@ public:
     const std::vector<Item>& items() const noexcept { return items_; }
     std::int64_t count() const noexcept { return detail::countOf(items_); }
     /// All items, shown or not.
-    const std::vector<Item>& allItems() const noexcept { return filter_ ? fullItems_ : items_; }
+    const std::vector<Item>& allItems() const noexcept { return filter_ ? full_.items() : items_; }
 
     /// The selected shown positions.
     const IndexSet& selection() const noexcept { return selection_; }
@@ -95,7 +96,9 @@ public:
     /// Moves items before the shown item at `to`, or to the end; they become the selection.
     void move(const IndexSet& from, std::int64_t to);
     /// Sorts the shown items, and the full list as well under a filter; equal items keep their
-    /// order. What the order throws reaches the caller.
+    /// order. What the order throws reaches the caller; while it sorts the shown items, which comes
+    /// first, nothing has changed then. When it only throws for the full list, the shown items are
+    /// sorted, which has been announced before and is not after.
     void sort(Order by);
     void reverseOrder();
 
@@ -129,7 +132,9 @@ public:
 
     /// Where the item at a shown position stands in the full list: the first place of an equal
     /// item. The position itself when no filter is set, and for the end of the shown list.
-    std::int64_t fullPosition(std::int64_t shown) const;
+    std::int64_t fullPosition(std::int64_t shown) const {
+        return filter_ && shown >= 0 ? full_.position(items_, shown) : shown;
+    }
 
 private:
     using Positions = std::vector<std::int64_t>;
@@ -178,28 +183,16 @@ private:
     };
 
     const Item* itemAt(std::optional<std::int64_t> index) const {
-        return index ? &items_[static_cast<std::size_t>(*index)] : nullptr;
+        return index ? detail::addressAt(items_, *index) : nullptr;
     }
 
-    Positions fullPositions(const IndexSet& shown) const;
-    void findFullPositions() const;
-    Positions& placesToChange();
-    void insertIntoFull(std::vector<Item> contentOf, Positions passing, std::int64_t at);
-    void removeFromFull(const IndexSet& at);
-    void moveInFull(const IndexSet& from, std::int64_t to);
     static Passing pass(const std::vector<Item>& items, const IndexSet& selection,
                         const Filter& filter);
 
     std::vector<Item> items_;
-    std::vector<Item> fullItems_; // while a filter is set
+    detail::FullList<Item> full_; // while a filter is set
     Filter filter_;
     IndexSet selection_;
-    /// While a filter is set, where each shown item itself stands in the full list; -1 when an
-    /// equal one was removed there in its stead. Shared with the reordering of the filter's change.
-    std::shared_ptr<Positions> places_;
-    /// Where changes take each shown item to stand: the place of the first equal one, -1 for none.
-    /// Null when it is to be found again.
-    mutable std::shared_ptr<const Positions> mapping_;
     const MakeReordering* reordering_ = nullptr;
     bool isAnnouncingWill_ = false;
 };
@@ -214,44 +207,6 @@ template <std::equality_comparable Item>
 void ManagedList<Item>::Change::announceDid(const MakeReordering& reordering) const {
     const Setting<const MakeReordering*> current(list_->reordering_, &reordering);
     announce(didReloadNotification);
-}
-
-template <std::equality_comparable Item>
-void ManagedList<Item>::findFullPositions() const {
-    if (mapping_)
-        return;
-    const detail::FirstPositions<Item> positions(fullItems_);
-    const auto found = std::make_shared<Positions>(items_.size());
-    std::transform(items_.begin(), items_.end(), found->begin(),
-                   [&positions](const Item& item) { return positions.of(item); });
-    mapping_ = found;
-}
-
-template <std::equality_comparable Item>
-std::int64_t ManagedList<Item>::fullPosition(std::int64_t shown) const {
-    if (!filter_ || shown < 0 || shown >= count())
-        return shown;
-    findFullPositions();
-    const std::int64_t full = (*mapping_)[static_cast<std::size_t>(shown)];
-    return full >= 0 ? full : shown;
-}
-
-template <std::equality_comparable Item>
-auto ManagedList<Item>::fullPositions(const IndexSet& shown) const -> Positions {
-    Positions positions;
-    positions.reserve(static_cast<std::size_t>(shown.count()));
-    for (const std::int64_t position : shown)
-        positions.push_back(fullPosition(position));
-    return positions;
-}
-
-/// The places for a change of them, after which the mapping is to be found again.
-template <std::equality_comparable Item>
-auto ManagedList<Item>::placesToChange() -> Positions& {
-    mapping_.reset();
-    if (places_.use_count() > 1)
-        places_ = std::make_shared<Positions>(*places_);
-    return *places_;
 }
 
 template <std::equality_comparable Item>
@@ -270,7 +225,7 @@ template <std::equality_comparable Item>
 void ManagedList<Item>::insert(std::vector<Item> contentOf, std::int64_t at) {
     if (contentOf.empty())
         return;
-    detail::checkInsertion(items_, at);
+    detail::checkInsertion(count(), at);
     Passing passing;
     if (filter_)
         passing = pass(contentOf, {}, filter_);
@@ -283,7 +238,7 @@ void ManagedList<Item>::insert(std::vector<Item> contentOf, std::int64_t at) {
     change.announceWill();
 
     if (filter_)
-        insertIntoFull(std::move(contentOf), std::move(passing.positions), at);
+        full_.insert(items_, at, std::move(contentOf), std::move(passing.positions));
     items_.insert(items_.begin() + at, std::make_move_iterator(passing.items.begin()),
                   std::make_move_iterator(passing.items.end()));
     selection_.removeAll();
@@ -291,24 +246,10 @@ void ManagedList<Item>::insert(std::vector<Item> contentOf, std::int64_t at) {
 }
 
 template <std::equality_comparable Item>
-void ManagedList<Item>::insertIntoFull(std::vector<Item> contentOf, Positions passing,
-                                       std::int64_t at) {
-    const std::int64_t full = fullPosition(at);
-    Positions& places = placesToChange();
-    Reordering::inserting(detail::countOf(fullItems_), full, detail::countOf(contentOf))
-        .apply(places);
-    for (std::int64_t& position : passing)
-        position += full;
-    places.insert(places.begin() + at, passing.begin(), passing.end());
-    fullItems_.insert(fullItems_.begin() + full, std::make_move_iterator(contentOf.begin()),
-                      std::make_move_iterator(contentOf.end()));
-}
-
-template <std::equality_comparable Item>
 void ManagedList<Item>::remove(const IndexSet& at) {
     if (at.isEmpty())
         return;
-    detail::checkPositions(items_, at);
+    detail::checkPositions(count(), at);
     const std::int64_t before = count();
     Change change(*this, Action::remove);
     change.edition.removedIndexes = at;
@@ -317,63 +258,30 @@ void ManagedList<Item>::remove(const IndexSet& at) {
 
     const IndexSet& removed = *change.edition.removedIndexes;
     if (filter_)
-        removeFromFull(removed);
+        full_.remove(items_, removed);
     zorvan::remove(items_, removed);
     selection_ = *change.edition.newSelection;
     change.announceDid([&] { return Reordering::removing(before, removed); });
 }
 
 template <std::equality_comparable Item>
-void ManagedList<Item>::removeFromFull(const IndexSet& at) {
-    const Positions lost = fullPositions(at);
-    Positions& places = placesToChange();
-    // Where the full list loses an equal item before the shown one, that one's place is free for
-    // whoever is shown of the item that goes.
-    std::unordered_map<std::int64_t, std::int64_t> freed;
-    std::size_t i = 0;
-    for (const std::int64_t shown : at) {
-        const std::int64_t place = places[static_cast<std::size_t>(shown)];
-        if (place != lost[i++])
-            freed.insert_or_assign(lost[i - 1], place);
-    }
-    if (!freed.empty())
-        for (std::int64_t& place : places)
-            if (const auto found = freed.find(place); found != freed.end())
-                place = found->second;
-    zorvan::remove(places, at);
-    const IndexSet removed = IndexSet::of(lost);
-    Reordering::removing(detail::countOf(fullItems_), removed).apply(places);
-    zorvan::remove(fullItems_, removed);
-}
-
-template <std::equality_comparable Item>
 void ManagedList<Item>::move(const IndexSet& from, std::int64_t to) {
     if (from.isEmpty())
         return;
-    detail::checkPositions(items_, from);
-    detail::checkInsertion(items_, to);
+    detail::checkPositions(count(), from);
+    detail::checkInsertion(count(), to);
     Change change(*this, Action::move);
     change.edition.movedFromIndexes = from;
     change.announceWill();
 
     const IndexSet& moved = *change.edition.movedFromIndexes;
     if (filter_)
-        moveInFull(moved, to);
+        full_.move(items_, moved, to);
     const std::int64_t landing = zorvan::move(items_, moved, to);
     selection_ = IndexSet({.loc = landing, .len = moved.count()});
     change.edition.movedToIndexes = selection_;
     change.edition.newSelection = selection_;
     change.announceDid([&, count = count()] { return Reordering::moving(count, moved, to); });
-}
-
-template <std::equality_comparable Item>
-void ManagedList<Item>::moveInFull(const IndexSet& from, std::int64_t to) {
-    const IndexSet moved = IndexSet::of(fullPositions(from));
-    const std::int64_t target = fullPosition(to);
-    Positions& places = placesToChange();
-    Reordering::moving(detail::countOf(fullItems_), moved, target).apply(places);
-    zorvan::move(places, from, to);
-    zorvan::move(fullItems_, moved, target);
 }
 
 template <std::equality_comparable Item>
@@ -387,13 +295,8 @@ void ManagedList<Item>::sort(Order by) {
 
     detail::permute(items_, order);
     selection_ = *change.edition.newSelection;
-    if (filter_) {
-        Positions& places = placesToChange();
-        detail::permute(places, order);
-        const Positions fullOrder = detail::sortedPositions(fullItems_, by);
-        Reordering::permuting(fullOrder).apply(places);
-        detail::permute(fullItems_, fullOrder);
-    }
+    if (filter_)
+        full_.sort(by, order);
     change.announceDid([&order] { return Reordering::permuting(order); });
 }
 
@@ -407,12 +310,8 @@ void ManagedList<Item>::reverseOrder() {
 
     std::reverse(items_.begin(), items_.end());
     selection_ = *change.edition.newSelection;
-    if (filter_) {
-        Positions& places = placesToChange();
-        std::reverse(places.begin(), places.end());
-        Reordering::reversing(detail::countOf(fullItems_)).apply(places);
-        std::reverse(fullItems_.begin(), fullItems_.end());
-    }
+    if (filter_)
+        full_.reverse();
     change.announceDid([count = count()] { return Reordering::reversing(count); });
 }
 
@@ -442,33 +341,30 @@ template <std::equality_comparable Item>
 void ManagedList<Item>::setFilter(Filter filter) {
     if (!filter_ && !filter)
         return;
-    IndexSet selection = filter_ ? IndexSet::of(fullPositions(selection_)) : selection_;
+    IndexSet selection = filter_ ? IndexSet::of(full_.positions(items_, selection_)) : selection_;
     Passing passing;
     if (filter)
         passing = pass(allItems(), selection, filter);
     Change change(*this, Action::filter);
     change.announceWill();
 
-    const std::shared_ptr<const Positions> before = places_;
+    const std::shared_ptr<const Positions> before = full_.places();
     if (!filter) {
-        items_ = std::exchange(fullItems_, {});
-        places_.reset();
+        items_ = full_.release();
         selection_ = std::move(selection);
     } else {
         if (!filter_)
-            fullItems_ = std::move(items_);
+            full_.setItems(std::move(items_));
         items_ = std::move(passing.items);
-        places_ = std::make_shared<Positions>(std::move(passing.positions));
+        full_.show(std::move(passing.positions));
         selection_ = std::move(passing.selection);
     }
-    mapping_ = places_;
     filter_ = std::move(filter);
     change.edition.newSelection = selection_;
     const auto shown = [](const std::shared_ptr<const Positions>& places) {
         return places ? std::optional(std::span(*places)) : std::nullopt;
     };
-    change.announceDid([&, after = std::shared_ptr<const Positions>(places_),
-                        count = detail::countOf(allItems())] {
+    change.announceDid([&, after = full_.places(), count = detail::countOf(allItems())] {
         return Reordering::refiltering(count, shown(before), shown(after));
     });
 }

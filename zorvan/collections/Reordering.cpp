@@ -1,6 +1,7 @@
 #include <zorvan/collections/Reordering.h>
 
 #include <algorithm>
+#include <limits>
 
 namespace zorvan {
 
@@ -96,16 +97,23 @@ void Reordering::apply(std::span<std::int64_t> positions) const noexcept {
                            : -1;
         return;
     }
-    std::size_t at = 0; // the stretch of the position before, mostly that of the next one too
+    // The stretch of the position before is mostly that of the next one too.
+    Stretch stretch = stretches_[0];
+    std::uint64_t length = 0;
     for (std::int64_t& position : positions) {
-        if (position < 0) {
-            position = -1;
-            continue;
+        if (static_cast<std::uint64_t>(position) - static_cast<std::uint64_t>(stretch.lower) >=
+            length) {
+            if (position < 0) {
+                position = -1;
+                continue;
+            }
+            const std::size_t at = stretchOf(position);
+            stretch = stretches_[at];
+            length = at + 1 < stretches_.size()
+                         ? static_cast<std::uint64_t>(stretches_[at + 1].lower - stretch.lower)
+                         : std::numeric_limits<std::uint64_t>::max() / 2;
         }
-        const bool isPast = at + 1 < stretches_.size() && position >= stretches_[at + 1].lower;
-        if (isPast || position < stretches_[at].lower)
-            at = stretchOf(position);
-        position = stretches_[at].sent(position);
+        position = stretch.offset + stretch.sign * position;
     }
 }
 

@@ -52,8 +52,6 @@ private:
         std::int64_t lower;
         std::int64_t sign;
         std::int64_t offset;
-
-        std::int64_t sent(std::int64_t position) const noexcept { return offset + sign * position; }
     };
 
     explicit Reordering(std::vector<Stretch> stretches) : stretches_(std::move(stretches)) {}

@@ -123,7 +123,7 @@ private:
         reordering_ = {};
     }
     const Element* elementAt(std::optional<std::int64_t> index) const {
-        return index ? &elements_[static_cast<std::size_t>(*index)] : nullptr;
+        return index ? detail::addressAt(elements_, *index) : nullptr;
     }
     void assign(std::vector<Entry> entries);
 
@@ -170,7 +170,7 @@ void SelectableArray<Element>::insert(std::vector<Element> elements, std::int64_
     if (elements.empty())
         return;
     edit([elements = std::move(elements), at](SelectableArray& list) {
-        detail::checkInsertion(list.elements_, at);
+        detail::checkInsertion(list.count(), at);
         const std::int64_t count = detail::countOf(elements);
         list.reordering_ = [=, before = list.count()] {
             return Reordering::inserting(before, at, count);
@@ -184,7 +184,7 @@ void SelectableArray<Element>::insert(std::vector<Element> elements, std::int64_
 template <class Element>
 void SelectableArray<Element>::replace(Element element, std::int64_t at) {
     edit([element = std::move(element), at](SelectableArray& list) {
-        detail::checkPositions(list.elements_, {at});
+        detail::checkPositions(list.count(), {at});
         list.elements_[static_cast<std::size_t>(at)] = element;
         list.reordering_ = [count = list.count()] { return Reordering::none(count); };
         return SelectableArrayEdition::Replace{at};
