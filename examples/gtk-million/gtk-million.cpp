@@ -91,7 +91,7 @@ static void activate(GtkApplication* application, Program* program) {
 
     // With the name of a picture: shows what the guide shows.
     if (program->picture) {
-        program->list->setSelection({7, 1070, 2071, 2074});
+        program->list->setSelection({207, 507, 508, 1007});
         gtk_editable_set_text(GTK_EDITABLE(program->search), "07");
         g_timeout_add(2000, drawPicture, program);
     }

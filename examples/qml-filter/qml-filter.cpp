@@ -55,7 +55,7 @@ int main(int count, char** arguments) {
 
     // With the name of a picture: shows what the guide shows, draws it and ends.
     if (count > 1) {
-        for (const int row : {3, 6, 13})
+        for (const int row : {3, 8, 14})
             garden.toggle(row);
         view.rootObject()->setProperty("letters", "n");
         QTimer::singleShot(500, &view, [&] {

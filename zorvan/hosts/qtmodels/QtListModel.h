@@ -14,8 +14,7 @@ namespace zorvan {
 /// A model of Qt over a `ManagedList` or a `SelectableArray`, for widgets and for QML:
 ///
 ///     auto* model = new QtListModel<Photo>(
-///         list, {{Qt::DisplayRole, [](const Photo& p) { return QString::fromStdString(p.title);
-///         }}});
+///         list, {{Qt::DisplayRole, [](const Photo& photo) { return photo.title; }}}, window);
 ///     view->setModel(model);
 ///     view->setSelectionModel(model->selectionModel());
 ///

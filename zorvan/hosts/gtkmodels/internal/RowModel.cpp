@@ -42,8 +42,7 @@ GObject* RowModel::object(guint row) {
 GtkBitset* RowModel::selection(guint first, guint count) const {
     GtkBitset* set = gtk_bitset_new_empty();
     const std::int64_t begin = first, end = begin + count;
-    const IndexSet selection = rows_->selection();
-    for (const IndexSet::Range range : selection.ranges()) {
+    for (const IndexSet::Range range : rows_->selection().ranges()) {
         const std::int64_t lower = std::max(range.lower, begin), upper = std::min(range.upper, end);
         if (lower < upper)
             gtk_bitset_add_range(set, static_cast<guint>(lower), static_cast<guint>(upper - lower));
@@ -60,7 +59,7 @@ void RowModel::rowsDidChange(const RowChange& change,
     const Reordering where = reordering();
     live_.follow(where);
     shownSelection_ = moved(shownSelection_, where);
-    tellRows(changedSpan(where));
+    tellRows(changedSpan(change, where));
     tellSelection();
 }
 
@@ -71,7 +70,13 @@ void RowModel::rowsWereLost(const RowChange&) {
 }
 
 /// Without the rows before and behind that stand where they stood.
-auto RowModel::changedSpan(const Reordering& reordering) const -> Span {
+auto RowModel::changedSpan(const RowChange& change, const Reordering& reordering) const -> Span {
+    if (change.kind == RowChange::Kind::insert)
+        return {*change.rows.first(), 0, change.rows.count()};
+    if (change.kind == RowChange::Kind::remove) {
+        const std::int64_t removed = *change.rows.last() - *change.rows.first() + 1;
+        return {*change.rows.first(), removed, removed - change.rows.count()};
+    }
     const std::int64_t before = count_, after = rows_->count(), shorter = std::min(before, after);
     std::int64_t first = 0, behind = 0;
     while (first < shorter && reordering.newPosition(first) == first)

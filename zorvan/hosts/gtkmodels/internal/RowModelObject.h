@@ -17,7 +17,7 @@ public:
     bool isSelected(guint row) const { return rows_->selection().contains(row); }
     GtkBitset* selection(guint first, guint count) const;
     void select(const IndexSet& rows) { rows_->select(rows); }
-    IndexSet selection() const { return rows_->selection(); }
+    const IndexSet& selection() const { return rows_->selection(); }
     void itemsDidChange(const IndexSet& rows);
 
 private:
@@ -33,7 +33,7 @@ private:
                        const std::function<Reordering()>& reordering) override;
     void rowsWereLost(const RowChange&) override;
 
-    Span changedSpan(const Reordering& reordering) const;
+    Span changedSpan(const RowChange& change, const Reordering& reordering) const;
     void tellRows(Span span);
     void tellSelection();
 
