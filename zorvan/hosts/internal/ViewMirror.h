@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QWidget>
 #include <memory>
+#include <string>
 
 namespace zorvan::internal {
 
@@ -32,9 +33,11 @@ protected:
 
 private:
     bool isPlacedByItsView() const;
+    void announce();
 
     const std::shared_ptr<NSView> view_;
     const QPointer<QWidget> widget_;
+    std::string announced_;
 };
 
 /// The view that the widget shows; null for a widget of another kind.
