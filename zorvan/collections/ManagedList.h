@@ -200,6 +200,7 @@ private:
 template <std::equality_comparable Item>
 void ManagedList<Item>::Change::announceWill() const {
     const Setting<bool> isAnnouncing(list_->isAnnouncingWill_, true);
+    const Setting<const MakeReordering*> none(list_->reordering_, nullptr);
     announce(willReloadNotification);
 }
 
