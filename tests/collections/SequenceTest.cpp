@@ -90,6 +90,10 @@ TEST(Parallel, keepsOrderAndCallsEachOnce) {
     EXPECT_EQ(parallelMap(std::vector{1, 2, 3}, [](int i) { return i > 1; }),
               (std::vector<bool>{false, true, true}));
     EXPECT_TRUE(parallelMap(std::vector<int>(), [](int i) { return i; }).empty());
+    struct Fixed {
+        const int value = 0;
+    };
+    EXPECT_EQ(parallelMap(std::vector{4, 5}, [](int i) { return Fixed{i}; })[1].value, 5);
 
     EXPECT_THROW(
         parallelMap(list, [](int) -> std::string { throw std::runtime_error("no value"); }),
