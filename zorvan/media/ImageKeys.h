@@ -21,6 +21,8 @@ inline constexpr NameLiteral kCGImagePropertyTIFFDateTime = "DateTime";
 inline constexpr NameLiteral kCGImagePropertyExifDictionary = "{Exif}";
 inline constexpr NameLiteral kCGImagePropertyExifDateTimeOriginal = "DateTimeOriginal";
 inline constexpr NameLiteral kCGImagePropertyExifDateTimeDigitized = "DateTimeDigitized";
+/// A dictionary of where the picture was taken; `CGImage::location` reads it.
+inline constexpr NameLiteral kCGImagePropertyGPSDictionary = "{GPS}";
 /// A dictionary of IPTC records, and in it the caption, which is written as the description of a
 /// picture that has no other.
 inline constexpr NameLiteral kCGImagePropertyIPTCDictionary = "{IPTC}";

@@ -23,8 +23,8 @@ const std::string& applicationDomain() {
 } // namespace
 
 const std::shared_ptr<NSUserDefaults>& NSUserDefaults::standardUserDefaults() {
-    // Destroyed at the end, so that the database is closed and its log is gone.
-    static const std::shared_ptr<NSUserDefaults> standard = create();
+    // Never destroyed, since it may be used while the program ends.
+    static const auto& standard = *new std::shared_ptr<NSUserDefaults>(create());
     return standard;
 }
 
@@ -147,6 +147,15 @@ void NSUserDefaults::setURL(const std::optional<URL>& value, std::string_view fo
 }
 
 void NSUserDefaults::removeObjectForKey(std::string_view key) { database_->remove(key); }
+
+void NSUserDefaults::setUnreadableAside(std::string_view key) {
+    const std::optional<PropertyList> value = objectForKey(key);
+    const std::string first = std::string(key) + ".unreadable";
+    std::string aside = first;
+    for (int number = 2; hasObjectForKey(aside) && objectForKey(aside) != value; ++number)
+        aside = first + '-' + std::to_string(number);
+    setObject(value, aside);
+}
 
 // Notifications.
 

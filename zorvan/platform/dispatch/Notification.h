@@ -32,12 +32,14 @@ struct Notification {
     /// The value under the key when there is one of exactly that type, else null. It lives in the
     /// notification.
     template <class T>
-    const T* value(std::string_view key) const noexcept {
+    const T* value(std::string_view key) const& noexcept {
         if (!userInfo)
             return nullptr;
         const auto found = userInfo->find(key);
         return found == userInfo->end() ? nullptr : std::any_cast<T>(&found->second);
     }
+    template <class T>
+    const T* value(std::string_view key) const&& = delete; // it would end with the temporary
 };
 
 } // namespace zorvan

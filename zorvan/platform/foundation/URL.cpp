@@ -1,10 +1,11 @@
 #include <zorvan/platform/foundation/URL.h>
 
 #include <zorvan/platform/foundation/internal/UTF8.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/percentEscapes.h>
 
 #include <algorithm>
 #include <arpa/inet.h>
-#include <cctype>
 #include <charconv>
 #include <filesystem>
 #include <system_error>
@@ -47,14 +48,13 @@ std::string normalised(std::string path) {
 }
 
 bool isSchemeCharacter(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) || c == '+' || c == '-' || c == '.';
+    return internal::isLetter(c) || internal::isDigit(c) || c == '+' || c == '-' || c == '.';
 }
 
 /// The length of "scheme" in "scheme:rest", or 0.
 std::size_t schemeLength(std::string_view text) {
     const std::size_t colon = text.find(':');
-    if (colon == std::string_view::npos || colon == 0 ||
-        !std::isalpha(static_cast<unsigned char>(text[0])))
+    if (colon == std::string_view::npos || colon == 0 || !internal::isLetter(text[0]))
         return 0;
     return std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(colon),
                        isSchemeCharacter)
@@ -62,42 +62,15 @@ std::size_t schemeLength(std::string_view text) {
                : 0;
 }
 
-int hexDigit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    const char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
-std::optional<std::string> unescaped(std::string_view text) {
-    std::string bytes;
-    bytes.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char c = text[i];
-        if (c == '%') {
-            c = static_cast<char>(hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2]));
-            i += 2;
-        }
-        if (c == '\0')
-            return std::nullopt;
-        bytes += c;
-    }
-    return bytes;
-}
-
-bool isEscape(std::string_view text) {
-    return text.size() >= 3 && hexDigit(text[1]) >= 0 && hexDigit(text[2]) >= 0;
-}
-
 /// Whether each character may stand in a URL, which brackets only may in some of its parts.
 bool isURLText(std::string_view text, bool brackets) {
     constexpr std::string_view others = "-._~:/?@!$&'()*+,;=";
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
-        const auto byte = static_cast<unsigned char>(c);
-        const bool allowed =
-            byte >= 0x80 || std::isalnum(byte) || others.find(c) != std::string_view::npos ||
-            (brackets && (c == '[' || c == ']')) || (c == '%' && isEscape(text.substr(i)));
+        const bool allowed = static_cast<unsigned char>(c) >= 0x80 || internal::isLetter(c) ||
+                             internal::isDigit(c) || others.find(c) != std::string_view::npos ||
+                             (brackets && (c == '[' || c == ']')) ||
+                             (c == '%' && internal::percentUnescaped(text.substr(i, 3)));
         if (!allowed)
             return false;
     }
@@ -135,23 +108,10 @@ bool isAuthority(std::string_view text) {
 }
 
 std::string escaped(std::string_view path) {
-    constexpr char digits[] = "0123456789ABCDEF";
-    std::string text;
-    text.reserve(path.size());
-    for (const char c : path) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool plain =
-            byte < 0x80 &&
-            (std::isalnum(byte) || std::string_view("-._~/").find(c) != std::string_view::npos);
-        if (plain) {
-            text += c;
-        } else {
-            text += '%';
-            text += digits[byte >> 4];
-            text += digits[byte & 15];
-        }
-    }
-    return text;
+    return internal::percentEscaped(path, [](char c) {
+        return internal::isLetter(c) || internal::isDigit(c) ||
+               std::string_view("-._~/").find(c) != std::string_view::npos;
+    });
 }
 
 } // namespace
@@ -185,13 +145,13 @@ std::optional<URL> URL::make(Text argument) {
 
     std::string lower = url.prefix_;
     std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+                   [](char c) { return internal::lowered(c); });
     if (!lower.starts_with("file:"))
         return url;
     if (lower != "file:" && lower != "file://" && lower != "file://localhost")
         return std::nullopt;
-    const std::optional<std::string> path = unescaped(url.path_);
-    if (!path || !path->starts_with('/'))
+    const std::optional<std::string> path = internal::percentUnescaped(url.path_);
+    if (!path || !path->starts_with('/') || path->find('\0') != std::string::npos)
         return std::nullopt;
     return URL({.fileURLWithPath = *path});
 }

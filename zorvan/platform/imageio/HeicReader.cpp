@@ -25,6 +25,11 @@ using Handle = std::unique_ptr<heif_image_handle, Release<heif_image_handle_rele
 using Image = std::unique_ptr<heif_image, Release<heif_image_release>>;
 using Options = std::unique_ptr<heif_decoding_options, Release<heif_decoding_options_free>>;
 
+const char* whyUnsupported() {
+    return heif_have_decoder_for_format(heif_compression_HEVC) ? reason::unsupported
+                                                               : reason::noDecoder;
+}
+
 void check(const heif_error& error) {
     switch (error.code) {
     case heif_error_Ok:
@@ -34,7 +39,7 @@ void check(const heif_error& error) {
                                                                              : reason::noMemory};
     case heif_error_Unsupported_feature:
     case heif_error_Unsupported_filetype:
-        throw Failure{reason::unsupported};
+        throw Failure{whyUnsupported()};
     default:
         throw Failure{reason::damaged};
     }
@@ -46,6 +51,11 @@ public:
     explicit Context(ByteSource& source) : source_(source), context_(heif_context_alloc()) {
         if (!context_)
             throw Failure{reason::noMemory};
+        reader_.reader_api_version = 1;
+        reader_.get_position = position;
+        reader_.read = read;
+        reader_.seek = seek;
+        reader_.wait_for_file_size = wait;
         check(heif_context_read_from_reader(context_.get(), &reader_, this, nullptr));
     }
 
@@ -78,7 +88,7 @@ private:
 
     ByteSource& source_;
     std::uint64_t position_ = 0;
-    heif_reader reader_ = {1, position, read, seek, wait};
+    heif_reader reader_ = {};
     std::unique_ptr<heif_context, Release<heif_context_free>> context_;
 };
 
@@ -257,10 +267,11 @@ bool convertAsCoded(const heif_image_handle* handle, PixelSize coded, int chroma
     return true;
 }
 
-class HeicReader final : public FormatReader {
+/// HEIC and AVIF, which differ in the codec only.
+class HeifReader final : public FormatReader {
 public:
-    explicit HeicReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::heic, std::move(source)) {}
+    HeifReader(std::unique_ptr<ByteSource> source, FileFormat format)
+        : FormatReader(format, std::move(source)) {}
 
 private:
     const HeifFile& file() {
@@ -289,6 +300,14 @@ private:
 
     /// The file's own turns are binding and Exif's orientation then repeats them; without any of
     /// them Exif's orientation holds.
+    static std::optional<int> orientationOf(const HeifPicture& shown, Bytes exif) {
+        return shown.orientation ? shown.orientation : exifOrientation(exif);
+    }
+
+    std::optional<int> readOrientation(std::int64_t index) override {
+        return orientationOf(picture(index), exifOf(picture(index)));
+    }
+
     PropertyList::Dictionary readProperties(std::int64_t index) override {
         const HeifPicture& shown = picture(index);
         const Data exif = exifOf(shown);
@@ -298,8 +317,7 @@ private:
                            .depth = shown.depth,
                            .colorModel = shown.monochrome ? "Gray" : "RGB",
                            .hasAlpha = shown.hasAlpha,
-                           .orientation =
-                               shown.orientation ? shown.orientation : exifOrientation(exif),
+                           .orientation = orientationOf(shown, exif),
                            .dpi = exifResolution(extra)};
         if (outline.orientation && findSection(extra, "{TIFF}"))
             section(extra, "{TIFF}").insert_or_assign("Orientation", *outline.orientation);
@@ -354,8 +372,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<HeicReader>(std::move(source));
+std::unique_ptr<ImageReader> makeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format) {
+    return std::make_unique<HeifReader>(std::move(source), format);
 }
 
 } // namespace zorvan::imageio

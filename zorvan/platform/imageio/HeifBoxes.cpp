@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <initializer_list>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -281,6 +282,14 @@ bool apply(const Box& property, HeifTransforms& transforms) {
     return false;
 }
 
+/// The bits, from the top: tier, more than 8 bits, 12 bits, monochrome, half width, half height.
+void readAv1Description(int bits, HeifPicture& picture) {
+    picture.monochrome = (bits & 0x10) != 0;
+    const int colour = (bits & 0x08) == 0 ? 3 : (bits & 0x04) == 0 ? 2 : 1;
+    picture.chroma = picture.monochrome ? 0 : colour;
+    picture.depth = (bits & 0x40) == 0 ? 8 : (bits & 0x20) == 0 ? 10 : 12;
+}
+
 void readDescription(const Box& property, HeifPicture& picture) {
     if (property.type == "ispe") {
         FullBox box = fullBox(property.content);
@@ -294,6 +303,8 @@ void readDescription(const Box& property, HeifPicture& picture) {
         picture.chroma = std::to_integer<int>(property.content[16]) & 3;
         picture.monochrome = picture.chroma == 0;
         picture.depth = (std::to_integer<int>(property.content[17]) & 7) + 8;
+    } else if (property.type == "av1C" && property.content.size() >= 4) {
+        readAv1Description(std::to_integer<int>(property.content[2]), picture);
     }
 }
 
@@ -347,7 +358,7 @@ void readTileDescription(const Meta& meta, std::uint32_t tile, HeifPicture& pict
     if (!item || picture.chroma)
         return;
     for (const Box& property : meta.propertiesOf(*item))
-        if (property.type == "hvcC")
+        if (property.type == "hvcC" || property.type == "av1C")
             readDescription(property, picture);
 }
 
@@ -423,19 +434,27 @@ bool liesWithin(const HeifPicture::Extent& extent, std::uint64_t size) {
     return extent.offset <= size && extent.length <= size - extent.offset;
 }
 
-} // namespace
-
-bool isHeif(Bytes head) noexcept {
-    constexpr std::array<std::string_view, 7> brands = {"heic", "heix", "heim", "heis",
-                                                        "mif1", "avif", "hevc"};
+/// Whether the file's first box names one of these kinds as its own, or as one that it suits.
+bool namesBrand(Bytes head, std::initializer_list<std::string_view> brands) noexcept {
     if (head.size() < 12 || textOf(head.subspan(4, 4)) != "ftyp")
         return false;
     const std::size_t end = std::min<std::size_t>(head.size(), big32(head, 0));
+    constexpr std::size_t version = 12; // stands between the one and the others
     for (std::size_t at = 8; at + 4 <= end; at += 4)
-        if (at != 12 &&
+        if (at != version &&
             std::find(brands.begin(), brands.end(), textOf(head.subspan(at, 4))) != brands.end())
             return true;
     return false;
+}
+
+} // namespace
+
+bool isHeif(Bytes head) noexcept {
+    return namesBrand(head, {"heic", "heix", "heim", "heis", "mif1", "avif", "hevc"});
+}
+
+bool isAvif(Bytes head) noexcept {
+    return namesBrand(head, {"avif"}) && !namesBrand(head, {"heic", "heix", "heim", "heis"});
 }
 
 HeifFile readHeifBoxes(ByteSource& source) {

@@ -63,7 +63,8 @@ std::shared_ptr<NSBundle> NSBundle::create(const std::string& path) {
 }
 
 std::shared_ptr<NSBundle> NSBundle::mainBundle() {
-    static const std::shared_ptr<NSBundle> bundle(
+    // Never destroyed, since it may be asked for while the program ends.
+    static const auto& bundle = *new std::shared_ptr<NSBundle>(
         new NSBundle(bundlePathForExecutable(executablePath())));
     return bundle;
 }

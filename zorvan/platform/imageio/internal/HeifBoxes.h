@@ -12,6 +12,8 @@ namespace zorvan::imageio {
 
 /// Whether a file that begins so is of the HEIF family, with pictures in HEVC or AV1.
 bool isHeif(Bytes head) noexcept;
+/// Whether one of the family says that its pictures are in AV1.
+bool isAvif(Bytes head) noexcept;
 
 struct PixelRect {
     std::int64_t x = 0;
