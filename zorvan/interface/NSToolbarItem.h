@@ -2,11 +2,11 @@
 
 #include <zorvan/interface/Selector.h>
 #include <zorvan/platform/appkit/NSView.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace zorvan {
@@ -18,9 +18,8 @@ class NSToolbar;
 using NSToolbarItemIdentifier = std::string;
 
 /// Items that a toolbar makes itself.
-inline constexpr std::string_view NSToolbarFlexibleSpaceItemIdentifier =
-    "NSToolbarFlexibleSpaceItem";
-inline constexpr std::string_view NSToolbarSpaceItemIdentifier = "NSToolbarSpaceItem";
+inline constexpr NameLiteral NSToolbarFlexibleSpaceItemIdentifier = "NSToolbarFlexibleSpaceItem";
+inline constexpr NameLiteral NSToolbarSpaceItemIdentifier = "NSToolbarSpaceItem";
 
 /// One item of a toolbar: a view, or an image that sends an action when it is pressed.
 class NSToolbarItem : public ActionSender, public std::enable_shared_from_this<NSToolbarItem> {
