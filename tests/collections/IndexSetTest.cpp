@@ -52,6 +52,9 @@ TEST(IndexSet, holdsTheLargestPosition) {
 
 TEST(IndexSetDeathTest, refusesWhatIsNoPosition) {
     const std::int64_t tooLarge = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(toIndexSet(7), IndexSet({7}));
+    EXPECT_DEATH((void)toIndexSet(-1),
+                 "^An index set holds no negative positions, such as -1.\n$");
     EXPECT_DEATH(IndexSet({-1}), "^An index set holds no negative positions, such as -1.\n$");
     EXPECT_DEATH(IndexSet({tooLarge}),
                  "^An index set holds no position above 9223372036854775806, such as "
@@ -147,6 +150,9 @@ TEST(IndexSet, agreesWithAPlainSetUnderRandomOperations) {
             (formed.*form)(other);
             expectSame(formed, *members);
         }
+        // The members make room, so that what came can go again.
+        ASSERT_FALSE(set.afterInserting(other).intersects(other));
+        ASSERT_EQ(set.afterInserting(other).afterRemoving(other), set);
         ASSERT_EQ(set.intersects(other), !both.empty());
         ASSERT_EQ(set.contains(other), both.size() == otherModel.size());
     }

@@ -119,6 +119,8 @@ public:
     /// Where the members stand after a list has lost the elements at `removed`; a member that is
     /// one of them is dropped.
     [[nodiscard]] IndexSet afterRemoving(const IndexSet& removed) const;
+    /// Where the members stand after a list has taken in elements, which stand at `inserted` then.
+    [[nodiscard]] IndexSet afterInserting(const IndexSet& inserted) const;
     /// Where the members stand after a list has moved the elements at `from` before the one at `to`
     /// (positions before the move).
     [[nodiscard]] IndexSet afterMoving(const IndexSet& from, std::int64_t to) const;
@@ -141,7 +143,7 @@ public:
     /// The ranges in order: "{0...2, 5}".
     std::string description() const;
 
-    /// An index path of the section for each member.
+    /// An index path of the section for each member, as a collection view takes them.
     std::set<IndexPath> mapToIndexPaths(std::int64_t section = 0) const;
 
     friend bool operator==(const IndexSet& a, const IndexSet& b) noexcept {
@@ -204,6 +206,9 @@ inline IndexSet::Iterator IndexSet::end() const noexcept {
     const Range* end = ranges_.data() + ranges_.size();
     return Iterator(end, end);
 }
+
+/// The set that holds only `position`; a negative one stops the program.
+[[nodiscard]] inline IndexSet toIndexSet(std::int64_t position) { return {position}; }
 
 } // namespace zorvan
 

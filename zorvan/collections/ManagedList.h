@@ -4,7 +4,6 @@
 #include <zorvan/collections/FullList.h>
 #include <zorvan/collections/IndexSet.h>
 #include <zorvan/collections/ManagedListEdition.h>
-#include <zorvan/collections/ManagedListViewReloader.h>
 #include <zorvan/collections/Permutation.h>
 #include <zorvan/collections/Reordering.h>
 #include <zorvan/collections/SelectionQueries.h>
@@ -24,6 +23,8 @@
 #include <vector>
 
 namespace zorvan {
+
+struct ManagedListViewReloader;
 
 /// The list model behind a table view: items in order, a selection, and an optional filter.
 ///
@@ -58,6 +59,7 @@ public:
         using ManagedListEdition::ManagedListEdition;
     };
     using Action = ManagedListEdition::Action;
+    /// Shows editions in a table; in `<zorvan/interface/ManagedListViewReloader.h>`.
     using ViewReloader = ManagedListViewReloader;
 
     static constexpr std::string_view willReloadNotification = "ManagedListWillReloadNotification";

@@ -1,11 +1,13 @@
 #include <zorvan/files/NSFileWrapper.h>
 
 #include <zorvan/files/internal/CopyItem.h>
-#include <zorvan/files/internal/PlaceItem.h>
+#include <zorvan/files/internal/LockItem.h>
 #include <zorvan/files/internal/filePath.h>
 #include <zorvan/files/internal/numberedName.h>
 #include <zorvan/platform/foundation/fatalError.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/Scratch.h>
+#include <zorvan/platform/foundation/internal/placeItem.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -160,10 +162,11 @@ void NSFileWrapper::removeFileWrapper(const std::shared_ptr<NSFileWrapper>& chil
 
 void NSFileWrapper::write(const URL& url) const {
     const std::string& path = filePath(url);
-    const Scratch copy = Scratch::beside(path);
+    const internal::Scratch copy = internal::Scratch::beside(path);
     writeTo(copy.path());
     synchroniseVolumeOf(copy.path());
-    const int error = isTaken(path) ? replaceItem(path, copy.path()) : placeItem(copy.path(), path);
+    const LockForReplacing lock(path);
+    const int error = internal::replaceItem(path, copy.path());
     if (error != 0)
         throwFileError("cannot write", path, error);
 }

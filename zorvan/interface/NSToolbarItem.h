@@ -42,7 +42,8 @@ public:
     const std::string& title() const noexcept { return title_; }
     void setTitle(std::string title);
     const std::string& toolTip() const noexcept { return toolTip_; }
-    void setToolTip(std::string toolTip) { toolTip_ = std::move(toolTip); }
+    /// A view of the item that has none gets it too.
+    void setToolTip(std::string toolTip);
     /// Whether the item stands at the leading edge, before every other.
     bool isNavigational() const noexcept { return isNavigational_; }
     void setNavigational(bool navigational);
@@ -64,6 +65,9 @@ public:
     /// it.
     bool sendAction();
 
+    /// Whether the item does something for the key, and has done it then.
+    virtual bool performKeyEquivalent(const NSEvent& with);
+
     /// What a toolbar shows of the item: its view, or one that the item makes and keeps. Null for a
     /// space.
     std::shared_ptr<NSView> shownView();
@@ -81,6 +85,7 @@ protected:
 
 private:
     friend class NSToolbar;
+    void passToolTipOn();
 
     NSToolbarItemIdentifier identifier_;
     std::string label_;

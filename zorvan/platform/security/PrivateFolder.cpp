@@ -1,5 +1,6 @@
 #include <zorvan/platform/security/internal/PrivateFolder.h>
 
+#include <zorvan/platform/foundation/NSHomeDirectory.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/security/internal/Failure.h>
 
@@ -7,10 +8,8 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <optional>
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace zorvan::security {
 
@@ -35,15 +34,10 @@ constexpr mode_t othersBits = 0077;
 }
 
 std::string homeFolder() {
-    if (const char* home = ::secure_getenv("HOME"); home && home[0] == '/')
-        return home;
-    passwd entry{};
-    passwd* found = nullptr;
-    std::vector<char> space(16384);
-    if (::getpwuid_r(::geteuid(), &entry, space.data(), space.size(), &found) != 0 || !found ||
-        found->pw_dir[0] != '/')
+    std::string home = NSHomeDirectory();
+    if (home.empty())
         throw Failure{errSecNotAvailable};
-    return found->pw_dir;
+    return home;
 }
 
 /// Absent when there is nothing of that name.
