@@ -45,9 +45,9 @@ private:
         std::weak_ptr<SelectableArrayRows*> rows;
 
         void operator()(const typename Array::Action& action) const {
-            before([action, rows = rows] {
+            before([action, owner = rows] {
                 Edition edition = action();
-                if (const auto there = rows.lock())
+                if (const auto there = owner.lock())
                     (*there)->didChange(edition);
                 return edition;
             });
