@@ -14,8 +14,8 @@
 
 namespace zorvan {
 
-/// A property-list value: a number or truth value, a text, a date, bytes, an array or a dictionary of
-/// such values with text keys. What settings, bundles, image properties and messages between
+/// A property-list value: a number or truth value, a text, a date, bytes, an array or a dictionary
+/// of such values with text keys. What settings, bundles, image properties and messages between
 /// processes are made of.
 class PropertyList {
 public:
@@ -24,8 +24,8 @@ public:
 
     PropertyList(NSNumber value) : value_(value) {}
     template <class Number>
-        requires std::integral<Number> || std::floating_point<Number>
-    PropertyList(Number value) : value_(boxed(value)) {}
+    requires std::integral<Number> || std::floating_point<Number> PropertyList(Number value)
+        : value_(boxed(value)) {}
     PropertyList(std::string value) : value_(std::move(value)) {}
     PropertyList(std::string_view value) : value_(std::string(value)) {}
     PropertyList(const char* value) : value_(std::string(value)) {}
@@ -54,7 +54,8 @@ private:
     static NSNumber boxed(Number value) {
         if constexpr (std::same_as<Number, bool>)
             return NSNumber(value);
-        else if constexpr (std::unsigned_integral<Number> && sizeof(Number) == sizeof(std::uint64_t))
+        else if constexpr (std::unsigned_integral<Number> &&
+                           sizeof(Number) == sizeof(std::uint64_t))
             return NSNumber(static_cast<std::uint64_t>(value));
         else if constexpr (std::integral<Number>)
             return NSNumber(static_cast<std::int64_t>(value));

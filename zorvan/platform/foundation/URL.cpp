@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace zorvan {
 
@@ -105,7 +106,11 @@ std::string URL::absoluteString() const {
     return isFile_ ? "file://" + escaped(path_) : prefix_ + path_ + suffix_;
 }
 
-std::string_view URL::lastPathComponent() const noexcept {
+std::string URL::lastPathComponent() && {
+    return std::string(std::as_const(*this).lastPathComponent());
+}
+
+std::string_view URL::lastPathComponent() const& noexcept {
     std::string_view path = path_;
     while (path.size() > 1 && path.back() == '/')
         path.remove_suffix(1);
@@ -115,7 +120,9 @@ std::string_view URL::lastPathComponent() const noexcept {
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
-std::string_view URL::pathExtension() const noexcept {
+std::string URL::pathExtension() && { return std::string(std::as_const(*this).pathExtension()); }
+
+std::string_view URL::pathExtension() const& noexcept {
     const std::string_view name = lastPathComponent();
     const std::size_t dot = name.rfind('.');
     if (dot == std::string_view::npos || dot == 0 || name.find_first_not_of('.') > dot)

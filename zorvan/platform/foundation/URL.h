@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace zorvan {
@@ -39,17 +40,21 @@ public:
 
     /// The path: of a file URL as the file system has it, of any other the text between the
     /// authority and "?" or "#", still escaped.
-    const std::string& path() const noexcept { return path_; }
+    const std::string& path() const& noexcept { return path_; }
+    std::string path() && noexcept { return std::move(path_); }
 
     /// The whole URL; a file URL has every byte outside the unreserved characters and "/" escaped.
     std::string absoluteString() const;
 
-    /// The last component, "/" for the root, empty when there is no path.
-    std::string_view lastPathComponent() const noexcept;
+    /// The last component, "/" for the root, empty when there is no path. A view of this URL; of a
+    /// temporary one, a text of its own.
+    std::string_view lastPathComponent() const& noexcept;
+    std::string lastPathComponent() &&;
 
     /// What follows the last dot of the last component; empty when the dot begins the name
-    /// (".git"), ends it, or is missing.
-    std::string_view pathExtension() const noexcept;
+    /// (".git"), ends it, or is missing. A view of this URL; of a temporary one, a text of its own.
+    std::string_view pathExtension() const& noexcept;
+    std::string pathExtension() &&;
 
     /// "/", then each component: "/a/b" gives "/", "a", "b".
     std::vector<std::string> pathComponents() const;
