@@ -95,6 +95,11 @@ TEST(FinderOrder, sortsAsPeopleRead) {
     finderSort(names);
     EXPECT_EQ(names, (std::vector<std::string>{"\u00C9tude", "etude", "File1", "file2", "file10"}));
     const std::vector<int> numbers{10, 9, 100};
+    // A range may end with another type than it begins with.
+    const auto upToTen = std::views::iota(8) |
+                         std::views::take_while([](int i) { return i < 11; }) |
+                         std::views::transform([](int i) { return std::to_string(i); });
+    EXPECT_EQ(finderSorted(upToTen), (std::vector<std::string>{"8", "9", "10"}));
     const auto name = [](int i) { return "file" + std::to_string(i); };
     EXPECT_EQ(finderSorted(numbers, name), (std::vector<int>{9, 10, 100}));
     EXPECT_EQ(finderSorted(std::map<int, int>{{1, 10}, {2, 9}}, name), (std::vector<int>{9, 10}));

@@ -13,26 +13,36 @@ using Range = IndexSet::Range;
 
 constexpr std::int64_t endOfPositions = IndexSet::maximumIndex + 1;
 
+/// Stops the program unless the position can be a member, or the end of a range of members.
+void checkPosition(std::int64_t position, std::int64_t largest) {
+    if (position < 0)
+        fatalError("An index set holds no negative positions, such as " + std::to_string(position) +
+                   ".");
+    if (position > largest)
+        fatalError("An index set holds no position above " + std::to_string(largest) +
+                   ", such as " + std::to_string(position) + ".");
+}
+
 Range checked(Range range) {
-    if (range.lower < 0)
-        fatalError("An index set holds no negative positions.");
+    checkPosition(range.lower, endOfPositions);
     if (range.upper < range.lower)
-        fatalError("A range of an index set ends before it begins.");
+        fatalError("A range of an index set ends at " + std::to_string(range.upper) +
+                   ", before it begins at " + std::to_string(range.lower) + ".");
     return range;
 }
 
 Range single(std::int64_t index) {
-    if (index > IndexSet::maximumIndex)
-        fatalError("A position of an index set is too large.");
-    return checked({index, index < 0 ? index : index + 1});
+    checkPosition(index, IndexSet::maximumIndex);
+    return {index, index + 1};
 }
 
 Range located(std::int64_t location, std::int64_t length) {
-    if (length < 0)
-        fatalError("A range of an index set ends before it begins.");
-    if (location > endOfPositions - length)
-        fatalError("A position of an index set is too large.");
-    return checked({location, location < 0 ? location : location + length});
+    checkPosition(location, endOfPositions);
+    if (length < 0 || location > endOfPositions - length)
+        fatalError("A range of an index set has 0 to " + std::to_string(endOfPositions - location) +
+                   " members from " + std::to_string(location) + " on, not " +
+                   std::to_string(length) + ".");
+    return {location, location + length};
 }
 
 /// Room for the result of a merge; its memory is not cleared first.
@@ -92,10 +102,6 @@ std::size_t intersect(std::span<const Range> a, std::size_t bCount, RangeAt bAt,
 }
 
 } // namespace
-
-IndexSet::IndexSet(std::initializer_list<std::int64_t> members) {
-    *this = of(std::span(members.begin(), members.size()));
-}
 
 IndexSet::IndexSet(Range range) {
     if (checked(range).count() > 0) {
@@ -315,20 +321,15 @@ IndexSet IndexSet::symmetricDifference(const IndexSet& other) const {
 }
 
 void IndexSet::shift(std::int64_t index, std::int64_t delta) {
-    if (index < 0)
-        fatalError("An index set holds no negative positions.");
+    checkPosition(index, endOfPositions);
+    if (delta < 0) {
+        const std::int64_t back = delta < -endOfPositions ? endOfPositions : -delta;
+        remove(Range{index - std::min(index, back), std::max(index, back)});
+    }
     if (delta == 0 || isEmpty() || ranges_.back().upper <= index)
         return;
-    if (delta > 0 && ranges_.back().upper > endOfPositions - delta)
-        fatalError("A position of an index set is too large.");
-    if (delta < 0) {
-        const std::int64_t removed = delta < -index ? index : -delta;
-        remove(Range{index - removed, index});
-        // Those that would fall below 0 go too.
-        if (delta < -index)
-            remove(Range{index, delta == std::numeric_limits<std::int64_t>::min() ? endOfPositions
-                                                                                  : -delta});
-    }
+    if (delta > 0)
+        checkPosition(*last(), IndexSet::maximumIndex - delta);
 
     IndexSet moved;
     moved.ranges_.reserve(ranges_.size() + 1);
@@ -353,6 +354,27 @@ IndexSet IndexSet::afterRemoving(const IndexSet& removed) const {
     return moved;
 }
 
+IndexSet IndexSet::afterInserting(const IndexSet& inserted) const {
+    if (!isEmpty() && ranges_.back().upper > endOfPositions - inserted.count_)
+        fatalError("A position of an index set is too large.");
+    IndexSet moved;
+    std::int64_t come = 0;
+    auto next = inserted.ranges_.begin();
+    for (Range rest : ranges_) {
+        while (rest.count() > 0) {
+            for (; next != inserted.ranges_.end() && next->lower <= rest.lower + come; ++next)
+                come += next->count();
+            // Up to where the next ones push it apart.
+            const std::int64_t upper = next == inserted.ranges_.end()
+                                           ? rest.upper
+                                           : std::min(rest.upper, next->lower - come);
+            moved.insert(Range{rest.lower + come, upper + come});
+            rest.lower = upper;
+        }
+    }
+    return moved;
+}
+
 IndexSet IndexSet::afterMoving(const IndexSet& from, std::int64_t to) const {
     if (from.isEmpty())
         return *this;
@@ -371,6 +393,14 @@ IndexSet IndexSet::afterReversing(std::int64_t count) const {
     for (auto range = ranges_.rbegin(); range != ranges_.rend(); ++range)
         reversed.insert(Range{count - range->upper, count - range->lower});
     return reversed;
+}
+
+IndexSet IndexSet::afterPermuting(std::span<const std::int64_t> oldPositions) const {
+    IndexSet permuted;
+    for (std::size_t i = 0; i < oldPositions.size(); ++i)
+        if (contains(oldPositions[i]))
+            permuted.insert(static_cast<std::int64_t>(i));
+    return permuted;
 }
 
 std::optional<std::int64_t> IndexSet::singleIndex() const noexcept {
@@ -414,11 +444,10 @@ std::string IndexSet::description() const {
     return text + "}";
 }
 
-std::unordered_set<IndexPath> IndexSet::mapToIndexPaths(std::int64_t section) const {
-    std::unordered_set<IndexPath> paths;
-    paths.reserve(static_cast<std::size_t>(count_));
+std::set<IndexPath> IndexSet::mapToIndexPaths(std::int64_t section) const {
+    std::set<IndexPath> paths;
     for (const std::int64_t index : *this)
-        paths.insert({index, section});
+        paths.insert(paths.end(), {index, section});
     return paths;
 }
 

@@ -10,9 +10,9 @@
 #include <iterator>
 #include <limits>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace zorvan {
@@ -55,7 +55,12 @@ public:
 
     IndexSet() = default;
     /// The given members, in any order.
-    IndexSet(std::initializer_list<std::int64_t> members);
+    ///
+    /// A template, so that the constructors from labels go before it: to g++ a literal 0 as the
+    /// first value might be the address that a list of its own is made from.
+    template <class = void>
+    IndexSet(std::initializer_list<std::int64_t> members)
+        : IndexSet(of(std::span(members.begin(), members.size()))) {}
     explicit IndexSet(Range range);
     /// The positions `loc` up to, not including, `loc + len`. A negative length stops the program.
     IndexSet(LocLen argument);
@@ -114,12 +119,17 @@ public:
     /// Where the members stand after a list has lost the elements at `removed`; a member that is
     /// one of them is dropped.
     [[nodiscard]] IndexSet afterRemoving(const IndexSet& removed) const;
+    /// Where the members stand after a list has taken in elements, which stand at `inserted` then.
+    [[nodiscard]] IndexSet afterInserting(const IndexSet& inserted) const;
     /// Where the members stand after a list has moved the elements at `from` before the one at `to`
     /// (positions before the move).
     [[nodiscard]] IndexSet afterMoving(const IndexSet& from, std::int64_t to) const;
     /// Where the members stand after a list of `count` elements has been reversed; all must be
     /// below `count`.
     [[nodiscard]] IndexSet afterReversing(std::int64_t count) const;
+    /// Where the members stand after each new position of a list has got the element that stood at
+    /// the old position given for it.
+    [[nodiscard]] IndexSet afterPermuting(std::span<const std::int64_t> oldPositions) const;
 
     /// The only member when there is exactly one.
     std::optional<std::int64_t> singleIndex() const noexcept;
@@ -133,8 +143,8 @@ public:
     /// The ranges in order: "{0...2, 5}".
     std::string description() const;
 
-    /// An index path of the section for each member.
-    std::unordered_set<IndexPath> mapToIndexPaths(std::int64_t section = 0) const;
+    /// An index path of the section for each member, as a collection view takes them.
+    std::set<IndexPath> mapToIndexPaths(std::int64_t section = 0) const;
 
     friend bool operator==(const IndexSet& a, const IndexSet& b) noexcept {
         return a.count_ == b.count_ && a.ranges_ == b.ranges_;
@@ -196,6 +206,9 @@ inline IndexSet::Iterator IndexSet::end() const noexcept {
     const Range* end = ranges_.data() + ranges_.size();
     return Iterator(end, end);
 }
+
+/// The set that holds only `position`; a negative one stops the program.
+[[nodiscard]] inline IndexSet toIndexSet(std::int64_t position) { return {position}; }
 
 } // namespace zorvan
 

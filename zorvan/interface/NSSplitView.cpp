@@ -10,6 +10,7 @@ namespace zorvan {
 void NSSplitView::setVertical(bool vertical) {
     isVertical_ = vertical;
     setNeedsLayout(true);
+    setNeedsDisplay(true);
 }
 
 std::int64_t NSSplitView::numberOfDividers() const noexcept {
@@ -45,6 +46,7 @@ void NSSplitView::setPosition(double position, std::int64_t ofDividerAt) {
     const double most = this->position(ofDividerAt + 1).value_or(length()) - dividerThickness();
     positions_[static_cast<std::size_t>(ofDividerAt)] = std::max(least, std::min(position, most));
     setNeedsLayout(true);
+    setNeedsDisplay(true);
 }
 
 void NSSplitView::layout() {

@@ -48,6 +48,11 @@ bool NSToolbarItem::sendAction() {
     return action_ && NSApplication::shared().sendAction(*action_, target_, shared_from_this());
 }
 
+bool NSToolbarItem::performKeyEquivalent(const NSEvent& with) {
+    // A view in the window has been asked already.
+    return view_ && !view_->window() && view_->performKeyEquivalent(with);
+}
+
 std::shared_ptr<NSView> NSToolbarItem::shownView() {
     if (view_)
         return view_;

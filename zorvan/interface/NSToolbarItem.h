@@ -64,6 +64,9 @@ public:
     /// it.
     bool sendAction();
 
+    /// Whether the item does something for the key, and has done it then.
+    virtual bool performKeyEquivalent(const NSEvent& with);
+
     /// What a toolbar shows of the item: its view, or one that the item makes and keeps. Null for a
     /// space.
     std::shared_ptr<NSView> shownView();

@@ -54,6 +54,7 @@ void NSWindow::setUp() {
 void NSWindow::setTitle(std::string title) {
     title_ = std::move(title);
     frameView_->setTitle(title_);
+    tellObserver(&NSWindowObserver::propertiesDidChange);
 }
 
 // What stands where
@@ -79,13 +80,20 @@ void NSWindow::placeViews() {
 }
 
 void NSWindow::setContentSize(CGSize size) {
-    const CGSize wanted = atLeastOne(size);
+    const CGSize wanted(std::max(atLeastOne(size).width, contentMinSize_.width),
+                        std::max(atLeastOne(size).height, contentMinSize_.height));
     if (wanted == contentSize_)
         return;
     const auto keptAlive = shared_from_this();
     contentSize_ = wanted;
     placeViews();
     post(didResizeNotification);
+}
+
+void NSWindow::setContentMinSize(CGSize size) {
+    contentMinSize_ = atLeastOne(size);
+    setContentSize(contentSize_);
+    tellObserver(&NSWindowObserver::propertiesDidChange);
 }
 
 void NSWindow::setContentView(std::shared_ptr<NSView> view) {
@@ -99,6 +107,7 @@ void NSWindow::setContentView(std::shared_ptr<NSView> view) {
     contentView_ = view;
     frameView_->addSubview(view);
     placeViews();
+    tellObserver(&NSWindowObserver::contentViewDidChange);
 }
 
 void NSWindow::setToolbar(std::shared_ptr<NSToolbar> toolbar) {
@@ -140,7 +149,7 @@ void NSWindow::setTouchBar(std::shared_ptr<NSTouchBar> touchBar) {
         touchBar_->window_ = keptAlive;
     }
     placeViews();
-    setToolbarNeedsLayout();
+    setTouchBarNeedsLayout();
 }
 
 // The main window
@@ -194,30 +203,176 @@ void NSWindow::close() {
 
 // Events
 
-void NSWindow::sendEvent(const NSEvent& event) {
+bool NSWindow::sendEvent(const NSEvent& event, const std::shared_ptr<NSView>& over) {
     if (isClosed_)
-        return;
+        return false;
     const auto keptAlive = shared_from_this();
     layoutIfNeeded();
     using Type = NSEvent::EventType;
+    if (event.type == Type::keyDown || event.type == Type::keyUp)
+        return sendKey(event);
     const bool hasLeft = event.type == Type::mouseExited;
     trackMouse(hasLeft ? std::nullopt : std::optional(event.locationInWindow), event);
-    if (event.type == Type::leftMouseDown) {
-        auto hit = frameView_->hitTest(event.locationInWindow);
-        const auto control = std::dynamic_pointer_cast<NSControl>(hit);
-        if (control && !control->isEnabled())
-            hit.reset();
-        pressedView_ = hit;
-        if (hit)
-            hit->mouseDown(event);
-    } else if (event.type == Type::leftMouseDragged) {
-        if (const auto pressed = pressedView_)
-            pressed->mouseDragged(event);
-    } else if (event.type == Type::leftMouseUp) {
-        if (const auto pressed = std::exchange(pressedView_, nullptr))
-            pressed->mouseUp(event);
+    return sendButton(event, over ? over : hitView(event.locationInWindow));
+}
+
+std::shared_ptr<NSView> NSWindow::hitView(CGPoint location) const {
+    return frameView_->hitTest(location);
+}
+
+namespace {
+
+using Handler = void (NSView::*)(const NSEvent&);
+
+struct ButtonHandler {
+    enum class Act { press, goOn, release };
+    Act act;
+    Handler handler;
+};
+
+std::optional<ButtonHandler> buttonHandler(NSEvent::EventType type) {
+    using Type = NSEvent::EventType;
+    using Act = ButtonHandler::Act;
+    switch (type) {
+    case Type::leftMouseDown:
+        return {{Act::press, &NSView::mouseDown}};
+    case Type::leftMouseDragged:
+        return {{Act::goOn, &NSView::mouseDragged}};
+    case Type::leftMouseUp:
+        return {{Act::release, &NSView::mouseUp}};
+    case Type::rightMouseDown:
+        return {{Act::press, &NSView::rightMouseDown}};
+    case Type::rightMouseDragged:
+        return {{Act::goOn, &NSView::rightMouseDragged}};
+    case Type::rightMouseUp:
+        return {{Act::release, &NSView::rightMouseUp}};
+    case Type::otherMouseDown:
+        return {{Act::press, &NSView::otherMouseDown}};
+    case Type::otherMouseDragged:
+        return {{Act::goOn, &NSView::otherMouseDragged}};
+    case Type::otherMouseUp:
+        return {{Act::release, &NSView::otherMouseUp}};
+    default:
+        return std::nullopt;
     }
 }
+
+bool isDisabled(const std::shared_ptr<NSView>& view) {
+    const auto control = std::dynamic_pointer_cast<NSControl>(view);
+    return control && !control->isEnabled();
+}
+
+} // namespace
+
+bool NSWindow::sendButton(const NSEvent& event, const std::shared_ptr<NSView>& over) {
+    using Act = ButtonHandler::Act;
+    if (event.type == NSEvent::EventType::scrollWheel)
+        return deliver(&NSView::scrollWheel, over, event);
+    const auto button = buttonHandler(event.type);
+    if (!button)
+        return false;
+    if (button->act == Act::press) {
+        pressedView_ = isDisabled(over) ? nullptr : over;
+        giveKeyboard(pressedView_);
+    }
+    const auto to = pressedView_;
+    if (button->act == Act::release)
+        pressedView_.reset();
+    return deliver(button->handler, to, event);
+}
+
+/// False when the event came out at the window's own end.
+bool NSWindow::deliver(Handler handler, const std::shared_ptr<NSView>& to, const NSEvent& event) {
+    if (!to)
+        return false;
+    const auto outermost = frameView_;
+    outermost->expectEvent();
+    ((*to).*handler)(event);
+    return !outermost->gotEvent();
+}
+
+// The keyboard
+
+bool NSWindow::sendKey(const NSEvent& event) {
+    const auto responder = firstResponder();
+    const bool isPress = event.type == NSEvent::EventType::keyDown;
+    if (deliver(isPress ? &NSView::keyDown : &NSView::keyUp, responder ? responder : contentView_,
+                event))
+        return true;
+    return isPress && performKeyEquivalent(event);
+}
+
+bool NSWindow::performKeyEquivalent(const NSEvent& event) {
+    const auto keptAlive = shared_from_this();
+    const auto toolbar = toolbar_;
+    return !isClosed_ && (frameView_->performKeyEquivalent(event) ||
+                          (toolbar && toolbar->performKeyEquivalent(event)));
+}
+
+std::shared_ptr<NSView> NSWindow::firstResponder() const noexcept {
+    auto responder = firstResponder_.lock();
+    return responder && responder->window().get() == this ? responder : nullptr;
+}
+
+bool NSWindow::makeFirstResponder(const std::shared_ptr<NSView>& view) {
+    const auto keptAlive = shared_from_this();
+    const auto before = firstResponder();
+    if (view == before)
+        return true;
+    if (before && !before->resignFirstResponder())
+        return false;
+    const bool takesIt = view && view->window() == keptAlive && view->acceptsFirstResponder() &&
+                         view->becomeFirstResponder();
+    firstResponder_ = takesIt ? view : nullptr;
+    tellObserver(&NSWindowObserver::firstResponderDidChange);
+    return takesIt || !view;
+}
+
+void NSWindow::giveKeyboard(std::shared_ptr<NSView> hit) {
+    while (hit && !hit->acceptsFirstResponder())
+        hit = hit->superview();
+    if (hit)
+        makeFirstResponder(hit);
+}
+
+namespace {
+
+void collectKeyViews(const std::shared_ptr<NSView>& view,
+                     std::vector<std::shared_ptr<NSView>>& found) {
+    if (view->isHidden())
+        return;
+    if (view->acceptsFirstResponder())
+        found.push_back(view);
+    for (const auto& inner : view->subviews())
+        collectKeyViews(inner, found);
+}
+
+} // namespace
+
+void NSWindow::selectKeyView(bool forward) {
+    const auto keptAlive = shared_from_this();
+    std::vector<std::shared_ptr<NSView>> views;
+    collectKeyViews(frameView_, views);
+    if (views.empty())
+        return;
+    const auto current = firstResponder();
+    const auto isWanted = [&](const std::shared_ptr<NSView>& view) {
+        return forward ? current && current->nextKeyView() == view
+                       : current && view->nextKeyView() == current;
+    };
+    if (const auto named = std::find_if(views.begin(), views.end(), isWanted);
+        named != views.end()) {
+        makeFirstResponder(*named);
+        return;
+    }
+    if (!forward)
+        std::reverse(views.begin(), views.end());
+    const auto place = std::find(views.begin(), views.end(), current);
+    const bool goesRound = place == views.end() || place + 1 == views.end();
+    makeFirstResponder(goesRound ? views.front() : *(place + 1));
+}
+
+// Tracking areas
 
 namespace {
 
@@ -318,13 +473,38 @@ void NSWindow::tellEntered(const std::shared_ptr<NSTrackingArea>& area, NSEvent 
 void NSWindow::contentDidChange() {
     if (std::exchange(viewsNeedDisplay_, true))
         return;
-    if (const std::function<void()> handler = displayHandler_)
-        handler();
+    tellObserver(&NSWindowObserver::viewsNeedDisplay);
+}
+
+void NSWindow::tellObserver(void (NSWindowObserver::*change)()) const {
+    // Whoever is told may add another.
+    const auto observers = observers_;
+    for (const auto& weak : observers)
+        if (const auto observer = weak.lock())
+            ((*observer).*change)();
+}
+
+void NSWindow::addObserver(const std::shared_ptr<NSWindowObserver>& observer) {
+    std::erase_if(observers_, [](const auto& other) { return other.expired(); });
+    observers_.push_back(observer);
+}
+
+void NSWindow::displayIfNeeded() {
+    const auto keptAlive = shared_from_this();
+    viewsNeedDisplay_ = false;
+    layoutIfNeeded();
 }
 
 void NSWindow::setToolbarNeedsLayout() {
     barsNeedLayout_ = true;
     contentDidChange();
+    tellObserver(&NSWindowObserver::toolbarDidChange);
+}
+
+void NSWindow::setTouchBarNeedsLayout() {
+    barsNeedLayout_ = true;
+    contentDidChange();
+    tellObserver(&NSWindowObserver::touchBarDidChange);
 }
 
 void NSWindow::layoutIfNeeded() {

@@ -62,7 +62,7 @@ public:
     /// `setRate(1)`; at the end of the item it stays there.
     void play() { setRate(1); }
     void pause() { setRate(0); }
-    /// Whether the rate is not 0; a NaN rate is not.
+    /// Whether the rate is not 0; NaN counts as not 0.
     bool isPlaying() const { return rate() != 0; }
     /// Pauses when the rate is not 0, else plays.
     void playPause() { isPlaying() ? pause() : play(); }

@@ -23,7 +23,8 @@ class CGImage;
 /// of a picture go before those of the file, and those before the ones given at creation.
 class CGImageDestination {
 public:
-    /// Whether pictures of that type can be written.
+    /// Whether pictures of that type can be written. HEIC wants an encoder that is installed apart
+    /// from the library on some systems.
     [[nodiscard]] static bool supports(std::string_view type);
 
     /// A destination for `count` pictures. Empty when the type cannot be written, when `count` is

@@ -72,10 +72,9 @@ public:
     /// - Colours: the mean of the pixels that are nearly grey is moved towards grey, by at most a
     ///   third. Pixels of the hues of skin, whatever its shade, do not count, so a face that fills
     ///   the picture is no reason to cool it.
-    /// - Tones: the brightness that all but half a percent reach and that half a percent exceed go
-    /// to
-    ///   black and white, by a factor of at most 8; then dark middles are raised. A picture of
-    ///   nearly one brightness is left as it is.
+    /// - Tones: the brightness that all but half a percent reach goes to black, and the one that
+    ///   half a percent exceed to white, by a factor of at most 8; then dark middles are raised. A
+    ///   picture of nearly one brightness is left as it is.
     [[nodiscard]] std::vector<std::shared_ptr<CIFilter>>
     autoAdjustmentFilters(const PropertyList::Dictionary& options = {}) const;
 

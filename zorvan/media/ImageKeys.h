@@ -21,6 +21,8 @@ inline constexpr std::string_view kCGImagePropertyTIFFDateTime = "DateTime";
 inline constexpr std::string_view kCGImagePropertyExifDictionary = "{Exif}";
 inline constexpr std::string_view kCGImagePropertyExifDateTimeOriginal = "DateTimeOriginal";
 inline constexpr std::string_view kCGImagePropertyExifDateTimeDigitized = "DateTimeDigitized";
+/// A dictionary of where the picture was taken; `CGImage::location` reads it.
+inline constexpr std::string_view kCGImagePropertyGPSDictionary = "{GPS}";
 /// A dictionary of IPTC records, and in it the caption, which is written as the description of a
 /// picture that has no other.
 inline constexpr std::string_view kCGImagePropertyIPTCDictionary = "{IPTC}";

@@ -6,8 +6,10 @@
 #include <concepts>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -34,14 +36,29 @@ public:
     PropertyList(Array value) : value_(std::move(value)) {}
     PropertyList(Dictionary value) : value_(std::move(value)) {}
 
-    /// The value when it is of that kind, else null. A number answers to `NSNumber` only.
+    /// The value when it is of that kind. For `NSNumber`, `std::string`, `Date`, `Data`, `Array`
+    /// and `Dictionary` a pointer to it, or null. For `bool`, `std::int64_t` and `double` what the
+    /// number converts to as in `NSNumber`, for `std::string_view` the text, or absent. A value
+    /// that is about to go, such as the result of a call, gives itself away: always an optional, no
+    /// views.
     template <class Kind>
-    const Kind* as() const noexcept {
-        return std::get_if<Kind>(&value_);
+    auto as() const& noexcept {
+        return asKind<Kind>(*this);
     }
     template <class Kind>
-    Kind* as() noexcept {
-        return std::get_if<Kind>(&value_);
+    auto as() & noexcept {
+        return asKind<Kind>(*this);
+    }
+    template <class Kind>
+    std::optional<Kind> as() && {
+        static_assert(!std::same_as<Kind, std::string_view>,
+                      "PropertyList::as: a view would outlive the text");
+        if constexpr (isStored<Kind>) {
+            Kind* const stored = std::get_if<Kind>(&value_);
+            return stored ? std::optional(std::move(*stored)) : std::nullopt;
+        } else {
+            return asKind<Kind>(*this);
+        }
     }
 
     /// Equal in kind and content; numbers by value.
@@ -63,7 +80,40 @@ private:
             return NSNumber(static_cast<double>(value));
     }
 
-    std::variant<NSNumber, std::string, Date, Data, Array, Dictionary> value_;
+    using Value = std::variant<NSNumber, std::string, Date, Data, Array, Dictionary>;
+
+    template <class Kind, class Variant>
+    struct IsStored;
+    template <class Kind, class... Kinds>
+    struct IsStored<Kind, std::variant<Kinds...>> : std::disjunction<std::is_same<Kind, Kinds>...> {
+    };
+    template <class Kind>
+    static constexpr bool isStored = IsStored<Kind, Value>::value;
+
+    template <class Kind, class List>
+    static auto asKind(List& list) noexcept {
+        if constexpr (isStored<Kind>) {
+            return std::get_if<Kind>(&list.value_);
+        } else if constexpr (std::same_as<Kind, std::string_view>) {
+            const auto* text = std::get_if<std::string>(&list.value_);
+            return text ? std::optional<Kind>(*text) : std::nullopt;
+        } else {
+            constexpr bool isReal = std::same_as<Kind, double>;
+            constexpr bool isInteger = std::same_as<Kind, std::int64_t>;
+            static_assert(isReal || isInteger || std::same_as<Kind, bool>,
+                          "PropertyList::as: a value is an NSNumber, bool, std::int64_t, double, "
+                          "std::string, std::string_view, Date, Data, Array or Dictionary");
+            const auto* number = std::get_if<NSNumber>(&list.value_);
+            if constexpr (isReal)
+                return number ? std::optional(number->doubleValue()) : std::nullopt;
+            else if constexpr (isInteger)
+                return number ? std::optional(number->int64Value()) : std::nullopt;
+            else
+                return number ? std::optional(number->boolValue()) : std::nullopt;
+        }
+    }
+
+    Value value_;
 };
 
 } // namespace zorvan

@@ -1,12 +1,14 @@
 #include <zorvan/platform/foundation/URL.h>
 
+#include <zorvan/platform/foundation/internal/UTF8.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/foundation/internal/percentEscapes.h>
 
 #include <algorithm>
+#include <arpa/inet.h>
+#include <charconv>
 #include <filesystem>
 #include <system_error>
-#include <utility>
 
 namespace zorvan {
 
@@ -60,6 +62,51 @@ std::size_t schemeLength(std::string_view text) {
                : 0;
 }
 
+/// Whether each character may stand in a URL, which brackets only may in some of its parts.
+bool isURLText(std::string_view text, bool brackets) {
+    constexpr std::string_view others = "-._~:/?@!$&'()*+,;=";
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        const bool allowed = static_cast<unsigned char>(c) >= 0x80 || internal::isLetter(c) ||
+                             internal::isDigit(c) || others.find(c) != std::string_view::npos ||
+                             (brackets && (c == '[' || c == ']')) ||
+                             (c == '%' && internal::percentUnescaped(text.substr(i, 3)));
+        if (!allowed)
+            return false;
+    }
+    return internal::isUTF8(text);
+}
+
+bool isPort(std::string_view text) {
+    constexpr unsigned largestPort = 65535;
+    unsigned port = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+    return text.empty() ||
+           (error == std::errc() && end == text.data() + text.size() && port <= largestPort);
+}
+
+/// Whether "user@host:port", with what may be missing, is what stands between "//" and the path.
+bool isAuthority(std::string_view text) {
+    if (const std::size_t at = text.rfind('@'); at != std::string_view::npos) {
+        const std::string_view user = text.substr(0, at);
+        if (user.find('@') != std::string_view::npos || !isURLText(user, false))
+            return false;
+        text.remove_prefix(at + 1);
+    }
+    if (text.starts_with('[')) {
+        const std::size_t close = std::min(text.find(']'), text.size());
+        const std::string address(text.substr(1, std::min(close, text.find('%')) - 1));
+        const std::string_view rest = text.substr(std::min(close + 1, text.size()));
+        in6_addr ignored{};
+        return close < text.size() && isURLText(text.substr(0, close), true) &&
+               ::inet_pton(AF_INET6, address.c_str(), &ignored) == 1 &&
+               (rest.empty() || (rest.front() == ':' && isPort(rest.substr(1))));
+    }
+    const std::size_t colon = std::min(text.find(':'), text.size());
+    return isURLText(text.substr(0, colon), false) &&
+           (colon == text.size() || isPort(text.substr(colon + 1)));
+}
+
 std::string escaped(std::string_view path) {
     return internal::percentEscaped(path, [](char c) {
         return internal::isLetter(c) || internal::isDigit(c) ||
@@ -88,6 +135,13 @@ std::optional<URL> URL::make(Text argument) {
     url.prefix_ = text.substr(0, pathStart);
     url.path_ = text.substr(pathStart, pathEnd - pathStart);
     url.suffix_ = text.substr(pathEnd);
+    const std::size_t fragment = std::min(url.suffix_.find('#'), url.suffix_.size());
+    const std::string_view suffix = url.suffix_;
+    const bool hasAuthority = pathStart > scheme + 1;
+    if (!isURLText(url.path_, false) || !isURLText(suffix.substr(0, fragment), true) ||
+        (fragment < suffix.size() && !isURLText(suffix.substr(fragment + 1), true)) ||
+        (hasAuthority && !isAuthority(std::string_view(url.prefix_).substr(scheme + 3))))
+        return std::nullopt;
 
     std::string lower = url.prefix_;
     std::transform(lower.begin(), lower.end(), lower.begin(),
@@ -106,10 +160,6 @@ std::string URL::absoluteString() const {
     return isFile_ ? "file://" + escaped(path_) : prefix_ + path_ + suffix_;
 }
 
-std::string URL::lastPathComponent() && {
-    return std::string(std::as_const(*this).lastPathComponent());
-}
-
 std::string_view URL::lastPathComponent() const& noexcept {
     std::string_view path = path_;
     while (path.size() > 1 && path.back() == '/')
@@ -119,8 +169,6 @@ std::string_view URL::lastPathComponent() const& noexcept {
     const std::size_t slash = path.rfind('/');
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
-
-std::string URL::pathExtension() && { return std::string(std::as_const(*this).pathExtension()); }
 
 std::string_view URL::pathExtension() const& noexcept {
     const std::string_view name = lastPathComponent();
@@ -158,7 +206,9 @@ URL URL::deletingPathExtension() const {
 }
 
 URL URL::appendingPathExtension(std::string_view extension) const {
-    return extension.empty() ? *this : withPath(path_ + '.' + std::string(extension));
+    if (extension.empty())
+        return *this;
+    return withPath(path_ + '.' + (isFile_ ? std::string(extension) : escaped(extension)));
 }
 
 URL URL::deletingLastPathComponent() const {
@@ -177,8 +227,10 @@ URL URL::appendingPathComponent(std::string_view component) const {
     std::string path = path_;
     if (!path.ends_with('/'))
         path += '/';
+    if (!isFile_)
+        return withPath(path + escaped(component));
     path += component;
-    return isFile_ ? URL({.fileURLWithPath = std::move(path)}) : withPath(std::move(path));
+    return URL({.fileURLWithPath = std::move(path)});
 }
 
 URL URL::resolvingSymlinksInPath() const {

@@ -3,7 +3,9 @@
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/HeifBoxes.h>
 
+#include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <string_view>
 #include <utility>
 
@@ -20,6 +22,7 @@ public:
     std::optional<PropertyList::Dictionary> properties(std::int64_t) override {
         return std::nullopt;
     }
+    std::optional<int> orientation(std::int64_t) override { return std::nullopt; }
     std::optional<Bitmap> decode(std::int64_t, const DecodeOptions&) override {
         return std::nullopt;
     }
@@ -35,19 +38,30 @@ bool startsWith(Bytes head, std::string_view signature) {
                signature;
 }
 
+bool startsWithAny(Bytes head, std::initializer_list<std::string_view> signatures) {
+    return std::any_of(signatures.begin(), signatures.end(),
+                       [&](std::string_view signature) { return startsWith(head, signature); });
+}
+
 bool isTiff(Bytes head) {
     using namespace std::string_view_literals;
-    for (const std::string_view signature : {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv})
-        if (startsWith(head, signature))
-            return true;
-    return false;
+    return startsWithAny(head, {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv});
+}
+
+bool isJpegXL(Bytes head) {
+    using namespace std::string_view_literals;
+    return startsWithAny(head, {"\xFF\x0A"sv, "\0\0\0\x0CJXL \r\n\x87\n"sv});
+}
+
+bool isWebP(Bytes head) {
+    return startsWith(head, "RIFF") && head.size() >= 12 && startsWith(head.subspan(8), "WEBP");
 }
 
 /// A file of a known kind that ends within its own signature.
 bool isStartOfPicture(Bytes head) {
     using namespace std::string_view_literals;
     const std::string_view there(reinterpret_cast<const char*>(head.data()), head.size());
-    for (const std::string_view signature : {"\x89PNG\r\n\x1a\n"sv, "\xFF\xD8\xFF"sv})
+    for (const std::string_view signature : {"\x89PNG\r\n\x1a\n"sv, "\xFF\xD8\xFF"sv, "GIF89a"sv})
         if (there.size() >= 2 && signature.starts_with(there))
             return true;
     return false;
@@ -66,7 +80,22 @@ std::unique_ptr<ImageReader> readerFor(std::unique_ptr<ByteSource> source) {
     if (isTiff(head))
         return makeTiffReader(std::move(source));
     if (isHeif(head))
-        return makeHeicReader(std::move(source));
+        return makeHeifReader(std::move(source),
+                              isAvif(head) ? FileFormat::avif : FileFormat::heic);
+    if (isWebP(head))
+        return makeWebPReader(std::move(source));
+    if (startsWithAny(head, {"GIF87a"sv, "GIF89a"sv}))
+        return makeGifReader(std::move(source));
+    if (isBmp(head))
+        return makeBmpReader(std::move(source));
+    if (isJpegXL(head))
+#ifdef ZORVAN_JPEG_XL
+        return makeJpegXLReader(std::move(source));
+#else
+        return std::make_unique<UnreadableFile>(reason::unsupported);
+#endif
+    if (isSvg(*source))
+        return makeSvgReader(std::move(source));
     return std::make_unique<UnreadableFile>(isStartOfPicture(head) ? reason::cutShort
                                                                    : "not a picture");
 }
@@ -83,6 +112,18 @@ std::string_view typeIdentifier(FileFormat format) noexcept {
         return "public.tiff";
     case FileFormat::heic:
         return "public.heic";
+    case FileFormat::webp:
+        return "org.webmproject.webp";
+    case FileFormat::avif:
+        return "public.avif";
+    case FileFormat::gif:
+        return "com.compuserve.gif";
+    case FileFormat::bmp:
+        return "com.microsoft.bmp";
+    case FileFormat::svg:
+        return "public.svg-image";
+    case FileFormat::jpegXL:
+        return "public.jpeg-xl";
     }
     return {};
 }

@@ -12,8 +12,9 @@
 
 namespace zorvan::imageio {
 
-/// The kinds of picture file that can be read and written.
-enum class FileFormat { png, jpeg, tiff, heic };
+/// The kinds of picture file that can be read; the first four can be written too. SVG needs librsvg on
+/// the machine, JPEG XL a build with libjxl, AVIF a libheif with a decoder for AV1.
+enum class FileFormat { png, jpeg, tiff, heic, webp, avif, gif, bmp, svg, jpegXL };
 
 /// The type identifier of a format, "public.png" and so on.
 std::string_view typeIdentifier(FileFormat format) noexcept;
@@ -46,11 +47,16 @@ public:
     /// Absent when the bytes are no picture of a known kind.
     virtual std::optional<FileFormat> format() const noexcept = 0;
 
-    /// How many pictures the file holds: pages of a TIFF, top-level pictures of a HEIC; 0 on error.
+    /// How many pictures the file holds: pages of a TIFF, top-level pictures of a HEIC or AVIF; one of
+    /// an animation, which is the first; 0 on error.
     virtual std::int64_t count() = 0;
 
     /// The properties of a picture, without decoding it. Absent when they cannot be read.
     virtual std::optional<PropertyList::Dictionary> properties(std::int64_t index) = 0;
+
+    /// The EXIF value that `properties` states as "Orientation", without the rest of them; absent when
+    /// the file says nothing, or cannot be read.
+    virtual std::optional<int> orientation(std::int64_t index) = 0;
 
     /// The picture as RGBA pixels in its stored orientation, colour premultiplied.
     virtual std::optional<Bitmap> decode(std::int64_t index, const DecodeOptions& options) = 0;

@@ -42,6 +42,11 @@ public:
     const PropertyList::Dictionary& infoDictionary() const noexcept { return info_; }
     /// The value under a key of the information dictionary; null when there is none.
     const PropertyList* objectForInfoDictionaryKey(std::string_view key) const noexcept;
+    /// The text under a key; absent when there is none, or something of another kind.
+    ///
+    /// Found by its argument, `string(*bundle, "CFBundleName")`, and not by its name alone: so
+    /// `string` stays the standard one after `using namespace std; using namespace zorvan;`.
+    friend std::optional<std::string> string(const NSBundle& bundle, std::string_view key);
     /// The text under "CFBundleIdentifier".
     std::optional<std::string> bundleIdentifier() const;
 

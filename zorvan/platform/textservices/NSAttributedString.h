@@ -14,7 +14,7 @@ namespace zorvan {
 ///
 /// Lengths and ranges count UTF-16 units, which is how the text is kept: bytes that are not UTF-8
 /// become U+FFFD on the way in, lone surrogates on the way out. A range that reaches outside the
-/// text stops the program with "Range is out of bounds".
+/// text stops the program with "Range is out of bounds" and both.
 class NSAttributedString {
 public:
     /// A stretch of text with the same attributes.

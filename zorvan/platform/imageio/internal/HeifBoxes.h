@@ -12,6 +12,8 @@ namespace zorvan::imageio {
 
 /// Whether a file that begins so is of the HEIF family, with pictures in HEVC or AV1.
 bool isHeif(Bytes head) noexcept;
+/// Whether one of the family says that its pictures are in AV1.
+bool isAvif(Bytes head) noexcept;
 
 struct PixelRect {
     std::int64_t x = 0;
@@ -26,6 +28,8 @@ struct HeifPicture {
     std::uint32_t item = 0;
     /// The size of the coded picture.
     PixelSize coded;
+    /// Where the file states that size with width and height exchanged; absent when it is right.
+    std::optional<std::uint64_t> turnedSizeAt = {};
     /// The part of the coded picture that is to be shown, in its own coordinates.
     PixelRect crop;
     /// The EXIF value that turns that part as the file's own rotations and mirrors do; absent when
