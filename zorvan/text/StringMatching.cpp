@@ -1,5 +1,6 @@
 #include <zorvan/text/String.h>
 
+#include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/text/internal/CommonSubsequence.h>
 
 #include <algorithm>
@@ -9,10 +10,9 @@ namespace zorvan {
 
 namespace {
 
-bool isLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-
-bool isDomainPart(char c) noexcept { return isLetter(c) || isDigit(c) || c == '.' || c == '-'; }
+bool isDomainPart(char c) noexcept {
+    return internal::isLetter(c) || internal::isDigit(c) || c == '.' || c == '-';
+}
 
 bool isLocalPart(char c) noexcept { return isDomainPart(c) || c == '_' || c == '%' || c == '+'; }
 
