@@ -112,12 +112,12 @@ std::shared_ptr<NSView> viewOf(const QWidget* widget) {
 }
 
 QWidget* widgetOf(const NSView& view, QWidget& top) {
-    if (viewOf(&top).get() == &view)
-        return &top;
+    QWidget* found = viewOf(&top).get() == &view ? &top : nullptr;
+    // What stands in a bar may stand in the bar's menu too.
     for (QWidget* const widget : top.findChildren<QWidget*>())
-        if (viewOf(widget).get() == &view)
-            return widget;
-    return nullptr;
+        if (viewOf(widget).get() == &view && (!found || widget->isVisible()))
+            found = widget;
+    return found;
 }
 
 } // namespace zorvan::internal

@@ -43,7 +43,8 @@ private:
 /// The view that the widget shows; null for a widget of another kind.
 std::shared_ptr<NSView> viewOf(const QWidget* widget);
 
-/// The widget below `top`, or it itself, that shows the view; null when there is none.
+/// The widget below `top`, or it itself, that shows the view, a visible one if possible; null when
+/// there is none.
 QWidget* widgetOf(const NSView& view, QWidget& top);
 
 } // namespace zorvan::internal

@@ -29,24 +29,22 @@ void take() {
     pasteboard().adopt(std::move(objects));
 }
 
-/// Texts stand below each other, as URLs do for whoever wants text.
+/// URLs, from which those who want text make it, or else the texts below each other.
 void give() {
-    const Objects objects = pasteboard().objects();
-    if (objects.empty())
-        return QGuiApplication::clipboard()->clear();
     QList<QUrl> urls;
     QStringList lines;
-    for (const NSPasteboard::Object& object : objects) {
-        const auto* const url = std::get_if<URL>(&object);
-        const std::string text = url ? url->absoluteString() : std::get<std::string>(object);
-        if (url)
-            urls.append(QUrl::fromEncoded(QByteArray::fromStdString(text)));
-        lines.append(QString::fromStdString(text));
-    }
+    for (const NSPasteboard::Object& object : pasteboard().objects())
+        if (const auto* const url = std::get_if<URL>(&object))
+            urls.append(QUrl::fromEncoded(QByteArray::fromStdString(url->absoluteString())));
+        else
+            lines.append(QString::fromStdString(std::get<std::string>(object)));
+    if (urls.isEmpty() && lines.isEmpty())
+        return QGuiApplication::clipboard()->clear();
     auto* const held = new QMimeData; // the clipboard's then
-    if (!urls.isEmpty())
+    if (urls.isEmpty())
+        held->setText(lines.join(QLatin1Char('\n')));
+    else
         held->setUrls(urls);
-    held->setText(lines.join(QLatin1Char('\n')));
     QGuiApplication::clipboard()->setMimeData(held);
 }
 
