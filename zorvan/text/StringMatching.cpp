@@ -52,7 +52,7 @@ bool isValidEmail(std::string_view s) noexcept {
     const std::string_view label = s.substr(dot + 1);
     return !local.empty() && std::all_of(local.begin(), local.end(), isLocalPart) &&
            std::all_of(domain.begin(), domain.end(), isDomainPart) && label.size() >= 2 &&
-           label.size() <= 64 && std::all_of(label.begin(), label.end(), isLetter);
+           label.size() <= 64 && std::all_of(label.begin(), label.end(), internal::isLetter);
 }
 
 bool isValidLink(std::string_view s) { return isValid(s, NSTextCheckingType::link); }
