@@ -159,6 +159,11 @@ TEST_F(Coders, keepURLs) {
     keeps<URLArrayUDC>({web, file}, Array{"https://example.com/?q=1#f", "file:///a%20b/%FF"});
     keeps<URLArrayUDC>({}, Array());
     reads<URLUDC>("/a b/\xFF", file);
+    for (const char* none :
+         {"https://example.com/a b", "https://example.com:x/", "https://a<b/", "x:%"}) {
+        reads<URLUDC>(none, {});
+        reads<URLArrayUDC>(Array{"https://example.com", none}, {});
+    }
     reads<URLUDC>(1, {});
     reads<URLArrayUDC>(Array{"https://example.com", "none"}, {});
     reads<URLArrayUDC>(Array{1}, {});
@@ -245,7 +250,68 @@ TEST_F(Coders, keepJSON) {
     EXPECT_FALSE(store().hasObjectForKey("k"));
 }
 
+namespace {
+
+/// As a later version of the application has it.
+struct Room {
+    std::string name;
+    int seats = 4;
+    std::string owner = "nobody";
+    bool operator==(const Room&) const = default;
+    static constexpr auto jsonFields = std::tuple(
+        JSONField("name", &Room::name), JSONField("seats", &Room::seats).orAsInitialized(),
+        JSONField("owner", &Room::owner).orAsInitialized());
+};
+
+Data bytesOf(std::string_view text) {
+    const auto bytes = std::as_bytes(std::span(text));
+    return Data(bytes.begin(), bytes.end());
+}
+
+} // namespace
+
+TEST_F(Coders, readRecordsOfVersionsBeforeTheirFields) {
+    using Rooms = std::vector<Room>;
+    reads<JSONCodableUDC<Rooms>>(bytesOf(R"([{"name":"a"},{"name":"b","seats":2}])"),
+                                 Rooms{{"a"}, {"b", 2}});
+    for (const char* text :
+         {R"([{"seats":2}])", R"([{"name":"a","seats":null}])", R"([{"name":"a","seats":"2"}])"})
+        reads<JSONCodableUDC<Rooms>>(bytesOf(text), {});
+}
+
+TEST_F(Coders, setAsideWhatTheyCannotReadBeforeTheyWrite) {
+    const EvaluedUserDefaultsKey<JSONCodableUDC<Room>> key({.name = "k", .value = Room()});
+    EXPECT_FALSE(store().hasUnreadableValue(key));
+    const PropertyList first = bytesOf("[1]"), second = "a text";
+    for (const PropertyList& unreadable : {first, second, first}) {
+        store().setObject(unreadable, "k");
+        EXPECT_TRUE(store().hasUnreadableValue(key));
+        EXPECT_EQ(store().value(key), Room());
+        store()[key] = Room{"new"};
+        EXPECT_FALSE(store().hasUnreadableValue(key));
+        EXPECT_EQ(store().value(key), Room{"new"});
+    }
+    EXPECT_EQ(store().objectForKey("k.unreadable"), first);
+    EXPECT_EQ(store().objectForKey("k.unreadable-2"), second);
+    EXPECT_FALSE(store().hasObjectForKey("k.unreadable-3"));
+    told();
+}
+
+struct Uncoded {};
+static_assert(JSONCodable<std::vector<std::optional<std::map<int, Room>>>>);
+static_assert(!JSONCodable<std::vector<Uncoded>>);
+static_assert(!JSONCodable<std::optional<Uncoded>>);
+static_assert(!JSONCodable<std::map<std::string, Uncoded>>);
+
 TEST_F(Coders, countUpAndDown) {
+    const JSONCodableUDC<int> json;
+    json.increment(2, store(), "json");
+    EXPECT_FALSE(store().hasObjectForKey("json"));
+    json.encode(40, store(), "json");
+    json.increment(5, store(), "json");
+    json.decrement(3, store(), "json");
+    EXPECT_EQ(json.decode(store(), "json"), 42);
+
     const IntUDC coder;
     coder.increment(2, store(), "k");
     EXPECT_FALSE(store().hasObjectForKey("k"));

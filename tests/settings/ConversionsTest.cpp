@@ -20,6 +20,7 @@ class Conversions : public Store {};
 TEST_F(Conversions, ofEveryKind) {
     const Date date{std::chrono::seconds(5)};
     const Data data{std::byte{0x31}};
+    const std::string zeros(400, '0');
     const PropertyList::Array array{"1"}, mixed{"1", 1};
     const PropertyList::Dictionary dictionary{{"1", 1}};
     struct Row {
@@ -69,6 +70,13 @@ TEST_F(Conversions, ofEveryKind) {
         {"1e999", true, 1, inf, "1e999"},
         {"-1e999", true, -1, -inf, "-1e999"},
         {"1e-999", true, 1, 0, "1e-999"},
+        {"1e99999999999999999999", true, 1, inf, "1e99999999999999999999"},
+        {"1e-99999999999999999999", true, 1, 0, "1e-99999999999999999999"},
+        {"0." + zeros + "1e5", false, 0, 0, "0." + zeros + "1e5"},
+        {"0." + zeros + "1e405", false, 0, 1e4, "0." + zeros + "1e405"},
+        {"0." + zeros + "1e+800", false, 0, inf, "0." + zeros + "1e+800"},
+        {"1" + zeros + ".5E-5", true, top, inf, "1" + zeros + ".5E-5"},
+        {"1" + zeros + "e-800", true, top, 0, "1" + zeros + "e-800"},
         {date, false, 0, 0, std::nullopt},
         {data, false, 0, 0, std::nullopt},
         {array, false, 0, 0, std::nullopt},

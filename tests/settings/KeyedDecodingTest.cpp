@@ -41,6 +41,19 @@ struct std::hash<Side> {
     std::size_t operator()(const Side& side) const noexcept { return side == Side(true); }
 };
 
+/// Its keyed form is refused by itself, with an error that is no error of a container.
+struct Picky {
+    static constexpr std::string_view archivedClassName = "Picky";
+    std::int64_t number = 0;
+    void encode(NSKeyedArchiver& coder) const { coder.encode(number, "number"); }
+    static Picky decode(const NSKeyedUnarchiver& coder) {
+        const auto number = coder.decode<std::int64_t>("number");
+        if (number < 0)
+            throw number;
+        return {number};
+    }
+};
+
 namespace {
 
 using Sides = std::unordered_map<Side, std::int64_t>;
@@ -111,4 +124,29 @@ TEST(KeyedDecoding, ofJSON) {
 TEST(KeyedDecoding, ofArchives) {
     decodesDictionaries(archive());
     decodesImplicitly(archive());
+    const std::int64_t number = implicitDecode(archive(), "number"); // of a temporary
+    EXPECT_EQ(number, 7);
+    const auto pending = implicitDecode(archive(), "text");
+    EXPECT_EQ(std::string(pending), "t"); // which it keeps
+}
+
+TEST(KeyedDecoding, ofKeysThatAreAnEnumClass) {
+    using Letters = std::unordered_map<Letter, std::int64_t>;
+    const Letters expected{{Letter::a, 1}, {Letter::b, 2}};
+    NSKeyedArchiver archiver;
+    archiver.encode(expected, "letters");
+    archiver.encode(std::map<std::string, Letter>{{"a", Letter::b}}, "values");
+    const NSKeyedUnarchiver letters(archiver.encodedData());
+    EXPECT_EQ((decodeRawKeyedDict<Letter, std::int64_t>(letters, "letters")), expected);
+    EXPECT_EQ((decodeRawKeyedDict<Letter, std::int64_t>(archive(), "good")), expected);
+    EXPECT_EQ((decodeRawKeyedDict<Letter, std::int64_t>(json(), "list")), expected);
+    EXPECT_EQ((decodeRawKeyedDict<Letter, Letter>(letters, "values")).at(Letter::a), Letter::b);
+}
+
+TEST(KeyedDecoding, dropsWhateverTheFirstAttemptThrows) {
+    NSKeyedArchiver archiver;
+    archiver.encode(std::map<std::string, Picky>{{"a", {-1}}}, "texts");
+    const NSKeyedUnarchiver picky(archiver.encodedData());
+    // The second attempt finds no list, and says so.
+    EXPECT_THROW((decodeRawKeyedDict<Letter, Picky>(picky, "texts")), ArchiveError);
 }

@@ -10,7 +10,9 @@
 #include <limits>
 #include <set>
 #include <stdexcept>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 #include <unordered_set>
 
 using namespace zorvan;
@@ -115,6 +117,16 @@ TEST_F(KeychainTest, KeepsEveryKindOfValue) {
     EXPECT_TRUE(keychain->set(Data{std::byte{0xFF}}, key));
     EXPECT_EQ(keychain->string(key), std::nullopt); // no text
     EXPECT_EQ(keychain->data(key), Data{std::byte{0xFF}});
+    char array[] = "array";
+    char* const pointer = array;
+    const auto keepsText = [&](auto&& text) {
+        return keychain->set("", key) && keychain->set(text, key) &&
+               keychain->string(key) == "array";
+    };
+    EXPECT_TRUE(keepsText(array));
+    EXPECT_TRUE(keepsText(pointer));
+    EXPECT_TRUE(keepsText(std::string("array")));
+    EXPECT_TRUE(keepsText(std::string_view("array")));
     EXPECT_TRUE(keychain->set(std::string(), key));
     EXPECT_EQ(keychain->string(key), "");
     EXPECT_TRUE(keychain->hasValue(key));
@@ -255,6 +267,66 @@ TEST_F(KeychainTest, WritersOfOneKeyAllSucceed) {
     EXPECT_LT(keychain->integer(key), 4);
 }
 
+TEST_F(KeychainTest, AChangeIsWholeOrNothing) {
+    const auto count = [&](auto& value) { value = value.value_or(0) + 1; };
+    EXPECT_TRUE(keychain->modify<std::int64_t>(key, count));
+    EXPECT_TRUE(keychain->modify<double>(key, count));
+    EXPECT_EQ(keychain->integer(key), 2);
+    EXPECT_TRUE(keychain->modify<std::string>(key, [&](auto& text) {
+        EXPECT_EQ(text, std::nullopt); // there is a number
+        text = "t";
+    }));
+    const UserKeychain::Key other("other");
+    const auto both = [&](bool fails) {
+        return [&, fails](std::optional<std::string>& text) {
+            EXPECT_EQ(keychain->string(key), "t"); // of the same transaction
+            keychain->set("o", other);
+            *text += fails ? "\xFF" : "u";
+            if (fails)
+                throw std::out_of_range("other");
+        };
+    };
+    EXPECT_THROW(keychain->modify<std::string>(key, both(true)), std::out_of_range);
+    EXPECT_FALSE(keychain->hasValue(other));
+    EXPECT_TRUE(keychain->modify<std::string>(key, both(false)));
+    EXPECT_EQ(keychain->string(other), "o");
+    EXPECT_FALSE(keychain->modify<std::string>(key, [](auto& text) { text = "\xFF"; }));
+    EXPECT_EQ(keychain->string(key), "tu");
+    EXPECT_TRUE(keychain->modify<Data>(key, [](auto& bytes) { bytes->push_back(std::byte{'v'}); }));
+    EXPECT_EQ(keychain->string(key), "tuv");
+    EXPECT_TRUE(keychain->modify<Token>(key, [](auto& token) { token = Token{"t", 1}; }));
+    EXPECT_EQ(keychain->object<Token>(key), (Token{"t", 1}));
+    EXPECT_TRUE(keychain->modify<Token>(key, [](auto& token) { token.reset(); }));
+    EXPECT_FALSE(keychain->hasValue(key));
+    EXPECT_TRUE(keychain->modify<Token>(key, [](auto&) {}));
+}
+
+// A store of one value that several processes and threads change at once.
+TEST_F(KeychainTest, NoChangeIsLost) {
+    constexpr int each = 40;
+    const auto count = [&] {
+        for (int i = 0; i < each; ++i)
+            if (!keychain->modify<std::int64_t>(key, [](auto& n) { n = n.value_or(0) + 1; }))
+                return false;
+        return true;
+    };
+    std::vector<pid_t> children;
+    for (int i = 0; i < 4; ++i) {
+        children.push_back(::fork());
+        if (children.back() == 0)
+            ::_exit(count() ? 0 : 1);
+    }
+    std::thread thread([&] { EXPECT_TRUE(count()); });
+    EXPECT_TRUE(count());
+    thread.join();
+    for (const pid_t child : children) {
+        int status = -1;
+        ::waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_EQ(keychain->integer(key), 6 * each);
+}
+
 TEST_F(KeychainTest, WithoutAStoreEverythingIsFalseOrAbsent) {
     std::ofstream(root / "file");
     ::setenv("XDG_DATA_HOME", (root / "file").c_str(), 1); // where no folder can be made
@@ -263,6 +335,14 @@ TEST_F(KeychainTest, WithoutAStoreEverythingIsFalseOrAbsent) {
     EXPECT_EQ(keychain->string(key), std::nullopt);
     EXPECT_FALSE(keychain->remove(key));
     EXPECT_FALSE(keychain->removeAllKeys());
+    EXPECT_FALSE(keychain->modify<Data>(key, [](auto& bytes) { bytes = Data(); }));
+}
+
+// Objects older than the store use it after the main function.
+TEST_F(KeychainTest, LivesUntilTheProcessEnds) {
+    Process program({STANDARD_KEYCHAIN, "late"}, {{"XDG_DATA_HOME", root.string()}});
+    EXPECT_EQ(program.hear(), "QuenlowKeychain");
+    EXPECT_EQ(program.hear(), "late 5");
 }
 
 TEST_F(KeychainTest, TheStandardOneIsTheMainBundles) {

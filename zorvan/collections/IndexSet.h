@@ -9,6 +9,8 @@
 #include <initializer_list>
 #include <iterator>
 #include <limits>
+#include <memory>
+#include <new>
 #include <optional>
 #include <set>
 #include <span>
@@ -55,7 +57,12 @@ public:
 
     IndexSet() = default;
     /// The given members, in any order.
-    IndexSet(std::initializer_list<std::int64_t> members);
+    ///
+    /// A template, so that the constructors from labels go before it: to g++ a literal 0 as the
+    /// first value might be the address that a list of its own is made from.
+    template <class = void>
+    IndexSet(std::initializer_list<std::int64_t> members)
+        : IndexSet(of(std::span(members.begin(), members.size()))) {}
     explicit IndexSet(Range range);
     /// The positions `loc` up to, not including, `loc + len`. A negative length stops the program.
     IndexSet(LocLen argument);
@@ -122,6 +129,9 @@ public:
     /// Where the members stand after a list of `count` elements has been reversed; all must be
     /// below `count`.
     [[nodiscard]] IndexSet afterReversing(std::int64_t count) const;
+    /// Where the members stand after each new position of a list has got the element that stood at
+    /// the old position given for it.
+    [[nodiscard]] IndexSet afterPermuting(std::span<const std::int64_t> oldPositions) const;
 
     /// The only member when there is exactly one.
     std::optional<std::int64_t> singleIndex() const noexcept;
@@ -143,10 +153,26 @@ public:
     }
 
 private:
-    explicit IndexSet(std::span<const Range> ranges);
+    /// Leaves new elements as they are, for merges that write each before it is read.
+    struct Allocator : std::allocator<Range> {
+        template <class Other>
+        struct rebind {
+            using other = Allocator;
+        };
+        using std::allocator<Range>::allocator;
+        void construct(Range* place) noexcept { ::new (static_cast<void*>(place)) Range; }
+        void construct(Range* place, Range range) noexcept {
+            ::new (static_cast<void*>(place)) Range(range);
+        }
+    };
+    using Ranges = std::vector<Range, Allocator>;
+
+    template <template <class> class Merge, class Second>
+    static Ranges merge(std::span<const Range> a, Second b, Second bEnd);
+    explicit IndexSet(Ranges ranges);
     std::size_t rangeEndingAfter(std::int64_t index) const noexcept;
 
-    std::vector<Range> ranges_;
+    Ranges ranges_;
     std::int64_t count_ = 0;
 };
 
@@ -198,6 +224,9 @@ inline IndexSet::Iterator IndexSet::end() const noexcept {
     const Range* end = ranges_.data() + ranges_.size();
     return Iterator(end, end);
 }
+
+/// The set that holds only `position`; a negative one stops the program.
+[[nodiscard]] inline IndexSet toIndexSet(std::int64_t position) { return {position}; }
 
 } // namespace zorvan
 

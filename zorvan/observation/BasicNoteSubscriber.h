@@ -4,8 +4,11 @@
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <concepts>
+#include <cstddef>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace zorvan {
@@ -24,12 +27,12 @@ public:
         return std::shared_ptr<BasicNoteSubscriber>(new BasicNoteSubscriber(std::move(center)));
     }
 
-    const std::shared_ptr<Center>& center() const noexcept { return center_; }
+    std::shared_ptr<Center> center() const noexcept { return center_; }
 
     // Setting these while observing takes effect at the next `subscribe`.
 
     /// The queue the handler runs on; null for the thread that the center delivers on.
-    const std::shared_ptr<NSOperationQueue>& queue() const noexcept { return queue_; }
+    std::shared_ptr<NSOperationQueue> queue() const noexcept { return queue_; }
     void setQueue(std::shared_ptr<NSOperationQueue> queue) { queue_ = std::move(queue); }
 
     /// The notification to observe; must be set before subscribing.
@@ -38,7 +41,16 @@ public:
 
     /// The sender to observe, not kept alive; null for every sender, and once it is gone.
     std::shared_ptr<Sender> object() const noexcept { return object_.lock(); }
-    void setObject(const std::shared_ptr<Sender>& object) noexcept { object_ = object; }
+    void setObject(const std::shared_ptr<Sender>& object) noexcept {
+        object_ = object;
+        text_.reset();
+    }
+    void setObject(std::nullptr_t) noexcept { setObject(std::shared_ptr<Sender>()); }
+    /// Where senders are texts: the sender with that text, which is kept.
+    void setObject(std::string_view text) requires std::same_as<Sender, const std::string> {
+        text_ = std::make_shared<Sender>(text);
+        object_ = text_;
+    }
 
     /// The registration; null when not observing.
     std::shared_ptr<NotificationObserver> observer() const noexcept { return observer_.lock(); }
@@ -79,6 +91,7 @@ private:
     std::shared_ptr<NSOperationQueue> queue_;
     std::optional<NSNotificationName> name_;
     std::weak_ptr<Sender> object_;
+    std::shared_ptr<Sender> text_; // a sender that nobody else keeps
     std::weak_ptr<NotificationObserver> observer_;
 };
 

@@ -7,9 +7,9 @@ namespace zorvan {
 
 extern template class BasicNoteSubscriber<NSDistributedNotificationCenter>;
 
-/// Observes one notification between processes. Its `object` is a text that names the sender, not
-/// kept alive: hold it for as long as it should count. A handler without queue runs on the main
-/// queue.
+/// Observes one notification between processes. Its `object` is a text that names the sender: kept
+/// when it is set as a text, and not kept alive, so that it counts for as long as you hold it, when
+/// it is set as a shared pointer. A handler without queue runs on the main queue.
 using DistributedNoteSubscriber = BasicNoteSubscriber<NSDistributedNotificationCenter>;
 
 } // namespace zorvan

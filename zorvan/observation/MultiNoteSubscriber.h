@@ -19,25 +19,25 @@ public:
     static std::shared_ptr<MultiNoteSubscriber>
     create(std::shared_ptr<NSNotificationCenter> center);
 
-    const std::shared_ptr<NSNotificationCenter>& center() const noexcept { return center_; }
+    std::shared_ptr<NSNotificationCenter> center() const noexcept { return center_; }
 
     // Setting these while observing takes effect at the next `subscribe`.
 
     /// The queue handlers run on; null for the posting thread.
-    const std::shared_ptr<NSOperationQueue>& queue() const noexcept { return queue_; }
+    std::shared_ptr<NSOperationQueue> queue() const noexcept { return queue_; }
     void setQueue(std::shared_ptr<NSOperationQueue> queue) { queue_ = std::move(queue); }
 
     /// The names to observe; must not be empty when subscribing.
-    const std::vector<NSNotificationName>& names() const noexcept { return names_; }
+    std::vector<NSNotificationName> names() const { return names_; }
     void setNames(std::vector<NSNotificationName> names) { names_ = std::move(names); }
 
     /// The senders to observe; must not be empty when subscribing. An empty box stands for every
     /// sender.
-    const std::vector<OpaqueWeakValue>& objects() const noexcept { return objects_; }
+    std::vector<OpaqueWeakValue> objects() const { return objects_; }
     void setObjects(std::vector<OpaqueWeakValue> objects) { objects_ = std::move(objects); }
 
     /// One per pair, by name and within a name by sender, while observing; else empty.
-    const Subscribers& subscribers() const noexcept { return subscribers_; }
+    Subscribers subscribers() const { return subscribers_; }
 
     /// Starts to observe, as `NoteSubscriber::subscribe` does for each pair.
     ///

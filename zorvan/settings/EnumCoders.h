@@ -1,7 +1,7 @@
 #pragma once
 
+#include <zorvan/platform/foundation/RawRepresentable.h>
 #include <zorvan/settings/NSUserDefaults.h>
-#include <zorvan/settings/RawRepresentable.h>
 
 #include <cstdint>
 #include <optional>

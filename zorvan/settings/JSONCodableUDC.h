@@ -3,18 +3,37 @@
 #include <zorvan/settings/JSONCoding.h>
 #include <zorvan/settings/NSUserDefaults.h>
 
+#include <concepts>
 #include <exception>
 #include <new>
 #include <optional>
 #include <string_view>
+#include <type_traits>
 
 namespace zorvan {
+
+template <JSONCodable T>
+class JSONCodableUDC;
+
+namespace detail {
+
+struct NoArithmetic {};
+
+template <class T>
+using JSONArithmetic =
+    std::conditional_t<std::is_arithmetic_v<T> && !std::same_as<T, bool>,
+                       NumericUserDefaultsCoder<JSONCodableUDC<T>, T>, NoArithmetic>;
+
+} // namespace detail
 
 /// Stored as the bytes of a JSON text; `JSONCoding<T>` says how. Anything else that is stored reads
 /// as absent. A value that has no JSON form, such as a number that is not finite, removes the key.
 /// Whatever `std::exception` a coding throws counts as that, but for a lack of memory.
+///
+/// What is stored and cannot be read, such as a record of another version, is not lost to the next
+/// value: see `NSUserDefaults::setUnreadableAside`.
 template <JSONCodable T>
-class JSONCodableUDC {
+class JSONCodableUDC : public detail::JSONArithmetic<T> {
 public:
     using CodableType = T;
 
@@ -32,15 +51,19 @@ public:
     }
 
     void encode(const std::optional<T>& value, NSUserDefaults& to, std::string_view key) const {
+        if (value && to.hasObjectForKey(key) && !decode(to, key))
+            to.setUnreadableAside(key);
+        to.setObject(value ? encoded(*value) : std::nullopt, key);
+    }
+
+private:
+    static std::optional<PropertyList> encoded(const T& value) {
         try {
-            to.setObject(
-                value ? std::optional<PropertyList>(JSON(JSONCoding<T>::encode(*value)).text())
-                      : std::nullopt,
-                key);
+            return JSON(JSONCoding<T>::encode(value)).text();
         } catch (const std::bad_alloc&) {
             throw;
         } catch (const std::exception&) {
-            to.removeObjectForKey(key);
+            return std::nullopt;
         }
     }
 };

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <zorvan/platform/foundation/Data.h>
+#include <zorvan/platform/foundation/RawRepresentable.h>
 #include <zorvan/platform/foundation/URL.h>
 #include <zorvan/settings/JSON.h>
-#include <zorvan/settings/RawRepresentable.h>
 
 #include <cmath>
 #include <concepts>
@@ -24,9 +24,18 @@ template <class Record, class Value>
 struct JSONField {
     const char* name;
     Value Record::*member;
+    bool isOptional = false;
 
-    constexpr JSONField(const char* name, Value Record::*member) noexcept
-        : name(name), member(member) {}
+    constexpr JSONField(const char* name_, Value Record::*member_) noexcept
+        : name(name_), member(member_) {}
+
+    /// The same field, for JSON that may be without it, such as that of a version before there was
+    /// the field: its value is then what a new record has.
+    constexpr JSONField orAsInitialized() const noexcept {
+        JSONField field = *this;
+        field.isOptional = true;
+        return field;
+    }
 };
 
 /// How a type stands in JSON: `static JSON encode(const T&)` and `static T decode(const JSON&)`,
@@ -40,8 +49,10 @@ struct JSONField {
 /// struct Window {
 ///     std::string title;
 ///     std::optional<double> width;
-///     static constexpr auto jsonFields =
-///         std::tuple(JSONField("title", &Window::title), JSONField("width", &Window::width));
+///     int columns = 4; // since version 2
+///     static constexpr auto jsonFields = std::tuple(
+///         JSONField("title", &Window::title), JSONField("width", &Window::width),
+///         JSONField("columns", &Window::columns).orAsInitialized());
 /// };
 /// ```
 ///
@@ -152,7 +163,7 @@ struct JSONCoding<URL> {
     static URL decode(const JSON& json);
 };
 
-template <class T>
+template <JSONCodable T>
 struct JSONCoding<std::optional<T>> {
     static JSON encode(const std::optional<T>& value) {
         return value ? JSONCoding<T>::encode(*value) : JSON();
@@ -162,7 +173,7 @@ struct JSONCoding<std::optional<T>> {
     }
 };
 
-template <class T>
+template <JSONCodable T>
 struct JSONCoding<std::vector<T>> {
     static JSON encode(const std::vector<T>& values) {
         JSON::Array items;
@@ -220,6 +231,7 @@ struct JSONCoding<T> {
 private:
     template <class Value>
     static void add(JSON::Object& fields, const JSONField<T, Value>& field, const T& record) {
+        static_assert(JSONCodable<Value>, "a field of the record has no JSONCoding");
         JSON value = JSONCoding<Value>::encode(record.*field.member);
         if (!value.isNull())
             fields.insert_or_assign(field.name, std::move(value));
@@ -227,6 +239,8 @@ private:
     template <class Value>
     static void read(const JSON::Object& fields, const JSONField<T, Value>& field, T& record) {
         const auto found = fields.find(std::string_view(field.name));
+        if (found == fields.end() && field.isOptional)
+            return;
         record.*field.member =
             JSONCoding<Value>::decode(found == fields.end() ? JSON() : found->second);
     }
@@ -274,11 +288,11 @@ struct JSONMapCoding {
 
 } // namespace detail
 
-template <class Key, class Value, class Order, class Allocator>
+template <JSONCodable Key, JSONCodable Value, class Order, class Allocator>
 struct JSONCoding<std::map<Key, Value, Order, Allocator>>
     : detail::JSONMapCoding<std::map<Key, Value, Order, Allocator>> {};
 
-template <class Key, class Value, class Hash, class Equal, class Allocator>
+template <JSONCodable Key, JSONCodable Value, class Hash, class Equal, class Allocator>
 struct JSONCoding<std::unordered_map<Key, Value, Hash, Equal, Allocator>>
     : detail::JSONMapCoding<std::unordered_map<Key, Value, Hash, Equal, Allocator>> {};
 

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <zorvan/platform/foundation/RawRepresentable.h>
 #include <zorvan/settings/KeyedDecodingContainerError.h>
-#include <zorvan/settings/RawRepresentable.h>
 
 #include <concepts>
-#include <stdexcept>
+#include <new>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 
@@ -20,11 +21,11 @@ concept KeyedDecodingContainer = requires(const C& container, std::string_view k
 };
 
 /// A value that is yet to be decoded, as the type that it is used as.
-template <KeyedDecodingContainer Container>
+template <class Container>
 class ImplicitlyDecoded {
 public:
-    ImplicitlyDecoded(const Container& container, std::string_view key)
-        : container_(container), key_(key) {}
+    ImplicitlyDecoded(Container container, std::string_view key)
+        : container_(std::forward<Container>(container)), key_(key) {}
 
     template <class T>
     operator T() const {
@@ -32,29 +33,32 @@ public:
     }
 
 private:
-    const Container& container_;
+    Container container_; // or a reference to it
     std::string key_;
 };
 
 /// Decodes the type that the result is used as: `const std::int64_t size = implicitDecode(coder,
 /// "size");`, the same as `coder.decode<std::int64_t>("size")`. Use the result before the container
-/// is gone.
-template <KeyedDecodingContainer Container>
-[[nodiscard]] ImplicitlyDecoded<Container> implicitDecode(const Container& container,
+/// is gone; a temporary one is kept in it.
+template <class Container>
+requires KeyedDecodingContainer<std::remove_cvref_t<Container>>
+[[nodiscard]] ImplicitlyDecoded<Container> implicitDecode(Container&& container,
                                                           std::string_view forKey) {
-    return {container, forKey};
+    return {std::forward<Container>(container), forKey};
 }
 
 /// A dictionary whose keys are raw texts of K. Throws
 /// `KeyedDecodingContainerError::unexpectedRawRepresentableKeyValue` when one of them is the raw
 /// value of none. What is no dictionary with text keys is decoded as an array of each key and its
-/// value in turn, and the container's errors about that pass through.
+/// value in turn, and the errors of that attempt pass through, whatever they are.
 template <StringRawRepresentable K, class V, KeyedDecodingContainer Container>
 std::unordered_map<K, V> decodeRawKeyedDict(const Container& container, std::string_view forKey) {
     std::unordered_map<std::string, V> texts;
     try {
         texts = container.template decode<std::unordered_map<std::string, V>>(forKey);
-    } catch (const std::runtime_error&) {
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (...) { // whatever a V of the application throws
         return container.template decode<std::unordered_map<K, V>>(forKey);
     }
     std::unordered_map<K, V> values;

@@ -1,34 +1,30 @@
 #include <zorvan/settings/NSUserDefaults.h>
 
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
+#include <zorvan/platform/foundation/executablePath.h>
 #include <zorvan/platform/propertylist/NSBundle.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/settings/internal/conversions.h>
 
 #include <filesystem>
-#include <system_error>
 
 namespace zorvan {
 
 namespace {
 
-std::string programName() {
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error).filename().string();
-}
-
 const std::string& applicationDomain() {
     static const std::string& domain =
-        *new std::string(NSBundle::mainBundle()->bundleIdentifier().value_or(programName()));
+        *new std::string(NSBundle::mainBundle()->bundleIdentifier().value_or(
+            std::filesystem::path(executablePath()).filename().string()));
     return domain;
 }
 
 } // namespace
 
 const std::shared_ptr<NSUserDefaults>& NSUserDefaults::standardUserDefaults() {
-    // Destroyed at the end, so that the database is closed and its log is gone.
-    static const std::shared_ptr<NSUserDefaults> standard = create();
+    // Never destroyed, since it may be used while the program ends.
+    static const auto& standard = *new std::shared_ptr<NSUserDefaults>(create());
     return standard;
 }
 
@@ -151,6 +147,15 @@ void NSUserDefaults::setURL(const std::optional<URL>& value, std::string_view fo
 }
 
 void NSUserDefaults::removeObjectForKey(std::string_view key) { database_->remove(key); }
+
+void NSUserDefaults::setUnreadableAside(std::string_view key) {
+    const std::optional<PropertyList> value = objectForKey(key);
+    const std::string first = std::string(key) + ".unreadable";
+    std::string aside = first;
+    for (int number = 2; hasObjectForKey(aside) && objectForKey(aside) != value; ++number)
+        aside = first + '-' + std::to_string(number);
+    setObject(value, aside);
+}
 
 // Notifications.
 

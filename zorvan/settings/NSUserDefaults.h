@@ -68,7 +68,7 @@ public:
     NSUserDefaults(const NSUserDefaults&) = delete;
     NSUserDefaults& operator=(const NSUserDefaults&) = delete;
 
-    const std::string& domainName() const noexcept { return domain_; }
+    std::string domainName() const { return domain_; }
 
     // Untyped reading. What is stored is converted where a conversion is named; anything else
     // counts as nothing: 0, false or absent.
@@ -111,6 +111,10 @@ public:
     void setURL(const std::optional<URL>& value, std::string_view forKey);
     void set(Date value, std::string_view forKey) { setObject(value, forKey); }
     void removeObjectForKey(std::string_view key);
+    /// Keeps what is stored under the key, whatever it is, under "KEY.unreadable" ("-2", ...) as
+    /// well, unless it is there already. For coders that are about to write over what they cannot
+    /// read.
+    void setUnreadableAside(std::string_view key);
 
     // Typed access.
 
@@ -172,6 +176,13 @@ public:
     template <GenericUserDefaultsKey Key>
     bool hasValue(const Key& forKey) const {
         return hasObjectForKey(forKey.name);
+    }
+
+    /// Whether something is stored under the key's name that its coder cannot read: typed reading
+    /// gives the default then, as it does when there is nothing.
+    template <GenericUserDefaultsKey Key>
+    bool hasUnreadableValue(const Key& forKey) {
+        return hasValue(forKey) && !detail::coderOf(forKey).decode(*this, forKey.name);
     }
 
     // Notifications.

@@ -13,18 +13,6 @@ namespace {
 
 constexpr const char* serviceWithoutBundle = "QuenlowKeychain";
 
-/// Makes sure that a secret does not stay in memory.
-class WipedAtEnd {
-public:
-    explicit WipedAtEnd(Data& bytes) noexcept : bytes_(bytes) {}
-    WipedAtEnd(const WipedAtEnd&) = delete;
-    WipedAtEnd& operator=(const WipedAtEnd&) = delete;
-    ~WipedAtEnd() { wipe(bytes_); }
-
-private:
-    Data& bytes_;
-};
-
 security::ItemQuery itemsOf(const UserKeychain& keychain) {
     security::ItemQuery items;
     items.attributes.texts[security::serviceText] = keychain.serviceName();
@@ -59,7 +47,8 @@ std::optional<UserKeychain::Access> UserKeychain::Access::make(std::string_view 
 }
 
 const std::unordered_map<UserKeychain::Access, std::string>& UserKeychain::Access::lookup() {
-    static const std::unordered_map<Access, std::string> constants{
+    // Never destroyed, since it may be used while the program ends.
+    static const auto& constants = *new std::unordered_map<Access, std::string>{
         {afterFirstUnlock, kSecAttrAccessibleAfterFirstUnlock},
         {afterFirstUnlockThisDeviceOnly, kSecAttrAccessibleAfterFirstUnlockThisDeviceOnly},
         {whenPasscodeSetThisDeviceOnly, kSecAttrAccessibleWhenPasscodeSetThisDeviceOnly},
@@ -82,8 +71,10 @@ std::shared_ptr<UserKeychain> UserKeychain::create(Service argument) {
 }
 
 const std::shared_ptr<UserKeychain>& UserKeychain::standard() {
-    static const std::shared_ptr<UserKeychain> keychain = create(
-        {.serviceName = NSBundle::mainBundle()->bundleIdentifier().value_or(serviceWithoutBundle)});
+    // Never destroyed, since it may be used while the program ends.
+    static const auto& keychain = *new std::shared_ptr<UserKeychain>(
+        create({.serviceName =
+                    NSBundle::mainBundle()->bundleIdentifier().value_or(serviceWithoutBundle)}));
     return keychain;
 }
 
@@ -96,15 +87,44 @@ bool UserKeychain::set(const Data& bytes, const Key& key, std::optional<Access> 
 }
 
 bool UserKeychain::set(std::string_view text, const Key& key, std::optional<Access> access) const {
-    if (!propertylist::isUTF8(text))
-        return false;
-    const auto bytes = std::as_bytes(std::span(text));
-    return setAndWipe(Data(bytes.begin(), bytes.end()), key, access);
+    std::optional<Data> bytes = bytesOf(text);
+    return bytes && setAndWipe(std::move(*bytes), key, access);
 }
 
 bool UserKeychain::setAndWipe(Data bytes, const Key& key, std::optional<Access> access) const {
-    const WipedAtEnd afterwards(bytes);
-    return set(bytes, key, access);
+    std::optional<Data> secret = std::move(bytes);
+    const WipedAtEnd afterwards(secret);
+    return set(*secret, key, access);
+}
+
+bool UserKeychain::modifyData(const Key& key, const ChangeData& change,
+                              std::optional<Access> access) const {
+    security::ItemQuery query = itemOf(*this, key, access);
+    query.returnsData = true;
+    security::ItemAttributes written = query.attributes;
+    if (enableSynchronization_)
+        written.isSynchronizable = true;
+    bool isRefused = false;
+    const OSStatus status = security::modify(query, written, [&](std::optional<Data>& bytes) {
+        std::optional<Data> before = bytes;
+        const WipedAtEnd afterwards(before);
+        isRefused = !change(bytes);
+        if (isRefused)
+            bytes.swap(before);
+    });
+    return status == errSecSuccess && !isRefused;
+}
+
+std::optional<Data> UserKeychain::bytesOf(std::string_view text) {
+    if (!propertylist::isUTF8(text))
+        return std::nullopt;
+    const auto bytes = std::as_bytes(std::span(text));
+    return Data(bytes.begin(), bytes.end());
+}
+
+std::optional<std::string> UserKeychain::textIn(const Data& bytes) {
+    std::string text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    return propertylist::isUTF8(text) ? std::optional(std::move(text)) : std::nullopt;
 }
 
 std::optional<Data> UserKeychain::data(const Key& key, std::optional<Access> access) const {
@@ -122,53 +142,25 @@ std::optional<Data> UserKeychain::dataRef(const Key& key, std::optional<Access> 
 std::optional<std::string> UserKeychain::string(const Key& key,
                                                 std::optional<Access> access) const {
     std::optional<Data> bytes = data(key, access);
-    if (!bytes)
-        return std::nullopt;
-    const WipedAtEnd wiped(*bytes);
-    std::string text(reinterpret_cast<const char*>(bytes->data()), bytes->size());
-    if (propertylist::isUTF8(text))
-        return text;
-    return std::nullopt;
-}
-
-void UserKeychain::readArchive(const Key& key, std::optional<Access> access,
-                               const std::function<void(const Data&)>& reader) const {
-    std::optional<Data> archive = data(key, access);
-    if (!archive)
-        return;
-    const WipedAtEnd wiped(*archive);
-    try {
-        reader(*archive);
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception&) {
-        // It is no archive of that class.
-    }
-}
-
-std::optional<NSNumber> UserKeychain::number(const Key& key, std::optional<Access> access) const {
-    return object<NSNumber>(key, access);
+    const WipedAtEnd afterwards(bytes);
+    return bytes ? textIn(*bytes) : std::nullopt;
 }
 
 std::optional<std::int64_t> UserKeychain::integer(const Key& key,
                                                   std::optional<Access> access) const {
-    const auto value = number(key, access);
-    return value ? std::optional(value->int64Value()) : std::nullopt;
+    return numberAs<std::int64_t>(object<NSNumber>(key, access));
 }
 
 std::optional<float> UserKeychain::float_(const Key& key, std::optional<Access> access) const {
-    const auto value = number(key, access);
-    return value ? std::optional(value->floatValue()) : std::nullopt;
+    return numberAs<float>(object<NSNumber>(key, access));
 }
 
 std::optional<double> UserKeychain::double_(const Key& key, std::optional<Access> access) const {
-    const auto value = number(key, access);
-    return value ? std::optional(value->doubleValue()) : std::nullopt;
+    return numberAs<double>(object<NSNumber>(key, access));
 }
 
 std::optional<bool> UserKeychain::bool_(const Key& key, std::optional<Access> access) const {
-    const auto value = number(key, access);
-    return value ? std::optional(value->boolValue()) : std::nullopt;
+    return numberAs<bool>(object<NSNumber>(key, access));
 }
 
 bool UserKeychain::hasValue(const Key& key, std::optional<Access> access) const {

@@ -7,6 +7,7 @@
 #include <zorvan/platform/propertylist/NSKeyedArchiver.h>
 #include <zorvan/platform/propertylist/NSKeyedUnarchiver.h>
 #include <zorvan/platform/security/SecItem.h>
+#include <zorvan/platform/security/wipe.h>
 
 #include <array>
 #include <atomic>
@@ -19,6 +20,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 
@@ -94,11 +96,13 @@ public:
     };
     [[nodiscard]] static std::shared_ptr<UserKeychain> create(Service argument);
 
-    /// Of the main bundle: its identifier is the service, "QuenlowKeychain" when it has none.
+    /// Of the main bundle: its identifier is the service. Lives until the process ends.
+    ///
+    /// All programs without an identifier share one service, "QuenlowKeychain": they read,
+    /// overwrite and, by `removeAllKeys`, remove each other's items.
     [[nodiscard]] static const std::shared_ptr<UserKeychain>& standard();
-
-    const std::string& serviceName() const noexcept { return serviceName_; }
-    const std::optional<std::string>& accessGroup() const noexcept { return accessGroup_; }
+    std::string serviceName() const { return serviceName_; }
+    std::optional<std::string> accessGroup() const { return accessGroup_; }
 
     /// Whether items that are written are synchronizable; false at first.
     bool enableSynchronization() const noexcept { return enableSynchronization_; }
@@ -108,17 +112,13 @@ public:
     bool set(const Data& bytes, const Key& key, std::optional<Access> access = {}) const;
     /// False when the text is not UTF-8.
     bool set(std::string_view text, const Key& key, std::optional<Access> access = {}) const;
-    bool set(const std::string& text, const Key& key, std::optional<Access> access = {}) const {
-        return set(std::string_view(text), key, access);
-    }
-    bool set(const char* text, const Key& key, std::optional<Access> access = {}) const {
-        return set(std::string_view(text), key, access);
-    }
     /// A number or truth value, archived as an `NSNumber`, or an object: whatever `NSKeyedArchiver`
-    /// takes. False when it cannot be archived.
+    /// takes, but texts in any form, which are not archived. False when it cannot be archived.
     template <class Object>
-    bool set(const Object& object, const Key& key, std::optional<Access> access = {}) const {
-        return setArchive([&] { return NSKeyedArchiver::archivedData(object); }, key, access);
+    requires(!std::convertible_to<const Object&, std::string_view>) bool set(
+        const Object& object, const Key& key, std::optional<Access> access = {}) const {
+        std::optional<Data> bytes = encoded(object);
+        return bytes && setAndWipe(std::move(*bytes), key, access);
     }
 
     /// Each reads a value; absent when there is no item, when it cannot be read now, or when it is
@@ -135,43 +135,129 @@ public:
     /// What `NSKeyedUnarchiver` gives for the class.
     template <class Object>
     std::optional<Object> object(const Key& key, std::optional<Access> access = {}) const {
-        std::optional<Object> result;
-        readArchive(key, access, [&](const Data& archive) {
-            result.emplace(NSKeyedUnarchiver::unarchivedObject<Object>(archive));
-        });
-        return result;
+        std::optional<Data> archive = data(key, access);
+        const WipedAtEnd afterwards(archive);
+        return archive ? unarchived<Object>(*archive) : std::nullopt;
     }
 
     bool hasValue(const Key& key, std::optional<Access> access = {}) const;
 
+    /// Reads a value of that kind - `Data`, a text, a number or truth value, an object - as `data`,
+    /// `string` and so on do, has the function change it, which may make it absent, and writes or
+    /// removes it, all in one transaction: whatever other threads and processes write, nothing of
+    /// it is lost.
+    ///
+    /// What is there but is of another kind counts as absent. True when the change is stored, also
+    /// when there was nothing to change; else nothing was changed. What the function throws is
+    /// thrown, and nothing is changed. The function is called at most once, and others wait for it,
+    /// so it should be quick; it may use secrets, and what it writes is part of the transaction.
+    ///
+    /// ```cpp
+    /// keychain->modify<std::int64_t>(uses, [](auto& count) { count = count.value_or(0) + 1; });
+    /// ```
+    template <class Value, std::invocable<std::optional<Value>&> Change>
+    bool modify(const Key& key, Change&& change, std::optional<Access> access = {}) const {
+        return modifyData(
+            key,
+            [&](std::optional<Data>& bytes) {
+                std::optional<Value> value = bytes ? decoded<Value>(*bytes) : std::nullopt;
+                change(value);
+                std::optional<Data> old = std::move(bytes);
+                const WipedAtEnd afterwards(old);
+                bytes = value ? encoded(*value) : std::nullopt;
+                return !value || bytes;
+            },
+            access);
+    }
+
     /// False when there was no item.
     bool remove(const Key& key, std::optional<Access> access = {}) const;
-    /// Removes every item of the service, and of the access group when there is one. False when
-    /// there was none.
+    /// Removes every item of the service, and of the access group when there is one: also those of
+    /// other programs that use the same service, as all without an identifier do through
+    /// `standard`. False when there was none.
     bool removeAllKeys() const;
 
 private:
     explicit UserKeychain(Service argument);
 
-    std::optional<NSNumber> number(const Key& key, std::optional<Access> access) const;
+    using ChangeData = std::function<bool(std::optional<Data>& bytes)>;
+
+    /// Makes sure that a secret does not stay in memory.
+    class WipedAtEnd {
+    public:
+        explicit WipedAtEnd(std::optional<Data>& bytes) noexcept : bytes_(bytes) {}
+        WipedAtEnd(const WipedAtEnd&) = delete;
+        WipedAtEnd& operator=(const WipedAtEnd&) = delete;
+        ~WipedAtEnd() {
+            if (bytes_)
+                wipe(*bytes_);
+        }
+
+    private:
+        std::optional<Data>& bytes_;
+    };
+
+    /// The function says whether the value that it left is to be stored.
+    bool modifyData(const Key& key, const ChangeData& change, std::optional<Access> access) const;
     /// Writes bytes of which nobody else needs a copy: they are wiped.
     bool setAndWipe(Data bytes, const Key& key, std::optional<Access> access) const;
 
-    template <class Archive>
-    bool setArchive(Archive archive, const Key& key, std::optional<Access> access) const {
-        Data bytes;
+    /// The bytes of a text; absent when it is not UTF-8.
+    static std::optional<Data> bytesOf(std::string_view text);
+    static std::optional<std::string> textIn(const Data& bytes);
+    /// Absent when it throws anything but a lack of memory.
+    template <class Function>
+    static auto orAbsent(Function function) -> std::optional<decltype(function())> {
         try {
-            bytes = archive();
+            return function();
         } catch (const std::bad_alloc&) {
             throw;
         } catch (const std::exception&) {
-            return false;
+            return std::nullopt;
         }
-        return setAndWipe(std::move(bytes), key, access);
     }
-    /// Nothing happens when there is no archive, or when reading it fails.
-    void readArchive(const Key& key, std::optional<Access> access,
-                     const std::function<void(const Data&)>& reader) const;
+    template <class Object>
+    static std::optional<Object> unarchived(const Data& archive) {
+        return orAbsent([&] { return NSKeyedUnarchiver::unarchivedObject<Object>(archive); });
+    }
+
+    /// The bytes that stand for a value; absent when there are none.
+    template <class Value>
+    static std::optional<Data> encoded(const Value& value) {
+        if constexpr (std::same_as<Value, Data>)
+            return value;
+        else if constexpr (std::same_as<Value, std::string>)
+            return bytesOf(value);
+        else
+            return orAbsent([&] { return NSKeyedArchiver::archivedData(value); });
+    }
+    template <class Value>
+    static std::optional<Value> decoded(const Data& bytes) {
+        if constexpr (std::same_as<Value, Data>)
+            return bytes;
+        else if constexpr (std::same_as<Value, std::string>)
+            return textIn(bytes);
+        else if constexpr (std::is_arithmetic_v<Value>)
+            return numberAs<Value>(unarchived<NSNumber>(bytes));
+        else
+            return unarchived<Value>(bytes);
+    }
+    template <class Number>
+    static std::optional<Number> numberAs(const std::optional<NSNumber>& number) {
+        static_assert(std::same_as<Number, bool> || std::same_as<Number, std::int64_t> ||
+                          std::floating_point<Number>,
+                      "numbers are std::int64_t, float, double or bool");
+        if (!number)
+            return std::nullopt;
+        if constexpr (std::same_as<Number, bool>)
+            return number->boolValue();
+        else if constexpr (std::same_as<Number, std::int64_t>)
+            return number->int64Value();
+        else if constexpr (std::same_as<Number, float>)
+            return number->floatValue();
+        else
+            return number->doubleValue();
+    }
 
     std::string serviceName_;
     std::optional<std::string> accessGroup_;

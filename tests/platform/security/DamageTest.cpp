@@ -226,9 +226,18 @@ TEST_F(DamageTest, LinksAreRefused) {
         fs::remove(path(name));
         fs::rename(target, path(name));
     }
-    fs::create_hard_link(path("items.sqlite"), root + "/second-name");
-    EXPECT_EQ(ask(*peer(), "get a"), refused);
-    fs::remove(root + "/second-name");
+    for (const char* name : {"items.sqlite", "key"}) {
+        for (const std::string& second : {root + "/second-name", path("key.backup")}) {
+            fs::create_hard_link(path(name), second);
+            EXPECT_EQ(ask(*peer(), "get a"), refused) << name;
+            fs::remove(second);
+        }
+    }
+    // What a process leaves that is ended over making the key.
+    const std::string first = path("key.01234567-89ab-cdef-0123-456789abcdef");
+    fs::create_hard_link(path("key"), first);
+    EXPECT_EQ(ask(*peer(), "get a"), "1");
+    EXPECT_FALSE(fs::exists(first));
 
     fs::rename(folder(), root + "/elsewhere");
     fs::create_directory_symlink(root + "/elsewhere", folder());

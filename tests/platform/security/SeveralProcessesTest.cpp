@@ -91,6 +91,42 @@ TEST_F(SeveralProcesses, AWriteThatFindsNoRoomChangesNothing) {
     EXPECT_EQ(ask(*peer(), "set b " + large), "0");
 }
 
+// As a program does that goes into the background.
+TEST_F(SeveralProcesses, AForkedChildGoesOnWhenItsParentHasEnded) {
+    for (const bool isUsedAtOnce : {false, true}) {
+        int told[2], go[2];
+        ASSERT_TRUE(::pipe(told) == 0 && ::pipe(go) == 0);
+        const pid_t parent = ::fork();
+        if (parent == 0) {
+            add("a", "1");
+            if (::fork() != 0)
+                ::_exit(0);
+            ::close(go[1]); // so that it does not wait for ever
+            if (isUsedAtOnce)
+                get(item("a"));
+            char c = 0;
+            bool isGood = ::read(go[0], &c, 1) == 1;
+            for (int i = 0; i < 20; ++i)
+                isGood = get(item("a")) == "1" && get(item("b")) == "2" && isGood;
+            isGood = isGood && add(isUsedAtOnce ? "c" : "d", "3") == errSecSuccess;
+            c = isGood ? 'y' : 'n';
+            ::_exit(::write(told[1], &c, 1) == 1 ? 0 : 1);
+        }
+        ::close(told[1]);
+        ::close(go[0]);
+        ASSERT_EQ(::waitpid(parent, nullptr, 0), parent);
+        const auto other = peer(); // which begins anew with what all share
+        EXPECT_EQ(ask(*other, "set b 2"), "0");
+        char c = 'x';
+        EXPECT_EQ(::write(go[1], &c, 1), 1);
+        EXPECT_EQ(::read(told[0], &c, 1), 1) << "it crashed";
+        EXPECT_EQ(c, 'y');
+        EXPECT_EQ(ask(*other, isUsedAtOnce ? "get c" : "get d"), "3");
+        ::close(told[0]);
+        ::close(go[1]);
+    }
+}
+
 TEST_F(SeveralProcesses, AForkedChildUsesTheStoreOnItsOwn) {
     ASSERT_EQ(add("a", "1"), errSecSuccess);
     const pid_t child = ::fork();

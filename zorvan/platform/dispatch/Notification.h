@@ -25,19 +25,21 @@ struct Notification {
     /// Absent when the sender added nothing.
     std::optional<UserInfo> userInfo;
 
-    explicit Notification(NSNotificationName name, std::shared_ptr<const void> object = {},
-                          std::optional<UserInfo> userInfo = {})
-        : name(name), object(std::move(object)), userInfo(std::move(userInfo)) {}
+    explicit Notification(NSNotificationName name_, std::shared_ptr<const void> object_ = {},
+                          std::optional<UserInfo> userInfo_ = {})
+        : name(name_), object(std::move(object_)), userInfo(std::move(userInfo_)) {}
 
     /// The value under the key when there is one of exactly that type, else null. It lives in the
     /// notification.
     template <class T>
-    const T* value(std::string_view key) const noexcept {
+    const T* value(std::string_view key) const& noexcept {
         if (!userInfo)
             return nullptr;
         const auto found = userInfo->find(key);
         return found == userInfo->end() ? nullptr : std::any_cast<T>(&found->second);
     }
+    template <class T>
+    const T* value(std::string_view key) const&& = delete; // it would end with the temporary
 };
 
 } // namespace zorvan

@@ -180,7 +180,7 @@ private:
 
     template <ArchivedByRawValue T>
     Reference reference(const T& value) {
-        return reference(value.rawValue());
+        return reference(RawRepresentation<T>::rawValue(value));
     }
 
     [[noreturn]] static void refuseInteger();

@@ -204,9 +204,9 @@ private:
 
     template <ArchivedByRawValue T>
     T read(const Object& object, Of<T>) const {
-        using Raw = std::remove_cvref_t<decltype(std::declval<const T&>().rawValue())>;
+        using Raw = std::remove_cvref_t<detail::RawValueOf<T>>;
         using Stored = std::conditional_t<std::integral<Raw>, Raw, std::string>;
-        std::optional<T> value = T::make({.rawValue = read(object, Of<Stored>())});
+        std::optional<T> value = RawRepresentation<T>::make(read(object, Of<Stored>()));
         if (!value)
             refuse("a raw value stands for nothing");
         return std::move(*value);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zorvan/platform/foundation/RawRepresentable.h>
+
 #include <concepts>
 #include <cstdint>
 #include <memory>
@@ -53,12 +55,20 @@ concept NSSecureCoding = requires(const T& value, NSKeyedArchiver& archiver) {
 }
 &&detail::DecodesItself<T>;
 
-/// A type whose values are named by a text or an integer; archived as that.
+namespace detail {
+
 template <class T>
-concept ArchivedByRawValue = !NSSecureCoding<T> && requires(const T& value) {
-    { T::make({.rawValue = value.rawValue()}) } -> std::convertible_to<std::optional<T>>;
-    requires std::convertible_to<decltype(value.rawValue()), std::string_view> ||
-        std::integral<decltype(value.rawValue())>;
+using RawValueOf = decltype(RawRepresentation<T>::rawValue(std::declval<const T&>()));
+
+} // namespace detail
+
+/// A type whose values are named by a text or an integer, as `RawRepresentation` says; archived as
+/// that.
+template <class T>
+concept ArchivedByRawValue = !NSSecureCoding<T> && requires(const detail::RawValueOf<T>& raw) {
+    { RawRepresentation<T>::make(raw) } -> std::convertible_to<std::optional<T>>;
+    requires std::convertible_to<detail::RawValueOf<T>, std::string_view> ||
+        std::integral<detail::RawValueOf<T>>;
 };
 
 } // namespace zorvan

@@ -176,6 +176,8 @@ void Database::configure() {
     sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+    // It is closed while the process forks, which should not take longer for it.
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, 32 << 20);
     setJournal();
     // In this mode a commit is on the disk when it returns.
@@ -251,17 +253,22 @@ Statement Database::statement(const std::string& text) {
 
 int Database::changes() const { return sqlite3_changes(connection_.get()); }
 
-Database::Transaction::Transaction(Database& database) : database_(database) {
-    database_.statement("BEGIN IMMEDIATE").step();
+bool Database::isTransacting() const { return sqlite3_get_autocommit(connection_.get()) == 0; }
+
+Database::Transaction::Transaction(Database& database)
+    : database_(database), isInner_(database.isTransacting()) {
+    database_.statement(isInner_ ? "SAVEPOINT inner_part" : "BEGIN IMMEDIATE").step();
 }
 
 Database::Transaction::~Transaction() {
     if (isOpen_)
-        sqlite3_exec(database_.connection_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+        sqlite3_exec(database_.connection_.get(),
+                     isInner_ ? "ROLLBACK TO inner_part; RELEASE inner_part" : "ROLLBACK", nullptr,
+                     nullptr, nullptr);
 }
 
 void Database::Transaction::commit() {
-    database_.statement("COMMIT").step();
+    database_.statement(isInner_ ? "RELEASE inner_part" : "COMMIT").step();
     isOpen_ = false;
 }
 

@@ -9,7 +9,6 @@
 #include <sodium.h>
 #include <span>
 #include <string>
-#include <unistd.h>
 #include <utility>
 
 namespace zorvan::security {
@@ -18,9 +17,10 @@ namespace {
 
 /// In the order in which `rowOf` reads them.
 const std::string& columns() {
-    static const std::string names = [] {
-        std::string list =
-            "reference, synchronizable, created, modified, revision, sealing_key, sealed";
+    static const std::string& names = []() -> const std::string& {
+        // Never destroyed, since it may be used while the program ends.
+        auto& list = *new std::string(
+            "reference, synchronizable, created, modified, revision, sealing_key, sealed");
         for (const TextColumn& column : textColumns)
             list += std::string(", ") + column.column;
         return list;
@@ -201,37 +201,46 @@ void bindItem(Statement& statement, const SecureItem& item) {
 
 } // namespace
 
+// Never closed at the end, since it may be used while the program ends.
+constinit ItemStore* ItemStore::ofUser_ = nullptr;
+
 ItemStore::ItemStore(PrivateFolder folder)
-    : folder_(folder), database_(folder), custody_(folder), process_(::getpid()) {}
+    : folder_(folder), database_(std::in_place, folder), custody_(folder) {}
 
 bool ItemStore::isUsable(const std::string& path) const {
-    return folder_.path() == path && folder_.isInPlace() && database_.isInPlace(folder_);
+    return folder_.path() == path && folder_.isInPlace() &&
+           (database_ ? database_->isInPlace(folder_) : Database::exists(folder_));
 }
 
 ItemStore& ItemStore::ofUser(bool mayCreate) {
-    // Never closed at the end: a child of the process would close it too, which a connection does
-    // not bear.
-    static ItemStore* store = nullptr;
-    if (store && store->process_ != ::getpid())
-        store = nullptr;
     std::string path = PrivateFolder::standardPath();
-    if (store && store->isUsable(path))
-        return *store;
-    delete std::exchange(store, nullptr);
+    const bool isOpen = ofUser_ && ofUser_->database_;
+    if (isOpen && (ofUser_->database_->isTransacting() || ofUser_->isUsable(path)))
+        return *ofUser_;
+    if (!isOpen && ofUser_ && ofUser_->isUsable(path)) {
+        ofUser_->database_.emplace(ofUser_->folder_);
+        return *ofUser_;
+    }
+    delete std::exchange(ofUser_, nullptr);
     PrivateFolder folder(std::move(path));
     if (mayCreate)
         folder.create();
     else if (!Database::exists(folder))
         throw Failure{errSecItemNotFound};
     folder.open();
-    store = new ItemStore(std::move(folder));
-    return *store;
+    ofUser_ = new ItemStore(std::move(folder));
+    return *ofUser_;
+}
+
+void ItemStore::closeForFork() {
+    if (ofUser_)
+        ofUser_->database_.reset();
 }
 
 bool ItemStore::add(const NewItem& item) {
     // The keyring may take its time, for which no other process should have to wait.
     const SealingKey& key = custody_.forSealing();
-    Database::Transaction transaction(database_);
+    Database::Transaction transaction(*database_);
     if (!insert(item, matching(relativesOf(item.attributes.texts)), key))
         return false;
     transaction.commit();
@@ -240,7 +249,7 @@ bool ItemStore::add(const NewItem& item) {
 
 void ItemStore::addOrUpdate(const NewItem& item) {
     const SealingKey& key = custody_.forSealing();
-    Database::Transaction transaction(database_);
+    Database::Transaction transaction(*database_);
     std::vector<SecureItem> relatives = matching(relativesOf(item.given.texts));
     if (!insert(item, relatives, key))
         giveValue(relatives, item.given, key);
@@ -249,7 +258,7 @@ void ItemStore::addOrUpdate(const NewItem& item) {
 
 void ItemStore::update(const ItemQuery& query, const ItemAttributes& changes) {
     const SealingKey& key = custody_.forSealing();
-    Database::Transaction transaction(database_);
+    Database::Transaction transaction(*database_);
     bool isChanged = false;
     for (const SecureItem& row : matching(query)) {
         SecureItem changed = row;
@@ -276,7 +285,7 @@ bool ItemStore::insert(const NewItem& item, const std::vector<SecureItem>& relat
     row.revision = before.lastRevision + 1;
     const Data empty;
     seal(row, key, item.attributes.value ? *item.attributes.value : empty);
-    Statement statement = database_.statement(insertion);
+    Statement statement = database_->statement(insertion);
     bindItem(statement, row);
     statement.step();
     return true;
@@ -310,7 +319,7 @@ ItemStore::Opening ItemStore::open(const SecureItem& item) {
 
 std::vector<SecureItem> ItemStore::matching(const ItemQuery& query) {
     Statement statement =
-        database_.statement("SELECT " + columns() + " FROM items" + conditionsOf(query));
+        database_->statement("SELECT " + columns() + " FROM items" + conditionsOf(query));
     bindConditions(statement, query);
     std::vector<SecureItem> rows;
     while (statement.step())
@@ -354,18 +363,45 @@ bool ItemStore::change(const SecureItem& row, SecureItem& changed, const Data* v
     seal(changed, newKey, kept ? kept->bytes() : *value);
     // A row stays where it is, unless what identifies it is written.
     Statement statement =
-        database_.statement(isDescribedAlike(row, changed) ? valueOnly : describing);
+        database_->statement(isDescribedAlike(row, changed) ? valueOnly : describing);
     bindItem(statement, changed);
     bindName(statement, row);
     statement.step();
-    return database_.changes() > 0;
+    return database_->changes() > 0;
+}
+
+std::optional<Secret> ItemStore::valueOf(const ItemQuery& query) {
+    try {
+        return std::move(find(query).front().value);
+    } catch (const Failure& failure) {
+        if (failure.status == errSecItemNotFound)
+            return std::nullopt;
+        throw;
+    }
+}
+
+void ItemStore::modify(const ItemQuery& query, ItemAttributes written, const ChangeValue& change) {
+    custody_.forSealing(); // before the transaction, as it may take its time
+    Database::Transaction transaction(*database_);
+    const std::optional<Secret> before = valueOf(query);
+    std::optional<Data> after = before ? std::optional(before->bytes()) : std::nullopt;
+    const WipedAtEnd afterwards(after);
+    change(after);
+    if (after ? before && before->bytes() == *after : !before)
+        return;
+    written.value = after ? &*after : nullptr;
+    if (after)
+        addOrUpdate(NewItem(written, !written.isSynchronizable));
+    else
+        remove(query);
+    transaction.commit();
 }
 
 void ItemStore::remove(const ItemQuery& query) {
-    Statement statement = database_.statement("DELETE FROM items" + conditionsOf(query));
+    Statement statement = database_->statement("DELETE FROM items" + conditionsOf(query));
     bindConditions(statement, query);
     statement.step();
-    if (database_.changes() == 0)
+    if (database_->changes() == 0)
         throw Failure{errSecItemNotFound};
 }
 

@@ -9,9 +9,12 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
 #include <sodium.h>
 #include <span>
+#include <string>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace zorvan::security {
@@ -21,6 +24,8 @@ namespace {
 using zorvan::internal::FileDescriptor;
 
 constexpr const char* keyFile = "key";
+constexpr std::string_view temporaryStart = "key."; // then a UUID
+constexpr std::size_t temporarySize = temporaryStart.size() + 36;
 constexpr std::string_view magic = "zorvkey1";
 
 /// The file: the magic, the identifier, the key, and a sum over these, which tells damage from a
@@ -93,16 +98,39 @@ bool writeAll(int descriptor, const Data& bytes) {
     return ::fsync(descriptor) == 0;
 }
 
+/// Moves a file to a name, unless that is taken, which counts as done. Where the volume cannot do
+/// that in one step, the file has both names for a moment.
+bool moveUnlessTaken(const std::string& from, const std::string& to) {
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    return errno == EEXIST ||
+           (errno == EINVAL && (::link(from.c_str(), to.c_str()) == 0 || errno == EEXIST));
+}
+
+/// Takes away the first names of a key file that a process was ended over before it could: those
+/// that begin as such names do and are the same file.
+void dropFirstNames(const PrivateFolder& folder, ino_t node) {
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path(), error)) {
+        const std::string name = entry.path().filename().string();
+        if (!name.starts_with(temporaryStart) || name.size() != temporarySize)
+            continue;
+        const auto status = folder.statusOfAny(name.c_str());
+        if (status && status->st_ino == node)
+            ::unlink(entry.path().c_str());
+    }
+}
+
 /// Puts a whole file under the name of the key, unless that is taken.
 void placeKeyFile(const PrivateFolder& folder, const SealingKey& key) {
-    const std::string temporary = folder.path(("key." + makeUUIDString()).c_str());
+    const std::string temporary =
+        folder.path((std::string(temporaryStart) + makeUUIDString()).c_str());
     const FileDescriptor file(
         ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file)
         throw Failure{errno == ENOSPC ? errSecDiskFull : errSecIO};
-    const bool isPlaced =
-        writeAll(file.get(), fileOf(key).bytes()) &&
-        (::link(temporary.c_str(), folder.path(keyFile).c_str()) == 0 || errno == EEXIST);
+    const bool isPlaced = writeAll(file.get(), fileOf(key).bytes()) &&
+                          moveUnlessTaken(temporary, folder.path(keyFile));
     const int error = errno;
     ::unlink(temporary.c_str());
     if (!isPlaced)
@@ -127,9 +155,13 @@ std::optional<SealingKey> readKeyFile(const PrivateFolder& folder) {
     if (!file && errno == ENOENT)
         return std::nullopt;
     struct stat status {};
-    // Two links are what there is for a moment while another process puts the file in place.
-    if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
-        status.st_uid != ::geteuid() || (status.st_mode & 0077) != 0 || status.st_nlink > 2)
+    const auto look = [&] { return file && ::fstat(file.get(), &status) == 0; };
+    if (look() && status.st_nlink > 1) {
+        dropFirstNames(folder, status.st_ino);
+        look();
+    }
+    if (!file || !S_ISREG(status.st_mode) || status.st_uid != ::geteuid() ||
+        (status.st_mode & 0077) != 0 || status.st_nlink != 1)
         throw Failure{errSecAuthFailed};
     return keyIn(contentsOf(file).bytes());
 }

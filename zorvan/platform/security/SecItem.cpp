@@ -6,9 +6,12 @@
 
 #include <algorithm>
 #include <chrono>
+#include <exception>
 #include <mutex>
 #include <new>
+#include <pthread.h>
 #include <span>
+#include <utility>
 
 namespace zorvan {
 
@@ -19,11 +22,45 @@ using namespace security;
 /// Held by whoever uses the items, whatever for.
 constinit std::mutex itemsMutex;
 
+/// Whether this thread holds it, for a function that changes a value and may use the items too.
+thread_local bool isModifying = false;
+
+class Modifying {
+public:
+    Modifying() noexcept : before_(std::exchange(isModifying, true)) {}
+    Modifying(const Modifying&) = delete;
+    Modifying& operator=(const Modifying&) = delete;
+    ~Modifying() { isModifying = before_; }
+
+private:
+    const bool before_;
+};
+
+void prepareFork() {
+    if (isModifying)
+        return;
+    itemsMutex.lock();
+    ItemStore::closeForFork();
+}
+
+void endFork() {
+    if (!isModifying)
+        itemsMutex.unlock();
+}
+
+void prepareForForks() {
+    static const int registered = ::pthread_atfork(prepareFork, endFork, endFork);
+    (void)registered;
+}
+
 /// Does something with the user's items, one thread at a time.
 template <class Action>
 OSStatus withItems(Action action) {
+    prepareForForks();
     try {
-        const std::lock_guard lock(itemsMutex);
+        std::unique_lock lock(itemsMutex, std::defer_lock);
+        if (!isModifying)
+            lock.lock();
         action();
         return errSecSuccess;
     } catch (const Failure& failure) {
@@ -140,6 +177,27 @@ OSStatus SecItemDelete(const PropertyList::Dictionary& query) {
 
 OSStatus security::remove(const ItemQuery& query) {
     return withItems([&] { ItemStore::ofUser(false).remove(query); });
+}
+
+OSStatus security::modify(const ItemQuery& query, const ItemAttributes& written,
+                          const std::function<void(std::optional<Data>& value)>& change) {
+    std::exception_ptr thrown;
+    const auto changeOrFail = [&](std::optional<Data>& value) {
+        try {
+            change(value);
+        } catch (...) {
+            thrown = std::current_exception();
+            throw Failure{errSecParam};
+        }
+    };
+    const OSStatus status = withItems([&] {
+        ItemStore& store = ItemStore::ofUser(true);
+        const Modifying modifying;
+        store.modify(query, written, changeOrFail);
+    });
+    if (thrown)
+        std::rethrow_exception(thrown);
+    return status;
 }
 
 } // namespace zorvan

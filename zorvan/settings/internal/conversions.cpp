@@ -1,5 +1,6 @@
 #include <zorvan/settings/internal/conversions.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <limits>
@@ -40,15 +41,24 @@ std::int64_t integerIn(std::string_view text) {
                               : static_cast<std::int64_t>(magnitude);
 }
 
+/// The power of ten of the first digit that is not 0, without the exponent.
+std::int64_t magnitudeOf(std::string_view digits) {
+    const std::size_t point = std::min(digits.find('.'), digits.size());
+    const auto first = static_cast<std::int64_t>(digits.find_first_not_of("0."));
+    const auto units = static_cast<std::int64_t>(point);
+    return first < units ? units - 1 - first : units - first;
+}
+
 /// Beyond the range `from_chars` says only that it is: the value is 0 when the number is small.
 double outOfRange(std::string_view text) {
-    const std::size_t exponent = text.find_first_of("eE");
-    const bool hasNegativeExponent =
-        exponent != std::string_view::npos && text.substr(exponent + 1).starts_with('-');
-    const std::size_t digit = text.find_first_not_of("0.");
-    const bool isFraction = digit != std::string_view::npos && text.find('.') < digit;
-    const bool isSmall = hasNegativeExponent || (isFraction && exponent == std::string_view::npos);
-    return isSmall ? 0 : std::numeric_limits<double>::infinity();
+    const std::size_t letter = std::min(text.find_first_of("eE"), text.size());
+    const std::string_view exponent = text.substr(std::min(letter + 1, text.size()));
+    // Within bounds that no length of a text reaches, so that the sum does not overflow.
+    constexpr std::int64_t limit = std::int64_t{1} << 62;
+    const std::int64_t power = std::clamp(integerIn(exponent), -limit, limit);
+    return magnitudeOf(text.substr(0, letter)) + power < 0
+               ? 0
+               : std::numeric_limits<double>::infinity();
 }
 
 double realIn(std::string_view text) {

@@ -68,7 +68,10 @@ public:
     /// Rows changed by the last statement.
     int changes() const;
 
-    /// Everything until `commit`, or nothing.
+    /// Whether a transaction is open.
+    bool isTransacting() const;
+
+    /// Everything until `commit`, or nothing. One within another is a part of it.
     class Transaction {
     public:
         explicit Transaction(Database& database);
@@ -79,6 +82,7 @@ public:
 
     private:
         Database& database_;
+        const bool isInner_;
         bool isOpen_ = true;
     };
 

@@ -6,8 +6,9 @@
 #include <zorvan/platform/security/internal/PrivateFolder.h>
 #include <zorvan/platform/security/internal/SecureItem.h>
 
+#include <functional>
+#include <optional>
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 namespace zorvan::security {
@@ -18,12 +19,18 @@ struct OpenedItem {
     Secret value;
 };
 
+using ChangeValue = std::function<void(std::optional<Data>& value)>;
+
 /// The items of a folder. Everything throws `Failure`.
 class ItemStore {
 public:
     /// The items of this user; made when there are none and `mayCreate`, else `errSecItemNotFound`.
     /// Used under a lock of the caller's.
     static ItemStore& ofUser(bool mayCreate);
+    /// Closes the database of this user until it is used next. A connection does not bear being
+    /// copied into a child: it holds no locks there, but takes itself to be one of the users of the
+    /// files.
+    static void closeForFork();
 
     /// False when it is there already.
     bool add(const NewItem& item);
@@ -33,6 +40,11 @@ public:
     std::vector<OpenedItem> find(const ItemQuery& query);
     void update(const ItemQuery& query, const ItemAttributes& changes);
     void remove(const ItemQuery& query);
+    /// In one transaction: has the function change the value that the query finds, absent for none,
+    /// and writes it with the query's attributes as `addOrUpdate` does, or removes what the query
+    /// finds when it is absent then. Whatever the function does with the store is part of the
+    /// transaction.
+    void modify(const ItemQuery& query, ItemAttributes written, const ChangeValue& change);
 
 private:
     /// What came of opening a value: neither when it is damaged.
@@ -43,6 +55,7 @@ private:
 
     explicit ItemStore(PrivateFolder folder);
     bool isUsable(const std::string& path) const;
+    std::optional<Secret> valueOf(const ItemQuery& query);
     Opening open(const SecureItem& item);
     std::vector<SecureItem> matching(const ItemQuery& query);
 
@@ -56,10 +69,11 @@ private:
     bool change(const SecureItem& row, SecureItem& changed, const Data* value,
                 const SealingKey& newKey);
 
+    static ItemStore* ofUser_; // null until there is one
+
     PrivateFolder folder_;
-    Database database_;
+    std::optional<Database> database_; // absent while it is closed for a fork
     KeyCustody custody_;
-    pid_t process_;
 };
 
 } // namespace zorvan::security
