@@ -1,6 +1,6 @@
-// Mapping a list on every core: heavy transforms beside a parallel loop of oneTBB into a vector that
-// has its size already, ten light elements beside a plain loop, and ten million beside two threads by
-// hand.
+// Mapping a list on every core: heavy transforms beside a parallel loop of oneTBB into a vector
+// that has its size already, ten light elements beside a plain loop, and ten million beside two
+// threads by hand.
 
 #include <zorvan/collections/Parallel.h>
 
@@ -68,8 +68,9 @@ void tenLightPlainLoop(benchmark::State& state) {
 
 void fillMillionsOurs(benchmark::State& state) {
     const auto list = numbers(10'000'000);
+    const auto transform = [](std::int64_t number) { return light(number); }; // inlined, as below
     for (auto _ : state)
-        benchmark::DoNotOptimize(parallelMap(list, light).data());
+        benchmark::DoNotOptimize(parallelMap(list, transform).data());
 }
 
 void fillMillionsTwoThreads(benchmark::State& state) {

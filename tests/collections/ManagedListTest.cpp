@@ -196,6 +196,9 @@ TEST(ManagedList, tellsWhereItemsWentOfTheChangeThatIsTold) {
                                                   if (list->count() == 3)
                                                       list->insert({'x'}, 0);
                                               });
+    const auto early =
+        center->addObserver(NSNotificationName(Letters::willReloadNotification), list, nullptr,
+                            [&](const Notification&) { EXPECT_FALSE(list->reordering()); });
     const auto asking = center->addObserver(
         NSNotificationName(Letters::didReloadNotification), list, nullptr,
         [&](const Notification&) { firsts.push_back(list->reordering()->newPosition(0).value()); });
@@ -203,6 +206,73 @@ TEST(ManagedList, tellsWhereItemsWentOfTheChangeThatIsTold) {
     EXPECT_EQ(firsts, (std::vector<std::int64_t>{1, 2}));
     center->removeObserver(changing);
     center->removeObserver(asking);
+    center->removeObserver(early);
+}
+
+namespace {
+
+/// Undoing, as the guide tells it.
+template <class Item>
+struct TakenBack {
+    ManagedListEdition edition; // as told after the change
+    std::vector<Item> items;    // as told before it: see itemsToKeep
+
+    static std::vector<Item> itemsToKeep(const ManagedList<Item>& list,
+                                         const ManagedListEdition& told) {
+        if (told.action == Action::sort)
+            return list.items();
+        return at(list.items(), told.removedIndexes ? *told.removedIndexes
+                                                    : told.movedFromIndexes.value_or(IndexSet()));
+    }
+    void apply(ManagedList<Item>& list) const {
+        if (edition.insertedIndexes)
+            list.remove(*edition.insertedIndexes);
+        if (edition.removedIndexes)
+            putBack(list, *edition.removedIndexes);
+        if (edition.movedToIndexes) {
+            list.remove(*edition.movedToIndexes);
+            putBack(list, *edition.movedFromIndexes);
+        }
+        if (edition.action == Action::sort) {
+            list.removeAllItems();
+            list.insert(items, 0);
+        }
+        list.setSelection(*edition.oldSelection);
+    }
+    void putBack(ManagedList<Item>& list, const IndexSet& places) const {
+        auto next = items.begin();
+        for (const IndexSet::Range place : places.ranges()) {
+            list.insert({next, next + place.count()}, place.lower);
+            next += place.count();
+        }
+    }
+};
+
+} // namespace
+
+TEST(ManagedList, tellsEnoughToTakeAChangeBack) {
+    const std::function<void(Letters&)> changes[] = {
+        [](Letters& l) { l.insert({'x', 'y'}, 2); }, [](Letters& l) { l.remove({0, 2, 3}); },
+        [](Letters& l) { l.move({0, 2, 5}, 4); },    [](Letters& l) { l.sort(std::greater<>{}); },
+        [](Letters& l) { l.selectAll(); },
+    };
+    for (const auto& change : changes) {
+        const auto list = letters("cbadfe");
+        list->setSelection({1, 4});
+        const std::vector<char> before = list->items();
+        std::vector<char> kept;
+        Announcements<char> announced(list);
+        const auto keeping = NSNotificationCenter::defaultCenter()->addObserver(
+            NSNotificationName(Letters::willReloadNotification), list, nullptr,
+            [&](const Notification& note) {
+                kept = TakenBack<char>::itemsToKeep(*list, *Letters::edition(note));
+            });
+        change(*list);
+        NSNotificationCenter::defaultCenter()->removeObserver(keeping);
+        TakenBack<char>{announced.posts[1].edition, kept}.apply(*list);
+        EXPECT_EQ(list->items(), before);
+        EXPECT_EQ(list->selection(), IndexSet({1, 4}));
+    }
 }
 
 TEST(ManagedList, takesItsOwnItemsUnderAFilter) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tests/files/TemporaryFolder.h>
+
 #include <zorvan/hosts/QtWindowHost.h>
 #include <zorvan/interface/DynamicToolbar.h>
 #include <zorvan/interface/NSApplication.h>
@@ -24,6 +26,8 @@ class HostTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        static const TemporaryFolder home; // for the settings
+        ::setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
         static int count = 1;
         static char name[] = "test";
         static char* arguments[] = {name, nullptr};

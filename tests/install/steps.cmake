@@ -107,7 +107,7 @@ elseif(STEP STREQUAL headers-stand-alone)
        "set_target_properties(headers PROPERTIES NO_SYSTEM_FROM_IMPORTED ON)\n"
        "target_compile_options(headers PRIVATE -fsyntax-only)\n"
        "target_link_libraries(headers PRIVATE Zorvan::Zorvan)\n"
-       # Those for other toolkits stand on the toolkit's own.
+       # Those for Qt stand on Qt's own; those for GTK declare themselves what they need of it.
        "find_package(PkgConfig REQUIRED)\n"
        "if(TARGET Zorvan::QtModels)\n"
        "  pkg_check_modules(Qt REQUIRED Qt6Gui)\n"
@@ -204,6 +204,23 @@ elseif(STEP STREQUAL readme)
       message(FATAL_ERROR "The example has not written ${name}.png")
     endif()
   endforeach()
+
+elseif(STEP MATCHES "^(qt-filter|qml-filter|gtk-million)$")
+  # An example that draws its window without a screen. The pictures of the guide are made so:
+  # ZORVAN_PICTURES=$PWD/docs/images ctest --test-dir build/release -R install
+  build_consumer(${SOURCE_TREE}/examples/${STEP})
+  set(screen ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software)
+  if(STEP STREQUAL gtk-million)
+    set(screen xvfb-run -a ${CMAKE_COMMAND} -E env GDK_BACKEND=x11 GSK_RENDERER=cairo)
+  endif()
+  must_run(${screen} ${WORK}/${STEP}-build/${STEP} ${WORK}/${STEP}.png)
+  file(SIZE ${WORK}/${STEP}.png size)
+  if(size LESS 5000)
+    message(FATAL_ERROR "The example has drawn next to nothing: ${size} bytes")
+  endif()
+  if(DEFINED ENV{ZORVAN_PICTURES})
+    file(COPY ${WORK}/${STEP}.png DESTINATION $ENV{ZORVAN_PICTURES})
+  endif()
 
 else()
   message(FATAL_ERROR "There is no step ${STEP}")

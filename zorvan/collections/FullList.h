@@ -71,10 +71,10 @@ private:
     /// nothing; or all of them.
     enum class Finding { own, lost, done };
 
-    /// Up to so many are looked for one by one, which is quicker than finding all, as long as it
-    /// does not go on and on.
+    /// Up to so many are looked for one by one, which is quicker than finding all; by the time
+    /// there were many such walks, finding all would have cost no more.
     static constexpr std::int64_t few = 4;
-    static constexpr std::int64_t manyWalks = 16;
+    static constexpr std::int64_t manyWalks = 64;
 
     std::int64_t count() const noexcept { return countOf(items_); }
     void setFinding(Finding finding) const noexcept {

@@ -9,6 +9,8 @@
 #include <initializer_list>
 #include <iterator>
 #include <limits>
+#include <memory>
+#include <new>
 #include <optional>
 #include <set>
 #include <span>
@@ -151,10 +153,26 @@ public:
     }
 
 private:
-    explicit IndexSet(std::span<const Range> ranges);
+    /// Leaves new elements as they are, for merges that write each before it is read.
+    struct Allocator : std::allocator<Range> {
+        template <class Other>
+        struct rebind {
+            using other = Allocator;
+        };
+        using std::allocator<Range>::allocator;
+        void construct(Range* place) noexcept { ::new (static_cast<void*>(place)) Range; }
+        void construct(Range* place, Range range) noexcept {
+            ::new (static_cast<void*>(place)) Range(range);
+        }
+    };
+    using Ranges = std::vector<Range, Allocator>;
+
+    template <template <class> class Merge, class Second>
+    static Ranges merge(std::span<const Range> a, Second b, Second bEnd);
+    explicit IndexSet(Ranges ranges);
     std::size_t rangeEndingAfter(std::int64_t index) const noexcept;
 
-    std::vector<Range> ranges_;
+    Ranges ranges_;
     std::int64_t count_ = 0;
 };
 

@@ -132,8 +132,9 @@ public:
         return reordering_ ? std::optional((*reordering_)()) : std::nullopt;
     }
 
-    /// Where the item at a shown position stands in the full list: the first place of an equal
-    /// item. The position itself when no filter is set, and for the end of the shown list.
+    /// Where changes take the item at a shown position to stand in the full list: the first place
+    /// of an equal item, or its own until something changes after a filter was set. The position
+    /// itself when no filter is set, and for the end of the shown list.
     std::int64_t fullPosition(std::int64_t shown) const {
         return filter_ && shown >= 0 ? full_.position(items_, shown) : shown;
     }
@@ -202,6 +203,7 @@ private:
 template <std::equality_comparable Item>
 void ManagedList<Item>::Change::announceWill() const {
     const Setting<bool> isAnnouncing(list_->isAnnouncingWill_, true);
+    const Setting<const MakeReordering*> none(list_->reordering_, nullptr);
     announce(willReloadNotification);
 }
 

@@ -22,11 +22,11 @@ namespace detail {
 template <class Element, class Transform>
 using ParallelResult = std::decay_t<std::invoke_result_t<Transform&, const Element&>>;
 
-/// Values that may lie in the result before they are known. Truth values share their bytes there, so
-/// that two threads could not write them.
+/// Values that may lie in the result before they are known. Truth values share their bytes there,
+/// so that two threads could not write them.
 template <class Value>
-concept IsFilledInPlace = std::is_trivially_copyable_v<Value> &&
-                          std::is_default_constructible_v<Value> && !std::same_as<Value, bool>;
+concept IsFilledInPlace = std::is_trivially_copyable_v<Value> && std::is_move_assignable_v<Value> &&
+    std::is_default_constructible_v<Value> && !std::same_as<Value, bool>;
 
 } // namespace detail
 

@@ -61,7 +61,7 @@ public:
     /// as it has run the action: what an edition leaves out for a sort and a reversal, and what
     /// tells equal elements apart. A replaced element is the old one in its place; all are gone
     /// after `setEntries`. It is made when it is asked for, and costs nothing otherwise. Absent
-    /// once a handler has returned.
+    /// once the handler has returned.
     std::optional<Reordering> reordering() const {
         return reordering_ ? std::optional(reordering_()) : std::nullopt;
     }

@@ -174,6 +174,7 @@ public:
             visit(*walk);
         }
         expectAllSeen(*walk);
+        targetPath_ = to_;
         finishTarget(source);
     }
 
@@ -198,7 +199,7 @@ private:
     }
 
     void enter(const Place& source, const char* name) {
-        // Opened, because a folder that cannot be is no reason for the walk to stop.
+        // Opened, because the walk would pass over one that cannot be, and say so only later.
         if (folders_.front() == identityOf(statusOf(opened(source, folderFlags), source)))
             throwFileError("cannot copy a folder into itself:", source.path, EINVAL);
         makeTarget(target_.get(), name);

@@ -12,7 +12,7 @@
 namespace zorvan {
 
 std::string lastPathTitle(const URL& url) {
-    return std::string(url.deletingPathExtension().lastPathComponent());
+    return url.deletingPathExtension().lastPathComponent();
 }
 
 URL replacingPathExtension(const URL& url, std::string_view extension) {

@@ -3,6 +3,8 @@
 #include <zorvan/hosts/internal/QtMenus.h>
 #include <zorvan/hosts/internal/ViewMirror.h>
 #include <zorvan/hosts/internal/WindowWidget.h>
+#include <zorvan/hosts/internal/accessibility.h>
+#include <zorvan/hosts/internal/clipboard.h>
 #include <zorvan/interface/NSApplication.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
 #include <zorvan/platform/foundation/fatalError.h>
@@ -33,6 +35,8 @@ void serveApplication() {
         NSApplication::shared().setActive(state == Qt::ApplicationActive);
     };
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, qApp, follow);
+    internal::installAccessibility();
+    internal::shareClipboard();
     NSMenu::setHost([](NSMenu& menu) { internal::openMenu(menu); });
 }
 

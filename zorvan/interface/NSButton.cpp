@@ -182,7 +182,9 @@ bool NSButton::performKeyEquivalent(const NSEvent& with) {
 
 std::string NSButton::ownAccessibilityLabel() const {
     const auto picture = image();
-    return title().empty() && picture ? picture->accessibilityDescription() : title();
+    return !title().empty() || !toolTip().empty() || !picture
+               ? title()
+               : picture->accessibilityDescription();
 }
 
 } // namespace zorvan

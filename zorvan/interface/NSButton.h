@@ -82,7 +82,7 @@ protected:
     NSAccessibilityRole ownAccessibilityRole() const override {
         return NSAccessibilityRole::button;
     }
-    /// The title, else what the image is said to show.
+    /// The title; without one, and without a tool tip, what the image is said to show.
     std::string ownAccessibilityLabel() const override;
     static PropertyList::Dictionary encodeFrame(const CGRect& frame);
     static CGRect decodeFrame(const PropertyList::Dictionary& coder);

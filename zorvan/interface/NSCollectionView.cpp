@@ -22,6 +22,11 @@ std::shared_ptr<NSView> NSCollectionViewDataSource::viewForItem(NSCollectionView
     return nullptr;
 }
 
+std::optional<URL> NSCollectionViewDataSource::draggedURL(const NSCollectionView&,
+                                                          IndexPath) const {
+    return std::nullopt;
+}
+
 void NSCollectionViewDataSource::itemOpened(NSCollectionView&, IndexPath) {}
 
 void NSCollectionViewObserver::itemsUpdated(const NSCollectionView::Updates&, bool) {}

@@ -8,11 +8,13 @@
 #include <zorvan/platform/appkit/NSView.h>
 #include <zorvan/platform/appkit/ObserverList.h>
 #include <zorvan/platform/foundation/Required.h>
+#include <zorvan/platform/foundation/URL.h>
 
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -37,6 +39,9 @@ public:
     virtual std::string text(const NSCollectionView& view, IndexPath item) const;
     /// A new view that shows an item; null, unless overridden, for none.
     virtual std::shared_ptr<NSView> viewForItem(NSCollectionView& view, IndexPath item);
+    /// What a drag of the item carries out of the window, such as a file; absent, unless
+    /// overridden, for an item that is not dragged.
+    virtual std::optional<URL> draggedURL(const NSCollectionView& view, IndexPath item) const;
     /// A person opens the item, by a double click or with Enter. Does nothing unless overridden.
     virtual void itemOpened(NSCollectionView& view, IndexPath item);
 };
@@ -56,6 +61,7 @@ public:
     using NSView::NSView;
 
     bool isFlipped() const noexcept override { return true; }
+    bool acceptsFirstResponder() const override { return true; }
     void draw(Canvas& canvas) const override;
     void setFrame(const CGRect& frame) override;
 
@@ -75,6 +81,7 @@ public:
         "NSCollectionViewSelectionDidChangeNotification";
 
     /// Whoever shows the collection view, and tests. Not kept alive.
+    using NSView::addObserver;
     void addObserver(const std::shared_ptr<NSCollectionViewObserver>& observer) {
         observers_.add(observer);
     }

@@ -6,6 +6,13 @@
 
 namespace zorvan {
 
+CGRect NSCollectionViewLayout::frameOfItem(IndexPath at) const {
+    for (const auto& element : layoutAttributesForElements(CGRect(CGPoint(), contentSize())))
+        if (element.indexPath == at)
+            return element.frame;
+    return {};
+}
+
 void NSCollectionViewFlowLayout::prepare(const std::vector<std::int64_t>& itemCounts,
                                          double width) {
     itemCounts_ = itemCounts;
@@ -41,6 +48,19 @@ NSCollectionViewFlowLayout::layoutAttributesForElements(const CGRect& in) const 
         top += sectionHeight(count);
     }
     return elements;
+}
+
+CGRect NSCollectionViewFlowLayout::frameOfItem(IndexPath at) const {
+    const auto sections = static_cast<std::int64_t>(itemCounts_.size());
+    if (at.section < 0 || at.section >= sections || at.item < 0 ||
+        at.item >= itemCounts_[static_cast<std::size_t>(at.section)])
+        return {};
+    double top = 0;
+    for (std::size_t section = 0; section < static_cast<std::size_t>(at.section); ++section)
+        top += sectionHeight(itemCounts_[section]);
+    return {static_cast<double>(at.item % perLine_) * (itemSize_.width + spacing_),
+            top + static_cast<double>(at.item / perLine_) * (itemSize_.height + spacing_),
+            itemSize_.width, itemSize_.height};
 }
 
 CGSize NSCollectionViewFlowLayout::contentSize() const {

@@ -28,6 +28,9 @@ public:
     /// The elements whose frames share area with the rectangle, in the layout's order.
     virtual std::vector<NSCollectionViewLayoutAttributes>
     layoutAttributesForElements(const CGRect& in) const = 0;
+    /// Where an item stands; null-sized when there is no such item. Unless overridden it looks at
+    /// all elements.
+    virtual CGRect frameOfItem(IndexPath at) const;
     virtual CGSize contentSize() const = 0;
 };
 
@@ -40,6 +43,7 @@ public:
     void prepare(const std::vector<std::int64_t>& itemCounts, double width) override;
     std::vector<NSCollectionViewLayoutAttributes>
     layoutAttributesForElements(const CGRect& in) const override;
+    CGRect frameOfItem(IndexPath at) const override;
     CGSize contentSize() const override;
 
 private:
@@ -64,6 +68,7 @@ public:
     layoutAttributesForElements(const CGRect& in) const override {
         return flow_.layoutAttributesForElements(in);
     }
+    CGRect frameOfItem(IndexPath at) const override { return flow_.frameOfItem(at); }
     CGSize contentSize() const override { return flow_.contentSize(); }
 
 private:

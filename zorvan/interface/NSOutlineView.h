@@ -46,6 +46,7 @@ public:
     using NSTableView::NSTableView;
 
     /// Told of what a table tells too.
+    using NSTableView::addObserver;
     void addObserver(const std::shared_ptr<NSOutlineViewObserver>& observer);
 
     std::shared_ptr<NSOutlineViewDataSource> outlineDataSource() const noexcept {

@@ -18,6 +18,10 @@ std::string NSTableViewDataSource::text(const NSTableView&, std::int64_t, std::i
     return {};
 }
 
+std::optional<URL> NSTableViewDataSource::draggedURL(const NSTableView&, std::int64_t) const {
+    return std::nullopt;
+}
+
 void NSTableViewDataSource::sortOrderDidChange(NSTableView&) {}
 
 std::shared_ptr<NSView> NSTableViewDelegate::view(NSTableView&, std::int64_t, std::int64_t) {
@@ -308,6 +312,26 @@ void NSTableView::announceSelection() {
 void NSTableView::selectRowIndexes(const IndexSet& indexes, bool byExtendingSelection) {
     IndexSet existing = indexes.intersection(allRows());
     setSelection(byExtendingSelection ? selection_.union_(existing) : std::move(existing));
+}
+
+void NSTableView::mouseDown(const NSEvent& with) {
+    using Flags = NSEvent::ModifierFlags;
+    const Flags held = with.modifierFlags;
+    const std::int64_t clicked = row(convertFromBase(with.locationInWindow).y);
+    clickedRow_ = clicked;
+    if (clicked < 0)
+        return selectOnlyRows({});
+    if (held.contains(Flags::control) || held.contains(Flags::command))
+        return setSelection(selection_.toggling(clicked));
+    const auto above = selection_.integerLessThanOrEqualTo(clicked);
+    const auto anchor = above ? above : selection_.integerGreaterThan(clicked);
+    if (held.contains(Flags::shift) && anchor)
+        selectOnlyRows(IndexSet(IndexSet::Ends{.i1 = *anchor, .i2 = clicked}));
+    else
+        selectOnlyRow(clicked);
+    if (with.clickCount == 2)
+        if (const auto opener = delegate())
+            opener->rowOpened(*this, clicked);
 }
 
 IndexSet NSTableView::clickedRowIndexes() const {

@@ -7,6 +7,7 @@
 #include <zorvan/platform/appkit/NSView.h>
 #include <zorvan/platform/appkit/ObserverList.h>
 #include <zorvan/platform/foundation/Required.h>
+#include <zorvan/platform/foundation/URL.h>
 
 #include <cstdint>
 #include <functional>
@@ -34,6 +35,9 @@ public:
     /// The text of a cell, which the table draws where it has no cell view. Empty unless
     /// overridden.
     virtual std::string text(const NSTableView& table, std::int64_t column, std::int64_t row) const;
+    /// What a drag of the row carries out of the window, such as a file; absent, unless overridden,
+    /// for a row that is not dragged.
+    virtual std::optional<URL> draggedURL(const NSTableView& table, std::int64_t row) const;
     /// The table's `sortOrder` is another one: sort what the rows show and tell the table what
     /// changed. Does nothing unless overridden.
     virtual void sortOrderDidChange(NSTableView& table);
@@ -45,7 +49,8 @@ public:
     virtual ~NSTableViewDelegate() = default;
     /// A new view for a cell; null for none.
     virtual std::shared_ptr<NSView> view(NSTableView& table, std::int64_t column, std::int64_t row);
-    /// In points; the table's `rowHeight` unless overridden.
+    /// In points; the table's `rowHeight` unless overridden. Not asked of a table with more than
+    /// 16,777,216 rows, whose rows are all of one height.
     virtual double heightOfRow(const NSTableView& table, std::int64_t row) const;
     /// A person opens the row, by a double click or with Enter. Does nothing unless overridden.
     virtual void rowOpened(NSTableView& table, std::int64_t row);
@@ -118,6 +123,7 @@ public:
     void setDelegate(const std::shared_ptr<NSTableViewDelegate>& delegate);
 
     /// Whoever shows the table, and tests. Not kept alive.
+    using NSView::addObserver;
     void addObserver(const std::shared_ptr<NSTableViewObserver>& observer) {
         observers_.add(observer);
     }
@@ -141,6 +147,8 @@ public:
     void expandFirstColumnWidth();
 
     std::int64_t numberOfRows() const noexcept { return rowCount_; }
+    /// In points; 0 when there is no such row.
+    double heightOfRow(std::int64_t row) const;
     /// In points, for rows to which the delegate gives no other; 24 unless set.
     double rowHeight() const noexcept { return rowHeight_; }
     void setRowHeight(double height);
@@ -184,6 +192,11 @@ public:
     void selectOnlyRow(std::int64_t at) { selectRowIndexes({at}, false); }
     void selectAlsoRows(const IndexSet& at) { selectRowIndexes(at, true); }
     void selectAlsoRow(std::int64_t at) { selectRowIndexes({at}, true); }
+
+    /// Selects the row at the press: with the shift key all rows from the nearest selected one,
+    /// with the control or command key that row besides, or no longer.
+    void mouseDown(const NSEvent& with) override;
+    bool acceptsFirstResponder() const override { return true; }
 
     /// The row last clicked, -1 for none; whoever shows the table sets it.
     std::int64_t clickedRow() const noexcept { return clickedRow_; }

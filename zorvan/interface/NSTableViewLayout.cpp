@@ -33,8 +33,9 @@ void NSTableView::placeCellViews() {
 
 /// Empty when every row has the table's height.
 const std::vector<double>& NSTableView::rowTops() const {
+    constexpr std::int64_t mostRows = 1 << 24;
     const auto giver = delegate();
-    if (!rowTops_.empty() || !giver)
+    if (!rowTops_.empty() || !giver || rowCount_ > mostRows)
         return rowTops_;
     rowTops_.reserve(static_cast<std::size_t>(rowCount_) + 1);
     double top = 0;
@@ -51,6 +52,10 @@ double NSTableView::top(std::int64_t row) const {
     const std::vector<double>& tops = rowTops();
     return tops.empty() ? static_cast<double>(row) * rowHeight_
                         : tops[static_cast<std::size_t>(row)];
+}
+
+double NSTableView::heightOfRow(std::int64_t row) const {
+    return row >= 0 && row < rowCount_ ? top(row + 1) - top(row) : 0;
 }
 
 CGRect NSTableView::frameOfCell(std::int64_t atColumn, std::int64_t row) const {

@@ -29,7 +29,19 @@ void NSToolbarItem::setNavigational(bool navigational) {
 
 void NSToolbarItem::setView(std::shared_ptr<NSView> view) {
     view_ = std::move(view);
+    passToolTipOn();
     didChange();
+}
+
+void NSToolbarItem::setToolTip(std::string toolTip) {
+    toolTip_ = std::move(toolTip);
+    passToolTipOn();
+    didChange();
+}
+
+void NSToolbarItem::passToolTipOn() {
+    if (view_ && view_->toolTip().empty())
+        view_->setToolTip(toolTip_);
 }
 
 void NSToolbarItem::setImage(std::shared_ptr<NSImage> image) {

@@ -48,7 +48,8 @@ public:
 
     /// Encodes and writes what was added; true on success. False when fewer pictures were added
     /// than announced, when the encoder or the file system refuses, and when called again. A file
-    /// is put in place in one step: on failure what was there before is still there.
+    /// is put in place in one step: on failure what was there before is still there. What is there
+    /// and no regular file (a pipe, a device) is refused.
     [[nodiscard]] bool finalize();
 
 private:

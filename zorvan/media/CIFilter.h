@@ -2,6 +2,7 @@
 
 #include <zorvan/media/CIImage.h>
 #include <zorvan/media/CIVector.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <map>
 #include <memory>
@@ -13,8 +14,8 @@
 
 namespace zorvan {
 
-inline constexpr std::string_view kCIInputImageKey = "inputImage";
-inline constexpr std::string_view kCIOutputImageKey = "outputImage";
+inline constexpr NameLiteral kCIInputImageKey = "inputImage";
+inline constexpr NameLiteral kCIOutputImageKey = "outputImage";
 
 /// Makes a picture from one, by values under keys. An application may derive filters of its own.
 ///

@@ -3,12 +3,12 @@
 #include <zorvan/media/CGImage.h>
 #include <zorvan/numbers-geometry/CGAffineTransform.h>
 #include <zorvan/numbers-geometry/CGRect.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 #include <zorvan/platform/foundation/PropertyList.h>
 #include <zorvan/platform/graphics/CGPath.h>
 
 #include <functional>
 #include <memory>
-#include <string_view>
 #include <vector>
 
 namespace zorvan {
@@ -16,7 +16,7 @@ namespace zorvan {
 class CIFilter;
 
 /// An option of `autoAdjusted`: whether tones and colours are adjusted at all; true when missing.
-inline constexpr std::string_view kCIImageAutoAdjustEnhance = "kCIImageAutoAdjustEnhance";
+inline constexpr NameLiteral kCIImageAutoAdjustEnhance = "kCIImageAutoAdjustEnhance";
 
 /// A recipe for a picture: the picture it begins with, where that is moved to, and what becomes of
 /// its colours. No pixel is computed before a `CIContext` draws it. Never changes, and may be

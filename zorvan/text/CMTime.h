@@ -106,8 +106,8 @@ struct CMTime {
 
     /// Whether the distance to `other` is below `tolerance`, one six-hundredth of a second when it
     /// is absent, in the order of `CMTimeCompare`: so any numeric distance is below a tolerance
-    /// that is infinite, indefinite or invalid, and no distance that is not numeric is below one
-    /// that is.
+    /// that is positive infinity, indefinite or invalid, and no distance that is not numeric is
+    /// below one that is.
     constexpr bool isNearlyEqualTo(const CMTime& other,
                                    const std::optional<CMTime>& tolerance = {}) const noexcept;
     /// The same with a tolerance in seconds.

@@ -1,6 +1,7 @@
 #include <zorvan/text/String.h>
 
 #include <zorvan/platform/foundation/fatalError.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/textservices/Characters.h>
 
 #include <charconv>
@@ -53,8 +54,6 @@ std::string take(std::string& s, StringIndex start, StringIndex end) {
     return taken;
 }
 
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-
 std::string_view withoutPlus(std::string_view text) noexcept {
     return text.starts_with('+') ? text.substr(1) : text;
 }
@@ -66,7 +65,7 @@ bool startsDecimal(std::string_view text) noexcept {
         text.remove_prefix(1);
     if (text.starts_with('.'))
         text.remove_prefix(1);
-    return !text.empty() && isDigit(text.front());
+    return !text.empty() && internal::isDigit(text.front());
 }
 
 /// The nearest double of a number outside the range of doubles: infinite or zero.

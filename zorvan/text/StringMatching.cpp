@@ -1,5 +1,6 @@
 #include <zorvan/text/String.h>
 
+#include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/text/internal/CommonSubsequence.h>
 
 #include <algorithm>
@@ -9,10 +10,9 @@ namespace zorvan {
 
 namespace {
 
-bool isLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-
-bool isDomainPart(char c) noexcept { return isLetter(c) || isDigit(c) || c == '.' || c == '-'; }
+bool isDomainPart(char c) noexcept {
+    return internal::isLetter(c) || internal::isDigit(c) || c == '.' || c == '-';
+}
 
 bool isLocalPart(char c) noexcept { return isDomainPart(c) || c == '_' || c == '%' || c == '+'; }
 
@@ -52,7 +52,7 @@ bool isValidEmail(std::string_view s) noexcept {
     const std::string_view label = s.substr(dot + 1);
     return !local.empty() && std::all_of(local.begin(), local.end(), isLocalPart) &&
            std::all_of(domain.begin(), domain.end(), isDomainPart) && label.size() >= 2 &&
-           label.size() <= 64 && std::all_of(label.begin(), label.end(), isLetter);
+           label.size() <= 64 && std::all_of(label.begin(), label.end(), internal::isLetter);
 }
 
 bool isValidLink(std::string_view s) { return isValid(s, NSTextCheckingType::link); }

@@ -2,6 +2,9 @@
 
 #include "tests/hosts/qtmodels/Watcher.h"
 
+#include <zorvan/hosts/qtmodels/QtMainQueue.h>
+#include <zorvan/platform/dispatch/DispatchQueue.h>
+
 #include <QApplication>
 #include <QHeaderView>
 #include <QListView>
@@ -124,6 +127,14 @@ TEST_F(QtViews, StandBehindOtherModelsOfQt) {
     ASSERT_EQ(proxy.rowCount(), list->count());
     for (int i = 0; i < proxy.rowCount(); ++i)
         ASSERT_EQ(proxy.index(i, 0).data().toInt(), list->items()[static_cast<std::size_t>(i)]);
+}
+
+TEST_F(QtViews, TheMainQueueRunsOnTheLoopOfQt) {
+    QtMainQueue::attach();
+    QtMainQueue::attach();
+    bool hasRun = false;
+    DispatchQueue::main()->async([&] { hasRun = true; });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return hasRun; }, 10000));
 }
 
 } // namespace

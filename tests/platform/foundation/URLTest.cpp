@@ -2,6 +2,11 @@
 
 #include <zorvan/platform/foundation/URL.h>
 
+// What a temporary URL gives does not end with it.
+static_assert(std::is_same_v<decltype(URL::root().lastPathComponent()), std::string>);
+static_assert(std::is_same_v<decltype(URL::root().pathExtension()), std::string>);
+static_assert(std::is_same_v<decltype(URL::root().path()), std::string>);
+
 namespace {
 URL file(std::string path) { return URL({.fileURLWithPath = std::move(path)}); }
 } // namespace

@@ -3,9 +3,11 @@
 #include <zorvan/hosts/internal/icons.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QToolButton>
+#include <algorithm>
 #include <utility>
 
 namespace zorvan::internal {
@@ -98,7 +100,21 @@ void GroupWidget::followButton(std::size_t index) {
     button.setAccessibleName(nameOf(item));
     button.setEnabled(item.isEnabled());
     button.setCheckable(isChosenFrom(*group_));
-    button.setChecked(group_->isSelected(static_cast<std::int64_t>(index)));
+    const bool isChecked = group_->isSelected(static_cast<std::int64_t>(index));
+    button.setChecked(isChecked);
+    // In the colours of what is selected, since a pressed button hardly shows on a dark ground.
+    QPalette colours;
+    if (isChecked) {
+        colours.setBrush(QPalette::Button, palette().highlight());
+        colours.setBrush(QPalette::ButtonText, palette().highlightedText());
+    }
+    button.setPalette(colours);
+}
+
+void GroupWidget::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        follow();
 }
 
 void GroupWidget::followCollapsed() {

@@ -18,6 +18,9 @@ public:
 
     void follow();
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     void makeButtons();
     void followButton(std::size_t index);

@@ -79,8 +79,8 @@ public:
     explicit Row(QWidget* parent) : QWidget(parent), more_(new QToolButton(this)) {
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         more_->setText(QStringLiteral("»"));
-        more_->setAccessibleName(QToolBar::tr("More"));
-        more_->setToolTip(QToolBar::tr("More"));
+        more_->setAccessibleName(QToolBar::tr("More tools"));
+        more_->setToolTip(QToolBar::tr("More tools"));
         more_->setAutoRaise(true);
         more_->setFocusPolicy(Qt::TabFocus);
         more_->setPopupMode(QToolButton::InstantPopup);
@@ -138,11 +138,16 @@ public:
     }
 
     void placeItems() {
-        const auto spread = spreadItems(lengths(), width(), margin, gap);
+        std::vector<BarLength> wanted = lengths();
+        auto spread = spreadItems(wanted, width(), margin, gap);
+        bool isFull = isTooLong(spread);
+        if (isFull) { // then nothing has to begin above a divider
+            for (BarLength& length : wanted)
+                length.wantedLeft = -1;
+            spread = spreadItems(wanted, width(), margin, gap);
+            isFull = isTooLong(spread);
+        }
         const auto endOf = [&](std::size_t i) { return spread[i].left + spread[i].width; };
-        bool isFull = false;
-        for (std::size_t i = 0; i < places_.size(); ++i)
-            isFull = isFull || (places_[i].cell && endOf(i) > width() - margin + 0.5);
         const double room = width() - margin - (isFull ? more_->sizeHint().width() + gap : 0);
         bool isOver = false;
         for (std::size_t i = 0; i < places_.size(); ++i) {
@@ -176,6 +181,13 @@ protected:
     void resizeEvent(QResizeEvent*) override { placeItems(); }
 
 private:
+    bool isTooLong(const std::vector<BarPlace>& spread) const {
+        for (std::size_t i = 0; i < places_.size(); ++i)
+            if (places_[i].cell && spread[i].left + spread[i].width > width() - margin + 0.5)
+                return true;
+        return false;
+    }
+
     static int widthOf(const Place& place) {
         return place.cell ? place.cell->sizeHint().width() : wholeLength(place.item.spaceWidth);
     }

@@ -101,6 +101,7 @@ void SplitWidget::followSubviews() {
 
 void SplitWidget::followDividers() {
     setOrientation(split_->isVertical() ? Qt::Horizontal : Qt::Vertical);
+    followLimits();
     split_->layoutSubtreeIfNeeded();
     QList<int> lengths;
     double start = 0;
@@ -117,6 +118,14 @@ void SplitWidget::followDividers() {
     isFollowing_ = true;
     setSizes(lengths);
     isFollowing_ = false;
+}
+
+void SplitWidget::followLimits() {
+    for (int i = 0; i < count(); ++i) {
+        const int least = wholeLength(split_->minimumLength(i));
+        widget(i)->setMinimumSize(split_->isVertical() ? QSize(least, 0) : QSize(0, least));
+        setCollapsible(i, split_->isCollapsible(i) || least == 0);
+    }
 }
 
 void SplitWidget::dividerMoved(int index) {

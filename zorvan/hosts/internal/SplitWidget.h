@@ -21,6 +21,7 @@ private:
     class Mirror;
     void followSubviews();
     void followDividers();
+    void followLimits();
     void dividerMoved(int index);
 
     const std::shared_ptr<NSSplitView> split_;

@@ -88,13 +88,22 @@ void ViewMirror::propertiesDidChange() {
     else if (widget_->testAttribute(Qt::WA_SetCursor) && !widget_->inherits("QLineEdit"))
         widget_->unsetCursor();
     widget_->setAccessibleName(toQString(view_->accessibilityLabel()));
-    if (QAccessible::isActive()) {
-        QAccessibleValueChangeEvent changed(widget_, toQString(view_->accessibilityValue()));
-        QAccessible::updateAccessibility(&changed);
-    }
+    announce();
     if (const auto next = view_->nextKeyView())
         if (QWidget* const after = widgetOf(*next, *widget_->window()))
             QWidget::setTabOrder(widget_, after);
+}
+
+/// The value, when there is another.
+void ViewMirror::announce() {
+    std::string value = view_->accessibilityValue();
+    if (value == announced_ || !QAccessible::isActive())
+        return;
+    announced_ = std::move(value);
+    QAccessibleValueChangeEvent changed(widget_, toQString(announced_));
+    QAccessible::updateAccessibility(&changed);
+    QAccessibleEvent described(widget_, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&described);
 }
 
 std::shared_ptr<NSView> viewOf(const QWidget* widget) {
@@ -103,12 +112,12 @@ std::shared_ptr<NSView> viewOf(const QWidget* widget) {
 }
 
 QWidget* widgetOf(const NSView& view, QWidget& top) {
-    if (viewOf(&top).get() == &view)
-        return &top;
+    QWidget* found = viewOf(&top).get() == &view ? &top : nullptr;
+    // What stands in a bar may stand in the bar's menu too.
     for (QWidget* const widget : top.findChildren<QWidget*>())
-        if (viewOf(widget).get() == &view)
-            return widget;
-    return nullptr;
+        if (viewOf(widget).get() == &view && (!found || widget->isVisible()))
+            found = widget;
+    return found;
 }
 
 } // namespace zorvan::internal

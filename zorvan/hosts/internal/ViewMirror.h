@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QWidget>
 #include <memory>
+#include <string>
 
 namespace zorvan::internal {
 
@@ -32,15 +33,18 @@ protected:
 
 private:
     bool isPlacedByItsView() const;
+    void announce();
 
     const std::shared_ptr<NSView> view_;
     const QPointer<QWidget> widget_;
+    std::string announced_;
 };
 
 /// The view that the widget shows; null for a widget of another kind.
 std::shared_ptr<NSView> viewOf(const QWidget* widget);
 
-/// The widget below `top`, or it itself, that shows the view; null when there is none.
+/// The widget below `top`, or it itself, that shows the view, a visible one if possible; null when
+/// there is none.
 QWidget* widgetOf(const NSView& view, QWidget& top);
 
 } // namespace zorvan::internal

@@ -15,6 +15,8 @@
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
+#include <map>
+#include <utility>
 #include <vector>
 
 namespace zorvan::internal {
@@ -90,10 +92,25 @@ void ViewWidget::followSubviews() {
     for (const auto& view : views)
         if (std::find(shown.begin(), shown.end(), view) == shown.end())
             makeWidget(view, this);
+    orderSubviews();
+}
+
+void ViewWidget::orderSubviews() {
+    std::vector<std::pair<std::shared_ptr<NSView>, QWidget*>> children;
+    for (QWidget* const child : findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        if (auto view = viewOf(child))
+            children.emplace_back(std::move(view), child);
+    const auto& views = view_->subviews();
+    const bool isInOrder =
+        std::equal(views.begin(), views.end(), children.begin(), children.end(),
+                   [](const auto& view, const auto& child) { return view == child.first; });
+    if (isInOrder)
+        return;
+    std::map<NSView*, QWidget*> widgets;
+    for (const auto& [view, child] : children)
+        widgets[view.get()] = child;
     for (const auto& view : views)
-        for (QWidget* const child : findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
-            if (viewOf(child) == view)
-                child->raise();
+        widgets[view.get()]->raise();
 }
 
 bool ViewWidget::event(QEvent* event) noexcept { return QWidget::event(event); }
@@ -102,8 +119,23 @@ QSize ViewWidget::sizeHint() const { return toQSize(view_->fittingSize()); }
 
 // Drawing
 
-void ViewWidget::paintView(const NSView& view, QWidget& widget, const QRect& part) {
+namespace {
+
+/// Grown so far that its edges fall on whole pixels also where a point has quarters of them.
+QRect aligned(const QRect& part, double scale) {
+    constexpr int grid = 4;
+    if (scale == std::floor(scale))
+        return part;
+    const auto down = [](int edge) { return edge - ((edge % grid) + grid) % grid; };
+    return {QPoint(down(part.left()), down(part.top())),
+            QPoint(down(part.right()) + grid - 1, down(part.bottom()) + grid - 1)};
+}
+
+} // namespace
+
+void ViewWidget::paintView(const NSView& view, QWidget& widget, const QRect& changed) {
     const double scale = widget.devicePixelRatioF();
+    const QRect part = aligned(changed, scale);
     const auto pixels = [scale](int length) {
         return static_cast<std::int64_t>(std::ceil(length * scale));
     };
@@ -125,7 +157,7 @@ void ViewWidget::paintView(const NSView& view, QWidget& widget, const QRect& par
                  QImage::Format_RGBA8888_Premultiplied);
     image.setDevicePixelRatio(scale);
     QPainter painter(&widget);
-    painter.setClipRect(part);
+    painter.setClipRect(changed);
     painter.drawImage(QPointF(part.topLeft()), image);
 }
 

@@ -14,7 +14,7 @@ public:
     ViewWidget(const std::shared_ptr<NSView>& view, QWidget* parent);
 
     /// Draws the view's own part that the event asks for.
-    static void paintView(const NSView& view, QWidget& widget, const QRect& part);
+    static void paintView(const NSView& view, QWidget& widget, const QRect& changed);
 
 protected:
     /// Qt lets no exception through: one that an action or an observer throws ends the program.
@@ -37,6 +37,7 @@ protected:
 private:
     class Mirror;
     void followSubviews();
+    void orderSubviews();
 
     const std::shared_ptr<NSView> view_;
 };

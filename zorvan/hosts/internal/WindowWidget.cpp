@@ -119,7 +119,7 @@ WindowWidget::WindowWidget(std::shared_ptr<NSWindow> window)
     followToolbar();
     followTouchBar();
     followContent();
-    adjustSize();
+    resize(sizeHint());
     restoreFrame(*window_, *this);
     window_->displayIfNeeded();
 }
@@ -142,8 +142,8 @@ void WindowWidget::followProperties() {
 }
 
 void WindowWidget::followSize() {
-    if (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen))
-        return; // the desktop says how large
+    if (isSizedByDesktop())
+        return;
     const QSize wanted = toQSize(window_->contentSize());
     if (wanted != holder_->size())
         resize(size() + wanted - holder_->size());
@@ -156,21 +156,29 @@ void WindowWidget::followContent() {
 }
 
 void WindowWidget::followToolbar() {
-    const int before = toolbar_->isHidden() ? 0 : toolbar_->sizeHint().height();
+    window_->layoutIfNeeded(); // which gives the views of the items their sizes
     const auto toolbar = window_->toolbar();
-    toolbar_->setVisible(toolbar != nullptr);
-    toolbar_->show(toolbar ? toolbarItems(*toolbar) : BarItems());
-    const int now = toolbar ? toolbar_->sizeHint().height() : 0;
-    // The content keeps its size.
-    if (now != before && isVisible() &&
-        !(windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)))
-        resize(width(), height() + now - before);
+    fillBar(*toolbar_, toolbar != nullptr, toolbar ? toolbarItems(*toolbar) : BarItems());
 }
 
 void WindowWidget::followTouchBar() {
+    window_->layoutIfNeeded();
     const auto touchBar = window_->touchBar();
-    touchBar_->setVisible(touchBar != nullptr);
-    touchBar_->show(touchBar ? touchBarItems(*touchBar) : BarItems());
+    fillBar(*touchBar_, touchBar != nullptr, touchBar ? touchBarItems(*touchBar) : BarItems());
+}
+
+/// The content keeps its size, unless the desktop says how large the window is.
+void WindowWidget::fillBar(ItemBar& bar, bool isShown, BarItems items) {
+    const int before = bar.isHidden() ? 0 : bar.sizeHint().height();
+    bar.setVisible(isShown);
+    bar.show(std::move(items));
+    const int now = isShown ? bar.sizeHint().height() : 0;
+    if (now != before && isVisible() && !isSizedByDesktop())
+        resize(width(), height() + now - before);
+}
+
+bool WindowWidget::isSizedByDesktop() const {
+    return windowState().testAnyFlags(Qt::WindowMaximized | Qt::WindowFullScreen);
 }
 
 void WindowWidget::followFirstResponder() {

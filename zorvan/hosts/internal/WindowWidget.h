@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/hosts/internal/barItems.h>
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/observation/NoteSubscriber.h>
 
@@ -38,6 +39,8 @@ private:
     void followContent();
     void followToolbar();
     void followTouchBar();
+    void fillBar(ItemBar& bar, bool isShown, BarItems items);
+    bool isSizedByDesktop() const;
     void followFirstResponder();
     void comeToFront();
     void followLooks();

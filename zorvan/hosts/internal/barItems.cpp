@@ -28,13 +28,18 @@ QString firstOf(const std::string& one, const std::string& other) {
 
 // A view
 
-/// In the size that it would like.
+/// As large as the bar has made the view.
+void followSize(const NSView& view, QWidget& widget) {
+    const QSize size = toQSize(view.frame().size);
+    if (dynamic_cast<const NSSearchField*>(&view))
+        widget.setFixedWidth(size.width());
+    else
+        widget.setFixedSize(size);
+}
+
 QWidget* makeViewWidget(const std::shared_ptr<NSView>& view, QWidget* parent) {
     QWidget* const widget = makeWidget(view, parent);
-    if (std::dynamic_pointer_cast<NSSearchField>(view))
-        widget->setFixedWidth(widget->sizeHint().width());
-    else
-        widget->setFixedSize(toQSize(view->fittingSize()));
+    followSize(*view, *widget);
     return widget;
 }
 
@@ -114,7 +119,7 @@ void describeSeparator(const std::shared_ptr<NSTrackingSeparatorToolbarItem>& se
                        BarItem& bar) {
     bar.make = [](QWidget* parent) {
         auto* const line = new QFrame(parent);
-        line->setFrameShape(QFrame::VLine);
+        line->setFrameStyle(QFrame::VLine | QFrame::Sunken);
         line->setFixedHeight(24);
         return line;
     };
@@ -131,10 +136,7 @@ void describeSeparator(const std::shared_ptr<NSTrackingSeparatorToolbarItem>& se
 void describeView(const std::shared_ptr<NSView>& view, const QString& label, BarItem& bar) {
     bar.identity = view;
     bar.make = [view](QWidget* parent) { return makeViewWidget(view, parent); };
-    bar.update = [view](QWidget& widget) {
-        if (!std::dynamic_pointer_cast<NSSearchField>(view))
-            widget.setFixedSize(toQSize(view->fittingSize()));
-    };
+    bar.update = [view](QWidget& widget) { followSize(*view, widget); };
     bar.addToMenu = [view, label](QMenu& menu) { addViewToMenu(view, label, menu); };
 }
 

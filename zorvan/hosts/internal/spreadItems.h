@@ -26,7 +26,7 @@ inline std::vector<BarPlace> spreadItems(const std::vector<BarLength>& items, do
     std::vector<BarPlace> places(items.size());
     // From one wanted place to the next, so that what stands before one fills the room up to it.
     std::size_t first = 0;
-    double left = margin;
+    double left = items.empty() ? margin : std::max(margin, items.front().wantedLeft);
     while (first < items.size()) {
         std::size_t end = first + 1;
         while (end < items.size() && items[end].wantedLeft < 0)

@@ -14,8 +14,7 @@ namespace zorvan {
 /// A model of Qt over a `ManagedList` or a `SelectableArray`, for widgets and for QML:
 ///
 ///     auto* model = new QtListModel<Photo>(
-///         list, {{Qt::DisplayRole, [](const Photo& p) { return QString::fromStdString(p.title);
-///         }}});
+///         list, {{Qt::DisplayRole, [](const Photo& photo) { return photo.title; }}}, window);
 ///     view->setModel(model);
 ///     view->setSelectionModel(model->selectionModel());
 ///
@@ -37,12 +36,12 @@ public:
     QtListModel(const std::shared_ptr<List>& list, std::vector<Column> columns,
                 QObject* parent = nullptr)
         : QtRowModel(static_cast<int>(columns.size()), parent), columns_(std::move(columns)),
-          readers_(readersOf(columns_)), rows_(detail::rowsOf(list, follower())),
+          cells_(cellsOf(columns_)), rows_(detail::rowsOf(list, follower())),
           items_(rows_->items()) {
         show(*rows_);
     }
 
-    /// The item of a row.
+    /// The item of a row, which there must be.
     const Item& item(int row) const { return items_.at(static_cast<std::size_t>(positionOf(row))); }
 
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
@@ -54,13 +53,19 @@ public:
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
 private:
-    /// The roles of a column, side by side: views ask for ten of them a cell, mostly for ones that
-    /// there are not.
-    struct Readers {
+    /// What a column answers views, its roles side by side: they ask for ten a cell, mostly for
+    /// ones that there are not.
+    struct Cells {
         std::vector<int> roles;
         std::vector<std::function<QVariant(const Item&)>> readers;
+        Qt::ItemFlags flags = cellFlags;
     };
-    static std::vector<Readers> readersOf(const std::vector<Column>& columns);
+    static std::vector<Cells> cellsOf(const std::vector<Column>& columns);
+    /// Null when it is gone from the list.
+    const Item* itemOf(int row) const {
+        const auto position = static_cast<std::size_t>(positionOf(row));
+        return position < items_.size() ? &items_[position] : nullptr;
+    }
     const Column* columnOf(int section) const {
         return section >= 0 && section < columnCount()
                    ? &columns_[static_cast<std::size_t>(section)]
@@ -68,19 +73,23 @@ private:
     }
 
     const std::vector<Column> columns_;
-    const std::vector<Readers> readers_;
+    const std::vector<Cells> cells_;
     const std::unique_ptr<ItemList<Item>> rows_;
     const std::vector<Item>& items_;
 };
 
 template <class Item>
-auto QtListModel<Item>::readersOf(const std::vector<Column>& columns) -> std::vector<Readers> {
-    std::vector<Readers> all(columns.size());
-    for (std::size_t i = 0; i < columns.size(); ++i)
+auto QtListModel<Item>::cellsOf(const std::vector<Column>& columns) -> std::vector<Cells> {
+    std::vector<Cells> all(columns.size());
+    for (std::size_t i = 0; i < columns.size(); ++i) {
         for (const auto& [role, reader] : columns[i].roles) {
             all[i].roles.push_back(role);
             all[i].readers.push_back(reader);
         }
+        all[i].flags.setFlag(Qt::ItemIsEditable, columns[i].setters.contains(Qt::EditRole));
+        all[i].flags.setFlag(Qt::ItemIsUserCheckable,
+                             columns[i].setters.contains(Qt::CheckStateRole));
+    }
     return all;
 }
 
@@ -90,21 +99,20 @@ QVariant QtListModel<Item>::data(const QModelIndex& index, int role) const {
         return {};
     if (role == selectedRole)
         return isSelected(index.row());
-    const Readers& column = readers_[static_cast<std::size_t>(index.column())];
+    const Cells& column = cells_[static_cast<std::size_t>(index.column())];
     for (std::size_t i = 0; i < column.roles.size(); ++i) {
         if (column.roles[i] != role)
             continue;
-        const std::int64_t position = positionOf(index.row());
-        return position < 0 ? QVariant()
-                            : column.readers[i](items_[static_cast<std::size_t>(position)]);
+        const Item* item = itemOf(index.row());
+        return item ? column.readers[i](*item) : QVariant();
     }
     return {};
 }
 
 template <class Item>
 bool QtListModel<Item>::setData(const QModelIndex& index, const QVariant& value, int role) {
-    const std::int64_t position = index.isValid() ? positionOf(index.row()) : -1;
-    if (position < 0)
+    const Item* item = index.isValid() ? itemOf(index.row()) : nullptr;
+    if (!item)
         return false;
     if (role == selectedRole) {
         setSelected(index.row(), value.toBool());
@@ -114,10 +122,11 @@ bool QtListModel<Item>::setData(const QModelIndex& index, const QVariant& value,
     const auto setter = setters.find(role);
     if (setter == setters.end())
         return false;
-    Item item = items_[static_cast<std::size_t>(position)];
-    if (!setter->second(item, value))
+    const std::int64_t position = item - items_.data();
+    Item changed = *item;
+    if (!setter->second(changed, value))
         return false;
-    if (!rows_->replace(std::move(item), position))
+    if (!rows_->replace(std::move(changed), position))
         itemsDidChange({position});
     return true;
 }
@@ -132,13 +141,8 @@ QVariant QtListModel<Item>::headerData(int section, Qt::Orientation orientation,
 
 template <class Item>
 Qt::ItemFlags QtListModel<Item>::flags(const QModelIndex& index) const {
-    Qt::ItemFlags flags = QtRowModel::flags(index);
-    if (!index.isValid())
-        return flags;
-    const auto& setters = columns_[static_cast<std::size_t>(index.column())].setters;
-    flags.setFlag(Qt::ItemIsEditable, setters.contains(Qt::EditRole));
-    flags.setFlag(Qt::ItemIsUserCheckable, setters.contains(Qt::CheckStateRole));
-    return flags;
+    return index.isValid() ? cells_[static_cast<std::size_t>(index.column())].flags
+                           : QtRowModel::flags(index);
 }
 
 template <class Item>

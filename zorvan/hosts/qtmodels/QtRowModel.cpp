@@ -80,7 +80,7 @@ QtRowModel::QtRowModel(int columnCount, QObject* parent)
 void QtRowModel::show(RowList& rows) {
     rows_ = &rows;
     takeRows();
-    showSelection({Kind::select});
+    showSelection();
 }
 
 /// From now on the rows are those of the list.
@@ -111,17 +111,24 @@ void QtRowModel::rowsWillChange(const RowChange& change) {
 
 void QtRowModel::rowsDidChange(const RowChange& change,
                                const std::function<Reordering()>& reordering) {
+    const bool isLayout = isLayoutChange(change);
     const bool hadCurrent = selectionModel_->currentIndex().isValid();
+    const std::int64_t selectedBefore = shownSelection_.count();
     if (!std::exchange(isChanging_, true))
         catchUp(change, reordering);
     takeRows();
-    if (isLayoutChange(change))
+    if (isLayout)
         movePersistentIndexes(reordering);
+    moveShownSelection(change);
     isChanging_ = false;
     tellEnd(change);
-    showSelection(change);
-    // A change of the layout takes the current index away without a word.
-    if (hadCurrent && isLayoutChange(change) && !selectionModel_->currentIndex().isValid()) {
+    const bool isSelectionTold = showSelection();
+    if (!isLayout)
+        return;
+    // What goes out of sight takes its selection and the current index along, without a word of Qt.
+    if (!isSelectionTold && rows_->selection().count() != selectedBefore)
+        emit selectionModel_->selectionChanged({}, {});
+    if (hadCurrent && !selectionModel_->currentIndex().isValid()) {
         emit selectionModel_->currentChanged({}, {});
         emit selectionModel_->currentRowChanged({}, {});
         emit selectionModel_->currentColumnChanged({}, {});
@@ -146,7 +153,7 @@ void QtRowModel::rowsWereLost(const RowChange& change) {
     takeRows();
     endResetModel();
     isChanging_ = false;
-    showSelection({Kind::select});
+    showSelection();
 }
 
 /// All that Qt is told before the rows change.
@@ -242,30 +249,27 @@ void QtRowModel::itemsDidChange(const IndexSet& rows, const QList<int>& roles) {
 
 // The selection.
 
-/// Shows what the list has selected now that the change has been told.
-void QtRowModel::showSelection(const RowChange& change) {
-    const IndexSet selection = rows_->selection();
-    const IndexSet before = std::exchange(shownSelection_, selection);
-    if (rowsOf(selectionModel_->selection()) != selection)
-        selectionModel_->select(wholeRows(selection), QItemSelectionModel::ClearAndSelect);
-    else if (isLayoutChange(change) && selection.count() != before.count())
-        // What is out of sight is not selected any more, of which Qt says nothing.
-        emit selectionModel_->selectionChanged({}, {});
-    if (isSelectedRoleRead_)
-        tellSelectedRole(change, before);
+/// To where the rows stand now that were shown as selected.
+void QtRowModel::moveShownSelection(const RowChange& change) {
+    if (isLayoutChange(change)) // after which everything is read again
+        shownSelection_ = rows_->selection();
+    else if (change.kind == Kind::insert)
+        shownSelection_.shift(*change.rows.first(), change.rows.count());
+    else if (change.kind == Kind::remove)
+        shownSelection_ = shownSelection_.afterRemoving(change.rows);
 }
 
-void QtRowModel::tellSelectedRole(const RowChange& change, const IndexSet& before) {
-    if (isLayoutChange(change)) // after which everything is read again
-        return;
-    IndexSet changed = before;
-    if (change.kind == Kind::insert)
-        changed.shift(*change.rows.first(), change.rows.count());
-    else if (change.kind == Kind::remove)
-        changed = before.afterRemoving(change.rows);
-    changed.formSymmetricDifference(shownSelection_);
-    if (!changed.isEmpty())
+/// Shows what the list has selected; whether the selection model had something to tell.
+bool QtRowModel::showSelection() {
+    const IndexSet selection = rows_->selection();
+    const bool isOther = rowsOf(selectionModel_->selection()) != selection;
+    if (isOther)
+        selectionModel_->select(wholeRows(selection), QItemSelectionModel::ClearAndSelect);
+    const IndexSet changed =
+        std::exchange(shownSelection_, selection).symmetricDifference(selection);
+    if (isSelectedRoleRead_ && !changed.isEmpty())
         itemsDidChange(IndexSet({.i1 = *changed.first(), .i2 = *changed.last()}), {selectedRole});
+    return isOther;
 }
 
 QItemSelection QtRowModel::wholeRows(const IndexSet& rows) const {
@@ -286,7 +290,7 @@ void QtRowModel::takeSelection() {
     const IndexSet selection = rowsOf(selectionModel_->selection());
     rows_->select(selection);
     if (rows_->selection() != selection) // the list may refuse
-        showSelection({Kind::select});
+        showSelection();
 }
 
 void QtRowModel::setSelected(int row, bool isSelected) {
@@ -299,11 +303,6 @@ void QtRowModel::setSelected(int row, bool isSelected) {
 }
 
 // What views ask for.
-
-Qt::ItemFlags QtRowModel::flags(const QModelIndex& index) const {
-    return index.isValid() ? QAbstractTableModel::flags(index) | Qt::ItemIsDragEnabled
-                           : Qt::ItemIsDropEnabled;
-}
 
 bool QtRowModel::removeRows(int row, int count, const QModelIndex& parent) {
     if (isChanging_ || parent.isValid() || row < 0 || count < 1 || count > rowCount_ - row)

@@ -51,8 +51,14 @@ public:
     int columnCount(const QModelIndex& parent = {}) const override {
         return parent.isValid() ? 0 : columnCount_;
     }
+    QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override {
+        const bool isCell = row >= 0 && row < rowCount_ && column >= 0 && column < columnCount_;
+        return isCell && !parent.isValid() ? createIndex(row, column) : QModelIndex();
+    }
     /// Every row can be dragged, and be dropped between rows.
-    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override {
+        return index.isValid() ? cellFlags : Qt::ItemIsDropEnabled;
+    }
 
     bool removeRows(int row, int count, const QModelIndex& parent = {}) override;
     /// The selection follows the rows, unlike when the list itself is asked to move.
@@ -73,16 +79,19 @@ public:
                       const QModelIndex& parent) override;
 
 protected:
+    static constexpr Qt::ItemFlags cellFlags =
+        Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren;
+
     QtRowModel(int columnCount, QObject* parent);
 
     /// Once, when the list is there. It must outlive the last change that it tells of.
     void show(RowList& rows);
     RowFollower& follower() noexcept { return *this; }
 
-    /// Where in the list the item of a row stands; -1 when it is gone from there.
+    /// Where in the list the item of a row stands; -1 when it is gone from there. While the list
+    /// changes, it may lie outside.
     std::int64_t positionOf(int row) const {
-        const std::int64_t position = isCatchingUp_ ? positionWhileCatchingUp(row) : row;
-        return position < rows_->count() ? position : -1;
+        return isCatchingUp_ ? positionWhileCatchingUp(row) : row;
     }
     bool isSelected(int row) const {
         isSelectedRoleRead_ = true;
@@ -104,8 +113,8 @@ private:
     void takeRows();
     std::int64_t positionWhileCatchingUp(int row) const;
 
-    void showSelection(const RowChange& change);
-    void tellSelectedRole(const RowChange& change, const IndexSet& before);
+    void moveShownSelection(const RowChange& change);
+    bool showSelection();
     QItemSelection wholeRows(const IndexSet& rows) const;
     void takeSelection();
 
@@ -114,7 +123,7 @@ private:
     const int columnCount_;
     QHash<int, QByteArray> roleNames_;
     QItemSelectionModel* const selectionModel_;
-    /// As it was shown last; the positions are those of that time.
+    /// The rows that were shown as selected.
     IndexSet shownSelection_;
     mutable bool isSelectedRoleRead_ = false;
     /// From the announcement of a change until Qt has been told that it happened.

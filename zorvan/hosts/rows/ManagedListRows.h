@@ -26,7 +26,7 @@ public:
         center().removeObserver(did_);
     }
 
-    IndexSet selection() const override { return list_->selection(); }
+    const IndexSet& selection() const override { return list_->selection(); }
     void select(const IndexSet& rows) override { list_->setSelection(rows); }
     void remove(const IndexSet& rows) override { list_->remove(rows); }
     void move(const IndexSet& rows, std::int64_t to) override { list_->move(rows, to); }

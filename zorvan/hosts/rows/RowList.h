@@ -47,7 +47,7 @@ public:
     RowList& operator=(const RowList&) = delete;
 
     virtual std::int64_t count() const = 0;
-    virtual IndexSet selection() const = 0;
+    virtual const IndexSet& selection() const = 0;
     virtual void select(const IndexSet& rows) = 0;
     virtual void remove(const IndexSet& rows) = 0;
     /// Before the row at `to`, or to the end.

@@ -25,7 +25,7 @@ public:
             array_->setEditionHandler(typename Array::EditionHandler(handler->before));
     }
 
-    IndexSet selection() const override { return array_->selection(); }
+    const IndexSet& selection() const override { return array_->selection(); }
     void select(const IndexSet& rows) override { array_->select(rows); }
     void remove(const IndexSet& rows) override { array_->remove(rows); }
     void move(const IndexSet& rows, std::int64_t to) override { array_->move(rows, to); }
@@ -45,9 +45,9 @@ private:
         std::weak_ptr<SelectableArrayRows*> rows;
 
         void operator()(const typename Array::Action& action) const {
-            before([action, rows = rows] {
+            before([action, owner = rows] {
                 Edition edition = action();
-                if (const auto there = rows.lock())
+                if (const auto there = owner.lock())
                     (*there)->didChange(edition);
                 return edition;
             });

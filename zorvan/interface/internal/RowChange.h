@@ -23,6 +23,9 @@ public:
     /// Before the row at `to`; positions before the move.
     static RowChange moving(const IndexSet& from, std::int64_t to);
 
+    /// Positions before, and after. Of a move they are the same rows, in the same order.
+    const IndexSet& gone() const noexcept { return gone_; }
+    const IndexSet& come() const noexcept { return come_; }
     /// How many more rows there are afterwards.
     std::int64_t growth() const noexcept { return come_.count() - gone_.count(); }
     /// Where the row stands afterwards, -1 for one that has gone.
@@ -33,7 +36,6 @@ public:
 private:
     RowChange(IndexSet gone, IndexSet come, std::optional<std::int64_t> to = {});
 
-    /// Positions before, and after. Of a move they are the same rows, in the same order.
     IndexSet gone_, come_;
     /// Before which row, of a move.
     std::optional<std::int64_t> to_;

@@ -50,12 +50,12 @@ public:
         return asKind<Kind>(*this);
     }
     template <class Kind>
-    std::optional<Kind> as() && {
+    auto as() && {
         static_assert(!std::same_as<Kind, std::string_view>,
                       "PropertyList::as: a view would outlive the text");
         if constexpr (isStored<Kind>) {
             Kind* const stored = std::get_if<Kind>(&value_);
-            return stored ? std::optional(std::move(*stored)) : std::nullopt;
+            return stored ? std::optional<Kind>(std::move(*stored)) : std::nullopt;
         } else {
             return asKind<Kind>(*this);
         }

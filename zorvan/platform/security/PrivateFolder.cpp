@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/foundation/NSHomeDirectory.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/makeFolders.h>
 #include <zorvan/platform/security/internal/Failure.h>
 
 #include <cerrno>
@@ -54,17 +55,6 @@ bool isUsersAlone(const struct stat& status) {
     return status.st_uid == ::geteuid() && (status.st_mode & othersBits) == 0;
 }
 
-void makeFolders(const std::string& path) {
-    if (::mkdir(path.c_str(), 0700) == 0 || errno == EEXIST)
-        return;
-    const std::size_t slash = path.rfind('/');
-    if (errno != ENOENT || slash == 0 || slash == std::string::npos)
-        failFor(errno);
-    makeFolders(path.substr(0, slash));
-    if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
-        failFor(errno);
-}
-
 } // namespace
 
 std::string PrivateFolder::standardPath() {
@@ -85,7 +75,8 @@ bool PrivateFolder::exists() const { return status().has_value(); }
 void PrivateFolder::create() const {
     if (exists())
         return;
-    makeFolders(path_);
+    if (const int error = zorvan::internal::makeFolders(path_, 0700))
+        failFor(error);
     if (!exists())
         throw Failure{errSecIO};
 }

@@ -34,7 +34,7 @@ NSAttributedString::NSAttributedString(std::u16string text, AttributeDictionary 
 
 std::string NSAttributedString::string() const { return utf8FromUTF16(text_); }
 
-const Run& NSAttributedString::runAt(std::size_t location) const {
+const Run& NSAttributedString::runAt(std::size_t location) const& {
     require({location, 1});
     return *runHolding(runs_, location);
 }

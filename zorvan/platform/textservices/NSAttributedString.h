@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace zorvan {
@@ -31,16 +32,19 @@ public:
 
     /// In UTF-16 units.
     std::size_t length() const noexcept { return text_.size(); }
-    const std::u16string& utf16() const noexcept { return text_; }
+    const std::u16string& utf16() const& noexcept { return text_; }
+    std::u16string utf16() && noexcept { return std::move(text_); }
 
     /// The text alone.
     std::string string() const;
 
     /// The runs, first to last; they cover the text, none is empty, neighbours differ.
-    const std::vector<Run>& runs() const noexcept { return runs_; }
+    const std::vector<Run>& runs() const& noexcept { return runs_; }
+    std::vector<Run> runs() && noexcept { return std::move(runs_); }
 
     /// The run that holds the unit at `location`, which must lie inside the text.
-    const Run& runAt(std::size_t location) const;
+    const Run& runAt(std::size_t location) const&;
+    Run runAt(std::size_t location) && { return runAt(location); }
 
     NSAttributedString attributedSubstring(NSRange range) const;
 

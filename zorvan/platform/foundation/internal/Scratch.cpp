@@ -51,15 +51,15 @@ bool isScratchName(std::string_view name) noexcept {
 
 /// Names end with a NUL, which no name holds.
 std::string namesIn(const FileDescriptor& list) {
+    constexpr std::size_t longestList = std::size_t{1} << 20; // of 20,000 at work
     std::string names;
     std::array<char, 4096> chunk;
-    for (;;) {
-        const ssize_t count =
-            ::pread(list.get(), chunk.data(), chunk.size(), static_cast<off_t>(names.size()));
-        if (count <= 0)
-            return names;
-        names.append(chunk.data(), static_cast<std::size_t>(count));
+    ssize_t count = 1;
+    while (count > 0 && names.size() < longestList) {
+        count = ::pread(list.get(), chunk.data(), chunk.size(), static_cast<off_t>(names.size()));
+        names.append(chunk.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     }
+    return names;
 }
 
 void removeListed(const FileDescriptor& list, const std::string& folder) {

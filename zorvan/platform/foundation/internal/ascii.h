@@ -13,6 +13,7 @@ constexpr bool isLetter(char c) noexcept {
 /// A space, or one of the controls from the tab to the carriage return.
 constexpr bool isSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
+/// A letter in lower case; any other character as it is.
 constexpr char lowered(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }

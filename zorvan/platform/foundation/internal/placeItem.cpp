@@ -4,13 +4,13 @@
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
+#include <vector>
 
 namespace zorvan::internal {
 
@@ -27,14 +27,16 @@ bool isUnknownFlag(int error) noexcept { return error == EINVAL || error == ENOS
 /// group are only the most that the list can give.
 int adoptAccessList(const std::string& path, const std::string& model) {
     constexpr const char* accessList = "system.posix_acl_access";
-    std::array<char, 65536> list; // the most that the kernel keeps
-    const ssize_t size = ::lgetxattr(model.c_str(), accessList, list.data(), list.size());
-    if (size < 0) {
+    const ssize_t size = ::lgetxattr(model.c_str(), accessList, nullptr, 0);
+    if (size <= 0) {
         ::lremovexattr(path.c_str(), accessList);
         return 0;
     }
-    const auto length = static_cast<std::size_t>(size);
-    return ::lsetxattr(path.c_str(), accessList, list.data(), length, 0) == 0 ? 0 : errno;
+    std::vector<char> list(static_cast<std::size_t>(size));
+    const bool isAdopted =
+        ::lgetxattr(model.c_str(), accessList, list.data(), list.size()) == size &&
+        ::lsetxattr(path.c_str(), accessList, list.data(), list.size(), 0) == 0;
+    return isAdopted ? 0 : errno;
 }
 
 /// Who may do what with a file stays as it was when its content changes. An owner that cannot be
@@ -44,6 +46,14 @@ int adoptPermissions(const std::string& path, const std::string& model, const st
     if (const int error = adoptAccessList(path, model))
         return error;
     return ::chmod(path.c_str(), status.st_mode & (keepsOwner ? 07777 : 01777)) == 0 ? 0 : errno;
+}
+
+/// Makes an empty item of the same kind, unless something has the name.
+bool makeHolder(const std::string& path, bool isFolder) noexcept {
+    if (isFolder)
+        return ::mkdir(path.c_str(), 0700) == 0;
+    return bool(
+        FileDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600)));
 }
 
 int exchange(const std::string& original, const std::string& replacement) {
@@ -62,16 +72,15 @@ int placeItemByName(const std::string& from, const std::string& to) noexcept {
     struct stat status {};
     if (::lstat(from.c_str(), &status) != 0)
         return errno;
-    if (!S_ISDIR(status.st_mode)) {
-        if (::link(from.c_str(), to.c_str()) != 0)
-            return errno;
+    const bool isFolder = S_ISDIR(status.st_mode);
+    if (!isFolder && ::link(from.c_str(), to.c_str()) == 0)
         return ::unlink(from.c_str()) == 0 ? 0 : errno;
-    }
-    if (::mkdir(to.c_str(), 0700) != 0)
+    const bool isWithoutLinks = errno == EPERM || errno == ENOSYS || errno == EOPNOTSUPP;
+    if ((!isFolder && !isWithoutLinks) || !makeHolder(to, isFolder))
         return errno;
     const int error = renamed(from, to, 0);
     if (error != 0)
-        ::rmdir(to.c_str());
+        ::remove(to.c_str());
     return error;
 }
 

@@ -11,8 +11,9 @@ namespace zorvan::internal {
 /// Gives an item a new name, unless something has it: EEXIST then.
 int placeItem(const std::string& from, const std::string& to) noexcept;
 
-/// `placeItem` where the volume cannot rename without replacing: a file is linked to its new name,
-/// a folder takes the place of an empty one that was made for it.
+/// `placeItem` where the volume cannot rename without replacing: a file is linked to its new name;
+/// a folder, or a file where there are no links, takes the place of an empty one that was made for
+/// it.
 int placeItemByName(const std::string& from, const std::string& to) noexcept;
 
 /// Puts an item in the place of another, and waits until its name is on the disk. What was at
