@@ -353,6 +353,27 @@ IndexSet IndexSet::afterRemoving(const IndexSet& removed) const {
     return moved;
 }
 
+IndexSet IndexSet::afterInserting(const IndexSet& inserted) const {
+    if (!isEmpty() && ranges_.back().upper > endOfPositions - inserted.count_)
+        fatalError("A position of an index set is too large.");
+    IndexSet moved;
+    std::int64_t come = 0;
+    auto next = inserted.ranges_.begin();
+    for (Range rest : ranges_) {
+        while (rest.count() > 0) {
+            for (; next != inserted.ranges_.end() && next->lower <= rest.lower + come; ++next)
+                come += next->count();
+            // Up to where the next ones push it apart.
+            const std::int64_t upper = next == inserted.ranges_.end()
+                                           ? rest.upper
+                                           : std::min(rest.upper, next->lower - come);
+            moved.insert(Range{rest.lower + come, upper + come});
+            rest.lower = upper;
+        }
+    }
+    return moved;
+}
+
 IndexSet IndexSet::afterMoving(const IndexSet& from, std::int64_t to) const {
     if (from.isEmpty())
         return *this;
@@ -414,11 +435,10 @@ std::string IndexSet::description() const {
     return text + "}";
 }
 
-std::unordered_set<IndexPath> IndexSet::mapToIndexPaths(std::int64_t section) const {
-    std::unordered_set<IndexPath> paths;
-    paths.reserve(static_cast<std::size_t>(count_));
+std::set<IndexPath> IndexSet::mapToIndexPaths(std::int64_t section) const {
+    std::set<IndexPath> paths;
     for (const std::int64_t index : *this)
-        paths.insert({index, section});
+        paths.insert(paths.end(), {index, section});
     return paths;
 }
 

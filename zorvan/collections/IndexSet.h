@@ -10,9 +10,9 @@
 #include <iterator>
 #include <limits>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace zorvan {
@@ -114,6 +114,8 @@ public:
     /// Where the members stand after a list has lost the elements at `removed`; a member that is
     /// one of them is dropped.
     [[nodiscard]] IndexSet afterRemoving(const IndexSet& removed) const;
+    /// Where the members stand after a list has taken in elements, which stand at `inserted` then.
+    [[nodiscard]] IndexSet afterInserting(const IndexSet& inserted) const;
     /// Where the members stand after a list has moved the elements at `from` before the one at `to`
     /// (positions before the move).
     [[nodiscard]] IndexSet afterMoving(const IndexSet& from, std::int64_t to) const;
@@ -133,8 +135,8 @@ public:
     /// The ranges in order: "{0...2, 5}".
     std::string description() const;
 
-    /// An index path of the section for each member.
-    std::unordered_set<IndexPath> mapToIndexPaths(std::int64_t section = 0) const;
+    /// An index path of the section for each member, as a collection view takes them.
+    std::set<IndexPath> mapToIndexPaths(std::int64_t section = 0) const;
 
     friend bool operator==(const IndexSet& a, const IndexSet& b) noexcept {
         return a.count_ == b.count_ && a.ranges_ == b.ranges_;

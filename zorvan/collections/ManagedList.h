@@ -4,7 +4,6 @@
 #include <zorvan/collections/FirstPositions.h>
 #include <zorvan/collections/IndexSet.h>
 #include <zorvan/collections/ManagedListEdition.h>
-#include <zorvan/collections/ManagedListViewReloader.h>
 #include <zorvan/collections/SelectionQueries.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 
@@ -22,6 +21,8 @@
 #include <vector>
 
 namespace zorvan {
+
+struct ManagedListViewReloader;
 
 /// The list model behind a table view: items in order, a selection, and an optional filter.
 ///
@@ -54,6 +55,7 @@ public:
         using ManagedListEdition::ManagedListEdition;
     };
     using Action = ManagedListEdition::Action;
+    /// Shows editions in a table; in `<zorvan/interface/ManagedListViewReloader.h>`.
     using ViewReloader = ManagedListViewReloader;
 
     static constexpr std::string_view willReloadNotification = "ManagedListWillReloadNotification";

@@ -1,4 +1,4 @@
-#include <zorvan/collections/NSCollectionViewLayout.h>
+#include <zorvan/interface/NSCollectionViewLayout.h>
 
 #include <zorvan/numbers-geometry/RealNumber.h>
 

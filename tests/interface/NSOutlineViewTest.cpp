@@ -1,6 +1,6 @@
 #include <tests/Testing.h>
 
-#include <zorvan/collections/NSOutlineView.h>
+#include <zorvan/interface/NSOutlineView.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
 
 namespace {
@@ -66,10 +66,15 @@ TEST_F(NSOutlineViewTest, expandsAndCollapses) {
     EXPECT_FALSE(outline->isItemExpanded(a->children[1]));
     // Everything, and later.
     outline->collapseItem(a);
+    outline->selectOnlyRow(1);
     outline->asyncExpandAllItems();
     EXPECT_EQ(rows(*outline), "a e ");
     MainQueue::drain();
     EXPECT_EQ(rows(*outline), "a .b ..c .d e .f ");
+    EXPECT_EQ(outline->selectedRowIndexes(), IndexSet({4})) << "e, though rows came on both sides";
+    tree->top = {a}; // without a word
+    outline->collapseItem(a);
+    EXPECT_EQ(rows(*outline), "a ");
 
     outline->asyncExpandAllItems();
     outline.reset();

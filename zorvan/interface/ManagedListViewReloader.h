@@ -1,7 +1,7 @@
 #pragma once
 
 #include <zorvan/collections/ManagedListEdition.h>
-#include <zorvan/collections/NSTableView.h>
+#include <zorvan/interface/NSTableView.h>
 
 #include <utility>
 

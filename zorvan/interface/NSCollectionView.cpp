@@ -1,45 +1,32 @@
-#include <zorvan/collections/NSCollectionView.h>
+#include <zorvan/interface/NSCollectionView.h>
 
+#include <zorvan/interface/NSCollectionViewObserver.h>
+#include <zorvan/interface/internal/ItemChange.h>
+#include <zorvan/platform/dispatch/NSNotificationCenter.h>
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace zorvan {
-
-namespace {
-
-std::string text(IndexPath path) {
-    return "(" + std::to_string(path.item) + ", " + std::to_string(path.section) + ")";
-}
-
-std::string text(const std::set<IndexPath>& paths) {
-    std::string joined;
-    for (const IndexPath path : paths)
-        joined += (joined.empty() ? "" : ", ") + text(path);
-    return joined;
-}
-
-/// The items of these paths that lie in a section.
-IndexSet items(const std::set<IndexPath>& paths, std::int64_t section) {
-    IndexSet result;
-    for (auto path = paths.lower_bound({0, section});
-         path != paths.end() && path->section == section; ++path)
-        result.insert(path->item);
-    return result;
-}
-
-std::set<IndexPath> paths(const IndexSet& items) {
-    std::set<IndexPath> result;
-    for (const std::int64_t item : items)
-        result.insert(result.end(), {item, 0});
-    return result;
-}
-
-} // namespace
 
 std::int64_t NSCollectionViewDataSource::numberOfSections(const NSCollectionView&) const {
     return 1;
 }
+
+std::string NSCollectionViewDataSource::text(const NSCollectionView&, IndexPath) const {
+    return {};
+}
+
+std::shared_ptr<NSView> NSCollectionViewDataSource::viewForItem(NSCollectionView&, IndexPath) {
+    return nullptr;
+}
+
+void NSCollectionViewDataSource::itemOpened(NSCollectionView&, IndexPath) {}
+
+void NSCollectionViewObserver::itemsUpdated(const NSCollectionView::Updates&, bool) {}
+
+void NSCollectionViewObserver::sectionsReloaded(const IndexSet&) {}
 
 void NSCollectionView::setDataSource(const std::shared_ptr<NSCollectionViewDataSource>& source) {
     dataSource_ = source;
@@ -51,9 +38,13 @@ void NSCollectionView::reloadData() {
     if (const auto source = dataSource_.lock())
         for (std::int64_t section = 0; section < source->numberOfSections(*this); ++section)
             itemCounts_.push_back(std::max<std::int64_t>(source->numberOfItems(*this, section), 0));
-    std::erase_if(selection_, [this](IndexPath path) { return !contains(path); });
+    const auto isNone = [this](IndexPath path) { return !contains(path); };
+    const bool isOther = std::erase_if(selection_, isNone) > 0;
+    forgetViews([](IndexPath) { return true; });
     layOut();
-    note("reloadData");
+    observers_.tell([](NSCollectionViewObserver& observer) { observer.reloaded(); });
+    if (isOther)
+        announceSelection();
 }
 
 std::int64_t NSCollectionView::numberOfItems(std::int64_t inSection) const noexcept {
@@ -69,18 +60,24 @@ bool NSCollectionView::contains(IndexPath path) const noexcept {
 // Layout
 
 void NSCollectionView::setFrame(const CGRect& frame) {
+    const double before = this->frame().width();
     NSView::setFrame(frame);
+    if (this->frame().width() == before)
+        return;
     layOut();
+    observers_.tell([](NSCollectionViewObserver& observer) { observer.layoutDidChange(); });
 }
 
 void NSCollectionView::layOut() {
     if (layout_)
         layout_->prepare(itemCounts_, frame().width());
+    setNeedsDisplay(true);
 }
 
 void NSCollectionView::setCollectionViewLayout(std::shared_ptr<NSCollectionViewLayout> layout) {
     layout_ = std::move(layout);
     layOut();
+    observers_.tell([](NSCollectionViewObserver& observer) { observer.layoutDidChange(); });
 }
 
 std::shared_ptr<NSCollectionViewFlowLayout> NSCollectionView::collectionViewFlowLayout() const {
@@ -110,6 +107,48 @@ void NSCollectionView::draw(Canvas& canvas) const {
             canvas.fill(element.frame, selection_.contains(*element.indexPath) ? selected : plain);
 }
 
+// Views of items
+
+std::shared_ptr<NSView> NSCollectionView::view(IndexPath forItem, bool makeIfNecessary) {
+    const auto made = views_.find(forItem);
+    if (made != views_.end())
+        return made->second;
+    const auto source = dataSource();
+    if (!makeIfNecessary || !source || !contains(forItem))
+        return nullptr;
+    const std::shared_ptr<NSView> view = source->viewForItem(*this, forItem);
+    // The data source may have changed the collection view meanwhile.
+    if (!view || !contains(forItem))
+        return nullptr;
+    addSubview(view);
+    views_[forItem] = view;
+    return view;
+}
+
+void NSCollectionView::keepViews(const std::set<IndexPath>& ofItems) {
+    forgetViews([&ofItems](IndexPath path) { return !ofItems.contains(path); });
+}
+
+void NSCollectionView::forgetViews(const std::function<bool(IndexPath)>& which) {
+    carryViews(
+        [&which](IndexPath path) { return which(path) ? std::nullopt : std::optional(path); });
+}
+
+/// Those that are told of leaving may ask for other views, so that they leave last.
+template <class Place>
+void NSCollectionView::carryViews(Place place) {
+    std::vector<std::shared_ptr<NSView>> gone;
+    for (auto& [path, view] : std::exchange(views_, {})) {
+        const std::optional<IndexPath> now = place(path);
+        if (now)
+            views_.emplace(*now, std::move(view));
+        else
+            gone.push_back(std::move(view));
+    }
+    for (const auto& view : gone)
+        view->removeFromSuperview();
+}
+
 // Nibs
 
 void NSCollectionView::registerNib(NSNib nib, const std::string& forItemWithIdentifier) {
@@ -118,10 +157,6 @@ void NSCollectionView::registerNib(NSNib nib, const std::string& forItemWithIden
 
 void NSCollectionView::registerNib(NSNib nib, std::string_view forSupplementaryViewOfKind,
                                    const std::string& withIdentifier) {
-    std::string arguments = nib.name;
-    if (!forSupplementaryViewOfKind.empty())
-        arguments.append(", ").append(forSupplementaryViewOfKind);
-    note("registerNib", arguments + ", " + withIdentifier);
     nibs_.insert_or_assign({std::string(forSupplementaryViewOfKind), withIdentifier},
                            std::move(nib));
 }
@@ -154,24 +189,38 @@ void NSCollectionView::register_(const Footers& footers) {
 // Changes
 
 void NSCollectionView::setSelectionIndexPaths(std::set<IndexPath> paths) {
-    note("setSelectionIndexPaths", text(paths));
     std::erase_if(paths, [this](IndexPath path) { return !contains(path); });
+    setSelection(std::move(paths));
+}
+
+void NSCollectionView::setSelection(std::set<IndexPath> paths) {
+    if (paths == selection_)
+        return;
     selection_ = std::move(paths);
+    announceSelection();
+}
+
+void NSCollectionView::announceSelection() {
+    setNeedsDisplay(true);
+    observers_.tell([](NSCollectionViewObserver& observer) { observer.selectionDidChange(); });
+    // A view on the stack has no one to be announced to.
+    if (const std::shared_ptr<NSView> self = weak_from_this().lock())
+        NSNotificationCenter::defaultCenter()->post(
+            NSNotificationName(selectionDidChangeNotification), self);
 }
 
 void NSCollectionView::performBatchUpdates(const std::function<void()>& updates,
                                            const std::function<void()>& completionHandler) {
-    if (batchDepth_ == 0)
-        note("performBatchUpdates");
-    {
-        // Closed by a guard: the updates may throw.
-        const struct Guard {
-            std::int64_t& depth;
-            explicit Guard(std::int64_t& batchDepth) : depth(batchDepth) { ++depth; }
-            ~Guard() { --depth; }
-        } guard(batchDepth_);
+    const Updates before = batch_;
+    ++batchDepth_;
+    try {
         updates();
+    } catch (...) {
+        --batchDepth_;
+        batch_ = before;
+        throw;
     }
+    --batchDepth_;
     if (batchDepth_ == 0)
         apply(std::exchange(batch_, {}));
     if (completionHandler)
@@ -180,83 +229,95 @@ void NSCollectionView::performBatchUpdates(const std::function<void()>& updates,
 
 void NSCollectionView::Animator::performBatchUpdates(
     const std::function<void()>& updates, const std::function<void()>& completionHandler) {
-    view_->note("animator");
+    const struct Guard {
+        explicit Guard(bool& animated) : flag(animated), before(std::exchange(animated, true)) {}
+        ~Guard() { flag = before; }
+        bool& flag;
+        bool before;
+    } guard(view_->isBatchAnimated_);
     view_->performBatchUpdates(updates, completionHandler);
 }
 
+/// A change outside a batch is a batch of its own.
+template <class Change>
+void NSCollectionView::addToBatch(Change change) {
+    if (batchDepth_ > 0)
+        return change(batch_);
+    Updates updates;
+    change(updates);
+    apply(updates);
+}
+
 void NSCollectionView::insertItems(const std::set<IndexPath>& at) {
-    performBatchUpdates([&] {
-        batch_.inserted.insert(at.begin(), at.end());
-        note("insertItems", text(at));
-    });
+    addToBatch([&](Updates& batch) { batch.inserted.insert(at.begin(), at.end()); });
 }
 
 void NSCollectionView::deleteItems(const std::set<IndexPath>& at) {
-    performBatchUpdates([&] {
-        batch_.deleted.insert(at.begin(), at.end());
-        note("deleteItems", text(at));
-    });
+    addToBatch([&](Updates& batch) { batch.deleted.insert(at.begin(), at.end()); });
 }
 
 void NSCollectionView::reloadItems(const std::set<IndexPath>& at) {
-    performBatchUpdates([&] { note("reloadItems", text(at)); });
+    addToBatch([&](Updates& batch) { batch.reloaded.insert(at.begin(), at.end()); });
 }
 
 void NSCollectionView::moveItem(IndexPath at, IndexPath to) {
-    performBatchUpdates([&] {
-        batch_.moved.emplace_back(at, to);
-        note("moveItem", text(at) + ", " + text(to));
-    });
+    addToBatch([&](Updates& batch) { batch.moved.emplace_back(at, to); });
 }
 
 void NSCollectionView::reloadSections(const IndexSet& sections) {
-    const auto source = dataSource_.lock();
-    for (const std::int64_t section : sections) {
-        if (section < numberOfSections())
-            itemCounts_[static_cast<std::size_t>(section)] =
-                source ? std::max<std::int64_t>(source->numberOfItems(*this, section), 0) : 0;
-        std::erase_if(selection_, [section](IndexPath path) { return path.section == section; });
-    }
+    const auto source = dataSource();
+    for (const std::int64_t section :
+         sections.intersection(IndexSet(IndexSet::Range{0, numberOfSections()})))
+        itemCounts_[static_cast<std::size_t>(section)] =
+            source ? std::max<std::int64_t>(source->numberOfItems(*this, section), 0) : 0;
+    const auto isInThem = [&sections](IndexPath path) { return sections.contains(path.section); };
+    const bool isOther = std::erase_if(selection_, isInThem) > 0;
+    forgetViews(isInThem);
     layOut();
-    note("reloadSections", sections.description());
+    observers_.tell(
+        [&](NSCollectionViewObserver& observer) { observer.sectionsReloaded(sections); });
+    if (isOther)
+        announceSelection();
 }
 
-void NSCollectionView::apply(const Batch& batch) {
-    Batch parts = batch;
-    for (const auto& [from, to] : batch.moved) {
-        parts.deleted.insert(from);
-        parts.inserted.insert(to);
-    }
-    const auto isNone = [this](IndexPath path) { return !contains(path); };
-    if (std::any_of(parts.deleted.begin(), parts.deleted.end(), isNone))
-        fatalError("A path lies outside the collection view.");
-
+void NSCollectionView::apply(const Updates& batch) {
+    count(batch);
+    const internal::ItemChange change(batch);
     std::set<IndexPath> selection;
-    for (const auto& [from, to] : batch.moved)
-        if (selection_.contains(from))
-            selection.insert(to);
-    for (std::int64_t section = 0; section < numberOfSections(); ++section)
-        carrySelection(parts, section, selection);
-    for (const IndexPath path : parts.deleted)
-        --itemCounts_[static_cast<std::size_t>(path.section)];
-    for (const IndexPath path : parts.inserted)
-        if (path.section >= 0 && path.section < numberOfSections())
-            ++itemCounts_[static_cast<std::size_t>(path.section)];
-    if (std::any_of(parts.inserted.begin(), parts.inserted.end(), isNone))
-        fatalError("A path lies outside the collection view.");
+    for (const IndexPath path : selection_)
+        if (const auto now = change.place(path))
+            selection.insert(*now);
+    const bool isOther = selection != selection_;
     selection_ = std::move(selection);
     checkAgainstSource();
     layOut();
+    carryViews([&](IndexPath path) {
+        return batch.reloaded.contains(path) ? std::nullopt : change.place(path);
+    });
+    observers_.tell([&](NSCollectionViewObserver& observer) {
+        observer.itemsUpdated(batch, isBatchAnimated_);
+    });
+    if (isOther)
+        announceSelection();
 }
 
-void NSCollectionView::carrySelection(const Batch& batch, std::int64_t section,
-                                      std::set<IndexPath>& selection) const {
-    IndexSet kept = items(selection_, section).afterRemoving(items(batch.deleted, section));
-    const IndexSet inserted = items(batch.inserted, section);
-    for (const IndexSet::Range range : inserted.ranges())
-        kept.shift(range.lower, range.count());
-    for (const std::int64_t item : kept)
-        selection.insert({item, section});
+/// Every origin must be an item before, every destination one afterwards.
+void NSCollectionView::count(const Updates& batch) {
+    std::set<IndexPath> gone = batch.deleted, come = batch.inserted;
+    for (const auto& [from, to] : batch.moved) {
+        gone.insert(from);
+        come.insert(to);
+    }
+    const auto isNone = [this](IndexPath path) { return !contains(path); };
+    if (std::any_of(gone.begin(), gone.end(), isNone))
+        fatalError("A path lies outside the collection view.");
+    for (const IndexPath path : gone)
+        --itemCounts_[static_cast<std::size_t>(path.section)];
+    for (const IndexPath path : come)
+        if (path.section >= 0 && path.section < numberOfSections())
+            ++itemCounts_[static_cast<std::size_t>(path.section)];
+    if (std::any_of(come.begin(), come.end(), isNone))
+        fatalError("A path lies outside the collection view.");
 }
 
 void NSCollectionView::checkAgainstSource() const {
@@ -274,11 +335,11 @@ void NSCollectionView::reloadEditedData(const SelectableArrayEdition& edition) {
     using Edition = SelectableArrayEdition;
     if (const auto* insert = edition.as<Edition::Insert>()) {
         const IndexSet at({.loc = insert->at, .len = insert->count});
-        animator().performBatchUpdates([&] { insertItems(paths(at)); });
+        animator().performBatchUpdates([&] { insertItems(at.mapToIndexPaths()); });
     } else if (const auto* replace = edition.as<Edition::Replace>()) {
         animator().performBatchUpdates([&] { reloadItems({{replace->at, 0}}); });
     } else if (const auto* remove = edition.as<Edition::Remove>()) {
-        animator().performBatchUpdates([&] { deleteItems(paths(remove->at)); });
+        animator().performBatchUpdates([&] { deleteItems(remove->at.mapToIndexPaths()); });
     } else if (const auto* move = edition.as<Edition::Move>()) {
         std::int64_t place = move->to - move->from.count(IndexSet::Range{0, move->to});
         animator().performBatchUpdates([&] {
@@ -286,10 +347,10 @@ void NSCollectionView::reloadEditedData(const SelectableArrayEdition& edition) {
                 moveItem({item, 0}, {place++, 0});
         });
     } else if (const auto* select = edition.as<Edition::Select>()) {
-        setSelectionIndexPaths(paths(select->selection));
+        setSelectionIndexPaths(select->selection.mapToIndexPaths());
     } else if (const auto* reload = edition.as<Edition::Reload>()) {
         reloadSections({0});
-        setSelectionIndexPaths(paths(reload->selection));
+        setSelectionIndexPaths(reload->selection.mapToIndexPaths());
     }
 }
 

@@ -1,11 +1,14 @@
-#include "RandomEditions.h"
 #include <tests/Testing.h>
+#include <tests/collections/RandomEditions.h>
 
 #include <zorvan/collections/ManagedList.h>
-#include <zorvan/collections/NSTableView.h>
+#include <zorvan/interface/ManagedListViewReloader.h>
+#include <zorvan/interface/NSTableViewObserver.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 
-using Calls = std::vector<ViewCall>;
+#include <random>
+
+using Calls = std::vector<std::string>;
 using Options = NSTableView::AnimationOptions;
 
 namespace {
@@ -27,9 +30,39 @@ struct Source : NSTableViewDataSource, NSTableViewDelegate {
         return "item " + std::to_string(items[static_cast<std::size_t>(row)]);
     }
     double heightOfRow(const NSTableView&, std::int64_t row) const override {
+        ++heightsAsked;
         return 10 + static_cast<double>(row % 3);
     }
+    void sortOrderDidChange(NSTableView& table) override {
+        sortedBy = table.sortOrder() ? table.sortOrder()->column->title() : "none";
+    }
     std::vector<int> items;
+    mutable std::int64_t heightsAsked = 0;
+    std::string sortedBy;
+};
+
+struct Recorder : NSTableViewObserver {
+    void updatesDidBegin() override { calls.emplace_back("begin"); }
+    void updatesDidEnd() override { calls.emplace_back("end"); }
+    void rowsInserted(const IndexSet& at, Options options) override {
+        calls.push_back("insert " + at.description() + " " + std::to_string(options.rawValue));
+    }
+    void rowsRemoved(const IndexSet& at, Options options) override {
+        calls.push_back("remove " + at.description() + " " + std::to_string(options.rawValue));
+    }
+    void rowMoved(std::int64_t from, std::int64_t to) override {
+        calls.push_back("move " + std::to_string(from) + " " + std::to_string(to));
+    }
+    void cellsReloaded(const IndexSet& rows, const IndexSet& columns) override {
+        calls.push_back("cells " + rows.description() + " " + columns.description());
+    }
+    void reloaded() override { calls.emplace_back("reload"); }
+    void selectionDidChange() override { calls.emplace_back("select"); }
+    void columnDidChange(std::int64_t at) override {
+        calls.push_back("column " + std::to_string(at));
+    }
+    void sortOrderDidChange() override { calls.emplace_back("sort"); }
+    Calls calls;
 };
 
 struct Fixture {
@@ -38,7 +71,7 @@ struct Fixture {
         table->setNumberOfColumns(columns);
         table->setDataSource(source);
         table->setDelegate(source);
-        table->setCallObserver([this](const ViewCall& call) { calls.push_back(call); });
+        table->addObserver(recorder);
     }
     /// Every cell view, made or found, stands where its item does.
     void expectRows() {
@@ -52,18 +85,9 @@ struct Fixture {
 
     std::shared_ptr<Source> source = std::make_shared<Source>();
     std::shared_ptr<NSTableView> table = NSTableView::create();
-    Calls calls;
+    std::shared_ptr<Recorder> recorder = std::make_shared<Recorder>();
+    Calls& calls = recorder->calls;
 };
-
-ViewCall selects(const std::string& rows) { return {"selectRowIndexes", rows + ", not extending"}; }
-
-Calls updates(Calls calls, std::optional<ViewCall> after = {}) {
-    calls.insert(calls.begin(), {"beginUpdates", ""});
-    calls.push_back({"endUpdates", ""});
-    if (after)
-        calls.push_back(*after);
-    return calls;
-}
 
 } // namespace
 
@@ -74,12 +98,12 @@ TEST(NSTableView, showsEditionsByTheCallsThatFit) {
         std::vector<int> items;
         Calls calls;
     } table[] = {
-        {Edition::Insert{2, 1}, {0, 8, 9, 1, 2}, updates({{"insertRows", "{1...2}, 32"}})},
-        {Edition::Replace{1}, {0, 9, 2}, {{"reloadData", "{1}, {0...1}"}}},
-        {Edition::Remove{{0, 2}}, {1}, updates({{"removeRows", "{0, 2}, 32"}})},
-        {Edition::Move{{0, 1}, 3}, {2, 0, 1}, updates({{"moveRow", "0, 2"}, {"moveRow", "0, 2"}})},
-        {Edition::Select{{1}}, {0, 1, 2}, {selects("{1}")}},
-        {Edition::Reload{{0}}, {7, 8}, {{"reloadData", ""}, selects("{0}")}},
+        {Edition::Insert{2, 1}, {0, 8, 9, 1, 2}, {"begin", "insert {1...2} 32", "end"}},
+        {Edition::Replace{1}, {0, 9, 2}, {"cells {1} {0...1}"}},
+        {Edition::Remove{{0, 2}}, {1}, {"begin", "remove {0, 2} 32", "end"}},
+        {Edition::Move{{0, 1}, 3}, {2, 0, 1}, {"begin", "move 0 2", "move 0 2", "end"}},
+        {Edition::Select{{1}}, {0, 1, 2}, {"select"}},
+        {Edition::Reload{{0}}, {7, 8}, {"reload", "select"}},
     };
     for (const auto& row : table) {
         Fixture shown({0, 1, 2});
@@ -107,12 +131,12 @@ TEST(NSTableView, showsManagedListEditions) {
         std::function<void()> change;
         Calls calls;
     } table[] = {
-        {[&] { list->setSelection(middle); }, {selects("{1...2}")}},
-        {[&] { list->insert(nine, 0); }, updates({{"insertRows", "{0}, 1"}}, selects("{}"))},
-        {[&] { list->remove(first); }, updates({{"removeRows", "{0}, 1"}})},
-        {[&] { list->move(first, 2); }, {{"reloadData", "{0...3}, {0...1}"}, selects("{1}")}},
-        {[&] { list->setFilter(isLarge); }, {{"reloadData", ""}, selects("{}")}},
-        {[&] { list->reverseOrder(); }, {{"reloadData", "{0...1}, {0...1}"}}},
+        {[&] { list->setSelection(middle); }, {"select"}},
+        {[&] { list->insert(nine, 0); }, {"begin", "insert {0} 1", "select", "end", "select"}},
+        {[&] { list->remove(first); }, {"begin", "remove {0} 1", "end"}},
+        {[&] { list->move(first, 2); }, {"cells {0...3} {0...1}", "select"}},
+        {[&] { list->setFilter(isLarge); }, {"reload", "select"}},
+        {[&] { list->reverseOrder(); }, {"cells {0...1} {0...1}"}},
     };
     for (const auto& row : table) {
         shown.calls.clear();
@@ -142,6 +166,79 @@ TEST(NSTableView, followsAListThroughRandomEditions) {
     }
 }
 
+TEST(NSTableView, takesInScatteredRows) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 50; ++round) {
+        Fixture shown({0, 1, 2, 3, 4, 5, 6, 7});
+        shown.table->selectOnlyRows({1, 2, 5, 7});
+        shown.expectRows();
+        const auto before = shown.source->items;
+        shown.source->items.clear();
+        IndexSet places, selection;
+        for (std::size_t next = 0; next < before.size() || random() % 2;) {
+            const auto row = static_cast<std::int64_t>(shown.source->items.size());
+            if (next == before.size() || random() % 2) {
+                places.insert(row);
+                shown.source->items.push_back(-static_cast<int>(row));
+                continue;
+            }
+            if (next == 1 || next == 2 || next == 5 || next == 7)
+                selection.insert(row);
+            shown.source->items.push_back(before[next++]);
+        }
+        shown.table->insertRows(places, Options::effectNone);
+        shown.expectRows();
+        ASSERT_EQ(shown.table->selectedRowIndexes(), selection);
+    }
+}
+
+TEST(NSTableView, asksForHeightsOncePerChange) {
+    constexpr std::int64_t count = 400;
+    Fixture shown{std::vector<int>(count)};
+    NSScrollView::create(CGRect(0, 0, 150, 50))->setDocumentView(shown.table);
+    IndexSet odd;
+    for (std::int64_t row = 1; row < count; row += 2)
+        odd.insert(row);
+    shown.source->heightsAsked = 0;
+    shown.table->reloadEditedData(SelectableArrayEdition::Move{odd, count / 2},
+                                  Options::effectNone);
+    EXPECT_LE(shown.source->heightsAsked, 2 * count);
+    shown.source->heightsAsked = 0;
+    shown.source->items.resize(2 * count);
+    shown.table->insertRows(odd.union_(IndexSet(IndexSet::Range{count, count * 3 / 2})),
+                            Options::effectNone);
+    EXPECT_LE(shown.source->heightsAsked, 2 * count);
+}
+
+TEST(NSTableView, keepsAskedForCellViewsOnly) {
+    Fixture shown({0, 1, 2});
+    shown.expectRows();
+    shown.table->keepCellViews({1});
+    EXPECT_FALSE(shown.table->cell(0));
+    EXPECT_TRUE(shown.table->cell(1));
+    EXPECT_EQ(shown.table->subviews().size(), 1u);
+    shown.table->tableColumns()[0]->setWidth(30);
+    EXPECT_EQ(shown.table->cell(1)->frame().width(), 30) << "follows its column";
+}
+
+TEST(NSTableView, remembersWhatItIsSortedBy) {
+    Fixture shown({0, 1}, 2);
+    const auto name = shown.table->tableColumns()[0], size = shown.table->tableColumns()[1];
+    name->setTitle("name");
+    EXPECT_EQ(shown.calls, Calls{"column 0"});
+    shown.table->setSortOrder({{.column = name, .isAscending = false}});
+    EXPECT_EQ(shown.source->sortedBy, "name");
+    shown.source->sortedBy = "";
+    shown.table->setSortOrder({{.column = name, .isAscending = false}});
+    EXPECT_EQ(shown.source->sortedBy, "") << "the same again";
+    shown.table->removeTableColumn(size);
+    EXPECT_TRUE(shown.table->sortOrder());
+    shown.table->removeTableColumn(name);
+    EXPECT_EQ(shown.source->sortedBy, "none");
+    shown.table->setSortOrder({{.column = size}});
+    EXPECT_FALSE(shown.table->sortOrder()) << "not a column of the table";
+}
+
 TEST(NSTableViewDeathTest, catchesEditionsThatLie) {
     Fixture shown({0, 1, 2});
     EXPECT_DEATH(
@@ -150,6 +247,7 @@ TEST(NSTableViewDeathTest, catchesEditionsThatLie) {
     EXPECT_DEATH(shown.table->removeRows({3}, Options::effectNone),
                  "^A row lies outside the table view.\n$");
     EXPECT_DEATH(shown.table->insertRows({5}, Options::effectNone), "outside the table view");
+    EXPECT_DEATH(shown.table->moveRows({0}, 4), "outside the table view");
     EXPECT_DEATH(shown.table->endUpdates(), "^A table view ends updates that have not begun.\n$");
 }
 
@@ -212,7 +310,7 @@ TEST(NSTableView, keepsItsColumns) {
     shown.table->setNumberOfColumns(3);
     EXPECT_TRUE(shown.calls.empty());
     shown.table->reloadFirstAndLastColumnData();
-    EXPECT_EQ(shown.calls, (Calls{{"reloadData", "{0}, {0, 2}"}}));
+    EXPECT_EQ(shown.calls, (Calls{"cells {0} {0, 2}"}));
     EXPECT_EQ(shown.table->firstCellView(), nullptr);
     shown.table->setNumberOfColumns(0);
     EXPECT_EQ(shown.table->numberOfColumns(), 0);

@@ -1,15 +1,18 @@
 #pragma once
 
 #include <zorvan/collections/IndexSet.h>
-#include <zorvan/collections/NSTableColumn.h>
 #include <zorvan/collections/SelectableArrayEdition.h>
+#include <zorvan/interface/NSTableColumn.h>
 #include <zorvan/platform/appkit/NSScrollView.h>
 #include <zorvan/platform/appkit/NSView.h>
+#include <zorvan/platform/appkit/ObserverList.h>
 #include <zorvan/platform/foundation/Required.h>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +20,11 @@
 namespace zorvan {
 
 class NSTableView;
+class NSTableViewObserver;
+
+namespace internal {
+class RowChange;
+}
 
 /// Gives a table its rows.
 class NSTableViewDataSource {
@@ -26,6 +34,9 @@ public:
     /// The text of a cell, which the table draws where it has no cell view. Empty unless
     /// overridden.
     virtual std::string text(const NSTableView& table, std::int64_t column, std::int64_t row) const;
+    /// The table's `sortOrder` is another one: sort what the rows show and tell the table what
+    /// changed. Does nothing unless overridden.
+    virtual void sortOrderDidChange(NSTableView& table);
 };
 
 /// Gives a table its looks.
@@ -36,6 +47,8 @@ public:
     virtual std::shared_ptr<NSView> view(NSTableView& table, std::int64_t column, std::int64_t row);
     /// In points; the table's `rowHeight` unless overridden.
     virtual double heightOfRow(const NSTableView& table, std::int64_t row) const;
+    /// A person opens the row, by a double click or with Enter. Does nothing unless overridden.
+    virtual void rowOpened(NSTableView& table, std::int64_t row);
 };
 
 /// A table of rows and columns.
@@ -74,6 +87,14 @@ public:
         Required<IndexSet> columnIndexes;
     };
 
+    /// By which column the rows stand, as a person asked for it.
+    struct SortOrder {
+        std::shared_ptr<NSTableColumn> column;
+        bool isAscending = true;
+
+        friend bool operator==(const SortOrder&, const SortOrder&) = default;
+    };
+
     /// Posted by the table when its selection has changed.
     static constexpr std::string_view selectionDidChangeNotification =
         "NSTableViewSelectionDidChangeNotification";
@@ -81,7 +102,8 @@ public:
     static std::shared_ptr<NSTableView> create(const CGRect& frame = {}) {
         return std::make_shared<NSTableView>(Key{}, frame);
     }
-    using NSView::NSView;
+    NSTableView(Key key, const CGRect& frame);
+    ~NSTableView() override;
 
     bool isFlipped() const noexcept override { return true; }
     void draw(Canvas& canvas) const override;
@@ -95,6 +117,11 @@ public:
     /// Reloads.
     void setDelegate(const std::shared_ptr<NSTableViewDelegate>& delegate);
 
+    /// Whoever shows the table, and tests. Not kept alive.
+    void addObserver(const std::shared_ptr<NSTableViewObserver>& observer) {
+        observers_.add(observer);
+    }
+
     const std::vector<std::shared_ptr<NSTableColumn>>& tableColumns() const noexcept {
         return columns_;
     }
@@ -106,6 +133,10 @@ public:
     /// Removes columns from the last one down, or adds new ones at the end. None for a negative
     /// number.
     void setNumberOfColumns(std::int64_t to);
+    /// None at first, and when its column has gone.
+    const std::optional<SortOrder>& sortOrder() const noexcept { return sortOrder_; }
+    /// Tells the data source of another order. A column that the table does not have means none.
+    void setSortOrder(std::optional<SortOrder> order);
     /// Gives the first column the width of the enclosing scroll view, or 100 points without one.
     void expandFirstColumnWidth();
 
@@ -124,7 +155,8 @@ public:
     void removeRows(const IndexSet& at, AnimationOptions withAnimation);
     /// `to` is where the row stands afterwards.
     void moveRow(std::int64_t at, std::int64_t to);
-    /// Moves the rows, in their order, before the one that stands at `to`, by single-row moves.
+    /// Moves the rows, in their order, before the one that stands at `to`; all at once, where
+    /// `moveRow` for each would end the same.
     void moveRows(const IndexSet& at, std::int64_t to);
 
     /// Takes the number of rows from the data source and forgets every cell view.
@@ -153,7 +185,7 @@ public:
     void selectAlsoRows(const IndexSet& at) { selectRowIndexes(at, true); }
     void selectAlsoRow(std::int64_t at) { selectRowIndexes({at}, true); }
 
-    /// The row last clicked, -1 for none; a host sets it.
+    /// The row last clicked, -1 for none; whoever shows the table sets it.
     std::int64_t clickedRow() const noexcept { return clickedRow_; }
     void setClickedRow(std::int64_t row) noexcept { clickedRow_ = row; }
     /// What a click is about: the whole selection when the clicked row is in it, else that row
@@ -181,25 +213,36 @@ public:
     std::shared_ptr<NSView> firstCellView() { return cell(0); }
     std::shared_ptr<NSView> lastCellView() { return cell(rowCount_ - 1); }
     std::shared_ptr<NSView> cell(std::int64_t at) { return view(0, at, false); }
+    /// Forgets the cell views of all other rows; whoever shows the table calls it for those that
+    /// are out of sight.
+    void keepCellViews(const IndexSet& ofRows);
+    /// The text that is shown where there is no cell view; empty when there is no such cell.
+    std::string text(std::int64_t column, std::int64_t row) const;
 
 protected:
     /// How many rows the table should have, as its source says.
     virtual std::int64_t sourceRowCount();
-    /// Changes rows without telling anyone but the selection's observers.
-    void takeInRows(const IndexSet& at);
-    void dropRows(const IndexSet& at);
     /// A cell's text, for drawing.
     virtual std::string cellText(std::int64_t column, std::int64_t row) const;
+    /// Carries cell views and selection over, tells the observers by `tell`, then announces another
+    /// selection.
+    void changeRows(const internal::RowChange& change, const std::function<void()>& tell);
 
 private:
     IndexSet allRows() const;
     IndexSet allColumns() const;
+    using CellViews = std::map<std::int64_t, std::vector<std::shared_ptr<NSView>>>;
+    friend class NSTableColumn;
+
+    std::shared_ptr<NSTableView> self() noexcept;
+    void columnDidChange(const NSTableColumn& column);
+    void forgetCellViews();
+    /// To be called with the views no longer in `cells_`: those who are told may ask the table.
+    static void takeOut(const CellViews& views);
     void setSelection(IndexSet selection);
+    void announceSelection();
     void checkRows(const IndexSet& rows) const;
-    /// Renumbers cell views after rows have changed; `place` gives the new row of an old one, or
-    /// -1.
-    template <class Place>
-    void renumberCells(Place place);
+    void placeCellViews();
     void layOut();
     const std::vector<double>& rowTops() const;
     double top(std::int64_t row) const;
@@ -208,9 +251,11 @@ private:
 
     std::weak_ptr<NSTableViewDataSource> dataSource_;
     std::weak_ptr<NSTableViewDelegate> delegate_;
+    ObserverList<NSTableViewObserver> observers_;
     std::vector<std::shared_ptr<NSTableColumn>> columns_;
     /// The cell views that have been made, by row, one for each column.
-    std::map<std::int64_t, std::vector<std::shared_ptr<NSView>>> cells_;
+    CellViews cells_;
+    std::optional<SortOrder> sortOrder_;
     IndexSet selection_;
     std::int64_t rowCount_ = 0;
     std::int64_t clickedRow_ = -1;

@@ -2,10 +2,11 @@
 
 #include <zorvan/collections/IndexPath.h>
 #include <zorvan/collections/IndexSet.h>
-#include <zorvan/collections/NSCollectionViewLayout.h>
-#include <zorvan/collections/NSNib.h>
 #include <zorvan/collections/SelectableArrayEdition.h>
+#include <zorvan/interface/NSCollectionViewLayout.h>
+#include <zorvan/interface/NSNib.h>
 #include <zorvan/platform/appkit/NSView.h>
+#include <zorvan/platform/appkit/ObserverList.h>
 #include <zorvan/platform/foundation/Required.h>
 
 #include <cstdint>
@@ -21,6 +22,7 @@
 namespace zorvan {
 
 class NSCollectionView;
+class NSCollectionViewObserver;
 
 /// Gives a collection view its items.
 class NSCollectionViewDataSource {
@@ -30,6 +32,13 @@ public:
     virtual std::int64_t numberOfSections(const NSCollectionView& view) const;
     virtual std::int64_t numberOfItems(const NSCollectionView& view,
                                        std::int64_t section) const = 0;
+    /// What is shown of an item that has no view, and what a screen reader says. Empty unless
+    /// overridden.
+    virtual std::string text(const NSCollectionView& view, IndexPath item) const;
+    /// A new view that shows an item; null, unless overridden, for none.
+    virtual std::shared_ptr<NSView> viewForItem(NSCollectionView& view, IndexPath item);
+    /// A person opens the item, by a double click or with Enter. Does nothing unless overridden.
+    virtual void itemOpened(NSCollectionView& view, IndexPath item);
 };
 
 /// Items in sections, placed by a layout.
@@ -50,6 +59,29 @@ public:
     void draw(Canvas& canvas) const override;
     void setFrame(const CGRect& frame) override;
 
+    /// What a batch changes.
+    struct Updates {
+        /// Positions before the batch.
+        std::set<IndexPath> deleted = {}, reloaded = {};
+        /// Positions after it.
+        std::set<IndexPath> inserted = {};
+        std::vector<std::pair<IndexPath, IndexPath>> moved = {};
+
+        friend bool operator==(const Updates&, const Updates&) = default;
+    };
+
+    /// Posted by the collection view when its selection has changed.
+    static constexpr std::string_view selectionDidChangeNotification =
+        "NSCollectionViewSelectionDidChangeNotification";
+
+    /// Whoever shows the collection view, and tests. Not kept alive.
+    void addObserver(const std::shared_ptr<NSCollectionViewObserver>& observer) {
+        observers_.add(observer);
+    }
+
+    std::shared_ptr<NSCollectionViewDataSource> dataSource() const noexcept {
+        return dataSource_.lock();
+    }
     /// Not kept alive. Reloads.
     void setDataSource(const std::shared_ptr<NSCollectionViewDataSource>& source);
     void reloadData();
@@ -73,8 +105,15 @@ public:
     static constexpr std::string_view sectionHeader = "SectionHeader";
     static constexpr std::string_view sectionFooter = "SectionFooter";
 
-    /// Keeps what the items of an identifier are made from; of an identifier given twice, the
-    /// later.
+    /// The view that the data source has made for an item; null when there is none, and when it
+    /// has not been made and is not to be. It is asked for again after a reload of the item.
+    std::shared_ptr<NSView> view(IndexPath forItem, bool makeIfNecessary);
+    /// Forgets the views of all other items; whoever shows the collection view calls it for those
+    /// that are out of sight.
+    void keepViews(const std::set<IndexPath>& ofItems);
+
+    /// Keeps under an identifier the nib that its items are described by, for whoever wants to ask;
+    /// of an identifier given twice, the later. The items are made by the data source.
     void registerNib(NSNib nib, const std::string& forItemWithIdentifier);
     void registerNib(NSNib nib, std::string_view forSupplementaryViewOfKind,
                      const std::string& withIdentifier);
@@ -101,7 +140,7 @@ public:
     void register_(const Footers& footers);
 
     const std::set<IndexPath>& selectionIndexPaths() const noexcept { return selection_; }
-    /// Paths that are none are passed over.
+    /// Paths that are none are passed over. A selection that stays the same is not announced.
     void setSelectionIndexPaths(std::set<IndexPath> paths);
 
     void insertItems(const std::set<IndexPath>& at);
@@ -110,12 +149,13 @@ public:
     void moveItem(IndexPath at, IndexPath to);
     /// Reads the number of items of these sections anew; their selection is dropped.
     void reloadSections(const IndexSet& sections);
-    /// Runs the updates as one batch, then the handler.
+    /// Runs the updates as one batch, then the handler. What the updates throw passes through, and
+    /// what they had asked for is forgotten.
     void performBatchUpdates(const std::function<void()>& updates,
                              const std::function<void()>& completionHandler = {});
 
-    /// Makes changes that a host shows as an animation. Without a host they take effect at once;
-    /// the observer is told that they were animated.
+    /// Makes changes that are told to the observer as animated ones. The view's own state changes
+    /// at once.
     class Animator {
     public:
         explicit Animator(std::shared_ptr<NSCollectionView> view) : view_(std::move(view)) {}
@@ -133,29 +173,31 @@ public:
     void reloadEditedData(const SelectableArrayEdition& edition);
 
 private:
-    /// What a batch has gathered so far.
-    struct Batch {
-        std::set<IndexPath> deleted, inserted;
-        std::vector<std::pair<IndexPath, IndexPath>> moved;
-    };
-
     bool contains(IndexPath path) const noexcept;
-    void apply(const Batch& batch);
+    template <class Change>
+    void addToBatch(Change change);
+    void apply(const Updates& batch);
+    void count(const Updates& batch);
     void checkAgainstSource() const;
-    /// Where the items that were neither deleted nor moved stand after the batch, in each section
-    /// the selected ones only.
-    void carrySelection(const Batch& batch, std::int64_t section,
-                        std::set<IndexPath>& selection) const;
+    template <class Place>
+    void carryViews(Place place);
+    void forgetViews(const std::function<bool(IndexPath)>& which);
+    void setSelection(std::set<IndexPath> paths);
+    void announceSelection();
     void layOut();
 
     std::weak_ptr<NSCollectionViewDataSource> dataSource_;
+    ObserverList<NSCollectionViewObserver> observers_;
     std::shared_ptr<NSCollectionViewLayout> layout_;
     std::vector<std::int64_t> itemCounts_;
     std::set<IndexPath> selection_;
     /// By kind, which is empty for items, and identifier.
     std::map<std::pair<std::string, std::string>, NSNib> nibs_;
-    Batch batch_;
+    std::map<IndexPath, std::shared_ptr<NSView>> views_;
+    /// What the batch that is open has gathered so far.
+    Updates batch_;
     std::int64_t batchDepth_ = 0;
+    bool isBatchAnimated_ = false;
 };
 
 } // namespace zorvan

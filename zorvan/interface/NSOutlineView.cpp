@@ -1,10 +1,13 @@
-#include <zorvan/collections/NSOutlineView.h>
+#include <zorvan/interface/NSOutlineView.h>
 
+#include <zorvan/interface/NSOutlineViewObserver.h>
+#include <zorvan/interface/internal/RowChange.h>
 #include <zorvan/platform/appkit/NSAnimationContext.h>
 #include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <algorithm>
+#include <optional>
 
 namespace zorvan {
 
@@ -14,6 +17,14 @@ bool NSOutlineViewDataSource::isExpandable(const NSOutlineView& outline, const I
 
 std::string NSOutlineViewDataSource::text(const NSOutlineView&, std::int64_t, const Item&) const {
     return {};
+}
+
+void NSOutlineViewObserver::itemExpanded(const NSOutlineView::Item&, bool) {}
+void NSOutlineViewObserver::itemCollapsed(const NSOutlineView::Item&) {}
+
+void NSOutlineView::addObserver(const std::shared_ptr<NSOutlineViewObserver>& observer) {
+    NSTableView::addObserver(observer);
+    outlineObservers_.add(observer);
 }
 
 void NSOutlineView::setOutlineDataSource(const std::shared_ptr<NSOutlineViewDataSource>& source) {
@@ -68,25 +79,42 @@ void NSOutlineView::markAllExpanded(const Item& item, std::vector<Item>& above) 
     above.pop_back();
 }
 
-void NSOutlineView::showChange() {
-    std::vector<Row> now = visibleRows();
-    // One side is the other with a run of rows taken out: what differs lies between what is common.
-    const std::size_t shorter = std::min(rows_.size(), now.size());
-    std::size_t head = 0;
-    while (head < shorter && rows_[head].item == now[head].item)
-        ++head;
-    std::size_t tail = 0;
-    while (tail < shorter - head &&
-           rows_[rows_.size() - 1 - tail].item == now[now.size() - 1 - tail].item)
-        ++tail;
-    const auto between = [head, tail](const std::vector<Row>& rows) {
-        return IndexSet(IndexSet::Range{static_cast<std::int64_t>(head),
-                                        static_cast<std::int64_t>(rows.size() - tail)});
+namespace {
+
+/// The rows of `whole` that `part` lacks; absent when it is not `whole` with rows left out.
+template <class Rows>
+std::optional<IndexSet> lacking(const Rows& part, const Rows& whole) {
+    IndexSet rows;
+    auto next = part.begin();
+    for (std::size_t row = 0; row < whole.size(); ++row) {
+        if (next != part.end() && next->item == whole[row].item)
+            ++next;
+        else
+            rows.insert(static_cast<std::int64_t>(row));
+    }
+    return next == part.end() ? std::optional(std::move(rows)) : std::nullopt;
+}
+
+template <class Rows>
+internal::RowChange changeBetween(const Rows& before, const Rows& now) {
+    using internal::RowChange;
+    if (const auto come = lacking(before, now))
+        return RowChange::inserting(*come);
+    if (const auto gone = lacking(now, before))
+        return RowChange::removing(*gone);
+    const auto all = [](const Rows& rows) {
+        return IndexSet(IndexSet::Range{0, static_cast<std::int64_t>(rows.size())});
     };
-    const IndexSet gone = between(rows_), come = between(now);
+    return RowChange::replacing(all(before), all(now));
+}
+
+} // namespace
+
+void NSOutlineView::showChange(const std::function<void(NSOutlineViewObserver&)>& told) {
+    std::vector<Row> now = visibleRows();
+    const internal::RowChange change = changeBetween(rows_, now);
     rows_ = std::move(now);
-    dropRows(gone);
-    takeInRows(come);
+    changeRows(change, [&] { outlineObservers_.tell(told); });
 }
 
 void NSOutlineView::expandItem(const Item& item, bool expandChildren) {
@@ -97,15 +125,13 @@ void NSOutlineView::expandItem(const Item& item, bool expandChildren) {
     } else if (item && source && source->isExpandable(*this, item)) {
         expanded_.insert(item);
     }
-    showChange();
-    note("expandItem",
-         std::string(item ? "an item" : "the root") + (expandChildren ? ", with children" : ""));
+    showChange(
+        [&](NSOutlineViewObserver& observer) { observer.itemExpanded(item, expandChildren); });
 }
 
 void NSOutlineView::collapseItem(const Item& item) {
     if (expanded_.erase(item) > 0)
-        showChange();
-    note("collapseItem", item ? "an item" : "the root");
+        showChange([&](NSOutlineViewObserver& observer) { observer.itemCollapsed(item); });
 }
 
 void NSOutlineView::setExpanded(bool expanded, const Item& item) {

@@ -1,4 +1,4 @@
-#include <zorvan/collections/ManagedListViewReloader.h>
+#include <zorvan/interface/ManagedListViewReloader.h>
 
 namespace zorvan {
 

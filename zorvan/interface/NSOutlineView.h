@@ -1,8 +1,9 @@
 #pragma once
 
-#include <zorvan/collections/NSTableView.h>
+#include <zorvan/interface/NSTableView.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <unordered_set>
@@ -11,6 +12,7 @@
 namespace zorvan {
 
 class NSOutlineView;
+class NSOutlineViewObserver;
 
 /// Gives an outline its items. Items are told apart by identity; no item (null) stands for the
 /// root.
@@ -43,6 +45,12 @@ public:
     }
     using NSTableView::NSTableView;
 
+    /// Told of what a table tells too.
+    void addObserver(const std::shared_ptr<NSOutlineViewObserver>& observer);
+
+    std::shared_ptr<NSOutlineViewDataSource> outlineDataSource() const noexcept {
+        return outlineSource_.lock();
+    }
     /// Reloads.
     void setOutlineDataSource(const std::shared_ptr<NSOutlineViewDataSource>& source);
 
@@ -84,9 +92,10 @@ private:
     void listVisible(const Item& item, std::vector<Item>& above, std::vector<Row>& rows) const;
     std::vector<Row> visibleRows() const;
     /// Brings the rows in line with what is expanded now, telling the table which came or went.
-    void showChange();
+    void showChange(const std::function<void(NSOutlineViewObserver&)>& told);
 
     std::weak_ptr<NSOutlineViewDataSource> outlineSource_;
+    ObserverList<NSOutlineViewObserver> outlineObservers_;
     std::unordered_set<Item> expanded_;
     std::vector<Row> rows_;
 };

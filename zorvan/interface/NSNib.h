@@ -7,8 +7,8 @@
 
 namespace zorvan {
 
-/// Names the description of a view among the resources of a bundle. A host makes views from it; a
-/// view without a host only keeps it.
+/// Names the description of a view among the resources of a bundle. Views keep it under an
+/// identifier; nothing is read from the bundle.
 struct NSNib {
     std::string name;
     /// Null for the main bundle.
