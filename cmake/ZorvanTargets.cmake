@@ -3,9 +3,13 @@
 add_library(zorvan_build_flags INTERFACE)
 target_compile_options(zorvan_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wconversion
                                                     $<$<BOOL:${ZORVAN_WERROR}>:-Werror>)
+# What is compared exactly must not depend on whether the processor multiplies and adds in one step.
+target_compile_options(zorvan_build_flags INTERFACE -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # g++ 12 sees overlaps in std::string's operator+ that are not there (its bug 105651).
   target_compile_options(zorvan_build_flags INTERFACE -Wno-restrict)
+  # It takes the moved-from alternatives of a variant for uninitialised, up to g++ 14.
+  target_compile_options(zorvan_build_flags INTERFACE -Wno-maybe-uninitialized)
   # A library's own functions may be inlined into each other, as clang does by itself.
   target_compile_options(zorvan_build_flags INTERFACE -fno-semantic-interposition)
 endif()
@@ -29,6 +33,37 @@ function(zorvan_library_name component result)
   string(REGEX REPLACE "([a-z])([A-Z])" "\\1-\\2" dashed ${component})
   string(TOLOWER zorvan-${dashed} name)
   set(${result} ${name} PARENT_SCOPE)
+endfunction()
+
+# zorvan_install_library(<Component>): with the runtime package that ZorvanPackages.cmake puts it in.
+function(zorvan_install_library component)
+  zorvan_package_of(${component} package)
+  zorvan_toolkit_of(${component} toolkit)
+  install(TARGETS ${component} EXPORT Zorvan${toolkit}Targets
+          LIBRARY COMPONENT ${package} NAMELINK_COMPONENT development${toolkit}
+          ARCHIVE COMPONENT development${toolkit})
+  set_property(GLOBAL APPEND PROPERTY ZORVAN_LIBRARY_FOLDERS ${CMAKE_CURRENT_BINARY_DIR})
+  get_target_property(library ${component} OUTPUT_NAME)
+  set_property(GLOBAL APPEND PROPERTY ZORVAN_LIBRARIES_${package} ${library})
+  get_property(toolkits GLOBAL PROPERTY ZORVAN_TOOLKITS)
+  if(toolkit AND NOT toolkit IN_LIST toolkits)
+    set_property(GLOBAL APPEND PROPERTY ZORVAN_TOOLKITS ${toolkit})
+  endif()
+  if(toolkit)
+    # What wants a toolkit comes with its headers, and only with it.
+    file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+    file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+    install(FILES ${headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder} COMPONENT development${toolkit})
+  endif()
+endfunction()
+
+# zorvan_install_exports(): what find_package reads; for each toolkit a file of its own.
+function(zorvan_install_exports)
+  get_property(toolkits GLOBAL PROPERTY ZORVAN_TOOLKITS)
+  foreach(toolkit "" ${toolkits})
+    install(EXPORT Zorvan${toolkit}Targets NAMESPACE Zorvan::
+            DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zorvan COMPONENT development${toolkit})
+  endforeach()
 endfunction()
 
 # zorvan_library(<Component> [APART] SOURCES <file>... [USES <Component>...] [NEEDS <pkg-config module>...])
@@ -58,14 +93,16 @@ function(zorvan_library component)
     pkg_check_modules(${name} REQUIRED IMPORTED_TARGET ${module})
     target_link_libraries(${component} PRIVATE PkgConfig::${name})
   endforeach()
-  install(TARGETS ${component} EXPORT ZorvanTargets)
-  zorvan_write_pkg_config(${library} "${arg_USES}")
+  zorvan_install_library(${component})
+  zorvan_write_pkg_config(${component} "${arg_USES}")
   if(NOT arg_APART)
     set_property(GLOBAL APPEND PROPERTY ZORVAN_COMPONENTS ${component})
   endif()
 endfunction()
 
-function(zorvan_write_pkg_config library uses)
+function(zorvan_write_pkg_config component uses)
+  zorvan_library_name(${component} library)
+  zorvan_toolkit_of(${component} toolkit)
   set(required "")
   foreach(component ${uses})
     zorvan_library_name(${component} name)
@@ -76,7 +113,7 @@ function(zorvan_write_pkg_config library uses)
   file(RELATIVE_PATH ZORVAN_PC_UP /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/zorvan.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${library}.pc
-          DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+          DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development${toolkit})
 endfunction()
 
 # zorvan_finish_library(): what stands for all components: Zorvan::Zorvan, the headers that include a
@@ -86,18 +123,20 @@ function(zorvan_finish_library)
   add_library(Zorvan INTERFACE)
   add_library(Zorvan::Zorvan ALIAS Zorvan)
   target_link_libraries(Zorvan INTERFACE ${components})
-  install(TARGETS Zorvan EXPORT ZorvanTargets)
+  install(TARGETS Zorvan EXPORT ZorvanTargets COMPONENT development)
   include(CMakePackageConfigHelpers)
   configure_package_config_file(
     ${PROJECT_SOURCE_DIR}/cmake/ZorvanConfig.cmake.in ${PROJECT_BINARY_DIR}/ZorvanConfig.cmake
     INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zorvan)
   write_basic_package_version_file(${PROJECT_BINARY_DIR}/ZorvanConfigVersion.cmake
                                    COMPATIBILITY SameMinorVersion)
-  install(EXPORT ZorvanTargets NAMESPACE Zorvan:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zorvan)
+  zorvan_install_exports()
   install(FILES ${PROJECT_BINARY_DIR}/ZorvanConfig.cmake ${PROJECT_BINARY_DIR}/ZorvanConfigVersion.cmake
-          DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zorvan)
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/zorvan DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-          FILES_MATCHING PATTERN "*.h" PATTERN internal EXCLUDE)
+          DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zorvan COMPONENT development)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/zorvan DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development
+          FILES_MATCHING PATTERN "*.h" PATTERN internal EXCLUDE
+          # What wants a toolkit comes with its library.
+          REGEX "/hosts/([^/]*[.]h|qtmodels|gtkmodels)$" EXCLUDE)
   zorvan_write_gathering_headers()
   set(names "")
   foreach(component ${components})
@@ -106,16 +145,21 @@ function(zorvan_finish_library)
   endforeach()
   list(JOIN names " " ZORVAN_PC_REQUIRES)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/zorvan-all.pc.in ${PROJECT_BINARY_DIR}/zorvan.pc @ONLY)
-  install(FILES ${PROJECT_BINARY_DIR}/zorvan.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  install(FILES ${PROJECT_BINARY_DIR}/zorvan.pc
+          DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 endfunction()
 
-# Writes <zorvan/FAMILY.h> for every folder of zorvan/, and <zorvan/zorvan.h> for all of them. They are
-# made from what the folders hold, so that no header can be left out.
+# Writes <zorvan/FAMILY.h> for every family, and <zorvan/zorvan.h> for all of them and the services. They
+# are made from what the folders hold, so that no header can be left out. Hosts stand apart: each of their
+# headers wants a toolkit.
 function(zorvan_write_gathering_headers)
   file(GLOB stale ${PROJECT_BINARY_DIR}/include/zorvan/*.h)
   file(GLOB entries RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/zorvan/*)
   foreach(entry ${entries})
     get_filename_component(family ${entry} NAME)
+    if(family STREQUAL hosts)
+      continue()
+    endif()
     zorvan_list_headers(${entry} headers)
     if(headers AND NOT family STREQUAL platform)
       list(JOIN headers "" ZORVAN_INCLUDES)
@@ -132,7 +176,8 @@ function(zorvan_write_gathering_headers)
   if(stale)
     file(REMOVE ${stale})
   endif()
-  install(DIRECTORY ${PROJECT_BINARY_DIR}/include/zorvan DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/include/zorvan DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+          COMPONENT development)
 endfunction()
 
 # zorvan_list_headers(<folder> <result>): the #include lines of the public headers in and below a folder.

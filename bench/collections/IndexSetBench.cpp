@@ -1,4 +1,5 @@
-// Set algebra over a million positions in ten thousand ranges, beside Boost.ICL and CRoaring.
+// Set algebra over a million positions in ten thousand ranges, and over ten thousand single
+// positions among as many, beside Boost.ICL and CRoaring.
 
 #include <zorvan/collections/IndexSet.h>
 
@@ -16,14 +17,14 @@ namespace {
 using Interval = boost::icl::interval<std::int64_t>;
 using IntervalSet = boost::icl::interval_set<std::int64_t>;
 
-/// Ten thousand ranges of 100 positions on average, with gaps of the same mean.
-std::vector<IndexSet::Range> scatteredRanges(unsigned seed) {
+/// Ten thousand ranges of up to `longest` positions, with gaps of 100 on average.
+std::vector<IndexSet::Range> scatteredRanges(unsigned seed, std::int64_t longest = 199) {
     std::mt19937 random(seed);
-    std::uniform_int_distribution<std::int64_t> length(1, 199);
+    std::uniform_int_distribution<std::int64_t> length(1, longest), gap(1, 199);
     std::vector<IndexSet::Range> ranges;
     std::int64_t position = 0;
     for (int i = 0; i < 10'000; ++i) {
-        position += length(random);
+        position += gap(random);
         const std::int64_t upper = position + length(random);
         ranges.push_back({position, upper});
         position = upper + 1;
@@ -90,6 +91,20 @@ void intersectionOf(benchmark::State& state) {
         benchmark::DoNotOptimize(Peer::intersect(a, b));
 }
 
+template <class Peer>
+void unionOfSingles(benchmark::State& state) {
+    const auto a = Peer::make(scatteredRanges(1, 1)), b = Peer::make(scatteredRanges(2, 1));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(Peer::unite(a, b));
+}
+
+template <class Peer>
+void intersectionOfSingles(benchmark::State& state) {
+    const auto a = Peer::make(scatteredRanges(1, 1)), b = Peer::make(scatteredRanges(2, 1));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(Peer::intersect(a, b));
+}
+
 /// A million questions at random positions.
 template <class Peer>
 void containsMillion(benchmark::State& state) {
@@ -112,6 +127,12 @@ BENCHMARK(unionOf<CRoaring>);
 BENCHMARK(intersectionOf<Ours>);
 BENCHMARK(intersectionOf<BoostIcl>);
 BENCHMARK(intersectionOf<CRoaring>);
+BENCHMARK(unionOfSingles<Ours>);
+BENCHMARK(unionOfSingles<BoostIcl>);
+BENCHMARK(unionOfSingles<CRoaring>);
+BENCHMARK(intersectionOfSingles<Ours>);
+BENCHMARK(intersectionOfSingles<BoostIcl>);
+BENCHMARK(intersectionOfSingles<CRoaring>);
 BENCHMARK(containsMillion<Ours>)->Unit(benchmark::kMillisecond);
 BENCHMARK(containsMillion<BoostIcl>)->Unit(benchmark::kMillisecond);
 BENCHMARK(containsMillion<CRoaring>)->Unit(benchmark::kMillisecond);

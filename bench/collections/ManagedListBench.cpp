@@ -108,6 +108,22 @@ void insertThousandUnderFilter(benchmark::State& state) {
     }
 }
 
+std::int64_t item(std::int64_t i, std::int64_t) { return i; }
+std::string item(std::int64_t i, const std::string&) { return "item " + std::to_string(i); }
+
+/// A million items; the filter lets every other one through. One in the middle of them is removed.
+template <class Item, bool isFiltered>
+void removeOne(benchmark::State& state) {
+    std::vector<Item> items;
+    for (std::int64_t i = 0; i < 1'000'000; ++i)
+        items.push_back(item(i, Item()));
+    const auto list = ManagedList<Item>::create(std::move(items));
+    if constexpr (isFiltered)
+        list->setFilter([even = true](const Item&) mutable { return even = !even; });
+    for (auto _ : state)
+        list->remove({list->count() / 2});
+}
+
 IndexSet scattered(std::int64_t among) {
     std::mt19937 random(1);
     IndexSet positions;
@@ -167,6 +183,18 @@ BENCHMARK(filterOurs)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecon
 BENCHMARK(filterQt)->Arg(100'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(duplicatesUnderFilter)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(insertThousandUnderFilter)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(removeOne, std::int64_t, true)
+    ->Name("remove one number under a filter, ours")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(removeOne, std::int64_t, false)
+    ->Name("remove one number under a filter, without")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(removeOne, std::string, true)
+    ->Name("remove one text under a filter, ours")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(removeOne, std::string, false)
+    ->Name("remove one text under a filter, without")
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(removeScattered)->Name("remove scattered, ours")->Unit(benchmark::kMillisecond);
 BENCHMARK(moveScattered)->Name("move scattered, ours")->Unit(benchmark::kMillisecond);
 BENCHMARK(stablePartition)

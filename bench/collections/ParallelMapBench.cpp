@@ -1,5 +1,6 @@
-// Mapping a list on every core: heavy transforms beside a parallel loop of oneTBB into a vector that
-// has its size already, and ten light elements beside a plain loop.
+// Mapping a list on every core: heavy transforms beside a parallel loop of oneTBB into a vector
+// that has its size already, ten light elements beside a plain loop, and ten million beside two
+// threads by hand.
 
 #include <zorvan/collections/Parallel.h>
 
@@ -9,6 +10,7 @@
 #include <cmath>
 #include <cstdint>
 #include <numeric>
+#include <thread>
 #include <vector>
 
 using namespace zorvan;
@@ -64,10 +66,35 @@ void tenLightPlainLoop(benchmark::State& state) {
     }
 }
 
+void fillMillionsOurs(benchmark::State& state) {
+    const auto list = numbers(10'000'000);
+    const auto transform = [](std::int64_t number) { return light(number); }; // inlined, as below
+    for (auto _ : state)
+        benchmark::DoNotOptimize(parallelMap(list, transform).data());
+}
+
+void fillMillionsTwoThreads(benchmark::State& state) {
+    const auto list = numbers(10'000'000);
+    for (auto _ : state) {
+        std::vector<double> results(list.size());
+        const auto fill = [&](std::size_t from, std::size_t to) {
+            for (std::size_t i = from; i < to; ++i)
+                results[i] = light(list[i]);
+        };
+        {
+            const std::jthread other(fill, list.size() / 2, list.size());
+            fill(0, list.size() / 2);
+        }
+        benchmark::DoNotOptimize(results.data());
+    }
+}
+
 BENCHMARK(heavyMapOurs)->UseRealTime();
 BENCHMARK(heavyMapOneTBB)->UseRealTime();
 BENCHMARK(tenLightOurs)->UseRealTime();
 BENCHMARK(tenLightPlainLoop)->UseRealTime();
+BENCHMARK(fillMillionsOurs)->UseRealTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(fillMillionsTwoThreads)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
 

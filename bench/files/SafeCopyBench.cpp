@@ -2,7 +2,7 @@
 //
 // A copy that replaces waits for the disk, which cp does not: so cp is also timed with a sync(1) of
 // its copy, and as what keeps the promise of the safe copy by hand: a copy beside, synchronised and
-// moved into place. Turns alternate, so that noise meets all.
+// moved into place.
 
 #include <zorvan/files/NSFileManager.h>
 
@@ -12,14 +12,13 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <map>
 #include <random>
 #include <string>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -59,64 +58,54 @@ void run(const std::string& command) {
         std::exit(1);
 }
 
-template <class Work>
-double seconds(Work work) {
-    ::sync();
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+const Source& files() {
+    static const Source files;
+    return files;
 }
 
-double median(std::vector<double> times) {
-    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    return *middle;
+void copySafely() {
+    zorvan::NSFileManager::defaultManager()->overwritingCopy(
+        zorvan::URL({.fileURLWithPath = files().source()}),
+        zorvan::URL({.fileURLWithPath = files().copy()}));
 }
 
-struct Contender {
-    const char* name;
-    std::function<void()> work;
-};
-
-void copyBesideCp(benchmark::State& state) {
-    const bool replaces = state.range(0) != 0;
-    const Source files;
-    const std::string source = files.source(), copy = files.copy();
-    const std::string cp = "cp --reflink=auto " + source + " ";
-    const auto ours = [&] {
-        zorvan::NSFileManager::defaultManager()->overwritingCopy(
-            zorvan::URL({.fileURLWithPath = source}), zorvan::URL({.fileURLWithPath = copy}));
+/// Runs a command with the source as $1, the copy as $2.
+std::function<void()> shell(const std::string& command) {
+    return [command] {
+        run("set -- " + files().source().string() + " " + files().copy().string() + "; " + command);
     };
-    const Contender contenders[] = {{"ours", ours},
-                                    {"cp", [&] { run(cp + copy); }},
-                                    {"cp_and_sync", [&] { run(cp + copy + " && sync " + copy); }},
-                                    {"cp_sync_and_mv", [&] {
-                                         const std::string beside = copy + ".new";
-                                         run(cp + beside + " && sync " + beside + " && mv " +
-                                             beside + " " + copy);
-                                     }}};
-    std::map<std::string, std::vector<double>> times;
-    for (auto _ : state)
-        for (const auto& [name, work] : contenders) {
-            fs::remove(files.copy());
-            if (replaces)
-                run("cp --reflink=never " + source + " " + copy);
-            times[name].push_back(seconds(work));
-        }
-    const double own = median(times["ours"]);
-    for (const auto& [name, values] : times) {
-        state.counters[name + "_ms"] = median(values) * 1000;
-        state.counters["ours_to_" + name] = own / median(values);
+}
+
+/// Each turn starts without a copy, or with a file in its place, and with an idle disk.
+void time(benchmark::State& state, bool replaces, const std::function<void()>& work) {
+    for (auto _ : state) {
+        fs::remove(files().copy());
+        if (replaces)
+            run("cp --reflink=never " + files().source().string() + " " + files().copy().string());
+        ::sync();
+        const auto start = std::chrono::steady_clock::now();
+        work();
+        state.SetIterationTime(
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
     }
 }
 
-BENCHMARK(copyBesideCp)
-    ->Arg(0)
-    ->Arg(1)
-    ->ArgName("replaces")
-    ->Unit(benchmark::kMillisecond)
-    ->Iterations(5);
-
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+    const std::pair<const char*, std::function<void()>> contenders[] = {
+        {"ours", copySafely},
+        {"cp", shell("cp --reflink=auto $1 $2")},
+        {"cp and sync", shell("cp --reflink=auto $1 $2 && sync $2")},
+        {"cp, sync and mv", shell("cp --reflink=auto $1 $2.new && sync $2.new && mv $2.new $2")}};
+    for (const bool replaces : {false, true})
+        for (const auto& [name, work] : contenders)
+            benchmark::RegisterBenchmark(
+                ((replaces ? "copy over a file/" : "copy/") + std::string(name)).c_str(),
+                [replaces, work](benchmark::State& state) { time(state, replaces, work); })
+                ->UseManualTime()
+                ->Unit(benchmark::kMillisecond)
+                ->Iterations(1);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+}

@@ -9,10 +9,7 @@ extern "C" {
 #include <libavutil/rational.h>
 }
 
-#include <algorithm>
 #include <array>
-#include <chrono>
-#include <cstdio>
 #include <functional>
 #include <random>
 #include <string>
@@ -80,22 +77,6 @@ void peerCompare(const Operands& o) {
 
 using Work = void (*)(const Operands&);
 
-double secondsOf(Work work, const Operands& operands) {
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < 20; ++i)
-        work(operands);
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-/// The median ratio of our time to the peer's over rounds in which the two take turns.
-void printRatio(const char* name, Work ours, Work peers, const Operands& operands) {
-    std::vector<double> ratios;
-    for (int round = 0; round < 101; ++round)
-        ratios.push_back(secondsOf(ours, operands) / secondsOf(peers, operands));
-    std::nth_element(ratios.begin(), ratios.begin() + 50, ratios.end());
-    std::printf("%-26s %.2f of the peer's time\n", name, ratios[50]);
-}
-
 void run(benchmark::State& state, Work work, const Operands& operands) {
     for (auto _ : state)
         work(operands);
@@ -124,6 +105,4 @@ int main(int argc, char** argv) {
     }
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
-    for (const auto& row : table)
-        printRatio(row.name, row.ours, row.peers, row.operands);
 }

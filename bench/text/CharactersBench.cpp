@@ -102,3 +102,5 @@ const bool registered = [] {
 }();
 
 } // namespace
+
+BENCHMARK_MAIN();

@@ -2,6 +2,7 @@
 
 #include "displayText.h"
 
+#include <zorvan/media/CGImageDestination.h>
 #include <zorvan/platform/foundation/URL.h>
 
 #include <charconv>
@@ -66,8 +67,12 @@ std::int64_t number(const std::string& option, const std::string& text, std::int
 }
 
 ImageExportFormat format(const std::string& option, std::string_view extension) {
-    if (const auto known = ImageExportFormat::make({.pathExt = extension}))
+    if (const auto known = ImageExportFormat::make({.pathExt = extension})) {
+        if (!zorvan::CGImageDestination::supports(known->cgType()))
+            throw UsageError("the encoder for " + std::string(known->displayName()) +
+                             " is not installed");
         return *known;
+    }
     throw UsageError(option + " takes png, jpg, tiff or heic, not '" + forDisplay(extension) + "'");
 }
 

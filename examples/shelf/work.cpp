@@ -1,8 +1,8 @@
 #include "work.h"
 
-#include "NewFile.h"
 #include "displayText.h"
 
+#include <zorvan/files/NSFileManager.h>
 #include <zorvan/files/URL.h>
 #include <zorvan/media/ImageKeys.h>
 
@@ -13,6 +13,7 @@
 #include <mutex>
 #include <new>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 
 using namespace zorvan;
@@ -109,11 +110,17 @@ private:
         try {
             if (!copy)
                 throw std::runtime_error("the copy cannot be encoded");
-            writeNewFile(wanted, *copy);
+            NSFileManager::defaultManager()->createAvailableFile(wanted, *copy);
             ++result_.exported;
+        } catch (const std::system_error& problem) {
+            notKept(wanted, problem.code().message());
         } catch (const std::exception& problem) {
-            result_.problems.push_back(forDisplay(wanted.path()) + ": " + problem.what());
+            notKept(wanted, problem.what());
         }
+    }
+
+    void notKept(const URL& wanted, const std::string& why) {
+        result_.problems.push_back(forDisplay(wanted.path()) + ": " + why);
     }
 
     const std::vector<ListedFile>& files_;

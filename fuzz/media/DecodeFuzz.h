@@ -13,8 +13,8 @@ namespace zorvan::imageio {
 /// at another size than was asked for. Bytes of another format are left to that format's target.
 void decodeEverything(FileFormat format, std::span<const std::uint8_t> bytes);
 
-/// Changes a file of that format a little; what is none becomes a small picture of our own, so that
-/// a run begins with good files without any being kept.
+/// Changes a file of that format a little; what is none becomes a small picture, of our own or, in
+/// the formats that are only read, from the tests, so that a run begins with good files.
 std::size_t mutated(FileFormat format, std::span<std::uint8_t> bytes, std::size_t maximumSize,
                     unsigned seed);
 

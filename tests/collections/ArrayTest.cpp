@@ -63,11 +63,13 @@ TEST(Array, movesAndRemovesAsOneElementAtATimeWould) {
 
 TEST(ArrayDeathTest, refusesPositionsOutsideTheList) {
     Letters list{'a', 'b'};
-    EXPECT_DEATH(zorvan::move(list, {0}, 3), "^A position lies outside the list.\n$");
+    EXPECT_DEATH(zorvan::move(list, {0}, 3),
+                 "^The position 3 lies outside the list, which has 2 elements.\n$");
     EXPECT_DEATH(zorvan::move(list, {2}, 0), "outside the list");
     EXPECT_DEATH(zorvan::remove(list, {0, 2}), "outside the list");
     EXPECT_DEATH(at(list, {2}), "outside the list");
-    EXPECT_DEATH(chunked(list, 0), "at least one element");
+    EXPECT_DEATH(chunked(list, 0),
+                 "^A list is cut into pieces of at least 1 element, not of 0.\n$");
 }
 
 TEST(Array, cutsAndKeepsEnds) {
@@ -95,6 +97,19 @@ TEST(Array, cutsAndKeepsEnds) {
     EXPECT_EQ(flat(std::vector<std::vector<int>>{{1}, {}, {2, 3}}), (std::vector<int>{1, 2, 3}));
     EXPECT_EQ(compacted(std::optional(1), std::optional<int>(), std::optional(3)),
               (std::vector<int>{1, 3}));
+    EXPECT_EQ(compacted<int>(1, std::nullopt, std::optional(3)), (std::vector<int>{1, 3}));
+    EXPECT_TRUE(compacted<int>().empty());
+}
+
+TEST(Array, holdsTruthValues) {
+    std::vector<bool> list{true, false, false};
+    EXPECT_TRUE(moveDown(list, 0));
+    zorvan::move(list, {0}, 3);
+    EXPECT_EQ(list, (std::vector<bool>{true, false, false}));
+    EXPECT_EQ(popFirst(list), true);
+    EXPECT_EQ(at(list, {1}), std::vector<bool>{false});
+    keepLast(list, 1);
+    EXPECT_EQ(chunked(list, 2), std::vector<std::vector<bool>>{{false}});
 }
 
 TEST(Array, drawsDistinctSamples) {

@@ -29,6 +29,10 @@ TEST(IndexSet, isBuiltFromItsLabels) {
     EXPECT_EQ(IndexSet({.i1 = 5, .i2 = 2}), IndexSet({2, 3, 4, 5}));
     EXPECT_EQ(IndexSet({.loc = 2, .len = 3}), IndexSet({2, 3, 4}));
     EXPECT_EQ(IndexSet({.location = 7, .length = 0}), IndexSet());
+    // A literal 0 first.
+    EXPECT_EQ(IndexSet({.i1 = 0, .i2 = 1}), IndexSet({0, 1}));
+    EXPECT_EQ(IndexSet({.loc = 0, .len = 3}), IndexSet({0, 1, 2}));
+    EXPECT_EQ(IndexSet({.location = 0, .length = 1}), IndexSet{0});
     const IndexSet unsorted{4, 1, 4, 0}, million(Range{0, 1'000'000});
     EXPECT_EQ(unsorted.description(), "{0...1, 4}");
     EXPECT_EQ(million.ranges().size(), 1u);
@@ -48,13 +52,22 @@ TEST(IndexSet, holdsTheLargestPosition) {
 
 TEST(IndexSetDeathTest, refusesWhatIsNoPosition) {
     const std::int64_t tooLarge = std::numeric_limits<std::int64_t>::max();
-    EXPECT_DEATH(IndexSet({-1}), "^An index set holds no negative positions.\n$");
-    EXPECT_DEATH(IndexSet({tooLarge}), "^A position of an index set is too large.\n$");
-    EXPECT_DEATH(IndexSet({.loc = 1, .len = -1}),
-                 "^A range of an index set ends before it begins.\n$");
-    EXPECT_DEATH(IndexSet({.loc = tooLarge, .len = 1}), "too large");
+    EXPECT_EQ(toIndexSet(7), IndexSet({7}));
+    EXPECT_DEATH((void)toIndexSet(-1),
+                 "^An index set holds no negative positions, such as -1.\n$");
+    EXPECT_DEATH(IndexSet({-1}), "^An index set holds no negative positions, such as -1.\n$");
+    EXPECT_DEATH(IndexSet({tooLarge}),
+                 "^An index set holds no position above 9223372036854775806, such as "
+                 "9223372036854775807.\n$");
+    EXPECT_DEATH(
+        IndexSet({.loc = 1, .len = -1}),
+        "^A range of an index set has 0 to 9223372036854775806 members from 1 on, not -1.\n$");
+    EXPECT_DEATH(IndexSet(Range{3, 1}),
+                 "^A range of an index set ends at 1, before it begins at 3.\n$");
+    EXPECT_DEATH(IndexSet({.loc = tooLarge, .len = 1}), "0 to 0 members");
     EXPECT_DEATH(IndexSet({.loc = -5, .len = 3}), "negative");
-    EXPECT_DEATH(IndexSet({tooLarge - 1}).shift(0, 1), "too large");
+    EXPECT_DEATH(IndexSet({tooLarge - 1}).shift(0, 1), "no position above 9223372036854775805");
+    EXPECT_DEATH(IndexSet({1}).shift(-1, 1), "negative");
 }
 
 TEST(IndexSet, shiftsAsAListDoes) {
@@ -71,6 +84,8 @@ TEST(IndexSet, shiftsAsAListDoes) {
         {{3, 4, 6}, 0, -4, {0, 2}},
         {{3, 4}, 2, farBack, {}},
         {{3, 4}, 9, 5, {3, 4}},
+        {{3, 4, 8}, 9, -2, {3, 4}}, // nothing follows
+        {{3, 4, 8}, 9, farBack, {}},
         {{0, 1, 5}, 0, 0, {0, 1, 5}},
     };
     for (auto& row : table) {
@@ -114,16 +129,30 @@ TEST(IndexSet, agreesWithAPlainSetUnderRandomOperations) {
             ASSERT_EQ(set.integerGreaterThan(i).value_or(-1), above == model.end() ? -1 : *above);
             ASSERT_EQ(set.integerLessThan(i).value_or(-1),
                       notBelow == model.begin() ? -1 : *std::prev(notBelow));
+            ASSERT_EQ(set.integerGreaterThanOrEqualTo(i).value_or(-1),
+                      notBelow == model.end() ? -1 : *notBelow);
+            ASSERT_EQ(set.integerLessThanOrEqualTo(i).value_or(-1),
+                      above == model.begin() ? -1 : *std::prev(above));
             const std::int64_t upper = i + draw(8);
             ASSERT_EQ(set.count(Range{i, upper}),
                       std::distance(notBelow, model.lower_bound(upper)));
             ASSERT_EQ(set.intersects(Range{i, upper}), set.count(Range{i, upper}) > 0);
             ASSERT_EQ(set.contains(Range{i, upper}), set.count(Range{i, upper}) == upper - i);
         }
-        expectSame(set.intersection(other), both);
-        expectSame(set.subtracting(other), only);
-        expectSame(set.union_(other), either);
-        expectSame(set.symmetricDifference(other), one);
+        using Forming = void (IndexSet::*)(const IndexSet&);
+        for (const auto& [form, members] :
+             std::initializer_list<std::pair<Forming, const std::set<std::int64_t>*>>{
+                 {&IndexSet::formIntersection, &both},
+                 {&IndexSet::subtract, &only},
+                 {&IndexSet::formUnion, &either},
+                 {&IndexSet::formSymmetricDifference, &one}}) {
+            IndexSet formed = set;
+            (formed.*form)(other);
+            expectSame(formed, *members);
+        }
+        // The members make room, so that what came can go again.
+        ASSERT_FALSE(set.afterInserting(other).intersects(other));
+        ASSERT_EQ(set.afterInserting(other).afterRemoving(other), set);
         ASSERT_EQ(set.intersects(other), !both.empty());
         ASSERT_EQ(set.contains(other), both.size() == otherModel.size());
     }
@@ -135,6 +164,12 @@ TEST(IndexSet, togglesAndMapsToPaths) {
     set.toggle(7);
     EXPECT_EQ(set, IndexSet({1, 7}));
     EXPECT_EQ(set.toggling(1).singleIndex(), 7);
-    EXPECT_EQ(set.mapToIndexPaths(), (std::unordered_set<IndexPath>{{.item = 1, .section = 0},
-                                                                    {.item = 7, .section = 0}}));
+    EXPECT_EQ(set.inserting(1).removing(7), IndexSet{1});
+    EXPECT_FALSE(set.isSingle());
+    EXPECT_EQ(set.mapToIndexPaths(),
+              (std::set<IndexPath>{{.item = 1, .section = 0}, {.item = 7, .section = 0}}));
+    const std::unordered_set<IndexSet> sets{set, set.toggling(1).toggling(1), {}};
+    EXPECT_EQ(sets.size(), 2u);
+    set.removeAll();
+    EXPECT_EQ(set, IndexSet());
 }

@@ -1,9 +1,11 @@
-#include <tests/Testing.h>
+#include <tests/collections/ListModel.h>
 
 #include <zorvan/collections/ManagedList.h>
 
 using Letters = ManagedList<char>;
 using Action = ManagedListEdition::Action;
+
+template class zorvan::ManagedList<bool>; // every member compiles
 
 namespace {
 
@@ -14,6 +16,9 @@ public:
     struct Post {
         bool isDid;
         typename ManagedList<Item>::Edition edition;
+        std::optional<Reordering> reordering;
+        std::vector<Item> items; // of the list, when it was told
+        IndexSet selection;
     };
 
     explicit Announcements(const std::shared_ptr<ManagedList<Item>>& list) {
@@ -21,8 +26,9 @@ public:
             observers_.push_back(center_->addObserver(
                 NSNotificationName(isDid ? ManagedList<Item>::didReloadNotification
                                          : ManagedList<Item>::willReloadNotification),
-                list, nullptr, [this, isDid](const Notification& note) {
-                    posts.push_back({isDid, *ManagedList<Item>::edition(note)});
+                list, nullptr, [this, isDid, told = list.get()](const Notification& note) {
+                    posts.push_back({isDid, *ManagedList<Item>::edition(note), told->reordering(),
+                                     told->items(), told->selection()});
                 }));
     }
     ~Announcements() {
@@ -62,6 +68,14 @@ TEST(ManagedList, announcesEveryChangeTwice) {
         {"reverse", [](Letters& l) { l.reverseOrder(); }, "fedcba", {2, 5}, Action::sort, {}},
         {"select", [&](Letters& l) { l.setSelection(beyond); }, "abcdef", {2}, Action::select, {}},
         {"filter", [&](Letters& l) { l.setFilter(isAdf); }, "adf", {0, 1}, Action::filter, {}},
+        {"append", [&](Letters& l) { l.append(xy); }, "abcdefxy", {}, Action::insert, {{6, 7}}},
+        {"cut", [](Letters& l) { l.removeSelectedItems(); }, "bcef", {}, Action::remove, kept},
+        {"move selected",
+         [](Letters& l) { l.moveSelectedItems(1); },
+         "adbcef",
+         {0, 1},
+         Action::move,
+         {{0, 1}}},
         {"insert nothing", [](Letters& l) { l.insert({}, 0); }, "abcdef", kept, {}, {}},
         {"remove nothing", [](Letters& l) { l.remove({}); }, "abcdef", kept, {}, {}},
         {"move nothing", [](Letters& l) { l.move({}, 0); }, "abcdef", kept, {}, {}},
@@ -82,6 +96,7 @@ TEST(ManagedList, announcesEveryChangeTwice) {
         EXPECT_TRUE(announced.posts[1].isDid) << row.name;
         const auto& edition = announced.posts[1].edition;
         EXPECT_EQ(edition.action, *row.action) << row.name;
+        EXPECT_EQ(edition.mayChangeCount(), list->count() != 6) << row.name;
         EXPECT_EQ(edition.oldSelection, kept) << row.name;
         EXPECT_EQ(edition.newSelection, row.selection) << row.name;
         const auto& places = edition.action == Action::insert   ? edition.insertedIndexes
@@ -111,6 +126,22 @@ TEST(ManagedList, keepsEverythingWhenASortOrAFilterFails) {
     EXPECT_EQ(list->count(), 0);
 }
 
+TEST(ManagedList, givesWhatIsSelected) {
+    const auto list = letters("abc");
+    EXPECT_EQ(list->firstSelectedItem(), nullptr);
+    EXPECT_EQ(list->lastSelectedItem(), nullptr);
+    list->setSelection({0, 2});
+    EXPECT_EQ(*list->firstSelectedItem(), 'a');
+    EXPECT_EQ(*list->lastSelectedItem(), 'c');
+    EXPECT_EQ(list->singleSelectedItem(), nullptr);
+    EXPECT_EQ(list->selectedItems(), (std::vector<char>{'a', 'c'}));
+    const auto flags = ManagedList<bool>::create({false, true});
+    flags->selectFirst();
+    EXPECT_FALSE(*flags->singleSelectedItem());
+    flags->selectNext();
+    EXPECT_TRUE(*flags->singleSelectedItem());
+}
+
 TEST(ManagedList, tellsItsEditionsFromThoseOfOtherItemTypes) {
     const ManagedList<int>::Edition edition(Action::select);
     const Notification note(NSNotificationName("any"), nullptr, {{{"Edition", edition}}});
@@ -119,11 +150,145 @@ TEST(ManagedList, tellsItsEditionsFromThoseOfOtherItemTypes) {
     EXPECT_EQ(ManagedList<int>::edition(Notification(NSNotificationName("any"))), nullptr);
 }
 
+TEST(ManagedList, announcesNothingThatAFilterDidNotLetHappen) {
+    const auto list = letters("cab");
+    Announcements<char> announced(list);
+    EXPECT_THROW(list->setFilter([](char) -> bool { throw std::runtime_error("no filter"); }),
+                 std::runtime_error);
+    EXPECT_TRUE(announced.posts.empty());
+}
+
+TEST(ManagedList, mayBeDroppedAndAskedWhileItTellsOfAChange) {
+    static_assert(!std::is_copy_constructible_v<Letters> && !std::is_copy_assignable_v<Letters>);
+    auto list = letters("abcb");
+    Letters* const dropped = list.get();
+    list->setFilter([](char c) { return c != 'a'; });
+    const auto center = NSNotificationCenter::defaultCenter();
+    std::string shownThen;
+    const auto will = center->addObserver(NSNotificationName(Letters::willReloadNotification), list,
+                                          nullptr, [&](const Notification&) {
+                                              if (!list)
+                                                  return;
+                                              // Calls that change nothing are let pass.
+                                              list->setSelection({});
+                                              list->insert({}, 0);
+                                              list->remove({});
+                                              list->move({}, 0);
+                                              list.reset();
+                                          });
+    const auto did =
+        center->addObserver(NSNotificationName(Letters::didReloadNotification), list, nullptr,
+                            [&](const Notification&) {
+                                shownThen.assign(dropped->items().begin(), dropped->items().end());
+                            });
+    dropped->remove({0});
+    EXPECT_EQ(shownThen, "cb");
+    center->removeObserver(will);
+    center->removeObserver(did);
+}
+
+TEST(ManagedList, tellsWhereItemsWentOfTheChangeThatIsTold) {
+    const auto list = letters("abc");
+    const auto center = NSNotificationCenter::defaultCenter();
+    std::vector<std::int64_t> firsts; // where the first item went, as told to the last observer
+    const auto changing = center->addObserver(NSNotificationName(Letters::didReloadNotification),
+                                              list, nullptr, [&](const Notification&) {
+                                                  if (list->count() == 3)
+                                                      list->insert({'x'}, 0);
+                                              });
+    const auto early =
+        center->addObserver(NSNotificationName(Letters::willReloadNotification), list, nullptr,
+                            [&](const Notification&) { EXPECT_FALSE(list->reordering()); });
+    const auto asking = center->addObserver(
+        NSNotificationName(Letters::didReloadNotification), list, nullptr,
+        [&](const Notification&) { firsts.push_back(list->reordering()->newPosition(0).value()); });
+    list->reverseOrder();
+    EXPECT_EQ(firsts, (std::vector<std::int64_t>{1, 2}));
+    center->removeObserver(changing);
+    center->removeObserver(asking);
+    center->removeObserver(early);
+}
+
+namespace {
+
+/// Undoing, as the guide tells it.
+template <class Item>
+struct TakenBack {
+    ManagedListEdition edition; // as told after the change
+    std::vector<Item> items;    // as told before it: see itemsToKeep
+
+    static std::vector<Item> itemsToKeep(const ManagedList<Item>& list,
+                                         const ManagedListEdition& told) {
+        if (told.action == Action::sort)
+            return list.items();
+        return at(list.items(), told.removedIndexes ? *told.removedIndexes
+                                                    : told.movedFromIndexes.value_or(IndexSet()));
+    }
+    void apply(ManagedList<Item>& list) const {
+        if (edition.insertedIndexes)
+            list.remove(*edition.insertedIndexes);
+        if (edition.removedIndexes)
+            putBack(list, *edition.removedIndexes);
+        if (edition.movedToIndexes) {
+            list.remove(*edition.movedToIndexes);
+            putBack(list, *edition.movedFromIndexes);
+        }
+        if (edition.action == Action::sort) {
+            list.removeAllItems();
+            list.insert(items, 0);
+        }
+        list.setSelection(*edition.oldSelection);
+    }
+    void putBack(ManagedList<Item>& list, const IndexSet& places) const {
+        auto next = items.begin();
+        for (const IndexSet::Range place : places.ranges()) {
+            list.insert({next, next + place.count()}, place.lower);
+            next += place.count();
+        }
+    }
+};
+
+} // namespace
+
+TEST(ManagedList, tellsEnoughToTakeAChangeBack) {
+    const std::function<void(Letters&)> changes[] = {
+        [](Letters& l) { l.insert({'x', 'y'}, 2); }, [](Letters& l) { l.remove({0, 2, 3}); },
+        [](Letters& l) { l.move({0, 2, 5}, 4); },    [](Letters& l) { l.sort(std::greater<>{}); },
+        [](Letters& l) { l.selectAll(); },
+    };
+    for (const auto& change : changes) {
+        const auto list = letters("cbadfe");
+        list->setSelection({1, 4});
+        const std::vector<char> before = list->items();
+        std::vector<char> kept;
+        Announcements<char> announced(list);
+        const auto keeping = NSNotificationCenter::defaultCenter()->addObserver(
+            NSNotificationName(Letters::willReloadNotification), list, nullptr,
+            [&](const Notification& note) {
+                kept = TakenBack<char>::itemsToKeep(*list, *Letters::edition(note));
+            });
+        change(*list);
+        NSNotificationCenter::defaultCenter()->removeObserver(keeping);
+        TakenBack<char>{announced.posts[1].edition, kept}.apply(*list);
+        EXPECT_EQ(list->items(), before);
+        EXPECT_EQ(list->selection(), IndexSet({1, 4}));
+    }
+}
+
+TEST(ManagedList, takesItsOwnItemsUnderAFilter) {
+    const auto list = letters("abcdef");
+    list->setFilter([](char c) { return c % 2 == 0; });
+    list->insert(list->allItems(), 1);
+    EXPECT_EQ(std::string(list->items().begin(), list->items().end()), "bbdfdf");
+    EXPECT_EQ(std::string(list->allItems().begin(), list->allItems().end()), "abcabcdefdef");
+}
+
 TEST(ManagedListDeathTest, stopsOnBrokenContracts) {
     const auto list = letters("ab");
-    EXPECT_DEATH(list->insert({'x'}, 3), "^A position lies outside the list.\n$");
-    EXPECT_DEATH(list->remove({2}), "outside the list");
-    EXPECT_DEATH(list->move({0}, 3), "outside the list");
+    EXPECT_DEATH(list->insert({'x'}, 3),
+                 "^The position 3 lies outside the list, which has 2 elements.\n$");
+    EXPECT_DEATH(list->remove({2}), "^The position 2 lies outside the list");
+    EXPECT_DEATH(list->move({0}, 3), "^The position 3 lies outside the list");
     const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
         NSNotificationName(Letters::willReloadNotification), list, nullptr,
         [&](const Notification&) { list->removeAllItems(); });
@@ -134,16 +299,62 @@ TEST(ManagedListDeathTest, stopsOnBrokenContracts) {
 
 namespace {
 
+int made = 0;
+
+/// Items that are equal in value, and told apart by when they were made.
+struct Hashed {
+    int value;
+    int serial = ++made;
+    friend bool operator==(const Hashed& a, const Hashed& b) { return a.value == b.value; }
+};
 struct Ordered {
     int value;
-    friend auto operator<=>(const Ordered&, const Ordered&) = default;
+    int serial = ++made;
+    friend bool operator==(const Ordered& a, const Ordered& b) { return a.value == b.value; }
+    friend auto operator<=>(const Ordered& a, const Ordered& b) { return a.value <=> b.value; }
 };
 struct OnlyEqual {
     int value;
-    friend bool operator==(const OnlyEqual&, const OnlyEqual&) = default;
+    int serial = ++made;
+    friend bool operator==(const OnlyEqual& a, const OnlyEqual& b) { return a.value == b.value; }
 };
-int valueOf(int item) { return item; }
-int valueOf(auto item) { return item.value; }
+
+/// Sorted by less than what makes them equal, as records are by their titles.
+struct Titled : Ordered {
+    explicit Titled(int number) : Ordered{number} {}
+    friend auto operator<=>(const Titled& a, const Titled& b) {
+        return a.value / 4 <=> b.value / 4;
+    }
+    friend bool operator==(const Titled& a, const Titled& b) { return a.value == b.value; }
+};
+
+template <class Item>
+std::vector<int> serials(const std::vector<Item>& items) {
+    std::vector<int> result;
+    for (const Item& item : items)
+        result.push_back(item.serial);
+    return result;
+}
+
+/// As `listmodel::expectFollowed`, but what was shown may be gone from the full list, which has
+/// lost it in place of an equal item; then that one is followed.
+template <class Item>
+void expectFollowedByFilter(const std::vector<Item>& before, const std::vector<Item>& after,
+                            const Reordering& reordering) {
+    const std::vector<int> now = serials(after);
+    std::set<std::int64_t> taken;
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        const auto place = reordering.newPosition(static_cast<std::int64_t>(i));
+        const auto found = std::find(now.begin(), now.end(), before[i].serial);
+        if (found != now.end()) {
+            ASSERT_EQ(place, found - now.begin());
+        }
+        if (!place)
+            continue;
+        ASSERT_EQ(after[static_cast<std::size_t>(*place)], before[i]);
+        ASSERT_TRUE(taken.insert(*place).second);
+    }
+}
 
 /// The rules of the list, said once more and as plainly as can be.
 template <class Item>
@@ -172,24 +383,7 @@ struct Model {
                     break;
                 }
     }
-    static bool isLess(const Item& a, const Item& b) { return valueOf(a) < valueOf(b); }
-    static void removeFrom(std::vector<Item>& list, const std::set<std::int64_t>& positions) {
-        for (auto p = positions.rbegin(); p != positions.rend(); ++p)
-            list.erase(list.begin() + *p);
-    }
-    static std::int64_t moveIn(std::vector<Item>& list, const std::set<std::int64_t>& from,
-                               std::int64_t to) {
-        std::vector<Item> moved;
-        std::int64_t rank = 0, below = 0;
-        for (const auto p : from) {
-            below += p < to;
-            moved.push_back(list[static_cast<std::size_t>(p - rank)]);
-            list.erase(list.begin() + (p - rank++));
-        }
-        list.insert(list.begin() + (to - below), moved.begin(), moved.end());
-        return to - below;
-    }
-
+    static bool isLess(const Item& a, const Item& b) { return a.value < b.value; }
     void insert(const std::vector<Item>& added, std::int64_t at) {
         std::vector<Item> passing;
         for (const Item& item : added)
@@ -207,15 +401,15 @@ struct Model {
             if (!at.contains(s))
                 kept.insert(s - std::distance(at.begin(), at.lower_bound(s)));
         if (filter)
-            removeFrom(full, fullPositions(at));
-        removeFrom(items, at);
+            listmodel::removeFrom(full, fullPositions(at));
+        listmodel::removeFrom(items, at);
         selection = kept;
         rebuild();
     }
     void move(const std::set<std::int64_t>& from, std::int64_t to) {
         if (filter)
-            moveIn(full, fullPositions(from), fullPosition(to));
-        const std::int64_t landing = moveIn(items, from, to);
+            listmodel::moveIn(full, fullPositions(from), fullPosition(to));
+        const std::int64_t landing = listmodel::moveIn(items, from, to);
         selection.clear();
         for (std::size_t i = 0; i < from.size(); ++i)
             selection.insert(landing + static_cast<std::int64_t>(i));
@@ -234,6 +428,15 @@ struct Model {
                 selection.insert(static_cast<std::int64_t>(i));
         }
         std::stable_sort(full.begin(), full.end(), isLess);
+        rebuild();
+    }
+    void reverse() {
+        std::set<std::int64_t> mirrored;
+        for (const auto s : selection)
+            mirrored.insert(std::ssize(items) - 1 - s);
+        selection = mirrored;
+        std::reverse(items.begin(), items.end());
+        std::reverse(full.begin(), full.end());
         rebuild();
     }
     void setFilter(typename ManagedList<Item>::Filter next) {
@@ -261,16 +464,16 @@ struct Model {
     }
 };
 
-IndexSet indexSet(const std::set<std::int64_t>& members) {
-    const std::vector<std::int64_t> list(members.begin(), members.end());
-    return IndexSet::of(list);
-}
-
 } // namespace
+
+template <>
+struct std::hash<Hashed> {
+    std::size_t operator()(const Hashed& item) const { return std::hash<int>{}(item.value); }
+};
 
 template <class Item>
 class ManagedListRules : public testing::Test {};
-using ItemTypes = testing::Types<int, Ordered, OnlyEqual>;
+using ItemTypes = testing::Types<Hashed, Ordered, Titled, OnlyEqual>;
 TYPED_TEST_SUITE(ManagedListRules, ItemTypes);
 
 TYPED_TEST(ManagedListRules, holdUnderRandomOperations) {
@@ -286,66 +489,106 @@ TYPED_TEST(ManagedListRules, holdUnderRandomOperations) {
         Model<TypeParam> model;
         for (int step = 0; step < 40; ++step) {
             const std::size_t count = model.items.size();
-            std::set<std::int64_t> some;
+            listmodel::Positions some;
             for (std::size_t i = 0; i < count; ++i)
                 if (draw(3) == 0)
                     some.insert(static_cast<std::int64_t>(i));
+            const IndexSet places = listmodel::indexSet(some);
             announced.posts.clear();
             const auto before = model.selection;
+            const auto shown = model.items;
             const auto at = draw(count + 1);
-            bool isQuiet = some.empty();
-            switch (draw(6)) {
+            std::optional<typename List::Edition> did; // as announced afterwards
+            const auto happens = [&](Action action) -> auto& { return did.emplace(action); };
+            switch (draw(7)) {
             case 0: {
                 std::vector<TypeParam> added;
                 for (auto i = draw(5); i > 0; --i)
                     added.push_back(TypeParam{static_cast<int>(draw(values))});
-                isQuiet = added.empty();
                 list->insert(added, at);
-                if (!isQuiet)
-                    model.insert(added, at);
+                if (added.empty())
+                    break;
+                model.insert(added, at);
+                happens(Action::insert).insertedIndexes =
+                    IndexSet({.loc = at, .len = list->count() - std::ssize(shown)});
                 break;
             }
             case 1:
-                list->remove(indexSet(some));
-                if (!isQuiet)
-                    model.remove(some);
+                list->remove(places);
+                if (some.empty())
+                    break;
+                model.remove(some);
+                happens(Action::remove).removedIndexes = places;
                 break;
             case 2:
-                list->move(indexSet(some), at);
-                if (!isQuiet)
-                    model.move(some, at);
+                list->move(places, at);
+                if (some.empty())
+                    break;
+                model.move(some, at);
+                happens(Action::move).movedFromIndexes = places;
+                did->movedToIndexes = listmodel::indexSet(model.selection);
                 break;
             case 3:
-                isQuiet = count == 0;
                 list->sort(Model<TypeParam>::isLess);
-                if (!isQuiet)
-                    model.sort();
+                if (count == 0)
+                    break;
+                model.sort();
+                happens(Action::sort);
                 break;
             case 4:
-                isQuiet = some == model.selection;
-                list->setSelection(indexSet(some));
+                list->reverseOrder();
+                if (count == 0)
+                    break;
+                model.reverse();
+                happens(Action::sort);
+                break;
+            case 5:
+                list->setSelection(places);
+                if (some != model.selection)
+                    happens(Action::select);
                 model.selection = some;
                 break;
-            case 5: {
+            case 6: {
                 typename List::Filter filter;
                 if (const auto divisor = static_cast<int>(draw(4)); divisor > 0)
-                    filter = [divisor](const auto& item) { return valueOf(item) % divisor == 0; };
-                isQuiet = !filter && !model.filter;
+                    filter = [divisor](const auto& item) { return item.value % divisor == 0; };
+                if (filter || model.filter)
+                    happens(Action::filter);
                 list->setFilter(filter);
                 model.setFilter(filter);
                 break;
             }
             }
             ASSERT_EQ(list->items(), model.items);
-            ASSERT_EQ(list->selection(), indexSet(model.selection));
+            ASSERT_EQ(list->selection(), listmodel::indexSet(model.selection));
             ASSERT_EQ(list->allItems(), model.filter ? model.full : model.items);
-            for (std::int64_t p = 0; p <= list->count(); ++p)
+            // Asking all finds all; the next change must also do without.
+            for (std::int64_t p = draw(2) == 0 ? 0 : list->count(); p <= list->count(); ++p)
                 ASSERT_EQ(list->fullPosition(p), model.fullPosition(p));
-            ASSERT_EQ(announced.posts.size(), isQuiet ? 0u : 2u);
-            if (!isQuiet) {
-                ASSERT_EQ(announced.posts[1].edition.oldSelection, indexSet(before));
-                ASSERT_EQ(announced.posts[1].edition.newSelection, list->selection());
-            }
+            ASSERT_FALSE(list->reordering());
+            listmodel::expectQueries(*list, model.selection);
+            ASSERT_EQ(announced.posts.size(), did ? 2u : 0u);
+            if (!did)
+                continue;
+            did->oldSelection = listmodel::indexSet(before);
+            auto will = *did;
+            did->newSelection = list->selection();
+            if (did->action != Action::move && did->action != Action::filter)
+                will.newSelection = did->newSelection;
+            will.movedToIndexes.reset();
+            const auto& [told, toldAfter] = std::tie(announced.posts[0], announced.posts[1]);
+            ASSERT_EQ(told.edition, will);
+            ASSERT_EQ(told.items, shown);
+            ASSERT_EQ(told.selection, did->oldSelection);
+            ASSERT_FALSE(told.reordering);
+            ASSERT_EQ(toldAfter.edition, *did);
+            ASSERT_EQ(toldAfter.items, model.items);
+            ASSERT_EQ(toldAfter.selection, did->newSelection);
+            if (did->action == Action::filter)
+                expectFollowedByFilter(shown, model.items, toldAfter.reordering.value());
+            else
+                listmodel::expectFollowed(serials(shown), serials(model.items),
+                                          toldAfter.reordering.value());
         }
     }
 }

@@ -22,6 +22,11 @@ TEST(Sequence, mapsAndDropsWhatIsAbsent) {
     EXPECT_EQ(indexes(list, [](int i) { return i == 2; }), IndexSet({1, 2}));
     EXPECT_EQ(mapEntries(list, [](int i) { return std::pair(i % 2, i); }),
               (std::unordered_map<int, int>{{1, 1}, {0, 4}})); // the later pair stays
+    using Pairs = std::unordered_map<int, int>;
+    const auto evenPair = [](int i) -> std::optional<std::pair<int, int>> {
+        return i % 2 ? std::nullopt : std::optional(std::pair(0, i));
+    };
+    EXPECT_EQ(compactMapEntries(list, evenPair), (Pairs{{0, 4}}));
     EXPECT_EQ(nonEmptyOrNil(std::string()), std::nullopt);
     EXPECT_EQ(nonEmptyOrNil(std::string("a")), "a");
     EXPECT_THROW(mapToSet(list, [](int) -> int { throw std::runtime_error("no"); }),
@@ -50,6 +55,8 @@ TEST(Dictionary, resolvesCollisionsByTheLaterEntry) {
     EXPECT_EQ(combinedWith(Words{{"a", 1}, {"b", 2}}, Words{{"b", 3}}),
               (Words{{"a", 1}, {"b", 3}}));
     EXPECT_EQ(pop(words, "a"), (Words{{"b", 2}, {"c", 1}}));
+    EXPECT_EQ(mapKeysToSet(words, [](const std::string& key) { return key.size(); }),
+              std::unordered_set<std::size_t>{1});
     EXPECT_EQ(mapValuesToSet(words, [](int i) { return i; }), (std::unordered_set<int>{1, 2}));
 }
 
@@ -83,6 +90,10 @@ TEST(Parallel, keepsOrderAndCallsEachOnce) {
     EXPECT_EQ(parallelMap(std::vector{1, 2, 3}, [](int i) { return i > 1; }),
               (std::vector<bool>{false, true, true}));
     EXPECT_TRUE(parallelMap(std::vector<int>(), [](int i) { return i; }).empty());
+    struct Fixed {
+        const int value = 0;
+    };
+    EXPECT_EQ(parallelMap(std::vector{4, 5}, [](int i) { return Fixed{i}; })[1].value, 5);
 
     EXPECT_THROW(
         parallelMap(list, [](int) -> std::string { throw std::runtime_error("no value"); }),
@@ -95,6 +106,15 @@ TEST(FinderOrder, sortsAsPeopleRead) {
     finderSort(names);
     EXPECT_EQ(names, (std::vector<std::string>{"\u00C9tude", "etude", "File1", "file2", "file10"}));
     const std::vector<int> numbers{10, 9, 100};
+    // A range may end with another type than it begins with.
+    struct FirstTwo {
+        std::counted_iterator<std::vector<std::string>::const_iterator> begin() const {
+            return {list.begin(), 2};
+        }
+        std::default_sentinel_t end() const { return {}; }
+        std::vector<std::string> list;
+    };
+    EXPECT_EQ(finderSorted(FirstTwo{{"b", "a", "0"}}), (std::vector<std::string>{"a", "b"}));
     const auto name = [](int i) { return "file" + std::to_string(i); };
     EXPECT_EQ(finderSorted(numbers, name), (std::vector<int>{9, 10, 100}));
     EXPECT_EQ(finderSorted(std::map<int, int>{{1, 10}, {2, 9}}, name), (std::vector<int>{9, 10}));

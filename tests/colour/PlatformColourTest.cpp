@@ -88,8 +88,8 @@ TEST(Gradients, listTheirStopsInOrder) {
     EXPECT_EQ(gradient->colorStops(),
               (ColorStops{{CGColor::red, NSColor::white.cgColor()}, {0.25, 0.75}}));
     EXPECT_EQ(gradient->cgGradient()->colorStops(), gradient->colorStops());
-    EXPECT_DEATH((void)gradient->colorStop(2), "^The gradient has no such colour stop.\n");
-    EXPECT_DEATH((void)gradient->colorStop(-1), "^The gradient has no such colour stop.\n");
+    EXPECT_DEATH((void)gradient->colorStop(2), "^A gradient of 2 has no colour stop at 2.\n$");
+    EXPECT_DEATH((void)gradient->colorStop(-1), "^A gradient of 2 has no colour stop at -1.\n$");
     EXPECT_EQ(NSColor::red.gradient()->colorStop(0), (NSGradient::Stop{NSColor::red, 0}));
 }
 
@@ -124,6 +124,8 @@ TEST(HexNSColorTransformer, goesBackward) {
 TEST(HexNSColorTransformer, registersOnceWhoeverAsks) {
     const std::string name = "HexNSColorTransformer";
     NSValueTransformer::setValueTransformer(nullptr, name);
+    EXPECT_FALSE(
+        NSValueTransformer::addValueTransformer(nullptr, name)); // nor does it take the name
     EXPECT_EQ(NSValueTransformer::valueTransformer(name), nullptr);
     std::vector<std::thread> threads;
     std::vector<std::shared_ptr<const NSValueTransformer>> found(8);

@@ -40,6 +40,8 @@ TEST(AvailableNames, areTakenInTheSameStep) {
     folder.file("item/inner", "moved");
     EXPECT_EQ(manager().createAvailableFile(folder.url("a.txt")), folder.url("a (1).txt"));
     EXPECT_EQ(manager().createAvailableDirectory(folder.url("a.txt")), folder.url("a (2).txt"));
+    const Data contents(3, std::byte{'c'});
+    EXPECT_EQ(text(manager().createAvailableFile(folder.url("c"), contents)), "ccc");
     EXPECT_EQ(manager().moveItemToAvailableURL(folder.url("item"), folder.url("a.txt")),
               folder.url("a (3).txt"));
     EXPECT_EQ(text(folder.url("a.txt")), "kept");

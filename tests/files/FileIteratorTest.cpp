@@ -1,3 +1,4 @@
+#include "ChildProcess.h"
 #include "TemporaryFolder.h"
 #include <tests/Testing.h>
 
@@ -92,6 +93,9 @@ TEST_F(FileIteratorTest, filtersByExtension) {
     EXPECT_THAT(all(*iterator), IsEmpty());
     iterator->setAllowedFiles({{""}});
     EXPECT_THAT(all(*iterator), UnorderedElementsAre("d", ".jpg"));
+    folder.file("g.ÜBÉR");
+    iterator->setAllowedFiles({{"übér"}});
+    EXPECT_THAT(all(*iterator), ElementsAre("g.ÜBÉR"));
 }
 
 TEST_F(FileIteratorTest, treatsItsFiltersAsAlternatives) {
@@ -137,6 +141,50 @@ TEST_F(FileIteratorTest, followsLinksToFilesUnlessToldNotTo) {
     EXPECT_THAT(all(*roots), ElementsAre("real/a.txt", "links/file.txt"));
     roots->setSkipAlias(true);
     EXPECT_THAT(all(*roots), ElementsAre("real/a.txt"));
+}
+
+// The names of a folder are read many at once; what became of a file since then is seen.
+TEST_F(FileIteratorTest, passesOverWhatVanishesAfterBeingListed) {
+    const auto rest = [&](auto change) {
+        std::set<std::string> names{"a.txt", "b.txt", "c.txt"};
+        for (const std::string& name : names)
+            folder.file("in/" + name);
+        folder.file("target");
+        const auto iterator = FileIterator::create({folder.url("in")});
+        iterator->setSkipAlias(true);
+        names.erase(std::string(iterator->next()->lastPathComponent()));
+        change(folder.path() / "in" / *names.begin());
+        std::set<std::string> left;
+        while (const auto url = iterator->next())
+            left.emplace(url->lastPathComponent());
+        fs::permissions(folder.path() / "in", fs::perms::owner_all);
+        fs::remove_all(folder.path() / "in");
+        return left.size();
+    };
+    EXPECT_EQ(rest([](const fs::path&) {}), 2u);
+    EXPECT_EQ(rest([](const fs::path& path) { fs::remove(path); }), 1u);
+    EXPECT_EQ(rest([](const fs::path& path) {
+                  fs::remove(path);
+                  fs::create_directory(path);
+              }),
+              1u);
+    EXPECT_EQ(rest([](const fs::path& path) {
+                  fs::remove(path);
+                  fs::create_symlink("../target", path);
+              }),
+              1u);
+    EXPECT_EQ(rest([](const fs::path& path) {
+                  fs::rename(path.parent_path(), path.parent_path().string() + " moved");
+                  fs::create_directory(path.parent_path());
+              }),
+              0u);
+    fs::permissions(folder.path(), fs::perms(0777));
+    asOrdinaryUser([&] {
+        EXPECT_EQ(rest([](const fs::path& path) {
+                      fs::permissions(path.parent_path(), fs::perms(0600));
+                  }),
+                  0u);
+    });
 }
 
 TEST_F(FileIteratorTest, givesPipesAndNamesOfAnyBytes) {

@@ -98,13 +98,18 @@ TEST(NSFileWrapperDeathTest, stopsAtBrokenContracts) {
     inner->setPreferredFilename("inner");
     outer->addFileWrapper(inner);
     outer->setPreferredFilename("outer");
-    EXPECT_DEATH(inner->addFileWrapper(outer), "^A file wrapper cannot hold itself.\n$");
-    EXPECT_DEATH(outer->addFileWrapper(outer), "^A file wrapper cannot hold itself.\n$");
-    EXPECT_DEATH(file->addFileWrapper(inner), "^The file wrapper is not a directory.\n$");
-    EXPECT_DEATH((void)file->fileWrappers(), "^The file wrapper is not a directory.\n$");
-    for (const char* name : {"", ".", "..", "a/b"}) {
+    const std::string self =
+        "^The file wrapper \"outer\" cannot be added to what it holds, or to itself.\n$";
+    EXPECT_DEATH(inner->addFileWrapper(outer), self);
+    EXPECT_DEATH(outer->addFileWrapper(outer), self);
+    const std::string noDirectory = "^The file wrapper \"a%0A\" is not a directory.\n$";
+    file->setPreferredFilename("a\n");
+    EXPECT_DEATH(file->addFileWrapper(inner), noDirectory);
+    EXPECT_DEATH((void)file->fileWrappers(), noDirectory);
+    for (const std::string name : {"", ".", "..", "a/b"}) {
         file->setPreferredFilename(name);
         EXPECT_DEATH(outer->addFileWrapper(file),
-                     "^The file wrapper has no preferred file name.\n$");
+                     "^\"" + name +
+                         "\" is no file name that a file wrapper can have in a directory.\n$");
     }
 }

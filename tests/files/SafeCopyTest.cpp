@@ -7,9 +7,10 @@
 
 #include <zorvan/files/NSFileManager.h>
 #include <zorvan/files/URL.h>
-#include <zorvan/files/internal/PlaceItem.h>
+#include <zorvan/platform/foundation/internal/placeItem.h>
 
 #include <sched.h>
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/xattr.h>
@@ -239,7 +240,8 @@ constexpr StoppedCopy stoppedCopies[] = {{"file", "old file", false},
                                          {"file", "new", false}};
 
 /// Strikes the copy at each of its system calls in turn. Whenever it ends, the destination must be
-/// what it was or what it becomes, and the latter when the copy said so.
+/// what it was or what it becomes, and the latter when the copy said so; of a copy that was killed,
+/// the next one leaves nothing.
 void strikeEverywhere(const StoppedCopy& row, TracedProcess::Fate fate) {
     SCOPED_TRACE(std::string(row.source) + " over " + row.destination);
     const TemporaryFolder far;
@@ -268,6 +270,13 @@ void strikeEverywhere(const StoppedCopy& row, TracedProcess::Fate fate) {
         ASSERT_TRUE(after == source || after == before) << "at call " << call;
         ASSERT_TRUE(after == source || process.exitStatus() != 0) << "at call " << call;
         ASSERT_TRUE(end == TracedProcess::End::wasStruck || process.exitStatus() == 0);
+
+        if (fate == TracedProcess::Fate::killed) {
+            manager().overwritingCopy(folder.url(row.source), folder.url(row.destination));
+            ASSERT_EQ(contents(target), source);
+            ASSERT_EQ(folder.count(), row.destination == std::string("new") ? 6 : 5) << call;
+            ASSERT_TRUE(fs::is_empty(scratch)) << "at call " << call;
+        }
     }
 }
 
@@ -353,6 +362,51 @@ TEST(SafeCopy, waitsForReaders) {
     EXPECT_EQ(text(folder.path() / "old"), "new");
 }
 
+// Copying what one is reading would wait for itself; for others it waits.
+TEST(SafeCopy, letsItsOwnReaderThrough) {
+    TemporaryFolder folder;
+    folder.file("new", "new");
+    folder.file("old", "old");
+    folder.file("new folder/x");
+    folder.file("old folder/y");
+    for (const std::string kind : {"", " folder"}) {
+        const URL item = folder.url("old" + kind);
+        readSecuredFileWithCoordinator(item, [&](const URL& url) {
+            readSecuredFileWithCoordinator(url, [&](const URL&) { return true; });
+            return readSecuredFileWithCoordinator(url, [&](const URL&) {
+                manager().overwritingCopy(folder.url("new" + kind), url);
+                manager().overwritingCopy(folder.url("new" + kind), url);
+                return true;
+            });
+        });
+        EXPECT_EQ(contents(item.path()), contents(folder.path() / ("new" + kind)));
+    }
+
+    std::atomic<int> step = 0;
+    const auto waitFor = [&](int wanted) {
+        while (step != wanted)
+            std::this_thread::yield();
+    };
+    std::thread other([&] {
+        readSecuredFileWithCoordinator(folder.url("old"), [&](const URL&) {
+            step = 1;
+            waitFor(2);
+            std::this_thread::sleep_for(50ms);
+            return step.exchange(3);
+        });
+    });
+    waitFor(1);
+    readSecuredFileWithCoordinator(folder.url("old"), [&](const URL& url) {
+        step = 2;
+        manager().overwritingCopy(folder.url("new"), url);
+        EXPECT_EQ(step, 3) << "it did not wait for the other reader";
+        const int named = open(url.path().c_str(), O_RDONLY);
+        EXPECT_EQ(flock(named, LOCK_EX | LOCK_NB), 0) << "the new file is nobody's";
+        return close(named);
+    });
+    other.join();
+}
+
 TEST(SafeCopy, twoAtOnceLeaveOneOfTheTwo) {
     TemporaryFolder folder(TemporaryFolder::fastParent());
     const std::string a(200'000, 'a'), b(300'000, 'b');
@@ -371,6 +425,43 @@ TEST(SafeCopy, twoAtOnceLeaveOneOfTheTwo) {
     }
 }
 
+// Deeper than a process may open files, and than a path may be long.
+TEST(SafeCopy, copiesDeepFolders) {
+    constexpr int depth = 2500;
+    TemporaryFolder folder(TemporaryFolder::fastParent());
+    folder.folder("tmp");
+    const Variable place("TMPDIR", folder.url("tmp").path().c_str());
+    const auto levels = [&](const char* name) {
+        const auto walk = manager().enumerator(folder.url(name), {});
+        std::size_t deepest = 0;
+        while (walk->nextObject())
+            deepest = std::max(deepest, walk->level());
+        return deepest;
+    };
+    const pid_t child = startChild([&] {
+        const rlimit limit{64, 64};
+        setrlimit(RLIMIT_NOFILE, &limit);
+        fs::create_directory(folder.path() / "deep");
+        int current = open((folder.path() / "deep").c_str(), O_RDONLY | O_DIRECTORY);
+        for (int i = 0; i < depth; ++i) {
+            ASSERT_EQ(mkdirat(current, "d", 0700), 0);
+            close(openat(current, "f", O_WRONLY | O_CREAT, 0600));
+            const int next = openat(current, "d", O_RDONLY | O_DIRECTORY);
+            close(std::exchange(current, next));
+        }
+        close(current);
+        manager().overwritingCopy(folder.url("deep"), folder.url("copy"));
+        EXPECT_EQ(levels("copy"), std::size_t{depth});
+        folder.folder("empty");
+        manager().overwritingCopy(folder.url("empty"), folder.url("copy"));
+        EXPECT_TRUE(manager().zipItems({folder.url("deep")}));
+        manager().overwritingCopy(folder.url("empty"), folder.url("deep"));
+    });
+    EXPECT_EQ(exitStatus(child), 0);
+    EXPECT_TRUE(fs::is_empty(folder.path() / "deep") && fs::is_empty(folder.path() / "copy"));
+    EXPECT_TRUE(fs::is_empty(folder.path() / "tmp"));
+}
+
 TEST(PlaceItem, neverReplacesByNameEither) {
     TemporaryFolder folder;
     for (const char* kind : {"file", "folder", "link"}) {
@@ -384,7 +475,7 @@ TEST(PlaceItem, neverReplacesByNameEither) {
         make("from");
         const auto wanted = contents(folder.path() / "from");
         const auto move = [&](const char* to) {
-            return files::placeItemByName(folder.url("from").path(), folder.url(to).path());
+            return internal::placeItemByName(folder.url("from").path(), folder.url(to).path());
         };
         folder.folder("taken");
         EXPECT_EQ(move("taken"), EEXIST);

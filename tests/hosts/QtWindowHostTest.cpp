@@ -1,75 +1,22 @@
-// Windows shown through Qt, without a screen, at two pixels to a point.
+// Windows shown through Qt, without a screen.
 
-#include <zorvan/hosts/QtWindowHost.h>
-#include <zorvan/interface/DynamicToolbar.h>
-#include <zorvan/interface/NSApplication.h>
+#include "HostTest.h"
+
 #include <zorvan/interface/TintedButton.h>
 #include <zorvan/media/NSColor.h>
 #include <zorvan/observation/DispatchQueue.h>
-#include <zorvan/platform/appkit/NSScrollView.h>
 
-#include <QApplication>
-#include <QClipboard>
 #include <QMenu>
-#include <QTest>
 #include <QTimer>
-#include <QWheelEvent>
-#include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <optional>
 #include <stdexcept>
-#include <string>
 #include <thread>
-
-using namespace zorvan;
 
 namespace {
 
-constexpr double scale = 2;
-
-class QtWindowHostTest : public testing::Test {
+class QtWindowHostTest : public HostTest {
 protected:
-    static void SetUpTestSuite() {
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        ::setenv("QT_SCALE_FACTOR", "2", 1);
-        static int count = 1;
-        static char name[] = "test";
-        static char* arguments[] = {name, nullptr};
-        application = new QApplication(count, arguments);
-    }
-    static void TearDownTestSuite() { delete application; }
-
-    QtWindowHostTest() {
-        content->addSubview(button);
-        window->setContentView(content);
-        host = QtWindowHost::show(window);
-        settle();
-    }
-    ~QtWindowHostTest() override {
-        host = nullptr;
-        settle();
-    }
-
-    /// Until nothing is left to do.
-    static void settle() {
-        for (int i = 0; i < 5; ++i) {
-            QCoreApplication::processEvents();
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        }
-    }
-
-    /// The middle of a view, where the widget has it.
-    QPoint middleOf(NSView& view) const {
-        const CGRect bounds = view.bounds();
-        const CGPoint place = view.convertToBase({bounds.midX(), bounds.midY()});
-        const double fromTop = window->size().height - NSWindow::titleBarHeight - place.y;
-        return QPointF(place.x, fromTop).toPoint();
-    }
-    void click(NSView& view) {
-        QTest::mouseClick(&host->widget(), Qt::LeftButton, {}, middleOf(view));
-        settle();
-    }
+    QtWindowHostTest() { content->addSubview(button); }
 
     void clickAndCatch(NSView& view) {
         try {
@@ -78,48 +25,7 @@ protected:
         }
     }
 
-    QSize sizeOfWidget() const { return host->widget().size(); }
-
-    /// What is on the screen, and what the window draws below its title bar.
-    QImage shown() const { return host->widget().grab().toImage(); }
-    QImage drawn() const {
-        const auto bitmap = window->render(scale);
-        const int title = static_cast<int>(NSWindow::titleBarHeight * scale);
-        return QImage(bitmap->row(title), static_cast<int>(bitmap->width()),
-                      static_cast<int>(bitmap->height()) - title,
-                      static_cast<qsizetype>(bitmap->bytesPerRow()),
-                      QImage::Format_RGBA8888_Premultiplied)
-            .convertToFormat(QImage::Format_RGB32);
-    }
-    void expectShown(const char* when) const {
-        EXPECT_EQ(shown().convertToFormat(QImage::Format_RGB32), drawn()) << when;
-    }
-
-    /// A toolbar with a search field, which is given back.
-    std::shared_ptr<NSSearchField> addSearchField() {
-        bar = DynamicToolbar::create({"bar"});
-        bar->addItemSet();
-        std::shared_ptr<NSSearchField> field;
-        bar->addItem({.createSearchField =
-                          [&](SearchFieldSettings& settings) {
-                              settings.action = Selector("search", [this] { ++searches; });
-                          },
-                      .update =
-                          [&](DynamicToolbarItem&, NSSearchField& found) {
-                              field =
-                                  std::static_pointer_cast<NSSearchField>(found.shared_from_this());
-                          }});
-        window->setToolbar(bar->toolbar());
-        bar->reloadDisplayedItems();
-        settle();
-        return field;
-    }
-
-    static inline QApplication* application = nullptr;
-
-    const std::shared_ptr<NSWindow> window = NSWindow::create({240, 160}, "Window");
-    const std::shared_ptr<NSView> content = NSView::create();
-    int presses = 0, searches = 0;
+    int presses = 0;
     const std::shared_ptr<TintedButton> button = [this] {
         auto made = TintedButton::create(
             {.title = "Press", .action = Selector("press", [this] { ++presses; })});
@@ -128,153 +34,292 @@ protected:
             NSGradient::make({.colors = {NSColor::red, NSColor::blue}}));
         return made;
     }();
-    std::shared_ptr<DynamicToolbar> bar;
-    std::shared_ptr<QtWindowHost> host;
 };
 
-TEST_F(QtWindowHostTest, ShowsWhatTheWindowDrawsBelowItsTitleBar) {
-    EXPECT_EQ(host->widget().windowTitle(), "Window");
-    EXPECT_EQ(shown().size(), QSize(480, 320));
-    expectShown("at first");
-    button->setTitle("Again");
-    window->setTitle("Other");
-    settle();
-    expectShown("after a change");
-    EXPECT_EQ(host->widget().windowTitle(), "Other");
-    host->widget().hide();
-    for (const char* title : {"Unseen", "Unseen too"}) {
-        window->setTitle(title);
-        settle();
-        EXPECT_EQ(host->widget().windowTitle().toStdString(), title);
+/// Draws itself in one colour and writes down what it is told.
+class Probe : public NSView {
+public:
+    static std::shared_ptr<Probe> create(const CGRect& frame) {
+        return std::make_shared<Probe>(Key{}, frame);
     }
-    host->widget().show();
+    using NSView::NSView;
+
+    void draw(Canvas& canvas) const override {
+        clips.push_back(canvas.clip());
+        canvas.fill(bounds(), colour);
+    }
+    bool acceptsFirstResponder() const override { return true; }
+    void mouseDown(const NSEvent& with) override { seen += std::to_string(with.clickCount); }
+    void mouseDragged(const NSEvent&) override { seen += 'd'; }
+    void mouseUp(const NSEvent&) override { seen += 'u'; }
+    void rightMouseDown(const NSEvent&) override { seen += 'r'; }
+    void otherMouseDown(const NSEvent&) override { seen += 'o'; }
+    void scrollWheel(const NSEvent& with) override {
+        seen += "w" + std::to_string(static_cast<int>(with.scrollingDeltaY));
+    }
+    void keyDown(const NSEvent& with) override {
+        if (with.characters == "?")
+            return NSView::keyDown(with);
+        seen += with.characters.empty() ? "#" + std::to_string(with.keyCode) : with.characters;
+        flags = with.modifierFlags;
+    }
+
+    Canvas::Colour colour{10, 200, 30};
+    mutable std::vector<CGRect> clips;
+    std::string seen;
+    NSEvent::ModifierFlags flags;
+};
+
+TEST_F(QtWindowHostTest, ShowsTheTreeOfViewsAsItChanges) {
+    const auto outer = Probe::create({20, 80, 100, 60});
+    const auto inner = Probe::create({10, 5, 30, 20});
+    inner->colour = {200, 0, 0};
+    outer->addSubview(inner);
+    content->addSubview(outer);
     settle();
-    const QImage before = shown();
-    QTest::mouseMove(&host->widget(), middleOf(*button));
+    EXPECT_EQ(placeOf(*outer), QRect(20, 20, 100, 60)) << "from the top";
+    EXPECT_EQ(placeOf(*inner), QRect(30, 55, 30, 20));
+    EXPECT_EQ(colourAt({25, 25}), QColor(10, 200, 30));
+    EXPECT_EQ(colourAt({45, 65}), QColor(200, 0, 0));
+    inner->setFrame({0, 40, 30, 20});
     settle();
-    expectShown("under the mouse");
-    EXPECT_NE(shown(), before) << "the button lights up";
-    QEvent leave(QEvent::Leave);
-    QCoreApplication::sendEvent(&host->widget(), &leave);
+    EXPECT_EQ(placeOf(*inner), QRect(20, 20, 30, 20));
+    inner->setHidden(true);
     settle();
-    EXPECT_EQ(shown(), before) << "and goes out when the mouse leaves";
+    EXPECT_EQ(colourAt({25, 25}), QColor(10, 200, 30));
+    inner->setHidden(false);
+    outer->setBoundsOrigin({5, 10});
+    settle();
+    EXPECT_EQ(placeOf(*inner), QRect(15, 30, 30, 20)) << "scrolled";
+    inner->removeFromSuperview();
+    settle();
+    EXPECT_FALSE(widgetFor(*inner));
+    inner->setFrame({0, 0, 5, 5});
+    outer->setToolTip("a <b>");
+    outer->setCursor(NSCursor::pointingHand);
+    settle();
+    EXPECT_EQ(widgetFor(*outer)->toolTip(), "a &lt;b&gt;");
+    EXPECT_EQ(widgetFor(*outer)->cursor().shape(), Qt::PointingHandCursor);
+    EXPECT_EQ(host->widget().windowTitle(), "Window");
+    window->setTitle("Other");
+    EXPECT_EQ(host->widget().windowTitle(), "Other");
+}
+
+TEST_F(QtWindowHostTest, DrawsOnlyWhatHasChanged) {
+    const auto probe = Probe::create({20, 80, 100, 60});
+    content->addSubview(probe);
+    settle();
+    probe->clips.clear();
+    button->setTitle("Again");
+    settle();
+    EXPECT_TRUE(probe->clips.empty()) << "a view beside";
+    probe->colour = {0, 0, 250};
+    probe->setNeedsDisplay(CGRect(50, 10, 20, 10));
+    settle();
+    ASSERT_EQ(probe->clips.size(), 1u);
+    EXPECT_EQ(probe->clips[0], CGRect(49, 9, 22, 12));
+    EXPECT_EQ(colourAt(placeOf(*probe).topLeft() + QPoint(60, 45)), QColor(0, 0, 250));
 }
 
 TEST_F(QtWindowHostTest, SizesFollowEachOther) {
-    host->widget().resize(300, 200);
+    const QSize before = host->widget().size();
+    host->widget().resize(before + QSize(60, 40));
     settle();
     EXPECT_EQ(window->contentSize(), CGSize(300, 200));
     window->setContentSize({260, 180});
     settle();
-    EXPECT_EQ(sizeOfWidget(), QSize(260, 180));
+    EXPECT_EQ(host->widget().size(), before + QSize(20, 20));
     addSearchField();
     EXPECT_EQ(window->contentSize(), CGSize(260, 180)) << "a bar comes";
-    EXPECT_EQ(sizeOfWidget().width(), 260);
-    EXPECT_GT(sizeOfWidget().height(), 180);
-    expectShown("with a bar");
+    EXPECT_EQ(placeOf(*content).size(), QSize(260, 180));
     host->widget().showMaximized();
     settle();
-    const QSize whole = sizeOfWidget();
+    const QSize whole = host->widget().size();
     window->setToolbar(nullptr);
     settle();
-    EXPECT_EQ(sizeOfWidget(), whole) << "the desktop says how large";
+    EXPECT_EQ(host->widget().size(), whole) << "the desktop says how large";
     EXPECT_EQ(window->contentSize().height, whole.height());
-    window->setToolbar(bar->toolbar());
+    window->setContentMinSize({150, 90});
     host->widget().showNormal();
     settle();
-    host->widget().resize(260, 1);
+    host->widget().resize(1, 1);
     settle();
-    EXPECT_EQ(window->contentSize().height, 1) << "not less than the bars and a point";
-    expectShown("at its smallest");
+    EXPECT_EQ(window->contentSize(), CGSize(150, 90));
 }
 
-TEST_F(QtWindowHostTest, ClicksReachTheViewsAndAreCounted) {
+TEST_F(QtWindowHostTest, ViewsAreToldOfTheMouseAndTheWheel) {
     click(*button);
     EXPECT_EQ(presses, 1);
-    class Counter : public NSView {
-    public:
-        using NSView::NSView;
-        static auto make() { return std::make_shared<Counter>(Key{}, CGRect(160, 20, 60, 60)); }
-        void mouseDown(const NSEvent& with) override { seen += std::to_string(with.clickCount); }
-        void mouseDragged(const NSEvent&) override { seen += 'd'; }
-        void mouseUp(const NSEvent&) override { seen += 'u'; }
-        std::string seen;
-    };
-    const auto counter = Counter::make();
-    content->addSubview(counter);
-    const QPoint place = middleOf(*counter);
-    QWidget& widget = host->widget();
-    QTest::mouseClick(&widget, Qt::LeftButton, {}, place);
-    QTest::mouseDClick(&widget, Qt::LeftButton, {}, place);
-    EXPECT_EQ(counter->seen, "1u2");
-    counter->seen.clear();
-    QTest::mouseClick(&widget, Qt::RightButton, {}, place);
-    EXPECT_EQ(counter->seen, "") << "another button";
-    QTest::mousePress(&widget, Qt::LeftButton, {}, QPoint(200, 100));
+    const auto probe = Probe::create({160, 20, 60, 60});
+    content->addSubview(probe);
+    settle();
+    QWidget& widget = *widgetFor(*probe);
+    QTest::mouseClick(&widget, Qt::LeftButton, {}, {20, 20});
+    QTest::mouseDClick(&widget, Qt::LeftButton, {}, {20, 20});
+    EXPECT_EQ(probe->seen, "1u2");
+    probe->seen.clear();
+    QTest::mouseClick(&widget, Qt::RightButton, {}, {20, 20});
+    QTest::mouseClick(&widget, Qt::MiddleButton, {}, {20, 20});
+    EXPECT_EQ(probe->seen, "ro");
+    probe->seen.clear();
+    QTest::mousePress(&widget, Qt::LeftButton, {}, QPoint(2, 50));
     QMouseEvent drag(QEvent::MouseMove, QPointF(999, 999), widget.mapToGlobal(QPointF(999, 999)),
                      Qt::NoButton, Qt::LeftButton, {});
     QCoreApplication::sendEvent(&widget, &drag);
     QTest::mouseRelease(&widget, Qt::LeftButton, {}, QPoint(999, 999));
-    EXPECT_EQ(counter->seen, "1du") << "also outside";
+    EXPECT_EQ(probe->seen, "1du") << "also outside";
+    probe->seen.clear();
+    const QPointF place(20, 20);
+    QWheelEvent wheel(place, place, {}, {0, 120}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&widget, &wheel);
+    EXPECT_EQ(probe->seen, "w" + std::to_string(QApplication::wheelScrollLines() * 20));
+    const QColor plain = colourAt(placeOf(*button).topLeft() + QPoint(60, 4));
+    QTest::mouseMove(widgetFor(*button), {60, 4});
+    settle();
+    EXPECT_NE(colourAt(placeOf(*button).topLeft() + QPoint(60, 4)), plain) << "lights up";
 }
 
-TEST_F(QtWindowHostTest, TheWheelScrolls) {
-    const auto document = NSView::create({0, 0, 400, 300});
-    const auto scrollView = NSScrollView::create({0, 0, 200, 100});
-    scrollView->setDocumentView(document);
-    window->setContentView(scrollView);
-    const auto turn = [&](int x, int y) {
-        const QPointF place(20, 20);
-        QWheelEvent event(place, place, {}, {x, y}, Qt::NoButton, {}, Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(&host->widget(), &event);
-        settle();
-        return scrollView->contentView()->bounds().origin;
+TEST_F(QtWindowHostTest, TheKeyboardReachesEverything) {
+    const auto probe = Probe::create({160, 20, 60, 60});
+    content->addSubview(probe);
+    const auto field = addSearchField();
+    probe->setMenu(NSMenu::create());
+    QWidget& widget = host->widget();
+    EXPECT_TRUE(window->makeFirstResponder(field));
+    settle();
+    EXPECT_TRUE(widgetFor(*field)->hasFocus());
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(widgetFor(*button)->hasFocus());
+    EXPECT_EQ(window->firstResponder(), button);
+    press(Qt::Key_Space);
+    press(Qt::Key_Return);
+    press(Qt::Key_Enter, Qt::KeypadModifier);
+    EXPECT_EQ(presses, 3);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(window->firstResponder(), probe);
+    QTest::keyClicks(QApplication::focusWidget(), "aB");
+    press(Qt::Key_Left, Qt::ShiftModifier | Qt::ControlModifier);
+    EXPECT_EQ(probe->seen, "aB#123");
+    using Flags = NSEvent::ModifierFlags;
+    EXPECT_EQ(probe->flags, Flags::shift | Flags::control);
+    press(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(window->firstResponder(), button);
+    press(Qt::Key_F10);
+    EXPECT_TRUE(widgetFor(*field)->hasFocus()) << "the first tool";
+    probe->setNextKeyView(field);
+    window->makeFirstResponder(probe);
+    press(Qt::Key_Tab);
+    EXPECT_EQ(window->firstResponder(), field);
+    EXPECT_EQ(&widget, QApplication::activeWindow());
+}
+
+TEST_F(QtWindowHostTest, KeyEquivalentsWorkWhereverTheKeyboardIs) {
+    std::string done;
+    const auto does = [&done](const char* what) {
+        return Selector(what, [&done, what] { done += what; });
     };
-    const double three = QApplication::wheelScrollLines() * 20;
-    EXPECT_EQ(turn(0, 120), CGPoint(0, three)) << "up";
-    EXPECT_EQ(turn(-60, 0), CGPoint(three / 2, three)) << "to the right, half a step";
-    EXPECT_EQ(turn(0, 12000), CGPoint(three / 2, 140)) << "to the upper end";
-    EXPECT_EQ(turn(0, -12000), CGPoint(three / 2, 0)) << "to the lower end";
-    document->setFrame({0, 0, 100, 50});
-    EXPECT_EQ(turn(-120, 120), CGPoint(0, 0)) << "a document that is all to be seen";
+    const auto probe = Probe::create({160, 20, 60, 60});
+    content->addSubview(probe);
+    button->setKeyEquivalent("\r");
+    const auto cancel = NSButton::create({.title = "Cancel", .action = does("x")});
+    cancel->setKeyEquivalent("\x1b");
+    content->addSubview(cancel);
+    const auto item = NSMenuItem::create("Copy", does("c"));
+    item->setKeyEquivalent("c");
+    const auto bar = DynamicToolbar::create({"bar"});
+    bar->addItemSet();
+    bar->addItem({.createMenuButton = [&](MenuButtonSettings& settings) {
+        settings.displayName = "More";
+        settings.menu = NSMenu::create();
+        settings.menu->addItem(item);
+    }});
+    window->setToolbar(bar->toolbar());
+    bar->reloadDisplayedItems();
+    window->makeFirstResponder(probe);
+    settle();
+    press(Qt::Key_C, Qt::ControlModifier);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(done, "") << "the view took the keys itself";
+    window->makeFirstResponder(nullptr);
+    const auto field = addSearchField();
+    window->makeFirstResponder(field);
+    settle();
+    press(Qt::Key_Return);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(presses, 1) << "Enter in the field";
+    EXPECT_EQ(done, "x");
+    window->setToolbar(bar->toolbar());
+    settle();
+    widgetFor(*cancel)->setFocus();
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(done, "xc");
+    cancel->setEnabled(false);
+    widgetFor(*button)->setFocus();
+    press(Qt::Key_Escape);
+    EXPECT_EQ(done, "xc");
 }
 
-TEST_F(QtWindowHostTest, TypingGoesIntoTheSearchFieldThatWasClicked) {
+TEST_F(QtWindowHostTest, TypingGoesIntoTheSearchField) {
     const auto field = addSearchField();
     ASSERT_TRUE(field);
-    QWidget& widget = host->widget();
-    QTest::keyClicks(&widget, "lost");
-    EXPECT_EQ(field->stringValue(), "");
-    click(*field);
-    QTest::keyClicks(&widget, "ab");
-    QInputMethodEvent composed;
-    composed.setCommitString("👍🏽");
-    QCoreApplication::sendEvent(&widget, &composed);
-    EXPECT_EQ(field->stringValue(), "ab👍🏽");
-    QTest::keyClick(&widget, Qt::Key_Backspace);
-    EXPECT_EQ(field->stringValue(), "ab") << "a whole character";
+    auto* const edit = qobject_cast<QLineEdit*>(widgetFor(*field));
+    ASSERT_TRUE(edit);
+    QTest::mouseClick(edit, Qt::LeftButton);
+    QTest::keyClicks(edit, "abd");
+    press(Qt::Key_Left);
+    QTest::keyClicks(edit, "c");
+    EXPECT_EQ(field->stringValue(), "abcd");
+    EXPECT_EQ(edit->cursorPosition(), 3) << "the caret stays";
     EXPECT_EQ(searches, 4);
-    QTest::keyClick(&widget, Qt::Key_Escape);
-    QTest::keyClick(&widget, Qt::Key_Backspace);
-    EXPECT_EQ(field->stringValue(), "");
-    EXPECT_EQ(searches, 5);
+    QTest::keySequence(edit, QKeySequence::Undo);
+    EXPECT_NE(field->stringValue(), "abcd");
+    QTest::keySequence(edit, QKeySequence::SelectAll);
     QGuiApplication::clipboard()->setText("two\nlines");
-    QTest::keySequence(&widget, QKeySequence::Paste);
-    QTest::keyClick(&widget, Qt::Key_X, Qt::AltModifier);
+    QTest::keySequence(edit, QKeySequence::Paste);
     EXPECT_EQ(field->stringValue(), "two lines");
-    click(*button);
-    QTest::keyClicks(&widget, "lost");
-    expectShown("without a ring");
-    const QImage plain = shown();
-    QTest::keyClick(&widget, Qt::Key_Tab);
-    EXPECT_NE(shown(), plain) << "a ring";
-    QTest::keyClicks(&widget, "!");
-    EXPECT_EQ(field->stringValue(), "two lines!") << "reached by the keyboard";
+    press(Qt::Key_Escape);
+    EXPECT_EQ(field->stringValue(), "");
+    searches = 0;
+    field->setStringValue("set");
+    settle();
+    EXPECT_EQ(edit->text(), "set");
+    EXPECT_EQ(searches, 0) << "only for what people do";
     field->setEnabled(false);
-    QTest::keyClick(&widget, Qt::Key_Tab);
-    window->setToolbar(nullptr);
-    QTest::keyClicks(&widget, "gone");
-    EXPECT_EQ(field->stringValue(), "two lines!") << "no longer in the window";
+    EXPECT_FALSE(edit->isEnabled());
+}
+
+TEST_F(QtWindowHostTest, ASplitViewIsASplitter) {
+    const auto split = NSSplitView::create();
+    split->addSubview(Probe::create({}));
+    split->addSubview(Probe::create({}));
+    window->setContentView(split);
+    split->setPosition(80, 0);
+    settle();
+    auto* const splitter = qobject_cast<QSplitter*>(widgetFor(*split));
+    ASSERT_TRUE(splitter);
+    EXPECT_EQ(splitter->sizes(), (QList<int>{80, 159}));
+    QWidget* const handle = splitter->handle(1);
+    handle->setFocus();
+    press(Qt::Key_Right);
+    EXPECT_EQ(split->position(0), 90) << "by the keyboard";
+    QTest::mousePress(handle, Qt::LeftButton, {}, {0, 50});
+    QMouseEvent drag(QEvent::MouseMove, QPointF(-30, 50), handle->mapToGlobal(QPointF(-30, 50)),
+                     Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(handle, &drag);
+    QTest::mouseRelease(handle, Qt::LeftButton, {}, {0, 50});
+    settle();
+    const double dragged = split->position(0).value();
+    EXPECT_NEAR(dragged, 60, 4) << "the handle is held anywhere in its reach";
+    EXPECT_EQ(split->subviews()[0]->frame().width(), dragged);
+    host->widget().resize(host->widget().size() + QSize(100, 0));
+    settle();
+    EXPECT_EQ(split->position(0), dragged) << "another size goes to the last";
+    split->setPosition(0, 0);
+    settle();
+    EXPECT_EQ(splitter->sizes()[0], 0);
+    split->subviews()[0]->removeFromSuperview();
+    settle();
+    EXPECT_EQ(splitter->count(), 1);
 }
 
 TEST_F(QtWindowHostTest, IsTheMainWindowWhileItIsActive) {
@@ -310,13 +355,13 @@ TEST_F(QtWindowHostTest, ClosesFromEitherSide) {
 
 TEST_F(QtWindowHostTest, AHostMayGoWhileItsWindowIsToldOfAClick) {
     button->setAction(Selector("go", [this] { host = nullptr; }));
-    QTest::mouseClick(&host->widget(), Qt::LeftButton, {}, middleOf(*button));
+    QTest::mouseClick(widgetFor(*button), Qt::LeftButton);
     EXPECT_FALSE(host);
     button->setTitle("Not shown");
     settle();
     host = QtWindowHost::show(window);
     settle();
-    expectShown("by another host");
+    EXPECT_TRUE(widgetFor(*button));
 }
 
 TEST_F(QtWindowHostTest, OpensMenus) {

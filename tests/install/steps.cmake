@@ -3,7 +3,7 @@
 cmake_minimum_required(VERSION 3.25)
 set(prefix ${WORK}/prefix)
 set(here ${SOURCE_TREE}/tests/install)
-set(strict "-Wall -Wextra -Wpedantic -Wconversion -Werror")
+set(strict "-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror")
 
 # must_run(<command>...): stops with what the command printed when it fails; leaves that in `output`.
 macro(must_run)
@@ -29,6 +29,24 @@ macro(run_consumer name)
   must_run(${WORK}/${name}-build/${name})
 endmacro()
 
+# The program loads our installed libraries, the standard library, and what the pattern names; no more.
+macro(must_load_only name pattern)
+  set(allowed "linux-vdso|libzorvan-|libstdc\\+\\+|libm|libgcc_s|libc|/lib.*/ld-linux|$")
+  if(NOT "${pattern}" STREQUAL "")
+    string(PREPEND allowed "${pattern}|")
+  endif()
+  must_run(ldd ${WORK}/${name}-build/${name})
+  string(REPLACE "\n" ";" lines "${output}")
+  foreach(line ${lines})
+    if(NOT line MATCHES "^[ \t]*(${allowed})")
+      message(FATAL_ERROR "The program ${name} loads${line}")
+    endif()
+    if(line MATCHES "libzorvan-" AND NOT line MATCHES "${prefix}/")
+      message(FATAL_ERROR "The program does not use the installed library:${line}")
+    endif()
+  endforeach()
+endmacro()
+
 if(STEP STREQUAL install)
   file(REMOVE_RECURSE ${WORK})
   must_run(${CMAKE_COMMAND} --install ${BUILD_TREE} --prefix ${prefix})
@@ -47,6 +65,30 @@ elseif(STEP STREQUAL no-internal-header)
     endif()
   endforeach()
 
+elseif(STEP STREQUAL without-toolkits)
+  # Without the components of a toolkit nothing of it is installed, whatever the tree was built with.
+  set(plain ${WORK}/without-toolkits)
+  foreach(component core media playback development)
+    must_run(${CMAKE_COMMAND} --install ${BUILD_TREE} --prefix ${plain} --component ${component})
+  endforeach()
+  file(GLOB_RECURSE files RELATIVE ${plain} ${plain}/*)
+  if(NOT "include/zorvan/interface/NSWindow.h" IN_LIST files)
+    message(FATAL_ERROR "the headers are not installed")
+  endif()
+  list(FILTER files EXCLUDE REGEX "/hosts/rows/")
+  list(FILTER files INCLUDE REGEX "hosts|-qt|-gtk")
+  if(files)
+    message(FATAL_ERROR "installed without being asked for: ${files}")
+  endif()
+  file(WRITE ${WORK}/asks-for-all/CMakeLists.txt
+       "cmake_minimum_required(VERSION 3.25)\nproject(AsksForAll LANGUAGES CXX)\n"
+       "find_package(Zorvan REQUIRED)\n"
+       "file(WRITE \${CMAKE_BINARY_DIR}/all.cpp \"#include <zorvan/zorvan.h>\\nint main() {}\\n\")\n"
+       "add_executable(everything \${CMAKE_BINARY_DIR}/all.cpp)\ntarget_link_libraries(everything PRIVATE Zorvan::Zorvan)\n")
+  must_run(${CMAKE_COMMAND} -S ${WORK}/asks-for-all -B ${WORK}/asks-for-all/build -G ${GENERATOR}
+           -D CMAKE_PREFIX_PATH=${plain} -D CMAKE_CXX_COMPILER=${COMPILER})
+  must_run(${CMAKE_COMMAND} --build ${WORK}/asks-for-all/build)
+
 elseif(STEP STREQUAL headers-stand-alone)
   # A project with one file for each header that includes nothing else.
   set(project ${WORK}/headers-stand-alone)
@@ -64,7 +106,14 @@ elseif(STEP STREQUAL headers-stand-alone)
        "add_library(headers OBJECT \${sources})\n"
        "set_target_properties(headers PROPERTIES NO_SYSTEM_FROM_IMPORTED ON)\n"
        "target_compile_options(headers PRIVATE -fsyntax-only)\n"
-       "target_link_libraries(headers PRIVATE Zorvan::Zorvan)\n")
+       "target_link_libraries(headers PRIVATE Zorvan::Zorvan)\n"
+       # Those for Qt stand on Qt's own; those for GTK declare themselves what they need of it.
+       "find_package(PkgConfig REQUIRED)\n"
+       "if(TARGET Zorvan::QtModels)\n"
+       "  pkg_check_modules(Qt REQUIRED Qt6Gui)\n"
+       "  target_include_directories(headers SYSTEM PRIVATE \${Qt_INCLUDE_DIRS})\n"
+       "  target_compile_options(headers PRIVATE -fPIC)\n"
+       "endif()\n")
   must_run(${CMAKE_COMMAND} -S ${project} -B ${project}-build -G ${GENERATOR}
            -D CMAKE_PREFIX_PATH=${prefix} -D CMAKE_CXX_COMPILER=${COMPILER}
            -D "CMAKE_CXX_FLAGS=${strict}")
@@ -79,20 +128,39 @@ elseif(STEP STREQUAL plain-families)
   endforeach()
   build_consumer(${here}/plain-families -D "FAMILIES=${families}")
   run_consumer(plain-families)
-  must_run(ldd ${WORK}/plain-families-build/plain-families)
-  string(REPLACE "\n" ";" lines "${output}")
-  foreach(line ${lines})
-    if(NOT line MATCHES "^[ \t]*(linux-vdso|libzorvan-|libstdc\\+\\+|libm|libgcc_s|libc|/lib.*/ld-linux|$)")
-      message(FATAL_ERROR "A program that uses ${families} needs${line}")
-    endif()
-    if(line MATCHES "libzorvan-" AND NOT line MATCHES "${prefix}/")
-      message(FATAL_ERROR "The program does not use the installed library:${line}")
-    endif()
-  endforeach()
+  must_load_only(plain-families "")
+
+elseif(STEP STREQUAL lists)
+  # No list model loads what draws, reads files or asks the network's names.
+  build_consumer(${here}/lists)
+  run_consumer(lists)
+  must_load_only(lists "libicu|libtbb|libdl|libpthread|librt")
 
 elseif(STEP STREQUAL every-family)
   build_consumer(${here}/every-family -D "FAMILIES=${COMPONENTS}")
   run_consumer(every-family)
+
+elseif(STEP STREQUAL licences)
+  # docs/licences.md names each library that one of ours is linked with.
+  file(READ ${SOURCE_TREE}/docs/licences.md page)
+  file(GLOB libraries ${prefix}/${LIBDIR}/libzorvan-*.so)
+  list(LENGTH libraries count)
+  if(count LESS 20)
+    message(FATAL_ERROR "only ${count} libraries are installed")
+  endif()
+  must_run(objdump -p ${libraries})
+  string(REGEX MATCHALL "NEEDED +[^\n]+" needed "${output}")
+  list(TRANSFORM needed REPLACE "NEEDED +" "")
+  list(FILTER needed EXCLUDE REGEX "^libzorvan-")
+  list(REMOVE_DUPLICATES needed)
+  foreach(library ${needed})
+    string(REGEX REPLACE "[.]so[.].*" ".so" any_version ${library})
+    string(FIND "${page}" "`${library}`" as_it_is)
+    string(FIND "${page}" "`${any_version}`" without_version)
+    if(as_it_is EQUAL -1 AND without_version EQUAL -1)
+      message(SEND_ERROR "docs/licences.md does not name ${library}")
+    endif()
+  endforeach()
 
 elseif(STEP STREQUAL unknown-component)
   file(COPY ${here}/plain-families DESTINATION ${WORK}/unknown)
@@ -136,6 +204,23 @@ elseif(STEP STREQUAL readme)
       message(FATAL_ERROR "The example has not written ${name}.png")
     endif()
   endforeach()
+
+elseif(STEP MATCHES "^(qt-filter|qml-filter|gtk-million)$")
+  # An example that draws its window without a screen. The pictures of the guide are made so:
+  # ZORVAN_PICTURES=$PWD/docs/images ctest --test-dir build/release -R install
+  build_consumer(${SOURCE_TREE}/examples/${STEP})
+  set(screen ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software)
+  if(STEP STREQUAL gtk-million)
+    set(screen xvfb-run -a ${CMAKE_COMMAND} -E env GDK_BACKEND=x11 GSK_RENDERER=cairo)
+  endif()
+  must_run(${screen} ${WORK}/${STEP}-build/${STEP} ${WORK}/${STEP}.png)
+  file(SIZE ${WORK}/${STEP}.png size)
+  if(size LESS 5000)
+    message(FATAL_ERROR "The example has drawn next to nothing: ${size} bytes")
+  endif()
+  if(DEFINED ENV{ZORVAN_PICTURES})
+    file(COPY ${WORK}/${STEP}.png DESTINATION $ENV{ZORVAN_PICTURES})
+  endif()
 
 else()
   message(FATAL_ERROR "There is no step ${STEP}")

@@ -183,24 +183,28 @@ TEST_F(DynamicToolbarTest, letsPredicatesAndUpdatesChangeTheSets) {
     EXPECT_EQ(shown(), Identifiers{"b"});
 }
 
-TEST_F(DynamicToolbarTest, doesAReloadAskedForMeanwhileOnceMore) {
-    bar->addItemSet();
-    int updates = 0;
+TEST_F(DynamicToolbarTest, reloadsUntilNobodyAsksForIt) {
+    int updates = 0, last = 3;
+    bar->addItemSet([&] { return updates < last; });
     const auto item = add("a");
-    item->setUpdate([&](DynamicToolbarItem& updated) {
+    item->setUpdate([&](DynamicToolbarItem&) {
         ++updates;
-        updated.setRemovedFromBar(updates == 1);
         bar->reloadDisplayedItems();
     });
+    bar->addItemSet();
+    add("b");
     bar->reloadDisplayedItems();
-    EXPECT_EQ(updates, 2);
-    EXPECT_EQ(shown(), Identifiers{"a"});
+    EXPECT_EQ(updates, 3);
+    EXPECT_EQ(shown(), Identifiers{"b"}) << "the set that is enabled now";
+    last = 1000;
+    EXPECT_DEATH(bar->reloadDisplayedItems(),
+                 "The items of a bar asked to be reloaded 100 times in a row.");
 
     item->setUpdate([](DynamicToolbarItem&) { throw std::runtime_error("not now"); });
     EXPECT_THROW(bar->reloadDisplayedItems(), std::runtime_error);
     item->setUpdate([&](DynamicToolbarItem&) { ++updates; });
     bar->reloadDisplayedItems();
-    EXPECT_EQ(updates, 3);
+    EXPECT_EQ(updates, 4);
 }
 
 TEST_F(DynamicToolbarTest, showsNoDefaultItemsAndMayBeReleasedByAnUpdate) {

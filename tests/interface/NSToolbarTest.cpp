@@ -90,6 +90,17 @@ TEST(DividedToolbar, standsOnThreeViews) {
     EXPECT_TRUE(toolbar->centerItemView()->isHidden());
     window->layoutIfNeeded();
     EXPECT_EQ(toolbar->rightItemView()->convertToBase({80, 0}).x, 488);
+
+    const auto mine = NSView::create({0, 0, 60, 20});
+    mine->setHidden(true);
+    toolbar->setLeftItemView(mine);
+    EXPECT_EQ(toolbar->leftToolbarItem()->view(), mine);
+    EXPECT_FALSE(toolbar->showLeftItemView());
+    const auto other = DividedToolbar::create();
+    other->setCenterItemView(mine);
+    other->setRightItemView(nullptr);
+    EXPECT_EQ(other->centerToolbarItem()->view(), mine) << "before the item is made";
+    EXPECT_EQ(other->rightItemView()->frame(), CGRect(0, 0, 80, 32));
 }
 
 TEST(EmptyToolbar, showsASpaceAlone) {

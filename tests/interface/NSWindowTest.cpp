@@ -181,10 +181,14 @@ TEST(NSWindow, drawsTheWholeOfItself) {
         Red() : NSView(Key{}, {}) {}
         void draw(Canvas& canvas) const override { canvas.fill(bounds(), {255, 0, 0}); }
     };
-    int asked = 0;
+    struct Counter : NSWindowObserver {
+        void viewsNeedDisplay() override { ++asked; }
+        int asked = 0;
+    };
+    const auto counter = std::make_shared<Counter>();
     window->setContentView(std::make_shared<Red>());
     window->setTouchBar(NSTouchBar::create());
-    window->setDisplayHandler([&] { ++asked; });
+    window->addObserver(counter);
     const auto bitmap = window->render(2);
     ASSERT_TRUE(bitmap);
     EXPECT_EQ(bitmap->width(), 120);
@@ -197,10 +201,10 @@ TEST(NSWindow, drawsTheWholeOfItself) {
     EXPECT_TRUE(red(60) && red(139));
     EXPECT_FALSE(red(140));
     EXPECT_FALSE(window->viewsNeedDisplay());
-    EXPECT_EQ(asked, 0);
+    EXPECT_EQ(counter->asked, 0);
     window->contentView()->setNeedsDisplay(true);
     window->contentView()->setNeedsDisplay(true);
-    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(counter->asked, 1);
     const auto image = CGImage::image(window->pngData(1).value());
     EXPECT_EQ(image->size(), window->size());
     EXPECT_FALSE(window->contentView()->needsDisplay());

@@ -4,6 +4,8 @@
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/NSImage.h>
 
+#include <array>
+
 // The looks of tinted buttons, one sheet for each scale: a row for each set of colours, a column
 // for each state. With ZORVAN_WRITE_GOLDEN set, the sheets are written instead of compared; look at
 // them then.
@@ -140,17 +142,35 @@ struct Sheet {
     std::vector<std::shared_ptr<TintedButton>> buttons;
 };
 
-/// The mean difference of the components inside a button, which fonts may shift a little.
-double difference(const CGImage& image, const CGImage& golden, const CGRect& frame, double scale) {
-    const auto from = static_cast<std::int64_t>(frame.minX() * scale);
-    const auto to = static_cast<std::int64_t>(frame.maxX() * scale);
-    const auto top = image.height() - static_cast<std::int64_t>(frame.maxY() * scale);
-    const auto bottom = image.height() - static_cast<std::int64_t>(frame.minY() * scale);
+/// The mean of each component over a square of the picture.
+std::array<double, 4> meanOf(const CGImage& image, std::int64_t left, std::int64_t top,
+                             std::int64_t side) {
+    std::array<double, 4> mean{};
+    for (std::int64_t y = top; y < top + side; ++y)
+        for (std::int64_t x = left * 4; x < (left + side) * 4; ++x)
+            mean[static_cast<std::size_t>(x % 4)] += image.bitmap().row(y)[x];
+    for (double& component : mean)
+        component /= static_cast<double>(side * side);
+    return mean;
+}
+
+/// How far the squares of a button are apart in the mean: versions of the text's libraries put its
+/// dots a fraction of a point elsewhere, which squares of a letter's size hardly see.
+double difference(const CGImage& image, const CGImage& golden, const CGRect& frame, int scale) {
+    const std::int64_t side = 8 * scale;
+    const auto left = static_cast<std::int64_t>(frame.minX()) * scale;
+    const auto right = static_cast<std::int64_t>(frame.maxX()) * scale;
+    const auto top = image.height() - static_cast<std::int64_t>(frame.maxY()) * scale;
+    const auto bottom = image.height() - static_cast<std::int64_t>(frame.minY()) * scale;
     double sum = 0;
-    for (std::int64_t y = top; y < bottom; ++y)
-        for (std::int64_t x = from * 4; x < to * 4; ++x)
-            sum += std::abs(int{image.bitmap().row(y)[x]} - int{golden.bitmap().row(y)[x]});
-    return sum / static_cast<double>((bottom - top) * (to - from) * 4);
+    int count = 0;
+    for (std::int64_t y = top; y + side <= bottom; y += side)
+        for (std::int64_t x = left; x + side <= right; x += side) {
+            const auto a = meanOf(image, x, y, side), b = meanOf(golden, x, y, side);
+            for (std::size_t i = 0; i < 4; ++i, ++count)
+                sum += std::abs(a[i] - b[i]);
+        }
+    return sum / count;
 }
 
 } // namespace

@@ -138,7 +138,9 @@ TEST(AVAsset, DecodesOnlyWhereItMustAndMay) {
     ASSERT_TRUE(header->tracks.at(0).frameDuration);
     EXPECT_EQ(header->tracks.at(0).frameDuration->timescale, 25);
     const auto stream = describeMedia(testmovies::path("stream.ts"));
-    EXPECT_EQ(stream->tracks.at(0).naturalSize, CGSize()) << "only a decoder knows";
+    // Only a decoder knows, or, from FFmpeg 6.1 on, what takes a stream apart into packets.
+    const CGSize known = stream->tracks.at(0).naturalSize;
+    EXPECT_TRUE(known == CGSize() || known == CGSize(96, 64));
     EXPECT_NEAR(stream->tracks.at(0).frameRate, 25, 0.01);
     EXPECT_FALSE(stream->tracks.at(0).frameDuration);
 }

@@ -179,8 +179,9 @@ TEST(AVPlayer, RatesThatCannotBePlayed) {
     EXPECT_EQ(player->rate(), 0);
     player->setRate(std::numeric_limits<float>::infinity());
     EXPECT_EQ(player->rate(), 100);
-    EXPECT_DEATH(player->addTimeObserver({.fps = std::int64_t{1} << 31}, [](const CMTime&) {}),
-                 "^Frame rate does not fit a time scale\n$");
+    EXPECT_DEATH(
+        player->addTimeObserver({.fps = std::int64_t{1} << 31}, [](const CMTime&) {}),
+        "^Frame rate 2147483648 does not fit a time scale, which is at most 2147483647\n$");
 }
 
 TEST(AVPlayer, WithoutAnItem) {

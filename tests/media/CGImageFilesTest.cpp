@@ -4,6 +4,7 @@
 
 #include <zorvan/media/CGImageDestination.h>
 #include <zorvan/media/CGImageSource.h>
+#include <zorvan/media/Date.h>
 #include <zorvan/media/ImageKeys.h>
 #include <zorvan/media/ImageThumbailer.h>
 
@@ -45,6 +46,93 @@ TEST(CGImageMetadata, SizesComeFromIntegersOnly) {
     EXPECT_FALSE(CGImage::orientedImageSize(options(kCGImagePropertyPixelWidth, 4000)));
     EXPECT_FALSE(CGImage::imageSize(std::optional<PropertyList::Dictionary>()));
     EXPECT_FALSE(CGImage::orientedImageSize(std::optional<PropertyList::Dictionary>()));
+}
+
+PropertyList::Dictionary section(std::string_view key, PropertyList::Dictionary entries) {
+    return options(key, std::move(entries));
+}
+
+TEST(CGImageMetadata, TellsWhenAPictureWasTaken) {
+    using Texts = std::vector<std::pair<const char*, const char*>>;
+    const auto dateOf = [](const Texts& texts) {
+        PropertyList::Dictionary exif;
+        for (const auto& [key, text] : texts)
+            exif.emplace(key, text);
+        return CGImage::creationDate(section(kCGImagePropertyExifDictionary, exif));
+    };
+    const Date noon(std::chrono::sys_days(std::chrono::year(2023) / 7 / 1) +
+                    std::chrono::hours(12));
+    const std::string local = UTCFormatted(noon);
+    const std::pair<const char*, const char*> taken("DateTimeOriginal", local.c_str());
+    const std::chrono::milliseconds quarter(250);
+    for (const auto& [texts, expected] : std::vector<std::pair<Texts, std::optional<Date>>>{
+             {{}, {}},
+             {{taken}, noon},
+             {{taken, {"DateTimeDigitized", "2001:01:01 00:00:00"}}, noon},
+             {{{"DateTimeOriginal", "    :  :     :  :  "}, {"DateTimeDigitized", local.c_str()}},
+              noon},
+             {{taken, {"SubsecTimeOriginal", "25"}}, noon + quarter},
+             {{taken, {"SubsecTimeOriginal", "x"}, {"OffsetTimeOriginal", "   :  "}}, noon},
+             {{taken, {"SubsecTimeDigitized", "25"}}, noon},
+             {{{"DateTimeOriginal", "2023:07:01 14:30:00"}, {"OffsetTimeOriginal", "+02:30"}},
+              noon},
+             {{{"DateTimeOriginal", "2023:07:01 10:00:00"},
+               {"OffsetTimeOriginal", "-02:00"},
+               {"SubsecTimeOriginal", "250"}},
+              noon + quarter},
+             {{{"DateTimeOriginal", "2023:13:01 10:00:00"}}, {}}})
+        EXPECT_EQ(dateOf(texts), expected) << testing::PrintToString(texts);
+    EXPECT_FALSE(CGImage::creationDate(std::optional<PropertyList::Dictionary>()));
+}
+
+TEST(CGImageMetadata, TellsWhereAPictureWasTaken) {
+    const auto locationOf = [](PropertyList latitude, const char* north, PropertyList longitude,
+                               const char* east) {
+        return CGImage::location(
+            section(kCGImagePropertyGPSDictionary, {{"Latitude", std::move(latitude)},
+                                                    {"LatitudeRef", north},
+                                                    {"Longitude", std::move(longitude)},
+                                                    {"LongitudeRef", east}}));
+    };
+    EXPECT_EQ(locationOf(33.5, "S", 70.25, "W"), (Location{-33.5, -70.25}));
+    EXPECT_EQ(locationOf(90, "N", 180, "E"), (Location{90, 180}));
+    EXPECT_EQ(locationOf(1.5, "", 2.5, ""), (Location{1.5, 2.5}));
+    EXPECT_FALSE(locationOf(90.5, "N", 0, "E"));
+    EXPECT_FALSE(locationOf(0, "N", 180.5, "E"));
+    EXPECT_FALSE(locationOf(std::nan(""), "N", 0, "E"));
+    EXPECT_FALSE(locationOf("1", "N", 0, "E"));
+    EXPECT_FALSE(CGImage::location(PropertyList::Dictionary()));
+    EXPECT_FALSE(CGImage::location(section(kCGImagePropertyGPSDictionary, {{"Latitude", 1}})));
+}
+
+TEST(CGImageMetadata, OfAnUprightCopyKeepsDateAndPlaceAndDoesNotTurnItAgain) {
+    const PropertyList::Dictionary told = {
+        {"{TIFF}", PropertyList::Dictionary{{"Model", "camera"}}},
+        {"{Exif}", PropertyList::Dictionary{{"DateTimeOriginal", "2023:07:01 12:00:00"},
+                                            {"ExposureTime", 1.0 / 60}}},
+        {"{GPS}", PropertyList::Dictionary{{"Latitude", 33.5}, {"Longitude", 70.25}}}};
+    for (const ImageExportFormat format : ImageExportFormat::allCases)
+        for (const int orientation : {1, 3, 6}) {
+            PropertyList::Dictionary properties = told;
+            properties.emplace(kCGImagePropertyOrientation, orientation);
+            const Data original = slope(30, 20)->data(format, properties).value();
+            const auto metadata = CGImage::uprightMetadata(CGImage::metadata(original).value());
+            const auto upright = ImageThumbailer().thumbnail(original);
+            EXPECT_EQ(CGImage::imageSize(metadata), upright->size());
+            for (const ImageExportFormat other : ImageExportFormat::allCases) {
+                const auto copy = CGImage::metadata(upright->data(other, metadata).value());
+                SCOPED_TRACE(testing::Message() << format.displayName() << other.displayName());
+                EXPECT_EQ(CGImage::orientedImageSize(copy), upright->size());
+                EXPECT_EQ(CGImage::location(copy), (Location{33.5, 70.25}));
+                EXPECT_EQ(CGImage::creationDate(copy), CGImage::creationDate(told));
+                const auto* exif = copy->at("{Exif}").as<PropertyList::Dictionary>();
+                EXPECT_EQ(exif->at("ExposureTime"), PropertyList(1.0 / 60));
+                const auto* tiff = copy->at("{TIFF}").as<PropertyList::Dictionary>();
+                EXPECT_EQ(tiff->at("Model"), PropertyList("camera"));
+                EXPECT_TRUE(!tiff->contains("Orientation") ||
+                            tiff->at("Orientation") == PropertyList(1));
+            }
+        }
 }
 
 TEST(ImageThumbailer, HasItsDefaultsAndFiveOptions) {
@@ -90,6 +178,17 @@ TEST(CGImageDestination, KnowsItsTypes) {
     EXPECT_EQ(CGImageDestination::create(std::shared_ptr<Data>(), "public.png", 1), nullptr);
     EXPECT_EQ(CGImageDestination::create(*URL::make({.string = "http://a/b.png"}), "public.png", 1),
               nullptr);
+}
+
+TEST(CGImageDestination, ReplacesNothingButFiles) {
+    TemporaryFolder folder;
+    const std::string pipe = folder.url("pipe").path();
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const auto destination = CGImageDestination::create(folder.url("pipe"), "public.png", 1);
+    destination->addImage(slope(4, 4));
+    EXPECT_FALSE(destination->finalize());
+    EXPECT_TRUE(fs::is_fifo(pipe));
+    EXPECT_EQ(folder.count(), 1);
 }
 
 TEST(CGImageDestination, WritesThePicturesThatWereAnnounced) {
@@ -218,6 +317,16 @@ TEST(CGImageThumbnails, AreNoLargerThanAskedAndNeverEnlarged) {
     }
     for (double none : {0.0, -5.0, std::nan("")})
         EXPECT_EQ(ImageThumbailer{.maximumPixelSize = none}.thumbnail(picture), nullptr);
+    const auto source = CGImageSource::create(picture);
+    for (const auto& [thumbnailer, index, error] :
+         {std::tuple(ImageThumbailer{.maximumPixelSize = 90}, 0, ""),
+          {ImageThumbailer{.maximumPixelSize = 0}, 0, "a thumbnail of no size was asked for"},
+          {ImageThumbailer{.alwaysCreateImage = false}, 0, "the file holds no thumbnail"},
+          {ImageThumbailer(), 1, "the file holds no such picture"},
+          {ImageThumbailer(), -1, "the file holds no such picture"}}) {
+        EXPECT_EQ(thumbnailer.thumbnail(*source, index) != nullptr, error == std::string());
+        EXPECT_EQ(source->error(), error);
+    }
     // Where the file has none, one is made only when it is asked for.
     EXPECT_EQ(CGImage::thumbnail(picture), nullptr);
     EXPECT_EQ(ImageThumbailer{.alwaysCreateImage = false}.thumbnail(picture), nullptr);

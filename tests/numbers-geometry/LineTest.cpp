@@ -82,6 +82,74 @@ TEST(Segment, intersects) {
     EXPECT_EQ(Segment({1, 2}, {5, 2}).intersects({.horizontal = 2}), CGPoint(1, 2));
 }
 
+// Small whole coordinates, so that ends often touch, paths are often parallel, and integers tell
+// exactly what is expected.
+TEST(Segment, meetsAsIntegersTell) {
+    std::mt19937_64 random(17);
+    const auto number = [&] { return std::uniform_int_distribution<>(-5, 5)(random); };
+    int meetings = 0, touches = 0;
+    for (int i = 0; i < 50000; ++i) {
+        const int px = number(), py = number(), qx = number(), qy = number();
+        const int rx = number(), ry = number(), sx = number(), sy = number();
+        const Segment a({px + 0., py + 0.}, {px + rx + 0., py + ry + 0.});
+        const Segment b({qx + 0., qy + 0.}, {qx + sx + 0., qy + sy + 0.});
+        const int den = rx * sy - ry * sx;
+        const int tn = sx * (py - qy) - sy * (px - qx), un = rx * (py - qy) - ry * (px - qx);
+        const bool open = den < 0 && den < tn && tn < 0 && den < un && un < 0;
+        const bool closed = den > 0 && 0 <= tn && tn <= den && 0 <= un && un <= den;
+        const auto found = a.findIntersection(b);
+        ASSERT_EQ(found.has_value(), open || closed) << i;
+        const CGPoint at = a.point(0.5);
+        const double offLine =
+            (b.start - at).x * (b.end - at).y - (b.start - at).y * (b.end - at).x;
+        ASSERT_EQ(b.contains(at), offLine == 0 && b.boundingRect().contains(at));
+        const auto [away, along] = b.distance(at);
+        ASSERT_NEAR(away * b.length(), std::abs(offLine), 1e-12);
+        ASSERT_NEAR(b.point(along).distance(at), sx == 0 && sy == 0 ? b.start.distance(at) : away,
+                    1e-12);
+        if (!found)
+            continue;
+        ++meetings;
+        touches += tn == 0 || tn == den || un == 0 || un == den;
+        ASSERT_NEAR(found->param1, double(tn) / den, 1e-12);
+        ASSERT_NEAR(found->param2, double(un) / den, 1e-12);
+        ASSERT_TRUE(found->point.overlap(b.point(found->param2), 1e-12));
+        ASSERT_EQ(found->point, a.intersects(b));
+        if (ry != 0) {
+            const auto crossing = a.intersects({.horizontal = found->point.y});
+            ASSERT_TRUE(crossing && crossing->overlap(found->point, 1e-12));
+        }
+    }
+    EXPECT_GT(meetings, 2000);
+    EXPECT_GT(touches, 500);
+}
+
+TEST(Triangle, turnsAsIntegersTell) {
+    using State = Triangle::CollinearityState;
+    std::mt19937_64 random(19);
+    const auto number = [&] { return std::uniform_int_distribution<>(-4, 4)(random); };
+    int seen[4] = {};
+    for (int i = 0; i < 20000; ++i) {
+        const int x1 = number(), y1 = number(), x2 = number(), y2 = number();
+        const int twice = x1 * y2 - y1 * x2; // from a corner at the origin, moved about below
+        const CGPoint a(number(), number()), b = a + CGPoint(x1, y1), c = a + CGPoint(x2, y2);
+        const Triangle t(a, b, c);
+        const bool isPoint = x1 == 0 && y1 == 0 && x2 == 0 && y2 == 0;
+        const State state = isPoint      ? State::point
+                            : twice == 0 ? State::line
+                            : twice < 0  ? State::clockwiseTurn
+                                         : State::counterClockwiseTurn;
+        ASSERT_EQ(t.signedArea() * 2, twice);
+        ASSERT_EQ(t.collinearity(6), state);
+        ASSERT_EQ(Triangle(b, c, a).collinearity(6), state);
+        ASSERT_EQ(Triangle(a, c, b).signedArea(), -t.signedArea());
+        ASSERT_EQ(t.isLine(6), twice == 0);
+        ASSERT_EQ((t + 7).signedArea(), t.signedArea());
+        ++seen[static_cast<int>(state)];
+    }
+    EXPECT_THAT(seen, testing::Each(testing::Gt(2)));
+}
+
 TEST(Triangle, classifiesTurns) {
     using State = Triangle::CollinearityState;
     EXPECT_EQ(Triangle({0, 0}, {0, 1}, {1, 0}).collinearity(6), State::clockwiseTurn);

@@ -64,6 +64,24 @@ TEST(CGSize, fitsAndFills) {
     EXPECT_EQ(CGSize(-50, 20).clamping(100), CGSize(-50, 20));
     EXPECT_EQ(CGSize(400, 200).clamping({100, 100}), CGSize(100, 50));
     EXPECT_EQ(CGSize(200, 400).clamping({300, 100}), CGSize(50, 100));
+    std::mt19937_64 random(5);
+    std::uniform_real_distribution<double> side(1, 1000);
+    for (int i = 0; i < 20000; ++i) {
+        const CGSize size(side(random), side(random)), bounds(side(random), side(random));
+        const CGSize box({.square = bounds.width});
+        const bool fits = size.width <= bounds.width && size.height <= bounds.height;
+        const CGSize clamped = size.clamping(bounds), shorter = size.clamping(bounds.width);
+        ASSERT_EQ(clamped == size, fits);
+        ASSERT_TRUE(fits || clamped.width == bounds.width || clamped.height == bounds.height);
+        ASSERT_TRUE(clamped.width <= bounds.width * (1 + 1e-15));
+        ASSERT_TRUE(clamped.height <= bounds.height * (1 + 1e-15));
+        ASSERT_NEAR(clamped.whRatio() / size.whRatio(), 1, 1e-15);
+        ASSERT_TRUE(shorter.overlap(size.clamping(box), 1e-12));
+        ASSERT_EQ(shorter.max(), std::min(size.max(), bounds.width));
+        // Signs are dropped by the one and carried through by the other.
+        ASSERT_EQ((-size).clamping(bounds.width), shorter == size ? -size : shorter);
+        ASSERT_EQ((-size).clamping(-bounds), -clamped);
+    }
     EXPECT_EQ(CGSize(1000, 500).innerFittingSize(1), CGSize(500, 500));
     EXPECT_EQ(CGSize(1000, 500).innerFillingSize(1), CGSize(1000, 1000));
     EXPECT_EQ(CGSize(4, 2).scaling({.toWidth = 8}), CGSize(8, 4));

@@ -33,6 +33,10 @@ TEST(CGRect, accessorsReadTheStandardisedRectangle) {
     EXPECT_EQ(r.standardized(), CGRect(6, 14, 4, 6));
     EXPECT_EQ(r.center(), CGPoint(8, 17));
     EXPECT_EQ(r.maxX(), 10);
+    const CGRect inexact(0.1, 0.3, -0.7, -1e20); // whose stored edges no sum gives back
+    EXPECT_EQ(inexact.maxX(), inexact.standardized().maxX());
+    EXPECT_NE(inexact.maxX(), inexact.x());
+    EXPECT_EQ(inexact.topRight(), inexact.standardized().topRight());
     EXPECT_EQ(r.x(), 10);
     EXPECT_EQ(r.area(), 24);
     EXPECT_EQ(CGRect(0, 0, -2, 3).area(), -6);

@@ -159,6 +159,11 @@ TEST_F(Coders, keepURLs) {
     keeps<URLArrayUDC>({web, file}, Array{"https://example.com/?q=1#f", "file:///a%20b/%FF"});
     keeps<URLArrayUDC>({}, Array());
     reads<URLUDC>("/a b/\xFF", file);
+    for (const char* none :
+         {"https://example.com/a b", "https://example.com:x/", "https://a<b/", "x:%"}) {
+        reads<URLUDC>(none, {});
+        reads<URLArrayUDC>(Array{"https://example.com", none}, {});
+    }
     reads<URLUDC>(1, {});
     reads<URLArrayUDC>(Array{"https://example.com", "none"}, {});
     reads<URLArrayUDC>(Array{1}, {});

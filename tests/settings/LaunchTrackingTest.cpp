@@ -27,7 +27,7 @@ protected:
     }
 
     std::string launch(const std::string& arguments = "") const {
-        const std::string command = (folder_.path() / "app").string() + " " + arguments;
+        const std::string command = folder_.path().string() + "/" + program_ + " " + arguments;
         FILE* output = ::popen(command.c_str(), "r");
         std::string text;
         std::array<char, 256> buffer;
@@ -38,6 +38,7 @@ protected:
     }
 
     TemporaryFolder folder_;
+    std::string program_ = "app";
 };
 
 } // namespace
@@ -76,6 +77,24 @@ TEST_F(LaunchTracking, leavesSettingsUsableUntilTheEnd) {
     EXPECT_TRUE(launch().starts_with("VersionNumber=1.0.0\nLaunchesCount=1\n")); // cleared
     EXPECT_FALSE(
         std::filesystem::exists(folder_.path() / "config/zorvan/org.example.app.settings-wal"));
+}
+
+// As by a package manager, while the program runs and before it asks for bundle and settings.
+TEST_F(LaunchTracking, isThatOfTheProgramWhoseFileWasReplaced) {
+    install("1.0");
+    launch();
+    EXPECT_EQ(launch("updated"),
+              "VersionNumber=1.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n1.0.0 0 2 1 1\n");
+    std::filesystem::remove_all(folder_.path() / "app.bundle"); // settings go by the name now
+    launch();
+    EXPECT_EQ(launch("updated"),
+              "VersionNumber=0.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n0.0.0 0 2 1 0\n");
+    std::filesystem::rename(folder_.path() / "app", folder_.path() / "app (deleted)");
+    program_ = "'app (deleted)'";
+    EXPECT_NE(launch().find("LaunchesCount=1"), std::string::npos);
+    EXPECT_NE(launch("updated").find("LaunchesCount=2"), std::string::npos);
+    EXPECT_TRUE(
+        std::filesystem::exists(folder_.path() / "config/zorvan/app%20%28deleted%29.settings"));
 }
 
 // What is stored comes from anywhere: other versions, other programs, people.

@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 
 using namespace zorvan;
 
@@ -33,6 +34,11 @@ struct Older {
 
 int main(int argc, char** argv) {
     older.isLate = argc == 2 && std::strcmp(argv[1], "late") == 0;
+    if (argc == 2 && std::strcmp(argv[1], "updated") == 0) {
+        const std::string file = argv[0], next = file + ".next";
+        std::filesystem::copy_file(file, next);
+        std::filesystem::rename(next, file);
+    }
     const auto store = NSUserDefaults::standardUserDefaults();
     const auto started = std::chrono::system_clock::now();
     NSNotificationCenter::defaultCenter()->addObserver(

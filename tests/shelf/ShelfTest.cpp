@@ -69,6 +69,14 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
+/// Where HEIC's codecs are part of libheif, they cannot be missing.
+bool heicCodecsArePlugins() {
+    for (const auto& entry : fs::directory_iterator("/usr/lib"))
+        if (fs::exists(entry.path() / "libheif/plugins/libheif-x265.so"))
+            return true;
+    return false;
+}
+
 } // namespace
 
 TEST_F(Shelf, helpsAndRefusesNonsense) {
@@ -102,6 +110,25 @@ TEST_F(Shelf, helpsAndRefusesNonsense) {
         EXPECT_NE(outcome.errors.find(row.complaint), std::string::npos) << outcome.errors;
         EXPECT_EQ(outcome.output, "");
     }
+}
+
+TEST_F(Shelf, saysThatACodecIsMissing) {
+    const auto withoutPlugins = [this](std::vector<std::string> arguments) {
+        std::vector<std::string> command{
+            "/usr/bin/env", "LIBHEIF_PLUGIN_PATH=" + folder.path.string(), SHELF_PROGRAM};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return run(command);
+    };
+    picture("a.jpg");
+    const Outcome writing = withoutPlugins({at("a.jpg"), "--format", "heic"});
+    const Outcome reading = withoutPlugins({SAMPLES "/plain.heic"});
+    const bool isPlugin = heicCodecsArePlugins();
+    EXPECT_EQ(writing.status, isPlugin ? 2 : 0);
+    EXPECT_EQ(writing.errors.find("shelf: the encoder for heif is not installed\n") == 0, isPlugin)
+        << writing.errors;
+    const std::string complaint = "the decoder for this format is not installed";
+    EXPECT_EQ((reading.output + reading.errors).find(complaint) != std::string::npos, isPlugin)
+        << reading.output << reading.errors;
 }
 
 TEST_F(Shelf, namesWhatIsMissing) {

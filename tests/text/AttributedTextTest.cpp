@@ -15,14 +15,14 @@ struct Opaque {
 
 NSMutableAttributedString sample() {
     NSMutableAttributedString text;
-    append(text, "Bold", {{std::string(AttributeName::font), TextFont{"Times", 14, true, false}}});
+    append(text, "Bold", {{AttributeName::font, TextFont{"Times", 14, true, false}}});
     append(text, " & <red>",
-           {{std::string(AttributeName::foregroundColor), TextColor(1, 0, 0)},
-            {std::string(AttributeName::underlineStyle), true}});
+           {{AttributeName::foregroundColor, TextColor(1, 0, 0)},
+            {AttributeName::underlineStyle, true}});
     append(text, "\nlink {x} \\ é 😀",
-           {{std::string(AttributeName::link), std::string("https://example.com/?a=1&b=2")},
-            {std::string(AttributeName::alignment), TextAlignment::center}});
-    append(text, "2", {{std::string(AttributeName::superscript), std::int64_t{1}}});
+           {{AttributeName::link, std::string("https://example.com/?a=1&b=2")},
+            {AttributeName::alignment, TextAlignment::center}});
+    append(text, "2", {{AttributeName::superscript, std::int64_t{1}}});
     return text;
 }
 

@@ -133,7 +133,8 @@ TEST(CMTimeArithmetic, multipliesByRatios) {
         {ratio(t(smallest), 1, 1), t(smallest)}, {ratio(t(1, top), 1, 2), rounded(0)},
     };
     const TimePairs large = {{ratio(t(3, 1500000000), 1, 2), t(1, 1000000000)},
-                             {ratio(t(3, 2000000000), 1, 2), rounded(1, 1333333333)}};
+                             {ratio(t(3, 2000000000), 1, 2), rounded(1, 1333333333)},
+                             {ratio(t(261, 1073741824), -53, 10), rounded(-2501, 1941320250)}};
     const TimePairs marks = {
         {ratio(plus, -1, 2), minus},     {ratio(plus, 0, 2), unknown},
         {ratio(t(1), 1, 0), invalid},    {ratio(invalid, 1, 2), invalid},
@@ -164,7 +165,24 @@ TEST(CMTimeArithmetic, multipliesByReals) {
     expectSame(marks);
     expectSame({{t(1, 1000000) * 1.1, t(11, 10000000)}, {t(large) * 0x1p-80, rounded(1, 262144)}});
     EXPECT_EQ((inEpoch(4) * 0.5).epoch, 4);
-    EXPECT_NEAR((t(7, 600) * M_PI).seconds(), 7 * M_PI / 600, 1e-15);
+}
+
+// What no round timescale holds comes at one of the operand's, so that sums stay exact.
+TEST(CMTimeArithmetic, multipliesByRealsAtARelatedTimescale) {
+    expectSame({{t(600, 600) * M_PI, rounded(965097, 307200)},
+                {t(-900, 90000) * M_PI, rounded(-723823, 23040000)}, // to a millionth
+                {rounded(90000, 90000) * 0.1234567, rounded(355555, 2880000)},
+                {t(24 * 3600, 24) * (1 / 1.7), t(864000, 408)},
+                {t(24 * 3600, 24) * (1 / M_E), rounded(1041523793, 786432)}});
+    for (const double factor : {0.123456789, std::sqrt(2), 1 / M_PI, 0.00123456, 7 / 9.1})
+        for (const std::int32_t timescale : {24, 600, 24000, 48000, 1000000}) {
+            const CMTime product = t(timescale * 7LL, timescale) * factor,
+                         start = t(1001, timescale);
+            EXPECT_EQ((start + product) - start, product) << factor << " at " << timescale;
+            EXPECT_NEAR(product.seconds(), 7 * factor, std::min(1e-6, 7e-6 * factor));
+        }
+    // Where none holds it, it is the nearest time.
+    EXPECT_NEAR((t(1, 1000000) * 0.123456789).seconds(), 1.23456789e-7, 1.2e-16);
 }
 
 TEST(CMTimeArithmetic, takesSignsAwayDividesAndAssigns) {

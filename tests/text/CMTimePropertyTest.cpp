@@ -64,17 +64,18 @@ TEST(CMTimeProperty, sumsAreUndoneOrOffByHalfAUnit) {
 TEST(CMTimeProperty, productsAreExactOrMarked) {
     AnyTime random(4);
     int exact = 0;
-    // The nearest time is never further away than half the finest unit.
-    const auto isNearest = [](CMTime product, double wanted) {
+    // The nearest time is never further away than half the finest unit; a product with a real than
+    // a microsecond and a millionth of it.
+    const auto isWithin = [](CMTime product, double wanted, double slack) {
         return !product.isNumeric() ||
-               std::abs(product.seconds() - wanted) <= std::abs(wanted) * 1e-15 + 2.4e-10;
+               std::abs(product.seconds() - wanted) <= std::abs(wanted) * 1e-15 + 2.4e-10 + slack;
     };
     for (int i = 0; i < 200000; ++i) {
         const CMTime time = random.numeric(random.below(64) + 1);
         const auto multiplier = static_cast<std::int32_t>(random.number(random.below(32) + 1));
         const auto divisor = static_cast<std::int32_t>(random.number(random.below(32) + 1) | 1);
         const CMTime product = CMTimeMultiplyByRatio(time, multiplier, divisor);
-        ASSERT_TRUE(isNearest(product, time.seconds() * multiplier / divisor));
+        ASSERT_TRUE(isWithin(product, time.seconds() * multiplier / divisor, 0));
         if (product.isNumeric() && !product.hasBeenRounded()) {
             // value / timescale * divisor == time * multiplier, each side below 2^126.
             const auto left = detail::Int128{product.value} * divisor;
@@ -85,9 +86,32 @@ TEST(CMTimeProperty, productsAreExactOrMarked) {
         }
         const double factor =
             std::ldexp(static_cast<double>(random.number(53)), random.below(160) - 140);
-        ASSERT_TRUE(isNearest(time * factor, time.seconds() * factor)) << factor;
+        const double wanted = time.seconds() * factor;
+        ASSERT_TRUE(isWithin(time * factor, wanted, std::min(1e-6, std::abs(wanted) * 1e-6)));
     }
     EXPECT_GT(exact, 50000);
+}
+
+TEST(CMTimeProperty, fractionsAreTheNearest) {
+    AnyTime random(5);
+    for (int i = 0; i < 20000; ++i) {
+        const std::int64_t top = random.below(4000), bottom = random.below(999) + 1;
+        const std::int64_t most = top / bottom + random.below(60) + 1, scale = random.below(40) + 1;
+        const auto factor = static_cast<std::int64_t>(
+            detail::gcd(static_cast<std::uint64_t>(top), static_cast<std::uint64_t>(bottom)));
+        const detail::Fraction exact{static_cast<std::uint64_t>(top / factor),
+                                     static_cast<std::uint64_t>(bottom / factor)};
+        const auto found = detail::nearestFraction(exact, static_cast<std::uint64_t>(most),
+                                                   static_cast<std::uint64_t>(scale));
+        const auto p = static_cast<std::int64_t>(found.numerator);
+        const auto q = static_cast<std::int64_t>(found.denominator);
+        ASSERT_TRUE(p <= most && 1 <= q && q <= scale);
+        const std::int64_t away = std::abs(top * q - p * bottom); // over bottom * q
+        for (std::int64_t other = 1; other <= scale; ++other)
+            for (std::int64_t n = top * other / bottom; n <= top * other / bottom + 1; ++n)
+                ASSERT_TRUE(n > most || away * other <= std::abs(top * other - n * bottom) * q)
+                    << top << '/' << bottom << " is nearer to " << n << '/' << other;
+    }
 }
 
 TEST(CMTimeProperty, splitYieldsTheMiddles) {
@@ -113,6 +137,7 @@ TEST(CMTimeProperty, rangesBehaveLikeSetsOfTimes) {
         ASSERT_TRUE(a.isEmpty() || a.union_(b).contains(a));
         ASSERT_TRUE(a.intersection(b).isEmpty() || a.contains(a.intersection(b)));
         ASSERT_TRUE(a.start <= clamped && clamped <= a.end());
+        ASSERT_TRUE(clamped != time || clamped.timescale == time.timescale);
         ASSERT_EQ(clamped == time, a.contains(time) || time == a.end());
     }
 }

@@ -11,7 +11,8 @@ TEST_F(BundleTest, readsTypedEntries) {
                      "<key>CFBundleLongVersionString</key><string>Shelf 2.5 (77)</string>"
                      "<key>One</key><integer>1</integer><key>Nothing</key><real>0</real>"
                      "<key>Yes</key><string>YES</string><key>True</key><true/>"
-                     "<key>Home</key><string>https://example.org/a</string>");
+                     "<key>Home</key><string>https://example.org/a</string>"
+                     "<key>Blank</key><string>https://example.org/a b</string>");
     const auto bundle = NSBundle::create(path("a.bundle"));
     ASSERT_TRUE(bundle);
     EXPECT_EQ(name(*bundle), "Shelf");
@@ -29,6 +30,7 @@ TEST_F(BundleTest, readsTypedEntries) {
     EXPECT_EQ(string(*bundle, "Missing"), std::nullopt);
     EXPECT_EQ(url(*bundle, "Home")->absoluteString(), "https://example.org/a");
     EXPECT_EQ(url(*bundle, "Yes"), std::nullopt);
+    EXPECT_EQ(url(*bundle, "Blank"), std::nullopt);
     EXPECT_EQ(url(*bundle, "One"), std::nullopt);
 }
 

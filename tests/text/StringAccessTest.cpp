@@ -87,19 +87,22 @@ TEST(StringAccess, ReadsReals) {
 
 TEST(StringAccessDeathTest, StopsOnOffsetsOutside) {
     std::string s = "e\u0301x";
-    const auto stops = "^String index is out of bounds\n$";
-    EXPECT_DEATH((void)startIntIndexToStringIndex(s, 3), stops);
-    EXPECT_DEATH((void)startIntIndexToStringIndex(s, -1), stops);
-    EXPECT_DEATH((void)endIntIndexToStringIndex(s, 3), stops);
-    EXPECT_DEATH((void)endIntIndexToStringIndex(s, -1), stops);
-    EXPECT_DEATH((void)substring(s, {.with = {1, 3}}), stops);
-    EXPECT_DEATH((void)substring(s, {.with = {2, 1}}), stops);
-    EXPECT_DEATH((void)substring(s, {.to = 3}), stops);
-    EXPECT_DEATH((void)substring(s, {.from = -1}), stops);
-    EXPECT_DEATH(insert(s, "x", 3), stops);
-    EXPECT_DEATH(remove(s, 2), stops);
-    EXPECT_DEATH(removeSubrange(s, {0, 3}), stops);
+    const auto stops = [](const std::string& asked, int of = 2) {
+        return "^String index is out of bounds: " + asked + " in a text of " + std::to_string(of) +
+               "\n$";
+    };
+    EXPECT_DEATH((void)startIntIndexToStringIndex(s, 3), stops("3"));
+    EXPECT_DEATH((void)startIntIndexToStringIndex(s, -1), stops("-1"));
+    EXPECT_DEATH((void)endIntIndexToStringIndex(s, 3), stops("3 before the end"));
+    EXPECT_DEATH((void)endIntIndexToStringIndex(s, -1), stops("-1 before the end"));
+    EXPECT_DEATH((void)substring(s, {.with = {1, 3}}), stops("1 to 3"));
+    EXPECT_DEATH((void)substring(s, {.with = {2, 1}}), stops("2 to 1"));
+    EXPECT_DEATH((void)substring(s, {.to = 3}), stops("3"));
+    EXPECT_DEATH((void)substring(s, {.from = -1}), stops("-1"));
+    EXPECT_DEATH(insert(s, "x", 3), stops("3"));
+    EXPECT_DEATH(remove(s, 2), stops("2"));
+    EXPECT_DEATH(removeSubrange(s, {0, 3}), stops("0 to 3"));
     std::string empty;
-    EXPECT_DEATH(removeFirstChar(empty), stops);
-    EXPECT_DEATH(removeLastChar(empty), stops);
+    EXPECT_DEATH(removeFirstChar(empty), stops("0", 0));
+    EXPECT_DEATH(removeLastChar(empty), stops("0", 0));
 }

@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/foundation/NSUserName.h>
 #include <zorvan/platform/textservices/Locale.h>
+#include <zorvan/platform/textservices/Unicode.h>
 #include <zorvan/text/Double.h>
 #include <zorvan/text/String.h>
 
@@ -53,6 +54,29 @@ TEST(String, NumbersCopies) {
         {"Report (2) final", "Report (3)"}};
     for (const auto& [name, copy] : cases)
         EXPECT_EQ(incremented(name), copy);
+    // In time with the length, whatever the text is made of, and as the pattern has it.
+    testing::internal::CaptureStdout();
+    for (const std::string part : {"x", "(", "(1", "(1) ", "1"}) {
+        std::string name;
+        while (name.size() < 3'000'000)
+            name += part;
+        EXPECT_TRUE(incremented(name + "(7)\ntail").ends_with("(8)")) << part;
+        EXPECT_TRUE(incremented(name + "(7").ends_with(part == "(1) " ? "(2)" : "(7 (1)")) << part;
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    const NSRegularExpression pattern(R"((.*)\((\d*)\))", NSRegularExpression::Options::none);
+    std::mt19937 random(4);
+    const std::string_view alphabet[] = {"(",  ")",      "1", "2",    "x",
+                                         "\n", "\u2028", "٣", "\xFF", "\r\n"};
+    for (int i = 0; i < 20'000; ++i) {
+        std::string name;
+        for (std::size_t left = random() % 12; left > 0; --left)
+            name += alphabet[random() % std::size(alphabet)];
+        const auto matches = pattern.captures(name);
+        const auto found = numberInParentheses(name);
+        ASSERT_EQ(found.has_value(), !matches.empty()) << name;
+        ASSERT_TRUE(!found || (found->before == matches[0][0] && found->digits == matches[0][1]));
+    }
     EXPECT_EQ(incremented("File (9223372036854775806)"), "File (9223372036854775807)");
     for (const std::string last : {"File (9223372036854775807)", "File (9223372036854775808)"})
         EXPECT_EQ(incremented(last), last + " (1)");
@@ -117,10 +141,12 @@ TEST(String, CapturesMatches) {
     EXPECT_EQ(captureMatches("b", "(a)|(b)"), (Matches{{"", "b"}}));
     testing::internal::CaptureStdout();
     EXPECT_TRUE(captureMatches("a", "(a").empty());
-    EXPECT_TRUE(captureMatches(std::string(60, 'a'), "((a+)+)b").empty());
+    // A search that is given up keeps what it has found.
+    EXPECT_EQ(captureMatches("xc" + std::string(60, 'a'), "((a+)+)b|(x)c|(z)"),
+              (Matches{{"", "", "x", ""}}));
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "invalid regex: unbalanced parenthesis at line 1, column 2\n"
-              "invalid regex: search takes too long\n");
+              "regex given up: search takes too long\n");
 }
 
 TEST(String, ValidatesEmailAsThePatternDoes) {

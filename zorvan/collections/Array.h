@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <iterator>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -26,17 +27,21 @@ constexpr std::int64_t countOf(const std::vector<Element>& list) noexcept {
     return static_cast<std::int64_t>(list.size());
 }
 
+/// A list of truth values holds no elements of its own to point at.
 template <class Element>
-void checkPositions(const std::vector<Element>& list, const IndexSet& indexes) {
-    if (indexes.last().value_or(-1) >= countOf(list))
-        fatalError("A position lies outside the list.");
+const Element* addressAt(const std::vector<Element>& list, std::int64_t at) {
+    if constexpr (std::same_as<Element, bool>) {
+        static constexpr bool values[] = {false, true};
+        return &values[list[static_cast<std::size_t>(at)]];
+    } else {
+        return &list[static_cast<std::size_t>(at)];
+    }
 }
 
-template <class Element>
-void checkInsertion(const std::vector<Element>& list, std::int64_t at) {
-    if (at < 0 || at > countOf(list))
-        fatalError("A position lies outside the list.");
-}
+/// They stop the program unless the positions are those of elements of a list of `count`, or places
+/// before or after one.
+void checkPositions(std::int64_t count, const IndexSet& indexes);
+void checkInsertion(std::int64_t count, std::int64_t at);
 
 } // namespace detail
 
@@ -51,7 +56,7 @@ std::optional<Element> safe(const std::vector<Element>& list, std::int64_t at) {
 /// The elements at the positions, in ascending position order.
 template <class Element>
 std::vector<Element> at(const std::vector<Element>& list, const IndexSet& indexes) {
-    detail::checkPositions(list, indexes);
+    detail::checkPositions(detail::countOf(list), indexes);
     std::vector<Element> result;
     result.reserve(static_cast<std::size_t>(indexes.count()));
     for (const IndexSet::Range range : indexes.ranges())
@@ -62,7 +67,7 @@ std::vector<Element> at(const std::vector<Element>& list, const IndexSet& indexe
 /// Removes the elements at the positions, in one pass over the list.
 template <class Element>
 void remove(std::vector<Element>& list, const IndexSet& indexes) {
-    detail::checkPositions(list, indexes);
+    detail::checkPositions(detail::countOf(list), indexes);
     if (indexes.isEmpty())
         return;
     auto kept = list.begin() + *indexes.first();
@@ -80,8 +85,8 @@ void remove(std::vector<Element>& list, const IndexSet& indexes) {
 /// A `to` outside 0 ... count stops the program.
 template <class Element>
 std::int64_t move(std::vector<Element>& list, const IndexSet& from, std::int64_t to) {
-    detail::checkPositions(list, from);
-    detail::checkInsertion(list, to);
+    detail::checkPositions(detail::countOf(list), from);
+    detail::checkInsertion(detail::countOf(list), to);
     const std::int64_t below = from.count(IndexSet::Range{0, to});
     const std::int64_t landing = to - below;
     if (from.isEmpty())
@@ -115,7 +120,7 @@ template <class Element>
 bool moveUp(std::vector<Element>& list, std::int64_t at) {
     if (at < 1 || at >= detail::countOf(list))
         return false;
-    std::swap(list[static_cast<std::size_t>(at)], list[static_cast<std::size_t>(at - 1)]);
+    std::iter_swap(list.begin() + at, list.begin() + (at - 1));
     return true;
 }
 
@@ -178,7 +183,8 @@ requires(!std::convertible_to<Predicate, std::int64_t>) std::optional<Element> r
 template <class Element>
 std::vector<std::vector<Element>> chunked(const std::vector<Element>& list, std::int64_t into) {
     if (into < 1)
-        fatalError("A list is cut into pieces of at least one element.");
+        fatalError("A list is cut into pieces of at least 1 element, not of " +
+                   std::to_string(into) + ".");
     std::vector<std::vector<Element>> pieces;
     pieces.reserve(list.size() / static_cast<std::size_t>(into) + 1);
     for (auto from = list.begin(); from != list.end();) {
@@ -215,17 +221,22 @@ std::vector<Element> flat(const std::vector<std::vector<Element>>& lists) {
     return result;
 }
 
-/// The present ones among the arguments, in order.
-template <class Element, std::same_as<Element>... Others>
-std::vector<Element> compacted(std::optional<Element> first, std::optional<Others>... others) {
+/// The present ones among the arguments, in order. The element type is that of the first argument,
+/// or the one given: `compacted<int>(1, std::nullopt)`.
+template <class Element, std::convertible_to<std::optional<Element>>... Others>
+std::vector<Element> compacted(std::optional<Element> first, Others... others) {
     std::vector<Element> result;
     const auto add = [&result](std::optional<Element>&& element) {
         if (element)
-            result.push_back(std::move(*element));
+            result.push_back(*std::move(element));
     };
     add(std::move(first));
     (add(std::move(others)), ...);
     return result;
+}
+template <class Element>
+std::vector<Element> compacted() {
+    return {};
 }
 
 /// Draws up to `drawCount` elements, no position twice, in the order drawn.

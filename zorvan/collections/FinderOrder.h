@@ -36,7 +36,9 @@ auto finderSorted(Range&& range, Block block) requires(!Dictionary<std::remove_c
 /// The texts in that order.
 template <std::ranges::input_range Range>
 std::vector<std::string> finderSorted(Range&& range) {
-    std::vector<std::string> texts(std::ranges::begin(range), std::ranges::end(range));
+    std::vector<std::string> texts; // not of the ends, which may be of two types
+    for (auto&& text : range)
+        texts.emplace_back(text);
     const std::vector<std::string_view> views(texts.begin(), texts.end());
     std::vector<std::string> sorted;
     sorted.reserve(texts.size());

@@ -1,9 +1,12 @@
 #include <zorvan/collections/IndexSet.h>
 
+#include <zorvan/collections/internal/RangeMerge.h>
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <algorithm>
-#include <memory>
+#include <array>
+#include <functional>
+#include <numeric>
 
 namespace zorvan {
 
@@ -13,88 +16,79 @@ using Range = IndexSet::Range;
 
 constexpr std::int64_t endOfPositions = IndexSet::maximumIndex + 1;
 
+/// Stops the program unless the position can be a member, or the end of a range of members.
+void checkPosition(std::int64_t position, std::int64_t largest) {
+    if (position < 0)
+        fatalError("An index set holds no negative positions, such as " + std::to_string(position) +
+                   ".");
+    if (position > largest)
+        fatalError("An index set holds no position above " + std::to_string(largest) +
+                   ", such as " + std::to_string(position) + ".");
+}
+
 Range checked(Range range) {
-    if (range.lower < 0)
-        fatalError("An index set holds no negative positions.");
+    checkPosition(range.lower, endOfPositions);
     if (range.upper < range.lower)
-        fatalError("A range of an index set ends before it begins.");
+        fatalError("A range of an index set ends at " + std::to_string(range.upper) +
+                   ", before it begins at " + std::to_string(range.lower) + ".");
     return range;
 }
 
 Range single(std::int64_t index) {
-    if (index > IndexSet::maximumIndex)
-        fatalError("A position of an index set is too large.");
-    return checked({index, index < 0 ? index : index + 1});
+    checkPosition(index, IndexSet::maximumIndex);
+    return {index, index + 1};
 }
 
 Range located(std::int64_t location, std::int64_t length) {
-    if (length < 0)
-        fatalError("A range of an index set ends before it begins.");
-    if (location > endOfPositions - length)
-        fatalError("A position of an index set is too large.");
-    return checked({location, location < 0 ? location : location + length});
-}
-
-/// Room for the result of a merge; its memory is not cleared first.
-struct Scratch {
-    explicit Scratch(std::size_t capacity)
-        : ranges(std::make_unique_for_overwrite<Range[]>(capacity)) {}
-
-    std::span<const Range> upTo(std::size_t count) const { return {ranges.get(), count}; }
-
-    std::unique_ptr<Range[]> ranges;
-};
-
-// The merges below run over sets whose ranges interleave without a pattern, where a branch on which
-// side comes next is mispredicted half of the time: so their steps select instead of branching.
-
-std::size_t unite(std::span<const Range> a, std::span<const Range> b, Range* out) {
-    std::size_t i = 0, j = 0, written = 0;
-    Range current = a[0].lower <= b[0].lower ? a[i++] : b[j++];
-    const auto take = [&](const Range next) {
-        const bool apart = next.lower > current.upper;
-        out[written] = current;
-        written += apart;
-        current.lower = apart ? next.lower : current.lower;
-        current.upper = std::max(current.upper, next.upper);
-    };
-    while (i < a.size() && j < b.size()) {
-        const bool fromA = a[i].lower <= b[j].lower;
-        const Range* next = fromA ? &a[i] : &b[j];
-        i += fromA;
-        j += !fromA;
-        take(*next);
-    }
-    for (; i < a.size(); ++i)
-        take(a[i]);
-    for (; j < b.size(); ++j)
-        take(b[j]);
-    out[written++] = current;
-    return written;
-}
-
-/// The common part of two ascending lists of ranges, the second given by a function of its
-/// position.
-template <class RangeAt>
-std::size_t intersect(std::span<const Range> a, std::size_t bCount, RangeAt bAt, Range* out) {
-    std::size_t i = 0, j = 0, written = 0;
-    while (i < a.size() && j < bCount) {
-        const Range x = a[i];
-        const Range y = bAt(j);
-        const std::int64_t lower = std::max(x.lower, y.lower);
-        const std::int64_t upper = std::min(x.upper, y.upper);
-        out[written] = {lower, upper};
-        written += lower < upper;
-        i += x.upper <= y.upper;
-        j += y.upper <= x.upper;
-    }
-    return written;
+    checkPosition(location, endOfPositions);
+    if (length < 0 || location > endOfPositions - length)
+        fatalError("A range of an index set has 0 to " + std::to_string(endOfPositions - location) +
+                   " members from " + std::to_string(location) + " on, not " +
+                   std::to_string(length) + ".");
+    return {location, location + length};
 }
 
 } // namespace
 
-IndexSet::IndexSet(std::initializer_list<std::int64_t> members) {
-    *this = of(std::span(members.begin(), members.size()));
+/// Merges two ascending lists of ranges.
+template <template <class> class Merge, class Second>
+IndexSet::Ranges IndexSet::merge(std::span<const Range> a, Second b, Second bEnd) {
+    if (a.empty())
+        return {};
+    const auto firstNot = [&](auto isBefore) {
+        std::ptrdiff_t low = 0, high = bEnd - b;
+        while (low < high) {
+            const std::ptrdiff_t middle = low + (high - low) / 2;
+            const bool goesOn = isBefore(*(b + middle));
+            low = goesOn ? middle + 1 : low;
+            high = goesOn ? high : middle;
+        }
+        return b + low;
+    };
+    // A step writes first and decides afterwards, and a range that reaches across is read twice.
+    Ranges result(a.size() + static_cast<std::size_t>(bEnd - b) + 9);
+    Range* room = result.data();
+    const auto cut = [&](std::size_t third) {
+        const std::size_t from = a.size() * third / 3, to = a.size() * (third + 1) / 3;
+        const auto isBefore = [&](Range range) {
+            return Merge<Second>::isBefore(range, a[from].lower);
+        };
+        const auto isInside = [&](Range range) { return range.lower < a[to].lower; };
+        const Second bFrom = third == 0 ? b : firstNot(isBefore);
+        const Second bTo = third == 2 ? bEnd : firstNot(isInside);
+        const Merge<Second> stretch{{a.data() + from, a.data() + to, bFrom, bTo, room}};
+        room += to - from + static_cast<std::size_t>(bTo - bFrom) + 2;
+        return stretch;
+    };
+    const std::array<Merge<Second>, 3> thirds{cut(0), cut(1), cut(2)};
+    const std::array<Range*, 3> ends = internal::mergeTogether(thirds[0], thirds[1], thirds[2]);
+    Range* end = result.data();
+    for (std::size_t i = 0; i < thirds.size(); ++i)
+        end = internal::join(result.data(), end, {thirds[i].out + Merge<Second>::unused, ends[i]});
+    result.resize(static_cast<std::size_t>(end - result.data()));
+    if (result.size() < result.capacity() / 2)
+        result.shrink_to_fit();
+    return result;
 }
 
 IndexSet::IndexSet(Range range) {
@@ -113,9 +107,9 @@ IndexSet::IndexSet(Ends argument)
     : IndexSet(Range{single(std::min<std::int64_t>(argument.i1, argument.i2)).lower,
                      single(std::max<std::int64_t>(argument.i1, argument.i2)).upper}) {}
 
-IndexSet::IndexSet(std::span<const Range> ranges) : ranges_(ranges.begin(), ranges.end()) {
-    for (const Range range : ranges)
-        count_ += range.count();
+IndexSet::IndexSet(Ranges ranges) : ranges_(std::move(ranges)) {
+    count_ = std::transform_reduce(ranges_.begin(), ranges_.end(), std::int64_t{0}, std::plus{},
+                                   [](Range range) { return range.count(); });
 }
 
 IndexSet IndexSet::of(std::span<const std::int64_t> members) {
@@ -287,27 +281,19 @@ void IndexSet::removeAll() noexcept {
 IndexSet IndexSet::union_(const IndexSet& other) const {
     if (isEmpty() || other.isEmpty())
         return isEmpty() ? other : *this;
-    const Scratch scratch(ranges_.size() + other.ranges_.size());
-    return IndexSet(scratch.upTo(unite(ranges_, other.ranges_, scratch.ranges.get())));
+    const Range* const b = other.ranges_.data();
+    return IndexSet(merge<internal::Union>(ranges_, b, b + other.ranges_.size()));
 }
 
 IndexSet IndexSet::intersection(const IndexSet& other) const {
-    const std::vector<Range>& ranges = other.ranges_;
-    // One more than can be kept: each step writes first and decides afterwards.
-    const Scratch scratch(ranges_.size() + ranges.size() + 1);
-    const auto at = [&ranges](std::size_t i) { return ranges[i]; };
-    return IndexSet(scratch.upTo(intersect(ranges_, ranges.size(), at, scratch.ranges.get())));
+    const Range* const b = other.ranges_.data();
+    return IndexSet(merge<internal::Intersection>(ranges_, b, b + other.ranges_.size()));
 }
 
 IndexSet IndexSet::subtracting(const IndexSet& other) const {
-    const std::vector<Range>& ranges = other.ranges_;
-    const Scratch scratch(ranges_.size() + ranges.size() + 2);
-    const auto gapAt = [&ranges](std::size_t i) {
-        return Range{i == 0 ? 0 : ranges[i - 1].upper,
-                     i == ranges.size() ? endOfPositions : ranges[i].lower};
-    };
+    const internal::Gaps gaps(other.ranges_, 0);
     return IndexSet(
-        scratch.upTo(intersect(ranges_, ranges.size() + 1, gapAt, scratch.ranges.get())));
+        merge<internal::Intersection>(ranges_, gaps, gaps + (std::ssize(other.ranges_) + 1)));
 }
 
 IndexSet IndexSet::symmetricDifference(const IndexSet& other) const {
@@ -315,20 +301,15 @@ IndexSet IndexSet::symmetricDifference(const IndexSet& other) const {
 }
 
 void IndexSet::shift(std::int64_t index, std::int64_t delta) {
-    if (index < 0)
-        fatalError("An index set holds no negative positions.");
+    checkPosition(index, endOfPositions);
+    if (delta < 0) {
+        const std::int64_t back = delta < -endOfPositions ? endOfPositions : -delta;
+        remove(Range{index - std::min(index, back), std::max(index, back)});
+    }
     if (delta == 0 || isEmpty() || ranges_.back().upper <= index)
         return;
-    if (delta > 0 && ranges_.back().upper > endOfPositions - delta)
-        fatalError("A position of an index set is too large.");
-    if (delta < 0) {
-        const std::int64_t removed = delta < -index ? index : -delta;
-        remove(Range{index - removed, index});
-        // Those that would fall below 0 go too.
-        if (delta < -index)
-            remove(Range{index, delta == std::numeric_limits<std::int64_t>::min() ? endOfPositions
-                                                                                  : -delta});
-    }
+    if (delta > 0)
+        checkPosition(*last(), IndexSet::maximumIndex - delta);
 
     IndexSet moved;
     moved.ranges_.reserve(ranges_.size() + 1);
@@ -353,6 +334,27 @@ IndexSet IndexSet::afterRemoving(const IndexSet& removed) const {
     return moved;
 }
 
+IndexSet IndexSet::afterInserting(const IndexSet& inserted) const {
+    if (!isEmpty() && ranges_.back().upper > endOfPositions - inserted.count_)
+        fatalError("A position of an index set is too large.");
+    IndexSet moved;
+    std::int64_t come = 0;
+    auto next = inserted.ranges_.begin();
+    for (Range rest : ranges_) {
+        while (rest.count() > 0) {
+            for (; next != inserted.ranges_.end() && next->lower <= rest.lower + come; ++next)
+                come += next->count();
+            // Up to where the next ones push it apart.
+            const std::int64_t upper = next == inserted.ranges_.end()
+                                           ? rest.upper
+                                           : std::min(rest.upper, next->lower - come);
+            moved.insert(Range{rest.lower + come, upper + come});
+            rest.lower = upper;
+        }
+    }
+    return moved;
+}
+
 IndexSet IndexSet::afterMoving(const IndexSet& from, std::int64_t to) const {
     if (from.isEmpty())
         return *this;
@@ -371,6 +373,14 @@ IndexSet IndexSet::afterReversing(std::int64_t count) const {
     for (auto range = ranges_.rbegin(); range != ranges_.rend(); ++range)
         reversed.insert(Range{count - range->upper, count - range->lower});
     return reversed;
+}
+
+IndexSet IndexSet::afterPermuting(std::span<const std::int64_t> oldPositions) const {
+    IndexSet permuted;
+    for (std::size_t i = 0; i < oldPositions.size(); ++i)
+        if (contains(oldPositions[i]))
+            permuted.insert(static_cast<std::int64_t>(i));
+    return permuted;
 }
 
 std::optional<std::int64_t> IndexSet::singleIndex() const noexcept {
@@ -414,22 +424,21 @@ std::string IndexSet::description() const {
     return text + "}";
 }
 
-std::unordered_set<IndexPath> IndexSet::mapToIndexPaths(std::int64_t section) const {
-    std::unordered_set<IndexPath> paths;
-    paths.reserve(static_cast<std::size_t>(count_));
+std::set<IndexPath> IndexSet::mapToIndexPaths(std::int64_t section) const {
+    std::set<IndexPath> paths;
     for (const std::int64_t index : *this)
-        paths.insert({index, section});
+        paths.insert(paths.end(), {index, section});
     return paths;
 }
 
 } // namespace zorvan
 
 std::size_t std::hash<zorvan::IndexSet>::operator()(const zorvan::IndexSet& set) const noexcept {
-    std::size_t hash = 0;
+    std::size_t mixed = 0;
     for (const zorvan::IndexSet::Range range : set.ranges()) {
-        hash = (hash ^ static_cast<std::size_t>(range.lower)) * 0x9E3779B97F4A7C15u;
-        hash = (hash ^ static_cast<std::size_t>(range.upper)) * 0x9E3779B97F4A7C15u;
-        hash ^= hash >> 29;
+        mixed = (mixed ^ static_cast<std::size_t>(range.lower)) * 0x9E3779B97F4A7C15u;
+        mixed = (mixed ^ static_cast<std::size_t>(range.upper)) * 0x9E3779B97F4A7C15u;
+        mixed ^= mixed >> 29;
     }
-    return hash;
+    return mixed;
 }

@@ -9,10 +9,12 @@
 #include <initializer_list>
 #include <iterator>
 #include <limits>
+#include <memory>
+#include <new>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 namespace zorvan {
@@ -55,7 +57,12 @@ public:
 
     IndexSet() = default;
     /// The given members, in any order.
-    IndexSet(std::initializer_list<std::int64_t> members);
+    ///
+    /// A template, so that the constructors from labels go before it: to g++ a literal 0 as the
+    /// first value might be the address that a list of its own is made from.
+    template <class = void>
+    IndexSet(std::initializer_list<std::int64_t> members)
+        : IndexSet(of(std::span(members.begin(), members.size()))) {}
     explicit IndexSet(Range range);
     /// The positions `loc` up to, not including, `loc + len`. A negative length stops the program.
     IndexSet(LocLen argument);
@@ -114,12 +121,17 @@ public:
     /// Where the members stand after a list has lost the elements at `removed`; a member that is
     /// one of them is dropped.
     [[nodiscard]] IndexSet afterRemoving(const IndexSet& removed) const;
+    /// Where the members stand after a list has taken in elements, which stand at `inserted` then.
+    [[nodiscard]] IndexSet afterInserting(const IndexSet& inserted) const;
     /// Where the members stand after a list has moved the elements at `from` before the one at `to`
     /// (positions before the move).
     [[nodiscard]] IndexSet afterMoving(const IndexSet& from, std::int64_t to) const;
     /// Where the members stand after a list of `count` elements has been reversed; all must be
     /// below `count`.
     [[nodiscard]] IndexSet afterReversing(std::int64_t count) const;
+    /// Where the members stand after each new position of a list has got the element that stood at
+    /// the old position given for it.
+    [[nodiscard]] IndexSet afterPermuting(std::span<const std::int64_t> oldPositions) const;
 
     /// The only member when there is exactly one.
     std::optional<std::int64_t> singleIndex() const noexcept;
@@ -133,18 +145,34 @@ public:
     /// The ranges in order: "{0...2, 5}".
     std::string description() const;
 
-    /// An index path of the section for each member.
-    std::unordered_set<IndexPath> mapToIndexPaths(std::int64_t section = 0) const;
+    /// An index path of the section for each member, as a collection view takes them.
+    std::set<IndexPath> mapToIndexPaths(std::int64_t section = 0) const;
 
     friend bool operator==(const IndexSet& a, const IndexSet& b) noexcept {
         return a.count_ == b.count_ && a.ranges_ == b.ranges_;
     }
 
 private:
-    explicit IndexSet(std::span<const Range> ranges);
+    /// Leaves new elements as they are, for merges that write each before it is read.
+    struct Allocator : std::allocator<Range> {
+        template <class Other>
+        struct rebind {
+            using other = Allocator;
+        };
+        using std::allocator<Range>::allocator;
+        void construct(Range* place) noexcept { ::new (static_cast<void*>(place)) Range; }
+        void construct(Range* place, Range range) noexcept {
+            ::new (static_cast<void*>(place)) Range(range);
+        }
+    };
+    using Ranges = std::vector<Range, Allocator>;
+
+    template <template <class> class Merge, class Second>
+    static Ranges merge(std::span<const Range> a, Second b, Second bEnd);
+    explicit IndexSet(Ranges ranges);
     std::size_t rangeEndingAfter(std::int64_t index) const noexcept;
 
-    std::vector<Range> ranges_;
+    Ranges ranges_;
     std::int64_t count_ = 0;
 };
 
@@ -196,6 +224,9 @@ inline IndexSet::Iterator IndexSet::end() const noexcept {
     const Range* end = ranges_.data() + ranges_.size();
     return Iterator(end, end);
 }
+
+/// The set that holds only `position`; a negative one stops the program.
+[[nodiscard]] inline IndexSet toIndexSet(std::int64_t position) { return {position}; }
 
 } // namespace zorvan
 

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <zorvan/collections/Array.h>
-#include <zorvan/collections/FirstPositions.h>
+#include <zorvan/collections/FullList.h>
 #include <zorvan/collections/IndexSet.h>
 #include <zorvan/collections/ManagedListEdition.h>
-#include <zorvan/collections/ManagedListViewReloader.h>
+#include <zorvan/collections/Permutation.h>
+#include <zorvan/collections/Reordering.h>
 #include <zorvan/collections/SelectionQueries.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 
@@ -12,8 +13,8 @@
 #include <concepts>
 #include <cstdint>
 #include <functional>
+#include <iterator>
 #include <memory>
-#include <numeric>
 #include <optional>
 #include <span>
 #include <string>
@@ -23,21 +24,25 @@
 
 namespace zorvan {
 
+struct ManagedListViewReloader;
+
 /// The list model behind a table view: items in order, a selection, and an optional filter.
 ///
 /// While a filter is set the list shows only the items that pass it, keeps the full list aside, and
 /// carries every change made through shown positions over to it. Each change is announced twice on
-/// the default notification centre, synchronously, with the list as sender and the same edition
-/// under the key "Edition": before the lists change and after. A change that changes nothing is not
-/// announced.
+/// the default notification centre, synchronously, with the list as sender and its edition under
+/// the key "Edition": before the lists change, with what is known by then, and after. A change that
+/// changes nothing is not announced, and one whose filter or order throws neither, except where
+/// `sort` says so. The list lives at least until a change has been announced.
 ///
 /// Shown positions outside the list stop the program, except in the selection. Used from one
 /// thread. Changing the list from an observer of the announcement *before* a change stops the
-/// program.
+/// program; calls that change nothing are let pass.
 ///
-/// Cost: linear in what is shown, plus, when a change is made through a filter, finding each shown
-/// item in the full list; that is linear for items with a `std::hash`, a sort for items that only
-/// have an order, and quadratic for items that have nothing but equality.
+/// Cost: linear in what is shown, plus, when a change is made through a filter, finding the items
+/// concerned in the full list. A few are looked for one by one; what is found stays known over
+/// removals. Many at once are linear for items with a `std::hash`, a sort for items that only have
+/// an order, and quadratic for items that have nothing but equality.
 template <std::equality_comparable Item>
 class ManagedList : public std::enable_shared_from_this<ManagedList<Item>>,
                     public SelectionQueries<ManagedList<Item>> {
@@ -54,6 +59,7 @@ public:
         using ManagedListEdition::ManagedListEdition;
     };
     using Action = ManagedListEdition::Action;
+    /// Shows editions in a table; in `<zorvan/interface/ManagedListViewReloader.h>`.
     using ViewReloader = ManagedListViewReloader;
 
     static constexpr std::string_view willReloadNotification = "ManagedListWillReloadNotification";
@@ -64,12 +70,14 @@ public:
         return std::make_shared<ManagedList>(Key{}, std::move(items));
     }
     ManagedList(Key, std::vector<Item> items) : items_(std::move(items)) {}
+    ManagedList(const ManagedList&) = delete;
+    ManagedList& operator=(const ManagedList&) = delete;
 
     /// The shown items.
     const std::vector<Item>& items() const noexcept { return items_; }
     std::int64_t count() const noexcept { return detail::countOf(items_); }
     /// All items, shown or not.
-    const std::vector<Item>& allItems() const noexcept { return filter_ ? fullItems_ : items_; }
+    const std::vector<Item>& allItems() const noexcept { return filter_ ? full_.items() : items_; }
 
     /// The selected shown positions.
     const IndexSet& selection() const noexcept { return selection_; }
@@ -85,19 +93,21 @@ public:
 
     /// Inserts before the shown item at `at` and deselects everything. Under a filter, items that
     /// do not pass are kept out of sight.
-    void insert(const std::vector<Item>& contentOf, std::int64_t at);
+    void insert(std::vector<Item> contentOf, std::int64_t at);
     void remove(const IndexSet& at);
     /// Moves items before the shown item at `to`, or to the end; they become the selection.
     void move(const IndexSet& from, std::int64_t to);
     /// Sorts the shown items, and the full list as well under a filter; equal items keep their
-    /// order. What the order throws reaches the caller.
-    void sort(const Order& by);
+    /// order. What the order throws reaches the caller; while it sorts the shown items, which comes
+    /// first, nothing has changed then. When it only throws for the full list, the shown items are
+    /// sorted, which has been announced before and is not after.
+    void sort(Order by);
     void reverseOrder();
 
-    void append(const std::vector<Item>& contentOf) { insert(contentOf, count()); }
-    void removeSelectedItems() { remove(IndexSet(selection_)); }
+    void append(std::vector<Item> contentOf) { insert(std::move(contentOf), count()); }
+    void removeSelectedItems() { remove(selection_); }
     void removeAllItems() { remove(this->allIndexes()); }
-    void moveSelectedItems(std::int64_t to) { move(IndexSet(selection_), to); }
+    void moveSelectedItems(std::int64_t to) { move(selection_, to); }
 
     /// Null when nothing is selected.
     const Item* firstSelectedItem() const { return itemAt(selection_.first()); }
@@ -113,239 +123,200 @@ public:
         return note.value<Edition>(editionKey);
     }
 
-    /// Where the item at a shown position stands in the full list: the first place of an equal
-    /// item. The position itself when no filter is set, and for the end of the shown list.
-    std::int64_t fullPosition(std::int64_t shown) const;
+    /// Where everything shown went in the change that observers of `didReloadNotification` are
+    /// being told of: what an edition leaves out for a sort, a reversal and a filter, and what
+    /// tells equal items apart. Absent at other times. It is made when it is asked for, and costs
+    /// nothing otherwise. When an observer changes the list, those after it are told of that change
+    /// first, and each is answered for the change that it is being told of.
+    std::optional<Reordering> reordering() const {
+        return reordering_ ? std::optional((*reordering_)()) : std::nullopt;
+    }
+
+    /// Where changes take the item at a shown position to stand in the full list: the first place
+    /// of an equal item, or its own until something changes after a filter was set. The position
+    /// itself when no filter is set, and for the end of the shown list.
+    std::int64_t fullPosition(std::int64_t shown) const {
+        return filter_ && shown >= 0 ? full_.position(items_, shown) : shown;
+    }
 
 private:
+    using Positions = std::vector<std::int64_t>;
+    using MakeReordering = std::function<Reordering()>;
+
     /// What a filter lets through of a list.
     struct Passing {
         std::vector<Item> items;
-        std::vector<std::int64_t> positions;
+        Positions positions;
         IndexSet selection;
     };
 
+    /// One change and its announcements. It keeps the list alive, which an observer may drop.
+    class Change {
+    public:
+        Change(ManagedList& list, Action action) : edition(action), list_(list.shared_from_this()) {
+            if (list.isAnnouncingWill_)
+                fatalError("A managed list was changed while it announced another change.");
+            edition.oldSelection = list.selection_;
+        }
+        void announceWill() const;
+        void announceDid(const MakeReordering& reordering) const;
+
+        Edition edition;
+
+    private:
+        void announce(std::string_view name) const {
+            NSNotificationCenter::defaultCenter()->post(
+                NSNotificationName(name), list_,
+                Notification::UserInfo{{std::string(editionKey), edition}});
+        }
+
+        std::shared_ptr<ManagedList> list_;
+    };
+
+    /// Sets a value for a time; observers may throw.
+    template <class Value>
+    struct Setting {
+        Setting(Value& set, Value value) : place(set), before(std::exchange(set, value)) {}
+        ~Setting() { place = before; }
+        Setting(const Setting&) = delete;
+        Setting& operator=(const Setting&) = delete;
+
+        Value& place;
+        Value before;
+    };
+
     const Item* itemAt(std::optional<std::int64_t> index) const {
-        return index ? &items_[static_cast<std::size_t>(*index)] : nullptr;
-    }
-    Edition begin(Action action) const {
-        Edition edition(action);
-        edition.oldSelection = selection_;
-        return edition;
-    }
-    void announce(std::string_view name, const Edition& edition) {
-        NSNotificationCenter::defaultCenter()->post(
-            NSNotificationName(name), this->shared_from_this(),
-            Notification::UserInfo{{std::string(editionKey), edition}});
-    }
-    void announceWill(const Edition& edition);
-    void checkIsNotAnnouncing() const {
-        if (isAnnouncingWill_)
-            fatalError("A managed list was changed while it announced another change.");
+        return index ? detail::addressAt(items_, *index) : nullptr;
     }
 
-    IndexSet fullPositions(const IndexSet& shown) const;
-    void findFullPositions() const;
-    static std::vector<std::int64_t> sortedPositions(const std::vector<Item>& items,
-                                                     const Order& by);
-    static void permute(std::vector<Item>& items, const std::vector<std::int64_t>& positions);
     static Passing pass(const std::vector<Item>& items, const IndexSet& selection,
                         const Filter& filter);
 
     std::vector<Item> items_;
-    std::vector<Item> fullItems_; // while a filter is set
+    detail::FullList<Item> full_; // while a filter is set
     Filter filter_;
     IndexSet selection_;
-    /// For each shown position its full one, -1 for none. Found again when it is next asked for.
-    mutable std::vector<std::int64_t> mapping_;
-    mutable bool isMappingCurrent_ = true;
+    const MakeReordering* reordering_ = nullptr;
     bool isAnnouncingWill_ = false;
 };
 
 template <std::equality_comparable Item>
-void ManagedList<Item>::announceWill(const Edition& edition) {
-    // Cleared by a guard: an observer may throw.
-    const struct Guard {
-        bool& flag;
-        explicit Guard(bool& announcing) : flag(announcing) { flag = true; }
-        ~Guard() { flag = false; }
-    } guard(isAnnouncingWill_);
-    announce(willReloadNotification, edition);
+void ManagedList<Item>::Change::announceWill() const {
+    const Setting<bool> isAnnouncing(list_->isAnnouncingWill_, true);
+    const Setting<const MakeReordering*> none(list_->reordering_, nullptr);
+    announce(willReloadNotification);
 }
 
 template <std::equality_comparable Item>
-void ManagedList<Item>::findFullPositions() const {
-    if (isMappingCurrent_)
-        return;
-    const detail::FirstPositions<Item> positions(fullItems_);
-    mapping_.resize(items_.size());
-    std::transform(items_.begin(), items_.end(), mapping_.begin(),
-                   [&positions](const Item& item) { return positions.of(item); });
-    isMappingCurrent_ = true;
-}
-
-template <std::equality_comparable Item>
-std::int64_t ManagedList<Item>::fullPosition(std::int64_t shown) const {
-    if (!filter_)
-        return shown;
-    findFullPositions();
-    const bool isMapped = shown >= 0 && shown < detail::countOf(mapping_) &&
-                          mapping_[static_cast<std::size_t>(shown)] >= 0;
-    return isMapped ? mapping_[static_cast<std::size_t>(shown)] : shown;
-}
-
-template <std::equality_comparable Item>
-IndexSet ManagedList<Item>::fullPositions(const IndexSet& shown) const {
-    std::vector<std::int64_t> positions;
-    positions.reserve(static_cast<std::size_t>(shown.count()));
-    for (const std::int64_t position : shown)
-        positions.push_back(fullPosition(position));
-    return IndexSet::of(positions);
+void ManagedList<Item>::Change::announceDid(const MakeReordering& reordering) const {
+    const Setting<const MakeReordering*> current(list_->reordering_, &reordering);
+    announce(didReloadNotification);
 }
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::setSelection(const IndexSet& selection) {
-    checkIsNotAnnouncing();
     IndexSet valid = selection.intersection(this->allIndexes());
     if (valid == selection_)
         return;
-    Edition edition = begin(Action::select);
-    edition.newSelection = valid;
-    announceWill(edition);
-    selection_ = std::move(valid);
-    announce(didReloadNotification, edition);
+    Change change(*this, Action::select);
+    change.edition.newSelection = std::move(valid);
+    change.announceWill();
+    selection_ = *change.edition.newSelection;
+    change.announceDid([count = count()] { return Reordering::none(count); });
 }
 
 template <std::equality_comparable Item>
-void ManagedList<Item>::insert(const std::vector<Item>& contentOf, std::int64_t at) {
-    checkIsNotAnnouncing();
+void ManagedList<Item>::insert(std::vector<Item> contentOf, std::int64_t at) {
     if (contentOf.empty())
         return;
-    detail::checkInsertion(items_, at);
-    std::vector<Item> shown;
-    std::copy_if(contentOf.begin(), contentOf.end(), std::back_inserter(shown),
-                 [this](const Item& item) { return !filter_ || filter_(item); });
-    Edition edition = begin(Action::insert);
-    edition.insertedIndexes = IndexSet({.loc = at, .len = detail::countOf(shown)});
-    edition.newSelection = IndexSet();
-    announceWill(edition);
+    detail::checkInsertion(count(), at);
+    Passing passing;
+    if (filter_)
+        passing = pass(contentOf, {}, filter_);
+    else
+        passing.items.swap(contentOf);
+    const std::int64_t before = count(), inserted = detail::countOf(passing.items);
+    Change change(*this, Action::insert);
+    change.edition.insertedIndexes = IndexSet({.loc = at, .len = inserted});
+    change.edition.newSelection = IndexSet();
+    change.announceWill();
 
-    if (filter_) {
-        fullItems_.insert(fullItems_.begin() + fullPosition(at), contentOf.begin(),
-                          contentOf.end());
-        isMappingCurrent_ = false;
-    }
-    items_.insert(items_.begin() + at, std::make_move_iterator(shown.begin()),
-                  std::make_move_iterator(shown.end()));
+    if (filter_)
+        full_.insert(items_, at, std::move(contentOf), std::move(passing.positions));
+    items_.insert(items_.begin() + at, std::make_move_iterator(passing.items.begin()),
+                  std::make_move_iterator(passing.items.end()));
     selection_.removeAll();
-    announce(didReloadNotification, edition);
+    change.announceDid([=] { return Reordering::inserting(before, at, inserted); });
 }
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::remove(const IndexSet& at) {
-    checkIsNotAnnouncing();
     if (at.isEmpty())
         return;
-    detail::checkPositions(items_, at);
-    Edition edition = begin(Action::remove);
-    edition.removedIndexes = at;
-    edition.newSelection = selection_.afterRemoving(at);
-    announceWill(edition);
+    detail::checkPositions(count(), at);
+    const std::int64_t before = count();
+    Change change(*this, Action::remove);
+    change.edition.removedIndexes = at;
+    change.edition.newSelection = selection_.afterRemoving(at);
+    change.announceWill();
 
-    if (filter_) {
-        zorvan::remove(fullItems_, fullPositions(at));
-        isMappingCurrent_ = false;
-    }
-    zorvan::remove(items_, at);
-    selection_ = *edition.newSelection;
-    announce(didReloadNotification, edition);
+    const IndexSet& removed = *change.edition.removedIndexes;
+    if (filter_)
+        full_.remove(items_, removed);
+    zorvan::remove(items_, removed);
+    selection_ = *change.edition.newSelection;
+    change.announceDid([&] { return Reordering::removing(before, removed); });
 }
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::move(const IndexSet& from, std::int64_t to) {
-    checkIsNotAnnouncing();
     if (from.isEmpty())
         return;
-    detail::checkPositions(items_, from);
-    detail::checkInsertion(items_, to);
-    const std::int64_t landing = to - from.count(IndexSet::Range{0, to});
-    Edition edition = begin(Action::move);
-    edition.movedFromIndexes = from;
-    announceWill(edition);
+    detail::checkPositions(count(), from);
+    detail::checkInsertion(count(), to);
+    Change change(*this, Action::move);
+    change.edition.movedFromIndexes = from;
+    change.announceWill();
 
-    if (filter_) {
-        zorvan::move(fullItems_, fullPositions(from), fullPosition(to));
-        isMappingCurrent_ = false;
-    }
-    zorvan::move(items_, from, to);
-    selection_ = IndexSet({.loc = landing, .len = from.count()});
-    edition.movedToIndexes = selection_;
-    edition.newSelection = selection_;
-    announce(didReloadNotification, edition);
+    const IndexSet& moved = *change.edition.movedFromIndexes;
+    if (filter_)
+        full_.move(items_, moved, to);
+    const std::int64_t landing = zorvan::move(items_, moved, to);
+    selection_ = IndexSet({.loc = landing, .len = moved.count()});
+    change.edition.movedToIndexes = selection_;
+    change.edition.newSelection = selection_;
+    change.announceDid([&, count = count()] { return Reordering::moving(count, moved, to); });
 }
 
 template <std::equality_comparable Item>
-std::vector<std::int64_t> ManagedList<Item>::sortedPositions(const std::vector<Item>& items,
-                                                             const Order& by) {
-    std::vector<std::int64_t> positions(items.size());
-    std::iota(positions.begin(), positions.end(), 0);
-    std::stable_sort(
-        positions.begin(), positions.end(), [&items, &by](std::int64_t a, std::int64_t b) {
-            return by(items[static_cast<std::size_t>(a)], items[static_cast<std::size_t>(b)]);
-        });
-    return positions;
-}
-
-template <std::equality_comparable Item>
-void ManagedList<Item>::permute(std::vector<Item>& items,
-                                const std::vector<std::int64_t>& positions) {
-    std::vector<Item> permuted;
-    permuted.reserve(items.size());
-    for (const std::int64_t position : positions)
-        permuted.push_back(std::move(items[static_cast<std::size_t>(position)]));
-    items = std::move(permuted);
-}
-
-template <std::equality_comparable Item>
-void ManagedList<Item>::sort(const Order& by) {
-    checkIsNotAnnouncing();
+void ManagedList<Item>::sort(Order by) {
     if (items_.empty())
         return;
-    // Positions are sorted, not items, so that an order that throws leaves every item in its place.
-    const std::vector<std::int64_t> positions = sortedPositions(items_, by);
-    IndexSet selection;
-    for (std::size_t i = 0; i < positions.size(); ++i)
-        if (selection_.contains(positions[i]))
-            selection.insert(static_cast<std::int64_t>(i));
-    Edition edition = begin(Action::sort);
-    edition.newSelection = selection;
-    announceWill(edition);
+    const Positions order = detail::sortedPositions(items_, by);
+    Change change(*this, Action::sort);
+    change.edition.newSelection = selection_.afterPermuting(order);
+    change.announceWill();
 
-    permute(items_, positions);
-    selection_ = std::move(selection);
-    if (filter_) {
-        isMappingCurrent_ = false;
-        permute(fullItems_, sortedPositions(fullItems_, by));
-    }
-    announce(didReloadNotification, edition);
+    detail::permute(items_, order);
+    selection_ = *change.edition.newSelection;
+    if (filter_)
+        full_.sort(by, order);
+    change.announceDid([&order] { return Reordering::permuting(order); });
 }
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::reverseOrder() {
-    checkIsNotAnnouncing();
     if (items_.empty())
         return;
-    Edition edition = begin(Action::sort);
-    edition.newSelection = selection_.afterReversing(count());
-    announceWill(edition);
+    Change change(*this, Action::sort);
+    change.edition.newSelection = selection_.afterReversing(count());
+    change.announceWill();
 
     std::reverse(items_.begin(), items_.end());
-    selection_ = *edition.newSelection;
-    if (filter_) {
-        std::reverse(fullItems_.begin(), fullItems_.end());
-        isMappingCurrent_ = false;
-    }
-    announce(didReloadNotification, edition);
+    selection_ = *change.edition.newSelection;
+    if (filter_)
+        full_.reverse();
+    change.announceDid([count = count()] { return Reordering::reversing(count); });
 }
 
 template <std::equality_comparable Item>
@@ -372,30 +343,34 @@ auto ManagedList<Item>::pass(const std::vector<Item>& items, const IndexSet& sel
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::setFilter(Filter filter) {
-    checkIsNotAnnouncing();
     if (!filter_ && !filter)
         return;
-    Edition edition = begin(Action::filter);
-    announceWill(edition);
+    IndexSet selection = filter_ ? IndexSet::of(full_.positions(items_, selection_)) : selection_;
+    Passing passing;
+    if (filter)
+        passing = pass(allItems(), selection, filter);
+    Change change(*this, Action::filter);
+    change.announceWill();
 
-    IndexSet selection = filter_ ? fullPositions(selection_) : selection_;
-    if (filter) {
-        Passing passing = pass(allItems(), selection, filter);
-        if (!filter_)
-            fullItems_ = std::move(items_);
-        items_ = std::move(passing.items);
-        mapping_ = std::move(passing.positions);
-        selection = std::move(passing.selection);
+    const std::shared_ptr<const Positions> before = full_.places();
+    if (!filter) {
+        items_ = full_.release();
+        selection_ = std::move(selection);
     } else {
-        items_ = std::move(fullItems_);
-        fullItems_.clear();
-        mapping_.clear();
+        if (!filter_)
+            full_.setItems(std::move(items_));
+        items_ = std::move(passing.items);
+        full_.show(std::move(passing.positions));
+        selection_ = std::move(passing.selection);
     }
-    isMappingCurrent_ = true;
     filter_ = std::move(filter);
-    selection_ = std::move(selection);
-    edition.newSelection = selection_;
-    announce(didReloadNotification, edition);
+    change.edition.newSelection = selection_;
+    const auto shown = [](const std::shared_ptr<const Positions>& places) {
+        return places ? std::optional(std::span(*places)) : std::nullopt;
+    };
+    change.announceDid([&, after = full_.places(), count = detail::countOf(allItems())] {
+        return Reordering::refiltering(count, shown(before), shown(after));
+    });
 }
 
 } // namespace zorvan

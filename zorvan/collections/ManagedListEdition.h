@@ -7,6 +7,10 @@
 namespace zorvan {
 
 /// One change of a `ManagedList`, told so that a view can follow it. Positions are shown positions.
+///
+/// A list announces it before the change with what is known by then: for `move` without
+/// `movedToIndexes`, and for `move` and `filter` without `newSelection`. After the change it is
+/// whole. A set that an action does not speak of is absent.
 struct ManagedListEdition {
     enum class Action { insert, remove, select, move, sort, filter };
 
@@ -20,14 +24,14 @@ struct ManagedListEdition {
     friend bool operator==(const ManagedListEdition&, const ManagedListEdition&) = default;
 
     Action action;
-    /// The selection before and after the change; set for every action.
+    /// The selection before and after the change, for every action.
     std::optional<IndexSet> oldSelection = {};
     std::optional<IndexSet> newSelection = {};
-    /// For `insert`: where the new items stand.
+    /// For `insert`: where the new items stand; empty when a filter lets none of them through.
     std::optional<IndexSet> insertedIndexes = {};
-    /// For `remove`: where the removed items stood.
+    /// For `remove`: where the removed items stood before the change.
     std::optional<IndexSet> removedIndexes = {};
-    /// For `move`: where the moved items stood, and where they stand now.
+    /// For `move`: where the moved items stood before the change, and where they stand after it.
     std::optional<IndexSet> movedFromIndexes = {};
     std::optional<IndexSet> movedToIndexes = {};
 };

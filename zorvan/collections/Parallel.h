@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/dispatch/concurrentPerform.h>
 
+#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -21,6 +22,12 @@ namespace detail {
 template <class Element, class Transform>
 using ParallelResult = std::decay_t<std::invoke_result_t<Transform&, const Element&>>;
 
+/// Values that may lie in the result before they are known. Truth values share their bytes there,
+/// so that two threads could not write them.
+template <class Value>
+concept IsFilledInPlace = std::is_trivially_copyable_v<Value> && std::is_move_assignable_v<Value> &&
+    std::is_default_constructible_v<Value> && !std::same_as<Value, bool>;
+
 } // namespace detail
 
 /// Calls the body for each element.
@@ -35,17 +42,26 @@ void parallelEach(const std::vector<Element>& list, Body body) {
 template <class Element, class Transform>
 auto parallelMap(const std::vector<Element>& list, Transform transform) {
     using Value = detail::ParallelResult<Element, Transform>;
+    const auto count = static_cast<std::int64_t>(list.size());
     // Each call writes a place of its own, so the places need no lock.
-    std::vector<std::optional<Value>> places(list.size());
-    concurrentPerform(static_cast<std::int64_t>(list.size()), [&](std::int64_t i) {
-        const auto at = static_cast<std::size_t>(i);
-        places[at].emplace(std::invoke(transform, list[at]));
-    });
-    std::vector<Value> results;
-    results.reserve(list.size());
-    for (std::optional<Value>& place : places)
-        results.push_back(*std::move(place));
-    return results;
+    if constexpr (detail::IsFilledInPlace<Value>) {
+        std::vector<Value> results(list.size());
+        concurrentPerform(count, [&, places = results.data()](std::int64_t i) {
+            places[i] = std::invoke(transform, list[static_cast<std::size_t>(i)]);
+        });
+        return results;
+    } else {
+        std::vector<std::optional<Value>> places(list.size());
+        concurrentPerform(count, [&](std::int64_t i) {
+            const auto at = static_cast<std::size_t>(i);
+            places[at].emplace(std::invoke(transform, list[at]));
+        });
+        std::vector<Value> results;
+        results.reserve(list.size());
+        for (std::optional<Value>& place : places)
+            results.push_back(*std::move(place));
+        return results;
+    }
 }
 
 /// The present ones among the transformed elements, in order.

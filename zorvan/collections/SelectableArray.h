@@ -2,6 +2,8 @@
 
 #include <zorvan/collections/Array.h>
 #include <zorvan/collections/IndexSet.h>
+#include <zorvan/collections/Permutation.h>
+#include <zorvan/collections/Reordering.h>
 #include <zorvan/collections/SelectableArrayEdition.h>
 #include <zorvan/collections/SelectionQueries.h>
 
@@ -9,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -39,6 +42,8 @@ public:
         return std::make_shared<SelectableArray>(Key{});
     }
     explicit SelectableArray(Key) {}
+    SelectableArray(const SelectableArray&) = delete;
+    SelectableArray& operator=(const SelectableArray&) = delete;
 
     const std::vector<Element>& elements() const noexcept { return elements_; }
     const IndexSet& selection() const noexcept { return selection_; }
@@ -46,8 +51,20 @@ public:
     /// The elements with their flags.
     std::vector<Entry> entries() const;
 
-    const EditionHandler& editionHandler() const noexcept { return editionHandler_; }
-    void setEditionHandler(EditionHandler handler) { editionHandler_ = std::move(handler); }
+    const EditionHandler& editionHandler() const noexcept { return *editionHandler_; }
+    /// A handler may set another one while it runs, for the changes to come.
+    void setEditionHandler(EditionHandler handler) {
+        editionHandler_ = std::make_shared<const EditionHandler>(std::move(handler));
+    }
+
+    /// Where every element went in the change that ran last, for an edition handler to ask as soon
+    /// as it has run the action: what an edition leaves out for a sort and a reversal, and what
+    /// tells equal elements apart. A replaced element is the old one in its place; all are gone
+    /// after `setEntries`. It is made when it is asked for, and costs nothing otherwise. Absent
+    /// once the handler has returned.
+    std::optional<Reordering> reordering() const {
+        return reordering_ ? std::optional(reordering_()) : std::nullopt;
+    }
 
     /// Exchanges the whole list; the edition is a `Reload`.
     void setEntries(std::vector<Entry> entries);
@@ -98,18 +115,24 @@ public:
 private:
     template <class Change>
     void edit(Change change) {
-        editionHandler_([self = this->shared_from_this(), change = std::move(change)]() mutable {
+        const auto self = this->shared_from_this();
+        const auto handler = editionHandler_;
+        (*handler)([self, change = std::move(change)]() mutable {
             return SelectableArrayEdition(change(*self));
         });
+        reordering_ = {};
     }
     const Element* elementAt(std::optional<std::int64_t> index) const {
-        return index ? &elements_[static_cast<std::size_t>(*index)] : nullptr;
+        return index ? detail::addressAt(elements_, *index) : nullptr;
     }
     void assign(std::vector<Entry> entries);
 
     std::vector<Element> elements_;
     IndexSet selection_;
-    EditionHandler editionHandler_ = [](const Action& action) { action(); };
+    /// Shared, so that one that is replaced while it runs lives on until it has returned.
+    std::shared_ptr<const EditionHandler> editionHandler_ =
+        std::make_shared<const EditionHandler>([](const Action& action) { action(); });
+    std::function<Reordering()> reordering_;
 };
 
 template <class Element>
@@ -137,6 +160,7 @@ template <class Element>
 void SelectableArray<Element>::setEntries(std::vector<Entry> entries) {
     edit([entries = std::move(entries)](SelectableArray& list) {
         list.assign(entries);
+        list.reordering_ = [] { return Reordering::removingAll(); };
         return SelectableArrayEdition::Reload{list.selection_};
     });
 }
@@ -146,8 +170,11 @@ void SelectableArray<Element>::insert(std::vector<Element> elements, std::int64_
     if (elements.empty())
         return;
     edit([elements = std::move(elements), at](SelectableArray& list) {
-        detail::checkInsertion(list.elements_, at);
+        detail::checkInsertion(list.count(), at);
         const std::int64_t count = detail::countOf(elements);
+        list.reordering_ = [=, before = list.count()] {
+            return Reordering::inserting(before, at, count);
+        };
         list.elements_.insert(list.elements_.begin() + at, elements.begin(), elements.end());
         list.selection_.shift(at, count);
         return SelectableArrayEdition::Insert{count, at};
@@ -157,8 +184,9 @@ void SelectableArray<Element>::insert(std::vector<Element> elements, std::int64_
 template <class Element>
 void SelectableArray<Element>::replace(Element element, std::int64_t at) {
     edit([element = std::move(element), at](SelectableArray& list) {
-        detail::checkPositions(list.elements_, {at});
+        detail::checkPositions(list.count(), {at});
         list.elements_[static_cast<std::size_t>(at)] = element;
+        list.reordering_ = [count = list.count()] { return Reordering::none(count); };
         return SelectableArrayEdition::Replace{at};
     });
 }
@@ -168,6 +196,7 @@ void SelectableArray<Element>::remove(IndexSet at) {
     if (at.isEmpty())
         return;
     edit([at = std::move(at)](SelectableArray& list) {
+        list.reordering_ = [at, before = list.count()] { return Reordering::removing(before, at); };
         zorvan::remove(list.elements_, at);
         list.selection_ = list.selection_.afterRemoving(at);
         return SelectableArrayEdition::Remove{at};
@@ -180,6 +209,9 @@ void SelectableArray<Element>::move(IndexSet from, std::int64_t to) {
         return;
     edit([from = std::move(from), to](SelectableArray& list) {
         zorvan::move(list.elements_, from, to);
+        list.reordering_ = [from, to, count = list.count()] {
+            return Reordering::moving(count, from, to);
+        };
         list.selection_ = list.selection_.afterMoving(from, to);
         return SelectableArrayEdition::Move{from, to};
     });
@@ -190,11 +222,10 @@ void SelectableArray<Element>::sort(std::function<bool(const Element&, const Ele
     if (elements_.empty())
         return;
     edit([by = std::move(by)](SelectableArray& list) {
-        std::vector<Entry> entries = list.entries();
-        std::stable_sort(entries.begin(), entries.end(), [&by](const Entry& a, const Entry& b) {
-            return by(a.element, b.element);
-        });
-        list.assign(std::move(entries));
+        std::vector<std::int64_t> order = detail::sortedPositions(list.elements_, by);
+        detail::permute(list.elements_, order);
+        list.selection_ = list.selection_.afterPermuting(order);
+        list.reordering_ = [order = std::move(order)] { return Reordering::permuting(order); };
         return SelectableArrayEdition::Reload{list.selection_};
     });
 }
@@ -206,6 +237,7 @@ void SelectableArray<Element>::reverseElementsOrder() {
     edit([](SelectableArray& list) {
         std::reverse(list.elements_.begin(), list.elements_.end());
         list.selection_ = list.selection_.afterReversing(list.count());
+        list.reordering_ = [count = list.count()] { return Reordering::reversing(count); };
         return SelectableArrayEdition::Reload{list.selection_};
     });
 }
@@ -216,6 +248,7 @@ void SelectableArray<Element>::select(IndexSet indexes) {
         return;
     edit([indexes = std::move(indexes)](SelectableArray& list) {
         list.selection_ = indexes.intersection(list.allIndexes());
+        list.reordering_ = [count = list.count()] { return Reordering::none(count); };
         return SelectableArrayEdition::Select{list.selection_};
     });
 }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
 
 namespace zorvan {
 
@@ -37,21 +36,22 @@ public:
         if (list().count() > 0)
             list().select({0});
     }
-    /// Selects the position `step` before the first selected one, or the first. Nothing when
-    /// nothing is selected. A negative step goes the other way, and is held inside the list as
-    /// well.
+    /// Selects the position `step` before the first selected one, or the first. Nothing happens
+    /// when nothing is selected. A negative step goes the other way; beyond the end there is
+    /// nothing to select, and the selection becomes empty.
     void selectPrevious(std::int64_t step = 1) {
         if (isSelectionEmpty())
             return;
         const std::int64_t first = *list().selection().first();
-        const std::int64_t room = first - (list().count() - 1);
-        list().select({first - std::clamp(step, room, first)});
+        const bool isTooFar = step < first - IndexSet::maximumIndex;
+        selectAt(isTooFar ? IndexSet::maximumIndex : std::max<std::int64_t>(first - step, 0));
     }
-    /// Selects the position `step` after the last selected one, or the last. Nothing when nothing
-    /// is selected. A negative step goes the other way, and is held inside the list as well.
+    /// Selects the position `step` after the last selected one, or the last. Nothing happens when
+    /// nothing is selected. A negative step goes the other way; before the start there is nothing
+    /// to select, and the selection becomes empty.
     void selectNext(std::int64_t step = 1) {
         if (!isSelectionEmpty())
-            list().select({std::clamp<std::int64_t>(stepped(step), 0, list().count() - 1)});
+            selectAt(std::min(stepped(step), list().count() - 1));
     }
     void selectAll() { list().select(allIndexes()); }
     void deselectAll() { list().select({}); }
@@ -60,6 +60,8 @@ protected:
     IndexSet allIndexes() const { return IndexSet(IndexSet::Range{0, list().count()}); }
 
 private:
+    void selectAt(std::int64_t index) { list().select(index < 0 ? IndexSet() : IndexSet{index}); }
+
     List& list() noexcept { return static_cast<List&>(*this); }
     const List& list() const noexcept { return static_cast<const List&>(*this); }
 

@@ -47,7 +47,7 @@ public:
 
     [[nodiscard]] constexpr ColorSpace colorSpace() const noexcept { return space_; }
     /// As red, green, blue and alpha; the first three are equal for a grey.
-    [[nodiscard]] constexpr const RGBA& rgba() const noexcept { return rgba_; }
+    [[nodiscard]] constexpr RGBA rgba() const noexcept { return rgba_; }
     [[nodiscard]] constexpr double alpha() const noexcept { return rgba_.a; }
     /// Grey and alpha, or red, green, blue and alpha.
     [[nodiscard]] std::vector<double> components() const;

@@ -28,9 +28,16 @@ public:
     /// From 0 to 1.
     [[nodiscard]] static CGGradient create(Ends ends);
 
-    [[nodiscard]] const std::vector<CGColor>& colors() const noexcept { return stops_.colors; }
-    [[nodiscard]] const std::vector<double>& locations() const noexcept { return stops_.locations; }
-    [[nodiscard]] const ColorStops& colorStops() const noexcept { return stops_; }
+    [[nodiscard]] const std::vector<CGColor>& colors() const& noexcept { return stops_.colors; }
+    [[nodiscard]] std::vector<CGColor> colors() && noexcept { return std::move(stops_.colors); }
+    [[nodiscard]] const std::vector<double>& locations() const& noexcept {
+        return stops_.locations;
+    }
+    [[nodiscard]] std::vector<double> locations() && noexcept {
+        return std::move(stops_.locations);
+    }
+    [[nodiscard]] const ColorStops& colorStops() const& noexcept { return stops_; }
+    [[nodiscard]] ColorStops colorStops() && noexcept { return std::move(stops_); }
 
     friend bool operator==(const CGGradient&, const CGGradient&) = default;
 

@@ -13,8 +13,8 @@ struct CMYKA {
     double a = 0;
 
     constexpr CMYKA() noexcept = default;
-    constexpr CMYKA(double c, double m, double y, double k, double a) noexcept
-        : c(c), m(m), y(y), k(k), a(a) {}
+    constexpr CMYKA(double c_, double m_, double y_, double k_, double a_) noexcept
+        : c(c_), m(m_), y(y_), k(k_), a(a_) {}
 
     /// "CMYKA(0.0, 0.0, 0.0, 0.0, 0.0)"
     [[nodiscard]] std::string description() const;

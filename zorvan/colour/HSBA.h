@@ -12,7 +12,8 @@ struct HSBA {
     double a = 0;
 
     constexpr HSBA() noexcept = default;
-    constexpr HSBA(double h, double s, double b, double a) noexcept : h(h), s(s), b(b), a(a) {}
+    constexpr HSBA(double h_, double s_, double b_, double a_) noexcept
+        : h(h_), s(s_), b(b_), a(a_) {}
 
     /// "HSBA(0.0, 0.0, 0.0, 0.0)"
     [[nodiscard]] std::string description() const;

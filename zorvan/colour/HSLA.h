@@ -12,7 +12,8 @@ struct HSLA {
     double a = 0;
 
     constexpr HSLA() noexcept = default;
-    constexpr HSLA(double h, double s, double l, double a) noexcept : h(h), s(s), l(l), a(a) {}
+    constexpr HSLA(double h_, double s_, double l_, double a_) noexcept
+        : h(h_), s(s_), l(l_), a(a_) {}
 
     /// "HSLA(0.0, 0.0, 0.0, 0.0)"
     [[nodiscard]] std::string description() const;

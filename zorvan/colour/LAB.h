@@ -22,7 +22,7 @@ struct LAB {
     };
 
     constexpr LAB() noexcept = default;
-    constexpr LAB(double l, double a, double b) noexcept : l(l), a(a), b(b) {}
+    constexpr LAB(double l_, double a_, double b_) noexcept : l(l_), a(a_), b(b_) {}
     explicit LAB(const XYZ& xyz) noexcept;
 
     [[nodiscard]] XYZ xyz() const noexcept { return XYZ(*this); }

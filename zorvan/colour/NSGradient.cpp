@@ -2,6 +2,7 @@
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <cstddef>
+#include <string>
 #include <utility>
 
 namespace zorvan {
@@ -16,7 +17,8 @@ std::optional<NSGradient> NSGradient::make(Stops stops) {
 
 NSGradient::Stop NSGradient::colorStop(std::int64_t index) const noexcept {
     if (index < 0 || index >= numberOfColorStops())
-        fatalError("The gradient has no such colour stop.");
+        fatalError("A gradient of " + std::to_string(numberOfColorStops()) +
+                   " has no colour stop at " + std::to_string(index) + ".");
     const auto i = static_cast<std::size_t>(index);
     return {NSColor(colorStops().colors[i]), colorStops().locations[i]};
 }

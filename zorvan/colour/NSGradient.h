@@ -36,7 +36,8 @@ public:
     /// Stops the program when there is no such stop.
     [[nodiscard]] Stop colorStop(std::int64_t index) const noexcept;
     /// All of them, in order.
-    [[nodiscard]] const ColorStops& colorStops() const noexcept { return stops_.colorStops(); }
+    [[nodiscard]] const ColorStops& colorStops() const& noexcept { return stops_.colorStops(); }
+    [[nodiscard]] ColorStops colorStops() && noexcept { return std::move(stops_).colorStops(); }
     /// The same stops for the drawing services; every gradient has one.
     [[nodiscard]] std::optional<CGGradient> cgGradient() const { return stops_; }
 

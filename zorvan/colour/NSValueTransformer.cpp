@@ -38,6 +38,8 @@ void NSValueTransformer::setValueTransformer(Transformer transformer, std::strin
 }
 
 bool NSValueTransformer::addValueTransformer(Transformer transformer, std::string_view name) {
+    if (!transformer)
+        return false;
     Registry& registry = Registry::shared();
     const std::lock_guard lock(registry.mutex);
     return registry.transformers.try_emplace(std::string(name), std::move(transformer)).second;

@@ -23,7 +23,7 @@ public:
     /// Replaces what was registered under the name; an empty pointer removes it.
     static void setValueTransformer(std::shared_ptr<const NSValueTransformer> transformer,
                                     std::string_view name);
-    /// Registers unless the name is taken; whether it did.
+    /// Registers unless the name is taken or the pointer is empty; whether it did.
     static bool addValueTransformer(std::shared_ptr<const NSValueTransformer> transformer,
                                     std::string_view name);
     /// Empty when nothing is registered under the name.

@@ -30,7 +30,8 @@ struct RGB {
     };
 
     constexpr RGB() noexcept = default;
-    constexpr RGB(std::uint8_t r, std::uint8_t g, std::uint8_t b) noexcept : r(r), g(g), b(b) {}
+    constexpr RGB(std::uint8_t r_, std::uint8_t g_, std::uint8_t b_) noexcept
+        : r(r_), g(g_), b(b_) {}
     /// From reals: times 255, clamped to 0 to 255 and rounded, halves up; NaN gives 0.
     explicit RGB(Unit channels) noexcept;
     /// From three bytes: `RGB({.rgbPtr = bytes, .at = 3 * i})`. Stops the program when there are

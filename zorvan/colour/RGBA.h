@@ -29,7 +29,8 @@ struct RGBA {
     };
 
     constexpr RGBA() noexcept = default;
-    constexpr RGBA(double r, double g, double b, double a) noexcept : r(r), b(b), g(g), a(a) {}
+    constexpr RGBA(double r_, double g_, double b_, double a_) noexcept
+        : r(r_), b(b_), g(g_), a(a_) {}
     explicit constexpr RGBA(Components c) noexcept : RGBA(c.r, c.g, c.b, c.a) {}
 
     /// Reads "#RGB", "#RGBA", "#RRGGBB" or "#RRGGBBAA": `RGBA::make({.hexString = "#F80"})`.

@@ -17,7 +17,7 @@ struct XYZ {
     static constexpr double referenceZ = 108.883;
 
     constexpr XYZ() noexcept = default;
-    constexpr XYZ(double x, double y, double z) noexcept : x(x), y(y), z(z) {}
+    constexpr XYZ(double x_, double y_, double z_) noexcept : x(x_), y(y_), z(z_) {}
     explicit XYZ(RGB rgb) noexcept;
     explicit XYZ(const LAB& lab) noexcept;
 

@@ -11,7 +11,7 @@ struct YUV {
     double v = 0;
 
     constexpr YUV() noexcept = default;
-    constexpr YUV(double y, double u, double v) noexcept : y(y), u(u), v(v) {}
+    constexpr YUV(double y_, double u_, double v_) noexcept : y(y_), u(u_), v(v_) {}
     explicit YUV(RGB rgb) noexcept;
 
     [[nodiscard]] RGB rgb() const noexcept { return RGB(*this); }

@@ -25,7 +25,8 @@ double companded(double c) noexcept {
 std::span<const std::uint8_t> threeBytes(const RGB::Bytes& bytes) noexcept {
     const std::span<const std::uint8_t> all = bytes.rgbPtr;
     if (all.size() < 3 || bytes.at > all.size() - 3)
-        fatalError("RGB needs three bytes from its index on.");
+        fatalError("RGB needs three bytes from index " + std::to_string(bytes.at) +
+                   " on; there are " + std::to_string(all.size()) + " in all.");
     return all.subspan(bytes.at, 3);
 }
 

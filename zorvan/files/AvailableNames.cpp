@@ -3,10 +3,11 @@
 #include <zorvan/files/NSFileManager.h>
 
 #include <zorvan/files/internal/CopyItem.h>
-#include <zorvan/files/internal/PlaceItem.h>
 #include <zorvan/files/internal/filePath.h>
 #include <zorvan/files/internal/numberedName.h>
-#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/NewFile.h>
+#include <zorvan/platform/foundation/internal/placeItem.h>
+#include <zorvan/platform/foundation/internal/removeItem.h>
 
 #include <cerrno>
 #include <fcntl.h>
@@ -34,12 +35,6 @@ URL firstAvailable(const URL& url, Take take) {
     }
 }
 
-int createFile(const std::string& path) {
-    const internal::FileDescriptor file(
-        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    return file ? 0 : errno;
-}
-
 int createFolder(const std::string& path) { return ::mkdir(path.c_str(), 0777) == 0 ? 0 : errno; }
 
 } // namespace
@@ -54,8 +49,14 @@ URL NSFileManager::availableItemURL(std::string_view name, const URL& directory)
     return availableItemURL(directory.appendingPathComponent(name));
 }
 
-URL NSFileManager::createAvailableFile(const URL& url) const {
-    return firstAvailable(url, createFile);
+URL NSFileManager::createAvailableFile(const URL& url, std::span<const std::byte> contents) const {
+    internal::NewFile file(internal::Scratch::pathBeside(filePath(url)), 0666);
+    int error = file.error();
+    if (error == 0)
+        error = file.write(contents);
+    if (error != 0)
+        throwFileError("cannot create", url.path(), error);
+    return firstAvailable(url, [&](const std::string& path) { return file.place(path); });
 }
 
 URL NSFileManager::createAvailableDirectory(const URL& url) const {
@@ -64,19 +65,17 @@ URL NSFileManager::createAvailableDirectory(const URL& url) const {
 
 URL NSFileManager::moveItemToAvailableURL(const URL& item, const URL& url) const {
     const std::string& from = filePath(item);
-    const Scratch copy = Scratch::beside(filePath(url));
-    bool isCopied = false;
+    std::optional<UnplacedCopy> copy;
     const URL place = firstAvailable(url, [&](const std::string& path) {
-        const int error = isCopied ? EXDEV : placeItem(from, path);
+        const int error = copy ? EXDEV : internal::placeItem(from, path);
         if (error != EXDEV)
             return error;
-        if (!isCopied)
-            copyItem(from, copy.path(), Durability::onDisk);
-        isCopied = true;
-        return placeItem(copy.path(), path);
+        if (!copy)
+            copy.emplace(from, internal::Scratch::pathBeside(path), Durability::onDisk);
+        return copy->place(path);
     });
-    if (isCopied)
-        removeItem(from);
+    if (copy)
+        internal::removeItem(from);
     return place;
 }
 

@@ -1,16 +1,14 @@
 #include <zorvan/files/internal/CopyItem.h>
 
 #include <zorvan/files/internal/copyContents.h>
-#include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/foundation/internal/DirectoryWalk.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
-#include <zorvan/platform/foundation/internal/Release.h>
+#include <zorvan/platform/foundation/internal/placeItem.h>
 
 #include <cerrno>
-#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
-#include <memory>
-#include <optional>
+#include <limits.h>
 #include <string_view>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -20,67 +18,56 @@
 
 namespace zorvan::files {
 
-using internal::FileDescriptor;
-
-std::string folderOf(const std::string& path) {
-    return path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
-}
+using internal::DirectoryWalk, internal::EntryKind, internal::FileDescriptor, internal::NewFile;
 
 void throwFileError(const char* what, const std::string& path, int error) {
     throw std::filesystem::filesystem_error(what, path,
                                             std::error_code(error, std::generic_category()));
 }
 
-Scratch Scratch::beside(const std::string& item) {
-    const std::string folder = folderOf(item);
-    return Scratch(folder + (folder == "/" ? "." : "/.") + makeUUIDString());
-}
-
 namespace {
 
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
+/// An item as the kernel is asked for it, whose path may be too long for that, and as errors name
+/// it.
+struct Place {
+    int folder;
+    const char* name;
+    const std::string& path;
+};
+
+Place placeOf(const std::string& path) { return {AT_FDCWD, path.c_str(), path}; }
+
 /// A call that failed, with the `errno` it left.
-[[noreturn]] void fail(const char* what, const std::string& path) {
-    throwFileError(what, path, errno);
+[[noreturn]] void fail(const char* what, const Place& place) {
+    throwFileError(what, place.path, errno);
 }
 
-FileDescriptor opened(const std::string& path, int flags, mode_t mode = 0) {
-    FileDescriptor file(::open(path.c_str(), flags | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY, mode));
+FileDescriptor opened(const Place& place, int flags, mode_t mode = 0) {
+    FileDescriptor file(
+        ::openat(place.folder, place.name, flags | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY, mode));
     if (!file)
-        fail("cannot open", path);
+        fail("cannot open", place);
     return file;
 }
 
-struct stat statusOf(const FileDescriptor& file, const std::string& path) {
+struct stat statusOf(const FileDescriptor& file, const Place& place) {
     struct stat status {};
     if (::fstat(file.get(), &status) != 0)
-        fail("cannot ask for attributes", path);
+        fail("cannot ask for attributes", place);
+    return status;
+}
+
+struct stat statusOf(const Place& place) {
+    struct stat status {};
+    if (::fstatat(place.folder, place.name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+        fail("cannot copy", place);
     return status;
 }
 
 using Identity = std::pair<dev_t, ino_t>;
 Identity identityOf(const struct stat& status) { return {status.st_dev, status.st_ino}; }
-
-/// The names in a folder, "." and ".." left out. `errno` is not 0 when not all could be read.
-std::vector<std::string> namesIn(FileDescriptor folder) {
-    std::vector<std::string> names;
-    std::unique_ptr<DIR, Release<::closedir>> stream(::fdopendir(folder.get()));
-    if (!stream)
-        return names;
-    folder.release();
-    errno = 0;
-    while (const dirent* entry = ::readdir(stream.get())) {
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..")
-            names.emplace_back(name);
-        errno = 0;
-    }
-    const int error = errno;
-    stream.reset();
-    errno = error;
-    return names;
-}
 
 /// Copies the user's own extended attributes and the access lists, those that the target takes.
 void copyExtendedAttributes(int from, int to) {
@@ -102,143 +89,219 @@ void copyExtendedAttributes(int from, int to) {
     }
 }
 
-void copyAttributes(const FileDescriptor& from, const struct stat& status, const FileDescriptor& to,
-                    const std::string& path) {
-    copyExtendedAttributes(from.get(), to.get());
-    const struct stat own = statusOf(to, path);
+void copyAttributes(int from, const struct stat& status, int to, const Place& place) {
+    copyExtendedAttributes(from, to);
+    struct stat own {};
+    if (::fstat(to, &own) != 0)
+        fail("cannot ask for attributes", place);
     const bool isSameOwner = own.st_uid == status.st_uid && own.st_gid == status.st_gid;
-    if (::fchmod(to.get(), status.st_mode & (isSameOwner ? 07777 : 01777)) != 0)
-        fail("cannot set the mode of", path);
+    if (::fchmod(to, status.st_mode & (isSameOwner ? 07777 : 01777)) != 0)
+        fail("cannot set the mode of", place);
     const timespec dates[] = {status.st_atim, status.st_mtim};
-    if (::futimens(to.get(), dates) != 0)
-        fail("cannot set the dates of", path);
+    if (::futimens(to, dates) != 0)
+        fail("cannot set the dates of", place);
 }
 
-class Copying {
+/// All of an open file but its name.
+void copyFile(int from, const struct stat& status, int to, const Place& place, bool startsWriting) {
+    if (const int error = copyContents(from, status, to, startsWriting))
+        throwFileError("cannot copy", place.path, error);
+    copyAttributes(from, status, to, place);
+}
+
+/// Opens a file to be copied; not blocking, should a pipe have taken its name meanwhile.
+FileDescriptor openedFile(const Place& place, struct stat& status) {
+    FileDescriptor file = opened(place, O_RDONLY | O_NONBLOCK);
+    status = statusOf(file, place);
+    if (!S_ISREG(status.st_mode))
+        throwFileError("cannot copy", place.path, EINVAL);
+    return file;
+}
+
+void copyDates(const struct stat& status, const Place& to) {
+    const timespec dates[] = {status.st_atim, status.st_mtim};
+    if (::utimensat(to.folder, to.name, dates, AT_SYMLINK_NOFOLLOW) != 0)
+        fail("cannot set the dates of", to);
+}
+
+void copyLink(const Place& from, const struct stat& status, const Place& to) {
+    std::vector<char> target(PATH_MAX);
+    const ssize_t length = ::readlinkat(from.folder, from.name, target.data(), target.size() - 1);
+    if (length < 0)
+        fail("cannot read the link", from);
+    target[static_cast<std::size_t>(length)] = '\0';
+    if (::symlinkat(target.data(), to.folder, to.name) != 0)
+        fail("cannot make the link", to);
+    copyDates(status, to);
+}
+
+/// Pipes, sockets, devices. Only the superuser makes devices.
+void copySpecial(const struct stat& status, const Place& to) {
+    if (::mknodat(to.folder, to.name, (status.st_mode & S_IFMT) | 0600, status.st_rdev) != 0)
+        fail("cannot make", to);
+    if (::fchmodat(to.folder, to.name, status.st_mode & 0777, 0) != 0)
+        fail("cannot set the mode of", to);
+    copyDates(status, to);
+}
+
+/// What is no folder.
+void copyLeaf(const Place& from, const Place& to, Durability durability) {
+    struct stat status = statusOf(from);
+    if (S_ISLNK(status.st_mode))
+        return copyLink(from, status, to);
+    if (!S_ISREG(status.st_mode))
+        return copySpecial(status, to);
+    const FileDescriptor source = openedFile(from, status);
+    const FileDescriptor target = opened(to, O_WRONLY | O_CREAT | O_EXCL, 0600);
+    copyFile(source.get(), status, target.get(), from, durability == Durability::onDisk);
+}
+
+/// Keeps a descriptor of the one folder that is being filled, whatever the depth; the way back up
+/// leads through "..".
+class FolderCopy {
 public:
-    explicit Copying(Durability durability) : durability_(durability) {}
+    FolderCopy(const std::string& from, const std::string& to, Durability durability)
+        : from_(from), to_(to), durability_(durability) {}
 
-    void copy(const std::string& from, const std::string& to) {
-        struct stat status {};
-        if (::lstat(from.c_str(), &status) != 0)
-            fail("cannot copy", from);
-        if (S_ISDIR(status.st_mode))
-            copyFolder(from, to);
-        else if (S_ISREG(status.st_mode))
-            copyFile(from, to);
-        else
-            S_ISLNK(status.st_mode) ? copyLink(from, status, to) : copySpecial(status, to);
-    }
-
-    /// Waits for what `copy` has not waited for.
-    void finish(const std::string& to) const {
-        // One wait for the volume, where a wait for every file of a folder could take minutes.
-        if (durability_ == Durability::onDisk && needsVolumeSync_)
-            synchroniseVolumeOf(to);
+    void run() {
+        const FileDescriptor source = opened(placeOf(from_), folderFlags);
+        makeTarget(AT_FDCWD, to_.c_str());
+        const auto walk = DirectoryWalk::open(from_, DirectoryWalk::Visits::around);
+        if (!walk)
+            fail("cannot list", placeOf(from_));
+        while (walk->advance()) {
+            expectAllSeen(*walk);
+            visit(*walk);
+        }
+        expectAllSeen(*walk);
+        targetPath_ = to_;
+        finishTarget(source);
     }
 
 private:
-    void copyFolder(const std::string& from, const std::string& to) {
-        const FileDescriptor source = opened(from, folderFlags);
-        const struct stat status = statusOf(source, from);
-        if (root_ == identityOf(status))
-            throwFileError("cannot copy a folder into itself:", from, EINVAL);
-        if (::mkdir(to.c_str(), 0700) != 0)
-            fail("cannot make the folder", to);
-        const FileDescriptor target = opened(to, folderFlags);
-        if (!root_)
-            root_ = identityOf(statusOf(target, to));
-        needsVolumeSync_ = true;
+    Place targetPlace(const char* name) const { return {target_.get(), name, targetPath_}; }
 
-        const std::vector<std::string> names = namesIn(FileDescriptor(::dup(source.get())));
-        if (errno != 0)
-            fail("cannot list", from);
-        for (const std::string& name : names)
-            copy(from + '/' + name, to + '/' + name);
-        copyAttributes(source, status, target, to);
+    void expectAllSeen(const DirectoryWalk& walk) const {
+        if (walk.error() != 0)
+            throwFileError("cannot list all of", from_, walk.error());
     }
 
-    void copyFile(const std::string& from, const std::string& to) {
-        // Not blocking, should a pipe have taken the file's name meanwhile.
-        const FileDescriptor source = opened(from, O_RDONLY | O_NONBLOCK);
-        const struct stat status = statusOf(source, from);
-        if (!S_ISREG(status.st_mode))
-            throwFileError("cannot copy", from, EINVAL);
-        const FileDescriptor target = opened(to, O_WRONLY | O_CREAT | O_EXCL, 0600);
-        if (const int error =
-                copyContents(source.get(), status, target.get(), durability_ == Durability::onDisk))
-            throwFileError("cannot copy", from, error);
-        copyAttributes(source, status, target, to);
-        if (durability_ == Durability::onDisk && !root_ && ::fsync(target.get()) != 0)
-            fail("cannot write to the disk", to);
+    void visit(const DirectoryWalk& walk) {
+        const char* const name = walk.name().data();
+        const Place source{walk.folder(), name, walk.path()};
+        targetPath_ = to_ + walk.path().substr(from_ == "/" ? 0 : from_.size());
+        if (walk.kind() != EntryKind::directory)
+            copyLeaf(source, targetPlace(name), durability_);
+        else if (walk.isLeaving())
+            leave(opened(source, folderFlags));
+        else
+            enter(source, name);
     }
 
-    void copyLink(const std::string& from, const struct stat& status, const std::string& to) {
-        std::error_code error;
-        const std::string target = std::filesystem::read_symlink(from, error);
-        if (error)
-            throwFileError("cannot read the link", from, error.value());
-        if (::symlink(target.c_str(), to.c_str()) != 0)
-            fail("cannot make the link", to);
-        copyDates(status, to);
+    void enter(const Place& source, const char* name) {
+        // Opened, because the walk would pass over one that cannot be, and say so only later.
+        if (folders_.front() == identityOf(statusOf(opened(source, folderFlags), source)))
+            throwFileError("cannot copy a folder into itself:", source.path, EINVAL);
+        makeTarget(target_.get(), name);
     }
 
-    /// Pipes, sockets, devices. Only the superuser makes devices.
-    void copySpecial(const struct stat& status, const std::string& to) {
-        if (::mknod(to.c_str(), (status.st_mode & S_IFMT) | 0600, status.st_rdev) != 0)
-            fail("cannot make", to);
-        if (::chmod(to.c_str(), status.st_mode & 0777) != 0)
-            fail("cannot set the mode of", to);
-        copyDates(status, to);
+    void makeTarget(int folder, const char* name) {
+        const Place place{folder, name, targetPath_};
+        if (::mkdirat(folder, name, 0700) != 0)
+            fail("cannot make the folder", place);
+        target_ = opened(place, folderFlags);
+        folders_.push_back(identityOf(statusOf(target_, place)));
     }
 
-    void copyDates(const struct stat& status, const std::string& to) {
-        needsVolumeSync_ = true;
-        const timespec dates[] = {status.st_atim, status.st_mtim};
-        if (::utimensat(AT_FDCWD, to.c_str(), dates, AT_SYMLINK_NOFOLLOW) != 0)
-            fail("cannot set the dates of", to);
+    void leave(const FileDescriptor& source) {
+        // Before the attributes, which may forbid it.
+        FileDescriptor parent = opened({target_.get(), "..", targetPath_}, folderFlags);
+        finishTarget(source);
+        folders_.pop_back();
+        target_ = std::move(parent);
+        if (folders_.back() != identityOf(statusOf(target_, placeOf(targetPath_))))
+            throwFileError("was moved while it was being filled:", targetPath_, ESTALE);
     }
 
+    void finishTarget(const FileDescriptor& source) {
+        const Place place = placeOf(targetPath_);
+        copyAttributes(source.get(), statusOf(source, place), target_.get(), place);
+    }
+
+    const std::string& from_;
+    const std::string& to_;
     Durability durability_;
-    std::optional<Identity> root_; // the folder that everything is copied to
-    bool needsVolumeSync_ = false;
+    std::string targetPath_ = to_;
+    FileDescriptor target_;         // the folder that is being filled
+    std::vector<Identity> folders_; // those from the first of the copy to that one
 };
-
-void removeFolder(const std::string& path) {
-    if (::faccessat(AT_FDCWD, path.c_str(), R_OK | W_OK | X_OK, AT_EACCESS) != 0)
-        ::chmod(path.c_str(), 0700);
-    for (const std::string& name : namesIn(FileDescriptor(::open(path.c_str(), folderFlags))))
-        removeItem(path + '/' + name);
-    ::rmdir(path.c_str());
-}
 
 } // namespace
 
 void copyItem(const std::string& from, const std::string& to, Durability durability) {
-    Copying copying(durability);
-    copying.copy(from, to);
-    copying.finish(to);
+    if (S_ISDIR(statusOf(placeOf(from)).st_mode))
+        FolderCopy(from, to, durability).run();
+    else
+        copyLeaf(placeOf(from), placeOf(to), durability);
+    // One wait for the volume, where a wait for every file of a folder could take minutes.
+    if (durability == Durability::onDisk)
+        synchroniseVolumeOf(to);
+}
+
+UnplacedCopy::UnplacedCopy(const std::string& item, const std::string& scratchName,
+                           Durability durability) {
+    struct stat status = statusOf(placeOf(item));
+    if (!S_ISREG(status.st_mode)) {
+        makeItem(item, scratchName, durability);
+        return;
+    }
+    const FileDescriptor source = openedFile(placeOf(item), status);
+    makeFile(source.get(), status, scratchName, durability);
+}
+
+UnplacedCopy::UnplacedCopy(const UnplacedCopy& copy, const std::string& scratchName,
+                           Durability durability) {
+    if (!copy.file_) {
+        makeItem(copy.scratch_->path(), scratchName, durability);
+        return;
+    }
+    const int source = copy.file_->descriptor();
+    struct stat status {};
+    if (::fstat(source, &status) != 0)
+        fail("cannot ask for attributes", placeOf(scratchName));
+    makeFile(source, status, scratchName, durability);
+}
+
+void UnplacedCopy::makeFile(int source, const struct stat& status, const std::string& scratchName,
+                            Durability durability) {
+    const NewFile& file = file_.emplace(scratchName, 0600);
+    const bool isDurable = durability == Durability::onDisk;
+    if (file.error() != 0)
+        throwFileError("cannot make", scratchName, file.error());
+    copyFile(source, status, file.descriptor(), placeOf(scratchName), isDurable);
+    if (const int error = isDurable ? file.synchronise() : 0)
+        throwFileError("cannot write to the disk", scratchName, error);
+}
+
+void UnplacedCopy::makeItem(const std::string& item, const std::string& scratchName,
+                            Durability durability) {
+    scratch_.emplace(scratchName);
+    copyItem(item, scratchName, durability);
+}
+
+int UnplacedCopy::place(const std::string& path) {
+    return file_ ? file_->place(path) : internal::placeItem(scratch_->path(), path);
+}
+
+int UnplacedCopy::replace(const std::string& path) {
+    return file_ ? file_->replace(path) : internal::replaceItem(path, scratch_->path());
 }
 
 void synchroniseVolumeOf(const std::string& path) {
-    const FileDescriptor folder = opened(folderOf(path), O_RDONLY | O_DIRECTORY);
+    const std::string folderPath = internal::folderOf(path);
+    const FileDescriptor folder = opened(placeOf(folderPath), O_RDONLY | O_DIRECTORY);
     if (::syncfs(folder.get()) != 0)
-        fail("cannot write to the disk", path);
-}
-
-void removeItem(const std::string& path) noexcept {
-    struct stat status {};
-    if (::lstat(path.c_str(), &status) != 0)
-        return;
-    if (!S_ISDIR(status.st_mode)) {
-        ::unlink(path.c_str());
-        return;
-    }
-    try {
-        removeFolder(path);
-    } catch (const std::exception&) {
-        // Out of memory: what is left stays.
-    }
+        fail("cannot write to the disk", placeOf(path));
 }
 
 } // namespace zorvan::files

@@ -1,9 +1,11 @@
 #include <zorvan/files/FileIterator.h>
 
 #include <zorvan/files/NSFileManager.h>
-#include <zorvan/files/URL.h>
-#include <zorvan/files/internal/DirectoryWalk.h>
 #include <zorvan/files/internal/pathExtension.h>
+#include <zorvan/files/internal/statusAt.h>
+#include <zorvan/platform/foundation/internal/DirectoryWalk.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/textservices/Unicode.h>
 
 #include <algorithm>
 
@@ -13,6 +15,13 @@ namespace {
 
 // Bounds the memory that a folder with a different extension on every file can claim.
 constexpr std::size_t maximumVerdicts = 4096;
+
+void lower(std::string& text) {
+    if (std::any_of(text.begin(), text.end(), [](char c) { return (c & 0x80) != 0; }))
+        text = lowercased(text);
+    else
+        std::transform(text.begin(), text.end(), text.begin(), internal::lowered);
+}
 
 } // namespace
 
@@ -43,10 +52,12 @@ std::optional<URL> FileIterator::next() {
             return std::nullopt;
         }
         const URL& root = urls_[static_cast<std::size_t>(index_)];
+        if (!root.isFileURL())
+            continue;
         if (NSFileManager::defaultManager()->contentExists(root).isDir)
             enumerator_ =
                 NSDirectoryEnumerator::create(root.resolvingSymlinksInPath(), enumerationOptions());
-        else if (acceptsRoot(root))
+        else if (accepts(root.path()))
             return root;
     }
 }
@@ -59,31 +70,19 @@ NSDirectoryEnumerationOptions FileIterator::enumerationOptions() const noexcept 
 }
 
 std::optional<URL> FileIterator::nextEntry() {
-    while (enumerator_->walk_->advance())
-        if (acceptsEntry())
+    while (enumerator_->advance())
+        if (accepts(enumerator_->walk_->path()))
             return URL({.fileURLWithPath = enumerator_->walk_->path()});
     return std::nullopt;
 }
 
-/// The verdict of `acceptsRoot`, without asking the file system what the directory has told
-/// already: that the entry exists, and whether it is a directory or a link. Only what a link leads
-/// to must be looked up, and that last of all.
-bool FileIterator::acceptsEntry() {
-    const files::DirectoryWalk& walk = *enumerator_->walk_;
-    const bool isLink = walk.kind() == files::EntryKind::link;
-    return walk.kind() != files::EntryKind::directory && !(isLink && skipAlias_) &&
-           acceptsName(files::pathExtensionOfName(walk.name())) &&
-           (!isLink || walk.linkLeadsToFile());
-}
-
-bool FileIterator::acceptsRoot(const URL& url) {
-    const auto content = NSFileManager::defaultManager()->contentExists(url);
-    if (!content.exist || content.isDir || !acceptsName(url.pathExtension()))
+/// The names are asked first: they cost no question to the file system.
+bool FileIterator::accepts(const std::string& path) {
+    const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
+    if (!acceptsName(files::pathExtensionOfName(name)))
         return false;
-    if (!skipAlias_)
-        return true;
-    const auto values = resourceValues(url);
-    return values && !values->isAliasFile && !values->isSymbolicLink;
+    const auto status = files::statusAt(path, skipAlias_ ? AT_SYMLINK_NOFOLLOW : 0);
+    return status && !S_ISDIR(status->st_mode) && !S_ISLNK(status->st_mode);
 }
 
 bool FileIterator::acceptsName(std::string_view pathExtension) {
@@ -92,8 +91,7 @@ bool FileIterator::acceptsName(std::string_view pathExtension) {
     if (!hasExtensions && !hasTypes)
         return true;
     lowerExtension_.assign(pathExtension);
-    std::transform(lowerExtension_.begin(), lowerExtension_.end(), lowerExtension_.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    lower(lowerExtension_);
     return (hasExtensions && extensions_.contains(std::string_view(lowerExtension_))) ||
            (hasTypes && isOfAllowedType(lowerExtension_));
 }

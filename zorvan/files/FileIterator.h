@@ -22,7 +22,8 @@ namespace zorvan {
 ///
 /// A root that is a file stands for itself, a folder for what it holds. Roots come in the order of
 /// the list, the entries of a folder in the order of the file system. Directories are never given;
-/// what does not exist or cannot be read is passed over without a report.
+/// what does not exist or cannot be read is passed over without a report, also when that came about
+/// after the folder was read.
 ///
 ///     auto iterator = FileIterator::create({folder, file});
 ///     iterator->setAllowedTypes({{UTIType::image()}});
@@ -78,7 +79,7 @@ public:
     void setAllowedTypes(std::optional<Types> types);
 
     /// Lets through files with one of these extensions, which are given in lower case without a
-    /// dot: the file's own extension is lowered (its ASCII letters), the ones given here are not.
+    /// dot: the file's own extension is lowered, the ones given here are not.
     const std::optional<Extensions>& allowedFiles() const noexcept { return allowedFiles_; }
     void setAllowedFiles(std::optional<Extensions> extensions);
 
@@ -99,8 +100,7 @@ private:
 
     std::optional<URL> nextEntry();
     NSDirectoryEnumerationOptions enumerationOptions() const noexcept;
-    bool acceptsEntry();
-    bool acceptsRoot(const URL& url);
+    bool accepts(const std::string& path);
     bool acceptsName(std::string_view pathExtension);
     bool isOfAllowedType(std::string_view lowerExtension);
 

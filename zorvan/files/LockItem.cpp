@@ -1,41 +1,90 @@
 #include <zorvan/files/internal/LockItem.h>
 
-#include <cerrno>
+#include <zorvan/platform/foundation/internal/lockDescriptor.h>
+
+#include <algorithm>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
+#include <vector>
 
 namespace zorvan::files {
 
+using internal::FileDescriptor, internal::lockDescriptor;
+
 namespace {
 
-bool waitForLock(int descriptor, LockKind kind) {
-    const int operation = kind == LockKind::shared ? LOCK_SH : LOCK_EX;
-    int result = 0;
-    do
-        result = ::flock(descriptor, operation);
-    while (result != 0 && errno == EINTR);
-    return result == 0;
+bool isSame(const struct stat& a, const struct stat& b) noexcept {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+struct Reading {
+    struct stat item;
+    int descriptor;
+};
+
+/// What this thread has the shared lock of.
+thread_local std::vector<Reading> readings;
+
+const Reading* readingOf(const struct stat& item) noexcept {
+    const auto found = std::find_if(readings.begin(), readings.end(), [&](const Reading& reading) {
+        return isSame(reading.item, item);
+    });
+    return found == readings.end() ? nullptr : &*found;
+}
+
+/// Another item may have taken the name during a wait.
+bool isStillNamed(const struct stat& item, const std::string& path, int flags) noexcept {
+    struct stat named {};
+    return ::fstatat(AT_FDCWD, path.c_str(), &named, flags) == 0 && isSame(item, named);
 }
 
 } // namespace
 
-internal::FileDescriptor lockItem(const std::string& path, LockKind kind) {
-    const bool follows = kind == LockKind::shared;
+FileDescriptor lockForReading(const std::string& path) {
     for (;;) {
-        internal::FileDescriptor item(
-            ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | (follows ? 0 : O_NOFOLLOW)));
-        if (!item || !waitForLock(item.get(), kind))
+        FileDescriptor item(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        struct stat status {};
+        if (!item || ::fstat(item.get(), &status) != 0)
             return {};
-        struct stat locked {
-        }, named{};
-        if (::fstat(item.get(), &locked) != 0 ||
-            ::fstatat(AT_FDCWD, path.c_str(), &named, follows ? 0 : AT_SYMLINK_NOFOLLOW) != 0)
-            return {};
-        // Another item may have taken the name during the wait.
-        if (locked.st_dev == named.st_dev && locked.st_ino == named.st_ino)
+        if (readingOf(status)) // which ends after this one
             return item;
+        if (!lockDescriptor(item.get(), LOCK_SH))
+            return {};
+        if (isStillNamed(status, path, 0)) {
+            readings.push_back({status, item.get()});
+            return item;
+        }
     }
+}
+
+void unlockAfterReading(FileDescriptor item) noexcept {
+    std::erase_if(readings,
+                  [&](const Reading& reading) { return reading.descriptor == item.get(); });
+}
+
+LockForReplacing::LockForReplacing(const std::string& path) {
+    for (;;) {
+        FileDescriptor item(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+        struct stat status {};
+        if (!item || ::fstat(item.get(), &status) != 0)
+            return;
+        const Reading* const reading = readingOf(status);
+        const int locked = reading ? reading->descriptor : item.get();
+        if (!lockDescriptor(locked, LOCK_EX))
+            return;
+        if (isStillNamed(status, path, AT_SYMLINK_NOFOLLOW)) {
+            own_ = reading ? locked : -1;
+            item_ = std::move(item);
+            return;
+        }
+        if (reading)
+            lockDescriptor(locked, LOCK_SH);
+    }
+}
+
+LockForReplacing::~LockForReplacing() {
+    if (own_ >= 0)
+        lockDescriptor(own_, LOCK_SH);
 }
 
 } // namespace zorvan::files

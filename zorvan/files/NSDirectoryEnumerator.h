@@ -8,7 +8,7 @@
 
 namespace zorvan {
 
-namespace files {
+namespace internal {
 class DirectoryWalk;
 }
 
@@ -61,9 +61,15 @@ public:
 
 private:
     friend class FileIterator;
-    explicit NSDirectoryEnumerator(std::unique_ptr<files::DirectoryWalk> walk);
+    NSDirectoryEnumerator(std::unique_ptr<internal::DirectoryWalk> walk,
+                          NSDirectoryEnumerationOptions options);
 
-    std::unique_ptr<files::DirectoryWalk> walk_;
+    bool has(NSDirectoryEnumerationOptions option) const noexcept;
+    bool advance();
+    bool staysClosed() const;
+
+    std::unique_ptr<internal::DirectoryWalk> walk_;
+    NSDirectoryEnumerationOptions options_;
 };
 
 } // namespace zorvan

@@ -1,11 +1,12 @@
 #include <zorvan/files/NSFileManager.h>
 
 #include <zorvan/files/internal/CopyItem.h>
-#include <zorvan/files/internal/PlaceItem.h>
+#include <zorvan/files/internal/LockItem.h>
 #include <zorvan/files/internal/filePath.h>
 #include <zorvan/files/internal/visibleEntries.h>
 #include <zorvan/platform/archives/ZipArchive.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/placeItem.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -80,9 +81,9 @@ bool isOnOneVolume(const std::string& folder, const std::string& other) {
 }
 
 void placeCopy(const std::string& source, const std::string& destination) {
-    const Scratch copy = Scratch::beside(destination);
-    copyItem(source, copy.path(), Durability::none); // nothing is at risk
-    if (const int error = placeItem(copy.path(), destination))
+    UnplacedCopy copy(source, internal::Scratch::pathBeside(destination),
+                      Durability::none); // nothing is at risk
+    if (const int error = copy.place(destination))
         throwFileError("cannot copy to", destination, error);
 }
 
@@ -97,20 +98,25 @@ void giveUpCache(const std::string& path) {
     ::posix_fadvise(file.get(), 0, 0, POSIX_FADV_DONTNEED);
 }
 
+int replaceUnread(const std::string& destination, UnplacedCopy& copy) {
+    const LockForReplacing lock(destination);
+    return copy.replace(destination);
+}
+
 /// The replacement is made in the folder for temporary files. From there it can be moved into place
 /// in one step only on the same volume, and only by who may write the folders that move; else a
 /// second copy is made beside the destination.
 void replaceWithCopy(const std::string& source, const std::string& destination,
                      const std::string& temporary) {
-    const Scratch copy(temporary);
     giveUpCache(destination);
-    const bool isNear = isOnOneVolume(folderOf(destination), folderOf(temporary));
-    copyItem(source, copy.path(), isNear ? Durability::onDisk : Durability::none);
-    int error = isNear ? replaceItem(destination, copy.path()) : EXDEV;
+    const bool isNear =
+        isOnOneVolume(internal::folderOf(destination), internal::folderOf(temporary)) &&
+        !temporary.starts_with(destination + '/');
+    UnplacedCopy copy(source, temporary, isNear ? Durability::onDisk : Durability::none);
+    int error = isNear ? replaceUnread(destination, copy) : EXDEV;
     if (error == EXDEV || error == EACCES) {
-        const Scratch beside = Scratch::beside(destination);
-        copyItem(copy.path(), beside.path(), Durability::onDisk);
-        error = replaceItem(destination, beside.path());
+        UnplacedCopy second(copy, internal::Scratch::pathBeside(destination), Durability::onDisk);
+        error = replaceUnread(destination, second);
     }
     if (error != 0)
         throwFileError("cannot replace", destination, error);
@@ -129,7 +135,7 @@ void NSFileManager::overwritingCopy(const URL& source, const URL& destination) c
 
 std::optional<Data> NSFileManager::zipItems(const std::vector<URL>& urls) const {
     const URL folder = temporaryURL();
-    const Scratch scratch(folder.path());
+    const internal::Scratch scratch(folder.path());
     try {
         if (makePrivateFolder(folder.path()) != 0)
             return std::nullopt;

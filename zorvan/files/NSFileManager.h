@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -98,10 +99,11 @@ public:
     /// The same for a name in a directory.
     URL availableItemURL(std::string_view name, const URL& directory) const;
 
-    /// Creates an empty file, or a folder, at the first of the names of `availableItemURL` that is
-    /// free, and gives its URL. However many processes call it at once, each gets a name of its
-    /// own, and nothing that exists is touched. Throws.
-    URL createAvailableFile(const URL& url) const;
+    /// Creates a file, or a folder, at the first of the names of `availableItemURL` that is free,
+    /// and gives its URL. However many processes call it at once, each gets a name of its own, and
+    /// nothing that exists is touched. The file appears in one step, with all its bytes; the disk
+    /// is not waited for. Throws.
+    URL createAvailableFile(const URL& url, std::span<const std::byte> contents = {}) const;
     URL createAvailableDirectory(const URL& url) const;
 
     /// Moves an item to the first of those names that is free, with the same promise. Between
@@ -123,12 +125,18 @@ public:
     /// Copies a file, a link, or a folder with all it holds, in the place of what is at the
     /// destination. Whatever happens, and be it the end of the process, what is at the destination
     /// is whole: the old item or the new one; nothing or the new one where nothing was. An old item
-    /// goes only when the new one is on the disk, so that not even a power failure takes both.
+    /// goes only when the new one is on the disk, so that not even a power failure takes both. What
+    /// a process that was killed leaves of its copy, the next one to that folder removes.
+    ///
+    /// One exception: where a folder is involved, and the volume cannot exchange two items in one
+    /// step, the old one is renamed first, to its name with ".old-" and a UUID. For a moment
+    /// nothing has the name, and a process that ends in this moment leaves it so.
     ///
     /// Modes, dates and extended attributes go along. A file that takes the place of a file, or a
-    /// folder that of a folder, gets the mode and as far as allowed the owner of that one. A link
-    /// at the destination is replaced itself. Waits for `readSecuredFileWithCoordinator` of the
-    /// destination to end in all processes, so it must not be called by such an accessor. Throws.
+    /// folder that of a folder, gets the mode, the access list and as far as allowed the owner of
+    /// that one. A link at the destination is replaced itself. Waits for the end of
+    /// `readSecuredFileWithCoordinator` of the destination in all processes and threads but this
+    /// one, whose accessor may replace what it reads. Throws.
     void overwritingCopy(const URL& source, const URL& destination) const;
 
     /// A zip archive of the items, folders with all they hold. An item whose name another one has

@@ -6,6 +6,8 @@
 #include <zorvan/platform/foundation/NSHomeDirectory.h>
 #include <zorvan/platform/foundation/NSUserName.h>
 #include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/foundation/internal/makeFolders.h>
+#include <zorvan/platform/foundation/internal/placeItem.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -13,11 +15,8 @@
 
 namespace zorvan {
 
-int files::makePrivateFolder(const std::string& path) noexcept {
-    std::error_code error;
-    std::filesystem::create_directories(folderOf(path), error);
-    if (error)
-        return error.value();
+int files::makePrivateFolder(const std::string& path) {
+    internal::makeFolders(internal::folderOf(path), 0777);
     return ::mkdir(path.c_str(), 0700) == 0 ? 0 : errno;
 }
 

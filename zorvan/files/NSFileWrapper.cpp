@@ -1,11 +1,14 @@
 #include <zorvan/files/NSFileWrapper.h>
 
 #include <zorvan/files/internal/CopyItem.h>
-#include <zorvan/files/internal/PlaceItem.h>
+#include <zorvan/files/internal/LockItem.h>
 #include <zorvan/files/internal/filePath.h>
 #include <zorvan/files/internal/numberedName.h>
 #include <zorvan/platform/foundation/fatalError.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/Scratch.h>
+#include <zorvan/platform/foundation/internal/percentEscapes.h>
+#include <zorvan/platform/foundation/internal/placeItem.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -45,6 +48,11 @@ void writeBytes(std::span<const std::byte> bytes, const std::string& path) {
             throwFileError("cannot write", path, errno);
         bytes = bytes.subspan(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     }
+}
+
+/// For a message, which is one line.
+std::string inMessage(const std::string& name) {
+    return '"' + internal::percentEscaped(name, [](char c) { return c < 0 || c >= ' '; }) + '"';
 }
 
 bool isFileName(const std::string& name) {
@@ -111,7 +119,7 @@ NSFileWrapper::Children NSFileWrapper::readChildren(const std::string& path) {
 
 NSFileWrapper::Children& NSFileWrapper::children() {
     if (!isDirectory())
-        fatalError("The file wrapper is not a directory.");
+        fatalError("The file wrapper " + inMessage(preferredFilename_) + " is not a directory.");
     return std::get<Children>(content_);
 }
 
@@ -143,9 +151,11 @@ bool NSFileWrapper::holds(const NSFileWrapper& other) const {
 std::string NSFileWrapper::addFileWrapper(const std::shared_ptr<NSFileWrapper>& child) {
     Children& siblings = children();
     if (!isFileName(child->preferredFilename_))
-        fatalError("The file wrapper has no preferred file name.");
+        fatalError(inMessage(child->preferredFilename_) +
+                   " is no file name that a file wrapper can have in a directory.");
     if (child->holds(*this))
-        fatalError("A file wrapper cannot hold itself.");
+        fatalError("The file wrapper " + inMessage(child->preferredFilename_) +
+                   " cannot be added to what it holds, or to itself.");
     std::string name = child->preferredFilename_;
     for (std::int64_t n = 0; !siblings.emplace(name, child).second; ++n)
         name = numberedName(child->preferredFilename_, n);
@@ -160,10 +170,11 @@ void NSFileWrapper::removeFileWrapper(const std::shared_ptr<NSFileWrapper>& chil
 
 void NSFileWrapper::write(const URL& url) const {
     const std::string& path = filePath(url);
-    const Scratch copy = Scratch::beside(path);
+    const internal::Scratch copy = internal::Scratch::beside(path);
     writeTo(copy.path());
     synchroniseVolumeOf(copy.path());
-    const int error = isTaken(path) ? replaceItem(path, copy.path()) : placeItem(copy.path(), path);
+    const LockForReplacing lock(path);
+    const int error = internal::replaceItem(path, copy.path());
     if (error != 0)
         throwFileError("cannot write", path, error);
 }

@@ -14,15 +14,45 @@ std::shared_ptr<NSPasteboard> NSPasteboard::create() {
 }
 
 std::int64_t NSPasteboard::clearContents() {
-    const std::lock_guard lock(mutex_);
-    objects_.clear();
-    return ++changeCount_;
+    std::int64_t count = 0;
+    {
+        const std::lock_guard lock(mutex_);
+        objects_.clear();
+        count = ++changeCount_;
+    }
+    tellHandler();
+    return count;
 }
 
 void NSPasteboard::writeObjects(std::vector<Object> objects) {
+    {
+        const std::lock_guard lock(mutex_);
+        objects_.insert(objects_.end(), std::make_move_iterator(objects.begin()),
+                        std::make_move_iterator(objects.end()));
+    }
+    tellHandler();
+}
+
+void NSPasteboard::setChangeHandler(std::function<void()> handler) {
     const std::lock_guard lock(mutex_);
-    objects_.insert(objects_.end(), std::make_move_iterator(objects.begin()),
-                    std::make_move_iterator(objects.end()));
+    changeHandler_ = std::move(handler);
+}
+
+void NSPasteboard::adopt(std::vector<Object> objects) {
+    const std::lock_guard lock(mutex_);
+    objects_ = std::move(objects);
+    ++changeCount_;
+}
+
+/// Outside the lock, so that it may ask the pasteboard.
+void NSPasteboard::tellHandler() const {
+    std::function<void()> handler;
+    {
+        const std::lock_guard lock(mutex_);
+        handler = changeHandler_;
+    }
+    if (handler)
+        handler();
 }
 
 std::vector<NSPasteboard::Object> NSPasteboard::objects() const {

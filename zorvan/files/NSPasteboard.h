@@ -3,6 +3,7 @@
 #include <zorvan/platform/foundation/URL.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -13,9 +14,9 @@ namespace zorvan {
 
 /// Holds what was cut or copied, or is being dragged, until it is put down somewhere.
 ///
-/// A pasteboard belongs to this process alone: what it holds is neither seen by other programs nor
-/// taken from the clipboard of the desktop, which only a program with a window has access to. Safe
-/// from every thread.
+/// A pasteboard belongs to this process alone, but for the general one while a host shows windows:
+/// that is the clipboard of the desktop then, from which it takes texts and URLs. Safe from every
+/// thread.
 class NSPasteboard {
 public:
     using Object = std::variant<URL, std::string>;
@@ -37,15 +38,23 @@ public:
     /// Grows each time the pasteboard is cleared.
     std::int64_t changeCount() const;
 
+    /// Called after each change, on the thread that made it, for the host that passes it on; empty
+    /// for nothing.
+    void setChangeHandler(std::function<void()> handler);
+    /// In place of all that is there, without a word to the handler: what the desktop holds now.
+    void adopt(std::vector<Object> objects);
+
     /// The file URLs among the objects, in their order; a text is none, whatever it says.
     std::vector<URL> fileURLs() const;
 
 private:
     NSPasteboard() = default;
+    void tellHandler() const;
 
     mutable std::mutex mutex_;
     std::vector<Object> objects_;
     std::int64_t changeCount_ = 0;
+    std::function<void()> changeHandler_;
 };
 
 } // namespace zorvan

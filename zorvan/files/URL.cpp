@@ -12,7 +12,7 @@
 namespace zorvan {
 
 std::string lastPathTitle(const URL& url) {
-    return std::string(url.deletingPathExtension().lastPathComponent());
+    return url.deletingPathExtension().lastPathComponent();
 }
 
 URL replacingPathExtension(const URL& url, std::string_view extension) {
@@ -158,11 +158,11 @@ std::vector<URL> listSubFilesOrSelf(const URL& url, Recursively argument) {
 namespace files {
 
 SharedFileLock::SharedFileLock(const URL& url)
-    : descriptor_(url.isFileURL() ? lockItem(url.path(), LockKind::shared).release() : -1) {}
+    : descriptor_(url.isFileURL() ? lockForReading(url.path()).release() : -1) {}
 
 SharedFileLock::~SharedFileLock() {
     if (descriptor_ >= 0)
-        ::close(descriptor_);
+        unlockAfterReading(internal::FileDescriptor(descriptor_));
 }
 
 } // namespace files

@@ -1,6 +1,7 @@
 #include <zorvan/files/UTIType.h>
 
 #include <zorvan/platform/coreservices/UTType.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
 
 namespace zorvan {
 
@@ -110,7 +111,7 @@ ZORVAN_TYPE_CONSTANT(inkText, kUTTypeInkText)
 std::size_t std::hash<zorvan::UTIType>::operator()(const zorvan::UTIType& type) const noexcept {
     std::size_t hash = 14695981039346656037u; // FNV-1a
     for (const char c : type.identifier()) {
-        const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        const char lower = zorvan::internal::lowered(c);
         hash = (hash ^ static_cast<unsigned char>(lower)) * 1099511628211u;
     }
     return hash;

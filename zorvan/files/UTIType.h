@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace zorvan {
 
@@ -37,7 +38,8 @@ public:
     /// none is known.
     static std::optional<UTIType> make(FileExtension argument);
 
-    const std::string& identifier() const noexcept { return identifier_; }
+    const std::string& identifier() const& noexcept { return identifier_; }
+    std::string identifier() && noexcept { return std::move(identifier_); }
 
     /// The code whose four characters the identifier is; 0 when it is no such text.
     std::uint32_t osType() const noexcept;

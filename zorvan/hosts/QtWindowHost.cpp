@@ -1,7 +1,10 @@
 #include <zorvan/hosts/QtWindowHost.h>
 
 #include <zorvan/hosts/internal/QtMenus.h>
-#include <zorvan/hosts/internal/QtWindowWidget.h>
+#include <zorvan/hosts/internal/ViewMirror.h>
+#include <zorvan/hosts/internal/WindowWidget.h>
+#include <zorvan/hosts/internal/accessibility.h>
+#include <zorvan/hosts/internal/clipboard.h>
 #include <zorvan/interface/NSApplication.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
 #include <zorvan/platform/foundation/fatalError.h>
@@ -32,7 +35,9 @@ void serveApplication() {
         NSApplication::shared().setActive(state == Qt::ApplicationActive);
     };
     QObject::connect(qApp, &QGuiApplication::applicationStateChanged, qApp, follow);
-    NSMenu::setHost(internal::openMenu);
+    internal::installAccessibility();
+    internal::shareClipboard();
+    NSMenu::setHost([](NSMenu& menu) { internal::openMenu(menu); });
 }
 
 } // namespace
@@ -52,7 +57,7 @@ std::shared_ptr<QtWindowHost> QtWindowHost::show(std::shared_ptr<NSWindow> windo
 }
 
 QtWindowHost::QtWindowHost(std::shared_ptr<NSWindow> window)
-    : widget_(new internal::QtWindowWidget(std::move(window))) {}
+    : widget_(new internal::WindowWidget(std::move(window))) {}
 
 QtWindowHost::~QtWindowHost() {
     hostedWindows().erase(window().get());
@@ -64,5 +69,9 @@ const std::shared_ptr<NSWindow>& QtWindowHost::window() const noexcept {
 }
 
 QWidget& QtWindowHost::widget() const noexcept { return *widget_; }
+
+QWidget* QtWindowHost::widget(const NSView& forView) const {
+    return internal::widgetOf(forView, *widget_);
+}
 
 } // namespace zorvan

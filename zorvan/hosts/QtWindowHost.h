@@ -9,16 +9,15 @@ class QWidget;
 namespace zorvan {
 
 namespace internal {
-class QtWindowWidget;
+class WindowWidget;
 }
 
 /// Shows a window on the desktop, as a window of Qt.
 ///
-/// The desktop draws the title bar; below it stands what the window draws, sharp at every scale of
-/// the screen. The host tells the window of the mouse, of the keys typed into a search field, of
-/// its size, of coming to the front and of being closed, and follows the window in its size, title,
-/// closing and becoming main. The wheel scrolls the innermost scroll view under the mouse. Menus
-/// open as menus of Qt.
+/// Each view is the widget that does its job: a search field a line edit, a split view a splitter,
+/// a toolbar a tool bar; a view of another class is a widget that the view draws and that hands it
+/// the mouse, the wheel and the keys. The widgets follow the views, and what the user does comes
+/// back as calls of the views. The desktop draws the title bar.
 ///
 /// There must be a `QApplication`, or the program stops; from the first host on its event loop runs
 /// the blocks of the main queue. Hosts must go before it does. Actions and observers that are told
@@ -37,11 +36,13 @@ public:
     /// For what else Qt can do with a window, such as its icon and its shortcuts. It stays the
     /// host's.
     QWidget& widget() const noexcept;
+    /// What shows a view of the window; null for one that is not shown. It stays the host's.
+    QWidget* widget(const NSView& forView) const;
 
 private:
     explicit QtWindowHost(std::shared_ptr<NSWindow> window);
 
-    internal::QtWindowWidget* const widget_;
+    internal::WindowWidget* const widget_;
 };
 
 } // namespace zorvan

@@ -30,11 +30,15 @@ public:
     bool showRightItemView() const noexcept { return !rightItemView_->isHidden(); }
     void setShowRightItemView(bool show) { rightItemView_->setHidden(!show); }
 
-    // 80 x 32 points each, to put views into.
+    // 80 x 32 points each, to put views into, or to be replaced by others; a new, empty one for
+    // null. A view that is set is shown or hidden as it is.
 
     const std::shared_ptr<NSView>& leftItemView() const noexcept { return leftItemView_; }
+    void setLeftItemView(std::shared_ptr<NSView> view);
     const std::shared_ptr<NSView>& centerItemView() const noexcept { return centerItemView_; }
+    void setCenterItemView(std::shared_ptr<NSView> view);
     const std::shared_ptr<NSView>& rightItemView() const noexcept { return rightItemView_; }
+    void setRightItemView(std::shared_ptr<NSView> view);
 
     // Made when first asked for.
 
@@ -51,9 +55,11 @@ public:
     std::vector<NSToolbarItemIdentifier> toolbarAllowedItemIdentifiers(NSToolbar& toolbar) override;
 
 private:
-    std::shared_ptr<NSView> leftItemView_ = NSView::create({0, 0, 80, 32});
-    std::shared_ptr<NSView> centerItemView_ = NSView::create({0, 0, 80, 32});
-    std::shared_ptr<NSView> rightItemView_ = NSView::create({0, 0, 80, 32});
+    static std::shared_ptr<NSView> emptyView() { return NSView::create({0, 0, 80, 32}); }
+
+    std::shared_ptr<NSView> leftItemView_ = emptyView();
+    std::shared_ptr<NSView> centerItemView_ = emptyView();
+    std::shared_ptr<NSView> rightItemView_ = emptyView();
     std::shared_ptr<NSToolbarItem> leftToolbarItem_;
     std::shared_ptr<NSToolbarItem> centerToolbarItem_;
     std::shared_ptr<NSToolbarItem> rightToolbarItem_;

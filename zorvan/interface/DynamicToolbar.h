@@ -61,7 +61,8 @@ public:
     ///
     /// Whatever it calls may change the sets: the sets walked and the items updated are those that
     /// there were when the walk began, the items shown those that the set has after the updates. A
-    /// reload asked for meanwhile is done once more at the end, and one asked for then is not done.
+    /// reload asked for meanwhile is done at the end, and so on until none asks for another; after
+    /// `ReloadGuard::mostReloads` in a row the program stops.
     void reloadDisplayedItems();
 
     // As the delegate of its toolbar.

@@ -1,5 +1,7 @@
 #include <zorvan/interface/NSApplication.h>
 
+#include <zorvan/platform/dispatch/NSNotificationCenter.h>
+
 namespace zorvan {
 
 namespace {
@@ -28,6 +30,12 @@ bool NSApplication::sendAction(const Selector& action, const std::weak_ptr<void>
     if (callObserver_)
         callObserver_({"sendAction", keptAlive.name()});
     return keptAlive.perform(target, sender);
+}
+
+void NSApplication::setDark(bool dark) {
+    if (std::exchange(isDark_, dark) != dark)
+        NSNotificationCenter::defaultCenter()->post(NSNotificationName(looksDidChangeNotification),
+                                                    nullptr);
 }
 
 } // namespace zorvan

@@ -4,6 +4,7 @@
 #include <zorvan/platform/appkit/ViewCall.h>
 
 #include <memory>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -15,6 +16,10 @@ class NSWindow;
 /// Main thread only.
 class NSApplication {
 public:
+    /// Posted by nobody in particular.
+    static constexpr std::string_view looksDidChangeNotification =
+        "NSApplicationLooksDidChangeNotification";
+
     static NSApplication& shared();
     NSApplication(const NSApplication&) = delete;
     NSApplication& operator=(const NSApplication&) = delete;
@@ -32,6 +37,11 @@ public:
     bool isActive() const noexcept { return isActive_; }
     void setActive(bool active) noexcept { isActive_ = active; }
 
+    /// Whether the desktop wants light text on a dark ground. False until a host says otherwise;
+    /// `NSApplication::looksDidChangeNotification` is posted when that changes.
+    bool isDark() const noexcept { return isDark_; }
+    void setDark(bool dark);
+
     /// Told of each action before it is performed.
     void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
 
@@ -42,6 +52,7 @@ private:
     std::weak_ptr<NSWindow> mainWindow_;
     ViewCallObserver callObserver_;
     bool isActive_ = true;
+    bool isDark_ = false;
 };
 
 } // namespace zorvan

@@ -1,5 +1,6 @@
 #include <zorvan/interface/NSButton.h>
 
+#include <zorvan/interface/NSImage.h>
 #include <zorvan/interface/internal/Decoding.h>
 
 namespace zorvan {
@@ -159,6 +160,31 @@ void NSButton::mouseUp(const NSEvent& with) {
     cell()->setHighlighted(false);
     if (isInside(with))
         performClick();
+}
+
+// The keyboard
+
+void NSButton::keyDown(const NSEvent& with) {
+    if (with.modifierFlags == NSEvent::ModifierFlags() &&
+        (with.characters == " " || with.characters == "\r"))
+        performClick();
+    else
+        NSControl::keyDown(with);
+}
+
+bool NSButton::performKeyEquivalent(const NSEvent& with) {
+    const auto keptAlive = shared_from_this();
+    if (!isEnabled() || !isKeyEquivalent(with, keyEquivalent_, modifiers_))
+        return NSControl::performKeyEquivalent(with);
+    performClick();
+    return true;
+}
+
+std::string NSButton::ownAccessibilityLabel() const {
+    const auto picture = image();
+    return !title().empty() || !toolTip().empty() || !picture
+               ? title()
+               : picture->accessibilityDescription();
 }
 
 } // namespace zorvan

@@ -53,6 +53,14 @@ public:
     std::optional<NSColor> contentTintColor() const;
     void setContentTintColor(std::optional<NSColor> color);
 
+    /// The key that clicks the button wherever the keyboard is, by its character in lower case;
+    /// empty, as at first, for none. "\r" makes it the one that Enter presses.
+    const std::string& keyEquivalent() const noexcept { return keyEquivalent_; }
+    void setKeyEquivalent(std::string key) { keyEquivalent_ = std::move(key); }
+    /// What must be held down with it; nothing unless set.
+    NSEvent::ModifierFlags keyEquivalentModifierMask() const noexcept { return modifiers_; }
+    void setKeyEquivalentModifierMask(NSEvent::ModifierFlags modifiers) { modifiers_ = modifiers; }
+
     /// While pressed.
     bool isHighlighted() const { return cell() && cell()->isHighlighted(); }
     /// Sends the action, as a click does; nothing when the button is disabled.
@@ -64,7 +72,18 @@ public:
     void mouseDragged(const NSEvent& with) override;
     void mouseUp(const NSEvent& with) override;
 
+    // An enabled button takes the keyboard; Space and Enter click it.
+
+    bool acceptsFirstResponder() const override { return isEnabled(); }
+    void keyDown(const NSEvent& with) override;
+    bool performKeyEquivalent(const NSEvent& with) override;
+
 protected:
+    NSAccessibilityRole ownAccessibilityRole() const override {
+        return NSAccessibilityRole::button;
+    }
+    /// The title; without one, and without a tool tip, what the image is said to show.
+    std::string ownAccessibilityLabel() const override;
     static PropertyList::Dictionary encodeFrame(const CGRect& frame);
     static CGRect decodeFrame(const PropertyList::Dictionary& coder);
     /// Takes the title, target and action over, and the size that the button would like then.
@@ -74,6 +93,9 @@ protected:
 
 private:
     bool isInside(const NSEvent& event) const;
+
+    std::string keyEquivalent_;
+    NSEvent::ModifierFlags modifiers_;
 };
 
 } // namespace zorvan

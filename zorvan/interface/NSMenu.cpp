@@ -28,6 +28,13 @@ std::shared_ptr<NSMenuItem> NSMenu::item(std::int64_t at) const noexcept {
     return at >= 0 && at < numberOfItems() ? items_[static_cast<std::size_t>(at)] : nullptr;
 }
 
+std::int64_t NSMenu::index(const NSMenuItem& ofItem) const noexcept {
+    for (std::int64_t i = 0; i < numberOfItems(); ++i)
+        if (item(i).get() == &ofItem)
+            return i;
+    return -1;
+}
+
 void NSMenu::addItem(const std::shared_ptr<NSMenuItem>& item) {
     if (item->menu())
         fatalError("A menu item stands in a menu already.");
@@ -45,6 +52,23 @@ bool NSMenu::performActionForItem(std::int64_t at) {
     const auto chosen = item(at);
     return chosen && chosen->isEnabled() && chosen->action() &&
            NSApplication::shared().sendAction(*chosen->action(), chosen->target_, chosen);
+}
+
+bool NSMenu::performKeyEquivalent(const NSEvent& with) { return performKeyEquivalent(with, 0); }
+
+bool NSMenu::performKeyEquivalent(const NSEvent& with, int depth) {
+    constexpr int deepest = 16; // a menu may hold itself
+    const auto keptAlive = shared_from_this();
+    for (std::int64_t i = 0; depth < deepest && i < numberOfItems(); ++i) {
+        const auto chosen = item(i);
+        if (chosen->submenu() && chosen->isEnabled() &&
+            chosen->submenu()->performKeyEquivalent(with, depth + 1))
+            return true;
+        if (isKeyEquivalent(with, chosen->keyEquivalent(), chosen->keyEquivalentModifierMask()) &&
+            performActionForItem(i))
+            return true;
+    }
+    return false;
 }
 
 namespace {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zorvan/interface/Selector.h>
+#include <zorvan/platform/appkit/NSEvent.h>
 #include <zorvan/platform/appkit/ViewCall.h>
 
 #include <cstdint>
@@ -13,6 +14,7 @@
 
 namespace zorvan {
 
+class NSImage;
 class NSMenu;
 
 /// A line of a menu: a command with a title, a line that opens another menu, or a separator.
@@ -34,6 +36,19 @@ public:
     void setTarget(std::weak_ptr<void> target) { target_ = std::move(target); }
     const std::optional<Selector>& action() const noexcept { return action_; }
     void setAction(std::optional<Selector> action) { action_ = std::move(action); }
+    /// The character of the key that does the same as choosing the item, in lower case; empty, as
+    /// at first, for none. "\r" is Enter, "\b" Backspace, "\x7f" Delete.
+    const std::string& keyEquivalent() const noexcept { return keyEquivalent_; }
+    void setKeyEquivalent(std::string key) { keyEquivalent_ = std::move(key); }
+    /// What must be held down with it; `control` unless set.
+    NSEvent::ModifierFlags keyEquivalentModifierMask() const noexcept { return modifiers_; }
+    void setKeyEquivalentModifierMask(NSEvent::ModifierFlags modifiers) { modifiers_ = modifiers; }
+    /// Whether there is a check mark; false unless set.
+    bool state() const noexcept { return state_; }
+    void setState(bool state) { state_ = state; }
+    /// Beside the title; null for none.
+    const std::shared_ptr<NSImage>& image() const noexcept { return image_; }
+    void setImage(std::shared_ptr<NSImage> image) { image_ = std::move(image); }
     /// Null unless the item opens a menu.
     const std::shared_ptr<NSMenu>& submenu() const noexcept { return submenu_; }
     void setSubmenu(std::shared_ptr<NSMenu> submenu) { submenu_ = std::move(submenu); }
@@ -54,8 +69,12 @@ private:
     std::weak_ptr<void> target_;
     std::shared_ptr<NSMenu> submenu_;
     std::weak_ptr<NSMenu> menu_;
+    std::string keyEquivalent_;
+    NSEvent::ModifierFlags modifiers_ = NSEvent::ModifierFlags::control;
+    std::shared_ptr<NSImage> image_;
     bool isSeparator_ = false;
     bool isEnabled_ = true;
+    bool state_ = false;
 };
 
 /// A list of commands. Without a host nothing opens; the observer is told that it should in any
@@ -70,6 +89,8 @@ public:
     std::int64_t numberOfItems() const noexcept { return static_cast<std::int64_t>(items_.size()); }
     /// Null when there is none.
     std::shared_ptr<NSMenuItem> item(std::int64_t at) const noexcept;
+    /// -1 when the item stands elsewhere.
+    std::int64_t index(const NSMenuItem& ofItem) const noexcept;
 
     /// At the end. An item that stands in a menu already stops the program.
     void addItem(const std::shared_ptr<NSMenuItem>& item);
@@ -78,6 +99,10 @@ public:
     /// Sends the item's action with the item as its sender, as a click on it does. False when there
     /// is no such item, when it is disabled or has no action, and when nothing performed it.
     bool performActionForItem(std::int64_t at);
+
+    /// Performs the first enabled item, of this menu or of those inside, that has the key of the
+    /// event. False when there is none.
+    bool performKeyEquivalent(const NSEvent& with);
 
     /// Asks the host to open the menu at the mouse.
     void popUp();
@@ -93,6 +118,8 @@ public:
     NSMenu(Key, std::string title) : title_(std::move(title)) {}
 
 private:
+    bool performKeyEquivalent(const NSEvent& with, int depth);
+
     std::string title_;
     std::vector<std::shared_ptr<NSMenuItem>> items_;
     ViewCallObserver callObserver_;

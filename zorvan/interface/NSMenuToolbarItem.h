@@ -19,6 +19,9 @@ public:
     /// A mark that shows that there is a menu.
     bool showsIndicator() const noexcept { return showsIndicator_; }
     void setShowsIndicator(bool shows);
+    bool performKeyEquivalent(const NSEvent& with) override {
+        return isEnabled() && menu_->performKeyEquivalent(with);
+    }
 
 protected:
     std::shared_ptr<NSView> makeView() override;

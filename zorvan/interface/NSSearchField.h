@@ -26,6 +26,15 @@ public:
     /// 180 points wide.
     CGSize intrinsicContentSize() const override;
     void draw(Canvas& canvas) const override;
+    bool acceptsFirstResponder() const override { return isEnabled(); }
+
+protected:
+    NSAccessibilityRole ownAccessibilityRole() const override {
+        return NSAccessibilityRole::textField;
+    }
+    /// The placeholder.
+    std::string ownAccessibilityLabel() const override { return placeholder_.value_or(""); }
+    std::string ownAccessibilityValue() const override { return stringValue(); }
 
 private:
     std::optional<std::string> placeholder_;

@@ -10,6 +10,7 @@ namespace zorvan {
 void NSSplitView::setVertical(bool vertical) {
     isVertical_ = vertical;
     setNeedsLayout(true);
+    setNeedsDisplay(true);
 }
 
 std::int64_t NSSplitView::numberOfDividers() const noexcept {
@@ -43,8 +44,49 @@ void NSSplitView::setPosition(double position, std::int64_t ofDividerAt) {
     const double least =
         this->position(ofDividerAt - 1).value_or(-dividerThickness()) + dividerThickness();
     const double most = this->position(ofDividerAt + 1).value_or(length()) - dividerThickness();
-    positions_[static_cast<std::size_t>(ofDividerAt)] = std::max(least, std::min(position, most));
+    positions_[static_cast<std::size_t>(ofDividerAt)] = held(position, ofDividerAt, least, most);
     setNeedsLayout(true);
+    setNeedsDisplay(true);
+}
+
+double NSSplitView::held(double position, std::int64_t divider, double least, double most) const {
+    const Limits before = limits(divider), after = limits(divider + 1);
+    if (before.isCollapsible && position < least + before.minimum / 2)
+        return least;
+    if (after.isCollapsible && position > most - after.minimum / 2)
+        return std::max(least, most);
+    const double upper = std::min(position, most - after.minimum);
+    return std::max(least, std::max(least + before.minimum, upper));
+}
+
+NSSplitView::Limits NSSplitView::limits(std::int64_t subview) const {
+    const bool isSet = subview >= 0 && subview < static_cast<std::int64_t>(limits_.size());
+    return isSet ? limits_[static_cast<std::size_t>(subview)] : Limits();
+}
+
+void NSSplitView::setLimits(Limits limits, std::int64_t subview) {
+    if (subview < 0 || subview >= static_cast<std::int64_t>(subviews().size()))
+        return;
+    limits_.resize(std::max(limits_.size(), static_cast<std::size_t>(subview) + 1));
+    limits_[static_cast<std::size_t>(subview)] = limits;
+    setNeedsDisplay(true);
+}
+
+double NSSplitView::minimumLength(std::int64_t ofSubviewAt) const {
+    return limits(ofSubviewAt).minimum;
+}
+
+void NSSplitView::setMinimumLength(double length, std::int64_t ofSubviewAt) {
+    const double least = std::isfinite(length) ? std::max(length, 0.0) : 0;
+    setLimits({least, isCollapsible(ofSubviewAt)}, ofSubviewAt);
+}
+
+bool NSSplitView::isCollapsible(std::int64_t subviewAt) const {
+    return limits(subviewAt).isCollapsible;
+}
+
+void NSSplitView::setCollapsible(bool collapsible, std::int64_t subviewAt) {
+    setLimits({minimumLength(subviewAt), collapsible}, subviewAt);
 }
 
 void NSSplitView::layout() {

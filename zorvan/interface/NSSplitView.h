@@ -28,8 +28,18 @@ public:
 
     /// Where a divider begins, from the left or the top edge; absent when there is no such divider.
     std::optional<double> position(std::int64_t ofDividerAt) const;
-    /// Held between the dividers beside it. Nothing for a divider that there is not.
+    /// Held between the dividers beside it, and where it leaves the subviews beside it their least
+    /// lengths; a collapsible one goes to nothing beyond half of that. Nothing for a divider that
+    /// there is not.
     void setPosition(double position, std::int64_t ofDividerAt);
+
+    /// In points; 0 unless set.
+    double minimumLength(std::int64_t ofSubviewAt) const;
+    /// Counts from the next time that a divider is moved.
+    void setMinimumLength(double length, std::int64_t ofSubviewAt);
+    /// Whether the subview may go to nothing although it has a least length. False unless set.
+    bool isCollapsible(std::int64_t subviewAt) const;
+    void setCollapsible(bool collapsible, std::int64_t subviewAt);
 
     void layout() override;
     void draw(Canvas& canvas) const override;
@@ -42,13 +52,22 @@ public:
     void mouseUp(const NSEvent& with) override;
 
 private:
+    struct Limits {
+        double minimum = 0;
+        bool isCollapsible = false;
+    };
+
     double length() const;
+    double held(double position, std::int64_t divider, double least, double most) const;
+    Limits limits(std::int64_t subview) const;
+    void setLimits(Limits limits, std::int64_t subview);
     double along(CGPoint point) const;
     std::optional<std::int64_t> dividerNear(CGPoint point) const;
     void bringUpToDate();
 
     /// One for each divider; grows as subviews come.
     std::vector<double> positions_;
+    std::vector<Limits> limits_;
     std::optional<std::int64_t> held_;
     bool isVertical_ = true;
 };

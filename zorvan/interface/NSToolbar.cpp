@@ -88,6 +88,12 @@ void NSToolbar::removeItem(std::int64_t at) {
     note("removeItem", std::to_string(at));
 }
 
+bool NSToolbar::performKeyEquivalent(const NSEvent& with) {
+    const auto items = items_;
+    return std::any_of(items.begin(), items.end(),
+                       [&with](const auto& item) { return item->performKeyEquivalent(with); });
+}
+
 void NSToolbar::comeInto(const std::shared_ptr<NSWindow>& window) {
     window_ = window;
     const auto giver = delegate();

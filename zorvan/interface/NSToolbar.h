@@ -82,6 +82,9 @@ public:
     /// Stops the program when there is no such item.
     void removeItem(std::int64_t at);
 
+    /// Of the menus and views of its items; false when none takes it.
+    bool performKeyEquivalent(const NSEvent& with);
+
     /// The window that shows the toolbar; null for none.
     std::shared_ptr<NSWindow> window() const noexcept { return window_.lock(); }
     /// From now on the default items are not shown by themselves.

@@ -29,7 +29,19 @@ void NSToolbarItem::setNavigational(bool navigational) {
 
 void NSToolbarItem::setView(std::shared_ptr<NSView> view) {
     view_ = std::move(view);
+    passToolTipOn();
     didChange();
+}
+
+void NSToolbarItem::setToolTip(std::string toolTip) {
+    toolTip_ = std::move(toolTip);
+    passToolTipOn();
+    didChange();
+}
+
+void NSToolbarItem::passToolTipOn() {
+    if (view_ && view_->toolTip().empty())
+        view_->setToolTip(toolTip_);
 }
 
 void NSToolbarItem::setImage(std::shared_ptr<NSImage> image) {
@@ -46,6 +58,11 @@ void NSToolbarItem::setEnabled(bool enabled) {
 
 bool NSToolbarItem::sendAction() {
     return action_ && NSApplication::shared().sendAction(*action_, target_, shared_from_this());
+}
+
+bool NSToolbarItem::performKeyEquivalent(const NSEvent& with) {
+    // A view in the window has been asked already.
+    return view_ && !view_->window() && view_->performKeyEquivalent(with);
 }
 
 std::shared_ptr<NSView> NSToolbarItem::shownView() {

@@ -2,11 +2,11 @@
 
 #include <zorvan/interface/Selector.h>
 #include <zorvan/platform/appkit/NSView.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace zorvan {
@@ -18,9 +18,8 @@ class NSToolbar;
 using NSToolbarItemIdentifier = std::string;
 
 /// Items that a toolbar makes itself.
-inline constexpr std::string_view NSToolbarFlexibleSpaceItemIdentifier =
-    "NSToolbarFlexibleSpaceItem";
-inline constexpr std::string_view NSToolbarSpaceItemIdentifier = "NSToolbarSpaceItem";
+inline constexpr NameLiteral NSToolbarFlexibleSpaceItemIdentifier = "NSToolbarFlexibleSpaceItem";
+inline constexpr NameLiteral NSToolbarSpaceItemIdentifier = "NSToolbarSpaceItem";
 
 /// One item of a toolbar: a view, or an image that sends an action when it is pressed.
 class NSToolbarItem : public ActionSender, public std::enable_shared_from_this<NSToolbarItem> {
@@ -42,7 +41,8 @@ public:
     const std::string& title() const noexcept { return title_; }
     void setTitle(std::string title);
     const std::string& toolTip() const noexcept { return toolTip_; }
-    void setToolTip(std::string toolTip) { toolTip_ = std::move(toolTip); }
+    /// A view of the item that has none gets it too.
+    void setToolTip(std::string toolTip);
     /// Whether the item stands at the leading edge, before every other.
     bool isNavigational() const noexcept { return isNavigational_; }
     void setNavigational(bool navigational);
@@ -64,6 +64,9 @@ public:
     /// it.
     bool sendAction();
 
+    /// Whether the item does something for the key, and has done it then.
+    virtual bool performKeyEquivalent(const NSEvent& with);
+
     /// What a toolbar shows of the item: its view, or one that the item makes and keeps. Null for a
     /// space.
     std::shared_ptr<NSView> shownView();
@@ -81,6 +84,7 @@ protected:
 
 private:
     friend class NSToolbar;
+    void passToolTipOn();
 
     NSToolbarItemIdentifier identifier_;
     std::string label_;

@@ -38,7 +38,7 @@ void NSTouchBar::setDefaultItemIdentifiers(std::vector<NSTouchBarItemIdentifier>
     defaultItemIdentifiers_ = std::move(identifiers);
     items_ = std::move(items);
     if (const auto shown = window())
-        shown->setToolbarNeedsLayout();
+        shown->setTouchBarNeedsLayout();
     if (const ViewCallObserver observer = callObserver_)
         observer({"setDefaultItemIdentifiers", list});
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <zorvan/platform/appkit/NSView.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <memory>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace zorvan {
@@ -13,11 +13,11 @@ namespace zorvan {
 using NSTouchBarItemIdentifier = std::string;
 
 /// Items that a touch bar makes itself.
-inline constexpr std::string_view NSTouchBarItemIdentifierFixedSpaceSmall =
+inline constexpr NameLiteral NSTouchBarItemIdentifierFixedSpaceSmall =
     "NSTouchBarItemIdentifierFixedSpaceSmall";
-inline constexpr std::string_view NSTouchBarItemIdentifierFixedSpaceLarge =
+inline constexpr NameLiteral NSTouchBarItemIdentifierFixedSpaceLarge =
     "NSTouchBarItemIdentifierFixedSpaceLarge";
-inline constexpr std::string_view NSTouchBarItemIdentifierFlexibleSpace =
+inline constexpr NameLiteral NSTouchBarItemIdentifierFlexibleSpace =
     "NSTouchBarItemIdentifierFlexibleSpace";
 
 /// One item of a touch bar; this kind shows nothing and takes room at most.

@@ -1,7 +1,6 @@
 #include <zorvan/interface/NSWindow.h>
 
 #include <zorvan/interface/NSApplication.h>
-#include <zorvan/interface/NSControl.h>
 #include <zorvan/interface/internal/FrameView.h>
 #include <zorvan/interface/internal/ToolbarStrip.h>
 #include <zorvan/interface/internal/TouchBarStrip.h>
@@ -54,6 +53,7 @@ void NSWindow::setUp() {
 void NSWindow::setTitle(std::string title) {
     title_ = std::move(title);
     frameView_->setTitle(title_);
+    tellObserver(&NSWindowObserver::propertiesDidChange);
 }
 
 // What stands where
@@ -79,13 +79,20 @@ void NSWindow::placeViews() {
 }
 
 void NSWindow::setContentSize(CGSize size) {
-    const CGSize wanted = atLeastOne(size);
+    const CGSize wanted(std::max(atLeastOne(size).width, contentMinSize_.width),
+                        std::max(atLeastOne(size).height, contentMinSize_.height));
     if (wanted == contentSize_)
         return;
     const auto keptAlive = shared_from_this();
     contentSize_ = wanted;
     placeViews();
     post(didResizeNotification);
+}
+
+void NSWindow::setContentMinSize(CGSize size) {
+    contentMinSize_ = atLeastOne(size);
+    setContentSize(contentSize_);
+    tellObserver(&NSWindowObserver::propertiesDidChange);
 }
 
 void NSWindow::setContentView(std::shared_ptr<NSView> view) {
@@ -99,6 +106,7 @@ void NSWindow::setContentView(std::shared_ptr<NSView> view) {
     contentView_ = view;
     frameView_->addSubview(view);
     placeViews();
+    tellObserver(&NSWindowObserver::contentViewDidChange);
 }
 
 void NSWindow::setToolbar(std::shared_ptr<NSToolbar> toolbar) {
@@ -140,7 +148,7 @@ void NSWindow::setTouchBar(std::shared_ptr<NSTouchBar> touchBar) {
         touchBar_->window_ = keptAlive;
     }
     placeViews();
-    setToolbarNeedsLayout();
+    setTouchBarNeedsLayout();
 }
 
 // The main window
@@ -192,139 +200,43 @@ void NSWindow::close() {
     entered_.clear();
 }
 
-// Events
-
-void NSWindow::sendEvent(const NSEvent& event) {
-    if (isClosed_)
-        return;
-    const auto keptAlive = shared_from_this();
-    layoutIfNeeded();
-    using Type = NSEvent::EventType;
-    const bool hasLeft = event.type == Type::mouseExited;
-    trackMouse(hasLeft ? std::nullopt : std::optional(event.locationInWindow), event);
-    if (event.type == Type::leftMouseDown) {
-        auto hit = frameView_->hitTest(event.locationInWindow);
-        const auto control = std::dynamic_pointer_cast<NSControl>(hit);
-        if (control && !control->isEnabled())
-            hit.reset();
-        pressedView_ = hit;
-        if (hit)
-            hit->mouseDown(event);
-    } else if (event.type == Type::leftMouseDragged) {
-        if (const auto pressed = pressedView_)
-            pressed->mouseDragged(event);
-    } else if (event.type == Type::leftMouseUp) {
-        if (const auto pressed = std::exchange(pressedView_, nullptr))
-            pressed->mouseUp(event);
-    }
-}
-
-namespace {
-
-using Areas = std::vector<std::shared_ptr<NSTrackingArea>>;
-
-bool isActive(const NSTrackingArea& area) {
-    using Options = NSTrackingArea::Options;
-    return area.options().contains(Options::activeAlways) ||
-           (area.options().contains(Options::activeInActiveApp) &&
-            NSApplication::shared().isActive());
-}
-
-/// The active areas at a point of the window, of the view and of those in it, outer ones first.
-void collectAreas(const NSView& view, CGPoint location, Areas& areas) {
-    const CGPoint point = view.convertFromBase(location);
-    if (view.isHidden() || !view.bounds().contains(point))
-        return;
-    for (const auto& area : view.trackingAreas())
-        if (area->rect().contains(point) && isActive(*area))
-            areas.push_back(area);
-    for (const auto& inner : view.subviews())
-        collectAreas(*inner, location, areas);
-}
-
-bool holds(const Areas& areas, const std::shared_ptr<NSTrackingArea>& area) {
-    return std::find(areas.begin(), areas.end(), area) != areas.end();
-}
-
-/// Of the areas of one list those that the other has not; one that only took the place of another
-/// with the same owner counts as that one.
-Areas difference(const Areas& areas, const Areas& others) {
-    Areas unmatched;
-    for (const auto& other : others)
-        if (!holds(areas, other))
-            unmatched.push_back(other);
-    Areas rest;
-    for (const auto& area : areas) {
-        if (holds(others, area))
-            continue;
-        const auto twin = std::find_if(unmatched.begin(), unmatched.end(), [&](const auto& other) {
-            return other->owner() == area->owner();
-        });
-        if (twin == unmatched.end())
-            rest.push_back(area);
-        else
-            unmatched.erase(twin);
-    }
-    return rest;
-}
-
-} // namespace
-
-void NSWindow::trackMouse(const std::optional<CGPoint>& location, const NSEvent& event) {
-    Areas now;
-    if (location)
-        collectAreas(*frameView_, *location, now);
-    const Areas before = std::exchange(entered_, now);
-    using Type = NSEvent::EventType;
-    NSEvent told = event;
-    told.type = Type::mouseExited;
-    for (const auto& area : difference(before, now)) {
-        told.trackingArea = area;
-        const auto owner = area->owner();
-        if (owner && area->options().contains(NSTrackingArea::Options::mouseEnteredAndExited))
-            owner->mouseExited(told);
-    }
-    told.type = Type::mouseEntered;
-    for (const auto& area : difference(now, before))
-        tellEntered(area, told);
-    if (event.type != Type::mouseMoved)
-        return;
-    told.type = Type::mouseMoved;
-    for (const auto& area : now) {
-        told.trackingArea = area;
-        const auto owner = area->owner();
-        if (owner && holds(entered_, area) &&
-            area->options().contains(NSTrackingArea::Options::mouseMoved))
-            owner->mouseMoved(told);
-    }
-}
-
-/// Unless what was told before has taken the area out of the window.
-void NSWindow::tellEntered(const std::shared_ptr<NSTrackingArea>& area, NSEvent event) {
-    const auto owner = area->owner();
-    if (!holds(entered_, area))
-        return;
-    if (!owner || owner->window().get() != this) {
-        std::erase(entered_, area);
-        return;
-    }
-    event.trackingArea = area;
-    if (area->options().contains(NSTrackingArea::Options::mouseEnteredAndExited))
-        owner->mouseEntered(event);
-}
-
 // Drawing
 
 void NSWindow::contentDidChange() {
     if (std::exchange(viewsNeedDisplay_, true))
         return;
-    if (const std::function<void()> handler = displayHandler_)
-        handler();
+    tellObserver(&NSWindowObserver::viewsNeedDisplay);
+}
+
+void NSWindow::tellObserver(void (NSWindowObserver::*change)()) const {
+    // Whoever is told may add another.
+    const auto observers = observers_;
+    for (const auto& weak : observers)
+        if (const auto observer = weak.lock())
+            ((*observer).*change)();
+}
+
+void NSWindow::addObserver(const std::shared_ptr<NSWindowObserver>& observer) {
+    std::erase_if(observers_, [](const auto& other) { return other.expired(); });
+    observers_.push_back(observer);
+}
+
+void NSWindow::displayIfNeeded() {
+    const auto keptAlive = shared_from_this();
+    viewsNeedDisplay_ = false;
+    layoutIfNeeded();
 }
 
 void NSWindow::setToolbarNeedsLayout() {
     barsNeedLayout_ = true;
     contentDidChange();
+    tellObserver(&NSWindowObserver::toolbarDidChange);
+}
+
+void NSWindow::setTouchBarNeedsLayout() {
+    barsNeedLayout_ = true;
+    contentDidChange();
+    tellObserver(&NSWindowObserver::touchBarDidChange);
 }
 
 void NSWindow::layoutIfNeeded() {

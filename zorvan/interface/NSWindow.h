@@ -2,12 +2,12 @@
 
 #include <zorvan/interface/NSToolbar.h>
 #include <zorvan/interface/NSTouchBar.h>
+#include <zorvan/interface/NSWindowObserver.h>
 #include <zorvan/platform/appkit/NSEvent.h>
 #include <zorvan/platform/appkit/NSView.h>
 #include <zorvan/platform/foundation/Data.h>
 #include <zorvan/platform/graphics/Bitmap.h>
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -52,9 +52,17 @@ public:
     /// Of the whole window.
     CGSize size() const;
     CGSize contentSize() const noexcept { return contentSize_; }
-    /// No side below 1 point. The content keeps its size when bars come and go; the window does
-    /// not.
+    /// No side below 1 point, nor below the least size. The content keeps its size when bars come
+    /// and go; the window does not.
     void setContentSize(CGSize size);
+    /// 1 x 1 point unless set. A smaller content grows at once.
+    CGSize contentMinSize() const noexcept { return contentMinSize_; }
+    void setContentMinSize(CGSize size);
+    /// Under which name a host remembers where the window stands and how large it is, for the next
+    /// start of the program; empty, as at first, for nowhere.
+    const std::string& frameAutosaveName() const noexcept { return frameAutosaveName_; }
+    /// Counts from when the window is shown next.
+    void setFrameAutosaveName(std::string name) { frameAutosaveName_ = std::move(name); }
 
     const std::shared_ptr<NSView>& contentView() const noexcept { return contentView_; }
     /// A new, empty one for null.
@@ -79,11 +87,31 @@ public:
     /// Nothing when it is not the main window.
     void resignMainWindow();
 
-    /// Hands an event on: presses to the view that is hit, unless it is a disabled control; drags
-    /// and releases to the one that was pressed, be it in the window any more or not; entering and
-    /// leaving to the owners of tracking areas. `mouseExited` means that the mouse has left the
-    /// window. Nothing once the window is closed.
-    void sendEvent(const NSEvent& event);
+    /// Hands an event on. Presses go to the view that is hit, unless it is a disabled control, and
+    /// give the keyboard to the innermost view there that accepts it; drags and releases go to the
+    /// one that was pressed, be it in the window any more or not; the wheel to the view that is
+    /// hit; entering and leaving to the owners of tracking areas. `mouseExited` means that the
+    /// mouse has left the window. Keys go to the first responder, else to the content view, and
+    /// when nobody takes a press it may be a key equivalent: of a view, or of a menu of the
+    /// toolbar.
+    ///
+    /// A host that knows which view the mouse is over says so. False when nobody took the event;
+    /// always once the window is closed.
+    bool sendEvent(const NSEvent& event, const std::shared_ptr<NSView>& over = nullptr);
+
+    /// For the press of a key that the first responder did not take: true when it is the key
+    /// equivalent of a view, or of a menu of the toolbar, and that has done its work.
+    bool performKeyEquivalent(const NSEvent& event);
+
+    /// What keys go to; null for none.
+    std::shared_ptr<NSView> firstResponder() const noexcept;
+    /// Null takes the keyboard from all. False when the one before does not let go, and when the
+    /// view stands elsewhere or does not take it; in the second case nobody has it afterwards.
+    bool makeFirstResponder(const std::shared_ptr<NSView>& view);
+    /// To the next view that accepts the keyboard, in the order of the tree or as `nextKeyView`
+    /// says, from the last to the first. Nothing when there is none.
+    void selectNextKeyView() { selectKeyView(true); }
+    void selectPreviousKeyView() { selectKeyView(false); }
 
     void layoutIfNeeded();
     /// The whole window, `scale` pixels to a point; absent when that is too large a bitmap.
@@ -92,8 +120,12 @@ public:
     std::optional<Data> pngData(double scale = 1);
     /// Whether something has changed since the window was last drawn.
     bool viewsNeedDisplay() const noexcept { return viewsNeedDisplay_; }
-    /// Called when `viewsNeedDisplay` becomes true; for the host that draws the window.
-    void setDisplayHandler(std::function<void()> handler) { displayHandler_ = std::move(handler); }
+    /// What a host does that shows each view by itself: lays out, and counts what has changed as
+    /// drawn.
+    void displayIfNeeded();
+    /// The host that shows the window, and tests. Not kept alive; one that has gone is told no
+    /// more.
+    void addObserver(const std::shared_ptr<NSWindowObserver>& observer);
 
 private:
     struct Key {};
@@ -106,7 +138,16 @@ public:
 private:
     void setUp();
     void setToolbarNeedsLayout();
+    void setTouchBarNeedsLayout();
     void contentDidChange();
+    void tellObserver(void (NSWindowObserver::*change)()) const;
+    std::shared_ptr<NSView> hitView(CGPoint location) const;
+    bool sendButton(const NSEvent& event, const std::shared_ptr<NSView>& over);
+    bool sendKey(const NSEvent& event);
+    bool deliver(void (NSView::*handler)(const NSEvent&), const std::shared_ptr<NSView>& to,
+                 const NSEvent& event);
+    void giveKeyboard(std::shared_ptr<NSView> hit);
+    void selectKeyView(bool forward);
     void placeViews();
     void post(std::string_view name);
     void trackMouse(const std::optional<CGPoint>& location, const NSEvent& event);
@@ -121,9 +162,12 @@ private:
     std::shared_ptr<NSTouchBar> touchBar_;
     std::shared_ptr<TouchBarStrip> touchBarStrip_;
     std::shared_ptr<NSView> pressedView_;
+    std::weak_ptr<NSView> firstResponder_;
     /// The tracking areas that the mouse is in.
     std::vector<std::shared_ptr<NSTrackingArea>> entered_;
-    std::function<void()> displayHandler_;
+    std::vector<std::weak_ptr<NSWindowObserver>> observers_;
+    std::string frameAutosaveName_;
+    CGSize contentMinSize_{1, 1};
     bool isVisible_ = false;
     bool isClosed_ = false;
     bool viewsNeedDisplay_ = true;

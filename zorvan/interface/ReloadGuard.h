@@ -1,13 +1,16 @@
 #pragma once
 
-#include <utility>
+#include <zorvan/platform/foundation/fatalError.h>
 
 namespace zorvan {
 
-/// Keeps reloads from running inside one another: one asked for during another is done once, after
-/// it.
+/// Keeps reloads from running inside one another: while one is asked for during another, it is done
+/// once more after it.
 class ReloadGuard {
 public:
+    static constexpr int mostReloads = 100;
+
+    /// Stops the program when more reloads than that ask for the next.
     template <class Reload>
     void run(const Reload& reload) {
         if (isRunning_) {
@@ -15,11 +18,14 @@ public:
             return;
         }
         isRunning_ = true;
-        isAskedForAgain_ = false;
         const Finish finish{*this};
-        reload();
-        if (std::exchange(isAskedForAgain_, false))
+        int reloads = 0;
+        do {
+            if (++reloads > mostReloads)
+                fatalError("The items of a bar asked to be reloaded 100 times in a row.");
+            isAskedForAgain_ = false;
             reload();
+        } while (isAskedForAgain_);
     }
 
 private:

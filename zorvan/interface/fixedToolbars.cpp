@@ -23,9 +23,29 @@ const std::shared_ptr<NSToolbarItem>& made(std::shared_ptr<NSToolbarItem>& item,
     return item;
 }
 
+/// In the item too, when that has been made.
+void replace(std::shared_ptr<NSView>& view, std::shared_ptr<NSView> by,
+             const std::shared_ptr<NSToolbarItem>& item) {
+    view = std::move(by);
+    if (item)
+        item->setView(view);
+}
+
 } // namespace
 
 // DividedToolbar
+
+void DividedToolbar::setLeftItemView(std::shared_ptr<NSView> view) {
+    replace(leftItemView_, view ? std::move(view) : emptyView(), leftToolbarItem_);
+}
+
+void DividedToolbar::setCenterItemView(std::shared_ptr<NSView> view) {
+    replace(centerItemView_, view ? std::move(view) : emptyView(), centerToolbarItem_);
+}
+
+void DividedToolbar::setRightItemView(std::shared_ptr<NSView> view) {
+    replace(rightItemView_, view ? std::move(view) : emptyView(), rightToolbarItem_);
+}
 
 std::shared_ptr<DividedToolbar> DividedToolbar::create(std::string identifier) {
     const auto toolbar = std::make_shared<DividedToolbar>(Key{}, std::move(identifier));

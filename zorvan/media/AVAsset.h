@@ -33,15 +33,15 @@ public:
     static std::shared_ptr<const AVAsset> create(Parts parts);
 
     /// Absent for one that stands for no file.
-    const std::optional<URL>& url() const noexcept { return url_; }
+    std::optional<URL> url() const { return url_; }
     /// Whether there is any track.
     bool isReadable() const noexcept { return !tracks_.empty(); }
 
     /// In the order of the file.
-    const std::vector<AVAssetTrack>& tracks() const noexcept { return tracks_; }
+    std::vector<AVAssetTrack> tracks() const { return tracks_; }
     std::vector<AVAssetTrack> tracksWithMediaType(AVMediaType type) const;
     /// In the order of the file, but the date that the container states for itself comes last.
-    const std::vector<AVMetadataItem>& metadata() const noexcept { return metadata_; }
+    std::vector<AVMetadataItem> metadata() const { return metadata_; }
     /// Of the longest track; indefinite when it is not known.
     CMTime duration() const noexcept { return duration_; }
 

@@ -1,24 +1,23 @@
 #pragma once
 
 #include <zorvan/platform/foundation/Data.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 #include <zorvan/platform/foundation/PropertyList.h>
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace zorvan {
 
-inline constexpr std::string_view AVMetadataCommonIdentifierCreationDate = "common/creationDate";
-inline constexpr std::string_view AVMetadataIdentifierQuickTimeMetadataCreationDate =
+inline constexpr NameLiteral AVMetadataCommonIdentifierCreationDate = "common/creationDate";
+inline constexpr NameLiteral AVMetadataIdentifierQuickTimeMetadataCreationDate =
     "mdta/com.apple.quicktime.creationdate";
-inline constexpr std::string_view AVMetadataIdentifierQuickTimeUserDataCreationDate = "udta/%A9day";
+inline constexpr NameLiteral AVMetadataIdentifierQuickTimeUserDataCreationDate = "udta/%A9day";
 
-inline constexpr std::string_view AVMetadataCommonIdentifierLocation = "common/location";
-inline constexpr std::string_view AVMetadataIdentifierQuickTimeMetadataLocationISO6709 =
+inline constexpr NameLiteral AVMetadataCommonIdentifierLocation = "common/location";
+inline constexpr NameLiteral AVMetadataIdentifierQuickTimeMetadataLocationISO6709 =
     "mdta/com.apple.quicktime.location.ISO6709";
-inline constexpr std::string_view AVMetadataIdentifierQuickTimeUserDataLocationISO6709 =
-    "udta/%A9xyz";
+inline constexpr NameLiteral AVMetadataIdentifierQuickTimeUserDataLocationISO6709 = "udta/%A9xyz";
 
 /// Something that a media file says of itself.
 struct AVMetadataItem {

@@ -162,7 +162,8 @@ std::shared_ptr<PeriodicTimeObserver> AVPlayer::addTimeObserver(FPS rate, TimeBl
     const std::int64_t fps = rate.fps;
     const auto timescale = static_cast<std::int32_t>(fps);
     if (timescale != fps)
-        fatalError("Frame rate does not fit a time scale");
+        fatalError("Frame rate " + std::to_string(fps) +
+                   " does not fit a time scale, which is at most 2147483647");
     return addPeriodicTimeObserver({.interval = CMTimeMake(1, timescale)}, std::move(block));
 }
 

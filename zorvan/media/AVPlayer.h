@@ -48,7 +48,7 @@ public:
     AVPlayer& operator=(const AVPlayer&) = delete;
 
     /// Null when there is none.
-    const std::shared_ptr<AVPlayerItem>& currentItem() const noexcept { return item_; }
+    std::shared_ptr<AVPlayerItem> currentItem() const noexcept { return item_; }
     /// Lets go of the item there was. The rate stays, so that a playing player plays the new one.
     /// Stops the program with "AVPlayerItem is already in a player" for an item of another player.
     void replaceCurrentItem(std::shared_ptr<AVPlayerItem> item);
@@ -62,7 +62,7 @@ public:
     /// `setRate(1)`; at the end of the item it stays there.
     void play() { setRate(1); }
     void pause() { setRate(0); }
-    /// Whether the rate is not 0; a NaN rate is not.
+    /// Whether the rate is not 0; NaN counts as not 0.
     bool isPlaying() const { return rate() != 0; }
     /// Pauses when the rate is not 0, else plays.
     void playPause() { isPlaying() ? pause() : play(); }
@@ -91,8 +91,8 @@ public:
                                                                   TimeBlock block);
     /// The same, every 1/25 s on the main queue.
     std::shared_ptr<PeriodicTimeObserver> addTimeObserver(TimeBlock block);
-    /// The same, every 1/fps s on the main queue. Stops the program with "Frame rate does not fit a
-    /// time scale" when `fps` does not fit 32 bits.
+    /// The same, every 1/fps s on the main queue. Stops the program with a message, which names the
+    /// rate, when `fps` does not fit 32 bits.
     std::shared_ptr<PeriodicTimeObserver> addTimeObserver(FPS rate, TimeBlock block);
     /// Ends the registration; no effect when it has ended already. The block is not begun again on
     /// this thread, nor by its queue once a call under way has ended.

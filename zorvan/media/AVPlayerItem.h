@@ -49,7 +49,7 @@ public:
     AVPlayerItem(const AVPlayerItem&) = delete;
     AVPlayerItem& operator=(const AVPlayerItem&) = delete;
 
-    const std::shared_ptr<const AVAsset>& asset() const noexcept { return asset_; }
+    std::shared_ptr<const AVAsset> asset() const noexcept { return asset_; }
     /// As the asset has it: indefinite when it is not known.
     CMTime duration() const noexcept { return asset_->duration(); }
     Status status() const;

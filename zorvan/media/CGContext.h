@@ -107,7 +107,7 @@ public:
     // The graphics state.
 
     /// Takes what is drawn from here on to the bitmap; the identity at first, except on a canvas.
-    const CGAffineTransform& ctm() const noexcept { return state_.ctm; }
+    CGAffineTransform ctm() const noexcept { return state_.ctm; }
     /// Each of these happens before what the transform did so far.
     void translateBy(double x, double y) noexcept { state_.ctm = state_.ctm.translatedBy(x, y); }
     void scaleBy(double x, double y) noexcept { state_.ctm = state_.ctm.scaledBy(x, y); }

@@ -2,6 +2,7 @@
 
 #include <zorvan/media/AVCaptureVideoOrientation.h>
 #include <zorvan/media/ImageExportFormat.h>
+#include <zorvan/media/Location.h>
 #include <zorvan/media/byteOffset.h>
 #include <zorvan/numbers-geometry/CGAffineTransform.h>
 #include <zorvan/numbers-geometry/CGRect.h>
@@ -75,6 +76,27 @@ public:
     [[nodiscard]] static std::optional<CGSize> orientedImageSize(const URL& url);
     [[nodiscard]] static std::optional<CGSize> orientedImageSize(Data data);
 
+    /// When the picture was taken, else when it was digitised, with the fraction of a second. A
+    /// camera that does not say in which time zone is taken to be in that of the process. Absent
+    /// when EXIF does not say, or not legibly.
+    [[nodiscard]] static std::optional<Date> creationDate(const PropertyList::Dictionary& metadata);
+    [[nodiscard]] static std::optional<Date>
+    creationDate(const std::optional<PropertyList::Dictionary>& metadata);
+    [[nodiscard]] static std::optional<Date> creationDate(const URL& url);
+
+    /// Where the picture was taken; absent when it does not say, or a place that the earth has not.
+    [[nodiscard]] static std::optional<Location> location(const PropertyList::Dictionary& metadata);
+    [[nodiscard]] static std::optional<Location>
+    location(const std::optional<PropertyList::Dictionary>& metadata);
+    [[nodiscard]] static std::optional<Location> location(const URL& url);
+
+    /// What to write beside a copy that has been turned upright (a thumbnail, `oriented`), so that
+    /// nobody turns it again: without the orientation, width and height exchanged where that
+    /// exchanges them, and without the compression of the original. Date, place, exposure and texts
+    /// stay.
+    [[nodiscard]] static PropertyList::Dictionary
+    uprightMetadata(PropertyList::Dictionary metadata);
+
     // Pixels.
 
     std::int64_t width() const noexcept { return bitmap_->width(); }
@@ -82,8 +104,9 @@ public:
     std::int64_t bitsPerComponent() const noexcept { return 8; }
     std::int64_t bitsPerPixel() const noexcept { return 32; }
     std::int64_t bytesPerRow() const noexcept { return bitmap_->bytesPerRow(); }
+    /// Lives as long as the picture, which must be held.
     const Bitmap& bitmap() const noexcept { return *bitmap_; }
-    /// The first byte of the top row.
+    /// The first byte of the top row, which lives as long.
     const std::uint8_t* uint8Data() const noexcept { return bitmap_->data(); }
 
     /// (width, height).

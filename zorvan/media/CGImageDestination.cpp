@@ -2,13 +2,10 @@
 
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/ImageKeys.h>
-#include <zorvan/media/internal/writeFileAtomically.h>
-#include <zorvan/platform/graphics/ExactTransforms.h>
+#include <zorvan/platform/foundation/internal/writeFile.h>
 #include <zorvan/platform/imageio/ImageWriter.h>
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -29,13 +26,10 @@ const Kind* find(const PropertyList::Dictionary& options, std::string_view key) 
     return entry == options.end() ? nullptr : entry->second.as<Kind>();
 }
 
-/// Clamped to 0 to 1; absent when it is not given, or not a number.
 std::optional<double> quality(const PropertyList::Dictionary& options) {
     const NSNumber* const value =
         find<NSNumber>(options, kCGImageDestinationLossyCompressionQuality);
-    if (!value || std::isnan(value->doubleValue()))
-        return std::nullopt;
-    return std::clamp(value->doubleValue(), 0.0, 1.0);
+    return value ? std::optional(value->doubleValue()) : std::nullopt;
 }
 
 std::optional<int> tiffCompression(const PropertyList::Dictionary& options) {
@@ -55,7 +49,10 @@ CGImageDestination::CGImageDestination(Key, Write write, std::string_view type, 
                                        PropertyList::Dictionary options)
     : write_(std::move(write)), type_(type), count_(count), options_(std::move(options)) {}
 
-bool CGImageDestination::supports(std::string_view type) { return formatOf(type).has_value(); }
+bool CGImageDestination::supports(std::string_view type) {
+    const auto format = formatOf(type);
+    return format && imageio::canEncode(*format);
+}
 
 std::shared_ptr<CGImageDestination>
 CGImageDestination::create(Write write, std::string_view type, std::int64_t count,
@@ -70,8 +67,8 @@ CGImageDestination::create(const URL& url, std::string_view type, std::int64_t c
                            const PropertyList::Dictionary& options) {
     if (!url.isFileURL())
         return nullptr;
-    return create([url](const Data& bytes) { return writeFileAtomically(url, bytes); }, type, count,
-                  options);
+    const auto write = [url](const Data& bytes) { return !internal::writeFile(url.path(), bytes); };
+    return create(Write(write), type, count, options);
 }
 
 std::shared_ptr<CGImageDestination>
@@ -106,21 +103,13 @@ bool CGImageDestination::finalize() {
 }
 
 std::optional<Data> CGImageDestination::encoded() const {
-    std::vector<Bitmap> converted;
-    converted.reserve(pictures_.size());
     std::vector<imageio::Frame> frames;
     for (const Picture& picture : pictures_) {
-        const Bitmap* bitmap = &picture.image->bitmap();
-        if (bitmap->layout() != BitmapLayout::rgba) {
-            std::optional<Bitmap> rgba = copied(*bitmap, BitmapLayout::rgba);
-            if (!rgba)
-                return std::nullopt;
-            bitmap = &converted.emplace_back(std::move(*rgba));
-        }
         PropertyList::Dictionary options = picture.options;
         options.insert(properties_.begin(), properties_.end());
         options.insert(options_.begin(), options_.end());
-        frames.push_back({bitmap, quality(options), tiffCompression(options), options});
+        frames.push_back(
+            {&picture.image->bitmap(), quality(options), tiffCompression(options), options});
     }
     return imageio::encode(*formatOf(type_), frames);
 }

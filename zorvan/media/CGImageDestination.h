@@ -23,7 +23,8 @@ class CGImage;
 /// of a picture go before those of the file, and those before the ones given at creation.
 class CGImageDestination {
 public:
-    /// Whether pictures of that type can be written.
+    /// Whether pictures of that type can be written. HEIC wants an encoder that is installed apart
+    /// from the library on some systems.
     [[nodiscard]] static bool supports(std::string_view type);
 
     /// A destination for `count` pictures. Empty when the type cannot be written, when `count` is
@@ -39,13 +40,16 @@ public:
     /// Properties of the whole file.
     void setProperties(const PropertyList::Dictionary& properties);
 
-    /// Adds the next picture. An empty one, and more than were announced, are left out.
+    /// Adds the next picture. Properties that were read beside a picture which has been turned
+    /// upright since go through `CGImage::uprightMetadata`, or it is turned again. An empty one,
+    /// and more than were announced, are left out.
     void addImage(std::shared_ptr<const CGImage> image,
                   const PropertyList::Dictionary& options = {});
 
     /// Encodes and writes what was added; true on success. False when fewer pictures were added
     /// than announced, when the encoder or the file system refuses, and when called again. A file
-    /// is put in place in one step: on failure what was there before is still there.
+    /// is put in place in one step: on failure what was there before is still there. What is there
+    /// and no regular file (a pipe, a device) is refused.
     [[nodiscard]] bool finalize();
 
 private:

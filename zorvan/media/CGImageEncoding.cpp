@@ -1,8 +1,8 @@
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/CGImageDestination.h>
-#include <zorvan/media/ImageKeys.h>
+#include <zorvan/platform/imageio/ImageWriter.h>
 
-#include <string>
+#include <memory>
 #include <utility>
 
 namespace zorvan {
@@ -29,8 +29,8 @@ std::optional<Data> CGImage::data(ImageExportFormat format,
 }
 
 std::optional<Data> CGImage::jpegData(double quality) const {
-    return data(ImageExportFormat::jpg,
-                {{std::string(kCGImageDestinationLossyCompressionQuality), quality}});
+    const imageio::Frame frame = {.bitmap = bitmap_.get(), .quality = quality};
+    return imageio::encode(imageio::FileFormat::jpeg, {&frame, 1});
 }
 
 std::optional<Data> CGImage::pngData() const { return data(ImageExportFormat::png, {}); }
@@ -39,8 +39,8 @@ std::optional<Data> CGImage::heicData() const { return data(ImageExportFormat::h
 
 std::optional<Data> CGImage::tiffData() const {
     constexpr int lzw = 5;
-    const PropertyList::Dictionary tiff{{std::string(kCGImagePropertyTIFFCompression), lzw}};
-    return data(ImageExportFormat::tiff, {{std::string(kCGImagePropertyTIFFDictionary), tiff}});
+    const imageio::Frame frame = {.bitmap = bitmap_.get(), .tiffCompression = lzw};
+    return imageio::encode(imageio::FileFormat::tiff, {&frame, 1});
 }
 
 } // namespace zorvan

@@ -2,6 +2,7 @@
 
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/ImageKeys.h>
+#include <zorvan/media/internal/ThumbnailRequest.h>
 #include <zorvan/platform/graphics/ExactTransforms.h>
 #include <zorvan/platform/graphics/drawBitmap.h>
 #include <zorvan/platform/imageio/ImageReader.h>
@@ -25,14 +26,13 @@ bool isSet(const PropertyList::Dictionary& options, std::string_view key) {
     return value && value->boolValue();
 }
 
-/// The longest side allowed; absent when none is.
-std::optional<std::int64_t> longestSide(const PropertyList::Dictionary& options) {
+ThumbnailRequest requestFrom(const PropertyList::Dictionary& options) {
     const NSNumber* const limit = number(options, kCGImageSourceThumbnailMaxPixelSize);
-    if (!limit)
-        return std::numeric_limits<std::int64_t>::max();
-    if (!(limit->doubleValue() > 0))
-        return std::nullopt;
-    return std::max<std::int64_t>(1, limit->int64Value());
+    return {.longestSide = limit ? longestSide(limit->doubleValue())
+                                 : std::numeric_limits<std::int64_t>::max(),
+            .isUpright = isSet(options, kCGImageSourceCreateThumbnailWithTransform),
+            .isMadeAlways = isSet(options, kCGImageSourceCreateThumbnailFromImageAlways),
+            .isMadeIfAbsent = isSet(options, kCGImageSourceCreateThumbnailFromImageIfAbsent)};
 }
 
 /// No larger than `longest` on the longer side, the aspect ratio kept; absent without memory.
@@ -69,70 +69,85 @@ public:
 
     std::int64_t count() const override {
         const std::lock_guard lock(mutex_);
+        error_.clear();
         return reader_->count();
     }
 
     std::string error() const override {
         const std::lock_guard lock(mutex_);
-        return std::string(reader_->error());
+        return error_.empty() ? reader_->error() : error_;
     }
 
     CGImage::Pointer image(std::int64_t index, const PropertyList::Dictionary&) const override {
         const std::lock_guard lock(mutex_);
-        return imageOf(isPicture(index) ? reader_->decode(index, {}) : std::nullopt);
-    }
-
-    CGImage::Pointer thumbnail(std::int64_t index,
-                               const PropertyList::Dictionary& options) const override {
-        const std::lock_guard lock(mutex_);
-        const std::optional<std::int64_t> longest = longestSide(options);
-        if (!longest || !isPicture(index))
-            return nullptr;
-        std::optional<Bitmap> bitmap = small(index, *longest, options);
-        if (bitmap && isSet(options, kCGImageSourceCreateThumbnailWithTransform))
-            bitmap = upright(index, std::move(*bitmap));
-        return imageOf(std::move(bitmap));
+        error_.clear();
+        return imageOf(reader_->decode(index, {}));
     }
 
     std::optional<PropertyList::Dictionary>
     properties(std::int64_t index, const PropertyList::Dictionary&) const override {
         const std::lock_guard lock(mutex_);
-        return isPicture(index) ? reader_->properties(index) : std::nullopt;
+        error_.clear();
+        return reader_->properties(index);
     }
 
 private:
-    bool isPicture(std::int64_t index) const { return index >= 0 && index < reader_->count(); }
+    CGImage::Pointer makeThumbnail(std::int64_t index,
+                                   const ThumbnailRequest& request) const override {
+        const std::lock_guard lock(mutex_);
+        error_.clear();
+        if (request.longestSide < 1) {
+            error_ = "a thumbnail of no size was asked for";
+            return nullptr;
+        }
+        std::optional<Bitmap> bitmap = small(index, request);
+        if (bitmap && request.isUpright)
+            bitmap = upright(index, std::move(*bitmap));
+        return imageOf(std::move(bitmap));
+    }
 
     static CGImage::Pointer imageOf(std::optional<Bitmap> bitmap) {
         return bitmap ? CGImage::create(std::move(*bitmap)) : nullptr;
     }
 
-    std::optional<Bitmap> small(std::int64_t index, std::int64_t longest,
-                                const PropertyList::Dictionary& options) const {
-        if (!isSet(options, kCGImageSourceCreateThumbnailFromImageAlways)) {
+    std::optional<Bitmap> small(std::int64_t index, const ThumbnailRequest& request) const {
+        if (!request.isMadeAlways) {
             if (std::optional<Bitmap> own = reader_->embeddedThumbnail(index))
-                return limited(std::move(*own), longest);
-            if (!isSet(options, kCGImageSourceCreateThumbnailFromImageIfAbsent))
+                return checked(limited(std::move(*own), request.longestSide));
+            if (!request.isMadeIfAbsent)
                 return std::nullopt;
         }
-        return reader_->decode(index, {.maximumPixelSize = longest});
+        return reader_->decode(index, {.maximumPixelSize = request.longestSide});
     }
 
     std::optional<Bitmap> upright(std::int64_t index, Bitmap bitmap) const {
-        const auto properties = reader_->properties(index);
-        const NSNumber* const value =
-            properties ? number(*properties, kCGImagePropertyOrientation) : nullptr;
-        const std::int64_t exifValue = value ? value->int64Value() : 1;
-        if (exifValue < 2 || exifValue > 8)
-            return bitmap;
-        return oriented(bitmap, exifValue);
+        const int exifValue = reader_->orientation(index).value_or(1);
+        return exifValue == 1 ? std::optional(std::move(bitmap))
+                              : checked(oriented(bitmap, exifValue));
+    }
+
+    std::optional<Bitmap> checked(std::optional<Bitmap> made) const {
+        if (!made)
+            error_ = "there is not enough memory";
+        return made;
     }
 
     mutable std::mutex mutex_;
+    /// Of what is done here; else it is the reader that failed.
+    mutable std::string error_;
     std::unique_ptr<imageio::ImageReader> reader_;
 };
 
 } // namespace
+
+std::int64_t longestSide(double limit) noexcept {
+    return limit > 0 ? std::max<std::int64_t>(1, NSNumber(limit).int64Value()) : 0;
+}
+
+CGImage::Pointer CGImageSource::thumbnail(std::int64_t index,
+                                          const PropertyList::Dictionary& options) const {
+    return makeThumbnail(index, requestFrom(options));
+}
 
 std::shared_ptr<CGImageSource> CGImageSource::create(const URL& url,
                                                      const PropertyList::Dictionary&) {

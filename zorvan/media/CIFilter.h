@@ -2,6 +2,7 @@
 
 #include <zorvan/media/CIImage.h>
 #include <zorvan/media/CIVector.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <map>
 #include <memory>
@@ -13,26 +14,25 @@
 
 namespace zorvan {
 
-inline constexpr std::string_view kCIInputImageKey = "inputImage";
-inline constexpr std::string_view kCIOutputImageKey = "outputImage";
+inline constexpr NameLiteral kCIInputImageKey = "inputImage";
+inline constexpr NameLiteral kCIOutputImageKey = "outputImage";
 
 /// Makes a picture from one, by values under keys. An application may derive filters of its own.
 ///
-/// | name | keys, and what they are when not set |
-/// |---|---|
-/// | "CIColorMatrix" | "inputRVector" (1, 0, 0, 0), "inputGVector" (0, 1, 0, 0), "inputBVector" (0,
-/// 0, 1, 0), "inputAVector" (0, 0, 0, 1), "inputBiasVector" (0, 0, 0, 0): each component of the
-/// result is the product of its vector and the pixel (red, green, blue, alpha), and its part of the
-/// bias | | "CIToneCurve" | "inputPoint0" to "inputPoint4", (0, 0), (0.25, 0.25) ... (1, 1): red,
-/// green and blue each follow a smooth curve through the points, which never turns back between two
-/// of them; they must stand in order of x |
+/// - "CIColorMatrix": each component of the result is the product of its vector and the pixel (red,
+///   green, blue, alpha), and its part of the bias. Keys, and what they are when not set:
+///   "inputRVector" (1, 0, 0, 0), "inputGVector" (0, 1, 0, 0), "inputBVector" (0, 0, 1, 0),
+///   "inputAVector" (0, 0, 0, 1), "inputBiasVector" (0, 0, 0, 0).
+/// - "CIToneCurve": red, green and blue each follow a smooth curve through the points, which never
+///   turns back between two of them; they must stand in order of x. Keys: "inputPoint0" to
+///   "inputPoint4", when not set (0, 0), (0.25, 0.25) ... (1, 1).
 class CIFilter {
 public:
     using Pointer = std::shared_ptr<CIFilter>;
     /// Nothing, a picture, numbers or one number.
     using Value = std::variant<std::monostate, CIImage::Pointer, CIVector, double>;
 
-    /// A filter of the table; empty when it is none of them.
+    /// A filter of that list; empty when it is none of them.
     static Pointer create(std::string_view name);
     static std::vector<std::string_view> filterNames();
 
@@ -40,7 +40,7 @@ public:
     CIFilter(const CIFilter&) = delete;
     CIFilter& operator=(const CIFilter&) = delete;
 
-    const std::string& name() const noexcept { return name_; }
+    std::string name() const { return name_; }
     void setValue(Value value, std::string_view key) {
         values_.insert_or_assign(std::string(key), std::move(value));
     }

@@ -3,12 +3,12 @@
 #include <zorvan/media/CGImage.h>
 #include <zorvan/numbers-geometry/CGAffineTransform.h>
 #include <zorvan/numbers-geometry/CGRect.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 #include <zorvan/platform/foundation/PropertyList.h>
 #include <zorvan/platform/graphics/CGPath.h>
 
 #include <functional>
 #include <memory>
-#include <string_view>
 #include <vector>
 
 namespace zorvan {
@@ -16,7 +16,7 @@ namespace zorvan {
 class CIFilter;
 
 /// An option of `autoAdjusted`: whether tones and colours are adjusted at all; true when missing.
-inline constexpr std::string_view kCIImageAutoAdjustEnhance = "kCIImageAutoAdjustEnhance";
+inline constexpr NameLiteral kCIImageAutoAdjustEnhance = "kCIImageAutoAdjustEnhance";
 
 /// A recipe for a picture: the picture it begins with, where that is moved to, and what becomes of
 /// its colours. No pixel is computed before a `CIContext` draws it. Never changes, and may be
@@ -40,7 +40,7 @@ public:
     static Pointer create(const URL& contentsOf);
 
     /// Around the picture; `null` when nothing is left of it.
-    const CGRect& extent() const noexcept { return extent_; }
+    CGRect extent() const noexcept { return extent_; }
 
     [[nodiscard]] Pointer transformed(const CGAffineTransform& by) const;
     /// What of it lies in the rectangle.
@@ -72,10 +72,9 @@ public:
     /// - Colours: the mean of the pixels that are nearly grey is moved towards grey, by at most a
     ///   third. Pixels of the hues of skin, whatever its shade, do not count, so a face that fills
     ///   the picture is no reason to cool it.
-    /// - Tones: the brightness that all but half a percent reach and that half a percent exceed go
-    /// to
-    ///   black and white, by a factor of at most 8; then dark middles are raised. A picture of
-    ///   nearly one brightness is left as it is.
+    /// - Tones: the brightness that all but half a percent reach goes to black, and the one that
+    ///   half a percent exceed to white, by a factor of at most 8; then dark middles are raised. A
+    ///   picture of nearly one brightness is left as it is.
     [[nodiscard]] std::vector<std::shared_ptr<CIFilter>>
     autoAdjustmentFilters(const PropertyList::Dictionary& options = {}) const;
 

@@ -1,7 +1,9 @@
 #include <zorvan/media/ImageThumbailer.h>
 
 #include <zorvan/media/CGImage.h>
+#include <zorvan/media/CGImageSource.h>
 #include <zorvan/media/ImageKeys.h>
+#include <zorvan/media/internal/ThumbnailRequest.h>
 
 #include <string>
 #include <utility>
@@ -17,11 +19,20 @@ PropertyList::Dictionary ImageThumbailer::coreImageDictionary() const {
 }
 
 std::shared_ptr<const CGImage> ImageThumbailer::thumbnail(const URL& url) const {
-    return CGImage::thumbnail(url, coreImageDictionary());
+    const auto source = CGImageSource::create(url);
+    return source ? thumbnail(*source) : nullptr;
 }
 
 std::shared_ptr<const CGImage> ImageThumbailer::thumbnail(Data data) const {
-    return CGImage::thumbnail(std::move(data), coreImageDictionary());
+    return thumbnail(*CGImageSource::create(std::move(data)));
+}
+
+std::shared_ptr<const CGImage> ImageThumbailer::thumbnail(const CGImageSource& source,
+                                                          std::int64_t index) const {
+    return source.makeThumbnail(index,
+                                ThumbnailRequest{.longestSide = longestSide(maximumPixelSize),
+                                                 .isUpright = applyExifTransform,
+                                                 .isMadeAlways = alwaysCreateImage});
 }
 
 } // namespace zorvan

@@ -4,11 +4,13 @@
 #include <zorvan/platform/foundation/PropertyList.h>
 #include <zorvan/platform/foundation/URL.h>
 
+#include <cstdint>
 #include <memory>
 
 namespace zorvan {
 
 class CGImage;
+class CGImageSource;
 
 /// How thumbnails are made: `ImageThumbailer{.maximumPixelSize = 256}.thumbnail(url)`.
 struct ImageThumbailer {
@@ -26,6 +28,9 @@ struct ImageThumbailer {
     /// The thumbnail of the first picture, decoded at the reduced size; empty when there is none.
     [[nodiscard]] std::shared_ptr<const CGImage> thumbnail(const URL& url) const;
     [[nodiscard]] std::shared_ptr<const CGImage> thumbnail(Data data) const;
+    /// The thumbnail of a picture of the source, whose `error` says why there is none.
+    [[nodiscard]] std::shared_ptr<const CGImage> thumbnail(const CGImageSource& source,
+                                                           std::int64_t index = 0) const;
 
     friend constexpr bool operator==(const ImageThumbailer&, const ImageThumbailer&) = default;
 };

@@ -72,7 +72,8 @@ public:
     /// Around what is drawn, without the width of lines; `null` on an empty path.
     CGRect bounds() const { return path_.boundingBox(); }
     bool contains(CGPoint point) const { return path_.contains(point, windingRule_); }
-    const CGPath& cgPath() const noexcept { return path_; }
+    const CGPath& cgPath() const& noexcept { return path_; }
+    CGPath cgPath() && noexcept { return std::move(path_); }
 
     /// 1 at first; 0 is the thinnest line there is.
     double lineWidth() const noexcept { return stroke_.lineWidth; }

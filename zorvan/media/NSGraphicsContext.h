@@ -39,7 +39,7 @@ public:
     template <std::invocable Body>
     static void use(Pointer context, Body&& body);
 
-    const std::shared_ptr<CGContext>& cgContext() const noexcept { return context_; }
+    std::shared_ptr<CGContext> cgContext() const noexcept { return context_; }
     bool isFlipped() const noexcept { return isFlipped_; }
 
     NSCompositingOperation compositingOperation() const noexcept;

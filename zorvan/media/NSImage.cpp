@@ -1,11 +1,13 @@
 #include <zorvan/media/NSImage.h>
 
 #include <zorvan/media/CGContext.h>
-#include <zorvan/media/ImageKeys.h>
+#include <zorvan/media/CGImageSource.h>
+#include <zorvan/media/ImageThumbailer.h>
 #include <zorvan/platform/graphics/VectorPicture.h>
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace zorvan {
 
@@ -30,16 +32,10 @@ bool covers(const CGImage& image, CGSize pixels) noexcept {
            image.size().height + rounding >= pixels.height;
 }
 
-CGImage::Pointer upright(const CGImage::Pointer& image,
-                         const std::optional<PropertyList::Dictionary>& metadata) {
-    if (!image || !metadata)
-        return image;
-    const auto entry = metadata->find(kCGImagePropertyOrientation);
-    const NSNumber* value = entry == metadata->end() ? nullptr : entry->second.as<NSNumber>();
-    if (!value || !value->isInteger())
-        return image;
-    const CGImage::Pointer turned = image->oriented(value->int64Value());
-    return turned ? turned : image;
+CGImage::Pointer upright(const CGImageSource& source) {
+    ImageThumbailer whole;
+    whole.maximumPixelSize = std::numeric_limits<double>::infinity();
+    return whole.thumbnail(source);
 }
 
 /// Drawn anew at each size, with as many pixels as it has in the context.
@@ -75,17 +71,18 @@ NSImage::Pointer NSImage::create(CGImage::Pointer image, CGSize size) {
 }
 
 NSImage::Pointer NSImage::create(const URL& contentsOf) {
-    const auto image = create(upright(CGImage::image(contentsOf), CGImage::metadata(contentsOf)));
-    if (image || !contentsOf.isFileURL())
-        return image;
-    return imageOf(VectorPicture::create(contentsOf.path()));
+    const auto source = CGImageSource::create(contentsOf);
+    if (!source)
+        return nullptr;
+    if (source->type() == "public.svg-image")
+        return imageOf(VectorPicture::create(contentsOf.path()));
+    return create(upright(*source));
 }
 
 NSImage::Pointer NSImage::create(Data data) {
     if (const auto picture = VectorPicture::create(data))
         return imageOf(picture);
-    const auto metadata = CGImage::metadata(data);
-    return create(upright(CGImage::image(std::move(data)), metadata));
+    return create(upright(*CGImageSource::create(std::move(data))));
 }
 
 NSImage::Pointer NSImage::create(CGSize size, bool flipped, Drawing drawing) {

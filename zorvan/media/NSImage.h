@@ -82,10 +82,10 @@ public:
     CGRect alignmentRect() const noexcept { return alignmentRect_.value_or(rect()); }
     void setAlignmentRect(const CGRect& rect) noexcept { alignmentRect_ = rect; }
     /// What the picture shows, for people who do not see it.
-    const std::string& accessibilityDescription() const noexcept { return description_; }
+    std::string accessibilityDescription() const { return description_; }
     void setAccessibilityDescription(std::string text) { description_ = std::move(text); }
 
-    const std::vector<Representation>& representations() const noexcept { return representations_; }
+    std::vector<Representation> representations() const { return representations_; }
     void addRepresentation(Representation representation);
 
     /// The best representation for a rectangle (all of the picture when absent) in a context (one

@@ -36,7 +36,8 @@ public:
     StringValue& operator=(const StringValue&) noexcept = default;
 
     /// Lives as long as the value or a copy of it.
-    [[nodiscard]] std::string_view rawValue() const noexcept { return text_; }
+    [[nodiscard]] std::string_view rawValue() const& noexcept { return text_; }
+    [[nodiscard]] std::string rawValue() && { return std::string(text_); }
 
     friend bool operator==(const StringValue& a, const StringValue& b) noexcept {
         return a.text_ == b.text_;

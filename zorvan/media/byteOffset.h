@@ -3,6 +3,7 @@
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <cstdint>
+#include <string>
 
 namespace zorvan {
 
@@ -18,7 +19,8 @@ inline std::int64_t byteOffset(std::int64_t bytesPerRow, std::int64_t bitsPerPix
     if (__builtin_mul_overflow(bytesPerRow, y, &rows) ||
         __builtin_mul_overflow(bitsPerPixel / bitsPerComponent, x, &pixels) ||
         __builtin_add_overflow(rows, pixels, &offset))
-        fatalError("The byte offset of a pixel is outside the signed 64-bit range.");
+        fatalError("The byte offset of pixel (" + std::to_string(x) + ", " + std::to_string(y) +
+                   ") is outside the signed 64-bit range.");
     return offset;
 }
 

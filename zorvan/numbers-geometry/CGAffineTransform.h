@@ -33,9 +33,9 @@ struct CGAffineTransform {
 
     /// The identity.
     constexpr CGAffineTransform() noexcept = default;
-    constexpr CGAffineTransform(double a, double b, double c, double d, double tx,
-                                double ty) noexcept
-        : a(a), b(b), c(c), d(d), tx(tx), ty(ty) {}
+    constexpr CGAffineTransform(double a_, double b_, double c_, double d_, double tx_,
+                                double ty_) noexcept
+        : a(a_), b(b_), c(c_), d(d_), tx(tx_), ty(ty_) {}
     /// Counter-clockwise, in radians: `CGAffineTransform({.rotationAngle = PI_1_2})`.
     explicit CGAffineTransform(RotationAngle argument) noexcept;
     explicit constexpr CGAffineTransform(Translation by) noexcept : tx(by.translationX), ty(by.y) {}

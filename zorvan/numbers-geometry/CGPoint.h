@@ -28,7 +28,7 @@ struct CGPoint {
     };
 
     constexpr CGPoint() noexcept = default;
-    constexpr CGPoint(double x, double y) noexcept : x(x), y(y) {}
+    constexpr CGPoint(double x_, double y_) noexcept : x(x_), y(y_) {}
     /// The value for both components: `CGPoint({.square = 2})`.
     explicit constexpr CGPoint(Square argument) noexcept
         : CGPoint(argument.square, argument.square) {}

@@ -58,7 +58,7 @@ struct CGRect {
     };
 
     constexpr CGRect() noexcept = default;
-    constexpr CGRect(CGPoint origin, CGSize size) noexcept : origin(origin), size(size) {}
+    constexpr CGRect(CGPoint origin_, CGSize size_) noexcept : origin(origin_), size(size_) {}
     constexpr CGRect(double x, double y, double width, double height) noexcept
         : origin(x, y), size(width, height) {}
     /// At the origin.
@@ -91,12 +91,8 @@ struct CGRect {
     [[nodiscard]] constexpr double minY() const noexcept {
         return size.height < 0 ? origin.y + size.height : origin.y;
     }
-    [[nodiscard]] constexpr double maxX() const noexcept {
-        return size.width < 0 ? origin.x : origin.x + size.width;
-    }
-    [[nodiscard]] constexpr double maxY() const noexcept {
-        return size.height < 0 ? origin.y : origin.y + size.height;
-    }
+    [[nodiscard]] constexpr double maxX() const noexcept { return minX() + width(); }
+    [[nodiscard]] constexpr double maxY() const noexcept { return minY() + height(); }
     [[nodiscard]] constexpr double midX() const noexcept { return minX() + width() * 0.5; }
     [[nodiscard]] constexpr double midY() const noexcept { return minY() + height() * 0.5; }
     /// The same rectangle with its sides made positive by moving the origin.
@@ -288,7 +284,8 @@ struct CGRect {
         Required<double> dx;
         Required<double> dy;
     };
-    /// Inset so that each stored side loses that fraction of itself: 0.2 removes a fifth.
+    /// `insetBy` half of that fraction of each stored side: 0.2 removes a fifth of a positive side. A
+    /// negative side is made longer by as much.
     [[nodiscard]] CGRect shrunkBy(Percent by) const noexcept {
         return insetBy(by.percent * 0.5 * size.width, by.percent * 0.5 * size.height);
     }

@@ -32,7 +32,7 @@ struct CGSize {
     };
 
     constexpr CGSize() noexcept = default;
-    constexpr CGSize(double width, double height) noexcept : width(width), height(height) {}
+    constexpr CGSize(double width_, double height_) noexcept : width(width_), height(height_) {}
     /// The value for both sides: `CGSize({.square = 2})`.
     explicit constexpr CGSize(Square argument) noexcept
         : CGSize(argument.square, argument.square) {}

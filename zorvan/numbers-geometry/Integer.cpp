@@ -5,6 +5,10 @@
 
 namespace zorvan {
 
+std::int64_t pow(IntegerOperand x, IntegerOperand y) noexcept {
+    return intValue(std::pow(static_cast<double>(x.value), static_cast<double>(y.value)));
+}
+
 std::string zeroPadded(std::int64_t x, std::int64_t n) {
     std::string text = std::to_string(x);
     const double digits =

@@ -2,14 +2,27 @@
 
 #include <zorvan/numbers-geometry/RealNumber.h>
 
+#include <algorithm>
 #include <concepts>
 #include <cstdint>
 #include <string>
 
 /// Operations on signed integers, receiver first. They compute and answer in 64 bits, whatever the
 /// type of the receiver; a result outside the signed 64-bit range is the nearest end of it.
+///
+/// After `using namespace zorvan`, a plain call that the standard library or the C library answers
+/// is theirs: `pow(2, -1)` is 0.5, `zorvan::pow(2, -1)` is 0.
 
 namespace zorvan {
+
+/// The receiver of an operation whose name the standard library has too. The conversion to it is
+/// what makes the standard function win a plain call.
+struct IntegerOperand {
+    std::int64_t value;
+
+    template <std::signed_integral T>
+    constexpr IntegerOperand(T integer) noexcept : value(integer) {}
+};
 
 /// 1 for zero and above, else -1.
 template <std::signed_integral T>
@@ -23,10 +36,7 @@ template <std::signed_integral T>
     return wide == INT64_MIN ? INT64_MAX : wide < 0 ? -wide : wide;
 }
 /// `x` to the power `y`, computed in `double` and truncated toward zero.
-template <std::signed_integral T>
-[[nodiscard]] std::int64_t pow(T x, std::int64_t y) noexcept {
-    return intValue(std::pow(static_cast<double>(x), static_cast<double>(y)));
-}
+[[nodiscard]] std::int64_t pow(IntegerOperand x, IntegerOperand y) noexcept;
 /// `2 * 3 * ... * x`; 1 below 2, and the largest integer above 20, where the product leaves the
 /// range.
 template <std::signed_integral T>
@@ -39,20 +49,12 @@ template <std::signed_integral T>
     return product;
 }
 /// `min` when the bounds are in the wrong order.
-template <std::signed_integral T>
-[[nodiscard]] constexpr std::int64_t clamp(T x, std::int64_t min, std::int64_t max) noexcept {
-    const std::int64_t lowered = max < x ? max : x;
-    return lowered < min ? min : lowered;
+[[nodiscard]] constexpr std::int64_t clamp(IntegerOperand x, std::int64_t min,
+                                           std::int64_t max) noexcept {
+    return std::max(min, std::min(x.value, max));
 }
-/// Both of one type; it beats the standard function of the same name for integers.
-template <std::signed_integral T>
-[[nodiscard]] constexpr std::int64_t min(const T& a, const T& b) noexcept {
-    return b < a ? b : a;
-}
-template <std::signed_integral T>
-[[nodiscard]] constexpr std::int64_t max(const T& a, const T& b) noexcept {
-    return a < b ? b : a;
-}
+using std::max;
+using std::min;
 
 /// Uniform in 0 to 2,147,483,646. `random<std::int64_t>()`.
 template <std::same_as<std::int64_t> T>

@@ -33,7 +33,7 @@ struct Interval {
     };
 
     constexpr Interval() noexcept = default;
-    constexpr Interval(double min, double max) noexcept : min(min), max(max) {}
+    constexpr Interval(double min_, double max_) noexcept : min(min_), max(max_) {}
     explicit constexpr Interval(MinMax ends) noexcept : Interval(ends.min, ends.max) {}
     /// The smaller value is `min`: `Interval({.value1 = 3, .value2 = 1})` is [1, 3].
     explicit constexpr Interval(Values values) noexcept

@@ -13,7 +13,7 @@ struct Line {
     double c = 0;
 
     constexpr Line() noexcept = default;
-    constexpr Line(double a, double b, double c) noexcept : a(a), b(b), c(c) {}
+    constexpr Line(double a_, double b_, double c_) noexcept : a(a_), b(b_), c(c_) {}
     /// Through two points, normalised: `a*a + b*b = 1`. All three are 0 when the points are equal.
     Line(CGPoint p1, CGPoint p2) noexcept;
 
@@ -24,11 +24,12 @@ struct Line {
     }
     /// Absent for parallel and for equal lines.
     [[nodiscard]] constexpr std::optional<CGPoint> intersects(const Line& other) const noexcept {
-        const double determinant = a * other.b - b * other.a;
+        using detail::settled;
+        const double determinant = settled(a * other.b) - settled(b * other.a);
         if (determinant == 0)
             return std::nullopt;
-        return CGPoint((b * other.c - other.b * c) / determinant,
-                       (other.a * c - a * other.c) / determinant);
+        return CGPoint((settled(b * other.c) - settled(other.b * c)) / determinant,
+                       (settled(other.a * c) - settled(a * other.c)) / determinant);
     }
     /// Adds to `c`, which moves a normalised line by `-d` along its normal.
     constexpr void offsetBy(double d) noexcept { c += d; }

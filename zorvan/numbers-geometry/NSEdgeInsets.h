@@ -24,8 +24,8 @@ struct NSEdgeInsets {
     };
 
     constexpr NSEdgeInsets() noexcept = default;
-    constexpr NSEdgeInsets(double top, double left, double bottom, double right) noexcept
-        : top(top), left(left), bottom(bottom), right(right) {}
+    constexpr NSEdgeInsets(double top_, double left_, double bottom_, double right_) noexcept
+        : top(top_), left(left_), bottom(bottom_), right(right_) {}
     /// `NSEdgeInsets({.all = 8})`.
     explicit constexpr NSEdgeInsets(All value) noexcept
         : NSEdgeInsets(value.all, value.all, value.all, value.all) {}

@@ -101,6 +101,29 @@ template <RealNumber T>
     return number.doubleValue();
 }
 
+namespace detail {
+
+/// `x` as it was rounded. Where the processor multiplies and adds in one step, a compiler may leave
+/// out the rounding in between, and two equal products then differ. What is compared exactly goes
+/// through this, as applications may be compiled for such a processor.
+template <RealNumber T>
+[[nodiscard]] constexpr T settled(T x) noexcept {
+    if constexpr (BuiltInReal<T>) {
+        if (!std::is_constant_evaluated()) {
+#if defined(__x86_64__)
+            __asm__("" : "+x"(x));
+#elif defined(__aarch64__)
+            __asm__("" : "+w"(x));
+#else
+            __asm__("" : "+m"(x));
+#endif
+        }
+    }
+    return x;
+}
+
+} // namespace detail
+
 /// `pow(10, places)` in the type `T`.
 template <RealNumber T>
 [[nodiscard]] T powerOfTen(std::int64_t places) noexcept {
@@ -152,7 +175,7 @@ template <RealNumber T>
 template <RealNumber T>
 [[nodiscard]] constexpr bool overlap(T x, std::type_identity_t<T> other,
                                      std::type_identity_t<T> tolerance) noexcept {
-    const T difference = x - other;
+    const T difference = detail::settled(x) - detail::settled(other);
     return difference >= -tolerance && difference <= tolerance;
 }
 

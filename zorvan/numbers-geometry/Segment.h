@@ -15,12 +15,16 @@ struct Segment {
     CGPoint end;
 
     constexpr Segment() noexcept = default;
-    constexpr Segment(CGPoint start, CGPoint end) noexcept : start(start), end(end) {}
+    constexpr Segment(CGPoint start_, CGPoint end_) noexcept : start(start_), end(end_) {}
 
     static const Segment zero;
 
-    [[nodiscard]] constexpr double deltaX() const noexcept { return end.x - start.x; }
-    [[nodiscard]] constexpr double deltaY() const noexcept { return end.y - start.y; }
+    [[nodiscard]] constexpr double deltaX() const noexcept {
+        return detail::settled(end.x) - detail::settled(start.x);
+    }
+    [[nodiscard]] constexpr double deltaY() const noexcept {
+        return detail::settled(end.y) - detail::settled(start.y);
+    }
     [[nodiscard]] double length() const noexcept { return (end - start).length(); }
     [[nodiscard]] constexpr CGPoint midpoint() const noexcept { return point(0.5); }
     /// The start for 0, the end for 1, and on in proportion beyond.

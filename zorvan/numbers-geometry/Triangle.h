@@ -15,7 +15,7 @@ struct Triangle {
     enum class CollinearityState { point, line, clockwiseTurn, counterClockwiseTurn };
 
     constexpr Triangle() noexcept = default;
-    constexpr Triangle(CGPoint a, CGPoint b, CGPoint c) noexcept : a(a), b(b), c(c) {}
+    constexpr Triangle(CGPoint a_, CGPoint b_, CGPoint c_) noexcept : a(a_), b(b_), c(c_) {}
 
     static const Triangle zero;
 
@@ -23,7 +23,7 @@ struct Triangle {
     [[nodiscard]] constexpr double signedArea() const noexcept {
         const CGPoint u = b - a;
         const CGPoint v = c - a;
-        return 0.5 * (u.x * v.y - u.y * v.x);
+        return 0.5 * (detail::settled(u.x * v.y) - detail::settled(u.y * v.x));
     }
     /// Whether the three points are similar.
     [[nodiscard]] bool isPointy(std::int64_t places) const noexcept {

@@ -26,8 +26,8 @@ struct JSONField {
     Value Record::*member;
     bool isOptional = false;
 
-    constexpr JSONField(const char* name, Value Record::*member) noexcept
-        : name(name), member(member) {}
+    constexpr JSONField(const char* name_, Value Record::*member_) noexcept
+        : name(name_), member(member_) {}
 
     /// The same field, for JSON that may be without it, such as that of a version before there was
     /// the field: its value is then what a new record has.

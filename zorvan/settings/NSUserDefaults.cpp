@@ -2,26 +2,22 @@
 
 #include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
+#include <zorvan/platform/foundation/executablePath.h>
 #include <zorvan/platform/propertylist/NSBundle.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/settings/internal/conversions.h>
 
 #include <filesystem>
-#include <system_error>
 
 namespace zorvan {
 
 namespace {
 
-std::string programName() {
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error).filename().string();
-}
-
 const std::string& applicationDomain() {
     static const std::string& domain =
-        *new std::string(NSBundle::mainBundle()->bundleIdentifier().value_or(programName()));
+        *new std::string(NSBundle::mainBundle()->bundleIdentifier().value_or(
+            std::filesystem::path(executablePath()).filename().string()));
     return domain;
 }
 

@@ -105,7 +105,9 @@ struct CMTime {
     std::string hhmmssmsName() const;
 
     /// Whether the distance to `other` is below `tolerance`, one six-hundredth of a second when it
-    /// is absent. False when the distance is not numeric.
+    /// is absent, in the order of `CMTimeCompare`: so any numeric distance is below a tolerance
+    /// that is positive infinity, indefinite or invalid, and no distance that is not numeric is
+    /// below one that is.
     constexpr bool isNearlyEqualTo(const CMTime& other,
                                    const std::optional<CMTime>& tolerance = {}) const noexcept;
     /// The same with a tolerance in seconds.
@@ -129,8 +131,9 @@ constexpr CMTime CMTimeMake(std::int64_t value, std::int32_t timescale) noexcept
 constexpr CMTime CMTimeMakeWithEpoch(std::int64_t value, std::int32_t timescale,
                                      std::int64_t epoch) noexcept;
 
-/// The time nearest to `seconds` at the timescale, halves away from zero. Marked as rounded when
-/// its `seconds()` are not exactly `seconds`.
+/// The product `seconds * preferredTimescale`, taken as a double, rounded to whole units, halves
+/// away from zero. Marked as rounded when its `seconds()` are another double than `seconds`: a
+/// tenth of a second is not.
 ///
 /// A timescale too fine for the value is halved until the value fits, and the result is infinite
 /// when it does not fit even at timescale 1. Infinite seconds give an infinite time; NaN, or a

@@ -132,36 +132,6 @@ constexpr CMTime multiplyMarked(const CMTime& time, int sign) noexcept {
     return infinity(time.isNegativeInfinity() != (sign < 0));
 }
 
-/// `time` times a real that `isExactFraction`.
-constexpr CMTime multiplyByReal(const CMTime& time, bool negative, double real) noexcept {
-    CMTime unmarked = time;
-    unmarked.flags &= ~kCMTimeFlags_HasBeenRounded;
-    Fraction factor = exactFraction(real);
-    if (factor.denominator <= UInt128{1} << 95) { // times a timescale it still fits
-        CMTime product =
-            multiplyByFraction(unmarked, negative, factor.numerator, factor.denominator);
-        if (!product.hasBeenRounded()) {
-            product.flags |= product.isNumeric() ? roundedFlag(time) : 0;
-            return product;
-        }
-    }
-    factor = simplestFraction(real);
-    return multiplyByFraction(time, negative, factor.numerator, factor.denominator);
-}
-
-/// The time nearest to a number of seconds that is not below zero, marked as rounded.
-constexpr CMTime makeFromReal(double seconds, bool negative, std::int64_t epoch) noexcept {
-    if (seconds >= 0x1p63)
-        return infinity(negative);
-    CMTime time = makeTime(0, 1, kCMTimeFlags_Valid, epoch);
-    if (isExactFraction(seconds)) {
-        time.value = 1;
-        time = multiplyByReal(time, negative, seconds);
-    }
-    time.flags |= kCMTimeFlags_HasBeenRounded;
-    return time;
-}
-
 } // namespace detail
 
 /// The sum. Two timescales meet in their least common multiple, or in `kCMTimeMaxTimescale` when
@@ -278,6 +248,57 @@ constexpr CMTime multiplyByRatio(const CMTime& time, std::int32_t multiplier,
                               static_cast<UInt128>(below < 0 ? -below : below));
 }
 
+/// A product at a timescale that comes from that of its operand: doubled until it is at least
+/// 65,536 and holds the product to a microsecond and to a millionth of it. As it is when none does.
+constexpr CMTime atRelatedTimescale(const CMTime& product, std::int64_t timescale) noexcept {
+    constexpr std::int64_t least = 65536;
+    constexpr std::int64_t precision = 1'000'000;
+    constexpr auto size = [](Int128 number) { return number < 0 ? -number : number; };
+    while (timescale < least)
+        timescale *= 2;
+    for (; product.isNumeric() && timescale <= kCMTimeMaxTimescale; timescale *= 2) {
+        const CMTime near = CMTimeConvertScale(product, static_cast<std::int32_t>(timescale),
+                                               CMTimeRoundingMethod::roundHalfAwayFromZero);
+        if (!near.isNumeric())
+            break;
+        const Int128 units = Int128{product.value} * timescale;
+        const Int128 error = Int128{near.value} * product.timescale - units;
+        if (size(error) * precision < std::min(size(units), Int128{product.timescale} * timescale))
+            return near;
+    }
+    return product;
+}
+
+/// `time`, which is not marked as rounded, times a real that `isExactFraction`.
+constexpr CMTime multiplyByReal(const CMTime& time, bool negative, double real) noexcept {
+    constexpr std::int32_t largestDecimalTimescale = 10'000'000;
+    Fraction factor = exactFraction(real);
+    if (factor.denominator <= UInt128{1} << 95) { // times a timescale it still fits
+        const CMTime product =
+            multiplyByFraction(time, negative, factor.numerator, factor.denominator);
+        if (!product.hasBeenRounded())
+            return product;
+    }
+    factor = simplestFraction(real);
+    const CMTime product = multiplyByFraction(time, negative, factor.numerator, factor.denominator);
+    return product.hasBeenRounded() || product.timescale > largestDecimalTimescale
+               ? atRelatedTimescale(product, time.timescale)
+               : product;
+}
+
+/// The time nearest to a number of seconds that is not below zero, marked as rounded.
+constexpr CMTime makeFromReal(double seconds, bool negative, std::int64_t epoch) noexcept {
+    if (seconds >= 0x1p63)
+        return infinity(negative);
+    CMTime time = makeTime(0, 1, kCMTimeFlags_Valid, epoch);
+    if (isExactFraction(seconds)) {
+        time.value = 1;
+        time = multiplyByReal(time, negative, seconds);
+    }
+    time.flags |= kCMTimeFlags_HasBeenRounded;
+    return time;
+}
+
 } // namespace detail
 
 /// `time * multiplier / divisor`, exact where that is possible: at the time's own timescale, else
@@ -292,8 +313,11 @@ constexpr CMTime CMTimeMultiplyByRatio(const CMTime& time, std::int32_t multipli
 }
 
 /// The product with a real. Exact where a time can hold it exactly; else the real stands for the
-/// simplest fraction that is the same double (0.1 for 1/10), by which the time is multiplied as by
-/// a ratio. So decimal factors keep round timescales.
+/// simplest fraction that is the same double (0.1 for 1/10), and the product is exact where that is
+/// so at a timescale up to 10,000,000. So decimal factors keep round timescales. Any other product
+/// is rounded at a timescale that sums with that of `time` stay exact at: its own, doubled until it
+/// is at least 65,536 and holds the product to a microsecond and to a millionth of it. When none
+/// does, it is the nearest time there is.
 ///
 /// NaN gives the invalid time. Zero times an infinity, either way round, gives the indefinite one.
 constexpr CMTime CMTimeMultiplyByFloat64(const CMTime& time, double multiplier) noexcept {
@@ -310,8 +334,13 @@ constexpr CMTime CMTimeMultiplyByFloat64(const CMTime& time, double multiplier) 
     if (size == 0 || time.value == 0)
         return detail::makeTime(0, time.timescale, kCMTimeFlags_Valid | detail::roundedFlag(time),
                                 time.epoch);
-    if (detail::isExactFraction(size))
-        return detail::multiplyByReal(time, negative, size);
+    if (detail::isExactFraction(size)) {
+        CMTime unmarked = time;
+        unmarked.flags &= ~kCMTimeFlags_HasBeenRounded;
+        CMTime product = detail::multiplyByReal(unmarked, negative, size);
+        product.flags |= product.isNumeric() ? detail::roundedFlag(time) : 0;
+        return product;
+    }
     const double seconds = time.seconds() < 0 ? -time.seconds() : time.seconds();
     return detail::makeFromReal(seconds * size, negative != (time.value < 0), time.epoch);
 }

@@ -75,6 +75,12 @@ public:
     /// How many times `current` goes into the next convergent, beside `previous` once.
     constexpr UInt128 coefficient() const noexcept { return rest_.numerator / rest_.denominator; }
     constexpr Fraction previous() const noexcept { return previous_; }
+    /// Whether half the coefficient times `current` beside `previous` once is nearer to the
+    /// fraction than `current` is. The products are not above the denominator of the fraction.
+    constexpr bool isNearerAtHalf() const noexcept {
+        return rest_.numerator % rest_.denominator * current_.denominator <
+               rest_.denominator * previous_.denominator;
+    }
 
     constexpr void advance() noexcept {
         const UInt128 times = coefficient();
@@ -100,15 +106,17 @@ constexpr Fraction nearestFraction(Fraction fraction, UInt128 largestNumerator,
         const Fraction now = convergents.current();
         const Fraction before = convergents.previous();
         const UInt128 room = now.numerator == 0
-                                 ? largestNumerator
+                                 ? largestDenominator
                                  : (largestNumerator - before.numerator) / now.numerator;
         const UInt128 scaleRoom = now.denominator == 0
                                       ? largestNumerator
                                       : (largestDenominator - before.denominator) / now.denominator;
         const UInt128 times = room < scaleRoom ? room : scaleRoom;
         if (times < convergents.coefficient()) {
-            // Past half of the coefficient the fraction in between is the nearer one.
-            if (times <= convergents.coefficient() / 2)
+            // Past half of the coefficient the fraction in between is the nearer one, below it the
+            // convergent.
+            const UInt128 rest = convergents.coefficient() - times;
+            if (times < rest || (times == rest && !convergents.isNearerAtHalf()))
                 return now;
             return {times * now.numerator + before.numerator,
                     times * now.denominator + before.denominator};

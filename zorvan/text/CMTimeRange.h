@@ -55,7 +55,8 @@ struct CMTimeRange {
         return CMTimeRange({.start = start, .duration = argument.end.value - start});
     }
 
-    /// The time of the range nearest to `time`, its end included. The invalid time when the range
+    /// The time of the range nearest to `time`, its end included: `time` itself, with its own
+    /// timescale and marks, when it lies there. The invalid time when the range
     /// or the time is invalid, or when the time is numeric and of another epoch than the start; an
     /// indefinite time comes back as it is.
     [[nodiscard]] constexpr CMTime clamp(const CMTime& time) const noexcept;
@@ -103,7 +104,10 @@ constexpr CMTime CMTimeClampToRange(const CMTime& time, const CMTimeRange& range
         return time;
     if (time.isNumeric() && range.start.isNumeric() && time.epoch != range.start.epoch)
         return kCMTimeInvalid;
-    return CMTimeMaximum(range.start, CMTimeMinimum(time, range.end()));
+    if (time < range.start)
+        return range.start;
+    const CMTime end = range.end();
+    return end < time ? end : time;
 }
 
 /// `range.contains(time)`.

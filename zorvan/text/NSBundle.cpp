@@ -4,28 +4,15 @@
 
 namespace zorvan {
 
-namespace {
-
-template <class Kind>
-std::optional<Kind> object(const NSBundle& bundle, std::string_view key) {
-    const PropertyList* value = bundle.objectForInfoDictionaryKey(key);
-    const Kind* content = value ? value->as<Kind>() : nullptr;
-    return content ? std::optional(*content) : std::nullopt;
-}
-
-} // namespace
-
-std::optional<std::string> string(const NSBundle& bundle, std::string_view key) {
-    return object<std::string>(bundle, key);
-}
-
 std::optional<NSNumber> number(const NSBundle& bundle, std::string_view key) {
-    return object<NSNumber>(bundle, key);
+    const PropertyList* value = bundle.objectForInfoDictionaryKey(key);
+    const auto* found = value ? value->as<NSNumber>() : nullptr;
+    return found ? std::optional(*found) : std::nullopt;
 }
 
 std::optional<bool> bool_(const NSBundle& bundle, std::string_view key) {
-    const std::optional<NSNumber> found = number(bundle, key);
-    return found ? std::optional(found->boolValue()) : std::nullopt;
+    const PropertyList* value = bundle.objectForInfoDictionaryKey(key);
+    return value ? value->as<bool>() : std::nullopt;
 }
 
 std::optional<URL> url(const NSBundle& bundle, std::string_view key) {

@@ -13,9 +13,8 @@
 namespace zorvan {
 
 // Values of the information dictionary. Each is absent when there is nothing under the key, or
-// something of another kind.
+// something of another kind. `string(bundle, key)` comes with `NSBundle` itself.
 
-std::optional<std::string> string(const NSBundle& bundle, std::string_view key);
 std::optional<NSNumber> number(const NSBundle& bundle, std::string_view key);
 /// Whether the number under the key is not 0. A text is no truth value, not even "YES".
 std::optional<bool> bool_(const NSBundle& bundle, std::string_view key);

@@ -80,15 +80,11 @@ std::string incremented(std::string_view s) {
     std::string firstCopy = concatenated(s, " (1)");
     if (!isLongerThan(s, shortestNumbered - 1))
         return firstCopy;
-    const auto matches = captureMatches(s, R"((.*)\((\d*)\))");
-    if (matches.empty() || matches.front().size() != 2)
-        return firstCopy;
-    const std::string& name = matches.front()[0];
-    const std::string& digits = matches.front()[1];
-    const auto number = safeInt(digits, {0, count(digits)});
+    const auto found = numberInParentheses(s);
+    const auto number = found ? safeInt(found->digits, {0, count(found->digits)}) : std::nullopt;
     if (!number || *number == std::numeric_limits<std::int64_t>::max())
         return firstCopy;
-    return name + "(" + std::to_string(*number + 1) + ")";
+    return concatenated(found->before, "(", std::to_string(*number + 1) + ")");
 }
 
 std::string reducedStringAtStart(std::string_view s, std::int64_t length) {

@@ -20,7 +20,8 @@ namespace zorvan {
 /// ill-formed subsequence is one character. Two characters are equal when they are canonically
 /// equivalent.
 ///
-/// An offset outside the text stops the program with "String index is out of bounds", except in the
+/// An offset outside the text stops the program with "String index is out of bounds" and what was
+/// asked for, except in the
 /// operations whose name begins with "safe".
 
 /// \name Blank and empty
@@ -169,8 +170,8 @@ void removeSubrange(std::string& s, Range r);
 /// groups contributes an empty list, and a group that took no part contributes empty text.
 ///
 /// Prints "invalid regex: " and the reason as one line to standard output, and returns no match,
-/// when the pattern does not compile, or when the search exceeds the bounds of
-/// `NSRegularExpression`.
+/// when the pattern does not compile. A search that exceeds the bounds of `NSRegularExpression`
+/// gives the matches found until then, and prints "regex given up: " and the reason.
 [[nodiscard]] std::vector<std::vector<std::string>>
 captureMatches(std::string_view s, std::string_view pattern,
                NSRegularExpression::Options options = NSRegularExpression::Options::none);

@@ -1,6 +1,7 @@
 #include <zorvan/text/String.h>
 
 #include <zorvan/platform/foundation/fatalError.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/textservices/Characters.h>
 
 #include <charconv>
@@ -12,7 +13,10 @@ namespace zorvan {
 
 namespace {
 
-[[noreturn]] void outOfBounds() noexcept { fatalError("String index is out of bounds"); }
+[[noreturn]] void outOfBounds(std::string_view s, const std::string& asked) noexcept {
+    fatalError("String index is out of bounds: " + asked + " in a text of " +
+               std::to_string(characterCount(s)));
+}
 
 /// The place `count` characters after `offset`; absent when the text ends before.
 std::optional<StringIndex> indexAfter(std::string_view s, StringIndex offset,
@@ -38,19 +42,17 @@ std::optional<std::string_view> textIn(std::string_view s, Range r) noexcept {
 std::string_view requireTextIn(std::string_view s, Range r) noexcept {
     const auto text = textIn(s, r);
     if (!text)
-        outOfBounds();
+        outOfBounds(s, std::to_string(r.lower) + " to " + std::to_string(r.upper));
     return *text;
 }
 
 std::string take(std::string& s, StringIndex start, StringIndex end) {
     if (start == end)
-        outOfBounds();
+        outOfBounds(s, std::to_string(characterCount(std::string_view(s).substr(0, start))));
     std::string taken = s.substr(start, end - start);
     s.erase(start, end - start);
     return taken;
 }
-
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 
 std::string_view withoutPlus(std::string_view text) noexcept {
     return text.starts_with('+') ? text.substr(1) : text;
@@ -63,7 +65,7 @@ bool startsDecimal(std::string_view text) noexcept {
         text.remove_prefix(1);
     if (text.starts_with('.'))
         text.remove_prefix(1);
-    return !text.empty() && isDigit(text.front());
+    return !text.empty() && internal::isDigit(text.front());
 }
 
 /// The nearest double of a number outside the range of doubles: infinite or zero.
@@ -77,17 +79,15 @@ double nearestDouble(std::string_view text) {
 StringIndex startIntIndexToStringIndex(std::string_view s, std::int64_t i) {
     const auto index = indexAfter(s, 0, i);
     if (!index)
-        outOfBounds();
+        outOfBounds(s, std::to_string(i));
     return *index;
 }
 
 StringIndex endIntIndexToStringIndex(std::string_view s, std::int64_t i) {
-    if (i < 0)
-        outOfBounds();
     const auto wanted = static_cast<std::size_t>(i);
     const auto [index, passed] = retreatCharacters(s, wanted);
-    if (passed < wanted)
-        outOfBounds();
+    if (i < 0 || passed < wanted)
+        outOfBounds(s, std::to_string(i) + " before the end");
     return index;
 }
 

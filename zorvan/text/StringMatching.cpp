@@ -1,5 +1,6 @@
 #include <zorvan/text/String.h>
 
+#include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/text/internal/CommonSubsequence.h>
 
 #include <algorithm>
@@ -9,16 +10,14 @@ namespace zorvan {
 
 namespace {
 
-bool isLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-
-bool isDomainPart(char c) noexcept { return isLetter(c) || isDigit(c) || c == '.' || c == '-'; }
+bool isDomainPart(char c) noexcept {
+    return internal::isLetter(c) || internal::isDigit(c) || c == '.' || c == '-';
+}
 
 bool isLocalPart(char c) noexcept { return isDomainPart(c) || c == '_' || c == '%' || c == '+'; }
 
-void report(const char* reason) {
-    const std::string line = std::string("invalid regex: ") + reason + "\n";
-    std::fwrite(line.data(), 1, line.size(), stdout);
+void report(const std::string& line) {
+    std::fwrite((line + '\n').c_str(), 1, line.size() + 1, stdout);
 }
 
 } // namespace
@@ -26,9 +25,13 @@ void report(const char* reason) {
 std::vector<std::vector<std::string>> captureMatches(std::string_view s, std::string_view pattern,
                                                      NSRegularExpression::Options options) {
     try {
-        return NSRegularExpression::cached(pattern, options).captures(s);
+        std::string givenUp;
+        auto matches = NSRegularExpression::cached(pattern, options).captures(s, &givenUp);
+        if (!givenUp.empty())
+            report("regex given up: " + givenUp);
+        return matches;
     } catch (const RegularExpressionError& error) {
-        report(error.what());
+        report(std::string("invalid regex: ") + error.what());
         return {};
     }
 }
@@ -49,7 +52,7 @@ bool isValidEmail(std::string_view s) noexcept {
     const std::string_view label = s.substr(dot + 1);
     return !local.empty() && std::all_of(local.begin(), local.end(), isLocalPart) &&
            std::all_of(domain.begin(), domain.end(), isDomainPart) && label.size() >= 2 &&
-           label.size() <= 64 && std::all_of(label.begin(), label.end(), isLetter);
+           label.size() <= 64 && std::all_of(label.begin(), label.end(), internal::isLetter);
 }
 
 bool isValidLink(std::string_view s) { return isValid(s, NSTextCheckingType::link); }

@@ -21,6 +21,7 @@ TEST(UTType, findsTypesByExtension) {
         {"jpg", "public.jpeg"},
         {"JPEG", "public.jpeg"},
         {"tif", "public.tiff"},
+        {"apng", "public.png"},
         {"heic", "public.heic"},
         {"txt", "public.plain-text"},
         {"gif", "com.compuserve.gif"},

@@ -76,8 +76,9 @@ TEST_F(NSNotificationCenterTest, HandsOverTheNotification) {
     center->post(opened, one, {{{"Edition", Edition{3}}, {"Shared", edition}}});
     center->post(Notification(opened, one, {{{"Edition", Edition{3}}, {"Shared", edition}}}));
     EXPECT_EQ(told, 2);
-    EXPECT_FALSE(Notification(opened).value<int>("Edition"));
-    EXPECT_FALSE(Notification(opened).userInfo.has_value());
+    const Notification bare(opened);
+    EXPECT_FALSE(bare.value<int>("Edition"));
+    EXPECT_FALSE(bare.userInfo.has_value());
 }
 
 TEST_F(NSNotificationCenterTest, ARemovedObserverIsToldNoMore) {

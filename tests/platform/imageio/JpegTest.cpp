@@ -77,6 +77,20 @@ TEST(Jpeg, EveryColourSpaceDecodes) {
     }
 }
 
+TEST(Jpeg, ASmallPictureIsNeverDecodedAtALesserScale) {
+    for (std::int64_t width = 1; width <= 9; ++width)
+        for (std::int64_t height = 1; height <= 9; ++height) {
+            const Bitmap original = pattern(width, height);
+            const Frame frame = {.bitmap = &original, .quality = 1};
+            const Data bytes = encode(FileFormat::jpeg, {&frame, 1}).value();
+            SCOPED_TRACE(testing::Message() << width << " x " << height);
+            EXPECT_LE(difference(decoded(bytes), original).largest, 6);
+            const Bitmap less = decoded(bytes, {.maximumPixelSize = std::max(width, height) - 1});
+            const Bitmap average = referenceDownscale(original, less.width(), less.height());
+            EXPECT_LE(difference(less, average).largest, 6);
+        }
+}
+
 TEST(Jpeg, AMissingEndMarkerIsForgivenWhenEveryPixelIsThere) {
     Data bytes = write({JCS_RGB, JCS_YCbCr}, {200, 100, 50});
     bytes.resize(bytes.size() - 2);

@@ -34,6 +34,106 @@ TEST(Metadata, WhatIsWrittenIsReadBack) {
     }
 }
 
+/// What a camera says of a picture, with values that come back as they are.
+PropertyList::Dictionary cameraProperties() {
+    const PropertyList::Dictionary exif = {
+        {"ExposureTime", 1.0 / 250},
+        {"FNumber", 2.8},
+        {"ExposureProgram", 2},
+        {"ISOSpeedRatings", PropertyList::Array{200}},
+        {"ExifVersion", PropertyList::Array{2, 3, 1}},
+        {"DateTimeOriginal", "2023:01:02 03:04:05"},
+        {"OffsetTimeOriginal", "+02:00"},
+        {"SubsecTimeOriginal", "250"},
+        {"ExposureBiasValue", -1.0 / 3},
+        {"Flash", 16},
+        {"FocalLength", 35.5},
+        {"UserComment", "by the lake"},
+        {"SceneType", 1},
+        {"FocalLengthIn35mmFilm", 53},
+        {"BodySerialNumber", "12345"},
+        {"LensSpecification", PropertyList::Array{24.0, 70.0, 2.8, 4.0}},
+        {"LensMake", "Maker"},
+        {"LensModel", "Model"}};
+    const PropertyList::Dictionary gps = {{"GPSVersion", PropertyList::Array{2, 3, 0, 0}},
+                                          {"LatitudeRef", "S"},
+                                          {"Latitude", 33.5},
+                                          {"LongitudeRef", "W"},
+                                          {"Longitude", 70.25},
+                                          {"AltitudeRef", 0},
+                                          {"Altitude", 521.5},
+                                          {"TimeStamp", "01:04:05"},
+                                          {"ImgDirection", 12.25},
+                                          {"MapDatum", "WGS-84"},
+                                          {"DateStamp", "2023:01:02"}};
+    return {{"{Exif}", exif}, {"{GPS}", gps}};
+}
+
+TEST(Metadata, ExposureAndPlaceAreTheSameInEveryFormat) {
+    const PropertyList::Dictionary camera = cameraProperties();
+    for (const FileFormat format : formats) {
+        const auto read = propertiesOf(encoded(format, pattern(21, 9), camera));
+        for (const auto& [name, wanted] : camera) {
+            ASSERT_TRUE(read.contains(name)) << typeIdentifier(format);
+            const auto& found = *read.at(name).as<PropertyList::Dictionary>();
+            for (const auto& [key, value] : *wanted.as<PropertyList::Dictionary>())
+                EXPECT_TRUE(found.contains(key) && found.at(key) == value)
+                    << typeIdentifier(format) << ' ' << key;
+        }
+    }
+}
+
+TEST(Metadata, ValuesOfAnotherKindThanTheirFieldsAreLeftOut) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    const PropertyList::Dictionary exif = {{"ExposureTime", "short"},
+                                           {"FNumber", -1.0},
+                                           {"SubjectDistance", infinity},
+                                           {"ExposureBiasValue", std::nan("")},
+                                           {"Flash", 65'536},
+                                           {"MeteringMode", -1},
+                                           {"ISOSpeedRatings", PropertyList::Array{100, "many"}},
+                                           {"LensSpecification", PropertyList::Array(17, 1.0)},
+                                           {"ExifVersion", PropertyList::Array{2, 10}},
+                                           {"UserComment", ""},
+                                           {"LensModel", 7},
+                                           {"FocalLength", 50}};
+    const PropertyList::Dictionary gps = {
+        {"Latitude", -1.0}, {"Longitude", infinity}, {"TimeStamp", "1:2:3"}, {"AltitudeRef", 256}};
+    for (const FileFormat format : formats) {
+        const auto read =
+            propertiesOf(encoded(format, pattern(9, 9), {{"{Exif}", exif}, {"{GPS}", gps}}));
+        EXPECT_EQ(read.count("{GPS}"), 0U) << typeIdentifier(format);
+        EXPECT_EQ(read.at("{Exif}"), PropertyList(PropertyList::Dictionary{{"FocalLength", 50}}));
+    }
+}
+
+TEST(Metadata, ADirectoryOfATiffIsReadInEveryForm) {
+    for (const bool bigEndian : {false, true})
+        for (const bool wide : {false, true}) {
+            Data file(16);
+            TiffEntry lens = {.tag = 0xA434, .type = TiffEntry::ascii, .count = 10, .value = {}};
+            lens.value = bytesOf("some lens");
+            lens.value.push_back(std::byte{0});
+            TiffEntry flash = {
+                .tag = 0x9209, .type = TiffEntry::shortNumber, .count = 1, .value = {}};
+            appendNumber(flash.value, 16, 2, bigEndian);
+            const std::array<TiffEntry, 2> entries = {flash, lens};
+            const TiffForm form = {bigEndian, wide};
+            appendTiffDirectory(file, entries, form);
+            for (std::size_t length = file.size() + 1; length-- > 0;) {
+                const auto source = sourceOver(
+                    Data(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(length)));
+                PropertyList::Dictionary read;
+                addExifProperties(exifBlockFrom(*source, form, {.exif = 16}), read);
+                const bool isWhole = length == file.size();
+                EXPECT_EQ(text(read, "{Exif}", "LensModel"), isWhole ? "some lens" : "(none)");
+                if (isWhole) {
+                    EXPECT_EQ(number(read, "{Exif}", "Flash"), 16);
+                }
+            }
+        }
+}
+
 TEST(Metadata, NothingToSayWritesNothing) {
     for (const FileFormat format : formats) {
         const auto read = propertiesOf(encoded(format, pattern(21, 9)));

@@ -1,6 +1,8 @@
 #include "Support.h"
 #include <tests/Testing.h>
 
+#include <zorvan/platform/imageio/internal/StoredProperties.h>
+
 #include <png.h>
 
 namespace zorvan::imageio {
@@ -37,18 +39,17 @@ std::vector<std::uint8_t> rowOf(const Kind& kind, std::int64_t width, std::int64
     return row;
 }
 
+void append(png_structp png, png_bytep data, std::size_t size) {
+    auto& out = *static_cast<Data*>(png_get_io_ptr(png));
+    const auto* first = reinterpret_cast<const std::byte*>(data);
+    out.insert(out.end(), first, first + size);
+}
+
 Data write(const Kind& kind, std::int64_t width, std::int64_t height) {
     Data bytes;
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(png);
-    png_set_write_fn(
-        png, &bytes,
-        [](png_structp p, png_bytep data, std::size_t size) {
-            auto& out = *static_cast<Data*>(png_get_io_ptr(p));
-            const auto* first = reinterpret_cast<const std::byte*>(data);
-            out.insert(out.end(), first, first + size);
-        },
-        [](png_structp) {});
+    png_set_write_fn(png, &bytes, append, [](png_structp) {});
     png_set_IHDR(png, info, static_cast<png_uint_32>(width), static_cast<png_uint_32>(height),
                  kind.depth, kind.colorType, kind.interlaced, 0, 0);
     std::array<png_color, 256> palette;
@@ -127,6 +128,32 @@ TEST(Png, EveryColourTypeAndDepthDecodes) {
                 }
 }
 
+PropertyList::Dictionary section(std::string_view key, PropertyList value) {
+    PropertyList::Dictionary result;
+    result.emplace(key, std::move(value));
+    return result;
+}
+
+/// A small picture with a text.
+Data withText(int kind, std::string key, std::string value) {
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    Data bytes;
+    png_set_write_fn(png, &bytes, append, [](png_structp) {});
+    png_set_IHDR(png, info, 3, 1, 8, PNG_COLOR_TYPE_GRAY, 0, 0, 0);
+    png_text chunk = {};
+    chunk.compression = kind;
+    chunk.key = key.data();
+    chunk.text = value.data();
+    chunk.text_length = value.size();
+    png_set_text(png, info, &chunk, 1);
+    png_write_info(png, info);
+    png_write_row(png, std::array<png_byte, 3>{1, 2, 3}.data());
+    png_write_end(png, nullptr);
+    png_destroy_write_struct(&png, &info);
+    return bytes;
+}
+
 TEST(Png, ExifAfterThePixelsIsFound) {
     Data bytes = encoded(FileFormat::png, pattern(8, 8), {{"Orientation", 6}});
     // Move the whole Exif chunk to just before the end chunk.
@@ -140,6 +167,36 @@ TEST(Png, ExifAfterThePixelsIsFound) {
     bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(end), chunk.begin(), chunk.end());
     EXPECT_EQ(number(propertiesOf(bytes), "Orientation"), 6);
     EXPECT_EQ(decoded(bytes).width(), 8);
+}
+
+/// Exif as some programs keep it in a text.
+std::string rawProfile(const Data& block) {
+    std::string hex = "457869660000"; // "Exif\0\0"
+    for (const std::byte byte : block) {
+        std::array<char, 3> digits;
+        std::snprintf(digits.data(), digits.size(), "%02X", std::to_integer<unsigned>(byte));
+        hex += digits.data();
+    }
+    return "\nexif\n      " + std::to_string(hex.size() / 2) + "\n" + hex.substr(0, 72) + "\n" +
+           hex.substr(72) + "\n";
+}
+
+TEST(Png, ExifKeptAsTextTurnsThePictureToo) {
+    const std::string profile = rawProfile(exifBlock(
+        storedProperties({{"Orientation", 6}, {"{Exif}", section("LensModel", "a lens")}})));
+    for (const int kind : {PNG_TEXT_COMPRESSION_NONE, PNG_TEXT_COMPRESSION_zTXt,
+                           PNG_ITXT_COMPRESSION_NONE, PNG_ITXT_COMPRESSION_zTXt}) {
+        const auto properties = propertiesOf(withText(kind, "Raw profile type exif", profile));
+        EXPECT_EQ(number(properties, "Orientation"), 6) << kind;
+        EXPECT_EQ(text(properties, "{Exif}", "LensModel"), "a lens") << kind;
+        EXPECT_EQ(
+            number(propertiesOf(withText(kind, "Raw profile type xmp", profile)), "Orientation"),
+            -1);
+        for (std::size_t length = 0; length < profile.size(); length += 3)
+            propertiesOf(withText(kind, "Raw profile type APP1", profile.substr(0, length)));
+    }
+    const Data comment = withText(PNG_TEXT_COMPRESSION_zTXt, "Comment", "well");
+    EXPECT_EQ(text(propertiesOf(comment), "{PNG}", "Comment"), "well");
 }
 
 TEST(Png, AWrongCheckSumIsDamage) {

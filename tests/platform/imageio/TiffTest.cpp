@@ -34,15 +34,19 @@ void put(std::uint8_t* row, std::size_t index, const Kind& kind, double value) {
     };
     if (kind.format == SAMPLEFORMAT_IEEEFP)
         return kind.bits == 32 ? store(static_cast<float>(value)) : store(value);
+    // Signed samples count from the least on.
+    const std::uint32_t sign = kind.format == SAMPLEFORMAT_INT ? 1U << (kind.bits - 1) : 0;
     if (kind.bits == 32)
-        return store(static_cast<std::uint32_t>(value * 4294967295.0));
+        return store(static_cast<std::uint32_t>(value * 4294967295.0) ^ sign);
+    const auto number = static_cast<unsigned>(value * ((1 << kind.bits) - 1) + 0.5) ^ sign;
     if (kind.bits == 16)
-        return store(static_cast<std::uint16_t>(value * 65535 + 0.5));
-    const int largest = (1 << kind.bits) - 1;
-    const auto number = static_cast<unsigned>(value * largest + 0.5);
-    const std::size_t bit = index * static_cast<std::size_t>(kind.bits);
-    row[bit / 8] |=
-        static_cast<std::uint8_t>(number << (8 - static_cast<unsigned>(kind.bits) - bit % 8));
+        return store(static_cast<std::uint16_t>(number));
+    for (int i = 0; i < kind.bits; ++i) {
+        const std::size_t bit =
+            index * static_cast<std::size_t>(kind.bits) + static_cast<std::size_t>(i);
+        if (number >> (kind.bits - 1 - i) & 1)
+            row[bit / 8] |= static_cast<std::uint8_t>(128 >> bit % 8);
+    }
 }
 
 /// Fills rows [y, y + rows) and columns from `x` on, for all samples or for the one of a plane.
@@ -191,7 +195,16 @@ TEST(Tiff, EveryLayoutDecodes) {
                              {rgb, 16, 3, uint, plain, true},
                              {rgb, 8, 3, uint, deflate, false, true},
                              {rgb, 8, 4, uint, lzw, true, true, alpha},
-                             {grey, 1, 1, uint, plain, false, true}})
+                             {grey, 1, 1, uint, plain, false, true},
+                             {grey, 12, 1},
+                             {rgb, 12, 3, uint, lzw},
+                             {rgb, 10, 4, uint, plain, false, false, alpha},
+                             {rgb, 12, 3, uint, plain, true, true},
+                             {grey, 4, 1, SAMPLEFORMAT_INT},
+                             {grey, 8, 1, SAMPLEFORMAT_INT},
+                             {rgb, 8, 3, SAMPLEFORMAT_INT},
+                             {grey, 16, 1, SAMPLEFORMAT_INT},
+                             {grey, 32, 1, SAMPLEFORMAT_INT}})
         kinds.push_back(kind);
     for (std::size_t i = 0; i < kinds.size(); ++i) {
         SCOPED_TRACE(i);

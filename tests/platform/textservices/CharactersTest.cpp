@@ -3,6 +3,7 @@
 #include <zorvan/platform/textservices/Characters.h>
 #include <zorvan/platform/textservices/Unicode.h>
 
+#include <cstdio>
 #include <sstream>
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
@@ -59,15 +60,16 @@ std::vector<std::string> charactersByICU(const std::u16string& units) {
 
 } // namespace
 
-// The file and the ICU library come from the same release of Debian; were they of different
-// versions of Unicode, rows could rightly fail, and the first expectation would say so.
+// The file comes from the same release of Debian as the ICU library. It may be of an older version
+// of Unicode, whose rows a newer one keeps to; were it newer, the first expectation would say so.
 TEST(Characters, FollowUnicodesOwnTestData) {
     std::ifstream file("/usr/share/unicode/auxiliary/GraphemeBreakTest.txt");
     ASSERT_TRUE(file) << "the package unicode-data is missing";
     std::string line;
     std::getline(file, line);
-    ASSERT_NE(line.find("-" U_UNICODE_VERSION "."), std::string::npos)
-        << line << " but ICU has Unicode " U_UNICODE_VERSION;
+    double version = 0;
+    ASSERT_EQ(std::sscanf(line.c_str(), "# GraphemeBreakTest-%lf", &version), 1) << line;
+    ASSERT_LE(version, std::stod(U_UNICODE_VERSION)) << line;
     int rows = 0;
     while (std::getline(file, line)) {
         std::istringstream row(line.substr(0, line.find('#')));

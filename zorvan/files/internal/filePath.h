@@ -16,6 +16,7 @@ inline const std::string& filePath(const URL& url) {
         throwFileError("not a file:", url.absoluteString(), EINVAL);
     return url.path();
 }
+const std::string& filePath(URL&&) = delete;
 
 /// Whether an item, and be it a link that leads nowhere, has the name.
 inline bool isTaken(const std::string& path) {
@@ -25,6 +26,6 @@ inline bool isTaken(const std::string& path) {
 
 /// Makes a folder that is the user's alone, and those on the way to it that are missing. Returns 0
 /// or the error number.
-int makePrivateFolder(const std::string& path) noexcept;
+int makePrivateFolder(const std::string& path);
 
 } // namespace zorvan::files

@@ -1,5 +1,6 @@
 #include <zorvan/interface/internal/TouchBarStrip.h>
 
+#include <zorvan/interface/NSApplication.h>
 #include <zorvan/interface/internal/drawing.h>
 #include <zorvan/interface/internal/spreadItems.h>
 
@@ -61,6 +62,8 @@ void TouchBarStrip::draw(Canvas& canvas) const {
 }
 
 bool isOnDarkGround(const NSView& view) {
+    if (NSApplication::shared().isDark())
+        return true;
     for (auto holder = view.superview(); holder; holder = holder->superview())
         if (std::dynamic_pointer_cast<TouchBarStrip>(holder))
             return true;

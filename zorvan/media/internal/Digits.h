@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zorvan/platform/foundation/internal/ascii.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -7,9 +9,7 @@
 
 namespace zorvan {
 
-constexpr bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-
-constexpr bool isSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
+using internal::isDigit, internal::isSpace;
 
 /// Takes ASCII text apart from the left.
 class DigitReader {

@@ -3,6 +3,7 @@
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <cstdint>
+#include <string>
 
 namespace zorvan {
 
@@ -11,7 +12,8 @@ namespace zorvan {
 inline void checkRowByteCount(std::int64_t width) noexcept {
     std::int64_t byteCount;
     if (__builtin_mul_overflow(width, std::int64_t{4}, &byteCount))
-        fatalError("The byte count of a bitmap row is outside the signed 64-bit range.");
+        fatalError("The byte count of a bitmap row of " + std::to_string(width) +
+                   " pixels is outside the signed 64-bit range.");
 }
 
 } // namespace zorvan

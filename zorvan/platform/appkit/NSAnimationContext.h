@@ -4,11 +4,11 @@
 
 namespace zorvan {
 
-/// How changes of views are shown while it is in force: for how long, and whether at all.
+/// How changes of views are meant to be shown while it is in force: for how long, and whether at
+/// all. Whoever shows them may ask; the views themselves change at once whatever it says.
 ///
 /// Contexts nest: `beginGrouping` makes a new one with the values of the one around it,
-/// `endGrouping` returns to that. Views without a host change at once whatever it says. Main thread
-/// only.
+/// `endGrouping` returns to that. Main thread only.
 class NSAnimationContext {
 public:
     static void beginGrouping();
@@ -22,8 +22,8 @@ public:
     /// Seconds; 0.25 unless set.
     double duration() const noexcept { return duration_; }
     void setDuration(double seconds) { duration_ = seconds; }
-    /// Whether a host animates plain changes too, not only those made through an animator; false
-    /// unless set.
+    /// Whether plain changes are meant to be animated too, not only those made through an animator;
+    /// false unless set.
     bool allowsImplicitAnimation() const noexcept { return allowsImplicitAnimation_; }
     void setAllowsImplicitAnimation(bool allows) { allowsImplicitAnimation_ = allows; }
 

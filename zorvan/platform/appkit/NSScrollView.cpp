@@ -15,8 +15,7 @@ void NSClipView::setDocumentView(const std::shared_ptr<NSView>& view) {
 }
 
 void NSClipView::Animator::setBoundsOrigin(CGPoint origin) {
-    view_->note("animator");
-    view_->setBoundsOrigin(origin);
+    view_->setBoundsOrigin(origin, true);
 }
 
 std::shared_ptr<NSScrollView> NSScrollView::create(const CGRect& frame) {

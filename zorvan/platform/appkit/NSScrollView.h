@@ -21,8 +21,7 @@ public:
     const std::shared_ptr<NSView>& documentView() const noexcept { return documentView_; }
     void setDocumentView(const std::shared_ptr<NSView>& view);
 
-    /// Makes changes that a host shows as an animation. Without a host they take effect at once;
-    /// the observer is told that they were animated.
+    /// Makes changes that observers are told of as animated. The view itself changes at once.
     class Animator {
     public:
         explicit Animator(std::shared_ptr<NSClipView> view) : view_(std::move(view)) {}

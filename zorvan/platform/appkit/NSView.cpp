@@ -13,23 +13,40 @@ NSView::~NSView() {
         view->moveTo(nullptr, nullptr);
 }
 
+template <class... Given, class... Arguments>
+void NSView::tellObserver(void (NSViewObserver::*change)(Given...), Arguments... arguments) const {
+    // Whoever is told may add another.
+    const auto observers = observers_;
+    for (const auto& weak : observers)
+        if (const auto observer = weak.lock())
+            ((*observer).*change)(arguments...);
+}
+
+void NSView::addObserver(const std::shared_ptr<NSViewObserver>& observer) {
+    std::erase_if(observers_, [](const auto& other) { return other.expired(); });
+    observers_.push_back(observer);
+}
+
 // Place
 
 void NSView::setFrame(const CGRect& frame) {
     const CGRect before = std::exchange(frame_, {frame.origin, constrained(frame.size)});
-    if (frame_ != before)
-        contentDidChange();
+    if (frame_ == before)
+        return;
+    contentDidChange();
+    tellObserver(&NSViewObserver::frameDidChange);
     if (frame_.size == before.size)
         return;
     needsLayout_ = true;
     updateTrackingAreas();
 }
 
-void NSView::setBoundsOrigin(CGPoint origin) {
+void NSView::setBoundsOrigin(CGPoint origin, bool animated) {
     const bool isChange = origin != boundsOrigin_;
     boundsOrigin_ = origin;
     if (isChange) {
         contentDidChange();
+        tellObserver(&NSViewObserver::boundsOriginDidChange, animated);
         updateTrackingAreas();
     }
     note("setBoundsOrigin", description(origin.x) + ", " + description(origin.y));
@@ -83,13 +100,18 @@ void NSView::moveTo(const std::shared_ptr<NSWindow>& window,
     const bool isOtherWindow = window ? window_.lock() != window : isInWindow_;
     if (isOtherWindow)
         willMoveAll(window);
-    if (const std::shared_ptr<NSView> holder = superview_.lock())
+    const std::shared_ptr<NSView> holder = superview_.lock();
+    if (holder)
         std::erase_if(holder->subviews_, [this](const auto& view) { return view.get() == this; });
     superview_ = superview;
     if (superview)
         superview->subviews_.push_back(shared_from_this());
     if (isOtherWindow)
         didMoveAll(window);
+    if (holder && holder != superview)
+        holder->tellObserver(&NSViewObserver::subviewsDidChange);
+    if (superview)
+        superview->tellObserver(&NSViewObserver::subviewsDidChange);
 }
 
 // Those told may change the tree, so that copies are walked.
@@ -162,6 +184,7 @@ void NSView::setHidden(bool hidden) {
         return;
     isHidden_ = hidden;
     contentDidChange();
+    propertiesDidChange();
 }
 
 void NSView::setNeedsDisplay(bool needsDisplay) {
@@ -169,7 +192,17 @@ void NSView::setNeedsDisplay(bool needsDisplay) {
     if (!needsDisplay)
         return;
     contentDidChange();
+    tellObserver(&NSViewObserver::needsDisplay, bounds());
     note("setNeedsDisplay");
+}
+
+void NSView::setNeedsDisplay(const CGRect& inRect) {
+    const CGRect part = inRect.intersection(bounds());
+    if (part.isEmpty())
+        return;
+    needsDisplay_ = true;
+    contentDidChange();
+    tellObserver(&NSViewObserver::needsDisplay, part);
 }
 
 void NSView::contentDidChange() {
@@ -226,21 +259,31 @@ void NSView::drawAll(Canvas& canvas) const {
     }
 }
 
-// The mouse
+// Events
 
-void NSView::mouseDown(const NSEvent& with) {
+void NSView::handOn(void (NSView::*event)(const NSEvent&), const NSEvent& with) {
     if (const auto holder = superview())
-        holder->mouseDown(with);
+        ((*holder).*event)(with);
 }
 
-void NSView::mouseDragged(const NSEvent& with) {
-    if (const auto holder = superview())
-        holder->mouseDragged(with);
-}
+void NSView::mouseDown(const NSEvent& with) { handOn(&NSView::mouseDown, with); }
+void NSView::mouseDragged(const NSEvent& with) { handOn(&NSView::mouseDragged, with); }
+void NSView::mouseUp(const NSEvent& with) { handOn(&NSView::mouseUp, with); }
+void NSView::rightMouseDown(const NSEvent& with) { handOn(&NSView::rightMouseDown, with); }
+void NSView::rightMouseDragged(const NSEvent& with) { handOn(&NSView::rightMouseDragged, with); }
+void NSView::rightMouseUp(const NSEvent& with) { handOn(&NSView::rightMouseUp, with); }
+void NSView::otherMouseDown(const NSEvent& with) { handOn(&NSView::otherMouseDown, with); }
+void NSView::otherMouseDragged(const NSEvent& with) { handOn(&NSView::otherMouseDragged, with); }
+void NSView::otherMouseUp(const NSEvent& with) { handOn(&NSView::otherMouseUp, with); }
+void NSView::scrollWheel(const NSEvent& with) { handOn(&NSView::scrollWheel, with); }
+void NSView::keyDown(const NSEvent& with) { handOn(&NSView::keyDown, with); }
+void NSView::keyUp(const NSEvent& with) { handOn(&NSView::keyUp, with); }
 
-void NSView::mouseUp(const NSEvent& with) {
-    if (const auto holder = superview())
-        holder->mouseUp(with);
+bool NSView::performKeyEquivalent(const NSEvent& with) {
+    const auto views = subviews_;
+    return std::any_of(views.begin(), views.end(), [&with](const auto& view) {
+        return !view->isHidden_ && view->performKeyEquivalent(with);
+    });
 }
 
 void NSView::mouseMoved(const NSEvent&) {}
@@ -257,5 +300,64 @@ void NSView::removeTrackingArea(const std::shared_ptr<NSTrackingArea>& area) {
 }
 
 void NSView::updateTrackingAreas() {}
+
+// What a host shows besides
+
+void NSView::propertiesDidChange() { tellObserver(&NSViewObserver::propertiesDidChange); }
+
+void NSView::setNextKeyView(const std::shared_ptr<NSView>& view) {
+    nextKeyView_ = view;
+    propertiesDidChange();
+}
+
+void NSView::setShowsFocusRing(bool shows) {
+    showsFocusRing_ = shows;
+    setNeedsDisplay(true);
+}
+
+void NSView::setToolTip(std::string toolTip) {
+    toolTip_ = std::move(toolTip);
+    propertiesDidChange();
+}
+
+void NSView::setCursor(NSCursor cursor) {
+    cursor_ = cursor;
+    propertiesDidChange();
+}
+
+std::shared_ptr<NSMenu> NSView::menu(const NSEvent& forEvent) {
+    const auto holder = superview();
+    return menu_ || !holder ? menu_ : holder->menu(forEvent);
+}
+
+NSAccessibilityRole NSView::ownAccessibilityRole() const { return NSAccessibilityRole::group; }
+
+NSAccessibilityRole NSView::accessibilityRole() const {
+    return accessibilityRole_ ? *accessibilityRole_ : ownAccessibilityRole();
+}
+
+void NSView::setAccessibilityRole(NSAccessibilityRole role) {
+    accessibilityRole_ = role;
+    propertiesDidChange();
+}
+
+std::string NSView::accessibilityLabel() const {
+    const std::string label = accessibilityLabel_ ? *accessibilityLabel_ : ownAccessibilityLabel();
+    return label.empty() ? toolTip_ : label;
+}
+
+void NSView::setAccessibilityLabel(std::string label) {
+    accessibilityLabel_ = std::move(label);
+    propertiesDidChange();
+}
+
+std::string NSView::accessibilityValue() const {
+    return accessibilityValue_ ? *accessibilityValue_ : ownAccessibilityValue();
+}
+
+void NSView::setAccessibilityValue(std::string value) {
+    accessibilityValue_ = std::move(value);
+    propertiesDidChange();
+}
 
 } // namespace zorvan

@@ -3,9 +3,12 @@
 #include <zorvan/numbers-geometry/CGRect.h>
 #include <zorvan/platform/appkit/ActionSender.h>
 #include <zorvan/platform/appkit/Canvas.h>
+#include <zorvan/platform/appkit/NSAccessibility.h>
+#include <zorvan/platform/appkit/NSCursor.h>
 #include <zorvan/platform/appkit/NSEvent.h>
 #include <zorvan/platform/appkit/NSLayoutConstraint.h>
 #include <zorvan/platform/appkit/NSTrackingArea.h>
+#include <zorvan/platform/appkit/NSViewObserver.h>
 #include <zorvan/platform/appkit/ViewCall.h>
 #include <zorvan/platform/graphics/Bitmap.h>
 
@@ -17,6 +20,7 @@
 
 namespace zorvan {
 
+class NSMenu;
 class NSWindow;
 
 /// A rectangle of the interface: it stands in a superview, holds subviews, and draws itself.
@@ -49,8 +53,9 @@ public:
 
     /// What the view shows, in its own coordinates; as large as its frame.
     CGRect bounds() const noexcept { return {boundsOrigin_, frame_.size}; }
-    /// Scrolls: another origin shows another part of what the view holds.
-    void setBoundsOrigin(CGPoint origin);
+    /// Scrolls: another origin shows another part of what the view holds. `animated` asks the host
+    /// to show the way there.
+    void setBoundsOrigin(CGPoint origin, bool animated = false);
 
     /// True when y grows downward in the view's own coordinates.
     virtual bool isFlipped() const noexcept { return false; }
@@ -99,6 +104,8 @@ public:
     /// Whether the view has changed since its window was last drawn.
     bool needsDisplay() const noexcept { return needsDisplay_; }
     void setNeedsDisplay(bool needsDisplay);
+    /// Only that part, in the view's own coordinates; nothing when it is out of the bounds.
+    void setNeedsDisplay(const CGRect& inRect);
 
     bool needsLayout() const noexcept { return needsLayout_; }
     void setNeedsLayout(bool needsLayout);
@@ -114,11 +121,26 @@ public:
     /// Draws the view's own part; subviews come after, above it.
     virtual void draw(Canvas& canvas) const;
 
-    // The mouse. Presses, drags and releases go on to the superview unless overridden.
+    // Events. Those of the mouse's buttons, of the wheel and of keys go on to the superview unless
+    // overridden.
 
     virtual void mouseDown(const NSEvent& with);
     virtual void mouseDragged(const NSEvent& with);
     virtual void mouseUp(const NSEvent& with);
+    virtual void rightMouseDown(const NSEvent& with);
+    virtual void rightMouseDragged(const NSEvent& with);
+    virtual void rightMouseUp(const NSEvent& with);
+    /// The third button and those after it.
+    virtual void otherMouseDown(const NSEvent& with);
+    virtual void otherMouseDragged(const NSEvent& with);
+    virtual void otherMouseUp(const NSEvent& with);
+    virtual void scrollWheel(const NSEvent& with);
+    /// Keys go to the first responder of the window first.
+    virtual void keyDown(const NSEvent& with);
+    virtual void keyUp(const NSEvent& with);
+    /// For a key that nobody took, whoever has the keyboard; true once it is taken. Asks the
+    /// visible subviews, in order, unless overridden.
+    virtual bool performKeyEquivalent(const NSEvent& with);
     // These go to the owner of a tracking area, and no further.
     virtual void mouseMoved(const NSEvent& with);
     virtual void mouseEntered(const NSEvent& with);
@@ -135,6 +157,47 @@ public:
     /// the areas that depend on them. Whatever overrides it calls it first.
     virtual void updateTrackingAreas();
 
+    // The keyboard
+
+    /// Whether the view may become what keys go to; false unless overridden.
+    virtual bool acceptsFirstResponder() const { return false; }
+    /// Called before the view gets the keyboard, and before it loses it; false refuses.
+    virtual bool becomeFirstResponder() { return true; }
+    virtual bool resignFirstResponder() { return true; }
+    /// Where Tab goes from here; null for the next in the order of the tree.
+    std::shared_ptr<NSView> nextKeyView() const noexcept { return nextKeyView_.lock(); }
+    void setNextKeyView(const std::shared_ptr<NSView>& view);
+    /// Whether the host draws a frame around the view while it has the keyboard. True unless set.
+    bool showsFocusRing() const noexcept { return showsFocusRing_; }
+    void setShowsFocusRing(bool shows);
+
+    // What a host shows besides
+
+    /// Shown while the mouse rests over the view; empty for none.
+    const std::string& toolTip() const noexcept { return toolTip_; }
+    void setToolTip(std::string toolTip);
+    NSCursor cursor() const noexcept { return cursor_; }
+    void setCursor(NSCursor cursor);
+    /// The context menu; null for that of the superview.
+    virtual std::shared_ptr<NSMenu> menu(const NSEvent& forEvent);
+    void setMenu(std::shared_ptr<NSMenu> menu) { menu_ = std::move(menu); }
+
+    // What a screen reader says of the view. Controls know it of themselves; what is set goes
+    // before that.
+
+    NSAccessibilityRole accessibilityRole() const;
+    void setAccessibilityRole(NSAccessibilityRole role);
+    /// What the view is called; its tool tip when nothing else is known.
+    std::string accessibilityLabel() const;
+    void setAccessibilityLabel(std::string label);
+    /// What it stands at, as text.
+    std::string accessibilityValue() const;
+    /// A host says the new one.
+    void setAccessibilityValue(std::string value);
+
+    /// Hosts that show the view, and tests. Not kept alive; one that has gone is told no more.
+    void addObserver(const std::shared_ptr<NSViewObserver>& observer);
+
     /// Told of each change made through an animated call or by the operations of a subclass, and of
     /// each mark for redisplay.
     void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
@@ -147,6 +210,12 @@ protected:
     /// What this view or one inside it shows has changed. The outermost view of a window overrides
     /// it.
     virtual void contentDidChange();
+    /// Something that a host shows besides the drawing has changed.
+    void propertiesDidChange();
+    // What a class of views knows of itself.
+    virtual NSAccessibilityRole ownAccessibilityRole() const;
+    virtual std::string ownAccessibilityLabel() const { return {}; }
+    virtual std::string ownAccessibilityValue() const { return {}; }
 
 private:
     friend class NSWindow;
@@ -159,6 +228,9 @@ private:
     void didDisplayAll();
     CGSize constrained(CGSize size) const;
     void followConstraints();
+    void handOn(void (NSView::*event)(const NSEvent&), const NSEvent& with);
+    template <class... Given, class... Arguments>
+    void tellObserver(void (NSViewObserver::*change)(Given...), Arguments... arguments) const;
 
     CGRect frame_;
     CGPoint boundsOrigin_;
@@ -168,6 +240,15 @@ private:
     std::vector<std::shared_ptr<NSTrackingArea>> trackingAreas_;
     std::vector<std::shared_ptr<NSLayoutConstraint>> constraints_;
     ViewCallObserver callObserver_;
+    std::vector<std::weak_ptr<NSViewObserver>> observers_;
+    std::weak_ptr<NSView> nextKeyView_;
+    std::string toolTip_;
+    std::shared_ptr<NSMenu> menu_;
+    std::optional<NSAccessibilityRole> accessibilityRole_;
+    std::optional<std::string> accessibilityLabel_;
+    std::optional<std::string> accessibilityValue_;
+    NSCursor cursor_ = NSCursor::arrow;
+    bool showsFocusRing_ = true;
     bool isInWindow_ = false;
     bool isHidden_ = false;
     bool needsDisplay_ = true;

@@ -1,16 +1,21 @@
 #include <zorvan/platform/archives/ZipArchive.h>
 
+#include <zorvan/platform/foundation/internal/DirectoryWalk.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/Release.h>
+#include <zorvan/platform/foundation/internal/UTF8.h>
+#include <zorvan/platform/foundation/internal/openByPath.h>
+#include <zorvan/platform/foundation/internal/percentEscapes.h>
 
 #include <archive.h>
 #include <archive_entry.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <clocale>
 #include <fcntl.h>
-#include <filesystem>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -47,49 +52,28 @@ private:
     locale_t previous_{};
 };
 
-/// How many bytes the well-formed UTF-8 character at the start has; 0 when there is none.
-std::size_t characterLength(std::string_view text) {
-    const auto byte = [&](std::size_t i) {
-        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0u;
-    };
-    const unsigned first = byte(0);
-    if (first < 0x80)
-        return 1;
-    const std::size_t length = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-    if (length == 0 || first > 0xF4)
-        return 0;
-    // What is too long, a surrogate, or beyond the last character shows in the second byte.
-    const unsigned least = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
-    const unsigned most = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
-    if (byte(1) < least || byte(1) > most)
-        return 0;
-    for (std::size_t i = 2; i < length; ++i)
-        if ((byte(i) & 0xC0) != 0x80)
-            return 0;
-    return length;
-}
-
 std::string wellFormed(std::string_view text) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
     std::string result;
     while (!text.empty()) {
-        const std::size_t length = characterLength(text);
-        if (length > 0) {
+        const std::size_t length = internal::utf8SequenceLength(text);
+        if (length > 0)
             result += text.substr(0, length);
-        } else {
-            const auto byte = static_cast<unsigned char>(text.front());
-            result += {'%', digits[byte >> 4], digits[byte & 15]};
-        }
+        else
+            internal::appendPercentEscape(result, text.front());
         text.remove_prefix(std::max<std::size_t>(length, 1));
     }
     return result;
 }
 
-/// The paths of all that a folder holds, relative to it, each folder before what it holds.
-std::vector<std::string> contentsOf(const std::string& folder) {
+/// The paths of all that a folder holds, relative to it, each folder before what it holds. Absent
+/// when not all of it can be listed.
+std::optional<std::vector<std::string>> contentsOf(const std::string& folder) {
+    const auto walk = internal::DirectoryWalk::open(folder);
     std::vector<std::string> paths;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-        paths.push_back(entry.path().string().substr(folder.size() + 1));
+    while (walk && walk->advance())
+        paths.push_back(walk->path().substr(folder.size() + 1));
+    if (!walk || walk->error() != 0)
+        return std::nullopt;
     std::sort(paths.begin(), paths.end());
     return paths;
 }
@@ -107,7 +91,9 @@ la_ssize_t append(archive* writer, void* data, const void* bytes, std::size_t si
 
 class ZipWriter {
 public:
-    explicit ZipWriter(Data& data) : writer_(archive_write_new()), entry_(archive_entry_new()) {
+    ZipWriter(const std::string& folder, Data& data)
+        : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
+          writer_(archive_write_new()), entry_(archive_entry_new()) {
         if (!writer_ || !entry_)
             throw std::bad_alloc();
         // No padding to a block at the end: it is no tape.
@@ -116,22 +102,22 @@ public:
                    archive_write_open(writer_.get(), &data, nullptr, append, nullptr) == ARCHIVE_OK;
     }
 
-    bool add(const std::string& path, const std::string& name) {
+    bool add(const std::string& path) {
+        // A link is opened as such.
+        const internal::FileDescriptor item(
+            internal::openByPath(folder_.get(), path, O_PATH | O_NOFOLLOW | O_CLOEXEC));
         struct stat status {};
-        if (::lstat(path.c_str(), &status) != 0)
+        if (!item || ::fstat(item.get(), &status) != 0)
             return false;
         archive_entry_clear(entry_.get());
-        archive_entry_set_pathname(entry_.get(), wellFormed(name).c_str());
+        archive_entry_set_pathname(entry_.get(), wellFormed(path).c_str());
         archive_entry_set_mode(entry_.get(), status.st_mode);
         archive_entry_set_mtime(entry_.get(), status.st_mtim.tv_sec, status.st_mtim.tv_nsec);
         if (S_ISREG(status.st_mode))
             return addFile(path);
-        if (S_ISLNK(status.st_mode)) {
-            const std::string target = std::filesystem::read_symlink(path);
-            archive_entry_set_symlink(entry_.get(), target.c_str());
-        }
-        const bool hasPlace = S_ISDIR(status.st_mode) || S_ISLNK(status.st_mode);
-        return !hasPlace || writeHeader();
+        if (S_ISLNK(status.st_mode))
+            return addLink(item.get());
+        return !S_ISDIR(status.st_mode) || writeHeader();
     }
 
     bool finish() { return isSound_ && archive_write_close(writer_.get()) == ARCHIVE_OK; }
@@ -141,9 +127,19 @@ private:
         return isSound_ && archive_write_header(writer_.get(), entry_.get()) == ARCHIVE_OK;
     }
 
+    bool addLink(int link) {
+        std::array<char, PATH_MAX> target;
+        const ssize_t length = ::readlinkat(link, "", target.data(), target.size() - 1);
+        if (length < 0)
+            return false;
+        target[static_cast<std::size_t>(length)] = '\0';
+        archive_entry_set_symlink(entry_.get(), target.data());
+        return writeHeader();
+    }
+
     bool addFile(const std::string& path) {
-        const internal::FileDescriptor file(
-            ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+        const internal::FileDescriptor file(internal::openByPath(
+            folder_.get(), path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         struct stat status {};
         if (!file || ::fstat(file.get(), &status) != 0)
             return false;
@@ -162,6 +158,7 @@ private:
         }
     }
 
+    internal::FileDescriptor folder_;
     std::unique_ptr<archive, Release<::archive_write_free>> writer_;
     std::unique_ptr<archive_entry, Release<::archive_entry_free>> entry_;
     std::vector<std::byte> buffer_ = std::vector<std::byte>(bufferSize);
@@ -175,10 +172,13 @@ std::optional<Data> zipArchiveOfFolder(const std::string& path) {
     if (!locale)
         return std::nullopt;
     try {
+        const auto names = contentsOf(path);
+        if (!names)
+            return std::nullopt;
         Data data;
-        ZipWriter writer(data);
-        for (const std::string& name : contentsOf(path))
-            if (!writer.add(path + '/' + name, name))
+        ZipWriter writer(path, data);
+        for (const std::string& name : *names)
+            if (!writer.add(name))
                 return std::nullopt;
         return writer.finish() ? std::optional(std::move(data)) : std::nullopt;
     } catch (const std::exception&) {

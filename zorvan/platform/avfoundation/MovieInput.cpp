@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <span>
 
 namespace zorvan::avfoundation {
 namespace {
@@ -58,13 +59,27 @@ CGSize naturalSize(AVFormatContext& input, AVStream& stream) noexcept {
     return {pixelRatio > 0 ? std::round(width * pixelRatio) : width, height};
 }
 
-CGAffineTransform preferredTransform(const AVStream& stream) noexcept {
+/// The stream's display matrix as it is stored; empty when it has none.
+std::span<const std::uint8_t> displayMatrix(const AVStream& stream) noexcept {
+#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 31, 102)
+    const AVPacketSideData* const data =
+        av_packet_side_data_get(stream.codecpar->coded_side_data,
+                                stream.codecpar->nb_coded_side_data, AV_PKT_DATA_DISPLAYMATRIX);
+    return data ? std::span<const std::uint8_t>(data->data, data->size)
+                : std::span<const std::uint8_t>();
+#else
     std::size_t size = 0;
     const auto* const bytes = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &size);
+    return {bytes, bytes ? size : 0};
+#endif
+}
+
+CGAffineTransform preferredTransform(const AVStream& stream) noexcept {
+    const std::span bytes = displayMatrix(stream);
     std::int32_t matrix[9];
-    if (!bytes || size < sizeof matrix)
+    if (bytes.size() < sizeof matrix)
         return CGAffineTransform::identity;
-    std::copy_n(bytes, sizeof matrix, reinterpret_cast<std::uint8_t*>(matrix));
+    std::copy_n(bytes.data(), sizeof matrix, reinterpret_cast<std::uint8_t*>(matrix));
     constexpr double one = 1 << 16;
     return {matrix[0] / one, matrix[1] / one, matrix[3] / one,
             matrix[4] / one, matrix[6] / one, matrix[7] / one};

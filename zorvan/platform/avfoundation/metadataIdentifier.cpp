@@ -1,5 +1,7 @@
 #include <zorvan/platform/avfoundation/internal/metadataIdentifier.h>
 
+#include <zorvan/platform/foundation/internal/ascii.h>
+
 #include <algorithm>
 
 extern "C" {
@@ -10,9 +12,8 @@ namespace zorvan::avfoundation {
 namespace {
 
 bool isSameWord(std::string_view given, std::string_view lower) {
-    return std::equal(given.begin(), given.end(), lower.begin(), lower.end(), [](char g, char l) {
-        return (g >= 'A' && g <= 'Z' ? g - 'A' + 'a' : g) == l;
-    });
+    return std::equal(given.begin(), given.end(), lower.begin(), lower.end(),
+                      [](char g, char l) { return internal::lowered(g) == l; });
 }
 
 } // namespace

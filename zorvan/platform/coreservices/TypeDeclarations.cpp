@@ -93,7 +93,7 @@ constexpr TypeDeclaration declarations[] = {
     {kUTTypeTIFF, "public.image", "tiff tif", "image/tiff", "TIFF image"},
     {kUTTypePICT, "public.image", "pict pct pic", "image/x-pict image/pict", "PICT image"},
     {kUTTypeGIF, "public.image", "gif", "image/gif", "GIF image"},
-    {kUTTypePNG, "public.image", "png", "image/png", "PNG image"},
+    {kUTTypePNG, "public.image", "png apng", "image/png", "PNG image"},
     {kUTTypeQuickTimeImage, "public.image", "qtif qti", "image/x-quicktime", "QuickTime image"},
     {"public.heif-standard", "public.image", "", "", "HEIF image"},
     {"public.heif", "public.heif-standard", "heif hif", "image/heif", "HEIF image"},

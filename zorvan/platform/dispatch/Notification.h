@@ -25,9 +25,9 @@ struct Notification {
     /// Absent when the sender added nothing.
     std::optional<UserInfo> userInfo;
 
-    explicit Notification(NSNotificationName name, std::shared_ptr<const void> object = {},
-                          std::optional<UserInfo> userInfo = {})
-        : name(name), object(std::move(object)), userInfo(std::move(userInfo)) {}
+    explicit Notification(NSNotificationName name_, std::shared_ptr<const void> object_ = {},
+                          std::optional<UserInfo> userInfo_ = {})
+        : name(name_), object(std::move(object_)), userInfo(std::move(userInfo_)) {}
 
     /// The value under the key when there is one of exactly that type, else null. It lives in the
     /// notification.

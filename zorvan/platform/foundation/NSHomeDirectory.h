@@ -4,8 +4,9 @@
 
 namespace zorvan {
 
-/// The path of the user's home folder: `$HOME` when it is an absolute path, else what the system
-/// has for the user; empty when it has nothing.
+/// The absolute path of the user's home folder: `$HOME`, else what the system has for the user;
+/// empty when neither is one. A program that runs with more rights than its caller does not go by
+/// the caller's `$HOME`.
 [[nodiscard]] std::string NSHomeDirectory();
 
 } // namespace zorvan

@@ -6,8 +6,8 @@
 
 namespace zorvan {
 
-/// A boxed number: a truth value, a 64-bit integer or a 64-bit real, which remembers which of them it
-/// was made from. An integer is signed unless it is too large for that.
+/// A boxed number: a truth value, a 64-bit integer or a 64-bit real, which remembers which of them
+/// it was made from. An integer is signed unless it is too large for that.
 class NSNumber {
 public:
     constexpr NSNumber(bool value) noexcept : value_(value) {}
@@ -41,8 +41,8 @@ public:
 
     constexpr float floatValue() const noexcept { return static_cast<float>(doubleValue()); }
 
-    /// A real is truncated toward zero; a number outside the signed 64-bit range becomes the nearest
-    /// end of it, and NaN becomes 0.
+    /// A real is truncated toward zero; a number outside the signed 64-bit range becomes the
+    /// nearest end of it, and NaN becomes 0.
     constexpr std::int64_t int64Value() const noexcept {
         if (const double* real = std::get_if<double>(&value_))
             return truncated(*real);

@@ -30,8 +30,11 @@ std::string userField(char* passwd::*field) {
 std::string NSUserName() { return userField(&passwd::pw_name); }
 
 std::string NSHomeDirectory() {
-    const char* home = std::getenv("HOME");
-    return home && home[0] == '/' ? home : userField(&passwd::pw_dir);
+    const char* home = ::secure_getenv("HOME");
+    if (home && home[0] == '/')
+        return home;
+    std::string known = userField(&passwd::pw_dir);
+    return known.starts_with('/') ? known : "";
 }
 
 } // namespace zorvan

@@ -8,23 +8,27 @@ namespace zorvan {
 
 /// A field of an argument record that the caller must name.
 ///
-/// It has no default constructor, so a record that holds one cannot be made without it. That is what
-/// tells overloads apart: `CGRect({.size = s})` cannot mean the record with a required `center`.
+/// It has no default constructor, so a record that holds one cannot be made without it. That is
+/// what tells overloads apart: `CGRect({.size = s})` cannot mean the record with a required
+/// `center`.
 template <class T>
 struct Required {
     T value;
 
     template <class... Arguments>
-        requires(sizeof...(Arguments) > 0 && std::constructible_from<T, Arguments...>)
-    constexpr Required(Arguments&&... arguments) : value(std::forward<Arguments>(arguments)...) {}
+    requires(sizeof...(Arguments) > 0 &&
+             std::constructible_from<T, Arguments...>) constexpr Required(Arguments&&... arguments)
+        : value(std::forward<Arguments>(arguments)...) {}
     /// An aggregate from its fields, for compilers that make none from parentheses.
     template <class... Arguments>
-        requires(std::is_aggregate_v<T> && !std::constructible_from<T, Arguments...> &&
-                 requires(Arguments&&... fields) { T{std::forward<Arguments>(fields)...}; })
-    constexpr Required(Arguments&&... fields) : value{std::forward<Arguments>(fields)...} {}
+    requires(std::is_aggregate_v<T> && !std::constructible_from<T, Arguments...> &&
+             requires(Arguments && ... fields) {
+                 T{std::forward<Arguments>(fields)...};
+             }) constexpr Required(Arguments&&... fields)
+        : value{std::forward<Arguments>(fields)...} {}
     /// An integer for a real, which -Wconversion would otherwise report from in here.
     template <std::integral Integer>
-        requires std::floating_point<T>
+    requires std::floating_point<T>
     constexpr Required(Integer integer) : value(static_cast<T>(integer)) {}
 
     constexpr operator const T&() const noexcept { return value; }

@@ -1,7 +1,12 @@
 #include <zorvan/platform/foundation/URL.h>
 
+#include <zorvan/platform/foundation/internal/UTF8.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/percentEscapes.h>
+
 #include <algorithm>
-#include <cctype>
+#include <arpa/inet.h>
+#include <charconv>
 #include <filesystem>
 #include <system_error>
 
@@ -43,14 +48,13 @@ std::string normalised(std::string path) {
 }
 
 bool isSchemeCharacter(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) || c == '+' || c == '-' || c == '.';
+    return internal::isLetter(c) || internal::isDigit(c) || c == '+' || c == '-' || c == '.';
 }
 
 /// The length of "scheme" in "scheme:rest", or 0.
 std::size_t schemeLength(std::string_view text) {
     const std::size_t colon = text.find(':');
-    if (colon == std::string_view::npos || colon == 0 ||
-        !std::isalpha(static_cast<unsigned char>(text[0])))
+    if (colon == std::string_view::npos || colon == 0 || !internal::isLetter(text[0]))
         return 0;
     return std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(colon),
                        isSchemeCharacter)
@@ -58,49 +62,56 @@ std::size_t schemeLength(std::string_view text) {
                : 0;
 }
 
-int hexDigit(char c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    const char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+/// Whether each character may stand in a URL, which brackets only may in some of its parts.
+bool isURLText(std::string_view text, bool brackets) {
+    constexpr std::string_view others = "-._~:/?@!$&'()*+,;=";
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        const bool allowed = static_cast<unsigned char>(c) >= 0x80 || internal::isLetter(c) ||
+                             internal::isDigit(c) || others.find(c) != std::string_view::npos ||
+                             (brackets && (c == '[' || c == ']')) ||
+                             (c == '%' && internal::percentUnescaped(text.substr(i, 3)));
+        if (!allowed)
+            return false;
+    }
+    return internal::isUTF8(text);
 }
 
-std::optional<std::string> unescaped(std::string_view text) {
-    std::string bytes;
-    bytes.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char c = text[i];
-        if (c == '%') {
-            if (text.size() - i < 3 || hexDigit(text[i + 1]) < 0 || hexDigit(text[i + 2]) < 0)
-                return std::nullopt;
-            c = static_cast<char>(hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2]));
-            i += 2;
-        }
-        if (c == '\0')
-            return std::nullopt;
-        bytes += c;
+bool isPort(std::string_view text) {
+    constexpr unsigned largestPort = 65535;
+    unsigned port = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+    return text.empty() ||
+           (error == std::errc() && end == text.data() + text.size() && port <= largestPort);
+}
+
+/// Whether "user@host:port", with what may be missing, is what stands between "//" and the path.
+bool isAuthority(std::string_view text) {
+    if (const std::size_t at = text.rfind('@'); at != std::string_view::npos) {
+        const std::string_view user = text.substr(0, at);
+        if (user.find('@') != std::string_view::npos || !isURLText(user, false))
+            return false;
+        text.remove_prefix(at + 1);
     }
-    return bytes;
+    if (text.starts_with('[')) {
+        const std::size_t close = std::min(text.find(']'), text.size());
+        const std::string address(text.substr(1, std::min(close, text.find('%')) - 1));
+        const std::string_view rest = text.substr(std::min(close + 1, text.size()));
+        in6_addr ignored{};
+        return close < text.size() && isURLText(text.substr(0, close), true) &&
+               ::inet_pton(AF_INET6, address.c_str(), &ignored) == 1 &&
+               (rest.empty() || (rest.front() == ':' && isPort(rest.substr(1))));
+    }
+    const std::size_t colon = std::min(text.find(':'), text.size());
+    return isURLText(text.substr(0, colon), false) &&
+           (colon == text.size() || isPort(text.substr(colon + 1)));
 }
 
 std::string escaped(std::string_view path) {
-    constexpr char digits[] = "0123456789ABCDEF";
-    std::string text;
-    text.reserve(path.size());
-    for (const char c : path) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool plain =
-            byte < 0x80 &&
-            (std::isalnum(byte) || std::string_view("-._~/").find(c) != std::string_view::npos);
-        if (plain) {
-            text += c;
-        } else {
-            text += '%';
-            text += digits[byte >> 4];
-            text += digits[byte & 15];
-        }
-    }
-    return text;
+    return internal::percentEscaped(path, [](char c) {
+        return internal::isLetter(c) || internal::isDigit(c) ||
+               std::string_view("-._~/").find(c) != std::string_view::npos;
+    });
 }
 
 } // namespace
@@ -124,16 +135,23 @@ std::optional<URL> URL::make(Text argument) {
     url.prefix_ = text.substr(0, pathStart);
     url.path_ = text.substr(pathStart, pathEnd - pathStart);
     url.suffix_ = text.substr(pathEnd);
+    const std::size_t fragment = std::min(url.suffix_.find('#'), url.suffix_.size());
+    const std::string_view suffix = url.suffix_;
+    const bool hasAuthority = pathStart > scheme + 1;
+    if (!isURLText(url.path_, false) || !isURLText(suffix.substr(0, fragment), true) ||
+        (fragment < suffix.size() && !isURLText(suffix.substr(fragment + 1), true)) ||
+        (hasAuthority && !isAuthority(std::string_view(url.prefix_).substr(scheme + 3))))
+        return std::nullopt;
 
     std::string lower = url.prefix_;
     std::transform(lower.begin(), lower.end(), lower.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+                   [](char c) { return internal::lowered(c); });
     if (!lower.starts_with("file:"))
         return url;
     if (lower != "file:" && lower != "file://" && lower != "file://localhost")
         return std::nullopt;
-    const std::optional<std::string> path = unescaped(url.path_);
-    if (!path || !path->starts_with('/'))
+    const std::optional<std::string> path = internal::percentUnescaped(url.path_);
+    if (!path || !path->starts_with('/') || path->find('\0') != std::string::npos)
         return std::nullopt;
     return URL({.fileURLWithPath = *path});
 }
@@ -142,7 +160,7 @@ std::string URL::absoluteString() const {
     return isFile_ ? "file://" + escaped(path_) : prefix_ + path_ + suffix_;
 }
 
-std::string_view URL::lastPathComponent() const noexcept {
+std::string_view URL::lastPathComponent() const& noexcept {
     std::string_view path = path_;
     while (path.size() > 1 && path.back() == '/')
         path.remove_suffix(1);
@@ -152,7 +170,7 @@ std::string_view URL::lastPathComponent() const noexcept {
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
-std::string_view URL::pathExtension() const noexcept {
+std::string_view URL::pathExtension() const& noexcept {
     const std::string_view name = lastPathComponent();
     const std::size_t dot = name.rfind('.');
     if (dot == std::string_view::npos || dot == 0 || name.find_first_not_of('.') > dot)
@@ -188,7 +206,9 @@ URL URL::deletingPathExtension() const {
 }
 
 URL URL::appendingPathExtension(std::string_view extension) const {
-    return extension.empty() ? *this : withPath(path_ + '.' + std::string(extension));
+    if (extension.empty())
+        return *this;
+    return withPath(path_ + '.' + (isFile_ ? std::string(extension) : escaped(extension)));
 }
 
 URL URL::deletingLastPathComponent() const {
@@ -207,8 +227,10 @@ URL URL::appendingPathComponent(std::string_view component) const {
     std::string path = path_;
     if (!path.ends_with('/'))
         path += '/';
+    if (!isFile_)
+        return withPath(path + escaped(component));
     path += component;
-    return isFile_ ? URL({.fileURLWithPath = std::move(path)}) : withPath(std::move(path));
+    return URL({.fileURLWithPath = std::move(path)});
 }
 
 URL URL::resolvingSymlinksInPath() const {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace zorvan {
@@ -28,8 +29,13 @@ public:
     /// slash is dropped (except in "/").
     URL(FilePath argument);
 
-    /// Parses "scheme:rest". A "file:" URL has its percent escapes decoded. Absent when there is no
-    /// scheme, or when a file URL holds a broken escape, a NUL, or another host than "localhost".
+    /// Parses "scheme:rest". A "file:" URL has its percent escapes decoded. Absent when the text is
+    /// no URL, and when a file URL holds an escaped NUL or another host than "localhost".
+    ///
+    /// A URL has a scheme and holds no blank, control character, quote, angle bracket, backslash,
+    /// caret, grave accent, brace or bar, no "%" without two hexadecimal digits, and one "#" at
+    /// most; a port is a number up to 65,535, and brackets in the host hold an IPv6 address.
+    /// Letters beyond ASCII may stand in it as UTF-8.
     static std::optional<URL> make(Text argument);
 
     /// The file URL of the root directory.
@@ -39,22 +45,29 @@ public:
 
     /// The path: of a file URL as the file system has it, of any other the text between the
     /// authority and "?" or "#", still escaped.
-    const std::string& path() const noexcept { return path_; }
+    const std::string& path() const& noexcept { return path_; }
+    std::string path() && noexcept { return std::move(path_); }
 
     /// The whole URL; a file URL has every byte outside the unreserved characters and "/" escaped.
     std::string absoluteString() const;
 
-    /// The last component, "/" for the root, empty when there is no path.
-    std::string_view lastPathComponent() const noexcept;
+    /// The last component, "/" for the root, empty when there is no path. A view into the URL, or a
+    /// text of its own when the URL is the result of a call.
+    std::string_view lastPathComponent() const& noexcept;
+    std::string lastPathComponent() const&& { return std::string(lastPathComponent()); }
 
     /// What follows the last dot of the last component; empty when the dot begins the name
-    /// (".git"), ends it, or is missing.
-    std::string_view pathExtension() const noexcept;
+    /// (".git"), ends it, or is missing. A view or a text as above.
+    std::string_view pathExtension() const& noexcept;
+    std::string pathExtension() const&& { return std::string(pathExtension()); }
 
     /// "/", then each component: "/a/b" gives "/", "a", "b".
     std::vector<std::string> pathComponents() const;
 
     URL deletingPathExtension() const;
+    // What is appended is escaped where the path is: every byte but the unreserved characters and
+    // "/".
+
     /// The extension appended after a dot; unchanged when it is empty.
     URL appendingPathExtension(std::string_view extension) const;
     URL deletingLastPathComponent() const;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace zorvan {
 
@@ -22,6 +23,12 @@ public:
     /// `maximumPixelCount` pixels, or when there is no memory for them.
     static std::optional<Bitmap> make(std::int64_t width, std::int64_t height,
                                       BitmapLayout layout = BitmapLayout::rgba);
+
+    /// A bitmap over pixels laid out as ours that somebody else has made: they are neither copied
+    /// nor changed, and `owner` is let go with the bitmap. Null when the size is none for a bitmap.
+    static std::shared_ptr<const Bitmap> sharing(const std::uint8_t* pixels, std::int64_t width,
+                                                 std::int64_t height, BitmapLayout layout,
+                                                 std::shared_ptr<const void> owner);
 
     /// The same pixels in storage of their own; absent when there is no memory for them.
     std::optional<Bitmap> copy() const;
@@ -42,7 +49,8 @@ private:
     friend struct BitmapAccess;
 
     struct Free {
-        std::size_t byteCount;
+        std::size_t byteCount; // 0 for pixels that somebody else has made
+        std::shared_ptr<const void> owner = {};
         void operator()(std::uint8_t* pixels) const noexcept;
     };
 
@@ -50,9 +58,12 @@ private:
     static std::optional<Bitmap> make(std::int64_t width, std::int64_t height, BitmapLayout layout,
                                       Contents contents);
 
-    Bitmap(std::int64_t width, std::int64_t height, BitmapLayout layout, std::uint8_t* pixels)
-        : width_(width), height_(height), layout_(layout),
-          pixels_(pixels, Free{static_cast<std::size_t>(width * height) * 4}) {}
+    static bool isSize(std::int64_t width, std::int64_t height) noexcept {
+        return width >= 1 && height >= 1 && width <= maximumPixelCount / height;
+    }
+    Bitmap(std::int64_t width, std::int64_t height, BitmapLayout layout, std::uint8_t* pixels,
+           Free free)
+        : width_(width), height_(height), layout_(layout), pixels_(pixels, std::move(free)) {}
 
     std::int64_t width_;
     std::int64_t height_;

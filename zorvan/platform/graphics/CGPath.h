@@ -33,7 +33,8 @@ public:
         friend bool operator==(const Element&, const Element&) = default;
     };
 
-    const std::vector<Element>& elements() const noexcept { return elements_; }
+    const std::vector<Element>& elements() const& noexcept { return elements_; }
+    std::vector<Element> elements() && noexcept { return std::move(elements_); }
     bool isEmpty() const noexcept { return elements_.empty(); }
     /// Where the next line begins; the zero point on an empty path.
     CGPoint currentPoint() const noexcept { return current_; }

@@ -1,8 +1,9 @@
 #include <zorvan/platform/graphics/VectorPicture.h>
 
 #include <zorvan/platform/foundation/internal/readRegularFile.h>
-#include <zorvan/platform/graphics/internal/CairoDrawing.h>
 
+#include <algorithm>
+#include <cstring>
 #include <dlfcn.h>
 #include <librsvg/rsvg.h>
 #include <string_view>
@@ -11,13 +12,18 @@ namespace zorvan {
 
 namespace {
 
-/// librsvg, loaded when it is needed: it would more than double the time that a program takes to
-/// start.
+/// librsvg and what it draws with, loaded when they are needed: they would more than double the
+/// time that a program takes to start.
 struct Rsvg {
     decltype(&rsvg_handle_new_from_data) open = nullptr;
     decltype(&rsvg_handle_get_intrinsic_size_in_pixels) size = nullptr;
     decltype(&rsvg_handle_get_intrinsic_dimensions) dimensions = nullptr;
     decltype(&rsvg_handle_render_document) render = nullptr;
+    decltype(&g_object_unref) release = nullptr;
+    decltype(&cairo_image_surface_create_for_data) createSurface = nullptr;
+    decltype(&cairo_surface_destroy) destroySurface = nullptr;
+    decltype(&cairo_create) createContext = nullptr;
+    decltype(&cairo_destroy) destroyContext = nullptr;
 
     /// Null when the machine has none.
     static const Rsvg* shared() {
@@ -38,7 +44,12 @@ private:
         const bool hasAll = find(rsvg.open, "rsvg_handle_new_from_data") &&
                             find(rsvg.size, "rsvg_handle_get_intrinsic_size_in_pixels") &&
                             find(rsvg.dimensions, "rsvg_handle_get_intrinsic_dimensions") &&
-                            find(rsvg.render, "rsvg_handle_render_document");
+                            find(rsvg.render, "rsvg_handle_render_document") &&
+                            find(rsvg.release, "g_object_unref") &&
+                            find(rsvg.createSurface, "cairo_image_surface_create_for_data") &&
+                            find(rsvg.destroySurface, "cairo_surface_destroy") &&
+                            find(rsvg.createContext, "cairo_create") &&
+                            find(rsvg.destroyContext, "cairo_destroy");
         return hasAll ? std::optional(rsvg) : std::nullopt;
     }
 };
@@ -52,6 +63,18 @@ CGSize sizeOf(const Rsvg& rsvg, RsvgHandle* handle) {
     RsvgRectangle box{};
     rsvg.dimensions(handle, &hasWidth, &ignored, &hasHeight, &ignored, &hasBox, &box);
     return hasBox ? CGSize(box.width, box.height) : CGSize();
+}
+
+/// From the order that the pixels are drawn in: numbers with the alpha on top.
+void turnIntoRgba(Bitmap& bitmap) {
+    for (std::int64_t i = 0; i < bitmap.byteCount(); i += 4) {
+        std::uint32_t pixel;
+        std::uint8_t* const bytes = bitmap.data() + i;
+        std::memcpy(&pixel, bytes, sizeof pixel);
+        for (int c = 0; c < 3; ++c)
+            bytes[c] = static_cast<std::uint8_t>(pixel >> (16 - 8 * c));
+        bytes[3] = static_cast<std::uint8_t>(pixel >> 24);
+    }
 }
 
 bool looksLikeSVG(std::span<const std::byte> bytes) {
@@ -71,9 +94,9 @@ std::shared_ptr<const VectorPicture> VectorPicture::create(std::span<const std::
         return nullptr;
     const std::shared_ptr<RsvgHandle> handle(
         rsvg->open(reinterpret_cast<const guint8*>(bytes.data()), bytes.size(), nullptr),
-        [](RsvgHandle* opened) {
+        [rsvg](RsvgHandle* opened) {
             if (opened)
-                g_object_unref(opened);
+                rsvg->release(opened);
         });
     const CGSize size = handle ? sizeOf(*rsvg, handle.get()) : CGSize();
     if (!(size.width > 0 && size.height > 0))
@@ -86,6 +109,8 @@ std::shared_ptr<const VectorPicture> VectorPicture::create(const std::string& pa
     return text ? create(std::as_bytes(std::span(*text))) : nullptr;
 }
 
+bool VectorPicture::isSupported() { return Rsvg::shared() != nullptr; }
+
 std::optional<Bitmap> VectorPicture::drawn(std::int64_t width, std::int64_t height) const {
     constexpr std::int64_t maximumSide = 32000; // of a surface of Cairo's
     if (width > maximumSide || height > maximumSide)
@@ -93,15 +118,18 @@ std::optional<Bitmap> VectorPicture::drawn(std::int64_t width, std::int64_t heig
     std::optional<Bitmap> bitmap = Bitmap::make(width, height);
     if (!bitmap)
         return std::nullopt;
-    const DrawingTarget target = DrawingTarget::of(*bitmap);
-    const CairoSurface surface = surfaceOn(target);
-    const Cairo cairo(cairo_create(surface.get()));
+    const Rsvg& rsvg = *Rsvg::shared();
+    const std::unique_ptr<cairo_surface_t, decltype(rsvg.destroySurface)> surface(
+        rsvg.createSurface(bitmap->data(), CAIRO_FORMAT_ARGB32, static_cast<int>(width),
+                           static_cast<int>(height), static_cast<int>(bitmap->bytesPerRow())),
+        rsvg.destroySurface);
+    const std::unique_ptr<cairo_t, decltype(rsvg.destroyContext)> cairo(
+        rsvg.createContext(surface.get()), rsvg.destroyContext);
     const RsvgRectangle all{0, 0, static_cast<double>(width), static_cast<double>(height)};
     auto* const handle = static_cast<RsvgHandle*>(handle_.get());
-    if (!Rsvg::shared()->render(handle, cairo.get(), &all, nullptr))
+    if (!rsvg.render(handle, cairo.get(), &all, nullptr))
         return std::nullopt;
-    cairo_surface_flush(surface.get());
-    exchangeChannels(target);
+    turnIntoRgba(*bitmap);
     return bitmap;
 }
 

@@ -23,6 +23,9 @@ public:
     static std::shared_ptr<const VectorPicture> create(std::span<const std::byte> bytes);
     static std::shared_ptr<const VectorPicture> create(const std::string& path);
 
+    /// Whether this machine has librsvg.
+    static bool isSupported();
+
     /// In pixels, as the picture asks for.
     CGSize size() const noexcept { return size_; }
 

@@ -297,6 +297,28 @@ void addExifProperties(Bytes block, PropertyList::Dictionary& properties) {
     }
 }
 
+Data exifBlockFrom(ByteSource& source, const TiffForm& form, const ExifPlaces& places) {
+    // Larger blocks are not read to their end.
+    constexpr std::size_t maximumSize = 60'000;
+    std::size_t room = maximumSize;
+    const auto shown = [&](std::uint64_t place) {
+        std::vector<TiffEntry> entries;
+        if (place == 0)
+            return entries;
+        for (TiffEntry& entry : readTiffEntries(source, form, place)) {
+            const std::size_t size = 12 + entry.value.size() + 1;
+            if (entry.tag == EXIF_TAG_MAKER_NOTE || size > room ||
+                entry.tag == EXIF_TAG_INTEROPERABILITY_IFD_POINTER)
+                continue;
+            room -= size;
+            entries.push_back(std::move(entry));
+        }
+        return entries;
+    };
+    const std::vector<TiffEntry> exif = shown(places.exif);
+    return exifBlockOf({}, exif, shown(places.gps), form.bigEndian);
+}
+
 Data exifThumbnail(Bytes block) {
     if (!TiffNumbers(block).valid())
         return {};

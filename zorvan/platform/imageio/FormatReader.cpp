@@ -36,6 +36,14 @@ std::optional<PropertyList::Dictionary> FormatReader::properties(std::int64_t in
     });
 }
 
+std::optional<int> FormatReader::orientation(std::int64_t index) {
+    return guarded([&] {
+               checkIndex(index);
+               return readOrientation(index);
+           })
+        .value_or(std::nullopt);
+}
+
 std::optional<Bitmap> FormatReader::decode(std::int64_t index, const DecodeOptions& options) {
     return guarded([&] {
         checkIndex(index);
@@ -48,6 +56,13 @@ std::optional<Bitmap> FormatReader::embeddedThumbnail(std::int64_t index) {
         checkIndex(index);
         return readThumbnail(index);
     });
+}
+
+Data wholeFile(ByteSource& source) {
+    constexpr std::uint64_t maximumSize = std::uint64_t{256} << 20;
+    if (source.size() > maximumSize)
+        throw Failure{reason::tooLarge};
+    return source.bytes(0, source.size());
 }
 
 } // namespace zorvan::imageio

@@ -34,18 +34,28 @@ void check(const heif_error& error) {
                                                                              : reason::noMemory};
     case heif_error_Unsupported_feature:
     case heif_error_Unsupported_filetype:
-        throw Failure{reason::unsupported};
+        throw Failure{error.subcode == heif_suberror_Unsupported_codec ? reason::noDecoder
+                                                                       : reason::unsupported};
+    case heif_error_Plugin_loading_error:
+        throw Failure{reason::noDecoder};
     default:
         throw Failure{reason::damaged};
     }
 }
 
-/// libheif reading from a source of ours.
+/// libheif reading from a source of ours. It refuses pictures whose size is not the one stated, so
+/// a size that is stated with its sides exchanged is read as it should be.
 class Context {
 public:
-    explicit Context(ByteSource& source) : source_(source), context_(heif_context_alloc()) {
+    Context(ByteSource& source, const HeifPicture& picture)
+        : source_(source), turnedSizeAt_(picture.turnedSizeAt), context_(heif_context_alloc()) {
         if (!context_)
             throw Failure{reason::noMemory};
+        reader_.reader_api_version = 1;
+        reader_.get_position = position;
+        reader_.read = read;
+        reader_.seek = seek;
+        reader_.wait_for_file_size = wait;
         check(heif_context_read_from_reader(context_.get(), &reader_, this, nullptr));
     }
 
@@ -63,6 +73,7 @@ private:
     static int read(void* out, std::size_t size, void* user) {
         Context& context = of(user);
         const std::size_t count = context.source_.read(context.position_, out, size);
+        context.mendSize(static_cast<std::byte*>(out), count);
         context.position_ += count;
         return count == size ? 0 : 1;
     }
@@ -76,9 +87,25 @@ private:
                      : heif_reader_grow_status_size_beyond_eof;
     }
 
+    /// Exchanges the sides, as far as they are among the bytes at the position.
+    void mendSize(std::byte* bytes, std::size_t count) {
+        constexpr std::size_t sideLength = 4;
+        std::array<std::byte, 2 * sideLength> sides = {};
+        if (!turnedSizeAt_ ||
+            source_.read(*turnedSizeAt_, sides.data(), sides.size()) < sides.size())
+            return;
+        std::ranges::rotate(sides, sides.begin() + sideLength);
+        for (std::size_t i = 0; i < sides.size(); ++i) {
+            const std::uint64_t place = *turnedSizeAt_ + i;
+            if (place >= position_ && place - position_ < count)
+                bytes[place - position_] = sides[i];
+        }
+    }
+
     ByteSource& source_;
+    const std::optional<std::uint64_t> turnedSizeAt_;
     std::uint64_t position_ = 0;
-    heif_reader reader_ = {1, position, read, seek, wait};
+    heif_reader reader_ = {};
     std::unique_ptr<heif_context, Release<heif_context_free>> context_;
 };
 
@@ -257,10 +284,11 @@ bool convertAsCoded(const heif_image_handle* handle, PixelSize coded, int chroma
     return true;
 }
 
-class HeicReader final : public FormatReader {
+/// HEIC and AVIF, which differ in the codec only.
+class HeifReader final : public FormatReader {
 public:
-    explicit HeicReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::heic, std::move(source)) {}
+    HeifReader(std::unique_ptr<ByteSource> source, FileFormat format)
+        : FormatReader(format, std::move(source)) {}
 
 private:
     const HeifFile& file() {
@@ -289,6 +317,14 @@ private:
 
     /// The file's own turns are binding and Exif's orientation then repeats them; without any of
     /// them Exif's orientation holds.
+    static std::optional<int> orientationOf(const HeifPicture& shown, Bytes exif) {
+        return shown.orientation ? shown.orientation : exifOrientation(exif);
+    }
+
+    std::optional<int> readOrientation(std::int64_t index) override {
+        return orientationOf(picture(index), exifOf(picture(index)));
+    }
+
     PropertyList::Dictionary readProperties(std::int64_t index) override {
         const HeifPicture& shown = picture(index);
         const Data exif = exifOf(shown);
@@ -298,8 +334,7 @@ private:
                            .depth = shown.depth,
                            .colorModel = shown.monochrome ? "Gray" : "RGB",
                            .hasAlpha = shown.hasAlpha,
-                           .orientation =
-                               shown.orientation ? shown.orientation : exifOrientation(exif),
+                           .orientation = orientationOf(shown, exif),
                            .dpi = exifResolution(extra)};
         if (outline.orientation && findSection(extra, "{TIFF}"))
             section(extra, "{TIFF}").insert_or_assign("Orientation", *outline.orientation);
@@ -317,7 +352,7 @@ private:
         const HeifPicture& shown = picture(index);
         refuseCutFile();
         checkSize(shown.coded);
-        Context context(source());
+        Context context(source(), shown);
         return decode(context.handle(shown.item).get(), shown.coded, shown.chroma, shown.crop,
                       options);
     }
@@ -339,7 +374,7 @@ private:
         if (!shown.thumbnail)
             throw Failure{reason::noThumbnail};
         refuseCutFile();
-        Context context(source());
+        Context context(source(), shown);
         const Handle picture = context.handle(shown.item);
         heif_image_handle* thumbnail = nullptr;
         check(heif_image_handle_get_thumbnail(picture.get(), *shown.thumbnail, &thumbnail));
@@ -355,7 +390,11 @@ private:
 } // namespace
 
 std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<HeicReader>(std::move(source));
+    return std::make_unique<HeifReader>(std::move(source), FileFormat::heic);
+}
+
+std::unique_ptr<ImageReader> makeAvifReader(std::unique_ptr<ByteSource> source) {
+    return std::make_unique<HeifReader>(std::move(source), FileFormat::avif);
 }
 
 } // namespace zorvan::imageio

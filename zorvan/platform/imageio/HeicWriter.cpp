@@ -107,6 +107,12 @@ void mendStatedSizes(Data& bytes, const Bitmap& bitmap) {
 
 } // namespace
 
+bool hasHeicEncoder() {
+    // The plug-ins are loaded with the first context.
+    const Context context(heif_context_alloc());
+    return context && heif_have_encoder_for_format(heif_compression_HEVC);
+}
+
 std::optional<Data> encodeHeic(const Frame& frame) {
     constexpr std::int64_t maximumCodedSide = 16'384;
     const Bitmap& bitmap = *frame.bitmap;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <initializer_list>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -96,7 +97,8 @@ struct Reference {
 /// The boxes inside "meta", taken apart.
 class Meta {
 public:
-    explicit Meta(Bytes content, std::uint64_t contentOffset) : start_(contentOffset) {
+    explicit Meta(Bytes content, std::uint64_t contentOffset)
+        : begin_(content.data()), start_(contentOffset) {
         FullBox meta = fullBox(content);
         while (!meta.cursor.atEnd()) {
             const Box box = nextBox(meta.cursor);
@@ -111,10 +113,14 @@ public:
             else if (box.type == "iloc")
                 locations_ = box.content;
             else if (box.type == "idat")
-                dataOffset_ =
-                    start_ + static_cast<std::uint64_t>(box.content.data() - content.data());
+                dataOffset_ = offsetOf(box.content);
         }
         readLocations();
+    }
+
+    /// Where in the file a part of the boxes is.
+    std::uint64_t offsetOf(Bytes part) const {
+        return start_ + static_cast<std::uint64_t>(part.data() - begin_);
     }
 
     std::uint32_t primary() const { return primary_; }
@@ -233,6 +239,7 @@ private:
         }
     }
 
+    const std::byte* begin_;
     std::uint64_t start_;
     std::uint64_t dataOffset_ = 0;
     std::uint32_t primary_ = 0;
@@ -281,6 +288,14 @@ bool apply(const Box& property, HeifTransforms& transforms) {
     return false;
 }
 
+/// The bits, from the top: tier, more than 8 bits, 12 bits, monochrome, half width, half height.
+void readAv1Description(int bits, HeifPicture& picture) {
+    picture.monochrome = (bits & 0x10) != 0;
+    const int colour = (bits & 0x08) == 0 ? 3 : (bits & 0x04) == 0 ? 2 : 1;
+    picture.chroma = picture.monochrome ? 0 : colour;
+    picture.depth = (bits & 0x40) == 0 ? 8 : (bits & 0x20) == 0 ? 10 : 12;
+}
+
 void readDescription(const Box& property, HeifPicture& picture) {
     if (property.type == "ispe") {
         FullBox box = fullBox(property.content);
@@ -294,18 +309,23 @@ void readDescription(const Box& property, HeifPicture& picture) {
         picture.chroma = std::to_integer<int>(property.content[16]) & 3;
         picture.monochrome = picture.chroma == 0;
         picture.depth = (std::to_integer<int>(property.content[17]) & 7) + 8;
+    } else if (property.type == "av1C" && property.content.size() >= 4) {
+        readAv1Description(std::to_integer<int>(property.content[2]), picture);
     }
 }
 
 /// Some encoders state the size that a quarter turn leads to, where the size before it belongs.
-void mendTurnedSize(const std::vector<Box>& properties, PixelSize& stated) {
-    for (const Box& property : properties) {
-        if (property.type != "hvcC")
-            continue;
-        const PixelSize turned = {stated.height, stated.width};
-        if (hevcPictureSize(property.content) == turned)
-            stated = turned;
-    }
+void mendTurnedSize(const Meta& meta, const std::vector<Box>& properties, HeifPicture& picture) {
+    const PixelSize turned = {picture.coded.height, picture.coded.width};
+    const auto isTurned = [&](const Box& property) {
+        return property.type == "hvcC" && hevcPictureSize(property.content) == turned;
+    };
+    if (turned == picture.coded || std::ranges::none_of(properties, isTurned))
+        return;
+    picture.coded = turned;
+    for (const Box& property : properties)
+        if (property.type == "ispe")
+            picture.turnedSizeAt = meta.offsetOf(property.content) + 4;
 }
 
 HeifPicture describe(const Meta& meta, std::uint32_t id, const Item& item) {
@@ -315,7 +335,7 @@ HeifPicture describe(const Meta& meta, std::uint32_t id, const Item& item) {
         readDescription(property, picture);
     if (picture.coded.width < 1 || picture.coded.height < 1)
         throw Failure{reason::damaged};
-    mendTurnedSize(properties, picture.coded);
+    mendTurnedSize(meta, properties, picture);
     HeifTransforms transforms(picture.coded);
     bool turned = false;
     for (const Box& property : properties)
@@ -347,7 +367,7 @@ void readTileDescription(const Meta& meta, std::uint32_t tile, HeifPicture& pict
     if (!item || picture.chroma)
         return;
     for (const Box& property : meta.propertiesOf(*item))
-        if (property.type == "hvcC")
+        if (property.type == "hvcC" || property.type == "av1C")
             readDescription(property, picture);
 }
 
@@ -423,19 +443,27 @@ bool liesWithin(const HeifPicture::Extent& extent, std::uint64_t size) {
     return extent.offset <= size && extent.length <= size - extent.offset;
 }
 
-} // namespace
-
-bool isHeif(Bytes head) noexcept {
-    constexpr std::array<std::string_view, 7> brands = {"heic", "heix", "heim", "heis",
-                                                        "mif1", "avif", "hevc"};
+/// Whether the file's first box names one of these kinds as its own, or as one that it suits.
+bool namesBrand(Bytes head, std::initializer_list<std::string_view> brands) noexcept {
     if (head.size() < 12 || textOf(head.subspan(4, 4)) != "ftyp")
         return false;
     const std::size_t end = std::min<std::size_t>(head.size(), big32(head, 0));
+    constexpr std::size_t version = 12; // stands between the one and the others
     for (std::size_t at = 8; at + 4 <= end; at += 4)
-        if (at != 12 &&
+        if (at != version &&
             std::find(brands.begin(), brands.end(), textOf(head.subspan(at, 4))) != brands.end())
             return true;
     return false;
+}
+
+} // namespace
+
+bool isHeif(Bytes head) noexcept {
+    return namesBrand(head, {"heic", "heix", "heim", "heis", "mif1", "avif", "hevc"});
+}
+
+bool isAvif(Bytes head) noexcept {
+    return namesBrand(head, {"avif"}) && !namesBrand(head, {"heic", "heix", "heim", "heis"});
 }
 
 HeifFile readHeifBoxes(ByteSource& source) {

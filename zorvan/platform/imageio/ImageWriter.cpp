@@ -17,11 +17,25 @@ std::optional<Data> dispatched(FileFormat format, std::span<const Frame> frames)
         return encodeTiff(frames);
     case FileFormat::heic:
         return encodeHeic(frames[0]);
+    default:
+        return std::nullopt;
     }
-    return std::nullopt;
 }
 
 } // namespace
+
+bool canEncode(FileFormat format) {
+    switch (format) {
+    case FileFormat::jpeg:
+    case FileFormat::png:
+    case FileFormat::tiff:
+        return true;
+    case FileFormat::heic:
+        return hasHeicEncoder();
+    default:
+        return false;
+    }
+}
 
 std::optional<Data> encode(FileFormat format, std::span<const Frame> frames) {
     if (frames.empty() || (frames.size() > 1 && format != FileFormat::tiff))

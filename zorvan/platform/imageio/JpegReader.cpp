@@ -7,6 +7,7 @@
 #include <zorvan/platform/imageio/internal/PictureSink.h>
 #include <zorvan/platform/imageio/internal/PixelRows.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <vector>
@@ -166,17 +167,21 @@ private:
     jpeg_progress_mgr progress_ = {};
 };
 
-/// Sets the codec to the smallest of its reduced sizes that is no smaller than the target.
-void chooseScale(Decoder& decoder, PixelSize target) {
+/// Sets the codec to the smallest of its reduced sizes that is no smaller than the target. The
+/// codec rounds a reduced size up, so it is the scale that is compared: seven pixels at seven
+/// eighths come as seven pixels too.
+void chooseScale(jpeg_decompress_struct& info, PixelSize stored, PixelSize target) {
     constexpr unsigned denominator = 8;
-    jpeg_decompress_struct& info = decoder.info();
+    // Small pictures are quick in full, and their last blocks, filled up, would show.
+    constexpr std::int64_t small = 256;
+    const auto suffices = [&](unsigned numerator) {
+        return stored.width * numerator >= target.width * denominator &&
+               stored.height * numerator >= target.height * denominator;
+    };
     info.scale_denom = denominator;
-    for (unsigned numerator = 1; numerator <= denominator; ++numerator) {
-        info.scale_num = numerator;
-        decoder.run([&] { jpeg_calc_output_dimensions(&info); });
-        if (info.output_width >= target.width && info.output_height >= target.height)
-            return;
-    }
+    info.scale_num = std::max(stored.width, stored.height) <= small ? denominator : 1;
+    while (!suffices(info.scale_num))
+        ++info.scale_num;
 }
 
 class JpegReader final : public FormatReader {
@@ -197,6 +202,10 @@ private:
         return propertiesOf(header());
     }
 
+    std::optional<int> readOrientation(std::int64_t) override {
+        return exifOrientation(header().exif);
+    }
+
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
         Decoder decoder(source());
         jpeg_decompress_struct& info = decoder.info();
@@ -206,7 +215,7 @@ private:
         const PixelSize target = wantedSize(stored, options);
         const bool inks = info.jpeg_color_space == JCS_CMYK || info.jpeg_color_space == JCS_YCCK;
         info.out_color_space = inks ? JCS_CMYK : JCS_EXT_RGBA;
-        chooseScale(decoder, target);
+        chooseScale(info, stored, target);
         decoder.run([&] { jpeg_start_decompress(&info); });
         PictureSink sink({info.output_width, info.output_height}, target);
         std::vector<std::uint8_t> inkRow(inks ? std::size_t{4} * info.output_width : 0);
@@ -232,17 +241,23 @@ private:
         }
     }
 
-    Bitmap readThumbnail(std::int64_t) override {
-        Data bytes = exifThumbnail(header().exif);
-        if (bytes.empty())
-            throw Failure{reason::noThumbnail};
-        return JpegReader(sourceOver(std::move(bytes))).readPicture(0, {});
-    }
+    Bitmap readThumbnail(std::int64_t) override { return thumbnailInExif(header().exif); }
 
     std::optional<JpegHeader> header_ = {};
 };
 
 } // namespace
+
+Bitmap thumbnailInExif(Bytes exif) {
+    Data bytes = exifThumbnail(exif);
+    if (bytes.empty())
+        throw Failure{reason::noThumbnail};
+    JpegReader reader(sourceOver(std::move(bytes)));
+    std::optional<Bitmap> thumbnail = reader.decode(0, {});
+    if (!thumbnail)
+        throw Failure{reason::damaged};
+    return std::move(*thumbnail);
+}
 
 std::unique_ptr<ImageReader> makeJpegReader(std::unique_ptr<ByteSource> source) {
     return std::make_unique<JpegReader>(std::move(source));

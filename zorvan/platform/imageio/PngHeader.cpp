@@ -1,10 +1,13 @@
 #include <zorvan/platform/imageio/internal/PngHeader.h>
 
 #include <zorvan/platform/imageio/internal/ByteOrder.h>
+#include <zorvan/platform/imageio/internal/ExifBlock.h>
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 
 #include <algorithm>
 #include <array>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -61,18 +64,81 @@ void addText(std::string_view keyword, std::string_view value, PngHeader& header
             header.entries.insert_or_assign(std::string(ours), PropertyList(textFrom(value)));
 }
 
+std::optional<std::uint8_t> hexDigit(char c) {
+    if (c >= '0' && c <= '9')
+        return static_cast<std::uint8_t>(c - '0');
+    const char lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? std::optional(static_cast<std::uint8_t>(lower - 'a' + 10))
+                                        : std::nullopt;
+}
+
+/// What some programs keep as text: a line with a name, one with a length, then lines of
+/// hexadecimal digits.
+Data rawProfile(std::string_view text) {
+    for (int line = 0; line < 3; ++line) // the first is empty
+        text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+    Data result;
+    std::optional<std::uint8_t> high;
+    for (const char c : text) {
+        const std::optional<std::uint8_t> digit = hexDigit(c);
+        if (!digit)
+            continue;
+        if (high)
+            result.push_back(static_cast<std::byte>(*high << 4 | *digit));
+        high = high ? std::nullopt : digit;
+    }
+    return result;
+}
+
+void readKeyedText(std::string_view keyword, std::string_view value, PngHeader& header) {
+    const bool isExif = keyword == "Raw profile type exif" || keyword == "Raw profile type APP1";
+    if (!isExif)
+        return addText(keyword, value, header);
+    const Data profile = rawProfile(value);
+    const Bytes block = withoutExifSignature(profile);
+    if (header.exif.empty() && block.size() < profile.size())
+        header.exif.assign(block.begin(), block.end());
+}
+
 void readText(std::string_view data, PngHeader& header) {
     const std::size_t end = data.find('\0');
     if (end != std::string_view::npos)
-        addText(data.substr(0, end), data.substr(end + 1), header);
+        readKeyedText(data.substr(0, end), data.substr(end + 1), header);
 }
 
-/// Keyword, two bytes about compression, language, translated keyword, text; compressed ones are
-/// rare and left aside.
+/// Empty when it is damaged or takes more than metadata may.
+std::string inflated(std::string_view compressed) {
+    z_stream stream = {};
+    if (inflateInit(&stream) != Z_OK)
+        throw Failure{reason::noMemory};
+    const std::unique_ptr<z_stream, decltype(&inflateEnd)> end(&stream, inflateEnd);
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(compressed.data()));
+    stream.avail_in = static_cast<uInt>(compressed.size());
+    std::string result;
+    std::array<char, 16'384> piece;
+    int status = Z_OK;
+    while (status == Z_OK && result.size() <= maximumMetadataSize) {
+        stream.next_out = reinterpret_cast<Bytef*>(piece.data());
+        stream.avail_out = static_cast<uInt>(piece.size());
+        status = inflate(&stream, Z_NO_FLUSH);
+        result.append(piece.data(), piece.size() - stream.avail_out);
+    }
+    return status == Z_STREAM_END ? result : std::string();
+}
+
+/// Keyword, a byte for the method of compression, text.
+void readCompressedText(std::string_view data, PngHeader& header) {
+    const std::size_t end = data.find('\0');
+    if (end != std::string_view::npos && data.size() > end + 2 && data[end + 1] == 0)
+        readKeyedText(data.substr(0, end), inflated(data.substr(end + 2)), header);
+}
+
+/// Keyword, two bytes about compression, language, translated keyword, text.
 void readInternationalText(std::string_view data, PngHeader& header) {
     const std::size_t end = data.find('\0');
-    if (end == std::string_view::npos || data.size() < end + 3 || data[end + 1] != 0)
+    if (end == std::string_view::npos || data.size() < end + 3 || data[end + 2] != 0)
         return;
+    const bool isCompressed = data[end + 1] != 0;
     const std::string_view keyword = data.substr(0, end);
     data.remove_prefix(end + 3);
     for (int i = 0; i < 2; ++i) {
@@ -81,7 +147,7 @@ void readInternationalText(std::string_view data, PngHeader& header) {
             return;
         data.remove_prefix(stop + 1);
     }
-    addText(keyword, data, header);
+    readKeyedText(keyword, isCompressed ? inflated(data) : std::string(data), header);
 }
 
 void readGamma(Bytes data, PngHeader& header) {
@@ -95,6 +161,8 @@ void readChunk(std::string_view name, const Data& data, PngHeader& header) {
         readPhysicalSize(data, header);
     else if (name == "tEXt")
         readText(textOf(data), header);
+    else if (name == "zTXt")
+        readCompressedText(textOf(data), header);
     else if (name == "iTXt")
         readInternationalText(textOf(data), header);
     else if (name == "gAMA")
@@ -106,8 +174,8 @@ void readChunk(std::string_view name, const Data& data, PngHeader& header) {
 }
 
 bool isWanted(std::string_view name) {
-    constexpr std::array<std::string_view, 7> wanted = {"IHDR", "pHYs", "tEXt", "iTXt",
-                                                        "gAMA", "sRGB", "eXIf"};
+    constexpr std::array<std::string_view, 8> wanted = {"IHDR", "pHYs", "tEXt", "zTXt",
+                                                        "iTXt", "gAMA", "sRGB", "eXIf"};
     return std::find(wanted.begin(), wanted.end(), name) != wanted.end();
 }
 

@@ -126,6 +126,10 @@ private:
         return propertiesOf(header());
     }
 
+    std::optional<int> readOrientation(std::int64_t) override {
+        return exifOrientation(header().exif);
+    }
+
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
         checkSize(header().size);
         Decoder decoder(source());
@@ -181,16 +185,7 @@ private:
         }
     }
 
-    Bitmap readThumbnail(std::int64_t) override {
-        Data bytes = exifThumbnail(header().exif);
-        if (bytes.empty())
-            throw Failure{reason::noThumbnail};
-        const std::unique_ptr<ImageReader> reader = makeJpegReader(sourceOver(std::move(bytes)));
-        std::optional<Bitmap> thumbnail = reader->decode(0, {});
-        if (!thumbnail)
-            throw Failure{reason::damaged};
-        return std::move(*thumbnail);
-    }
+    Bitmap readThumbnail(std::int64_t) override { return thumbnailInExif(header().exif); }
 
     std::optional<PngHeader> header_ = {};
 };

@@ -1,5 +1,6 @@
 #include <zorvan/platform/imageio/internal/TiffProperties.h>
 
+#include <zorvan/platform/imageio/internal/ExifBlock.h>
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/Iptc.h>
 #include <zorvan/platform/imageio/internal/Outline.h>
@@ -7,7 +8,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -70,75 +70,6 @@ std::string_view colorModelOf(int photometric) {
     }
 }
 
-std::optional<int> orientationOf(const TiffFile& file) {
-    const auto value = file.field<std::uint16_t>(TIFFTAG_ORIENTATION);
-    const bool known = value && *value >= 1 && *value <= 8;
-    return known ? std::optional<int>(*value) : std::nullopt;
-}
-
-template <class Number>
-PropertyList listed(const void* values, std::size_t count) {
-    constexpr std::size_t maximumValues = 256;
-    PropertyList::Array result;
-    for (std::size_t i = 0; i < std::min(count, maximumValues); ++i) {
-        Number number;
-        std::memcpy(&number, static_cast<const char*>(values) + i * sizeof number, sizeof number);
-        result.push_back(number);
-    }
-    return count == 1 ? result[0] : PropertyList(std::move(result));
-}
-
-/// A field of the Exif directory, whose kind only the library's own description tells.
-std::optional<PropertyList> exifValue(TIFF* tiff, const TIFFField* field) {
-    const std::uint32_t tag = TIFFFieldTag(field);
-    const TIFFDataType type = TIFFFieldDataType(field);
-    const int readCount = TIFFFieldReadCount(field);
-    if (type == TIFF_ASCII && !TIFFFieldPassCount(field)) {
-        const char* text = nullptr;
-        if (TIFFGetField(tiff, tag, &text) != 1 || !text)
-            return std::nullopt;
-        return PropertyList(textFrom(text));
-    }
-    if (TIFFFieldPassCount(field)) {
-        std::uint16_t count = 0;
-        const void* values = nullptr;
-        if (readCount != TIFF_VARIABLE || type != TIFF_SHORT ||
-            TIFFGetField(tiff, tag, &count, &values) != 1 || count == 0 || !values)
-            return std::nullopt;
-        return listed<std::uint16_t>(values, count);
-    }
-    if (readCount != 1)
-        return std::nullopt;
-    std::array<char, 8> value = {};
-    if (TIFFGetField(tiff, tag, value.data()) != 1)
-        return std::nullopt;
-    switch (type) {
-    case TIFF_SHORT:
-        return listed<std::uint16_t>(value.data(), 1);
-    case TIFF_LONG:
-        return listed<std::uint32_t>(value.data(), 1);
-    case TIFF_RATIONAL:
-    case TIFF_SRATIONAL:
-        return TIFFFieldSetGetSize(field) == 8 ? listed<double>(value.data(), 1)
-                                               : listed<float>(value.data(), 1);
-    default:
-        return std::nullopt;
-    }
-}
-
-PropertyList::Dictionary exifSection(TIFF* tiff) {
-    PropertyList::Dictionary result;
-    const int count = TIFFGetTagListCount(tiff);
-    for (int i = 0; i < count; ++i) {
-        const TIFFField* field = TIFFFieldWithTag(tiff, TIFFGetTagListEntry(tiff, i));
-        if (!field || !TIFFFieldName(field))
-            continue;
-        if (std::optional<PropertyList> value = exifValue(tiff, field))
-            result.emplace(TIFFFieldName(field), std::move(*value));
-    }
-    return result;
-}
-
 void addBlocks(const TiffFile& file, PropertyList::Dictionary& properties) {
     std::uint32_t count = 0;
     const void* bytes = nullptr;
@@ -158,7 +89,13 @@ std::optional<Outline::Resolution> resolutionIn(const PropertyList::Dictionary& 
 
 } // namespace
 
-PropertyList::Dictionary tiffProperties(TiffFile& file, tdir_t page) {
+std::optional<int> tiffOrientation(const TiffFile& file) {
+    const auto value = file.field<std::uint16_t>(TIFFTAG_ORIENTATION);
+    const bool known = value && *value >= 1 && *value <= 8;
+    return known ? std::optional<int>(*value) : std::nullopt;
+}
+
+PropertyList::Dictionary tiffProperties(const TiffFile& file) {
     const int photometric = file.field<std::uint16_t>(TIFFTAG_PHOTOMETRIC).value_or(0);
     const TiffLayout layout = layoutOf(file);
     if (layout.size.width < 1 || layout.size.height < 1)
@@ -169,19 +106,15 @@ PropertyList::Dictionary tiffProperties(TiffFile& file, tdir_t page) {
                       .depth = layout.bits,
                       .colorModel = colorModelOf(photometric),
                       .hasAlpha = layout.alpha != TiffLayout::Alpha::none,
-                      .orientation = orientationOf(file),
+                      .orientation = tiffOrientation(file),
                       .dpi = resolutionIn(tiff)});
     result.emplace("{TIFF}", std::move(tiff));
     addBlocks(file, result);
-    std::uint64_t offset = 0;
-    if (TIFFGetField(file.get(), TIFFTAG_EXIFIFD, &offset) == 1 && offset != 0) {
-        if (TIFFReadEXIFDirectory(file.get(), offset) == 1) {
-            PropertyList::Dictionary exif = exifSection(file.get());
-            if (!exif.empty())
-                result.emplace("{Exif}", std::move(exif));
-        }
-        file.select(page);
-    }
+    const ExifPlaces places = {
+        .exif = file.field<std::uint64_t>(TIFFTAG_EXIFIFD).value_or(0),
+        .gps = file.field<std::uint64_t>(TIFFTAG_GPSIFD).value_or(0),
+    };
+    addExifProperties(exifBlockFrom(file.source(), file.form(), places), result);
     return result;
 }
 

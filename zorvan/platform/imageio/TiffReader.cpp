@@ -221,7 +221,12 @@ private:
 
     PropertyList::Dictionary readProperties(std::int64_t index) override {
         file().select(page(index).directory);
-        return tiffProperties(file(), page(index).directory);
+        return tiffProperties(file());
+    }
+
+    std::optional<int> readOrientation(std::int64_t index) override {
+        file().select(page(index).directory);
+        return tiffOrientation(file());
     }
 
     Bitmap readPicture(std::int64_t index, const DecodeOptions& options) override {

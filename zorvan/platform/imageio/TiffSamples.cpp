@@ -34,9 +34,19 @@ double halfPrecision(std::uint16_t bits) noexcept {
     return sign * (1 + fraction / 1024) * scale;
 }
 
-std::uint8_t smallSample(const std::uint8_t* row, std::int64_t index, int bits) noexcept {
-    const std::int64_t bit = index * bits;
-    return static_cast<std::uint8_t>(row[bit / 8] >> (8 - bits - bit % 8) & ((1 << bits) - 1));
+/// A sample of fewer than 16 bits, which may begin within a byte.
+unsigned packedSample(const std::uint8_t* row, std::int64_t index, int bits) noexcept {
+    unsigned value = 0;
+    int missing = bits;
+    for (std::int64_t bit = index * bits; missing > 0;) {
+        const int there = static_cast<int>(8 - bit % 8);
+        const int taken = std::min(there, missing);
+        const unsigned part = static_cast<unsigned>(row[bit / 8]) >> (there - taken);
+        value = value << taken | (part & ((1U << taken) - 1));
+        missing -= taken;
+        bit += taken;
+    }
+    return value;
 }
 
 std::uint8_t from16(unsigned value) noexcept {
@@ -90,14 +100,15 @@ int TiffLayout::colourCount() const noexcept {
 }
 
 bool TiffLayout::isPlain() const noexcept {
-    const bool integers = sampleFormat == SAMPLEFORMAT_UINT || sampleFormat == SAMPLEFORMAT_VOID;
+    const bool integers =
+        sampleFormat == SAMPLEFORMAT_UINT || sampleFormat == SAMPLEFORMAT_VOID || isSigned();
     const bool knownBits =
-        integers ? bits == 1 || bits == 2 || bits == 4 || bits == 8 || bits == 16 || bits == 32
+        integers ? (bits >= 1 && bits <= 16) || bits == 32
                  : sampleFormat == SAMPLEFORMAT_IEEEFP && (bits == 16 || bits == 32 || bits == 64);
     const bool knownColours =
         photometric == PHOTOMETRIC_MINISWHITE || photometric == PHOTOMETRIC_MINISBLACK ||
         photometric == PHOTOMETRIC_RGB || photometric == PHOTOMETRIC_SEPARATED ||
-        (photometric == PHOTOMETRIC_PALETTE && integers && bits <= 8);
+        (photometric == PHOTOMETRIC_PALETTE && integers && !isSigned() && bits <= 8);
     constexpr int maximumSamples = 32;
     return knownBits && knownColours && sampleCount >= colourCount() &&
            sampleCount <= maximumSamples && compression != COMPRESSION_OJPEG;
@@ -169,7 +180,7 @@ void TiffSamples::convert(std::span<const std::uint8_t* const> planes, std::uint
 }
 
 bool TiffSamples::convertQuickly(const std::uint8_t* row, std::uint8_t* rgba) const {
-    if (layout_.bits != 8 || layout_.photometric != PHOTOMETRIC_RGB)
+    if (layout_.bits != 8 || layout_.photometric != PHOTOMETRIC_RGB || layout_.isSigned())
         return false;
     const std::int64_t width = layout_.size.width;
     if (layout_.sampleCount == 3) {
@@ -195,26 +206,32 @@ void TiffSamples::unpack(std::span<const std::uint8_t* const> planes, int sample
     const std::int64_t first = layout_.planar ? 0 : sample;
     const std::int64_t step = layout_.planar ? 1 : layout_.sampleCount;
     const bool real = layout_.sampleFormat == SAMPLEFORMAT_IEEEFP;
+    // Signed samples go from the least to the greatest as unsigned ones do.
+    const std::uint32_t flipped = layout_.isSigned() ? 1U << (layout_.bits - 1) : 0;
     if (layout_.bits == 8)
-        return spread<std::uint8_t>(row, first, step, out, [](std::uint8_t v) { return v; });
+        return spread<std::uint8_t>(row, first, step, out, [&](std::uint8_t v) {
+            return static_cast<std::uint8_t>(v ^ flipped);
+        });
     if (layout_.bits == 16 && !real)
-        return spread<std::uint16_t>(row, first, step, out, from16);
+        return spread<std::uint16_t>(row, first, step, out,
+                                     [&](std::uint16_t v) { return from16(v ^ flipped); });
     if (layout_.bits == 16)
         return spread<std::uint16_t>(row, first, step, out,
                                      [](std::uint16_t v) { return fromReal(halfPrecision(v)); });
     if (layout_.bits == 32 && !real)
         return spread<std::uint32_t>(row, first, step, out,
-                                     [](std::uint32_t v) { return from16(v >> 16); });
+                                     [&](std::uint32_t v) { return from16((v ^ flipped) >> 16); });
     if (layout_.bits == 32)
         return spread<float>(row, first, step, out, [](float v) { return fromReal(v); });
     if (layout_.bits == 64)
         return spread<double>(row, first, step, out, fromReal);
-    const int scale = layout_.photometric == PHOTOMETRIC_PALETTE && sample == 0
-                          ? 1
-                          : 255 / ((1 << layout_.bits) - 1);
+    const bool isIndex = layout_.photometric == PHOTOMETRIC_PALETTE && sample == 0;
+    const unsigned largest = (1U << layout_.bits) - 1;
     std::int64_t index = first;
     for (std::uint8_t& value : out) {
-        value = static_cast<std::uint8_t>(smallSample(row, index, layout_.bits) * scale);
+        const unsigned stored = packedSample(row, index, layout_.bits) ^ flipped;
+        value =
+            static_cast<std::uint8_t>(isIndex ? stored : (stored * 255 + largest / 2) / largest);
         index += step;
     }
 }

@@ -66,8 +66,9 @@ using Tiff = std::unique_ptr<TIFF, Close>;
 int silence(TIFF*, void*, const char*, const char*, va_list) { return 1; }
 
 Tiff openForWriting(MemoryFile& file, std::int64_t byteCount) {
-    // Beyond 4 GB the offsets of the classic form do not suffice.
-    const char* mode = byteCount > std::int64_t{4'000'000'000} ? "w8" : "w";
+    // Little-endian, as our own directories are. Beyond 4 GB the offsets of the classic form do not
+    // suffice.
+    const char* mode = byteCount > std::int64_t{4'000'000'000} ? "wl8" : "wl";
     TIFFOpenOptions* options = TIFFOpenOptionsAlloc();
     TIFFOpenOptionsSetErrorHandlerExtR(options, silence, nullptr);
     TIFFOpenOptionsSetWarningHandlerExtR(options, silence, nullptr);
@@ -92,8 +93,8 @@ bool hasPredictor(int compression) {
 
 void setProperties(TIFF* tiff, const StoredProperties& properties) {
     TIFFSetField(tiff, TIFFTAG_ORIENTATION, properties.orientation.value_or(ORIENTATION_TOPLEFT));
-    for (const StoredProperties::Text& text : properties.texts)
-        TIFFSetField(tiff, text.tag, text.value.c_str());
+    for (const TiffEntry& text : properties.texts)
+        TIFFSetField(tiff, text.tag, reinterpret_cast<const char*>(text.value.data()));
     if (!properties.dpi)
         return;
     TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
@@ -135,22 +136,17 @@ bool writeRows(TIFF* tiff, const Bitmap& bitmap, bool opaque) {
     return true;
 }
 
-/// The Exif directory stands on its own in the file, and the page then points to it.
-bool writeExifDirectory(TIFF* tiff, tdir_t page, const StoredProperties& properties) {
-    if (properties.exifTexts.empty())
-        return true;
-    std::uint64_t offset = 0;
-    if (TIFFCreateEXIFDirectory(tiff) != 0)
-        return false;
-    for (const StoredProperties::Text& text : properties.exifTexts)
-        TIFFSetField(tiff, text.tag, text.value.c_str());
-    if (TIFFWriteCustomDirectory(tiff, &offset) != 1 || TIFFSetDirectory(tiff, page) != 1)
-        return false;
-    TIFFSetField(tiff, TIFFTAG_EXIFIFD, offset);
-    return TIFFRewriteDirectory(tiff) == 1;
+/// Appends a directory that the page is to point to; 0 when it is empty.
+std::uint64_t appendDirectory(MemoryFile& file, const std::vector<TiffEntry>& entries, bool wide) {
+    if (entries.empty())
+        return 0;
+    file.bytes.resize(file.bytes.size() + (file.bytes.size() & 1));
+    const std::uint64_t place = file.bytes.size();
+    appendTiffDirectory(file.bytes, entries, {.wide = wide});
+    return place;
 }
 
-bool writePage(TIFF* tiff, const Frame& frame, tdir_t page, std::size_t pageCount) {
+bool writePage(TIFF* tiff, MemoryFile& file, const Frame& frame, std::size_t pageCount) {
     const int compression = frame.tiffCompression.value_or(COMPRESSION_NONE);
     if (!isKnown(compression))
         return false;
@@ -160,10 +156,14 @@ bool writePage(TIFF* tiff, const Frame& frame, tdir_t page, std::size_t pageCoun
     setProperties(tiff, properties);
     if (pageCount > 1)
         TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, FILETYPE_PAGE);
-    if (!properties.exifTexts.empty())
-        TIFFSetField(tiff, TIFFTAG_EXIFIFD, std::uint64_t{0});
-    return writeRows(tiff, *frame.bitmap, opaque) && TIFFWriteDirectory(tiff) == 1 &&
-           writeExifDirectory(tiff, page, properties);
+    if (!writeRows(tiff, *frame.bitmap, opaque) || TIFFFlushData(tiff) != 1)
+        return false;
+    const bool wide = TIFFIsBigTIFF(tiff) != 0;
+    if (const std::uint64_t place = appendDirectory(file, properties.exif, wide))
+        TIFFSetField(tiff, TIFFTAG_EXIFIFD, place);
+    if (const std::uint64_t place = appendDirectory(file, properties.gps, wide))
+        TIFFSetField(tiff, TIFFTAG_GPSIFD, place);
+    return TIFFWriteDirectory(tiff) == 1;
 }
 
 } // namespace
@@ -177,8 +177,8 @@ std::optional<Data> encodeTiff(std::span<const Frame> frames) {
     Tiff tiff = openForWriting(file, byteCount);
     if (!tiff || frames.size() > maximumPages)
         return std::nullopt;
-    for (std::size_t page = 0; page < frames.size(); ++page)
-        if (!writePage(tiff.get(), frames[page], static_cast<tdir_t>(page), frames.size()))
+    for (const Frame& frame : frames)
+        if (!writePage(tiff.get(), file, frame, frames.size()))
             return std::nullopt;
     tiff.reset();
     return std::move(file.bytes);

@@ -1,5 +1,6 @@
 #include <zorvan/platform/propertylist/NSBundle.h>
 
+#include <zorvan/platform/foundation/executablePath.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 
 #include <algorithm>
@@ -63,11 +64,8 @@ std::shared_ptr<NSBundle> NSBundle::create(const std::string& path) {
 
 std::shared_ptr<NSBundle> NSBundle::mainBundle() {
     // Never destroyed, since it may be asked for while the program ends.
-    static const auto& bundle = *new std::shared_ptr<NSBundle>([] {
-        std::error_code ignored;
-        const fs::path executable = fs::read_symlink("/proc/self/exe", ignored);
-        return new NSBundle(bundlePathForExecutable(executable.string()));
-    }());
+    static const auto& bundle = *new std::shared_ptr<NSBundle>(
+        new NSBundle(bundlePathForExecutable(executablePath())));
     return bundle;
 }
 
@@ -90,10 +88,14 @@ const PropertyList* NSBundle::objectForInfoDictionaryKey(std::string_view key) c
     return found == info_.end() ? nullptr : &found->second;
 }
 
-std::optional<std::string> NSBundle::bundleIdentifier() const {
-    const PropertyList* value = objectForInfoDictionaryKey("CFBundleIdentifier");
+std::optional<std::string> string(const NSBundle& bundle, std::string_view key) {
+    const PropertyList* value = bundle.objectForInfoDictionaryKey(key);
     const auto* text = value ? value->as<std::string>() : nullptr;
     return text ? std::optional(*text) : std::nullopt;
+}
+
+std::optional<std::string> NSBundle::bundleIdentifier() const {
+    return string(*this, "CFBundleIdentifier");
 }
 
 std::optional<URL> NSBundle::URLForResource(std::string_view name, std::string_view withExtension,

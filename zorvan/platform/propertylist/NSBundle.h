@@ -15,15 +15,16 @@ namespace zorvan {
 /// The information dictionary is the property list "Contents/Info.plist" in the folder, else
 /// "Info.plist", XML or binary. The resources are in "Contents/Resources", else "Resources", else
 /// in the folder itself, whichever is there first. All of it is read once, when the bundle is made;
-/// a bundle never changes after that and may be used from every thread.
+/// a bundle never changes after that and may be used from every thread. What it gives by reference
+/// lives as long as the bundle does.
 class NSBundle {
 public:
     /// The bundle at a folder; null when there is no such folder. A folder without an information
     /// dictionary, or with one that cannot be read, makes a bundle whose dictionary is empty.
     static std::shared_ptr<NSBundle> create(const std::string& path);
 
-    /// The bundle of the running program, at `bundlePathForExecutable` of its executable. Found on
-    /// first use. Never null.
+    /// The bundle of the running program, at `bundlePathForExecutable` of `executablePath()`. Found
+    /// on first use. Never null.
     static std::shared_ptr<NSBundle> mainBundle();
 
     /// Where the main bundle of an executable "dir/name" is. The first of these folders that holds
@@ -42,6 +43,11 @@ public:
     const PropertyList::Dictionary& infoDictionary() const noexcept { return info_; }
     /// The value under a key of the information dictionary; null when there is none.
     const PropertyList* objectForInfoDictionaryKey(std::string_view key) const noexcept;
+    /// The text under a key; absent when there is none, or something of another kind.
+    ///
+    /// Found by its argument, `string(*bundle, "CFBundleName")`, and not by its name alone: so
+    /// `string` stays the standard one after `using namespace std; using namespace zorvan;`.
+    friend std::optional<std::string> string(const NSBundle& bundle, std::string_view key);
     /// The text under "CFBundleIdentifier".
     std::optional<std::string> bundleIdentifier() const;
 

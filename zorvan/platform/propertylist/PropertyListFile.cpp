@@ -1,7 +1,7 @@
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 
-#include <zorvan/platform/foundation/UUID.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/writeFile.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 
 #include <algorithm>
@@ -42,50 +42,6 @@ std::optional<Data> readUpTo(const File& file, std::size_t size) {
     }
     bytes.resize(filled);
     return bytes;
-}
-
-bool writeAll(const File& file, std::span<const std::byte> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(file.get(), bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return false;
-        bytes = bytes.subspan(static_cast<std::size_t>(count));
-    }
-    return true;
-}
-
-/// Gives the new file the permissions of the one that it replaces, before anything is in it.
-bool takePermissions(const File& file, const std::string& path) {
-    struct stat old {};
-    return ::stat(path.c_str(), &old) != 0 || ::fchmod(file.get(), old.st_mode & 07777) == 0;
-}
-
-/// Makes the new name of a file last. Where a directory cannot be synchronised, nothing more can be
-/// done.
-void syncDirectoryOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    const std::string directory = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-    const File file(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (file)
-        ::fsync(file.get());
-}
-
-bool replaceFile(const std::string& path, std::span<const std::byte> bytes) {
-    const std::string temporary = path + '.' + makeUUIDString();
-    const File file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    if (!file)
-        return false;
-    if (takePermissions(file, path) && writeAll(file, bytes) && ::fsync(file.get()) == 0 &&
-        ::rename(temporary.c_str(), path.c_str()) == 0) {
-        syncDirectoryOf(path);
-        return true;
-    }
-    const int error = errno;
-    ::unlink(temporary.c_str());
-    errno = error;
-    return false;
 }
 
 } // namespace
@@ -140,11 +96,10 @@ bool writeFile(const PropertyList& list, Format format, const std::string& path,
     const std::optional<Data> bytes = encode(list, format, reason);
     if (!bytes)
         return false;
-    if (!replaceFile(path, *bytes)) {
-        explainSystem(reason);
-        return false;
-    }
-    return true;
+    const std::error_code error = internal::writeFile(path, *bytes);
+    if (error)
+        explain(reason, error.message());
+    return !error;
 }
 
 } // namespace zorvan::propertylist

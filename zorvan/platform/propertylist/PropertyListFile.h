@@ -29,9 +29,9 @@ inline constexpr std::size_t maximumFileSize = std::size_t{256} << 20;
 /// byte, or to much more text than there are bytes, is refused, like one that holds itself.
 /// Entities of its own are refused in XML.
 ///
-/// Integers must fit 64 bits, signed or not. Dates beyond the range of `Date` become its nearest end. Of a
-/// key that stands twice in a dictionary, the last one counts. A lone surrogate becomes U+FFFD.
-/// Null values, sets and object identifiers, which only archives have, are refused.
+/// Integers must fit 64 bits, signed or not. Dates beyond the range of `Date` become its nearest
+/// end. Of a key that stands twice in a dictionary, the last one counts. A lone surrogate becomes
+/// U+FFFD. Null values, sets and object identifiers, which only archives have, are refused.
 std::optional<PropertyList> decode(std::span<const std::byte> bytes, std::string* reason = nullptr);
 
 /// Writes a list. The binary form keeps everything except the last digits of a date (it has them as
@@ -45,10 +45,10 @@ std::optional<Data> encode(const PropertyList& list, Format format, std::string*
 /// is not a property list.
 std::optional<PropertyList> readFile(const std::string& path, std::string* reason = nullptr);
 
-/// Replaces a file in one step: after a failure, or a crash in the middle, the old one is still
-/// there, whole. The bytes are on the disk when it returns true. An existing file keeps its
-/// permissions, a new one gets those of the process's mask; a symbolic link is replaced, not
-/// followed.
+/// Writes a file in one step, in the place of one that is there: after a failure, or a crash in the
+/// middle, the old one is still there, whole. The bytes are on the disk when it returns true. An
+/// existing file keeps its permissions, a new one gets those of the process's mask; a symbolic link
+/// is followed. What is there and no regular file is refused.
 bool writeFile(const PropertyList& list, Format format, const std::string& path,
                std::string* reason = nullptr);
 

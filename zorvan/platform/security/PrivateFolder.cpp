@@ -1,16 +1,16 @@
 #include <zorvan/platform/security/internal/PrivateFolder.h>
 
+#include <zorvan/platform/foundation/NSHomeDirectory.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/makeFolders.h>
 #include <zorvan/platform/security/internal/Failure.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
 #include <optional>
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace zorvan::security {
 
@@ -35,15 +35,10 @@ constexpr mode_t othersBits = 0077;
 }
 
 std::string homeFolder() {
-    if (const char* home = ::secure_getenv("HOME"); home && home[0] == '/')
-        return home;
-    passwd entry{};
-    passwd* found = nullptr;
-    std::vector<char> space(16384);
-    if (::getpwuid_r(::geteuid(), &entry, space.data(), space.size(), &found) != 0 || !found ||
-        found->pw_dir[0] != '/')
+    std::string home = NSHomeDirectory();
+    if (home.empty())
         throw Failure{errSecNotAvailable};
-    return found->pw_dir;
+    return home;
 }
 
 /// Absent when there is nothing of that name.
@@ -58,17 +53,6 @@ std::optional<struct stat> statusOf(int folder, const std::string& path) {
 
 bool isUsersAlone(const struct stat& status) {
     return status.st_uid == ::geteuid() && (status.st_mode & othersBits) == 0;
-}
-
-void makeFolders(const std::string& path) {
-    if (::mkdir(path.c_str(), 0700) == 0 || errno == EEXIST)
-        return;
-    const std::size_t slash = path.rfind('/');
-    if (errno != ENOENT || slash == 0 || slash == std::string::npos)
-        failFor(errno);
-    makeFolders(path.substr(0, slash));
-    if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
-        failFor(errno);
 }
 
 } // namespace
@@ -91,7 +75,8 @@ bool PrivateFolder::exists() const { return status().has_value(); }
 void PrivateFolder::create() const {
     if (exists())
         return;
-    makeFolders(path_);
+    if (const int error = zorvan::internal::makeFolders(path_, 0700))
+        failFor(error);
     if (!exists())
         throw Failure{errSecIO};
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <iterator>
 #include <optional>
@@ -53,6 +54,9 @@ struct CharacterPosition {
 class Characters {
 public:
     explicit Characters(std::string_view text) noexcept : text_(text) {}
+    /// The text would be gone before its characters were read.
+    template <std::same_as<std::string> Text>
+    explicit Characters(const Text&&) = delete;
 
     class Iterator {
     public:

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace zorvan {
 
@@ -24,7 +25,8 @@ public:
     /// Changes whenever `setCurrent` is called; for what is kept per locale.
     static std::uint64_t generation() noexcept;
 
-    const std::string& identifier() const noexcept { return identifier_; }
+    const std::string& identifier() const& noexcept { return identifier_; }
+    std::string identifier() && noexcept { return std::move(identifier_); }
 
     friend bool operator==(const Locale&, const Locale&) = default;
 

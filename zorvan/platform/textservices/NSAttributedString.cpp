@@ -34,7 +34,7 @@ NSAttributedString::NSAttributedString(std::u16string text, AttributeDictionary 
 
 std::string NSAttributedString::string() const { return utf8FromUTF16(text_); }
 
-const Run& NSAttributedString::runAt(std::size_t location) const {
+const Run& NSAttributedString::runAt(std::size_t location) const& {
     require({location, 1});
     return *runHolding(runs_, location);
 }
@@ -54,7 +54,9 @@ NSAttributedString NSAttributedString::attributedSubstring(NSRange range) const 
 
 void NSAttributedString::require(NSRange range) const {
     if (range.location > text_.size() || range.length > text_.size() - range.location)
-        fatalError("Range is out of bounds");
+        fatalError("Range is out of bounds: " + std::to_string(range.length) + " from " +
+                   std::to_string(range.location) + " on in a text of " +
+                   std::to_string(text_.size()));
 }
 
 /// Makes a run begin at `location`, and gives its index; at the end of the text, the count of runs.

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace zorvan {
@@ -14,7 +15,7 @@ namespace zorvan {
 ///
 /// Lengths and ranges count UTF-16 units, which is how the text is kept: bytes that are not UTF-8
 /// become U+FFFD on the way in, lone surrogates on the way out. A range that reaches outside the
-/// text stops the program with "Range is out of bounds".
+/// text stops the program with "Range is out of bounds" and both.
 class NSAttributedString {
 public:
     /// A stretch of text with the same attributes.
@@ -31,16 +32,19 @@ public:
 
     /// In UTF-16 units.
     std::size_t length() const noexcept { return text_.size(); }
-    const std::u16string& utf16() const noexcept { return text_; }
+    const std::u16string& utf16() const& noexcept { return text_; }
+    std::u16string utf16() && noexcept { return std::move(text_); }
 
     /// The text alone.
     std::string string() const;
 
     /// The runs, first to last; they cover the text, none is empty, neighbours differ.
-    const std::vector<Run>& runs() const noexcept { return runs_; }
+    const std::vector<Run>& runs() const& noexcept { return runs_; }
+    std::vector<Run> runs() && noexcept { return std::move(runs_); }
 
     /// The run that holds the unit at `location`, which must lie inside the text.
-    const Run& runAt(std::size_t location) const;
+    const Run& runAt(std::size_t location) const&;
+    Run runAt(std::size_t location) && { return runAt(location); }
 
     NSAttributedString attributedSubstring(NSRange range) const;
 

@@ -149,7 +149,8 @@ NSRegularExpression NSRegularExpression::cached(std::string_view pattern, Option
     return expression;
 }
 
-std::vector<std::vector<std::string>> NSRegularExpression::captures(std::string_view text) const {
+std::vector<std::vector<std::string>> NSRegularExpression::captures(std::string_view text,
+                                                                    std::string* givenUp) const {
     UErrorCode status = U_ZERO_ERROR;
     UText source = UTEXT_INITIALIZER;
     utext_openUTF8(&source, text.data(), static_cast<std::int64_t>(text.size()), &status);
@@ -171,7 +172,10 @@ std::vector<std::vector<std::string>> NSRegularExpression::captures(std::string_
         for (std::int32_t i = 1; i <= groups; ++i)
             captured.push_back(group(matcher.getAlias(), i, text));
     }
-    check(status);
+    if (givenUp && (status == U_REGEX_TIME_OUT || status == U_REGEX_STACK_OVERFLOW))
+        *givenUp = reason(status);
+    else
+        check(status);
     return matches;
 }
 

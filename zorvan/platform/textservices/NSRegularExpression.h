@@ -48,8 +48,11 @@ public:
     /// are not UTF-8 match as U+FFFD and are kept as they are in what is captured.
     ///
     /// A search is bounded: it may save 20 million steps to come back to, and 100 more for each
-    /// byte of the text, and hold 32 MB of them. Past that it throws `RegularExpressionError`.
-    std::vector<std::vector<std::string>> captures(std::string_view text) const;
+    /// byte of the text, and hold 32 MB of them. Past that it is given up: it throws
+    /// `RegularExpressionError`, or, with a place for the reason, says why there and gives the
+    /// matches found until then.
+    std::vector<std::vector<std::string>> captures(std::string_view text,
+                                                   std::string* givenUp = nullptr) const;
 
 private:
     struct Compiled;

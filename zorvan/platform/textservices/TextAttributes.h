@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zorvan/platform/foundation/NameLiteral.h>
+
 #include <concepts>
 #include <cstdint>
 #include <map>
@@ -54,16 +56,15 @@ using AttributeValue =
 using AttributeDictionary = std::map<std::string, AttributeValue, std::less<>>;
 
 namespace AttributeName {
-inline constexpr std::string_view font = "NSFont";                        ///< a TextFont
-inline constexpr std::string_view foregroundColor = "NSColor";            ///< a TextColor
-inline constexpr std::string_view backgroundColor = "NSBackgroundColor";  ///< a TextColor
-inline constexpr std::string_view underlineStyle = "NSUnderline";         ///< a bool
-inline constexpr std::string_view strikethroughStyle = "NSStrikethrough"; ///< a bool
-inline constexpr std::string_view link = "NSLink";                        ///< the address, as text
-inline constexpr std::string_view superscript =
-    "NSSuperScript"; ///< an integer; below 0 a subscript
+inline constexpr NameLiteral font = "NSFont";                        ///< a TextFont
+inline constexpr NameLiteral foregroundColor = "NSColor";            ///< a TextColor
+inline constexpr NameLiteral backgroundColor = "NSBackgroundColor";  ///< a TextColor
+inline constexpr NameLiteral underlineStyle = "NSUnderline";         ///< a bool
+inline constexpr NameLiteral strikethroughStyle = "NSStrikethrough"; ///< a bool
+inline constexpr NameLiteral link = "NSLink";                        ///< the address, as text
+inline constexpr NameLiteral superscript = "NSSuperScript"; ///< an integer; below 0 a subscript
 /// A TextAlignment; the first character of a paragraph decides for all of it.
-inline constexpr std::string_view alignment = "NSAlignment";
+inline constexpr NameLiteral alignment = "NSAlignment";
 } // namespace AttributeName
 
 /// The value of an attribute when it is there and has the type asked for.
@@ -72,5 +73,8 @@ const T* attribute(const AttributeDictionary& attributes, std::string_view name)
     const auto found = attributes.find(name);
     return found == attributes.end() ? nullptr : std::get_if<T>(&found->second);
 }
+/// The value would be gone before it was read.
+template <class T>
+const T* attribute(const AttributeDictionary&& attributes, std::string_view name) = delete;
 
 } // namespace zorvan

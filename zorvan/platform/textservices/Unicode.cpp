@@ -48,6 +48,27 @@ std::string_view trimmed(std::string_view text, CharacterSet set) noexcept {
     return text.substr(start, end - start);
 }
 
+std::optional<NumberInParentheses> numberInParentheses(std::string_view text) noexcept {
+    std::optional<NumberInParentheses> found;
+    std::size_t line = 0;
+    for (std::size_t at = 0, next = 0; at < text.size(); at = next) {
+        const UChar32 c = nextCodePoint(text, next);
+        if (isNewline(c)) {
+            if (found)
+                break;
+            line = next;
+        } else if (c == '(') {
+            const std::size_t start = next;
+            for (std::size_t after = next;
+                 after < text.size() && u_isdigit(nextCodePoint(text, after)); next = after) {
+            }
+            if (text.substr(next, 1) == ")")
+                found = {text.substr(line, at - line), text.substr(start, next - start)};
+        }
+    }
+    return found;
+}
+
 std::string lowercased(std::string_view text) {
     if (text.size() > std::numeric_limits<std::int32_t>::max())
         return std::string(text);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,17 @@ enum class CharacterSet { whitespaces, whitespacesAndNewlines };
 /// `text` in lower case by the rules that hold in no particular language; ill-formed bytes are
 /// kept.
 [[nodiscard]] std::string lowercased(std::string_view text);
+
+/// A number in parentheses and what stands before it on its line; views of the text.
+struct NumberInParentheses {
+    std::string_view before;
+    std::string_view digits; ///< decimal digits of any script, or none
+};
+
+/// The last number in parentheses of the first line that has one. Takes time in the length of the
+/// text.
+[[nodiscard]] std::optional<NumberInParentheses>
+numberInParentheses(std::string_view text) noexcept;
 
 /// How many UTF-16 units `text` takes; an ill-formed subsequence counts as one.
 [[nodiscard]] std::size_t utf16Length(std::string_view text) noexcept;

@@ -1,14 +1,14 @@
 #pragma once
 
+#include <zorvan/platform/foundation/internal/ascii.h>
+
 #include <algorithm>
 #include <string>
 #include <string_view>
 
 namespace zorvan::coreservices {
 
-constexpr char lowered(char c) noexcept {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
+using internal::lowered;
 
 inline std::string lowered(std::string_view text) {
     std::string result(text);

@@ -4,6 +4,7 @@
 #include <zorvan/platform/foundation/PropertyList.h>
 #include <zorvan/platform/imageio/internal/ByteOrder.h>
 #include <zorvan/platform/imageio/internal/Outline.h>
+#include <zorvan/platform/imageio/internal/TiffEntries.h>
 
 #include <optional>
 
@@ -17,6 +18,14 @@ std::optional<int> exifOrientation(Bytes block) noexcept;
 
 /// Puts what the block says into the dictionaries "{TIFF}", "{Exif}" and "{GPS}".
 void addExifProperties(Bytes block, PropertyList::Dictionary& properties);
+
+/// The directories of an Exif block that stand apart in a TIFF, as a block; a place of 0 means
+/// none.
+struct ExifPlaces {
+    std::uint64_t exif = 0;
+    std::uint64_t gps = 0;
+};
+Data exifBlockFrom(ByteSource& source, const TiffForm& form, const ExifPlaces& places);
 
 /// The small JPEG inside the block; empty when there is none.
 Data exifThumbnail(Bytes block);

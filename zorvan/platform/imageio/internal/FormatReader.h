@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zorvan/platform/imageio/ImageReader.h>
+#include <zorvan/platform/imageio/internal/ByteOrder.h>
 #include <zorvan/platform/imageio/internal/ByteSource.h>
 
 #include <memory>
@@ -22,6 +23,7 @@ inline constexpr const char* tooLarge = "the picture is too large";
 inline constexpr const char* noMemory = "there is not enough memory";
 inline constexpr const char* noSuchPicture = "the file holds no such picture";
 inline constexpr const char* noThumbnail = "the file holds no thumbnail";
+inline constexpr const char* noDecoder = "the decoder for this format is not installed";
 inline constexpr const char* unsupported = "this variety of the format is not supported";
 } // namespace reason
 
@@ -38,10 +40,11 @@ public:
     FormatReader(FileFormat format, std::unique_ptr<ByteSource> source)
         : source_(std::move(source)), format_(format) {}
 
-    std::string_view error() const noexcept final { return error_; }
+    std::string error() const final { return error_; }
     std::optional<FileFormat> format() const noexcept final { return format_; }
     std::int64_t count() final;
     std::optional<PropertyList::Dictionary> properties(std::int64_t index) final;
+    std::optional<int> orientation(std::int64_t index) final;
     std::optional<Bitmap> decode(std::int64_t index, const DecodeOptions& options) final;
     std::optional<Bitmap> embeddedThumbnail(std::int64_t index) final;
 
@@ -52,6 +55,7 @@ private:
     // Each throws Failure; the index has been checked against the count.
     virtual std::int64_t readCount() = 0;
     virtual PropertyList::Dictionary readProperties(std::int64_t index) = 0;
+    virtual std::optional<int> readOrientation(std::int64_t index) = 0;
     virtual Bitmap readPicture(std::int64_t index, const DecodeOptions& options) = 0;
     virtual Bitmap readThumbnail(std::int64_t index) = 0;
 
@@ -68,5 +72,20 @@ std::unique_ptr<ImageReader> makeJpegReader(std::unique_ptr<ByteSource> source);
 std::unique_ptr<ImageReader> makePngReader(std::unique_ptr<ByteSource> source);
 std::unique_ptr<ImageReader> makeTiffReader(std::unique_ptr<ByteSource> source);
 std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeAvifReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeWebPReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeGifReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeBmpReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeSvgReader(std::unique_ptr<ByteSource> source);
+std::unique_ptr<ImageReader> makeJpegXLReader(std::unique_ptr<ByteSource> source);
+
+bool isBmp(Bytes head) noexcept;
+
+/// The bytes of a file whose codec wants them all at once. Throws Failure for a file too large for
+/// that.
+Data wholeFile(ByteSource& source);
+
+/// The small JPEG inside an Exif block. Throws Failure when there is none.
+Bitmap thumbnailInExif(Bytes exif);
 
 } // namespace zorvan::imageio

@@ -10,8 +10,17 @@
 
 namespace zorvan::imageio {
 
+// Why there is a reader of boxes beside libheif: its version 1.15, Debian 12's, tells neither the
+// turns and crops of a picture nor whether all of its data is there without decoding it, and it
+// applies them itself unless it is asked for the picture as coded. That of Debian 13 tells the
+// turns and crops
+// (`heif_item_get_transformation_properties`): once Debian 12 is left behind, what is read here
+// shrinks to where the data lies, the sizes that encoders state wrongly and the place of Exif.
+
 /// Whether a file that begins so is of the HEIF family, with pictures in HEVC or AV1.
 bool isHeif(Bytes head) noexcept;
+/// Whether one of the family says that its pictures are in AV1.
+bool isAvif(Bytes head) noexcept;
 
 struct PixelRect {
     std::int64_t x = 0;
@@ -26,6 +35,8 @@ struct HeifPicture {
     std::uint32_t item = 0;
     /// The size of the coded picture.
     PixelSize coded;
+    /// Where the file states that size with width and height exchanged; absent when it is right.
+    std::optional<std::uint64_t> turnedSizeAt = {};
     /// The part of the coded picture that is to be shown, in its own coordinates.
     PixelRect crop;
     /// The EXIF value that turns that part as the file's own rotations and mirrors do; absent when

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zorvan/platform/imageio/internal/ByteSource.h>
+#include <zorvan/platform/imageio/internal/TiffEntries.h>
 
 #include <cstdint>
 #include <optional>
@@ -20,6 +21,10 @@ public:
     TiffFile& operator=(const TiffFile&) = delete;
 
     TIFF* get() const noexcept { return tiff_; }
+    ByteSource& source() const noexcept { return source_; }
+    TiffForm form() const noexcept {
+        return {.bigEndian = TIFFIsBigEndian(tiff_) != 0, .wide = TIFFIsBigTIFF(tiff_) != 0};
+    }
 
     struct Page {
         tdir_t directory;

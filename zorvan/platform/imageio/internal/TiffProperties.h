@@ -5,7 +5,11 @@
 
 namespace zorvan::imageio {
 
-/// The properties of a page, which is the current directory. Another one may be current afterwards.
-PropertyList::Dictionary tiffProperties(TiffFile& file, tdir_t page);
+// Of a page, which is the current directory.
+
+PropertyList::Dictionary tiffProperties(const TiffFile& file);
+
+/// The EXIF value, 1 to 8.
+std::optional<int> tiffOrientation(const TiffFile& file);
 
 } // namespace zorvan::imageio

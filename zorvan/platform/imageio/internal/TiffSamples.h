@@ -26,6 +26,7 @@ struct TiffLayout {
     int alphaSample = 0;
 
     int colourCount() const noexcept;
+    bool isSigned() const noexcept { return sampleFormat == SAMPLEFORMAT_INT; }
     /// Whether TiffSamples can turn its rows into pixels.
     bool isPlain() const noexcept;
 };

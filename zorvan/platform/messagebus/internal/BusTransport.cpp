@@ -1,6 +1,8 @@
 #include <zorvan/platform/dispatch/internal/MainDispatchQueue.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/Wakeup.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/percentEscapes.h>
 #include <zorvan/platform/messagebus/internal/Transport.h>
 
 #include <algorithm>
@@ -57,16 +59,12 @@ Bus openBus() {
 /// limited, so the start of a long name stands for it.
 std::string sortKey(std::string_view name) {
     constexpr std::size_t maxLength = 512;
-    constexpr std::string_view digits = "0123456789ABCDEF";
     std::string key;
     for (const char c : name) {
-        const bool isPlain = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') ||
-                             (c >= 'a' && c <= 'z') || c == '.' || c == '_' || c == '-';
-        const auto byte = static_cast<unsigned char>(c);
-        if (isPlain)
+        if (internal::isDigit(c) || internal::isLetter(c) || c == '.' || c == '_' || c == '-')
             key += c;
         else
-            (key += '%').append({digits[byte >> 4], digits[byte & 15]});
+            internal::appendPercentEscape(key, c);
         if (key.size() >= maxLength)
             break;
     }

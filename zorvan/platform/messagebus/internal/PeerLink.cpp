@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/messagebus/internal/WireFormat.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
@@ -20,11 +21,10 @@ constexpr std::size_t readSize = 64 << 10;
 } // namespace
 
 std::shared_ptr<const Data> framed(const Data& message) {
-    Data frame;
-    frame.reserve(headerSize + message.size());
+    Data frame(headerSize + message.size());
     for (std::size_t i = 0; i < headerSize; ++i)
-        frame.push_back(static_cast<std::byte>(message.size() >> (8 * i) & 0xFF));
-    frame.insert(frame.end(), message.begin(), message.end());
+        frame[i] = static_cast<std::byte>(message.size() >> (8 * i) & 0xFF);
+    std::ranges::copy(message, frame.begin() + headerSize);
     return std::make_shared<const Data>(std::move(frame));
 }
 

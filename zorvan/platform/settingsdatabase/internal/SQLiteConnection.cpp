@@ -1,5 +1,6 @@
 #include <zorvan/platform/settingsdatabase/internal/SQLiteConnection.h>
 
+#include <zorvan/platform/foundation/internal/percentEscapes.h>
 #include <zorvan/platform/settingsdatabase/internal/StoredValue.h>
 
 #include <sqlite3.h>
@@ -20,19 +21,8 @@ constexpr int busyMilliseconds = 5000;
 constexpr int shownSize = 1 << 15; // of the first piece of the shared memory
 
 std::string uriOf(const std::string& path) {
-    constexpr char digits[] = "0123456789ABCDEF";
-    std::string uri = "file:";
-    for (const char c : path) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '%' || c == '?' || c == '#') {
-            uri += '%';
-            uri += digits[byte >> 4];
-            uri += digits[byte & 15];
-        } else {
-            uri += c;
-        }
-    }
-    return uri + "?immutable=1";
+    const auto isPlain = [](char c) { return c != '%' && c != '?' && c != '#'; };
+    return "file:" + internal::percentEscaped(path, isPlain) + "?immutable=1";
 }
 
 std::span<const std::byte> blob(sqlite3_stmt* statement, int column) {

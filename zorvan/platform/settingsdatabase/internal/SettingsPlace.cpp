@@ -1,5 +1,6 @@
 #include <zorvan/platform/settingsdatabase/internal/SettingsPlace.h>
 
+#include <zorvan/platform/foundation/internal/makeFolders.h>
 #include <zorvan/platform/settingsdatabase/SettingsFolder.h>
 #include <zorvan/platform/settingsdatabase/internal/SettingsFile.h>
 
@@ -19,15 +20,6 @@ namespace {
 
 [[noreturn]] void failWithErrno(const std::string& what) {
     throw std::system_error(errno, std::generic_category(), what);
-}
-
-/// Makes what is missing of the folders on the way, open to the user alone.
-void makeFolders(const std::string& folder) {
-    for (std::size_t slash = folder.find('/', 1); slash != std::string::npos;
-         slash = folder.find('/', slash + 1))
-        ::mkdir(folder.substr(0, slash).c_str(), 0700);
-    if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
-        failWithErrno(folder);
 }
 
 } // namespace
@@ -55,7 +47,9 @@ SettingsPlace::SettingsPlace(const std::string& path) {
 SettingsPlace::~SettingsPlace() { ::close(folder_); }
 
 void SettingsPlace::makeFolder(const std::string& folder) {
-    makeFolders(folder);
+    errno = makeFolders(folder, 0700);
+    if (errno != 0)
+        failWithErrno(folder);
     folder_ = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (folder_ < 0 && (errno == ELOOP || errno == ENOTDIR))
         throw RefusedFile("its folder is no folder, or a symbolic link to one");

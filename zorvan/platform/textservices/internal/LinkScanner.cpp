@@ -1,5 +1,6 @@
 #include <zorvan/platform/textservices/internal/LinkScanner.h>
 
+#include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/textservices/Unicode.h>
 #include <zorvan/platform/textservices/internal/CodePoints.h>
 
@@ -23,9 +24,7 @@ constexpr std::size_t longestLocalPart = 64;
 constexpr std::array<std::string_view, 6> schemesOfHosts = {"http", "https", "ftp",
                                                             "ftps", "ws",    "wss"};
 
-bool isAsciiLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isAsciiDigit(char c) noexcept { return c >= '0' && c <= '9'; }
-bool isAsciiAlphanumeric(char c) noexcept { return isAsciiLetter(c) || isAsciiDigit(c); }
+bool isAsciiAlphanumeric(char c) noexcept { return isLetter(c) || isDigit(c); }
 
 struct CodePoint {
     UChar32 value; // negative for ill-formed bytes
@@ -78,7 +77,7 @@ bool isInternetAddress(std::string_view host) noexcept {
     while (!host.empty() && numbers < 4) {
         std::size_t digits = 0;
         int value = 0;
-        for (; digits < host.size() && digits < 3 && isAsciiDigit(host[digits]); ++digits)
+        for (; digits < host.size() && digits < 3 && isDigit(host[digits]); ++digits)
             value = value * 10 + (host[digits] - '0');
         if (digits == 0 || value > 255)
             return false;
@@ -145,7 +144,7 @@ std::optional<std::size_t> LinkScanner::schemedEnd(std::size_t start) const {
            (isAsciiAlphanumeric(text_[end]) || text_[end] == '+' || text_[end] == '-' ||
             text_[end] == '.'))
         ++end;
-    if (end == start || !isAsciiLetter(text_[start]) || end == text_.size() || text_[end] != ':')
+    if (end == start || !isLetter(text_[start]) || end == text_.size() || text_[end] != ':')
         return std::nullopt;
     const std::string scheme = lowercased(text_.substr(start, end - start));
     const std::string_view rest = text_.substr(end + 1);
@@ -250,8 +249,8 @@ bool LinkScanner::hasAlphabeticEnd(const Host& host) const {
     const std::string_view label = text_.substr(host.lastLabel, host.end - host.lastLabel);
     if (lowercased(label).starts_with("xn--"))
         return true;
-    return label.size() >= 2 && std::none_of(label.begin(), label.end(),
-                                             [](char c) { return isAsciiDigit(c) || c == '-'; });
+    return label.size() >= 2 &&
+           std::none_of(label.begin(), label.end(), [](char c) { return isDigit(c) || c == '-'; });
 }
 
 bool LinkScanner::hasKnownEnd(std::size_t start, const Host& host) const {
@@ -273,7 +272,7 @@ std::size_t LinkScanner::portAndPathEnd(std::size_t start, std::size_t hostEnd) 
     std::size_t end = hostEnd;
     if (end < text_.size() && text_[end] == ':') {
         std::size_t port = end + 1;
-        while (port < text_.size() && port - end <= 5 && isAsciiDigit(text_[port]))
+        while (port < text_.size() && port - end <= 5 && isDigit(text_[port]))
             ++port;
         if (port > end + 1 && (port == text_.size() || !isAsciiAlphanumeric(text_[port])))
             end = port;

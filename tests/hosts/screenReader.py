@@ -1,0 +1,159 @@
+"""Reads the gallery's window as a screen reader does, through the desktop's accessibility bus.
+
+The screen, the session's bus and the accessibility bus are the test's own, so that it neither needs
+nor disturbs those of whoever runs it. Keys go through the X server.
+"""
+
+import os
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+processes = []
+
+
+def start(*command, **options):
+    process = subprocess.Popen(command, start_new_session=True, **options)
+    processes.append(process)
+    return process
+
+
+def first_line(*command):
+    process = start(*command, stdout=subprocess.PIPE, text=True)
+    return process.stdout.readline().strip()
+
+
+def wait_for(what, look, seconds=30):
+    end = time.monotonic() + seconds
+    while time.monotonic() < end:
+        found = look()
+        if found:
+            return found
+        time.sleep(0.05)
+    raise AssertionError("not there in time: " + what)
+
+
+def check(what, found, wanted):
+    if found != wanted:
+        raise AssertionError(f"{what}: {found!r} instead of {wanted!r}")
+
+
+def set_up(home):
+    os.environ.update(HOME=home, XDG_CONFIG_HOME=home, XDG_RUNTIME_DIR=home, XDG_DATA_HOME=home,
+                      QT_QPA_PLATFORM="xcb", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
+                      QT_STYLE_OVERRIDE="Fusion", NO_AT_BRIDGE="1")
+    read, write = os.pipe()
+    start("Xvfb", "-displayfd", str(write), "-screen", "0", "1280x800x24", "-nolisten", "tcp",
+          pass_fds=[write], stderr=subprocess.DEVNULL)
+    os.close(write)
+    with os.fdopen(read) as display:
+        os.environ["DISPLAY"] = ":" + display.readline().strip()
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = first_line(
+        "dbus-daemon", "--session", "--nofork", "--print-address")
+    start("/usr/libexec/at-spi-bus-launcher", "--launch-immediately", stderr=subprocess.DEVNULL)
+
+
+def descendants(node):
+    yield node
+    for i in range(node.get_child_count()):
+        child = node.get_child_at_index(i)
+        if child:
+            yield from descendants(child)
+
+
+def read_gallery(program):
+    import gi
+    gi.require_version("Atspi", "2.0")
+    from gi.repository import Atspi, GLib
+
+    Atspi.init()
+    gallery = start(program)
+
+    def window():
+        desktop = Atspi.get_desktop(0)
+        for i in range(desktop.get_child_count()):
+            application = desktop.get_child_at_index(i)
+            if application and application.get_process_id() == gallery.pid:
+                for node in descendants(application):
+                    if node.get_role_name() in ("frame", "window") and node.get_name() == "Gallery":
+                        return node
+        return None
+
+    shown = wait_for("the window", window)
+
+    def named(name, role):
+        def look():
+            for node in descendants(shown):
+                # Later releases say "button" where earlier ones said "push button".
+                if node.get_name() == name and node.get_role_name() in (role, "push " + role):
+                    return node
+            return None
+        return wait_for(f"{role} {name!r}", look, 10)
+
+    def has(node, state):
+        return node.get_state_set().contains(state)
+
+    def press(node):
+        for i in range(node.get_n_actions()):
+            if node.get_action_name(i) == "Press":
+                return node.do_action(i)
+        raise AssertionError("no press: " + node.get_name())
+
+    # What is there, by name and role.
+    named("Toolbar", "tool bar")
+    check("disabled", has(named("Disabled", "button"), Atspi.StateType.ENABLED), False)
+    check("enabled", has(named("Push button", "button"), Atspi.StateType.ENABLED), True)
+    named("Tinted button", "button")
+    named("Back", "button")
+    date = wait_for("the chosen order", lambda: next(
+        (node for node in descendants(shown) if node.get_name() == "Date"), None))
+    check("chosen", has(date, Atspi.StateType.CHECKED), True)
+
+    # A view of the program's own, and its changes.
+    level = named("Level", "slider")
+    check("level", level.get_description(), "40 %")
+    heard = []
+    loop = GLib.MainContext.default()
+    listener = Atspi.EventListener.new(lambda event: heard.append(event.type))
+    listener.register("object:property-change:accessible-description")
+    press(named("Raise", "button"))
+    def told():
+        loop.iteration(False)
+        return heard
+    wait_for("word of the change", told, 10)
+    level.clear_cache()
+    check("level", level.get_description(), "50 %")
+
+    # Keys through the X server: into the search field that has the keyboard, with its caret.
+    subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", "^Gallery$",
+                    "windowfocus", "--sync"], check=True, stdout=subprocess.DEVNULL)
+    field = next(node for node in descendants(shown)
+                 if node.get_role_name() == "text" and node.get_name() == "Search")
+    check("focus", field.get_component_iface().grab_focus(), True)
+    wait_for("focus", lambda: has(field, Atspi.StateType.FOCUSED))
+    subprocess.run(["xdotool", "type", "abc"], check=True)
+    wait_for("the text", lambda: Atspi.Text.get_text(field, 0, -1) == "abc")
+    check("caret", Atspi.Text.get_caret_offset(field), 3)
+    subprocess.run(["xdotool", "key", "Left"], check=True)
+    wait_for("the caret", lambda: Atspi.Text.get_caret_offset(field) == 2)
+    subprocess.run(["xdotool", "key", "Tab"], check=True)
+    wait_for("Tab", lambda: not has(field, Atspi.StateType.FOCUSED))
+
+
+def main():
+    with tempfile.TemporaryDirectory() as home:
+        try:
+            set_up(home)
+            read_gallery(sys.argv[1])
+        finally:
+            for process in reversed(processes):
+                try:
+                    os.killpg(process.pid, signal.SIGTERM)
+                except ProcessLookupError:
+                    pass
+                process.wait()
+
+
+main()

@@ -1,0 +1,145 @@
+#include <tests/Testing.h>
+#include <tests/collections/RandomEditions.h>
+
+#include <zorvan/interface/NSCollectionViewObserver.h>
+
+using Calls = std::vector<std::string>;
+using Updates = NSCollectionView::Updates;
+using Edition = SelectableArrayEdition;
+
+namespace {
+
+struct Source : NSCollectionViewDataSource {
+    std::int64_t numberOfItems(const NSCollectionView&, std::int64_t) const override {
+        return count;
+    }
+    std::int64_t count = 0;
+};
+
+struct Recorder : NSCollectionViewObserver {
+    void itemsUpdated(const Updates& batch, bool isAnimated) override {
+        calls.emplace_back(isAnimated ? "animated batch" : "batch");
+        updates = batch;
+    }
+    void sectionsReloaded(const IndexSet& sections) override {
+        calls.push_back("reload " + sections.description());
+    }
+    void selectionDidChange() override { calls.emplace_back("select"); }
+    Calls calls;
+    Updates updates;
+};
+
+struct Fixture {
+    explicit Fixture(std::int64_t count) {
+        source->count = count;
+        view->setDataSource(source);
+        view->addObserver(recorder);
+    }
+    std::shared_ptr<Source> source = std::make_shared<Source>();
+    std::shared_ptr<NSCollectionView> view = NSCollectionView::create();
+    std::shared_ptr<Recorder> recorder = std::make_shared<Recorder>();
+    Calls& calls = recorder->calls;
+};
+
+} // namespace
+
+TEST(NSCollectionView, showsEditionsByTheCallsThatFit) {
+    struct {
+        Edition edition;
+        std::int64_t count;
+        Calls calls;
+        Updates updates;
+    } table[] = {
+        {Edition::Insert{2, 1}, 5, {"animated batch"}, {.inserted = {{1, 0}, {2, 0}}}},
+        {Edition::Replace{1}, 3, {"animated batch"}, {.reloaded = {{1, 0}}}},
+        {Edition::Remove{{0, 2}}, 1, {"animated batch"}, {.deleted = {{0, 0}, {2, 0}}}},
+        {Edition::Move{{0, 1}, 3},
+         3,
+         {"animated batch"},
+         {.moved = {{{0, 0}, {1, 0}}, {{1, 0}, {2, 0}}}}},
+        {Edition::Select{{1}}, 3, {"select"}, {}},
+        {Edition::Reload{{0}}, 2, {"reload {0}", "select"}, {}},
+    };
+    for (const auto& row : table) {
+        Fixture shown(3);
+        shown.source->count = row.count;
+        shown.view->reloadEditedData(row.edition);
+        EXPECT_EQ(shown.calls, row.calls);
+        EXPECT_EQ(shown.recorder->updates, row.updates);
+        EXPECT_EQ(shown.view->numberOfItems(0), row.count);
+    }
+}
+
+TEST(NSCollectionView, forgetsABatchWhoseUpdatesThrow) {
+    Fixture shown(3);
+    const auto fail = [&] {
+        shown.view->deleteItems({{0, 0}});
+        throw std::runtime_error("no");
+    };
+    EXPECT_THROW(shown.view->performBatchUpdates(fail), std::runtime_error);
+    EXPECT_EQ(shown.calls, Calls());
+    shown.view->performBatchUpdates([&] {
+        shown.view->reloadItems({{2, 0}});
+        EXPECT_THROW(shown.view->animator().performBatchUpdates(fail), std::runtime_error);
+    });
+    EXPECT_EQ(shown.calls, Calls{"batch"});
+    EXPECT_EQ(shown.recorder->updates, (Updates{.reloaded = {{2, 0}}}));
+}
+
+TEST(NSCollectionView, followsTheSelectionOfAList) {
+    RandomEditions random(9);
+    Fixture shown(0);
+    const auto list = SelectableArray<int>::create();
+    list->setEditionHandler([&](const SelectableArray<int>::Action& action) {
+        const Edition edition = action();
+        shown.source->count = list->count();
+        shown.view->reloadEditedData(edition);
+    });
+    for (int step = 0; step < 2000; ++step) {
+        random.edit(*list);
+        ASSERT_EQ(shown.view->numberOfItems(0), list->count());
+        ASSERT_EQ(shown.view->selectionIndexPaths(), list->selection().mapToIndexPaths());
+    }
+}
+
+TEST(NSCollectionViewDeathTest, catchesEditionsThatLie) {
+    Fixture shown(3);
+    EXPECT_DEATH(shown.view->reloadEditedData(Edition::Remove{{0}}),
+                 "^After its updates section 0 of a collection view has 2 items, but its data "
+                 "source has 3.\n$");
+    EXPECT_DEATH(shown.view->deleteItems({{3, 0}}), "^A path lies outside the collection view.\n$");
+    EXPECT_DEATH(shown.view->insertItems({{0, 1}}), "outside the collection view");
+}
+
+TEST(NSCollectionView, registersNibsByIdentifier) {
+    Fixture shown(0);
+    shown.view->register_({.cellIdentifiers = std::vector<std::string>{"photo", "film"}});
+    shown.view->register_({.footerIdentifiers = std::vector<std::string>{"photo"}});
+    ASSERT_TRUE(shown.view->nib("film"));
+    EXPECT_EQ(shown.view->nib("film")->name, "film");
+    EXPECT_TRUE(shown.view->nib(NSCollectionView::sectionFooter, "photo"));
+    EXPECT_FALSE(shown.view->nib(NSCollectionView::sectionHeader, "photo"));
+}
+
+TEST(NSCollectionView, findsItemsInARectangle) {
+    Fixture shown(7);
+    EXPECT_TRUE(shown.view->indexPathsForItems(CGRect(0, 0, 1000, 1000)).empty());
+    shown.view->setFrame(CGRect(0, 0, 200, 100));
+    shown.view->setCollectionViewLayout(
+        std::make_shared<NSCollectionViewFlowLayout>(CGSize(50, 50), 10)); // three a line
+    EXPECT_TRUE(shown.view->collectionViewFlowLayout());
+    EXPECT_FALSE(shown.view->collectionViewGridLayout());
+    struct {
+        CGRect rect;
+        std::vector<std::int64_t> items;
+    } table[] = {
+        {{0, 0, 10, 10}, {0}},     {{50, 0, 10, 10}, {}}, {{40, 40, 30, 9}, {0, 1}},
+        {{0, 120, 200, 500}, {6}}, {{0, -50, 1, 1}, {}},  {{0, 1e300, 10, 10}, {}},
+    };
+    for (const auto& row : table) {
+        std::vector<std::int64_t> found;
+        for (const IndexPath path : shown.view->indexPathsForItems(row.rect))
+            found.push_back(path.item);
+        EXPECT_EQ(found, row.items) << row.rect.x() << ", " << row.rect.y();
+    }
+}

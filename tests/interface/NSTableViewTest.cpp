@@ -1,0 +1,351 @@
+#include <tests/Testing.h>
+#include <tests/collections/RandomEditions.h>
+
+#include <zorvan/collections/ManagedList.h>
+#include <zorvan/interface/ManagedListViewReloader.h>
+#include <zorvan/interface/NSTableViewObserver.h>
+#include <zorvan/platform/dispatch/NSNotificationCenter.h>
+
+#include <random>
+
+using Calls = std::vector<std::string>;
+using Options = NSTableView::AnimationOptions;
+
+namespace {
+
+/// A cell view that remembers which item it was made for.
+struct ItemView : NSView {
+    explicit ItemView(int shown) : NSView(Key{}, {}), item(shown) {}
+    int item;
+};
+
+struct Source : NSTableViewDataSource, NSTableViewDelegate {
+    std::int64_t numberOfRows(const NSTableView&) const override {
+        return static_cast<std::int64_t>(items.size());
+    }
+    std::shared_ptr<NSView> view(NSTableView&, std::int64_t, std::int64_t row) override {
+        return std::make_shared<ItemView>(items[static_cast<std::size_t>(row)]);
+    }
+    std::string text(const NSTableView&, std::int64_t, std::int64_t row) const override {
+        return "item " + std::to_string(items[static_cast<std::size_t>(row)]);
+    }
+    double heightOfRow(const NSTableView&, std::int64_t row) const override {
+        ++heightsAsked;
+        return 10 + static_cast<double>(row % 3);
+    }
+    void sortOrderDidChange(NSTableView& table) override {
+        sortedBy = table.sortOrder() ? table.sortOrder()->column->title() : "none";
+    }
+    std::vector<int> items;
+    mutable std::int64_t heightsAsked = 0;
+    std::string sortedBy;
+};
+
+struct Recorder : NSTableViewObserver {
+    void updatesDidBegin() override { calls.emplace_back("begin"); }
+    void updatesDidEnd() override { calls.emplace_back("end"); }
+    void rowsInserted(const IndexSet& at, Options options) override {
+        calls.push_back("insert " + at.description() + " " + std::to_string(options.rawValue));
+    }
+    void rowsRemoved(const IndexSet& at, Options options) override {
+        calls.push_back("remove " + at.description() + " " + std::to_string(options.rawValue));
+    }
+    void rowMoved(std::int64_t from, std::int64_t to) override {
+        calls.push_back("move " + std::to_string(from) + " " + std::to_string(to));
+    }
+    void cellsReloaded(const IndexSet& rows, const IndexSet& columns) override {
+        calls.push_back("cells " + rows.description() + " " + columns.description());
+    }
+    void reloaded() override { calls.emplace_back("reload"); }
+    void selectionDidChange() override { calls.emplace_back("select"); }
+    void columnDidChange(std::int64_t at) override {
+        calls.push_back("column " + std::to_string(at));
+    }
+    void sortOrderDidChange() override { calls.emplace_back("sort"); }
+    Calls calls;
+};
+
+struct Fixture {
+    explicit Fixture(std::vector<int> items = {}, std::int64_t columns = 2) {
+        source->items = std::move(items);
+        table->setNumberOfColumns(columns);
+        table->setDataSource(source);
+        table->setDelegate(source);
+        table->addObserver(recorder);
+    }
+    /// Every cell view, made or found, stands where its item does.
+    void expectRows() {
+        ASSERT_EQ(table->numberOfRows(), static_cast<std::int64_t>(source->items.size()));
+        for (std::int64_t row = 0; row < table->numberOfRows(); ++row) {
+            const auto view = std::dynamic_pointer_cast<ItemView>(table->view(0, row, true));
+            ASSERT_TRUE(view);
+            ASSERT_EQ(view->item, source->items[static_cast<std::size_t>(row)]) << "row " << row;
+        }
+    }
+
+    std::shared_ptr<Source> source = std::make_shared<Source>();
+    std::shared_ptr<NSTableView> table = NSTableView::create();
+    std::shared_ptr<Recorder> recorder = std::make_shared<Recorder>();
+    Calls& calls = recorder->calls;
+};
+
+} // namespace
+
+TEST(NSTableView, showsEditionsByTheCallsThatFit) {
+    using Edition = SelectableArrayEdition;
+    struct {
+        Edition edition;
+        std::vector<int> items;
+        Calls calls;
+    } table[] = {
+        {Edition::Insert{2, 1}, {0, 8, 9, 1, 2}, {"begin", "insert {1...2} 32", "end"}},
+        {Edition::Replace{1}, {0, 9, 2}, {"cells {1} {0...1}"}},
+        {Edition::Remove{{0, 2}}, {1}, {"begin", "remove {0, 2} 32", "end"}},
+        {Edition::Move{{0, 1}, 3}, {2, 0, 1}, {"begin", "move 0 2", "move 0 2", "end"}},
+        {Edition::Select{{1}}, {0, 1, 2}, {"select"}},
+        {Edition::Reload{{0}}, {7, 8}, {"reload", "select"}},
+    };
+    for (const auto& row : table) {
+        Fixture shown({0, 1, 2});
+        shown.expectRows();
+        shown.source->items = row.items;
+        shown.table->reloadEditedData(row.edition, Options::slideDown);
+        EXPECT_EQ(shown.calls, row.calls);
+        shown.expectRows();
+    }
+}
+
+TEST(NSTableView, showsManagedListEditions) {
+    const std::vector<int> nine{9};
+    const IndexSet first{0}, middle{1, 2};
+    const auto isLarge = [](int item) { return item > 1; };
+    const auto list = ManagedList<int>::create({0, 1, 2, 3});
+    Fixture shown({0, 1, 2, 3});
+    const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
+        NSNotificationName(ManagedList<int>::didReloadNotification), list, nullptr,
+        [&](const Notification& note) {
+            shown.source->items = list->items();
+            ManagedList<int>::ViewReloader(*ManagedList<int>::edition(note)).reload(*shown.table);
+        });
+    struct {
+        std::function<void()> change;
+        Calls calls;
+    } table[] = {
+        {[&] { list->setSelection(middle); }, {"select"}},
+        {[&] { list->insert(nine, 0); }, {"begin", "insert {0} 1", "select", "end", "select"}},
+        {[&] { list->remove(first); }, {"begin", "remove {0} 1", "end"}},
+        {[&] { list->move(first, 2); }, {"cells {0...3} {0...1}", "select"}},
+        {[&] { list->setFilter(isLarge); }, {"reload", "select"}},
+        {[&] { list->reverseOrder(); }, {"cells {0...1} {0...1}"}},
+    };
+    for (const auto& row : table) {
+        shown.calls.clear();
+        row.change();
+        EXPECT_EQ(shown.calls, row.calls);
+        EXPECT_EQ(shown.table->selectedRowIndexes(), list->selection());
+        shown.expectRows();
+    }
+    NSNotificationCenter::defaultCenter()->removeObserver(observer);
+}
+
+TEST(NSTableView, followsAListThroughRandomEditions) {
+    RandomEditions random(3);
+    for (int round = 0; round < 100; ++round) {
+        Fixture shown;
+        const auto list = SelectableArray<int>::create();
+        list->setEditionHandler([&](const SelectableArray<int>::Action& action) {
+            const SelectableArrayEdition edition = action();
+            shown.source->items = list->elements();
+            shown.table->reloadEditedData(edition, Options::effectFade);
+        });
+        for (int step = 0; step < 40; ++step) {
+            random.edit(*list);
+            shown.expectRows();
+            ASSERT_EQ(shown.table->selectedRowIndexes(), list->selection());
+        }
+    }
+}
+
+TEST(NSTableView, takesInScatteredRows) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 50; ++round) {
+        Fixture shown({0, 1, 2, 3, 4, 5, 6, 7});
+        shown.table->selectOnlyRows({1, 2, 5, 7});
+        shown.expectRows();
+        const auto before = shown.source->items;
+        shown.source->items.clear();
+        IndexSet places, selection;
+        for (std::size_t next = 0; next < before.size() || random() % 2;) {
+            const auto row = static_cast<std::int64_t>(shown.source->items.size());
+            if (next == before.size() || random() % 2) {
+                places.insert(row);
+                shown.source->items.push_back(-static_cast<int>(row));
+                continue;
+            }
+            if (next == 1 || next == 2 || next == 5 || next == 7)
+                selection.insert(row);
+            shown.source->items.push_back(before[next++]);
+        }
+        shown.table->insertRows(places, Options::effectNone);
+        shown.expectRows();
+        ASSERT_EQ(shown.table->selectedRowIndexes(), selection);
+    }
+}
+
+TEST(NSTableView, asksForHeightsOncePerChange) {
+    constexpr std::int64_t count = 400;
+    Fixture shown{std::vector<int>(count)};
+    NSScrollView::create(CGRect(0, 0, 150, 50))->setDocumentView(shown.table);
+    IndexSet odd;
+    for (std::int64_t row = 1; row < count; row += 2)
+        odd.insert(row);
+    shown.source->heightsAsked = 0;
+    shown.table->reloadEditedData(SelectableArrayEdition::Move{odd, count / 2},
+                                  Options::effectNone);
+    EXPECT_LE(shown.source->heightsAsked, 2 * count);
+    shown.source->heightsAsked = 0;
+    shown.source->items.resize(2 * count);
+    shown.table->insertRows(odd.union_(IndexSet(IndexSet::Range{count, count * 3 / 2})),
+                            Options::effectNone);
+    EXPECT_LE(shown.source->heightsAsked, 2 * count);
+}
+
+TEST(NSTableView, keepsAskedForCellViewsOnly) {
+    Fixture shown({0, 1, 2});
+    shown.expectRows();
+    shown.table->keepCellViews({1});
+    EXPECT_FALSE(shown.table->cell(0));
+    EXPECT_TRUE(shown.table->cell(1));
+    EXPECT_EQ(shown.table->subviews().size(), 1u);
+    shown.table->tableColumns()[0]->setWidth(30);
+    EXPECT_EQ(shown.table->cell(1)->frame().width(), 30) << "follows its column";
+}
+
+TEST(NSTableView, remembersWhatItIsSortedBy) {
+    Fixture shown({0, 1}, 2);
+    const auto name = shown.table->tableColumns()[0], size = shown.table->tableColumns()[1];
+    name->setTitle("name");
+    EXPECT_EQ(shown.calls, Calls{"column 0"});
+    shown.table->setSortOrder({{.column = name, .isAscending = false}});
+    EXPECT_EQ(shown.source->sortedBy, "name");
+    shown.source->sortedBy = "";
+    shown.table->setSortOrder({{.column = name, .isAscending = false}});
+    EXPECT_EQ(shown.source->sortedBy, "") << "the same again";
+    shown.table->removeTableColumn(size);
+    EXPECT_TRUE(shown.table->sortOrder());
+    shown.table->removeTableColumn(name);
+    EXPECT_EQ(shown.source->sortedBy, "none");
+    shown.table->setSortOrder({{.column = size}});
+    EXPECT_FALSE(shown.table->sortOrder()) << "not a column of the table";
+}
+
+TEST(NSTableViewDeathTest, catchesEditionsThatLie) {
+    Fixture shown({0, 1, 2});
+    EXPECT_DEATH(
+        shown.table->reloadEditedData(SelectableArrayEdition::Remove{{0}}, Options::effectFade),
+        "^After its updates a table view has 2 rows, but its data source has 3.\n$");
+    EXPECT_DEATH(shown.table->removeRows({3}, Options::effectNone),
+                 "^A row lies outside the table view.\n$");
+    EXPECT_DEATH(shown.table->insertRows({5}, Options::effectNone), "outside the table view");
+    EXPECT_DEATH(shown.table->moveRows({0}, 4), "outside the table view");
+    EXPECT_DEATH(shown.table->endUpdates(), "^A table view ends updates that have not begun.\n$");
+}
+
+TEST(NSTableView, announcesASelectionOnceItDiffers) {
+    Fixture shown({0, 1, 2});
+    int announced = 0;
+    const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
+        NSNotificationName(NSTableView::selectionDidChangeNotification), shown.table, nullptr,
+        [&](const Notification&) { ++announced; });
+    shown.table->selectOnlyRows({1, 7});
+    shown.table->selectOnlyRow(1);
+    EXPECT_EQ(announced, 1);
+    shown.table->selectAlsoRow(2);
+    EXPECT_EQ(announced, 2);
+    EXPECT_EQ(shown.table->selectedRowIndexes(), IndexSet({1, 2}));
+    shown.table->setClickedRow(2);
+    EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet({1, 2}));
+    shown.table->setClickedRow(0);
+    EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet({0}));
+    shown.table->setClickedRow(-1);
+    EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet());
+    NSNotificationCenter::defaultCenter()->removeObserver(observer);
+}
+
+TEST(NSTableView, scrollsItsRowsIntoPlace) {
+    Fixture shown(std::vector<int>(100));
+    const auto scrollView = NSScrollView::create(CGRect(0, 0, 150, 50));
+    const auto shownFrom = [&] { return scrollView->contentView()->bounds().y(); };
+    scrollView->setDocumentView(shown.table);
+    shown.table->expandFirstColumnWidth();
+    EXPECT_EQ(shown.table->frame().size, CGSize(250, 1099)); // 10, 11, 12, 10 ...
+    EXPECT_EQ(shown.table->frameOfCell(1, 3), CGRect(150, 33, 100, 10));
+    EXPECT_EQ(shown.table->frameOfCell(2, 0), CGRect());
+    EXPECT_EQ(shown.table->row(33.0), 3);
+    EXPECT_EQ(shown.table->row(32.9), 2);
+    EXPECT_EQ(shown.table->row(1099.0), -1);
+
+    shown.table->scrollRowToVisible(2);
+    EXPECT_EQ(shownFrom(), 0);
+    shown.table->scrollRowToVisible(9);
+    EXPECT_EQ(shownFrom(), 109 - 50);
+    shown.table->selectOnlyRows({1, 99});
+    shown.table->scrollToFirstSelectedRow();
+    EXPECT_EQ(shownFrom(), 10);
+    shown.table->scrollToLastSelectedRow();
+    EXPECT_EQ(shownFrom(), 1099 - 50);
+    shown.table->centreRow(30, false);
+    EXPECT_EQ(shownFrom(), 330 + (10 - 50) * 0.5);
+    shown.table->scrollTopRow(0, true);
+    EXPECT_EQ(shownFrom(), 0);
+}
+
+TEST(NSTableView, keepsItsColumns) {
+    Fixture shown({0}, 3);
+    EXPECT_EQ(shown.table->lastCellView(), nullptr);
+    const auto made = shown.table->view(0, 0, true);
+    EXPECT_EQ(shown.table->firstCellView(), made);
+    EXPECT_EQ(shown.table->cell(1), nullptr);
+    shown.calls.clear();
+    shown.table->setNumberOfColumns(3);
+    EXPECT_TRUE(shown.calls.empty());
+    shown.table->reloadFirstAndLastColumnData();
+    EXPECT_EQ(shown.calls, (Calls{"cells {0} {0, 2}"}));
+    EXPECT_EQ(shown.table->firstCellView(), nullptr);
+    shown.table->setNumberOfColumns(0);
+    EXPECT_EQ(shown.table->numberOfColumns(), 0);
+    shown.calls.clear();
+    shown.table->reloadFirstColumnData();
+    EXPECT_TRUE(shown.calls.empty());
+}
+
+TEST(NSTableView, drawsWhatIsScrolledIntoSightAndNothingElse) {
+    Fixture shown(std::vector<int>(20));
+    shown.table->setDelegate(nullptr); // so that it draws texts, in rows of one height
+    const auto window = NSView::create(CGRect(0, 0, 240, 140));
+    const auto scrollView = NSScrollView::create(CGRect(20, 20, 200, 100));
+    window->addSubview(scrollView);
+    scrollView->setDocumentView(shown.table);
+    shown.table->setRowHeight(20);
+    shown.table->selectOnlyRow(6);
+    shown.table->scrollTopRow(5, false);
+
+    const auto bitmap = window->render(2);
+    ASSERT_TRUE(bitmap);
+    ASSERT_EQ(bitmap->width(), 480);
+    const auto darkest = [&](int left, int top, int right, int bottom) {
+        int least = 255;
+        for (int y = top; y < bottom; ++y)
+            for (int x = left; x < right; ++x)
+                least = std::min<int>(least, bitmap->row(y)[x * 4]);
+        return least;
+    };
+    // The second row in sight is the selected one: its red is that of the selection colour.
+    EXPECT_EQ(darkest(40, 80, 440, 120), 0);
+    EXPECT_LT(darkest(40, 40, 240, 80), 120);  // the text of the first row, in the first column
+    EXPECT_LT(darkest(240, 40, 440, 80), 120); // and in the second
+    // Around the scroll view all is white, though the table is taller than it.
+    for (const auto& [left, top, right, bottom] :
+         {std::tuple(0, 0, 480, 40), {0, 240, 480, 280}, {0, 0, 40, 280}, {440, 0, 480, 280}})
+        EXPECT_EQ(darkest(left, top, right, bottom), 255) << left << ", " << top;
+}

@@ -1,0 +1,213 @@
+// Files that are put in place in one step, and what is left when a process is stopped half-way.
+
+#include <tests/Testing.h>
+#include <tests/files/TemporaryFolder.h>
+#include <tests/files/TracedProcess.h>
+
+#include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/foundation/internal/NewFile.h>
+#include <zorvan/platform/foundation/internal/Scratch.h>
+#include <zorvan/platform/foundation/internal/placeItem.h>
+#include <zorvan/platform/foundation/internal/writeFile.h>
+
+#include <sys/xattr.h>
+
+using internal::NewFile, internal::Scratch;
+
+namespace {
+
+/// The error number of writing a file.
+int write(const fs::path& path, const std::string& text) {
+    return internal::writeFile(path, std::as_bytes(std::span(text))).value();
+}
+
+mode_t mode(const fs::path& path) {
+    struct stat status {};
+    EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777;
+}
+
+} // namespace
+
+TEST(WriteFile, writesFilesAndRefusesTheRest) {
+    TemporaryFolder folder;
+    const fs::path at = folder.path();
+    const mode_t mask = umask(027);
+    EXPECT_EQ(write(at / "new", "new"), 0);
+    EXPECT_EQ(mode(at / "new"), 0640u);
+    umask(mask);
+
+    folder.file("old", "a longer text than the new one");
+    folder.setMode("old", 0604);
+    fs::create_hard_link(at / "old", at / "other name");
+    EXPECT_EQ(write(at / "old", "new"), 0);
+    EXPECT_EQ(text(at / "old"), "new");
+    EXPECT_EQ(mode(at / "old"), 0604u);
+    EXPECT_EQ(text(at / "other name"), "a longer text than the new one");
+
+    folder.file("sub/target", "old");
+    folder.link("sub/second", "target");
+    folder.link("first", "sub/second");
+    folder.link("dangling", "sub/made");
+    for (const char* link : {"first", "dangling"})
+        EXPECT_EQ(write(at / link, link), 0);
+    EXPECT_EQ(fs::read_symlink(at / "first"), "sub/second");
+    EXPECT_EQ(text(at / "sub/target"), "first");
+    EXPECT_EQ(text(at / "sub/made"), "dangling");
+
+    folder.folder("folder");
+    ASSERT_EQ(mkfifo((at / "pipe").c_str(), 0600), 0);
+    folder.link("to pipe", "pipe");
+    folder.link("circle", "circle");
+    const std::ptrdiff_t count = folder.count();
+    const std::pair<const char*, int> refused[] = {
+        {"folder", EISDIR}, {"pipe", EINVAL},      {"to pipe", EINVAL}, {"/dev/null", EINVAL},
+        {"circle", ELOOP},  {"missing/x", ENOENT}, {"old/x", ENOTDIR}};
+    for (const auto& [name, error] : refused)
+        EXPECT_EQ(write(at / name, "x"), error) << name;
+    EXPECT_TRUE(fs::is_fifo(at / "pipe") && fs::is_character_file("/dev/null"));
+    EXPECT_EQ(folder.count(), count);
+}
+
+TEST(WriteFile, takesBareNames) {
+    TemporaryFolder folder;
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.path());
+    EXPECT_EQ(write("name", "one"), 0);
+    EXPECT_EQ(write("name", "two"), 0);
+    fs::current_path(before);
+    EXPECT_EQ(text(folder.path() / "name"), "two");
+    EXPECT_EQ(folder.count(), 1);
+}
+
+TEST(WriteFile, keepsTheAccessList) {
+    TemporaryFolder folder(TemporaryFolder::fastParent());
+    folder.file("old", "old");
+    const std::string path = (folder.path() / "old").string();
+    // Version 2: the owner reads and writes, user 12345 reads, the group may nothing, as others.
+    const std::uint32_t list[] = {2,          0x00060001, 0xFFFFFFFF, 0x00040002,
+                                  12345,      0x00000004, 0xFFFFFFFF, 0x00040010,
+                                  0xFFFFFFFF, 0x00000020, 0xFFFFFFFF};
+    if (setxattr(path.c_str(), "system.posix_acl_access", list, sizeof list, 0) != 0)
+        GTEST_SKIP() << "no access lists here";
+    EXPECT_EQ(write(path, "new"), 0);
+    std::uint32_t kept[std::size(list)] = {};
+    EXPECT_EQ(getxattr(path.c_str(), "system.posix_acl_access", kept, sizeof kept),
+              ssize_t{sizeof list});
+    EXPECT_THAT(kept, testing::ElementsAreArray(list));
+}
+
+// Strikes at each system call in turn. The file has the old bytes or the new ones, and the next
+// write leaves nothing but the file.
+TEST(WriteFile, leavesNothingBehindWhenKilledAtAnyStep) {
+    const std::string large(70000, 'n');
+    for (const bool isThere : {true, false}) {
+        auto end = TracedProcess::End::wasStruck;
+        for (std::size_t call = 0; end == TracedProcess::End::wasStruck; ++call) {
+            ASSERT_LT(call, 500u);
+            TemporaryFolder folder(TemporaryFolder::fastParent());
+            const fs::path path = folder.path() / "file";
+            if (isThere)
+                folder.file("file", "old");
+            TracedProcess process(call, TracedProcess::Fate::killed);
+            end = process.run([&] { write(path, large); });
+            const std::string after = text(path);
+            ASSERT_TRUE(after == large || (after == (isThere ? "old" : ""))) << "at call " << call;
+            ASSERT_EQ(write(folder.path() / "other", "x"), 0);
+            ASSERT_EQ(folder.count(), fs::exists(path) ? 2 : 1) << "at call " << call;
+        }
+    }
+}
+
+TEST(Scratch, isClearedOnceItsProcessHasEnded) {
+    TemporaryFolder folder;
+    int ready[2], stop[2];
+    ASSERT_TRUE(pipe(ready) == 0 && pipe(stop) == 0);
+    const auto start = [&] {
+        return startChild([&] {
+            const Scratch scratch = Scratch::beside(folder.url("x").path());
+            fs::create_directories(scratch.path() + "/closed/inner");
+            fs::permissions(scratch.path() + "/closed", fs::perms(0500));
+            char byte = 0;
+            EXPECT_EQ(::write(ready[1], "", 1), 1);
+            EXPECT_EQ(read(stop[0], &byte, 1), 1);
+        });
+    };
+    char byte = 0;
+    const pid_t first = start(), second = start();
+    ASSERT_EQ(read(ready[0], &byte, 1) + read(ready[0], &byte, 1), 2);
+    kill(first, SIGKILL);
+    EXPECT_EQ(exitStatus(first), -1);
+    internal::removeUnfinished(folder.path());
+    EXPECT_EQ(folder.count(), 3) << "somebody is still at work there";
+    EXPECT_EQ(::write(stop[1], "", 1), 1);
+    EXPECT_EQ(exitStatus(second), 0);
+    EXPECT_EQ(folder.count(), 0) << "the last one to leave clears";
+
+    const pid_t third = start();
+    ASSERT_EQ(read(ready[0], &byte, 1), 1);
+    kill(third, SIGKILL);
+    EXPECT_EQ(exitStatus(third), -1);
+    EXPECT_EQ(folder.count(), 2);
+    NewFile file(Scratch::pathBeside(folder.url("x").path()), 0600);
+    EXPECT_EQ(folder.count(), 0) << "the next one to come clears";
+    for (const int descriptor : {ready[0], ready[1], stop[0], stop[1]})
+        close(descriptor);
+}
+
+TEST(Scratch, believesNoListThatAnotherCouldHaveWritten) {
+    const std::string scratch = makeUUIDString();
+    const std::string names[] = {
+        "document", "../" + scratch, scratch + "x", "." + scratch, scratch + ".jpg", scratch + "/x",
+        ""};
+    for (const bool isOpenToOthers : {false, true}) {
+        TemporaryFolder folder;
+        folder.file("in/document");
+        folder.file("in/." + scratch);
+        folder.file("in/" + scratch + ".jpg");
+        folder.file("in/" + scratch + "x");
+        folder.file(scratch);
+        std::string list;
+        for (const std::string& name : names)
+            list += name + '\0';
+        const std::string listName = "in/.zorvan-unfinished-" + std::to_string(geteuid());
+        folder.file(listName, list + scratch); // the last one was not written to its end
+        folder.setMode(listName, isOpenToOthers ? 0622 : 0600);
+        internal::removeUnfinished(folder.path() / "in");
+        EXPECT_TRUE(fs::exists(folder.path() / "in/document") &&
+                    fs::exists(folder.url(scratch).path()));
+        EXPECT_TRUE(fs::exists(folder.path() / ("in/" + scratch + "x")));
+        EXPECT_EQ(fs::exists(folder.path() / ("in/." + scratch)), isOpenToOthers);
+        EXPECT_EQ(fs::exists(folder.path() / ("in/" + scratch + ".jpg")), isOpenToOthers);
+    }
+}
+
+TEST(Scratch, manyThreadsLeaveNothing) {
+    TemporaryFolder folder(TemporaryFolder::fastParent());
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&folder, t] {
+            const fs::path path = folder.path() / (t % 2 == 0 ? "shared" : std::to_string(t));
+            for (int i = 0; i < 200; ++i)
+                ASSERT_EQ(write(path, std::string(static_cast<std::size_t>(t + 1), 'x')), 0);
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(folder.count(), 3);
+}
+
+TEST(ReplaceItem, takesTwoStepsWhereItMust) {
+    TemporaryFolder folder;
+    const fs::path at = folder.path();
+    const auto replace = [&](const char* original, const char* replacement) {
+        return internal::replaceItemInTwoSteps(at / original, at / replacement);
+    };
+    folder.file("old/x", "old");
+    folder.file("new/y", "new");
+    EXPECT_EQ(replace("old", "new"), 0);
+    EXPECT_EQ(text(at / "old/y"), "new");
+    EXPECT_EQ(text(at / "new/x"), "old");
+    EXPECT_EQ(replace("old", "missing"), ENOENT);
+    EXPECT_EQ(text(at / "old/y"), "new") << "the old one is back";
+    EXPECT_EQ(folder.count(), 2);
+}

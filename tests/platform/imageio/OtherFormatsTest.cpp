@@ -1,0 +1,255 @@
+#include "OtherFormats.h"
+#include <tests/Testing.h>
+#include <tests/files/TemporaryFolder.h>
+
+#include <zorvan/platform/imageio/internal/StoredProperties.h>
+
+#include <libheif/heif.h>
+#include <sys/resource.h>
+
+namespace zorvan::imageio {
+namespace {
+
+Data cameraBlock(int orientation) {
+    return exifBlock(storedProperties(
+        {{"Orientation", orientation},
+         {"{GPS}", PropertyList::Dictionary{{"LatitudeRef", "S"}, {"Latitude", 33.5}}}}));
+}
+
+TEST(OtherFormats, AreKnownByTheirBytesAndReadInBothSizes) {
+    for (const OtherFormat& file : otherFormats()) {
+        SCOPED_TRACE(typeIdentifier(file.format));
+        const auto reader = ImageReader::open(file.bytes);
+        EXPECT_EQ(reader->format(), file.format);
+        EXPECT_EQ(reader->count(), 1);
+        const auto properties = propertiesOf(file.bytes);
+        EXPECT_EQ(number(properties, "PixelWidth"), quartersWidth);
+        EXPECT_EQ(number(properties, "PixelHeight"), quartersHeight);
+        EXPECT_EQ(number(properties, "HasAlpha"), file.hasAlpha ? 1 : 0);
+        const bool isFaded = file.hasAlpha && file.format != FileFormat::svg;
+        const Bitmap original = quarters(isFaded);
+        EXPECT_LE(difference(decoded(file.bytes), original).mean, file.tolerance);
+        for (const std::int64_t limit : {12, 6}) {
+            const Bitmap small = decoded(file.bytes, {.maximumPixelSize = limit});
+            const Bitmap average = referenceDownscale(original, limit, limit * 2 / 3);
+            EXPECT_LE(difference(small, average).mean, file.tolerance + 1) << limit;
+        }
+        EXPECT_EQ(decoded(file.bytes, {.maximumPixelSize = 1}).height(), 1);
+        EXPECT_FALSE(reader->embeddedThumbnail(0));
+        EXPECT_EQ(reader->error(), "the file holds no thumbnail");
+        EXPECT_FALSE(reader->decode(1, {}));
+        EXPECT_EQ(reader->error(), "the file holds no such picture");
+        EXPECT_FALSE(encode(file.format, std::array<Frame, 1>{Frame{.bitmap = &original}}));
+    }
+}
+
+TEST(OtherFormats, CutOrChangedTheyAreErrorsAndNeverCrash) {
+    std::mt19937 random(7);
+    for (const OtherFormat& file : otherFormats()) {
+        SCOPED_TRACE(typeIdentifier(file.format));
+        for (std::size_t length = 0; length < file.bytes.size() - 2; ++length) {
+            const auto reader = ImageReader::open(
+                Data(file.bytes.begin(), file.bytes.begin() + static_cast<std::ptrdiff_t>(length)));
+            reader->properties(0);
+            EXPECT_FALSE(reader->decode(0, {})) << length;
+            EXPECT_NE(reader->error(), "");
+        }
+        for (int round = 0; round < 300; ++round) {
+            Data bytes = file.bytes;
+            for (unsigned i = 0; i < 1 + random() % 4; ++i)
+                bytes[random() % bytes.size()] = static_cast<std::byte>(random());
+            const auto reader = ImageReader::open(bytes);
+            reader->properties(0);
+            reader->decode(0, {.maximumPixelSize = 20});
+            reader->embeddedThumbnail(0);
+        }
+    }
+}
+
+/// So much more address space, and none beyond it, for this process.
+class MemoryLimit {
+public:
+    explicit MemoryLimit(std::uint64_t more) {
+        std::uint64_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        getrlimit(RLIMIT_AS, &before_);
+        rlimit limit = before_;
+        limit.rlim_cur = pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE)) + more;
+        setrlimit(RLIMIT_AS, &limit);
+    }
+    ~MemoryLimit() { setrlimit(RLIMIT_AS, &before_); }
+    MemoryLimit(const MemoryLimit&) = delete;
+
+private:
+    rlimit before_ = {};
+};
+
+TEST(OtherFormats, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
+    Data gif = gifOf(quarters());
+    Data bmp = bmpOf(quarters());
+    for (std::size_t i = 0; i < 4; ++i)
+        gif[6 + i] = std::byte{0xFF};
+    for (const std::size_t at : {18, 22})
+        bmp[at + 3] = std::byte{0x7F};
+    const Data svg = bytesOf("<svg xmlns='http://www.w3.org/2000/svg' width='9e9' height='9e9'/>");
+    for (const Data& bytes : {gif, bmp, svg}) {
+        const auto reader = ImageReader::open(bytes);
+        EXPECT_FALSE(reader->decode(0, {}));
+        EXPECT_EQ(reader->error(), "the picture is too large")
+            << typeIdentifier(reader->format().value());
+    }
+    EXPECT_EQ(decoded(svg, {.maximumPixelSize = 10}).width(), 10); // drawn, not shrunk
+    // Sizes within the bound that the file has not the bytes for.
+    gif = gifOf(quarters());
+    const std::size_t description = positionOf(gif, std::string_view(",\0\0\0\0\x18\0", 7));
+    for (const std::size_t at : {std::size_t{7}, std::size_t{9}, description + 6, description + 8})
+        gif[at] = std::byte{0x50};
+    bmp = bmpOf(quarters());
+    Data runs = bmpOf(quarters(), {8, 1});
+    for (Data* bytes : {&bmp, &runs})
+        (*bytes)[19] = (*bytes)[23] = std::byte{0x50};
+    for (const Data& bytes : {gif, bmp, runs}) {
+        const auto reader = ImageReader::open(bytes);
+        EXPECT_EQ(number(propertiesOf(bytes), "PixelWidth"), 0x5018);
+        const MemoryLimit limit(std::uint64_t{256} << 20);
+        EXPECT_FALSE(reader->decode(0, {}));
+        EXPECT_EQ(reader->error(), "the file is cut short");
+    }
+}
+
+TEST(OtherFormats, ExifTurnsAWebp) {
+    for (const bool isLossless : {false, true})
+        for (const char* signature : {"", "Exif"}) {
+            Data exif = bytesOf(signature);
+            exif.resize(exif.empty() ? 0 : 6);
+            const Data block = cameraBlock(6);
+            exif.insert(exif.end(), block.begin(), block.end());
+            const Data bytes =
+                withWebpExif(webpOf(quarters(), isLossless), {quartersWidth, quartersHeight}, exif);
+            const auto properties = propertiesOf(bytes);
+            EXPECT_EQ(number(properties, "Orientation"), 6);
+            EXPECT_EQ(ImageReader::open(bytes)->orientation(0), 6);
+            EXPECT_EQ(number(properties, "{GPS}", "Latitude"), 33.5);
+            EXPECT_LE(difference(decoded(bytes), quarters()).mean, isLossless ? 0 : 10);
+        }
+}
+
+TEST(OtherFormats, TheFirstPictureOfAnAnimationStandsOnItsCanvas) {
+    const Bitmap picture = quarters();
+    const auto onCanvas = [&](std::int64_t x, std::int64_t y) {
+        x -= 2;
+        y -= 4;
+        const bool isInside = x >= 0 && x < quartersWidth && y >= 0 && y < quartersHeight;
+        return isInside ? pixelAt(picture, x, y) : Pixel{};
+    };
+    GifForm form = {.left = 2, .top = 4, .canvas = {40, 30}, .isAnimated = true};
+    const Data plain = gifOf(picture, form);
+    form.isInterlaced = true;
+    for (const Data& bytes : {animatedWebp(picture), plain, gifOf(picture, form)}) {
+        const auto properties = propertiesOf(bytes);
+        EXPECT_EQ(number(properties, "PixelWidth"), 40);
+        EXPECT_EQ(number(properties, "HasAlpha"), 1);
+        const Bitmap shown = decoded(bytes);
+        ASSERT_EQ(shown.height(), 30);
+        expectPixels(shown, onCanvas);
+    }
+    // What stands beyond the canvas is not shown.
+    form.canvas = {10, 12};
+    const Bitmap part = decoded(gifOf(picture, form));
+    ASSERT_EQ(part.width(), 10);
+    expectPixels(part, onCanvas);
+}
+
+TEST(OtherFormats, AColourOfAGifIsTransparent) {
+    Bitmap picture = quarters();
+    for (std::int64_t y = 0; y < 8; ++y)
+        std::fill_n(picture.row(y), 12 * 4, std::uint8_t{0});
+    const Data bytes = gifOf(picture);
+    EXPECT_EQ(number(propertiesOf(bytes), "HasAlpha"), 1);
+    EXPECT_EQ(difference(decoded(bytes), picture).largest, 0);
+}
+
+TEST(OtherFormats, EveryFormOfABmpDecodes) {
+    constexpr std::array<std::uint32_t, 4> of565 = {0xF800, 0x07E0, 0x001F, 0};
+    constexpr std::array<std::uint32_t, 4> reversed = {0xFF, 0xFF00, 0xFF0000, 0xFF000000};
+    constexpr std::array<std::uint32_t, 4> deep = {0x3FF00000, 0xFFC00, 0x3FF, 0};
+    const BmpForm forms[] = {{4},
+                             {8},
+                             {16},
+                             {24},
+                             {32},
+                             {8, 1},
+                             {4, 2},
+                             {4, 0, 12},
+                             {8, 0, 12},
+                             {24, 0, 12},
+                             {8, 0, 124},
+                             {24, 0, 40, true},
+                             {16, 3, 40, false, of565},
+                             {32, 3, 40, true, deep},
+                             {32, 3, 56, false, reversed},
+                             {32, 3, 124, false, reversed}};
+    for (const BmpForm& form : forms) {
+        SCOPED_TRACE(testing::Message() << form.bits << ' ' << form.compression << ' '
+                                        << form.headSize << ' ' << form.isTopFirst);
+        const Data bytes = bmpOf(quarters(), form);
+        EXPECT_LE(difference(decoded(bytes), quarters()).largest, form.bits == 16 ? 8 : 1);
+        const auto properties = propertiesOf(bytes);
+        EXPECT_EQ(number(properties, "HasAlpha"), form.masks[3] != 0 ? 1 : 0);
+        EXPECT_NEAR(number(properties, "DPIHeight"), form.headSize == 12 ? -1 : 200, 0.01);
+    }
+    Bitmap twoColours = quarters();
+    for (std::int64_t y = 0; y < quartersHeight; ++y)
+        std::copy_n(twoColours.row(0), twoColours.bytesPerRow(), twoColours.row(y));
+    EXPECT_EQ(difference(decoded(bmpOf(twoColours, {1})), twoColours).largest, 0);
+    Bitmap faded = quarters(true);
+    const BmpForm withAlpha = {32, 3, 108, false, reversed};
+    Bitmap stored = quarters();
+    for (std::int64_t i = 0; i < stored.byteCount(); i += 4)
+        stored.data()[i + 3] = faded.data()[i + 3];
+    EXPECT_LE(difference(decoded(bmpOf(stored, withAlpha)), faded).largest, 1);
+    for (const BmpForm& unknown : {BmpForm{7}, {24, 4}, {24, 1}, {8, 3}}) {
+        const auto reader = ImageReader::open(bmpOf(quarters(), unknown));
+        EXPECT_FALSE(reader->properties(0));
+        EXPECT_EQ(reader->error(), "this variety of the format is not supported");
+    }
+}
+
+TEST(OtherFormats, AJpegXLIsTurnedByItsOwnWord) {
+    if (!readsJpegXL())
+        GTEST_SKIP() << "libjxl is not there";
+    const Data bytes = jpegXLOf(quarters(), 6, cameraBlock(3));
+    const auto properties = propertiesOf(bytes);
+    EXPECT_EQ(number(properties, "PixelWidth"), quartersWidth);
+    EXPECT_EQ(number(properties, "Orientation"), 6);
+    EXPECT_EQ(number(properties, "{TIFF}", "Orientation"), 6);
+    EXPECT_EQ(number(properties, "{GPS}", "Latitude"), 33.5);
+    EXPECT_EQ(difference(decoded(bytes), quarters()).largest, 0);
+}
+
+TEST(OtherFormats, AnAvifIsReadWhereThereIsADecoder) {
+    const Data bytes = bytesOf(::text(ZORVAN_IMAGE_SAMPLES "/quarters.avif"));
+    const auto reader = ImageReader::open(bytes);
+    EXPECT_EQ(reader->format(), FileFormat::avif);
+    const auto properties = propertiesOf(bytes);
+    EXPECT_EQ(number(properties, "PixelWidth"), quartersWidth);
+    EXPECT_EQ(number(properties, "HasAlpha"), 1);
+    EXPECT_EQ(number(properties, "Depth"), 8);
+    const auto picture = reader->decode(0, {});
+    if (!heif_have_decoder_for_format(heif_compression_AV1)) {
+        EXPECT_FALSE(picture);
+        EXPECT_EQ(reader->error(), "the decoder for this format is not installed");
+        return;
+    }
+    ASSERT_TRUE(picture) << reader->error();
+    for (const auto& [x, y] : {std::pair(4, 4), {20, 4}, {4, 12}, {20, 12}}) {
+        const int alpha = x < 12 ? 255 : 64;
+        const Pixel wanted = {x < 12 ? 255 : 0, y < 8 ? alpha : 0, alpha / 2, alpha};
+        for (std::size_t c = 0; c < 4; ++c)
+            EXPECT_NEAR(pixelAt(*picture, x, y)[c], wanted[c], 8) << x << ',' << y << ' ' << c;
+    }
+    EXPECT_EQ(decoded(bytes, {.maximumPixelSize = 6}).height(), 4);
+}
+
+} // namespace
+} // namespace zorvan::imageio

@@ -1,0 +1,331 @@
+#include <zorvan/hosts/internal/CollectionWidget.h>
+
+#include <zorvan/hosts/internal/CellDelegate.h>
+#include <zorvan/hosts/internal/viewGeometry.h>
+#include <zorvan/interface/NSCollectionViewObserver.h>
+
+#include <QApplication>
+#include <QPainter>
+#include <QStyleOptionRubberBand>
+#include <cmath>
+#include <limits>
+
+namespace zorvan::internal {
+
+class CollectionWidget::Mirror : public ViewMirror, public NSCollectionViewObserver {
+public:
+    Mirror(const std::shared_ptr<NSCollectionView>& view, CollectionWidget& widget)
+        : ViewMirror(view, widget) {}
+
+    void itemsUpdated(const NSCollectionView::Updates& updates, bool) override {
+        follow([&](CollectionWidget& own) {
+            own.selectionMirror().forget();
+            own.model_.update(updates);
+        });
+    }
+    void sectionsReloaded(const IndexSet&) override { reloaded(); }
+    void reloaded() override {
+        follow([](CollectionWidget& own) { own.model_.reload(); });
+    }
+    void layoutDidChange() override {
+        follow([](CollectionWidget&) {});
+    }
+    void selectionDidChange() override {
+        if (own())
+            own()->selectionMirror().mirror();
+    }
+
+private:
+    CollectionWidget* own() const { return static_cast<CollectionWidget*>(widget()); }
+    template <class Change>
+    void follow(Change change) {
+        if (!own())
+            return;
+        change(*own());
+        own()->selectionMirror().mirror();
+        own()->updateGeometries();
+        own()->viewport()->update();
+    }
+};
+
+CollectionWidget::CollectionWidget(const std::shared_ptr<NSCollectionView>& view, QWidget* parent)
+    : HostedItemView(view, parent), view_(view), model_(view) {
+    setItemDelegate(new CellDelegate(this));
+    setViewMode(IconMode);
+    setMovement(Static);
+    setWordWrap(true);
+    verticalScrollBar()->setSingleStep(20);
+    adopt(model_);
+    const auto mirror = std::make_shared<Mirror>(view, *this);
+    ViewMirror::attach(mirror);
+    view->addObserver(std::static_pointer_cast<NSCollectionViewObserver>(mirror));
+    selectionMirror().mirror();
+}
+
+CollectionWidget::~CollectionWidget() { leave(); }
+
+// Place
+
+CGRect CollectionWidget::contentOf(const QRect& part) const {
+    return {static_cast<double>(part.x() + horizontalOffset()),
+            static_cast<double>(part.y() + verticalOffset()), static_cast<double>(part.width()),
+            static_cast<double>(part.height())};
+}
+
+std::vector<QModelIndex> CollectionWidget::indexesIn(const CGRect& content) const {
+    std::vector<QModelIndex> indexes;
+    for (const IndexPath path : view_->indexPathsForItems(content))
+        if (const QModelIndex index = model_.index(static_cast<int>(model_.row(path)), 0);
+            index.isValid())
+            indexes.push_back(index);
+    return indexes;
+}
+
+CGRect CollectionWidget::frameOf(const QModelIndex& index) const {
+    const auto& layout = view_->collectionViewLayout();
+    return index.isValid() && layout ? layout->frameOfItem(model_.path(index.row())) : CGRect();
+}
+
+QRect CollectionWidget::visualRect(const QModelIndex& index) const {
+    const CGRect frame = frameOf(index);
+    const QRectF place(frame.x(), frame.y(), frame.width(), frame.height());
+    return place.toRect().translated(-horizontalOffset(), -verticalOffset());
+}
+
+QModelIndex CollectionWidget::indexAt(const QPoint& point) const {
+    const auto found = indexesIn(contentOf(QRect(point, QSize(1, 1))));
+    return found.empty() ? QModelIndex() : found.back();
+}
+
+void CollectionWidget::scrollTo(const QModelIndex& index, ScrollHint) {
+    const QRect place = visualRect(index);
+    if (place.isEmpty())
+        return;
+    const auto go = [](QScrollBar& bar, int from, int to, int room) {
+        if (from < 0)
+            bar.setValue(bar.value() + from);
+        else if (to > room)
+            bar.setValue(bar.value() + std::min(from, to - room));
+    };
+    go(*verticalScrollBar(), place.top(), place.bottom() + 1, viewport()->height());
+    go(*horizontalScrollBar(), place.left(), place.right() + 1, viewport()->width());
+}
+
+/// The layout of the view has laid them out.
+void CollectionWidget::doItemsLayout() { QAbstractItemView::doItemsLayout(); }
+
+void CollectionWidget::rowsInserted(const QModelIndex& parent, int start, int end) {
+    QAbstractItemView::rowsInserted(parent, start, end);
+}
+
+void CollectionWidget::rowsAboutToBeRemoved(const QModelIndex& parent, int start, int end) {
+    QAbstractItemView::rowsAboutToBeRemoved(parent, start, end);
+}
+
+void CollectionWidget::updateGeometries() {
+    const auto& layout = view_->collectionViewLayout();
+    const QSize content = layout ? toQSize(layout->contentSize()) : QSize();
+    const auto fit = [](QScrollBar& bar, int length, int room) {
+        bar.setPageStep(room);
+        bar.setRange(0, std::max(length - room, 0));
+    };
+    fit(*verticalScrollBar(), content.height(), viewport()->height());
+    fit(*horizontalScrollBar(), content.width(), viewport()->width());
+    geometriesDidChange();
+    updateEditorGeometries();
+}
+
+void CollectionWidget::resizeEvent(QResizeEvent*) {
+    fitView();
+    updateGeometries();
+}
+
+/// In a scroll view the layout has the width that is seen, and the view the height that it takes.
+void CollectionWidget::fitView() {
+    if (!std::dynamic_pointer_cast<NSClipView>(view_->superview()))
+        return;
+    const CGRect before = view_->frame();
+    const double width = viewport()->width(), least = viewport()->height();
+    view_->setFrame({before.origin, CGSize(width, before.height())});
+    const auto& layout = view_->collectionViewLayout();
+    const double height = layout ? layout->contentSize().height : 0;
+    view_->setFrame({before.origin, CGSize(width, std::max(height, least))});
+}
+
+// Drawing
+
+void CollectionWidget::paintEvent(QPaintEvent* event) {
+    QPainter painter(viewport());
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    const QStyle::State plain = option.state & ~QStyle::State_HasFocus;
+    const IndexSet selected = selection();
+    for (const QModelIndex& index : indexesIn(contentOf(event->rect()))) {
+        option.rect = visualRect(index);
+        option.state = plain;
+        option.state.setFlag(QStyle::State_Selected, selected.contains(index.row()));
+        option.state.setFlag(QStyle::State_HasFocus, hasFocus() && index == currentIndex());
+        itemDelegateForIndex(index)->paint(&painter, option, index);
+    }
+    if (band_.isEmpty())
+        return;
+    QStyleOptionRubberBand bandOption;
+    bandOption.initFrom(this);
+    bandOption.shape = QRubberBand::Rectangle;
+    bandOption.opaque = false;
+    bandOption.rect = band_.translated(-horizontalOffset(), -verticalOffset());
+    style()->drawControl(QStyle::CE_RubberBand, &bandOption, &painter);
+}
+
+// What the person does
+
+void CollectionWidget::mouseMoveEvent(QMouseEvent* event) {
+    QAbstractItemView::mouseMoveEvent(event);
+    if (!bandStart_ || !(event->buttons() & Qt::LeftButton))
+        return;
+    const QPoint here = event->pos() + QPoint(horizontalOffset(), verticalOffset());
+    band_ = QRect(*bandStart_, here).normalized();
+    viewport()->update();
+}
+
+void CollectionWidget::mouseReleaseEvent(QMouseEvent* event) {
+    bandStart_.reset();
+    band_ = {};
+    viewport()->update();
+    QAbstractItemView::mouseReleaseEvent(event);
+}
+
+void CollectionWidget::pressed(const QModelIndex& index, QPoint at) {
+    if (index.isValid())
+        return;
+    bandStart_ = at + QPoint(horizontalOffset(), verticalOffset());
+}
+
+QModelIndex CollectionWidget::moveCursor(CursorAction action, Qt::KeyboardModifiers) {
+    const QModelIndex current = currentIndex();
+    const int last = model_.rowCount() - 1;
+    if (last < 0 || !current.isValid())
+        return model_.index(0, 0);
+    const int back = isRightToLeft() ? 1 : -1;
+    const auto at = [&](int row) { return model_.index(std::clamp(row, 0, last), 0); };
+    const double page = viewport()->height();
+    switch (action) {
+    case MoveUp:
+        return neighbour(current, -frameOf(current).height());
+    case MoveDown:
+        return neighbour(current, frameOf(current).height());
+    case MovePageUp:
+        return neighbour(current, -page);
+    case MovePageDown:
+        return neighbour(current, page);
+    case MoveLeft:
+        return at(current.row() + back);
+    case MoveRight:
+        return at(current.row() - back);
+    case MoveHome:
+        return at(0);
+    case MoveEnd:
+        return at(last);
+    case MoveNext:
+        return at(current.row() + 1);
+    case MovePrevious:
+        return at(current.row() - 1);
+    }
+    return current;
+}
+
+QModelIndex CollectionWidget::neighbour(const QModelIndex& from, double distance) const {
+    const CGRect own = frameOf(from);
+    const double length = std::abs(distance) + own.height();
+    // All that lies beyond the item's line, up to the distance and a line.
+    const CGRect beyond(0, distance < 0 ? own.minY() - length : own.maxY(),
+                        view_->collectionViewLayout()->contentSize().width, length);
+    QModelIndex nearest = from;
+    double least = std::numeric_limits<double>::infinity();
+    for (const QModelIndex& index : indexesIn(beyond)) {
+        const CGRect frame = frameOf(index);
+        // The line at that distance comes before the place in the line.
+        const double off = std::abs(frame.midY() - own.midY() - distance) * 1e3 +
+                           std::abs(frame.midX() - own.midX());
+        if (off < least) {
+            least = off;
+            nearest = index;
+        }
+    }
+    return nearest;
+}
+
+void CollectionWidget::setSelection(const QRect& rect,
+                                    QItemSelectionModel::SelectionFlags command) {
+    // A range by the shift key is drawn from item to item, in their order; a band by what it holds.
+    IndexSet rows;
+    if (bandStart_) {
+        for (const QModelIndex& index : indexesIn(contentOf(rect.normalized())))
+            rows.insert(index.row());
+    } else {
+        const QModelIndex from = indexAt(rect.topLeft()), to = indexAt(rect.bottomRight());
+        if (from.isValid() && to.isValid())
+            rows = IndexSet(IndexSet::Ends{.i1 = from.row(), .i2 = to.row()});
+    }
+    selectionMirror().select(toItems(rows), command);
+}
+
+QRegion CollectionWidget::visualRegionForSelection(const QItemSelection& items) const {
+    QRegion region;
+    const IndexSet rows = fromItems(items);
+    for (const QModelIndex& index : indexesIn(contentOf(viewport()->rect())))
+        if (rows.contains(index.row()))
+            region += visualRect(index);
+    return region;
+}
+
+IndexSet CollectionWidget::selection() const {
+    IndexSet rows;
+    for (const IndexPath path : view_->selectionIndexPaths())
+        if (const std::int64_t row = model_.row(path); row >= 0)
+            rows.insert(row);
+    return rows;
+}
+
+void CollectionWidget::select(const IndexSet& items) {
+    std::set<IndexPath> paths;
+    for (const std::int64_t row : items)
+        paths.insert(paths.end(), model_.path(row));
+    view_->setSelectionIndexPaths(std::move(paths));
+}
+
+QItemSelection CollectionWidget::toItems(const IndexSet& items) const {
+    QItemSelection selection;
+    for (const IndexSet::Range range : items.ranges())
+        if (range.upper <= model_.rowCount())
+            selection.push_back(
+                QItemSelectionRange(model_.index(static_cast<int>(range.lower), 0),
+                                    model_.index(static_cast<int>(range.upper - 1), 0)));
+    return selection;
+}
+
+IndexSet CollectionWidget::fromItems(const QItemSelection& items) const { return rowsOf(items); }
+
+void CollectionWidget::open(const QModelIndex& index) {
+    if (const auto source = view_->dataSource())
+        source->itemOpened(*view_, model_.path(index.row()));
+}
+
+// Items
+
+std::vector<QModelIndex> CollectionWidget::indexesInSight() const {
+    return indexesIn(contentOf(viewport()->rect()));
+}
+
+std::shared_ptr<NSView> CollectionWidget::cellView(const QModelIndex& index) {
+    return view_->view(model_.path(index.row()), true);
+}
+
+void CollectionWidget::letGoOfOthers(const std::vector<QModelIndex>& inSight) {
+    std::set<IndexPath> paths;
+    for (const QModelIndex& index : inSight)
+        paths.insert(model_.path(index.row()));
+    view_->keepViews(paths);
+}
+
+} // namespace zorvan::internal

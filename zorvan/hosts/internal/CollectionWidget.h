@@ -1,0 +1,70 @@
+#pragma once
+
+#include <zorvan/hosts/internal/CollectionModel.h>
+#include <zorvan/hosts/internal/HostedItemView.h>
+
+#include <QListView>
+#include <optional>
+
+namespace zorvan::internal {
+
+/// Shows a collection view: Qt's list, with its items where the layout of the view places them.
+class CollectionWidget : public HostedItemView<QListView> {
+public:
+    CollectionWidget(const std::shared_ptr<NSCollectionView>& view, QWidget* parent);
+    ~CollectionWidget() override;
+
+    QRect visualRect(const QModelIndex& index) const override;
+    QModelIndex indexAt(const QPoint& point) const override;
+    void scrollTo(const QModelIndex& index, ScrollHint hint) override;
+    void doItemsLayout() override;
+
+protected:
+    IndexSet selection() const override;
+    void select(const IndexSet& items) override;
+    QItemSelection toItems(const IndexSet& items) const override;
+    IndexSet fromItems(const QItemSelection& items) const override;
+
+    void open(const QModelIndex& index) override;
+    void pressed(const QModelIndex& index, QPoint at) override;
+    bool isDragged(const QModelIndex& index) const override {
+        return model_.isDragged(index.row());
+    }
+    std::vector<QModelIndex> indexesInSight() const override;
+    std::shared_ptr<NSView> cellView(const QModelIndex& index) override;
+    void letGoOfOthers(const std::vector<QModelIndex>& inSight) override;
+
+    void updateGeometries() override;
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    int horizontalOffset() const override { return horizontalScrollBar()->value(); }
+    int verticalOffset() const override { return verticalScrollBar()->value(); }
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
+    QRegion visualRegionForSelection(const QItemSelection& items) const override;
+    void rowsInserted(const QModelIndex& parent, int start, int end) override;
+    void rowsAboutToBeRemoved(const QModelIndex& parent, int start, int end) override;
+    bool isIndexHidden(const QModelIndex&) const override { return false; }
+
+private:
+    class Mirror;
+
+    /// What of the content a part of the viewport shows.
+    CGRect contentOf(const QRect& part) const;
+    std::vector<QModelIndex> indexesIn(const CGRect& content) const;
+    CGRect frameOf(const QModelIndex& index) const;
+    /// In the lines above or below, the one nearest to the item; the item itself when there is
+    /// none.
+    QModelIndex neighbour(const QModelIndex& from, double distance) const;
+    void fitView();
+
+    const std::shared_ptr<NSCollectionView> view_;
+    CollectionModel model_;
+    /// Where the drag of a rubber band began, in the content.
+    std::optional<QPoint> bandStart_;
+    QRect band_;
+};
+
+} // namespace zorvan::internal

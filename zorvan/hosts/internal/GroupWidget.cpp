@@ -1,0 +1,137 @@
+#include <zorvan/hosts/internal/GroupWidget.h>
+
+#include <zorvan/hosts/internal/icons.h>
+#include <zorvan/hosts/internal/viewGeometry.h>
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QMenu>
+#include <QToolButton>
+#include <algorithm>
+#include <utility>
+
+namespace zorvan::internal {
+
+namespace {
+
+QString nameOf(const NSToolbarItem& item) {
+    return toQString(item.label().empty() ? item.title() : item.label());
+}
+
+bool isChosenFrom(const NSToolbarItemGroup& group) {
+    return group.selectionMode() != NSToolbarItemGroup::SelectionMode::momentary;
+}
+
+void fillWithSubitems(const std::shared_ptr<NSToolbarItemGroup>& group, QMenu& menu) {
+    for (std::size_t i = 0; i < group->subitems().size(); ++i) {
+        const auto& item = group->subitems()[i];
+        const auto index = static_cast<std::int64_t>(i);
+        QAction* const action = menu.addAction(iconOf(item->image()), nameOf(*item));
+        action->setEnabled(item->isEnabled() && group->isEnabled());
+        action->setCheckable(isChosenFrom(*group));
+        action->setChecked(group->isSelected(index));
+        QObject::connect(action, &QAction::triggered, &menu,
+                         [group, index]() noexcept { group->press(index); });
+    }
+}
+
+} // namespace
+
+GroupWidget::GroupWidget(std::shared_ptr<NSToolbarItemGroup> group, QWidget* parent)
+    : QWidget(parent), group_(std::move(group)) {
+    auto* const layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    follow();
+}
+
+void GroupWidget::follow() {
+    const bool isCollapsed =
+        group_->controlRepresentation() == NSToolbarItemGroup::ControlRepresentation::collapsed;
+    if (shown_ != group_->subitems() || isCollapsed != isCollapsed_) {
+        shown_ = group_->subitems();
+        isCollapsed_ = isCollapsed;
+        makeButtons();
+    }
+    setEnabled(group_->isEnabled());
+    setToolTip(toQString(group_->toolTip()).toHtmlEscaped());
+    setAccessibleName(nameOf(*group_));
+    if (isCollapsed_)
+        return followCollapsed();
+    for (std::size_t i = 0; i < buttons_.size(); ++i)
+        followButton(i);
+}
+
+void GroupWidget::makeButtons() {
+    for (QToolButton* const button : std::exchange(buttons_, {})) {
+        button->hide();
+        button->deleteLater(); // it may be the one that was pressed
+    }
+    for (std::size_t i = 0; i < (isCollapsed_ ? 1 : shown_.size()); ++i) {
+        auto* const button = new QToolButton(this);
+        button->setFocusPolicy(Qt::TabFocus);
+        layout()->addWidget(button);
+        buttons_.push_back(button);
+        if (isCollapsed_) {
+            auto* const menu = new QMenu(button);
+            connect(menu, &QMenu::aboutToShow, menu, [group = group_, menu]() noexcept {
+                menu->clear();
+                fillWithSubitems(group, *menu);
+            });
+            button->setMenu(menu);
+            button->setPopupMode(QToolButton::InstantPopup);
+            continue;
+        }
+        connect(button, &QToolButton::clicked, this, [this, i]() noexcept {
+            const auto group = group_;
+            group->press(static_cast<std::int64_t>(i));
+            follow(); // the group decides what is checked
+        });
+    }
+}
+
+void GroupWidget::followButton(std::size_t index) {
+    const NSToolbarItem& item = *shown_[index];
+    QToolButton& button = *buttons_[index];
+    button.setIcon(iconOf(item.image()));
+    button.setText(toQString(item.title()));
+    button.setToolTip(
+        (item.toolTip().empty() ? nameOf(item) : toQString(item.toolTip())).toHtmlEscaped());
+    button.setAccessibleName(nameOf(item));
+    button.setEnabled(item.isEnabled());
+    button.setCheckable(isChosenFrom(*group_));
+    const bool isChecked = group_->isSelected(static_cast<std::int64_t>(index));
+    button.setChecked(isChecked);
+    // In the colours of what is selected, since a pressed button hardly shows on a dark ground.
+    QPalette colours;
+    if (isChecked) {
+        colours.setBrush(QPalette::Button, palette().highlight());
+        colours.setBrush(QPalette::ButtonText, palette().highlightedText());
+    }
+    button.setPalette(colours);
+}
+
+void GroupWidget::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        follow();
+}
+
+void GroupWidget::followCollapsed() {
+    const auto selected =
+        static_cast<std::size_t>(std::max<std::int64_t>(group_->selectedIndex(), 0));
+    QToolButton& button = *buttons_.front();
+    if (selected >= shown_.size())
+        return;
+    button.setIcon(iconOf(shown_[selected]->image()));
+    button.setText(toQString(shown_[selected]->title()));
+    button.setAccessibleName(nameOf(*group_));
+}
+
+void addGroupToMenu(const std::shared_ptr<NSToolbarItemGroup>& group, QMenu& menu) {
+    QMenu* const inner = menu.addMenu(iconOf(group->image()), nameOf(*group));
+    inner->setEnabled(group->isEnabled());
+    fillWithSubitems(group, *inner);
+}
+
+} // namespace zorvan::internal

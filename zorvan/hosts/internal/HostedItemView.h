@@ -1,0 +1,245 @@
+#pragma once
+
+#include <zorvan/hosts/internal/ItemSelection.h>
+#include <zorvan/hosts/internal/ViewMirror.h>
+#include <zorvan/hosts/internal/ViewWidget.h>
+#include <zorvan/hosts/internal/askSafely.h>
+#include <zorvan/hosts/internal/makeWidget.h>
+#include <zorvan/hosts/internal/qtEvents.h>
+#include <zorvan/interface/NSControl.h>
+#include <zorvan/interface/NSWindow.h>
+#include <zorvan/platform/appkit/NSScrollView.h>
+
+#include <QAbstractItemView>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace zorvan::internal {
+
+/// Whether the mouse means something to the view or to one inside it.
+inline bool takesTheMouse(const NSView& view) {
+    const auto& inner = view.subviews();
+    return dynamic_cast<const NSControl*>(&view) ||
+           std::any_of(inner.begin(), inner.end(),
+                       [](const auto& subview) { return takesTheMouse(*subview); });
+}
+
+/// What the item views of Qt have in common where they show a view of ours: selection, keys, the
+/// scroll view around it, and the views of the cells that are in sight.
+template <class ItemView>
+class HostedItemView : public ItemView, protected SelectionOwner {
+public:
+    HostedItemView(std::shared_ptr<NSView> view, QWidget* parent)
+        : ItemView(parent), view_(std::move(view)) {
+        ItemView::setEditTriggers(QAbstractItemView::NoEditTriggers);
+        ItemView::setSelectionMode(QAbstractItemView::ExtendedSelection);
+        ItemView::setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+        ItemView::setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+        ItemView::setTabKeyNavigation(false);
+        if ((clipView_ = std::dynamic_pointer_cast<NSClipView>(view_->superview()))) {
+            scroller_ = std::make_shared<Scroller>(*this);
+            clipView_->addObserver(scroller_);
+        }
+    }
+
+    ItemSelection& selectionMirror() const {
+        return *static_cast<ItemSelection*>(ItemView::selectionModel());
+    }
+
+    /// When all changes of this turn have been made.
+    void showCellsLater() {
+        if (!std::exchange(willShowCells_, true))
+            QMetaObject::invokeMethod(
+                this, [this]() noexcept { showCells(); }, Qt::QueuedConnection);
+    }
+
+protected:
+    /// A person opens what is at the index.
+    virtual void open(const QModelIndex& index) = 0;
+    /// The mouse went down there; the index is invalid outside of all.
+    virtual void pressed(const QModelIndex& index, QPoint at) = 0;
+    virtual bool isDragged(const QModelIndex&) const { return false; }
+    virtual std::vector<QModelIndex> indexesInSight() const = 0;
+    /// Null for none.
+    virtual std::shared_ptr<NSView> cellView(const QModelIndex& index) = 0;
+    virtual void letGoOfOthers(const std::vector<QModelIndex>& inSight) = 0;
+
+    void adopt(QAbstractItemModel& model) {
+        QItemSelectionModel* const old = ItemView::selectionModel();
+        ItemView::setModel(&model);
+        delete old;
+        QItemSelectionModel* const plain = ItemView::selectionModel();
+        ItemView::setSelectionModel(new ItemSelection(model, *this));
+        delete plain;
+    }
+
+    /// Before the model goes; what the view shows stays as it is.
+    void leave() {
+        isScrolling_ = true;
+        ItemView::setModel(nullptr);
+    }
+
+    // Qt lets no exception through: one that an observer throws ends the program.
+    bool event(QEvent* event) noexcept override { return ItemView::event(event); }
+    bool viewportEvent(QEvent* event) noexcept override { return ItemView::viewportEvent(event); }
+
+    void keyPressEvent(QKeyEvent* event) override {
+        const auto keptAlive = view_;
+        const QModelIndex current = ItemView::currentIndex();
+        const bool isPlain = !(event->modifiers() & ~Qt::KeypadModifier);
+        switch (event->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            if (!isPlain || !current.isValid())
+                return sendKey(view_, *event);
+            open(current);
+            return event->accept();
+        case Qt::Key_Delete:
+        case Qt::Key_Backspace:
+        case Qt::Key_Escape:
+            return sendKey(view_, *event); // Qt would look for an item of that name
+        }
+        if (event->matches(QKeySequence::Copy))
+            return copySelection();
+        ItemView::keyPressEvent(event);
+        if (!event->isAccepted())
+            sendKey(view_, *event);
+    }
+
+    void mousePressEvent(QMouseEvent* event) override {
+        const auto keptAlive = view_;
+        const QModelIndex index = this->indexAt(event->pos());
+        ItemView::setDragEnabled(index.isValid() && isDragged(index));
+        pressed(index, event->pos());
+        ItemView::mousePressEvent(event);
+    }
+
+    void mouseDoubleClickEvent(QMouseEvent* event) override {
+        const auto keptAlive = view_;
+        const QPersistentModelIndex index = this->indexAt(event->pos());
+        ItemView::mouseDoubleClickEvent(event);
+        if (index.isValid() && event->button() == Qt::LeftButton && !event->modifiers())
+            open(index);
+    }
+
+    void focusInEvent(QFocusEvent* event) override {
+        ItemView::focusInEvent(event);
+        if (const auto window = view_->window())
+            window->makeFirstResponder(view_);
+    }
+
+    void contextMenuEvent(QContextMenuEvent* event) override {
+        openContextMenu(view_, *this, *event);
+    }
+
+    void scrollContentsBy(int dx, int dy) override {
+        ItemView::scrollContentsBy(dx, dy);
+        tellClipView();
+        showCellsLater();
+    }
+
+    void resizeEvent(QResizeEvent* event) override {
+        ItemView::resizeEvent(event);
+        showCellsLater();
+    }
+
+    void updateGeometries() override {
+        ItemView::updateGeometries();
+        geometriesDidChange();
+    }
+
+    void geometriesDidChange() {
+        followClipView();
+        showCellsLater();
+    }
+
+private:
+    struct Scroller : NSViewObserver {
+        explicit Scroller(HostedItemView& shown) : widget(shown) {}
+        void boundsOriginDidChange(bool) override { widget.followClipView(); }
+        HostedItemView& widget; // which keeps it alive
+    };
+
+    void tellClipView() {
+        if (!clipView_ || isScrolling_)
+            return;
+        const QScopedValueRollback guard(isScrolling_, true);
+        clipView_->setBoundsOrigin({static_cast<double>(ItemView::horizontalScrollBar()->value()),
+                                    static_cast<double>(ItemView::verticalScrollBar()->value())});
+    }
+
+    void followClipView() {
+        if (!clipView_ || isScrolling_)
+            return;
+        const QScopedValueRollback guard(isScrolling_, true);
+        const auto go = [](QScrollBar& bar, double to) {
+            bar.setValue(static_cast<int>(std::clamp<double>(to, bar.minimum(), bar.maximum())));
+        };
+        const CGPoint origin = clipView_->bounds().origin;
+        go(*ItemView::horizontalScrollBar(), std::round(origin.x));
+        go(*ItemView::verticalScrollBar(), std::round(origin.y));
+    }
+
+    /// A widget for each cell view in sight; all others are let go.
+    void showCells() {
+        willShowCells_ = false;
+        const std::vector<QModelIndex> inSight = indexesInSight();
+        const std::set<QModelIndex> kept(inSight.begin(), inSight.end());
+        for (const QPersistentModelIndex& cell : std::exchange(cells_, {}))
+            if (cell.isValid() && !kept.contains(cell))
+                ItemView::setIndexWidget(cell, nullptr);
+        letGoOfOthers(inSight);
+        for (const QModelIndex& index : inSight)
+            showCell(index);
+    }
+
+    void showCell(const QModelIndex& index) {
+        const auto view = askSafely([&] { return cellView(index); });
+        QWidget* const shown = ItemView::indexWidget(index);
+        if (viewOf(shown) != view || (shown && !view))
+            ItemView::setIndexWidget(index, view ? makeCell(view) : nullptr);
+        if (view)
+            cells_.emplace_back(index);
+    }
+
+    QWidget* makeCell(const std::shared_ptr<NSView>& view) {
+        QWidget* const widget = makeWidget(view, ItemView::viewport());
+        // So that a press selects, as on a cell without a view.
+        widget->setAttribute(Qt::WA_TransparentForMouseEvents, !takesTheMouse(*view));
+        return widget;
+    }
+
+    /// A line of texts for each row, or each item, that is selected.
+    void copySelection() {
+        QModelIndexList indexes = selectionMirror().selectedIndexes();
+        std::sort(indexes.begin(), indexes.end());
+        QString text;
+        for (qsizetype i = 0; i < indexes.size(); ++i) {
+            const bool isSameRow = i > 0 && indexes[i].row() == indexes[i - 1].row();
+            text += i == 0 ? QString() : QString(QLatin1Char(isSameRow ? '\t' : '\n'));
+            text += indexes[i].data().toString();
+        }
+        if (!text.isEmpty())
+            QGuiApplication::clipboard()->setText(text);
+    }
+
+    const std::shared_ptr<NSView> view_;
+    std::shared_ptr<NSClipView> clipView_;
+    std::shared_ptr<Scroller> scroller_;
+    std::vector<QPersistentModelIndex> cells_;
+    bool willShowCells_ = false;
+    bool isScrolling_ = false;
+};
+
+} // namespace zorvan::internal

@@ -1,0 +1,239 @@
+#include <zorvan/hosts/internal/ItemBar.h>
+
+#include <zorvan/hosts/internal/spreadItems.h>
+#include <zorvan/hosts/internal/viewGeometry.h>
+
+#include <QLabel>
+#include <QMenu>
+#include <QPainter>
+#include <QResizeEvent>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+namespace zorvan::internal {
+
+namespace {
+
+constexpr int margin = 6, gap = 6;
+
+/// An item's widget, with its label below.
+class Cell : public QWidget {
+public:
+    Cell(const BarItem& item, QWidget* parent) : QWidget(parent), layout_(new QVBoxLayout(this)) {
+        layout_->setContentsMargins(0, 0, 0, 0);
+        layout_->setSpacing(1);
+        // What is hidden keeps its place, so that the others do not move.
+        widget_ = item.make ? item.make(this) : nullptr;
+        if (widget_) {
+            QSizePolicy policy = widget_->sizePolicy();
+            policy.setRetainSizeWhenHidden(true);
+            widget_->setSizePolicy(policy);
+            layout_->addWidget(widget_, 0, Qt::AlignCenter);
+        }
+        layout_->addWidget(&label_, 0, Qt::AlignCenter);
+        QFont small = label_.font();
+        small.setPointSizeF(small.pointSizeF() * 0.85);
+        label_.setFont(small);
+        follow(item);
+    }
+
+    void follow(const BarItem& item) {
+        if (widget_ && item.update)
+            item.update(*widget_);
+        if (widget_ && !item.showsWidget)
+            widget_->setMaximumHeight(0);
+        else if (widget_ && widget_->maximumHeight() == 0)
+            widget_->setMaximumHeight(QWIDGETSIZE_MAX);
+        label_.setText(item.label);
+        label_.setEnabled(item.isEnabled);
+        label_.setVisible(!item.label.isEmpty());
+    }
+
+private:
+    QVBoxLayout* const layout_;
+    QWidget* widget_;
+    QLabel label_;
+};
+
+struct Place {
+    BarItem item;
+    Cell* cell = nullptr; // null for a space
+};
+
+void orderFocus(const QWidget& cell, QWidget*& last) {
+    for (QWidget* const widget : cell.findChildren<QWidget*>()) {
+        if (widget->focusPolicy() == Qt::NoFocus)
+            continue;
+        if (last)
+            QWidget::setTabOrder(last, widget);
+        last = widget;
+    }
+}
+
+} // namespace
+
+class ItemBar::Row : public QWidget {
+public:
+    explicit Row(QWidget* parent) : QWidget(parent), more_(new QToolButton(this)) {
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        more_->setText(QStringLiteral("»"));
+        more_->setAccessibleName(QToolBar::tr("More tools"));
+        more_->setToolTip(QToolBar::tr("More tools"));
+        more_->setAutoRaise(true);
+        more_->setFocusPolicy(Qt::TabFocus);
+        more_->setPopupMode(QToolButton::InstantPopup);
+        auto* const menu = new QMenu(more_);
+        more_->setMenu(menu);
+        connect(menu, &QMenu::aboutToShow, this, [this, menu] {
+            menu->clear();
+            for (const Place& place : places_)
+                if (place.cell && place.cell->isHidden() && place.item.addToMenu)
+                    place.item.addToMenu(*menu);
+        });
+        more_->hide();
+    }
+
+    void show(BarItems items) {
+        std::vector<Place> before = std::exchange(places_, {});
+        for (BarItem& item : items) {
+            const auto known = std::find_if(before.begin(), before.end(), [&](const Place& place) {
+                return place.cell && place.item.identity == item.identity;
+            });
+            Place place{std::move(item)};
+            if (known != before.end()) {
+                place.cell = std::exchange(known->cell, nullptr);
+                place.cell->follow(place.item);
+            } else if (place.item.kind == BarItem::Kind::widget) {
+                place.cell = new Cell(place.item, this);
+            }
+            places_.push_back(std::move(place));
+        }
+        for (const Place& place : before)
+            if (place.cell) {
+                place.cell->hide();
+                place.cell->deleteLater();
+            }
+        QWidget* last = nullptr;
+        for (const Place& place : places_)
+            if (place.cell)
+                orderFocus(*place.cell, last);
+        if (last)
+            setTabOrder(last, more_);
+        updateGeometry();
+        placeItems();
+    }
+
+    QSize sizeHint() const override {
+        int width = 2 * margin, height = 0;
+        for (const Place& place : places_) {
+            width += gap + widthOf(place);
+            height = std::max(height, place.cell ? place.cell->sizeHint().height() : 0);
+        }
+        return {width, std::max(height, more_->sizeHint().height()) + 2 * gap};
+    }
+    QSize minimumSizeHint() const override {
+        return {more_->sizeHint().width() + 2 * margin, sizeHint().height()};
+    }
+
+    void placeItems() {
+        std::vector<BarLength> wanted = lengths();
+        auto spread = spreadItems(wanted, width(), margin, gap);
+        bool isFull = isTooLong(spread);
+        if (isFull) { // then nothing has to begin above a divider
+            for (BarLength& length : wanted)
+                length.wantedLeft = -1;
+            spread = spreadItems(wanted, width(), margin, gap);
+            isFull = isTooLong(spread);
+        }
+        const auto endOf = [&](std::size_t i) { return spread[i].left + spread[i].width; };
+        const double room = width() - margin - (isFull ? more_->sizeHint().width() + gap : 0);
+        bool isOver = false;
+        for (std::size_t i = 0; i < places_.size(); ++i) {
+            Cell* const cell = places_[i].cell;
+            isOver = isOver || (cell && endOf(i) > room + 0.5);
+            if (cell)
+                cell->setVisible(!isOver);
+            if (cell && !isOver)
+                putAt(*cell, spread[i].left, spread[i].width);
+        }
+        more_->setVisible(isFull);
+        putAt(*more_, width() - margin - more_->sizeHint().width(), more_->sizeHint().width());
+    }
+
+    bool focusFirst() {
+        for (QWidget* const widget : findChildren<QWidget*>())
+            if (widget->isVisible() && widget->isEnabled() &&
+                (widget->focusPolicy() & Qt::TabFocus)) {
+                widget->setFocus(Qt::ShortcutFocusReason);
+                return true;
+            }
+        return false;
+    }
+
+protected:
+    bool event(QEvent* event) noexcept override {
+        if (event->type() == QEvent::LayoutRequest)
+            placeItems();
+        return QWidget::event(event);
+    }
+    void resizeEvent(QResizeEvent*) override { placeItems(); }
+
+private:
+    bool isTooLong(const std::vector<BarPlace>& spread) const {
+        for (std::size_t i = 0; i < places_.size(); ++i)
+            if (places_[i].cell && spread[i].left + spread[i].width > width() - margin + 0.5)
+                return true;
+        return false;
+    }
+
+    static int widthOf(const Place& place) {
+        return place.cell ? place.cell->sizeHint().width() : wholeLength(place.item.spaceWidth);
+    }
+
+    std::vector<BarLength> lengths() const {
+        std::vector<BarLength> lengths;
+        for (const Place& place : places_)
+            lengths.push_back(
+                {.width = static_cast<double>(widthOf(place)),
+                 .isFlexible = place.item.kind == BarItem::Kind::flexibleSpace,
+                 .wantedLeft = place.item.wantedStart ? place.item.wantedStart(*this) : -1});
+        return lengths;
+    }
+
+    /// From the leading edge.
+    void putAt(QWidget& widget, double start, double length) {
+        const int wide = wholeLength(length), tall = widget.sizeHint().height();
+        const int left = static_cast<int>(start);
+        const int x = isRightToLeft() ? width() - left - wide : left;
+        widget.setGeometry(x, (height() - tall) / 2, wide, tall);
+    }
+
+    std::vector<Place> places_;
+    QToolButton* const more_;
+};
+
+ItemBar::ItemBar(Kind kind, QWidget* parent) : QToolBar(parent), kind_(kind) {
+    setMovable(false);
+    setFloatable(false);
+    setIconSize(QSize(20, 20));
+    setWindowTitle(kind == Kind::toolbar ? QToolBar::tr("Toolbar") : QToolBar::tr("Touch bar"));
+    setAccessibleName(windowTitle());
+    row_ = new Row(this);
+    addWidget(row_);
+}
+
+void ItemBar::show(BarItems items) { row_->show(std::move(items)); }
+
+void ItemBar::placeItems() { row_->placeItems(); }
+
+bool ItemBar::focusFirst() { return isVisible() && row_->focusFirst(); }
+
+void ItemBar::paintEvent(QPaintEvent* event) {
+    if (kind_ == Kind::toolbar)
+        return QToolBar::paintEvent(event);
+    QPainter(this).fillRect(rect(), QColor(28, 28, 28));
+}
+
+} // namespace zorvan::internal

@@ -1,0 +1,64 @@
+#include <zorvan/hosts/internal/clipboard.h>
+
+#include <zorvan/files/NSPasteboard.h>
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMimeData>
+#include <QUrl>
+#include <vector>
+
+namespace zorvan::internal {
+
+namespace {
+
+using Objects = std::vector<NSPasteboard::Object>;
+
+NSPasteboard& pasteboard() { return *NSPasteboard::generalPasteboard(); }
+
+void take() {
+    const QMimeData* const held = QGuiApplication::clipboard()->mimeData();
+    if (!held || QGuiApplication::clipboard()->ownsClipboard())
+        return;
+    Objects objects;
+    for (const QUrl& url : held->urls())
+        if (auto known = URL::make({.string = url.toString(QUrl::FullyEncoded).toStdString()}))
+            objects.emplace_back(std::move(*known));
+    if (objects.empty() && held->hasText())
+        objects.emplace_back(held->text().toStdString());
+    pasteboard().adopt(std::move(objects));
+}
+
+/// URLs, from which those who want text make it, or else the texts below each other.
+void give() {
+    QList<QUrl> urls;
+    QStringList lines;
+    for (const NSPasteboard::Object& object : pasteboard().objects())
+        if (const auto* const url = std::get_if<URL>(&object))
+            urls.append(QUrl::fromEncoded(QByteArray::fromStdString(url->absoluteString())));
+        else
+            lines.append(QString::fromStdString(std::get<std::string>(object)));
+    if (urls.isEmpty() && lines.isEmpty())
+        return QGuiApplication::clipboard()->clear();
+    auto* const held = new QMimeData; // the clipboard's then
+    if (urls.isEmpty())
+        held->setText(lines.join(QLatin1Char('\n')));
+    else
+        held->setUrls(urls);
+    QGuiApplication::clipboard()->setMimeData(held);
+}
+
+} // namespace
+
+void shareClipboard() {
+    QObject::connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, qApp,
+                     []() noexcept { take(); });
+    pasteboard().setChangeHandler([] {
+        QMetaObject::invokeMethod(
+            qApp, []() noexcept { give(); }, Qt::QueuedConnection);
+    });
+    QObject::connect(qApp, &QObject::destroyed, [] { pasteboard().setChangeHandler({}); });
+    take();
+}
+
+} // namespace zorvan::internal

@@ -1,0 +1,159 @@
+#pragma once
+
+#include <zorvan/hosts/qtmodels/QtColumn.h>
+#include <zorvan/hosts/qtmodels/QtRowModel.h>
+#include <zorvan/hosts/rows/rowsOf.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace zorvan {
+
+/// A model of Qt over a `ManagedList` or a `SelectableArray`, for widgets and for QML:
+///
+///     auto* model = new QtListModel<Photo>(
+///         list, {{Qt::DisplayRole, [](const Photo& photo) { return photo.title; }}}, window);
+///     view->setModel(model);
+///     view->setSelectionModel(model->selectionModel());
+///
+/// The rows are what the list shows. The model keeps the list alive and puts itself before the
+/// edition handler of an array, which is therefore to be set first. See `QtRowModel` for how
+/// changes are told. No list stops the program.
+template <class Item>
+class QtListModel : public QtRowModel {
+public:
+    using Column = QtColumn<Item>;
+    using Roles = typename Column::Roles;
+
+    /// With one column.
+    template <class List>
+    QtListModel(const std::shared_ptr<List>& list, Roles roles, QObject* parent = nullptr)
+        : QtListModel(list, std::vector<Column>{{.roles = std::move(roles)}}, parent) {}
+    /// With a column for each of these, as tables have them.
+    template <class List>
+    QtListModel(const std::shared_ptr<List>& list, std::vector<Column> columns,
+                QObject* parent = nullptr)
+        : QtRowModel(static_cast<int>(columns.size()), parent), columns_(std::move(columns)),
+          cells_(cellsOf(columns_)), rows_(detail::rowsOf(list, follower())),
+          items_(rows_->items()) {
+        show(*rows_);
+    }
+
+    /// The item of a row, which there must be.
+    const Item& item(int row) const { return items_.at(static_cast<std::size_t>(positionOf(row))); }
+
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    /// Sets a role that the column has a setter for, or whether the row is selected.
+    bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
+    QVariant headerData(int section, Qt::Orientation orientation,
+                        int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+
+private:
+    /// What a column answers views, its roles side by side: they ask for ten a cell, mostly for
+    /// ones that there are not.
+    struct Cells {
+        std::vector<int> roles;
+        std::vector<std::function<QVariant(const Item&)>> readers;
+        Qt::ItemFlags flags = cellFlags;
+    };
+    static std::vector<Cells> cellsOf(const std::vector<Column>& columns);
+    /// Null when it is gone from the list.
+    const Item* itemOf(int row) const {
+        const auto position = static_cast<std::size_t>(positionOf(row));
+        return position < items_.size() ? &items_[position] : nullptr;
+    }
+    const Column* columnOf(int section) const {
+        return section >= 0 && section < columnCount()
+                   ? &columns_[static_cast<std::size_t>(section)]
+                   : nullptr;
+    }
+
+    const std::vector<Column> columns_;
+    const std::vector<Cells> cells_;
+    const std::unique_ptr<ItemList<Item>> rows_;
+    const std::vector<Item>& items_;
+};
+
+template <class Item>
+auto QtListModel<Item>::cellsOf(const std::vector<Column>& columns) -> std::vector<Cells> {
+    std::vector<Cells> all(columns.size());
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        for (const auto& [role, reader] : columns[i].roles) {
+            all[i].roles.push_back(role);
+            all[i].readers.push_back(reader);
+        }
+        all[i].flags.setFlag(Qt::ItemIsEditable, columns[i].setters.contains(Qt::EditRole));
+        all[i].flags.setFlag(Qt::ItemIsUserCheckable,
+                             columns[i].setters.contains(Qt::CheckStateRole));
+    }
+    return all;
+}
+
+template <class Item>
+QVariant QtListModel<Item>::data(const QModelIndex& index, int role) const {
+    if (!index.isValid())
+        return {};
+    if (role == selectedRole)
+        return isSelected(index.row());
+    const Cells& column = cells_[static_cast<std::size_t>(index.column())];
+    for (std::size_t i = 0; i < column.roles.size(); ++i) {
+        if (column.roles[i] != role)
+            continue;
+        const Item* item = itemOf(index.row());
+        return item ? column.readers[i](*item) : QVariant();
+    }
+    return {};
+}
+
+template <class Item>
+bool QtListModel<Item>::setData(const QModelIndex& index, const QVariant& value, int role) {
+    const Item* item = index.isValid() ? itemOf(index.row()) : nullptr;
+    if (!item)
+        return false;
+    if (role == selectedRole) {
+        setSelected(index.row(), value.toBool());
+        return true;
+    }
+    const auto& setters = columns_[static_cast<std::size_t>(index.column())].setters;
+    const auto setter = setters.find(role);
+    if (setter == setters.end())
+        return false;
+    const std::int64_t position = item - items_.data();
+    Item changed = *item;
+    if (!setter->second(changed, value))
+        return false;
+    if (!rows_->replace(std::move(changed), position))
+        itemsDidChange({position});
+    return true;
+}
+
+template <class Item>
+QVariant QtListModel<Item>::headerData(int section, Qt::Orientation orientation, int role) const {
+    const Column* column = orientation == Qt::Horizontal ? columnOf(section) : nullptr;
+    if (column && role == Qt::DisplayRole && !column->title.isEmpty())
+        return column->title;
+    return QtRowModel::headerData(section, orientation, role);
+}
+
+template <class Item>
+Qt::ItemFlags QtListModel<Item>::flags(const QModelIndex& index) const {
+    return index.isValid() ? cells_[static_cast<std::size_t>(index.column())].flags
+                           : QtRowModel::flags(index);
+}
+
+template <class Item>
+void QtListModel<Item>::sort(int column, Qt::SortOrder order) {
+    const Column* by = columnOf(column);
+    if (!by || !by->order)
+        return;
+    if (order == Qt::AscendingOrder)
+        rows_->sort(by->order);
+    else
+        rows_->sort([before = by->order](const Item& a, const Item& b) { return before(b, a); });
+}
+
+} // namespace zorvan

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <zorvan/interface/NSTableView.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace zorvan {
+
+class NSOutlineView;
+class NSOutlineViewObserver;
+
+/// Gives an outline its items. Items are told apart by identity; no item (null) stands for the
+/// root.
+class NSOutlineViewDataSource {
+public:
+    using Item = std::shared_ptr<const void>;
+
+    virtual ~NSOutlineViewDataSource() = default;
+    virtual std::int64_t numberOfChildren(const NSOutlineView& outline, const Item& item) const = 0;
+    virtual Item child(const NSOutlineView& outline, std::int64_t index,
+                       const Item& item) const = 0;
+    /// Whether the item has children unless overridden.
+    virtual bool isExpandable(const NSOutlineView& outline, const Item& item) const;
+    /// The text of a cell, which the outline draws where it has no cell view. Empty unless
+    /// overridden.
+    virtual std::string text(const NSOutlineView& outline, std::int64_t column,
+                             const Item& item) const;
+};
+
+/// A table whose rows are the visible items of a tree: the children of the root, and those of every
+/// item that is expanded and visible itself.
+///
+/// An item that holds itself, at any depth, stops the program when it would become visible.
+class NSOutlineView : public NSTableView {
+public:
+    using Item = NSOutlineViewDataSource::Item;
+
+    static std::shared_ptr<NSOutlineView> create(const CGRect& frame = {}) {
+        return std::make_shared<NSOutlineView>(Key{}, frame);
+    }
+    using NSTableView::NSTableView;
+
+    /// Told of what a table tells too.
+    using NSTableView::addObserver;
+    void addObserver(const std::shared_ptr<NSOutlineViewObserver>& observer);
+
+    std::shared_ptr<NSOutlineViewDataSource> outlineDataSource() const noexcept {
+        return outlineSource_.lock();
+    }
+    /// Reloads.
+    void setOutlineDataSource(const std::shared_ptr<NSOutlineViewDataSource>& source);
+
+    /// Shows the children of the item, and with `expandChildren` those of everything below it. No
+    /// item stands for the root, which is always expanded itself. Nothing for an item that is not
+    /// expandable.
+    void expandItem(const Item& item, bool expandChildren = false);
+    /// Hides what is below the item; what was expanded there stays so for later. Nothing for the
+    /// root.
+    void collapseItem(const Item& item);
+    bool isItemExpanded(const Item& item) const { return expanded_.contains(item); }
+    void setExpanded(bool expanded, const Item& item);
+    void toggleExpand(const Item& item) { setExpanded(!isItemExpanded(item), item); }
+    void expandAllItems() { expandItem(nullptr, true); }
+    /// Later, on the main queue, and at once as far as animation goes. Nothing when the outline is
+    /// gone.
+    void asyncExpandAllItems();
+
+    /// The visible item at a row; null when there is no such row.
+    Item item(std::int64_t atRow) const;
+    /// The row of a visible item, or -1.
+    std::int64_t row(const Item& forItem) const;
+    using NSTableView::row;
+    /// How deep the item at a row stands: 0 for the children of the root, -1 when there is no such
+    /// row.
+    std::int64_t level(std::int64_t forRow) const;
+
+protected:
+    std::int64_t sourceRowCount() override;
+    std::string cellText(std::int64_t column, std::int64_t row) const override;
+
+private:
+    struct Row {
+        Item item;
+        std::int64_t level;
+    };
+
+    void markAllExpanded(const Item& item, std::vector<Item>& above);
+    void listVisible(const Item& item, std::vector<Item>& above, std::vector<Row>& rows) const;
+    std::vector<Row> visibleRows() const;
+    /// Brings the rows in line with what is expanded now, telling the table which came or went.
+    void showChange(const std::function<void(NSOutlineViewObserver&)>& told);
+
+    std::weak_ptr<NSOutlineViewDataSource> outlineSource_;
+    ObserverList<NSOutlineViewObserver> outlineObservers_;
+    std::unordered_set<Item> expanded_;
+    std::vector<Row> rows_;
+};
+
+} // namespace zorvan

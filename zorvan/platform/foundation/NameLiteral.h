@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zorvan {
+
+/// A name that the library defines, such as the key of an option: text that is there as long as the
+/// program. It goes wherever a `std::string_view` does, and into a dictionary whose keys are
+/// `std::string`.
+class NameLiteral : public std::string_view {
+public:
+    constexpr NameLiteral(const char* text) noexcept : std::string_view(text) {}
+
+    operator std::string() const { return std::string(data(), size()); }
+};
+
+} // namespace zorvan

@@ -1,0 +1,21 @@
+#pragma once
+
+namespace zorvan::internal {
+
+// Characters of ASCII, whatever the locale; no other byte is any of these.
+
+constexpr bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+
+constexpr bool isLetter(char c) noexcept {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+/// A space, or one of the controls from the tab to the carriage return.
+constexpr bool isSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+/// A letter in lower case; any other character as it is.
+constexpr char lowered(char c) noexcept {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+} // namespace zorvan::internal

@@ -1,0 +1,47 @@
+#include <zorvan/platform/foundation/internal/removeItem.h>
+
+#include <zorvan/platform/foundation/internal/DirectoryWalk.h>
+
+#include <cerrno>
+#include <exception>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zorvan::internal {
+
+namespace {
+
+/// Removes a folder that is empty, and makes sure that what another holds can be removed.
+void removeOrOpenUp(int parent, const char* name) noexcept {
+    if (::unlinkat(parent, name, AT_REMOVEDIR) == 0)
+        return;
+    if (::faccessat(parent, name, R_OK | W_OK | X_OK, AT_EACCESS) != 0)
+        ::fchmodat(parent, name, 0700, 0);
+}
+
+void removeContents(const std::string& path) {
+    const auto walk = DirectoryWalk::open(path, DirectoryWalk::Visits::around);
+    while (walk && walk->advance()) {
+        if (walk->kind() == EntryKind::directory)
+            removeOrOpenUp(walk->folder(), walk->name().data());
+        else
+            ::unlinkat(walk->folder(), walk->name().data(), 0);
+    }
+}
+
+} // namespace
+
+void removeItem(const std::string& path) noexcept {
+    if (::unlink(path.c_str()) == 0 || errno != EISDIR)
+        return;
+    removeOrOpenUp(AT_FDCWD, path.c_str());
+    try {
+        removeContents(path);
+    } catch (const std::exception&) {
+        // Out of memory: what is left stays.
+    }
+    ::rmdir(path.c_str());
+}
+
+} // namespace zorvan::internal
