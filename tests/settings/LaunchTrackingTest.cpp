@@ -68,6 +68,17 @@ TEST_F(LaunchTracking, managesWithoutAVersion) {
               "VersionNumber=0.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n0.0.0 0 2 1 0\n");
 }
 
+// An object that is older than the store uses it after the main function, what it writes is kept,
+// and the database is closed before.
+TEST_F(LaunchTracking, leavesSettingsUsableUntilTheEnd) {
+    install("1.0");
+    EXPECT_TRUE(launch("late").ends_with("1.0.0 1 1 1 1\nlate 2\n"));
+    EXPECT_TRUE(launch("late").ends_with("late 2\n"));
+    EXPECT_TRUE(launch().starts_with("VersionNumber=1.0.0\nLaunchesCount=1\n")); // cleared
+    EXPECT_FALSE(
+        std::filesystem::exists(folder_.path() / "config/zorvan/org.example.app.settings-wal"));
+}
+
 // As by a package manager, while the program runs and before it asks for bundle and settings.
 TEST_F(LaunchTracking, isThatOfTheProgramWhoseFileWasReplaced) {
     install("1.0");

@@ -1,4 +1,5 @@
 // An application at its start. Prints, for each notification, the key and what is stored under it.
+// With "late" it uses its settings once more while it ends.
 
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 #include <zorvan/settings/BundleVersionUDC.h>
@@ -13,7 +14,26 @@
 
 using namespace zorvan;
 
+namespace {
+
+/// Older than everything that the library makes, so that it ends after it.
+struct Older {
+    bool isLate = false;
+    ~Older() {
+        if (!isLate)
+            return;
+        NSUserDefaults& store = *NSUserDefaults::standardUserDefaults();
+        store.setInteger(store.integerForKey("late") + 1, "late");
+        store.clearAllData();
+        store.setInteger(store.integerForKey("late") + 2, "late");
+        std::printf("late %d\n", static_cast<int>(store.integerForKey("late")));
+    }
+} older;
+
+} // namespace
+
 int main(int argc, char** argv) {
+    older.isLate = argc == 2 && std::strcmp(argv[1], "late") == 0;
     if (argc == 2 && std::strcmp(argv[1], "updated") == 0) {
         const std::string file = argv[0], next = file + ".next";
         std::filesystem::copy_file(file, next);

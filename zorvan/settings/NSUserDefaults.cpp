@@ -1,5 +1,6 @@
 #include <zorvan/settings/NSUserDefaults.h>
 
+#include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 #include <zorvan/platform/foundation/executablePath.h>
 #include <zorvan/platform/propertylist/NSBundle.h>
@@ -19,6 +20,36 @@ const std::string& applicationDomain() {
             std::filesystem::path(executablePath()).filename().string()));
     return domain;
 }
+
+/// Notifications of a transaction of this thread, which are posted when it has succeeded.
+class HeldPosts {
+public:
+    using Post = std::pair<std::shared_ptr<NSUserDefaults>, std::string>;
+
+    explicit HeldPosts(const SettingsDatabase* database) noexcept
+        : database_(database), outer_(std::exchange(innermost_, this)) {}
+    HeldPosts(const HeldPosts&) = delete;
+    HeldPosts& operator=(const HeldPosts&) = delete;
+    ~HeldPosts() { innermost_ = outer_; }
+
+    /// Null when this thread has no transaction of the database.
+    static HeldPosts* of(const SettingsDatabase* database) noexcept {
+        HeldPosts* held = innermost_;
+        while (held && held->database_ != database)
+            held = held->outer_;
+        return held;
+    }
+
+    std::vector<Post> posts;
+
+private:
+    static thread_local HeldPosts* innermost_;
+
+    const SettingsDatabase* database_;
+    HeldPosts* outer_;
+};
+
+thread_local HeldPosts* HeldPosts::innermost_ = nullptr;
 
 } // namespace
 
@@ -40,6 +71,10 @@ std::shared_ptr<NSUserDefaults> NSUserDefaults::create(SuiteName argument) {
 
 NSUserDefaults::NSUserDefaults(Making, std::string domain)
     : domain_(std::move(domain)), database_(SettingsDatabase::ofDomain(domain_)) {}
+
+NSUserDefaults::NSUserDefaults(Making, std::string domain,
+                               std::shared_ptr<SettingsDatabase> database)
+    : domain_(std::move(domain)), database_(std::move(database)) {}
 
 NSUserDefaults::~NSUserDefaults() = default;
 
@@ -175,8 +210,91 @@ std::optional<std::string> NSUserDefaults::editedKeyName(const Notification& of)
 }
 
 void NSUserDefaults::postDidSet(const std::string& keyName) {
+    if (HeldPosts* const held = HeldPosts::of(database_.get())) {
+        held->posts.emplace_back(shared_from_this(), keyName);
+        return;
+    }
     NSNotificationCenter::defaultCenter()->post(didSetKeyNotification(), shared_from_this(),
                                                 Notification::UserInfo{{editedKeyName(), keyName}});
+}
+
+// Transactions.
+
+bool NSUserDefaults::transact(const std::function<void()>& function) {
+    using Outcome = SettingsDatabase::Outcome;
+    if (HeldPosts* const held = HeldPosts::of(database_.get())) {
+        const std::size_t before = held->posts.size();
+        try {
+            return database_->transact(function) == Outcome::stored;
+        } catch (...) {
+            held->posts.resize(before);
+            throw;
+        }
+    }
+    Outcome outcome = Outcome::refused;
+    std::vector<HeldPosts::Post> posts;
+    {
+        HeldPosts held(database_.get());
+        outcome = database_->transact(function);
+        posts = std::move(held.posts);
+    }
+    if (outcome != Outcome::refused)
+        for (const auto& [store, keyName] : posts)
+            store->postDidSet(keyName);
+    return outcome == Outcome::stored;
+}
+
+// What other processes change.
+
+std::shared_ptr<SettingsObservation>
+NSUserDefaults::follow(std::function<void(const std::vector<std::string>& keys)> handler) {
+    using Handler = std::function<void(const std::vector<std::string>& keys)>;
+    auto kept = std::make_shared<Handler>(std::move(handler));
+    auto following = database_->follow(
+        [weak = std::weak_ptr(kept)](const std::vector<SettingsDatabase::Followed>& changes) {
+            std::vector<std::string> keys;
+            for (const auto& change : changes)
+                keys.push_back(change.key);
+            DispatchQueue::main()->async([weak, keys = std::move(keys)] {
+                if (const auto living = weak.lock())
+                    (*living)(keys);
+            });
+        });
+    return std::shared_ptr<SettingsObservation>(
+        new SettingsObservation(std::move(following), std::move(kept)));
+}
+
+std::shared_ptr<SettingsObservation> NSUserDefaults::observeStored(const std::string& name,
+                                                                   StoredHandler handler) {
+    auto kept = std::make_shared<StoredHandler>(std::move(handler));
+    const auto tell = [weak = std::weak_ptr(kept),
+                       store = shared_from_this()](const SettingsDatabase::Followed& change) {
+        DispatchQueue::main()->async([weak, store, change] {
+            if (const auto living = weak.lock())
+                (*living)(*store->storeOf(change.key, change.before),
+                          *store->storeOf(change.key, change.after));
+        });
+    };
+    auto following =
+        database_->follow([tell, name](const std::vector<SettingsDatabase::Followed>& changes) {
+            for (const auto& change : changes)
+                if (change.key == name)
+                    tell(change);
+        });
+    return std::shared_ptr<SettingsObservation>(
+        new SettingsObservation(std::move(following), std::move(kept)));
+}
+
+std::shared_ptr<NSUserDefaults>
+NSUserDefaults::storeOf(const std::string& key,
+                        const std::shared_ptr<const PropertyList>& value) const {
+    auto store = std::make_shared<NSUserDefaults>(Making(), domain_, SettingsDatabase::inMemory());
+    if (value)
+        store->setObject(*value, key);
+    const std::lock_guard lock(registering_);
+    if (const auto found = registered_.find(key); found != registered_.end())
+        store->registerDefaults({*found});
+    return store;
 }
 
 // Domains.

@@ -4,11 +4,13 @@
 #include <zorvan/platform/foundation/PropertyList.h>
 #include <zorvan/platform/foundation/URL.h>
 #include <zorvan/settings/SettingReference.h>
+#include <zorvan/settings/SettingsObservation.h>
 #include <zorvan/settings/UserDefaultsKeys.h>
 
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <mutex>
@@ -42,7 +44,8 @@ class SettingsDatabase;
 ///
 /// Every write through a key is followed by the notification `didSetKeyNotification()`, on the
 /// writing thread and before the write returns. Writes without a key post nothing. An in-place
-/// change is a read and a write, and is not atomic.
+/// change is a read and a write, and is not atomic; `modify` is. What other processes change is
+/// told to those who `follow` or `observe`.
 ///
 /// Safe from every thread.
 class NSUserDefaults : public std::enable_shared_from_this<NSUserDefaults> {
@@ -64,6 +67,7 @@ public:
     static std::shared_ptr<NSUserDefaults> create(SuiteName argument);
 
     NSUserDefaults(Making, std::string domain);
+    NSUserDefaults(Making, std::string domain, std::shared_ptr<SettingsDatabase> database);
     ~NSUserDefaults();
     NSUserDefaults(const NSUserDefaults&) = delete;
     NSUserDefaults& operator=(const NSUserDefaults&) = delete;
@@ -167,6 +171,30 @@ public:
         if (!hasValue(key))
             setOpt(key, std::forward<Expression>(expr));
     }
+    /// Has the function read and write this store - with keys and without, several at once - in one
+    /// transaction across threads and processes: nobody else writes in between, all of it is stored
+    /// or none. What is read is what there is, with the function's own writes. When it throws,
+    /// nothing is changed, and what it throws is thrown. It is called at most once, on this thread,
+    /// and should be quick: others wait for it. One within another is a part of it; of two domains,
+    /// always the same must be the outer one.
+    ///
+    /// True when it is stored. Else nothing was changed - the database is held by another process
+    /// for five seconds, or has no room - but where there is no database that could be written, it
+    /// is kept in memory like every write. Notifications are posted afterwards, in order, when
+    /// something may have changed.
+    bool transact(const std::function<void()>& function);
+    /// Reads the key's value as `value` does, has the function change it, and writes it, in one
+    /// transaction; see `transact`.
+    ///
+    /// ```cpp
+    /// store.modify(recentFiles, [&](auto& files) { files.push_back(name); });
+    /// ```
+    template <GenericUserDefaultsKey Key,
+              std::invocable<typename SettingReference<Key>::Value&> Change>
+    bool modify(const Key& key, Change&& change) {
+        return transact([&] { (*this)[key].modify(std::forward<Change>(change)); });
+    }
+
     /// Writes the key's default into the store unless something is there.
     template <class Coder>
     void setDefaultValue(const EvaluedUserDefaultsKey<Coder>& of) {
@@ -212,6 +240,30 @@ public:
     /// Tells that a key was written. For writers that do not go through the key.
     void postDidSet(const std::string& keyName);
 
+    // What other processes change. What this one writes is not told here.
+
+    /// Has the handler told, on the main queue, of the keys that other processes change from now
+    /// on: each change once, in order, those of one transaction at once. Of changes of one key that
+    /// follow each other faster than they are read, the last one is told. Nobody asks again and
+    /// again: the kernel says when the database is written.
+    [[nodiscard]] std::shared_ptr<SettingsObservation>
+    follow(std::function<void(const std::vector<std::string>& keys)> handler);
+    /// The same of one key: the handler gets the value before the change and the one after it, as
+    /// typed reading would have given them, also when the store has another by then. The key is
+    /// copied.
+    template <GenericUserDefaultsKey Key,
+              std::invocable<const typename SettingReference<Key>::Value&,
+                             const typename SettingReference<Key>::Value&>
+                  Handler>
+    [[nodiscard]] std::shared_ptr<SettingsObservation> observe(const Key& key, Handler handler) {
+        auto own = std::make_shared<const Key>(
+            typename Key::NameCoderValue{.name = key.name, .coder = key.coder, .value = key.value});
+        return observeStored(key.name, [own, handler = std::move(handler)](
+                                           NSUserDefaults& before, NSUserDefaults& after) mutable {
+            handler(before.value(*own), after.value(*own));
+        });
+    }
+
     // Domains.
 
     /// Removes everything from the domain of the main bundle; does nothing when that has no
@@ -255,6 +307,13 @@ private:
 
     template <class Kind>
     std::optional<Kind> storedAs(std::string_view key) const;
+
+    using StoredHandler = std::function<void(NSUserDefaults& before, NSUserDefaults& after)>;
+    /// The handler gets stores that have the value before and after the change, and nothing else.
+    std::shared_ptr<SettingsObservation> observeStored(const std::string& name,
+                                                       StoredHandler handler);
+    std::shared_ptr<NSUserDefaults> storeOf(const std::string& key,
+                                            const std::shared_ptr<const PropertyList>& value) const;
 
     const std::string domain_;
     const std::shared_ptr<SettingsDatabase> database_;

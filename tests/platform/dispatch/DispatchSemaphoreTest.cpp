@@ -19,7 +19,7 @@ TEST(DispatchSemaphore, CountsSignals) {
     semaphore->signal();
     EXPECT_TRUE(semaphore->wait(std::chrono::nanoseconds::max()));
     EXPECT_DEATH(DispatchSemaphore::create(-1),
-                 "^A semaphore cannot start with a negative count.\n$");
+                 "^A semaphore cannot start with the count -1, which must be at least 0.\n$");
 }
 
 TEST(DispatchSemaphore, EverySignalLetsOneThreadOn) {

@@ -92,7 +92,7 @@ TEST(NSOperationQueue, MainQueueRunsOnTheMainThreadInOrder) {
 
 TEST(NSOperationQueueDeathTest, StopsOnMisuse) {
     EXPECT_DEATH(NSOperationQueue::create()->setMaxConcurrentOperationCount(0),
-                 "^An operation queue must let at least one operation run at a time.\n$");
+                 "^An operation queue must let at least 1 operation run at a time, not 0.\n$");
     EXPECT_DEATH(NSOperationQueue::main()->waitUntilAllOperationsAreFinished(),
                  "^The main operation queue cannot be waited for on the main thread.\n$");
 }

@@ -222,18 +222,63 @@ TEST(Processes, agreeInTheEnd) {
     EXPECT_TRUE(inChild([&] { return SettingsDatabase::open(path)->contents() == seen; }));
 }
 
-TEST(Processes, keepAForkApart) {
+// As a program does that goes into the background: the parent ends, others come and go, and what
+// all share begins anew.
+TEST(Processes, goOnInAForkWhoseParentHasEnded) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    Steps steps;
+    ASSERT_TRUE(inChild([&] {
+        const auto database = SettingsDatabase::open(path);
+        database->set("k", 1);
+        if (::fork() != 0)
+            return true;
+        steps.awaitGo();
+        bool isGood = integer(*database, "k") == 2 && database->set("own", 3);
+        for (int i = 0; i < 100; ++i)
+            isGood = database->set("own", i) && integer(*database, "own") == i && isGood;
+        if (isGood)
+            steps.done();
+        return isGood;
+    }));
+    EXPECT_TRUE(inChild([&] { return SettingsDatabase::open(path)->set("k", 2); }));
+    const auto other = SettingsDatabase::open(path);
+    steps.go();
+    ASSERT_TRUE(steps.awaitDone());
+    EXPECT_EQ(integer(*other, "own"), 99);
+}
+
+TEST(Processes, shareWithAFork) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     const auto database = SettingsDatabase::open(path);
     database->set("k", 1);
-    EXPECT_TRUE(inChild([&] {
-        SettingsDatabase::setProblemHandler([](const std::string&) {});
-        return integer(*database, "k") == 1 && !database->set("k", 2) &&
-               integer(*database, "k") == 2;
-    }));
-    EXPECT_EQ(integer(*database, "k"), 1);
+    EXPECT_TRUE(inChild([&] { return integer(*database, "k") == 1 && database->set("k", 2); }));
+    EXPECT_EQ(integer(*database, "k"), 2);
     EXPECT_TRUE(database->set("k", 3));
+}
+
+// While another process moves the log into the database.
+TEST(Processes, waitForEachOtherToSynchronize) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    std::vector<std::string> told;
+    SettingsDatabase::setProblemHandler([&](const std::string& text) { told.push_back(text); });
+    const auto synchronize = [&](int number) {
+        const auto database = SettingsDatabase::open(path);
+        bool isGood = true;
+        for (int i = 0; i < 60; ++i)
+            isGood = database->set("k" + std::to_string(number),
+                                   std::string(20'000, 'x') + std::to_string(i)) &&
+                     database->synchronize() && isGood;
+        return isGood && told.empty();
+    };
+    Child one([&] { return synchronize(1); }), two([&] { return synchronize(2); }),
+        three([&] { return synchronize(3); });
+    EXPECT_TRUE(one.end());
+    EXPECT_TRUE(two.end());
+    EXPECT_TRUE(three.end());
+    SettingsDatabase::setProblemHandler({});
 }
 
 // Where nothing can be stored, what is being decoded is looked through at the same time.
@@ -245,8 +290,11 @@ TEST(Processes, removeEverythingWhileAThreadReads) {
         changes.emplace_back(std::to_string(i), PropertyList::Array{i});
     ASSERT_TRUE(SettingsDatabase::open(path)->apply(std::move(changes)));
     const auto database = SettingsDatabase::open(path);
-    EXPECT_TRUE(inChild([&] { // which may not write
+    EXPECT_TRUE(inChild([&] { // which finds nothing that it could write
         SettingsDatabase::setProblemHandler([](const std::string&) {});
+        for (const char* ending : {"", "-wal", "-shm"})
+            std::filesystem::remove(path + ending);
+        std::filesystem::create_directory(path);
         std::thread reader([&] {
             for (int i = 2000; i > 0; --i)
                 database->value(std::to_string(i));

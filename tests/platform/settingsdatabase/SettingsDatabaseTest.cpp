@@ -91,16 +91,25 @@ TEST(SettingsDatabase, isPrivate) {
         EXPECT_EQ(modeOf(path + ending), 0600u) << ending;
 }
 
+// But not the folders of others, such as that of a user's documents.
 TEST(SettingsDatabase, closesWhatStandsOpen) {
     const TemporaryFolder folder;
-    const std::string inner = folder.path() / "inner";
-    const std::string path = inner + "/a.settings";
-    SettingsDatabase::open(path)->set("k", 1);
-    ::chmod(inner.c_str(), 0755);
-    ::chmod(path.c_str(), 0644);
-    EXPECT_TRUE(SettingsDatabase::open(path)->value("k"));
-    EXPECT_EQ(modeOf(inner), 0700u);
-    EXPECT_EQ(modeOf(path), 0600u);
+    ::setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
+    for (const bool isOwn : {true, false}) {
+        const std::string inner = folder.path() / (isOwn ? "zorvan" : "documents");
+        const std::string path = inner + "/a.settings";
+        SettingsDatabase::open(path)->set("k", 1);
+        ::chmod(inner.c_str(), 0755);
+        ::chmod(path.c_str(), 0644);
+        EXPECT_TRUE(SettingsDatabase::open(path)->value("k"));
+        EXPECT_EQ(modeOf(inner), isOwn ? 0700u : 0755u);
+        EXPECT_EQ(modeOf(path), 0600u);
+        ::chmod(inner.c_str(), 0775);
+        SettingsDatabase::setProblemHandler([](const std::string&) {});
+        EXPECT_EQ(SettingsDatabase::open(path)->set("k", 2), isOwn);
+        EXPECT_EQ(modeOf(inner), isOwn ? 0700u : 0775u);
+        SettingsDatabase::setProblemHandler({});
+    }
 }
 
 TEST(SettingsDatabase, isSharedInTheProcess) {

@@ -4,6 +4,7 @@
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <algorithm>
+#include <string>
 
 namespace zorvan {
 
@@ -15,7 +16,8 @@ std::shared_ptr<DispatchSemaphore> DispatchSemaphore::create(std::int64_t value)
 
 DispatchSemaphore::DispatchSemaphore(std::int64_t value) : count_(value) {
     if (value < 0)
-        fatalError("A semaphore cannot start with a negative count.");
+        fatalError("A semaphore cannot start with the count " + std::to_string(value) +
+                   ", which must be at least 0.");
 }
 
 void DispatchSemaphore::signal() {

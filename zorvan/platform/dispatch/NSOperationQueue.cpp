@@ -5,6 +5,7 @@
 #include <zorvan/platform/dispatch/internal/WorkerPool.h>
 #include <zorvan/platform/foundation/fatalError.h>
 
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -41,7 +42,8 @@ std::int64_t NSOperationQueue::maxConcurrentOperationCount() const {
 
 void NSOperationQueue::setMaxConcurrentOperationCount(std::int64_t count) {
     if (count < 1 && count != defaultMaxConcurrentOperationCount)
-        fatalError("An operation queue must let at least one operation run at a time.");
+        fatalError("An operation queue must let at least 1 operation run at a time, not " +
+                   std::to_string(count) + ".");
     if (kind_ == Kind::main)
         return;
     std::vector<Block> startable;

@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/settingsdatabase/SettingsFolder.h>
 #include <zorvan/platform/settingsdatabase/internal/SettingsCore.h>
+#include <zorvan/platform/settingsdatabase/internal/SettingsProcess.h>
 
 #include <cstdio>
 #include <map>
@@ -10,19 +11,9 @@
 
 namespace zorvan {
 
+using internal::OpenDatabases;
+
 namespace {
-
-/// Of the process. Never destroyed, since settings may be used while the program ends.
-struct Shared {
-    std::mutex mutex;
-    std::map<std::string, std::weak_ptr<SettingsDatabase>, std::less<>> databases;
-    SettingsDatabase::ProblemHandler handler;
-
-    static Shared& instance() {
-        static Shared& shared = *new Shared;
-        return shared;
-    }
-};
 
 void writeToStandardError(const std::string& problem) {
     std::fprintf(stderr, "%s\n", problem.c_str());
@@ -31,19 +22,19 @@ void writeToStandardError(const std::string& problem) {
 } // namespace
 
 SettingsDatabase::SettingsDatabase(std::string path)
-    : core_(std::make_unique<Core>(std::move(path))) {}
+    : core_(std::make_shared<Core>(std::move(path))) {}
 
 SettingsDatabase::~SettingsDatabase() = default;
 
 std::shared_ptr<SettingsDatabase> SettingsDatabase::open(const std::string& path) {
-    Shared& shared = Shared::instance();
+    OpenDatabases& shared = OpenDatabases::shared();
     std::shared_ptr<SettingsDatabase> database;
     {
         const std::lock_guard lock(shared.mutex);
-        std::weak_ptr<SettingsDatabase>& known = shared.databases[path];
+        std::weak_ptr<SettingsDatabase>& known = shared.byPath[path];
         database = known.lock();
         if (!database) {
-            std::erase_if(shared.databases, [&path](const auto& entry) {
+            std::erase_if(shared.byPath, [&path](const auto& entry) {
                 return entry.first != path && entry.second.expired();
             });
             database.reset(new SettingsDatabase(path));
@@ -54,6 +45,10 @@ std::shared_ptr<SettingsDatabase> SettingsDatabase::open(const std::string& path
     return database;
 }
 
+std::shared_ptr<SettingsDatabase> SettingsDatabase::inMemory() {
+    return std::shared_ptr<SettingsDatabase>(new SettingsDatabase(""));
+}
+
 std::shared_ptr<SettingsDatabase> SettingsDatabase::ofDomain(std::string_view name) {
     const std::optional<std::string> path = settingsPath(name);
     // A path that leads nowhere: the domain lives in memory, and says so.
@@ -61,8 +56,8 @@ std::shared_ptr<SettingsDatabase> SettingsDatabase::ofDomain(std::string_view na
 }
 
 void SettingsDatabase::setProblemHandler(ProblemHandler handler) {
-    const std::lock_guard lock(Shared::instance().mutex);
-    Shared::instance().handler = std::move(handler);
+    const std::lock_guard lock(OpenDatabases::shared().mutex);
+    OpenDatabases::shared().handler = std::move(handler);
 }
 
 void SettingsDatabase::Core::tell() {
@@ -75,8 +70,8 @@ void SettingsDatabase::Core::tell() {
         return;
     ProblemHandler handler;
     {
-        const std::lock_guard lock(Shared::instance().mutex);
-        handler = Shared::instance().handler;
+        const std::lock_guard lock(OpenDatabases::shared().mutex);
+        handler = OpenDatabases::shared().handler;
     }
     for (const std::string& problem : problems)
         handler ? handler(problem) : writeToStandardError(problem);
@@ -124,6 +119,20 @@ bool SettingsDatabase::removeAll() {
     const bool isStored = core_->removeAll();
     core_->tell();
     return isStored;
+}
+
+SettingsDatabase::Outcome SettingsDatabase::transact(const std::function<void()>& function) {
+    const Outcome outcome = core_->transact(function);
+    core_->tell();
+    return outcome;
+}
+
+std::shared_ptr<const void> SettingsDatabase::follow(Follower follower) {
+    const auto number = core_->follow(std::move(follower));
+    core_->tell();
+    return {this, [database = shared_from_this(), number](const void*) {
+                database->core_->unfollow(number);
+            }};
 }
 
 bool SettingsDatabase::synchronize() {

@@ -29,18 +29,22 @@ namespace zorvan {
 /// this process reads it, others do not, and every later write and `synchronize` tries again to
 /// store it. A write is never half done.
 ///
-/// **Files.** The folder is 0700, the database, its log and its shared memory are 0600. Nothing is
-/// read or written when one of them is a symbolic link or belongs to another user, when the
-/// database is from a newer version of this library, or is no database of settings; it is left as
-/// it is, and the domain lives in memory. A damaged database is renamed to "NAME.damaged"
+/// **Files.** The database, its log and its shared memory are 0600. Folders that are made are 0700,
+/// and so becomes `settingsFolder()`; another folder that is there stays as it is, and must not be
+/// writable for others. Nothing is read or written when one of them is a symbolic link or belongs
+/// to another user, when the database is from a newer version of this library, or is no database of
+/// settings; it is left as it is, and the domain lives in memory. A damaged database is renamed to
+/// "NAME.damaged"
 /// ("NAME.damaged-2", ...) and a new one is begun; when the damage shows only while the process
 /// runs, with the values in memory.
 ///
-/// A child that `fork` made, while no other thread used settings, and that runs no new program
-/// reads what there was, and keeps what it writes in memory.
+/// **Processes.** `fork` without a new program works: databases are closed while the process forks,
+/// and opened again by whoever uses them next, parent and child each for themselves. Only a child
+/// that is made within the function of `transact` keeps what it writes in memory. When the process
+/// ends they are closed, and opened again for what still comes.
 ///
 /// Safe from every thread.
-class SettingsDatabase {
+class SettingsDatabase : public std::enable_shared_from_this<SettingsDatabase> {
 public:
     /// What went wrong, as one line: the path, ": ", and why.
     using ProblemHandler = std::function<void(const std::string& problem)>;
@@ -55,6 +59,9 @@ public:
     /// The database at a path; the same object for everyone in the process as long as one holds it.
     /// Never null: what cannot be opened lives in memory.
     static std::shared_ptr<SettingsDatabase> open(const std::string& path);
+
+    /// One that is nowhere but in memory, and of this object only.
+    static std::shared_ptr<SettingsDatabase> inMemory();
 
     /// The database of a domain in the user's `settingsFolder`.
     static std::shared_ptr<SettingsDatabase> ofDomain(std::string_view name);
@@ -83,6 +90,34 @@ public:
 
     bool removeAll();
 
+    enum class Outcome {
+        stored,  ///< or there was nothing to change
+        kept,    ///< in memory, where there is no database that could be written
+        refused, ///< nothing was changed: the database is held by another process, or has no room
+    };
+    /// Has the function read and write this database in one transaction: all of what it writes is
+    /// stored, or none of it, and nobody else writes in between. What it reads is what there is,
+    /// with its own writes; other threads go on reading what was. When it throws, nothing is
+    /// changed, and what it throws is thrown. It is called at most once, on this thread, and should
+    /// be quick, since others wait for it. One within another is a part of it. Two databases must
+    /// always be nested in the same order.
+    Outcome transact(const std::function<void()>& function);
+
+    /// What another process changed: a key, and its values then and now; null for none.
+    struct Followed {
+        std::string key;
+        Value before, after;
+    };
+    using Follower = std::function<void(const std::vector<Followed>&)>;
+    /// Has the follower told, once each and in order, of what other processes change from now on,
+    /// until the result is released; which may still be told then, on another thread. Of changes of
+    /// one key that follow each other faster than they are read, the last one is told. What this
+    /// process writes is not told.
+    ///
+    /// The follower is called on any thread and while the database is held: it must be quick, must
+    /// not throw, and must not use settings.
+    [[nodiscard]] std::shared_ptr<const void> follow(Follower follower);
+
     /// Stores what is only in memory and brings the database to the disk, so that a power failure
     /// undoes nothing. Whether all of that succeeded.
     bool synchronize();
@@ -94,7 +129,7 @@ private:
     class Core;
     explicit SettingsDatabase(std::string path);
 
-    const std::unique_ptr<Core> core_;
+    const std::shared_ptr<Core> core_;
 };
 
 } // namespace zorvan

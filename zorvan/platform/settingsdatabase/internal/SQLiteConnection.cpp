@@ -6,8 +6,10 @@
 #include <sqlite3.h>
 
 #include <atomic>
+#include <chrono>
 #include <cmath>
 #include <span>
+#include <thread>
 
 namespace zorvan::internal {
 
@@ -79,10 +81,22 @@ void SQLiteConnection::setCheckpointOnClose(bool checkpoints) {
 }
 
 void SQLiteConnection::checkpoint() {
-    const int code =
-        sqlite3_wal_checkpoint_v2(handle_, nullptr, SQLITE_CHECKPOINT_FULL, nullptr, nullptr);
-    if (code != SQLITE_OK)
-        fail(code);
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::milliseconds(busyMilliseconds);
+    for (;;) {
+        const int code =
+            sqlite3_wal_checkpoint_v2(handle_, nullptr, SQLITE_CHECKPOINT_FULL, nullptr, nullptr);
+        if (code == SQLITE_OK)
+            return;
+        // For another checkpoint the engine does not wait by itself.
+        if ((code & 0xFF) != SQLITE_BUSY || Clock::now() >= end)
+            fail(code);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+}
+
+bool SQLiteConnection::isTransacting() const noexcept {
+    return sqlite3_get_autocommit(handle_) == 0;
 }
 
 const void* SQLiteConnection::stampAddress() {

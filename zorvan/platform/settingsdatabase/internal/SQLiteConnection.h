@@ -45,8 +45,10 @@ public:
     /// Whether closing the last connection moves what stands in the log into the database.
     void setCheckpointOnClose(bool checkpoints);
 
-    /// Moves the log into the database and onto the disk.
+    /// Moves the log into the database and onto the disk. Waits for others that do or read.
     void checkpoint();
+
+    bool isTransacting() const noexcept;
 
     /// Where the stamp can be read; null when the database is not in WAL mode. Call after a read.
     /// Lives as long as the connection.

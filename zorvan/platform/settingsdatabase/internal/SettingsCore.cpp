@@ -24,32 +24,44 @@ constexpr std::chrono::seconds betweenAttempts{1};
 /// From how many removed keys on their rows are cleared away, when they are half of all.
 constexpr std::size_t manyRemoved = 1000;
 
-constexpr char inMemory[] = "; changes are kept in memory";
+constexpr char keptInMemory[] = "; changes are kept in memory";
+constexpr char notOnDisk[] = "; the last changes may not be on the disk";
 
 } // namespace
 
 SettingsDatabase::Core::Core(std::string path) : path_(std::move(path)), process_(::getpid()) {
+    join();
     const std::lock_guard use(using_);
     open();
 }
 
 SettingsDatabase::Core::~Core() {
-    const std::lock_guard use(using_);
+    {
+        const std::lock_guard use(using_);
+        storeAtEnd();
+        close();
+    }
+    leave();
+}
+
+void SettingsDatabase::Core::storeAtEnd() {
     if (memory_.hasStorablePending() && isOwnProcess() && makeWritable(true))
         store({});
-    close();
 }
 
 // Reading.
 
 bool SettingsDatabase::Core::isStale() const noexcept {
-    return stampAddress_ && internal::readStamp(stampAddress_) != seen_;
+    return isParked_ || (stampAddress_ && internal::readStamp(stampAddress_) != seen_);
 }
 
 SettingsDatabase::Value SettingsDatabase::Core::value(std::string_view key) {
     {
         const std::lock_guard hold(holding_);
-        if (!isStale())
+        const auto* written = ownOverlay();
+        if (const Value* own = written ? written->find(key) : nullptr)
+            return *own;
+        if (written || !isStale())
             return memory_.value(key);
     }
     {
@@ -61,6 +73,11 @@ SettingsDatabase::Value SettingsDatabase::Core::value(std::string_view key) {
 }
 
 PropertyList::Dictionary SettingsDatabase::Core::contents() {
+    {
+        const std::lock_guard hold(holding_);
+        if (const auto* written = ownOverlay())
+            return memory_.contents(written->changes());
+    }
     const std::lock_guard use(using_);
     catchUp();
     const std::lock_guard hold(holding_);
@@ -82,46 +99,51 @@ void SettingsDatabase::Core::catchUp() {
         if (!isStale())
             return;
     }
+    unpark();
     if (!file_ || !isOwnProcess())
         return;
     try {
         refresh();
     } catch (const SQLiteFailure& failure) {
-        meet(failure);
+        meet(failure, keptInMemory);
     }
 }
 
-void SettingsDatabase::Core::refresh() {
+SettingsDatabase::Core::Reading SettingsDatabase::Core::read(bool isOtherFile) {
+    Reading reading{.startsOver = isOtherFile, .isOtherFile = isOtherFile, .last = lastRow_};
+    file_->readAbove(
+        lastRow_, [&] { reading.startsOver = true; },
+        [&](SettingsFile::Row&& row) {
+            reading.last = row.id;
+            if (!row.key.data())
+                return;
+            const std::int64_t replaced = reading.rows.put(row.key, row.id, std::move(row.content));
+            if (replaced != 0 && lastRow_ == 0)
+                reading.waste.push_back(replaced);
+        });
+    return reading;
+}
+
+void SettingsDatabase::Core::refresh(bool isOtherFile) {
     // Read first: a commit during the reading makes it stale again.
     const void* address = file_->stampAddress();
     const WALStamp stamp = address ? internal::readStamp(address) : WALStamp();
     const bool isFirst = lastRow_ == 0;
-    bool startsOver = false;
-    std::int64_t last = lastRow_;
-    internal::SettingRows rows;
-    std::vector<std::int64_t> waste;
-    file_->readAbove(
-        lastRow_, [&] { startsOver = true; },
-        [&](SettingsFile::Row&& row) {
-            last = row.id;
-            if (!row.key.data())
-                return;
-            if (const std::int64_t replaced = rows.put(row.key, row.id, std::move(row.content));
-                replaced != 0 && isFirst)
-                waste.push_back(replaced);
-        });
-
+    Reading reading = read(isOtherFile);
+    std::vector<Followed> changes;
     {
         const std::lock_guard hold(holding_);
-        if (startsOver)
+        changes = differences(reading);
+        if (reading.startsOver)
             memory_.forgetRows();
-        memory_.take(std::move(rows));
+        memory_.take(std::move(reading.rows));
         stampAddress_ = address;
         seen_ = stamp;
     }
-    lastRow_ = last;
-    if (isFirst && file_->isWritable())
-        compact(waste);
+    lastRow_ = reading.last;
+    tellFollowers(changes);
+    if (isFirst && file_->isWritable() && !file_->isTransacting())
+        compact(reading.waste);
 }
 
 void SettingsDatabase::Core::compact(const std::vector<std::int64_t>& waste) {
@@ -140,24 +162,25 @@ void SettingsDatabase::Core::compact(const std::vector<std::int64_t>& waste) {
 // The file.
 
 void SettingsDatabase::Core::open() {
+    if (path_.empty())
+        return;
     lastAttempt_ = Clock::now();
     try {
         std::string aside;
         file_ = SettingsFile::open(path_, aside);
         if (!aside.empty())
             note("it was damaged and is set aside as " + aside);
-        lastRow_ = 0;
-        {
-            const std::lock_guard hold(holding_);
-            memory_.forgetRows();
-        }
-        refresh();
+        const bool isOther = known_ != file_->identity();
+        if (isOther)
+            lastRow_ = 0;
+        refresh(isOther);
+        known_ = file_->identity();
     } catch (const RefusedFile& refusal) {
-        note(refusal.what() + std::string(inMemory));
+        note(refusal.what() + std::string(keptInMemory));
     } catch (const std::system_error& error) {
-        note(error.code().message() + inMemory);
+        note(error.code().message() + keptInMemory);
     } catch (const SQLiteFailure& failure) {
-        meet(failure);
+        meet(failure, keptInMemory);
     }
 }
 
@@ -165,6 +188,7 @@ void SettingsDatabase::Core::close() {
     {
         const std::lock_guard hold(holding_);
         stampAddress_ = nullptr;
+        isParked_ = false;
     }
     if (process_ != ::getpid())
         (void)file_.release();
@@ -174,7 +198,7 @@ void SettingsDatabase::Core::close() {
 /// Whether there is a file that can be written; tries to get one when that failed before.
 bool SettingsDatabase::Core::makeWritable(bool atOnce) {
     if (!isOwnProcess()) {
-        note(std::string("this process is a fork of the one that opened it") + inMemory);
+        note(std::string("this process is a fork of the one that opened it") + keptInMemory);
         return false;
     }
     reopenIfReplaced();
@@ -185,7 +209,7 @@ bool SettingsDatabase::Core::makeWritable(bool atOnce) {
         open();
     }
     if (file_ && !file_->isWritable())
-        note(std::string("it cannot be written") + inMemory);
+        note(std::string("it cannot be written") + keptInMemory);
     return file_ && file_->isWritable();
 }
 
@@ -199,9 +223,19 @@ void SettingsDatabase::Core::reopenIfReplaced() {
 // Writing.
 
 bool SettingsDatabase::Core::write(Changes changes) {
+    {
+        const std::lock_guard hold(holding_);
+        if (auto* written = ownOverlay()) {
+            for (auto& [key, value] : changes)
+                written->put(key, std::move(value));
+            return true;
+        }
+    }
     const std::lock_guard use(using_);
     catchUp();
-    dropUnchanged(changes);
+    // In a batch a key may stand twice, and the last one counts.
+    if (changes.size() == 1 && isUnchanged(changes.front()))
+        changes.clear();
     if (changes.empty())
         return true;
     if (makeWritable(false))
@@ -210,18 +244,13 @@ bool SettingsDatabase::Core::write(Changes changes) {
     return false;
 }
 
-void SettingsDatabase::Core::dropUnchanged(Changes& changes) {
-    const auto isUnchanged = [this](const auto& change) {
-        if (memory_.isPending(change.first))
-            return false;
-        const std::lock_guard hold(holding_);
-        const Value old = memory_.value(change.first);
-        return old && change.second ? internal::isIdentical(*old, *change.second)
-                                    : old == change.second;
-    };
-    // In a batch a key may stand twice, and the last one counts.
-    if (changes.size() == 1 && isUnchanged(changes.front()))
-        changes.clear();
+bool SettingsDatabase::Core::isUnchanged(const Changes::value_type& change) {
+    if (memory_.isPending(change.first))
+        return false;
+    const std::lock_guard hold(holding_);
+    const Value old = memory_.value(change.first);
+    return old && change.second ? internal::isIdentical(*old, *change.second)
+                                : old == change.second;
 }
 
 bool SettingsDatabase::Core::store(const Changes& changes) {
@@ -235,49 +264,55 @@ bool SettingsDatabase::Core::store(const Changes& changes) {
 
     std::vector<std::int64_t> rows;
     try {
-        const std::int64_t last = storeAll(all, rows);
-        {
-            const std::lock_guard hold(holding_);
-            for (std::size_t i = 0; i < all.size(); ++i)
-                memory_.stored(all[i].first, all[i].second, rows[i]);
-        }
-        advance(rows.front(), last);
-        allIsWell();
-        compact({});
+        storeAll(all, false, rows);
         return true;
     } catch (const UnstorableValue& reason) {
         file_->rollBack();
         // Of the rows that went in before, there are as many as it was the turn of the next.
         keep(all, &all[rows.size()].second);
-        note(all[rows.size()].first + ": " + reason.what() + inMemory);
+        note(all[rows.size()].first + ": " + reason.what() + keptInMemory);
     } catch (const SQLiteFailure& failure) {
         file_->rollBack();
         keep(all, nullptr);
-        meet(failure);
+        meet(failure, keptInMemory);
     }
     return memory_.pending().empty(); // when a new database took it
 }
 
-/// In one transaction. The row of each change, and the last of them.
-std::int64_t SettingsDatabase::Core::storeAll(const Changes& changes,
-                                              std::vector<std::int64_t>& rows) {
-    const auto storeOne = [&](const auto& change, std::int64_t previous) {
+void SettingsDatabase::Core::storeAll(const Changes& changes, bool isBegun,
+                                      std::vector<std::int64_t>& rows) {
+    writeAll(changes, isBegun, rows);
+    file_->signal();
+    {
+        const std::lock_guard hold(holding_);
+        for (std::size_t i = 0; i < changes.size(); ++i)
+            memory_.stored(changes[i].first, changes[i].second, rows[i]);
+    }
+    advance(rows.front(), rows.back());
+    allIsWell();
+    compact({});
+}
+
+/// In one transaction. Adds the row of each change.
+void SettingsDatabase::Core::writeAll(const Changes& changes, bool isBegun,
+                                      std::vector<std::int64_t>& rows) {
+    const auto writeOne = [&](const auto& change, std::int64_t previous) {
         rows.push_back(file_->write(previous, change.first, change.second.get()));
     };
-    if (changes.size() == 1) { // is a transaction by itself
-        storeOne(changes.front(), memory_.row(changes.front().first));
-        return rows.back();
+    if (changes.size() == 1 && !isBegun) { // is a transaction by itself
+        writeOne(changes.front(), memory_.row(changes.front().first));
+        return;
     }
     std::unordered_map<std::string_view, std::int64_t> written;
     written.reserve(changes.size());
-    file_->begin();
+    if (!isBegun)
+        file_->begin();
     for (const auto& change : changes) {
         const auto found = written.find(change.first);
-        storeOne(change, found == written.end() ? memory_.row(change.first) : found->second);
+        writeOne(change, found == written.end() ? memory_.row(change.first) : found->second);
         written[change.first] = rows.back();
     }
     file_->commit();
-    return rows.back();
 }
 
 /// Takes notice of our own commit. When nobody else committed since what we had seen, there is
@@ -287,7 +322,7 @@ void SettingsDatabase::Core::advance(std::int64_t firstRow, std::int64_t lastRow
         try {
             refresh();
         } catch (const SQLiteFailure& failure) {
-            meet(failure);
+            meet(failure, keptInMemory);
         }
         return;
     }
@@ -307,11 +342,18 @@ void SettingsDatabase::Core::keep(const Changes& changes, const Value* unstorabl
 }
 
 bool SettingsDatabase::Core::removeAll() {
+    if (isTransacting()) {
+        Changes removals;
+        for (const auto& entry : contents())
+            removals.emplace_back(entry.first, Value());
+        return write(std::move(removals));
+    }
     const std::lock_guard use(using_);
     catchUp();
     if (makeWritable(false)) {
         try {
             const std::int64_t mark = file_->removeAll();
+            file_->signal();
             {
                 const std::lock_guard hold(holding_);
                 memory_.clear();
@@ -320,7 +362,7 @@ bool SettingsDatabase::Core::removeAll() {
             allIsWell();
             return true;
         } catch (const SQLiteFailure& failure) {
-            meet(failure);
+            meet(failure, keptInMemory);
         }
     }
     Changes removals;
@@ -334,6 +376,8 @@ bool SettingsDatabase::Core::removeAll() {
 }
 
 bool SettingsDatabase::Core::synchronize() {
+    if (isTransacting())
+        return false;
     const std::lock_guard use(using_);
     catchUp();
     if (!makeWritable(true) || !store({}))
@@ -341,21 +385,22 @@ bool SettingsDatabase::Core::synchronize() {
     try {
         file_->checkpoint();
     } catch (const SQLiteFailure& failure) {
-        meet(failure);
+        meet(failure, notOnDisk);
         return false;
     }
+    allIsWell();
     return memory_.pending().empty();
 }
 
 // Problems.
 
-void SettingsDatabase::Core::meet(const SQLiteFailure& failure) {
+void SettingsDatabase::Core::meet(const SQLiteFailure& failure, const char* consequence) {
     if (failure.isDamage() && file_ && file_->isWritable() && !beginsAnew_) {
         beginAnew();
         return;
     }
-    note(failure.what() + std::string(inMemory));
-    if (lastRow_ == 0) // not even read
+    note(failure.what() + std::string(consequence));
+    if (file_ && known_ != file_->identity()) // not even read
         close();
 }
 
@@ -375,14 +420,16 @@ void SettingsDatabase::Core::beginAnew() {
         if (file_ && file_->isWritable())
             store({});
     } catch (const std::system_error& error) {
-        note("it is damaged and cannot be set aside: " + error.code().message() + inMemory);
+        note("it is damaged and cannot be set aside: " + error.code().message() + keptInMemory);
     } catch (const RefusedFile& refusal) {
-        note(refusal.what() + std::string(inMemory));
+        note(refusal.what() + std::string(keptInMemory));
     }
     beginsAnew_ = false;
 }
 
 void SettingsDatabase::Core::note(const std::string& problem) {
+    if (path_.empty())
+        return;
     const std::lock_guard hold(holding_);
     const std::string line = path_ + ": " + problem;
     if (problem_ == line)

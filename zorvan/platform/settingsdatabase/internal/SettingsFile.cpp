@@ -4,6 +4,7 @@
 
 #include <sqlite3.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace zorvan::internal {
@@ -37,6 +38,12 @@ SettingsFile::SettingsFile(const std::string& path, Access access)
     if (::lstat(path.c_str(), &status) == 0) {
         device_ = status.st_dev;
         inode_ = status.st_ino;
+    }
+    struct statx birth {};
+    if (::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BTIME, &birth) == 0 &&
+        (birth.stx_mask & STATX_BTIME) != 0) {
+        bornSeconds_ = birth.stx_btime.tv_sec;
+        bornNanoseconds_ = birth.stx_btime.tv_nsec;
     }
     checkOrigin();
     if (writable_)
@@ -99,10 +106,21 @@ bool SettingsFile::isInPlace() const noexcept {
            status.st_ino == inode_;
 }
 
+bool SettingsFile::isReplaced() const noexcept {
+    struct stat status {};
+    return ::lstat(path_.c_str(), &status) == 0 && !isInPlace();
+}
+
+void SettingsFile::signal() const noexcept {
+    ::utimensat(AT_FDCWD, path_.c_str(), nullptr, AT_SYMLINK_NOFOLLOW);
+}
+
 void SettingsFile::readAbove(std::int64_t id, const std::function<void()>& startOver,
                              const RowReader& reader) {
     // One transaction, so that both answers are of the same moment.
-    connection_.execute("BEGIN");
+    const bool isWithin = isTransacting();
+    if (!isWithin)
+        connection_.execute("BEGIN");
     try {
         std::int64_t purged = 0;
         {
@@ -123,9 +141,11 @@ void SettingsFile::readAbove(std::int64_t id, const std::function<void()>& start
                 reader({row, read_->text(1), read_->setting(2)});
             }
         }
-        commit();
+        if (!isWithin)
+            commit();
     } catch (...) {
-        rollBack();
+        if (!isWithin)
+            rollBack();
         throw;
     }
 }

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <sys/types.h>
+#include <tuple>
 #include <vector>
 
 namespace zorvan::internal {
@@ -29,6 +30,8 @@ struct RefusedFile : std::runtime_error {
 /// Everything throws `SQLiteFailure`.
 class SettingsFile {
 public:
+    /// Device, number, and the birth where the volume has it: numbers are used again.
+    using Identity = std::tuple<dev_t, ino_t, std::int64_t, std::uint32_t>;
     struct Row {
         std::int64_t id = 0;
         std::string_view key; // null for the marks that have no key
@@ -51,9 +54,14 @@ public:
 
     /// Whether the path still leads to the file that was opened.
     bool isInPlace() const noexcept;
+    /// Whether the path leads to another file.
+    bool isReplaced() const noexcept;
+    /// Tells this file from others.
+    Identity identity() const noexcept { return {device_, inode_, bornSeconds_, bornNanoseconds_}; }
 
     /// Rows above an identifier, in their order. Calls `startOver` first, and gives all rows, when
-    /// rows below may have vanished without a trace since that identifier was the last.
+    /// rows below may have vanished without a trace since that identifier was the last. May be used
+    /// within a transaction.
     void readAbove(std::int64_t id, const std::function<void()>& startOver,
                    const RowReader& reader);
 
@@ -71,6 +79,12 @@ public:
     void begin() { connection_.execute("BEGIN IMMEDIATE"); }
     void commit() { connection_.execute("COMMIT"); }
     void rollBack() noexcept;
+    bool isTransacting() const noexcept { return connection_.isTransacting(); }
+    /// Shows those who watch the file that something was committed. The engine's own writing comes
+    /// before a commit can be seen.
+    void signal() const noexcept;
+    /// Has closing leave the log where it is, which is quick.
+    void leaveLog() { connection_.setCheckpointOnClose(false); }
     void checkpoint() { connection_.checkpoint(); }
 
     /// Where the stamp of the content is; null when there is no way to tell.
@@ -85,6 +99,8 @@ private:
     bool writable_;
     dev_t device_ = 0;
     ino_t inode_ = 0;
+    std::int64_t bornSeconds_ = 0;
+    std::uint32_t bornNanoseconds_ = 0;
     SQLiteConnection connection_;
     std::optional<SQLiteStatement> read_, readPurged_, insert_, update_;
     const void* stamp_ = nullptr;

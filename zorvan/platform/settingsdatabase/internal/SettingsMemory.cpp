@@ -18,17 +18,29 @@ std::int64_t SettingsMemory::row(std::string_view key) const {
     return row ? row->id : 0;
 }
 
-PropertyList::Dictionary SettingsMemory::contents() const {
+PropertyList::Dictionary SettingsMemory::contents(const Changes& changes) const {
     PropertyList::Dictionary all;
     for (const auto& row : rows_.all())
         if (auto value = copyOf(row.content))
             all.emplace(row.key, std::move(*value));
-    for (const auto& [key, change] : pending_) {
+    const auto put = [&](const std::string& key, const Value& value) {
         all.erase(key);
-        if (change.value)
-            all.emplace(key, *change.value);
-    }
+        if (value)
+            all.emplace(key, *value);
+    };
+    for (const auto& [key, change] : pending_)
+        put(key, change.value);
+    for (const auto& [key, value] : changes)
+        put(key, value);
     return all;
+}
+
+std::vector<std::string> SettingsMemory::keysOfRows() const {
+    std::vector<std::string> keys;
+    for (const auto& row : rows_.all())
+        if (!std::holds_alternative<std::monostate>(row.content))
+            keys.emplace_back(row.key);
+    return keys;
 }
 
 bool SettingsMemory::hasStorablePending() const {

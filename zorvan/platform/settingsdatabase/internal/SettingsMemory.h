@@ -8,6 +8,8 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace zorvan::internal {
 
@@ -29,7 +31,11 @@ public:
     std::int64_t row(std::string_view key) const;
     bool isPending(std::string_view key) const { return pending_.contains(key); }
 
-    PropertyList::Dictionary contents() const;
+    using Changes = std::vector<std::pair<std::string, Value>>;
+    /// With changes that are not made yet.
+    PropertyList::Dictionary contents(const Changes& changes = {}) const;
+    /// Of those that are not removed.
+    std::vector<std::string> keysOfRows() const;
     const PendingChanges& pending() const noexcept { return pending_; }
     bool hasStorablePending() const;
 

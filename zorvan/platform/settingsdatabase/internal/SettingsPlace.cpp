@@ -1,6 +1,7 @@
 #include <zorvan/platform/settingsdatabase/internal/SettingsPlace.h>
 
 #include <zorvan/platform/foundation/internal/makeFolders.h>
+#include <zorvan/platform/settingsdatabase/SettingsFolder.h>
 #include <zorvan/platform/settingsdatabase/internal/SettingsFile.h>
 
 #include <cerrno>
@@ -57,8 +58,11 @@ void SettingsPlace::makeFolder(const std::string& folder) {
         failWithErrno(folder);
     if (status.st_uid != ::geteuid())
         throw RefusedFile("its folder belongs to another user");
-    if ((status.st_mode & 077) != 0 && ::fchmod(folder_, 0700) != 0)
+    // Only the folder that is there for settings alone is ours to close.
+    if ((status.st_mode & 077) != 0 && folder == settingsFolder() && ::fchmod(folder_, 0700) != 0)
         throw RefusedFile("its folder is open to other users");
+    if ((status.st_mode & 022) != 0 && folder != settingsFolder())
+        throw RefusedFile("its folder may be written by other users");
     while (::flock(folder_, LOCK_EX) != 0)
         if (errno != EINTR)
             break; // some file systems have no locks; the engine's own are what counts

@@ -5,9 +5,10 @@
 
 namespace zorvan::internal {
 
-/// The place of a database in its folder, made safe: the folder belongs to the user and is open to
-/// nobody else, nothing that stands in for the database is a link or somebody else's. Other
-/// processes that open, make or set aside databases in the folder wait while this lives.
+/// The place of a database in its folder, made safe: the folder belongs to the user and may be
+/// written by nobody else (`settingsFolder()` may not even be read), nothing that stands in for the
+/// database is a link or somebody else's. Other processes that open, make or set aside databases in
+/// the folder wait while this lives.
 class SettingsPlace {
 public:
     /// Makes the folder (0700) and an empty database (0600) when they are missing.

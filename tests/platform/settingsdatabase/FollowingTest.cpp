@@ -1,0 +1,187 @@
+#include <tests/Testing.h>
+
+#include "Processes.h"
+
+#include <tests/files/TemporaryFolder.h>
+
+#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
+
+#include <condition_variable>
+#include <mutex>
+
+namespace {
+
+/// A database that is followed, in a folder that others write to.
+class Following : public testing::Test {
+protected:
+    std::shared_ptr<SettingsDatabase> open() const { return SettingsDatabase::open(path_); }
+
+    std::shared_ptr<const void> follow(SettingsDatabase& database) {
+        return database.follow([this](const std::vector<SettingsDatabase::Followed>& changes) {
+            const std::lock_guard lock(mutex_);
+            for (const auto& change : changes)
+                last_[change.key] = textOf(change.after);
+            for (const auto& change : changes)
+                told_.push_back(change.key + textOf(change.before) + textOf(change.after));
+            hasBeenTold_.notify_all();
+        });
+    }
+    static std::string textOf(const SettingsDatabase::Value& value) {
+        const auto* number = value ? value->as<NSNumber>() : nullptr;
+        return number ? ' ' + std::to_string(number->int64Value()) : " -";
+    }
+    /// What was told until it is so much, or in vain.
+    std::vector<std::string> told(std::size_t count) {
+        std::unique_lock lock(mutex_);
+        hasBeenTold_.wait_for(lock, 20s, [&] { return told_.size() >= count; });
+        return std::exchange(told_, {});
+    }
+    /// Whether that comes to be what was told last of the keys. On the way there may be a new
+    /// database that is still empty.
+    bool becomes(const std::map<std::string, std::string>& last) {
+        std::unique_lock lock(mutex_);
+        const bool isSo = hasBeenTold_.wait_for(lock, 20s, [&] { return last_ == last; });
+        last_.clear();
+        return isSo;
+    }
+    /// Lets another process do it.
+    void elsewhere(const std::function<bool(SettingsDatabase&)>& action) {
+        EXPECT_TRUE(inChild([&] { return action(*SettingsDatabase::open(path_)); }));
+    }
+
+    TemporaryFolder folder_;
+    std::string path_ = folder_.path() / "inner" / "a.settings";
+    std::mutex mutex_;
+    std::condition_variable hasBeenTold_;
+    std::vector<std::string> told_;
+    std::map<std::string, std::string> last_;
+};
+
+} // namespace
+
+TEST_F(Following, tellsWhatOthersChangeOnceAndInOrder) {
+    const auto database = open();
+    database->set("own", 1);
+    auto following = follow(*database);
+    database->set("own", 2);
+    elsewhere([](SettingsDatabase& other) {
+        return other.apply({{"z", 1}, {"a", 2}, {"own", 3}}) && other.set("z", 1);
+    });
+    EXPECT_THAT(told(3), ElementsAre("z - 1", "a - 2", "own 2 3"));
+    database->set("own", 4); // a read between would be as good
+    elsewhere([](SettingsDatabase& other) { return other.set("own", 5) && other.remove("a"); });
+    EXPECT_THAT(told(2), ElementsAre("own 4 5", "a 2 -"));
+    elsewhere([](SettingsDatabase& other) {
+        return other.transact([&] { other.set("b", 6); }) == SettingsDatabase::Outcome::stored;
+    });
+    EXPECT_THAT(told(1), ElementsAre("b - 6"));
+    elsewhere([](SettingsDatabase& other) { return other.removeAll() && other.set("c", 7); });
+    std::vector<std::string> cleared = told(4);
+    std::ranges::sort(cleared);
+    EXPECT_THAT(cleared, ElementsAre("b 6 -", "c - 7", "own 5 -", "z 1 -"));
+    following.reset();
+    elsewhere([](SettingsDatabase& other) { return other.set("c", 8); });
+    EXPECT_EQ(*database->value("c"), PropertyList(8));
+    EXPECT_THAT(told(0), IsEmpty());
+}
+
+// Also while this process writes as much.
+TEST_F(Following, missesNothingOfABusyWriter) {
+    constexpr int count = 400;
+    const auto database = open();
+    const auto following = follow(*database);
+    Child writer([&] {
+        const auto other = open();
+        for (int i = 0; i < count; ++i)
+            if (!other->set(std::to_string(i), i))
+                return false;
+        return true;
+    });
+    for (int i = 0; i < count; ++i)
+        database->set("own " + std::to_string(i % 7), i);
+    EXPECT_TRUE(writer.end());
+    std::vector<std::string> expected;
+    for (int i = 0; i < count; ++i)
+        expected.push_back(std::to_string(i) + " - " + std::to_string(i));
+    EXPECT_EQ(told(count), expected);
+}
+
+TEST_F(Following, tellsSoonAndAfterAWriterIsKilled) {
+    const auto database = open();
+    const auto following = follow(*database);
+    std::vector<std::chrono::nanoseconds> delays;
+    for (int round = 0; round < 20; ++round) {
+        int said[2];
+        ASSERT_EQ(pipe(said), 0);
+        Child writer([&] {
+            open()->set("k", round);
+            const auto now = std::chrono::steady_clock::now();
+            return write(said[1], &now, sizeof now) == sizeof now && pause() == 0;
+        });
+        EXPECT_EQ(told(1).size(), 1u);
+        const auto told = std::chrono::steady_clock::now();
+        std::chrono::steady_clock::time_point written;
+        ASSERT_EQ(read(said[0], &written, sizeof written), ssize_t(sizeof written));
+        delays.push_back(told - written);
+        writer.kill();
+        writer.end();
+        ::close(said[0]);
+        ::close(said[1]);
+    }
+    std::ranges::sort(delays);
+    EXPECT_LT(delays[delays.size() / 2], 50ms);
+}
+
+TEST_F(Following, goesOnWhenTheStoreIsRemovedOrReplaced) {
+    const auto database = open();
+    database->set("a", 1);
+    database->set("b", 1);
+    const auto following = follow(*database);
+    for (const char* ending : {"", "-wal", "-shm"})
+        fs::remove(path_ + ending);
+    elsewhere([](SettingsDatabase& other) { return other.set("a", 2); });
+    EXPECT_TRUE(becomes({{"a", " 2"}, {"b", " -"}}));
+
+    const std::string another = folder_.path() / "another.settings";
+    EXPECT_TRUE(inChild([&] {
+        return SettingsDatabase::open(another)->apply({{"a", 2}, {"b", 3}});
+    }));
+    for (const char* ending : {"-wal", "-shm"}) // which belong to the file that goes
+        fs::remove(path_ + ending);
+    fs::rename(another, path_);
+    EXPECT_TRUE(becomes({{"b", " 3"}}));
+    ASSERT_TRUE(database->value("b"));
+    EXPECT_EQ(*database->value("b"), PropertyList(3));
+
+    fs::remove_all(folder_.path() / "inner");
+    elsewhere([](SettingsDatabase& other) { return other.set("c", 4); });
+    EXPECT_TRUE(becomes({{"a", " -"}, {"b", " -"}, {"c", " 4"}}));
+    EXPECT_TRUE(database->set("d", 5));
+    elsewhere([](SettingsDatabase& other) {
+        return other.value("d") && other.value("c") && other.set("d", 6);
+    });
+    EXPECT_TRUE(becomes({{"d", " 6"}}));
+}
+
+TEST_F(Following, mayEndWhileOthersAreTold) {
+    const auto database = open();
+    std::atomic<bool> goesOn = true;
+    Child writer([&] {
+        const auto other = open();
+        for (int i = 0; i < 2000; ++i)
+            other->set("k", i);
+        return true;
+    });
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i)
+        threads.emplace_back([&] {
+            while (goesOn)
+                auto following = follow(*database);
+        });
+    for (int i = 0; i < 500; ++i)
+        database->transact([&] { auto following = follow(*database); });
+    EXPECT_TRUE(writer.end());
+    goesOn = false;
+    for (std::thread& thread : threads)
+        thread.join();
+}

@@ -1,0 +1,171 @@
+#include <tests/Testing.h>
+
+#include "Processes.h"
+
+#include <tests/files/TemporaryFolder.h>
+
+#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
+
+#include <sqlite3.h>
+
+namespace {
+
+using Outcome = SettingsDatabase::Outcome;
+
+class Transactions : public testing::Test {
+protected:
+    static std::size_t size(SettingsDatabase& database) {
+        const auto list = database.value("list");
+        return list ? list->as<PropertyList::Array>()->size() : 0;
+    }
+    static Outcome append(SettingsDatabase& database, int number) {
+        return database.transact([&] {
+            const auto list = database.value("list");
+            auto longer = list ? *list->as<PropertyList::Array>() : PropertyList::Array();
+            longer.emplace_back(number);
+            database.set("list", std::move(longer));
+        });
+    }
+    std::shared_ptr<SettingsDatabase> open() const { return SettingsDatabase::open(path_); }
+
+    TemporaryFolder folder_;
+    std::string path_ = folder_.path() / "a.settings";
+};
+
+} // namespace
+
+TEST_F(Transactions, areWholeOrNothing) {
+    const auto database = open();
+    database->set("a", 1);
+    database->set("b", 1);
+    const PropertyList::Dictionary before = database->contents();
+    const auto change = [&] {
+        EXPECT_TRUE(database->set("a", 2));
+        EXPECT_TRUE(database->remove("b"));
+        EXPECT_TRUE(database->apply({{"c", 1}, {"c", 3}}));
+        EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"a", 2}, {"c", 3}}));
+        EXPECT_FALSE(database->value("b"));
+        EXPECT_FALSE(database->synchronize());
+        std::thread([&] { EXPECT_EQ(*database->value("a"), PropertyList(1)); }).join();
+        EXPECT_THROW(database->transact([&] {
+            database->removeAll();
+            EXPECT_TRUE(database->contents().empty());
+            throw 1;
+        }),
+                     int);
+        EXPECT_EQ(*database->value("a"), PropertyList(2));
+    };
+    EXPECT_THROW(database->transact([&] {
+        change();
+        throw 2;
+    }),
+                 int);
+    EXPECT_EQ(database->contents(), before);
+    EXPECT_EQ(database->transact(change), Outcome::stored);
+    EXPECT_EQ(database->transact([&] { database->transact([&] { database->removeAll(); }); }),
+              Outcome::stored);
+    EXPECT_TRUE(inChild([&] { return open()->contents().empty(); }));
+    EXPECT_EQ(database->transact([] {}), Outcome::stored);
+}
+
+TEST_F(Transactions, loseNothingOfTenProcesses) {
+    constexpr int each = 30;
+    std::vector<std::unique_ptr<Child>> children;
+    const auto add = [&](SettingsDatabase& database, int from) {
+        for (int i = 0; i < each; ++i)
+            if (append(database, from + i) != Outcome::stored)
+                return false;
+        return true;
+    };
+    for (int child = 0; child < 10; ++child)
+        children.push_back(
+            std::make_unique<Child>([&, child] { return add(*open(), child * each); }));
+    const auto database = open();
+    std::thread other([&] { EXPECT_TRUE(add(*database, 10 * each)); });
+    EXPECT_TRUE(add(*database, 11 * each));
+    other.join();
+    for (const auto& child : children)
+        EXPECT_TRUE(child->end());
+    std::set<std::int64_t> numbers;
+    const auto list = database->value("list");
+    for (const PropertyList& number : *list->as<PropertyList::Array>())
+        numbers.insert(number.as<NSNumber>()->int64Value());
+    EXPECT_EQ(size(*database), 12u * each);
+    EXPECT_EQ(numbers.size(), 12u * each);
+}
+
+// Killed within a transaction, a process holds up nobody.
+TEST_F(Transactions, endWithTheirProcess) {
+    append(*open(), 1);
+    int begun[2];
+    ASSERT_EQ(pipe(begun), 0);
+    Child writer([&] {
+        const auto database = open();
+        database->transact([&] {
+            append(*database, 2);
+            database->set("other", 1);
+            if (write(begun[1], "x", 1) == 1)
+                pause();
+        });
+        return false;
+    });
+    char c;
+    ASSERT_EQ(read(begun[0], &c, 1), 1);
+    writer.kill();
+    writer.end();
+    const auto database = open();
+    EXPECT_EQ(append(*database, 3), Outcome::stored);
+    EXPECT_EQ(size(*database), 2u);
+    EXPECT_FALSE(database->value("other"));
+}
+
+TEST_F(Transactions, changeNothingWhenTheyAreRefused) {
+    std::vector<std::string> told;
+    SettingsDatabase::setProblemHandler([&](const std::string& text) { told.push_back(text); });
+    const auto database = open();
+    append(*database, 1);
+    sqlite3* lock = nullptr;
+    ASSERT_EQ(sqlite3_open(path_.c_str(), &lock), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(lock, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+    EXPECT_EQ(append(*database, 2), Outcome::refused); // after a while
+    sqlite3_close(lock);
+    EXPECT_EQ(size(*database), 1u);
+    EXPECT_EQ(database->transact([&] {
+        database->set("small", 1);
+        database->set("large", Data(SettingsDatabase::maximumValueSize, std::byte{1}));
+    }),
+              Outcome::refused);
+    EXPECT_FALSE(database->value("small"));
+    EXPECT_FALSE(database->value("large"));
+    EXPECT_EQ(told, (std::vector{path_ + ": database is locked; nothing was changed",
+                                 path_ + ": large: the value is larger than 256 MiB; nothing was "
+                                         "changed"}));
+    EXPECT_EQ(append(*database, 2), Outcome::stored);
+    EXPECT_EQ(database->problem(), std::nullopt);
+    SettingsDatabase::setProblemHandler({});
+
+    const auto nowhere = SettingsDatabase::inMemory();
+    EXPECT_EQ(append(*nowhere, 1), Outcome::kept);
+    EXPECT_EQ(size(*nowhere), 1u);
+    EXPECT_EQ(nowhere->problem(), std::nullopt);
+}
+
+// A child that is made within one cannot go on with it.
+TEST_F(Transactions, areNotTakenAlongIntoAChild) {
+    SettingsDatabase::setProblemHandler([](const std::string&) {});
+    const auto database = open();
+    pid_t child = -1;
+    const Outcome outcome = database->transact([&] {
+        append(*database, 1);
+        child = ::fork();
+    });
+    if (child == 0)
+        ::_exit(outcome == Outcome::kept && size(*database) == 1 ? 0 : 1);
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(outcome, Outcome::stored);
+    EXPECT_EQ(append(*database, 2), Outcome::stored);
+    EXPECT_TRUE(inChild([&] { return size(*open()) == 2; }));
+    SettingsDatabase::setProblemHandler({});
+}

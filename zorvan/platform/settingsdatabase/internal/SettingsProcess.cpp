@@ -1,0 +1,138 @@
+#include <zorvan/platform/settingsdatabase/internal/SettingsProcess.h>
+
+#include <zorvan/platform/settingsdatabase/internal/SettingsCore.h>
+
+#include <pthread.h>
+#include <set>
+#include <unistd.h>
+#include <utility>
+
+namespace zorvan {
+
+using internal::FileWatch;
+using internal::OpenDatabases;
+
+OpenDatabases& OpenDatabases::shared() {
+    static OpenDatabases& databases = *new OpenDatabases;
+    return databases;
+}
+
+/// All there are in the process. Never destroyed.
+struct SettingsDatabase::Core::Process {
+    std::mutex mutex; // after that of the open databases, before those of each
+    std::set<Core*> cores;
+    std::atomic<bool> hasEnded = false;
+
+    static Process& shared() {
+        static Process& process = *new Process;
+        static const AtEnd atEnd;
+        return process;
+    }
+
+private:
+    /// Closes the databases, so that their logs are gone.
+    struct AtEnd {
+        ~AtEnd() {
+            Process& process = shared();
+            process.hasEnded = true;
+            const std::lock_guard lock(process.mutex);
+            for (Core* const core : process.cores)
+                core->end();
+        }
+    };
+
+    Process() { ::pthread_atfork(prepare, endInParent, endInChild); }
+
+    static void prepare() {
+        OpenDatabases::shared().mutex.lock();
+        Process& process = shared();
+        process.mutex.lock();
+        for (Core* const core : process.cores)
+            core->prepareFork();
+        FileWatch::shared().lock();
+    }
+    static void end(bool isChild) {
+        if (isChild)
+            FileWatch::shared().forgetInChild();
+        FileWatch::shared().unlock();
+        Process& process = shared();
+        for (Core* const core : process.cores)
+            core->endFork(isChild);
+        process.mutex.unlock();
+        OpenDatabases::shared().mutex.unlock();
+    }
+    static void endInParent() { end(false); }
+    static void endInChild() { end(true); }
+};
+
+void SettingsDatabase::Core::join() {
+    Process& process = Process::shared();
+    const std::lock_guard lock(process.mutex);
+    process.cores.insert(this);
+}
+
+void SettingsDatabase::Core::leave() {
+    Process& process = Process::shared();
+    const std::lock_guard lock(process.mutex);
+    process.cores.erase(this);
+}
+
+bool SettingsDatabase::Core::hasEnded() noexcept { return Process::shared().hasEnded; }
+
+/// Closes the file until it is used. What is known of it stays.
+void SettingsDatabase::Core::park() {
+    if (!file_ || !isOwnProcess())
+        return;
+    close();
+    const std::lock_guard hold(holding_);
+    isParked_ = true;
+}
+
+void SettingsDatabase::Core::unpark() {
+    {
+        const std::lock_guard hold(holding_);
+        if (!std::exchange(isParked_, false))
+            return;
+    }
+    open();
+    watch();
+}
+
+/// A connection cannot be taken along into a child process: its locks stay behind, and what it has
+/// mapped is cut short by others, who do not know of the child.
+void SettingsDatabase::Core::prepareFork() {
+    isForkedWithin_ = isTransacting();
+    if (!isForkedWithin_) {
+        using_.lock();
+        if (file_ && isOwnProcess())
+            file_->leaveLog();
+        park();
+    }
+    holding_.lock();
+    following_.lock();
+}
+
+void SettingsDatabase::Core::endFork(bool isChild) {
+    if (isChild) {
+        stampAddress_ = nullptr;
+        watch_ = 0;
+        if (!isForkedWithin_)
+            process_ = ::getpid();
+    }
+    following_.unlock();
+    holding_.unlock();
+    if (!isForkedWithin_)
+        using_.unlock();
+}
+
+void SettingsDatabase::Core::end() {
+    if (isTransacting())
+        return;
+    const std::unique_lock use(using_, std::try_to_lock); // another thread may still use it
+    if (!use.owns_lock())
+        return;
+    storeAtEnd();
+    park();
+}
+
+} // namespace zorvan
