@@ -28,7 +28,7 @@ static std::vector<PlantPointer> plants() {
         {"Rosemary", "Lamiaceae"}, {"Thyme", "Lamiaceae"},       {"Tulip", "Liliaceae"}};
     std::vector<PlantPointer> plants;
     for (int i = 0; i < 100'000; ++i) {
-        const auto& [name, family] = kinds[i % std::size(kinds)];
+        const auto& [name, family] = kinds[static_cast<std::size_t>(i) % std::size(kinds)];
         plants.push_back(std::make_shared<Plant>(
             Plant{QString("%1 %2").arg(name).arg(i), family, 5 + i * 37 % 90}));
     }
