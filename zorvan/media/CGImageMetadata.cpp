@@ -2,6 +2,7 @@
 
 #include <zorvan/media/ImageKeys.h>
 #include <zorvan/media/internal/parseDate.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
 
 #include <algorithm>
 #include <cmath>
@@ -42,8 +43,7 @@ Date inZoneOfProcess(Date asUTC) {
 std::optional<Date> dateIn(const PropertyList::Dictionary& exif, const std::string& which) {
     std::string text = textUnder(exif, "DateTime" + which);
     const std::string fraction = textUnder(exif, "SubsecTime" + which);
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    if (!fraction.empty() && std::all_of(fraction.begin(), fraction.end(), isDigit))
+    if (!fraction.empty() && std::all_of(fraction.begin(), fraction.end(), internal::isDigit))
         text += '.' + fraction;
     const std::string zone = textUnder(exif, "OffsetTime" + which);
     if (!zone.empty())

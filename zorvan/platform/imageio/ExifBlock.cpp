@@ -1,5 +1,7 @@
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
 
+#include <zorvan/platform/foundation/internal/ascii.h>
+
 #include <libexif/exif-data.h>
 #include <libexif/exif-utils.h>
 
@@ -119,8 +121,7 @@ private:
 
 /// "0231" as [2, 3, 1], "0220" as [2, 2].
 std::optional<PropertyList> versionFrom(std::string_view digits) {
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    if (digits.size() != 4 || !std::all_of(digits.begin(), digits.end(), isDigit))
+    if (digits.size() != 4 || !std::all_of(digits.begin(), digits.end(), internal::isDigit))
         return std::nullopt;
     PropertyList::Array result;
     const int major = (digits[0] - '0') * 10 + digits[1] - '0';

@@ -1,7 +1,8 @@
 #include <zorvan/platform/security/internal/PrivateKeyFile.h>
 
-#include <zorvan/platform/foundation/UUID.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/NewFile.h>
+#include <zorvan/platform/foundation/internal/Scratch.h>
 #include <zorvan/platform/security/internal/Failure.h>
 
 #include <algorithm>
@@ -86,30 +87,10 @@ Secret fileOf(const SealingKey& key) {
     return file;
 }
 
-bool writeAll(int descriptor, const Data& bytes) {
-    std::size_t written = 0;
-    while (written < bytes.size()) {
-        const ssize_t count = ::write(descriptor, bytes.data() + written, bytes.size() - written);
-        if (count < 0 && errno != EINTR)
-            return false;
-        if (count > 0)
-            written += static_cast<std::size_t>(count);
-    }
-    return ::fsync(descriptor) == 0;
-}
-
-/// Moves a file to a name, unless that is taken, which counts as done. Where the volume cannot do
-/// that in one step, the file has both names for a moment.
-bool moveUnlessTaken(const std::string& from, const std::string& to) {
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
-        return true;
-    return errno == EEXIST ||
-           (errno == EINVAL && (::link(from.c_str(), to.c_str()) == 0 || errno == EEXIST));
-}
-
 /// Takes away the first names of a key file that a process was ended over before it could: those
-/// that begin as such names do and are the same file.
+/// of a new file, and as they were in earlier versions, which had "key." in front.
 void dropFirstNames(const PrivateFolder& folder, ino_t node) {
+    zorvan::internal::removeUnfinished(folder.path());
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator(folder.path(), error)) {
         const std::string name = entry.path().filename().string();
@@ -123,17 +104,16 @@ void dropFirstNames(const PrivateFolder& folder, ino_t node) {
 
 /// Puts a whole file under the name of the key, unless that is taken.
 void placeKeyFile(const PrivateFolder& folder, const SealingKey& key) {
-    const std::string temporary =
-        folder.path((std::string(temporaryStart) + makeUUIDString()).c_str());
-    const FileDescriptor file(
-        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    if (!file)
-        throw Failure{errno == ENOSPC ? errSecDiskFull : errSecIO};
-    const bool isPlaced = writeAll(file.get(), fileOf(key).bytes()) &&
-                          moveUnlessTaken(temporary, folder.path(keyFile));
-    const int error = errno;
-    ::unlink(temporary.c_str());
-    if (!isPlaced)
+    const std::string name = folder.path(keyFile);
+    zorvan::internal::NewFile file(zorvan::internal::Scratch::pathBeside(name), 0600);
+    int error = file.error();
+    if (error == 0)
+        error = file.write(fileOf(key).bytes());
+    if (error == 0)
+        error = file.synchronise();
+    if (error == 0)
+        error = file.place(name);
+    if (error != 0 && error != EEXIST)
         throw Failure{error == ENOSPC ? errSecDiskFull : errSecIO};
     folder.sync();
 }

@@ -1,5 +1,7 @@
 #include <zorvan/settings/internal/conversions.h>
 
+#include <zorvan/platform/foundation/internal/ascii.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
@@ -22,8 +24,6 @@ SignedText withoutSign(std::string_view text) {
     const bool hasSign = !text.empty() && (text[0] == '-' || text[0] == '+');
     return {hasSign && text[0] == '-', text.substr(hasSign ? 1 : 0)};
 }
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 std::int64_t integerIn(std::string_view text) {
     const SignedText number = withoutSign(text);

@@ -1,5 +1,7 @@
 #include <zorvan/platform/textservices/internal/AsciiOrder.h>
 
+#include <zorvan/platform/foundation/internal/ascii.h>
+
 #include <unicode/ucoleitr.h>
 #include <unicode/uset.h>
 
@@ -14,7 +16,6 @@ namespace {
 constexpr std::size_t longestNumber = 254; // the collator splits longer ones
 
 bool isAscii(char c) noexcept { return static_cast<unsigned char>(c) < 0x80; }
-bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 
 int compareWith(const UCollator* collator, std::string_view a, std::string_view b) {
     UErrorCode status = U_ZERO_ERROR;
