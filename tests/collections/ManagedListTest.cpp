@@ -196,14 +196,17 @@ TEST(ManagedList, tellsWhereItemsWentOfTheChangeThatIsTold) {
                                                   if (list->count() == 3)
                                                       list->insert({'x'}, 0);
                                               });
-    const auto early =
-        center->addObserver(NSNotificationName(Letters::willReloadNotification), list, nullptr,
-                            [&](const Notification&) { EXPECT_FALSE(list->reordering()); });
+    // Before the insertion, for whoever was not told of the reversal yet.
+    std::vector<bool> isTold;
+    const auto early = center->addObserver(
+        NSNotificationName(Letters::willReloadNotification), list, nullptr,
+        [&](const Notification&) { isTold.push_back(list->reordering().has_value()); });
     const auto asking = center->addObserver(
         NSNotificationName(Letters::didReloadNotification), list, nullptr,
         [&](const Notification&) { firsts.push_back(list->reordering()->newPosition(0).value()); });
     list->reverseOrder();
     EXPECT_EQ(firsts, (std::vector<std::int64_t>{1, 2}));
+    EXPECT_EQ(isTold, (std::vector<bool>{false, true}));
     center->removeObserver(changing);
     center->removeObserver(asking);
     center->removeObserver(early);

@@ -127,7 +127,8 @@ public:
     /// being told of: what an edition leaves out for a sort, a reversal and a filter, and what
     /// tells equal items apart. Absent at other times. It is made when it is asked for, and costs
     /// nothing otherwise. When an observer changes the list, those after it are told of that change
-    /// first, and each is answered for the change that it is being told of.
+    /// first: before it, they are answered for the change that they were not told of yet, and after
+    /// it for that one.
     std::optional<Reordering> reordering() const {
         return reordering_ ? std::optional((*reordering_)()) : std::nullopt;
     }
@@ -203,7 +204,6 @@ private:
 template <std::equality_comparable Item>
 void ManagedList<Item>::Change::announceWill() const {
     const Setting<bool> isAnnouncing(list_->isAnnouncingWill_, true);
-    const Setting<const MakeReordering*> none(list_->reordering_, nullptr);
     announce(willReloadNotification);
 }
 
