@@ -1,7 +1,7 @@
 # Which runtime package a component's library goes into, and which toolkit it wants.
 
 set(ZORVAN_PACKAGE_media
-    AppKit Drawing FFmpegMedia Graphics ImageIO Interface Media MediaAssets MediaFiles MediaImages MediaValues
+    AppKit Drawing FFmpegMedia Graphics ImageIO Interface JxlPictures Media MediaAssets MediaFiles MediaImages MediaValues
     MovieFrames TextDrawing)
 set(ZORVAN_PACKAGE_playback MediaPlayback Playback)
 set(ZORVAN_PACKAGE_windows QtHost)

@@ -1,4 +1,6 @@
 #include <zorvan/platform/imageio/ImageReader.h>
+
+#include <zorvan/platform/foundation/internal/functionBeside.h>
 #include <zorvan/platform/imageio/internal/ByteOrder.h>
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/HeifBoxes.h>
@@ -109,11 +111,17 @@ std::unique_ptr<ImageReader> readerFor(std::unique_ptr<ByteSource> source) {
 
 } // namespace
 
-#ifndef ZORVAN_JPEG_XL
-std::unique_ptr<ImageReader> makeJpegXLReader(std::unique_ptr<ByteSource>) {
-    return std::make_unique<UnreadableFile>(reason::noDecoder);
+std::unique_ptr<ImageReader> makeJpegXLReader(std::unique_ptr<ByteSource> source) {
+    using Make =
+        void (*)(std::unique_ptr<ByteSource> source, std::unique_ptr<ImageReader> & reader);
+    static const auto make = reinterpret_cast<Make>(
+        internal::functionBeside(ZORVAN_JXL_PICTURES, "zorvanMakeJpegXLReader"));
+    if (!make)
+        return std::make_unique<UnreadableFile>(reason::noDecoder);
+    std::unique_ptr<ImageReader> reader;
+    make(std::move(source), reader);
+    return reader;
 }
-#endif
 
 std::string_view typeIdentifier(FileFormat format) noexcept {
     switch (format) {

@@ -247,8 +247,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<ImageReader> makeJpegXLReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<JpegXLReader>(std::move(source));
+extern "C" void zorvanMakeJpegXLReader(std::unique_ptr<ByteSource> source,
+                                       std::unique_ptr<ImageReader>& reader) {
+    reader = std::make_unique<JpegXLReader>(std::move(source));
 }
 
 } // namespace zorvan::imageio
