@@ -349,6 +349,8 @@ TEST_F(KeychainTest, TheStandardOneIsTheMainBundles) {
     EXPECT_EQ(UserKeychain::standard(), UserKeychain::standard());
     EXPECT_EQ(UserKeychain::standard()->serviceName(), "QuenlowKeychain");
     EXPECT_EQ(UserKeychain::standard()->accessGroup(), std::nullopt);
+    EXPECT_EQ(UserKeychain::createForProgram()->serviceName(),
+              fs::read_symlink("/proc/self/exe").filename());
     EXPECT_FALSE(UserKeychain::standard()->enableSynchronization());
     fs::copy(STANDARD_KEYCHAIN, root / "program");
     fs::create_directory(root / "program.bundle");

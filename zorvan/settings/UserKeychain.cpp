@@ -1,5 +1,6 @@
 #include <zorvan/settings/UserKeychain.h>
 
+#include <zorvan/platform/foundation/executablePath.h>
 #include <zorvan/platform/propertylist/NSBundle.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
 #include <zorvan/platform/security/internal/Items.h>
@@ -76,6 +77,11 @@ const std::shared_ptr<UserKeychain>& UserKeychain::standard() {
         create({.serviceName =
                     NSBundle::mainBundle()->bundleIdentifier().value_or(serviceWithoutBundle)}));
     return keychain;
+}
+
+std::shared_ptr<UserKeychain> UserKeychain::createForProgram() {
+    const std::string path = executablePath();
+    return path.empty() ? standard() : create({.serviceName = path.substr(path.rfind('/') + 1)});
 }
 
 bool UserKeychain::set(const Data& bytes, const Key& key, std::optional<Access> access) const {

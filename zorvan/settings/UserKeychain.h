@@ -101,6 +101,9 @@ public:
     /// All programs without an identifier share one service, "QuenlowKeychain": they read,
     /// overwrite and, by `removeAllKeys`, remove each other's items.
     [[nodiscard]] static const std::shared_ptr<UserKeychain>& standard();
+    /// For a program without an identifier that shares its items with no other: the file name of the
+    /// running executable is the service. Where the system does not tell it, as `standard`.
+    [[nodiscard]] static std::shared_ptr<UserKeychain> createForProgram();
     std::string serviceName() const { return serviceName_; }
     std::optional<std::string> accessGroup() const { return accessGroup_; }
 
