@@ -69,8 +69,9 @@ private:
         const CGRect seen = clipView_->bounds(), document = document_->frame();
         const double top =
             clipView_->isFlipped() ? seen.minY() - document.minY() : document.maxY() - seen.maxY();
-        fit(*horizontalScrollBar(), size.width(), viewport()->width(),
-            seen.minX() - document.minX());
+        // A document made as wide as the scroll view wants no bar for what the vertical one covers.
+        const int across = size.width() <= width() ? size.width() : viewport()->width();
+        fit(*horizontalScrollBar(), size.width(), across, seen.minX() - document.minX());
         fit(*verticalScrollBar(), size.height(), viewport()->height(), top);
         shown_->resize(size);
         place();
