@@ -11,6 +11,7 @@
 #include <zorvan/platform/appkit/NSScrollView.h>
 
 #include <QApplication>
+#include <QWidget>
 #include <algorithm>
 #include <string>
 
@@ -140,5 +141,7 @@ int main(int argc, char** argv) {
     book->start();
     book->followSelection();
     const auto host = QtWindowHost::show(window);
+    if (argc > 1) // a file that the window is drawn into
+        return host->widget().grab().save(argv[1]) ? 0 : 1;
     return QApplication::exec();
 }

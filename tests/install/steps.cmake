@@ -205,7 +205,12 @@ elseif(STEP STREQUAL readme)
     endif()
   endforeach()
 
-elseif(STEP MATCHES "^(qt-filter|qml-filter|gtk-million)$")
+elseif(STEP STREQUAL follow)
+  build_consumer(${SOURCE_TREE}/examples/follow)
+  set(ENV{XDG_CONFIG_HOME} ${WORK}/settings)
+  must_run(${WORK}/follow-build/follow -5)
+
+elseif(STEP MATCHES "^(address-book|qt-filter|qml-filter|gtk-million)$")
   # An example that draws its window without a screen. The pictures of the guide are made so:
   # ZORVAN_PICTURES=$PWD/docs/images ctest --test-dir build/release -R install
   build_consumer(${SOURCE_TREE}/examples/${STEP})
