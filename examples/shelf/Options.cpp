@@ -66,7 +66,7 @@ std::int64_t number(const std::string& option, const std::string& text, std::int
     return value;
 }
 
-ImageExportFormat format(const std::string& option, std::string_view extension) {
+ImageExportFormat formatNamed(const std::string& option, std::string_view extension) {
     if (const auto known = ImageExportFormat::make({.pathExt = extension})) {
         if (!zorvan::CGImageDestination::supports(known->cgType()))
             throw UsageError("the encoder for " + std::string(known->displayName()) +
@@ -128,12 +128,12 @@ private:
 
     void setSheet(const std::string& path) {
         const zorvan::URL url({.fileURLWithPath = path});
-        options_.sheetFormat = format("--output", url.pathExtension());
+        options_.sheetFormat = formatNamed("--output", url.pathExtension());
         options_.sheet = path;
     }
 
     void setScreenshot(const std::string& path) {
-        if (format("--screenshot", zorvan::URL({.fileURLWithPath = path}).pathExtension()) !=
+        if (formatNamed("--screenshot", zorvan::URL({.fileURLWithPath = path}).pathExtension()) !=
             ImageExportFormat::png)
             throw UsageError("--screenshot writes png only");
         options_.screenshot = path;
@@ -169,7 +169,9 @@ private:
              options_.exportSize = number("--size", value, 65535);
          }},
         {"--format",
-         [this](const std::string& value) { options_.exportFormat = format("--format", value); }},
+         [this](const std::string& value) {
+             options_.exportFormat = formatNamed("--format", value);
+         }},
     };
 };
 

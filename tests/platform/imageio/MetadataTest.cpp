@@ -210,7 +210,7 @@ TEST(Metadata, TheThumbnailInsideExifIsDecoded) {
     const Data thumbnail = encoded(FileFormat::jpeg, pattern(16, 12));
     Data block = orientationBlock(true, 3, 6);
     const auto put = [&](std::size_t value, int width) { append(block, value, width, true); };
-    block.resize(block.size() - 4); // the place of the next directory
+    block.erase(block.end() - 4, block.end()); // the place of the next directory
     put(block.size() + 4, 4);
     const std::size_t data = block.size() + 2 + 3 * 12 + 4;
     put(3, 2);
