@@ -218,6 +218,15 @@ TEST_F(Faults, keepsInMemoryWhatAFullDiskCannotTake) {
             ++(database->set(std::to_string(i), std::string(4000, 'x')) ? stored : kept);
         if (stored == 0 || kept == 0 || database->contents().size() != 100 || told_.size() != 1)
             return false;
+        // A transaction is taken whole or not at all.
+        const std::string larger(5000, 'y');
+        const auto isLarger = [&](const char* key) { return *database->value(key) == larger; };
+        const auto outcome = database->transact([&] {
+            database->set("0", larger);
+            database->set("1", larger);
+        });
+        if (outcome == SettingsDatabase::Outcome::stored || isLarger("0") != isLarger("1"))
+            return false;
         isMounted ? void(::mount("tmpfs", small.c_str(), "tmpfs", MS_REMOUNT, "size=4m"))
                   : limit(RLIM_INFINITY);
         return database->synchronize() && database->problem() == std::nullopt;

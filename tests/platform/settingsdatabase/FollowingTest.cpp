@@ -132,6 +132,40 @@ TEST_F(Following, tellsSoonAndAfterAWriterIsKilled) {
     EXPECT_LT(delays[delays.size() / 2], 50ms);
 }
 
+TEST_F(Following, isMissedByNobodyWhenItIsKilled) {
+    const auto database = open();
+    const auto following = follow(*database);
+    Child follower([&] {
+        const auto own = open();
+        const auto theirs = follow(*own);
+        return !own->set("ready", 1) || pause() == 0;
+    });
+    EXPECT_THAT(told(1), ElementsAre("ready - 1"));
+    follower.kill();
+    follower.end();
+    for (int i = 1; i <= 50; ++i)
+        EXPECT_TRUE(database->set("k", i));
+    elsewhere([](SettingsDatabase& other) {
+        return *other.value("k") == PropertyList(50) && other.set("k", 51);
+    });
+    EXPECT_THAT(told(1), ElementsAre("k 50 51"));
+}
+
+TEST_F(Following, isForTheUserOfTheDatabaseAlone) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "Only root can be another user.";
+    EXPECT_TRUE(open()->set("k", 1));
+    EXPECT_TRUE(inChild([&] {
+        constexpr uid_t nobody = 65534;
+        if (setuid(nobody) != 0)
+            return false;
+        const auto database = open();
+        const auto following = follow(*database);
+        return !database->value("k") && !database->set("k", 2) && database->value("k");
+    }));
+    EXPECT_EQ(*open()->value("k"), PropertyList(1));
+}
+
 TEST_F(Following, goesOnWhenTheStoreIsRemovedOrReplaced) {
     const auto database = open();
     database->set("a", 1);
