@@ -38,6 +38,15 @@ TEST(IndexSet, isBuiltFromItsLabels) {
     EXPECT_EQ(million.ranges().size(), 1u);
 }
 
+TEST(IndexSet, beginsAtZeroWithoutAGapBefore) {
+    for (const IndexSet& other :
+         {IndexSet{0}, IndexSet{0, 5}, IndexSet{0, 5, 9}, IndexSet{0, 2, 4, 6}}) {
+        EXPECT_EQ(IndexSet{0}.subtracting(other), IndexSet());
+        EXPECT_EQ(other.subtracting({0}), other.removing(0));
+        EXPECT_EQ(IndexSet({0, 1, 3}).subtracting(other).intersects(other), false);
+    }
+}
+
 TEST(IndexSet, holdsTheLargestPosition) {
     const std::int64_t largest = IndexSet::maximumIndex;
     const IndexSet set{largest, 0};
@@ -53,8 +62,7 @@ TEST(IndexSet, holdsTheLargestPosition) {
 TEST(IndexSetDeathTest, refusesWhatIsNoPosition) {
     const std::int64_t tooLarge = std::numeric_limits<std::int64_t>::max();
     EXPECT_EQ(toIndexSet(7), IndexSet({7}));
-    EXPECT_DEATH((void)toIndexSet(-1),
-                 "^An index set holds no negative positions, such as -1.\n$");
+    EXPECT_DEATH((void)toIndexSet(-1), "^An index set holds no negative positions, such as -1.\n$");
     EXPECT_DEATH(IndexSet({-1}), "^An index set holds no negative positions, such as -1.\n$");
     EXPECT_DEATH(IndexSet({tooLarge}),
                  "^An index set holds no position above 9223372036854775806, such as "

@@ -75,7 +75,9 @@ IndexSet::Ranges IndexSet::merge(std::span<const Range> a, Second b, Second bEnd
         };
         const auto isInside = [&](Range range) { return range.lower < a[to].lower; };
         const Second bFrom = third == 0 ? b : firstNot(isBefore);
-        const Second bTo = third == 2 ? bEnd : firstNot(isInside);
+        // A gap of no positions may be before the stretch and not inside of what ends there.
+        const Second inside = third == 2 ? bEnd : firstNot(isInside);
+        const Second bTo = inside - bFrom < 0 ? bFrom : inside;
         const Merge<Second> stretch{{a.data() + from, a.data() + to, bFrom, bTo, room}};
         room += to - from + static_cast<std::size_t>(bTo - bFrom) + 2;
         return stretch;

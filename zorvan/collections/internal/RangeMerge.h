@@ -112,7 +112,7 @@ template <class Merge>
 std::array<Range*, 3> mergeTogether(Merge first, Merge second, Merge third) {
     for (;;) {
         std::ptrdiff_t steps = std::min({first.sureSteps(), second.sureSteps(), third.sureSteps()});
-        if (steps == 0)
+        if (steps <= 0)
             break;
         for (; steps > 0; --steps) {
             first.step();
