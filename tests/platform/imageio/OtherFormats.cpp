@@ -104,6 +104,8 @@ void putGifPicture(GifFileType* gif, const GifForm& form, PixelSize size,
 }
 
 void putPixel(std::vector<std::uint8_t>& row, std::size_t x, std::uint32_t value, int bits) {
+    if (8 % bits != 0 && bits < 8)
+        return; // of a form that there is not
     if (bits < 8)
         row[x * static_cast<std::size_t>(bits) / 8] |=
             static_cast<std::uint8_t>(value << (8 - bits - static_cast<int>(x) * bits % 8));
