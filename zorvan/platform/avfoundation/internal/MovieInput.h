@@ -9,6 +9,7 @@
 #include <string>
 
 extern "C" {
+#include <libavcodec/version.h>
 #include <libavformat/avformat.h>
 }
 
