@@ -21,12 +21,12 @@ bool hasIcons(const NSToolbar& toolbar) {
     return toolbar.displayMode() != NSToolbar::DisplayMode::labelOnly;
 }
 
-BarItem barItem(NSToolbarItem& item, const NSToolbar& toolbar) {
+BarLength barLength(NSToolbarItem& item, const NSToolbar& toolbar) {
     if (item.itemIdentifier() == NSToolbarFlexibleSpaceItemIdentifier)
         return {.isFlexible = true};
     if (item.itemIdentifier() == NSToolbarSpaceItemIdentifier)
         return {.width = spaceWidth};
-    BarItem bar;
+    BarLength bar;
     if (const auto* separator = dynamic_cast<NSTrackingSeparatorToolbarItem*>(&item))
         bar.wantedLeft = separator->dividerPosition().value_or(-1);
     const auto view = item.shownView();
@@ -56,9 +56,9 @@ void ToolbarStrip::layout() {
     std::stable_partition(items.begin(), items.end(),
                           [](const auto& item) { return item->isNavigational(); });
     showItems(items);
-    std::vector<BarItem> bar;
+    std::vector<BarLength> bar;
     for (const auto& item : items)
-        bar.push_back(barItem(*item, *toolbar));
+        bar.push_back(barLength(*item, *toolbar));
     const auto places = spreadItems(bar, bounds().width(), margin, gap);
     places_.clear();
     for (std::size_t i = 0; i < items.size(); ++i) {

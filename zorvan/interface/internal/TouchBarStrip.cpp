@@ -33,7 +33,7 @@ void TouchBarStrip::layout() {
         return;
     const auto items = touchBar->items();
     std::vector<std::shared_ptr<NSView>> views;
-    std::vector<BarItem> bar;
+    std::vector<BarLength> bar;
     for (const auto& item : items) {
         const auto view = item->view();
         views.push_back(view);

@@ -7,7 +7,7 @@
 namespace zorvan {
 
 /// What stands in a bar: so wide, or as wide as it can be.
-struct BarItem {
+struct BarLength {
     double width = 0;
     bool isFlexible = false;
     /// Where it has to begin when there is room; below 0 anywhere.
@@ -21,12 +21,12 @@ struct BarPlace {
 };
 
 /// One after the other with a gap between them, inside margins. Flexible ones share what is left.
-inline std::vector<BarPlace> spreadItems(const std::vector<BarItem>& items, double width,
+inline std::vector<BarPlace> spreadItems(const std::vector<BarLength>& items, double width,
                                          double margin, double gap) {
     std::vector<BarPlace> places(items.size());
     // From one wanted place to the next, so that what stands before one fills the room up to it.
     std::size_t first = 0;
-    double left = margin;
+    double left = items.empty() ? margin : std::max(margin, items.front().wantedLeft);
     while (first < items.size()) {
         std::size_t end = first + 1;
         while (end < items.size() && items[end].wantedLeft < 0)
