@@ -45,8 +45,9 @@ def set_up(home):
                       QT_QPA_PLATFORM="xcb", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
                       QT_STYLE_OVERRIDE="Fusion", NO_AT_BRIDGE="1")
     read, write = os.pipe()
+    # A server that resets when its last client leaves turns away whoever connects just then.
     start("Xvfb", "-displayfd", str(write), "-screen", "0", "1280x800x24", "-nolisten", "tcp",
-          pass_fds=[write], stderr=subprocess.DEVNULL)
+          "-noreset", pass_fds=[write])
     os.close(write)
     with os.fdopen(read) as display:
         os.environ["DISPLAY"] = ":" + display.readline().strip()
@@ -72,6 +73,7 @@ def read_gallery(program):
     gallery = start(program)
 
     def window():
+        check("the gallery's end", gallery.poll(), None)
         desktop = Atspi.get_desktop(0)
         for i in range(desktop.get_child_count()):
             application = desktop.get_child_at_index(i)
