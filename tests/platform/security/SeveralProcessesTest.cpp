@@ -1,5 +1,7 @@
 #include "SecureItems.h"
 
+#include <zorvan/platform/security/internal/Items.h>
+
 #include <csignal>
 #include <poll.h>
 #include <random>
@@ -146,4 +148,33 @@ TEST_F(SeveralProcesses, AForkedChildUsesTheStoreOnItsOwn) {
     EXPECT_EQ(get(item("b")), "2");
     EXPECT_EQ(add("c", "3"), errSecSuccess);
     EXPECT_EQ(ask(*peer(), "add d 4"), "0");
+}
+
+// Within a transaction, what a child has of it is not its own.
+TEST_F(SeveralProcesses, AChildForkedWithinAChangeHasNoPartInIt) {
+    ASSERT_EQ(add("a", "1"), errSecSuccess);
+    security::ItemQuery query;
+    query.attributes.texts[security::serviceText] = "test";
+    query.attributes.texts[security::accountText] = "a";
+    pid_t child = -1;
+    bool isBarred = false;
+    const OSStatus status =
+        security::modify(query, query.attributes, [&](std::optional<Data>& value) {
+            EXPECT_EQ(add("b", "2"), errSecSuccess); // so that something is written by now
+            child = ::fork();
+            isBarred = child == 0 && add("c", "3") == errSecNotAvailable;
+            value = bytes("4");
+        });
+    if (child == 0) { // afterwards it is one like any other
+        const std::string value = get(item("a"));
+        const bool isGood = value == "1" || value == "4"; // whether or not the parent is through
+        ::_exit(isGood && isBarred && status == errSecNotAvailable ? 0 : 1);
+    }
+    int ended = -1;
+    ASSERT_EQ(::waitpid(child, &ended, 0), child);
+    EXPECT_EQ(ended, 0);
+    EXPECT_EQ(status, errSecSuccess);
+    for (const auto& [account, value] : {std::pair("a", "4"), {"b", "2"}})
+        EXPECT_EQ(ask(*peer(), std::string("get ") + account), value);
+    EXPECT_EQ(sql("PRAGMA integrity_check"), "ok\n");
 }
