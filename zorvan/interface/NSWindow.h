@@ -6,6 +6,7 @@
 #include <zorvan/platform/appkit/NSEvent.h>
 #include <zorvan/platform/appkit/NSView.h>
 #include <zorvan/platform/foundation/Data.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 #include <zorvan/platform/graphics/Bitmap.h>
 
 #include <memory>
@@ -30,12 +31,10 @@ class TouchBarStrip;
 class NSWindow : public std::enable_shared_from_this<NSWindow> {
 public:
     /// Posted by a window, with itself as the sender.
-    static constexpr std::string_view didBecomeMainNotification =
-        "NSWindowDidBecomeMainNotification";
-    static constexpr std::string_view didResignMainNotification =
-        "NSWindowDidResignMainNotification";
-    static constexpr std::string_view didResizeNotification = "NSWindowDidResizeNotification";
-    static constexpr std::string_view willCloseNotification = "NSWindowWillCloseNotification";
+    static constexpr NameLiteral didBecomeMainNotification = "NSWindowDidBecomeMainNotification";
+    static constexpr NameLiteral didResignMainNotification = "NSWindowDidResignMainNotification";
+    static constexpr NameLiteral didResizeNotification = "NSWindowDidResizeNotification";
+    static constexpr NameLiteral willCloseNotification = "NSWindowWillCloseNotification";
 
     /// In points. A host whose windows have title bars of their own leaves ours out.
     static constexpr double titleBarHeight = 30;

@@ -1,3 +1,4 @@
+#include <zorvan/platform/foundation/LibraryLog.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 
 #include "Processes.h"
@@ -306,6 +307,19 @@ TEST_F(Faults, PassesOverValuesItCannotRead) {
         EXPECT_TRUE(database->set("key 0", 1));
     }
     EXPECT_EQ(open()->contents().at("key 0"), PropertyList(1));
+}
+
+TEST_F(Faults, TellsTheLogWhenNobodyElseIsToBeTold) {
+    SettingsDatabase::setProblemHandler({});
+    LibraryLog::setHandler([this](const LibraryLog::Entry& entry) {
+        EXPECT_EQ(entry.level, LibraryLog::Level::warning);
+        EXPECT_EQ(entry.category, "settings");
+        told_.emplace_back(entry.message);
+    });
+    const auto database = SettingsDatabase::open("/dev/null/nowhere");
+    LibraryLog::setHandler({});
+    ASSERT_EQ(told_.size(), 1u);
+    EXPECT_EQ(told_[0], database->problem());
 }
 
 TEST_F(Faults, HoldsAMillionKeys) {

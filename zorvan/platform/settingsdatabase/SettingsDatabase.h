@@ -66,8 +66,7 @@ public:
     /// The database of a domain in the user's `settingsFolder`.
     static std::shared_ptr<SettingsDatabase> ofDomain(std::string_view name);
 
-    /// Has problems told to the handler instead of written to standard error; an empty one restores
-    /// that. Each is told once as long as it lasts. The handler is called on the thread that met
+    /// Has problems told to the handler instead of `LibraryLog`; an empty one restores that. Each is told once as long as it lasts. The handler is called on the thread that met
     /// the problem and may use settings.
     static void setProblemHandler(ProblemHandler handler);
 
