@@ -152,7 +152,7 @@ PictureWindow::PictureWindow(const std::string& path, const std::vector<ListedFi
 void PictureWindow::selectNext(bool forward) { grid_->selectNext(forward); }
 
 bool PictureWindow::writeScreenshot(const std::string& path) const {
-    std::optional<Bitmap> bitmap = window_->render(2);
+    std::optional<Bitmap> bitmap = window_->contentView()->render(2);
     const auto file = CGImageDestination::create(URL({.fileURLWithPath = path}), "public.png", 1);
     if (!bitmap || !file)
         return false;

@@ -206,12 +206,6 @@ void NSView::contentDidChange() {
         holder->contentDidChange();
 }
 
-void NSView::didDisplayAll() {
-    needsDisplay_ = false;
-    for (const auto& view : subviews_)
-        view->didDisplayAll();
-}
-
 void NSView::setNeedsLayout(bool needsLayout) {
     needsLayout_ = needsLayout;
     if (needsLayout)

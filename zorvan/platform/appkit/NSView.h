@@ -232,7 +232,6 @@ private:
     void moveTo(const std::shared_ptr<NSWindow>& window, const std::shared_ptr<NSView>& superview);
     void willMoveAll(const std::shared_ptr<NSWindow>& window);
     void didMoveAll(const std::shared_ptr<NSWindow>& window);
-    void didDisplayAll();
     CGSize constrained(CGSize size) const;
     void followConstraints();
     void handOn(void (NSView::*event)(const NSEvent&), const NSEvent& with);

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace zorvan {
+namespace zorvan::internal {
 
 /// What stands in a bar: so wide, or as wide as it can be.
 struct BarLength {
@@ -52,4 +52,4 @@ inline std::vector<BarPlace> spreadItems(const std::vector<BarLength>& items, do
     return places;
 }
 
-} // namespace zorvan
+} // namespace zorvan::internal

@@ -4,23 +4,19 @@
 
 #include <functional>
 #include <memory>
-#include <string>
 #include <utility>
 
 namespace zorvan {
 
-/// The outermost view of a window; draws the title bar.
-class FrameView : public NSView {
+/// The outermost view of a window, which holds all others.
+class RootView : public NSView {
 public:
-    static std::shared_ptr<FrameView> create() {
-        return std::make_shared<FrameView>(Key{}, CGRect());
+    static std::shared_ptr<RootView> create(std::function<void()> contentChanged) {
+        auto made = std::make_shared<RootView>(Key{}, CGRect());
+        made->contentChanged_ = std::move(contentChanged);
+        return made;
     }
     using NSView::NSView;
-
-    void setTitle(std::string title);
-    /// Called when something in the window has changed.
-    void setContentChanged(std::function<void()> changed) { contentChanged_ = std::move(changed); }
-    void draw(Canvas& canvas) const override;
 
     /// Whether an event handed to a view since then has come through all that hold it to here.
     void expectEvent() noexcept { gotEvent_ = false; }
@@ -39,10 +35,9 @@ public:
     void keyUp(const NSEvent&) override { gotEvent_ = true; }
 
 protected:
-    void contentDidChange() override;
+    void contentDidChange() override { contentChanged_(); }
 
 private:
-    std::string title_;
     std::function<void()> contentChanged_;
     bool gotEvent_ = false;
 };
