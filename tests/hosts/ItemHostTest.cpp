@@ -202,6 +202,8 @@ TEST_F(CollectionHostTest, ItemsStandWhereTheLayoutSays) {
     EXPECT_GT(made, 11u);
     EXPECT_LT(made, 25u);
     EXPECT_TRUE(shown->indexWidget(shown->model()->index(0, 0)));
+    EXPECT_EQ(shown->indexWidget(shown->model()->index(5, 0))->geometry(), QRect(50, 50, 40, 40));
+    EXPECT_EQ(view->view({5, 0}, false)->frame(), CGRect(50, 50, 40, 40));
     shown->verticalScrollBar()->setValue(10000);
     settle();
     EXPECT_FALSE(shown->indexWidget(shown->model()->index(0, 0)));

@@ -3,6 +3,7 @@
 #include <tests/collections/RandomEditions.h>
 
 #include <zorvan/collections/ManagedList.h>
+#include <zorvan/files/NSPasteboard.h>
 #include <zorvan/interface/ManagedListViewReloader.h>
 #include <zorvan/interface/NSTableViewObserver.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
@@ -223,13 +224,13 @@ TEST_F(TableHostTest, TheKeyboardDoesEverything) {
     press(Qt::Key_PageDown);
     EXPECT_GT(*table->selectedRowIndexes().first(), 3);
     table->selectOnlyRows({3, 5});
-    QTest::keySequence(&shown(), QKeySequence::Copy);
+    press(Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), "item 3\tsize 3\nitem 5\tsize 5");
     press(Qt::Key_Down);
     EXPECT_EQ(table->selectedRowIndexes(), IndexSet({4})) << "goes on from what is selected";
 }
 
-TEST_F(TableHostTest, FilesAreDraggedOut) {
+TEST_F(TableHostTest, FilesAreDraggedOutAndCopied) {
     const QAbstractItemModel& model = *shown().model();
     click(2);
     EXPECT_TRUE(shown().dragEnabled());
@@ -237,8 +238,13 @@ TEST_F(TableHostTest, FilesAreDraggedOut) {
     EXPECT_FALSE(shown().dragEnabled()) << "a drag selects";
     const std::unique_ptr<QMimeData> data(model.mimeData(
         {model.index(4, 0), model.index(4, 1), model.index(3, 0), model.index(2, 0)}));
-    EXPECT_EQ(data->urls(), QList<QUrl>({QUrl::fromLocalFile("/pictures/2 a.png"),
-                                         QUrl::fromLocalFile("/pictures/4 a.png")}));
+    const QList<QUrl> files{QUrl::fromLocalFile("/pictures/2 a.png"),
+                            QUrl::fromLocalFile("/pictures/4 a.png")};
+    EXPECT_EQ(data->urls(), files);
+    table->selectOnlyRows({2, 3, 4});
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->mimeData()->urls(), files);
+    EXPECT_EQ(NSPasteboard::generalPasteboard()->fileURLs().size(), 2u);
 }
 
 TEST_F(TableHostTest, HeadersSortAndResize) {

@@ -205,6 +205,7 @@ private:
     void setSelection(std::set<IndexPath> paths);
     void announceSelection();
     void layOut();
+    void placeViews();
 
     std::weak_ptr<NSCollectionViewDataSource> dataSource_;
     ObserverList<NSCollectionViewObserver> observers_;

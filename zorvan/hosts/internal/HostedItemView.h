@@ -4,6 +4,7 @@
 #include <zorvan/hosts/internal/ViewMirror.h>
 #include <zorvan/hosts/internal/ViewWidget.h>
 #include <zorvan/hosts/internal/askSafely.h>
+#include <zorvan/hosts/internal/clipboard.h>
 #include <zorvan/hosts/internal/dragging.h>
 #include <zorvan/hosts/internal/makeWidget.h>
 #include <zorvan/hosts/internal/qtEvents.h>
@@ -12,11 +13,10 @@
 #include <zorvan/platform/appkit/NSScrollView.h>
 
 #include <QAbstractItemView>
-#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDropEvent>
-#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
@@ -305,18 +305,23 @@ private:
         return widget;
     }
 
-    /// A line of texts for each row, or each item, that is selected.
+    /// What a drag of the selected rows or items would carry, or else a line of texts for each.
     void copySelection() {
         QModelIndexList indexes = selectionMirror().selectedIndexes();
         std::sort(indexes.begin(), indexes.end());
+        const std::unique_ptr<QMimeData> dragged(ItemView::model()->mimeData(indexes));
+        if (dragged && !dragged->urls().isEmpty())
+            return copyToPasteboard(*dragged);
         QString text;
         for (qsizetype i = 0; i < indexes.size(); ++i) {
             const bool isSameRow = i > 0 && indexes[i].row() == indexes[i - 1].row();
             text += i == 0 ? QString() : QString(QLatin1Char(isSameRow ? '\t' : '\n'));
             text += indexes[i].data().toString();
         }
+        QMimeData texts;
         if (!text.isEmpty())
-            QGuiApplication::clipboard()->setText(text);
+            texts.setText(text);
+        copyToPasteboard(texts);
     }
 
     const std::shared_ptr<NSView> view_;

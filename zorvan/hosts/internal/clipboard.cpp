@@ -16,17 +16,21 @@ using Objects = std::vector<NSPasteboard::Object>;
 
 NSPasteboard& pasteboard() { return *NSPasteboard::generalPasteboard(); }
 
-void take() {
-    const QMimeData* const held = QGuiApplication::clipboard()->mimeData();
-    if (!held || QGuiApplication::clipboard()->ownsClipboard())
-        return;
+/// URLs, or else a text.
+Objects objectsOf(const QMimeData& held) {
     Objects objects;
-    for (const QUrl& url : held->urls())
+    for (const QUrl& url : held.urls())
         if (auto known = URL::make({.string = url.toString(QUrl::FullyEncoded).toStdString()}))
             objects.emplace_back(std::move(*known));
-    if (objects.empty() && held->hasText())
-        objects.emplace_back(held->text().toStdString());
-    pasteboard().adopt(std::move(objects));
+    if (objects.empty() && held.hasText())
+        objects.emplace_back(held.text().toStdString());
+    return objects;
+}
+
+void take() {
+    const QMimeData* const held = QGuiApplication::clipboard()->mimeData();
+    if (held && !QGuiApplication::clipboard()->ownsClipboard())
+        pasteboard().adopt(objectsOf(*held));
 }
 
 /// URLs, from which those who want text make it, or else the texts below each other.
@@ -49,6 +53,14 @@ void give() {
 }
 
 } // namespace
+
+void copyToPasteboard(const QMimeData& data) {
+    Objects objects = objectsOf(data);
+    if (objects.empty())
+        return;
+    pasteboard().clearContents();
+    pasteboard().writeObjects(std::move(objects));
+}
 
 void shareClipboard() {
     QObject::connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, qApp,
