@@ -352,19 +352,20 @@ void ManagedList<Item>::setFilter(Filter filter) {
     Change change(*this, Action::filter);
     change.announceWill();
 
+    // What needs memory comes first, so that the list is whole should there be none.
     const std::shared_ptr<const Positions> before = full_.places();
+    change.edition.newSelection = filter ? passing.selection : selection;
     if (!filter) {
         items_ = full_.release();
         selection_ = std::move(selection);
     } else {
+        full_.show(std::move(passing.positions));
         if (!filter_)
             full_.setItems(std::move(items_));
         items_ = std::move(passing.items);
-        full_.show(std::move(passing.positions));
         selection_ = std::move(passing.selection);
     }
     filter_ = std::move(filter);
-    change.edition.newSelection = selection_;
     const auto shown = [](const std::shared_ptr<const Positions>& places) {
         return places ? std::optional(std::span(*places)) : std::nullopt;
     };

@@ -2,6 +2,7 @@
 
 #include <zorvan/interface/Selector.h>
 #include <zorvan/platform/appkit/ActionSender.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <memory>
 #include <string_view>
@@ -17,7 +18,7 @@ class NSWindow;
 class NSApplication {
 public:
     /// Posted by nobody in particular.
-    static constexpr std::string_view looksDidChangeNotification =
+    static constexpr NameLiteral looksDidChangeNotification =
         "NSApplicationLooksDidChangeNotification";
 
     static NSApplication& shared();

@@ -7,6 +7,7 @@
 #include <zorvan/interface/NSNib.h>
 #include <zorvan/platform/appkit/NSView.h>
 #include <zorvan/platform/appkit/ObserverList.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 #include <zorvan/platform/foundation/Required.h>
 #include <zorvan/platform/foundation/URL.h>
 
@@ -90,7 +91,7 @@ public:
     };
 
     /// Posted by the collection view when its selection has changed.
-    static constexpr std::string_view selectionDidChangeNotification =
+    static constexpr NameLiteral selectionDidChangeNotification =
         "NSCollectionViewSelectionDidChangeNotification";
 
     /// Whoever shows the collection view, and tests. Not kept alive.
@@ -122,8 +123,8 @@ public:
     std::vector<IndexPath> indexPathsForItems(const CGRect& in) const;
 
     /// The kinds of supplementary view.
-    static constexpr std::string_view sectionHeader = "SectionHeader";
-    static constexpr std::string_view sectionFooter = "SectionFooter";
+    static constexpr NameLiteral sectionHeader = "SectionHeader";
+    static constexpr NameLiteral sectionFooter = "SectionFooter";
 
     /// The view that the data source has made for an item; null when there is none, and when it
     /// has not been made and is not to be. It is asked for again after a reload of the item.

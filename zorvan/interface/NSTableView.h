@@ -6,6 +6,7 @@
 #include <zorvan/platform/appkit/NSScrollView.h>
 #include <zorvan/platform/appkit/NSView.h>
 #include <zorvan/platform/appkit/ObserverList.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 #include <zorvan/platform/foundation/Required.h>
 #include <zorvan/platform/foundation/URL.h>
 
@@ -111,7 +112,7 @@ public:
     };
 
     /// Posted by the table when its selection has changed.
-    static constexpr std::string_view selectionDidChangeNotification =
+    static constexpr NameLiteral selectionDidChangeNotification =
         "NSTableViewSelectionDidChangeNotification";
 
     static std::shared_ptr<NSTableView> create(const CGRect& frame = {}) {

@@ -5,6 +5,7 @@
 #include <zorvan/interface/NSWindowObserver.h>
 #include <zorvan/platform/appkit/NSEvent.h>
 #include <zorvan/platform/appkit/NSView.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <memory>
 #include <optional>
@@ -26,12 +27,10 @@ class RootView;
 class NSWindow : public std::enable_shared_from_this<NSWindow> {
 public:
     /// Posted by a window, with itself as the sender.
-    static constexpr std::string_view didBecomeMainNotification =
-        "NSWindowDidBecomeMainNotification";
-    static constexpr std::string_view didResignMainNotification =
-        "NSWindowDidResignMainNotification";
-    static constexpr std::string_view didResizeNotification = "NSWindowDidResizeNotification";
-    static constexpr std::string_view willCloseNotification = "NSWindowWillCloseNotification";
+    static constexpr NameLiteral didBecomeMainNotification = "NSWindowDidBecomeMainNotification";
+    static constexpr NameLiteral didResignMainNotification = "NSWindowDidResignMainNotification";
+    static constexpr NameLiteral didResizeNotification = "NSWindowDidResizeNotification";
+    static constexpr NameLiteral willCloseNotification = "NSWindowWillCloseNotification";
 
     /// With an empty content view of that size. The window is not shown yet.
     static std::shared_ptr<NSWindow> create(CGSize contentSize, std::string title = {});

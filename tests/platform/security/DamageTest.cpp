@@ -1,12 +1,15 @@
 #include "SecureItems.h"
 
+#include <fcntl.h>
 #include <fstream>
 #include <random>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace zorvan;
 namespace fs = std::filesystem;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -246,6 +249,32 @@ TEST_F(DamageTest, LinksAreRefused) {
     fs::remove(folder());
     fs::create_symlink("/nowhere", folder());
     EXPECT_EQ(ask(*peer(), "add b 2"), refused);
+}
+
+// As where the home folders of a machine have been moved.
+TEST_F(DamageTest, ALinkOnTheWayToTheFolderIsFollowed) {
+    fs::create_directory(root + "/elsewhere");
+    fs::create_directory_symlink(root + "/elsewhere", root + "/data");
+    EXPECT_EQ(add("a", "1"), errSecSuccess);
+    EXPECT_EQ(ask(*peer(), "get a"), "1");
+    fs::remove(root + "/data"); // what it led to is not used on
+    EXPECT_EQ(get(item("a")), absent);
+}
+
+// On volumes that cannot rename without replacing, whoever makes the key has linked it to its name
+// before its first one goes, and has the folder locked meanwhile.
+TEST_F(DamageTest, AKeyThatIsJustBeingMadeIsWaitedFor) {
+    ASSERT_EQ(add("a", "1"), errSecSuccess);
+    const auto other = peer();
+    ASSERT_EQ(ask(*other, "get b"), absent); // which has everything open but the key
+    const int maker = ::open(folder().c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(maker, LOCK_EX), 0);
+    fs::create_hard_link(path("key"), path(".first-name"));
+    other->tell("get a");
+    EXPECT_FALSE(other->hear(100ms));
+    fs::remove(path(".first-name"));
+    ::close(maker);
+    EXPECT_EQ(other->hear(), "1");
 }
 
 TEST_F(DamageTest, ADamagedKeyFileIsNeverReplaced) {

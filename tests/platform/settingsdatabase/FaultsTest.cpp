@@ -1,3 +1,4 @@
+#include <zorvan/platform/foundation/LibraryLog.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 
 #include "Processes.h"
@@ -8,10 +9,13 @@
 #include <sqlite3.h>
 
 #include <csignal>
+#include <fcntl.h>
 #include <fstream>
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace zorvan;
 
@@ -149,7 +153,7 @@ TEST_F(Faults, refusesATableThatIsNotItsOwn) {
 TEST_F(Faults, refusesALinkInItsPlace) {
     const std::string target = folder_.path() / "target";
     std::ofstream(target) << "precious";
-    for (const char* ending : {"-shm", "-wal", ""}) {
+    for (const char* ending : {"-shm", "-wal", "-journal", ""}) {
         told_.clear();
         std::filesystem::remove(path_);
         std::filesystem::create_symlink(target, path_ + ending);
@@ -157,6 +161,11 @@ TEST_F(Faults, refusesALinkInItsPlace) {
         EXPECT_EQ(bytesOf(target), "precious");
         std::filesystem::remove(path_ + ending);
     }
+    told_.clear();
+    std::filesystem::create_hard_link(target, path_);
+    expectMemoryOnly("it has another name as well");
+    EXPECT_EQ(bytesOf(target), "precious");
+    std::filesystem::remove(path_);
     told_.clear();
     std::filesystem::create_directory(path_);
     expectMemoryOnly("what stands in its place is no file");
@@ -266,6 +275,20 @@ TEST_F(Faults, takesHundredMegabytesAndRefusesMoreThanItsLimit) {
                          ": larger: the value is larger than 256 MiB; changes are kept in memory"});
     EXPECT_TRUE(database->set("other", 1)); // and it does not stand in the way
     EXPECT_EQ(told_.size(), 1u);
+    EXPECT_FALSE(database->set(std::string(SettingsDatabase::maximumValueSize + 1, 'k'), 1));
+    EXPECT_TRUE(database->set("other", 2));
+    EXPECT_TRUE(
+        told_.back().ends_with(": the key is larger than 256 MiB; changes are kept in memory"));
+}
+
+// As one that was stopped while it opened a database of the folder.
+TEST_F(Faults, waitsForAnotherProcessForAWhileOnly) {
+    const int other = ::open(folder_.path().c_str(), O_RDONLY);
+    ASSERT_EQ(::flock(other, LOCK_EX), 0);
+    const auto database = open();
+    ::close(other);
+    EXPECT_EQ(told_, std::vector{path_ + ": Connection timed out; changes are kept in memory"});
+    EXPECT_TRUE(database->synchronize());
 }
 
 // No write could come after it.
@@ -288,6 +311,19 @@ TEST_F(Faults, passesOverValuesItCannotRead) {
         EXPECT_TRUE(database->set("key 0", 1));
     }
     EXPECT_EQ(open()->contents().at("key 0"), PropertyList(1));
+}
+
+TEST_F(Faults, tellsTheLogWhenNobodyElseIsToBeTold) {
+    SettingsDatabase::setProblemHandler({});
+    LibraryLog::setHandler([this](const LibraryLog::Entry& entry) {
+        EXPECT_EQ(entry.level, LibraryLog::Level::warning);
+        EXPECT_EQ(entry.category, "settings");
+        told_.emplace_back(entry.message);
+    });
+    const auto database = SettingsDatabase::open("/dev/null/nowhere");
+    LibraryLog::setHandler({});
+    ASSERT_EQ(told_.size(), 1u);
+    EXPECT_EQ(told_[0], database->problem());
 }
 
 TEST_F(Faults, holdsAMillionKeys) {

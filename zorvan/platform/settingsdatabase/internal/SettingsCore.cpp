@@ -10,11 +10,11 @@
 
 namespace zorvan {
 
-using internal::RefusedFile;
 using internal::SettingsFile;
-using internal::SQLiteFailure;
 using internal::UnstorableValue;
-using internal::WALStamp;
+using privatestore::DatabaseFailure;
+using privatestore::Refusal;
+using privatestore::WALStamp;
 
 namespace {
 
@@ -52,7 +52,7 @@ void SettingsDatabase::Core::storeAtEnd() {
 // Reading.
 
 bool SettingsDatabase::Core::isStale() const noexcept {
-    return isParked_ || (stampAddress_ && internal::readStamp(stampAddress_) != seen_);
+    return isParked_ || (stampAddress_ && privatestore::readStamp(stampAddress_) != seen_);
 }
 
 SettingsDatabase::Value SettingsDatabase::Core::value(std::string_view key) {
@@ -104,7 +104,7 @@ void SettingsDatabase::Core::catchUp() {
         return;
     try {
         refresh();
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         meet(failure, keptInMemory);
     }
 }
@@ -127,7 +127,7 @@ SettingsDatabase::Core::Reading SettingsDatabase::Core::read(bool isOtherFile) {
 void SettingsDatabase::Core::refresh(bool isOtherFile) {
     // Read first: a commit during the reading makes it stale again.
     const void* address = file_->stampAddress();
-    const WALStamp stamp = address ? internal::readStamp(address) : WALStamp();
+    const WALStamp stamp = address ? privatestore::readStamp(address) : WALStamp();
     const bool isFirst = lastRow_ == 0;
     Reading reading = read(isOtherFile);
     std::vector<Followed> changes;
@@ -154,7 +154,7 @@ void SettingsDatabase::Core::compact(const std::vector<std::int64_t>& waste) {
         file_->compact(waste);
         const std::lock_guard hold(holding_);
         memory_.forgetRemoved();
-    } catch (const SQLiteFailure&) {
+    } catch (const DatabaseFailure&) {
         // It is housekeeping: what matters is told when it is met by a write.
     }
 }
@@ -175,11 +175,11 @@ void SettingsDatabase::Core::open() {
             lastRow_ = 0;
         refresh(isOther);
         known_ = file_->identity();
-    } catch (const RefusedFile& refusal) {
+    } catch (const Refusal& refusal) {
         note(refusal.what() + std::string(keptInMemory));
     } catch (const std::system_error& error) {
         note(error.code().message() + keptInMemory);
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         meet(failure, keptInMemory);
     }
 }
@@ -190,8 +190,6 @@ void SettingsDatabase::Core::close() {
         stampAddress_ = nullptr;
         isParked_ = false;
     }
-    if (process_ != ::getpid())
-        (void)file_.release();
     file_.reset();
 }
 
@@ -271,7 +269,7 @@ bool SettingsDatabase::Core::store(const Changes& changes) {
         // Of the rows that went in before, there are as many as it was the turn of the next.
         keep(all, &all[rows.size()].second);
         note(all[rows.size()].first + ": " + reason.what() + keptInMemory);
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         file_->rollBack();
         keep(all, nullptr);
         meet(failure, keptInMemory);
@@ -321,7 +319,7 @@ void SettingsDatabase::Core::advance(std::int64_t firstRow, std::int64_t lastRow
     if (firstRow != lastRow_ + 1) {
         try {
             refresh();
-        } catch (const SQLiteFailure& failure) {
+        } catch (const DatabaseFailure& failure) {
             meet(failure, keptInMemory);
         }
         return;
@@ -330,7 +328,7 @@ void SettingsDatabase::Core::advance(std::int64_t firstRow, std::int64_t lastRow
     const std::lock_guard hold(holding_);
     if (!stampAddress_)
         return;
-    const WALStamp now = internal::readStamp(stampAddress_);
+    const WALStamp now = privatestore::readStamp(stampAddress_);
     if (now.changes == seen_.changes + 1)
         seen_ = now;
 }
@@ -361,7 +359,7 @@ bool SettingsDatabase::Core::removeAll() {
             advance(mark, mark);
             allIsWell();
             return true;
-        } catch (const SQLiteFailure& failure) {
+        } catch (const DatabaseFailure& failure) {
             meet(failure, keptInMemory);
         }
     }
@@ -384,7 +382,7 @@ bool SettingsDatabase::Core::synchronize() {
         return false;
     try {
         file_->checkpoint();
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         meet(failure, notOnDisk);
         return false;
     }
@@ -394,8 +392,9 @@ bool SettingsDatabase::Core::synchronize() {
 
 // Problems.
 
-void SettingsDatabase::Core::meet(const SQLiteFailure& failure, const char* consequence) {
-    if (failure.isDamage() && file_ && file_->isWritable() && !beginsAnew_) {
+void SettingsDatabase::Core::meet(const DatabaseFailure& failure, const char* consequence) {
+    if (failure.reason == DatabaseFailure::Reason::damage && file_ && file_->isWritable() &&
+        !beginsAnew_) {
         beginAnew();
         return;
     }
@@ -421,7 +420,7 @@ void SettingsDatabase::Core::beginAnew() {
             store({});
     } catch (const std::system_error& error) {
         note("it is damaged and cannot be set aside: " + error.code().message() + keptInMemory);
-    } catch (const RefusedFile& refusal) {
+    } catch (const Refusal& refusal) {
         note(refusal.what() + std::string(keptInMemory));
     }
     beginsAnew_ = false;

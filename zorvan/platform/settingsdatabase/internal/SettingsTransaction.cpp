@@ -7,8 +7,8 @@
 namespace zorvan {
 
 using internal::SettingsOverlay;
-using internal::SQLiteFailure;
 using internal::UnstorableValue;
+using privatestore::DatabaseFailure;
 
 namespace {
 
@@ -39,7 +39,7 @@ SettingsDatabase::Outcome SettingsDatabase::Core::transact(const std::function<v
     try {
         changes = collect(function);
     } catch (...) {
-        if (hasFile && isOwnProcess())
+        if (hasFile)
             file_->rollBack();
         throw;
     }
@@ -72,7 +72,7 @@ bool SettingsDatabase::Core::begin() {
         file_->begin();
         refresh();
         return true;
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         file_->rollBack();
         meet(failure, unchanged);
         return false;
@@ -111,7 +111,7 @@ SettingsDatabase::Outcome SettingsDatabase::Core::commit(Changes changes) {
     } catch (const UnstorableValue& reason) {
         file_->rollBack();
         note(changes[rows.size()].first + ": " + reason.what() + unchanged);
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         file_->rollBack();
         meet(failure, unchanged);
     }
