@@ -20,7 +20,7 @@ std::vector<std::string> names(const NSFileWrapper& folder) {
 
 } // namespace
 
-TEST(NSFileWrapper, readsAFolderOrMakesOne) {
+TEST(NSFileWrapper, ReadsAFolderOrMakesOne) {
     TemporaryFolder folder;
     folder.file("doc/text", "words");
     folder.file("doc/sub/inner", "");
@@ -49,7 +49,7 @@ TEST(NSFileWrapper, readsAFolderOrMakesOne) {
         EXPECT_THROW(NSFileWrapper::create({.url = url}), fs::filesystem_error);
 }
 
-TEST(NSFileWrapper, writesWhatWasReadAndChanged) {
+TEST(NSFileWrapper, WritesWhatWasReadAndChanged) {
     TemporaryFolder folder;
     folder.file("doc/old", "old");
     folder.file("doc/dropped");
@@ -89,7 +89,7 @@ TEST(NSFileWrapper, writesWhatWasReadAndChanged) {
     EXPECT_EQ(folder.count(), 3);
 }
 
-TEST(NSFileWrapperDeathTest, stopsAtBrokenContracts) {
+TEST(NSFileWrapperDeathTest, StopsAtBrokenContracts) {
     const auto file = NSFileWrapper::create({.regularFileWithContents = Data()});
     const auto outer =
         NSFileWrapper::create({.directoryWithFileWrappers = NSFileWrapper::Children()});

@@ -2,6 +2,8 @@
 
 #include <zorvan/settings/UserKeychain.h>
 
+#include <tests/files/TemporaryFolder.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -25,16 +27,11 @@ using Access = UserKeychain::Access;
 class KeychainTest : public testing::Test {
 protected:
     KeychainTest() {
-        std::string pattern = (fs::temp_directory_path() / "zorvan-keychain-XXXXXX").string();
-        if (!::mkdtemp(pattern.data()))
-            throw std::runtime_error("mkdtemp");
-        root = pattern;
         ::setenv("XDG_DATA_HOME", root.c_str(), 1);
         ::setenv("XDG_RUNTIME_DIR", root.c_str(), 1);
         ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
         keychain = UserKeychain::create({.serviceName = "test"});
     }
-    ~KeychainTest() override { fs::remove_all(root); }
 
     static Data bytes(std::string_view text) {
         const auto raw = std::as_bytes(std::span(text));
@@ -53,7 +50,8 @@ protected:
         return result;
     }
 
-    fs::path root;
+    const TemporaryFolder folder;
+    const fs::path root = folder.path();
     std::shared_ptr<UserKeychain> keychain;
     const UserKeychain::Key key{"key"};
 };

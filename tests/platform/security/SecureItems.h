@@ -4,13 +4,14 @@
 
 #include <zorvan/platform/security/SecItem.h>
 
+#include <tests/files/TemporaryFolder.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
 #include <span>
 #include <sqlite3.h>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -20,11 +21,6 @@ protected:
     using Dictionary = zorvan::PropertyList::Dictionary;
 
     SecureItems() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "zorvan-items-XXXXXX").string();
-        if (!::mkdtemp(pattern.data()))
-            throw std::runtime_error("mkdtemp");
-        root = pattern;
         environment = {{"XDG_DATA_HOME", root + "/data"},
                        {"XDG_RUNTIME_DIR", root},
                        {"HOME", root},
@@ -35,11 +31,6 @@ protected:
                        {"DBUS_SESSION_BUS_ADDRESS", ""}};
         for (const auto& [name, value] : environment)
             value.empty() ? ::unsetenv(name.c_str()) : ::setenv(name.c_str(), value.c_str(), 1);
-    }
-    ~SecureItems() override {
-        std::error_code ignored;
-        std::filesystem::permissions(folder(), std::filesystem::perms::owner_all, ignored);
-        std::filesystem::remove_all(root, ignored);
     }
 
     std::string folder() const { return root + "/data/zorvan/secure-items"; }
@@ -108,6 +99,7 @@ protected:
         return result;
     }
 
-    std::string root;
+    const TemporaryFolder home;
+    const std::string root = home.path();
     Process::Environment environment;
 };

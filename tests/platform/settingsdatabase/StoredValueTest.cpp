@@ -9,6 +9,7 @@
 
 using namespace zorvan;
 using namespace zorvan::internal;
+using namespace std::string_literals;
 
 namespace {
 
@@ -23,7 +24,7 @@ std::string text(const Data& bytes) {
 } // namespace
 
 // What is on users' disks: these bytes must be read for ever.
-TEST(StoredValue, hasTheseBytes) {
+TEST(StoredValue, HasTheseBytes) {
     struct {
         PropertyList value;
         std::string bytes;
@@ -53,7 +54,16 @@ TEST(StoredValue, hasTheseBytes) {
     }
 }
 
-TEST(StoredValue, keepsEveryBit) {
+// One value, one form: who compares bytes compares values.
+TEST(StoredValue, RefusesAnotherFormOfTheSame) {
+    for (const std::string& bytes :
+         {std::string("s\x82\0hi", 5),                             // a longer count
+          std::string("u\x01\0\0\0\0\0\0\0", 9),                   // a signed integer
+          std::string("o\x02\x01kF\0T", 7), "o\x02\x01kF\x01kT"s}) // keys out of order, and twice
+        EXPECT_FALSE(decoded(bytes)) << bytes;
+}
+
+TEST(StoredValue, KeepsEveryBit) {
     std::mt19937 random(5);
     for (int i = 0; i < 500; ++i) {
         const PropertyList value = randomValue(random, 4);
@@ -62,7 +72,7 @@ TEST(StoredValue, keepsEveryBit) {
     }
 }
 
-TEST(StoredValue, refusesDepth) {
+TEST(StoredValue, RefusesDepth) {
     PropertyList nested = 1;
     for (std::size_t i = 0; i < maximumStoredDepth; ++i)
         nested = PropertyList::Array{std::move(nested)};
