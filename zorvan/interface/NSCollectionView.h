@@ -43,6 +43,19 @@ public:
     /// What a drag of the item carries out of the window, such as a file; absent, unless
     /// overridden, for an item that is not dragged.
     virtual std::optional<URL> draggedURL(const NSCollectionView& view, IndexPath item) const;
+    /// Whether a person may drag the item to another place of the view. False unless overridden.
+    virtual bool isMovable(const NSCollectionView& view, IndexPath item) const;
+    /// A person has dragged movable items before the one at `before`, which may be the end of its
+    /// section: move what they show, and tell the view. Does nothing unless overridden.
+    virtual void itemsDragged(NSCollectionView& view, const std::set<IndexPath>& items,
+                              IndexPath before);
+    /// Whether files, or other addresses, that come from elsewhere may be dropped between the
+    /// items. False unless overridden.
+    virtual bool acceptsDrop(const NSCollectionView& view, const std::vector<URL>& urls) const;
+    /// They were dropped before the item at `before`, which may be the end of its section. Does
+    /// nothing unless overridden.
+    virtual void urlsDropped(NSCollectionView& view, const std::vector<URL>& urls,
+                             IndexPath before);
     /// A person opens the item, by a double click or with Enter. Does nothing unless overridden.
     virtual void itemOpened(NSCollectionView& view, IndexPath item);
 };
@@ -193,6 +206,7 @@ private:
     void setSelection(std::set<IndexPath> paths);
     void announceSelection();
     void layOut();
+    void placeViews();
 
     std::weak_ptr<NSCollectionViewDataSource> dataSource_;
     ObserverList<NSCollectionViewObserver> observers_;

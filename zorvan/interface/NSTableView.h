@@ -39,6 +39,16 @@ public:
     /// What a drag of the row carries out of the window, such as a file; absent, unless overridden,
     /// for a row that is not dragged.
     virtual std::optional<URL> draggedURL(const NSTableView& table, std::int64_t row) const;
+    /// Whether a person may drag the row to another place of the table. False unless overridden.
+    virtual bool isMovable(const NSTableView& table, std::int64_t row) const;
+    /// A person has dragged movable rows before the one at `before`, or to the end: move what they
+    /// show, and tell the table. Does nothing unless overridden.
+    virtual void rowsDragged(NSTableView& table, const IndexSet& rows, std::int64_t before);
+    /// Whether files, or other addresses, that come from elsewhere may be dropped between the rows.
+    /// False unless overridden.
+    virtual bool acceptsDrop(const NSTableView& table, const std::vector<URL>& urls) const;
+    /// They were dropped before the row at `before`, or at the end. Does nothing unless overridden.
+    virtual void urlsDropped(NSTableView& table, const std::vector<URL>& urls, std::int64_t before);
     /// The table's `sortOrder` is another one: sort what the rows show and tell the table what
     /// changed. Does nothing unless overridden.
     virtual void sortOrderDidChange(NSTableView& table);

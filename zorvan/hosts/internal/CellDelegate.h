@@ -5,10 +5,15 @@
 
 namespace zorvan::internal {
 
-/// Leaves the text out where a view of its own stands in the cell.
+/// Leaves the text out where a view of its own stands in the cell, and gives that all of the cell.
 class CellDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
+
+    void updateEditorGeometry(QWidget* view, const QStyleOptionViewItem& option,
+                              const QModelIndex&) const override {
+        view->setGeometry(option.rect);
+    }
 
 protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
