@@ -58,7 +58,7 @@ ItemDatabase::ItemDatabase(const privatestore::PrivateFolder& folder)
 }
 
 std::optional<struct stat> ItemDatabase::status(const privatestore::PrivateFolder& folder) {
-    return folder.exists() ? folder.statusOfFile(databaseFile) : std::nullopt;
+    return folder.statusOfFile(databaseFile);
 }
 
 void ItemDatabase::prepareSchema() {

@@ -234,7 +234,7 @@ ItemStore& ItemStore::ofUser(bool mayCreate) {
     PrivateFolder folder(std::move(path), PrivateFolder::Policy::refuse);
     if (mayCreate)
         folder.create();
-    else if (!ItemDatabase::status(folder))
+    else if (!folder.exists() || !ItemDatabase::status(folder))
         throw Failure{errSecItemNotFound};
     folder.open();
     ofUser_ = new ItemStore(std::move(folder));
