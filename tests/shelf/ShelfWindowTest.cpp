@@ -297,6 +297,17 @@ TEST_F(ShelfWindowTest, OpensAPictureLarge) {
     settle();
     ASSERT_TRUE(large.file());
     EXPECT_EQ(large.file()->title, "2.png");
+    press(Qt::Key_F, Qt::ControlModifier);
+    QTest::keyClicks(QApplication::focusWidget(), "1");
+    settle();
+    EXPECT_FALSE(large.file()) << "it is not among what is found";
+    EXPECT_EQ(titles(), Names{"1.png"});
+    click(0);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(large.file());
+    press(Qt::Key_1, Qt::ControlModifier);
+    EXPECT_FALSE(large.file());
+    EXPECT_TRUE(view<QListView>().hasFocus());
 }
 
 TEST_F(ShelfWindowTest, MovesToTheTrashAfterAsking) {

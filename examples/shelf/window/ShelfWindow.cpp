@@ -178,7 +178,7 @@ void ShelfWindow::makeToolbar() {
 
     const auto selectionCount = [album = album_] { return album->pictures()->selection().count(); };
     toolbar_->addItemSet([large = large_] { return large->file() != nullptr; })
-        ->setItems({sidebar, separator, back, space, copies, trash, more});
+        ->setItems({sidebar, separator, back, space, copies, trash, more, search});
     toolbar_->addItemSet([=] { return selectionCount() == 1; })
         ->setItems({sidebar, separator, view, order, space, open, copies, trash, more, search});
     toolbar_->addItemSet([=] { return selectionCount() > 1; })
@@ -205,7 +205,7 @@ void ShelfWindow::find() { window_->makeFirstResponder(searchField_); }
 
 void ShelfWindow::setView(ViewKind kind) {
     (*settings_)[ShelfSettings::view] = kind;
-    followSettings();
+    isLarge() ? close() : followSettings();
 }
 
 void ShelfWindow::setOrder(PictureOrder order, bool isAscending) {
@@ -367,7 +367,9 @@ void ShelfWindow::moveToTrash() {
             });
         });
     };
-    desktop::ask("Move " + what + " to the trash?", "You can take it back from there.",
+    desktop::ask("Move " + what + " to the trash?",
+                 files.size() == 1 ? "You can take it back from there."
+                                   : "You can take them back from there.",
                  "Move to Trash", trash);
 }
 
