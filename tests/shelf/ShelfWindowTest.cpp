@@ -342,18 +342,35 @@ TEST_F(ShelfWindowTest, MovesToTheTrashAfterAsking) {
 }
 
 TEST_F(ShelfWindowTest, SaysWhatCouldNotBeMovedToTheTrash) {
-    picture("gone.png");
+    for (const char* name : {"gone.png", "kept.png"})
+        picture(name);
     open();
-    click(0);
-    fs::remove(folder.path / "gone.png");
-    press(Qt::Key_Delete);
-    answer("Move to Trash");
-    std::string said;
-    EXPECT_TRUE(comes([&] {
-        said = answer("Close");
-        return said != "nothing is asked";
-    }));
-    EXPECT_EQ(said, "1 picture could not be moved to the trash.");
+    press(Qt::Key_A, Qt::ControlModifier);
+    const std::string before = std::getenv("XDG_DATA_HOME");
+    write("file", "");
+    const struct {
+        std::string dataHome, said;
+        std::size_t left;
+    } table[] = {
+        {folder.path / "file/data", "2 pictures could not be moved to the trash.", 2},
+        {folder.path / "file", "2 pictures could not be moved to the trash.", 2},
+        {before, "1 picture could not be moved to the trash.", 1},
+    };
+    for (const auto& row : table) {
+        ::setenv("XDG_DATA_HOME", row.dataHome.c_str(), 1);
+        if (row.left == 1)
+            fs::remove(folder.path / "gone.png");
+        press(Qt::Key_Delete);
+        answer("Move to Trash");
+        std::string said;
+        EXPECT_TRUE(comes([&] {
+            said = answer("Close");
+            return said != "nothing is asked";
+        }));
+        EXPECT_EQ(said, row.said);
+        EXPECT_EQ(titles().size(), row.left);
+        EXPECT_EQ(fs::exists(folder.path / "kept.png"), row.left == 2);
+    }
 }
 
 TEST_F(ShelfWindowTest, ExportsAndCancels) {
@@ -484,6 +501,7 @@ TEST_F(ShelfWindowTest, FollowsTheSettingsOfAnotherProcess) {
 }
 
 TEST_F(ShelfWindowTest, ThumbnailsKeepToTheirBound) {
+    open();                                               // with which Qt runs the main queue
     constexpr std::int64_t most = 300 * 1024, side = 100; // seven of them
     const auto thumbnails = Thumbnails::create(most);
     thumbnails->setSide(side);
