@@ -12,6 +12,8 @@
 #include <zorvan/settings/TimeCoders.h>
 #include <zorvan/settings/URLCoders.h>
 
+#include <tests/bytesOf.h>
+
 #include <limits>
 #include <stdexcept>
 
@@ -262,11 +264,6 @@ struct Room {
         JSONField("name", &Room::name), JSONField("seats", &Room::seats).orAsInitialized(),
         JSONField("owner", &Room::owner).orAsInitialized());
 };
-
-Data bytesOf(std::string_view text) {
-    const auto bytes = std::as_bytes(std::span(text));
-    return Data(bytes.begin(), bytes.end());
-}
 
 } // namespace
 

@@ -2,6 +2,7 @@
 
 #include <zorvan/settings/UserKeychain.h>
 
+#include <tests/bytesOf.h>
 #include <tests/files/TemporaryFolder.h>
 
 #include <gtest/gtest.h>
@@ -31,11 +32,6 @@ protected:
         ::setenv("XDG_RUNTIME_DIR", root.c_str(), 1);
         ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
         keychain = UserKeychain::create({.serviceName = "test"});
-    }
-
-    static Data bytes(std::string_view text) {
-        const auto raw = std::as_bytes(std::span(text));
-        return Data(raw.begin(), raw.end());
     }
 
     /// The attributes of every item there is.
@@ -110,7 +106,7 @@ TEST_F(KeychainTest, AccessesHaveTheirConstants) {
 TEST_F(KeychainTest, KeepsEveryKindOfValue) {
     EXPECT_TRUE(keychain->set("größer", key));
     EXPECT_EQ(keychain->string(key), "größer");
-    EXPECT_EQ(keychain->data(key), bytes("größer"));
+    EXPECT_EQ(keychain->data(key), bytesOf("größer"));
     EXPECT_EQ(keychain->integer(key), std::nullopt);
     EXPECT_TRUE(keychain->set(Data{std::byte{0xFF}}, key));
     EXPECT_EQ(keychain->string(key), std::nullopt); // no text
@@ -171,7 +167,7 @@ TEST_F(KeychainTest, ItemsHaveTheAttributesOfTheirKey) {
     EXPECT_EQ(item.at(kSecAttrService), "s");
     EXPECT_EQ(item.at(kSecAttrAccessGroup), "g");
     EXPECT_EQ(item.at(kSecAttrLabel), "key");
-    EXPECT_EQ(item.at(kSecAttrGeneric), bytes("key"));
+    EXPECT_EQ(item.at(kSecAttrGeneric), bytesOf("key"));
     EXPECT_EQ(item.at(kSecAttrAccount), "key");
     EXPECT_EQ(item.at(kSecAttrAccessible), kSecAttrAccessibleAfterFirstUnlock);
     EXPECT_EQ(item.at(kSecAttrSynchronizable), false);
@@ -249,7 +245,7 @@ TEST_F(KeychainTest, AReferenceNamesTheItem) {
     ASSERT_TRUE(reference);
     const SecItemResult found =
         SecItemCopyMatching({{kSecValuePersistentRef, *reference}, {kSecReturnData, true}});
-    EXPECT_EQ(found.value, PropertyList(bytes("v")));
+    EXPECT_EQ(found.value, PropertyList(bytesOf("v")));
 }
 
 TEST_F(KeychainTest, WritersOfOneKeyAllSucceed) {

@@ -1,13 +1,10 @@
 #include "Lists.h"
 #include <tests/Testing.h>
+#include <tests/bytesOf.h>
 
 using propertylist::Format;
 
 namespace {
-
-std::string text(const Data& bytes) {
-    return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-}
 
 std::string plist(const std::string& content) { return "<plist>" + content + "</plist>"; }
 
@@ -16,7 +13,7 @@ std::string plist(const std::string& content) { return "<plist>" + content + "</
 TEST(XML, IsReadable) {
     const PropertyList list = PropertyList::Dictionary{
         {"a", PropertyList::Array{1, 2.5, true, "x & y"}}, {"b", PropertyList::Dictionary{}}};
-    EXPECT_EQ(text(*propertylist::encode(list, Format::xml)),
+    EXPECT_EQ(textOf(*propertylist::encode(list, Format::xml)),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
               "<plist version=\"1.0\">\n"
               "<dict>\n"

@@ -65,7 +65,7 @@ TEST_F(DamageTest, AChangedRowIsAbsent) {
         EXPECT_EQ(get(item("b")), "b");
         // A change of attributes has nothing to seal again; a value makes the item whole.
         sql("UPDATE items SET service = 'test', account = 'a' WHERE account NOT IN ('b', 'c')");
-        EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytes("new")}}), errSecSuccess)
+        EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytesOf("new")}}), errSecSuccess)
             << change;
         EXPECT_EQ(get(item("a")), "new") << change;
         EXPECT_EQ(SecItemDelete({{kSecClass, kSecClassGenericPassword}}), errSecSuccess);

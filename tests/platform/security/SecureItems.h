@@ -4,6 +4,7 @@
 
 #include <zorvan/platform/security/SecItem.h>
 
+#include <tests/bytesOf.h>
 #include <tests/files/TemporaryFolder.h>
 
 #include <cstdlib>
@@ -36,11 +37,6 @@ protected:
     std::string folder() const { return root + "/data/zorvan/secure-items"; }
     std::string path(const std::string& name) const { return folder() + '/' + name; }
 
-    static zorvan::Data bytes(std::string_view text) {
-        const auto raw = std::as_bytes(std::span(text));
-        return zorvan::Data(raw.begin(), raw.end());
-    }
-
     /// A query, or an item, with an account and more.
     static Dictionary item(std::string_view account, const Dictionary& more = {}) {
         Dictionary result{{zorvan::kSecClass, zorvan::kSecClassGenericPassword},
@@ -54,7 +50,7 @@ protected:
     static zorvan::OSStatus add(std::string_view account, std::string_view value,
                                 const Dictionary& more = {}) {
         Dictionary attributes = item(account, more);
-        attributes.insert_or_assign(zorvan::kSecValueData, bytes(value));
+        attributes.insert_or_assign(zorvan::kSecValueData, bytesOf(value));
         return zorvan::SecItemAdd(attributes);
     }
 

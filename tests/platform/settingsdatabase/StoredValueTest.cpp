@@ -4,6 +4,7 @@
 #include "Values.h"
 
 #include <gtest/gtest.h>
+#include <tests/bytesOf.h>
 
 #include <random>
 
@@ -15,10 +16,6 @@ namespace {
 
 std::optional<PropertyList> decoded(std::string_view bytes) {
     return decodeStored(std::as_bytes(std::span(bytes)));
-}
-
-std::string text(const Data& bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 } // namespace
@@ -45,7 +42,7 @@ TEST(StoredValue, HasTheseBytes) {
         {PropertyList::Dictionary{{"k", false}, {"", true}}, std::string("o\x02\0T\x01kF", 7)},
     };
     for (const auto& row : table) {
-        EXPECT_EQ(text(encodeStored(row.value)), row.bytes);
+        EXPECT_EQ(textOf(encodeStored(row.value)), row.bytes);
         const auto back = decoded(row.bytes);
         EXPECT_TRUE(back && isIdentical(*back, row.value));
         for (std::size_t size = 0; size < row.bytes.size(); ++size)

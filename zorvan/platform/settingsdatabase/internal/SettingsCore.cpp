@@ -272,6 +272,10 @@ bool SettingsDatabase::Core::store(const Changes& changes) {
         file_->rollBack();
         keep(all, nullptr);
         meet(failure, keptInMemory);
+    } catch (...) { // out of memory
+        if (file_)
+            file_->rollBack();
+        throw;
     }
     return memory_.pending().empty(); // when a new database took it
 }
