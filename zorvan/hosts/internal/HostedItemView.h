@@ -73,6 +73,7 @@ protected:
     virtual void open(const QModelIndex& index) = 0;
     /// The mouse went down there; the index is invalid outside of all.
     virtual void pressed(const QModelIndex& index, QPoint at) = 0;
+
     // Dragging: what a drag of an index carries out of the window or to another place; and where,
     // in the viewport, something is dropped.
 
