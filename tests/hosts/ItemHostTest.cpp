@@ -257,6 +257,22 @@ TEST_F(CollectionHostTest, KeysAndMouseSelect) {
     EXPECT_EQ(source->opened, (IndexPath{33, 0}));
 }
 
+TEST_F(CollectionHostTest, ItemsStandFromTheRightWhereOneReadsSo) {
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    settle();
+    const int width = shown->viewport()->width();
+    EXPECT_EQ(shown->visualRect(shown->model()->index(5, 0)), QRect(width - 90, 50, 40, 40));
+    EXPECT_EQ(shown->indexAt({width - 60, 60}).row(), 5);
+    QTest::mouseClick(shown->viewport(), Qt::LeftButton, {}, middleOf(5));
+    press(Qt::Key_Left);
+    EXPECT_EQ(selected(), IndexSet({6}));
+    QTest::mouseClick(shown->viewport(), Qt::LeftButton, Qt::ShiftModifier, middleOf(8));
+    EXPECT_EQ(selected(), IndexSet({6, 7, 8}));
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+    settle();
+    EXPECT_EQ(shown->visualRect(shown->model()->index(5, 0)), QRect(50, 50, 40, 40));
+}
+
 TEST_F(CollectionHostTest, ARubberBandSelects) {
     QWidget* const place = shown->viewport();
     QTest::mousePress(place, Qt::LeftButton, {}, {45, 5});

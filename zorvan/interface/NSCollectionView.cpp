@@ -27,6 +27,21 @@ std::optional<URL> NSCollectionViewDataSource::draggedURL(const NSCollectionView
     return std::nullopt;
 }
 
+bool NSCollectionViewDataSource::isMovable(const NSCollectionView&, IndexPath) const {
+    return false;
+}
+
+void NSCollectionViewDataSource::itemsDragged(NSCollectionView&, const std::set<IndexPath>&,
+                                              IndexPath) {}
+
+bool NSCollectionViewDataSource::acceptsDrop(const NSCollectionView&,
+                                             const std::vector<URL>&) const {
+    return false;
+}
+
+void NSCollectionViewDataSource::urlsDropped(NSCollectionView&, const std::vector<URL>&,
+                                             IndexPath) {}
+
 void NSCollectionViewDataSource::itemOpened(NSCollectionView&, IndexPath) {}
 
 void NSCollectionViewObserver::itemsUpdated(const NSCollectionView::Updates&, bool) {}

@@ -9,12 +9,13 @@
 //   flood NAME SENDER        posts without end
 //   large NAME SENDER SIZE   posts one with that many bytes
 //
-// SENDER "-" stands for none. A notification is printed as NAME SENDER NUMBER and the size of its
-// bytes.
+// What the library has to say is printed as "log", its category and its level. SENDER "-" stands
+// for none. A notification is printed as NAME SENDER NUMBER and the size of its bytes.
 
 #include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/dispatch/DispatchSemaphore.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
+#include <zorvan/platform/foundation/LibraryLog.h>
 #include <zorvan/platform/messagebus/NSDistributedNotificationCenter.h>
 
 #include <iostream>
@@ -100,6 +101,11 @@ void obey(const std::string& line) {
 } // namespace
 
 int main() {
+    LibraryLog::setHandler([](const LibraryLog::Entry& entry) {
+        const std::string line = "log " + std::string(entry.category) + " " +
+                                 std::to_string(static_cast<int>(entry.level));
+        DispatchQueue::main()->async([line] { say(line); });
+    });
     std::thread([] {
         for (std::string line; std::getline(std::cin, line);)
             DispatchQueue::main()->async([line] { obey(line); });

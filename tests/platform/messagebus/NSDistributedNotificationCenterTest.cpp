@@ -192,8 +192,10 @@ TEST_P(DistributedBusTest, MessagesOfHostilePeersAreIgnored) {
 TEST_P(DistributedBusTest, ABusThatComesBackIsFoundAgain) {
     const auto a = observer("Again");
     bus = nullptr;
+    EXPECT_EQ(a->hear(), "log messagebus 1");
     post(*a, "Again x 1"); // lost, without harm
     startBus();
+    EXPECT_EQ(a->hear(), "log messagebus 0");
     const auto b = peer();
     for (int i = 0; i < 100; ++i) {
         post(*b, "Again y 1");

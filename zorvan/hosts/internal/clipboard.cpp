@@ -1,11 +1,10 @@
 #include <zorvan/hosts/internal/clipboard.h>
 
 #include <zorvan/files/NSPasteboard.h>
+#include <zorvan/hosts/internal/dragging.h>
 
 #include <QApplication>
 #include <QClipboard>
-#include <QMimeData>
-#include <QUrl>
 #include <vector>
 
 namespace zorvan::internal {
@@ -19,9 +18,8 @@ NSPasteboard& pasteboard() { return *NSPasteboard::generalPasteboard(); }
 /// URLs, or else a text.
 Objects objectsOf(const QMimeData& held) {
     Objects objects;
-    for (const QUrl& url : held.urls())
-        if (auto known = URL::make({.string = url.toString(QUrl::FullyEncoded).toStdString()}))
-            objects.emplace_back(std::move(*known));
+    for (URL& url : urlsOf(held))
+        objects.emplace_back(std::move(url));
     if (objects.empty() && held.hasText())
         objects.emplace_back(held.text().toStdString());
     return objects;
@@ -35,21 +33,19 @@ void take() {
 
 /// URLs, from which those who want text make it, or else the texts below each other.
 void give() {
-    QList<QUrl> urls;
+    std::vector<URL> urls;
     QStringList lines;
     for (const NSPasteboard::Object& object : pasteboard().objects())
         if (const auto* const url = std::get_if<URL>(&object))
-            urls.append(QUrl::fromEncoded(QByteArray::fromStdString(url->absoluteString())));
+            urls.push_back(*url);
         else
             lines.append(QString::fromStdString(std::get<std::string>(object)));
-    if (urls.isEmpty() && lines.isEmpty())
+    if (urls.empty() && lines.isEmpty())
         return QGuiApplication::clipboard()->clear();
-    auto* const held = new QMimeData; // the clipboard's then
-    if (urls.isEmpty())
+    auto held = toMimeData(urls);
+    if (urls.empty())
         held->setText(lines.join(QLatin1Char('\n')));
-    else
-        held->setUrls(urls);
-    QGuiApplication::clipboard()->setMimeData(held);
+    QGuiApplication::clipboard()->setMimeData(held.release());
 }
 
 } // namespace

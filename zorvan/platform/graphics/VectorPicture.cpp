@@ -1,5 +1,6 @@
 #include <zorvan/platform/graphics/VectorPicture.h>
 
+#include <zorvan/platform/foundation/LibraryLog.h>
 #include <zorvan/platform/foundation/internal/readRegularFile.h>
 
 #include <algorithm>
@@ -34,8 +35,10 @@ struct Rsvg {
 private:
     static std::optional<Rsvg> loaded() {
         void* const library = ::dlopen("librsvg-2.so.2", RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
-        if (!library)
+        if (!library) {
+            LibraryLog::write({LibraryLog::Level::warning, "libraries", ::dlerror()});
             return std::nullopt;
+        }
         const auto find = [&](auto& function, const char* name) {
             function = reinterpret_cast<std::decay_t<decltype(function)>>(::dlsym(library, name));
             return function != nullptr;

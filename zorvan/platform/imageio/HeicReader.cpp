@@ -7,6 +7,7 @@
 #include <zorvan/platform/imageio/internal/PictureSink.h>
 #include <zorvan/platform/imageio/internal/PixelRows.h>
 #include <zorvan/platform/imageio/internal/YCbCr.h>
+#include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
 #include <array>
@@ -94,7 +95,7 @@ private:
         if (!turnedSizeAt_ ||
             source_.read(*turnedSizeAt_, sides.data(), sides.size()) < sides.size())
             return;
-        std::ranges::rotate(sides, sides.begin() + sideLength);
+        std::rotate(sides.begin(), sides.begin() + sideLength, sides.end());
         for (std::size_t i = 0; i < sides.size(); ++i) {
             const std::uint64_t place = *turnedSizeAt_ + i;
             if (place >= position_ && place - position_ < count)
@@ -389,12 +390,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<HeifReader>(std::move(source), FileFormat::heic);
-}
-
-std::unique_ptr<ImageReader> makeAvifReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<HeifReader>(std::move(source), FileFormat::avif);
+extern "C" void zorvanMakeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format,
+                                     std::unique_ptr<ImageReader>& reader) {
+    reader = std::make_unique<HeifReader>(std::move(source), format);
 }
 
 } // namespace zorvan::imageio

@@ -1,10 +1,10 @@
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 
+#include <zorvan/platform/foundation/LibraryLog.h>
 #include <zorvan/platform/settingsdatabase/SettingsFolder.h>
 #include <zorvan/platform/settingsdatabase/internal/SettingsCore.h>
 #include <zorvan/platform/settingsdatabase/internal/SettingsProcess.h>
 
-#include <cstdio>
 #include <map>
 #include <mutex>
 #include <utility>
@@ -12,14 +12,6 @@
 namespace zorvan {
 
 using internal::OpenDatabases;
-
-namespace {
-
-void writeToStandardError(const std::string& problem) {
-    std::fprintf(stderr, "%s\n", problem.c_str());
-}
-
-} // namespace
 
 SettingsDatabase::SettingsDatabase(std::string path)
     : core_(std::make_shared<Core>(std::move(path))) {}
@@ -74,7 +66,10 @@ void SettingsDatabase::Core::tell() {
         handler = OpenDatabases::shared().handler;
     }
     for (const std::string& problem : problems)
-        handler ? handler(problem) : writeToStandardError(problem);
+        if (handler)
+            handler(problem);
+        else
+            LibraryLog::write({LibraryLog::Level::warning, "settings", problem});
 }
 
 SettingsDatabase::Value SettingsDatabase::value(std::string_view key) {

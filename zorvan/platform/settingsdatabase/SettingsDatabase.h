@@ -31,10 +31,10 @@ namespace zorvan {
 ///
 /// **Files.** The database, its log and its shared memory are 0600. Folders that are made are 0700,
 /// and so becomes `settingsFolder()`; another folder that is there stays as it is, and must not be
-/// writable for others. Nothing is read or written when one of them is a symbolic link or belongs
-/// to another user, when the database is from a newer version of this library, or is no database of
-/// settings; it is left as it is, and the domain lives in memory. A damaged database is renamed to
-/// "NAME.damaged"
+/// writable for others. Nothing is read or written when one of them is a symbolic link, belongs to
+/// another user or has a second name, when the database is from a newer version of this library, or
+/// is no database of settings; it is left as it is, and the domain lives in memory. A damaged
+/// database is renamed to "NAME.damaged"
 /// ("NAME.damaged-2", ...) and a new one is begun; when the damage shows only while the process
 /// runs, with the values in memory.
 ///
@@ -66,8 +66,7 @@ public:
     /// The database of a domain in the user's `settingsFolder`.
     static std::shared_ptr<SettingsDatabase> ofDomain(std::string_view name);
 
-    /// Has problems told to the handler instead of written to standard error; an empty one restores
-    /// that. Each is told once as long as it lasts. The handler is called on the thread that met
+    /// Has problems told to the handler instead of `LibraryLog`; an empty one restores that. Each is told once as long as it lasts. The handler is called on the thread that met
     /// the problem and may use settings.
     static void setProblemHandler(ProblemHandler handler);
 

@@ -1,4 +1,5 @@
 #include <zorvan/platform/dispatch/internal/MainDispatchQueue.h>
+#include <zorvan/platform/foundation/LibraryLog.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/Wakeup.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
@@ -258,6 +259,9 @@ private:
     }
 
     void reconnect() {
+        LibraryLog::write({LibraryLog::Level::warning, "messagebus",
+                           "The session bus has gone; what processes post to each other is lost "
+                           "until it is back."});
         {
             const std::lock_guard lock(mutex_);
             mainReceives_ = false;
@@ -271,10 +275,12 @@ private:
                 bus_ = std::move(opened);
                 for (auto place = slots_.begin(); place != slots_.end(); ++place)
                     addMatch(place);
-                return;
+                break;
             }
             std::this_thread::sleep_for(reconnectInterval);
         }
+        LibraryLog::write(
+            {LibraryLog::Level::information, "messagebus", "The session bus is back."});
     }
 
     std::mutex mutex_;

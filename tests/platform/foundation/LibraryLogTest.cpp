@@ -1,0 +1,74 @@
+#include <tests/Testing.h>
+
+#include <zorvan/platform/foundation/LibraryLog.h>
+
+namespace {
+
+using Level = LibraryLog::Level;
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+
+class LibraryLogTest : public testing::Test {
+protected:
+    LibraryLogTest() { CaptureStderr(); }
+    ~LibraryLogTest() override { LibraryLog::setHandler({}); }
+};
+
+TEST_F(LibraryLogTest, StandardErrorHasWhatIsWrongAlone) {
+    LibraryLog::write({Level::information, "a", "well again"});
+    LibraryLog::write({Level::warning, "a", "with 100 % less"});
+    LibraryLog::write({Level::error, "b", std::string("lost for good").substr(0, 4)});
+    EXPECT_EQ(GetCapturedStderr(), "with 100 % less\nlost\n");
+}
+
+TEST_F(LibraryLogTest, AHandlerHasEverythingInItsPlace) {
+    std::vector<std::string> told;
+    LibraryLog::setHandler([&](const LibraryLog::Entry& entry) {
+        told.push_back(std::to_string(static_cast<int>(entry.level)) + std::string(entry.category) +
+                       std::string(entry.message));
+    });
+    LibraryLog::write({Level::information, "a", "x"});
+    LibraryLog::write({Level::error, "b", "y"});
+    LibraryLog::setHandler({});
+    LibraryLog::write({Level::warning, "c", "z"});
+    EXPECT_THAT(told, ElementsAre("0ax", "2by"));
+    EXPECT_EQ(GetCapturedStderr(), "z\n");
+}
+
+TEST_F(LibraryLogTest, WhatAHandlerFailsToTakeIsNotLost) {
+    int calls = 0;
+    LibraryLog::setHandler([&](const LibraryLog::Entry&) {
+        if (++calls == 1)
+            throw std::runtime_error("no room");
+        LibraryLog::write({Level::warning, "a", "from within"});
+    });
+    LibraryLog::write({Level::warning, "a", "thrown at"});
+    LibraryLog::write({Level::warning, "a", "taken"});
+    EXPECT_EQ(calls, 2);
+    EXPECT_EQ(GetCapturedStderr(), "thrown at\nfrom within\n");
+}
+
+TEST_F(LibraryLogTest, EachEntryReachesOneHandlerWhileTheyChange) {
+    constexpr int entries = 20'000;
+    std::atomic<int> first = 0, second = 0;
+    const auto counting = [](std::atomic<int>& count) {
+        // A text of its own, so that one that is let go of too early is found.
+        return [&count, text = std::string(64, 'x')](const LibraryLog::Entry& entry) {
+            count += static_cast<int>(entry.message.size() + text.size()) - 64;
+        };
+    };
+    LibraryLog::setHandler(counting(first));
+    std::thread speaker([] {
+        for (int i = 0; i < entries; ++i)
+            LibraryLog::write({Level::warning, "a", "1"});
+    });
+    while (first + second < entries) {
+        LibraryLog::setHandler(counting(second));
+        LibraryLog::setHandler(counting(first));
+    }
+    speaker.join();
+    EXPECT_EQ(first + second, entries);
+    EXPECT_EQ(GetCapturedStderr(), "");
+}
+
+} // namespace
