@@ -458,23 +458,14 @@ TEST_F(ShelfWindowTest, ToolsFollowTheSelection) {
     }
 }
 
-/// Run by the next test in a process of its own.
-TEST(ShelfSettings, DISABLED_areChanged) {
-    auto& settings = *NSUserDefaults::standardUserDefaults();
-    settings[ShelfSettings::view] = ViewKind::table;
-    settings[ShelfSettings::isAscending] = false;
-    settings[ShelfSettings::showsSidebar] = false;
-}
-
 TEST_F(ShelfWindowTest, FollowsTheSettingsOfAnotherProcess) {
     for (const char* name : {"a.png", "b.png"})
         picture(name);
     open();
     click(1);
     const Outcome outcome =
-        run({fs::read_symlink("/proc/self/exe"), "--gtest_brief=1",
-             "--gtest_also_run_disabled_tests", "--gtest_filter=ShelfSettings.*"});
-    ASSERT_EQ(outcome.status, 0) << outcome.output;
+        run({SETTINGS_PROGRAM, NSUserDefaults::standardUserDefaults()->domainName()});
+    ASSERT_EQ(outcome.status, 0) << outcome.errors;
     EXPECT_TRUE(comes([&] { return titles() == Names{"b.png", "a.png"}; }));
     EXPECT_EQ(selected(), Names{"b.png"});
     EXPECT_TRUE(view<QTableView>().isVisible());
