@@ -117,7 +117,13 @@ install(FILES ${PROJECT_SOURCE_DIR}/README.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzorvan-doc COMPONENT documents)
 zorvan_debian_package(shelf zorvan-shelf SECTION graphics
   SUMMARY "contact sheets and smaller copies of pictures"
-  TEXT "Lists pictures and movies, shows them, and writes contact sheets of them."
+  TEXT "Lists pictures and movies, and writes contact sheets of them."
   DEPENDS "${core}, ${media}")
+if(ZORVAN_QT)
+  zorvan_debian_package(shelf-window zorvan-shelf-window SECTION graphics
+    SUMMARY "window that shows pictures and movies"
+    TEXT "Shows the pictures and movies of a folder, upright however the camera was held."
+    DEPENDS "${core}, ${media}, libzorvan-windows${so_version} (= ${version})")
+endif()
 
 include(CPack)

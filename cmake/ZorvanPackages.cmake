@@ -1,9 +1,9 @@
 # Which runtime package a component's library goes into, and which toolkit it wants.
 
 set(ZORVAN_PACKAGE_media
-    AppKit Drawing FFmpegMedia Graphics ImageIO Interface JxlPictures Media MediaAssets MediaFiles MediaImages MediaValues
+    AppKit Drawing FFmpegMedia Graphics HeifPictures ImageIO Interface JxlPictures Media MediaAssets MediaFiles MediaImages MediaValues
     MovieFrames TextDrawing)
-set(ZORVAN_PACKAGE_playback MediaPlayback Playback)
+set(ZORVAN_PACKAGE_playback MediaPlayback MpvPlayback Playback)
 set(ZORVAN_PACKAGE_windows QtHost)
 set(ZORVAN_PACKAGE_qt-models QtModels)
 set(ZORVAN_PACKAGE_gtk-models GtkModels)

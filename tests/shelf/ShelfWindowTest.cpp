@@ -110,14 +110,16 @@ protected:
                 shelf->menu()->performActionForItem(i);
         settle();
     }
-    /// Presses a button of the question that is asked, and gives the question.
-    static std::string answer(const QString& button) {
+    /// Presses a button of the question that is asked, and gives the question. Without a desktop
+    /// nobody brings the window back to the front then.
+    std::string answer(const QString& button) const {
         for (QWidget* const widget : QApplication::topLevelWidgets())
             if (auto* const box = qobject_cast<QMessageBox*>(widget); box && box->isVisible())
                 for (QAbstractButton* const shown : box->buttons())
                     if (shown->text().remove(QLatin1Char('&')) == button) {
                         const std::string question = box->text().toStdString();
                         shown->click();
+                        host->widget().activateWindow();
                         settle();
                         return question;
                     }
@@ -182,6 +184,7 @@ TEST_F(ShelfWindowTest, IsThereBeforeTheWalkIsDone) {
     const auto cells = [&] { return view().viewport()->findChildren<QWidget*>().size(); };
     EXPECT_GT(cells(), 0);
     EXPECT_LT(cells(), 60);
+    press(Qt::Key_Home);
     press(Qt::Key_End);
     EXPECT_EQ(selected(), Names{"9999.png"});
     EXPECT_LT(cells(), 60);
@@ -449,12 +452,22 @@ TEST_F(ShelfWindowTest, FollowsTheSettingsOfAnotherProcess) {
     EXPECT_TRUE(view<QTableView>().isVisible());
     EXPECT_EQ(host->widget().findChild<QSplitter*>()->sizes()[0], 0);
     // They are kept for the next start, and so are those of this window.
+    const auto sidebarWidth = [&] { return host->widget().findChild<QSplitter*>()->sizes()[0]; };
     view<QTableView>().horizontalHeader()->sectionClicked(1);
     choose("Sidebar");
+    EXPECT_GT(sidebarWidth(), 0);
+    shelf->window()->close();
     end();
     open();
     EXPECT_TRUE(view<QTableView>().isVisible());
-    EXPECT_GT(host->widget().findChild<QSplitter*>()->sizes()[0], 0);
+    EXPECT_GT(sidebarWidth(), 0);
+    // Dragged shut it stays so until it is asked for.
+    static_cast<NSSplitView&>(*shelf->window()->contentView()).setPosition(0, 0);
+    shelf->setView(ViewKind::grid);
+    settle();
+    EXPECT_EQ(sidebarWidth(), 0);
+    choose("Sidebar");
+    EXPECT_GT(sidebarWidth(), 0);
     EXPECT_EQ(NSUserDefaults::standardUserDefaults()->value(ShelfSettings::order),
               PictureOrder::date);
 }

@@ -33,11 +33,18 @@ MemoryFailure::~MemoryFailure() { left = never; }
 
 bool MemoryFailure::hasCome() noexcept { return hasFailed; }
 
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+#endif
+
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(__clang__)
 
 void* operator new(std::size_t size) {
     void* const memory = fails() ? nullptr : std::malloc(size ? size : 1);
     return memory ? memory : throw std::bad_alloc();
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return fails() ? nullptr : std::malloc(size ? size : 1);
 }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }

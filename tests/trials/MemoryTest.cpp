@@ -57,7 +57,7 @@ class StarvedStores : public testing::TestWithParam<Store> {};
 INSTANTIATE_TEST_SUITE_P(Memory, StarvedStores, testing::ValuesIn(stores().begin(), stores().end()),
                          [](const auto& info) { return std::string(info.param.name); });
 
-TEST_P(StarvedStores, keepWhatTheyHad) {
+TEST_P(StarvedStores, KeepWhatTheyHad) {
     const Store& store = GetParam();
     const TemporaryFolder folders(TemporaryFolder::fastParent());
     const fs::path before = folders.path() / "before", folder = folders.path() / "folder";
@@ -85,7 +85,7 @@ TEST_P(StarvedStores, keepWhatTheyHad) {
         });
 }
 
-TEST(Memory, failsInPropertyLists) {
+TEST(Memory, FailsInPropertyLists) {
     const PropertyList list =
         PropertyList::Dictionary{{"text", "a text longer than what a string holds within itself"},
                                  {"list", PropertyList::Array{1, 2.5, true, Data(100)}}};
@@ -106,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(Memory, StarvedPictures, testing::Values("palette.png",
                              return fs::path(info.param).stem().string().substr(0, 4);
                          });
 
-TEST_P(StarvedPictures, areAbsent) {
+TEST_P(StarvedPictures, AreAbsent) {
     const std::string bytes = text(fs::path(SAMPLES) / GetParam());
     const auto raw = std::as_bytes(std::span(bytes));
     const auto read = [&] {
@@ -120,7 +120,7 @@ TEST_P(StarvedPictures, areAbsent) {
     starve([&] { width = read(); }, [&] { EXPECT_GT(read(), 0); });
 }
 
-TEST(Memory, failsInLists) {
+TEST(Memory, FailsInLists) {
     const auto make = [] {
         std::vector<std::string> items;
         for (int i = 0; i < 50; ++i)

@@ -27,7 +27,7 @@ INSTANTIATE_TEST_SUITE_P(Stores, Promises, testing::ValuesIn(stores().begin(), s
 
 // Tries every moment, and at each one disks where everything, nothing and something has survived of
 // what was not waited for.
-TEST_P(Promises, outliveThePower) {
+TEST_P(Promises, OutliveThePower) {
     const Store& store = GetParam();
     std::vector<DiskEvent> events;
     {
@@ -59,7 +59,7 @@ TEST_P(Promises, outliveThePower) {
               << " disks, " << promised + 1 << " promises, none broken\n";
 }
 
-TEST_P(Promises, outliveTheProcess) {
+TEST_P(Promises, OutliveTheProcess) {
     const Store& store = GetParam();
     const TemporaryFolder folder(TemporaryFolder::fastParent());
     std::mt19937 random(7);

@@ -8,6 +8,7 @@
 #include <zorvan/collections/Reordering.h>
 #include <zorvan/collections/SelectionQueries.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <algorithm>
 #include <concepts>
@@ -62,9 +63,9 @@ public:
     /// Shows editions in a table; in `<zorvan/interface/ManagedListViewReloader.h>`.
     using ViewReloader = ManagedListViewReloader;
 
-    static constexpr std::string_view willReloadNotification = "ManagedListWillReloadNotification";
-    static constexpr std::string_view didReloadNotification = "ManagedListDidReloadNotification";
-    static constexpr std::string_view editionKey = "Edition";
+    static constexpr NameLiteral willReloadNotification = "ManagedListWillReloadNotification";
+    static constexpr NameLiteral didReloadNotification = "ManagedListDidReloadNotification";
+    static constexpr NameLiteral editionKey = "Edition";
 
     static std::shared_ptr<ManagedList> create(std::vector<Item> items = {}) {
         return std::make_shared<ManagedList>(Key{}, std::move(items));
@@ -167,8 +168,7 @@ private:
     private:
         void announce(std::string_view name) const {
             NSNotificationCenter::defaultCenter()->post(
-                NSNotificationName(name), list_,
-                Notification::UserInfo{{std::string(editionKey), edition}});
+                NSNotificationName(name), list_, Notification::UserInfo{{editionKey, edition}});
         }
 
         std::shared_ptr<ManagedList> list_;

@@ -49,6 +49,7 @@ std::optional<bool> checkIsOnMainDisk(const URL& url);
 /// The type that the path extension stands for; absent when there is none.
 std::optional<UTIType> utiType(const URL& url);
 
+/// The types of which `conforms` asks for one.
 struct ConformsToOneOf {
     std::vector<UTIType> toOneOf;
 };
@@ -71,6 +72,7 @@ struct ConformsToOneOf {
 /// Of a link, those of what it points to. Absent when they cannot be found out.
 std::optional<bool> checkIsReadAndWrite(const URL& url);
 
+/// Whether `listSubFilesOrSelf` looks into sub-folders.
 struct Recursively {
     bool recursively = false;
 };

@@ -18,6 +18,7 @@ namespace zorvan {
 // What the builders of dynamic toolbar items are told. Every field is absent at first; an absent
 // identifier becomes a random one, an absent name the empty one, an absent image size 19 x 19.
 
+/// Of a button with an image.
 struct ImageButtonSettings {
     std::optional<NSToolbarItemIdentifier> identifier;
     std::optional<std::string> displayName;
@@ -29,6 +30,7 @@ struct ImageButtonSettings {
     std::weak_ptr<void> target;
 };
 
+/// Of a search field; one is made where none is given.
 struct SearchFieldSettings {
     std::optional<NSToolbarItemIdentifier> identifier;
     std::optional<std::string> displayName;
@@ -38,6 +40,7 @@ struct SearchFieldSettings {
     std::weak_ptr<void> target;
 };
 
+/// Of a button that opens a menu.
 struct MenuButtonSettings {
     std::optional<NSToolbarItemIdentifier> identifier;
     std::optional<std::string> displayName;
@@ -48,12 +51,14 @@ struct MenuButtonSettings {
     std::optional<bool> showsIndicator;
 };
 
+/// Of a separator that follows a divider of a split view; one is made where none is given.
 struct SplitViewSettings {
     std::optional<NSToolbarItemIdentifier> identifier;
     std::shared_ptr<NSSplitView> splitView;
     std::optional<std::int64_t> index;
 };
 
+/// Of a group of buttons, by images or by titles.
 struct ButtonGroupSettings {
     std::optional<NSToolbarItemIdentifier> identifier;
     std::optional<std::string> displayName;

@@ -262,6 +262,7 @@ template <RealNumber T>
     return min + randomUnitValue<T>() * (max - min);
 }
 
+/// What `fraction` gives.
 struct Fraction {
     std::int64_t numerator;
     std::int64_t denominator;

@@ -25,6 +25,7 @@ std::invoke_result_t<Callable&> safeSyncInMain(Callable&& block) {
     return DispatchQueue::main()->sync(block);
 }
 
+/// The date up to which `async` waits.
 struct Until {
     Required<Date> until;
 };

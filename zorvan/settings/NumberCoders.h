@@ -11,6 +11,7 @@ namespace zorvan {
 // Each is stored as a number, absent when nothing is stored, and otherwise whatever the store makes
 // of what there is: of a mistyped value often 0 or false. See `NSUserDefaults`.
 
+/// A truth value, stored as one.
 class BoolUDC {
 public:
     using CodableType = bool;
@@ -18,6 +19,7 @@ public:
     void encode(std::optional<bool> value, NSUserDefaults& to, std::string_view key) const;
 };
 
+/// An integer of 64 bits, stored as a number.
 class IntUDC : public NumericUserDefaultsCoder<IntUDC, std::int64_t> {
 public:
     std::optional<std::int64_t> decode(NSUserDefaults& from, std::string_view key) const;
@@ -31,18 +33,21 @@ public:
     void encode(std::optional<std::uint64_t> value, NSUserDefaults& to, std::string_view key) const;
 };
 
+/// A real of single precision, stored as a number.
 class FloatUDC : public NumericUserDefaultsCoder<FloatUDC, float> {
 public:
     std::optional<float> decode(NSUserDefaults& from, std::string_view key) const;
     void encode(std::optional<float> value, NSUserDefaults& to, std::string_view key) const;
 };
 
+/// A real, stored as a number.
 class DoubleUDC : public NumericUserDefaultsCoder<DoubleUDC, double> {
 public:
     std::optional<double> decode(NSUserDefaults& from, std::string_view key) const;
     void encode(std::optional<double> value, NSUserDefaults& to, std::string_view key) const;
 };
 
+/// The same as `DoubleUDC`, for what is a `CGFloat` to other readers.
 class CGFloatUDC : public NumericUserDefaultsCoder<CGFloatUDC, double> {
 public:
     std::optional<double> decode(NSUserDefaults& from, std::string_view key) const;

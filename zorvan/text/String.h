@@ -96,6 +96,7 @@ bool abreviateTildeInPath(std::string& path);
 /// A place between two characters, in bytes from the start.
 using StringIndex = std::size_t;
 
+/// The bytes between two places.
 struct StringRange {
     StringIndex lower;
     StringIndex upper;
@@ -103,12 +104,15 @@ struct StringRange {
     friend bool operator==(const StringRange&, const StringRange&) = default;
 };
 
+/// The characters in a range, for `substring`.
 struct SubstringWith {
     Required<Range> with;
 };
+/// Those before an offset.
 struct SubstringTo {
     Required<std::int64_t> to;
 };
+/// Those from an offset on.
 struct SubstringFrom {
     Required<std::int64_t> from;
 };

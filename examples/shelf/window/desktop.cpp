@@ -1,10 +1,12 @@
 #include "desktop.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <utility>
 
 namespace desktop {
@@ -54,6 +56,8 @@ void chooseFolder(const std::string& title, std::function<void(const std::string
 }
 
 bool moveToTrash(const std::string& path) {
+    // The trash of a user is made when it is missing, but not the folder that it stands in.
+    QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
     return QFile::moveToTrash(QFile::decodeName(QByteArray::fromStdString(path)));
 }
 

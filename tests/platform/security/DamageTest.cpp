@@ -65,7 +65,7 @@ TEST_F(DamageTest, AChangedRowIsAbsent) {
         EXPECT_EQ(get(item("b")), "b");
         // A change of attributes has nothing to seal again; a value makes the item whole.
         sql("UPDATE items SET service = 'test', account = 'a' WHERE account NOT IN ('b', 'c')");
-        EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytes("new")}}), errSecSuccess)
+        EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytesOf("new")}}), errSecSuccess)
             << change;
         EXPECT_EQ(get(item("a")), "new") << change;
         EXPECT_EQ(SecItemDelete({{kSecClass, kSecClassGenericPassword}}), errSecSuccess);
@@ -106,8 +106,7 @@ TEST_F(DamageTest, AnythingInPlaceOfTheDatabaseDoesNoHarm) {
     ASSERT_EQ(add("a", "1"), errSecSuccess);
     std::mt19937 random(1);
     ASSERT_EQ(sql("PRAGMA wal_checkpoint(TRUNCATE)"), "0\n0\n0\n");
-    std::ifstream file(path("items.sqlite"), std::ios::binary);
-    const std::string whole(std::istreambuf_iterator<char>(file), {});
+    const std::string whole = text(path("items.sqlite"));
     for (int i = 0; i < 200; ++i) {
         std::string damaged = whole;
         for (unsigned n = random() % 64 + 1; n > 0; --n)
@@ -279,15 +278,13 @@ TEST_F(DamageTest, AKeyThatIsJustBeingMadeIsWaitedFor) {
 
 TEST_F(DamageTest, ADamagedKeyFileIsNeverReplaced) {
     ASSERT_EQ(add("a", "1"), errSecSuccess);
-    std::ifstream file(path("key"), std::ios::binary);
-    const std::string whole(std::istreambuf_iterator<char>(file), {});
+    const std::string whole = text(path("key"));
     std::string flipped = whole;
     flipped[30] = static_cast<char>(flipped[30] ^ 1);
     for (const std::string& damaged : {std::string(), whole.substr(1), whole + "x", flipped}) {
         std::ofstream(path("key"), std::ios::binary) << damaged;
         EXPECT_EQ(ask(*peer(), "set b 2"), unavailable);
-        std::ifstream now(path("key"), std::ios::binary);
-        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(now), {}), damaged);
+        EXPECT_EQ(text(path("key")), damaged);
     }
     std::ofstream(path("key"), std::ios::binary) << whole;
     EXPECT_EQ(get(item("a")), "1");

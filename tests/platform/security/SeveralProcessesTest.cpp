@@ -163,7 +163,7 @@ TEST_F(SeveralProcesses, AChildForkedWithinAChangeHasNoPartInIt) {
             EXPECT_EQ(add("b", "2"), errSecSuccess); // so that something is written by now
             child = ::fork();
             isBarred = child == 0 && add("c", "3") == errSecNotAvailable;
-            value = bytes("4");
+            value = bytesOf("4");
         });
     if (child == 0) { // afterwards it is one like any other
         const std::string value = get(item("a"));

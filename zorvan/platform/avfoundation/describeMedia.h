@@ -18,6 +18,7 @@ struct MediaTime {
     std::int32_t timescale;
 };
 
+/// One stream of pictures, sound or anything else.
 struct MediaTrack {
     MediaKind kind = MediaKind::other;
     /// Frames per second on the average; 0 when it is not known, and for what is no video.
@@ -37,6 +38,7 @@ struct MediaMetadata {
     std::string value;
 };
 
+/// What a movie or sound file says of itself.
 struct MediaDescription {
     /// In the order of the file. Pictures of a cover are no tracks.
     std::vector<MediaTrack> tracks;
@@ -45,6 +47,7 @@ struct MediaDescription {
     std::optional<MediaTime> duration;
 };
 
+/// How far a file is read.
 struct MediaReadingOptions {
     /// Some containers (MPEG streams, FLV) leave sizes to the encoded pictures. Whether the first
     /// of these may be decoded then; without it such sizes are (0, 0).

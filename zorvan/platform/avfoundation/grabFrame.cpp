@@ -4,8 +4,12 @@
 
 namespace zorvan::avfoundation {
 
+extern "C" void zorvanGrabFrame(const std::string& path, const FrameRequest& request,
+                                std::optional<GrabbedFrame>& result);
+
 std::optional<GrabbedFrame> grabFrame(const std::string& path, const FrameRequest& request) {
-    return callFFmpeg<GrabbedFrame>("zorvanGrabFrame", path, request);
+    static const auto function = ZORVAN_FUNCTION_BESIDE(ZORVAN_FFMPEG_MEDIA, zorvanGrabFrame);
+    return callFFmpeg(function, path, request);
 }
 
 } // namespace zorvan::avfoundation

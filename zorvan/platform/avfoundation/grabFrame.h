@@ -8,6 +8,7 @@
 
 namespace zorvan::avfoundation {
 
+/// Which picture of a movie is wanted, and how large.
 struct FrameRequest {
     /// From the start of the movie. Times before it, those behind its end, and NaN lead to its
     /// ends.
@@ -21,6 +22,7 @@ struct FrameRequest {
     CGSize maximumSize = {};
 };
 
+/// A picture of a movie.
 struct GrabbedFrame {
     /// In square pixels, opaque.
     Bitmap bitmap;

@@ -20,6 +20,7 @@ inline constexpr NSURLBookmarkCreationOptions NSURLBookmarkCreationWithSecurityS
 using NSURLBookmarkResolutionOptions = std::uint64_t;
 inline constexpr NSURLBookmarkResolutionOptions NSURLBookmarkResolutionWithSecurityScope = 1024;
 
+/// The file that a bookmark leads to.
 struct ResolvedBookmark {
     URL url;
     /// The bookmark still leads to the file, but a new one should be made: the file has another

@@ -101,6 +101,7 @@ struct DrawingStyle {
 enum class CGLineCap { butt = 0, round = 1, square = 2 };
 enum class CGLineJoin { miter = 0, round = 1, bevel = 2 };
 
+/// How lines are drawn along a path.
 struct StrokeStyle {
     /// In the coordinates that `toTarget` leads out of; 0 draws the thinnest line there is.
     double lineWidth = 1;

@@ -20,6 +20,7 @@ struct TextLineColor {
     std::uint8_t alpha = 255;
 };
 
+/// How a line of text is drawn.
 struct TextLineStyle {
     /// The height of the font in pixels.
     double size = 13;

@@ -7,6 +7,7 @@
 #include <zorvan/platform/imageio/internal/PictureSink.h>
 #include <zorvan/platform/imageio/internal/PixelRows.h>
 #include <zorvan/platform/imageio/internal/YCbCr.h>
+#include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
 #include <array>
@@ -389,12 +390,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<HeifReader>(std::move(source), FileFormat::heic);
-}
-
-std::unique_ptr<ImageReader> makeAvifReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<HeifReader>(std::move(source), FileFormat::avif);
+extern "C" void zorvanMakeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format,
+                                     std::unique_ptr<ImageReader>& reader) {
+    reader = std::make_unique<HeifReader>(std::move(source), format);
 }
 
 } // namespace zorvan::imageio

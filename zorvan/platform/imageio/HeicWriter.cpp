@@ -3,6 +3,7 @@
 #include <zorvan/platform/imageio/internal/FrameWriter.h>
 #include <zorvan/platform/imageio/internal/PixelRows.h>
 #include <zorvan/platform/imageio/internal/StoredProperties.h>
+#include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
 #include <array>
@@ -105,15 +106,7 @@ void mendStatedSizes(Data& bytes, const Bitmap& bitmap) {
     }
 }
 
-} // namespace
-
-bool hasHeicEncoder() {
-    // The plug-ins are loaded with the first context.
-    const Context context(heif_context_alloc());
-    return context && heif_have_encoder_for_format(heif_compression_HEVC);
-}
-
-std::optional<Data> encodeHeic(const Frame& frame) {
+std::optional<Data> encoded(const Frame& frame) {
     constexpr std::int64_t maximumCodedSide = 16'384;
     const Bitmap& bitmap = *frame.bitmap;
     if (bitmap.width() > maximumCodedSide || bitmap.height() > maximumCodedSide)
@@ -151,6 +144,18 @@ std::optional<Data> encodeHeic(const Frame& frame) {
     if (quarterTurn && inBoxes)
         mendStatedSizes(bytes, bitmap);
     return bytes;
+}
+
+} // namespace
+
+extern "C" void zorvanHasHeicEncoder(bool& has) {
+    // The plug-ins are loaded with the first context.
+    const Context context(heif_context_alloc());
+    has = context && heif_have_encoder_for_format(heif_compression_HEVC);
+}
+
+extern "C" void zorvanEncodeHeic(const Frame& frame, std::optional<Data>& bytes) {
+    bytes = encoded(frame);
 }
 
 } // namespace zorvan::imageio

@@ -4,6 +4,7 @@
 #include <zorvan/platform/imageio/internal/ByteOrder.h>
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/HeifBoxes.h>
+#include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
 #include <array>
@@ -109,13 +110,27 @@ std::unique_ptr<ImageReader> readerFor(std::unique_ptr<ByteSource> source) {
                                                                    : "not a picture");
 }
 
+std::unique_ptr<ImageReader> makeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format) {
+    static const auto make = ZORVAN_FUNCTION_BESIDE(ZORVAN_HEIF_PICTURES, zorvanMakeHeifReader);
+    if (!make)
+        return std::make_unique<UnreadableFile>(reason::noDecoder);
+    std::unique_ptr<ImageReader> reader;
+    make(std::move(source), format, reader);
+    return reader;
+}
+
 } // namespace
 
+std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source) {
+    return makeHeifReader(std::move(source), FileFormat::heic);
+}
+
+std::unique_ptr<ImageReader> makeAvifReader(std::unique_ptr<ByteSource> source) {
+    return makeHeifReader(std::move(source), FileFormat::avif);
+}
+
 std::unique_ptr<ImageReader> makeJpegXLReader(std::unique_ptr<ByteSource> source) {
-    using Make =
-        void (*)(std::unique_ptr<ByteSource> source, std::unique_ptr<ImageReader> & reader);
-    static const auto make = reinterpret_cast<Make>(
-        internal::functionBeside(ZORVAN_JXL_PICTURES, "zorvanMakeJpegXLReader"));
+    static const auto make = ZORVAN_FUNCTION_BESIDE(ZORVAN_JXL_PICTURES, zorvanMakeJpegXLReader);
     if (!make)
         return std::make_unique<UnreadableFile>(reason::noDecoder);
     std::unique_ptr<ImageReader> reader;

@@ -1,11 +1,29 @@
 #include <zorvan/platform/imageio/ImageWriter.h>
 
+#include <zorvan/platform/foundation/internal/functionBeside.h>
 #include <zorvan/platform/imageio/internal/FrameWriter.h>
+#include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <exception>
 
 namespace zorvan::imageio {
 namespace {
+
+std::optional<Data> encodeHeic(const Frame& frame) {
+    static const auto encodeFrame = ZORVAN_FUNCTION_BESIDE(ZORVAN_HEIF_PICTURES, zorvanEncodeHeic);
+    std::optional<Data> bytes;
+    if (encodeFrame)
+        encodeFrame(frame, bytes);
+    return bytes;
+}
+
+bool hasHeicEncoder() {
+    static const auto ask = ZORVAN_FUNCTION_BESIDE(ZORVAN_HEIF_PICTURES, zorvanHasHeicEncoder);
+    bool has = false;
+    if (ask)
+        ask(has);
+    return has;
+}
 
 std::optional<Data> dispatched(FileFormat format, std::span<const Frame> frames) {
     switch (format) {

@@ -89,6 +89,7 @@ OSStatus SecItemAdd(const PropertyList::Dictionary& attributes);
 OSStatus SecItemUpdate(const PropertyList::Dictionary& query,
                        const PropertyList::Dictionary& attributesToUpdate);
 
+/// What a search gives.
 struct SecItemResult {
     OSStatus status;
     /// One result, or with another limit than one an array of them. Absent unless the status is

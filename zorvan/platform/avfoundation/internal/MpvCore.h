@@ -9,7 +9,6 @@
 #include <optional>
 
 #include <mpv/client.h>
-#include <mpv/render.h>
 
 namespace zorvan::avfoundation {
 
@@ -21,36 +20,34 @@ namespace zorvan::avfoundation {
 class MpvCore {
 public:
     /// `wake` is called on threads of libmpv when there are events or a frame. Empty when libmpv
-    /// refuses, as it does under a numeric locale other than C's.
+    /// refuses, as it does under a numeric locale other than C's, or is not there: libmpv, which
+    /// takes a program longer to load than all else together, is loaded here.
     static std::unique_ptr<MpvCore> create(std::function<void()> wake);
-    ~MpvCore();
+    virtual ~MpvCore() = default;
     MpvCore(const MpvCore&) = delete;
     MpvCore& operator=(const MpvCore&) = delete;
 
-    void command(std::uint64_t id, std::initializer_list<const char*> words);
+    virtual void command(std::uint64_t id, std::initializer_list<const char*> words) = 0;
     /// `flags` as mpv's command "seek" has them.
-    void seek(std::uint64_t id, double seconds, const char* flags);
-    void setFlag(const char* property, bool value);
-    void setNumber(const char* property, double value);
-    void observe(std::uint64_t id, const char* property, mpv_format format);
+    virtual void seek(std::uint64_t id, double seconds, const char* flags) = 0;
+    virtual void setFlag(const char* property, bool value) = 0;
+    virtual void setNumber(const char* property, double value) = 0;
+    virtual void observe(std::uint64_t id, const char* property, mpv_format format) = 0;
     /// Has the value, a double, come as an event.
-    void ask(std::uint64_t id, const char* property);
+    virtual void ask(std::uint64_t id, const char* property) = 0;
 
     /// The next event, `MPV_EVENT_NONE` when there is none. Valid until the next call.
-    const mpv_event& nextEvent();
+    virtual const mpv_event& nextEvent() = 0;
 
     /// Lets libmpv hand over the frame that is due; whether there was one.
-    bool takeFrame();
+    virtual bool takeFrame() = 0;
     /// Draws the frame that was taken last.
-    std::optional<Bitmap> draw(std::int64_t width, std::int64_t height);
+    virtual std::optional<Bitmap> draw(std::int64_t width, std::int64_t height) = 0;
 
-private:
-    explicit MpvCore(std::function<void()> wake) : wake_(std::move(wake)) {}
-    bool start();
-
-    const std::function<void()> wake_;
-    mpv_handle* handle_ = nullptr;
-    mpv_render_context* renderer_ = nullptr;
+protected:
+    MpvCore() = default;
 };
+
+extern "C" void zorvanMakeMpvCore(std::function<void()> wake, std::unique_ptr<MpvCore>& core);
 
 } // namespace zorvan::avfoundation

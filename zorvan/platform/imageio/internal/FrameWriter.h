@@ -13,8 +13,6 @@ namespace zorvan::imageio {
 std::optional<Data> encodeJpeg(const Frame& frame);
 std::optional<Data> encodePng(const Frame& frame);
 std::optional<Data> encodeTiff(std::span<const Frame> frames);
-std::optional<Data> encodeHeic(const Frame& frame);
-bool hasHeicEncoder();
 
 /// Whether every pixel is.
 bool isOpaque(const Bitmap& bitmap) noexcept;

@@ -259,12 +259,16 @@ void Database::execute(const std::string& statements) {
 
 Statement Database::statement(std::string_view text) {
     requireOwn();
-    if (const auto known = statements_.find(text); known != statements_.end())
+    if (const auto known = statements_.find(text); known != statements_.end() && known->second)
         return Statement(known->second.get());
-    sqlite3_stmt* made = nullptr;
-    check(sqlite3_prepare_v3(connection_.get(), text.data(), static_cast<int>(text.size()),
-                             SQLITE_PREPARE_PERSISTENT, &made, nullptr));
-    return Statement(statements_.emplace(text, made).first->second.get());
+    auto& made = statements_.try_emplace(std::string(text)).first->second;
+    sqlite3_stmt* statement = nullptr;
+    const int code =
+        sqlite3_prepare_v3(connection_.get(), text.data(), static_cast<int>(text.size()),
+                           SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    made.reset(statement);
+    check(code);
+    return Statement(statement);
 }
 
 std::int64_t Database::integer(std::string_view query) {

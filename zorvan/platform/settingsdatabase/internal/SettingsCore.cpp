@@ -24,7 +24,6 @@ constexpr std::chrono::seconds betweenAttempts{1};
 /// From how many removed keys on their rows are cleared away, when they are half of all.
 constexpr std::size_t manyRemoved = 1000;
 
-constexpr char keptInMemory[] = "; changes are kept in memory";
 constexpr char notOnDisk[] = "; the last changes may not be on the disk";
 
 } // namespace
@@ -273,6 +272,10 @@ bool SettingsDatabase::Core::store(const Changes& changes) {
         file_->rollBack();
         keep(all, nullptr);
         meet(failure, keptInMemory);
+    } catch (...) { // out of memory
+        if (file_)
+            file_->rollBack();
+        throw;
     }
     return memory_.pending().empty(); // when a new database took it
 }
@@ -388,64 +391,6 @@ bool SettingsDatabase::Core::synchronize() {
     }
     allIsWell();
     return memory_.pending().empty();
-}
-
-// Problems.
-
-void SettingsDatabase::Core::meet(const DatabaseFailure& failure, const char* consequence) {
-    if (failure.reason == DatabaseFailure::Reason::damage && file_ && file_->isWritable() &&
-        !beginsAnew_) {
-        beginAnew();
-        return;
-    }
-    note(failure.what() + std::string(consequence));
-    if (file_ && known_ != file_->identity()) // not even read
-        close();
-}
-
-/// With what is in memory.
-void SettingsDatabase::Core::beginAnew() {
-    {
-        const std::lock_guard hold(holding_);
-        memory_.keepEverything();
-        stampAddress_ = nullptr;
-    }
-    beginsAnew_ = true;
-    try {
-        const std::string aside = SettingsFile::setAside(std::move(file_));
-        if (!aside.empty())
-            note("it was damaged and is set aside as " + aside);
-        open();
-        if (file_ && file_->isWritable())
-            store({});
-    } catch (const std::system_error& error) {
-        note("it is damaged and cannot be set aside: " + error.code().message() + keptInMemory);
-    } catch (const Refusal& refusal) {
-        note(refusal.what() + std::string(keptInMemory));
-    }
-    beginsAnew_ = false;
-}
-
-void SettingsDatabase::Core::note(const std::string& problem) {
-    if (path_.empty())
-        return;
-    const std::lock_guard hold(holding_);
-    const std::string line = path_ + ": " + problem;
-    if (problem_ == line)
-        return;
-    problem_ = line;
-    untold_.push_back(line);
-}
-
-void SettingsDatabase::Core::allIsWell() {
-    const std::lock_guard hold(holding_);
-    if (memory_.pending().empty())
-        problem_.reset();
-}
-
-std::optional<std::string> SettingsDatabase::Core::problem() {
-    const std::lock_guard hold(holding_);
-    return problem_;
 }
 
 } // namespace zorvan

@@ -56,6 +56,7 @@ public:
 
 private:
     using Changes = internal::SettingsOverlay::Changes;
+    static constexpr char keptInMemory[] = "; changes are kept in memory";
     using Clock = std::chrono::steady_clock;
     using Rows = internal::SettingRows;
 

@@ -35,18 +35,17 @@ SettingsDatabase::Outcome SettingsDatabase::Core::transact(const std::function<v
     const bool hasFile = makeWritable(false);
     if (hasFile && !begin())
         return Outcome::refused;
-    Changes changes;
     try {
-        changes = collect(function);
+        Changes changes = collect(function);
+        if (hasFile && isOwnProcess())
+            return commit(std::move(changes));
+        keep(changes, nullptr);
+        return changes.empty() ? Outcome::stored : Outcome::kept;
     } catch (...) {
-        if (hasFile)
+        if (file_)
             file_->rollBack();
         throw;
     }
-    if (hasFile && isOwnProcess())
-        return commit(std::move(changes));
-    keep(changes, nullptr);
-    return changes.empty() ? Outcome::stored : Outcome::kept;
 }
 
 SettingsDatabase::Outcome

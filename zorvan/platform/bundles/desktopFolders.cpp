@@ -1,4 +1,4 @@
-#include <zorvan/platform/propertylist/internal/desktopFolders.h>
+#include <zorvan/platform/bundles/internal/desktopFolders.h>
 
 #include <algorithm>
 #include <cstdlib>

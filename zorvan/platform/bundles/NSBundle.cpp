@@ -1,4 +1,4 @@
-#include <zorvan/platform/propertylist/NSBundle.h>
+#include <zorvan/platform/bundles/NSBundle.h>
 
 #include <zorvan/platform/foundation/executablePath.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>

@@ -1,7 +1,7 @@
-#include <zorvan/platform/propertylist/internal/IconTheme.h>
+#include <zorvan/platform/bundles/internal/IconTheme.h>
 
-#include <zorvan/platform/propertylist/internal/KeyFile.h>
-#include <zorvan/platform/propertylist/internal/desktopFolders.h>
+#include <zorvan/platform/bundles/internal/KeyFile.h>
+#include <zorvan/platform/bundles/internal/desktopFolders.h>
 
 #include <algorithm>
 #include <system_error>

@@ -1,8 +1,8 @@
-#include <zorvan/platform/propertylist/DesktopIcon.h>
+#include <zorvan/platform/bundles/DesktopIcon.h>
 
-#include <zorvan/platform/propertylist/internal/IconTheme.h>
-#include <zorvan/platform/propertylist/internal/KeyFile.h>
-#include <zorvan/platform/propertylist/internal/desktopFolders.h>
+#include <zorvan/platform/bundles/internal/IconTheme.h>
+#include <zorvan/platform/bundles/internal/KeyFile.h>
+#include <zorvan/platform/bundles/internal/desktopFolders.h>
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include <zorvan/platform/propertylist/internal/KeyFile.h>
+#include <zorvan/platform/bundles/internal/KeyFile.h>
 
 #include <zorvan/platform/foundation/internal/readRegularFile.h>
 

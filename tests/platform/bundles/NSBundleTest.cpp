@@ -1,9 +1,9 @@
 #include "BundleFolder.h"
 #include <tests/Testing.h>
 
-#include <zorvan/platform/propertylist/DesktopIcon.h>
+#include <zorvan/platform/bundles/DesktopIcon.h>
 
-TEST_F(BundleTest, doesWithoutInformation) {
+TEST_F(BundleTest, DoesWithoutInformation) {
     std::filesystem::create_directory(root_ / "empty");
     write("broken/Info.plist", "<plist><dict><key>CFBundleName");
     write("list/Info.plist", "<plist><array/></plist>");
@@ -16,7 +16,7 @@ TEST_F(BundleTest, doesWithoutInformation) {
         EXPECT_FALSE(NSBundle::create(none)) << none;
 }
 
-TEST_F(BundleTest, findsResources) {
+TEST_F(BundleTest, FindsResources) {
     for (const char* file : {"Resources/data.json", "Resources/Help/index.html", "secret.json"})
         write(std::string("a/Contents/") + file);
     const auto bundle = NSBundle::create(path("a"));
@@ -39,7 +39,7 @@ TEST_F(BundleTest, findsResources) {
     EXPECT_TRUE(NSBundle::create(path("flat"))->URLForResource("data", "json"));
 }
 
-TEST_F(BundleTest, findsTheMainBundleOfAnExecutable) {
+TEST_F(BundleTest, FindsTheMainBundleOfAnExecutable) {
     // Each one hides those before it.
     const auto found = [&] { return NSBundle::bundlePathForExecutable(path("Contents/bin/tool")); };
     EXPECT_EQ(found(), path("Contents/bin"));
@@ -51,7 +51,7 @@ TEST_F(BundleTest, findsTheMainBundleOfAnExecutable) {
     EXPECT_EQ(found(), path("Contents/bin/tool.bundle"));
 }
 
-TEST_F(BundleTest, hasAnIcon) {
+TEST_F(BundleTest, HasAnIcon) {
     setenv("HOME", path("home").c_str(), 1);
     setenv("XDG_DATA_HOME", path("own").c_str(), 1);
     setenv("XDG_DATA_DIRS", (path("shared") + ":relative").c_str(), 1);

@@ -1,0 +1,55 @@
+#!/bin/sh
+# docs.sh: writes the reference of the interface with the guide to build/docs/html. Fails when doxygen warns of
+# anything but what goes without saying: members, and the records of arguments within a class, may go without a
+# docstring of their own; a type or a broken link may not.
+set -eu
+cd "$(dirname "$0")/.."
+out=build/docs
+rm -rf "$out"
+mkdir -p "$out"
+{
+    cat scripts/Doxyfile
+    echo "OUTPUT_DIRECTORY = $out"
+    echo "PROJECT_NUMBER = $(sed -n 's/^project(Zorvan VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)"
+} | doxygen - 2>"$out/warnings"
+if sed -n 's/^.*warning: //p' "$out/warnings" |
+    grep -vE '^(Member .*|Compound [^ ]*::[^ ]*::[^ ]*::.*|Compound zorvan::[A-Z][A-Za-z]*::.*|Compound zorvan::JSONCoding< .*|Compound std::hash.*) is not documented' >"$out/wrong"; then
+    cat "$out/wrong" >&2
+    exit 1
+fi
+
+# Which component a header belongs to: the one that is made of the source of that name, or else the one that the
+# folder has, of several the one that is named here.
+awk '
+    FNR == 1 { folder = FILENAME; sub("/[^/]*$", "", folder) }
+    /^ *zorvan_library[(]/ { name = $1; sub(".*[(]", "", name); if (!(folder in first)) first[folder] = name }
+    /target_|[)]$/ && !/[.]cpp/ { next }
+    { for (i = 1; i <= NF; ++i) if ($i ~ /[.]cpp[)]?$/) { source = $i; sub(/[.]cpp.*/, "", source); sub(".*}/", "", source)
+        print (source ~ /^zorvan/ ? source : folder "/" source) ".h", name } }
+    END { for (folder in first) print folder, first[folder] }
+' zorvan/*/CMakeLists.txt zorvan/*/*.cmake zorvan/*/*/CMakeLists.txt >"$out/components"
+cat >>"$out/components" <<'TEXT'
+zorvan/media Media
+zorvan/media/AVAssetTrack.h MediaAssets
+zorvan/media/AVMediaType.h MediaAssets
+zorvan/media/AVCaptureVideoOrientation.h Media
+zorvan/media/AVVideoCodecType.h MediaAssets
+zorvan/platform/avfoundation Playback
+zorvan/platform/graphics/DrawingTarget.h Drawing
+TEXT
+
+# Where a page says what to include, it says what to link.
+for page in "$out"/html/class*.html "$out"/html/struct*.html; do
+    awk -v components="$out/components" '
+        BEGIN { while ((getline line <components) > 0) { split(line, pair, " "); component[pair[1]] = pair[2] } }
+        match($0, /#include &lt;zorvan[^&]*&gt;<\/code>/) {
+            header = substr($0, RSTART + 13, RLENGTH - 24)
+            folder = header
+            sub("/[^/]*$", "", folder)
+            target = header in component ? component[header] : component[folder]
+            if (target) sub("</code></p>", "</code>, link <code>Zorvan::" target "</code></p>")
+        }
+        { print }' "$page" >"$out/page"
+    mv "$out/page" "$page"
+done
+echo "The reference: $out/html/index.html"
