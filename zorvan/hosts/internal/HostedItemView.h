@@ -188,16 +188,19 @@ protected:
 
     void dragLeaveEvent(QDragLeaveEvent*) override { endDrop(); }
 
+    /// Told once Qt has done with the drop, since whoever is told may close the window.
     void dropEvent(QDropEvent* event) override {
-        const auto keptAlive = view_;
-        const bool isOwn = isSource_;
         endDrop();
         event->accept();
-        const QPoint at = event->position().toPoint();
-        if (isOwn)
-            selectionDropped(at);
-        else
-            urlsDropped(urlsOf(*event->mimeData()), at);
+        const auto tell = [this, keptAlive = view_, isOwn = isSource_,
+                           urls = urlsOf(*event->mimeData()),
+                           at = event->position().toPoint()]() noexcept {
+            if (isOwn)
+                selectionDropped(at);
+            else
+                urlsDropped(urls, at);
+        };
+        QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
     }
 
     void paintEvent(QPaintEvent* event) override {

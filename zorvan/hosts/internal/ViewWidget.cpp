@@ -237,10 +237,14 @@ void ViewWidget::dragEnterEvent(QDragEnterEvent* event) {
     event->setAccepted(!urls.empty() && askSafely([&] { return view_->acceptsDrop(urls); }));
 }
 
+/// Told once Qt has done with the drop, since whoever is told may close the window.
 void ViewWidget::dropEvent(QDropEvent* event) {
-    const auto keptAlive = view_;
     event->accept();
-    keptAlive->urlsDropped(urlsOf(*event->mimeData()), toView(*keptAlive, event->position()));
+    const auto tell = [view = view_, urls = urlsOf(*event->mimeData()),
+                       at = toView(*view_, event->position())]() noexcept {
+        view->urlsDropped(urls, at);
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
 void openContextMenu(const std::shared_ptr<NSView>& view, QWidget& widget,
