@@ -8,6 +8,8 @@
 #include <charconv>
 #include <functional>
 #include <map>
+#include <set>
+#include <string_view>
 
 using zorvan::ImageExportFormat;
 
@@ -39,22 +41,44 @@ Smaller copies:
       --size N        fitted into N x N pixels, never enlarged (default 1024)
       --format F      png, jpg, tiff or heic (default jpg)
 
-A window:
-      --screenshot FILE   draw a window that shows the pictures, as a PNG file
-
 What is printed:
       --json          the facts as JSON instead of a table
       --quick         read only the head of each file: a picture that is broken
                       further on is not noticed (for a list alone)
   -q, --quiet         no table and no progress bar
   -h, --help          this text
+      --version       the version
 
 The exit status is 0 when all went well, also when some pictures are unreadable;
 1 when something could not be written; 2 when the command line makes no sense or
 names what does not exist.
 )";
 
+const char* const windowHelpText =
+    R"(Usage: shelf-window [OPTIONS] PATH...
+
+Shows pictures and movies in a window.
+A PATH is a picture, a movie, or a folder of them.
+
+Which pictures:
+  -r, --recursive     also those in sub-folders
+      --hidden        also hidden ones, whose name begins with a dot
+      --packages      also those inside packages, folders that count as one file
+      --no-links      leave symbolic links out
+      --type TYPE     only this type: an extension (jpg) or an identifier
+                      (public.jpeg); give it several times for several types
+
+      --screenshot FILE   draw the window as a PNG file, without a screen
+  -h, --help          this text
+      --version       the version
+)";
+
 namespace {
+
+using Names = std::set<std::string_view>;
+const Names onlyOfShelf{"-o",       "--output", "--columns", "--cell",  "--export", "--size",
+                        "--format", "--json",   "-q",        "--quiet", "--quick"};
+const Names onlyOfWindow{"--screenshot"};
 
 std::int64_t number(const std::string& option, const std::string& text, std::int64_t most) {
     std::int64_t value = 0;
@@ -79,6 +103,9 @@ ImageExportFormat formatNamed(const std::string& option, std::string_view extens
 /// Takes the words of the command line one by one.
 class Parser {
 public:
+    /// Some options are those of another program.
+    explicit Parser(const Names& unknown) : unknown_(unknown) {}
+
     Options parse(const std::vector<std::string>& arguments) {
         bool isOptions = true;
         for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -90,7 +117,7 @@ public:
             else
                 i += take(word, i + 1 < arguments.size() ? &arguments[i + 1] : nullptr);
         }
-        if (!options_.help)
+        if (!options_.help && !options_.version)
             check();
         return options_;
     }
@@ -101,6 +128,8 @@ private:
         const bool isLong = word.starts_with("--");
         const std::size_t equals = isLong ? word.find('=') : std::string::npos;
         const std::string name = word.substr(0, equals);
+        if (unknown_.contains(name))
+            throw UsageError("unknown option '" + forDisplay(word) + "'");
         if (const auto flag = flags_.find(name); flag != flags_.end()) {
             if (equals != std::string::npos)
                 throw UsageError(name + " takes no value");
@@ -121,9 +150,8 @@ private:
             throw UsageError("name a picture or a folder of pictures");
         if (options_.json && options_.quiet)
             throw UsageError("--json and --quiet exclude each other");
-        if (options_.quick && (options_.sheet || options_.screenshot || options_.exportFolder))
-            throw UsageError(
-                "--quick is for a list alone, without --output, --screenshot and --export");
+        if (options_.quick && (options_.sheet || options_.exportFolder))
+            throw UsageError("--quick is for a list alone, without --output and --export");
     }
 
     void setSheet(const std::string& path) {
@@ -145,6 +173,7 @@ private:
         options_.exportFolder = path;
     }
 
+    const Names& unknown_;
     Options options_;
     const std::map<std::string, bool*> flags_{
         {"-r", &options_.recursive},       {"--recursive", &options_.recursive},
@@ -152,7 +181,7 @@ private:
         {"--no-links", &options_.noLinks}, {"--json", &options_.json},
         {"-q", &options_.quiet},           {"--quiet", &options_.quiet},
         {"--quick", &options_.quick},      {"-h", &options_.help},
-        {"--help", &options_.help},
+        {"--help", &options_.help},        {"--version", &options_.version},
     };
     const std::map<std::string, std::function<void(const std::string&)>> settings_{
         {"-o", [this](const std::string& value) { setSheet(value); }},
@@ -178,5 +207,9 @@ private:
 } // namespace
 
 Options parseOptions(const std::vector<std::string>& arguments) {
-    return Parser().parse(arguments);
+    return Parser(onlyOfWindow).parse(arguments);
+}
+
+Options parseWindowOptions(const std::vector<std::string>& arguments) {
+    return Parser(onlyOfShelf).parse(arguments);
 }

@@ -23,7 +23,7 @@ struct Options {
     std::optional<std::int64_t> columns;
     std::int64_t cell = 180;
 
-    std::optional<std::string> screenshot; // a PNG file
+    std::optional<std::string> screenshot; // of the window, a PNG file
 
     std::optional<std::string> exportFolder;
     std::int64_t exportSize = 1024;
@@ -33,6 +33,7 @@ struct Options {
     bool quiet = false;
     bool quick = false;
     bool help = false;
+    bool version = false;
 };
 
 /// The command line makes no sense; the message says why.
@@ -40,7 +41,10 @@ struct UsageError : std::runtime_error {
     using runtime_error::runtime_error;
 };
 
-/// Throws `UsageError`.
+/// Of `shelf`. Throws `UsageError`.
 Options parseOptions(const std::vector<std::string>& arguments);
+/// Of `shelf-window`, which knows fewer. Throws `UsageError`.
+Options parseWindowOptions(const std::vector<std::string>& arguments);
 
 extern const char* const helpText;
+extern const char* const windowHelpText;

@@ -34,7 +34,9 @@ void setTypes(FileIterator& files, const std::vector<std::string>& wanted,
     files.setAllowedFiles(std::move(extensions));
 }
 
-std::vector<ListedFile> filesOf(const std::string& path, const Options& options) {
+/// False when no more are wanted.
+bool walkPath(const std::string& path, const Options& options,
+              const std::function<bool(const ListedFile&)>& found) {
     const URL root = fileURL(path);
     const bool isFolder = NSFileManager::defaultManager()->contentExists(root).isDir;
     const auto files = FileIterator::create({root});
@@ -47,14 +49,20 @@ std::vector<ListedFile> filesOf(const std::string& path, const Options& options)
              isFolder ? FileIterator::Types{UTIType::image(), UTIType::movie()}
                       : FileIterator::Types());
 
-    std::vector<ListedFile> list;
     const std::string top = root.resolvingSymlinksInPath().path();
     const std::size_t start = top == "/" ? 1 : top.size() + 1;
     for (const URL& url : *files)
-        list.push_back({url, isFolder ? url.path().substr(start) : path});
-    std::sort(list.begin(), list.end(),
-              [](const ListedFile& a, const ListedFile& b) { return comesBefore(a.name, b.name); });
-    return list;
+        if (!found({url, isFolder ? url.path().substr(start) : path}))
+            return false;
+    return true;
+}
+
+std::unordered_set<std::string> pathsWritten(const Options& options) {
+    std::unordered_set<std::string> paths;
+    for (const auto& written : {options.sheet, options.screenshot})
+        if (written)
+            paths.insert(fileURL(*written).resolvingSymlinksInPath().path());
+    return paths;
 }
 
 } // namespace
@@ -67,15 +75,28 @@ std::vector<std::string> missingPaths(const Options& options) {
     return missing;
 }
 
-std::vector<ListedFile> listFiles(const Options& options) {
-    std::unordered_set<std::string> seen;
-    for (const auto& written : {options.sheet, options.screenshot})
-        if (written)
-            seen.insert(fileURL(*written).resolvingSymlinksInPath().path());
-    std::vector<ListedFile> list;
+void walkFiles(const Options& options, const std::function<bool(const ListedFile&)>& found) {
+    std::unordered_set<std::string> seen = pathsWritten(options);
     for (const std::string& path : options.paths)
-        for (ListedFile& file : filesOf(path, options))
+        if (!walkPath(path, options, [&](const ListedFile& file) {
+                return !seen.insert(file.url.path()).second || found(file);
+            }))
+            return;
+}
+
+std::vector<ListedFile> listFiles(const Options& options) {
+    std::unordered_set<std::string> seen = pathsWritten(options);
+    std::vector<ListedFile> list;
+    for (const std::string& path : options.paths) {
+        const auto start = static_cast<std::ptrdiff_t>(list.size());
+        walkPath(path, options, [&](const ListedFile& file) {
             if (seen.insert(file.url.path()).second)
-                list.push_back(std::move(file));
+                list.push_back(file);
+            return true;
+        });
+        std::sort(list.begin() + start, list.end(), [](const ListedFile& a, const ListedFile& b) {
+            return comesBefore(a.name, b.name);
+        });
+    }
     return list;
 }

@@ -4,6 +4,7 @@
 
 #include <zorvan/platform/foundation/URL.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,7 +17,10 @@ struct ListedFile {
 /// Paths of the command line that stand for nothing.
 std::vector<std::string> missingPaths(const Options& options);
 
-/// The files that the paths stand for: the paths in their order, what a folder holds in an order
-/// for people, no file twice. The sheet and the screenshot are left out, so that they may stand
-/// among the pictures.
+/// The files that the paths stand for, as they are met, no file twice; until `found` says that it
+/// wants no more. What is to be written itself, the sheet or the screenshot, is left out, so that
+/// it may stand among the pictures. From any thread.
+void walkFiles(const Options& options, const std::function<bool(const ListedFile&)>& found);
+
+/// The same files: the paths in their order, what a folder holds in an order for people.
 std::vector<ListedFile> listFiles(const Options& options);

@@ -3,7 +3,6 @@
 #include "ContactSheet.h"
 #include "Options.h"
 #include "PictureList.h"
-#include "PictureWindow.h"
 #include "ProgressBar.h"
 #include "SettingsCommand.h"
 #include "displayText.h"
@@ -39,16 +38,13 @@ bool makeRoom(const Options& options) {
         complain(forDisplay(*options.exportFolder) + ": " + problem.message());
         return false;
     }
-    for (const auto& file : {options.sheet, options.screenshot}) {
-        if (!file)
-            continue;
-        const auto folder = std::filesystem::absolute(*file).parent_path();
-        if (!std::filesystem::is_directory(folder, problem)) {
-            complain(forDisplay(folder.string()) + ": no such folder");
-            return false;
-        }
-    }
-    return true;
+    if (!options.sheet)
+        return true;
+    const auto folder = std::filesystem::absolute(*options.sheet).parent_path();
+    if (std::filesystem::is_directory(folder, problem))
+        return true;
+    complain(forDisplay(folder.string()) + ": no such folder");
+    return false;
 }
 
 bool printFacts(const Options& options, const std::vector<ListedFile>& files,
@@ -67,15 +63,6 @@ bool checkWritten(const Options& options, const std::vector<ListedFile>& files,
     if (isNothingWritten && result.problems.empty() && !files.empty())
         complain("no picture could be read, so none was written");
     return result.problems.empty() && !isNothingWritten;
-}
-
-bool writeScreenshot(const Options& options, const std::vector<ListedFile>& files,
-                     const WorkResult& result) {
-    const PictureWindow shown(options.paths.front(), files, result.facts);
-    if (shown.writeScreenshot(*options.screenshot))
-        return true;
-    complain(forDisplay(*options.screenshot) + ": the screenshot cannot be written");
-    return false;
 }
 
 int run(const Options& options) {
@@ -112,8 +99,6 @@ int run(const Options& options) {
     }
     if (options.sheet && !sheet)
         isWritten = false;
-    if (options.screenshot && !writeScreenshot(options, files, result))
-        isWritten = false;
     return isPrinted && isWritten ? allWell : notWritten;
 }
 
@@ -125,8 +110,9 @@ int main(int argc, char** argv) {
         if (argc > 1 && std::strcmp(argv[1], "settings") == 0)
             return print(settingsAsXML({argv + 2, argv + argc})) ? allWell : notWritten;
         const Options options = parseOptions({argv + 1, argv + argc});
-        if (options.help)
-            return print(helpText) ? allWell : notWritten;
+        if (options.help || options.version)
+            return print(options.help ? helpText : "shelf " SHELF_VERSION "\n") ? allWell
+                                                                                : notWritten;
         return run(options);
     } catch (const UsageError& problem) {
         complain(std::string(problem.what()) + "\nTry 'shelf --help'.");

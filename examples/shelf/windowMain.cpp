@@ -1,11 +1,9 @@
-// shelf-window: the pictures of a folder in a window on the desktop.
+// shelf-window: the pictures of folders in a window on the desktop.
 
 #include "Options.h"
 #include "PictureList.h"
-#include "PictureWindow.h"
-#include "ProgressBar.h"
 #include "displayText.h"
-#include "work.h"
+#include "window/ShelfWindow.h"
 
 #include <zorvan/hosts/QtWindowHost.h>
 
@@ -19,58 +17,66 @@
 
 namespace {
 
-void addShortcuts(QWidget& widget, PictureWindow& shown) {
-    for (const bool forward : {false, true})
-        new QShortcut(forward ? Qt::Key_Right : Qt::Key_Left, &widget,
-                      [&shown, forward] { shown.selectNext(forward); });
-    for (const auto key : {QKeySequence::Close, QKeySequence::Quit})
-        new QShortcut(key, &widget, [&widget] { widget.close(); });
-}
-
-/// Draws the window as it is on the desktop.
-bool writeScreenshot(QWidget& widget, const std::string& path) {
-    for (int i = 0; i < 5; ++i)
-        QCoreApplication::processEvents();
+/// Draws the window as it is on the desktop, once the pictures in sight are there.
+bool writeScreenshot(const ShelfWindow& shelf, QWidget& widget, const std::string& path) {
+    const auto isBusy = [&] { return shelf.isWalking() || shelf.thumbnails()->isLoading(); };
+    constexpr int enoughToSettle = 5;
+    for (int idle = 0; idle < enoughToSettle; idle = isBusy() ? 0 : idle + 1)
+        QApplication::processEvents(isBusy() ? QEventLoop::WaitForMoreEvents
+                                             : QEventLoop::AllEvents);
     return widget.grab().save(QString::fromStdString(path), "PNG");
 }
 
 int show(const Options& options) {
-    if (const auto missing = missingPaths(options); !missing.empty())
-        throw UsageError(forDisplay(missing.front()) + ": no such file or folder");
-    const std::vector<ListedFile> files = listFiles(options);
-    ProgressBar progress(files.size(), !options.quiet);
-    const WorkResult result = work(files, options, nullptr, progress);
-    PictureWindow shown(options.paths.front(), files, result.facts);
-    const zorvan::CGSize size = shown.window()->contentSize();
-    const auto host = zorvan::QtWindowHost::show(shown.window());
+    const auto shelf = ShelfWindow::create(options);
+    const zorvan::CGSize size = shelf->window()->contentSize();
+    if (options.screenshot)
+        shelf->window()->setFrameAutosaveName({});
+    const auto host = zorvan::QtWindowHost::show(shelf->window());
+    QWidget& widget = host->widget();
     if (options.screenshot) {
-        shown.window()->setContentSize(size); // there is no screen that it would have to fit
-        if (writeScreenshot(host->widget(), *options.screenshot))
+        shelf->window()->setContentSize(size); // there is no screen that it would have to fit
+        if (writeScreenshot(*shelf, widget, *options.screenshot))
             return 0;
         throw std::runtime_error(forDisplay(*options.screenshot) +
                                  ": the screenshot cannot be written");
     }
-    addShortcuts(host->widget(), shown);
+    for (const auto key : {QKeySequence::Close, QKeySequence::Quit})
+        new QShortcut(key, &widget, [&widget] { widget.close(); });
     return QApplication::exec();
+}
+
+int run(int argc, char** argv) {
+    const Options options = parseWindowOptions({argv + 1, argv + argc});
+    if (options.help || options.version) {
+        std::fputs(options.help ? windowHelpText : "shelf-window " SHELF_VERSION "\n", stdout);
+        return 0;
+    }
+    const auto missing = missingPaths(options);
+    for (const std::string& path : missing)
+        std::fprintf(stderr, "shelf-window: %s: no such file or folder\n",
+                     forDisplay(path).c_str());
+    if (!missing.empty())
+        return 2;
+    if (options.screenshot) { // needs no screen, and two pixels to a point
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        ::setenv("QT_SCALE_FACTOR", "2", 1);
+    }
+    QApplication application(argc, argv);
+    QApplication::setApplicationDisplayName("Shelf");
+    return show(options);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     try {
-        const Options options = parseOptions({argv + 1, argv + argc});
-        if (options.help) {
-            std::puts("Usage: shelf-window [-r] [--screenshot FILE] FILE-OR-FOLDER...");
-            return 0;
-        }
-        if (options.screenshot) { // needs no screen, and two pixels to a point
-            ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-            ::setenv("QT_SCALE_FACTOR", "2", 1);
-        }
-        const QApplication application(argc, argv);
-        return show(options);
+        return run(argc, argv);
+    } catch (const UsageError& problem) {
+        std::fprintf(stderr, "shelf-window: %s\nTry 'shelf-window --help'.\n", problem.what());
+        return 2;
     } catch (const std::exception& problem) {
         std::fprintf(stderr, "shelf-window: %s\n", problem.what());
-        return 2;
+        return 1;
     }
 }

@@ -1,10 +1,6 @@
 #include "work.h"
 
-#include "displayText.h"
-
-#include <zorvan/files/NSFileManager.h>
-#include <zorvan/files/URL.h>
-#include <zorvan/media/ImageKeys.h>
+#include "copies.h"
 
 #include <algorithm>
 #include <atomic>
@@ -12,8 +8,6 @@
 #include <exception>
 #include <mutex>
 #include <new>
-#include <stdexcept>
-#include <system_error>
 #include <thread>
 
 using namespace zorvan;
@@ -85,7 +79,7 @@ private:
             sheet_->fill(i, files_[i].name, picture.facts(), picture.thumbnail(options_.cell));
         if (options_.exportFolder) {
             if (const auto image = picture.thumbnail(options_.exportSize))
-                copy = encoded(*image);
+                copy = encodedCopy(*image, options_.exportFormat);
         } else if (!sheet_ && !options_.quick) {
             picture.thumbnail(smallestThumbnail);
         }
@@ -93,34 +87,15 @@ private:
         return copy;
     }
 
-    std::optional<Data> encoded(const CGImage& image) const {
-        const ImageExportFormat format = options_.exportFormat;
-        if (format == ImageExportFormat::jpg || format == ImageExportFormat::heic)
-            return image.data(format,
-                              {{std::string(kCGImageDestinationLossyCompressionQuality), 0.85}});
-        return image.data(format);
-    }
-
     void keep(std::size_t i, const std::optional<Data>& copy) {
         if (!options_.exportFolder || !result_.facts[i].error.empty())
             return;
-        const URL wanted = URL({.fileURLWithPath = *options_.exportFolder})
-                               .appendingPathComponent(lastPathTitle(files_[i].url))
-                               .appendingPathExtension(options_.exportFormat.pathExtension());
-        try {
-            if (!copy)
-                throw std::runtime_error("the copy cannot be encoded");
-            NSFileManager::defaultManager()->createAvailableFile(wanted, *copy);
+        std::string problem =
+            writeCopy(files_[i].url, *options_.exportFolder, options_.exportFormat, copy);
+        if (problem.empty())
             ++result_.exported;
-        } catch (const std::system_error& problem) {
-            notKept(wanted, problem.code().message());
-        } catch (const std::exception& problem) {
-            notKept(wanted, problem.what());
-        }
-    }
-
-    void notKept(const URL& wanted, const std::string& why) {
-        result_.problems.push_back(forDisplay(wanted.path()) + ": " + why);
+        else
+            result_.problems.push_back(std::move(problem));
     }
 
     const std::vector<ListedFile>& files_;

@@ -4,7 +4,7 @@
 
 using Letters = std::vector<char>;
 
-TEST(Array, movesBlocks) {
+TEST(Array, MovesBlocks) {
     struct {
         IndexSet from;
         std::int64_t to;
@@ -22,7 +22,7 @@ TEST(Array, movesBlocks) {
     }
 }
 
-TEST(Array, movesAndRemovesAsOneElementAtATimeWould) {
+TEST(Array, MovesAndRemovesAsOneElementAtATimeWould) {
     std::mt19937 random(11);
     for (int round = 0; round < 2000; ++round) {
         const int count = static_cast<int>(random() % 12);
@@ -61,7 +61,7 @@ TEST(Array, movesAndRemovesAsOneElementAtATimeWould) {
     }
 }
 
-TEST(ArrayDeathTest, refusesPositionsOutsideTheList) {
+TEST(ArrayDeathTest, RefusesPositionsOutsideTheList) {
     Letters list{'a', 'b'};
     EXPECT_DEATH(zorvan::move(list, {0}, 3),
                  "^The position 3 lies outside the list, which has 2 elements.\n$");
@@ -72,7 +72,7 @@ TEST(ArrayDeathTest, refusesPositionsOutsideTheList) {
                  "^A list is cut into pieces of at least 1 element, not of 0.\n$");
 }
 
-TEST(Array, cutsAndKeepsEnds) {
+TEST(Array, CutsAndKeepsEnds) {
     std::vector<int> list{1, 2, 3, 2};
     EXPECT_EQ(removeFirst(list, [](int i) { return i == 2; }), 2);
     EXPECT_EQ(list, (std::vector<int>{1, 2, 3}));
@@ -101,7 +101,7 @@ TEST(Array, cutsAndKeepsEnds) {
     EXPECT_TRUE(compacted<int>().empty());
 }
 
-TEST(Array, holdsTruthValues) {
+TEST(Array, HoldsTruthValues) {
     std::vector<bool> list{true, false, false};
     EXPECT_TRUE(moveDown(list, 0));
     zorvan::move(list, {0}, 3);
@@ -112,7 +112,7 @@ TEST(Array, holdsTruthValues) {
     EXPECT_EQ(chunked(list, 2), std::vector<std::vector<bool>>{{false}});
 }
 
-TEST(Array, drawsDistinctSamples) {
+TEST(Array, DrawsDistinctSamples) {
     EXPECT_TRUE(distinctSamples(std::vector{1, 2, 3}, 0).empty());
     EXPECT_TRUE(distinctSamples(std::vector<int>(), 5).empty());
     // However many are asked for, it ends once all hundred have been drawn.

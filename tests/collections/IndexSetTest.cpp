@@ -25,7 +25,7 @@ void expectSame(const IndexSet& set, const std::set<std::int64_t>& model) {
 
 } // namespace
 
-TEST(IndexSet, isBuiltFromItsLabels) {
+TEST(IndexSet, IsBuiltFromItsLabels) {
     EXPECT_EQ(IndexSet({.i1 = 5, .i2 = 2}), IndexSet({2, 3, 4, 5}));
     EXPECT_EQ(IndexSet({.loc = 2, .len = 3}), IndexSet({2, 3, 4}));
     EXPECT_EQ(IndexSet({.location = 7, .length = 0}), IndexSet());
@@ -38,7 +38,7 @@ TEST(IndexSet, isBuiltFromItsLabels) {
     EXPECT_EQ(million.ranges().size(), 1u);
 }
 
-TEST(IndexSet, beginsAtZeroWithoutAGapBefore) {
+TEST(IndexSet, BeginsAtZeroWithoutAGapBefore) {
     for (const IndexSet& other :
          {IndexSet{0}, IndexSet{0, 5}, IndexSet{0, 5, 9}, IndexSet{0, 2, 4, 6}}) {
         EXPECT_EQ(IndexSet{0}.subtracting(other), IndexSet());
@@ -47,7 +47,7 @@ TEST(IndexSet, beginsAtZeroWithoutAGapBefore) {
     }
 }
 
-TEST(IndexSet, holdsTheLargestPosition) {
+TEST(IndexSet, HoldsTheLargestPosition) {
     const std::int64_t largest = IndexSet::maximumIndex;
     const IndexSet set{largest, 0};
     EXPECT_EQ(set.last(), largest);
@@ -59,7 +59,7 @@ TEST(IndexSet, holdsTheLargestPosition) {
     EXPECT_EQ(set.integerLessThan(largest), 0);
 }
 
-TEST(IndexSetDeathTest, refusesWhatIsNoPosition) {
+TEST(IndexSetDeathTest, RefusesWhatIsNoPosition) {
     const std::int64_t tooLarge = std::numeric_limits<std::int64_t>::max();
     EXPECT_EQ(toIndexSet(7), IndexSet({7}));
     EXPECT_DEATH((void)toIndexSet(-1), "^An index set holds no negative positions, such as -1.\n$");
@@ -78,7 +78,7 @@ TEST(IndexSetDeathTest, refusesWhatIsNoPosition) {
     EXPECT_DEATH(IndexSet({1}).shift(-1, 1), "negative");
 }
 
-TEST(IndexSet, shiftsAsAListDoes) {
+TEST(IndexSet, ShiftsAsAListDoes) {
     constexpr auto farBack = std::numeric_limits<std::int64_t>::min();
     struct {
         IndexSet before;
@@ -104,7 +104,7 @@ TEST(IndexSet, shiftsAsAListDoes) {
     }
 }
 
-TEST(IndexSet, agreesWithAPlainSetUnderRandomOperations) {
+TEST(IndexSet, AgreesWithAPlainSetUnderRandomOperations) {
     std::mt19937 random(7);
     const auto draw = [&random](std::int64_t below) {
         return std::uniform_int_distribution<std::int64_t>(0, below - 1)(random);
@@ -166,7 +166,7 @@ TEST(IndexSet, agreesWithAPlainSetUnderRandomOperations) {
     }
 }
 
-TEST(IndexSet, togglesAndMapsToPaths) {
+TEST(IndexSet, TogglesAndMapsToPaths) {
     IndexSet set{1, 2};
     set.toggle(2);
     set.toggle(7);

@@ -49,7 +49,7 @@ std::shared_ptr<Letters> letters(std::string_view text) {
 
 } // namespace
 
-TEST(ManagedList, announcesEveryChangeTwice) {
+TEST(ManagedList, AnnouncesEveryChangeTwice) {
     const std::vector<char> xy{'x', 'y'};
     const IndexSet kept{0, 3}, be{1, 4}, ac{0, 2}, beyond{2, 10}, same{0, 3, 99};
     const auto isAdf = [](char c) { return c == 'a' || c == 'd' || c == 'f'; };
@@ -106,7 +106,7 @@ TEST(ManagedList, announcesEveryChangeTwice) {
     }
 }
 
-TEST(ManagedList, keepsEverythingWhenASortOrAFilterFails) {
+TEST(ManagedList, KeepsEverythingWhenASortOrAFilterFails) {
     const auto list = letters("cab");
     list->setSelection({1});
     Announcements<char> announced(list);
@@ -126,7 +126,7 @@ TEST(ManagedList, keepsEverythingWhenASortOrAFilterFails) {
     EXPECT_EQ(list->count(), 0);
 }
 
-TEST(ManagedList, givesWhatIsSelected) {
+TEST(ManagedList, GivesWhatIsSelected) {
     const auto list = letters("abc");
     EXPECT_EQ(list->firstSelectedItem(), nullptr);
     EXPECT_EQ(list->lastSelectedItem(), nullptr);
@@ -142,7 +142,7 @@ TEST(ManagedList, givesWhatIsSelected) {
     EXPECT_TRUE(*flags->singleSelectedItem());
 }
 
-TEST(ManagedList, tellsItsEditionsFromThoseOfOtherItemTypes) {
+TEST(ManagedList, TellsItsEditionsFromThoseOfOtherItemTypes) {
     const ManagedList<int>::Edition edition(Action::select);
     const Notification note(NSNotificationName("any"), nullptr, {{{"Edition", edition}}});
     EXPECT_NE(ManagedList<int>::edition(note), nullptr);
@@ -150,7 +150,7 @@ TEST(ManagedList, tellsItsEditionsFromThoseOfOtherItemTypes) {
     EXPECT_EQ(ManagedList<int>::edition(Notification(NSNotificationName("any"))), nullptr);
 }
 
-TEST(ManagedList, announcesNothingThatAFilterDidNotLetHappen) {
+TEST(ManagedList, AnnouncesNothingThatAFilterDidNotLetHappen) {
     const auto list = letters("cab");
     Announcements<char> announced(list);
     EXPECT_THROW(list->setFilter([](char) -> bool { throw std::runtime_error("no filter"); }),
@@ -158,7 +158,7 @@ TEST(ManagedList, announcesNothingThatAFilterDidNotLetHappen) {
     EXPECT_TRUE(announced.posts.empty());
 }
 
-TEST(ManagedList, mayBeDroppedAndAskedWhileItTellsOfAChange) {
+TEST(ManagedList, MayBeDroppedAndAskedWhileItTellsOfAChange) {
     static_assert(!std::is_copy_constructible_v<Letters> && !std::is_copy_assignable_v<Letters>);
     auto list = letters("abcb");
     Letters* const dropped = list.get();
@@ -187,7 +187,7 @@ TEST(ManagedList, mayBeDroppedAndAskedWhileItTellsOfAChange) {
     center->removeObserver(did);
 }
 
-TEST(ManagedList, tellsWhereItemsWentOfTheChangeThatIsTold) {
+TEST(ManagedList, TellsWhereItemsWentOfTheChangeThatIsTold) {
     const auto list = letters("abc");
     const auto center = NSNotificationCenter::defaultCenter();
     std::vector<std::int64_t> firsts; // where the first item went, as told to the last observer
@@ -253,7 +253,7 @@ struct TakenBack {
 
 } // namespace
 
-TEST(ManagedList, tellsEnoughToTakeAChangeBack) {
+TEST(ManagedList, TellsEnoughToTakeAChangeBack) {
     const std::function<void(Letters&)> changes[] = {
         [](Letters& l) { l.insert({'x', 'y'}, 2); }, [](Letters& l) { l.remove({0, 2, 3}); },
         [](Letters& l) { l.move({0, 2, 5}, 4); },    [](Letters& l) { l.sort(std::greater<>{}); },
@@ -278,7 +278,7 @@ TEST(ManagedList, tellsEnoughToTakeAChangeBack) {
     }
 }
 
-TEST(ManagedList, takesItsOwnItemsUnderAFilter) {
+TEST(ManagedList, TakesItsOwnItemsUnderAFilter) {
     const auto list = letters("abcdef");
     list->setFilter([](char c) { return c % 2 == 0; });
     list->insert(list->allItems(), 1);
@@ -286,7 +286,7 @@ TEST(ManagedList, takesItsOwnItemsUnderAFilter) {
     EXPECT_EQ(std::string(list->allItems().begin(), list->allItems().end()), "abcabcdefdef");
 }
 
-TEST(ManagedListDeathTest, stopsOnBrokenContracts) {
+TEST(ManagedListDeathTest, StopsOnBrokenContracts) {
     const auto list = letters("ab");
     EXPECT_DEATH(list->insert({'x'}, 3),
                  "^The position 3 lies outside the list, which has 2 elements.\n$");
@@ -479,7 +479,7 @@ class ManagedListRules : public testing::Test {};
 using ItemTypes = testing::Types<Hashed, Ordered, Titled, OnlyEqual>;
 TYPED_TEST_SUITE(ManagedListRules, ItemTypes);
 
-TYPED_TEST(ManagedListRules, holdUnderRandomOperations) {
+TYPED_TEST(ManagedListRules, HoldUnderRandomOperations) {
     using List = ManagedList<TypeParam>;
     std::mt19937 random(5);
     const auto draw = [&random](std::size_t below) {

@@ -32,7 +32,7 @@ struct Recorded {
 
 } // namespace
 
-TEST(SelectableArray, tellsEveryChange) {
+TEST(SelectableArray, TellsEveryChange) {
     constexpr auto far = std::numeric_limits<std::int64_t>::max();
     const std::vector<char> xy{'x', 'y'};
     const IndexSet ab{0, 1}, ac{0, 2}, beyond{1, 9}, same{2}, more{2, 9}, all{0, 1, 2, 3, 4};
@@ -89,7 +89,7 @@ TEST(SelectableArray, tellsEveryChange) {
     }
 }
 
-TEST(SelectableArray, staysQuietWhenEmpty) {
+TEST(SelectableArray, StaysQuietWhenEmpty) {
     Recorded recorded("");
     List& list = *recorded.list;
     list.sort(std::less<>{});
@@ -112,7 +112,7 @@ TEST(SelectableArray, staysQuietWhenEmpty) {
     EXPECT_EQ(list.count(), 1);
 }
 
-TEST(SelectableArray, letsAHandlerSetAnother) {
+TEST(SelectableArray, LetsAHandlerSetAnother) {
     static_assert(!std::is_copy_constructible_v<List> && !std::is_copy_assignable_v<List>);
     Recorded recorded("ab");
     std::string told;
@@ -130,7 +130,7 @@ TEST(SelectableArray, letsAHandlerSetAnother) {
     EXPECT_EQ(recorded.letters(), "abcd");
 }
 
-TEST(SelectableArray, carriesItsEditionsInNotifications) {
+TEST(SelectableArray, CarriesItsEditionsInNotifications) {
     const Edition edition = Edition::Replace{3};
     const NSNotificationName name("any");
     EXPECT_EQ(*Edition::edition(Notification(name, nullptr, edition.userInfo())), edition);
@@ -138,7 +138,7 @@ TEST(SelectableArray, carriesItsEditionsInNotifications) {
     EXPECT_EQ(Edition::edition(Notification(name, nullptr, {{{"Edition", 3}}})), nullptr);
 }
 
-TEST(SelectableArray, agreesWithPlainEntriesUnderRandomOperations) {
+TEST(SelectableArray, AgreesWithPlainEntriesUnderRandomOperations) {
     using Numbers = SelectableArray<int>;
     std::mt19937 random(11);
     const auto draw = [&random](std::size_t below) {
@@ -272,7 +272,7 @@ TEST(SelectableArray, agreesWithPlainEntriesUnderRandomOperations) {
     }
 }
 
-TEST(SelectableArrayDeathTest, refusesPositionsOutsideTheList) {
+TEST(SelectableArrayDeathTest, RefusesPositionsOutsideTheList) {
     Recorded recorded("ab");
     EXPECT_DEATH(recorded.list->insert({'x'}, 3), "^The position 3 lies outside the list");
     EXPECT_DEATH(recorded.list->replace('x', 2), "^The position 2 lies outside the list");

@@ -13,7 +13,7 @@ namespace {
 std::optional<int> evenOnly(int i) { return i % 2 ? std::nullopt : std::optional(i); }
 } // namespace
 
-TEST(Sequence, mapsAndDropsWhatIsAbsent) {
+TEST(Sequence, MapsAndDropsWhatIsAbsent) {
     const std::list<int> list{1, 2, 2, 4};
     EXPECT_EQ(mapToSet(list, [](int i) { return i * 2; }), (std::unordered_set<int>{2, 4, 8}));
     EXPECT_EQ(compactMapToSet(list, evenOnly), (std::unordered_set<int>{2, 4}));
@@ -42,7 +42,7 @@ TEST(Sequence, mapsAndDropsWhatIsAbsent) {
     EXPECT_EQ(compactFirst(std::vector{1, 3}, evenOnly), std::nullopt);
 }
 
-TEST(Dictionary, resolvesCollisionsByTheLaterEntry) {
+TEST(Dictionary, ResolvesCollisionsByTheLaterEntry) {
     const Words words{{"a", 1}, {"b", 2}, {"c", 1}};
     EXPECT_EQ(inversed(words), (std::unordered_map<int, std::string>{{1, "c"}, {2, "b"}}));
     EXPECT_EQ(mapKeys(words, [](const std::string&) { return 0; }),
@@ -60,7 +60,7 @@ TEST(Dictionary, resolvesCollisionsByTheLaterEntry) {
     EXPECT_EQ(mapValuesToSet(words, [](int i) { return i; }), (std::unordered_set<int>{1, 2}));
 }
 
-TEST(Dictionary, keepsNoEmptySets) {
+TEST(Dictionary, KeepsNoEmptySets) {
     std::map<int, std::unordered_set<std::string>> sets;
     insertValue(sets, "x", 7);
     EXPECT_EQ(sets[7].size(), 1u);
@@ -72,7 +72,7 @@ TEST(Dictionary, keepsNoEmptySets) {
     EXPECT_TRUE(sets.empty()); // asking made no key
 }
 
-TEST(Parallel, keepsOrderAndCallsEachOnce) {
+TEST(Parallel, KeepsOrderAndCallsEachOnce) {
     std::vector<int> list(10'000);
     std::iota(list.begin(), list.end(), 0);
     std::atomic<int> calls = 0;
@@ -101,7 +101,7 @@ TEST(Parallel, keepsOrderAndCallsEachOnce) {
     EXPECT_THROW(parallelEach(list, [](int) { throw std::logic_error("no"); }), std::logic_error);
 }
 
-TEST(FinderOrder, sortsAsPeopleRead) {
+TEST(FinderOrder, SortsAsPeopleRead) {
     std::vector<std::string> names{"file10", "\u00C9tude", "file2", "File1", "etude"};
     finderSort(names);
     EXPECT_EQ(names, (std::vector<std::string>{"\u00C9tude", "etude", "File1", "file2", "file10"}));

@@ -22,14 +22,14 @@ double curve(double t) {
 
 } // namespace
 
-TEST(RGB, roundsAndClampsReals) {
+TEST(RGB, RoundsAndClampsReals) {
     EXPECT_EQ(RGB({.unitR = 0.5, .unitG = 1.2, .unitB = -1}), RGB(128, 255, 0));
     EXPECT_EQ(RGB({.unitR = NAN, .unitG = INFINITY, .unitB = -INFINITY}), RGB(0, 255, 0));
     const double belowHalf = std::nextafter(0.5 / 255, 0.0);
     EXPECT_EQ(RGB({.unitR = belowHalf, .unitG = 0.5 / 255, .unitB = 254.5 / 255}), RGB(0, 1, 255));
 }
 
-TEST(RGB, readsBytesWithinTheBuffer) {
+TEST(RGB, ReadsBytesWithinTheBuffer) {
     const std::vector<std::uint8_t> buffer{1, 2, 3, 4};
     EXPECT_EQ(RGB({.rgbPtr = buffer, .at = 1}), RGB(2, 3, 4));
     EXPECT_DEATH((void)RGB({.rgbPtr = buffer, .at = 2}),
@@ -37,7 +37,7 @@ TEST(RGB, readsBytesWithinTheBuffer) {
     EXPECT_DEATH((void)RGB({.rgbPtr = buffer, .at = SIZE_MAX}), "^RGB needs three bytes");
 }
 
-TEST(XYZ, knownColours) {
+TEST(XYZ, KnownColours) {
     struct {
         RGB rgb;
         double x, y, z, l, a, b;
@@ -61,7 +61,7 @@ TEST(XYZ, knownColours) {
     }
 }
 
-TEST(XYZ, followsTheFormulasToTheLastDigits) {
+TEST(XYZ, FollowsTheFormulasToTheLastDigits) {
     std::mt19937 random(2);
     for (int i = 0; i < 20000; ++i) {
         const RGB rgb = randomRGB(random);
@@ -83,7 +83,7 @@ TEST(XYZ, followsTheFormulasToTheLastDigits) {
     }
 }
 
-TEST(XYZ, curveHoldsFarBeyondColours) {
+TEST(XYZ, CurveHoldsFarBeyondColours) {
     for (const double y : {0.8856, 0.88561, 1.0, 99.999e6, 100.001e6, 1e300}) {
         const double expected = 116 * curve(y / 100) - 16;
         EXPECT_NEAR(XYZ(0, y, 0).lab().l, expected, 1e-14 * std::fabs(expected)) << y;
@@ -93,7 +93,7 @@ TEST(XYZ, curveHoldsFarBeyondColours) {
     EXPECT_TRUE(std::isnan(XYZ(NAN, 0, 0).lab().a));
 }
 
-TEST(Conversions, clampWhatIsOutOfGamut) {
+TEST(Conversions, ClampWhatIsOutOfGamut) {
     EXPECT_EQ(XYZ(200, 200, 200).rgb(), RGB(255, 255, 255));
     EXPECT_EQ(XYZ(-5, -5, -5).rgb(), RGB(0, 0, 0));
     EXPECT_EQ(XYZ(NAN, NAN, NAN).rgb(), RGB(0, 0, 0));
@@ -101,7 +101,7 @@ TEST(Conversions, clampWhatIsOutOfGamut) {
     EXPECT_EQ(YUV(-1e300, 1e300, 0).rgb(), RGB(0, 0, 255));
 }
 
-TEST(Conversions, comeBack) {
+TEST(Conversions, ComeBack) {
     std::mt19937 random(4);
     for (int i = 0; i < 20000; ++i) {
         const RGB rgb = randomRGB(random);
@@ -115,7 +115,7 @@ TEST(Conversions, comeBack) {
     EXPECT_EQ(LAB(1, 2, 3).with({.a = 9}), LAB(1, 9, 3));
 }
 
-TEST(ConvertToLAB, equalsTheSingleConversion) {
+TEST(ConvertToLAB, EqualsTheSingleConversion) {
     std::mt19937 random(6);
     for (const std::size_t stride : {3U, 4U, 7U}) {
         std::vector<std::uint8_t> pixels(stride * 5000 + 2);
@@ -129,7 +129,7 @@ TEST(ConvertToLAB, equalsTheSingleConversion) {
     }
 }
 
-TEST(ConvertToLAB, stopsWhereEitherBufferEnds) {
+TEST(ConvertToLAB, StopsWhereEitherBufferEnds) {
     const std::vector<std::uint8_t> pixels(8);
     std::vector<LAB> labs(5);
     EXPECT_EQ(convertToLAB(pixels, labs), 2U);

@@ -13,7 +13,7 @@ RGBA bytes(int r, int g, int b, int a = 255) {
 
 } // namespace
 
-TEST(HexColour, reads) {
+TEST(HexColour, Reads) {
     struct {
         std::string_view text;
         RGBA colour;
@@ -41,7 +41,7 @@ TEST(HexColour, reads) {
         EXPECT_EQ(RGBA::make({.hexString = row.text}), row.colour) << row.text;
 }
 
-TEST(HexColour, isAbsentWithoutTheSignOrADigit) {
+TEST(HexColour, IsAbsentWithoutTheSignOrADigit) {
     testing::internal::CaptureStdout();
     for (const std::string_view text :
          {"", " ", "FF8000", "red", "#", "# ", "#xyz", "#+F80", "#-1", "##FF80", "\xC2\xA0#F80"})
@@ -49,7 +49,7 @@ TEST(HexColour, isAbsentWithoutTheSignOrADigit) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
-TEST(HexColour, printsWhyTheCountIsWrong) {
+TEST(HexColour, PrintsWhyTheCountIsWrong) {
     for (const std::string_view text : {"#F", "#FF", "#FF800", "#FF80000", "#FF8000800", " #FF8000",
                                         "#FF8000 ", "#123456789ABCDEF0123456789ABCDEF0"}) {
         testing::internal::CaptureStdout();
@@ -59,7 +59,7 @@ TEST(HexColour, printsWhyTheCountIsWrong) {
     }
 }
 
-TEST(HexColour, writes) {
+TEST(HexColour, Writes) {
     struct {
         RGBA colour;
         const char* text;
@@ -77,7 +77,7 @@ TEST(HexColour, writes) {
         EXPECT_EQ(row.colour.hexString(), row.text);
 }
 
-TEST(HexColour, everyByteSurvivesARoundTrip) {
+TEST(HexColour, EveryByteSurvivesARoundTrip) {
     std::mt19937 random(9);
     for (int i = 0; i < 50000; ++i) {
         const auto value = static_cast<std::uint32_t>(random());
@@ -93,7 +93,7 @@ TEST(HexColour, everyByteSurvivesARoundTrip) {
     }
 }
 
-TEST(ColourText, componentsInTheOrderOfTheName) {
+TEST(ColourText, ComponentsInTheOrderOfTheName) {
     EXPECT_EQ(RGBA::white.description(), "RGBA(1.0, 1.0, 1.0, 1.0)");
     EXPECT_EQ(RGBA({.r = 0.25, .g = 0.5, .b = 0.75, .a = 1}).description(),
               "RGBA(0.25, 0.5, 0.75, 1.0)");
@@ -102,7 +102,7 @@ TEST(ColourText, componentsInTheOrderOfTheName) {
     EXPECT_EQ(CMYKA::clear.description(), "CMYKA(0.0, 0.0, 0.0, 1.0, 0.0)");
 }
 
-TEST(RGBA, storesBlueBeforeGreen) {
+TEST(RGBA, StoresBlueBeforeGreen) {
     static_assert(offsetof(RGBA, b) < offsetof(RGBA, g));
     const auto [first, second, third, last] = RGBA(0.1, 0.2, 0.3, 0.4);
     EXPECT_EQ(first, 0.1);

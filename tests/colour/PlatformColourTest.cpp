@@ -5,7 +5,7 @@
 #include <zorvan/colour/NSGradient.h>
 #include <zorvan/colour/RGB.h>
 
-TEST(NSColor, readsAndWritesHexText) {
+TEST(NSColor, ReadsAndWritesHexText) {
     EXPECT_EQ(NSColor::make({.hexString = "#F00"}), NSColor::red);
     EXPECT_EQ(NSColor::make({.hexString = "red"}), std::nullopt);
     EXPECT_EQ(NSColor::orange.hexString(), "#FF7F00");
@@ -14,7 +14,7 @@ TEST(NSColor, readsAndWritesHexText) {
     EXPECT_EQ(NSColor(RGBA(2, -1, NAN, 5)).rgba(), RGBA(1, 0, 0, 1));
 }
 
-TEST(NSColor, remembersTheSpaceItWasMadeIn) {
+TEST(NSColor, RemembersTheSpaceItWasMadeIn) {
     EXPECT_EQ(NSColor::darkGray.colorSpace(), ColorSpace::gray);
     EXPECT_NE(NSColor::white, NSColor(RGBA::white));
     EXPECT_EQ(NSColor::white.rgba(), RGBA::white);
@@ -25,7 +25,7 @@ TEST(NSColor, remembersTheSpaceItWasMadeIn) {
     EXPECT_EQ(NSColor::red.blended(NAN, NSColor::blue), NSColor::red);
 }
 
-TEST(NSColor, blendsTowardsTransparency) {
+TEST(NSColor, BlendsTowardsTransparency) {
     for (const NSColor& color :
          {NSColor::orange, NSColor::lightGray, NSColor(RGBA(0.1, 0.7, 0.3, 0.9))}) {
         EXPECT_EQ(color.withAlphaBlending(1), color);
@@ -36,7 +36,7 @@ TEST(NSColor, blendsTowardsTransparency) {
     }
 }
 
-TEST(CGColor, isMadeFromEachModel) {
+TEST(CGColor, IsMadeFromEachModel) {
     EXPECT_EQ(CGColor::create({.gray = 0.5, .alpha = 0.25}).components(),
               (std::vector<double>{0.5, 0.25}));
     EXPECT_EQ(CGColor::create({.rgba = RGBA(0.1, 0.2, 0.3, 0.4)}).components(),
@@ -48,7 +48,7 @@ TEST(CGColor, isMadeFromEachModel) {
     EXPECT_EQ(RGB(255, 0, 51).cpColor(), NSColor(RGBA(1, 0, 0.2, 1)));
 }
 
-TEST(CGColor, randomChannelsAreHundredths) {
+TEST(CGColor, RandomChannelsAreHundredths) {
     std::set<double> seen;
     for (int i = 0; i < 2000; ++i) {
         const RGBA c = CGColor::randomColor().rgba();
@@ -59,7 +59,7 @@ TEST(CGColor, randomChannelsAreHundredths) {
     EXPECT_EQ(*seen.rbegin(), 0.99);
 }
 
-TEST(Gradients, spaceTheirStops) {
+TEST(Gradients, SpaceTheirStops) {
     const std::vector colors{CGColor::red, CGColor::gray, CGColor::blue};
     EXPECT_EQ(CGGradient::create({.colors = colors})->locations(),
               (std::vector<double>{0, 0.5, 1}));
@@ -68,7 +68,7 @@ TEST(Gradients, spaceTheirStops) {
     EXPECT_EQ(CGGradient::create({.colors = {CGColor::red}})->locations(), std::vector<double>{0});
 }
 
-TEST(Gradients, refuseWhatIsNoGradient) {
+TEST(Gradients, RefuseWhatIsNoGradient) {
     const std::vector colors{CGColor::red, CGColor::blue};
     EXPECT_FALSE(CGGradient::create({.colors = {}}));
     for (const std::vector<double>& locations :
@@ -79,7 +79,7 @@ TEST(Gradients, refuseWhatIsNoGradient) {
     EXPECT_FALSE(NSGradient::make({.colors = {NSColor::red}, .locations = std::vector{2.0}}));
 }
 
-TEST(Gradients, listTheirStopsInOrder) {
+TEST(Gradients, ListTheirStopsInOrder) {
     const auto gradient = NSGradient::make(
         {.colors = {NSColor::red, NSColor::white}, .locations = std::vector{0.25, 0.75}});
     ASSERT_TRUE(gradient);
@@ -93,7 +93,7 @@ TEST(Gradients, listTheirStopsInOrder) {
     EXPECT_EQ(NSColor::red.gradient()->colorStop(0), (NSGradient::Stop{NSColor::red, 0}));
 }
 
-TEST(HexNSColorTransformer, goesForward) {
+TEST(HexNSColorTransformer, GoesForward) {
     const HexNSColorTransformer transformer;
     const auto forward = [&](std::any value) {
         const std::any result = transformer.transformedValue(value);
@@ -108,7 +108,7 @@ TEST(HexNSColorTransformer, goesForward) {
     EXPECT_EQ(forward(static_cast<const char*>(nullptr)), NSColor::black);
 }
 
-TEST(HexNSColorTransformer, goesBackward) {
+TEST(HexNSColorTransformer, GoesBackward) {
     const HexNSColorTransformer transformer;
     const auto backward = [&](std::any value) {
         return std::any_cast<std::string>(transformer.reverseTransformedValue(value));
@@ -121,7 +121,7 @@ TEST(HexNSColorTransformer, goesBackward) {
     EXPECT_EQ(HexNSColorTransformer::transformedValueClass(), typeid(NSColor));
 }
 
-TEST(HexNSColorTransformer, registersOnceWhoeverAsks) {
+TEST(HexNSColorTransformer, RegistersOnceWhoeverAsks) {
     const std::string name = "HexNSColorTransformer";
     NSValueTransformer::setValueTransformer(nullptr, name);
     EXPECT_FALSE(

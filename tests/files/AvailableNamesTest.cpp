@@ -12,7 +12,7 @@ std::string text(const URL& url) { return ::text(url.path()); }
 
 } // namespace
 
-TEST(AvailableNames, numbersTakenNamesFromZero) {
+TEST(AvailableNames, NumbersTakenNamesFromZero) {
     TemporaryFolder folder;
     folder.folder("Photos");
     folder.link("gone.txt", "nowhere");
@@ -33,7 +33,7 @@ TEST(AvailableNames, numbersTakenNamesFromZero) {
     EXPECT_EQ(manager().availableItemURL(URL::root()).path(), "/ (0)");
 }
 
-TEST(AvailableNames, areTakenInTheSameStep) {
+TEST(AvailableNames, AreTakenInTheSameStep) {
     TemporaryFolder folder;
     folder.file("a.txt", "kept");
     folder.link("a (0).txt", "nowhere");
@@ -64,7 +64,7 @@ TEST(AvailableNames, areTakenInTheSameStep) {
     EXPECT_EQ(text(folder.url("a.txt")), "kept");
 }
 
-TEST(AvailableNames, moveBetweenVolumes) {
+TEST(AvailableNames, MoveBetweenVolumes) {
     TemporaryFolder far(TemporaryFolder::fastParent());
     TemporaryFolder folder;
     far.file("item/inner", "moved");
@@ -78,7 +78,7 @@ TEST(AvailableNames, moveBetweenVolumes) {
 }
 
 // Each process puts its mark in what it created; a mark that is missing was overwritten.
-TEST(AvailableNames, areNeverTakenTwiceByTwoProcesses) {
+TEST(AvailableNames, AreNeverTakenTwiceByTwoProcesses) {
     constexpr int rounds = 150;
     TemporaryFolder folder;
     folder.folder("out");

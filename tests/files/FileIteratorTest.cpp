@@ -26,7 +26,7 @@ protected:
 
 } // namespace
 
-TEST_F(FileIteratorTest, opensWhatItsOptionsSay) {
+TEST_F(FileIteratorTest, OpensWhatItsOptionsSay) {
     folder.file("a.txt");
     folder.file(".hidden");
     folder.file("sub/b.txt");
@@ -45,7 +45,7 @@ TEST_F(FileIteratorTest, opensWhatItsOptionsSay) {
     EXPECT_THAT(all(*iterator), UnorderedElementsAre("a.txt", ".hidden"));
 }
 
-TEST_F(FileIteratorTest, visitsRootsInOrderAndSkipsMissingOnes) {
+TEST_F(FileIteratorTest, VisitsRootsInOrderAndSkipsMissingOnes) {
     folder.file("z/1.txt");
     folder.file("a.txt");
     folder.file("m/2.txt");
@@ -58,7 +58,7 @@ TEST_F(FileIteratorTest, visitsRootsInOrderAndSkipsMissingOnes) {
                 IsEmpty());
 }
 
-TEST_F(FileIteratorTest, startsAgainAfterTheEnd) {
+TEST_F(FileIteratorTest, StartsAgainAfterTheEnd) {
     folder.file("a.txt");
     folder.file("b/c.txt");
     const auto iterator = FileIterator::create({folder.url("a.txt"), folder.url("b")});
@@ -82,7 +82,7 @@ TEST_F(FileIteratorTest, startsAgainAfterTheEnd) {
     EXPECT_EQ(none->index(), -1);
 }
 
-TEST_F(FileIteratorTest, filtersByExtension) {
+TEST_F(FileIteratorTest, FiltersByExtension) {
     for (const char* name : {"a.JPG", "b.jpg", "c.jpeg", "d", ".jpg", "e.jpg.txt"})
         folder.file(name);
     const auto iterator = overFolder();
@@ -98,7 +98,7 @@ TEST_F(FileIteratorTest, filtersByExtension) {
     EXPECT_THAT(all(*iterator), ElementsAre("g.ÜBÉR"));
 }
 
-TEST_F(FileIteratorTest, treatsItsFiltersAsAlternatives) {
+TEST_F(FileIteratorTest, TreatsItsFiltersAsAlternatives) {
     for (const char* name : {"a.txt", "b.png", "c.pdf", "d.TIFF", "e", "f.unheard-of"})
         folder.file(name);
     const auto iterator = overFolder();
@@ -120,7 +120,7 @@ TEST_F(FileIteratorTest, treatsItsFiltersAsAlternatives) {
     EXPECT_EQ(begun->next(), folder.url("b.png"));
 }
 
-TEST_F(FileIteratorTest, followsLinksToFilesUnlessToldNotTo) {
+TEST_F(FileIteratorTest, FollowsLinksToFilesUnlessToldNotTo) {
     folder.file("real/a.txt");
     folder.file("real/deep/b.txt");
     folder.folder("links");
@@ -144,7 +144,7 @@ TEST_F(FileIteratorTest, followsLinksToFilesUnlessToldNotTo) {
 }
 
 // The names of a folder are read many at once; what became of a file since then is seen.
-TEST_F(FileIteratorTest, passesOverWhatVanishesAfterBeingListed) {
+TEST_F(FileIteratorTest, PassesOverWhatVanishesAfterBeingListed) {
     const auto rest = [&](auto change) {
         std::set<std::string> names{"a.txt", "b.txt", "c.txt"};
         for (const std::string& name : names)
@@ -187,7 +187,7 @@ TEST_F(FileIteratorTest, passesOverWhatVanishesAfterBeingListed) {
     });
 }
 
-TEST_F(FileIteratorTest, givesPipesAndNamesOfAnyBytes) {
+TEST_F(FileIteratorTest, GivesPipesAndNamesOfAnyBytes) {
     const std::string name = "caf\xE9 \n\x01%41.jpg";
     ASSERT_EQ(mkfifo(folder.url(name).path().c_str(), 0600), 0);
     const auto iterator = overFolder();
@@ -196,7 +196,7 @@ TEST_F(FileIteratorTest, givesPipesAndNamesOfAnyBytes) {
     EXPECT_THAT(all(*FileIterator::create({folder.url(name)})), ElementsAre(name));
 }
 
-TEST_F(FileIteratorTest, manyExtensionsDoNotConfuseTheTypeFilter) {
+TEST_F(FileIteratorTest, ManyExtensionsDoNotConfuseTheTypeFilter) {
     for (int i = 0; i < 5000; ++i)
         folder.file("f.x" + std::to_string(i));
     folder.file("f.png");

@@ -54,7 +54,7 @@ void removeChain(const std::string& top, int depth) {
 
 } // namespace
 
-TEST(NSDirectoryEnumerator, obeysEachSumOfOptions) {
+TEST(NSDirectoryEnumerator, ObeysEachSumOfOptions) {
     TemporaryFolder folder;
     folder.file(".h/x");
     folder.file("p.app/x");
@@ -73,7 +73,7 @@ TEST(NSDirectoryEnumerator, obeysEachSumOfOptions) {
     }
 }
 
-TEST(NSDirectoryEnumerator, skipsDescendantsWhenTold) {
+TEST(NSDirectoryEnumerator, SkipsDescendantsWhenTold) {
     TemporaryFolder folder;
     folder.file("a/b/c");
     folder.file("a/b/d");
@@ -88,7 +88,7 @@ TEST(NSDirectoryEnumerator, skipsDescendantsWhenTold) {
     EXPECT_FALSE(enumerator->nextObject());
 }
 
-TEST(NSDirectoryEnumerator, opensOnlyDirectories) {
+TEST(NSDirectoryEnumerator, OpensOnlyDirectories) {
     TemporaryFolder folder;
     folder.file("file");
     folder.folder("real");
@@ -100,7 +100,7 @@ TEST(NSDirectoryEnumerator, opensOnlyDirectories) {
     EXPECT_THAT(all(folder), UnorderedElementsAre("file", "link", "real", "real/up"));
 }
 
-TEST(NSDirectoryEnumerator, passesOverWhatItMayNotRead) {
+TEST(NSDirectoryEnumerator, PassesOverWhatItMayNotRead) {
     asOrdinaryUser([] {
         TemporaryFolder folder;
         folder.file("closed/x");
@@ -110,7 +110,7 @@ TEST(NSDirectoryEnumerator, passesOverWhatItMayNotRead) {
     });
 }
 
-TEST(NSDirectoryEnumerator, passesOverWhatVanishesOrBecomesALink) {
+TEST(NSDirectoryEnumerator, PassesOverWhatVanishesOrBecomesALink) {
     for (const bool becomesALink : {false, true}) {
         TemporaryFolder folder;
         folder.file("top/a/b");
@@ -124,7 +124,7 @@ TEST(NSDirectoryEnumerator, passesOverWhatVanishesOrBecomesALink) {
     }
 }
 
-TEST(NSDirectoryEnumerator, visitsTenThousandLevels) {
+TEST(NSDirectoryEnumerator, VisitsTenThousandLevels) {
     constexpr int depth = 10000;
     TemporaryFolder folder(TemporaryFolder::fastParent());
     makeChain(folder.path(), depth);
@@ -145,7 +145,7 @@ TEST(NSDirectoryEnumerator, visitsTenThousandLevels) {
     removeChain(folder.path(), depth);
 }
 
-TEST(NSDirectoryEnumerator, findsItsWayWithFewDescriptors) {
+TEST(NSDirectoryEnumerator, FindsItsWayWithFewDescriptors) {
     // More levels than are kept open, with siblings left to visit at each.
     TemporaryFolder folder;
     std::string name;
@@ -171,7 +171,7 @@ TEST(NSDirectoryEnumerator, findsItsWayWithFewDescriptors) {
     }
 }
 
-TEST(NSDirectoryEnumerator, survivesATreeThatMovesMeanwhile) {
+TEST(NSDirectoryEnumerator, SurvivesATreeThatMovesMeanwhile) {
     // Deep enough for the upper levels to have given up their descriptors.
     TemporaryFolder folder;
     std::string chain = "top";
@@ -193,7 +193,7 @@ TEST(NSDirectoryEnumerator, survivesATreeThatMovesMeanwhile) {
         EXPECT_TRUE(names.contains(expected)) << expected;
 }
 
-TEST(NSDirectoryEnumerator, agreesWithTheStandardWalkOnRandomTrees) {
+TEST(NSDirectoryEnumerator, AgreesWithTheStandardWalkOnRandomTrees) {
     std::mt19937 random(11);
     for (int round = 0; round < 10; ++round) {
         TemporaryFolder folder(TemporaryFolder::fastParent());

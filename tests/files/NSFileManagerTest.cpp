@@ -12,7 +12,7 @@ const NSFileManager& manager() { return *NSFileManager::defaultManager(); }
 std::string parent(const URL& url) { return url.deletingLastPathComponent().path(); }
 } // namespace
 
-TEST(NSFileManager, tellsWhatExists) {
+TEST(NSFileManager, TellsWhatExists) {
     TemporaryFolder folder;
     folder.file("file");
     folder.link("to-folder", ".");
@@ -29,7 +29,7 @@ TEST(NSFileManager, tellsWhatExists) {
     EXPECT_FALSE(manager().contentExists(*URL::make({.string = "http://a/"})).exist);
 }
 
-TEST(NSFileManager, namesTemporaryFiles) {
+TEST(NSFileManager, NamesTemporaryFiles) {
     const URL model({.fileURLWithPath = "/a.b/c.tiff"});
     EXPECT_EQ(manager().temporaryURL().path().find('.'), std::string::npos);
     EXPECT_NE(manager().temporaryURL(), manager().temporaryURL());
@@ -42,7 +42,7 @@ TEST(NSFileManager, namesTemporaryFiles) {
     }
 }
 
-TEST(NSFileManager, makesAFolderForTheTemporaryFilesOfABundle) {
+TEST(NSFileManager, MakesAFolderForTheTemporaryFilesOfABundle) {
     TemporaryFolder folder;
     const Variable variable("TMPDIR", folder.url("deep/tmp").path().c_str());
     folder.file("named/Info.plist", "<plist><dict><key>CFBundleIdentifier</key>"
@@ -61,7 +61,7 @@ TEST(NSFileManager, makesAFolderForTheTemporaryFilesOfABundle) {
     EXPECT_NE(a, parent(manager().temporaryURL({.pathExt = "", .bundle = plain})));
 }
 
-TEST(NSFileManager, knowsTheFoldersOfTheProgram) {
+TEST(NSFileManager, KnowsTheFoldersOfTheProgram) {
     EXPECT_EQ(manager().noSandboxHomePath(), "/Users/" + NSUserName() + "/");
     EXPECT_EQ(manager().noSandboxHomeURL().path() + "/", manager().noSandboxHomePath());
     EXPECT_EQ(manager().noSandboxBundleSupportDirectoryURL()->path(),
@@ -86,7 +86,7 @@ TEST(NSFileManager, knowsTheFoldersOfTheProgram) {
 }
 
 // The test without its bundle, as a program of another name.
-TEST(NSFileManager, hasNoFoldersForAProgramWithoutABundleName) {
+TEST(NSFileManager, HasNoFoldersForAProgramWithoutABundleName) {
     if (std::getenv("ZORVAN_TEST_WITHOUT_BUNDLE")) {
         EXPECT_FALSE(manager().noSandboxBundleSupportDirectoryURL());
         EXPECT_FALSE(manager().bundleSupportDirectoryURL());
@@ -104,7 +104,7 @@ TEST(NSFileManager, hasNoFoldersForAProgramWithoutABundleName) {
     EXPECT_EQ(exitStatus(child), 0);
 }
 
-TEST(NSFileManager, createsDirectories) {
+TEST(NSFileManager, CreatesDirectories) {
     TemporaryFolder folder;
     folder.file("file");
     EXPECT_EQ(manager().createDirectory(folder.url("a/b")), folder.url("a/b"));
@@ -118,7 +118,7 @@ TEST(NSFileManager, createsDirectories) {
         EXPECT_THROW(manager().createDirectory(url), fs::filesystem_error);
 }
 
-TEST(NSFileManager, readsAttributes) {
+TEST(NSFileManager, ReadsAttributes) {
     TemporaryFolder folder;
     for (const auto& [size, units] :
          {std::pair{0, 0}, {1023, 0}, {1024, 1}, {2048, 2}, {3071, 2}}) {
@@ -160,7 +160,7 @@ TEST(NSFileManager, readsAttributes) {
     }
 }
 
-TEST(NSFileManager, searchesFilesInTheOrderOfTheList) {
+TEST(NSFileManager, SearchesFilesInTheOrderOfTheList) {
     TemporaryFolder folder;
     folder.file("b.2020/sub/x");
     folder.file("b.2020/.hidden");

@@ -1,15 +1,10 @@
 #include "TemporaryFolder.h"
 #include <tests/Testing.h>
+#include <tests/bytesOf.h>
 
 #include <zorvan/files/NSFileWrapper.h>
 
 namespace {
-
-Data bytes(const std::string& text) {
-    Data data(text.size());
-    std::memcpy(data.data(), text.data(), text.size());
-    return data;
-}
 
 std::vector<std::string> names(const NSFileWrapper& folder) {
     std::vector<std::string> result;
@@ -20,7 +15,7 @@ std::vector<std::string> names(const NSFileWrapper& folder) {
 
 } // namespace
 
-TEST(NSFileWrapper, readsAFolderOrMakesOne) {
+TEST(NSFileWrapper, ReadsAFolderOrMakesOne) {
     TemporaryFolder folder;
     folder.file("doc/text", "words");
     folder.file("doc/sub/inner", "");
@@ -32,7 +27,7 @@ TEST(NSFileWrapper, readsAFolderOrMakesOne) {
         EXPECT_EQ(wrapper->filename(), name);
         EXPECT_THAT(names(*wrapper), ElementsAre("link", "sub", "text"));
         const auto& children = wrapper->fileWrappers();
-        EXPECT_EQ(children.at("text")->regularFileContents(), bytes("words"));
+        EXPECT_EQ(children.at("text")->regularFileContents(), bytesOf("words"));
         EXPECT_EQ(children.at("link")->symbolicLinkDestination(), "text");
         EXPECT_THAT(names(*children.at("sub")), ElementsAre("inner"));
         EXPECT_FALSE(children.at("sub")->regularFileContents());
@@ -49,7 +44,7 @@ TEST(NSFileWrapper, readsAFolderOrMakesOne) {
         EXPECT_THROW(NSFileWrapper::create({.url = url}), fs::filesystem_error);
 }
 
-TEST(NSFileWrapper, writesWhatWasReadAndChanged) {
+TEST(NSFileWrapper, WritesWhatWasReadAndChanged) {
     TemporaryFolder folder;
     folder.file("doc/old", "old");
     folder.file("doc/dropped");
@@ -58,7 +53,7 @@ TEST(NSFileWrapper, writesWhatWasReadAndChanged) {
     const auto wrapper = NSFileWrapper::create({.url = folder.url("doc")});
     wrapper->removeFileWrapper(wrapper->fileWrappers().at("dropped"));
     for (const char* name : {"old", "old (0)"}) {
-        const auto file = NSFileWrapper::create({.regularFileWithContents = bytes(name)});
+        const auto file = NSFileWrapper::create({.regularFileWithContents = bytesOf(name)});
         file->setPreferredFilename("old");
         wrapper->addFileWrapper(file);
     }
@@ -75,8 +70,8 @@ TEST(NSFileWrapper, writesWhatWasReadAndChanged) {
         wrapper->write(folder.url(place));
         const auto read = NSFileWrapper::create({.url = folder.url(place)});
         EXPECT_THAT(names(*read), ElementsAre("old", "old (0)", "old (1)", "run", "sub")) << place;
-        EXPECT_EQ(read->fileWrappers().at("old")->regularFileContents(), bytes("old"));
-        EXPECT_EQ(read->fileWrappers().at("old (1)")->regularFileContents(), bytes("old (0)"));
+        EXPECT_EQ(read->fileWrappers().at("old")->regularFileContents(), bytesOf("old"));
+        EXPECT_EQ(read->fileWrappers().at("old (1)")->regularFileContents(), bytesOf("old (0)"));
         EXPECT_EQ(fs::status(folder.path() / place / "run").permissions(), fs::perms(0755));
         EXPECT_EQ(fs::read_symlink(folder.path() / place / "sub/link"), "../old");
     }
@@ -89,7 +84,7 @@ TEST(NSFileWrapper, writesWhatWasReadAndChanged) {
     EXPECT_EQ(folder.count(), 3);
 }
 
-TEST(NSFileWrapperDeathTest, stopsAtBrokenContracts) {
+TEST(NSFileWrapperDeathTest, StopsAtBrokenContracts) {
     const auto file = NSFileWrapper::create({.regularFileWithContents = Data()});
     const auto outer =
         NSFileWrapper::create({.directoryWithFileWrappers = NSFileWrapper::Children()});

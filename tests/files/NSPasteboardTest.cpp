@@ -2,7 +2,7 @@
 
 #include <zorvan/files/NSPasteboard.h>
 
-TEST(NSPasteboard, givesTheFilesAmongItsObjects) {
+TEST(NSPasteboard, GivesTheFilesAmongItsObjects) {
     const URL file({.fileURLWithPath = "/a b"}), other({.fileURLWithPath = "/c"});
     const auto pasteboard = NSPasteboard::create();
     EXPECT_THAT(pasteboard->fileURLs(), testing::IsEmpty());

@@ -61,7 +61,7 @@ int copyError(const URL& source, const URL& destination) {
 
 } // namespace
 
-TEST(SafeCopy, replacesEveryKindByEveryKind) {
+TEST(SafeCopy, ReplacesEveryKindByEveryKind) {
     const auto make = [](const TemporaryFolder& folder, const std::string& name,
                          const std::string& kind) {
         if (kind == "file")
@@ -96,7 +96,7 @@ TEST(SafeCopy, replacesEveryKindByEveryKind) {
         }
 }
 
-TEST(SafeCopy, takesModesDatesAndAttributesAlong) {
+TEST(SafeCopy, TakesModesDatesAndAttributesAlong) {
     TemporaryFolder folder;
     folder.file("a/file", "text");
     folder.file("a/closed/inner");
@@ -132,7 +132,7 @@ TEST(SafeCopy, takesModesDatesAndAttributesAlong) {
               hasAttributes ? 1 : -1);
 }
 
-TEST(SafeCopy, keepsThePermissionsOfWhatItReplaces) {
+TEST(SafeCopy, KeepsThePermissionsOfWhatItReplaces) {
     TemporaryFolder folder;
     folder.file("new", "new");
     folder.file("old", "old");
@@ -149,7 +149,7 @@ TEST(SafeCopy, keepsThePermissionsOfWhatItReplaces) {
     EXPECT_EQ(mode(folder.path() / "old"), mode(folder.path() / "new folder"));
 }
 
-TEST(SafeCopy, replacesFoldersThatMayNotBeWritten) {
+TEST(SafeCopy, ReplacesFoldersThatMayNotBeWritten) {
     asOrdinaryUser([] {
         TemporaryFolder folder;
         folder.folder("tmp");
@@ -164,7 +164,7 @@ TEST(SafeCopy, replacesFoldersThatMayNotBeWritten) {
     });
 }
 
-TEST(SafeCopy, copiesHolesAndOddSizes) {
+TEST(SafeCopy, CopiesHolesAndOddSizes) {
     TemporaryFolder folder;
     constexpr std::uintmax_t megabyte = 1 << 20;
     struct {
@@ -193,7 +193,7 @@ TEST(SafeCopy, copiesHolesAndOddSizes) {
     EXPECT_THAT(text(folder.path() / "copy"), testing::StartsWith("Name:"));
 }
 
-TEST(SafeCopy, passesErrorsOnAndTouchesNothing) {
+TEST(SafeCopy, PassesErrorsOnAndTouchesNothing) {
     TemporaryFolder folder;
     folder.file("file", "text");
     folder.file("folder/sub/x");
@@ -282,13 +282,13 @@ void strikeEverywhere(const StoppedCopy& row, TracedProcess::Fate fate) {
 
 } // namespace
 
-TEST(SafeCopy, leavesTheOldOrTheNewWhenKilledAtAnyStep) {
+TEST(SafeCopy, LeavesTheOldOrTheNewWhenKilledAtAnyStep) {
     for (const StoppedCopy& row : stoppedCopies)
         strikeEverywhere(row, TracedProcess::Fate::killed);
 }
 
 #if defined(__x86_64__)
-TEST(SafeCopy, leavesTheOldOrTheNewWhenAnyCallFails) {
+TEST(SafeCopy, LeavesTheOldOrTheNewWhenAnyCallFails) {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizer's own calls would fail too";
 #endif
@@ -316,7 +316,7 @@ bool mountSmallDisk(const fs::path& folder) {
 
 } // namespace
 
-TEST(SafeCopy, keepsTheOldFileWhenTheDiskIsFull) {
+TEST(SafeCopy, KeepsTheOldFileWhenTheDiskIsFull) {
     TemporaryFolder folder;
     folder.file("large", std::string(900'000, 'n'));
     folder.folder("disk");
@@ -342,7 +342,7 @@ TEST(SafeCopy, keepsTheOldFileWhenTheDiskIsFull) {
         }
 }
 
-TEST(SafeCopy, waitsForReaders) {
+TEST(SafeCopy, WaitsForReaders) {
     TemporaryFolder folder;
     folder.file("old", "old");
     folder.file("new", "new");
@@ -363,7 +363,7 @@ TEST(SafeCopy, waitsForReaders) {
 }
 
 // Copying what one is reading would wait for itself; for others it waits.
-TEST(SafeCopy, letsItsOwnReaderThrough) {
+TEST(SafeCopy, LetsItsOwnReaderThrough) {
     TemporaryFolder folder;
     folder.file("new", "new");
     folder.file("old", "old");
@@ -407,7 +407,7 @@ TEST(SafeCopy, letsItsOwnReaderThrough) {
     other.join();
 }
 
-TEST(SafeCopy, twoAtOnceLeaveOneOfTheTwo) {
+TEST(SafeCopy, TwoAtOnceLeaveOneOfTheTwo) {
     TemporaryFolder folder(TemporaryFolder::fastParent());
     const std::string a(200'000, 'a'), b(300'000, 'b');
     folder.file("a", a);
@@ -426,7 +426,7 @@ TEST(SafeCopy, twoAtOnceLeaveOneOfTheTwo) {
 }
 
 // Deeper than a process may open files, and than a path may be long.
-TEST(SafeCopy, copiesDeepFolders) {
+TEST(SafeCopy, CopiesDeepFolders) {
     constexpr int depth = 2500;
     TemporaryFolder folder(TemporaryFolder::fastParent());
     folder.folder("tmp");
@@ -462,7 +462,7 @@ TEST(SafeCopy, copiesDeepFolders) {
     EXPECT_TRUE(fs::is_empty(folder.path() / "tmp"));
 }
 
-TEST(PlaceItem, neverReplacesByNameEither) {
+TEST(PlaceItem, NeverReplacesByNameEither) {
     TemporaryFolder folder;
     for (const char* kind : {"file", "folder", "link"}) {
         SCOPED_TRACE(kind);

@@ -17,7 +17,7 @@ std::string rights(const URL& url) {
 }
 } // namespace
 
-TEST(FileURL, takesPathsApart) {
+TEST(FileURL, TakesPathsApart) {
     EXPECT_EQ(URL::root().path(), "/");
     EXPECT_EQ(lastPathTitle(file("/a/b.tar.gz")), "b.tar");
     EXPECT_EQ(lastPathTitle(file("/a/.git")), ".git");
@@ -28,7 +28,7 @@ TEST(FileURL, takesPathsApart) {
     EXPECT_EQ(parentOrSelf(file("/a/b")), file("/a/b"));
 }
 
-TEST(FileURL, knowsParents) {
+TEST(FileURL, KnowsParents) {
     for (const auto& [url, other, isAbove, isFileAbove] : {std::tuple("/a/b", "/a/b/c", true, true),
                                                            {"/a/b", "/a/b", true, true},
                                                            {"/a/b", "/a/bc", false, true},
@@ -40,7 +40,7 @@ TEST(FileURL, knowsParents) {
     }
 }
 
-TEST(FileURL, knowsTypes) {
+TEST(FileURL, KnowsTypes) {
     EXPECT_EQ(utiType(file("/a/b.JPG")), UTIType::jpeg());
     EXPECT_FALSE(utiType(file("/a/b")));
     EXPECT_TRUE(conforms(file("/a/b.jpg"), UTIType::image()));
@@ -50,7 +50,7 @@ TEST(FileURL, knowsTypes) {
     EXPECT_FALSE(conforms(web, {.toOneOf = {}}));
 }
 
-TEST(FileURL, tellsLinksAndTheMainDisk) {
+TEST(FileURL, TellsLinksAndTheMainDisk) {
     TemporaryFolder folder;
     folder.file("file");
     folder.link("link", "file");
@@ -66,7 +66,7 @@ TEST(FileURL, tellsLinksAndTheMainDisk) {
     EXPECT_FALSE(checkIsOnMainDisk(web));
 }
 
-TEST(FileURL, knowsWhatMayBeDone) {
+TEST(FileURL, KnowsWhatMayBeDone) {
     TemporaryFolder folder;
     folder.file("file");
     folder.link("broken", "nowhere");
@@ -88,7 +88,7 @@ TEST(FileURL, knowsWhatMayBeDone) {
     });
 }
 
-TEST(FileURL, readsPermissionBitsOfTheUsersClass) {
+TEST(FileURL, ReadsPermissionBitsOfTheUsersClass) {
     asOrdinaryUser([] {
         TemporaryFolder folder;
         folder.file("own");
@@ -108,7 +108,7 @@ TEST(FileURL, readsPermissionBitsOfTheUsersClass) {
     });
 }
 
-TEST(FileURL, listsSubFilesOrItself) {
+TEST(FileURL, ListsSubFilesOrItself) {
     TemporaryFolder folder;
     folder.file("f/a.txt");
     folder.file("f/.hidden");
@@ -126,7 +126,7 @@ TEST(FileURL, listsSubFilesOrItself) {
     EXPECT_THAT(listSubFilesOrSelf(folder.url("missing")), IsEmpty());
 }
 
-TEST(FileURL, readsUnderASharedLock) {
+TEST(FileURL, ReadsUnderASharedLock) {
     TemporaryFolder folder;
     folder.file("file");
     const int writer = open(folder.url("file").path().c_str(), O_RDWR);

@@ -2,7 +2,7 @@
 
 #include <zorvan/files/UTIType.h>
 
-TEST(UTIType, constantsHaveTheirIdentifiers) {
+TEST(UTIType, ConstantsHaveTheirIdentifiers) {
     // The irregular ones, and those that are easily mistaken for a neighbour.
     const std::pair<const UTIType&, const char*> table[] = {
         {UTIType::cppSource(), "public.c-plus-plus-source"},
@@ -24,7 +24,7 @@ TEST(UTIType, constantsHaveTheirIdentifiers) {
         EXPECT_EQ(type.identifier(), identifier);
 }
 
-TEST(UTIType, isMadeOfIdentifiersExtensionsAndCodes) {
+TEST(UTIType, IsMadeOfIdentifiersExtensionsAndCodes) {
     const UTIType shouted({.identifier = "PUBLIC.JPEG"});
     EXPECT_EQ(shouted, UTIType::jpeg());
     EXPECT_EQ(shouted.identifier(), "PUBLIC.JPEG");

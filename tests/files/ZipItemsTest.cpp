@@ -38,7 +38,7 @@ protected:
 
 } // namespace
 
-TEST_F(ZipItems, holdsFoldersLinksAndNamesOfAllKinds) {
+TEST_F(ZipItems, HoldsFoldersLinksAndNamesOfAllKinds) {
     folder.file("a/Grüße 日本 👩‍👩‍👧.txt", "Inhalt");
     folder.file("a/none", "");
     folder.file("a/run", std::string(300'000, 'r'));
@@ -86,7 +86,7 @@ TEST_F(ZipItems, holdsFoldersLinksAndNamesOfAllKinds) {
     }
 }
 
-TEST_F(ZipItems, isEmptyOrAbsent) {
+TEST_F(ZipItems, IsEmptyOrAbsent) {
     const auto empty = zip({});
     ASSERT_TRUE(empty);
     EXPECT_EQ(empty->size(), 22u); // the end of the directory, and nothing before it
@@ -109,7 +109,7 @@ TEST_F(ZipItems, isEmptyOrAbsent) {
     EXPECT_FALSE(zip({folder.url("file")}));
 }
 
-TEST_F(ZipItems, holdsFilesOfMoreThanFourGigabytes) {
+TEST_F(ZipItems, HoldsFilesOfMoreThanFourGigabytes) {
     constexpr std::uintmax_t size = (std::uintmax_t{1} << 32) + 10;
     folder.file("large", "first");
     fs::resize_file(folder.path() / "large", size);

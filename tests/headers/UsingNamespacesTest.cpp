@@ -12,7 +12,7 @@ namespace ours {
 
 using namespace zorvan;
 
-TEST(UsingNamespaces, leavesPlainCallsToTheCLibrary) {
+TEST(UsingNamespaces, LeavesPlainCallsToTheCLibrary) {
     const std::int64_t two = 2;
     EXPECT_EQ(pow(2, -1), 0.5);
     EXPECT_EQ(pow(two, -1), 0.5);
@@ -21,6 +21,7 @@ TEST(UsingNamespaces, leavesPlainCallsToTheCLibrary) {
     EXPECT_EQ(abs(-2.5), 2.5);
     EXPECT_EQ(max(two, two + 1), 3);
     EXPECT_EQ(&max(two, two), &two); // a reference, as from the standard one
+    set(NSColor::red);               // on no context
 }
 
 } // namespace ours
@@ -30,7 +31,7 @@ namespace both {
 using namespace std;
 using namespace zorvan;
 
-TEST(UsingNamespaces, leavesTheStandardNamesUsable) {
+TEST(UsingNamespaces, LeavesTheStandardNamesUsable) {
     string text = "b";
     const string moved = move(text);
     vector<int> numbers{3, 1, 2};
@@ -45,6 +46,8 @@ TEST(UsingNamespaces, leavesTheStandardNamesUsable) {
     EXPECT_EQ(size(numbers) + moved.size(), 4U);
     fill(numbers.begin(), remove(numbers.begin(), numbers.end(), 1), 5);
     EXPECT_EQ(numbers.front(), 5);
+    const set<int> ordered{2, 1, 2};
+    EXPECT_EQ(ordered.size(), 2U);
 }
 
 } // namespace both

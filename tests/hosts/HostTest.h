@@ -24,8 +24,9 @@ using namespace zorvan;
 /// A window of 240 x 160 points with an empty content view, shown without a screen.
 class HostTest : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    static void SetUpTestSuite() { start("offscreen"); }
+    static void start(const char* platform) {
+        ::setenv("QT_QPA_PLATFORM", platform, 1);
         static const TemporaryFolder home; // for the settings
         ::setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
         static int count = 1;

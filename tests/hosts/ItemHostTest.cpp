@@ -202,6 +202,15 @@ TEST_F(CollectionHostTest, ItemsStandWhereTheLayoutSays) {
     EXPECT_GT(made, 11u);
     EXPECT_LT(made, 25u);
     EXPECT_TRUE(shown->indexWidget(shown->model()->index(0, 0)));
+    EXPECT_EQ(shown->indexWidget(shown->model()->index(5, 0))->geometry(), QRect(50, 50, 40, 40));
+    EXPECT_EQ(view->view({5, 0}, false)->frame(), CGRect(50, 50, 40, 40));
+    const auto colour = [&](QPoint at) {
+        return shown->viewport()->grab().toImage().pixelColor(at);
+    };
+    view->setSelectionIndexPaths({{5, 0}});
+    settle();
+    EXPECT_EQ(colour({53, 53}), colour({87, 87})) << "all of it looks selected";
+    EXPECT_NE(colour({53, 53}), colour({3, 53}));
     shown->verticalScrollBar()->setValue(10000);
     settle();
     EXPECT_FALSE(shown->indexWidget(shown->model()->index(0, 0)));
@@ -246,6 +255,22 @@ TEST_F(CollectionHostTest, KeysAndMouseSelect) {
     EXPECT_TRUE(shown->viewport()->rect().contains(middleOf(33)));
     press(Qt::Key_Return);
     EXPECT_EQ(source->opened, (IndexPath{33, 0}));
+}
+
+TEST_F(CollectionHostTest, ItemsStandFromTheRightWhereOneReadsSo) {
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    settle();
+    const int width = shown->viewport()->width();
+    EXPECT_EQ(shown->visualRect(shown->model()->index(5, 0)), QRect(width - 90, 50, 40, 40));
+    EXPECT_EQ(shown->indexAt({width - 60, 60}).row(), 5);
+    QTest::mouseClick(shown->viewport(), Qt::LeftButton, {}, middleOf(5));
+    press(Qt::Key_Left);
+    EXPECT_EQ(selected(), IndexSet({6}));
+    QTest::mouseClick(shown->viewport(), Qt::LeftButton, Qt::ShiftModifier, middleOf(8));
+    EXPECT_EQ(selected(), IndexSet({6, 7, 8}));
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+    settle();
+    EXPECT_EQ(shown->visualRect(shown->model()->index(5, 0)), QRect(50, 50, 40, 40));
 }
 
 TEST_F(CollectionHostTest, ARubberBandSelects) {

@@ -2,11 +2,13 @@
 
 #include "HostTest.h"
 
+#include <zorvan/interface/NSTableView.h>
 #include <zorvan/interface/TintedButton.h>
 #include <zorvan/media/NSColor.h>
 #include <zorvan/observation/DispatchQueue.h>
 
 #include <QMenu>
+#include <QPaintEvent>
 #include <QTimer>
 
 #include <stdexcept>
@@ -121,6 +123,63 @@ TEST_F(QtWindowHostTest, DrawsOnlyWhatHasChanged) {
     EXPECT_EQ(colourAt(placeOf(*probe).topLeft() + QPoint(60, 45)), QColor(0, 0, 250));
 }
 
+/// What is drawn of a window, in its coordinates.
+class Painted : public QObject {
+public:
+    explicit Painted(QWidget& window) : window_(window) { qApp->installEventFilter(this); }
+    QRegion take() { return std::exchange(region_, {}); }
+    bool isEmpty() const { return region_.isEmpty(); }
+
+protected:
+    bool eventFilter(QObject* receiver, QEvent* event) override {
+        auto* const widget = qobject_cast<QWidget*>(receiver);
+        if (event->type() == QEvent::Paint && widget && widget->window() == &window_)
+            region_ += static_cast<QPaintEvent*>(event)->region().translated(
+                widget->mapTo(&window_, QPoint()));
+        return false;
+    }
+
+private:
+    QWidget& window_;
+    QRegion region_;
+};
+
+TEST_F(QtWindowHostTest, OnlyWhatLightsUpOrBlinksIsDrawnAnew) {
+    const auto field = addSearchField();
+    const auto table = NSTableView::create({150, 0, 90, 160});
+    content->addSubview(table);
+    settle();
+    QWidget& top = host->widget();
+    Painted painted(top);
+    const auto isWithin = [&](QWidget& widget) {
+        const QRegion drawn = painted.take();
+        const QRect place(widget.mapTo(&top, QPoint()), widget.size());
+        return !drawn.isEmpty() && QRegion(place).united(drawn) == QRegion(place);
+    };
+    QWidget& pushed = *widgetFor(*button);
+    QWidget& edit = *widgetFor(*field);
+    painted.take();
+    QTest::mouseMove(&pushed, {60, 4});
+    settle();
+    EXPECT_TRUE(isWithin(pushed)) << "lights up";
+    QTest::mouseMove(&top, {2, top.height() - 2});
+    settle();
+    EXPECT_TRUE(isWithin(pushed));
+    window->makeFirstResponder(field);
+    settle();
+    painted.take();
+    QTest::keyClick(&edit, 'a');
+    settle();
+    EXPECT_TRUE(isWithin(edit)) << "typing";
+    QApplication::setCursorFlashTime(20);
+    window->makeFirstResponder(nullptr);
+    window->makeFirstResponder(field);
+    settle();
+    painted.take();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !painted.isEmpty(); }, 60000));
+    EXPECT_TRUE(isWithin(edit)) << "the caret";
+}
+
 TEST_F(QtWindowHostTest, SizesFollowEachOther) {
     const QSize before = host->widget().size();
     host->widget().resize(before + QSize(60, 40));
@@ -211,6 +270,28 @@ TEST_F(QtWindowHostTest, TheKeyboardReachesEverything) {
     press(Qt::Key_Tab);
     EXPECT_EQ(window->firstResponder(), field);
     EXPECT_EQ(&widget, QApplication::activeWindow());
+}
+
+TEST_F(QtWindowHostTest, TheKeyboardIsInTheContentAtFirst) {
+    const auto field = addSearchField();
+    const auto reopen = [this](const std::shared_ptr<NSView>& responder) {
+        host = nullptr;
+        window->makeFirstResponder(responder);
+        host = QtWindowHost::show(window);
+        host->widget().activateWindow();
+        settle();
+    };
+    reopen(nullptr);
+    EXPECT_EQ(window->firstResponder(), button);
+    EXPECT_TRUE(widgetFor(*button)->hasFocus());
+    reopen(field);
+    EXPECT_TRUE(widgetFor(*field)->hasFocus()) << "what the program wants";
+    button->setEnabled(false);
+    reopen(nullptr);
+    EXPECT_FALSE(window->firstResponder());
+    EXPECT_FALSE(widgetFor(*field)->hasFocus()) << "not the first tool";
+    press(Qt::Key_F10);
+    EXPECT_TRUE(widgetFor(*field)->hasFocus());
 }
 
 TEST_F(QtWindowHostTest, KeyEquivalentsWorkWhereverTheKeyboardIs) {
@@ -362,6 +443,50 @@ TEST_F(QtWindowHostTest, AHostMayGoWhileItsWindowIsToldOfAClick) {
     host = QtWindowHost::show(window);
     settle();
     EXPECT_TRUE(widgetFor(*button));
+}
+
+TEST_F(QtWindowHostTest, EverythingMayGoInItsOwnAction) {
+    const std::function<void()> ends[] = {
+        [this] { button->removeFromSuperview(); },
+        [this] { window->setContentView(nullptr); },
+        [this] { window->setToolbar(nullptr); },
+        [this] { window->close(); },
+        [this] {
+            window->close();
+            host = nullptr;
+        },
+    };
+    const auto field = addSearchField();
+    char letter = 'a';
+    for (const auto& end : ends) {
+        for (const bool isTyped : {false, true}) {
+            const auto reset = [&] {
+                window->setContentView(content);
+                content->addSubview(button);
+                window->setToolbar(searchBar->toolbar());
+                if (!host)
+                    host = QtWindowHost::show(window);
+                window->makeMainWindow();
+                settle();
+            };
+            reset();
+            bool isDone = false;
+            const Selector action("end", [&] {
+                isDone = true;
+                end();
+            });
+            button->setAction(isTyped ? std::optional<Selector>() : action);
+            field->setAction(isTyped ? std::optional(action) : std::nullopt);
+            QWidget* const widget = isTyped ? widgetFor(*field) : widgetFor(*button);
+            ASSERT_TRUE(widget);
+            if (isTyped)
+                QTest::keyClick(widget, letter++); // another text in any case
+            else
+                QTest::mouseClick(widget, Qt::LeftButton);
+            settle();
+            EXPECT_TRUE(isDone) << &end - ends << (isTyped ? " typed" : " clicked");
+        }
+    }
 }
 
 TEST_F(QtWindowHostTest, OpensMenus) {

@@ -3,6 +3,7 @@
 #include <tests/collections/RandomEditions.h>
 
 #include <zorvan/collections/ManagedList.h>
+#include <zorvan/files/NSPasteboard.h>
 #include <zorvan/interface/ManagedListViewReloader.h>
 #include <zorvan/interface/NSTableViewObserver.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
@@ -34,6 +35,8 @@ struct Source : NSTableViewDataSource, NSTableViewDelegate {
         return (column ? "size " : "item ") + std::to_string(items[static_cast<std::size_t>(row)]);
     }
     double heightOfRow(const NSTableView& table, std::int64_t row) const override {
+        if (throws && row == 5)
+            throw std::runtime_error("no height");
         return row == tall ? 60 : table.rowHeight();
     }
     std::shared_ptr<NSView> view(NSTableView&, std::int64_t column, std::int64_t row) override {
@@ -221,13 +224,13 @@ TEST_F(TableHostTest, TheKeyboardDoesEverything) {
     press(Qt::Key_PageDown);
     EXPECT_GT(*table->selectedRowIndexes().first(), 3);
     table->selectOnlyRows({3, 5});
-    QTest::keySequence(&shown(), QKeySequence::Copy);
+    press(Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), "item 3\tsize 3\nitem 5\tsize 5");
     press(Qt::Key_Down);
     EXPECT_EQ(table->selectedRowIndexes(), IndexSet({4})) << "goes on from what is selected";
 }
 
-TEST_F(TableHostTest, FilesAreDraggedOut) {
+TEST_F(TableHostTest, FilesAreDraggedOutAndCopied) {
     const QAbstractItemModel& model = *shown().model();
     click(2);
     EXPECT_TRUE(shown().dragEnabled());
@@ -235,8 +238,13 @@ TEST_F(TableHostTest, FilesAreDraggedOut) {
     EXPECT_FALSE(shown().dragEnabled()) << "a drag selects";
     const std::unique_ptr<QMimeData> data(model.mimeData(
         {model.index(4, 0), model.index(4, 1), model.index(3, 0), model.index(2, 0)}));
-    EXPECT_EQ(data->urls(), QList<QUrl>({QUrl::fromLocalFile("/pictures/2 a.png"),
-                                         QUrl::fromLocalFile("/pictures/4 a.png")}));
+    const QList<QUrl> files{QUrl::fromLocalFile("/pictures/2 a.png"),
+                            QUrl::fromLocalFile("/pictures/4 a.png")};
+    EXPECT_EQ(data->urls(), files);
+    table->selectOnlyRows({2, 3, 4});
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QGuiApplication::clipboard()->mimeData()->urls(), files);
+    EXPECT_EQ(NSPasteboard::generalPasteboard()->fileURLs().size(), 2u);
 }
 
 TEST_F(TableHostTest, HeadersSortAndResize) {
@@ -401,10 +409,27 @@ TEST_F(TableHostTest, OutlivesSourcesThatLieAndThrow) {
     const std::string line = "A view could not be filled: no text\n";
     EXPECT_NE(said.find(line), std::string::npos);
     EXPECT_EQ(said.find(line), said.rfind(line)) << "once";
+    // A height that cannot be given reaches whoever asks; once it can, all is well.
+    EXPECT_THROW(table->noteHeightOfAllRowsChanged(), std::runtime_error);
+    EXPECT_THROW((void)table->heightOfRow(20), std::runtime_error);
+    testing::internal::CaptureStdout();
+    shown().verticalScrollBar()->setValue(30);
+    settle();
+    testing::internal::GetCapturedStdout();
+    source->throws = false;
+    table->setRowHeight(20);
+    EXPECT_EQ(table->heightOfRow(20), 20);
+    EXPECT_EQ(shown().rowHeight(20), 20);
+    // Rows that have gone without a word are empty.
+    source->items.resize(3);
+    testing::internal::CaptureStdout();
+    shown().viewport()->grab();
+    EXPECT_EQ(shown().model()->index(10, 0).data().toString(), "");
+    testing::internal::GetCapturedStdout();
     // The source is gone, the window goes on.
     table->setDataSource(nullptr);
     settle();
-    EXPECT_EQ(shown().model()->rowCount(), 40) << "set again";
+    EXPECT_EQ(shown().model()->rowCount(), 3) << "set again";
 }
 
 TEST_F(TableHostTest, MayLeaveTheWindowInTheMiddleOfAClick) {
@@ -438,6 +463,19 @@ TEST_F(TableHostTest, AScrollViewTakesAnyDocument) {
     area->verticalScrollBar()->setValue(0);
     EXPECT_EQ(scrollView->contentView()->bounds().maxY(), 500);
     EXPECT_EQ(document->y(), 0);
+    // Where one reads from right to left, the bar across counts from there.
+    tall->setFrame({0, 0, 600, 500});
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    settle();
+    const int out = area->horizontalScrollBar()->maximum();
+    EXPECT_EQ(area->horizontalScrollBar()->value(), out);
+    EXPECT_EQ(document->x(), 0) << "what was shown stays";
+    area->horizontalScrollBar()->setValue(0);
+    EXPECT_EQ(document->x(), -out);
+    EXPECT_EQ(scrollView->contentView()->bounds().x(), out);
+    scrollView->contentView()->setBoundsOrigin({10, 0});
+    EXPECT_EQ(area->horizontalScrollBar()->value(), out - 10);
+    QApplication::setLayoutDirection(Qt::LeftToRight);
 }
 
 } // namespace

@@ -46,14 +46,15 @@ def set_up(home):
                       QT_STYLE_OVERRIDE="Fusion", NO_AT_BRIDGE="1")
     read, write = os.pipe()
     # A server that resets when its last client leaves turns away whoever connects just then.
-    start("Xvfb", "-displayfd", str(write), "-screen", "0", "1280x800x24", "-nolisten", "tcp",
-          "-noreset", pass_fds=[write])
+    screen = start("Xvfb", "-displayfd", str(write), "-screen", "0", "1280x800x24",
+                   "-nolisten", "tcp", "-noreset", pass_fds=[write])
     os.close(write)
     with os.fdopen(read) as display:
         os.environ["DISPLAY"] = ":" + display.readline().strip()
     os.environ["DBUS_SESSION_BUS_ADDRESS"] = first_line(
         "dbus-daemon", "--session", "--nofork", "--print-address")
     start("/usr/libexec/at-spi-bus-launcher", "--launch-immediately", stderr=subprocess.DEVNULL)
+    return screen
 
 
 def descendants(node):
@@ -64,7 +65,7 @@ def descendants(node):
             yield from descendants(child)
 
 
-def read_gallery(program):
+def read_gallery(program, screen):
     import gi
     gi.require_version("Atspi", "2.0")
     from gi.repository import Atspi, GLib
@@ -143,12 +144,15 @@ def read_gallery(program):
     subprocess.run(["xdotool", "key", "Tab"], check=True)
     wait_for("Tab", lambda: not has(field, Atspi.StateType.FOCUSED))
 
+    # A screen that goes takes the program with it, which ends by itself.
+    screen.terminate()
+    check("the end", gallery.wait(30), 1)
+
 
 def main():
     with tempfile.TemporaryDirectory() as home:
         try:
-            set_up(home)
-            read_gallery(sys.argv[1])
+            read_gallery(sys.argv[1], set_up(home))
         finally:
             for process in reversed(processes):
                 try:

@@ -1,6 +1,8 @@
 #include <tests/Testing.h>
 #include <tests/collections/RandomEditions.h>
 
+#include <zorvan/collections/ManagedList.h>
+#include <zorvan/interface/ManagedListViewReloader.h>
 #include <zorvan/interface/NSCollectionViewObserver.h>
 
 using Calls = std::vector<std::string>;
@@ -13,6 +15,9 @@ struct Source : NSCollectionViewDataSource {
     std::int64_t numberOfItems(const NSCollectionView&, std::int64_t) const override {
         return count;
     }
+    std::shared_ptr<NSView> viewForItem(NSCollectionView&, IndexPath) override {
+        return NSView::create();
+    }
     std::int64_t count = 0;
 };
 
@@ -24,6 +29,7 @@ struct Recorder : NSCollectionViewObserver {
     void sectionsReloaded(const IndexSet& sections) override {
         calls.push_back("reload " + sections.description());
     }
+    void reloaded() override { calls.emplace_back("reload"); }
     void selectionDidChange() override { calls.emplace_back("select"); }
     Calls calls;
     Updates updates;
@@ -142,4 +148,67 @@ TEST(NSCollectionView, findsItemsInARectangle) {
             found.push_back(path.item);
         EXPECT_EQ(found, row.items) << row.rect.x() << ", " << row.rect.y();
     }
+}
+
+TEST(NSCollectionView, showsManagedListEditions) {
+    const auto list = ManagedList<int>::create({0, 1, 2, 3});
+    Fixture shown(4);
+    const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
+        NSNotificationName(ManagedList<int>::didReloadNotification), list, nullptr,
+        [&](const Notification& note) {
+            shown.source->count = list->count();
+            ManagedList<int>::ViewReloader(*ManagedList<int>::edition(note)).reload(*shown.view);
+        });
+    struct {
+        std::function<void()> change;
+        Calls calls;
+        Updates updates;
+    } table[] = {
+        {[&] {
+             list->setSelection({1, 2});
+         },
+         {"select"},
+         {}},
+        {[&] { list->insert({9}, 0); },
+         {"animated batch", "select", "select"},
+         {.inserted = {{0, 0}}}},
+        {[&] {
+             list->remove({0, 2});
+         },
+         {"animated batch"},
+         {.deleted = {{0, 0}, {2, 0}}}},
+        {[&] {
+             list->move({0, 1}, 3);
+         },
+         {"animated batch", "select"},
+         {.moved = {{{0, 0}, {1, 0}}, {{1, 0}, {2, 0}}}}},
+        {[&] { list->reverseOrder(); }, {"reload", "select"}, {}},
+        {[&] { list->setFilter([](int item) { return item > 1; }); }, {"reload", "select"}, {}},
+    };
+    for (const auto& row : table) {
+        shown.calls.clear();
+        shown.recorder->updates = {};
+        row.change();
+        EXPECT_EQ(shown.calls, row.calls);
+        EXPECT_EQ(shown.recorder->updates, row.updates);
+        EXPECT_EQ(shown.view->selectionIndexPaths(), list->selection().mapToIndexPaths());
+        EXPECT_EQ(shown.view->numberOfItems(0), list->count());
+    }
+    NSNotificationCenter::defaultCenter()->removeObserver(observer);
+}
+
+TEST(NSCollectionView, placesTheViewsOfItsItems) {
+    Fixture shown(9);
+    const auto item = shown.view->view({5, 0}, true);
+    EXPECT_EQ(item->frame(), CGRect()) << "without a layout";
+    shown.view->setFrame({0, 0, 100, 100});
+    shown.view->setCollectionViewLayout(
+        std::make_shared<NSCollectionViewFlowLayout>(CGSize(40, 20), 10));
+    EXPECT_EQ(item->frame(), CGRect(50, 60, 40, 20));
+    EXPECT_EQ(shown.view->view({1, 0}, true)->frame(), CGRect(50, 0, 40, 20));
+    shown.view->setFrame({0, 0, 300, 100});
+    EXPECT_EQ(item->frame(), CGRect(250, 0, 40, 20));
+    shown.source->count = 8;
+    shown.view->deleteItems({{0, 0}});
+    EXPECT_EQ(item->frame(), CGRect(200, 0, 40, 20)) << "with the item";
 }

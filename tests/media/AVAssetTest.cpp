@@ -216,12 +216,12 @@ TEST(AVAsset, PassesOverPlacesThatCannotBeRead) {
         const auto* const start = reinterpret_cast<const std::byte*>(bytes);
         return Data(start, start + std::string_view(bytes).size());
     };
-    const auto asset = AVAsset::create(
-        {.tracks = std::vector<AVAssetTrack>(),
-         .metadata = {{"other", "+01+001/"},
-                      {"uiso/%A9xyz", "somewhere"},
-                      {"itsk/%A9xyz", text("+02+002/\xFF")},
-                      {std::string(AVMetadataCommonIdentifierLocation), "+03+003/"}}});
+    const auto asset =
+        AVAsset::create({.tracks = std::vector<AVAssetTrack>(),
+                         .metadata = {{"other", "+01+001/"},
+                                      {"uiso/%A9xyz", "somewhere"},
+                                      {"itsk/%A9xyz", text("+02+002/\xFF")},
+                                      {AVMetadataCommonIdentifierLocation, "+03+003/"}}});
     EXPECT_EQ(asset->parseLocationFromMetadata(), (Location{2, 2}));
     EXPECT_FALSE(assetOf({})->parseLocationFromMetadata());
     EXPECT_FALSE(assetOf({})->parseCreationDate());

@@ -29,10 +29,9 @@ CGImage::Pointer slope(std::int64_t width, std::int64_t height) {
 
 TEST(CGImageMetadata, SizesComeFromIntegersOnly) {
     const auto metadata = [](PropertyList width, PropertyList height, PropertyList orientation) {
-        return PropertyList::Dictionary{
-            {std::string(kCGImagePropertyPixelWidth), std::move(width)},
-            {std::string(kCGImagePropertyPixelHeight), std::move(height)},
-            {std::string(kCGImagePropertyOrientation), std::move(orientation)}};
+        return PropertyList::Dictionary{{kCGImagePropertyPixelWidth, std::move(width)},
+                                        {kCGImagePropertyPixelHeight, std::move(height)},
+                                        {kCGImagePropertyOrientation, std::move(orientation)}};
     };
     EXPECT_EQ(CGImage::imageSize(metadata(4000, 3000, 6)), CGSize(4000, 3000));
     for (int value = -1; value <= 10; ++value)

@@ -161,8 +161,8 @@ TEST(CIImage, AutoAdjustmentLeavesPicturesThatTellNothing) {
         EXPECT_EQ(image->autoAdjusted(), image);
     }
     const auto dark = CIImage::create(scene(0.2, 1, 1));
-    EXPECT_EQ(dark->autoAdjusted({{std::string(kCIImageAutoAdjustEnhance), false}}), dark);
-    EXPECT_NE(dark->autoAdjusted({{std::string(kCIImageAutoAdjustEnhance), true}}), dark);
+    EXPECT_EQ(dark->autoAdjusted({{kCIImageAutoAdjustEnhance, false}}), dark);
+    EXPECT_NE(dark->autoAdjusted({{kCIImageAutoAdjustEnhance, true}}), dark);
 }
 
 TEST(CIImage, WhatHasNoPixelsGivesNoPicture) {

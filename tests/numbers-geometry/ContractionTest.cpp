@@ -41,7 +41,7 @@ ON_SUCH_A_PROCESSOR double areaOfALine(CGPoint p, CGPoint same) {
 
 } // namespace
 
-TEST(Contraction, comparesWhatWasRounded) {
+TEST(Contraction, ComparesWhatWasRounded) {
     if (!canRun())
         GTEST_SKIP() << "the processor does not multiply and add in one step";
     std::mt19937_64 random(3);

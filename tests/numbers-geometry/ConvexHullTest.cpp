@@ -48,7 +48,7 @@ Points randomPoints(std::mt19937_64& random, std::size_t count, double from, dou
 
 } // namespace
 
-TEST(ConvexHull, ofAFewPoints) {
+TEST(ConvexHull, OfAFewPoints) {
     EXPECT_EQ(CGPoint::convexHull({{0, 0}, {1, 0}, {2, 0}, {2, 2}, {0, 2}, {1, 1}}),
               (Points{{0, 0}, {2, 0}, {2, 2}, {0, 2}}));
     EXPECT_EQ(CGPoint::convexHull({}), Points());
@@ -61,7 +61,7 @@ TEST(ConvexHull, ofAFewPoints) {
     EXPECT_EQ(points, (Points{{0, 0}, {4, 0}, {2, 4}}));
 }
 
-TEST(ConvexHull, equalsThePlainlyWrittenOne) {
+TEST(ConvexHull, EqualsThePlainlyWrittenOne) {
     std::mt19937_64 random(5);
     // Scales at which points coincide, are collinear, or overflow at six places.
     for (const double scale : {1e-7, 1e-5, 1e-3, 1.0, 1e9, 1e12, 1e160, 1e303})
@@ -79,7 +79,7 @@ TEST(ConvexHull, equalsThePlainlyWrittenOne) {
     }
 }
 
-TEST(ConvexHull, takesLinkedPointsOfOneXInAscendingY) {
+TEST(ConvexHull, TakesLinkedPointsOfOneXInAscendingY) {
     const double step = 0.9e-5;
     // Two stacks of linked points, interleaved: each keeps its places.
     const Points points{{0, 2 * step}, {0, 5 + step}, {0, 0}, {0, 5}, {0, step}, {9, 9}, {9, -9}};
@@ -90,7 +90,7 @@ TEST(ConvexHull, takesLinkedPointsOfOneXInAscendingY) {
     EXPECT_EQ(CGPoint::convexHull(near).front(), CGPoint(0, 1e-6));
 }
 
-TEST(ConvexHull, sortsSignsZerosAndInfinities) {
+TEST(ConvexHull, SortsSignsZerosAndInfinities) {
     Points points(2000);
     points[3] = {-0.0, -1};
     points[1999] = {-7, 3};

@@ -80,7 +80,7 @@ void useRect(CGRect r, CGPoint p) {
 
 } // namespace
 
-TEST(HostileValues, reals) {
+TEST(HostileValues, Reals) {
     for (const double x : reals)
         for (const double y : reals) {
             useReal(x, y);
@@ -94,7 +94,7 @@ TEST(HostileValues, reals) {
         }
 }
 
-TEST(HostileValues, integers) {
+TEST(HostileValues, Integers) {
     for (const std::int64_t x :
          {INT64_MIN, INT64_MIN + 1, std::int64_t{-1}, std::int64_t{0}, std::int64_t{1}, INT64_MAX})
         for (const std::int64_t y : {INT64_MIN, std::int64_t{-1}, std::int64_t{0}, INT64_MAX}) {
@@ -109,7 +109,7 @@ TEST(HostileValues, integers) {
         }
 }
 
-TEST(HostileValues, pointsSizesAndRectangles) {
+TEST(HostileValues, PointsSizesAndRectangles) {
     for (const double a : reals)
         for (const double b : reals) {
             const CGPoint p(a, b);
@@ -124,7 +124,7 @@ TEST(HostileValues, pointsSizesAndRectangles) {
         }
 }
 
-TEST(HostileValues, linesAndTransforms) {
+TEST(HostileValues, LinesAndTransforms) {
     for (const double a : reals)
         for (const double b : reals)
             for (const double c : reals) {
@@ -138,7 +138,7 @@ TEST(HostileValues, linesAndTransforms) {
             }
 }
 
-TEST(HostileValues, hulls) {
+TEST(HostileValues, Hulls) {
     std::vector<CGPoint> points;
     for (const double a : reals)
         for (const double b : reals)

@@ -3,7 +3,7 @@
 
 #include <zorvan/numbers-geometry/Interval.h>
 
-TEST(Interval, isMadeFromEndsOrValues) {
+TEST(Interval, IsMadeFromEndsOrValues) {
     EXPECT_EQ(Interval({.value1 = 3, .value2 = 1}), Interval(1, 3));
     EXPECT_EQ(Interval({.min = 3, .max = 1}), Interval(3, 1));
     EXPECT_FALSE(Interval(3, 1).isValid());
@@ -27,7 +27,7 @@ TEST(Interval, isMadeFromEndsOrValues) {
     EXPECT_FALSE(Interval(1, 2).overlap({2, 0.5}, 1));
 }
 
-TEST(Interval, splitsAndExpands) {
+TEST(Interval, SplitsAndExpands) {
     const Interval i(0, 10);
     EXPECT_EQ(i.bissect(), std::pair(Interval(0, 5), Interval(5, 10)));
     using Parts = std::pair<std::optional<Interval>, std::optional<Interval>>;

@@ -11,7 +11,7 @@
 #include <zorvan/numbers-geometry/Triangle.h>
 #include <zorvan/numbers-geometry/VOrientation.h>
 
-TEST(Line, isSignedAndMeetsUnlessParallel) {
+TEST(Line, IsSignedAndMeetsUnlessParallel) {
     const Line axis(CGPoint(0, 0), CGPoint(1, 0));
     EXPECT_EQ(axis, Line(0, 1, 0));
     EXPECT_EQ(axis.distance({5, 2}), 2);
@@ -28,7 +28,7 @@ TEST(Line, isSignedAndMeetsUnlessParallel) {
     EXPECT_EQ(rising.intersects(Line(CGPoint(0, 5), CGPoint(1, 6))), std::nullopt);
 }
 
-TEST(Segment, measures) {
+TEST(Segment, Measures) {
     const Segment s({0, 0}, {3, 4});
     EXPECT_EQ(s.length(), 5);
     EXPECT_EQ(s.midpoint(), CGPoint(1.5, 2));
@@ -42,7 +42,7 @@ TEST(Segment, measures) {
     EXPECT_EQ(s.with({.end = {1, 1}}), Segment({0, 0}, {1, 1}));
 }
 
-TEST(Segment, comparesInBothDirections) {
+TEST(Segment, ComparesInBothDirections) {
     const Segment s({0, 0}, {3, 4}), near({3.0001, 4}, {0, 0});
     EXPECT_TRUE(s.isEqualToReversedSegment(s.reversed()));
     EXPECT_FALSE(s.isEqualToSegment(s.reversed()));
@@ -61,7 +61,7 @@ TEST(Segment, comparesInBothDirections) {
     EXPECT_TRUE(Segment({4, 4}, {0, 0}).contains({0, 0}));
 }
 
-TEST(Segment, intersects) {
+TEST(Segment, Intersects) {
     const Segment flat({0, 0}, {2, 0}), rising({0, 0}, {4, 2});
     // Touching at an end counts on a counter-clockwise turn only.
     const struct {
@@ -84,7 +84,7 @@ TEST(Segment, intersects) {
 
 // Small whole coordinates, so that ends often touch, paths are often parallel, and integers tell
 // exactly what is expected.
-TEST(Segment, meetsAsIntegersTell) {
+TEST(Segment, MeetsAsIntegersTell) {
     std::mt19937_64 random(17);
     const auto number = [&] { return std::uniform_int_distribution<>(-5, 5)(random); };
     int meetings = 0, touches = 0;
@@ -124,7 +124,7 @@ TEST(Segment, meetsAsIntegersTell) {
     EXPECT_GT(touches, 500);
 }
 
-TEST(Triangle, turnsAsIntegersTell) {
+TEST(Triangle, TurnsAsIntegersTell) {
     using State = Triangle::CollinearityState;
     std::mt19937_64 random(19);
     const auto number = [&] { return std::uniform_int_distribution<>(-4, 4)(random); };
@@ -150,7 +150,7 @@ TEST(Triangle, turnsAsIntegersTell) {
     EXPECT_THAT(seen, testing::Each(testing::Gt(2)));
 }
 
-TEST(Triangle, classifiesTurns) {
+TEST(Triangle, ClassifiesTurns) {
     using State = Triangle::CollinearityState;
     EXPECT_EQ(Triangle({0, 0}, {0, 1}, {1, 0}).collinearity(6), State::clockwiseTurn);
     EXPECT_EQ(Triangle({0, 0}, {1e-7, 0}, {0, -1e-7}).collinearity(6), State::point);
@@ -159,7 +159,7 @@ TEST(Triangle, classifiesTurns) {
     EXPECT_EQ(1 - Triangle({0, 0}, {1, 1}, {2, 2}) * 2, Triangle({1, 1}, {-1, -1}, {-3, -3}));
 }
 
-TEST(Angle, staysWithinOneTurn) {
+TEST(Angle, StaysWithinOneTurn) {
     EXPECT_DOUBLE_EQ(Angle({.degrees = -90}).degrees(), 270);
     EXPECT_EQ(Angle({.radians = -1e-20}).value(), 0);
     for (double x = -50; x < 50; x += 0.01) {
@@ -177,7 +177,7 @@ TEST(Angle, staysWithinOneTurn) {
     EXPECT_TRUE(Angle::right < Angle::straight);
 }
 
-TEST(Angle, hasComplementsATypeAndAText) {
+TEST(Angle, HasComplementsATypeAndAText) {
     EXPECT_NEAR(Angle({.degrees = 30}).complementary().degrees(), 60, 1e-12);
     EXPECT_NEAR(Angle({.degrees = 100}).complementary().degrees(), 80, 1e-12);
     EXPECT_NEAR(Angle({.degrees = 200}).supplementary().degrees(), 160, 1e-12);
@@ -195,7 +195,7 @@ TEST(Angle, hasComplementsATypeAndAText) {
     EXPECT_EQ(PI_3_4, 2.356194490192345);
 }
 
-TEST(Directions, turnAndToggle) {
+TEST(Directions, TurnAndToggle) {
     static_assert(Orientation::up.left_() == Orientation::left);
     static_assert(CardinalDirection::north.right() == CardinalDirection::east);
     static_assert(CardinalDirection::east.left() == CardinalDirection::north);

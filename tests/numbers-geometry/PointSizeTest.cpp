@@ -4,7 +4,7 @@
 #include <zorvan/numbers-geometry/CGAffineTransform.h>
 #include <zorvan/numbers-geometry/NSEdgeInsets.h>
 
-TEST(CGPoint, replacesAndMeasures) {
+TEST(CGPoint, ReplacesAndMeasures) {
     const CGPoint p(3, 4);
     EXPECT_EQ(p.with({.x = 7}), CGPoint(7, 4));
     EXPECT_EQ(p.adding({.y = 1}), CGPoint(3, 5));
@@ -35,7 +35,7 @@ TEST(CGPoint, replacesAndMeasures) {
     EXPECT_EQ(CGPoint::polygonArea({{5, 7}}), 0);
 }
 
-TEST(CGSize, knowsItsShapeAndReplacesUnderBothNames) {
+TEST(CGSize, KnowsItsShapeAndReplacesUnderBothNames) {
     const CGSize z(3, 4);
     EXPECT_TRUE(CGSize(0, 5).isEmpty());
     EXPECT_TRUE(CGSize(3, 3).isLandscape());
@@ -58,7 +58,7 @@ TEST(CGSize, knowsItsShapeAndReplacesUnderBothNames) {
     EXPECT_EQ(2 * z / 4, CGSize(1.5, 2));
 }
 
-TEST(CGSize, fitsAndFills) {
+TEST(CGSize, FitsAndFills) {
     EXPECT_EQ(CGSize(400, 200).clamping(100), CGSize(100, 50));
     EXPECT_EQ(CGSize(-400, 50).clamping(100), CGSize(100, 12.5));
     EXPECT_EQ(CGSize(-50, 20).clamping(100), CGSize(-50, 20));
@@ -94,7 +94,7 @@ TEST(CGSize, fitsAndFills) {
     EXPECT_EQ(CGSize(4, 2).centered(CGRect(0, 0, -10, 10)), CGRect(3, 4, 4, 2));
 }
 
-TEST(CGAffineTransform, appliesTheNewMapFirst) {
+TEST(CGAffineTransform, AppliesTheNewMapFirst) {
     const CGPoint p(1, 2);
     const auto turn = CGAffineTransform({.rotationAngle = std::acos(-1.0) / 2});
     EXPECT_TRUE(p.applying(turn).overlap({-2, 1}, 1e-15)); // counter-clockwise
@@ -109,7 +109,7 @@ TEST(CGAffineTransform, appliesTheNewMapFirst) {
               (CATransform3D{.m11 = 2, .m22 = 2, .m33 = 1, .m41 = 20, .m42 = 0, .m44 = 1}));
 }
 
-TEST(CGAffineTransform, mutatingFormsAndInverseAgree) {
+TEST(CGAffineTransform, MutatingFormsAndInverseAgree) {
     std::mt19937_64 random(3);
     std::uniform_real_distribution<> real(0.5, 2);
     for (int i = 0; i < 1000; ++i) {
@@ -129,7 +129,7 @@ TEST(CGAffineTransform, mutatingFormsAndInverseAgree) {
     EXPECT_EQ(flat.inverted(), flat);
 }
 
-TEST(NSEdgeInsets, fillsTheNamedEdges) {
+TEST(NSEdgeInsets, FillsTheNamedEdges) {
     EXPECT_EQ(NSEdgeInsets({.all = 8}), NSEdgeInsets(8, 8, 8, 8));
     EXPECT_EQ(NSEdgeInsets({.topAndBottom = 8}), NSEdgeInsets(8, 0, 8, 0));
     EXPECT_EQ(NSEdgeInsets({.leftAndRight = 8}), NSEdgeInsets(0, 8, 0, 8));

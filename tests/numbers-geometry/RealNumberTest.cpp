@@ -45,7 +45,7 @@ static_assert(!RealNumber<int> && !RealNumber<bool>);
 
 } // namespace
 
-TEST(RealNumber, rounds) {
+TEST(RealNumber, Rounds) {
     EXPECT_EQ(zorvan::round(-2.5), -3);
     EXPECT_EQ(zorvan::round(-2.5F), -3.0F);
     EXPECT_EQ(zorvan::round(2.45, 1), 2.5);
@@ -67,7 +67,7 @@ TEST(RealNumber, rounds) {
     EXPECT_EQ(min(std::int64_t{1}, std::int64_t{2}), 1);
 }
 
-TEST(RealNumber, comparesByPlacesAndTolerance) {
+TEST(RealNumber, ComparesByPlacesAndTolerance) {
     EXPECT_TRUE(isSimilarTo(1.005, 1.0, 2)); // 1.005 * 100 is below 100.5
     EXPECT_FALSE(isSimilarTo(14.0, 16.0, -1));
     EXPECT_TRUE(isSimilarTo(14.0, 11.0, -1));
@@ -83,7 +83,7 @@ TEST(RealNumber, comparesByPlacesAndTolerance) {
     EXPECT_FALSE(overlap(NAN, NAN, INFINITY));
 }
 
-TEST(RealNumber, snapsAndClamps) {
+TEST(RealNumber, SnapsAndClamps) {
     for (const auto& [x, glued] : {std::pair(8.0, 8), {8.5, 10}, {12.0, 12}, {11.99, 10}})
         EXPECT_EQ(glue(x, 10, 2), glued);
     EXPECT_EQ(glue(9.99, 10, 0), 9.99);
@@ -99,7 +99,7 @@ TEST(RealNumber, snapsAndClamps) {
     EXPECT_TRUE(isInteger(-3.0));
 }
 
-TEST(RealNumber, convertsWithoutLeavingTheRange) {
+TEST(RealNumber, ConvertsWithoutLeavingTheRange) {
     const std::pair<double, std::int64_t> table[] = {
         {-0.9, 0},           {9.3e18, largest},     {-9.3e18, smallest},
         {INFINITY, largest}, {-INFINITY, smallest}, {NAN, 0},
@@ -117,7 +117,7 @@ TEST(RealNumber, convertsWithoutLeavingTheRange) {
     EXPECT_EQ(weeks2seconds(1.0F), 604800.0F);
 }
 
-TEST(RealNumber, approximatesByFractions) {
+TEST(RealNumber, ApproximatesByFractions) {
     struct {
         double x, threshold;
         Fraction fraction;
@@ -140,7 +140,7 @@ TEST(RealNumber, approximatesByFractions) {
     }
 }
 
-TEST(RealNumber, printsTheShortestTextThatReadsBack) {
+TEST(RealNumber, PrintsTheShortestTextThatReadsBack) {
     const std::pair<double, const char*> table[] = {
         {0.0, "0.0"},       {-0.0, "-0.0"},        {1.5, "1.5"},        {100000, "100000.0"},
         {1e16, "1e+16"},    {-1.5e-7, "-1.5e-07"}, {0.0001, "0.0001"},  {0.00001, "1e-05"},
@@ -159,7 +159,7 @@ TEST(RealNumber, printsTheShortestTextThatReadsBack) {
     }
 }
 
-TEST(RealNumber, randomValuesCoverTheirRange) {
+TEST(RealNumber, RandomValuesCoverTheirRange) {
     std::set<double> units;
     for (int i = 0; i < 5000; ++i) {
         units.insert(randomUnitValue<double>());
@@ -176,7 +176,7 @@ TEST(RealNumber, randomValuesCoverTheirRange) {
     EXPECT_EQ(*units.rbegin(), 0.99);
 }
 
-TEST(Integer, keepsToItsRange) {
+TEST(Integer, KeepsToItsRange) {
     EXPECT_EQ(zorvan::sign(0), 1);
     EXPECT_EQ(zorvan::sign(-3), -1);
     EXPECT_EQ(zorvan::abs(smallest), largest);

@@ -18,7 +18,7 @@ struct RandomRects {
 
 } // namespace
 
-TEST(CGRect, isMadeFromItsParts) {
+TEST(CGRect, IsMadeFromItsParts) {
     EXPECT_EQ(CGRect({.p1 = {5, 5}, .p2 = {1, 2}}), CGRect(1, 2, 4, 3));
     EXPECT_EQ(CGRect({.center = {5, 5}, .size = {4, 2}}), CGRect(3, 4, 4, 2));
     EXPECT_EQ(CGRect({.center = {5, 5}, .square = 4}), CGRect(3, 3, 4, 4));
@@ -28,7 +28,7 @@ TEST(CGRect, isMadeFromItsParts) {
     EXPECT_EQ(CGRect({.square = 4}), CGRect(0, 0, 4, 4));
 }
 
-TEST(CGRect, accessorsReadTheStandardisedRectangle) {
+TEST(CGRect, AccessorsReadTheStandardisedRectangle) {
     const CGRect r(10, 20, -4, -6);
     EXPECT_EQ(r.standardized(), CGRect(6, 14, 4, 6));
     EXPECT_EQ(r.center(), CGPoint(8, 17));
@@ -46,7 +46,7 @@ TEST(CGRect, accessorsReadTheStandardisedRectangle) {
     EXPECT_FALSE(std::signbit(CGRect(0, 0, -0.0, 1).width()));
 }
 
-TEST(CGRect, namesItsAnchors) {
+TEST(CGRect, NamesItsAnchors) {
     const CGRect r(0, 0, 4, 2);
     const std::pair<RectAnchor, CGPoint> table[] = {
         {RectAnchor::topLeft, {0, 2}},     {RectAnchor::topRight, {4, 2}},
@@ -60,7 +60,7 @@ TEST(CGRect, namesItsAnchors) {
     }
 }
 
-TEST(CGRect, replacesParts) {
+TEST(CGRect, ReplacesParts) {
     EXPECT_EQ(ten.with({.rw = 4}), CGRect(6, 0, 4, 10));
     EXPECT_EQ(ten.with({.th = 4}), CGRect(0, 6, 10, 4));
     EXPECT_EQ(ten.with({.cw = 4}), CGRect(3, 0, 4, 10));
@@ -89,7 +89,7 @@ TEST(CGRect, replacesParts) {
     EXPECT_EQ(-r, CGRect(-10, -10, 4, 6));
 }
 
-TEST(CGRect, shrinksFitsAndFills) {
+TEST(CGRect, ShrinksFitsAndFills) {
     EXPECT_EQ(CGRect(0, 0, 100, 100).shrunkBy({.percent = 0.2}), CGRect(10, 10, 80, 80));
     EXPECT_EQ(ten.shrunkBy({.delta = 2}), CGRect(2, 2, 6, 6));
     EXPECT_EQ(ten.shrunkBy({.dx = -1, .dy = 2}), CGRect(-1, 2, 12, 6));
@@ -108,7 +108,7 @@ TEST(CGRect, shrinksFitsAndFills) {
     EXPECT_EQ(ten.scaledBy({2, 3}), CGRect(0, 0, 20, 30));
 }
 
-TEST(CGRect, mutatingFormsDoWhatTheCopyingOnesReturn) {
+TEST(CGRect, MutatingFormsDoWhatTheCopyingOnesReturn) {
     CGRect r(1, 2, 4, 2);
     r.moveBy({1, 1});
     r.shrinkBy({.delta = 0.5});
@@ -134,7 +134,7 @@ TEST(CGRect, mutatingFormsDoWhatTheCopyingOnesReturn) {
     }
 }
 
-TEST(CGRect, draggedHandleEndsUnderThePoint) {
+TEST(CGRect, DraggedHandleEndsUnderThePoint) {
     CGRect crossed = ten; // so the handle is mirrored
     EXPECT_EQ(crossed.move(RectAnchor::bottomLeft, {2, 15}), RectAnchor::topLeft);
     EXPECT_EQ(crossed, CGRect(2, 10, 8, 5));
@@ -159,7 +159,7 @@ TEST(CGRect, draggedHandleEndsUnderThePoint) {
     }
 }
 
-TEST(CGRect, setAlgebraHolds) {
+TEST(CGRect, SetAlgebraHolds) {
     RandomRects source;
     for (int i = 0; i < 20000; ++i) {
         const CGRect a = source.rect(), b = source.rect();
@@ -181,7 +181,7 @@ TEST(CGRect, setAlgebraHolds) {
     EXPECT_TRUE(CGRect::null.insetBy(-5, -5).isNull());
 }
 
-TEST(CGRect, comparesAndHashesByEdges) {
+TEST(CGRect, ComparesAndHashesByEdges) {
     EXPECT_TRUE(ten.isSimilarTo(CGRect(0.001, 0, 10, 10), 2));
     EXPECT_FALSE(ten.isSimilarTo(CGRect(0, 0, 10, 10.1), 2));
     EXPECT_FALSE(ten.overlap(CGRect(10, 10, -10, -10), 1)); // stored values, not edges
@@ -190,7 +190,7 @@ TEST(CGRect, comparesAndHashesByEdges) {
     EXPECT_EQ(std::hash<CGRect>{}(ten), std::hash<CGRect>{}(CGRect(10, 10, -10, -10)));
 }
 
-TEST(RectAnchor, classifiesAndMirrors) {
+TEST(RectAnchor, ClassifiesAndMirrors) {
     for (const RectAnchor anchor : RectAnchor::allValues) {
         EXPECT_EQ(anchor.isCorner() + anchor.isMiddle() + anchor.isCenter(), 1);
         EXPECT_EQ(RectAnchor::make({.rawValue = anchor.rawValue()}), anchor);
@@ -206,7 +206,7 @@ TEST(RectAnchor, classifiesAndMirrors) {
     EXPECT_EQ(RectAnchor::bottomCenter.rawValue(), 7);
 }
 
-TEST(RectCorners, isASet) {
+TEST(RectCorners, IsASet) {
     const RectCorners top({RectCorners::topLeft, RectCorners::topRight});
     EXPECT_EQ(top.rawValue(), 5);
     EXPECT_EQ(top.flipped(), RectCorners::bottomLeft | RectCorners::bottomRight);

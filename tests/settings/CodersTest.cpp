@@ -12,6 +12,8 @@
 #include <zorvan/settings/TimeCoders.h>
 #include <zorvan/settings/URLCoders.h>
 
+#include <tests/bytesOf.h>
+
 #include <limits>
 #include <stdexcept>
 
@@ -82,7 +84,7 @@ protected:
 
 } // namespace
 
-TEST_F(Coders, keepNumbers) {
+TEST_F(Coders, KeepNumbers) {
     keeps<BoolUDC>(false, false);
     keeps<BoolUDC>(true, true);
     for (const std::int64_t value : {std::int64_t{0}, std::numeric_limits<std::int64_t>::min(),
@@ -107,7 +109,7 @@ TEST_F(Coders, keepNumbers) {
     reads<CGFloatUDC>({}, {});
 }
 
-TEST_F(Coders, keepGeometry) {
+TEST_F(Coders, KeepGeometry) {
     keeps<CGPointUDC>(CGPoint(1.5, -2), Dictionary{{"x", 1.5}, {"y", -2.0}});
     keeps<CGSizeUDC>(CGSize(3, 4), Dictionary{{"width", 3.0}, {"height", 4.0}});
     keeps<CGRectUDC>(CGRect(10, 20, 30, 40),
@@ -124,7 +126,7 @@ TEST_F(Coders, keepGeometry) {
     reads<CGRectUDC>({}, {});
 }
 
-TEST_F(Coders, keepObjects) {
+TEST_F(Coders, KeepObjects) {
     const Date date{Date::duration(1'234'567'890'123'456'789)}; // to the last digit
     const Data data{std::byte{0}, std::byte{255}};
     keeps<DateUDC>(date, date);
@@ -151,7 +153,7 @@ TEST_F(Coders, keepObjects) {
     reads<NSObjectUDC>({}, {});
 }
 
-TEST_F(Coders, keepURLs) {
+TEST_F(Coders, KeepURLs) {
     const URL file({.fileURLWithPath = "/a b/\xFF"});
     const URL web = *URL::make({.string = "https://example.com/?q=1#f"});
     keeps<URLUDC>(file, "file:///a%20b/%FF");
@@ -169,7 +171,7 @@ TEST_F(Coders, keepURLs) {
     reads<URLArrayUDC>(Array{1}, {});
 }
 
-TEST_F(Coders, keepVersionsAndTimes) {
+TEST_F(Coders, KeepVersionsAndTimes) {
     keeps<BundleVersionUDC>(BundleVersion(2, 1, 0), "2.1.0");
     reads<BundleVersionUDC>("2.1", BundleVersion(2, 1, 0));
     reads<BundleVersionUDC>("nonsense", BundleVersion::zero);
@@ -195,7 +197,7 @@ TEST_F(Coders, keepVersionsAndTimes) {
         reads<CMTimeRangeUDC>(wrong, {});
 }
 
-TEST_F(Coders, keepEnumerations) {
+TEST_F(Coders, KeepEnumerations) {
     keeps<EnumStringUDC<Letter>>(Letter::b, "b");
     reads<EnumStringUDC<Letter>>("c", {});
     reads<EnumStringUDC<Letter>>({}, {});
@@ -229,7 +231,7 @@ TEST_F(Coders, keepEnumerations) {
     reads<StringIdentifierUDC<Identifier>>(Array(), {});
 }
 
-TEST_F(Coders, keepJSON) {
+TEST_F(Coders, KeepJSON) {
     const Window window{
         .title = "é\"", .width = 0.1, .tag = {}, .letters = {Letter::b}, .marks = {{"m", true}}};
     const std::string text = R"({"letters":["b"],"marks":{"m":true},"title":"é\"","width":0.1})";
@@ -263,14 +265,9 @@ struct Room {
         JSONField("owner", &Room::owner).orAsInitialized());
 };
 
-Data bytesOf(std::string_view text) {
-    const auto bytes = std::as_bytes(std::span(text));
-    return Data(bytes.begin(), bytes.end());
-}
-
 } // namespace
 
-TEST_F(Coders, readRecordsOfVersionsBeforeTheirFields) {
+TEST_F(Coders, ReadRecordsOfVersionsBeforeTheirFields) {
     using Rooms = std::vector<Room>;
     reads<JSONCodableUDC<Rooms>>(bytesOf(R"([{"name":"a"},{"name":"b","seats":2}])"),
                                  Rooms{{"a"}, {"b", 2}});
@@ -279,7 +276,7 @@ TEST_F(Coders, readRecordsOfVersionsBeforeTheirFields) {
         reads<JSONCodableUDC<Rooms>>(bytesOf(text), {});
 }
 
-TEST_F(Coders, setAsideWhatTheyCannotReadBeforeTheyWrite) {
+TEST_F(Coders, SetAsideWhatTheyCannotReadBeforeTheyWrite) {
     const EvaluedUserDefaultsKey<JSONCodableUDC<Room>> key({.name = "k", .value = Room()});
     EXPECT_FALSE(store().hasUnreadableValue(key));
     const PropertyList first = bytesOf("[1]"), second = "a text";
@@ -303,7 +300,7 @@ static_assert(!JSONCodable<std::vector<Uncoded>>);
 static_assert(!JSONCodable<std::optional<Uncoded>>);
 static_assert(!JSONCodable<std::map<std::string, Uncoded>>);
 
-TEST_F(Coders, countUpAndDown) {
+TEST_F(Coders, CountUpAndDown) {
     const JSONCodableUDC<int> json;
     json.increment(2, store(), "json");
     EXPECT_FALSE(store().hasObjectForKey("json"));

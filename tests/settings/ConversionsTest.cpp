@@ -17,7 +17,7 @@ class Conversions : public Store {};
 } // namespace
 
 // The table of the guide page, whole: each kind through each getter.
-TEST_F(Conversions, ofEveryKind) {
+TEST_F(Conversions, OfEveryKind) {
     const Date date{std::chrono::seconds(5)};
     const Data data{std::byte{0x31}};
     const std::string zeros(400, '0');
@@ -108,7 +108,7 @@ TEST_F(Conversions, ofEveryKind) {
     EXPECT_TRUE(std::isnan(store().doubleForKey("k")));
 }
 
-TEST_F(Conversions, ofURLs) {
+TEST_F(Conversions, OfURLs) {
     ::setenv("HOME", "/home/me", 1);
     struct {
         PropertyList stored;

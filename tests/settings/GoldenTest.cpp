@@ -13,7 +13,7 @@ INSTANTIATE_TEST_SUITE_P(Each, GoldenDatabase, testing::Range(1, Golden::count +
 
 } // namespace
 
-TEST_P(GoldenDatabase, isRead) {
+TEST_P(GoldenDatabase, IsRead) {
     store_.reset();
     std::filesystem::copy_file(GOLDEN "/golden-" + std::to_string(GetParam()) + ".settings",
                                folder_.path() / "zorvan/suite.settings",

@@ -37,7 +37,7 @@ std::string refusal(std::string_view text) {
 
 } // namespace
 
-TEST(JSONCoding, keepsWhatItKnows) {
+TEST(JSONCoding, KeepsWhatItKnows) {
     keeps(true, "true");
     keeps(-5, "-5");
     keeps(std::uint8_t{255}, "255");
@@ -58,7 +58,7 @@ TEST(JSONCoding, keepsWhatItKnows) {
     keeps(Level(6), "6");
 }
 
-TEST(JSONCoding, refusesOtherTypes) {
+TEST(JSONCoding, RefusesOtherTypes) {
     struct {
         std::string expected, actual;
     } table[] = {
@@ -89,7 +89,7 @@ TEST(JSONCoding, refusesOtherTypes) {
         EXPECT_EQ(row.actual, row.expected);
 }
 
-TEST(JSON, refusesWhatItCannotReadOrWrite) {
+TEST(JSON, RefusesWhatItCannotReadOrWrite) {
     for (const char* text : {"", "[", "[1,]", "{\"a\"}", "\"\xFF\"", "nul", "1 2", "{} x"})
         EXPECT_THROW(parsed(text), JSONError) << text;
     EXPECT_THROW(parsed("1e999"), JSONError);

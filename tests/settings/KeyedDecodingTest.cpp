@@ -116,12 +116,12 @@ void decodesImplicitly(const Container& container) {
 
 } // namespace
 
-TEST(KeyedDecoding, ofJSON) {
+TEST(KeyedDecoding, OfJSON) {
     decodesDictionaries(json());
     decodesImplicitly(json());
 }
 
-TEST(KeyedDecoding, ofArchives) {
+TEST(KeyedDecoding, OfArchives) {
     decodesDictionaries(archive());
     decodesImplicitly(archive());
     const std::int64_t number = implicitDecode(archive(), "number"); // of a temporary
@@ -130,7 +130,7 @@ TEST(KeyedDecoding, ofArchives) {
     EXPECT_EQ(std::string(pending), "t"); // which it keeps
 }
 
-TEST(KeyedDecoding, ofKeysThatAreAnEnumClass) {
+TEST(KeyedDecoding, OfKeysThatAreAnEnumClass) {
     using Letters = std::unordered_map<Letter, std::int64_t>;
     const Letters expected{{Letter::a, 1}, {Letter::b, 2}};
     NSKeyedArchiver archiver;
@@ -143,7 +143,7 @@ TEST(KeyedDecoding, ofKeysThatAreAnEnumClass) {
     EXPECT_EQ((decodeRawKeyedDict<Letter, Letter>(letters, "values")).at(Letter::a), Letter::b);
 }
 
-TEST(KeyedDecoding, dropsWhateverTheFirstAttemptThrows) {
+TEST(KeyedDecoding, DropsWhateverTheFirstAttemptThrows) {
     NSKeyedArchiver archiver;
     archiver.encode(std::map<std::string, Picky>{{"a", {-1}}}, "texts");
     const NSKeyedUnarchiver picky(archiver.encodedData());

@@ -43,7 +43,7 @@ protected:
 
 } // namespace
 
-TEST_F(LaunchTracking, tellsFirstSecondAndUpdatedLaunch) {
+TEST_F(LaunchTracking, TellsFirstSecondAndUpdatedLaunch) {
     install("1.0");
     EXPECT_EQ(launch(), "VersionNumber=1.0.0\nLaunchesCount=1\nFirstLaunchDate=now\n"
                         "VersionDidUpdate=1\nUpdateLaunchDate=now\n1.0.0 1 1 1 1\n");
@@ -60,7 +60,7 @@ TEST_F(LaunchTracking, tellsFirstSecondAndUpdatedLaunch) {
                         "VersionDidUpdate=1\nUpdateLaunchDate=now\n1.0.0 1 1 1 1\n");
 }
 
-TEST_F(LaunchTracking, managesWithoutAVersion) {
+TEST_F(LaunchTracking, ManagesWithoutAVersion) {
     install("");
     EXPECT_EQ(launch(), "VersionNumber=0.0.0\nLaunchesCount=1\nFirstLaunchDate=now\n"
                         "VersionDidUpdate=0\n0.0.0 0 1 1 0\n");
@@ -70,7 +70,7 @@ TEST_F(LaunchTracking, managesWithoutAVersion) {
 
 // An object that is older than the store uses it after the main function, what it writes is kept,
 // and the database is closed before.
-TEST_F(LaunchTracking, leavesSettingsUsableUntilTheEnd) {
+TEST_F(LaunchTracking, LeavesSettingsUsableUntilTheEnd) {
     install("1.0");
     EXPECT_TRUE(launch("late").ends_with("1.0.0 1 1 1 1\nlate 2\n"));
     EXPECT_TRUE(launch("late").ends_with("late 2\n"));
@@ -80,7 +80,7 @@ TEST_F(LaunchTracking, leavesSettingsUsableUntilTheEnd) {
 }
 
 // As by a package manager, while the program runs and before it asks for bundle and settings.
-TEST_F(LaunchTracking, isThatOfTheProgramWhoseFileWasReplaced) {
+TEST_F(LaunchTracking, IsThatOfTheProgramWhoseFileWasReplaced) {
     install("1.0");
     launch();
     EXPECT_EQ(launch("updated"),
@@ -98,7 +98,7 @@ TEST_F(LaunchTracking, isThatOfTheProgramWhoseFileWasReplaced) {
 }
 
 // What is stored comes from anywhere: other versions, other programs, people.
-TEST_F(LaunchTracking, readsWhatIsStoredLeniently) {
+TEST_F(LaunchTracking, ReadsWhatIsStoredLeniently) {
     install("2.0");
     EXPECT_EQ(launch("VersionNumber 1.x LaunchesCount 41"),
               "VersionNumber=2.0.0\nLaunchesCount=42\nVersionDidUpdate=1\nUpdateLaunchDate=now\n"

@@ -14,7 +14,7 @@ std::span<const std::byte> bytes(std::string_view text) { return std::as_bytes(s
 
 } // namespace
 
-TEST_F(Defaults, keepDomainsApart) {
+TEST_F(Defaults, KeepDomainsApart) {
     const auto other = NSUserDefaults::create({.suiteName = "other"});
     store().setInteger(1, "k");
     other->setInteger(2, "k");
@@ -27,7 +27,7 @@ TEST_F(Defaults, keepDomainsApart) {
     EXPECT_EQ(told(), std::vector<std::string>());
 }
 
-TEST_F(Defaults, replaceADomain) {
+TEST_F(Defaults, ReplaceADomain) {
     store().setInteger(1, "old");
     store().setInteger(1, "both");
     store().setPersistentDomain({{"both", 2}, {"new", 3}}, "suite");
@@ -35,7 +35,7 @@ TEST_F(Defaults, replaceADomain) {
               (PropertyList::Dictionary{{"both", 2}, {"new", 3}}));
 }
 
-TEST_F(Defaults, fallBackToWhatIsRegistered) {
+TEST_F(Defaults, FallBackToWhatIsRegistered) {
     store().registerDefaults({{"a", 1}, {"b", 1}});
     store().registerDefaults({{"b", 2}});
     store().setInteger(9, "a");
@@ -49,7 +49,7 @@ TEST_F(Defaults, fallBackToWhatIsRegistered) {
 }
 
 // The program that runs these tests has no bundle.
-TEST_F(Defaults, clearNothingWithoutAnIdentifier) {
+TEST_F(Defaults, ClearNothingWithoutAnIdentifier) {
     const auto own = NSUserDefaults::create();
     EXPECT_EQ(own->domainName(), "settings-test");
     own->setInteger(1, "k");
@@ -57,7 +57,7 @@ TEST_F(Defaults, clearNothingWithoutAnIdentifier) {
     EXPECT_EQ(own->integerForKey("k"), 1);
 }
 
-TEST_F(Defaults, travelAsXML) {
+TEST_F(Defaults, TravelAsXML) {
     const PropertyList::Dictionary values{
         {"text", "a<b"},
         {"truth", true},
@@ -89,7 +89,7 @@ TEST_F(Defaults, travelAsXML) {
     EXPECT_FALSE(store().exportedXML());
 }
 
-TEST_F(Defaults, areSafeFromSeveralThreads) {
+TEST_F(Defaults, AreSafeFromSeveralThreads) {
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([this, t] {

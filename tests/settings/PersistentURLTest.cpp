@@ -31,7 +31,7 @@ protected:
 
 } // namespace
 
-TEST_F(PersistentURL, findsTheFileWhereItWent) {
+TEST_F(PersistentURL, FindsTheFileWhereItWent) {
     store()[key_] = home_.url("a/photo.jpg");
     reopen();
     Data before = bookmark();
@@ -58,14 +58,14 @@ TEST_F(PersistentURL, findsTheFileWhereItWent) {
     EXPECT_EQ(told(), std::vector<std::string>()); // without a notification
 }
 
-TEST_F(PersistentURL, prefersTheFileToItsName) {
+TEST_F(PersistentURL, PrefersTheFileToItsName) {
     store()[key_] = home_.url("a/photo.jpg");
     fs::rename(path("a/photo.jpg"), path("a/old.jpg"));
     home_.file("a/photo.jpg", "another");
     EXPECT_EQ(read(), "a/old.jpg");
 }
 
-TEST_F(PersistentURL, followsASaveThatReplacesTheFile) {
+TEST_F(PersistentURL, FollowsASaveThatReplacesTheFile) {
     store()[key_] = home_.url("a/photo.jpg");
     const Data before = bookmark();
     home_.file("a/new", "edited");
@@ -74,7 +74,7 @@ TEST_F(PersistentURL, followsASaveThatReplacesTheFile) {
     EXPECT_NE(bookmark(), before);
 }
 
-TEST_F(PersistentURL, saysWhatItCannotFind) {
+TEST_F(PersistentURL, SaysWhatItCannotFind) {
     store()[key_] = home_.url("a/photo.jpg");
     const Data before = bookmark();
     fs::remove(path("a/photo.jpg"));
@@ -90,7 +90,7 @@ TEST_F(PersistentURL, saysWhatItCannotFind) {
     EXPECT_EQ(read(), std::nullopt);
 }
 
-TEST_F(PersistentURL, keepsTheOldBookmarkWhenThereCanBeNoNewOne) {
+TEST_F(PersistentURL, KeepsTheOldBookmarkWhenThereCanBeNoNewOne) {
     store()[key_] = home_.url("a/photo.jpg");
     const Data before = bookmark();
     store()[key_] = home_.url("a/not there");
@@ -101,7 +101,7 @@ TEST_F(PersistentURL, keepsTheOldBookmarkWhenThereCanBeNoNewOne) {
     EXPECT_FALSE(store().hasObjectForKey("Photo"));
 }
 
-TEST_F(PersistentURL, findsFoldersAndLinksAndOddNames) {
+TEST_F(PersistentURL, FindsFoldersAndLinksAndOddNames) {
     home_.folder("folder");
     home_.link("link", "nowhere");
     home_.file("\xFF\n", "x");
@@ -121,7 +121,7 @@ TEST_F(PersistentURL, findsFoldersAndLinksAndOddNames) {
 }
 
 // A derived class keeps its own ways within a key.
-TEST_F(PersistentURL, canBeDerivedFrom) {
+TEST_F(PersistentURL, CanBeDerivedFrom) {
     struct Loud : PersistentURLUDC {
         std::optional<URL> decode(NSUserDefaults&, std::string_view) const override {
             return URL::root();
@@ -132,7 +132,7 @@ TEST_F(PersistentURL, canBeDerivedFrom) {
     EXPECT_EQ(store()[key].value(), URL::root());
 }
 
-TEST(BookmarkRecord, refusesWhatIsNone) {
+TEST(BookmarkRecord, RefusesWhatIsNone) {
     internal::BookmarkRecord record;
     record.identity = {1, 2, 3};
     record.handle.type = 4;

@@ -36,7 +36,7 @@ protected:
 
 } // namespace
 
-TEST_F(Travelling, modifiesInOneStep) {
+TEST_F(Travelling, ModifiesInOneStep) {
     EXPECT_TRUE(store().modify(count, [](std::int64_t& value) { value *= 2; }));
     EXPECT_TRUE(store().modify(title, [](auto& text) { text = "t"; }));
     EXPECT_THAT(told(), ElementsAre("count", "title"));
@@ -68,7 +68,7 @@ TEST_F(Travelling, modifiesInOneStep) {
     EXPECT_THAT(store().value(files), ElementsAre("f"));
 }
 
-TEST_F(Travelling, isFollowedOnTheMainQueue) {
+TEST_F(Travelling, IsFollowedOnTheMainQueue) {
     auto observation = store().follow([&](const Texts& keys) {
         for (const std::string& key : keys)
             heard_.push_back(key);
@@ -93,7 +93,7 @@ TEST_F(Travelling, isFollowedOnTheMainQueue) {
     EXPECT_THAT(heard(0), IsEmpty());
 }
 
-TEST_F(Travelling, isObservedWithItsTypes) {
+TEST_F(Travelling, IsObservedWithItsTypes) {
     store().registerDefaults({{"title", "registered"}});
     std::shared_ptr<SettingsObservation> counting, naming;
     {
@@ -121,7 +121,7 @@ TEST_F(Travelling, isObservedWithItsTypes) {
     EXPECT_THAT(heard(1), ElementsAre("t registered"));
 }
 
-TEST_F(Travelling, isShownByTheExample) {
+TEST_F(Travelling, IsShownByTheExample) {
     const Process::Environment environment{{"XDG_CONFIG_HOME", folder_.path().string()}};
     Process shows({FOLLOW}, environment);
     EXPECT_EQ(shows.hear(), "volume: 50");

@@ -20,7 +20,7 @@ using Names = std::vector<std::string>;
 
 } // namespace
 
-TEST_F(Keys, readTheDefaultAndTellOfEachWrite) {
+TEST_F(Keys, ReadTheDefaultAndTellOfEachWrite) {
     EXPECT_EQ(store()[count].value(), 5);
     EXPECT_EQ(told(), Names());
     store()[count] = 7;
@@ -35,7 +35,7 @@ TEST_F(Keys, readTheDefaultAndTellOfEachWrite) {
     EXPECT_EQ(store()[count].value(), 7);
 }
 
-TEST_F(Keys, removeWhatIsSetToAbsent) {
+TEST_F(Keys, RemoveWhatIsSetToAbsent) {
     EXPECT_EQ(store()[title].value(), std::nullopt);
     EXPECT_EQ(store()[name].value(), "nobody");
     store()[title] = "x";
@@ -48,7 +48,7 @@ TEST_F(Keys, removeWhatIsSetToAbsent) {
     EXPECT_EQ(told(), (Names{"Title", "Name", "Title", "Name"}));
 }
 
-TEST_F(Keys, changeInPlaceWithOneWrite) {
+TEST_F(Keys, ChangeInPlaceWithOneWrite) {
     store()[count] += 3;
     store()[count] -= 1;
     EXPECT_EQ(store()[count].value(), 7);
@@ -57,7 +57,7 @@ TEST_F(Keys, changeInPlaceWithOneWrite) {
     EXPECT_EQ(told().size(), 3u);
 }
 
-TEST_F(Keys, areSetOnlyWhenNothingIsThere) {
+TEST_F(Keys, AreSetOnlyWhenNothingIsThere) {
     int evaluated = 0;
     const auto expression = [&] { return std::int64_t{++evaluated}; };
     store().setObject("of another type", "Count");
@@ -89,7 +89,7 @@ TEST_F(Keys, areSetOnlyWhenNothingIsThere) {
     EXPECT_EQ(told(), (Names{"Title", "Title"}));
 }
 
-TEST_F(Keys, tellAfterTheWrite) {
+TEST_F(Keys, TellAfterTheWrite) {
     std::int64_t seen = 0;
     const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
         NSUserDefaults::didSetKeyNotification(), store_, {}, [&](const Notification&) {
@@ -102,7 +102,7 @@ TEST_F(Keys, tellAfterTheWrite) {
     NSNotificationCenter::defaultCenter()->removeObserver(observer);
 }
 
-TEST_F(Keys, areFoundInNotifications) {
+TEST_F(Keys, AreFoundInNotifications) {
     const EvaluedUserDefaultsKey<IntUDC> other({.name = "count", .value = 0});
     const auto note = [](std::optional<Notification::UserInfo> info) {
         return Notification(NSUserDefaults::didSetKeyNotification(), {}, std::move(info));
@@ -128,7 +128,7 @@ TEST_F(Keys, areFoundInNotifications) {
 }
 
 // A value that the coder cannot encode is told of all the same.
-TEST_F(Keys, tellWhateverTheCoderDid) {
+TEST_F(Keys, TellWhateverTheCoderDid) {
     struct Nothing {
         using CodableType = int;
         std::optional<int> decode(NSUserDefaults&, std::string_view) const { return std::nullopt; }

@@ -2,6 +2,9 @@
 
 #include <zorvan/settings/UserKeychain.h>
 
+#include <tests/bytesOf.h>
+#include <tests/files/TemporaryFolder.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -25,20 +28,10 @@ using Access = UserKeychain::Access;
 class KeychainTest : public testing::Test {
 protected:
     KeychainTest() {
-        std::string pattern = (fs::temp_directory_path() / "zorvan-keychain-XXXXXX").string();
-        if (!::mkdtemp(pattern.data()))
-            throw std::runtime_error("mkdtemp");
-        root = pattern;
         ::setenv("XDG_DATA_HOME", root.c_str(), 1);
         ::setenv("XDG_RUNTIME_DIR", root.c_str(), 1);
         ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
         keychain = UserKeychain::create({.serviceName = "test"});
-    }
-    ~KeychainTest() override { fs::remove_all(root); }
-
-    static Data bytes(std::string_view text) {
-        const auto raw = std::as_bytes(std::span(text));
-        return Data(raw.begin(), raw.end());
     }
 
     /// The attributes of every item there is.
@@ -53,7 +46,8 @@ protected:
         return result;
     }
 
-    fs::path root;
+    const TemporaryFolder folder;
+    const fs::path root = folder.path();
     std::shared_ptr<UserKeychain> keychain;
     const UserKeychain::Key key{"key"};
 };
@@ -112,7 +106,7 @@ TEST_F(KeychainTest, AccessesHaveTheirConstants) {
 TEST_F(KeychainTest, KeepsEveryKindOfValue) {
     EXPECT_TRUE(keychain->set("größer", key));
     EXPECT_EQ(keychain->string(key), "größer");
-    EXPECT_EQ(keychain->data(key), bytes("größer"));
+    EXPECT_EQ(keychain->data(key), bytesOf("größer"));
     EXPECT_EQ(keychain->integer(key), std::nullopt);
     EXPECT_TRUE(keychain->set(Data{std::byte{0xFF}}, key));
     EXPECT_EQ(keychain->string(key), std::nullopt); // no text
@@ -173,7 +167,7 @@ TEST_F(KeychainTest, ItemsHaveTheAttributesOfTheirKey) {
     EXPECT_EQ(item.at(kSecAttrService), "s");
     EXPECT_EQ(item.at(kSecAttrAccessGroup), "g");
     EXPECT_EQ(item.at(kSecAttrLabel), "key");
-    EXPECT_EQ(item.at(kSecAttrGeneric), bytes("key"));
+    EXPECT_EQ(item.at(kSecAttrGeneric), bytesOf("key"));
     EXPECT_EQ(item.at(kSecAttrAccount), "key");
     EXPECT_EQ(item.at(kSecAttrAccessible), kSecAttrAccessibleAfterFirstUnlock);
     EXPECT_EQ(item.at(kSecAttrSynchronizable), false);
@@ -251,7 +245,7 @@ TEST_F(KeychainTest, AReferenceNamesTheItem) {
     ASSERT_TRUE(reference);
     const SecItemResult found =
         SecItemCopyMatching({{kSecValuePersistentRef, *reference}, {kSecReturnData, true}});
-    EXPECT_EQ(found.value, PropertyList(bytes("v")));
+    EXPECT_EQ(found.value, PropertyList(bytesOf("v")));
 }
 
 TEST_F(KeychainTest, WritersOfOneKeyAllSucceed) {

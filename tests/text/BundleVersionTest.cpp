@@ -4,7 +4,7 @@
 
 static_assert(BundleVersion(1, 10, 0) > BundleVersion(1, 9, 9));
 
-TEST(BundleVersion, parsesAnything) {
+TEST(BundleVersion, ParsesAnything) {
     // Only ASCII digits count, and one sign. A line break and U+200B are no space to trim.
     const struct {
         std::string_view text;
@@ -31,7 +31,7 @@ TEST(BundleVersion, parsesAnything) {
     EXPECT_EQ(BundleVersion(1, -2, 0).description(), "1.-2.0");
 }
 
-TEST(BundleVersion, isAnOrderedValue) {
+TEST(BundleVersion, IsAnOrderedValue) {
     const BundleVersion ladder[] = {{-1, 5, 5},          {0, -1, 0},           {0, 0, -1},
                                     BundleVersion::zero, BundleVersion::first, {1, 9, 9},
                                     {1, 10, 0},          {1, 99, 99},          {2, 0, 0}};

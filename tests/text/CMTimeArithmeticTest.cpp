@@ -13,7 +13,7 @@ struct Sum {
 
 } // namespace
 
-TEST(CMTimeArithmetic, addsInTheLeastCommonTimescale) {
+TEST(CMTimeArithmetic, AddsInTheLeastCommonTimescale) {
     // An operand that was rounded marks the result; so does a least common multiple that is no
     // timescale. It is halved while the value overflows; halves are rounded away from zero.
     const Sum table[] = {
@@ -33,7 +33,7 @@ TEST(CMTimeArithmetic, addsInTheLeastCommonTimescale) {
     }
 }
 
-TEST(CMTimeArithmetic, addsMarksAndEpochs) {
+TEST(CMTimeArithmetic, AddsMarksAndEpochs) {
     const CMTime one = t(1);
     const Sum table[] = {
         {invalid, plus, invalid, invalid}, {one, invalid, invalid, invalid},
@@ -54,7 +54,7 @@ TEST(CMTimeArithmetic, addsMarksAndEpochs) {
     EXPECT_FALSE((inEpoch(5) + inEpoch(6)).isValid());
 }
 
-TEST(CMTimeArithmetic, ordersEveryKind) {
+TEST(CMTimeArithmetic, OrdersEveryKind) {
     // Each one is below the next.
     const CMTime far = t(largest, top), nearlyFar = t(largest - 1, top), tiny = t(-1, top);
     const CMTime ladder[] = {minus,         t(smallest), tiny,       t(0),
@@ -73,7 +73,7 @@ TEST(CMTimeArithmetic, ordersEveryKind) {
                 {CMTimeMaximum(t(1, 2), unknown), unknown}});
 }
 
-TEST(CMTimeArithmetic, convertsByEveryMethod) {
+TEST(CMTimeArithmetic, ConvertsByEveryMethod) {
     // The values by half, toward zero, away from it, never to it, up and down: the methods' order.
     struct {
         std::int64_t value;
@@ -105,7 +105,7 @@ TEST(CMTimeArithmetic, convertsByEveryMethod) {
     EXPECT_EQ(CMTimeConvertScale(inEpoch(3), 4, usual).epoch, 3);
 }
 
-TEST(CMTimeArithmetic, multipliesByIntegers) {
+TEST(CMTimeArithmetic, MultipliesByIntegers) {
     const TimePairs numbers = {
         {t(3, 600) * 200, t(600, 600)},
         {-2 * t(3, 600), t(-6, 600)},
@@ -122,7 +122,7 @@ TEST(CMTimeArithmetic, multipliesByIntegers) {
     expectSame(marks);
 }
 
-TEST(CMTimeArithmetic, multipliesByRatios) {
+TEST(CMTimeArithmetic, MultipliesByRatios) {
     // A time keeps its timescale where it can. At 1500000000 only the lowest terms have one; where
     // none holds the result, it is the nearest time of all.
     const auto ratio = CMTimeMultiplyByRatio;
@@ -146,7 +146,7 @@ TEST(CMTimeArithmetic, multipliesByRatios) {
     expectSame({{t(10) / 4, t(5, 2)}, {t(3, 2).middle(), t(3, 4)}});
 }
 
-TEST(CMTimeArithmetic, multipliesByReals) {
+TEST(CMTimeArithmetic, MultipliesByReals) {
     // A decimal factor counts as the fraction that was meant.
     constexpr std::int64_t large = std::int64_t{1} << 62;
     const TimePairs numbers = {
@@ -168,7 +168,7 @@ TEST(CMTimeArithmetic, multipliesByReals) {
 }
 
 // What no round timescale holds comes at one of the operand's, so that sums stay exact.
-TEST(CMTimeArithmetic, multipliesByRealsAtARelatedTimescale) {
+TEST(CMTimeArithmetic, MultipliesByRealsAtARelatedTimescale) {
     expectSame({{t(600, 600) * M_PI, rounded(965097, 307200)},
                 {t(-900, 90000) * M_PI, rounded(-723823, 23040000)}, // to a millionth
                 {rounded(90000, 90000) * 0.1234567, rounded(355555, 2880000)},
@@ -185,7 +185,7 @@ TEST(CMTimeArithmetic, multipliesByRealsAtARelatedTimescale) {
     EXPECT_NEAR((t(1, 1000000) * 0.123456789).seconds(), 1.23456789e-7, 1.2e-16);
 }
 
-TEST(CMTimeArithmetic, takesSignsAwayDividesAndAssigns) {
+TEST(CMTimeArithmetic, TakesSignsAwayDividesAndAssigns) {
     expectSame({{CMTimeAbsoluteValue(rounded(-3, 2)), rounded(3, 2)},
                 {CMTimeAbsoluteValue(t(smallest, 2)), t(std::int64_t{1} << 62)},
                 {CMTimeAbsoluteValue(minus), plus},

@@ -29,7 +29,7 @@ struct AnyTime : std::mt19937_64 {
 
 } // namespace
 
-TEST(CMTimeProperty, orderIsTotal) {
+TEST(CMTimeProperty, OrderIsTotal) {
     AnyTime random(1);
     for (int i = 0; i < 200000; ++i) {
         const CMTime a = random.any(), b = random.any(), c = random.any();
@@ -40,7 +40,7 @@ TEST(CMTimeProperty, orderIsTotal) {
     }
 }
 
-TEST(CMTimeProperty, sumsAreUndoneOrOffByHalfAUnit) {
+TEST(CMTimeProperty, SumsAreUndoneOrOffByHalfAUnit) {
     AnyTime random(2);
     int exact = 0;
     for (int i = 0; i < 200000; ++i) {
@@ -61,7 +61,7 @@ TEST(CMTimeProperty, sumsAreUndoneOrOffByHalfAUnit) {
     EXPECT_GT(exact, 100000);
 }
 
-TEST(CMTimeProperty, productsAreExactOrMarked) {
+TEST(CMTimeProperty, ProductsAreExactOrMarked) {
     AnyTime random(4);
     int exact = 0;
     // The nearest time is never further away than half the finest unit; a product with a real than
@@ -92,7 +92,7 @@ TEST(CMTimeProperty, productsAreExactOrMarked) {
     EXPECT_GT(exact, 50000);
 }
 
-TEST(CMTimeProperty, fractionsAreTheNearest) {
+TEST(CMTimeProperty, FractionsAreTheNearest) {
     AnyTime random(5);
     for (int i = 0; i < 20000; ++i) {
         const std::int64_t top = random.below(4000), bottom = random.below(999) + 1;
@@ -114,7 +114,7 @@ TEST(CMTimeProperty, fractionsAreTheNearest) {
     }
 }
 
-TEST(CMTimeProperty, splitYieldsTheMiddles) {
+TEST(CMTimeProperty, SplitYieldsTheMiddles) {
     AnyTime random(6);
     for (int i = 0; i < 2000; ++i) {
         const CMTime time = t(random.number(40), 600);
@@ -126,7 +126,7 @@ TEST(CMTimeProperty, splitYieldsTheMiddles) {
     }
 }
 
-TEST(CMTimeProperty, rangesBehaveLikeSetsOfTimes) {
+TEST(CMTimeProperty, RangesBehaveLikeSetsOfTimes) {
     AnyTime random(7);
     const auto some = [&] { return t(random.below(40), 1 + random.below(3)); };
     for (int i = 0; i < 100000; ++i) {

@@ -12,7 +12,7 @@ const CMTimeRange endless({.start = t(5), .duration = plus});
 
 } // namespace
 
-TEST(CMTimeRange, isMadeAndChanged) {
+TEST(CMTimeRange, IsMadeAndChanged) {
     EXPECT_EQ(CMTimeRange({.duration = t(4)}), range(0, 4));
     EXPECT_EQ(range(5, 9).with({.start = t(1)}), range(1, 5));
     EXPECT_EQ(range(5, 9).with({.end = t(7)}), range(5, 7));
@@ -26,7 +26,7 @@ TEST(CMTimeRange, isMadeAndChanged) {
     EXPECT_EQ(CMTimeRangeMake(t(2), t(4)).split(2).next(), t(3));
 }
 
-TEST(CMTimeRange, holdsTimesUpToItsEnd) {
+TEST(CMTimeRange, HoldsTimesUpToItsEnd) {
     struct {
         CMTimeRange range;
         CMTime time;
@@ -47,7 +47,7 @@ TEST(CMTimeRange, holdsTimesUpToItsEnd) {
     }
 }
 
-TEST(CMTimeRange, meetsOtherRanges) {
+TEST(CMTimeRange, MeetsOtherRanges) {
     struct {
         CMTimeRange a, b;
         bool contains;

@@ -7,7 +7,7 @@ static_assert(CMTime({.seconds = 1.5}).value == 1500000);
 static_assert(t(1, 3) + t(1, 6) == t(1, 2));
 static_assert(!std::is_convertible_v<double, CMTime>);
 
-TEST(CMTime, isMadeFromSeconds) {
+TEST(CMTime, IsMadeFromSeconds) {
     // Halves go away from zero; the timescale is halved until the value fits.
     const auto make = CMTimeMakeWithSeconds;
     const TimePairs table = {
@@ -25,7 +25,7 @@ TEST(CMTime, isMadeFromSeconds) {
         EXPECT_FALSE(time.isValid());
 }
 
-TEST(CMTime, tellsItsKind) {
+TEST(CMTime, TellsItsKind) {
     struct {
         CMTime time;
         bool valid, numeric, indefinite, positive, negative;
@@ -53,7 +53,7 @@ TEST(CMTime, tellsItsKind) {
     EXPECT_FALSE((byHand + kCMTimeZero).isValid());
 }
 
-TEST(CMTime, readsLikeAClock) {
+TEST(CMTime, ReadsLikeAClock) {
     struct {
         CMTime time;
         ClockTimeWithMilliseconds clock;
@@ -85,7 +85,7 @@ TEST(CMTime, readsLikeAClock) {
     EXPECT_LT(seconds(59.999999).hhmmssms().ms, 1000);
 }
 
-TEST(CMTime, compares) {
+TEST(CMTime, Compares) {
     EXPECT_TRUE(t(10).isNearlyEqualTo(t(10) + t(1, 1200)));
     EXPECT_FALSE(t(10).isNearlyEqualTo(t(10) - t(1, 600)));
     EXPECT_TRUE(t(10).isNearlyEqualTo(t(11), t(3, 2)));
@@ -103,7 +103,7 @@ TEST(CMTime, compares) {
     EXPECT_TRUE(plus == infinity);
 }
 
-TEST(CMTime, isSplitIntoMiddles) {
+TEST(CMTime, IsSplitIntoMiddles) {
     EXPECT_FALSE(t(10).split(0).next());
     EXPECT_FALSE(t(10).split(-3).next());
     CMTimeIterator times = t(10).split(1);

@@ -2,7 +2,7 @@
 
 #include <zorvan/text/EventKeyCode.h>
 
-TEST(EventKeyCode, startsWithTheInitialTable) {
+TEST(EventKeyCode, StartsWithTheInitialTable) {
     using K = EventKeyCode;
     const std::pair<const K&, int> table[] = {
         {K::digit0, 29},      {K::digit1, 18},   {K::digit2, 19},     {K::digit3, 20},
@@ -23,7 +23,7 @@ TEST(EventKeyCode, startsWithTheInitialTable) {
         EXPECT_EQ(key.rawValue, code);
 }
 
-TEST(EventKeyCode, isReassignedForTheProcess) {
+TEST(EventKeyCode, IsReassignedForTheProcess) {
     const EventKeyCode before = EventKeyCode::letterA;
     EXPECT_EQ(EventKeyCode({.rawValue = 12}), EventKeyCode::letterA);
     EventKeyCode::letterA = EventKeyCode({.rawValue = 0});

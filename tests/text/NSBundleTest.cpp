@@ -1,9 +1,9 @@
-#include "../platform/propertylist/BundleFolder.h"
+#include "../platform/bundles/BundleFolder.h"
 #include <tests/Testing.h>
 
 #include <zorvan/text/NSBundle.h>
 
-TEST_F(BundleTest, readsTypedEntries) {
+TEST_F(BundleTest, ReadsTypedEntries) {
     writeInformation("a.bundle/Contents/Info.plist",
                      "<key>CFBundleName</key><string>Shelf</string>"
                      "<key>CFBundleVersion</key><string>77</string>"
@@ -34,7 +34,7 @@ TEST_F(BundleTest, readsTypedEntries) {
     EXPECT_EQ(url(*bundle, "One"), std::nullopt);
 }
 
-TEST_F(BundleTest, findsResourcesAndTheIcon) {
+TEST_F(BundleTest, FindsResourcesAndTheIcon) {
     for (const char* file :
          {"data.json", "read me.rtf", "Help/index.html", "Help/keys.plist", "face.png"})
         write(std::string("a/Resources/") + file);
@@ -49,7 +49,7 @@ TEST_F(BundleTest, findsResourcesAndTheIcon) {
     EXPECT_EQ(version(*bundle), BundleVersion::zero); // the bundle tells none
 }
 
-TEST(NSBundle, mainBundleIsBesideTheExecutable) {
+TEST(NSBundle, MainBundleIsBesideTheExecutable) {
     const auto bundle = NSBundle::mainBundle();
     ASSERT_TRUE(bundle);
     EXPECT_EQ(bundle, NSBundle::mainBundle());

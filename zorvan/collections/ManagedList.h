@@ -8,6 +8,7 @@
 #include <zorvan/collections/Reordering.h>
 #include <zorvan/collections/SelectionQueries.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <algorithm>
 #include <concepts>
@@ -62,9 +63,9 @@ public:
     /// Shows editions in a table; in `<zorvan/interface/ManagedListViewReloader.h>`.
     using ViewReloader = ManagedListViewReloader;
 
-    static constexpr std::string_view willReloadNotification = "ManagedListWillReloadNotification";
-    static constexpr std::string_view didReloadNotification = "ManagedListDidReloadNotification";
-    static constexpr std::string_view editionKey = "Edition";
+    static constexpr NameLiteral willReloadNotification = "ManagedListWillReloadNotification";
+    static constexpr NameLiteral didReloadNotification = "ManagedListDidReloadNotification";
+    static constexpr NameLiteral editionKey = "Edition";
 
     static std::shared_ptr<ManagedList> create(std::vector<Item> items = {}) {
         return std::make_shared<ManagedList>(Key{}, std::move(items));
@@ -167,8 +168,7 @@ private:
     private:
         void announce(std::string_view name) const {
             NSNotificationCenter::defaultCenter()->post(
-                NSNotificationName(name), list_,
-                Notification::UserInfo{{std::string(editionKey), edition}});
+                NSNotificationName(name), list_, Notification::UserInfo{{editionKey, edition}});
         }
 
         std::shared_ptr<ManagedList> list_;
@@ -352,19 +352,20 @@ void ManagedList<Item>::setFilter(Filter filter) {
     Change change(*this, Action::filter);
     change.announceWill();
 
+    // What needs memory comes first, so that the list is whole should there be none.
     const std::shared_ptr<const Positions> before = full_.places();
+    change.edition.newSelection = filter ? passing.selection : selection;
     if (!filter) {
         items_ = full_.release();
         selection_ = std::move(selection);
     } else {
+        full_.show(std::move(passing.positions));
         if (!filter_)
             full_.setItems(std::move(items_));
         items_ = std::move(passing.items);
-        full_.show(std::move(passing.positions));
         selection_ = std::move(passing.selection);
     }
     filter_ = std::move(filter);
-    change.edition.newSelection = selection_;
     const auto shown = [](const std::shared_ptr<const Positions>& places) {
         return places ? std::optional(std::span(*places)) : std::nullopt;
     };

@@ -2,11 +2,10 @@
 
 #include <zorvan/collections/IndexSet.h>
 #include <zorvan/platform/dispatch/Notification.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <concepts>
 #include <cstdint>
-#include <string>
-#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -50,14 +49,14 @@ public:
     using Variant = std::variant<Insert, Replace, Remove, Move, Select, Reload>;
 
     /// The key of an edition in a notification's user information.
-    static constexpr std::string_view editionKey = "Edition";
+    static constexpr NameLiteral editionKey = "Edition";
 
     template <class Case>
     requires std::constructible_from<Variant, Case> SelectableArrayEdition(Case value)
         : value_(std::move(value)) {}
 
     /// What a notification of this edition carries.
-    Notification::UserInfo userInfo() const { return {{std::string(editionKey), *this}}; }
+    Notification::UserInfo userInfo() const { return {{editionKey, *this}}; }
     /// The edition that a notification carries, else null. It lives in the notification.
     static const SelectableArrayEdition* edition(const Notification& note) noexcept {
         return note.value<SelectableArrayEdition>(editionKey);

@@ -74,6 +74,10 @@ public:
     /// Equal in space and components.
     friend constexpr bool operator==(const NSColor&, const NSColor&) = default;
 
+    /// Of <zorvan/media/NSColor.h>; here, so that only calls with a colour find it, and `set` stays
+    /// the standard one for everybody else.
+    friend void set(const NSColor& color);
+
 private:
     static constexpr NSColor withComponents(const RGBA& c, ColorSpace space) noexcept {
         return space == ColorSpace::gray ? NSColor({.white = c.r, .alpha = c.a}) : NSColor(c);

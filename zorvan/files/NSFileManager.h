@@ -3,7 +3,7 @@
 #include <zorvan/files/NSDirectoryEnumerator.h>
 #include <zorvan/platform/foundation/Data.h>
 #include <zorvan/platform/foundation/URL.h>
-#include <zorvan/platform/propertylist/NSBundle.h>
+#include <zorvan/platform/bundles/NSBundle.h>
 
 #include <cstdint>
 #include <memory>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zorvan/interface/NSToolbar.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <memory>
 #include <string>
@@ -14,9 +15,9 @@ namespace zorvan {
 /// shown is hidden and keeps its place, so that the others do not move.
 class DividedToolbar : public NSToolbar, public NSToolbarDelegate {
 public:
-    static constexpr std::string_view leftItemIdentifier = "LeftToolbarItem";
-    static constexpr std::string_view centerItemIdentifier = "CenterToolbarItem";
-    static constexpr std::string_view rightItemIdentifier = "RightToolbarItem";
+    static constexpr NameLiteral leftItemIdentifier = "LeftToolbarItem";
+    static constexpr NameLiteral centerItemIdentifier = "CenterToolbarItem";
+    static constexpr NameLiteral rightItemIdentifier = "RightToolbarItem";
 
     static std::shared_ptr<DividedToolbar> create(std::string identifier = "DividedToolbar");
     using NSToolbar::NSToolbar;

@@ -27,8 +27,6 @@ bool NSApplication::sendAction(const Selector& action, const std::weak_ptr<void>
     // Its sender may be given another action, or end, while this one is performed.
     const Selector keptAlive = action;
     const std::shared_ptr<ActionSender> sender = from;
-    if (callObserver_)
-        callObserver_({"sendAction", keptAlive.name()});
     return keptAlive.perform(target, sender);
 }
 

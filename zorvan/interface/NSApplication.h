@@ -1,7 +1,8 @@
 #pragma once
 
 #include <zorvan/interface/Selector.h>
-#include <zorvan/platform/appkit/ViewCall.h>
+#include <zorvan/platform/appkit/ActionSender.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <memory>
 #include <string_view>
@@ -17,7 +18,7 @@ class NSWindow;
 class NSApplication {
 public:
     /// Posted by nobody in particular.
-    static constexpr std::string_view looksDidChangeNotification =
+    static constexpr NameLiteral looksDidChangeNotification =
         "NSApplicationLooksDidChangeNotification";
 
     static NSApplication& shared();
@@ -42,15 +43,11 @@ public:
     bool isDark() const noexcept { return isDark_; }
     void setDark(bool dark);
 
-    /// Told of each action before it is performed.
-    void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
-
 private:
     friend class NSWindow;
     NSApplication() = default;
 
     std::weak_ptr<NSWindow> mainWindow_;
-    ViewCallObserver callObserver_;
     bool isActive_ = true;
     bool isDark_ = false;
 };

@@ -125,7 +125,7 @@ CGSize NSButtonCell::shownImageSize() const {
 CGSize NSButtonCell::shownTitleSize() const {
     if (imagePosition_ == Position::imageOnly)
         return {};
-    return textSize(withDefaults(attributedTitle(), LabelStyle::plain, Palette::label));
+    return textSize(withDefaults(attributedTitle(), Palette::label));
 }
 
 CGSize NSButtonCell::cellSize() const {

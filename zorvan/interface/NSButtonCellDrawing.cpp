@@ -1,7 +1,7 @@
 #include <zorvan/interface/NSButtonCell.h>
 
 #include <zorvan/interface/NSControl.h>
-#include <zorvan/interface/internal/TouchBarStrip.h>
+#include <zorvan/interface/internal/BarView.h>
 #include <zorvan/interface/internal/drawing.h>
 #include <zorvan/interface/internal/symbolDrawing.h>
 
@@ -67,8 +67,7 @@ void NSButtonCell::drawImage(const NSImage& image, const CGRect& withFrame,
 
 CGRect NSButtonCell::drawTitle(const NSAttributedString& title, const CGRect& withFrame,
                                const NSControl& in) const {
-    return drawText(withDefaults(title, LabelStyle::plain, labelColor(in)), withFrame,
-                    LabelAlignment::center);
+    return drawText(withDefaults(title, labelColor(in)), withFrame);
 }
 
 NSColor NSButtonCell::labelColor(const NSControl& in) const {

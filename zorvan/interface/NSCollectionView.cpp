@@ -27,6 +27,21 @@ std::optional<URL> NSCollectionViewDataSource::draggedURL(const NSCollectionView
     return std::nullopt;
 }
 
+bool NSCollectionViewDataSource::isMovable(const NSCollectionView&, IndexPath) const {
+    return false;
+}
+
+void NSCollectionViewDataSource::itemsDragged(NSCollectionView&, const std::set<IndexPath>&,
+                                              IndexPath) {}
+
+bool NSCollectionViewDataSource::acceptsDrop(const NSCollectionView&,
+                                             const std::vector<URL>&) const {
+    return false;
+}
+
+void NSCollectionViewDataSource::urlsDropped(NSCollectionView&, const std::vector<URL>&,
+                                             IndexPath) {}
+
 void NSCollectionViewDataSource::itemOpened(NSCollectionView&, IndexPath) {}
 
 void NSCollectionViewObserver::itemsUpdated(const NSCollectionView::Updates&, bool) {}
@@ -76,7 +91,14 @@ void NSCollectionView::setFrame(const CGRect& frame) {
 void NSCollectionView::layOut() {
     if (layout_)
         layout_->prepare(itemCounts_, frame().width());
+    placeViews();
     setNeedsDisplay(true);
+}
+
+void NSCollectionView::placeViews() {
+    for (const auto& [path, view] : views_)
+        if (layout_)
+            view->setFrame(layout_->frameOfItem(path));
 }
 
 void NSCollectionView::setCollectionViewLayout(std::shared_ptr<NSCollectionViewLayout> layout) {
@@ -125,6 +147,8 @@ std::shared_ptr<NSView> NSCollectionView::view(IndexPath forItem, bool makeIfNec
     // The data source may have changed the collection view meanwhile.
     if (!view || !contains(forItem))
         return nullptr;
+    if (layout_)
+        view->setFrame(layout_->frameOfItem(forItem));
     addSubview(view);
     views_[forItem] = view;
     return view;
@@ -299,6 +323,7 @@ void NSCollectionView::apply(const Updates& batch) {
     carryViews([&](IndexPath path) {
         return batch.reloaded.contains(path) ? std::nullopt : change.place(path);
     });
+    placeViews();
     observers_.tell([&](NSCollectionViewObserver& observer) {
         observer.itemsUpdated(batch, isBatchAnimated_);
     });

@@ -7,6 +7,7 @@
 #include <zorvan/interface/NSNib.h>
 #include <zorvan/platform/appkit/NSView.h>
 #include <zorvan/platform/appkit/ObserverList.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 #include <zorvan/platform/foundation/Required.h>
 #include <zorvan/platform/foundation/URL.h>
 
@@ -42,6 +43,19 @@ public:
     /// What a drag of the item carries out of the window, such as a file; absent, unless
     /// overridden, for an item that is not dragged.
     virtual std::optional<URL> draggedURL(const NSCollectionView& view, IndexPath item) const;
+    /// Whether a person may drag the item to another place of the view. False unless overridden.
+    virtual bool isMovable(const NSCollectionView& view, IndexPath item) const;
+    /// A person has dragged movable items before the one at `before`, which may be the end of its
+    /// section: move what they show, and tell the view. Does nothing unless overridden.
+    virtual void itemsDragged(NSCollectionView& view, const std::set<IndexPath>& items,
+                              IndexPath before);
+    /// Whether files, or other addresses, that come from elsewhere may be dropped between the
+    /// items. False unless overridden.
+    virtual bool acceptsDrop(const NSCollectionView& view, const std::vector<URL>& urls) const;
+    /// They were dropped before the item at `before`, which may be the end of its section. Does
+    /// nothing unless overridden.
+    virtual void urlsDropped(NSCollectionView& view, const std::vector<URL>& urls,
+                             IndexPath before);
     /// A person opens the item, by a double click or with Enter. Does nothing unless overridden.
     virtual void itemOpened(NSCollectionView& view, IndexPath item);
 };
@@ -77,7 +91,7 @@ public:
     };
 
     /// Posted by the collection view when its selection has changed.
-    static constexpr std::string_view selectionDidChangeNotification =
+    static constexpr NameLiteral selectionDidChangeNotification =
         "NSCollectionViewSelectionDidChangeNotification";
 
     /// Whoever shows the collection view, and tests. Not kept alive.
@@ -109,8 +123,8 @@ public:
     std::vector<IndexPath> indexPathsForItems(const CGRect& in) const;
 
     /// The kinds of supplementary view.
-    static constexpr std::string_view sectionHeader = "SectionHeader";
-    static constexpr std::string_view sectionFooter = "SectionFooter";
+    static constexpr NameLiteral sectionHeader = "SectionHeader";
+    static constexpr NameLiteral sectionFooter = "SectionFooter";
 
     /// The view that the data source has made for an item; null when there is none, and when it
     /// has not been made and is not to be. It is asked for again after a reload of the item.
@@ -192,6 +206,7 @@ private:
     void setSelection(std::set<IndexPath> paths);
     void announceSelection();
     void layOut();
+    void placeViews();
 
     std::weak_ptr<NSCollectionViewDataSource> dataSource_;
     ObserverList<NSCollectionViewObserver> observers_;

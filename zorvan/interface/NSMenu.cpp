@@ -84,8 +84,6 @@ void NSMenu::setHost(std::function<void(NSMenu&)> host) { menuHost() = std::move
 
 void NSMenu::popUp() {
     const auto keptAlive = shared_from_this();
-    if (const ViewCallObserver observer = callObserver_)
-        observer({"popUp", title_});
     if (const auto host = menuHost())
         host(*this);
 }

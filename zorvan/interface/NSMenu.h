@@ -2,7 +2,6 @@
 
 #include <zorvan/interface/Selector.h>
 #include <zorvan/platform/appkit/NSEvent.h>
-#include <zorvan/platform/appkit/ViewCall.h>
 
 #include <cstdint>
 #include <functional>
@@ -77,9 +76,7 @@ private:
     bool state_ = false;
 };
 
-/// A list of commands. Without a host nothing opens; the observer is told that it should in any
-/// case.
-/// Main thread only.
+/// A list of commands. Without a host nothing opens. Main thread only.
 class NSMenu : public std::enable_shared_from_this<NSMenu> {
 public:
     static std::shared_ptr<NSMenu> create(std::string title = {});
@@ -108,8 +105,6 @@ public:
     void popUp();
     /// What opens the menus of the application; empty for nothing.
     static void setHost(std::function<void(NSMenu&)> host);
-    /// Told of each `popUp`; an empty one ends it.
-    void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
 
 private:
     struct Key {};
@@ -122,7 +117,6 @@ private:
 
     std::string title_;
     std::vector<std::shared_ptr<NSMenuItem>> items_;
-    ViewCallObserver callObserver_;
 };
 
 } // namespace zorvan

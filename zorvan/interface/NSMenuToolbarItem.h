@@ -23,10 +23,6 @@ public:
         return isEnabled() && menu_->performKeyEquivalent(with);
     }
 
-protected:
-    std::shared_ptr<NSView> makeView() override;
-    void updateView(NSView& made) override;
-
 private:
     std::shared_ptr<NSMenu> menu_ = NSMenu::create();
     bool showsIndicator_ = true;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <zorvan/platform/propertylist/NSBundle.h>
+#include <zorvan/platform/bundles/NSBundle.h>
 
 #include <memory>
 #include <string>

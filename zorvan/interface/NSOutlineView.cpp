@@ -19,6 +19,22 @@ std::string NSOutlineViewDataSource::text(const NSOutlineView&, std::int64_t, co
     return {};
 }
 
+std::optional<URL> NSOutlineViewDataSource::draggedURL(const NSOutlineView&, const Item&) const {
+    return std::nullopt;
+}
+
+bool NSOutlineViewDataSource::isMovable(const NSOutlineView&, const Item&) const { return false; }
+
+void NSOutlineViewDataSource::itemsDragged(NSOutlineView&, const std::vector<Item>&, const Item&,
+                                           std::int64_t) {}
+
+bool NSOutlineViewDataSource::acceptsDrop(const NSOutlineView&, const std::vector<URL>&) const {
+    return false;
+}
+
+void NSOutlineViewDataSource::urlsDropped(NSOutlineView&, const std::vector<URL>&, const Item&,
+                                          std::int64_t) {}
+
 void NSOutlineViewObserver::itemExpanded(const NSOutlineView::Item&, bool) {}
 void NSOutlineViewObserver::itemCollapsed(const NSOutlineView::Item&) {}
 

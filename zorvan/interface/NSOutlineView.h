@@ -30,6 +30,23 @@ public:
     /// overridden.
     virtual std::string text(const NSOutlineView& outline, std::int64_t column,
                              const Item& item) const;
+    /// What a drag of the item carries out of the window, such as a file; absent, unless
+    /// overridden, for an item that is not dragged.
+    virtual std::optional<URL> draggedURL(const NSOutlineView& outline, const Item& item) const;
+    /// Whether a person may drag the item to another place of the outline. False unless overridden.
+    virtual bool isMovable(const NSOutlineView& outline, const Item& item) const;
+    /// A person has dragged movable items, in the order of their rows, below `holder`, before its
+    /// child at `before` or to their end: move them, and reload the outline. None of them holds
+    /// `holder`. Does nothing unless overridden.
+    virtual void itemsDragged(NSOutlineView& outline, const std::vector<Item>& items,
+                              const Item& holder, std::int64_t before);
+    /// Whether files, or other addresses, that come from elsewhere may be dropped in the outline.
+    /// False unless overridden.
+    virtual bool acceptsDrop(const NSOutlineView& outline, const std::vector<URL>& urls) const;
+    /// They were dropped below `holder`, before its child at `before` or at the end. Does nothing
+    /// unless overridden.
+    virtual void urlsDropped(NSOutlineView& outline, const std::vector<URL>& urls,
+                             const Item& holder, std::int64_t before);
 };
 
 /// A table whose rows are the visible items of a tree: the children of the root, and those of every

@@ -9,7 +9,7 @@
 
 namespace zorvan {
 
-/// A text field to search with. It sends its action when the user has changed its text.
+/// A text field to search with, which a host shows. It sends its action when the user has changed its text.
 class NSSearchField : public NSControl {
 public:
     static std::shared_ptr<NSSearchField> create(const CGRect& frame = {});
@@ -25,7 +25,6 @@ public:
 
     /// 180 points wide.
     CGSize intrinsicContentSize() const override;
-    void draw(Canvas& canvas) const override;
     bool acceptsFirstResponder() const override { return isEnabled(); }
 
 protected:

@@ -22,6 +22,16 @@ std::optional<URL> NSTableViewDataSource::draggedURL(const NSTableView&, std::in
     return std::nullopt;
 }
 
+bool NSTableViewDataSource::isMovable(const NSTableView&, std::int64_t) const { return false; }
+
+void NSTableViewDataSource::rowsDragged(NSTableView&, const IndexSet&, std::int64_t) {}
+
+bool NSTableViewDataSource::acceptsDrop(const NSTableView&, const std::vector<URL>&) const {
+    return false;
+}
+
+void NSTableViewDataSource::urlsDropped(NSTableView&, const std::vector<URL>&, std::int64_t) {}
+
 void NSTableViewDataSource::sortOrderDidChange(NSTableView&) {}
 
 std::shared_ptr<NSView> NSTableViewDelegate::view(NSTableView&, std::int64_t, std::int64_t) {

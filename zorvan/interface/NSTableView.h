@@ -6,6 +6,7 @@
 #include <zorvan/platform/appkit/NSScrollView.h>
 #include <zorvan/platform/appkit/NSView.h>
 #include <zorvan/platform/appkit/ObserverList.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 #include <zorvan/platform/foundation/Required.h>
 #include <zorvan/platform/foundation/URL.h>
 
@@ -38,6 +39,16 @@ public:
     /// What a drag of the row carries out of the window, such as a file; absent, unless overridden,
     /// for a row that is not dragged.
     virtual std::optional<URL> draggedURL(const NSTableView& table, std::int64_t row) const;
+    /// Whether a person may drag the row to another place of the table. False unless overridden.
+    virtual bool isMovable(const NSTableView& table, std::int64_t row) const;
+    /// A person has dragged movable rows before the one at `before`, or to the end: move what they
+    /// show, and tell the table. Does nothing unless overridden.
+    virtual void rowsDragged(NSTableView& table, const IndexSet& rows, std::int64_t before);
+    /// Whether files, or other addresses, that come from elsewhere may be dropped between the rows.
+    /// False unless overridden.
+    virtual bool acceptsDrop(const NSTableView& table, const std::vector<URL>& urls) const;
+    /// They were dropped before the row at `before`, or at the end. Does nothing unless overridden.
+    virtual void urlsDropped(NSTableView& table, const std::vector<URL>& urls, std::int64_t before);
     /// The table's `sortOrder` is another one: sort what the rows show and tell the table what
     /// changed. Does nothing unless overridden.
     virtual void sortOrderDidChange(NSTableView& table);
@@ -101,7 +112,7 @@ public:
     };
 
     /// Posted by the table when its selection has changed.
-    static constexpr std::string_view selectionDidChangeNotification =
+    static constexpr NameLiteral selectionDidChangeNotification =
         "NSTableViewSelectionDidChangeNotification";
 
     static std::shared_ptr<NSTableView> create(const CGRect& frame = {}) {

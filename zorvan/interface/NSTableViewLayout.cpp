@@ -5,6 +5,7 @@
 #include <zorvan/platform/appkit/NSAnimationContext.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace zorvan {
 
@@ -37,15 +38,16 @@ const std::vector<double>& NSTableView::rowTops() const {
     const auto giver = delegate();
     if (!rowTops_.empty() || !giver || rowCount_ > mostRows)
         return rowTops_;
-    rowTops_.reserve(static_cast<std::size_t>(rowCount_) + 1);
+    std::vector<double> tops; // whole, or none when the delegate throws
+    tops.reserve(static_cast<std::size_t>(rowCount_) + 1);
     double top = 0;
     for (std::int64_t row = 0; row < rowCount_; ++row) {
-        rowTops_.push_back(top);
+        tops.push_back(top);
         const double height = giver->heightOfRow(*this, row);
         top += height > 0 ? height : 0;
     }
-    rowTops_.push_back(top);
-    return rowTops_;
+    tops.push_back(top);
+    return rowTops_ = std::move(tops);
 }
 
 double NSTableView::top(std::int64_t row) const {

@@ -16,31 +16,28 @@ NSToolbar::~NSToolbar() = default;
 
 void NSToolbar::setDelegate(const std::shared_ptr<NSToolbarDelegate>& delegate) {
     delegate_ = delegate;
-    note("setDelegate", delegate ? "delegate" : "none");
 }
 
 void NSToolbar::setAutosavesConfiguration(bool autosaves) {
-    set(&NSToolbar::autosavesConfiguration_, autosaves, "setAutosavesConfiguration");
+    set(&NSToolbar::autosavesConfiguration_, autosaves);
 }
 
 void NSToolbar::setAllowsUserCustomization(bool allows) {
-    set(&NSToolbar::allowsUserCustomization_, allows, "setAllowsUserCustomization");
+    set(&NSToolbar::allowsUserCustomization_, allows);
 }
 
 void NSToolbar::setShowsBaselineSeparator(bool shows) {
-    set(&NSToolbar::showsBaselineSeparator_, shows, "setShowsBaselineSeparator");
+    set(&NSToolbar::showsBaselineSeparator_, shows);
 }
 
-void NSToolbar::set(bool NSToolbar::*flag, bool value, const char* name) {
+void NSToolbar::set(bool NSToolbar::*flag, bool value) {
     this->*flag = value;
     didChange();
-    note(name, value ? "true" : "false");
 }
 
 void NSToolbar::setDisplayMode(DisplayMode mode) {
     displayMode_ = mode;
     didChange();
-    note("setDisplayMode", std::to_string(static_cast<std::int64_t>(mode)));
 }
 
 std::vector<NSToolbarItemIdentifier> NSToolbar::itemIdentifiers() const {
@@ -72,7 +69,6 @@ void NSToolbar::insertItem(const NSToolbarItemIdentifier& withItemIdentifier, st
         item->toolbar_ = weak_from_this();
         didChange();
     }
-    note("insertItem", identifier + ", " + std::to_string(at));
 }
 
 void NSToolbar::removeItem(std::int64_t at) {
@@ -85,7 +81,6 @@ void NSToolbar::removeItem(std::int64_t at) {
     if (std::find(items_.begin(), items_.end(), item) == items_.end())
         item->toolbar_.reset();
     didChange();
-    note("removeItem", std::to_string(at));
 }
 
 bool NSToolbar::performKeyEquivalent(const NSEvent& with) {
@@ -102,11 +97,6 @@ void NSToolbar::comeInto(const std::shared_ptr<NSWindow>& window) {
     std::int64_t place = 0;
     for (const NSToolbarItemIdentifier& identifier : giver->toolbarDefaultItemIdentifiers(*this))
         insertItem(identifier, place++);
-}
-
-void NSToolbar::note(std::string name, std::string arguments) {
-    if (const ViewCallObserver observer = callObserver_)
-        observer({std::move(name), std::move(arguments)});
 }
 
 void NSToolbar::didChange() {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <zorvan/interface/NSToolbarItem.h>
-#include <zorvan/platform/appkit/ViewCall.h>
 
 #include <cstdint>
 #include <memory>
@@ -90,24 +89,19 @@ public:
     /// From now on the default items are not shown by themselves.
     void forgoDefaultItems() noexcept { showsDefaultItems_ = false; }
 
-    /// Told of each call that changes the toolbar.
-    void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
-
 private:
     friend class NSWindow;
     friend class NSToolbarItem;
 
     void comeInto(const std::shared_ptr<NSWindow>& window);
     std::shared_ptr<NSToolbarItem> makeItem(const NSToolbarItemIdentifier& identifier);
-    void note(std::string name, std::string arguments);
-    void set(bool NSToolbar::*flag, bool value, const char* name);
+    void set(bool NSToolbar::*flag, bool value);
     void didChange();
 
     std::string identifier_;
     std::weak_ptr<NSToolbarDelegate> delegate_;
     std::vector<std::shared_ptr<NSToolbarItem>> items_;
     std::weak_ptr<NSWindow> window_;
-    ViewCallObserver callObserver_;
     DisplayMode displayMode_ = DisplayMode::default_;
     bool autosavesConfiguration_ = false;
     bool allowsUserCustomization_ = false;

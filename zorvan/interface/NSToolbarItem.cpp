@@ -1,9 +1,8 @@
 #include <zorvan/interface/NSToolbarItem.h>
 
 #include <zorvan/interface/NSApplication.h>
-#include <zorvan/interface/NSButton.h>
+#include <zorvan/interface/NSControl.h>
 #include <zorvan/interface/NSToolbar.h>
-#include <zorvan/interface/internal/ItemButton.h>
 
 namespace zorvan {
 
@@ -63,30 +62,6 @@ bool NSToolbarItem::sendAction() {
 bool NSToolbarItem::performKeyEquivalent(const NSEvent& with) {
     // A view in the window has been asked already.
     return view_ && !view_->window() && view_->performKeyEquivalent(with);
-}
-
-std::shared_ptr<NSView> NSToolbarItem::shownView() {
-    if (view_)
-        return view_;
-    if (!madeView_)
-        madeView_ = makeView();
-    if (madeView_)
-        updateView(*madeView_);
-    return madeView_;
-}
-
-std::shared_ptr<NSView> NSToolbarItem::makeView() {
-    if (!image_ && title_.empty())
-        return nullptr;
-    return ItemButton::create([weak = weak_from_this()] {
-        if (const auto item = weak.lock())
-            item->sendAction();
-    });
-}
-
-void NSToolbarItem::updateView(NSView& made) {
-    if (auto* const button = dynamic_cast<ItemButton*>(&made))
-        button->show(title_, image_, isEnabled_);
 }
 
 void NSToolbarItem::didChange() {

@@ -67,18 +67,10 @@ public:
     /// Whether the item does something for the key, and has done it then.
     virtual bool performKeyEquivalent(const NSEvent& with);
 
-    /// What a toolbar shows of the item: its view, or one that the item makes and keeps. Null for a
-    /// space.
-    std::shared_ptr<NSView> shownView();
-
     /// The toolbar that shows the item; null outside of one.
     std::shared_ptr<NSToolbar> toolbar() const noexcept { return toolbar_.lock(); }
 
 protected:
-    /// Makes what is shown in place of a view; null for nothing.
-    virtual std::shared_ptr<NSView> makeView();
-    /// Brings what `makeView` made up to date.
-    virtual void updateView(NSView& made);
     /// Shows what has changed.
     void didChange();
 
@@ -91,7 +83,6 @@ private:
     std::string title_;
     std::string toolTip_;
     std::shared_ptr<NSView> view_;
-    std::shared_ptr<NSView> madeView_;
     std::shared_ptr<NSImage> image_;
     std::optional<Selector> action_;
     std::weak_ptr<void> target_;

@@ -1,6 +1,5 @@
 #include <zorvan/interface/NSToolbarItemGroup.h>
 
-#include <zorvan/interface/internal/SegmentsView.h>
 #include <zorvan/platform/foundation/UUID.h>
 
 #include <algorithm>
@@ -107,11 +106,5 @@ void NSToolbarItemGroup::press(std::int64_t at) {
     else
         sendAction();
 }
-
-std::shared_ptr<NSView> NSToolbarItemGroup::makeView() {
-    return SegmentsView::create(std::static_pointer_cast<NSToolbarItemGroup>(shared_from_this()));
-}
-
-void NSToolbarItemGroup::updateView(NSView&) {}
 
 } // namespace zorvan

@@ -58,10 +58,6 @@ public:
     /// subitem's own action, or the group's when it has none.
     void press(std::int64_t at);
 
-protected:
-    std::shared_ptr<NSView> makeView() override;
-    void updateView(NSView& made) override;
-
 private:
     bool has(std::int64_t index) const noexcept {
         return index >= 0 && index < static_cast<std::int64_t>(subitems_.size());

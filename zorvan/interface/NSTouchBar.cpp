@@ -12,8 +12,6 @@ std::shared_ptr<NSView> NSTouchBarItem::view() const { return nullptr; }
 
 void NSTouchBar::setDelegate(const std::shared_ptr<NSTouchBarDelegate>& delegate) {
     delegate_ = delegate;
-    if (const ViewCallObserver observer = callObserver_)
-        observer({"setDelegate", delegate ? "delegate" : "none"});
 }
 
 std::shared_ptr<NSTouchBarItem> NSTouchBar::makeItem(const NSTouchBarItemIdentifier& identifier) {
@@ -28,19 +26,14 @@ std::shared_ptr<NSTouchBarItem> NSTouchBar::makeItem(const NSTouchBarItemIdentif
 
 void NSTouchBar::setDefaultItemIdentifiers(std::vector<NSTouchBarItemIdentifier> identifiers) {
     const auto keptAlive = weak_from_this().lock();
-    std::string list;
     std::vector<std::shared_ptr<NSTouchBarItem>> items;
-    for (const NSTouchBarItemIdentifier& identifier : identifiers) {
-        list += (list.empty() ? "" : ", ") + identifier;
+    for (const NSTouchBarItemIdentifier& identifier : identifiers)
         if (auto item = makeItem(identifier))
             items.push_back(std::move(item));
-    }
     defaultItemIdentifiers_ = std::move(identifiers);
     items_ = std::move(items);
     if (const auto shown = window())
         shown->setTouchBarNeedsLayout();
-    if (const ViewCallObserver observer = callObserver_)
-        observer({"setDefaultItemIdentifiers", list});
 }
 
 std::shared_ptr<NSTouchBarItem>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <zorvan/interface/NSTouchBarItem.h>
-#include <zorvan/platform/appkit/ViewCall.h>
 
 #include <memory>
 #include <utility>
@@ -45,9 +44,6 @@ public:
     /// The window that shows the bar; null for none.
     std::shared_ptr<NSWindow> window() const noexcept { return window_.lock(); }
 
-    /// Told of each call that changes the bar.
-    void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
-
 private:
     struct Key {};
     friend class NSWindow;
@@ -62,7 +58,6 @@ private:
     std::vector<std::shared_ptr<NSTouchBarItem>> items_;
     std::weak_ptr<NSTouchBarDelegate> delegate_;
     std::weak_ptr<NSWindow> window_;
-    ViewCallObserver callObserver_;
 };
 
 } // namespace zorvan

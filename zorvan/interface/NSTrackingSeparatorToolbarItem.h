@@ -22,9 +22,6 @@ public:
     /// no such divider or is not in a window.
     std::optional<double> dividerPosition() const;
 
-protected:
-    std::shared_ptr<NSView> makeView() override;
-
 private:
     std::shared_ptr<NSSplitView> splitView_;
     std::int64_t dividerIndex_ = 0;

@@ -1,10 +1,8 @@
 #include <zorvan/interface/NSWindow.h>
 
 #include <zorvan/interface/NSApplication.h>
-#include <zorvan/interface/internal/FrameView.h>
-#include <zorvan/interface/internal/ToolbarStrip.h>
-#include <zorvan/interface/internal/TouchBarStrip.h>
-#include <zorvan/media/CGImage.h>
+#include <zorvan/interface/internal/BarView.h>
+#include <zorvan/interface/internal/RootView.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 
 #include <algorithm>
@@ -19,6 +17,15 @@ CGSize atLeastOne(CGSize size) {
         return std::isfinite(length) && length > 1 ? length : 1;
     };
     return {side(size.width), side(size.height)};
+}
+
+template <class Item>
+BarView::Views viewsOf(const std::vector<std::shared_ptr<Item>>& items) {
+    BarView::Views views;
+    for (const auto& item : items)
+        if (item->view())
+            views.push_back(item->view());
+    return views;
 }
 
 } // namespace
@@ -40,42 +47,46 @@ NSWindow::~NSWindow() {
 }
 
 void NSWindow::setUp() {
-    frameView_ = FrameView::create();
-    frameView_->setContentChanged([weak = weak_from_this()] {
+    rootView_ = RootView::create([weak = weak_from_this()] {
         if (const auto window = weak.lock())
             window->contentDidChange();
     });
-    frameView_->setTitle(title_);
-    frameView_->didMoveAll(shared_from_this());
+    rootView_->didMoveAll(shared_from_this());
     setContentView(nullptr);
 }
 
 void NSWindow::setTitle(std::string title) {
     title_ = std::move(title);
-    frameView_->setTitle(title_);
     tellObserver(&NSWindowObserver::propertiesDidChange);
 }
 
 // What stands where
 
-CGSize NSWindow::size() const {
-    const double bars =
-        (toolbar_ ? ToolbarStrip::height(*toolbar_) : 0) + (touchBar_ ? TouchBarStrip::height : 0);
-    return {contentSize_.width, contentSize_.height + titleBarHeight + bars};
+/// The bars are above the content, which keeps its place when they come and go.
+void NSWindow::placeViews() {
+    double width = contentSize_.width, top = contentSize_.height;
+    contentView_->setFrame(contentSize_.rect());
+    for (const auto& bar : {toolbarView_, touchBarView_}) {
+        if (!bar)
+            continue;
+        bar->setFrame({CGPoint(0, top), bar->frame().size});
+        width = std::max(width, bar->frame().width());
+        top += bar->frame().height();
+    }
+    rootView_->setFrame({0, 0, width, top});
 }
 
-void NSWindow::placeViews() {
-    const CGSize whole = size();
-    frameView_->setFrame(whole.rect());
-    double top = whole.height - titleBarHeight;
-    if (toolbarStrip_) {
-        const double height = ToolbarStrip::height(*toolbar_);
-        toolbarStrip_->setFrame({0, top - height, whole.width, height});
-        top -= height;
+/// What the bars show now.
+void NSWindow::holdBars() {
+    if (toolbarView_) {
+        auto items = toolbar_->items();
+        std::stable_partition(items.begin(), items.end(),
+                              [](const auto& item) { return item->isNavigational(); });
+        toolbarView_->hold(viewsOf(items));
     }
-    contentView_->setFrame({0, top - contentSize_.height, whole.width, contentSize_.height});
-    if (touchBarStrip_)
-        touchBarStrip_->setFrame({0, 0, whole.width, TouchBarStrip::height});
+    if (touchBarView_)
+        touchBarView_->hold(viewsOf(touchBar_->items()));
+    placeViews();
 }
 
 void NSWindow::setContentSize(CGSize size) {
@@ -104,7 +115,7 @@ void NSWindow::setContentView(std::shared_ptr<NSView> view) {
     if (contentView_)
         contentView_->removeFromSuperview();
     contentView_ = view;
-    frameView_->addSubview(view);
+    rootView_->addSubview(view);
     placeViews();
     tellObserver(&NSWindowObserver::contentViewDidChange);
 }
@@ -114,16 +125,16 @@ void NSWindow::setToolbar(std::shared_ptr<NSToolbar> toolbar) {
         return;
     const auto keptAlive = shared_from_this();
     if (toolbar_) {
-        toolbarStrip_->removeFromSuperview();
-        toolbarStrip_.reset();
+        toolbarView_->removeFromSuperview();
+        toolbarView_.reset();
         toolbar_->comeInto(nullptr);
     }
     if (const auto other = toolbar ? toolbar->window() : nullptr)
         other->setToolbar(nullptr);
     toolbar_ = std::move(toolbar);
     if (toolbar_) {
-        toolbarStrip_ = ToolbarStrip::create(toolbar_);
-        frameView_->addSubview(toolbarStrip_);
+        toolbarView_ = BarView::create(BarView::Kind::toolbar);
+        rootView_->addSubview(toolbarView_);
         toolbar_->comeInto(keptAlive);
     }
     placeViews();
@@ -135,16 +146,16 @@ void NSWindow::setTouchBar(std::shared_ptr<NSTouchBar> touchBar) {
         return;
     const auto keptAlive = shared_from_this();
     if (touchBar_) {
-        touchBarStrip_->removeFromSuperview();
-        touchBarStrip_.reset();
+        touchBarView_->removeFromSuperview();
+        touchBarView_.reset();
         touchBar_->window_.reset();
     }
     if (const auto other = touchBar ? touchBar->window() : nullptr)
         other->setTouchBar(nullptr);
     touchBar_ = std::move(touchBar);
     if (touchBar_) {
-        touchBarStrip_ = TouchBarStrip::create(touchBar_);
-        frameView_->addSubview(touchBarStrip_);
+        touchBarView_ = BarView::create(BarView::Kind::touchBar);
+        rootView_->addSubview(touchBarView_);
         touchBar_->window_ = keptAlive;
     }
     placeViews();
@@ -228,44 +239,19 @@ void NSWindow::displayIfNeeded() {
 }
 
 void NSWindow::setToolbarNeedsLayout() {
-    barsNeedLayout_ = true;
     contentDidChange();
     tellObserver(&NSWindowObserver::toolbarDidChange);
 }
 
 void NSWindow::setTouchBarNeedsLayout() {
-    barsNeedLayout_ = true;
     contentDidChange();
     tellObserver(&NSWindowObserver::touchBarDidChange);
 }
 
 void NSWindow::layoutIfNeeded() {
     const auto keptAlive = shared_from_this();
-    // The bars follow what other views ask for, the sizes of their items and the dividers below
-    // them.
-    if (std::exchange(barsNeedLayout_, false))
-        placeViews();
-    contentView_->layoutSubtreeIfNeeded();
-    if (toolbarStrip_)
-        toolbarStrip_->layout();
-    if (touchBarStrip_)
-        touchBarStrip_->layout();
-    frameView_->layoutSubtreeIfNeeded();
-}
-
-std::optional<Bitmap> NSWindow::render(double scale) {
-    layoutIfNeeded();
-    auto bitmap = frameView_->render(scale);
-    if (bitmap) {
-        frameView_->didDisplayAll();
-        viewsNeedDisplay_ = false;
-    }
-    return bitmap;
-}
-
-std::optional<Data> NSWindow::pngData(double scale) {
-    std::optional<Bitmap> bitmap = render(scale);
-    return bitmap ? CGImage::create(std::move(*bitmap))->pngData() : std::nullopt;
+    holdBars();
+    rootView_->layoutSubtreeIfNeeded();
 }
 
 } // namespace zorvan

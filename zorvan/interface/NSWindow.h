@@ -5,8 +5,7 @@
 #include <zorvan/interface/NSWindowObserver.h>
 #include <zorvan/platform/appkit/NSEvent.h>
 #include <zorvan/platform/appkit/NSView.h>
-#include <zorvan/platform/foundation/Data.h>
-#include <zorvan/platform/graphics/Bitmap.h>
+#include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <memory>
 #include <optional>
@@ -17,28 +16,21 @@
 
 namespace zorvan {
 
-class FrameView;
-class ToolbarStrip;
-class TouchBarStrip;
+class BarView;
+class RootView;
 
-/// A window: a title bar, below it a toolbar when there is one, the content, and at the bottom the
-/// strip of a touch bar when there is one.
+/// A window: a title, a toolbar when there is one, the content, and a touch bar when there is one.
 ///
-/// It needs no display: it places its views, hands them the events that it is told of, and draws
-/// the whole of itself into a bitmap. A host shows that in a real window. Coordinates of the window
-/// are in points from its bottom left corner. Main thread only.
+/// It needs no display: it keeps its state, places its content and hands its views the events that
+/// it is told of. A host shows it in a real window, with bars of its own for the items. Coordinates
+/// of the window are in points from the bottom left corner of its content. Main thread only.
 class NSWindow : public std::enable_shared_from_this<NSWindow> {
 public:
     /// Posted by a window, with itself as the sender.
-    static constexpr std::string_view didBecomeMainNotification =
-        "NSWindowDidBecomeMainNotification";
-    static constexpr std::string_view didResignMainNotification =
-        "NSWindowDidResignMainNotification";
-    static constexpr std::string_view didResizeNotification = "NSWindowDidResizeNotification";
-    static constexpr std::string_view willCloseNotification = "NSWindowWillCloseNotification";
-
-    /// In points. A host whose windows have title bars of their own leaves ours out.
-    static constexpr double titleBarHeight = 30;
+    static constexpr NameLiteral didBecomeMainNotification = "NSWindowDidBecomeMainNotification";
+    static constexpr NameLiteral didResignMainNotification = "NSWindowDidResignMainNotification";
+    static constexpr NameLiteral didResizeNotification = "NSWindowDidResizeNotification";
+    static constexpr NameLiteral willCloseNotification = "NSWindowWillCloseNotification";
 
     /// With an empty content view of that size. The window is not shown yet.
     static std::shared_ptr<NSWindow> create(CGSize contentSize, std::string title = {});
@@ -49,11 +41,9 @@ public:
     const std::string& title() const noexcept { return title_; }
     void setTitle(std::string title);
 
-    /// Of the whole window.
-    CGSize size() const;
     CGSize contentSize() const noexcept { return contentSize_; }
     /// No side below 1 point, nor below the least size. The content keeps its size when bars come
-    /// and go; the window does not.
+    /// and go.
     void setContentSize(CGSize size);
     /// 1 x 1 point unless set. A smaller content grows at once.
     CGSize contentMinSize() const noexcept { return contentMinSize_; }
@@ -112,16 +102,14 @@ public:
     /// says, from the last to the first. Nothing when there is none.
     void selectNextKeyView() { selectKeyView(true); }
     void selectPreviousKeyView() { selectKeyView(false); }
+    /// When no view has the keyboard, gives it to the first of the content that accepts it: what a
+    /// host does that shows the window.
+    void giveKeyboardToContent();
 
     void layoutIfNeeded();
-    /// The whole window, `scale` pixels to a point; absent when that is too large a bitmap.
-    std::optional<Bitmap> render(double scale = 1);
-    /// The same as a PNG file.
-    std::optional<Data> pngData(double scale = 1);
-    /// Whether something has changed since the window was last drawn.
+    /// Whether something has changed since the window was last displayed.
     bool viewsNeedDisplay() const noexcept { return viewsNeedDisplay_; }
-    /// What a host does that shows each view by itself: lays out, and counts what has changed as
-    /// drawn.
+    /// What a host does before it shows what has changed: lays out.
     void displayIfNeeded();
     /// The host that shows the window, and tests. Not kept alive; one that has gone is told no
     /// more.
@@ -149,18 +137,19 @@ private:
     void giveKeyboard(std::shared_ptr<NSView> hit);
     void selectKeyView(bool forward);
     void placeViews();
+    void holdBars();
     void post(std::string_view name);
     void trackMouse(const std::optional<CGPoint>& location, const NSEvent& event);
     void tellEntered(const std::shared_ptr<NSTrackingArea>& area, NSEvent event);
 
     std::string title_;
     CGSize contentSize_;
-    std::shared_ptr<FrameView> frameView_;
+    std::shared_ptr<RootView> rootView_;
     std::shared_ptr<NSView> contentView_;
     std::shared_ptr<NSToolbar> toolbar_;
-    std::shared_ptr<ToolbarStrip> toolbarStrip_;
+    std::shared_ptr<BarView> toolbarView_;
     std::shared_ptr<NSTouchBar> touchBar_;
-    std::shared_ptr<TouchBarStrip> touchBarStrip_;
+    std::shared_ptr<BarView> touchBarView_;
     std::shared_ptr<NSView> pressedView_;
     std::weak_ptr<NSView> firstResponder_;
     /// The tracking areas that the mouse is in.
@@ -171,7 +160,6 @@ private:
     bool isVisible_ = false;
     bool isClosed_ = false;
     bool viewsNeedDisplay_ = true;
-    bool barsNeedLayout_ = true;
 };
 
 } // namespace zorvan

@@ -2,7 +2,7 @@
 
 #include <zorvan/interface/NSApplication.h>
 #include <zorvan/interface/NSControl.h>
-#include <zorvan/interface/internal/FrameView.h>
+#include <zorvan/interface/internal/RootView.h>
 
 #include <algorithm>
 
@@ -22,7 +22,7 @@ bool NSWindow::sendEvent(const NSEvent& event, const std::shared_ptr<NSView>& ov
 }
 
 std::shared_ptr<NSView> NSWindow::hitView(CGPoint location) const {
-    return frameView_->hitTest(location);
+    return rootView_->hitTest(location);
 }
 
 namespace {
@@ -90,7 +90,7 @@ bool NSWindow::sendButton(const NSEvent& event, const std::shared_ptr<NSView>& o
 bool NSWindow::deliver(Handler handler, const std::shared_ptr<NSView>& to, const NSEvent& event) {
     if (!to)
         return false;
-    const auto outermost = frameView_;
+    const auto outermost = rootView_;
     outermost->expectEvent();
     ((*to).*handler)(event);
     return !outermost->gotEvent();
@@ -110,7 +110,7 @@ bool NSWindow::sendKey(const NSEvent& event) {
 bool NSWindow::performKeyEquivalent(const NSEvent& event) {
     const auto keptAlive = shared_from_this();
     const auto toolbar = toolbar_;
-    return !isClosed_ && (frameView_->performKeyEquivalent(event) ||
+    return !isClosed_ && (rootView_->performKeyEquivalent(event) ||
                           (toolbar && toolbar->performKeyEquivalent(event)));
 }
 
@@ -154,10 +154,18 @@ void collectKeyViews(const std::shared_ptr<NSView>& view,
 
 } // namespace
 
+void NSWindow::giveKeyboardToContent() {
+    std::vector<std::shared_ptr<NSView>> views;
+    collectKeyViews(contentView_, views);
+    for (const auto& view : views)
+        if (firstResponder() || makeFirstResponder(view))
+            return;
+}
+
 void NSWindow::selectKeyView(bool forward) {
     const auto keptAlive = shared_from_this();
     std::vector<std::shared_ptr<NSView>> views;
-    collectKeyViews(frameView_, views);
+    collectKeyViews(rootView_, views);
     if (views.empty())
         return;
     const auto current = firstResponder();
@@ -233,7 +241,7 @@ Areas difference(const Areas& areas, const Areas& others) {
 void NSWindow::trackMouse(const std::optional<CGPoint>& location, const NSEvent& event) {
     Areas now;
     if (location)
-        collectAreas(*frameView_, *location, now);
+        collectAreas(*rootView_, *location, now);
     const Areas before = std::exchange(entered_, now);
     using Type = NSEvent::EventType;
     NSEvent told = event;

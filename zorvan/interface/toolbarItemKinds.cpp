@@ -2,8 +2,6 @@
 #include <zorvan/interface/NSSearchToolbarItem.h>
 #include <zorvan/interface/NSToolbar.h>
 #include <zorvan/interface/NSTrackingSeparatorToolbarItem.h>
-#include <zorvan/interface/internal/ItemButton.h>
-#include <zorvan/interface/internal/drawing.h>
 
 namespace zorvan {
 
@@ -32,39 +30,7 @@ void NSMenuToolbarItem::setShowsIndicator(bool shows) {
     didChange();
 }
 
-std::shared_ptr<NSView> NSMenuToolbarItem::makeView() {
-    const std::weak_ptr<NSToolbarItem> weak = weak_from_this();
-    return ItemButton::create([weak] {
-        if (const auto item = std::static_pointer_cast<NSMenuToolbarItem>(weak.lock()))
-            item->menu()->popUp();
-    });
-}
-
-void NSMenuToolbarItem::updateView(NSView& made) {
-    NSToolbarItem::updateView(made);
-    static_cast<ItemButton&>(made).setShowsIndicator(showsIndicator_);
-}
-
 // NSTrackingSeparatorToolbarItem
-
-namespace {
-
-/// A line over the whole height.
-class SeparatorView : public NSView {
-public:
-    static std::shared_ptr<SeparatorView> create() {
-        return std::make_shared<SeparatorView>(Key{}, CGRect());
-    }
-    using NSView::NSView;
-
-    CGSize intrinsicContentSize() const override { return {1, 28}; }
-    void draw(Canvas& canvas) const override {
-        const Drawing drawing(canvas);
-        fillRect(bounds(), Palette::separator);
-    }
-};
-
-} // namespace
 
 std::shared_ptr<NSTrackingSeparatorToolbarItem>
 NSTrackingSeparatorToolbarItem::create(NSToolbarItemIdentifier itemIdentifier,
@@ -86,10 +52,6 @@ std::optional<double> NSTrackingSeparatorToolbarItem::dividerPosition() const {
         return std::nullopt;
     const CGRect all = splitView_->bounds();
     return splitView_->convertToBase({all.minX() + *position, all.minY()}).x;
-}
-
-std::shared_ptr<NSView> NSTrackingSeparatorToolbarItem::makeView() {
-    return SeparatorView::create();
 }
 
 } // namespace zorvan

@@ -5,17 +5,16 @@
 #include <zorvan/media/ImageKeys.h>
 #include <zorvan/media/internal/ThumbnailRequest.h>
 
-#include <string>
 #include <utility>
 
 namespace zorvan {
 
 PropertyList::Dictionary ImageThumbailer::coreImageDictionary() const {
-    return {{std::string(kCGImageSourceShouldCache), false},
-            {std::string(kCGImageSourceShouldAllowFloat), true},
-            {std::string(kCGImageSourceCreateThumbnailWithTransform), applyExifTransform},
-            {std::string(kCGImageSourceCreateThumbnailFromImageAlways), alwaysCreateImage},
-            {std::string(kCGImageSourceThumbnailMaxPixelSize), maximumPixelSize}};
+    return {{kCGImageSourceShouldCache, false},
+            {kCGImageSourceShouldAllowFloat, true},
+            {kCGImageSourceCreateThumbnailWithTransform, applyExifTransform},
+            {kCGImageSourceCreateThumbnailFromImageAlways, alwaysCreateImage},
+            {kCGImageSourceThumbnailMaxPixelSize, maximumPixelSize}};
 }
 
 std::shared_ptr<const CGImage> ImageThumbailer::thumbnail(const URL& url) const {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <zorvan/media/NSImage.h>
-#include <zorvan/platform/propertylist/NSBundle.h>
+#include <zorvan/platform/bundles/NSBundle.h>
 
 #include <cstdint>
 

@@ -6,8 +6,8 @@ namespace zorvan {
 
 // Each acts on the current graphics context, and does nothing when there is none.
 
-/// As the colour of what is filled and of lines.
-void set(const NSColor& color);
+// `set(color)` is both of these; where `std::set` is meant by that, call both.
+
 void setFill(const NSColor& color);
 void setStroke(const NSColor& color);
 

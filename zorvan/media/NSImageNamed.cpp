@@ -1,7 +1,7 @@
 #include <zorvan/media/NSImage.h>
 
-#include <zorvan/platform/propertylist/DesktopIcon.h>
-#include <zorvan/platform/propertylist/NSBundle.h>
+#include <zorvan/platform/bundles/DesktopIcon.h>
+#include <zorvan/platform/bundles/NSBundle.h>
 
 #include <map>
 #include <mutex>

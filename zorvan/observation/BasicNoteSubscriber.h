@@ -48,7 +48,7 @@ public:
     void setObject(std::nullptr_t) noexcept { setObject(std::shared_ptr<Sender>()); }
     /// Where senders are texts: the sender with that text, which is kept.
     void setObject(std::string_view text) requires std::same_as<Sender, const std::string> {
-        text_ = std::make_shared<Sender>(text);
+        text_ = std::make_shared<const std::string>(text);
         object_ = text_;
     }
 

@@ -3,7 +3,7 @@
 #include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 #include <zorvan/platform/foundation/executablePath.h>
-#include <zorvan/platform/propertylist/NSBundle.h>
+#include <zorvan/platform/bundles/NSBundle.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/settings/internal/conversions.h>

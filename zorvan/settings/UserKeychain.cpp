@@ -1,7 +1,7 @@
 #include <zorvan/settings/UserKeychain.h>
 
 #include <zorvan/platform/foundation/executablePath.h>
-#include <zorvan/platform/propertylist/NSBundle.h>
+#include <zorvan/platform/bundles/NSBundle.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
 #include <zorvan/platform/security/internal/Items.h>
 #include <zorvan/platform/security/wipe.h>

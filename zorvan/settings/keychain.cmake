@@ -2,3 +2,4 @@
 zorvan_library(UserKeychain
   SOURCES UserKeychain.cpp
   USES Foundation PropertyListFiles Security)
+target_link_libraries(UserKeychain PRIVATE Zorvan::Bundles)

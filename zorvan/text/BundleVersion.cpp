@@ -1,6 +1,6 @@
 #include <zorvan/text/BundleVersion.h>
 
-#include <zorvan/platform/propertylist/NSBundle.h>
+#include <zorvan/platform/bundles/NSBundle.h>
 #include <zorvan/text/NSBundle.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include <zorvan/text/NSBundle.h>
 
-#include <zorvan/platform/propertylist/DesktopIcon.h>
+#include <zorvan/platform/bundles/DesktopIcon.h>
 
 namespace zorvan {
 

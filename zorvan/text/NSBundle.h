@@ -2,7 +2,7 @@
 
 #include <zorvan/platform/foundation/NSNumber.h>
 #include <zorvan/platform/foundation/URL.h>
-#include <zorvan/platform/propertylist/NSBundle.h>
+#include <zorvan/platform/bundles/NSBundle.h>
 #include <zorvan/text/BundleVersion.h>
 
 #include <cstdint>

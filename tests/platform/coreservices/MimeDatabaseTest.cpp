@@ -21,7 +21,7 @@ protected:
 
 } // namespace
 
-TEST_F(MimeDatabaseTest, readsExtensionsByWeight) {
+TEST_F(MimeDatabaseTest, ReadsExtensionsByWeight) {
     write("globs2", "# a comment\n"
                     "50:image/x-tga:*.tga\n"
                     "80:image/x-targa:*.TGA\n"
@@ -39,7 +39,7 @@ TEST_F(MimeDatabaseTest, readsExtensionsByWeight) {
                 Optional(Eq("image/x-tga")));
 }
 
-TEST_F(MimeDatabaseTest, survivesNonsense) {
+TEST_F(MimeDatabaseTest, SurvivesNonsense) {
     using namespace std::string_literals;
     write("globs2", "50:../../etc/passwd:*.a\n50:image/../x:*.b\n:::\n5x:image/c:*.c\n"
                     "99999999999999999999:image/d:*.d\n50:image/e\n\n50:image/:*.f\n"
@@ -52,7 +52,7 @@ TEST_F(MimeDatabaseTest, survivesNonsense) {
     EXPECT_THAT(database.parents("image/ok"), testing::ElementsAre("image/ok", "image/p"));
 }
 
-TEST_F(MimeDatabaseTest, isEmptyWhereThereIsNoneOrAHugeOne) {
+TEST_F(MimeDatabaseTest, IsEmptyWhereThereIsNoneOrAHugeOne) {
     const MimeDatabase nowhere({folder.url("missing").path(), "/dev/null"});
     EXPECT_FALSE(nowhere.typeOfExtension("tga"));
     folder.folder("mime/globs2");
@@ -64,7 +64,7 @@ TEST_F(MimeDatabaseTest, isEmptyWhereThereIsNoneOrAHugeOne) {
     EXPECT_FALSE(read().typeOfExtension("tga")) << "of a huge file";
 }
 
-TEST_F(MimeDatabaseTest, readsComments) {
+TEST_F(MimeDatabaseTest, ReadsComments) {
     write("image/x-tga.xml", "<comment>A &lt;TGA&gt; &amp; image &bad;</comment>"
                              "<comment xml:lang=\"de\">TGA-Bild</comment><comment>x");
     const MimeDatabase database = read();
@@ -94,7 +94,7 @@ protected:
     }
 };
 
-TEST_F(LongTail, hasIdentifiersAndConformance) {
+TEST_F(LongTail, HasIdentifiersAndConformance) {
     inFreshProcess([this] {
         write("globs2", "50:image/x-tga:*.tga\n50:image/jpeg:*.jfif\n50:audio/a_b+c:*.abc\n"
                         "50:application/x-loop:*.loop\n50:application/vnd.doc:*.odx\n");
@@ -124,7 +124,7 @@ TEST_F(LongTail, hasIdentifiersAndConformance) {
     });
 }
 
-TEST_F(LongTail, canBeMissing) {
+TEST_F(LongTail, CanBeMissing) {
     inFreshProcess([] {
         return !UTTypeCreatePreferredIdentifierForTag(kUTTagClassFilenameExtension, "tga") &&
                UTTypeConformsTo("public.jpeg", "public.image");

@@ -16,7 +16,7 @@ const PropertyList::Array& array(const PropertyList::Dictionary& dictionary, con
 
 } // namespace
 
-TEST(UTType, findsTypesByExtension) {
+TEST(UTType, FindsTypesByExtension) {
     const std::pair<const char*, const char*> table[] = {
         {"jpg", "public.jpeg"},
         {"JPEG", "public.jpeg"},
@@ -35,14 +35,14 @@ TEST(UTType, findsTypesByExtension) {
         EXPECT_FALSE(typeOf(unknown)) << unknown;
 }
 
-TEST(UTType, findsTypesByMimeType) {
+TEST(UTType, FindsTypesByMimeType) {
     EXPECT_THAT(UTTypeCreatePreferredIdentifierForTag(kUTTagClassMIMEType, "Image/PNG"),
                 Optional(Eq("public.png")));
     EXPECT_FALSE(UTTypeCreatePreferredIdentifierForTag(kUTTagClassMIMEType, "image/no-such"));
     EXPECT_FALSE(UTTypeCreatePreferredIdentifierForTag("public.other-class", "png"));
 }
 
-TEST(UTType, knowsWhatConformsToWhat) {
+TEST(UTType, KnowsWhatConformsToWhat) {
     using Names = std::vector<std::string_view>;
     struct {
         std::string_view identifier;
@@ -74,7 +74,7 @@ TEST(UTType, knowsWhatConformsToWhat) {
     }
 }
 
-TEST(UTType, conformanceIsAnOrder) {
+TEST(UTType, ConformanceIsAnOrder) {
     const auto all = coreservices::typeDeclarations();
     for (const auto& a : all)
         for (const auto& b : all) {
@@ -88,7 +88,7 @@ TEST(UTType, conformanceIsAnOrder) {
         }
 }
 
-TEST(UTType, noTagBelongsToTwoTypes) {
+TEST(UTType, NoTagBelongsToTwoTypes) {
     std::set<std::string> identifiers, extensions, mimeTypes;
     for (const auto& type : coreservices::typeDeclarations()) {
         EXPECT_TRUE(identifiers.emplace(type.identifier).second) << type.identifier;
@@ -103,7 +103,7 @@ TEST(UTType, noTagBelongsToTwoTypes) {
     }
 }
 
-TEST(UTType, describesAndDeclares) {
+TEST(UTType, DescribesAndDeclares) {
     const auto jpeg = UTTypeCopyDeclaration("Public.JPEG");
     ASSERT_TRUE(jpeg);
     EXPECT_EQ(jpeg->at("UTTypeIdentifier"), PropertyList("public.jpeg"));
@@ -121,14 +121,14 @@ TEST(UTType, describesAndDeclares) {
     EXPECT_FALSE(UTTypeCopyDescription("unheard.of"));
 }
 
-TEST(UTType, knowsPackages) {
+TEST(UTType, KnowsPackages) {
     for (const char* extension : {"app", "RTFD"})
         EXPECT_TRUE(isPackageExtension(extension)) << extension;
     for (const char* extension : {"", "framework", "jpg", "d"})
         EXPECT_FALSE(isPackageExtension(extension)) << extension;
 }
 
-TEST(OSType, isTheTextOfItsBytes) {
+TEST(OSType, IsTheTextOfItsBytes) {
     EXPECT_EQ(UTCreateStringForOSType(0x4A504547), "JPEG");
     EXPECT_EQ(UTCreateStringForOSType(0x5445587F), "TEX\x7F");
     EXPECT_EQ(UTCreateStringForOSType(0x8E20DB41), "é €A");
@@ -138,7 +138,7 @@ TEST(OSType, isTheTextOfItsBytes) {
         EXPECT_EQ(UTGetOSTypeFromString(text), 0u) << text;
 }
 
-TEST(OSType, everyCodeComesBackFromItsText) {
+TEST(OSType, EveryCodeComesBackFromItsText) {
     std::mt19937 random(7);
     for (int i = 0; i < 20000; ++i) {
         const auto code = static_cast<std::uint32_t>(random());
@@ -146,7 +146,7 @@ TEST(OSType, everyCodeComesBackFromItsText) {
     }
 }
 
-TEST(UTType, answersSeveralThreadsAtOnce) {
+TEST(UTType, AnswersSeveralThreadsAtOnce) {
     std::vector<std::jthread> threads;
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([] {

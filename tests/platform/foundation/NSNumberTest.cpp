@@ -2,7 +2,7 @@
 
 #include <zorvan/platform/foundation/NSNumber.h>
 
-TEST(NSNumber, clampsRealsOutsideTheIntegerRange) {
+TEST(NSNumber, ClampsRealsOutsideTheIntegerRange) {
     const std::pair<double, std::int64_t> table[] = {
         {2.9, 2},
         {-2.9, -2},
@@ -16,7 +16,7 @@ TEST(NSNumber, clampsRealsOutsideTheIntegerRange) {
         EXPECT_EQ(NSNumber(real).int64Value(), integer) << real;
 }
 
-TEST(NSNumber, comparesByValueAcrossKinds) {
+TEST(NSNumber, ComparesByValueAcrossKinds) {
     EXPECT_EQ(NSNumber(true), NSNumber(1));
     EXPECT_EQ(NSNumber(1), NSNumber(1.0));
     EXPECT_NE(NSNumber(1), NSNumber(1.5));

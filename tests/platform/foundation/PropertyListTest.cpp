@@ -2,7 +2,7 @@
 
 #include <zorvan/platform/foundation/PropertyList.h>
 
-TEST(PropertyList, givesWhatItHoldsWithoutADetour) {
+TEST(PropertyList, GivesWhatItHoldsWithoutADetour) {
     const PropertyList real(-2.5), large(std::numeric_limits<std::uint64_t>::max()), text("a"),
         truth(true), list(PropertyList::Array{1, "b"});
     EXPECT_EQ(real.as<double>(), -2.5);
@@ -19,7 +19,7 @@ TEST(PropertyList, givesWhatItHoldsWithoutADetour) {
     EXPECT_EQ(*text.as<std::string>(), "a");
 }
 
-TEST(PropertyList, givesItselfAwayWhenItIsAboutToGo) {
+TEST(PropertyList, GivesItselfAwayWhenItIsAboutToGo) {
     const auto made = [] {
         return PropertyList(PropertyList::Array{"a text too long to be kept in place"});
     };

@@ -29,7 +29,7 @@ mode_t mode(const fs::path& path) {
 
 } // namespace
 
-TEST(WriteFile, writesFilesAndRefusesTheRest) {
+TEST(WriteFile, WritesFilesAndRefusesTheRest) {
     TemporaryFolder folder;
     const fs::path at = folder.path();
     const mode_t mask = umask(027);
@@ -69,7 +69,7 @@ TEST(WriteFile, writesFilesAndRefusesTheRest) {
     EXPECT_EQ(folder.count(), count);
 }
 
-TEST(WriteFile, takesBareNames) {
+TEST(WriteFile, TakesBareNames) {
     TemporaryFolder folder;
     const fs::path before = fs::current_path();
     fs::current_path(folder.path());
@@ -80,7 +80,7 @@ TEST(WriteFile, takesBareNames) {
     EXPECT_EQ(folder.count(), 1);
 }
 
-TEST(WriteFile, keepsTheAccessList) {
+TEST(WriteFile, KeepsTheAccessList) {
     TemporaryFolder folder(TemporaryFolder::fastParent());
     folder.file("old", "old");
     const std::string path = (folder.path() / "old").string();
@@ -99,7 +99,7 @@ TEST(WriteFile, keepsTheAccessList) {
 
 // Strikes at each system call in turn. The file has the old bytes or the new ones, and the next
 // write leaves nothing but the file.
-TEST(WriteFile, leavesNothingBehindWhenKilledAtAnyStep) {
+TEST(WriteFile, LeavesNothingBehindWhenKilledAtAnyStep) {
     const std::string large(70000, 'n');
     for (const bool isThere : {true, false}) {
         auto end = TracedProcess::End::wasStruck;
@@ -119,7 +119,7 @@ TEST(WriteFile, leavesNothingBehindWhenKilledAtAnyStep) {
     }
 }
 
-TEST(Scratch, isClearedOnceItsProcessHasEnded) {
+TEST(Scratch, IsClearedOnceItsProcessHasEnded) {
     TemporaryFolder folder;
     int ready[2], stop[2];
     ASSERT_TRUE(pipe(ready) == 0 && pipe(stop) == 0);
@@ -155,7 +155,7 @@ TEST(Scratch, isClearedOnceItsProcessHasEnded) {
         close(descriptor);
 }
 
-TEST(Scratch, believesNoListThatAnotherCouldHaveWritten) {
+TEST(Scratch, BelievesNoListThatAnotherCouldHaveWritten) {
     const std::string scratch = makeUUIDString();
     const std::string names[] = {
         "document", "../" + scratch, scratch + "x", "." + scratch, scratch + ".jpg", scratch + "/x",
@@ -182,7 +182,7 @@ TEST(Scratch, believesNoListThatAnotherCouldHaveWritten) {
     }
 }
 
-TEST(Scratch, manyThreadsLeaveNothing) {
+TEST(Scratch, ManyThreadsLeaveNothing) {
     TemporaryFolder folder(TemporaryFolder::fastParent());
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)
@@ -196,7 +196,7 @@ TEST(Scratch, manyThreadsLeaveNothing) {
     EXPECT_EQ(folder.count(), 3);
 }
 
-TEST(ReplaceItem, takesTwoStepsWhereItMust) {
+TEST(ReplaceItem, TakesTwoStepsWhereItMust) {
     TemporaryFolder folder;
     const fs::path at = folder.path();
     const auto replace = [&](const char* original, const char* replacement) {

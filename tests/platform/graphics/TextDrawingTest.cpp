@@ -17,7 +17,7 @@ Bitmap blank(BitmapLayout layout = BitmapLayout::rgba) { return *Bitmap::make(20
 
 } // namespace
 
-TEST(TextDrawing, staysInsideItsBox) {
+TEST(TextDrawing, StaysInsideItsBox) {
     Bitmap bitmap = blank();
     drawTextLine(bitmap, std::string(500, 'W'), {50, 5, 100, 18}, {});
     EXPECT_GT(painted(bitmap), 200);
@@ -25,7 +25,7 @@ TEST(TextDrawing, staysInsideItsBox) {
     EXPECT_EQ(painted(bitmap, 150), 0);
 }
 
-TEST(TextDrawing, alignsAndShortens) {
+TEST(TextDrawing, AlignsAndShortens) {
     Bitmap left = blank(), right = blank(), middle = blank(), end = blank();
     drawTextLine(left, "ab", {0, 0, 200, 20}, {.alignment = TextLineAlignment::left});
     drawTextLine(right, "ab", {0, 0, 200, 20}, {.alignment = TextLineAlignment::right});
@@ -40,7 +40,7 @@ TEST(TextDrawing, alignsAndShortens) {
     EXPECT_NE(std::memcmp(middle.data(), end.data(), 200 * 30 * 4), 0);
 }
 
-TEST(TextDrawing, paintsPremultipliedColourInEitherLayout) {
+TEST(TextDrawing, PaintsPremultipliedColourInEitherLayout) {
     const TextLineStyle style{.size = 20,
                               .color = {.red = 200, .green = 100, .blue = 50, .alpha = 128}};
     Bitmap rgba = blank(), argb = blank(BitmapLayout::argb);
@@ -57,7 +57,7 @@ TEST(TextDrawing, paintsPremultipliedColourInEitherLayout) {
     EXPECT_EQ(strongest, 128);
 }
 
-TEST(TextDrawing, isClippedByTheBitmap) {
+TEST(TextDrawing, IsClippedByTheBitmap) {
     for (const TextBox box : {TextBox{-50, -8, 100, 18},
                               {180, 20, 100, 18},
                               {1000, 0, 50, 18},
@@ -72,7 +72,7 @@ TEST(TextDrawing, isClippedByTheBitmap) {
     }
 }
 
-TEST(TextDrawing, takesAnyTextAndSize) {
+TEST(TextDrawing, TakesAnyTextAndSize) {
     for (const std::string& text :
          {std::string("\xFF\xC3 broken"), std::string("two\nlines"), std::string("nul\0!", 5),
           std::string("\u202E مرحبا 日本 \U0001F600"), std::string(1 << 20, 'x')}) {
@@ -87,7 +87,7 @@ TEST(TextDrawing, takesAnyTextAndSize) {
     }
 }
 
-TEST(TextDrawing, severalThreadsShareABitmap) {
+TEST(TextDrawing, SeveralThreadsShareABitmap) {
     Bitmap bitmap = blank();
     {
         std::vector<std::jthread> threads;

@@ -61,7 +61,7 @@ TEST(WireFormat, RefusesEveryMessageCutShortOrDrawnOut) {
     bytes.push_back(std::byte{0});
     EXPECT_FALSE(decodeNotification(bytes));
     bytes.pop_back();
-    bytes[0] = std::byte{2};
+    bytes[0] = std::byte{1};
     EXPECT_FALSE(decodeNotification(bytes)) << "of another version";
 }
 

@@ -41,7 +41,7 @@ std::string array(const std::vector<int>& references) {
 
 } // namespace
 
-TEST(Binary, readsEveryForm) {
+TEST(Binary, ReadsEveryForm) {
     const std::pair<std::string, PropertyList> table[] = {
         {bytes({0x09}), true},
         {bytes({0x10, 0xFF}), 255}, // short integers have no sign
@@ -68,7 +68,7 @@ TEST(Binary, readsEveryForm) {
     }
 }
 
-TEST(Binary, saysWhatIsWrong) {
+TEST(Binary, SaysWhatIsWrong) {
     const std::string no = "an object is of a kind that property lists do not have";
     const std::pair<std::string, std::string> table[] = {
         {"bplist00", "the file is cut short"},
@@ -98,7 +98,7 @@ TEST(Binary, saysWhatIsWrong) {
     }
 }
 
-TEST(Binary, holdsBackWhatUnfolds) {
+TEST(Binary, HoldsBackWhatUnfolds) {
     // Eight levels of sixteen references each: four thousand million leaves.
     std::vector<std::string> levels;
     for (int level = 1; level <= 8; ++level)
@@ -116,7 +116,7 @@ TEST(Binary, holdsBackWhatUnfolds) {
     EXPECT_TRUE(decoded(binary({array({1, 1, 1}), text})));
 }
 
-TEST(Binary, sharesEqualTexts) {
+TEST(Binary, SharesEqualTexts) {
     PropertyList::Array rows;
     for (int i = 0; i < 1000; ++i)
         rows.emplace_back(PropertyList::Dictionary{{"a rather long key", "a rather long value"}});
@@ -125,7 +125,7 @@ TEST(Binary, sharesEqualTexts) {
     EXPECT_EQ(propertylist::decode(*written), PropertyList(rows));
 }
 
-TEST(Binary, survivesDamage) {
+TEST(Binary, SurvivesDamage) {
     const Data whole = *propertylist::encode(everyKind(), Format::binary);
     std::mt19937 random(1);
     for (int i = 0; i < 50000; ++i) {

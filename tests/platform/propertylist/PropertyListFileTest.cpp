@@ -17,7 +17,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Forms, PropertyListFile, testing::Values(Format::xml, Format::binary));
 
-TEST_P(PropertyListFile, keepsEverything) {
+TEST_P(PropertyListFile, KeepsEverything) {
     const PropertyList list = everyKind();
     std::string reason;
     ASSERT_TRUE(propertylist::writeFile(list, GetParam(), path("a.plist"), &reason)) << reason;
@@ -33,7 +33,7 @@ TEST_P(PropertyListFile, keepsEverything) {
     EXPECT_EQ(folder.count(), 1);
 }
 
-TEST_P(PropertyListFile, boundsTheDepth) {
+TEST_P(PropertyListFile, BoundsTheDepth) {
     std::string reason;
     const auto deepest = propertylist::encode(nested(propertylist::maximumDepth), GetParam());
     ASSERT_TRUE(deepest);
@@ -48,7 +48,7 @@ TEST_P(PropertyListFile, boundsTheDepth) {
     EXPECT_EQ(reason, "the list is too deep");
 }
 
-TEST_P(PropertyListFile, leavesTheOldFileAfterAFailure) {
+TEST_P(PropertyListFile, LeavesTheOldFileAfterAFailure) {
     ASSERT_TRUE(propertylist::writeFile(1, GetParam(), path("a.plist")));
     std::string reason;
     EXPECT_FALSE(propertylist::writeFile("\xFF", GetParam(), path("a.plist"), &reason));
@@ -61,7 +61,7 @@ TEST_P(PropertyListFile, leavesTheOldFileAfterAFailure) {
     EXPECT_EQ(folder.count(), 2);
 }
 
-TEST_P(PropertyListFile, keepsThePermissions) {
+TEST_P(PropertyListFile, KeepsThePermissions) {
     const auto permissions = [&] { return fs::status(path("a.plist")).permissions(); };
     const mode_t mask = ::umask(022);
     ASSERT_TRUE(propertylist::writeFile(1, GetParam(), path("a.plist")));
@@ -72,7 +72,7 @@ TEST_P(PropertyListFile, keepsThePermissions) {
     ::umask(mask);
 }
 
-TEST_P(PropertyListFile, refusesWhatIsNoFile) {
+TEST_P(PropertyListFile, RefusesWhatIsNoFile) {
     std::string reason;
     EXPECT_FALSE(propertylist::readFile(path("missing"), &reason));
     EXPECT_EQ(reason, "No such file or directory");

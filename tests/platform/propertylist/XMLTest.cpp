@@ -1,22 +1,19 @@
 #include "Lists.h"
 #include <tests/Testing.h>
+#include <tests/bytesOf.h>
 
 using propertylist::Format;
 
 namespace {
 
-std::string text(const Data& bytes) {
-    return std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-}
-
 std::string plist(const std::string& content) { return "<plist>" + content + "</plist>"; }
 
 } // namespace
 
-TEST(XML, isReadable) {
+TEST(XML, IsReadable) {
     const PropertyList list = PropertyList::Dictionary{
         {"a", PropertyList::Array{1, 2.5, true, "x & y"}}, {"b", PropertyList::Dictionary{}}};
-    EXPECT_EQ(text(*propertylist::encode(list, Format::xml)),
+    EXPECT_EQ(textOf(*propertylist::encode(list, Format::xml)),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
               "<plist version=\"1.0\">\n"
               "<dict>\n"
@@ -33,7 +30,7 @@ TEST(XML, isReadable) {
               "</plist>\n");
 }
 
-TEST(XML, readsWhatOthersWrite) {
+TEST(XML, ReadsWhatOthersWrite) {
     const std::pair<std::string, PropertyList> table[] = {
         {"<?xml version='1.0'?><!DOCTYPE plist SYSTEM 'list.dtd'><plist "
          "version='1.0'><true/></plist>",
@@ -64,7 +61,7 @@ TEST(XML, readsWhatOthersWrite) {
     EXPECT_EQ(decoded(plist("<string>" + longText + "</string>")), PropertyList(longText));
 }
 
-TEST(XML, saysWhatIsWrong) {
+TEST(XML, SaysWhatIsWrong) {
     const std::pair<std::string, std::string> table[] = {
         {"", "no element found"},
         {"<html/>", "it is no property list"},
@@ -106,7 +103,7 @@ TEST(XML, saysWhatIsWrong) {
     }
 }
 
-TEST(XML, refusesWhatItCannotHold) {
+TEST(XML, RefusesWhatItCannotHold) {
     std::string reason;
     EXPECT_FALSE(propertylist::encode(std::string("a\x01"), Format::xml, &reason));
     EXPECT_EQ(reason, "a text has a character that XML cannot hold");

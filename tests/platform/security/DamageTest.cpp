@@ -1,12 +1,15 @@
 #include "SecureItems.h"
 
+#include <fcntl.h>
 #include <fstream>
 #include <random>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace zorvan;
 namespace fs = std::filesystem;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -62,7 +65,7 @@ TEST_F(DamageTest, AChangedRowIsAbsent) {
         EXPECT_EQ(get(item("b")), "b");
         // A change of attributes has nothing to seal again; a value makes the item whole.
         sql("UPDATE items SET service = 'test', account = 'a' WHERE account NOT IN ('b', 'c')");
-        EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytes("new")}}), errSecSuccess)
+        EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytesOf("new")}}), errSecSuccess)
             << change;
         EXPECT_EQ(get(item("a")), "new") << change;
         EXPECT_EQ(SecItemDelete({{kSecClass, kSecClassGenericPassword}}), errSecSuccess);
@@ -103,8 +106,7 @@ TEST_F(DamageTest, AnythingInPlaceOfTheDatabaseDoesNoHarm) {
     ASSERT_EQ(add("a", "1"), errSecSuccess);
     std::mt19937 random(1);
     ASSERT_EQ(sql("PRAGMA wal_checkpoint(TRUNCATE)"), "0\n0\n0\n");
-    std::ifstream file(path("items.sqlite"), std::ios::binary);
-    const std::string whole(std::istreambuf_iterator<char>(file), {});
+    const std::string whole = text(path("items.sqlite"));
     for (int i = 0; i < 200; ++i) {
         std::string damaged = whole;
         for (unsigned n = random() % 64 + 1; n > 0; --n)
@@ -248,17 +250,41 @@ TEST_F(DamageTest, LinksAreRefused) {
     EXPECT_EQ(ask(*peer(), "add b 2"), refused);
 }
 
+// As where the home folders of a machine have been moved.
+TEST_F(DamageTest, ALinkOnTheWayToTheFolderIsFollowed) {
+    fs::create_directory(root + "/elsewhere");
+    fs::create_directory_symlink(root + "/elsewhere", root + "/data");
+    EXPECT_EQ(add("a", "1"), errSecSuccess);
+    EXPECT_EQ(ask(*peer(), "get a"), "1");
+    fs::remove(root + "/data"); // what it led to is not used on
+    EXPECT_EQ(get(item("a")), absent);
+}
+
+// On volumes that cannot rename without replacing, whoever makes the key has linked it to its name
+// before its first one goes, and has the folder locked meanwhile.
+TEST_F(DamageTest, AKeyThatIsJustBeingMadeIsWaitedFor) {
+    ASSERT_EQ(add("a", "1"), errSecSuccess);
+    const auto other = peer();
+    ASSERT_EQ(ask(*other, "get b"), absent); // which has everything open but the key
+    const int maker = ::open(folder().c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(maker, LOCK_EX), 0);
+    fs::create_hard_link(path("key"), path(".first-name"));
+    other->tell("get a");
+    EXPECT_FALSE(other->hear(100ms));
+    fs::remove(path(".first-name"));
+    ::close(maker);
+    EXPECT_EQ(other->hear(), "1");
+}
+
 TEST_F(DamageTest, ADamagedKeyFileIsNeverReplaced) {
     ASSERT_EQ(add("a", "1"), errSecSuccess);
-    std::ifstream file(path("key"), std::ios::binary);
-    const std::string whole(std::istreambuf_iterator<char>(file), {});
+    const std::string whole = text(path("key"));
     std::string flipped = whole;
     flipped[30] = static_cast<char>(flipped[30] ^ 1);
     for (const std::string& damaged : {std::string(), whole.substr(1), whole + "x", flipped}) {
         std::ofstream(path("key"), std::ios::binary) << damaged;
         EXPECT_EQ(ask(*peer(), "set b 2"), unavailable);
-        std::ifstream now(path("key"), std::ios::binary);
-        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(now), {}), damaged);
+        EXPECT_EQ(text(path("key")), damaged);
     }
     std::ofstream(path("key"), std::ios::binary) << whole;
     EXPECT_EQ(get(item("a")), "1");

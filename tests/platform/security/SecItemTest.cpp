@@ -62,13 +62,13 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
 TEST_F(SecItemTest, AnItemComesAndGoes) {
     EXPECT_EQ(get(item("a")), std::to_string(errSecItemNotFound));
     EXPECT_EQ(SecItemDelete(item("a")), errSecItemNotFound);
-    EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytes("x")}}), errSecItemNotFound);
+    EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytesOf("x")}}), errSecItemNotFound);
     EXPECT_FALSE(std::filesystem::exists(folder())); // looking makes nothing
     EXPECT_EQ(add("a", "one"), errSecSuccess);
     EXPECT_EQ(get(item("a")), "one");
     EXPECT_EQ(add("a", "two"), errSecDuplicateItem);
     EXPECT_EQ(get(item("a")), "one");
-    EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytes("")}}), errSecSuccess);
+    EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytesOf("")}}), errSecSuccess);
     EXPECT_EQ(get(item("a")), "");
     EXPECT_EQ(SecItemDelete(item("a")), errSecSuccess);
     EXPECT_EQ(get(item("a")), std::to_string(errSecItemNotFound));
@@ -102,7 +102,7 @@ TEST_F(SecItemTest, EveryAttributeNamedHasToBeEqual) {
         {{{kSecAttrAccessGroup, ""}}, {"a", odd}},
         {{{kSecAttrAccessGroup, "group"}}, {"b"}},
         {{{kSecAttrGeneric, generic}}, {"a"}},
-        {{{kSecAttrGeneric, bytes("g")}}, {"b"}}, // a text is its bytes
+        {{{kSecAttrGeneric, bytesOf("g")}}, {"b"}}, // a text is its bytes
         {{{kSecAttrAccessible, kSecAttrAccessibleWhenUnlocked}}, {"a", odd}},
         {{{kSecAttrAccessible, kSecAttrAccessibleAfterFirstUnlock}}, {"b"}},
         {{{kSecAttrSynchronizable, true}}, {"b"}},
@@ -142,7 +142,7 @@ TEST_F(SecItemTest, OfBothStatesTheOneWrittenLastIsRead) {
     ASSERT_EQ(add("a", "second", {{kSecAttrSynchronizable, true}}), errSecSuccess);
     EXPECT_EQ(get(item("a")), "second");
     ASSERT_EQ(SecItemUpdate(item("a", {{kSecAttrSynchronizable, false}}),
-                            {{kSecValueData, bytes("third")}}),
+                            {{kSecValueData, bytesOf("third")}}),
               errSecSuccess);
     EXPECT_EQ(get(item("a")), "third");
     EXPECT_EQ(SecItemUpdate(item("a"), {{kSecAttrSynchronizable, true}}), errSecDuplicateItem);
@@ -167,9 +167,9 @@ TEST_F(SecItemTest, AnUpdateKeepsWhatItDoesNotChange) {
               *after.at(kSecAttrModificationDate).as<Date>());
     expected.insert_or_assign(kSecAttrModificationDate, after.at(kSecAttrModificationDate));
     EXPECT_EQ(after, expected);
-    EXPECT_EQ(expected.at(kSecValueData), bytes("v"));
+    EXPECT_EQ(expected.at(kSecValueData), bytesOf("v"));
     EXPECT_EQ(expected.at(kSecValuePersistentRef), name);
-    EXPECT_EQ(expected.at(kSecAttrGeneric), bytes("g"));
+    EXPECT_EQ(expected.at(kSecAttrGeneric), bytesOf("g"));
     EXPECT_EQ(get(item("a")), std::to_string(errSecItemNotFound));
 }
 
@@ -185,7 +185,7 @@ TEST_F(SecItemTest, AClockThatIsSetDoesNotChangeTheOrder) {
             const Data name = reference(query);
             const Dictionary before = everything(name);
             const std::string value = std::to_string(wrongBy) + (isSynchronizable ? "t" : "f");
-            ASSERT_EQ(SecItemUpdate(query, {{kSecValueData, bytes(value)}}), errSecSuccess);
+            ASSERT_EQ(SecItemUpdate(query, {{kSecValueData, bytesOf(value)}}), errSecSuccess);
             EXPECT_EQ(get(item("a")), value);
             const Dictionary after = everything(name);
             EXPECT_EQ(after.at(kSecAttrCreationDate), before.at(kSecAttrCreationDate));
@@ -206,9 +206,9 @@ TEST_F(SecItemTest, ResultsAreWhatIsAskedFor) {
     EXPECT_FALSE(copy({}).value);
     EXPECT_EQ(copy({}).status, errSecSuccess);
     EXPECT_TRUE(copy({{kSecReturnAttributes, true}}).value->as<Dictionary>());
-    EXPECT_EQ(copy({{kSecReturnData, true}, {kSecMatchLimit, 1}}).value, bytes("a"));
+    EXPECT_EQ(copy({{kSecReturnData, true}, {kSecMatchLimit, 1}}).value, bytesOf("a"));
     EXPECT_EQ(copy({{kSecReturnData, true}, {kSecMatchLimit, 2}}).value,
-              (PropertyList::Array{bytes("a"), bytes("b")}));
+              (PropertyList::Array{bytesOf("a"), bytesOf("b")}));
     EXPECT_EQ(copy({{kSecReturnData, true}, {kSecMatchLimit, kSecMatchLimitAll}})
                   .value->as<PropertyList::Array>()
                   ->size(),
@@ -224,13 +224,13 @@ TEST_F(SecItemTest, APersistentReferenceNamesOneItemForGood) {
     const Data name = reference(item("a"));
     EXPECT_EQ(get({{kSecValuePersistentRef, name}}), "1");
     EXPECT_EQ(get(item("b", {{kSecValuePersistentRef, name}})), std::to_string(errSecItemNotFound));
-    EXPECT_EQ(SecItemUpdate({{kSecValuePersistentRef, name}}, {{kSecValueData, bytes("2")}}),
+    EXPECT_EQ(SecItemUpdate({{kSecValuePersistentRef, name}}, {{kSecValueData, bytesOf("2")}}),
               errSecSuccess);
     EXPECT_EQ(get(item("a")), "2");
     EXPECT_EQ(SecItemDelete({{kSecValuePersistentRef, name}}), errSecSuccess);
     ASSERT_EQ(add("a", "3"), errSecSuccess);
     EXPECT_EQ(get({{kSecValuePersistentRef, name}}), std::to_string(errSecItemNotFound));
-    EXPECT_EQ(get({{kSecValuePersistentRef, bytes("zsi")}}), std::to_string(errSecItemNotFound));
+    EXPECT_EQ(get({{kSecValuePersistentRef, bytesOf("zsi")}}), std::to_string(errSecItemNotFound));
 }
 
 TEST_F(SecItemTest, RefusesWhatMakesNoSense) {
@@ -251,7 +251,7 @@ TEST_F(SecItemTest, RefusesWhatMakesNoSense) {
         {SecItemCopyMatching(item("a", {{kSecMatchLimit, 0}})).status, errSecParam},
         {SecItemCopyMatching(item("a", {{kSecMatchLimit, "many"}})).status, errSecParam},
         {SecItemCopyMatching(item("a", {{kSecReturnData, 1}})).status, errSecParam},
-        {SecItemCopyMatching(item("a", {{kSecValueData, bytes("1")}})).status, errSecParam},
+        {SecItemCopyMatching(item("a", {{kSecValueData, bytesOf("1")}})).status, errSecParam},
         {SecItemCopyMatching({{kSecAttrAccount, "a"}}).status, errSecParam},
         {SecItemUpdate(item("a"), {}), errSecParam},
         {SecItemUpdate(item("a"), item("b")), errSecParam}, // a class cannot be changed
@@ -285,7 +285,8 @@ TEST_F(SecItemTest, ThreadsDoNotDisturbEachOther) {
                 added += add(account, account) == errSecSuccess;
                 EXPECT_EQ(get(item(account)), account);
                 EXPECT_EQ(add(own, account), errSecSuccess);
-                EXPECT_EQ(SecItemUpdate(item(own), {{kSecValueData, bytes("new")}}), errSecSuccess);
+                EXPECT_EQ(SecItemUpdate(item(own), {{kSecValueData, bytesOf("new")}}),
+                          errSecSuccess);
                 EXPECT_EQ(get(item(own)), "new");
                 EXPECT_EQ(SecItemDelete(item(own)), errSecSuccess);
             }

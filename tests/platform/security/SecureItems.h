@@ -4,13 +4,15 @@
 
 #include <zorvan/platform/security/SecItem.h>
 
+#include <tests/bytesOf.h>
+#include <tests/files/TemporaryFolder.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
 #include <span>
 #include <sqlite3.h>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -20,11 +22,6 @@ protected:
     using Dictionary = zorvan::PropertyList::Dictionary;
 
     SecureItems() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "zorvan-items-XXXXXX").string();
-        if (!::mkdtemp(pattern.data()))
-            throw std::runtime_error("mkdtemp");
-        root = pattern;
         environment = {{"XDG_DATA_HOME", root + "/data"},
                        {"XDG_RUNTIME_DIR", root},
                        {"HOME", root},
@@ -36,19 +33,9 @@ protected:
         for (const auto& [name, value] : environment)
             value.empty() ? ::unsetenv(name.c_str()) : ::setenv(name.c_str(), value.c_str(), 1);
     }
-    ~SecureItems() override {
-        std::error_code ignored;
-        std::filesystem::permissions(folder(), std::filesystem::perms::owner_all, ignored);
-        std::filesystem::remove_all(root, ignored);
-    }
 
     std::string folder() const { return root + "/data/zorvan/secure-items"; }
     std::string path(const std::string& name) const { return folder() + '/' + name; }
-
-    static zorvan::Data bytes(std::string_view text) {
-        const auto raw = std::as_bytes(std::span(text));
-        return zorvan::Data(raw.begin(), raw.end());
-    }
 
     /// A query, or an item, with an account and more.
     static Dictionary item(std::string_view account, const Dictionary& more = {}) {
@@ -63,7 +50,7 @@ protected:
     static zorvan::OSStatus add(std::string_view account, std::string_view value,
                                 const Dictionary& more = {}) {
         Dictionary attributes = item(account, more);
-        attributes.insert_or_assign(zorvan::kSecValueData, bytes(value));
+        attributes.insert_or_assign(zorvan::kSecValueData, bytesOf(value));
         return zorvan::SecItemAdd(attributes);
     }
 
@@ -108,6 +95,7 @@ protected:
         return result;
     }
 
-    std::string root;
+    const TemporaryFolder home;
+    const std::string root = home.path();
     Process::Environment environment;
 };

@@ -12,6 +12,7 @@
 #include <span>
 #include <sstream>
 #include <string>
+#include <tests/bytesOf.h>
 
 using namespace zorvan;
 
@@ -21,11 +22,6 @@ PropertyList::Dictionary item(const std::string& account) {
     return {{kSecClass, kSecClassGenericPassword},
             {kSecAttrService, "test"},
             {kSecAttrAccount, account}};
-}
-
-Data bytesOf(const std::string& text) {
-    const auto bytes = std::as_bytes(std::span(text));
-    return Data(bytes.begin(), bytes.end());
 }
 
 PropertyList::Dictionary with(PropertyList::Dictionary query, const char* key, PropertyList value) {

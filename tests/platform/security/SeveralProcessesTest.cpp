@@ -1,6 +1,9 @@
 #include "SecureItems.h"
 
+#include <zorvan/platform/security/internal/Items.h>
+
 #include <csignal>
+#include <poll.h>
 #include <random>
 #include <sys/wait.h>
 #include <thread>
@@ -105,7 +108,11 @@ TEST_F(SeveralProcesses, AForkedChildGoesOnWhenItsParentHasEnded) {
             if (isUsedAtOnce)
                 get(item("a"));
             char c = 0;
-            bool isGood = ::read(go[0], &c, 1) == 1;
+            bool isGood = true;
+            pollfd wake{.fd = go[0], .events = POLLIN, .revents = 0};
+            while (::poll(&wake, 1, isUsedAtOnce ? 0 : -1) == 0) // others come while it reads
+                isGood = get(item("a")) == "1" && isGood;
+            isGood = ::read(go[0], &c, 1) == 1 && isGood;
             for (int i = 0; i < 20; ++i)
                 isGood = get(item("a")) == "1" && get(item("b")) == "2" && isGood;
             isGood = isGood && add(isUsedAtOnce ? "c" : "d", "3") == errSecSuccess;
@@ -113,17 +120,18 @@ TEST_F(SeveralProcesses, AForkedChildGoesOnWhenItsParentHasEnded) {
             ::_exit(::write(told[1], &c, 1) == 1 ? 0 : 1);
         }
         ::close(told[1]);
-        ::close(go[0]);
         ASSERT_EQ(::waitpid(parent, nullptr, 0), parent);
-        const auto other = peer(); // which begins anew with what all share
+        for (int i = 0; i < 20; ++i) // each begins anew with what all share
+            EXPECT_EQ(ask(*peer(), "set b 1"), "0");
+        const auto other = peer();
         EXPECT_EQ(ask(*other, "set b 2"), "0");
         char c = 'x';
         EXPECT_EQ(::write(go[1], &c, 1), 1);
         EXPECT_EQ(::read(told[0], &c, 1), 1) << "it crashed";
         EXPECT_EQ(c, 'y');
         EXPECT_EQ(ask(*other, isUsedAtOnce ? "get c" : "get d"), "3");
-        ::close(told[0]);
-        ::close(go[1]);
+        for (const int end : {told[0], go[0], go[1]})
+            ::close(end);
     }
 }
 
@@ -140,4 +148,33 @@ TEST_F(SeveralProcesses, AForkedChildUsesTheStoreOnItsOwn) {
     EXPECT_EQ(get(item("b")), "2");
     EXPECT_EQ(add("c", "3"), errSecSuccess);
     EXPECT_EQ(ask(*peer(), "add d 4"), "0");
+}
+
+// Within a transaction, what a child has of it is not its own.
+TEST_F(SeveralProcesses, AChildForkedWithinAChangeHasNoPartInIt) {
+    ASSERT_EQ(add("a", "1"), errSecSuccess);
+    security::ItemQuery query;
+    query.attributes.texts[security::serviceText] = "test";
+    query.attributes.texts[security::accountText] = "a";
+    pid_t child = -1;
+    bool isBarred = false;
+    const OSStatus status =
+        security::modify(query, query.attributes, [&](std::optional<Data>& value) {
+            EXPECT_EQ(add("b", "2"), errSecSuccess); // so that something is written by now
+            child = ::fork();
+            isBarred = child == 0 && add("c", "3") == errSecNotAvailable;
+            value = bytesOf("4");
+        });
+    if (child == 0) { // afterwards it is one like any other
+        const std::string value = get(item("a"));
+        const bool isGood = value == "1" || value == "4"; // whether or not the parent is through
+        ::_exit(isGood && isBarred && status == errSecNotAvailable ? 0 : 1);
+    }
+    int ended = -1;
+    ASSERT_EQ(::waitpid(child, &ended, 0), child);
+    EXPECT_EQ(ended, 0);
+    EXPECT_EQ(status, errSecSuccess);
+    for (const auto& [account, value] : {std::pair("a", "4"), {"b", "2"}})
+        EXPECT_EQ(ask(*peer(), std::string("get ") + account), value);
+    EXPECT_EQ(sql("PRAGMA integrity_check"), "ok\n");
 }

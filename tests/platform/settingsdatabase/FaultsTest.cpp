@@ -9,10 +9,13 @@
 #include <sqlite3.h>
 
 #include <csignal>
+#include <fcntl.h>
 #include <fstream>
+#include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace zorvan;
 
@@ -32,10 +35,6 @@ protected:
         const auto database = open();
         for (int i = 0; i < keys; ++i)
             database->set("key " + std::to_string(i), std::string(size, 'x'));
-    }
-    static std::string bytesOf(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
     }
     void setBytes(const std::string& bytes) const {
         std::ofstream(path_, std::ios::binary | std::ios::trunc) << bytes;
@@ -65,7 +64,7 @@ protected:
 
 } // namespace
 
-TEST_F(Faults, setsDamageAside) {
+TEST_F(Faults, SetsDamageAside) {
     const std::string wrong(10'000, '?');
     setBytes(wrong);
     ASSERT_EQ(::chmod(path_.c_str(), 0600), 0);
@@ -74,20 +73,20 @@ TEST_F(Faults, setsDamageAside) {
         EXPECT_TRUE(database->contents().empty());
         EXPECT_TRUE(database->set("k", 1));
     }
-    EXPECT_EQ(bytesOf(path_ + ".damaged"), wrong);
+    EXPECT_EQ(text(path_ + ".damaged"), wrong);
     EXPECT_EQ(told_,
               std::vector{path_ + ": it was damaged and is set aside as " + path_ + ".damaged"});
     setBytes(wrong + "2");
     open();
-    EXPECT_EQ(bytesOf(path_ + ".damaged"), wrong); // the first is not lost to the second
-    EXPECT_EQ(bytesOf(path_ + ".damaged-2"), wrong + "2");
+    EXPECT_EQ(text(path_ + ".damaged"), wrong); // the first is not lost to the second
+    EXPECT_EQ(text(path_ + ".damaged-2"), wrong + "2");
     EXPECT_EQ(told_.size(), 2u);
 }
 
 // Every page in turn is overwritten: the application goes on, and no bytes are lost.
-TEST_F(Faults, goesOnWithAnyPageDamaged) {
+TEST_F(Faults, GoesOnWithAnyPageDamaged) {
     fill(200);
-    const std::string sound = bytesOf(path_);
+    const std::string sound = text(path_);
     for (std::size_t page = 0; page * 4096 < sound.size(); ++page) {
         std::string damaged = sound;
         damaged.replace(page * 4096, 4096, 4096, '\xA5');
@@ -99,17 +98,17 @@ TEST_F(Faults, goesOnWithAnyPageDamaged) {
             EXPECT_TRUE(database->set("k", 1));
             EXPECT_EQ(*database->value("k"), PropertyList(1));
         }
-        EXPECT_TRUE(bytesOf(name) == damaged)
+        EXPECT_TRUE(text(name) == damaged)
             << "page " << page << ' ' << testing::PrintToString(told_);
         std::filesystem::remove(path_);
     }
 }
 
-TEST_F(Faults, carriesOnFromMemoryWhenDamageComesLater) {
+TEST_F(Faults, CarriesOnFromMemoryWhenDamageComesLater) {
     fill(1500, 3000); // more than the engine has in memory by itself
     {
         const auto database = open();
-        std::string bytes = bytesOf(path_);
+        std::string bytes = text(path_);
         std::fill(bytes.begin() + 100, bytes.end(), '\xA5');
         std::fstream(path_, std::ios::binary | std::ios::in | std::ios::out) << bytes;
         for (int i = 0; i < 1500; i += 100)
@@ -124,46 +123,51 @@ TEST_F(Faults, carriesOnFromMemoryWhenDamageComesLater) {
     EXPECT_TRUE(std::filesystem::exists(path_ + ".damaged"));
 }
 
-TEST_F(Faults, leavesANewerVersionAlone) {
+TEST_F(Faults, LeavesANewerVersionAlone) {
     fill();
     execute("PRAGMA user_version = 2");
-    const std::string before = bytesOf(path_);
+    const std::string before = text(path_);
     expectMemoryOnly("it was written by a newer version");
-    EXPECT_TRUE(bytesOf(path_) == before);
+    EXPECT_TRUE(text(path_) == before);
 }
 
-TEST_F(Faults, leavesTheDatabasesOfOthersAlone) {
+TEST_F(Faults, LeavesTheDatabasesOfOthersAlone) {
     execute("CREATE TABLE settings(id INTEGER PRIMARY KEY, key TEXT, value)");
     ASSERT_EQ(::chmod(path_.c_str(), 0600), 0);
-    const std::string before = bytesOf(path_);
+    const std::string before = text(path_);
     expectMemoryOnly("it is no database of settings");
-    EXPECT_TRUE(bytesOf(path_) == before);
+    EXPECT_TRUE(text(path_) == before);
 }
 
-TEST_F(Faults, refusesATableThatIsNotItsOwn) {
+TEST_F(Faults, RefusesATableThatIsNotItsOwn) {
     fill();
     execute(
         "ALTER TABLE settings RENAME TO x; CREATE VIEW settings AS SELECT id, key, value FROM x");
     expectMemoryOnly("it is no database of settings");
 }
 
-TEST_F(Faults, refusesALinkInItsPlace) {
+TEST_F(Faults, RefusesALinkInItsPlace) {
     const std::string target = folder_.path() / "target";
     std::ofstream(target) << "precious";
-    for (const char* ending : {"-shm", "-wal", ""}) {
+    for (const char* ending : {"-shm", "-wal", "-journal", ""}) {
         told_.clear();
         std::filesystem::remove(path_);
         std::filesystem::create_symlink(target, path_ + ending);
         expectMemoryOnly("a symbolic link stands in its place");
-        EXPECT_EQ(bytesOf(target), "precious");
+        EXPECT_EQ(text(target), "precious");
         std::filesystem::remove(path_ + ending);
     }
+    told_.clear();
+    std::filesystem::create_hard_link(target, path_);
+    expectMemoryOnly("it has another name as well");
+    EXPECT_EQ(text(target), "precious");
+    std::filesystem::remove(path_);
     told_.clear();
     std::filesystem::create_directory(path_);
     expectMemoryOnly("what stands in its place is no file");
 }
 
-TEST_F(Faults, refusesAForeignOwner) {
+TEST_F(Faults, RefusesAForeignOwner) {
     if (::geteuid() != 0) { // the only folder that surely is somebody else's
         path_ = "/etc/a.settings";
         expectMemoryOnly("its folder belongs to another user");
@@ -174,7 +178,7 @@ TEST_F(Faults, refusesAForeignOwner) {
     expectMemoryOnly("it belongs to another user");
 }
 
-TEST_F(Faults, readsAFolderThatItMayNotWrite) {
+TEST_F(Faults, ReadsAFolderThatItMayNotWrite) {
     const std::string inner = folder_.path() / "inner";
     path_ = inner + "/a.settings";
     fill();
@@ -197,7 +201,7 @@ TEST_F(Faults, readsAFolderThatItMayNotWrite) {
 }
 
 // On a disk of 256 KB where that can be had, else with a limit on the size of files.
-TEST_F(Faults, keepsInMemoryWhatAFullDiskCannotTake) {
+TEST_F(Faults, KeepsInMemoryWhatAFullDiskCannotTake) {
     const std::string small = folder_.path() / "small";
     std::filesystem::create_directory(small);
     const bool isMounted = ::mount("tmpfs", small.c_str(), "tmpfs", 0, "size=256k,mode=0700") == 0;
@@ -237,7 +241,7 @@ TEST_F(Faults, keepsInMemoryWhatAFullDiskCannotTake) {
         ::umount2(small.c_str(), MNT_DETACH);
 }
 
-TEST_F(Faults, comesBackWhenTheFileIsTakenAway) {
+TEST_F(Faults, ComesBackWhenTheFileIsTakenAway) {
     {
         const auto database = open();
         database->set("old", 1);
@@ -249,7 +253,7 @@ TEST_F(Faults, comesBackWhenTheFileIsTakenAway) {
     EXPECT_EQ(open()->contents(), (PropertyList::Dictionary{{"new", 2}}));
 }
 
-TEST_F(Faults, takesHundredMegabytesAndRefusesMoreThanItsLimit) {
+TEST_F(Faults, TakesHundredMegabytesAndRefusesMoreThanItsLimit) {
     const std::size_t large = std::size_t{100} << 20;
     ASSERT_TRUE(open()->set("large", Data(large, std::byte{1})));
     {
@@ -267,10 +271,24 @@ TEST_F(Faults, takesHundredMegabytesAndRefusesMoreThanItsLimit) {
                          ": larger: the value is larger than 256 MiB; changes are kept in memory"});
     EXPECT_TRUE(database->set("other", 1)); // and it does not stand in the way
     EXPECT_EQ(told_.size(), 1u);
+    EXPECT_FALSE(database->set(std::string(SettingsDatabase::maximumValueSize + 1, 'k'), 1));
+    EXPECT_TRUE(database->set("other", 2));
+    EXPECT_TRUE(
+        told_.back().ends_with(": the key is larger than 256 MiB; changes are kept in memory"));
+}
+
+// As one that was stopped while it opened a database of the folder.
+TEST_F(Faults, WaitsForAnotherProcessForAWhileOnly) {
+    const int other = ::open(folder_.path().c_str(), O_RDONLY);
+    ASSERT_EQ(::flock(other, LOCK_EX), 0);
+    const auto database = open();
+    ::close(other);
+    EXPECT_EQ(told_, std::vector{path_ + ": Connection timed out; changes are kept in memory"});
+    EXPECT_TRUE(database->synchronize());
 }
 
 // No write could come after it.
-TEST_F(Faults, setsTheLastIdentifierOfAllAside) {
+TEST_F(Faults, SetsTheLastIdentifierOfAllAside) {
     fill();
     execute("UPDATE settings SET id = 9223372036854775807 WHERE id > 0");
     EXPECT_TRUE(open()->set("k", 1));
@@ -279,7 +297,7 @@ TEST_F(Faults, setsTheLastIdentifierOfAllAside) {
     EXPECT_TRUE(std::filesystem::exists(path_ + ".damaged"));
 }
 
-TEST_F(Faults, passesOverValuesItCannotRead) {
+TEST_F(Faults, PassesOverValuesItCannotRead) {
     fill(2);
     execute("UPDATE settings SET value = x'FF00' WHERE key = 'key 0'");
     {
@@ -291,7 +309,7 @@ TEST_F(Faults, passesOverValuesItCannotRead) {
     EXPECT_EQ(open()->contents().at("key 0"), PropertyList(1));
 }
 
-TEST_F(Faults, tellsTheLogWhenNobodyElseIsToBeTold) {
+TEST_F(Faults, TellsTheLogWhenNobodyElseIsToBeTold) {
     SettingsDatabase::setProblemHandler({});
     LibraryLog::setHandler([this](const LibraryLog::Entry& entry) {
         EXPECT_EQ(entry.level, LibraryLog::Level::warning);
@@ -304,7 +322,7 @@ TEST_F(Faults, tellsTheLogWhenNobodyElseIsToBeTold) {
     EXPECT_EQ(told_[0], database->problem());
 }
 
-TEST_F(Faults, holdsAMillionKeys) {
+TEST_F(Faults, HoldsAMillionKeys) {
     constexpr int keys = 1'000'000;
     {
         std::vector<SettingsDatabase::Change> changes;

@@ -59,7 +59,7 @@ protected:
 
 } // namespace
 
-TEST_F(Following, tellsWhatOthersChangeOnceAndInOrder) {
+TEST_F(Following, TellsWhatOthersChangeOnceAndInOrder) {
     const auto database = open();
     database->set("own", 1);
     auto following = follow(*database);
@@ -86,7 +86,7 @@ TEST_F(Following, tellsWhatOthersChangeOnceAndInOrder) {
 }
 
 // Also while this process writes as much.
-TEST_F(Following, missesNothingOfABusyWriter) {
+TEST_F(Following, MissesNothingOfABusyWriter) {
     constexpr int count = 400;
     const auto database = open();
     const auto following = follow(*database);
@@ -106,7 +106,7 @@ TEST_F(Following, missesNothingOfABusyWriter) {
     EXPECT_EQ(told(count), expected);
 }
 
-TEST_F(Following, tellsSoonAndAfterAWriterIsKilled) {
+TEST_F(Following, TellsSoonAndAfterAWriterIsKilled) {
     const auto database = open();
     const auto following = follow(*database);
     std::vector<std::chrono::nanoseconds> delays;
@@ -132,7 +132,7 @@ TEST_F(Following, tellsSoonAndAfterAWriterIsKilled) {
     EXPECT_LT(delays[delays.size() / 2], 50ms);
 }
 
-TEST_F(Following, isMissedByNobodyWhenItIsKilled) {
+TEST_F(Following, IsMissedByNobodyWhenItIsKilled) {
     const auto database = open();
     const auto following = follow(*database);
     Child follower([&] {
@@ -151,7 +151,7 @@ TEST_F(Following, isMissedByNobodyWhenItIsKilled) {
     EXPECT_THAT(told(1), ElementsAre("k 50 51"));
 }
 
-TEST_F(Following, isForTheUserOfTheDatabaseAlone) {
+TEST_F(Following, IsForTheUserOfTheDatabaseAlone) {
     if (geteuid() != 0)
         GTEST_SKIP() << "Only root can be another user.";
     EXPECT_TRUE(open()->set("k", 1));
@@ -166,7 +166,7 @@ TEST_F(Following, isForTheUserOfTheDatabaseAlone) {
     EXPECT_EQ(*open()->value("k"), PropertyList(1));
 }
 
-TEST_F(Following, goesOnWhenTheStoreIsRemovedOrReplaced) {
+TEST_F(Following, GoesOnWhenTheStoreIsRemovedOrReplaced) {
     const auto database = open();
     database->set("a", 1);
     database->set("b", 1);
@@ -197,7 +197,7 @@ TEST_F(Following, goesOnWhenTheStoreIsRemovedOrReplaced) {
     EXPECT_TRUE(becomes({{"d", " 6"}}));
 }
 
-TEST_F(Following, mayEndWhileOthersAreTold) {
+TEST_F(Following, MayEndWhileOthersAreTold) {
     const auto database = open();
     std::atomic<bool> goesOn = true;
     Child writer([&] {

@@ -52,7 +52,7 @@ private:
 
 // A process writes and says what was written; it is killed at some moment; another one must find
 // all that was said, and nothing half.
-TEST(Processes, loseNothingWhenKilled) {
+TEST(Processes, LoseNothingWhenKilled) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     std::mt19937 random(3);
@@ -99,7 +99,7 @@ TEST(Processes, loseNothingWhenKilled) {
     EXPECT_FALSE(std::filesystem::exists(path + ".damaged"));
 }
 
-TEST(Processes, noticeEachOthersWrites) {
+TEST(Processes, NoticeEachOthersWrites) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     Steps steps;
@@ -135,7 +135,7 @@ TEST(Processes, noticeEachOthersWrites) {
 }
 
 // As in a sandbox, which shows a process what it may not touch.
-TEST(Processes, followWritersWhereTheyMayOnlyRead) {
+TEST(Processes, FollowWritersWhereTheyMayOnlyRead) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     const auto lockUp = [&] {
@@ -169,7 +169,7 @@ TEST(Processes, followWritersWhereTheyMayOnlyRead) {
 }
 
 // Two processes count with a lock of their own around reading and writing.
-TEST(Processes, countTogether) {
+TEST(Processes, CountTogether) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     const std::string lockPath = folder.path() / "lock";
@@ -194,7 +194,7 @@ TEST(Processes, countTogether) {
 }
 
 // Without a lock one of them wins each key, but every process must come to the same in the end.
-TEST(Processes, agreeInTheEnd) {
+TEST(Processes, AgreeInTheEnd) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     const auto write = [&](unsigned seed) {
@@ -224,7 +224,7 @@ TEST(Processes, agreeInTheEnd) {
 
 // As a program does that goes into the background: the parent ends, others come and go, and what
 // all share begins anew.
-TEST(Processes, goOnInAForkWhoseParentHasEnded) {
+TEST(Processes, GoOnInAForkWhoseParentHasEnded) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     Steps steps;
@@ -248,7 +248,7 @@ TEST(Processes, goOnInAForkWhoseParentHasEnded) {
     EXPECT_EQ(integer(*other, "own"), 99);
 }
 
-TEST(Processes, shareWithAFork) {
+TEST(Processes, ShareWithAFork) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     const auto database = SettingsDatabase::open(path);
@@ -259,7 +259,7 @@ TEST(Processes, shareWithAFork) {
 }
 
 // While another process moves the log into the database.
-TEST(Processes, waitForEachOtherToSynchronize) {
+TEST(Processes, WaitForEachOtherToSynchronize) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     std::vector<std::string> told;
@@ -282,7 +282,7 @@ TEST(Processes, waitForEachOtherToSynchronize) {
 }
 
 // Where nothing can be stored, what is being decoded is looked through at the same time.
-TEST(Processes, removeEverythingWhileAThreadReads) {
+TEST(Processes, RemoveEverythingWhileAThreadReads) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     std::vector<SettingsDatabase::Change> changes;

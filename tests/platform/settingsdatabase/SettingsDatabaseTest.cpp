@@ -23,7 +23,7 @@ mode_t modeOf(const std::string& path) {
 
 } // namespace
 
-TEST(SettingsDatabase, keepsWhatItIsGiven) {
+TEST(SettingsDatabase, KeepsWhatItIsGiven) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "inner/a.settings";
     std::mt19937 random(11);
@@ -58,7 +58,7 @@ TEST(SettingsDatabase, keepsWhatItIsGiven) {
     }
 }
 
-TEST(SettingsDatabase, tellsOneFromTrueFromReal) {
+TEST(SettingsDatabase, TellsOneFromTrueFromReal) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     SettingsDatabase::open(path)->set("k", 1);
@@ -69,7 +69,7 @@ TEST(SettingsDatabase, tellsOneFromTrueFromReal) {
     }
 }
 
-TEST(SettingsDatabase, appliesAllOrNothing) {
+TEST(SettingsDatabase, AppliesAllOrNothing) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     const auto database = SettingsDatabase::open(path);
@@ -78,7 +78,7 @@ TEST(SettingsDatabase, appliesAllOrNothing) {
     EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"a", 3}}));
 }
 
-TEST(SettingsDatabase, isPrivate) {
+TEST(SettingsDatabase, IsPrivate) {
     const TemporaryFolder folder;
     const std::string inner = folder.path() / "inner";
     const std::string path = inner + "/a.settings";
@@ -92,7 +92,7 @@ TEST(SettingsDatabase, isPrivate) {
 }
 
 // But not the folders of others, such as that of a user's documents.
-TEST(SettingsDatabase, closesWhatStandsOpen) {
+TEST(SettingsDatabase, ClosesWhatStandsOpen) {
     const TemporaryFolder folder;
     ::setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
     for (const bool isOwn : {true, false}) {
@@ -112,7 +112,7 @@ TEST(SettingsDatabase, closesWhatStandsOpen) {
     }
 }
 
-TEST(SettingsDatabase, isSharedInTheProcess) {
+TEST(SettingsDatabase, IsSharedInTheProcess) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     const auto database = SettingsDatabase::open(path);
@@ -131,7 +131,7 @@ TEST(SettingsDatabase, isSharedInTheProcess) {
     EXPECT_EQ(database->contents().size(), std::size_t{threads * each});
 }
 
-TEST(SettingsDatabase, clearsRemovedKeysAway) {
+TEST(SettingsDatabase, ClearsRemovedKeysAway) {
     const TemporaryFolder folder;
     const std::string path = folder.path() / "a.settings";
     const auto database = SettingsDatabase::open(path);
@@ -145,7 +145,7 @@ TEST(SettingsDatabase, clearsRemovedKeysAway) {
     EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"stays", 1}}));
 }
 
-TEST(SettingsFolder, namesFiles) {
+TEST(SettingsFolder, NamesFiles) {
     ::setenv("XDG_CONFIG_HOME", "/c", 1);
     struct {
         std::string domain;

@@ -4,11 +4,13 @@
 #include "Values.h"
 
 #include <gtest/gtest.h>
+#include <tests/bytesOf.h>
 
 #include <random>
 
 using namespace zorvan;
 using namespace zorvan::internal;
+using namespace std::string_literals;
 
 namespace {
 
@@ -16,14 +18,10 @@ std::optional<PropertyList> decoded(std::string_view bytes) {
     return decodeStored(std::as_bytes(std::span(bytes)));
 }
 
-std::string text(const Data& bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 } // namespace
 
 // What is on users' disks: these bytes must be read for ever.
-TEST(StoredValue, hasTheseBytes) {
+TEST(StoredValue, HasTheseBytes) {
     struct {
         PropertyList value;
         std::string bytes;
@@ -44,7 +42,7 @@ TEST(StoredValue, hasTheseBytes) {
         {PropertyList::Dictionary{{"k", false}, {"", true}}, std::string("o\x02\0T\x01kF", 7)},
     };
     for (const auto& row : table) {
-        EXPECT_EQ(text(encodeStored(row.value)), row.bytes);
+        EXPECT_EQ(textOf(encodeStored(row.value)), row.bytes);
         const auto back = decoded(row.bytes);
         EXPECT_TRUE(back && isIdentical(*back, row.value));
         for (std::size_t size = 0; size < row.bytes.size(); ++size)
@@ -53,7 +51,16 @@ TEST(StoredValue, hasTheseBytes) {
     }
 }
 
-TEST(StoredValue, keepsEveryBit) {
+// One value, one form: who compares bytes compares values.
+TEST(StoredValue, RefusesAnotherFormOfTheSame) {
+    for (const std::string& bytes :
+         {std::string("s\x82\0hi", 5),                             // a longer count
+          std::string("u\x01\0\0\0\0\0\0\0", 9),                   // a signed integer
+          std::string("o\x02\x01kF\0T", 7), "o\x02\x01kF\x01kT"s}) // keys out of order, and twice
+        EXPECT_FALSE(decoded(bytes)) << bytes;
+}
+
+TEST(StoredValue, KeepsEveryBit) {
     std::mt19937 random(5);
     for (int i = 0; i < 500; ++i) {
         const PropertyList value = randomValue(random, 4);
@@ -62,7 +69,7 @@ TEST(StoredValue, keepsEveryBit) {
     }
 }
 
-TEST(StoredValue, refusesDepth) {
+TEST(StoredValue, RefusesDepth) {
     PropertyList nested = 1;
     for (std::size_t i = 0; i < maximumStoredDepth; ++i)
         nested = PropertyList::Array{std::move(nested)};

@@ -34,7 +34,7 @@ protected:
 
 } // namespace
 
-TEST_F(Transactions, areWholeOrNothing) {
+TEST_F(Transactions, AreWholeOrNothing) {
     const auto database = open();
     database->set("a", 1);
     database->set("b", 1);
@@ -68,7 +68,7 @@ TEST_F(Transactions, areWholeOrNothing) {
     EXPECT_EQ(database->transact([] {}), Outcome::stored);
 }
 
-TEST_F(Transactions, loseNothingOfTenProcesses) {
+TEST_F(Transactions, LoseNothingOfTenProcesses) {
     constexpr int each = 30;
     std::vector<std::unique_ptr<Child>> children;
     const auto add = [&](SettingsDatabase& database, int from) {
@@ -95,7 +95,7 @@ TEST_F(Transactions, loseNothingOfTenProcesses) {
 }
 
 // Killed within a transaction, a process holds up nobody.
-TEST_F(Transactions, endWithTheirProcess) {
+TEST_F(Transactions, EndWithTheirProcess) {
     append(*open(), 1);
     int begun[2];
     ASSERT_EQ(pipe(begun), 0);
@@ -119,7 +119,7 @@ TEST_F(Transactions, endWithTheirProcess) {
     EXPECT_FALSE(database->value("other"));
 }
 
-TEST_F(Transactions, changeNothingWhenTheyAreRefused) {
+TEST_F(Transactions, ChangeNothingWhenTheyAreRefused) {
     std::vector<std::string> told;
     SettingsDatabase::setProblemHandler([&](const std::string& text) { told.push_back(text); });
     const auto database = open();
@@ -151,7 +151,7 @@ TEST_F(Transactions, changeNothingWhenTheyAreRefused) {
 }
 
 // A child that is made within one cannot go on with it.
-TEST_F(Transactions, areNotTakenAlongIntoAChild) {
+TEST_F(Transactions, AreNotTakenAlongIntoAChild) {
     SettingsDatabase::setProblemHandler([](const std::string&) {});
     const auto database = open();
     pid_t child = -1;

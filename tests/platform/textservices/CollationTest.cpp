@@ -32,6 +32,11 @@ void* operator new(std::size_t size) {
         return memory;
     throw std::bad_alloc();
 }
+// Sanitizers have one of their own otherwise, whose memory must not come to the pair below.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    ++allocations;
+    return std::malloc(size);
+}
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 

@@ -54,6 +54,11 @@ std::optional<URL> CollectionModel::draggedURL(int row) const {
     return dataSource ? dataSource->draggedURL(*view_, path(row)) : std::nullopt;
 }
 
+bool CollectionModel::isMovable(int row) const {
+    const auto dataSource = view_->dataSource();
+    return dataSource && dataSource->isMovable(*view_, path(row));
+}
+
 QVariant CollectionModel::data(const QModelIndex& index, int role) const {
     const auto dataSource = view_->dataSource();
     const std::int64_t row = index.isValid() ? source(index.row()) : -1;

@@ -25,6 +25,7 @@ public:
 
 protected:
     std::optional<URL> draggedURL(int row) const override;
+    bool isMovable(int row) const override;
 
 private:
     /// How many items there are before each section, and in all.

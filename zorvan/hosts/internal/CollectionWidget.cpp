@@ -67,7 +67,8 @@ CollectionWidget::~CollectionWidget() { leave(); }
 // Place
 
 CGRect CollectionWidget::contentOf(const QRect& part) const {
-    return {static_cast<double>(part.x() + horizontalOffset()),
+    const int left = isRightToLeft() ? viewport()->width() - part.x() - part.width() : part.x();
+    return {static_cast<double>(left + horizontalScrollBar()->value()),
             static_cast<double>(part.y() + verticalOffset()), static_cast<double>(part.width()),
             static_cast<double>(part.height())};
 }
@@ -88,8 +89,10 @@ CGRect CollectionWidget::frameOf(const QModelIndex& index) const {
 
 QRect CollectionWidget::visualRect(const QModelIndex& index) const {
     const CGRect frame = frameOf(index);
-    const QRectF place(frame.x(), frame.y(), frame.width(), frame.height());
-    return place.toRect().translated(-horizontalOffset(), -verticalOffset());
+    const QRect place = QRectF(frame.x(), frame.y(), frame.width(), frame.height())
+                            .toRect()
+                            .translated(-horizontalScrollBar()->value(), -verticalOffset());
+    return QStyle::visualRect(layoutDirection(), viewport()->rect(), place);
 }
 
 QModelIndex CollectionWidget::indexAt(const QPoint& point) const {
@@ -108,7 +111,8 @@ void CollectionWidget::scrollTo(const QModelIndex& index, ScrollHint) {
             bar.setValue(bar.value() + std::min(from, to - room));
     };
     go(*verticalScrollBar(), place.top(), place.bottom() + 1, viewport()->height());
-    go(*horizontalScrollBar(), place.left(), place.right() + 1, viewport()->width());
+    const QRect logical = QStyle::visualRect(layoutDirection(), viewport()->rect(), place);
+    go(*horizontalScrollBar(), logical.left(), logical.right() + 1, viewport()->width());
 }
 
 /// The layout of the view has laid them out.
@@ -167,6 +171,7 @@ void CollectionWidget::paintEvent(QPaintEvent* event) {
         option.state.setFlag(QStyle::State_HasFocus, hasFocus() && index == currentIndex());
         itemDelegateForIndex(index)->paint(&painter, option, index);
     }
+    paintMark(painter);
     if (band_.isEmpty())
         return;
     QStyleOptionRubberBand bandOption;
@@ -309,6 +314,53 @@ IndexSet CollectionWidget::fromItems(const QItemSelection& items) const { return
 void CollectionWidget::open(const QModelIndex& index) {
     if (const auto source = view_->dataSource())
         source->itemOpened(*view_, model_.path(index.row()));
+}
+
+// Dragging
+
+bool CollectionWidget::acceptsDrop(const std::vector<URL>& urls) const {
+    const auto source = view_->dataSource();
+    return source && askSafely([&] { return source->acceptsDrop(*view_, urls); });
+}
+
+std::pair<QModelIndex, bool> CollectionWidget::dropNeighbour(QPoint at) const {
+    const auto inLine = indexesIn(contentOf(QRect(0, at.y(), viewport()->width(), 1)));
+    for (const QModelIndex& index : inLine) {
+        const int middle = visualRect(index).center().x();
+        if (isRightToLeft() ? at.x() > middle : at.x() < middle)
+            return {index, false};
+    }
+    return {inLine.empty() ? model_.index(model_.rowCount() - 1, 0) : inLine.back(), true};
+}
+
+IndexPath CollectionWidget::dropPath(QPoint at) const {
+    const auto [index, isAfter] = dropNeighbour(at);
+    if (!index.isValid())
+        return {0, 0};
+    const IndexPath path = model_.path(index.row());
+    return {path.item + (isAfter ? 1 : 0), path.section};
+}
+
+QRect CollectionWidget::dropMark(QPoint at) const {
+    const auto [index, isAfter] = dropNeighbour(at);
+    const QRect place = visualRect(index);
+    const bool isAtRight = isAfter != isRightToLeft();
+    return {std::max(isAtRight ? place.right() + 2 : place.left() - 1, 1), place.top(), 0,
+            place.height()};
+}
+
+void CollectionWidget::selectionDropped(QPoint at) {
+    std::set<IndexPath> items;
+    for (const std::int64_t row : model_.movable(selection()))
+        items.insert(model_.path(row));
+    const auto source = view_->dataSource();
+    if (source && !items.empty())
+        source->itemsDragged(*view_, items, dropPath(at));
+}
+
+void CollectionWidget::urlsDropped(const std::vector<URL>& urls, QPoint at) {
+    if (const auto source = view_->dataSource())
+        source->urlsDropped(*view_, urls, dropPath(at));
 }
 
 // Items

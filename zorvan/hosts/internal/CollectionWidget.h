@@ -5,6 +5,7 @@
 
 #include <QListView>
 #include <optional>
+#include <utility>
 
 namespace zorvan::internal {
 
@@ -30,6 +31,13 @@ protected:
     bool isDragged(const QModelIndex& index) const override {
         return model_.isDragged(index.row());
     }
+    bool isMovable(const QModelIndex& index) const override {
+        return !model_.movable({index.row()}).isEmpty();
+    }
+    bool acceptsDrop(const std::vector<URL>& urls) const override;
+    QRect dropMark(QPoint at) const override;
+    void selectionDropped(QPoint at) override;
+    void urlsDropped(const std::vector<URL>& urls, QPoint at) override;
     std::vector<QModelIndex> indexesInSight() const override;
     std::shared_ptr<NSView> cellView(const QModelIndex& index) override;
     void letGoOfOthers(const std::vector<QModelIndex>& inSight) override;
@@ -39,7 +47,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
-    int horizontalOffset() const override { return horizontalScrollBar()->value(); }
+    /// Where one reads from right to left, items stand and scroll from the right edge.
+    int horizontalOffset() const override {
+        const int value = horizontalScrollBar()->value();
+        return isRightToLeft() ? -value : value;
+    }
     int verticalOffset() const override { return verticalScrollBar()->value(); }
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
@@ -59,6 +71,10 @@ private:
     /// none.
     QModelIndex neighbour(const QModelIndex& from, double distance) const;
     void fitView();
+    /// The item beside which something dropped there goes, and whether after it; the last one when
+    /// there is none in the line.
+    std::pair<QModelIndex, bool> dropNeighbour(QPoint at) const;
+    IndexPath dropPath(QPoint at) const;
 
     const std::shared_ptr<NSCollectionView> view_;
     CollectionModel model_;

@@ -4,6 +4,8 @@
 #include <zorvan/hosts/internal/ViewMirror.h>
 #include <zorvan/hosts/internal/ViewWidget.h>
 #include <zorvan/hosts/internal/askSafely.h>
+#include <zorvan/hosts/internal/clipboard.h>
+#include <zorvan/hosts/internal/dragging.h>
 #include <zorvan/hosts/internal/makeWidget.h>
 #include <zorvan/hosts/internal/qtEvents.h>
 #include <zorvan/interface/NSControl.h>
@@ -11,11 +13,13 @@
 #include <zorvan/platform/appkit/NSScrollView.h>
 
 #include <QAbstractItemView>
-#include <QClipboard>
 #include <QContextMenuEvent>
-#include <QGuiApplication>
+#include <QDropEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
+#include <QPainter>
+#include <QPointer>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <algorithm>
@@ -69,7 +73,18 @@ protected:
     virtual void open(const QModelIndex& index) = 0;
     /// The mouse went down there; the index is invalid outside of all.
     virtual void pressed(const QModelIndex& index, QPoint at) = 0;
-    virtual bool isDragged(const QModelIndex&) const { return false; }
+
+    // Dragging: what a drag of an index carries out of the window or to another place; and where,
+    // in the viewport, something is dropped.
+
+    virtual bool isDragged(const QModelIndex& index) const = 0;
+    virtual bool isMovable(const QModelIndex& index) const = 0;
+    virtual bool acceptsDrop(const std::vector<URL>& urls) const = 0;
+    /// Shows where a drop would go.
+    virtual QRect dropMark(QPoint at) const = 0;
+    virtual void selectionDropped(QPoint at) = 0;
+    virtual void urlsDropped(const std::vector<URL>& urls, QPoint at) = 0;
+
     virtual std::vector<QModelIndex> indexesInSight() const = 0;
     /// Null for none.
     virtual std::shared_ptr<NSView> cellView(const QModelIndex& index) = 0;
@@ -82,6 +97,7 @@ protected:
         QItemSelectionModel* const plain = ItemView::selectionModel();
         ItemView::setSelectionModel(new ItemSelection(model, *this));
         delete plain;
+        ItemView::viewport()->setAcceptDrops(true);
     }
 
     /// Before the model goes; what the view shows stays as it is.
@@ -120,7 +136,8 @@ protected:
     void mousePressEvent(QMouseEvent* event) override {
         const auto keptAlive = view_;
         const QModelIndex index = this->indexAt(event->pos());
-        ItemView::setDragEnabled(index.isValid() && isDragged(index));
+        ItemView::setDragEnabled(index.isValid() && (isDragged(index) || isMovable(index)));
+        pressedAt_ = event->pos();
         pressed(index, event->pos());
         ItemView::mousePressEvent(event);
     }
@@ -141,6 +158,58 @@ protected:
 
     void contextMenuEvent(QContextMenuEvent* event) override {
         openContextMenu(view_, *this, *event);
+    }
+
+    /// What is selected.
+    void startDrag(Qt::DropActions) override {
+        std::unique_ptr<QMimeData> data(
+            ItemView::model()->mimeData(selectionMirror().selectedIndexes()));
+        data->setData(QStringLiteral("application/x-zorvan-selection"), "1"); // at least something
+        isSource_ = true;
+        movesSelection_ = isMovable(this->indexAt(pressedAt_));
+        dragLater(std::move(data),
+                  ItemView::viewport()->grab(this->visualRect(this->indexAt(pressedAt_))),
+                  [self = QPointer<QWidget>(this)] {
+                      if (self)
+                          static_cast<HostedItemView*>(self.data())->isSource_ = false;
+                  });
+    }
+
+    void dragEnterEvent(QDragEnterEvent* event) override { event->setAccepted(takes(*event)); }
+
+    void dragMoveEvent(QDragMoveEvent* event) override {
+        const QPoint at = event->position().toPoint();
+        event->accept();
+        showMark(dropMark(at));
+        const int margin = ItemView::autoScrollMargin();
+        if (!ItemView::viewport()->rect().adjusted(margin, margin, -margin, -margin).contains(at))
+            ItemView::startAutoScroll();
+    }
+
+    void dragLeaveEvent(QDragLeaveEvent*) override { endDrop(); }
+
+    void dropEvent(QDropEvent* event) override {
+        const auto keptAlive = view_;
+        const bool isOwn = isSource_;
+        endDrop();
+        event->accept();
+        const QPoint at = event->position().toPoint();
+        if (isOwn)
+            selectionDropped(at);
+        else
+            urlsDropped(urlsOf(*event->mimeData()), at);
+    }
+
+    void paintEvent(QPaintEvent* event) override {
+        ItemView::paintEvent(event);
+        QPainter painter(ItemView::viewport());
+        paintMark(painter);
+    }
+
+    void paintMark(QPainter& painter) const {
+        painter.setPen(QPen(ItemView::palette().highlight(), 2));
+        if (!mark_.isNull())
+            painter.drawRect(mark_);
     }
 
     void scrollContentsBy(int dx, int dy) override {
@@ -170,6 +239,23 @@ private:
         void boundsOriginDidChange(bool) override { widget.followClipView(); }
         HostedItemView& widget; // which keeps it alive
     };
+
+    bool takes(const QDropEvent& event) const {
+        if (isSource_)
+            return movesSelection_;
+        const std::vector<URL> urls = urlsOf(*event.mimeData());
+        return !urls.empty() && acceptsDrop(urls);
+    }
+
+    void showMark(const QRect& mark) {
+        mark_ = mark;
+        ItemView::viewport()->update();
+    }
+
+    void endDrop() {
+        ItemView::stopAutoScroll();
+        showMark({});
+    }
 
     void tellClipView() {
         if (!clipView_ || isScrolling_)
@@ -220,24 +306,33 @@ private:
         return widget;
     }
 
-    /// A line of texts for each row, or each item, that is selected.
+    /// What a drag of the selected rows or items would carry, or else a line of texts for each.
     void copySelection() {
         QModelIndexList indexes = selectionMirror().selectedIndexes();
         std::sort(indexes.begin(), indexes.end());
+        const std::unique_ptr<QMimeData> dragged(ItemView::model()->mimeData(indexes));
+        if (dragged && !dragged->urls().isEmpty())
+            return copyToPasteboard(*dragged);
         QString text;
         for (qsizetype i = 0; i < indexes.size(); ++i) {
             const bool isSameRow = i > 0 && indexes[i].row() == indexes[i - 1].row();
             text += i == 0 ? QString() : QString(QLatin1Char(isSameRow ? '\t' : '\n'));
             text += indexes[i].data().toString();
         }
+        QMimeData texts;
         if (!text.isEmpty())
-            QGuiApplication::clipboard()->setText(text);
+            texts.setText(text);
+        copyToPasteboard(texts);
     }
 
     const std::shared_ptr<NSView> view_;
     std::shared_ptr<NSClipView> clipView_;
     std::shared_ptr<Scroller> scroller_;
     std::vector<QPersistentModelIndex> cells_;
+    QPoint pressedAt_;
+    QRect mark_;
+    /// While what is selected is being dragged.
+    bool isSource_ = false, movesSelection_ = false;
     bool willShowCells_ = false;
     bool isScrolling_ = false;
 };

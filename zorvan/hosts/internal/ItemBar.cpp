@@ -1,7 +1,7 @@
 #include <zorvan/hosts/internal/ItemBar.h>
 
+#include <zorvan/hosts/internal/spreadItems.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
-#include <zorvan/interface/internal/spreadItems.h>
 
 #include <QLabel>
 #include <QMenu>

@@ -2,6 +2,7 @@
 
 #include <zorvan/hosts/internal/RowModel.h>
 #include <zorvan/hosts/internal/askSafely.h>
+#include <zorvan/hosts/internal/dragging.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
 #include <algorithm>
@@ -87,6 +88,21 @@ QVariant OutlineModel::data(const QModelIndex& index, int role) const {
         return toQString(text);
     const auto view = outline_->view(index.column(), rowOf(index), false);
     return view ? toQString(view->accessibilityLabel()) : QString();
+}
+
+Qt::ItemFlags OutlineModel::flags(const QModelIndex& index) const {
+    const Qt::ItemFlags usual = QAbstractItemModel::flags(index);
+    return index.isValid() ? usual | Qt::ItemIsDragEnabled : usual;
+}
+
+QMimeData* OutlineModel::mimeData(const QModelIndexList& indexes) const {
+    std::vector<URL> urls;
+    const auto source = outline_->outlineDataSource();
+    for (const QModelIndex& index : indexes)
+        if (source && index.column() == 0)
+            if (auto url = askSafely([&] { return source->draggedURL(*outline_, item(index)); }))
+                urls.push_back(std::move(*url));
+    return toMimeData(urls).release();
 }
 
 QVariant OutlineModel::headerData(int section, Qt::Orientation orientation, int role) const {

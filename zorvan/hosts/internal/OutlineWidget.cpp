@@ -4,14 +4,11 @@
 #include <zorvan/hosts/internal/viewGeometry.h>
 #include <zorvan/interface/NSOutlineViewObserver.h>
 
-#include <QHeaderView>
-
 namespace zorvan::internal {
 
-class OutlineWidget::Mirror : public ViewMirror, public NSOutlineViewObserver {
+class OutlineWidget::RowMirror : public Mirror<OutlineWidget, NSOutlineViewObserver> {
 public:
-    Mirror(const std::shared_ptr<NSOutlineView>& outline, OutlineWidget& widget)
-        : ViewMirror(outline, widget) {}
+    using Mirror::Mirror;
 
     void itemExpanded(const NSOutlineView::Item&, bool) override {
         if (own())
@@ -37,28 +34,6 @@ public:
         if (own())
             own()->scheduleDelayedItemsLayout();
     }
-    void columnInserted(std::int64_t at) override {
-        if (!own())
-            return;
-        own()->selectionMirror().forget();
-        own()->model_.insertColumn(static_cast<int>(at));
-        own()->followColumns();
-    }
-    void columnRemoved(std::int64_t at) override {
-        if (!own())
-            return;
-        own()->selectionMirror().forget();
-        own()->model_.removeColumn(static_cast<int>(at));
-        own()->followColumns();
-    }
-    void columnDidChange(std::int64_t) override {
-        if (own())
-            own()->followColumns();
-    }
-    void sortOrderDidChange() override {
-        if (own())
-            own()->header_.followSortOrder();
-    }
     void selectionDidChange() override {
         if (own())
             own()->selectionMirror().mirror();
@@ -69,7 +44,6 @@ public:
     }
 
 private:
-    OutlineWidget* own() const { return static_cast<OutlineWidget*>(widget()); }
     void reload() {
         if (own())
             own()->reload();
@@ -82,7 +56,7 @@ public:
     explicit Delegate(OutlineWidget& widget) : CellDelegate(&widget), widget_(widget) {}
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        const NSOutlineView& outline = *widget_.outline_;
+        const NSOutlineView& outline = *widget_.table_;
         const double height = askSafely([&] {
             return outline.delegate() ? outline.heightOfRow(widget_.model_.rowOf(index))
                                       : outline.rowHeight();
@@ -95,36 +69,33 @@ private:
 };
 
 OutlineWidget::OutlineWidget(const std::shared_ptr<NSOutlineView>& outline, QWidget* parent)
-    : HostedItemView(outline, parent), outline_(outline), model_(outline),
-      header_(outline, *header()) {
+    : HostedTable(outline, parent) {
     setItemDelegate(new Delegate(*this));
     setExpandsOnDoubleClick(false); // it opens
     adopt(model_);
     const auto tell = [this](const QModelIndex& index, bool isExpanded) {
         if (isExpanding_)
             return;
-        outline_->setExpanded(isExpanded, model_.item(index));
+        table_->setExpanded(isExpanded, model_.item(index));
         followExpansion(); // the outline may know better
     };
     connect(this, &QTreeView::expanded, this,
             [tell](const QModelIndex& index) noexcept { tell(index, true); });
     connect(this, &QTreeView::collapsed, this,
             [tell](const QModelIndex& index) noexcept { tell(index, false); });
-    const auto mirror = std::make_shared<Mirror>(outline, *this);
+    const auto mirror = std::make_shared<RowMirror>(outline, *this);
     ViewMirror::attach(mirror);
     outline->addObserver(std::static_pointer_cast<NSOutlineViewObserver>(mirror));
     followColumns();
     followExpansion();
 }
 
-OutlineWidget::~OutlineWidget() { leave(); }
-
 void OutlineWidget::reload() {
     const int top = verticalScrollBar()->value();
     const auto current = model_.item(currentIndex());
     model_.reset();
     followExpansion();
-    if (const QModelIndex same = model_.indexOfRow(current ? outline_->row(current) : -1);
+    if (const QModelIndex same = model_.indexOfRow(current ? table_->row(current) : -1);
         same.isValid())
         selectionModel()->setCurrentIndex(same, QItemSelectionModel::NoUpdate);
     verticalScrollBar()->setValue(top);
@@ -135,16 +106,10 @@ void OutlineWidget::followExpansion() {
     model_.followRows();
     for (std::int64_t row = 0; row < model_.rowCountOfOutline(); ++row) {
         const QModelIndex index = model_.indexOfRow(row);
-        const bool isOpen = outline_->isItemExpanded(model_.item(index));
+        const bool isOpen = table_->isItemExpanded(model_.item(index));
         if (isExpanded(index) != isOpen)
             setExpanded(index, isOpen);
     }
-    selectionMirror().mirror();
-    showCellsLater();
-}
-
-void OutlineWidget::followColumns() {
-    header_.follow();
     selectionMirror().mirror();
     showCellsLater();
 }
@@ -169,20 +134,78 @@ IndexSet OutlineWidget::fromItems(const QItemSelection& items) const {
     return IndexSet::of(rows);
 }
 
-void OutlineWidget::open(const QModelIndex& index) {
-    if (const auto delegate = outline_->delegate())
-        delegate->rowOpened(*outline_, model_.rowOf(index));
+// Dragging
+
+bool OutlineWidget::isDragged(const QModelIndex& index) const {
+    const auto source = table_->outlineDataSource();
+    const auto carried = [&] { return source->draggedURL(*table_, model_.item(index)); };
+    return source && askSafely(carried).has_value();
 }
 
-void OutlineWidget::pressed(const QModelIndex& index, QPoint) {
-    outline_->setClickedRow(index.isValid() ? model_.rowOf(index) : -1);
+bool OutlineWidget::isMovable(const QModelIndex& index) const {
+    const auto source = table_->outlineDataSource();
+    return source && askSafely([&] { return source->isMovable(*table_, model_.item(index)); });
+}
+
+bool OutlineWidget::acceptsDrop(const std::vector<URL>& urls) const {
+    const auto source = table_->outlineDataSource();
+    return source && askSafely([&] { return source->acceptsDrop(*table_, urls); });
+}
+
+/// Above an item, below it, or, in its middle, to the end of what it holds.
+OutlineWidget::DropPlace OutlineWidget::dropPlace(QPoint at) const {
+    const QModelIndex index = indexAt(at).siblingAtColumn(0);
+    const int width = viewport()->width();
+    if (!index.isValid()) {
+        const QModelIndex last = model_.indexOfRow(model_.rowCountOfOutline() - 1);
+        return {{}, model_.rowCount(), {0, visualRect(last).bottom() + 1, width, 0}};
+    }
+    const QRect row = visualRect(index);
+    const int edge = row.height() / 4;
+    if (at.y() < row.top() + edge)
+        return {index.parent(), index.row(), {row.left(), row.top(), width, 0}};
+    if (at.y() <= row.bottom() - edge)
+        return {index, model_.rowCount(index), row};
+    if (isExpanded(index) && model_.rowCount(index) > 0)
+        return {index, 0, {row.left(), row.bottom() + 1, width, 0}};
+    return {index.parent(), index.row() + 1, {row.left(), row.bottom() + 1, width, 0}};
+}
+
+QRect OutlineWidget::dropMark(QPoint at) const { return dropPlace(at).mark; }
+
+bool OutlineWidget::isBelow(QModelIndex index, const QModelIndexList& others) const {
+    while (index.isValid() && !others.contains(index))
+        index = index.parent();
+    return index.isValid();
+}
+
+void OutlineWidget::selectionDropped(QPoint at) {
+    const DropPlace place = dropPlace(at);
+    QModelIndexList moved;
+    for (const std::int64_t row : selection())
+        if (const QModelIndex index = model_.indexOfRow(row); isMovable(index))
+            moved.append(index);
+    const auto source = table_->outlineDataSource();
+    if (!source || moved.isEmpty() || isBelow(place.holder, moved))
+        return;
+    std::vector<NSOutlineView::Item> items;
+    for (const QModelIndex& index : moved)
+        if (!isBelow(index.parent(), moved)) // else it goes along
+            items.push_back(model_.item(index));
+    source->itemsDragged(*table_, items, model_.item(place.holder), place.before);
+}
+
+void OutlineWidget::urlsDropped(const std::vector<URL>& urls, QPoint at) {
+    const DropPlace place = dropPlace(at);
+    if (const auto source = table_->outlineDataSource())
+        source->urlsDropped(*table_, urls, model_.item(place.holder), place.before);
 }
 
 // Cells
 
 std::vector<QModelIndex> OutlineWidget::indexesInSight() const {
     std::vector<QModelIndex> indexes;
-    if (!outline_->delegate())
+    if (!table_->delegate())
         return indexes;
     for (QModelIndex index = indexAt({0, 0});
          index.isValid() && visualRect(index).top() < viewport()->height();
@@ -190,18 +213,6 @@ std::vector<QModelIndex> OutlineWidget::indexesInSight() const {
         for (int column = 0; column < model_.columnCount(); ++column)
             indexes.push_back(index.siblingAtColumn(column));
     return indexes;
-}
-
-std::shared_ptr<NSView> OutlineWidget::cellView(const QModelIndex& index) {
-    return outline_->view(index.column(), model_.rowOf(index), true);
-}
-
-void OutlineWidget::letGoOfOthers(const std::vector<QModelIndex>& inSight) {
-    IndexSet rows;
-    for (const QModelIndex& index : inSight)
-        if (const std::int64_t row = model_.rowOf(index); row >= 0)
-            rows.insert(row);
-    outline_->keepCellViews(rows);
 }
 
 } // namespace zorvan::internal

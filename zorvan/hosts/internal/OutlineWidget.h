@@ -1,42 +1,43 @@
 #pragma once
 
-#include <zorvan/hosts/internal/HostedItemView.h>
+#include <zorvan/hosts/internal/HostedTable.h>
 #include <zorvan/hosts/internal/OutlineModel.h>
-#include <zorvan/hosts/internal/TableHeader.h>
-
-#include <QTreeView>
 
 namespace zorvan::internal {
 
 /// Shows an outline.
-class OutlineWidget : public HostedItemView<QTreeView> {
+class OutlineWidget : public HostedTable<QTreeView, NSOutlineView, OutlineModel> {
 public:
     OutlineWidget(const std::shared_ptr<NSOutlineView>& outline, QWidget* parent);
-    ~OutlineWidget() override;
+    ~OutlineWidget() override { leave(); }
 
 protected:
-    IndexSet selection() const override { return outline_->selectedRowIndexes(); }
-    void select(const IndexSet& rows) override { outline_->selectRowIndexes(rows, false); }
     QItemSelection toItems(const IndexSet& rows) const override;
     IndexSet fromItems(const QItemSelection& items) const override;
 
-    void open(const QModelIndex& index) override;
-    void pressed(const QModelIndex& index, QPoint at) override;
+    bool isDragged(const QModelIndex& index) const override;
+    bool isMovable(const QModelIndex& index) const override;
+    bool acceptsDrop(const std::vector<URL>& urls) const override;
+    QRect dropMark(QPoint at) const override;
+    void selectionDropped(QPoint at) override;
+    void urlsDropped(const std::vector<URL>& urls, QPoint at) override;
     std::vector<QModelIndex> indexesInSight() const override;
-    std::shared_ptr<NSView> cellView(const QModelIndex& index) override;
-    void letGoOfOthers(const std::vector<QModelIndex>& inSight) override;
 
 private:
-    class Mirror;
+    class RowMirror;
     class Delegate;
 
+    /// Before which child of what something that is dropped goes.
+    struct DropPlace {
+        QModelIndex holder;
+        int before;
+        QRect mark;
+    };
+    DropPlace dropPlace(QPoint at) const;
+    bool isBelow(QModelIndex index, const QModelIndexList& others) const;
     void reload();
     void followExpansion();
-    void followColumns();
 
-    const std::shared_ptr<NSOutlineView> outline_;
-    OutlineModel model_;
-    TableHeader header_;
     bool isExpanding_ = false;
 };
 

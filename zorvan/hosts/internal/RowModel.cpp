@@ -1,11 +1,11 @@
 #include <zorvan/hosts/internal/RowModel.h>
 
 #include <zorvan/hosts/internal/askSafely.h>
+#include <zorvan/hosts/internal/dragging.h>
 
-#include <QMimeData>
-#include <QUrl>
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace zorvan::internal {
 
@@ -42,13 +42,19 @@ QMimeData* RowModel::mimeData(const QModelIndexList& indexes) const {
     std::set<int> rows;
     for (const QModelIndex& index : indexes)
         rows.insert(index.row());
-    QList<QUrl> urls;
+    std::vector<URL> urls;
     for (const int row : rows)
-        if (const auto url = askSafely([&] { return draggedURL(row); }))
-            urls.push_back(QUrl(QString::fromStdString(url->absoluteString())));
-    auto* const data = new QMimeData;
-    data->setUrls(urls);
-    return data;
+        if (auto url = askSafely([&] { return draggedURL(row); }))
+            urls.push_back(std::move(*url));
+    return toMimeData(urls).release();
+}
+
+IndexSet RowModel::movable(const IndexSet& rows) const {
+    IndexSet found;
+    for (const std::int64_t row : rows)
+        if (askSafely([&] { return isMovable(static_cast<int>(row)); }))
+            found.insert(row);
+    return found;
 }
 
 std::int64_t RowModel::source(int row) const { return pending_ ? pending_(row) : row; }

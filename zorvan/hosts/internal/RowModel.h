@@ -23,12 +23,12 @@ public:
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     QModelIndex parent(const QModelIndex&) const override { return {}; }
     Qt::ItemFlags flags(const QModelIndex& index) const override;
-    /// Whether a drag of the row carries anything.
+    /// Whether a drag of the row carries anything out of the window.
     bool isDragged(int row) const;
-    QStringList mimeTypes() const override { return {QStringLiteral("text/uri-list")}; }
+    /// Those that a person may drag to another place.
+    IndexSet movable(const IndexSet& rows) const;
     /// The URLs of the rows, each once.
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
-    Qt::DropActions supportedDragActions() const override { return Qt::CopyAction; }
 
     /// What these changes, one after the other, make of the rows: an insertion or a removal when it
     /// is one range, else another layout in which every row that stays keeps its indexes.
@@ -40,6 +40,8 @@ public:
 protected:
     /// What a drag of the row carries; absent when it is not dragged. May throw.
     virtual std::optional<URL> draggedURL(int row) const = 0;
+    /// Whether a person may drag the row to another place. May throw.
+    virtual bool isMovable(int row) const = 0;
     /// Where a row is to be read: in the middle of a change it stands elsewhere already, or, as -1,
     /// has gone.
     std::int64_t source(int row) const;

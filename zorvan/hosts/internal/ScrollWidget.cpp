@@ -6,6 +6,7 @@
 #include <zorvan/hosts/internal/viewGeometry.h>
 
 #include <QAbstractScrollArea>
+#include <QEvent>
 #include <QPointer>
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -33,7 +34,11 @@ public:
     }
 
 protected:
-    bool event(QEvent* event) noexcept override { return QAbstractScrollArea::event(event); }
+    bool event(QEvent* event) noexcept override {
+        if (event->type() == QEvent::LayoutDirectionChange)
+            follow();
+        return QAbstractScrollArea::event(event);
+    }
     void resizeEvent(QResizeEvent*) override { follow(); }
     void scrollContentsBy(int, int) override {
         if (isFollowing_)
@@ -43,7 +48,7 @@ protected:
         const double top = verticalScrollBar()->value();
         const double y = clipView_->isFlipped() ? document.minY() + top
                                                 : document.maxY() - top - viewport()->height();
-        clipView_->setBoundsOrigin({document.minX() + horizontalScrollBar()->value(), y});
+        clipView_->setBoundsOrigin({document.minX() + leftOf(horizontalScrollBar()->value()), y});
         place();
     }
 
@@ -71,13 +76,23 @@ private:
             clipView_->isFlipped() ? seen.minY() - document.minY() : document.maxY() - seen.maxY();
         // A document made as wide as the scroll view wants no bar for what the vertical one covers.
         const int across = size.width() <= width() ? size.width() : viewport()->width();
-        fit(*horizontalScrollBar(), size.width(), across, seen.minX() - document.minX());
+        const double left = seen.minX() - document.minX();
+        fit(*horizontalScrollBar(), size.width(), across,
+            isRightToLeft() ? size.width() - across - left : left);
         fit(*verticalScrollBar(), size.height(), viewport()->height(), top);
         shown_->resize(size);
         place();
     }
 
-    void place() { shown_->move(-horizontalScrollBar()->value(), -verticalScrollBar()->value()); }
+    void place() {
+        shown_->move(-leftOf(horizontalScrollBar()->value()), -verticalScrollBar()->value());
+    }
+
+    /// What is out of sight to the left; where one reads from right to left the bar counts from
+    /// there.
+    int leftOf(int value) const {
+        return isRightToLeft() ? horizontalScrollBar()->maximum() - value : value;
+    }
 
     const std::shared_ptr<NSClipView> clipView_;
     const std::shared_ptr<NSView> document_;

@@ -22,6 +22,11 @@ std::optional<URL> TableModel::draggedURL(int row) const {
     return dataSource && isReading_ ? dataSource->draggedURL(*table_, row) : std::nullopt;
 }
 
+bool TableModel::isMovable(int row) const {
+    const auto dataSource = table_->dataSource();
+    return dataSource && isReading_ && dataSource->isMovable(*table_, row);
+}
+
 QVariant TableModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || role != Qt::DisplayRole || !isReading_)
         return {};

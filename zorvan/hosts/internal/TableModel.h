@@ -17,6 +17,8 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation,
                         int role = Qt::DisplayRole) const override;
 
+    /// -1 for no index.
+    std::int64_t rowOf(const QModelIndex& index) const { return index.row(); }
     void insertColumn(int at);
     void removeColumn(int at);
     void reloadCells(const IndexSet& rows, const IndexSet& columns);
@@ -26,6 +28,7 @@ public:
 
 protected:
     std::optional<URL> draggedURL(int row) const override;
+    bool isMovable(int row) const override;
 
 private:
     const std::shared_ptr<NSTableView> table_;

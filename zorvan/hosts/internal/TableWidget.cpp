@@ -4,14 +4,11 @@
 #include <zorvan/hosts/internal/viewGeometry.h>
 #include <zorvan/interface/NSTableViewObserver.h>
 
-#include <QHeaderView>
-
 namespace zorvan::internal {
 
-class TableWidget::Mirror : public ViewMirror, public NSTableViewObserver {
+class TableWidget::RowMirror : public Mirror<TableWidget, NSTableViewObserver> {
 public:
-    Mirror(const std::shared_ptr<NSTableView>& table, TableWidget& widget)
-        : ViewMirror(table, widget) {}
+    using Mirror::Mirror;
 
     void updatesDidBegin() override {
         if (own())
@@ -52,28 +49,6 @@ public:
         if (own())
             own()->followHeights(rows);
     }
-    void columnInserted(std::int64_t at) override {
-        if (!own())
-            return;
-        own()->selectionMirror().forget();
-        own()->model_.insertColumn(static_cast<int>(at));
-        own()->followColumns();
-    }
-    void columnRemoved(std::int64_t at) override {
-        if (!own())
-            return;
-        own()->selectionMirror().forget();
-        own()->model_.removeColumn(static_cast<int>(at));
-        own()->followColumns();
-    }
-    void columnDidChange(std::int64_t) override {
-        if (own())
-            own()->followColumns();
-    }
-    void sortOrderDidChange() override {
-        if (own())
-            own()->header_.followSortOrder();
-    }
     void selectionDidChange() override {
         if (own() && own()->changes_.empty())
             own()->selectionMirror().mirror();
@@ -84,7 +59,6 @@ public:
     }
 
 private:
-    TableWidget* own() const { return static_cast<TableWidget*>(widget()); }
     void change(RowChange change) {
         if (own())
             own()->change(std::move(change));
@@ -92,8 +66,7 @@ private:
 };
 
 TableWidget::TableWidget(const std::shared_ptr<NSTableView>& table, QWidget* parent)
-    : HostedItemView(table, parent), table_(table), model_(table),
-      header_(table, *horizontalHeader()) {
+    : HostedTable(table, parent) {
     setItemDelegate(new CellDelegate(this));
     setSelectionBehavior(SelectRows);
     setShowGrid(false);
@@ -105,15 +78,13 @@ TableWidget::TableWidget(const std::shared_ptr<NSTableView>& table, QWidget* par
     verticalHeader()->setMinimumSectionSize(0);
     verticalHeader()->setDefaultSectionSize(wholeLength(table->rowHeight()));
     adopt(model_);
-    const auto mirror = std::make_shared<Mirror>(table, *this);
+    const auto mirror = std::make_shared<RowMirror>(table, *this);
     ViewMirror::attach(mirror);
     table->addObserver(std::static_pointer_cast<NSTableViewObserver>(mirror));
     followColumns();
     followHeights(IndexSet(IndexSet::Range{0, model_.rowCount()}));
     selectionMirror().mirror();
 }
-
-TableWidget::~TableWidget() { leave(); }
 
 // Rows
 
@@ -164,15 +135,7 @@ void TableWidget::followHeights(const IndexSet& ofRows) {
     }
 }
 
-void TableWidget::followColumns() {
-    header_.follow();
-    selectionMirror().mirror();
-    showCellsLater();
-}
-
 // What the person does
-
-void TableWidget::select(const IndexSet& rows) { table_->selectRowIndexes(rows, false); }
 
 QItemSelection TableWidget::toItems(const IndexSet& rows) const {
     QItemSelection items;
@@ -194,22 +157,48 @@ void TableWidget::keyboardSearch(const QString& text) {
     if (current.column() > 0)
         selectionModel()->setCurrentIndex(current.siblingAtColumn(0),
                                           QItemSelectionModel::NoUpdate);
-    HostedItemView::keyboardSearch(text);
+    HostedTable::keyboardSearch(text);
 }
 
 QModelIndex TableWidget::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
     if (action != MoveHome && action != MoveEnd)
-        return HostedItemView::moveCursor(action, modifiers);
+        return HostedTable::moveCursor(action, modifiers);
     return model_.index(action == MoveHome ? 0 : model_.rowCount() - 1,
                         std::max(currentIndex().column(), 0));
 }
 
-void TableWidget::open(const QModelIndex& index) {
-    if (const auto delegate = table_->delegate())
-        delegate->rowOpened(*table_, index.row());
+// Dragging
+
+bool TableWidget::acceptsDrop(const std::vector<URL>& urls) const {
+    const auto source = table_->dataSource();
+    return source && askSafely([&] { return source->acceptsDrop(*table_, urls); });
 }
 
-void TableWidget::pressed(const QModelIndex& index, QPoint) { table_->setClickedRow(index.row()); }
+int TableWidget::dropRow(QPoint at) const {
+    const int row = rowAt(at.y());
+    if (row < 0)
+        return model_.rowCount();
+    return at.y() < rowViewportPosition(row) + rowHeight(row) / 2 ? row : row + 1;
+}
+
+QRect TableWidget::dropMark(QPoint at) const {
+    const int row = dropRow(at), last = model_.rowCount() - 1;
+    const int y =
+        row > last ? rowViewportPosition(last) + rowHeight(last) : rowViewportPosition(row);
+    return {0, std::max(y, 1), viewport()->width(), 0};
+}
+
+void TableWidget::selectionDropped(QPoint at) {
+    const IndexSet rows = model_.movable(selection());
+    const auto source = table_->dataSource();
+    if (source && !rows.isEmpty())
+        source->rowsDragged(*table_, rows, dropRow(at));
+}
+
+void TableWidget::urlsDropped(const std::vector<URL>& urls, QPoint at) {
+    if (const auto source = table_->dataSource())
+        source->urlsDropped(*table_, urls, dropRow(at));
+}
 
 // Cells
 
@@ -223,17 +212,6 @@ std::vector<QModelIndex> TableWidget::indexesInSight() const {
         for (int column = 0; column < model_.columnCount(); ++column)
             indexes.push_back(model_.index(row, column));
     return indexes;
-}
-
-std::shared_ptr<NSView> TableWidget::cellView(const QModelIndex& index) {
-    return table_->view(index.column(), index.row(), true);
-}
-
-void TableWidget::letGoOfOthers(const std::vector<QModelIndex>& inSight) {
-    IndexSet rows;
-    for (const QModelIndex& index : inSight)
-        rows.insert(index.row());
-    table_->keepCellViews(rows);
 }
 
 } // namespace zorvan::internal

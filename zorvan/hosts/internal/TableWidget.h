@@ -1,22 +1,17 @@
 #pragma once
 
-#include <zorvan/hosts/internal/HostedItemView.h>
-#include <zorvan/hosts/internal/TableHeader.h>
+#include <zorvan/hosts/internal/HostedTable.h>
 #include <zorvan/hosts/internal/TableModel.h>
-
-#include <QTableView>
 
 namespace zorvan::internal {
 
 /// Shows a table that is no outline.
-class TableWidget : public HostedItemView<QTableView> {
+class TableWidget : public HostedTable<QTableView, NSTableView, TableModel> {
 public:
     TableWidget(const std::shared_ptr<NSTableView>& table, QWidget* parent);
-    ~TableWidget() override;
+    ~TableWidget() override { leave(); }
 
 protected:
-    IndexSet selection() const override { return table_->selectedRowIndexes(); }
-    void select(const IndexSet& rows) override;
     QItemSelection toItems(const IndexSet& rows) const override;
     IndexSet fromItems(const QItemSelection& items) const override;
 
@@ -25,30 +20,32 @@ protected:
     /// Home and End go through the rows.
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
-    void open(const QModelIndex& index) override;
-    void pressed(const QModelIndex& index, QPoint at) override;
     bool isDragged(const QModelIndex& index) const override {
         return model_.isDragged(index.row());
     }
+    bool isMovable(const QModelIndex& index) const override {
+        return !model_.movable({index.row()}).isEmpty();
+    }
+    bool acceptsDrop(const std::vector<URL>& urls) const override;
+    QRect dropMark(QPoint at) const override;
+    void selectionDropped(QPoint at) override;
+    void urlsDropped(const std::vector<URL>& urls, QPoint at) override;
     std::vector<QModelIndex> indexesInSight() const override;
-    std::shared_ptr<NSView> cellView(const QModelIndex& index) override;
-    void letGoOfOthers(const std::vector<QModelIndex>& inSight) override;
 
 private:
-    class Mirror;
+    class RowMirror;
 
     void change(RowChange change);
     void applyChanges();
     void reload();
     void followHeights(const IndexSet& ofRows);
-    void followColumns();
-    const std::shared_ptr<NSTableView> table_;
-    TableModel model_;
+    /// Before which row something dropped there goes.
+    int dropRow(QPoint at) const;
+
     /// Of updates that have begun and not ended.
     std::vector<RowChange> changes_;
     int updateDepth_ = 0;
     bool hasOwnHeights_ = false;
-    TableHeader header_;
 };
 
 } // namespace zorvan::internal

@@ -1,11 +1,14 @@
 #include <zorvan/hosts/internal/ViewWidget.h>
 
 #include <zorvan/hosts/internal/QtMenus.h>
+#include <zorvan/hosts/internal/askSafely.h>
+#include <zorvan/hosts/internal/dragging.h>
 #include <zorvan/hosts/internal/makeWidget.h>
 #include <zorvan/hosts/internal/qtEvents.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 #include <zorvan/interface/NSWindow.h>
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -16,6 +19,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -69,6 +73,7 @@ private:
 ViewWidget::ViewWidget(const std::shared_ptr<NSView>& view, QWidget* parent)
     : QWidget(parent), view_(view) {
     setMouseTracking(true);
+    setAcceptDrops(true);
     ViewMirror::attach(std::make_shared<Mirror>(view, *this));
 }
 
@@ -134,6 +139,8 @@ QRect aligned(const QRect& part, double scale) {
 } // namespace
 
 void ViewWidget::paintView(const NSView& view, QWidget& widget, const QRect& changed) {
+    if (typeid(view) == typeid(NSView))
+        return; // which draws nothing
     const double scale = widget.devicePixelRatioF();
     const QRect part = aligned(changed, scale);
     const auto pixels = [scale](int length) {
@@ -173,11 +180,21 @@ void ViewWidget::paintEvent(QPaintEvent* event) {
 
 // Events
 
-void ViewWidget::mousePressEvent(QMouseEvent* event) { sendMouse(view_, *event); }
+void ViewWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        pressedAt_ = event->position();
+    sendMouse(view_, *event);
+}
 
-void ViewWidget::mouseMoveEvent(QMouseEvent* event) { sendMouse(view_, *event); }
+void ViewWidget::mouseMoveEvent(QMouseEvent* event) {
+    if (!beginDrag(*event))
+        sendMouse(view_, *event);
+}
 
-void ViewWidget::mouseReleaseEvent(QMouseEvent* event) { sendMouse(view_, *event); }
+void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
+    pressedAt_.reset();
+    sendMouse(view_, *event);
+}
 
 void ViewWidget::leaveEvent(QEvent*) { sendLeave(view_, *this); }
 
@@ -197,6 +214,33 @@ void ViewWidget::focusOutEvent(QFocusEvent*) { update(); }
 
 void ViewWidget::contextMenuEvent(QContextMenuEvent* event) {
     openContextMenu(view_, *this, *event);
+}
+
+// Dragging
+
+bool ViewWidget::beginDrag(const QMouseEvent& event) {
+    if (!pressedAt_ || !(event.buttons() & Qt::LeftButton) ||
+        (event.position() - *pressedAt_).manhattanLength() < QApplication::startDragDistance())
+        return false;
+    const CGPoint from = toView(*view_, *std::exchange(pressedAt_, std::nullopt));
+    const auto urls = askSafely([&] { return view_->draggedURLs(from); });
+    const auto picture = askSafely([&] { return view_->draggedPicture(from); });
+    if (urls.empty() && !picture)
+        return false;
+    dragLater(toMimeData(urls, picture.get()), grab());
+    return true;
+}
+
+void ViewWidget::dragEnterEvent(QDragEnterEvent* event) {
+    const std::vector<URL> urls = urlsOf(*event->mimeData());
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(!urls.empty() && askSafely([&] { return view_->acceptsDrop(urls); }));
+}
+
+void ViewWidget::dropEvent(QDropEvent* event) {
+    const auto keptAlive = view_;
+    event->accept();
+    keptAlive->urlsDropped(urlsOf(*event->mimeData()), toView(*keptAlive, event->position()));
 }
 
 void openContextMenu(const std::shared_ptr<NSView>& view, QWidget& widget,

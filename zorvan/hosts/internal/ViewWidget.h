@@ -4,6 +4,7 @@
 
 #include <QWidget>
 #include <memory>
+#include <optional>
 
 namespace zorvan::internal {
 
@@ -31,6 +32,8 @@ protected:
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     /// A content view is sized by its window, a view in a bar by the bar.
     QSize sizeHint() const override;
 
@@ -38,8 +41,11 @@ private:
     class Mirror;
     void followSubviews();
     void orderSubviews();
+    bool beginDrag(const QMouseEvent& event);
 
     const std::shared_ptr<NSView> view_;
+    /// Where the left button went down, until it is known whether that begins a drag.
+    std::optional<QPointF> pressedAt_;
 };
 
 /// Opens the context menu of the view, if there is one; by the keyboard in the middle of it.

@@ -1,6 +1,5 @@
 #include <zorvan/hosts/internal/WindowWidget.h>
 
-#include <zorvan/hosts/internal/ItemBar.h>
 #include <zorvan/hosts/internal/ViewMirror.h>
 #include <zorvan/hosts/internal/barItems.h>
 #include <zorvan/hosts/internal/makeWidget.h>
@@ -75,7 +74,8 @@ public:
         later(*widget_, [](QObject& widget) {
             auto& own = static_cast<WindowWidget&>(widget);
             own.window_->displayIfNeeded();
-            own.toolbar_->placeItems(); // above dividers
+            if (own.toolbar_)
+                own.toolbar_->placeItems(); // above dividers
         });
     }
     void propertiesDidChange() override { widget_->followProperties(); }
@@ -99,12 +99,9 @@ WindowWidget::WindowWidget(std::shared_ptr<NSWindow> window)
       resizing_(subscriber(window_, NSWindow::didResizeNotification)),
       becomingMain_(subscriber(window_, NSWindow::didBecomeMainNotification)),
       mirror_(std::make_shared<Mirror>(*this)),
-      // In the order that Tab goes through them.
-      toolbar_(new ItemBar(ItemBar::Kind::toolbar, this)),
-      holder_(new ContentHolder(window_, this)),
-      touchBar_(new ItemBar(ItemBar::Kind::touchBar, this)) {
-    addToolBar(Qt::TopToolBarArea, toolbar_);
-    addToolBar(Qt::BottomToolBarArea, touchBar_);
+      // Tab goes through the parts of the window in the order in which they are made.
+      toolbar_(window_->toolbar() ? addBar(ItemBar::Kind::toolbar) : nullptr),
+      holder_(new ContentHolder(window_, this)) {
     setContextMenuPolicy(Qt::NoContextMenu); // which would let the bars be hidden
     setCentralWidget(holder_);
     closing_->subscribe(window_, [this](const auto&, const Notification&) {
@@ -158,13 +155,25 @@ void WindowWidget::followContent() {
 void WindowWidget::followToolbar() {
     window_->layoutIfNeeded(); // which gives the views of the items their sizes
     const auto toolbar = window_->toolbar();
-    fillBar(*toolbar_, toolbar != nullptr, toolbar ? toolbarItems(*toolbar) : BarItems());
+    if (toolbar && !toolbar_)
+        toolbar_ = addBar(ItemBar::Kind::toolbar);
+    if (toolbar_)
+        fillBar(*toolbar_, toolbar != nullptr, toolbar ? toolbarItems(*toolbar) : BarItems());
 }
 
 void WindowWidget::followTouchBar() {
     window_->layoutIfNeeded();
     const auto touchBar = window_->touchBar();
-    fillBar(*touchBar_, touchBar != nullptr, touchBar ? touchBarItems(*touchBar) : BarItems());
+    if (touchBar && !touchBar_)
+        touchBar_ = addBar(ItemBar::Kind::touchBar);
+    if (touchBar_)
+        fillBar(*touchBar_, touchBar != nullptr, touchBar ? touchBarItems(*touchBar) : BarItems());
+}
+
+ItemBar* WindowWidget::addBar(ItemBar::Kind kind) {
+    auto* const bar = new ItemBar(kind, this);
+    addToolBar(kind == ItemBar::Kind::toolbar ? Qt::TopToolBarArea : Qt::BottomToolBarArea, bar);
+    return bar;
 }
 
 /// The content keeps its size, unless the desktop says how large the window is.
@@ -208,7 +217,11 @@ void WindowWidget::followLooks() {
 
 void WindowWidget::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
+    const auto keptAlive = window_;
+    keptAlive->giveKeyboardToContent();
     followFirstResponder();
+    if (!focusWidget())
+        holder_->setFocus(); // Qt would give the keyboard to the first tool
 }
 
 void WindowWidget::changeEvent(QEvent* event) {
@@ -233,7 +246,7 @@ void WindowWidget::closeEvent(QCloseEvent*) {
 
 void WindowWidget::keyPressEvent(QKeyEvent* event) {
     const auto keptAlive = window_;
-    if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::NoModifier &&
+    if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::NoModifier && toolbar_ &&
         toolbar_->focusFirst())
         return;
     event->setAccepted(keptAlive->performKeyEquivalent(keyEvent(*event)));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <zorvan/hosts/internal/barItems.h>
+#include <zorvan/hosts/internal/ItemBar.h>
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/observation/NoteSubscriber.h>
 
@@ -8,8 +8,6 @@
 #include <memory>
 
 namespace zorvan::internal {
-
-class ItemBar;
 
 /// A window of the desktop: below the title bar the toolbar, the content as a tree of widgets, and
 /// the touch bar.
@@ -33,12 +31,12 @@ private:
     class Mirror;
     class ContentHolder;
 
-    void followLater();
     void followProperties();
     void followSize();
     void followContent();
     void followToolbar();
     void followTouchBar();
+    ItemBar* addBar(ItemBar::Kind kind);
     void fillBar(ItemBar& bar, bool isShown, BarItems items);
     bool isSizedByDesktop() const;
     void followFirstResponder();
@@ -48,9 +46,10 @@ private:
     const std::shared_ptr<NSWindow> window_;
     const std::shared_ptr<NoteSubscriber> closing_, resizing_, becomingMain_;
     std::shared_ptr<Mirror> mirror_;
-    ItemBar* const toolbar_;
+    /// Bars are made when there is something to show in them.
+    ItemBar* toolbar_ = nullptr;
     ContentHolder* const holder_;
-    ItemBar* const touchBar_;
+    ItemBar* touchBar_ = nullptr;
     bool isClosing_ = false;
 };
 

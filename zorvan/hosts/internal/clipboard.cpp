@@ -1,11 +1,10 @@
 #include <zorvan/hosts/internal/clipboard.h>
 
 #include <zorvan/files/NSPasteboard.h>
+#include <zorvan/hosts/internal/dragging.h>
 
 #include <QApplication>
 #include <QClipboard>
-#include <QMimeData>
-#include <QUrl>
 #include <vector>
 
 namespace zorvan::internal {
@@ -16,39 +15,48 @@ using Objects = std::vector<NSPasteboard::Object>;
 
 NSPasteboard& pasteboard() { return *NSPasteboard::generalPasteboard(); }
 
+/// URLs, or else a text.
+Objects objectsOf(const QMimeData& held) {
+    Objects objects;
+    for (URL& url : urlsOf(held))
+        objects.emplace_back(std::move(url));
+    if (objects.empty() && held.hasText())
+        objects.emplace_back(held.text().toStdString());
+    return objects;
+}
+
 void take() {
     const QMimeData* const held = QGuiApplication::clipboard()->mimeData();
-    if (!held || QGuiApplication::clipboard()->ownsClipboard())
-        return;
-    Objects objects;
-    for (const QUrl& url : held->urls())
-        if (auto known = URL::make({.string = url.toString(QUrl::FullyEncoded).toStdString()}))
-            objects.emplace_back(std::move(*known));
-    if (objects.empty() && held->hasText())
-        objects.emplace_back(held->text().toStdString());
-    pasteboard().adopt(std::move(objects));
+    if (held && !QGuiApplication::clipboard()->ownsClipboard())
+        pasteboard().adopt(objectsOf(*held));
 }
 
 /// URLs, from which those who want text make it, or else the texts below each other.
 void give() {
-    QList<QUrl> urls;
+    std::vector<URL> urls;
     QStringList lines;
     for (const NSPasteboard::Object& object : pasteboard().objects())
         if (const auto* const url = std::get_if<URL>(&object))
-            urls.append(QUrl::fromEncoded(QByteArray::fromStdString(url->absoluteString())));
+            urls.push_back(*url);
         else
             lines.append(QString::fromStdString(std::get<std::string>(object)));
-    if (urls.isEmpty() && lines.isEmpty())
+    if (urls.empty() && lines.isEmpty())
         return QGuiApplication::clipboard()->clear();
-    auto* const held = new QMimeData; // the clipboard's then
-    if (urls.isEmpty())
+    auto held = toMimeData(urls);
+    if (urls.empty())
         held->setText(lines.join(QLatin1Char('\n')));
-    else
-        held->setUrls(urls);
-    QGuiApplication::clipboard()->setMimeData(held);
+    QGuiApplication::clipboard()->setMimeData(held.release());
 }
 
 } // namespace
+
+void copyToPasteboard(const QMimeData& data) {
+    Objects objects = objectsOf(data);
+    if (objects.empty())
+        return;
+    pasteboard().clearContents();
+    pasteboard().writeObjects(std::move(objects));
+}
 
 void shareClipboard() {
     QObject::connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, qApp,

@@ -33,25 +33,8 @@ void outlineRounded(const CGRect& rect, double radius, const NSColor& color, dou
     path->stroke();
 }
 
-void drawLine(std::initializer_list<CGPoint> points, double width, const NSColor& color) {
-    const auto path = NSBezierPath::create();
-    for (const CGPoint& point : points)
-        if (path->isEmpty())
-            path->move(point);
-        else
-            path->line(point);
-    path->setLineWidth(width);
-    path->setLineCapStyle(CGLineCap::round);
-    path->setLineJoinStyle(CGLineJoin::round);
-    setStroke(color);
-    path->stroke();
-}
-
-NSAttributedString withDefaults(const NSAttributedString& text, LabelStyle style,
-                                const NSColor& color) {
-    const TextFont font{.family = "sans-serif",
-                        .size = style == LabelStyle::small ? 11.0 : 13.0,
-                        .isBold = style == LabelStyle::bold};
+NSAttributedString withDefaults(const NSAttributedString& text, const NSColor& color) {
+    const TextFont font{.family = "sans-serif", .size = 13};
     NSMutableAttributedString complete(text);
     const auto runs = text.runs();
     for (const NSAttributedString::Run& run : runs) {
@@ -69,25 +52,15 @@ CGSize textSize(const NSAttributedString& text) {
     return {std::ceil(exact.width), std::ceil(exact.height)};
 }
 
-CGSize labelSize(std::string_view text, LabelStyle style) {
-    return textSize(withDefaults(NSAttributedString(text), style, Palette::label));
-}
-
-CGRect drawText(const NSAttributedString& text, const CGRect& in, LabelAlignment alignment) {
+CGRect drawText(const NSAttributedString& text, const CGRect& in) {
     const CGSize natural = textSize(text);
     const double width = std::min(natural.width, in.width());
-    const double left =
-        alignment == LabelAlignment::left ? in.minX() : in.minX() + (in.width() - width) / 2;
-    const CGRect box(std::round(left), std::round(in.minY() + (in.height() - natural.height) / 2),
-                     width, natural.height);
+    const CGRect box(std::round(in.minX() + (in.width() - width) / 2),
+                     std::round(in.minY() + (in.height() - natural.height) / 2), width,
+                     natural.height);
     if (width > 0)
         drawTruncated(text, box);
     return box;
-}
-
-void drawLabel(std::string_view text, const CGRect& in, LabelStyle style, const NSColor& color,
-               LabelAlignment alignment) {
-    drawText(withDefaults(NSAttributedString(text), style, color), in, alignment);
 }
 
 } // namespace zorvan

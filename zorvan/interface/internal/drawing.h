@@ -6,8 +6,6 @@
 #include <zorvan/platform/appkit/Canvas.h>
 #include <zorvan/platform/textservices/NSAttributedString.h>
 
-#include <string_view>
-
 namespace zorvan {
 
 /// The colours of the interface.
@@ -17,14 +15,11 @@ constexpr NSColor grey(double white, double alpha = 1) {
     return NSColor({.white = white, .alpha = alpha});
 }
 
-inline constexpr NSColor bar = grey(0.965);
 inline constexpr NSColor separator = grey(0, 0.13);
 inline constexpr NSColor label = grey(0, 0.82);
-inline constexpr NSColor faintLabel = grey(0, 0.45);
 inline constexpr NSColor lightLabel = grey(1, 0.92);
 inline constexpr NSColor field = grey(1);
 inline constexpr NSColor outline = grey(0, 0.16);
-inline constexpr NSColor touchBar = grey(0.11);
 
 } // namespace Palette
 
@@ -43,22 +38,12 @@ void fillRect(const CGRect& rect, const NSColor& color);
 void fillRounded(const CGRect& rect, double radius, const NSColor& color);
 /// A line of that width just inside the edge.
 void outlineRounded(const CGRect& rect, double radius, const NSColor& color, double width = 1);
-/// An open line through the points.
-void drawLine(std::initializer_list<CGPoint> points, double width, const NSColor& color);
-
-enum class LabelStyle { plain, small, bold };
-enum class LabelAlignment { left, center };
 
 /// Text without font or colour gets these.
-NSAttributedString withDefaults(const NSAttributedString& text, LabelStyle style,
-                                const NSColor& color);
-CGSize labelSize(std::string_view text, LabelStyle style);
+NSAttributedString withDefaults(const NSAttributedString& text, const NSColor& color);
 /// As large as whole points.
 CGSize textSize(const NSAttributedString& text);
-/// One line, in the middle of the height, shortened to the width.
-void drawLabel(std::string_view text, const CGRect& in, LabelStyle style, const NSColor& color,
-               LabelAlignment alignment = LabelAlignment::center);
-/// The same for text with attributes; where it was drawn.
-CGRect drawText(const NSAttributedString& text, const CGRect& in, LabelAlignment alignment);
+/// One line, in the middle, shortened to the width; where it was drawn.
+CGRect drawText(const NSAttributedString& text, const CGRect& in);
 
 } // namespace zorvan

@@ -29,9 +29,4 @@ CGRect centredRect(CGSize size, const CGRect& in) {
             std::round(in.minY() + (in.height() - height) / 2), width, height};
 }
 
-void drawCentred(const NSImage& image, const CGRect& in, const NSColor& ink, bool isEnabled) {
-    if (!in.isEmpty())
-        drawInside(image, centredRect(shownSize(image), in), ink, isEnabled);
-}
-
 } // namespace zorvan

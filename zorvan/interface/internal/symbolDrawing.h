@@ -11,9 +11,7 @@ inline CGSize shownSize(const NSImage& image) { return image.size().abs(); }
 
 /// Draws a template in the colour, any other picture as it is; faint when not enabled.
 void drawInside(const NSImage& image, const CGRect& rect, const NSColor& ink, bool isEnabled);
-/// The same at the image's size, or as large as fits, in the middle.
-void drawCentred(const NSImage& image, const CGRect& in, const NSColor& ink, bool isEnabled);
-/// The rectangle that `drawCentred` draws in.
+/// In the middle, at the size or as large as fits.
 CGRect centredRect(CGSize size, const CGRect& in);
 
 } // namespace zorvan

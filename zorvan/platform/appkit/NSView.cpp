@@ -1,10 +1,10 @@
 #include <zorvan/platform/appkit/NSView.h>
 
-#include <zorvan/numbers-geometry/RealNumber.h>
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace zorvan {
 
@@ -42,14 +42,11 @@ void NSView::setFrame(const CGRect& frame) {
 }
 
 void NSView::setBoundsOrigin(CGPoint origin, bool animated) {
-    const bool isChange = origin != boundsOrigin_;
-    boundsOrigin_ = origin;
-    if (isChange) {
-        contentDidChange();
-        tellObserver(&NSViewObserver::boundsOriginDidChange, animated);
-        updateTrackingAreas();
-    }
-    note("setBoundsOrigin", description(origin.x) + ", " + description(origin.y));
+    if (std::exchange(boundsOrigin_, origin) == origin)
+        return;
+    contentDidChange();
+    tellObserver(&NSViewObserver::boundsOriginDidChange, animated);
+    updateTrackingAreas();
 }
 
 CGSize NSView::intrinsicContentSize() const { return {noIntrinsicMetric, noIntrinsicMetric}; }
@@ -193,7 +190,6 @@ void NSView::setNeedsDisplay(bool needsDisplay) {
         return;
     contentDidChange();
     tellObserver(&NSViewObserver::needsDisplay, bounds());
-    note("setNeedsDisplay");
 }
 
 void NSView::setNeedsDisplay(const CGRect& inRect) {
@@ -208,12 +204,6 @@ void NSView::setNeedsDisplay(const CGRect& inRect) {
 void NSView::contentDidChange() {
     if (const auto holder = superview())
         holder->contentDidChange();
-}
-
-void NSView::didDisplayAll() {
-    needsDisplay_ = false;
-    for (const auto& view : subviews_)
-        view->didDisplayAll();
 }
 
 void NSView::setNeedsLayout(bool needsLayout) {
@@ -329,6 +319,11 @@ std::shared_ptr<NSMenu> NSView::menu(const NSEvent& forEvent) {
     const auto holder = superview();
     return menu_ || !holder ? menu_ : holder->menu(forEvent);
 }
+
+std::vector<URL> NSView::draggedURLs(CGPoint) const { return {}; }
+std::shared_ptr<const Bitmap> NSView::draggedPicture(CGPoint) const { return nullptr; }
+bool NSView::acceptsDrop(const std::vector<URL>&) const { return false; }
+void NSView::urlsDropped(const std::vector<URL>&, CGPoint) {}
 
 NSAccessibilityRole NSView::ownAccessibilityRole() const { return NSAccessibilityRole::group; }
 

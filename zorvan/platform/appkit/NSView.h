@@ -9,7 +9,7 @@
 #include <zorvan/platform/appkit/NSLayoutConstraint.h>
 #include <zorvan/platform/appkit/NSTrackingArea.h>
 #include <zorvan/platform/appkit/NSViewObserver.h>
-#include <zorvan/platform/appkit/ViewCall.h>
+#include <zorvan/platform/foundation/URL.h>
 #include <zorvan/platform/graphics/Bitmap.h>
 
 #include <memory>
@@ -182,6 +182,21 @@ public:
     virtual std::shared_ptr<NSMenu> menu(const NSEvent& forEvent);
     void setMenu(std::shared_ptr<NSMenu> menu) { menu_ = std::move(menu); }
 
+    // What is dragged, out of the window and into it.
+
+    /// The files, or other addresses, that a drag from a point of the view carries; none unless
+    /// overridden. Asked when the mouse, which was pressed there, has begun to move; where there is
+    /// something to carry, the view is told no more of that press.
+    virtual std::vector<URL> draggedURLs(CGPoint from) const;
+    /// The picture that such a drag carries, for whoever wants pixels rather than a file; null
+    /// unless overridden.
+    virtual std::shared_ptr<const Bitmap> draggedPicture(CGPoint from) const;
+    /// Whether what is dragged over the view may be dropped there; if not, the view around it is
+    /// asked. False unless overridden.
+    virtual bool acceptsDrop(const std::vector<URL>& urls) const;
+    /// What the view accepts was dropped at a point of it. Does nothing unless overridden.
+    virtual void urlsDropped(const std::vector<URL>& urls, CGPoint at);
+
     // What a screen reader says of the view. Controls know it of themselves; what is set goes
     // before that.
 
@@ -198,15 +213,7 @@ public:
     /// Hosts that show the view, and tests. Not kept alive; one that has gone is told no more.
     void addObserver(const std::shared_ptr<NSViewObserver>& observer);
 
-    /// Told of each change made through an animated call or by the operations of a subclass, and of
-    /// each mark for redisplay.
-    void setCallObserver(ViewCallObserver observer) { callObserver_ = std::move(observer); }
-
 protected:
-    void note(std::string name, std::string arguments = {}) const {
-        if (callObserver_)
-            callObserver_({std::move(name), std::move(arguments)});
-    }
     /// What this view or one inside it shows has changed. The outermost view of a window overrides
     /// it.
     virtual void contentDidChange();
@@ -225,7 +232,6 @@ private:
     void moveTo(const std::shared_ptr<NSWindow>& window, const std::shared_ptr<NSView>& superview);
     void willMoveAll(const std::shared_ptr<NSWindow>& window);
     void didMoveAll(const std::shared_ptr<NSWindow>& window);
-    void didDisplayAll();
     CGSize constrained(CGSize size) const;
     void followConstraints();
     void handOn(void (NSView::*event)(const NSEvent&), const NSEvent& with);
@@ -239,7 +245,6 @@ private:
     std::vector<std::shared_ptr<NSView>> subviews_;
     std::vector<std::shared_ptr<NSTrackingArea>> trackingAreas_;
     std::vector<std::shared_ptr<NSLayoutConstraint>> constraints_;
-    ViewCallObserver callObserver_;
     std::vector<std::weak_ptr<NSViewObserver>> observers_;
     std::weak_ptr<NSView> nextKeyView_;
     std::string toolTip_;

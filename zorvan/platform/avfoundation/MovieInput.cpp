@@ -59,7 +59,9 @@ CGSize naturalSize(AVFormatContext& input, AVStream& stream) noexcept {
     return {pixelRatio > 0 ? std::round(width * pixelRatio) : width, height};
 }
 
-/// The stream's display matrix as it is stored; empty when it has none.
+/// The stream's display matrix as it is stored; empty when it has none. FFmpeg 6.1 and later have
+/// it among the parameters of the codec; the other way is that of Debian 12's 5.1, and goes with
+/// it.
 std::span<const std::uint8_t> displayMatrix(const AVStream& stream) noexcept {
 #if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(60, 31, 102)
     const AVPacketSideData* const data =

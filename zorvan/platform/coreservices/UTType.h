@@ -21,8 +21,8 @@ namespace zorvan {
 // Identifiers, extensions and MIME types are compared without regard to the case of ASCII letters.
 // All functions may be called from several threads at once.
 
-inline constexpr std::string_view kUTTagClassFilenameExtension = "public.filename-extension";
-inline constexpr std::string_view kUTTagClassMIMEType = "public.mime-type";
+inline constexpr NameLiteral kUTTagClassFilenameExtension = "public.filename-extension";
+inline constexpr NameLiteral kUTTagClassMIMEType = "public.mime-type";
 
 /// The identifier of the type that has the tag: an extension without its dot, or a MIME type.
 /// Absent when no type has it, when it is empty, or when the tag class is another.

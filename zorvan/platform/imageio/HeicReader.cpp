@@ -95,7 +95,7 @@ private:
         if (!turnedSizeAt_ ||
             source_.read(*turnedSizeAt_, sides.data(), sides.size()) < sides.size())
             return;
-        std::ranges::rotate(sides, sides.begin() + sideLength);
+        std::rotate(sides.begin(), sides.begin() + sideLength, sides.end());
         for (std::size_t i = 0; i < sides.size(); ++i) {
             const std::uint64_t place = *turnedSizeAt_ + i;
             if (place >= position_ && place - position_ < count)

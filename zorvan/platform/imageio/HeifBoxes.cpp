@@ -1,6 +1,7 @@
 #include <zorvan/platform/imageio/internal/HeifBoxes.h>
 
 #include <zorvan/platform/imageio/internal/FormatReader.h>
+#include <zorvan/platform/imageio/internal/HeifMeta.h>
 #include <zorvan/platform/imageio/internal/HeifTransforms.h>
 #include <zorvan/platform/imageio/internal/HevcSequence.h>
 
@@ -8,248 +9,15 @@
 #include <array>
 #include <cmath>
 #include <initializer_list>
-#include <map>
 #include <string_view>
 #include <utility>
 
 namespace zorvan::imageio {
 namespace {
 
-constexpr std::size_t maximumItems = 100'000;
 constexpr int maximumTopLevelBoxes = 1000;
 
-std::string_view textOf(Bytes bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-/// Reads one value after the other; past the end it throws.
-class Cursor {
-public:
-    explicit Cursor(Bytes bytes) : rest_(bytes) {}
-
-    std::uint64_t number(std::size_t width) {
-        const std::uint64_t value = bigEndian(take(width), 0, width);
-        return value;
-    }
-    std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
-    int u16() { return static_cast<int>(number(2)); }
-    int u8() { return static_cast<int>(number(1)); }
-    Bytes take(std::size_t count) {
-        if (count > rest_.size())
-            throw Failure{reason::damaged};
-        const Bytes taken = rest_.first(count);
-        rest_ = rest_.subspan(count);
-        return taken;
-    }
-    Bytes rest() const { return rest_; }
-    bool atEnd() const { return rest_.empty(); }
-
-private:
-    Bytes rest_;
-};
-
-struct Box {
-    std::string_view type;
-    Bytes content;
-};
-
-Box nextBox(Cursor& cursor) {
-    std::uint64_t length = cursor.u32();
-    const std::string_view type = textOf(cursor.take(4));
-    std::uint64_t head = 8;
-    if (length == 1) {
-        length = cursor.number(8);
-        head = 16;
-    }
-    if (length == 0)
-        return {type, cursor.take(cursor.rest().size())};
-    if (length < head)
-        throw Failure{reason::damaged};
-    return {type, cursor.take(static_cast<std::size_t>(length - head))};
-}
-
-struct FullBox {
-    int version;
-    std::uint32_t flags;
-    Cursor cursor;
-};
-
-FullBox fullBox(Bytes content) {
-    Cursor cursor(content);
-    const int version = cursor.u8();
-    const auto flags = static_cast<std::uint32_t>(cursor.number(3));
-    return {version, flags, cursor};
-}
-
-struct Item {
-    std::string_view type = {};
-    bool hidden = false;
-    std::vector<std::uint32_t> properties = {}; // 1-based, in the order of application
-    std::vector<HeifPicture::Extent> extents = {};
-};
-
-struct Reference {
-    std::string_view type;
-    std::uint32_t from;
-    std::uint32_t to;
-};
-
-/// The boxes inside "meta", taken apart.
-class Meta {
-public:
-    explicit Meta(Bytes content, std::uint64_t contentOffset)
-        : begin_(content.data()), start_(contentOffset) {
-        FullBox meta = fullBox(content);
-        while (!meta.cursor.atEnd()) {
-            const Box box = nextBox(meta.cursor);
-            if (box.type == "pitm")
-                readPrimary(box.content);
-            else if (box.type == "iinf")
-                readItems(box.content);
-            else if (box.type == "iref")
-                readReferences(box.content);
-            else if (box.type == "iprp")
-                readProperties(box.content);
-            else if (box.type == "iloc")
-                locations_ = box.content;
-            else if (box.type == "idat")
-                dataOffset_ = offsetOf(box.content);
-        }
-        readLocations();
-    }
-
-    /// Where in the file a part of the boxes is.
-    std::uint64_t offsetOf(Bytes part) const {
-        return start_ + static_cast<std::uint64_t>(part.data() - begin_);
-    }
-
-    std::uint32_t primary() const { return primary_; }
-    const std::map<std::uint32_t, Item>& items() const { return items_; }
-    const std::vector<Reference>& references() const { return references_; }
-
-    const Item* find(std::uint32_t id) const {
-        const auto found = items_.find(id);
-        return found == items_.end() ? nullptr : &found->second;
-    }
-
-    /// The properties of an item, in the order of application.
-    std::vector<Box> propertiesOf(const Item& item) const {
-        std::vector<Box> result;
-        for (const std::uint32_t index : item.properties)
-            if (index >= 1 && index <= properties_.size())
-                result.push_back(properties_[index - 1]);
-        return result;
-    }
-
-private:
-    void readPrimary(Bytes content) {
-        FullBox box = fullBox(content);
-        primary_ = static_cast<std::uint32_t>(box.cursor.number(box.version == 0 ? 2 : 4));
-    }
-
-    Item& item(std::uint32_t id) {
-        if (items_.size() >= maximumItems)
-            throw Failure{reason::damaged};
-        return items_[id];
-    }
-
-    void readItems(Bytes content) {
-        FullBox list = fullBox(content);
-        list.cursor.take(list.version == 0 ? 2 : 4);
-        while (!list.cursor.atEnd()) {
-            const Box box = nextBox(list.cursor);
-            if (box.type != "infe")
-                continue;
-            FullBox entry = fullBox(box.content);
-            if (entry.version < 2)
-                continue;
-            const auto id =
-                static_cast<std::uint32_t>(entry.cursor.number(entry.version == 2 ? 2 : 4));
-            entry.cursor.take(2);
-            Item& found = item(id);
-            found.type = textOf(entry.cursor.take(4));
-            found.hidden = (entry.flags & 1) != 0;
-        }
-    }
-
-    void readReferences(Bytes content) {
-        FullBox list = fullBox(content);
-        const std::size_t width = list.version == 0 ? 2 : 4;
-        while (!list.cursor.atEnd()) {
-            const Box box = nextBox(list.cursor);
-            Cursor cursor(box.content);
-            const auto from = static_cast<std::uint32_t>(cursor.number(width));
-            for (int count = cursor.u16(); count > 0; --count) {
-                if (references_.size() >= maximumItems)
-                    throw Failure{reason::damaged};
-                references_.push_back(
-                    {box.type, from, static_cast<std::uint32_t>(cursor.number(width))});
-            }
-        }
-    }
-
-    void readProperties(Bytes content) {
-        Cursor cursor(content);
-        while (!cursor.atEnd()) {
-            const Box box = nextBox(cursor);
-            if (box.type == "ipco") {
-                Cursor list(box.content);
-                while (!list.atEnd() && properties_.size() < maximumItems)
-                    properties_.push_back(nextBox(list));
-            } else if (box.type == "ipma") {
-                readAssociations(box.content);
-            }
-        }
-    }
-
-    void readAssociations(Bytes content) {
-        FullBox box = fullBox(content);
-        const std::size_t width = (box.flags & 1) != 0 ? 2 : 1;
-        const std::uint32_t indexMask = width == 2 ? 0x7FFF : 0x7F; // the top bit: essential
-        for (std::uint32_t entries = box.cursor.u32(); entries > 0; --entries) {
-            Item& owner =
-                item(static_cast<std::uint32_t>(box.cursor.number(box.version < 1 ? 2 : 4)));
-            for (int count = box.cursor.u8(); count > 0; --count)
-                owner.properties.push_back(static_cast<std::uint32_t>(box.cursor.number(width)) &
-                                           indexMask);
-        }
-    }
-
-    void readLocations() {
-        if (locations_.empty())
-            return;
-        FullBox box = fullBox(locations_);
-        Cursor& cursor = box.cursor;
-        const int sizes = cursor.u16();
-        const auto width = [&](int shift) { return static_cast<std::size_t>(sizes >> shift & 15); };
-        const std::size_t indexWidth = box.version == 0 ? 0 : width(0);
-        std::uint32_t count = static_cast<std::uint32_t>(cursor.number(box.version < 2 ? 2 : 4));
-        for (; count > 0; --count) {
-            Item& owner = item(static_cast<std::uint32_t>(cursor.number(box.version < 2 ? 2 : 4)));
-            const int method = box.version == 0 ? 0 : cursor.u16() & 15;
-            cursor.take(2);
-            const std::uint64_t base = cursor.number(width(4)) + (method == 1 ? dataOffset_ : 0);
-            for (int extents = cursor.u16(); extents > 0; --extents) {
-                cursor.take(indexWidth);
-                const std::uint64_t offset = cursor.number(width(12));
-                const std::uint64_t length = cursor.number(width(8));
-                if (method <= 1)
-                    owner.extents.push_back({base + offset, length});
-            }
-        }
-    }
-
-    const std::byte* begin_;
-    std::uint64_t start_;
-    std::uint64_t dataOffset_ = 0;
-    std::uint32_t primary_ = 0;
-    std::map<std::uint32_t, Item> items_ = {};
-    std::vector<Reference> references_ = {};
-    std::vector<Box> properties_ = {};
-    Bytes locations_ = {};
-};
-
-double fraction(Cursor& cursor, bool isSigned) {
+double fraction(HeifCursor& cursor, bool isSigned) {
     const std::uint32_t numerator = cursor.u32();
     const std::uint32_t denominator = cursor.u32();
     const double top = isSigned ? static_cast<double>(static_cast<std::int32_t>(numerator))
@@ -259,7 +27,7 @@ double fraction(Cursor& cursor, bool isSigned) {
 
 /// The clean aperture: a rectangle given by its size and how far its centre lies off.
 PixelRect cleanAperture(Bytes content, PixelSize size) {
-    Cursor cursor(content);
+    HeifCursor cursor(content);
     const double width = fraction(cursor, false);
     const double height = fraction(cursor, false);
     const double x = fraction(cursor, true);
@@ -274,13 +42,13 @@ PixelRect cleanAperture(Bytes content, PixelSize size) {
 }
 
 /// Its result, and whether it is a turn or mirror.
-bool apply(const Box& property, HeifTransforms& transforms) {
+bool apply(const HeifBox& property, HeifTransforms& transforms) {
     if (property.type == "irot") {
-        transforms.rotate(Cursor(property.content).u8() & 3);
+        transforms.rotate(HeifCursor(property.content).u8() & 3);
         return true;
     }
     if (property.type == "imir") {
-        transforms.mirror((Cursor(property.content).u8() & 1) != 0);
+        transforms.mirror((HeifCursor(property.content).u8() & 1) != 0);
         return true;
     }
     if (property.type == "clap")
@@ -296,13 +64,13 @@ void readAv1Description(int bits, HeifPicture& picture) {
     picture.depth = (bits & 0x40) == 0 ? 8 : (bits & 0x20) == 0 ? 10 : 12;
 }
 
-void readDescription(const Box& property, HeifPicture& picture) {
+void readDescription(const HeifBox& property, HeifPicture& picture) {
     if (property.type == "ispe") {
-        FullBox box = fullBox(property.content);
+        HeifFullBox box(property.content);
         picture.coded.width = box.cursor.u32();
         picture.coded.height = box.cursor.u32();
     } else if (property.type == "pixi") {
-        FullBox box = fullBox(property.content);
+        HeifFullBox box(property.content);
         picture.monochrome = box.cursor.u8() == 1;
         picture.depth = box.cursor.u8();
     } else if (property.type == "hvcC" && property.content.size() > 17) {
@@ -315,30 +83,31 @@ void readDescription(const Box& property, HeifPicture& picture) {
 }
 
 /// Some encoders state the size that a quarter turn leads to, where the size before it belongs.
-void mendTurnedSize(const Meta& meta, const std::vector<Box>& properties, HeifPicture& picture) {
+void mendTurnedSize(const HeifMeta& meta, const std::vector<HeifBox>& properties,
+                    HeifPicture& picture) {
     const PixelSize turned = {picture.coded.height, picture.coded.width};
-    const auto isTurned = [&](const Box& property) {
+    const auto isTurned = [&](const HeifBox& property) {
         return property.type == "hvcC" && hevcPictureSize(property.content) == turned;
     };
     if (turned == picture.coded || std::ranges::none_of(properties, isTurned))
         return;
     picture.coded = turned;
-    for (const Box& property : properties)
+    for (const HeifBox& property : properties)
         if (property.type == "ispe")
             picture.turnedSizeAt = meta.offsetOf(property.content) + 4;
 }
 
-HeifPicture describe(const Meta& meta, std::uint32_t id, const Item& item) {
+HeifPicture describe(const HeifMeta& meta, std::uint32_t id, const HeifItem& item) {
     HeifPicture picture = {.item = id, .coded = {}, .crop = {}};
-    const std::vector<Box> properties = meta.propertiesOf(item);
-    for (const Box& property : properties)
+    const std::vector<HeifBox> properties = meta.propertiesOf(item);
+    for (const HeifBox& property : properties)
         readDescription(property, picture);
     if (picture.coded.width < 1 || picture.coded.height < 1)
         throw Failure{reason::damaged};
     mendTurnedSize(meta, properties, picture);
     HeifTransforms transforms(picture.coded);
     bool turned = false;
-    for (const Box& property : properties)
+    for (const HeifBox& property : properties)
         turned = apply(property, transforms) || turned;
     picture.crop = transforms.crop();
     if (turned)
@@ -346,11 +115,11 @@ HeifPicture describe(const Meta& meta, std::uint32_t id, const Item& item) {
     return picture;
 }
 
-bool isAlpha(const Meta& meta, std::uint32_t id) {
-    const Item* item = meta.find(id);
+bool isAlpha(const HeifMeta& meta, std::uint32_t id) {
+    const HeifItem* item = meta.find(id);
     if (!item)
         return false;
-    for (const Box& property : meta.propertiesOf(*item)) {
+    for (const HeifBox& property : meta.propertiesOf(*item)) {
         if (property.type != "auxC" || property.content.size() < 4)
             continue;
         const std::string_view kind = textOf(property.content.subspan(4));
@@ -362,22 +131,22 @@ bool isAlpha(const Meta& meta, std::uint32_t id) {
 }
 
 /// The tiles of a grid are coded alike, and only they say how.
-void readTileDescription(const Meta& meta, std::uint32_t tile, HeifPicture& picture) {
-    const Item* item = meta.find(tile);
+void readTileDescription(const HeifMeta& meta, std::uint32_t tile, HeifPicture& picture) {
+    const HeifItem* item = meta.find(tile);
     if (!item || picture.chroma)
         return;
-    for (const Box& property : meta.propertiesOf(*item))
+    for (const HeifBox& property : meta.propertiesOf(*item))
         if (property.type == "hvcC" || property.type == "av1C")
             readDescription(property, picture);
 }
 
-void addRelated(const Meta& meta, HeifPicture& picture) {
-    for (const Reference& reference : meta.references()) {
+void addRelated(const HeifMeta& meta, HeifPicture& picture) {
+    for (const HeifReference& reference : meta.references()) {
         if (reference.type == "dimg" && reference.from == picture.item)
             readTileDescription(meta, reference.to, picture);
         if (reference.to != picture.item)
             continue;
-        const Item* from = meta.find(reference.from);
+        const HeifItem* from = meta.find(reference.from);
         if (reference.type == "thmb" && !picture.thumbnail)
             picture.thumbnail = reference.from;
         else if (reference.type == "auxl" && isAlpha(meta, reference.from))
@@ -395,11 +164,11 @@ bool isPictureType(std::string_view type) {
 }
 
 /// Thumbnails, alpha planes and the tiles of a grid belong to another picture.
-bool standsAlone(const Meta& meta, std::uint32_t id, const Item& item) {
+bool standsAlone(const HeifMeta& meta, std::uint32_t id, const HeifItem& item) {
     if (item.hidden || !isPictureType(item.type))
         return false;
     return std::none_of(meta.references().begin(), meta.references().end(),
-                        [&](const Reference& reference) {
+                        [&](const HeifReference& reference) {
                             const bool part = reference.type == "thmb" || reference.type == "auxl";
                             return (part && reference.from == id) ||
                                    (reference.type == "dimg" && reference.to == id);
@@ -473,7 +242,7 @@ HeifFile readHeifBoxes(ByteSource& source) {
     const Data content = source.bytes(place.offset, place.length);
     if (content.size() < place.length)
         throw Failure{reason::cutShort};
-    const Meta meta(content, place.offset);
+    const HeifMeta meta(content, place.offset);
     HeifFile file;
     for (const auto& [id, item] : meta.items()) {
         for (const HeifPicture::Extent& extent : item.extents)

@@ -15,6 +15,9 @@ namespace zorvan::security {
 
 namespace {
 
+using privatestore::PrivateFolder;
+using privatestore::Statement;
+
 /// In the order in which `rowOf` reads them.
 const std::string& columns() {
     static const std::string& names = []() -> const std::string& {
@@ -110,7 +113,7 @@ SecureItem rowOf(const Statement& row) {
     item.sealed.assign(sealed.begin(), sealed.end());
     for (std::size_t i = 0; i < textCount; ++i) {
         const int column = fixedColumns + static_cast<int>(i);
-        if (!(i == genericText ? row.isBytes(column) : row.isText(column)))
+        if (row.kind(column) != (i == genericText ? Statement::Kind::bytes : Statement::Kind::text))
             continue;
         const auto bytes = row.bytes(column);
         item.texts[i].emplace(reinterpret_cast<const char*>(bytes.data()), bytes.size());
@@ -204,28 +207,34 @@ void bindItem(Statement& statement, const SecureItem& item) {
 // Never closed at the end, since it may be used while the program ends.
 constinit ItemStore* ItemStore::ofUser_ = nullptr;
 
-ItemStore::ItemStore(PrivateFolder folder)
-    : folder_(folder), database_(std::in_place, folder), custody_(folder) {}
+ItemStore::ItemStore(PrivateFolder folder) : folder_(folder), custody_(folder) { openDatabase(); }
+
+void ItemStore::openDatabase() {
+    const auto lock = folder_.lock();
+    database_.emplace(folder_);
+}
 
 bool ItemStore::isUsable(const std::string& path) const {
-    return folder_.path() == path && folder_.isInPlace() &&
-           (database_ ? database_->isInPlace(folder_) : Database::exists(folder_));
+    if (folder_.path() != path || !folder_.isInPlace())
+        return false;
+    const auto status = ItemDatabase::status(folder_);
+    return status && (!database_ || database_->isOf(*status));
 }
 
 ItemStore& ItemStore::ofUser(bool mayCreate) {
-    std::string path = PrivateFolder::standardPath();
-    const bool isOpen = ofUser_ && ofUser_->database_;
+    std::string path = standardFolder();
+    const bool isOpen = ofUser_ && ofUser_->database_ && ofUser_->database_->isOwn();
     if (isOpen && (ofUser_->database_->isTransacting() || ofUser_->isUsable(path)))
         return *ofUser_;
     if (!isOpen && ofUser_ && ofUser_->isUsable(path)) {
-        ofUser_->database_.emplace(ofUser_->folder_);
+        ofUser_->openDatabase();
         return *ofUser_;
     }
     delete std::exchange(ofUser_, nullptr);
-    PrivateFolder folder(std::move(path));
+    PrivateFolder folder(std::move(path), PrivateFolder::Policy::refuse);
     if (mayCreate)
         folder.create();
-    else if (!Database::exists(folder))
+    else if (!ItemDatabase::status(folder))
         throw Failure{errSecItemNotFound};
     folder.open();
     ofUser_ = new ItemStore(std::move(folder));
@@ -240,7 +249,7 @@ void ItemStore::closeForFork() {
 bool ItemStore::add(const NewItem& item) {
     // The keyring may take its time, for which no other process should have to wait.
     const SealingKey& key = custody_.forSealing();
-    Database::Transaction transaction(*database_);
+    ItemDatabase::Transaction transaction(*database_);
     if (!insert(item, matching(relativesOf(item.attributes.texts)), key))
         return false;
     transaction.commit();
@@ -249,7 +258,7 @@ bool ItemStore::add(const NewItem& item) {
 
 void ItemStore::addOrUpdate(const NewItem& item) {
     const SealingKey& key = custody_.forSealing();
-    Database::Transaction transaction(*database_);
+    ItemDatabase::Transaction transaction(*database_);
     std::vector<SecureItem> relatives = matching(relativesOf(item.given.texts));
     if (!insert(item, relatives, key))
         giveValue(relatives, item.given, key);
@@ -258,7 +267,7 @@ void ItemStore::addOrUpdate(const NewItem& item) {
 
 void ItemStore::update(const ItemQuery& query, const ItemAttributes& changes) {
     const SealingKey& key = custody_.forSealing();
-    Database::Transaction transaction(*database_);
+    ItemDatabase::Transaction transaction(*database_);
     bool isChanged = false;
     for (const SecureItem& row : matching(query)) {
         SecureItem changed = row;
@@ -382,7 +391,7 @@ std::optional<Secret> ItemStore::valueOf(const ItemQuery& query) {
 
 void ItemStore::modify(const ItemQuery& query, ItemAttributes written, const ChangeValue& change) {
     custody_.forSealing(); // before the transaction, as it may take its time
-    Database::Transaction transaction(*database_);
+    ItemDatabase::Transaction transaction(*database_);
     const std::optional<Secret> before = valueOf(query);
     std::optional<Data> after = before ? std::optional(before->bytes()) : std::nullopt;
     const WipedAtEnd afterwards(after);

@@ -1,8 +1,8 @@
 #include <zorvan/platform/security/internal/KeyCustody.h>
 
-#include <zorvan/platform/security/internal/Failure.h>
 #include <zorvan/platform/security/internal/Keyring.h>
 
+#include <exception>
 #include <optional>
 
 namespace zorvan::security {
@@ -39,17 +39,17 @@ const SealingKey* KeyCustody::find(const KeyIdentifier& identifier) {
     if (const SealingKey* key = known(identifier))
         return key;
     // A key file that is damaged or open to others does not stand in the way of the keyring.
-    std::optional<Failure> refusal;
+    std::exception_ptr refusal;
     try {
         if (auto key = readKeyFile(folder_); key && key->identifier() == identifier)
             return &remember(std::move(*key));
-    } catch (const Failure& failure) {
-        refusal = failure;
+    } catch (...) {
+        refusal = std::current_exception();
     }
     consultKeyring(false);
     const SealingKey* const key = known(identifier);
     if (!key && refusal)
-        throw *refusal;
+        std::rethrow_exception(refusal);
     return key;
 }
 

@@ -9,12 +9,10 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <sodium.h>
 #include <span>
 #include <string>
-#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -22,6 +20,7 @@ namespace zorvan::security {
 
 namespace {
 
+using privatestore::PrivateFolder;
 using zorvan::internal::FileDescriptor;
 
 constexpr const char* keyFile = "key";
@@ -96,7 +95,7 @@ void dropFirstNames(const PrivateFolder& folder, ino_t node) {
         const std::string name = entry.path().filename().string();
         if (!name.starts_with(temporaryStart) || name.size() != temporarySize)
             continue;
-        const auto status = folder.statusOfAny(name.c_str());
+        const auto status = folder.statusOfAny(name);
         if (status && status->st_ino == node)
             ::unlink(entry.path().c_str());
     }
@@ -114,8 +113,18 @@ void placeKeyFile(const PrivateFolder& folder, const SealingKey& key) {
     if (error == 0)
         error = file.place(name);
     if (error != 0 && error != EEXIST)
-        throw Failure{error == ENOSPC ? errSecDiskFull : errSecIO};
+        throw std::system_error(error, std::generic_category(), name);
     folder.sync();
+}
+
+/// With the lock of the folder, since there are volumes where a new key has a second name for a
+/// moment.
+std::optional<SealingKey> readLocked(const PrivateFolder& folder) {
+    const auto status = folder.statusOfAny(keyFile);
+    if (status && status->st_nlink > 1)
+        dropFirstNames(folder, status->st_ino);
+    const FileDescriptor file = folder.openFile(keyFile);
+    return file ? std::optional(keyIn(contentsOf(file).bytes())) : std::nullopt;
 }
 
 } // namespace
@@ -130,27 +139,16 @@ std::optional<KeyFileStamp> stampOfKeyFile(const PrivateFolder& folder) {
 std::optional<SealingKey> readKeyFile(const PrivateFolder& folder) {
     if (!folder.exists())
         return std::nullopt;
-    const FileDescriptor file(
-        ::open(folder.path(keyFile).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!file && errno == ENOENT)
-        return std::nullopt;
-    struct stat status {};
-    const auto look = [&] { return file && ::fstat(file.get(), &status) == 0; };
-    if (look() && status.st_nlink > 1) {
-        dropFirstNames(folder, status.st_ino);
-        look();
-    }
-    if (!file || !S_ISREG(status.st_mode) || status.st_uid != ::geteuid() ||
-        (status.st_mode & 0077) != 0 || status.st_nlink != 1)
-        throw Failure{errSecAuthFailed};
-    return keyIn(contentsOf(file).bytes());
+    const FileDescriptor lock = folder.lock();
+    return readLocked(folder);
 }
 
 SealingKey readOrMakeKeyFile(const PrivateFolder& folder) {
-    if (auto key = readKeyFile(folder))
+    const FileDescriptor lock = folder.lock();
+    if (auto key = readLocked(folder))
         return std::move(*key);
     placeKeyFile(folder, SealingKey::random());
-    if (auto key = readKeyFile(folder))
+    if (auto key = readLocked(folder))
         return std::move(*key);
     throw Failure{errSecIO};
 }

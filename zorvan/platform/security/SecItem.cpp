@@ -8,9 +8,10 @@
 #include <chrono>
 #include <exception>
 #include <mutex>
-#include <new>
 #include <pthread.h>
 #include <span>
+#include <sys/types.h>
+#include <unistd.h>
 #include <utility>
 
 namespace zorvan {
@@ -22,29 +23,32 @@ using namespace security;
 /// Held by whoever uses the items, whatever for.
 constinit std::mutex itemsMutex;
 
-/// Whether this thread holds it, for a function that changes a value and may use the items too.
-thread_local bool isModifying = false;
+/// The process in which this thread holds it for a function that changes a value and may use the
+/// items too; 0 for none.
+thread_local pid_t modifyingProcess = 0;
 
 class Modifying {
 public:
-    Modifying() noexcept : before_(std::exchange(isModifying, true)) {}
+    Modifying() noexcept : before_(std::exchange(modifyingProcess, ::getpid())) {}
     Modifying(const Modifying&) = delete;
     Modifying& operator=(const Modifying&) = delete;
-    ~Modifying() { isModifying = before_; }
+    ~Modifying() { modifyingProcess = before_; }
 
 private:
-    const bool before_;
+    const pid_t before_;
 };
 
+bool isModifying() { return modifyingProcess != 0; }
+
 void prepareFork() {
-    if (isModifying)
+    if (isModifying())
         return;
     itemsMutex.lock();
     ItemStore::closeForFork();
 }
 
 void endFork() {
-    if (!isModifying)
+    if (!isModifying())
         itemsMutex.unlock();
 }
 
@@ -59,14 +63,14 @@ OSStatus withItems(Action action) {
     prepareForForks();
     try {
         std::unique_lock lock(itemsMutex, std::defer_lock);
-        if (!isModifying)
+        if (!isModifying())
             lock.lock();
+        else if (modifyingProcess != ::getpid()) // a child, which has no part in the transaction
+            throw Failure{errSecNotAvailable};
         action();
         return errSecSuccess;
-    } catch (const Failure& failure) {
-        return failure.status;
-    } catch (const std::bad_alloc&) {
-        return errSecAllocate;
+    } catch (...) {
+        return statusOfException();
     }
 }
 

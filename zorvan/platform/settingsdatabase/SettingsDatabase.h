@@ -31,10 +31,10 @@ namespace zorvan {
 ///
 /// **Files.** The database, its log and its shared memory are 0600. Folders that are made are 0700,
 /// and so becomes `settingsFolder()`; another folder that is there stays as it is, and must not be
-/// writable for others. Nothing is read or written when one of them is a symbolic link or belongs
-/// to another user, when the database is from a newer version of this library, or is no database of
-/// settings; it is left as it is, and the domain lives in memory. A damaged database is renamed to
-/// "NAME.damaged"
+/// writable for others. Nothing is read or written when one of them is a symbolic link, belongs to
+/// another user or has a second name, when the database is from a newer version of this library, or
+/// is no database of settings; it is left as it is, and the domain lives in memory. A damaged
+/// database is renamed to "NAME.damaged"
 /// ("NAME.damaged-2", ...) and a new one is begun; when the damage shows only while the process
 /// runs, with the values in memory.
 ///

@@ -117,9 +117,13 @@ std::string Scratch::pathBeside(const std::string& item) {
 }
 
 Scratch::~Scratch() {
-    removeItem(path_);
-    if (list_)
-        finishList(list_, folderOf(path_));
+    try {
+        removeItem(path_);
+        if (list_)
+            finishList(list_, folderOf(path_));
+    } catch (const std::exception&) {
+        // Out of memory: the next one to the folder removes it.
+    }
 }
 
 void removeUnfinished(const std::string& folder) noexcept {

@@ -1,5 +1,7 @@
 #include <zorvan/platform/foundation/internal/makeFolders.h>
 
+#include <zorvan/platform/foundation/internal/placeItem.h>
+
 #include <cerrno>
 #include <sys/stat.h>
 
@@ -8,7 +10,11 @@ namespace zorvan::internal {
 namespace {
 
 int makeFolder(const std::string& path, mode_t mode) {
-    return ::mkdir(path.c_str(), mode) == 0 || errno == EEXIST ? 0 : errno;
+    if (::mkdir(path.c_str(), mode) != 0)
+        return errno == EEXIST ? 0 : errno;
+    // What is waited for within it later needs it too.
+    synchroniseFolder(folderOf(path));
+    return 0;
 }
 
 } // namespace

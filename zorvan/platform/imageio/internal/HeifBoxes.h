@@ -12,10 +12,10 @@ namespace zorvan::imageio {
 
 // Why there is a reader of boxes beside libheif: its version 1.15, Debian 12's, tells neither the
 // turns and crops of a picture nor whether all of its data is there without decoding it, and it
-// applies them itself unless it is asked for the picture as coded. That of Debian 13 tells the
-// turns and crops
-// (`heif_item_get_transformation_properties`): once Debian 12 is left behind, what is read here
-// shrinks to where the data lies, the sizes that encoders state wrongly and the place of Exif.
+// applies them itself unless it is asked for the picture as coded. Version 1.19, Debian 13's, tells
+// the turns and crops (`heif_item_get_transformation_properties`): once Debian 12 is left behind,
+// what is read here shrinks to where the data lies, the sizes that encoders state wrongly and the
+// place of Exif.
 
 /// Whether a file that begins so is of the HEIF family, with pictures in HEVC or AV1.
 bool isHeif(Bytes head) noexcept;

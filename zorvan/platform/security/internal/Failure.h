@@ -9,4 +9,8 @@ struct Failure {
     OSStatus status;
 };
 
+/// The status for the exception that is being handled: a `Failure`, one of the private store, or
+/// `std::bad_alloc`. Others are thrown on.
+OSStatus statusOfException();
+
 } // namespace zorvan::security

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <zorvan/platform/security/internal/Database.h>
+#include <zorvan/platform/security/internal/ItemDatabase.h>
 #include <zorvan/platform/security/internal/ItemQuery.h>
 #include <zorvan/platform/security/internal/KeyCustody.h>
-#include <zorvan/platform/security/internal/PrivateFolder.h>
 #include <zorvan/platform/security/internal/SecureItem.h>
 
 #include <functional>
@@ -21,15 +20,14 @@ struct OpenedItem {
 
 using ChangeValue = std::function<void(std::optional<Data>& value)>;
 
-/// The items of a folder. Everything throws `Failure`.
+/// The items of a folder. Everything throws what `statusOfException` knows.
 class ItemStore {
 public:
     /// The items of this user; made when there are none and `mayCreate`, else `errSecItemNotFound`.
     /// Used under a lock of the caller's.
     static ItemStore& ofUser(bool mayCreate);
-    /// Closes the database of this user until it is used next. A connection does not bear being
-    /// copied into a child: it holds no locks there, but takes itself to be one of the users of the
-    /// files.
+    /// Closes the database of this user until it is used next, since it cannot be taken along into
+    /// a child.
     static void closeForFork();
 
     /// False when it is there already.
@@ -53,7 +51,8 @@ private:
         bool lacksKey = false;
     };
 
-    explicit ItemStore(PrivateFolder folder);
+    explicit ItemStore(privatestore::PrivateFolder folder);
+    void openDatabase();
     bool isUsable(const std::string& path) const;
     std::optional<Secret> valueOf(const ItemQuery& query);
     Opening open(const SecureItem& item);
@@ -71,8 +70,8 @@ private:
 
     static ItemStore* ofUser_; // null until there is one
 
-    PrivateFolder folder_;
-    std::optional<Database> database_; // absent while it is closed for a fork
+    privatestore::PrivateFolder folder_;
+    std::optional<ItemDatabase> database_; // absent while it is closed for a fork
     KeyCustody custody_;
 };
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <zorvan/platform/security/internal/PrivateFolder.h>
 #include <zorvan/platform/security/internal/PrivateKeyFile.h>
 #include <zorvan/platform/security/internal/SealingKey.h>
 
@@ -16,13 +15,13 @@ namespace zorvan::security {
 /// and every key that ever sealed something stays where it is.
 class KeyCustody {
 public:
-    explicit KeyCustody(PrivateFolder folder) : folder_(std::move(folder)) {}
+    explicit KeyCustody(privatestore::PrivateFolder folder) : folder_(std::move(folder)) {}
 
     /// The key for new values; made when there is none. Throws `Failure`.
     const SealingKey& forSealing();
 
-    /// The key of that name; null when it is not to be had now. Throws `Failure` when the key file
-    /// is not the user's alone.
+    /// The key of that name; null when it is not to be had now. Throws what `readKeyFile` does when
+    /// that might have been the one.
     const SealingKey* find(const KeyIdentifier& identifier);
 
 private:
@@ -34,7 +33,7 @@ private:
     /// Asks the keyring, unless it has just failed.
     void consultKeyring(bool mayCreate);
 
-    PrivateFolder folder_;
+    privatestore::PrivateFolder folder_;
     std::map<KeyIdentifier, SealingKey> keys_;
     std::optional<KeyIdentifier> keyringKey_;
     KeyIdentifier fileKey_{};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <zorvan/platform/security/internal/PrivateFolder.h>
+#include <zorvan/platform/privatestore/internal/PrivateFolder.h>
 #include <zorvan/platform/security/internal/SealingKey.h>
 
 #include <ctime>
@@ -20,15 +20,15 @@ struct KeyFileStamp {
                a.changed.tv_nsec == b.changed.tv_nsec;
     }
 };
-std::optional<KeyFileStamp> stampOfKeyFile(const PrivateFolder& folder);
+std::optional<KeyFileStamp> stampOfKeyFile(const privatestore::PrivateFolder& folder);
 
-/// The key in the file "key" of a folder; absent when there is none. Throws `Failure`:
-/// `errSecAuthFailed` when the file is not the user's alone, `errSecNotAvailable` when it is
-/// damaged. A file that is there is never replaced.
-std::optional<SealingKey> readKeyFile(const PrivateFolder& folder);
+/// The key in the file "key" of a folder; absent when there is none. Throws what the folder does,
+/// and `Failure` when the file is damaged: `errSecNotAvailable`. A file that is there is never
+/// replaced.
+std::optional<SealingKey> readKeyFile(const privatestore::PrivateFolder& folder);
 
 /// The key in the file, which is made when there is none. Of several processes that make one at
 /// once, all get the same.
-SealingKey readOrMakeKeyFile(const PrivateFolder& folder);
+SealingKey readOrMakeKeyFile(const privatestore::PrivateFolder& folder);
 
 } // namespace zorvan::security

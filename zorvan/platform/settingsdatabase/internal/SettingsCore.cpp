@@ -10,11 +10,11 @@
 
 namespace zorvan {
 
-using internal::RefusedFile;
 using internal::SettingsFile;
-using internal::SQLiteFailure;
 using internal::UnstorableValue;
-using internal::WALStamp;
+using privatestore::DatabaseFailure;
+using privatestore::Refusal;
+using privatestore::WALStamp;
 
 namespace {
 
@@ -24,7 +24,6 @@ constexpr std::chrono::seconds betweenAttempts{1};
 /// From how many removed keys on their rows are cleared away, when they are half of all.
 constexpr std::size_t manyRemoved = 1000;
 
-constexpr char keptInMemory[] = "; changes are kept in memory";
 constexpr char notOnDisk[] = "; the last changes may not be on the disk";
 
 } // namespace
@@ -52,7 +51,7 @@ void SettingsDatabase::Core::storeAtEnd() {
 // Reading.
 
 bool SettingsDatabase::Core::isStale() const noexcept {
-    return isParked_ || (stampAddress_ && internal::readStamp(stampAddress_) != seen_);
+    return isParked_ || (stampAddress_ && privatestore::readStamp(stampAddress_) != seen_);
 }
 
 SettingsDatabase::Value SettingsDatabase::Core::value(std::string_view key) {
@@ -104,7 +103,7 @@ void SettingsDatabase::Core::catchUp() {
         return;
     try {
         refresh();
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         meet(failure, keptInMemory);
     }
 }
@@ -127,7 +126,7 @@ SettingsDatabase::Core::Reading SettingsDatabase::Core::read(bool isOtherFile) {
 void SettingsDatabase::Core::refresh(bool isOtherFile) {
     // Read first: a commit during the reading makes it stale again.
     const void* address = file_->stampAddress();
-    const WALStamp stamp = address ? internal::readStamp(address) : WALStamp();
+    const WALStamp stamp = address ? privatestore::readStamp(address) : WALStamp();
     const bool isFirst = lastRow_ == 0;
     Reading reading = read(isOtherFile);
     std::vector<Followed> changes;
@@ -154,7 +153,7 @@ void SettingsDatabase::Core::compact(const std::vector<std::int64_t>& waste) {
         file_->compact(waste);
         const std::lock_guard hold(holding_);
         memory_.forgetRemoved();
-    } catch (const SQLiteFailure&) {
+    } catch (const DatabaseFailure&) {
         // It is housekeeping: what matters is told when it is met by a write.
     }
 }
@@ -175,11 +174,11 @@ void SettingsDatabase::Core::open() {
             lastRow_ = 0;
         refresh(isOther);
         known_ = file_->identity();
-    } catch (const RefusedFile& refusal) {
+    } catch (const Refusal& refusal) {
         note(refusal.what() + std::string(keptInMemory));
     } catch (const std::system_error& error) {
         note(error.code().message() + keptInMemory);
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         meet(failure, keptInMemory);
     }
 }
@@ -190,8 +189,6 @@ void SettingsDatabase::Core::close() {
         stampAddress_ = nullptr;
         isParked_ = false;
     }
-    if (process_ != ::getpid())
-        (void)file_.release();
     file_.reset();
 }
 
@@ -271,10 +268,14 @@ bool SettingsDatabase::Core::store(const Changes& changes) {
         // Of the rows that went in before, there are as many as it was the turn of the next.
         keep(all, &all[rows.size()].second);
         note(all[rows.size()].first + ": " + reason.what() + keptInMemory);
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         file_->rollBack();
         keep(all, nullptr);
         meet(failure, keptInMemory);
+    } catch (...) { // out of memory
+        if (file_)
+            file_->rollBack();
+        throw;
     }
     return memory_.pending().empty(); // when a new database took it
 }
@@ -321,7 +322,7 @@ void SettingsDatabase::Core::advance(std::int64_t firstRow, std::int64_t lastRow
     if (firstRow != lastRow_ + 1) {
         try {
             refresh();
-        } catch (const SQLiteFailure& failure) {
+        } catch (const DatabaseFailure& failure) {
             meet(failure, keptInMemory);
         }
         return;
@@ -330,7 +331,7 @@ void SettingsDatabase::Core::advance(std::int64_t firstRow, std::int64_t lastRow
     const std::lock_guard hold(holding_);
     if (!stampAddress_)
         return;
-    const WALStamp now = internal::readStamp(stampAddress_);
+    const WALStamp now = privatestore::readStamp(stampAddress_);
     if (now.changes == seen_.changes + 1)
         seen_ = now;
 }
@@ -361,7 +362,7 @@ bool SettingsDatabase::Core::removeAll() {
             advance(mark, mark);
             allIsWell();
             return true;
-        } catch (const SQLiteFailure& failure) {
+        } catch (const DatabaseFailure& failure) {
             meet(failure, keptInMemory);
         }
     }
@@ -384,69 +385,12 @@ bool SettingsDatabase::Core::synchronize() {
         return false;
     try {
         file_->checkpoint();
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         meet(failure, notOnDisk);
         return false;
     }
     allIsWell();
     return memory_.pending().empty();
-}
-
-// Problems.
-
-void SettingsDatabase::Core::meet(const SQLiteFailure& failure, const char* consequence) {
-    if (failure.isDamage() && file_ && file_->isWritable() && !beginsAnew_) {
-        beginAnew();
-        return;
-    }
-    note(failure.what() + std::string(consequence));
-    if (file_ && known_ != file_->identity()) // not even read
-        close();
-}
-
-/// With what is in memory.
-void SettingsDatabase::Core::beginAnew() {
-    {
-        const std::lock_guard hold(holding_);
-        memory_.keepEverything();
-        stampAddress_ = nullptr;
-    }
-    beginsAnew_ = true;
-    try {
-        const std::string aside = SettingsFile::setAside(std::move(file_));
-        if (!aside.empty())
-            note("it was damaged and is set aside as " + aside);
-        open();
-        if (file_ && file_->isWritable())
-            store({});
-    } catch (const std::system_error& error) {
-        note("it is damaged and cannot be set aside: " + error.code().message() + keptInMemory);
-    } catch (const RefusedFile& refusal) {
-        note(refusal.what() + std::string(keptInMemory));
-    }
-    beginsAnew_ = false;
-}
-
-void SettingsDatabase::Core::note(const std::string& problem) {
-    if (path_.empty())
-        return;
-    const std::lock_guard hold(holding_);
-    const std::string line = path_ + ": " + problem;
-    if (problem_ == line)
-        return;
-    problem_ = line;
-    untold_.push_back(line);
-}
-
-void SettingsDatabase::Core::allIsWell() {
-    const std::lock_guard hold(holding_);
-    if (memory_.pending().empty())
-        problem_.reset();
-}
-
-std::optional<std::string> SettingsDatabase::Core::problem() {
-    const std::lock_guard hold(holding_);
-    return problem_;
 }
 
 } // namespace zorvan

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/platform/privatestore/internal/WALStamp.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/platform/settingsdatabase/internal/FileWatch.h>
 #include <zorvan/platform/settingsdatabase/internal/SettingsFile.h>
@@ -55,6 +56,7 @@ public:
 
 private:
     using Changes = internal::SettingsOverlay::Changes;
+    static constexpr char keptInMemory[] = "; changes are kept in memory";
     using Clock = std::chrono::steady_clock;
     using Rows = internal::SettingRows;
 
@@ -102,7 +104,7 @@ private:
     void writeAll(const Changes& changes, bool isBegun, std::vector<std::int64_t>& rows);
     void advance(std::int64_t firstRow, std::int64_t lastRow);
     void keep(const Changes& changes, const Value* unstorable);
-    void meet(const internal::SQLiteFailure& failure, const char* consequence);
+    void meet(const privatestore::DatabaseFailure& failure, const char* consequence);
     void beginAnew();
     void note(const std::string& problem);
     void allIsWell();
@@ -127,7 +129,7 @@ private:
     std::mutex holding_; // what follows
     internal::SettingsMemory memory_;
     const void* stampAddress_ = nullptr;
-    internal::WALStamp seen_;
+    privatestore::WALStamp seen_;
     bool isParked_ = false;                  // the file is closed until it is used
     std::optional<Transaction> transaction_; // changed with `using_` held
     bool isForkedWithin_ = false;            // a transaction, during a fork

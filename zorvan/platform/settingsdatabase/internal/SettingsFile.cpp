@@ -1,21 +1,34 @@
 #include <zorvan/platform/settingsdatabase/internal/SettingsFile.h>
 
-#include <zorvan/platform/settingsdatabase/internal/SettingsPlace.h>
+#include <zorvan/platform/foundation/internal/placeItem.h>
+#include <zorvan/platform/settingsdatabase/SettingsFolder.h>
+#include <zorvan/platform/settingsdatabase/internal/SettingCell.h>
+#include <zorvan/platform/settingsdatabase/internal/StoredValue.h>
 
-#include <sqlite3.h>
-
+#include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
 
 namespace zorvan::internal {
 
 namespace {
 
-using Access = SQLiteConnection::Access;
+using privatestore::Database;
+using privatestore::DatabaseFailure;
+using privatestore::PrivateFolder;
+using privatestore::Refusal;
+using privatestore::Statement;
+using Transaction = Database::Transaction;
 
 // "Zset". What `file` shows of the database, and how it is told from those of others.
 constexpr std::int64_t applicationID = 0x5A736574;
 constexpr std::int64_t formatVersion = 1;
+
+/// A key and its value, each as long as may be, and what the engine adds.
+constexpr std::size_t longestRow = 2 * maximumStoredSize + 1024;
 
 /// No row gets here by counting; above the last number that there is the engine gives any.
 constexpr std::int64_t lastIdentifier = std::int64_t{1} << 62;
@@ -23,24 +36,60 @@ constexpr std::int64_t lastIdentifier = std::int64_t{1} << 62;
 /// The row 0 has no key; its value is the number below which rows may have vanished.
 constexpr char schema[] = "CREATE TABLE settings(id INTEGER PRIMARY KEY, key TEXT, value)";
 
-bool isOutOfReach(const SQLiteFailure& failure) {
-    const int primary = failure.code & 0xFF;
-    return primary == SQLITE_CANTOPEN || primary == SQLITE_READONLY || primary == SQLITE_PERM;
+constexpr char versionQuery[] = "PRAGMA user_version";
+constexpr char readPurged[] = "SELECT value FROM settings WHERE id = 0";
+constexpr char readRows[] = "SELECT id, key, value FROM settings WHERE id > ?1 ORDER BY id";
+
+// Without an identifier given, the engine takes the one above all others.
+constexpr char insertion[] = "INSERT INTO settings(key, value) VALUES (?1, ?2)";
+constexpr char replacement[] =
+    "UPDATE settings SET id = (SELECT max(id) FROM settings) + 1, value = ?2 "
+    "WHERE key = ?1 AND id = ?3 RETURNING id";
+
+/// The folder of a database, made safe, and for this process alone while it lives.
+struct Place {
+    explicit Place(const std::string& path)
+        : folder(folderOf(path), folderOf(path) == settingsFolder()
+                                     ? PrivateFolder::Policy::close // it is for settings alone
+                                     : PrivateFolder::Policy::closeFiles),
+          name(path.substr(path.rfind('/') + 1)) {
+        folder.create();
+        folder.open();
+        lock = folder.lock();
+    }
+
+    bool hasLog() const {
+        const auto status = folder.statusOfAny(name + "-wal");
+        return status && status->st_size > 0;
+    }
+
+    PrivateFolder folder;
+    std::string name;
+    FileDescriptor lock;
+};
+
+/// Renames the database and its log, and makes an empty one; the new path of the old.
+std::string setAsideIn(const Place& place) {
+    const std::string path = place.folder.path(place.name);
+    std::string aside = path + ".damaged";
+    for (int number = 2; const int error = placeItem(path, aside); ++number) {
+        if (error != EEXIST || number > 9999)
+            throw std::system_error(error, std::generic_category(), path);
+        aside = path + ".damaged-" + std::to_string(number);
+    }
+    ::rename((path + "-wal").c_str(), (aside + "-wal").c_str());
+    ::unlink((path + "-shm").c_str());
+    place.folder.createFile(place.name);
+    return aside;
 }
 
 } // namespace
 
-SettingsFile::SettingsFile(const std::string& path, Access access)
-    : path_(path), writable_(access == Access::readWrite), connection_(path, access) {
-    // Until it is known that the file is ours to change.
-    connection_.setCheckpointOnClose(false);
-    struct stat status {};
-    if (::lstat(path.c_str(), &status) == 0) {
-        device_ = status.st_dev;
-        inode_ = status.st_ino;
-    }
+SettingsFile::SettingsFile(const PrivateFolder& folder, const std::string& name, Access access)
+    : path_(folder.path(name)), writable_(access == Access::readWrite),
+      database_(folder, name, access, longestRow) {
     struct statx birth {};
-    if (::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BTIME, &birth) == 0 &&
+    if (::statx(AT_FDCWD, path_.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BTIME, &birth) == 0 &&
         (birth.stx_mask & STATX_BTIME) != 0) {
         bornSeconds_ = birth.stx_btime.tv_sec;
         bornNanoseconds_ = birth.stx_btime.tv_nsec;
@@ -48,67 +97,53 @@ SettingsFile::SettingsFile(const std::string& path, Access access)
     checkOrigin();
     if (writable_)
         prepare();
-    read_.emplace(connection_, "SELECT id, key, value FROM settings WHERE id > ?1 ORDER BY id");
-    readPurged_.emplace(connection_, "SELECT value FROM settings WHERE id = 0");
-    if (writable_) {
-        // Without one given, the engine takes the identifier above all others.
-        insert_.emplace(connection_, "INSERT INTO settings(key, value) VALUES (?1, ?2)");
-        update_.emplace(connection_, "UPDATE settings SET id = (SELECT max(id) FROM settings) + 1, "
-                                     "value = ?2 WHERE id = ?3 AND key = ?1 RETURNING id");
-        connection_.setCheckpointOnClose(true);
-    }
+    for (const char* statement : {readPurged, readRows}) // fails now for what is damaged
+        database_.statement(statement);
+    database_.setCheckpointOnClose(writable_); // now that the file is ours to change
     if (access != Access::immutable)
-        stamp_ = connection_.stampAddress();
+        stamp_ = database_.stampAddress();
 }
 
 void SettingsFile::checkOrigin() {
-    const std::int64_t application = connection_.integer("PRAGMA application_id");
-    const std::int64_t version = connection_.integer("PRAGMA user_version");
-    const std::int64_t objects = connection_.integer("SELECT count(*) FROM sqlite_schema");
+    const std::int64_t application = database_.integer("PRAGMA application_id");
+    const std::int64_t version = database_.integer(versionQuery);
+    const std::int64_t objects = database_.integer("SELECT count(*) FROM sqlite_schema");
     if (application == 0 && version == 0 && objects == 0 && writable_)
         return; // new
     if (application != applicationID)
-        throw RefusedFile("it is no database of settings");
+        throw Refusal("it is no database of settings");
     if (version > formatVersion)
-        throw RefusedFile("it was written by a newer version");
-    SQLiteStatement query(connection_, "SELECT sql FROM sqlite_schema");
-    if (version < 1 || objects != 1 || !query.step() || query.text(0) != schema)
-        throw RefusedFile("it is no database of settings");
+        throw Refusal("it was written by a newer version");
+    if (version < 1 || objects != 1 || !database_.holdsJust(schema))
+        throw Refusal("it is no database of settings");
 }
 
 void SettingsFile::prepare() {
     // A killed process loses nothing in this mode. A power failure may undo the last commits, never
     // half of one, and never those before the last checkpoint.
-    connection_.execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;"
-                        "PRAGMA temp_store = MEMORY");
-    if (connection_.integer("PRAGMA user_version") == formatVersion)
+    database_.startLog();
+    database_.execute("PRAGMA synchronous = NORMAL");
+    if (database_.integer(versionQuery) == formatVersion)
         return;
-    begin();
-    try {
-        // Another process may have been faster.
-        if (connection_.integer("PRAGMA user_version") == 0) {
-            connection_.execute(schema);
-            connection_.execute("INSERT INTO settings VALUES (0, NULL, 0)");
-            connection_.execute(
-                ("PRAGMA application_id = " + std::to_string(applicationID)).c_str());
-            connection_.execute(("PRAGMA user_version = " + std::to_string(formatVersion)).c_str());
-        }
-        commit();
-    } catch (...) {
-        rollBack();
-        throw;
+    Transaction transaction(database_);
+    // Another process may have been faster.
+    if (database_.integer(versionQuery) == 0) {
+        database_.execute(schema);
+        database_.execute("INSERT INTO settings VALUES (0, NULL, 0)");
+        database_.execute("PRAGMA application_id = " + std::to_string(applicationID));
+        database_.execute("PRAGMA user_version = " + std::to_string(formatVersion));
     }
+    transaction.commit();
 }
 
 bool SettingsFile::isInPlace() const noexcept {
     struct stat status {};
-    return ::lstat(path_.c_str(), &status) == 0 && status.st_dev == device_ &&
-           status.st_ino == inode_;
+    return ::lstat(path_.c_str(), &status) == 0 && database_.isOf(status);
 }
 
 bool SettingsFile::isReplaced() const noexcept {
     struct stat status {};
-    return ::lstat(path_.c_str(), &status) == 0 && !isInPlace();
+    return ::lstat(path_.c_str(), &status) == 0 && !database_.isOf(status);
 }
 
 void SettingsFile::signal() const noexcept {
@@ -118,127 +153,94 @@ void SettingsFile::signal() const noexcept {
 void SettingsFile::readAbove(std::int64_t id, const std::function<void()>& startOver,
                              const RowReader& reader) {
     // One transaction, so that both answers are of the same moment.
-    const bool isWithin = isTransacting();
-    if (!isWithin)
-        connection_.execute("BEGIN");
-    try {
-        std::int64_t purged = 0;
-        {
-            const StatementUse use(*readPurged_);
-            if (readPurged_->step())
-                purged = readPurged_->integer(0);
+    Transaction transaction(database_, Transaction::Kind::reading);
+    const bool isTooOld = database_.integer(readPurged) > id;
+    if (isTooOld)
+        startOver();
+    {
+        Statement rows = database_.statement(readRows);
+        rows.bind(isTooOld ? std::int64_t{0} : id);
+        while (rows.step()) {
+            const std::int64_t row = rows.integer(0);
+            if (row > lastIdentifier)
+                throw DatabaseFailure(DatabaseFailure::Reason::damage,
+                                      "a row has an impossible identifier");
+            reader({row, rows.text(1), settingIn(rows, 2)});
         }
-        const bool isTooOld = purged > id;
-        if (isTooOld)
-            startOver();
-        {
-            const StatementUse use(*read_);
-            read_->bind(1, isTooOld ? std::int64_t{0} : id);
-            while (read_->step()) {
-                const std::int64_t row = read_->integer(0);
-                if (row > lastIdentifier)
-                    throw SQLiteFailure(SQLITE_CORRUPT, "a row has an impossible identifier");
-                reader({row, read_->text(1), read_->setting(2)});
-            }
-        }
-        if (!isWithin)
-            commit();
-    } catch (...) {
-        if (!isWithin)
-            rollBack();
-        throw;
     }
+    transaction.commit();
 }
 
 std::int64_t SettingsFile::write(std::int64_t previous, std::string_view key,
                                  const PropertyList* value) {
+    if (key.size() > maximumStoredSize)
+        throw UnstorableValue("the key is larger than 256 MiB");
+    Data bytes;
     if (previous != 0) {
-        const StatementUse use(*update_);
-        update_->bind(1, key);
-        update_->bindSetting(2, value);
-        update_->bind(3, previous);
-        if (update_->step()) {
-            const std::int64_t id = update_->integer(0);
-            update_->step(); // the commit happens with the last step
+        Statement statement = database_.statement(replacement);
+        bindSetting(statement.bindText(key), value, bytes);
+        if (statement.bind(previous).step()) {
+            const std::int64_t id = statement.integer(0);
+            statement.step(); // the commit happens with the last step
             return id;
         }
     }
-    const StatementUse use(*insert_);
-    insert_->bind(1, key);
-    insert_->bindSetting(2, value);
-    insert_->step();
-    return sqlite3_last_insert_rowid(connection_.handle());
+    Statement statement = database_.statement(insertion);
+    bindSetting(statement.bindText(key), value, bytes);
+    statement.step();
+    return database_.lastInserted();
 }
 
 std::int64_t SettingsFile::removeAll() {
-    begin();
-    try {
-        const std::int64_t mark = connection_.integer("SELECT max(id) + 1 FROM settings");
-        const std::string number = std::to_string(mark);
-        connection_.execute("DELETE FROM settings WHERE id > 0");
-        connection_.execute(("INSERT INTO settings VALUES (" + number + ", NULL, NULL)").c_str());
-        connection_.execute(("UPDATE settings SET value = " + number + " WHERE id = 0").c_str());
-        commit();
-        return mark;
-    } catch (...) {
-        rollBack();
-        throw;
-    }
+    Transaction transaction(database_);
+    const std::int64_t mark = database_.integer("SELECT max(id) + 1 FROM settings");
+    const std::string number = std::to_string(mark);
+    database_.execute("DELETE FROM settings WHERE id > 0");
+    database_.execute("INSERT INTO settings VALUES (" + number + ", NULL, NULL)");
+    database_.execute("UPDATE settings SET value = " + number + " WHERE id = 0");
+    transaction.commit();
+    return mark;
 }
 
 void SettingsFile::compact(const std::vector<std::int64_t>& waste) {
-    begin();
-    try {
-        SQLiteStatement remove(connection_, "DELETE FROM settings WHERE id = ?1");
-        for (const std::int64_t id : waste) {
-            const StatementUse use(remove);
-            remove.bind(1, id);
-            remove.step();
-        }
-        // The last row stays whatever it is, for it says how far the identifiers have come.
-        connection_.execute("DELETE FROM settings WHERE id > 0 AND (key IS NULL OR value IS NULL) "
-                            "AND id < (SELECT max(id) FROM settings)");
-        connection_.execute(
-            "UPDATE settings SET value = (SELECT max(id) FROM settings) WHERE id = 0");
-        commit();
-    } catch (...) {
-        rollBack();
-        throw;
-    }
-}
-
-void SettingsFile::rollBack() noexcept {
-    sqlite3_exec(connection_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+    Transaction transaction(database_);
+    for (const std::int64_t id : waste)
+        database_.statement("DELETE FROM settings WHERE id = ?1").bind(id).step();
+    // The last row stays whatever it is, for it says how far the identifiers have come.
+    database_.execute("DELETE FROM settings WHERE id > 0 AND (key IS NULL OR value IS NULL) "
+                      "AND id < (SELECT max(id) FROM settings)");
+    database_.execute("UPDATE settings SET value = (SELECT max(id) FROM settings) WHERE id = 0");
+    transaction.commit();
 }
 
 std::string SettingsFile::setAside(std::unique_ptr<SettingsFile> damaged) {
-    SettingsPlace place(damaged->path_);
+    const Place place(damaged->path_);
     const bool isInPlace = damaged->isInPlace();
-    damaged->connection_.setCheckpointOnClose(false);
+    damaged->database_.setCheckpointOnClose(false);
     damaged.reset();
-    return isInPlace ? place.setAside() : std::string();
+    return isInPlace ? setAsideIn(place) : std::string();
 }
 
 std::unique_ptr<SettingsFile> SettingsFile::open(const std::string& path, std::string& setAside) {
-    SettingsPlace place(path);
+    const Place place(path);
     const auto attempt = [&](Access access) {
-        return std::unique_ptr<SettingsFile>(new SettingsFile(place.path(), access));
+        return std::unique_ptr<SettingsFile>(new SettingsFile(place.folder, place.name, access));
     };
     try {
         return attempt(Access::readWrite);
-    } catch (const SQLiteFailure& failure) {
-        if (failure.isDamage()) {
-            setAside = place.setAside();
+    } catch (const DatabaseFailure& failure) {
+        if (failure.reason == DatabaseFailure::Reason::damage) {
+            setAside = setAsideIn(place);
             return attempt(Access::readWrite);
         }
-        if (!isOutOfReach(failure))
+        if (!failure.isOutOfReach())
             throw;
     }
     try {
         return attempt(Access::readOnly);
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         // Without a log there is nothing that another process could be about to change.
-        if (!isOutOfReach(failure) || place.hasLog())
+        if (!failure.isOutOfReach() || place.hasLog())
             throw;
         return attempt(Access::immutable);
     }

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <zorvan/platform/settingsdatabase/internal/SQLiteConnection.h>
+#include <zorvan/platform/privatestore/internal/Database.h>
+#include <zorvan/platform/settingsdatabase/internal/SettingRows.h>
 
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -15,11 +14,6 @@
 
 namespace zorvan::internal {
 
-/// The file of a domain cannot be used, and is left alone; the text says why.
-struct RefusedFile : std::runtime_error {
-    using runtime_error::runtime_error;
-};
-
 /// The table of a domain on the disk.
 ///
 /// A row is a key, its value, or no value when the key was removed, and an identifier. Every write
@@ -27,7 +21,7 @@ struct RefusedFile : std::runtime_error {
 /// the end of the table. When a key has several rows, which two processes can bring about, the one
 /// with the highest identifier counts and the others are waste.
 ///
-/// Everything throws `SQLiteFailure`.
+/// Everything throws `DatabaseFailure`.
 class SettingsFile {
 public:
     /// Device, number, and the birth where the volume has it: numbers are used again.
@@ -43,11 +37,12 @@ public:
     /// database that is damaged is renamed (see `setAside`) and begun anew. A database that this
     /// process may not write opens for reading.
     ///
-    /// Throws `RefusedFile`, `SQLiteFailure` and `std::system_error`.
+    /// Throws `Refusal` and `std::system_error`, too.
     static std::unique_ptr<SettingsFile> open(const std::string& path, std::string& setAside);
 
-    /// Closes a file that turned out to be damaged, renames it, and returns the new path. Empty
-    /// when another process has done so already. Throws `RefusedFile` and `std::system_error`.
+    /// Closes a file that turned out to be damaged, renames it with its log to "NAME.damaged",
+    /// "NAME.damaged-2" and so on, and returns the new path. Empty when another process has done so
+    /// already. Throws `Refusal` and `std::system_error`.
     static std::string setAside(std::unique_ptr<SettingsFile> damaged);
 
     bool isWritable() const noexcept { return writable_; }
@@ -57,7 +52,9 @@ public:
     /// Whether the path leads to another file.
     bool isReplaced() const noexcept;
     /// Tells this file from others.
-    Identity identity() const noexcept { return {device_, inode_, bornSeconds_, bornNanoseconds_}; }
+    Identity identity() const noexcept {
+        return {database_.device(), database_.node(), bornSeconds_, bornNanoseconds_};
+    }
 
     /// Rows above an identifier, in their order. Calls `startOver` first, and gives all rows, when
     /// rows below may have vanished without a trace since that identifier was the last. May be used
@@ -76,33 +73,32 @@ public:
     /// there is now reads everything.
     void compact(const std::vector<std::int64_t>& waste);
 
-    void begin() { connection_.execute("BEGIN IMMEDIATE"); }
-    void commit() { connection_.execute("COMMIT"); }
-    void rollBack() noexcept;
-    bool isTransacting() const noexcept { return connection_.isTransacting(); }
+    void begin() { database_.begin(); }
+    void commit() { database_.commit(); }
+    void rollBack() noexcept { database_.rollBack(); }
+    bool isTransacting() const noexcept { return database_.isTransacting(); }
     /// Shows those who watch the file that something was committed. The engine's own writing comes
     /// before a commit can be seen.
     void signal() const noexcept;
     /// Has closing leave the log where it is, which is quick.
-    void leaveLog() { connection_.setCheckpointOnClose(false); }
-    void checkpoint() { connection_.checkpoint(); }
+    void leaveLog() { database_.setCheckpointOnClose(false); }
+    void checkpoint() { database_.checkpoint(); }
 
     /// Where the stamp of the content is; null when there is no way to tell.
     const void* stampAddress() const noexcept { return stamp_; }
 
 private:
-    SettingsFile(const std::string& path, SQLiteConnection::Access access);
+    using Access = privatestore::Database::Access;
+
+    SettingsFile(const privatestore::PrivateFolder& folder, const std::string& name, Access access);
     void prepare();
     void checkOrigin();
 
     std::string path_;
     bool writable_;
-    dev_t device_ = 0;
-    ino_t inode_ = 0;
     std::int64_t bornSeconds_ = 0;
     std::uint32_t bornNanoseconds_ = 0;
-    SQLiteConnection connection_;
-    std::optional<SQLiteStatement> read_, readPurged_, insert_, update_;
+    privatestore::Database database_;
     const void* stamp_ = nullptr;
 };
 

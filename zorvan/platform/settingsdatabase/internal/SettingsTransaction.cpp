@@ -7,8 +7,8 @@
 namespace zorvan {
 
 using internal::SettingsOverlay;
-using internal::SQLiteFailure;
 using internal::UnstorableValue;
+using privatestore::DatabaseFailure;
 
 namespace {
 
@@ -35,18 +35,17 @@ SettingsDatabase::Outcome SettingsDatabase::Core::transact(const std::function<v
     const bool hasFile = makeWritable(false);
     if (hasFile && !begin())
         return Outcome::refused;
-    Changes changes;
     try {
-        changes = collect(function);
-    } catch (...) {
+        Changes changes = collect(function);
         if (hasFile && isOwnProcess())
+            return commit(std::move(changes));
+        keep(changes, nullptr);
+        return changes.empty() ? Outcome::stored : Outcome::kept;
+    } catch (...) {
+        if (file_)
             file_->rollBack();
         throw;
     }
-    if (hasFile && isOwnProcess())
-        return commit(std::move(changes));
-    keep(changes, nullptr);
-    return changes.empty() ? Outcome::stored : Outcome::kept;
 }
 
 SettingsDatabase::Outcome
@@ -72,7 +71,7 @@ bool SettingsDatabase::Core::begin() {
         file_->begin();
         refresh();
         return true;
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         file_->rollBack();
         meet(failure, unchanged);
         return false;
@@ -111,7 +110,7 @@ SettingsDatabase::Outcome SettingsDatabase::Core::commit(Changes changes) {
     } catch (const UnstorableValue& reason) {
         file_->rollBack();
         note(changes[rows.size()].first + ": " + reason.what() + unchanged);
-    } catch (const SQLiteFailure& failure) {
+    } catch (const DatabaseFailure& failure) {
         file_->rollBack();
         meet(failure, unchanged);
     }

@@ -1,0 +1,208 @@
+#include "PictureViews.h"
+
+#include "PictureCell.h"
+
+#include <zorvan/interface/ManagedListViewReloader.h>
+
+#include <algorithm>
+#include <utility>
+
+using namespace zorvan;
+
+namespace {
+
+struct Column {
+    const char* title;
+    double width;
+    std::string (*text)(const PictureFile&);
+    std::optional<PictureOrder> order = {};
+};
+
+const Column columns[] = {
+    {"Name", 280, [](const PictureFile& file) { return file.title; }, PictureOrder::name},
+    {"Date", 130, modifiedText, PictureOrder::date},
+    {"Size", 80, byteCountText},
+    {"Kind", 70, [](const PictureFile& file) { return file.kind; }},
+    {"Folder", 160, [](const PictureFile& file) { return file.folder; }},
+};
+
+/// Calls `handle` with the object and the notification for as long as the object lives.
+template <class Target, class Handler>
+void observe(std::string_view name, const std::shared_ptr<const void>& of,
+             const std::shared_ptr<Target>& target, Handler handle) {
+    const auto subscriber = NoteSubscriber::create(NSNotificationCenter::defaultCenter());
+    subscriber->setName(NSNotificationName(name));
+    subscriber->setObject(of);
+    subscriber->subscribe(target, handle);
+}
+
+} // namespace
+
+PictureViews::PictureViews(std::shared_ptr<Album> album, std::shared_ptr<Thumbnails> thumbnails,
+                           Actions actions)
+    : album_(std::move(album)), thumbnails_(std::move(thumbnails)), actions_(std::move(actions)) {}
+
+std::shared_ptr<PictureViews> PictureViews::create(std::shared_ptr<Album> album,
+                                                   std::shared_ptr<Thumbnails> thumbnails,
+                                                   Actions actions) {
+    const std::shared_ptr<PictureViews> views(
+        new PictureViews(std::move(album), std::move(thumbnails), std::move(actions)));
+    views->start();
+    return views;
+}
+
+void PictureViews::start() {
+    const auto self = shared_from_this();
+    gridScroller_->setDocumentView(grid_);
+    tableScroller_->setDocumentView(table_);
+    for (const auto& view : {std::shared_ptr<NSView>(grid_), std::shared_ptr<NSView>(table_)})
+        view->setAccessibilityLabel("Pictures");
+    table_->setRowHeight(36);
+    addColumns();
+    grid_->setDataSource(self);
+    table_->setDataSource(self);
+    table_->setDelegate(self);
+    observe(Album::Pictures::didReloadNotification, album_->pictures(), self,
+            [](const auto& views, const Notification& note) {
+                views->follow(*Album::Pictures::edition(note));
+            });
+    observe(NSCollectionView::selectionDidChangeNotification, grid_, self,
+            [](const auto& views, const Notification&) {
+                IndexSet selection;
+                for (const IndexPath path : views->grid_->selectionIndexPaths())
+                    selection.insert(path.item);
+                views->selectionDidChange(selection);
+            });
+    observe(NSTableView::selectionDidChangeNotification, table_, self,
+            [](const auto& views, const Notification&) {
+                views->selectionDidChange(views->table_->selectedRowIndexes());
+            });
+}
+
+void PictureViews::addColumns() {
+    for (const Column& column : columns) {
+        const auto made = NSTableColumn::create(column.title);
+        made->setWidth(column.width);
+        made->setSortable(column.order.has_value());
+        table_->addTableColumn(made);
+    }
+}
+
+const std::shared_ptr<NSScrollView>& PictureViews::scrollView(ViewKind kind) const {
+    return kind == ViewKind::grid ? gridScroller_ : tableScroller_;
+}
+
+std::shared_ptr<NSView> PictureViews::view(ViewKind kind) const {
+    return scrollView(kind)->documentView();
+}
+
+void PictureViews::setThumbnailSize(double size) {
+    constexpr double margins = 12, titleHeight = 24, spacing = 6;
+    // Enough pixels for the finest display.
+    thumbnails_->setSide(static_cast<std::int64_t>(size * 2));
+    grid_->setCollectionViewLayout(std::make_shared<NSCollectionViewFlowLayout>(
+        CGSize(size + margins, size * 0.75 + titleHeight + margins), spacing));
+    grid_->reloadData();
+}
+
+void PictureViews::setMenu(const std::shared_ptr<NSMenu>& menu) {
+    gridScroller_->setMenu(menu);
+    tableScroller_->setMenu(menu);
+}
+
+void PictureViews::showOrder(PictureOrder order, bool isAscending) {
+    const auto shown = std::find_if(std::begin(columns), std::end(columns),
+                                    [&](const Column& column) { return column.order == order; });
+    const auto index = static_cast<std::size_t>(shown - std::begin(columns));
+    table_->setSortOrder(NSTableView::SortOrder{table_->tableColumns()[index], isAscending});
+}
+
+void PictureViews::scrollToSelection() {
+    const auto& selection = album_->pictures()->selection();
+    if (selection.isEmpty())
+        return;
+    table_->scrollToFirstSelectedRow();
+    const auto& layout = grid_->collectionViewLayout();
+    scrollToVisible(*grid_, layout->frameOfItem({*selection.first(), 0}));
+}
+
+// The list and the views
+
+void PictureViews::follow(const ManagedListEdition& edition) {
+    const auto selected = album_->selected();
+    selected_ = Album::Files(selected.begin(), selected.end());
+    const bool wasFollowing = std::exchange(isFollowing_, true);
+    const ManagedListViewReloader reloader(edition);
+    reloader.reload(*grid_);
+    reloader.reload(*table_);
+    isFollowing_ = wasFollowing;
+}
+
+void PictureViews::selectionDidChange(const IndexSet& selection) {
+    if (!isFollowing_)
+        album_->pictures()->setSelection(selection);
+}
+
+const PictureFile::Pointer& PictureViews::file(std::int64_t at) const {
+    return album_->pictures()->items()[static_cast<std::size_t>(at)];
+}
+
+std::shared_ptr<NSView> PictureViews::cell(std::int64_t at, bool isTile) {
+    using Style = PictureCell::Style;
+    return PictureCell::create(file(at), isTile ? Style::tile : Style::line, *thumbnails_,
+                               [weak = weak_from_this()](const PictureFile::Pointer& shown) {
+                                   const auto views = weak.lock();
+                                   return views && views->selected_.contains(shown);
+                               });
+}
+
+// What the views ask for
+
+std::int64_t PictureViews::numberOfItems(const NSCollectionView&, std::int64_t) const {
+    return album_->pictures()->count();
+}
+
+std::string PictureViews::text(const NSCollectionView&, IndexPath item) const {
+    return file(item.item)->title;
+}
+
+std::shared_ptr<NSView> PictureViews::viewForItem(NSCollectionView&, IndexPath item) {
+    return cell(item.item, true);
+}
+
+std::optional<URL> PictureViews::draggedURL(const NSCollectionView&, IndexPath item) const {
+    return file(item.item)->url;
+}
+
+void PictureViews::itemOpened(NSCollectionView&, IndexPath item) {
+    album_->pictures()->setSelection({item.item});
+    actions_.open();
+}
+
+std::int64_t PictureViews::numberOfRows(const NSTableView&) const {
+    return album_->pictures()->count();
+}
+
+std::string PictureViews::text(const NSTableView&, std::int64_t column, std::int64_t row) const {
+    return columns[column].text(*file(row));
+}
+
+std::optional<URL> PictureViews::draggedURL(const NSTableView&, std::int64_t row) const {
+    return file(row)->url;
+}
+
+void PictureViews::sortOrderDidChange(NSTableView&) {
+    const auto& order = table_->sortOrder();
+    for (std::size_t i = 0; order && i < std::size(columns); ++i)
+        if (table_->tableColumns()[i] == order->column)
+            actions_.order(columns[i].order.value_or(PictureOrder::name), order->isAscending);
+}
+
+std::shared_ptr<NSView> PictureViews::view(NSTableView&, std::int64_t column, std::int64_t row) {
+    return column == 0 ? cell(row, false) : nullptr;
+}
+
+void PictureViews::rowOpened(NSTableView&, std::int64_t row) {
+    album_->pictures()->setSelection({row});
+    actions_.open();
+}

@@ -1,0 +1,532 @@
+// The window of shelf, as a person has it: keys, mouse and questions, without a screen.
+
+#include "window/ShelfWindow.h"
+#include "Program.h"
+#include <tests/Testing.h>
+
+#include <zorvan/files/NSPasteboard.h>
+#include <zorvan/hosts/QtWindowHost.h>
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QListView>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QSplitter>
+#include <QTableView>
+#include <QTest>
+#include <QTreeView>
+
+#include <fstream>
+#include <unistd.h>
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+class ShelfWindowTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        static const TemporaryFolder home; // for the settings and the trash
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        ::setenv("XDG_CONFIG_HOME", (home.path / "config").c_str(), 1);
+        ::setenv("XDG_DATA_HOME", (home.path / "data").c_str(), 1);
+        static int count = 1;
+        static char name[] = "test";
+        static char* arguments[] = {name, nullptr};
+        static QApplication* const application = new QApplication(count, arguments);
+        application->setQuitOnLastWindowClosed(false);
+        trash = home.path / "data/Trash/files";
+    }
+    ShelfWindowTest() {
+        for (const auto& key : NSUserDefaults::standardUserDefaults()->dictionaryRepresentation())
+            NSUserDefaults::standardUserDefaults()->removeObjectForKey(key.first);
+    }
+    ~ShelfWindowTest() override { end(); }
+
+    void picture(const std::string& name, std::int64_t width = 60, std::int64_t height = 40) {
+        const Data bytes = *CGImage::empty(width, height)->data(ImageExportFormat::png);
+        write(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    }
+    void write(const std::string& name, std::string_view bytes) const {
+        fs::create_directories((folder.path / name).parent_path());
+        std::ofstream(folder.path / name, std::ios::binary) << bytes;
+    }
+
+    void show() {
+        Options options;
+        options.paths = {folder.path};
+        options.recursive = true;
+        shelf = ShelfWindow::create(options);
+        host = QtWindowHost::show(shelf->window());
+        host->widget().activateWindow();
+    }
+    /// Shows the window and waits for all that is in the folder.
+    void open() {
+        show();
+        ASSERT_TRUE(comes([&] { return !shelf->isWalking(); }));
+    }
+    void end() {
+        host = nullptr;
+        shelf = nullptr;
+        settle();
+    }
+
+    static void settle() {
+        for (int i = 0; i < 5; ++i) {
+            QCoreApplication::processEvents();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        }
+    }
+    /// Whether it comes to hold while events are processed.
+    static bool comes(const std::function<bool()>& condition) {
+        const bool held = QTest::qWaitFor(condition, 20000);
+        settle();
+        return held;
+    }
+
+    /// The view of the pictures that is shown.
+    template <class View = QAbstractItemView>
+    View& view() const {
+        for (auto* const found : host->widget().findChildren<View*>())
+            if (!qobject_cast<QTreeView*>(found))
+                return *found;
+        throw std::runtime_error("no such view");
+    }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QWidget* const focused = QApplication::focusWidget();
+        QTest::keyClick(focused ? focused : &host->widget(), key, modifiers);
+        settle();
+    }
+    void click(int row, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::mouseClick(view().viewport(), Qt::LeftButton, modifiers,
+                          view().visualRect(view().model()->index(row, 0)).center());
+        settle();
+    }
+    void choose(const char* title) {
+        for (std::int64_t i = 0; i < shelf->menu()->numberOfItems(); ++i)
+            if (shelf->menu()->item(i)->title() == title)
+                shelf->menu()->performActionForItem(i);
+        settle();
+    }
+    /// Presses a button of the question that is asked, and gives the question. Without a desktop
+    /// nobody brings the window back to the front then.
+    std::string answer(const QString& button) const {
+        for (QWidget* const widget : QApplication::topLevelWidgets())
+            if (auto* const box = qobject_cast<QMessageBox*>(widget); box && box->isVisible())
+                for (QAbstractButton* const shown : box->buttons())
+                    if (shown->text().remove(QLatin1Char('&')) == button) {
+                        const std::string question = box->text().toStdString();
+                        shown->click();
+                        host->widget().activateWindow();
+                        settle();
+                        return question;
+                    }
+        return "nothing is asked";
+    }
+
+    Names titles() const {
+        Names all;
+        for (const auto& file : shelf->album()->pictures()->items())
+            all.push_back(file->title);
+        return all;
+    }
+    /// What the list, the view that is shown and Qt agree on.
+    Names selected() const {
+        Names list, shown;
+        for (const auto& file : shelf->album()->selected())
+            list.push_back(file->title);
+        QModelIndexList indexes = view().selectionModel()->selectedIndexes();
+        std::sort(indexes.begin(), indexes.end());
+        for (const QModelIndex& index : indexes)
+            if (index.column() == 0)
+                shown.push_back(index.data().toString().toStdString());
+        EXPECT_EQ(list, shown);
+        return list;
+    }
+    std::string status() const {
+        for (const auto& inner : shelf->window()->contentView()->subviews()[1]->subviews())
+            if (inner->accessibilityLabel() == "Status")
+                return inner->accessibilityValue();
+        return {};
+    }
+    std::set<std::string> tools() const {
+        std::set<std::string> labels;
+        for (const auto& item : shelf->window()->toolbar()->items())
+            labels.insert(item->label());
+        return labels;
+    }
+
+    static inline fs::path trash;
+    TemporaryFolder folder;
+    std::shared_ptr<ShelfWindow> shelf;
+    std::shared_ptr<QtWindowHost> host;
+};
+
+} // namespace
+
+TEST_F(ShelfWindowTest, IsThereBeforeTheWalkIsDone) {
+    constexpr int many = 10000;
+    picture("0.png");
+    for (int i = 1; i < many; ++i)
+        fs::create_hard_link(folder.path / "0.png", folder.path / (std::to_string(i) + ".png"));
+    show();
+    EXPECT_TRUE(host->widget().isVisible());
+    EXPECT_TRUE(shelf->isWalking());
+    EXPECT_EQ(shelf->album()->pictures()->count(), 0);
+    ASSERT_TRUE(comes([&] { return !shelf->isWalking(); }));
+    EXPECT_EQ(view().model()->rowCount(), many);
+    EXPECT_EQ(titles()[9], "9.png") << "numbers by their value";
+    EXPECT_EQ(status(), "10000 pictures");
+    EXPECT_TRUE(view().hasFocus());
+    // Only what is in sight is looked at.
+    const auto cells = [&] { return view().viewport()->findChildren<QWidget*>().size(); };
+    EXPECT_GT(cells(), 0);
+    EXPECT_LT(cells(), 60);
+    press(Qt::Key_Home);
+    press(Qt::Key_End);
+    EXPECT_EQ(selected(), Names{"9999.png"});
+    EXPECT_LT(cells(), 60);
+    press(Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(status(), "10000 pictures, 10000 selected");
+    end(); // also while pictures are being decoded
+}
+
+TEST_F(ShelfWindowTest, SelectionSurvivesSearchOrderAndSwitch) {
+    for (const char* name : {"a.png", "b.png", "Bc.png", "d.png", "sub/be.jpg", "sub/f.jpg"})
+        picture(name);
+    fs::last_write_time(folder.path / "b.png",
+                        fs::file_time_type::clock::now() + std::chrono::hours(1));
+    open();
+    EXPECT_EQ(titles(), (Names{"a.png", "b.png", "Bc.png", "d.png", "be.jpg", "f.jpg"}));
+    click(1);
+    click(3, Qt::ShiftModifier);
+    EXPECT_EQ(selected(), (Names{"b.png", "Bc.png", "d.png"}));
+    press(Qt::Key_2, Qt::ControlModifier);
+    EXPECT_TRUE(view<QTableView>().hasFocus());
+    EXPECT_EQ(selected(), (Names{"b.png", "Bc.png", "d.png"}));
+    click(5, Qt::ControlModifier);
+    press(Qt::Key_F, Qt::ControlModifier);
+    QTest::keyClicks(QApplication::focusWidget(), "B");
+    settle();
+    EXPECT_EQ(titles(), (Names{"b.png", "Bc.png", "be.jpg"}));
+    EXPECT_EQ(selected(), (Names{"b.png", "Bc.png"}));
+    EXPECT_EQ(status(), "3 pictures of 6, 2 selected");
+    shelf->setOrder(PictureOrder::date, false);
+    settle();
+    EXPECT_EQ(titles()[0], "b.png");
+    EXPECT_EQ(selected()[0], "b.png");
+    press(Qt::Key_Backspace); // the keyboard is still in the field
+    EXPECT_EQ(titles().size(), 6u);
+    press(Qt::Key_1, Qt::ControlModifier);
+    EXPECT_EQ(view<QListView>().model()->rowCount(), 6);
+    EXPECT_EQ(selected().size(), 2u);
+    // What comes later takes nothing away.
+    picture("later.png");
+    fs::remove(folder.path / "a.png");
+    choose("Reload");
+    ASSERT_TRUE(comes([&] { return !shelf->isWalking(); }));
+    EXPECT_EQ(titles().size(), 6u);
+    EXPECT_EQ(selected().size(), 2u);
+}
+
+TEST_F(ShelfWindowTest, TheSidebarChooses) {
+    for (const char* name : {"a.png", "b.jpg", "x/c.png", "x/y/d.png"})
+        picture(name);
+    open();
+    auto& tree = *host->widget().findChild<QTreeView*>();
+    const auto line = [&](const QString& text) {
+        const auto found = tree.model()->match(tree.model()->index(0, 0), Qt::DisplayRole, text, 1,
+                                               Qt::MatchExactly | Qt::MatchRecursive);
+        return found.empty() ? QModelIndex() : found.front();
+    };
+    struct {
+        const char* line;
+        Names titles;
+    } table[] = {
+        {"x (1)", {"c.png"}},
+        {"x/y (1)", {"d.png"}},
+        {"At the top (2)", {"a.png", "b.jpg"}},
+        {"JPEG (1)", {"b.jpg"}},
+        {"Kinds", {"a.png", "b.jpg", "c.png", "d.png"}},
+        {"All pictures (4)", {"a.png", "b.jpg", "c.png", "d.png"}},
+        {"PNG (3)", {"a.png", "c.png", "d.png"}},
+    };
+    for (const auto& row : table) {
+        QTest::mouseClick(tree.viewport(), Qt::LeftButton, {},
+                          tree.visualRect(line(row.line)).center());
+        settle();
+        EXPECT_EQ(titles(), row.titles) << row.line;
+    }
+    fs::remove_all(folder.path / "x");
+    fs::remove(folder.path / "a.png");
+    choose("Reload");
+    ASSERT_TRUE(comes([&] { return !shelf->isWalking(); }));
+    EXPECT_EQ(titles(), Names{"b.jpg"}) << "what was chosen is not there any more";
+}
+
+TEST_F(ShelfWindowTest, OpensAPictureLarge) {
+    for (const char* name : {"1.png", "2.png"})
+        picture(name);
+    write("3.png", "no picture");
+    open();
+    click(0);
+    press(Qt::Key_Return);
+    const auto& large = *shelf->largePicture();
+    ASSERT_TRUE(large.file());
+    EXPECT_TRUE(comes([&] { return !large.isLoading(); }));
+    EXPECT_TRUE(large.image());
+    EXPECT_TRUE(tools().contains("Back"));
+    press(Qt::Key_Left);
+    EXPECT_EQ(large.file()->title, "1.png") << "there is none before";
+    press(Qt::Key_Right);
+    press(Qt::Key_Right);
+    press(Qt::Key_Right);
+    EXPECT_EQ(large.file()->title, "3.png");
+    EXPECT_TRUE(comes([&] { return !large.isLoading(); }));
+    EXPECT_FALSE(large.image());
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(large.file());
+    EXPECT_EQ(selected(), Names{"3.png"});
+    EXPECT_TRUE(view().hasFocus());
+    shelf->setView(ViewKind::table);
+    settle();
+    QTest::mouseDClick(view().viewport(), Qt::LeftButton, {},
+                       view().visualRect(view().model()->index(1, 0)).center());
+    settle();
+    ASSERT_TRUE(large.file());
+    EXPECT_EQ(large.file()->title, "2.png");
+}
+
+TEST_F(ShelfWindowTest, MovesToTheTrashAfterAsking) {
+    for (const char* name : {"a.png", "b.png", "c.png", "d.png"})
+        picture(name);
+    open();
+    press(Qt::Key_Delete);
+    EXPECT_EQ(answer("Move to Trash"), "nothing is asked") << "nothing is selected";
+    click(1);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(answer("Cancel"), "Move “b.png” to the trash?");
+    EXPECT_TRUE(fs::exists(folder.path / "b.png"));
+    click(2, Qt::ShiftModifier);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(answer("Move to Trash"), "Move 2 pictures to the trash?");
+    ASSERT_TRUE(comes([&] { return titles().size() == 2; }));
+    EXPECT_EQ(titles(), (Names{"a.png", "d.png"}));
+    for (const char* name : {"b.png", "c.png"}) {
+        EXPECT_FALSE(fs::exists(folder.path / name));
+        EXPECT_TRUE(fs::exists(trash / name)) << trash / name;
+    }
+    // Of one that is shown large the next is shown then, and nothing after the last.
+    click(0);
+    press(Qt::Key_Return);
+    for (const char* next : {"d.png", ""}) {
+        press(Qt::Key_Delete);
+        answer("Move to Trash");
+        const auto& large = *shelf->largePicture();
+        EXPECT_TRUE(comes([&] { return (large.file() ? large.file()->title : "") == next; }));
+    }
+    EXPECT_EQ(titles(), Names{});
+}
+
+TEST_F(ShelfWindowTest, SaysWhatCouldNotBeMovedToTheTrash) {
+    picture("gone.png");
+    open();
+    click(0);
+    fs::remove(folder.path / "gone.png");
+    press(Qt::Key_Delete);
+    answer("Move to Trash");
+    std::string said;
+    EXPECT_TRUE(comes([&] {
+        said = answer("Close");
+        return said != "nothing is asked";
+    }));
+    EXPECT_EQ(said, "1 picture could not be moved to the trash.");
+}
+
+TEST_F(ShelfWindowTest, ExportsAndCancels) {
+    picture("large.png", 3000, 2000);
+    picture("small.png", 30, 20);
+    write("broken.png", "no picture");
+    open();
+    press(Qt::Key_A, Qt::ControlModifier);
+    const std::string out = folder.path / "out";
+    fs::create_directory(out);
+    shelf->exportTo(out);
+    EXPECT_TRUE(shelf->isExporting());
+    ASSERT_TRUE(comes([&] { return !shelf->isExporting(); }));
+    EXPECT_EQ(status(), "2 pictures exported");
+    EXPECT_TRUE(answer("Close").starts_with("broken.png: "));
+    const auto sizeOf = [&](const char* name) {
+        return CGImage::imageSize(URL({.fileURLWithPath = out + "/" + name})).value_or(CGSize());
+    };
+    EXPECT_EQ(sizeOf("large.jpg"), CGSize(1024, 683));
+    EXPECT_EQ(sizeOf("small.jpg"), CGSize(30, 20));
+
+    constexpr int many = 64; // seconds of work
+    for (int i = 0; i < many; ++i)
+        fs::create_hard_link(folder.path / "large.png",
+                             folder.path / ("many" + std::to_string(i) + ".png"));
+    choose("Reload");
+    ASSERT_TRUE(comes([&] { return !shelf->isWalking(); }));
+    press(Qt::Key_A, Qt::ControlModifier);
+    shelf->exportTo(out);
+    for (auto* const button : host->widget().findChildren<QAbstractButton*>())
+        if (button->accessibleName() == "Cancel")
+            button->click();
+    ASSERT_TRUE(comes([&] { return !shelf->isExporting(); }));
+    const auto written = std::distance(fs::directory_iterator(out), {}) - 2;
+    EXPECT_LT(written, many);
+    EXPECT_EQ(status(), std::to_string(written) + (written == 1 ? " picture" : " pictures") +
+                            " exported, then cancelled");
+    answer("Close");
+}
+
+TEST_F(ShelfWindowTest, FilesGoToTheClipboardAndOut) {
+    for (const char* name : {"a b.png", "c.png"})
+        picture(name);
+    open();
+    const auto urls = [] {
+        std::vector<std::string> paths;
+        for (const URL& url : NSPasteboard::generalPasteboard()->fileURLs())
+            paths.push_back(fs::path(url.path()).filename());
+        return paths;
+    };
+    click(0);
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(urls(), Names{"a b.png"});
+    press(Qt::Key_A, Qt::ControlModifier);
+    choose("Copy");
+    EXPECT_EQ(urls(), (Names{"a b.png", "c.png"}));
+    for (const ViewKind kind : {ViewKind::grid, ViewKind::table}) {
+        shelf->setView(kind);
+        settle();
+        const auto indexes = view().selectionModel()->selectedIndexes();
+        const std::unique_ptr<QMimeData> dragged(view().model()->mimeData(indexes));
+        EXPECT_EQ(dragged->urls().size(), 2);
+        EXPECT_EQ(dragged->urls().value(0).toLocalFile().toStdString(), folder.path / "a b.png");
+    }
+}
+
+TEST_F(ShelfWindowTest, ToolsFollowTheSelection) {
+    for (const char* name : {"a.png", "b.png"})
+        picture(name);
+    open();
+    struct {
+        int row;
+        Qt::KeyboardModifiers modifiers;
+        bool opens, exports;
+    } table[] = {{0, {}, true, true},
+                 {1, Qt::ControlModifier, false, true},
+                 {0, Qt::ControlModifier, true, true},
+                 {1, Qt::ControlModifier, false, false}};
+    EXPECT_FALSE(tools().contains("Export"));
+    for (const auto& step : table) {
+        click(step.row, step.modifiers);
+        EXPECT_EQ(tools().contains("Open"), step.opens);
+        EXPECT_EQ(tools().contains("Export"), step.exports);
+        EXPECT_EQ(shelf->menu()->item(0)->isEnabled(), step.exports);
+    }
+}
+
+/// Run by the next test in a process of its own.
+TEST(ShelfSettings, DISABLED_areChanged) {
+    auto& settings = *NSUserDefaults::standardUserDefaults();
+    settings[ShelfSettings::view] = ViewKind::table;
+    settings[ShelfSettings::isAscending] = false;
+    settings[ShelfSettings::showsSidebar] = false;
+}
+
+TEST_F(ShelfWindowTest, FollowsTheSettingsOfAnotherProcess) {
+    for (const char* name : {"a.png", "b.png"})
+        picture(name);
+    open();
+    click(1);
+    const Outcome outcome =
+        run({fs::read_symlink("/proc/self/exe"), "--gtest_brief=1",
+             "--gtest_also_run_disabled_tests", "--gtest_filter=ShelfSettings.*"});
+    ASSERT_EQ(outcome.status, 0) << outcome.output;
+    EXPECT_TRUE(comes([&] { return titles() == Names{"b.png", "a.png"}; }));
+    EXPECT_EQ(selected(), Names{"b.png"});
+    EXPECT_TRUE(view<QTableView>().isVisible());
+    EXPECT_EQ(host->widget().findChild<QSplitter*>()->sizes()[0], 0);
+    // They are kept for the next start, and so are those of this window.
+    const auto sidebarWidth = [&] { return host->widget().findChild<QSplitter*>()->sizes()[0]; };
+    view<QTableView>().horizontalHeader()->sectionClicked(1);
+    choose("Sidebar");
+    EXPECT_GT(sidebarWidth(), 0);
+    shelf->window()->close();
+    end();
+    open();
+    EXPECT_TRUE(view<QTableView>().isVisible());
+    EXPECT_GT(sidebarWidth(), 0);
+    // Dragged shut it stays so until it is asked for.
+    static_cast<NSSplitView&>(*shelf->window()->contentView()).setPosition(0, 0);
+    shelf->setView(ViewKind::grid);
+    settle();
+    EXPECT_EQ(sidebarWidth(), 0);
+    choose("Sidebar");
+    EXPECT_GT(sidebarWidth(), 0);
+    EXPECT_EQ(NSUserDefaults::standardUserDefaults()->value(ShelfSettings::order),
+              PictureOrder::date);
+}
+
+TEST_F(ShelfWindowTest, ThumbnailsKeepToTheirBound) {
+    constexpr std::int64_t most = 300 * 1024, side = 100; // seven of them
+    const auto thumbnails = Thumbnails::create(most);
+    thumbnails->setSide(side);
+    picture("a.png", 400, 400);
+    int given = 0;
+    std::vector<PictureFile::Pointer> files;
+    for (int i = 0; i < 20; ++i) {
+        files.push_back(lookAt({URL({.fileURLWithPath = folder.path / "a.png"}), "a.png"}));
+        thumbnails->request(files.back(), [&](const auto& image) { given += image ? 1 : 0; });
+    }
+    write("broken.png", "no picture");
+    const auto broken =
+        lookAt({URL({.fileURLWithPath = folder.path / "broken.png"}), "broken.png"});
+    bool isBrokenGiven = false;
+    thumbnails->request(broken, [&](const auto& image) { isBrokenGiven = image == nullptr; });
+    ASSERT_TRUE(comes([&] { return given == 20 && isBrokenGiven; }));
+    EXPECT_EQ(thumbnails->byteCount(), 7 * side * side * 4);
+    EXPECT_FALSE(thumbnails->isLoading());
+    // One that has made room for others is made again.
+    EXPECT_EQ(std::count_if(files.begin(), files.end(),
+                            [&](const auto& file) { return !!thumbnails->loaded(file); }),
+              7);
+    for (const auto& file : files)
+        thumbnails->request(file, [&](const auto& image) { given += image ? 1 : 0; });
+    EXPECT_TRUE(comes([&] { return given == 40; }));
+}
+
+TEST_F(ShelfWindowTest, TheProgramNeedsNoDisplayToSayWhatItIs) {
+    picture("in/a.png");
+    write("in/broken.jpg", "x");
+    const std::string in = folder.path / "in", written = folder.path / "in/window.png";
+    struct {
+        std::vector<std::string> arguments;
+        int status;
+        std::string output, errors;
+    } table[] = {
+        {{"--help"}, 0, "Usage: shelf-window [OPTIONS] PATH...\n", ""},
+        {{"--version"}, 0, "shelf-window " SHELF_VERSION "\n", ""},
+        {{}, 2, "", "shelf-window: name a picture or a folder of pictures\n"},
+        {{"--json", in}, 2, "", "shelf-window: unknown option '--json'\n"},
+        {{"/no\nfolder"}, 2, "", "shelf-window: /no\\nfolder: no such file or folder\n"},
+        {{in, "--screenshot", "a.jpg"}, 2, "", "shelf-window: --screenshot writes png only\n"},
+        {{in, "--screenshot", "/no/a.png"}, 1, "", "/no/a.png: the screenshot cannot be written\n"},
+        {{in, "--screenshot", written}, 0, "", ""},
+    };
+    for (auto& row : table) {
+        row.arguments.insert(row.arguments.begin(),
+                             {"env", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY", "-u",
+                              "QT_QPA_PLATFORM", SHELF_WINDOW_PROGRAM});
+        const Outcome outcome = run(row.arguments);
+        EXPECT_EQ(outcome.status, row.status) << outcome.errors;
+        EXPECT_NE(outcome.output.find(row.output), std::string::npos) << outcome.output;
+        EXPECT_NE(outcome.errors.find(row.errors), std::string::npos) << outcome.errors;
+    }
+    const auto size = CGImage::imageSize(URL({.fileURLWithPath = written}));
+    EXPECT_EQ(size.value_or(CGSize()).width, 1920);
+}

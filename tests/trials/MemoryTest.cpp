@@ -1,0 +1,152 @@
+// Every allocation in turn fails. What is asked for is then absent, or `std::bad_alloc` is thrown;
+// nothing crashes, what was stored before is still there, and the next attempt succeeds.
+
+#include "MemoryFailure.h"
+#include "Stores.h"
+
+#include <tests/Testing.h>
+#include <tests/files/ChildProcess.h>
+#include <tests/files/TemporaryFolder.h>
+
+#include <zorvan/collections/ManagedList.h>
+#include <zorvan/media/CGImage.h>
+#include <zorvan/media/CGImageSource.h>
+#include <zorvan/platform/propertylist/PropertyListFile.h>
+#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
+
+namespace {
+
+constexpr int wasNotStruck = 77;
+
+/// Calls the work in a process of its own for each allocation that it makes, which fails, and the
+/// check after it. At most some four hundred of them, spread over all, unless a campaign asks for
+/// more.
+void starve(
+    const std::function<void()>& work, const std::function<void()>& check,
+    const std::function<void()>& prepare = [] {}) {
+    const char* asked = std::getenv("ZORVAN_ALLOCATIONS");
+    const std::size_t dense = asked ? std::strtoull(asked, nullptr, 10) : 200;
+    std::size_t tried = 0;
+    for (std::size_t n = 0;; n += n < dense ? 1 : n / dense, ++tried) {
+        prepare();
+        const pid_t child = startChild([&] {
+            bool isStruck = true;
+            try {
+                const MemoryFailure failure(n);
+                work();
+                isStruck = MemoryFailure::hasCome();
+            } catch (const std::bad_alloc&) {
+            }
+            if (!isStruck)
+                ::_exit(wasNotStruck);
+            check();
+        });
+        const int status = exitStatus(child);
+        if (status == wasNotStruck)
+            break;
+        ASSERT_EQ(status, 0) << "when allocation " << n << " fails";
+    }
+    std::cout << tried << " allocations failed\n";
+    EXPECT_GT(tried, 3u);
+}
+
+} // namespace
+
+class StarvedStores : public testing::TestWithParam<Store> {};
+
+INSTANTIATE_TEST_SUITE_P(Memory, StarvedStores, testing::ValuesIn(stores().begin(), stores().end()),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST_P(StarvedStores, KeepWhatTheyHad) {
+    const Store& store = GetParam();
+    const TemporaryFolder folders(TemporaryFolder::fastParent());
+    const fs::path before = folders.path() / "before", folder = folders.path() / "folder";
+    fs::create_directory(before);
+    ASSERT_EQ(exitStatus(startChild([&] { store.step(before, 0); })), 0);
+    starve(
+        [&] {
+            try {
+                store.step(folder, 1);
+            } catch (const std::runtime_error&) { // it says so
+            }
+        },
+        [&] {
+            // Settings that could not be opened, or stored, are tried again.
+            if (std::string_view(store.name) == "settings") {
+                EXPECT_TRUE(SettingsDatabase::open(folder / "a.settings")->synchronize());
+            }
+            const std::int64_t next = checkStore(store, folder, 0) + 1;
+            store.step(folder, next);
+            EXPECT_EQ(checkStore(store, folder, 0), next);
+        },
+        [&] {
+            fs::remove_all(folder);
+            fs::copy(before, folder, fs::copy_options::recursive);
+        });
+}
+
+TEST(Memory, FailsInPropertyLists) {
+    const PropertyList list =
+        PropertyList::Dictionary{{"text", "a text longer than what a string holds within itself"},
+                                 {"list", PropertyList::Array{1, 2.5, true, Data(100)}}};
+    for (const auto format : {propertylist::Format::xml, propertylist::Format::binary}) {
+        const Data encoded = propertylist::encode(list, format).value();
+        const auto check = [&] { EXPECT_EQ(propertylist::decode(encoded), list); };
+        starve([&] { EXPECT_EQ(propertylist::decode(encoded).value_or(list), list); }, check);
+        starve([&] { EXPECT_EQ(propertylist::encode(list, format).value_or(encoded), encoded); },
+               check);
+    }
+}
+
+// Where the libraries for a format bear it: libtiff 4.5 crashes by itself.
+class StarvedPictures : public testing::TestWithParam<const char*> {};
+
+INSTANTIATE_TEST_SUITE_P(Memory, StarvedPictures, testing::Values("palette.png", "progressive.jpg"),
+                         [](const auto& info) {
+                             return fs::path(info.param).stem().string().substr(0, 4);
+                         });
+
+TEST_P(StarvedPictures, AreAbsent) {
+    const std::string bytes = text(fs::path(SAMPLES) / GetParam());
+    const auto raw = std::as_bytes(std::span(bytes));
+    const auto read = [&] {
+        const auto source = CGImageSource::create(Data(raw.begin(), raw.end()));
+        const auto properties = source->properties(0);
+        const auto image = source->image(0);
+        return properties && image ? image->width() : 0;
+    };
+    std::int64_t width = 0;
+    ASSERT_EQ(exitStatus(startChild([&] { EXPECT_GT(read(), 0); })), 0);
+    starve([&] { width = read(); }, [&] { EXPECT_GT(read(), 0); });
+}
+
+TEST(Memory, FailsInLists) {
+    const auto make = [] {
+        std::vector<std::string> items;
+        for (int i = 0; i < 50; ++i)
+            items.push_back("an item with a long name, number " + std::to_string(i * 37 % 50));
+        return items;
+    };
+    const auto list = ManagedList<std::string>::create();
+    const auto change = [&] {
+        list->insert(make(), 0);
+        list->setSelection({3, 7, 9, 30});
+        list->setFilter([](const std::string& item) { return item.back() % 2 == 0; });
+        list->sort(std::less<>());
+        list->remove(IndexSet{1, 4, 6});
+        list->reverseOrder();
+        list->setFilter({});
+    };
+    starve(change, [&] {
+        // Whatever came of it, the list is whole.
+        for (const std::int64_t position : list->selection())
+            EXPECT_LT(position, list->count());
+        for (const std::string& item : list->items())
+            EXPECT_TRUE(std::ranges::count(make(), item) == 1 &&
+                        std::ranges::count(list->allItems(), item) == 1);
+        list->setFilter({});
+        list->removeAllItems();
+        change();
+        EXPECT_EQ(list->count(), 47);
+    });
+}

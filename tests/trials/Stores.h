@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <ostream>
+#include <span>
+#include <vector>
+
+inline constexpr std::int64_t nothing = -1, damaged = -2;
+
+/// Something with a number of slots that is written step by step: step i puts i into the slot i
+/// modulo that number.
+struct Store {
+    const char* name;
+    int slotCount;
+    /// Throws when it does not succeed. Whether it withstands a power failure from now on, with all
+    /// before it.
+    bool (*step)(const std::filesystem::path& folder, std::int64_t i);
+    /// The number in each slot, `nothing` or `damaged`.
+    std::vector<std::int64_t> (*found)(const std::filesystem::path& folder);
+};
+
+void PrintTo(const Store& store, std::ostream* out);
+
+/// Settings, secrets, a file that is written in one step, and a folder that is copied over another.
+std::span<const Store> stores();
+
+/// Expects what is found in the slots to be what was there after some step, that of the number
+/// promised or a later one. Returns its number.
+std::int64_t checkStore(const Store& store, const std::filesystem::path& folder,
+                        std::int64_t promised);

@@ -1,0 +1,64 @@
+#include <zorvan/platform/bundles/internal/KeyFile.h>
+
+#include <zorvan/platform/foundation/internal/readRegularFile.h>
+
+#include <charconv>
+#include <sstream>
+#include <system_error>
+
+namespace zorvan::desktop {
+
+namespace {
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view space = " \t\r";
+    const std::size_t first = text.find_first_not_of(space);
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(space) - first + 1);
+}
+
+} // namespace
+
+std::optional<KeyFile> KeyFile::read(const std::string& path) {
+    constexpr std::size_t largest = std::size_t{1} << 20;
+    const std::optional<std::string> bytes = internal::readRegularFile(path, largest);
+    if (!bytes)
+        return std::nullopt;
+
+    std::istringstream stream(*bytes);
+    KeyFile file;
+    Group* group = nullptr;
+    for (std::string line; std::getline(stream, line);) {
+        const std::string_view text = trimmed(line);
+        if (text.starts_with('[') && text.ends_with(']')) {
+            group = &file.groups_[std::string(text.substr(1, text.size() - 2))];
+            continue;
+        }
+        const std::size_t equals = text.find('=');
+        if (group && equals != std::string_view::npos && !text.starts_with('#'))
+            group->try_emplace(std::string(trimmed(text.substr(0, equals))),
+                               trimmed(text.substr(equals + 1)));
+    }
+    return file;
+}
+
+const std::string* KeyFile::value(std::string_view group, std::string_view key) const {
+    const auto foundGroup = groups_.find(group);
+    if (foundGroup == groups_.end())
+        return nullptr;
+    const auto found = foundGroup->second.find(key);
+    return found == foundGroup->second.end() ? nullptr : &found->second;
+}
+
+std::int64_t KeyFile::number(std::string_view group, std::string_view key,
+                             std::int64_t otherwise) const {
+    const std::string* text = value(group, key);
+    std::uint16_t number = 0;
+    if (!text ||
+        std::from_chars(text->data(), text->data() + text->size(), number).ec != std::errc())
+        return otherwise;
+    return number;
+}
+
+} // namespace zorvan::desktop

@@ -1,0 +1,170 @@
+#include <zorvan/platform/imageio/internal/HeifMeta.h>
+
+#include <zorvan/platform/imageio/internal/FormatReader.h>
+
+namespace zorvan::imageio {
+
+namespace {
+
+constexpr std::size_t maximumItems = 100'000;
+
+HeifBox nextBox(HeifCursor& cursor) {
+    std::uint64_t length = cursor.u32();
+    const std::string_view type = textOf(cursor.take(4));
+    std::uint64_t head = 8;
+    if (length == 1) {
+        length = cursor.number(8);
+        head = 16;
+    }
+    if (length == 0)
+        return {type, cursor.take(cursor.rest().size())};
+    if (length < head)
+        throw Failure{reason::damaged};
+    return {type, cursor.take(static_cast<std::size_t>(length - head))};
+}
+
+} // namespace
+
+std::string_view textOf(Bytes bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+Bytes HeifCursor::take(std::size_t count) {
+    if (count > rest_.size())
+        throw Failure{reason::damaged};
+    const Bytes taken = rest_.first(count);
+    rest_ = rest_.subspan(count);
+    return taken;
+}
+
+HeifMeta::HeifMeta(Bytes content, std::uint64_t contentOffset)
+    : begin_(content.data()), start_(contentOffset) {
+    HeifFullBox meta(content);
+    while (!meta.cursor.atEnd()) {
+        const HeifBox box = nextBox(meta.cursor);
+        if (box.type == "pitm")
+            readPrimary(box.content);
+        else if (box.type == "iinf")
+            readItems(box.content);
+        else if (box.type == "iref")
+            readReferences(box.content);
+        else if (box.type == "iprp")
+            readProperties(box.content);
+        else if (box.type == "iloc")
+            locations_ = box.content;
+        else if (box.type == "idat")
+            dataOffset_ = offsetOf(box.content);
+    }
+    readLocations();
+}
+
+const HeifItem* HeifMeta::find(std::uint32_t id) const {
+    const auto found = items_.find(id);
+    return found == items_.end() ? nullptr : &found->second;
+}
+
+std::vector<HeifBox> HeifMeta::propertiesOf(const HeifItem& item) const {
+    std::vector<HeifBox> result;
+    for (const std::uint32_t index : item.properties)
+        if (index >= 1 && index <= properties_.size())
+            result.push_back(properties_[index - 1]);
+    return result;
+}
+
+HeifItem& HeifMeta::item(std::uint32_t id) {
+    if (items_.size() >= maximumItems)
+        throw Failure{reason::damaged};
+    return items_[id];
+}
+
+void HeifMeta::readPrimary(Bytes content) {
+    HeifFullBox box(content);
+    primary_ = static_cast<std::uint32_t>(box.cursor.number(box.version == 0 ? 2 : 4));
+}
+
+void HeifMeta::readItems(Bytes content) {
+    HeifFullBox list(content);
+    list.cursor.take(list.version == 0 ? 2 : 4);
+    while (!list.cursor.atEnd()) {
+        const HeifBox box = nextBox(list.cursor);
+        if (box.type != "infe")
+            continue;
+        HeifFullBox entry(box.content);
+        if (entry.version < 2)
+            continue;
+        const auto id = static_cast<std::uint32_t>(entry.cursor.number(entry.version == 2 ? 2 : 4));
+        entry.cursor.take(2);
+        HeifItem& found = item(id);
+        found.type = textOf(entry.cursor.take(4));
+        found.hidden = (entry.flags & 1) != 0;
+    }
+}
+
+void HeifMeta::readReferences(Bytes content) {
+    HeifFullBox list(content);
+    const std::size_t width = list.version == 0 ? 2 : 4;
+    while (!list.cursor.atEnd()) {
+        const HeifBox box = nextBox(list.cursor);
+        HeifCursor cursor(box.content);
+        const auto from = static_cast<std::uint32_t>(cursor.number(width));
+        for (int count = cursor.u16(); count > 0; --count) {
+            if (references_.size() >= maximumItems)
+                throw Failure{reason::damaged};
+            references_.push_back(
+                {box.type, from, static_cast<std::uint32_t>(cursor.number(width))});
+        }
+    }
+}
+
+void HeifMeta::readProperties(Bytes content) {
+    HeifCursor cursor(content);
+    while (!cursor.atEnd()) {
+        const HeifBox box = nextBox(cursor);
+        if (box.type == "ipco") {
+            HeifCursor list(box.content);
+            while (!list.atEnd() && properties_.size() < maximumItems)
+                properties_.push_back(nextBox(list));
+        } else if (box.type == "ipma") {
+            readAssociations(box.content);
+        }
+    }
+}
+
+void HeifMeta::readAssociations(Bytes content) {
+    HeifFullBox box(content);
+    const std::size_t width = (box.flags & 1) != 0 ? 2 : 1;
+    const std::uint32_t indexMask = width == 2 ? 0x7FFF : 0x7F; // the top bit: essential
+    for (std::uint32_t entries = box.cursor.u32(); entries > 0; --entries) {
+        HeifItem& owner =
+            item(static_cast<std::uint32_t>(box.cursor.number(box.version < 1 ? 2 : 4)));
+        for (int count = box.cursor.u8(); count > 0; --count)
+            owner.properties.push_back(static_cast<std::uint32_t>(box.cursor.number(width)) &
+                                       indexMask);
+    }
+}
+
+void HeifMeta::readLocations() {
+    if (locations_.empty())
+        return;
+    HeifFullBox box(locations_);
+    HeifCursor& cursor = box.cursor;
+    const int sizes = cursor.u16();
+    const auto width = [&](int shift) { return static_cast<std::size_t>(sizes >> shift & 15); };
+    const std::size_t indexWidth = box.version == 0 ? 0 : width(0);
+    std::uint32_t count = static_cast<std::uint32_t>(cursor.number(box.version < 2 ? 2 : 4));
+    for (; count > 0; --count) {
+        HeifItem& owner = item(static_cast<std::uint32_t>(cursor.number(box.version < 2 ? 2 : 4)));
+        const int method = box.version == 0 ? 0 : cursor.u16() & 15;
+        cursor.take(2);
+        const std::uint64_t base = cursor.number(width(4)) + (method == 1 ? dataOffset_ : 0);
+        for (int extents = cursor.u16(); extents > 0; --extents) {
+            cursor.take(indexWidth);
+            const std::uint64_t offset = cursor.number(width(12));
+            const std::uint64_t length = cursor.number(width(8));
+            if (method <= 1)
+                owner.extents.push_back({base + offset, length});
+        }
+    }
+}
+
+} // namespace zorvan::imageio

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <zorvan/platform/imageio/internal/ByteOrder.h>
+#include <zorvan/platform/imageio/internal/HeifBoxes.h>
+
+#include <cstdint>
+#include <map>
+#include <string_view>
+#include <vector>
+
+namespace zorvan::imageio {
+
+std::string_view textOf(Bytes bytes);
+
+/// Reads one value after the other; past the end it throws.
+class HeifCursor {
+public:
+    explicit HeifCursor(Bytes bytes) : rest_(bytes) {}
+
+    std::uint64_t number(std::size_t width) { return bigEndian(take(width), 0, width); }
+    std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
+    int u16() { return static_cast<int>(number(2)); }
+    int u8() { return static_cast<int>(number(1)); }
+    Bytes take(std::size_t count);
+    Bytes rest() const { return rest_; }
+    bool atEnd() const { return rest_.empty(); }
+
+private:
+    Bytes rest_;
+};
+
+struct HeifBox {
+    std::string_view type;
+    Bytes content;
+};
+
+/// A box that begins with a version and flags; the cursor stands behind them.
+struct HeifFullBox {
+    explicit HeifFullBox(Bytes content)
+        : cursor(content), version(cursor.u8()),
+          flags(static_cast<std::uint32_t>(cursor.number(3))) {}
+
+    HeifCursor cursor;
+    int version;
+    std::uint32_t flags;
+};
+
+struct HeifItem {
+    std::string_view type = {};
+    bool hidden = false;
+    std::vector<std::uint32_t> properties = {}; // 1-based, in the order of application
+    std::vector<HeifPicture::Extent> extents = {};
+};
+
+struct HeifReference {
+    std::string_view type;
+    std::uint32_t from;
+    std::uint32_t to;
+};
+
+/// The boxes inside "meta", taken apart. Throws Failure.
+class HeifMeta {
+public:
+    /// The content must outlive it.
+    HeifMeta(Bytes content, std::uint64_t contentOffset);
+
+    /// Where in the file a part of the boxes is.
+    std::uint64_t offsetOf(Bytes part) const {
+        return start_ + static_cast<std::uint64_t>(part.data() - begin_);
+    }
+
+    std::uint32_t primary() const { return primary_; }
+    const std::map<std::uint32_t, HeifItem>& items() const { return items_; }
+    const std::vector<HeifReference>& references() const { return references_; }
+    /// Null when there is none.
+    const HeifItem* find(std::uint32_t id) const;
+    /// The properties of an item, in the order of application.
+    std::vector<HeifBox> propertiesOf(const HeifItem& item) const;
+
+private:
+    HeifItem& item(std::uint32_t id);
+    void readPrimary(Bytes content);
+    void readItems(Bytes content);
+    void readReferences(Bytes content);
+    void readProperties(Bytes content);
+    void readAssociations(Bytes content);
+    void readLocations();
+
+    const std::byte* begin_;
+    std::uint64_t start_;
+    std::uint64_t dataOffset_ = 0;
+    std::uint32_t primary_ = 0;
+    std::map<std::uint32_t, HeifItem> items_ = {};
+    std::vector<HeifReference> references_ = {};
+    std::vector<HeifBox> properties_ = {};
+    Bytes locations_ = {};
+};
+
+} // namespace zorvan::imageio
