@@ -204,6 +204,13 @@ TEST_F(CollectionHostTest, ItemsStandWhereTheLayoutSays) {
     EXPECT_TRUE(shown->indexWidget(shown->model()->index(0, 0)));
     EXPECT_EQ(shown->indexWidget(shown->model()->index(5, 0))->geometry(), QRect(50, 50, 40, 40));
     EXPECT_EQ(view->view({5, 0}, false)->frame(), CGRect(50, 50, 40, 40));
+    const auto colour = [&](QPoint at) {
+        return shown->viewport()->grab().toImage().pixelColor(at);
+    };
+    view->setSelectionIndexPaths({{5, 0}});
+    settle();
+    EXPECT_EQ(colour({53, 53}), colour({87, 87})) << "all of it looks selected";
+    EXPECT_NE(colour({53, 53}), colour({3, 53}));
     shown->verticalScrollBar()->setValue(10000);
     settle();
     EXPECT_FALSE(shown->indexWidget(shown->model()->index(0, 0)));

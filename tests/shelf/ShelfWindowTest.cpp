@@ -110,14 +110,16 @@ protected:
                 shelf->menu()->performActionForItem(i);
         settle();
     }
-    /// Presses a button of the question that is asked, and gives the question.
-    static std::string answer(const QString& button) {
+    /// Presses a button of the question that is asked, and gives the question. Without a desktop
+    /// nobody brings the window back to the front then.
+    std::string answer(const QString& button) const {
         for (QWidget* const widget : QApplication::topLevelWidgets())
             if (auto* const box = qobject_cast<QMessageBox*>(widget); box && box->isVisible())
                 for (QAbstractButton* const shown : box->buttons())
                     if (shown->text().remove(QLatin1Char('&')) == button) {
                         const std::string question = box->text().toStdString();
                         shown->click();
+                        host->widget().activateWindow();
                         settle();
                         return question;
                     }
@@ -182,6 +184,7 @@ TEST_F(ShelfWindowTest, IsThereBeforeTheWalkIsDone) {
     const auto cells = [&] { return view().viewport()->findChildren<QWidget*>().size(); };
     EXPECT_GT(cells(), 0);
     EXPECT_LT(cells(), 60);
+    press(Qt::Key_Home);
     press(Qt::Key_End);
     EXPECT_EQ(selected(), Names{"9999.png"});
     EXPECT_LT(cells(), 60);
@@ -294,6 +297,17 @@ TEST_F(ShelfWindowTest, OpensAPictureLarge) {
     settle();
     ASSERT_TRUE(large.file());
     EXPECT_EQ(large.file()->title, "2.png");
+    press(Qt::Key_F, Qt::ControlModifier);
+    QTest::keyClicks(QApplication::focusWidget(), "1");
+    settle();
+    EXPECT_FALSE(large.file()) << "it is not among what is found";
+    EXPECT_EQ(titles(), Names{"1.png"});
+    click(0);
+    press(Qt::Key_Return);
+    EXPECT_TRUE(large.file());
+    press(Qt::Key_1, Qt::ControlModifier);
+    EXPECT_FALSE(large.file());
+    EXPECT_TRUE(view<QListView>().hasFocus());
 }
 
 TEST_F(ShelfWindowTest, MovesToTheTrashAfterAsking) {
@@ -328,18 +342,35 @@ TEST_F(ShelfWindowTest, MovesToTheTrashAfterAsking) {
 }
 
 TEST_F(ShelfWindowTest, SaysWhatCouldNotBeMovedToTheTrash) {
-    picture("gone.png");
+    for (const char* name : {"gone.png", "kept.png"})
+        picture(name);
     open();
-    click(0);
-    fs::remove(folder.path / "gone.png");
-    press(Qt::Key_Delete);
-    answer("Move to Trash");
-    std::string said;
-    EXPECT_TRUE(comes([&] {
-        said = answer("Close");
-        return said != "nothing is asked";
-    }));
-    EXPECT_EQ(said, "1 picture could not be moved to the trash.");
+    press(Qt::Key_A, Qt::ControlModifier);
+    const std::string before = std::getenv("XDG_DATA_HOME");
+    write("file", "");
+    const struct {
+        std::string dataHome, said;
+        std::size_t left;
+    } table[] = {
+        {folder.path / "file/data", "2 pictures could not be moved to the trash.", 2},
+        {folder.path / "file", "2 pictures could not be moved to the trash.", 2},
+        {before, "1 picture could not be moved to the trash.", 1},
+    };
+    for (const auto& row : table) {
+        ::setenv("XDG_DATA_HOME", row.dataHome.c_str(), 1);
+        if (row.left == 1)
+            fs::remove(folder.path / "gone.png");
+        press(Qt::Key_Delete);
+        answer("Move to Trash");
+        std::string said;
+        EXPECT_TRUE(comes([&] {
+            said = answer("Close");
+            return said != "nothing is asked";
+        }));
+        EXPECT_EQ(said, row.said);
+        EXPECT_EQ(titles().size(), row.left);
+        EXPECT_EQ(fs::exists(folder.path / "kept.png"), row.left == 2);
+    }
 }
 
 TEST_F(ShelfWindowTest, ExportsAndCancels) {
@@ -427,39 +458,41 @@ TEST_F(ShelfWindowTest, ToolsFollowTheSelection) {
     }
 }
 
-/// Run by the next test in a process of its own.
-TEST(ShelfSettings, DISABLED_areChanged) {
-    auto& settings = *NSUserDefaults::standardUserDefaults();
-    settings[ShelfSettings::view] = ViewKind::table;
-    settings[ShelfSettings::isAscending] = false;
-    settings[ShelfSettings::showsSidebar] = false;
-}
-
 TEST_F(ShelfWindowTest, FollowsTheSettingsOfAnotherProcess) {
     for (const char* name : {"a.png", "b.png"})
         picture(name);
     open();
     click(1);
     const Outcome outcome =
-        run({fs::read_symlink("/proc/self/exe"), "--gtest_brief=1",
-             "--gtest_also_run_disabled_tests", "--gtest_filter=ShelfSettings.*"});
-    ASSERT_EQ(outcome.status, 0) << outcome.output;
+        run({SETTINGS_PROGRAM, NSUserDefaults::standardUserDefaults()->domainName()});
+    ASSERT_EQ(outcome.status, 0) << outcome.errors;
     EXPECT_TRUE(comes([&] { return titles() == Names{"b.png", "a.png"}; }));
     EXPECT_EQ(selected(), Names{"b.png"});
     EXPECT_TRUE(view<QTableView>().isVisible());
     EXPECT_EQ(host->widget().findChild<QSplitter*>()->sizes()[0], 0);
     // They are kept for the next start, and so are those of this window.
+    const auto sidebarWidth = [&] { return host->widget().findChild<QSplitter*>()->sizes()[0]; };
     view<QTableView>().horizontalHeader()->sectionClicked(1);
     choose("Sidebar");
+    EXPECT_GT(sidebarWidth(), 0);
+    shelf->window()->close();
     end();
     open();
     EXPECT_TRUE(view<QTableView>().isVisible());
-    EXPECT_GT(host->widget().findChild<QSplitter*>()->sizes()[0], 0);
+    EXPECT_GT(sidebarWidth(), 0);
+    // Dragged shut it stays so until it is asked for.
+    static_cast<NSSplitView&>(*shelf->window()->contentView()).setPosition(0, 0);
+    shelf->setView(ViewKind::grid);
+    settle();
+    EXPECT_EQ(sidebarWidth(), 0);
+    choose("Sidebar");
+    EXPECT_GT(sidebarWidth(), 0);
     EXPECT_EQ(NSUserDefaults::standardUserDefaults()->value(ShelfSettings::order),
               PictureOrder::date);
 }
 
 TEST_F(ShelfWindowTest, ThumbnailsKeepToTheirBound) {
+    open();                                               // with which Qt runs the main queue
     constexpr std::int64_t most = 300 * 1024, side = 100; // seven of them
     const auto thumbnails = Thumbnails::create(most);
     thumbnails->setSide(side);

@@ -39,7 +39,7 @@ std::shared_ptr<Album> Album::create(std::function<void()> didChange) {
     return album;
 }
 
-/// Told of as one change.
+/// Told of as one change, once the views have followed all of it.
 void Album::change(const std::function<void()>& steps) {
     ++depth_;
     steps();
@@ -109,7 +109,7 @@ void Album::setOrder(PictureOrder order, bool isAscending) {
         return;
     order_ = order;
     isAscending_ = isAscending;
-    sort();
+    change([this] { sort(); });
 }
 
 void Album::sort() {
@@ -121,12 +121,12 @@ void Album::sort() {
 
 void Album::setSearch(std::string text) {
     search_ = lowercased(text);
-    refilter();
+    change([this] { refilter(); });
 }
 
 void Album::setFilter(Filter filter) {
     filter_ = std::move(filter);
-    refilter();
+    change([this] { refilter(); });
 }
 
 void Album::refilter() {

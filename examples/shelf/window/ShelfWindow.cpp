@@ -50,7 +50,7 @@ void ShelfWindow::start() {
     closing_->setName(NSNotificationName(NSWindow::willCloseNotification));
     closing_->setObject(window_);
     closing_->subscribe(shared_from_this(), [](const auto& shelf, const Notification&) {
-        shelf->saveSidebarWidth();
+        shelf->saveSidebar();
         shelf->cancelExport();
     });
     observation_ = settings_->follow([self](const std::vector<std::string>&) {
@@ -111,6 +111,8 @@ void ShelfWindow::makeMenu() {
     addToMenu("Export…", &ShelfWindow::chooseExportFolder, "e", true);
     addToMenu("Move to Trash", &ShelfWindow::moveToTrash, "\x7f", true);
     menu_->addItem(NSMenuItem::separatorItem());
+    addToMenu("Grid", &ShelfWindow::showGrid, "1");
+    addToMenu("Table", &ShelfWindow::showTable, "2");
     addToMenu("Larger", &ShelfWindow::zoomIn, "+");
     addToMenu("Smaller", &ShelfWindow::zoomOut, "-");
     addToMenu("Sidebar", &ShelfWindow::toggleSidebar, "b");
@@ -176,7 +178,7 @@ void ShelfWindow::makeToolbar() {
 
     const auto selectionCount = [album = album_] { return album->pictures()->selection().count(); };
     toolbar_->addItemSet([large = large_] { return large->file() != nullptr; })
-        ->setItems({sidebar, separator, back, space, copies, trash, more});
+        ->setItems({sidebar, separator, back, space, copies, trash, more, search});
     toolbar_->addItemSet([=] { return selectionCount() == 1; })
         ->setItems({sidebar, separator, view, order, space, open, copies, trash, more, search});
     toolbar_->addItemSet([=] { return selectionCount() > 1; })
@@ -203,7 +205,7 @@ void ShelfWindow::find() { window_->makeFirstResponder(searchField_); }
 
 void ShelfWindow::setView(ViewKind kind) {
     (*settings_)[ShelfSettings::view] = kind;
-    followSettings();
+    isLarge() ? close() : followSettings();
 }
 
 void ShelfWindow::setOrder(PictureOrder order, bool isAscending) {
@@ -218,21 +220,25 @@ void ShelfWindow::zoom(double by) {
 }
 
 void ShelfWindow::toggleSidebar() {
-    saveSidebarWidth();
-    (*settings_)[ShelfSettings::showsSidebar] = split_->position(0) == 0;
+    saveSidebar();
+    const bool shows = split_->position(0) == 0;
+    showsSidebar_ = !shows; // whatever it was before it was dragged
+    (*settings_)[ShelfSettings::showsSidebar] = shows;
     followSettings();
 }
 
-void ShelfWindow::saveSidebarWidth() {
-    if (const double width = split_->position(0).value_or(0); width > 0)
+void ShelfWindow::saveSidebar() {
+    const double width = split_->position(0).value_or(0);
+    (*settings_)[ShelfSettings::showsSidebar] = width > 0;
+    if (width > 0)
         (*settings_)[ShelfSettings::sidebarWidth] = width;
 }
 
 void ShelfWindow::showSidebar(bool shows) {
-    const bool isShown = split_->position(0).value_or(0) > 0;
+    if (shows == std::exchange(showsSidebar_, shows))
+        return;
     const double width = settings_->value(ShelfSettings::sidebarWidth);
-    if (isShown != shows)
-        split_->setPosition(shows ? std::max(width, leastSidebar) : 0, 0);
+    split_->setPosition(!shows ? 0 : width > leastSidebar ? width : leastSidebar, 0);
 }
 
 void ShelfWindow::followSettings() {
@@ -248,12 +254,21 @@ void ShelfWindow::followSettings() {
     showSidebar(settings_->value(ShelfSettings::showsSidebar));
     const auto kind = settings_->value(ShelfSettings::view);
     viewGroup_->setSelectedIndex(kind == ViewKind::table ? 1 : 0);
-    if (isLarge())
+    if (!isLarge())
+        showView(kind);
+}
+
+void ShelfWindow::showView(ViewKind kind) {
+    if (stage_->shown() == views_->scrollView(kind))
         return;
-    const bool hadKeyboard = window_->firstResponder() != searchField_;
+    // Unless the person is somewhere else, in the search field or in the sidebar.
+    const auto keyboard = window_->firstResponder();
+    const bool takesKeyboard = !keyboard || keyboard == large_ ||
+                               keyboard == views_->view(ViewKind::grid) ||
+                               keyboard == views_->view(ViewKind::table);
     stage_->show(views_->scrollView(kind));
     views_->scrollToSelection();
-    if (hadKeyboard)
+    if (takesKeyboard)
         window_->makeFirstResponder(views_->view(kind));
 }
 
@@ -352,7 +367,9 @@ void ShelfWindow::moveToTrash() {
             });
         });
     };
-    desktop::ask("Move " + what + " to the trash?", "You can take it back from there.",
+    desktop::ask("Move " + what + " to the trash?",
+                 files.size() == 1 ? "You can take it back from there."
+                                   : "You can take them back from there.",
                  "Move to Trash", trash);
 }
 

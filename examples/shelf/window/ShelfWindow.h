@@ -65,14 +65,17 @@ private:
     void search(zorvan::NSSearchField& field);
     void chooseView(zorvan::NSToolbarItemGroup& group);
     void chooseOrder(zorvan::NSToolbarItemGroup& group);
+    void showGrid() { setView(ViewKind::grid); }
+    void showTable() { setView(ViewKind::table); }
     void zoomIn() { zoom(1.25); }
     void zoomOut() { zoom(0.8); }
 
     void followSettings();
     void followAlbum();
     void followExport();
-    void saveSidebarWidth();
+    void saveSidebar();
     void showSidebar(bool shows);
+    void showView(ViewKind kind);
     void step(std::int64_t by);
     void forget(const Album::Files& trashed);
     std::string status() const;
@@ -100,5 +103,6 @@ private:
     std::shared_ptr<Export> export_;
     std::shared_ptr<zorvan::SettingsObservation> observation_;
     std::shared_ptr<zorvan::NoteSubscriber> closing_;
-    double thumbnailSize_ = 0;
+    double thumbnailSize_ = 0;         // as shown
+    std::optional<bool> showsSidebar_; // as it was last set, which a person may have changed since
 };

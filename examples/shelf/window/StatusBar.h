@@ -38,6 +38,8 @@ public:
 
     /// In place of the one before.
     void show(const std::shared_ptr<zorvan::NSView>& view);
+    /// Null at first.
+    const std::shared_ptr<zorvan::NSView>& shown() const { return shown_; }
 
     void layout() override;
 

@@ -1,10 +1,13 @@
 #include "desktop.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <utility>
 
 namespace desktop {
@@ -54,7 +57,14 @@ void chooseFolder(const std::string& title, std::function<void(const std::string
 }
 
 bool moveToTrash(const std::string& path) {
-    return QFile::moveToTrash(QFile::decodeName(QByteArray::fromStdString(path)));
+    const QString home = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    const QString trash = home + "/Trash";
+    // Qt makes the trash where it is missing, but not the folder that it stands in; and where it
+    // can make none, the one that the program was started in would become it.
+    QDir().mkpath(home);
+    const QFileInfo place(QFileInfo::exists(trash) ? trash : home);
+    return place.isDir() && place.isWritable() &&
+           QFile::moveToTrash(QFile::decodeName(QByteArray::fromStdString(path)));
 }
 
 } // namespace desktop

@@ -1,6 +1,7 @@
 #include <tests/Testing.h>
 
 #include <zorvan/platform/foundation/LibraryLog.h>
+#include <zorvan/platform/foundation/internal/functionBeside.h>
 
 namespace {
 
@@ -69,6 +70,12 @@ TEST_F(LibraryLogTest, EachEntryReachesOneHandlerWhileTheyChange) {
     speaker.join();
     EXPECT_EQ(first + second, entries);
     EXPECT_EQ(GetCapturedStderr(), "");
+}
+
+TEST_F(LibraryLogTest, NamesALibraryThatCannotBeLoadedButNotOneThatWasNotBuilt) {
+    EXPECT_EQ(internal::functionBeside("", "function"), nullptr);
+    EXPECT_EQ(internal::functionBeside("libzorvan-none.so", "function"), nullptr);
+    EXPECT_THAT(GetCapturedStderr(), testing::MatchesRegex("[^\n]*/libzorvan-none.so: [^\n]*\n"));
 }
 
 } // namespace

@@ -73,6 +73,7 @@ protected:
     virtual void open(const QModelIndex& index) = 0;
     /// The mouse went down there; the index is invalid outside of all.
     virtual void pressed(const QModelIndex& index, QPoint at) = 0;
+
     // Dragging: what a drag of an index carries out of the window or to another place; and where,
     // in the viewport, something is dropped.
 
@@ -187,16 +188,19 @@ protected:
 
     void dragLeaveEvent(QDragLeaveEvent*) override { endDrop(); }
 
+    /// Told once Qt has done with the drop, since whoever is told may close the window.
     void dropEvent(QDropEvent* event) override {
-        const auto keptAlive = view_;
-        const bool isOwn = isSource_;
         endDrop();
         event->accept();
-        const QPoint at = event->position().toPoint();
-        if (isOwn)
-            selectionDropped(at);
-        else
-            urlsDropped(urlsOf(*event->mimeData()), at);
+        const auto tell = [this, keptAlive = view_, isOwn = isSource_,
+                           urls = urlsOf(*event->mimeData()),
+                           at = event->position().toPoint()]() noexcept {
+            if (isOwn)
+                selectionDropped(at);
+            else
+                urlsDropped(urls, at);
+        };
+        QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
     }
 
     void paintEvent(QPaintEvent* event) override {

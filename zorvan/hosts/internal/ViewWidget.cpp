@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -138,6 +139,8 @@ QRect aligned(const QRect& part, double scale) {
 } // namespace
 
 void ViewWidget::paintView(const NSView& view, QWidget& widget, const QRect& changed) {
+    if (typeid(view) == typeid(NSView))
+        return; // which draws nothing
     const double scale = widget.devicePixelRatioF();
     const QRect part = aligned(changed, scale);
     const auto pixels = [scale](int length) {
@@ -234,10 +237,14 @@ void ViewWidget::dragEnterEvent(QDragEnterEvent* event) {
     event->setAccepted(!urls.empty() && askSafely([&] { return view_->acceptsDrop(urls); }));
 }
 
+/// Told once Qt has done with the drop, since whoever is told may close the window.
 void ViewWidget::dropEvent(QDropEvent* event) {
-    const auto keptAlive = view_;
     event->accept();
-    keptAlive->urlsDropped(urlsOf(*event->mimeData()), toView(*keptAlive, event->position()));
+    const auto tell = [view = view_, urls = urlsOf(*event->mimeData()),
+                       at = toView(*view_, event->position())]() noexcept {
+        view->urlsDropped(urls, at);
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
 void openContextMenu(const std::shared_ptr<NSView>& view, QWidget& widget,

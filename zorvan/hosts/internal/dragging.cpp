@@ -45,7 +45,8 @@ QPixmap limited(const QPixmap& picture) {
 
 void dragLater(std::unique_ptr<QMimeData> data, QPixmap shown, std::function<void()> ended) {
     // Files stay where they are: a file manager that may move them does.
-    const Qt::DropAction action = data->hasUrls() ? Qt::CopyAction : Qt::MoveAction;
+    const bool isCopied = data->hasUrls() || data->hasImage();
+    const Qt::DropAction action = isCopied ? Qt::CopyAction : Qt::MoveAction;
     // Qt looks at the drag once more when it has ended; where it began may have gone by then.
     auto* const drag = new QDrag(qApp);
     drag->setMimeData(data.release());
