@@ -134,6 +134,18 @@ TEST(Processes, NoticeEachOthersWrites) {
     EXPECT_TRUE(other.end());
 }
 
+// Also while the thread that follows the database is about to open it again after the fork.
+TEST(Processes, ReadWhatWasWrittenBefore) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "a.settings";
+    const auto database = SettingsDatabase::open(path);
+    const auto following = database->follow([](const auto&) {});
+    for (std::int64_t n = 0; n < 200; ++n) {
+        ASSERT_TRUE(inChild([&] { return SettingsDatabase::open(path)->set("n", n); }));
+        ASSERT_EQ(integer(*database, "n"), n);
+    }
+}
+
 // As in a sandbox, which shows a process what it may not touch.
 TEST(Processes, FollowWritersWhereTheyMayOnlyRead) {
     const TemporaryFolder folder;

@@ -187,9 +187,21 @@ void SettingsDatabase::Core::close() {
     {
         const std::lock_guard hold(holding_);
         stampAddress_ = nullptr;
-        isParked_ = false;
     }
     file_.reset();
+}
+
+/// Meanwhile readers wait, so that nobody reads what was there before.
+void SettingsDatabase::Core::reopen() {
+    setParked(true);
+    close();
+    open();
+    setParked(false);
+}
+
+void SettingsDatabase::Core::setParked(bool isParked) {
+    const std::lock_guard hold(holding_);
+    isParked_ = isParked;
 }
 
 /// Whether there is a file that can be written; tries to get one when that failed before.
@@ -201,20 +213,16 @@ bool SettingsDatabase::Core::makeWritable(bool atOnce) {
     reopenIfReplaced();
     if (file_ && file_->isWritable())
         return true;
-    if (atOnce || !lastAttempt_ || Clock::now() - *lastAttempt_ >= betweenAttempts) {
-        close();
-        open();
-    }
+    if (atOnce || !lastAttempt_ || Clock::now() - *lastAttempt_ >= betweenAttempts)
+        reopen();
     if (file_ && !file_->isWritable())
         note(std::string("it cannot be written") + keptInMemory);
     return file_ && file_->isWritable();
 }
 
 void SettingsDatabase::Core::reopenIfReplaced() {
-    if (!file_ || file_->isInPlace())
-        return;
-    close();
-    open();
+    if (file_ && !file_->isInPlace())
+        reopen();
 }
 
 // Writing.

@@ -86,6 +86,8 @@ private:
     void compact(const std::vector<std::int64_t>& waste);
     void open();
     void close();
+    void reopen();
+    void setParked(bool isParked);
     void park();
     void unpark();
     bool begin();
@@ -130,7 +132,7 @@ private:
     internal::SettingsMemory memory_;
     const void* stampAddress_ = nullptr;
     privatestore::WALStamp seen_;
-    bool isParked_ = false;                  // the file is closed until it is used
+    bool isParked_ = false;                  // the file has to be opened before anything is read
     std::optional<Transaction> transaction_; // changed with `using_` held
     bool isForkedWithin_ = false;            // a transaction, during a fork
     std::optional<std::string> problem_;

@@ -83,18 +83,18 @@ bool SettingsDatabase::Core::hasEnded() noexcept { return Process::shared().hasE
 void SettingsDatabase::Core::park() {
     if (!file_ || !isOwnProcess())
         return;
+    setParked(true);
     close();
-    const std::lock_guard hold(holding_);
-    isParked_ = true;
 }
 
 void SettingsDatabase::Core::unpark() {
     {
         const std::lock_guard hold(holding_);
-        if (!std::exchange(isParked_, false))
+        if (!isParked_)
             return;
     }
     open();
+    setParked(false);
     watch();
 }
 
