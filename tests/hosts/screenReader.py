@@ -1,4 +1,4 @@
-"""Reads the gallery's window as a screen reader does, through the desktop's accessibility bus.
+"""Reads the windows of the gallery and of shelf as a screen reader does, through the desktop's accessibility bus.
 
 The screen, the session's bus and the accessibility bus are the test's own, so that it neither needs
 nor disturbs those of whoever runs it. Keys go through the X server.
@@ -65,26 +65,108 @@ def descendants(node):
             yield from descendants(child)
 
 
-def read_gallery(program, screen):
-    import gi
-    gi.require_version("Atspi", "2.0")
-    from gi.repository import Atspi, GLib
+def window_of(process, title):
+    """The window of a program once the accessibility bus has it."""
+    from gi.repository import Atspi
 
-    Atspi.init()
-    gallery = start(program)
-
-    def window():
-        check("the gallery's end", gallery.poll(), None)
+    def look():
+        check("the program's end", process.poll(), None)
         desktop = Atspi.get_desktop(0)
         for i in range(desktop.get_child_count()):
             application = desktop.get_child_at_index(i)
-            if application and application.get_process_id() == gallery.pid:
+            if application and application.get_process_id() == process.pid:
                 for node in descendants(application):
-                    if node.get_role_name() in ("frame", "window") and node.get_name() == "Gallery":
+                    if node.get_role_name() in ("frame", "window") and node.get_name() == title:
                         return node
         return None
+    return wait_for("the window " + title, look)
 
-    shown = wait_for("the window", window)
+
+def give_keyboard(title):
+    subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", "^" + title + "$",
+                    "windowfocus", "--sync"], check=True, stdout=subprocess.DEVNULL)
+
+
+def press_keys(*keys):
+    subprocess.run(["xdotool", "key", *keys], check=True)
+
+
+def read_shelf(program, folder):
+    """A collection, a table, a tree and their selections, with the keyboard alone."""
+    from gi.repository import Atspi, GLib
+
+    heard = []  # from the program's start on, which is told whom to tell
+    listener = Atspi.EventListener.new(
+        lambda event: heard.append((event.type.split(":")[2], event.source.get_name())))
+    listener.register("object:state-changed:focused")
+    listener.register("object:state-changed:selected")
+    shelf = start(program, "-r", folder)
+    shown = window_of(shelf, os.path.basename(folder))
+
+    def named(role, name):
+        return next((node for node in descendants(shown)
+                     if node.get_role_name() == role and node.get_name() == name), None)
+
+    def names(role, name, part, state=None):
+        """The names of the parts of something, of those that have a state."""
+        whole = named(role, name)
+        if not whole:
+            return None
+        whole.clear_cache()
+        return [node.get_name() for node in descendants(whole) if node.get_role_name() == part
+                and (state is None or node.get_state_set().contains(state))]
+
+    def expect(what, wanted, *where):
+        wait_for(what, lambda: names(*where) == wanted)
+
+    selected = Atspi.StateType.SELECTED
+    wait_for("the pictures", lambda: len(names("list", "Pictures", "list item") or []) == 40)
+    give_keyboard(os.path.basename(folder))
+    press_keys("Home", "shift+Right")
+    expect("selected pictures", ["alpha.png", "cmyk.jpg"], "list", "Pictures", "list item", selected)
+
+    def told():
+        while GLib.MainContext.default().iteration(False):
+            pass
+        return {("focused", "cmyk.jpg"), ("selected", "alpha.png")} <= set(heard)
+    wait_for("word of the current item and of the selection", told)
+
+    # The table has the same list, and its columns.
+    press_keys("ctrl+2")
+    expect("the columns", ["Name", "Date", "Size", "Kind", "Folder"], "table", "Pictures",
+           "table column header")
+    rows = names("table", "Pictures", "table cell", selected)
+    check("selected rows", [rows[0], rows[5]], ["alpha.png", "cmyk.jpg"])
+    press_keys("ctrl+f")
+    subprocess.run(["xdotool", "type", "irot"], check=True)
+    wait_for("the filter", lambda: [name for name in names("table", "Pictures", "table cell")
+                                    if name.endswith(".heic")] ==
+             ["irot-180.heic", "irot-against-exif.heic", "irot-and-exif.heic", "irot-imir.heic",
+              "irot.heic"])
+
+    # The tree closes and opens.
+    tree = named("tree", "What is shown")
+
+    def reached():
+        press_keys("Tab")
+        time.sleep(0.1)
+        tree.clear_cache()
+        return tree.get_state_set().contains(Atspi.StateType.FOCUSED)
+    wait_for("the tree, by Tab", reached)
+    press_keys("Home", "Down", "Left")
+    expanded = Atspi.StateType.EXPANDED
+    expect("a closed branch", ["Kinds"], "tree", "What is shown", "table cell", expanded)
+    press_keys("Right")
+    expect("an open branch", ["Folders", "Kinds"], "tree", "What is shown", "table cell", expanded)
+    shelf.terminate()
+    shelf.wait()
+
+
+def read_gallery(program, screen):
+    from gi.repository import Atspi, GLib
+
+    gallery = start(program)
+    shown = window_of(gallery, "Gallery")
 
     def named(name, role):
         def look():
@@ -130,8 +212,7 @@ def read_gallery(program, screen):
     check("level", level.get_description(), "50 %")
 
     # Keys through the X server: into the search field that has the keyboard, with its caret.
-    subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", "^Gallery$",
-                    "windowfocus", "--sync"], check=True, stdout=subprocess.DEVNULL)
+    give_keyboard("Gallery")
     field = next(node for node in descendants(shown)
                  if node.get_role_name() == "text" and node.get_name() == "Search")
     check("focus", field.get_component_iface().grab_focus(), True)
@@ -139,9 +220,9 @@ def read_gallery(program, screen):
     subprocess.run(["xdotool", "type", "abc"], check=True)
     wait_for("the text", lambda: Atspi.Text.get_text(field, 0, -1) == "abc")
     check("caret", Atspi.Text.get_caret_offset(field), 3)
-    subprocess.run(["xdotool", "key", "Left"], check=True)
+    press_keys("Left")
     wait_for("the caret", lambda: Atspi.Text.get_caret_offset(field) == 2)
-    subprocess.run(["xdotool", "key", "Tab"], check=True)
+    press_keys("Tab")
     wait_for("Tab", lambda: not has(field, Atspi.StateType.FOCUSED))
 
     # A screen that goes takes the program with it, which ends by itself.
@@ -152,7 +233,14 @@ def read_gallery(program, screen):
 def main():
     with tempfile.TemporaryDirectory() as home:
         try:
-            read_gallery(sys.argv[1], set_up(home))
+            screen = set_up(home)
+            import gi
+            gi.require_version("Atspi", "2.0")
+            from gi.repository import Atspi
+            Atspi.init()
+            gallery, shelf, pictures = sys.argv[1:]
+            read_shelf(shelf, pictures)
+            read_gallery(gallery, screen)
         finally:
             for process in reversed(processes):
                 try:

@@ -380,4 +380,29 @@ void CollectionWidget::letGoOfOthers(const std::vector<QModelIndex>& inSight) {
     view_->keepViews(paths);
 }
 
+// What a screen reader is told
+
+void CollectionWidget::announce(QAccessible::Event event, const QModelIndex& index) {
+    if (!index.isValid() || !QAccessible::isActive())
+        return;
+    QAccessibleEvent told(this, event);
+    told.setChild(index.row());
+    QAccessible::updateAccessibility(&told);
+}
+
+void CollectionWidget::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    HostedItemView::currentChanged(current, previous);
+    if (hasFocus())
+        announce(QAccessible::Focus, current);
+}
+
+void CollectionWidget::selectionChanged(const QItemSelection& selected,
+                                        const QItemSelection& deselected) {
+    HostedItemView::selectionChanged(selected, deselected);
+    if (!deselected.isEmpty())
+        announce(QAccessible::SelectionRemove, deselected.first().topLeft());
+    if (!selected.isEmpty())
+        announce(QAccessible::SelectionAdd, selected.first().topLeft());
+}
+
 } // namespace zorvan::internal

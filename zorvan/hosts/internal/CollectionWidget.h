@@ -3,6 +3,7 @@
 #include <zorvan/hosts/internal/CollectionModel.h>
 #include <zorvan/hosts/internal/HostedItemView.h>
 
+#include <QAccessible>
 #include <QListView>
 #include <optional>
 #include <utility>
@@ -59,9 +60,15 @@ protected:
     void rowsInserted(const QModelIndex& parent, int start, int end) override;
     void rowsAboutToBeRemoved(const QModelIndex& parent, int start, int end) override;
     bool isIndexHidden(const QModelIndex&) const override { return false; }
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected,
+                          const QItemSelection& deselected) override;
 
 private:
     class Mirror;
+
+    /// Qt's list announces items by places that it has not laid out itself.
+    void announce(QAccessible::Event event, const QModelIndex& index);
 
     /// What of the content a part of the viewport shows.
     CGRect contentOf(const QRect& part) const;
