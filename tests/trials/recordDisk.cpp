@@ -1,5 +1,6 @@
 #include "DiskRecord.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QPainter>
 #include <QStyleOptionRubberBand>
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
