@@ -135,7 +135,7 @@ Data runLengths(const Numbered& picture, bool isWide) {
         const std::uint8_t* const row = picture.numbers.data() + y * width;
         const auto repeat = [&](std::size_t x, std::uint64_t count) {
             append(result, count, 1);
-            append(result, isWide ? row[x] : row[x] << 4 | row[x], 1);
+            append(result, isWide ? row[x] : row[x] * 0x11u, 1);
         };
         if (y % 3 == 0) {
             repeat(0, width / 2);
@@ -143,7 +143,7 @@ Data runLengths(const Numbered& picture, bool isWide) {
         } else if (y % 3 == 1) {
             append(result, 0x0500, 2); // five in the open
             for (std::size_t x = 0; x < 5; x += isWide ? 1 : 2)
-                append(result, isWide ? row[x] : row[x] << 4 | row[x + 1], 1);
+                append(result, isWide ? row[x] : row[x] * 0x10u + row[x + 1], 1);
             append(result, 0, 1); // filled up to an even length
             repeat(5, width / 2 - 5);
             repeat(width / 2, width / 2 + 3); // beyond the edge

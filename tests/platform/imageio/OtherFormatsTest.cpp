@@ -89,7 +89,7 @@ TEST(OtherFormats, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
     Data bmp = bmpOf(quarters());
     for (std::size_t i = 0; i < 4; ++i)
         gif[6 + i] = std::byte{0xFF};
-    for (const std::size_t at : {18, 22})
+    for (const std::size_t at : {18u, 22u})
         bmp[at + 3] = std::byte{0x7F};
     const Data svg = bytesOf("<svg xmlns='http://www.w3.org/2000/svg' width='9e9' height='9e9'/>");
     for (const Data& bytes : {gif, bmp, svg}) {
