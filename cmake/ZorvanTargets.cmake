@@ -76,6 +76,8 @@ function(zorvan_library component)
   zorvan_library_name(${component} library)
   add_library(${component} ${arg_SOURCES})
   add_library(Zorvan::${component} ALIAS ${component})
+  # Toolkits name all that they stand on, which only some compilers leave out by themselves.
+  target_link_options(${component} PRIVATE -Wl,--as-needed)
   set_target_properties(${component} PROPERTIES
     OUTPUT_NAME ${library} VERSION ${PROJECT_VERSION}
     # Before 1.0 a minor version may change the binary interface.
