@@ -124,7 +124,7 @@ int main(int argc, char** argv) {
     addButton("Add", "plus", &AddressBook::add);
     book->removal = addButton("Remove", "trash", &AddressBook::remove);
     book->removal->setKeyEquivalent("\x7f"); // the Delete key
-    toolbar->addItem({.identifier = std::string(NSToolbarFlexibleSpaceItemIdentifier)});
+    toolbar->addItem({.identifier = NSToolbarFlexibleSpaceItemIdentifier});
     toolbar->addItem({.createSearchField = [&](SearchFieldSettings& settings) {
         settings.placeholderString = "Name or town";
         settings.action = Selector("search", &AddressBook::search);

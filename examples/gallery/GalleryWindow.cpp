@@ -183,7 +183,7 @@ void GalleryWindow::fillToolbar() {
         settings.imageSize = CGSize(16, 16);
         settings.selectionMode = NSToolbarItemGroup::SelectionMode::momentary;
     }});
-    toolbar_->addItem({.identifier = std::string(NSToolbarFlexibleSpaceItemIdentifier)});
+    toolbar_->addItem({.identifier = NSToolbarFlexibleSpaceItemIdentifier});
     toolbar_->addItem({.createMenuButton = [](MenuButtonSettings& settings) {
         settings.displayName = "More";
         settings.imageName = "ellipsis";
@@ -204,7 +204,7 @@ void GalleryWindow::fillTouchBar(std::function<void(double)> change) {
             settings.minimumWidth = 90;
             settings.action = Selector("change", [change, by] { change(by); });
         }});
-    touchBar_->addItem({.identifier = std::string(NSTouchBarItemIdentifierFlexibleSpace)});
+    touchBar_->addItem({.identifier = NSTouchBarItemIdentifierFlexibleSpace});
     touchBar_->addItem({.createButton = [](DynamicTouchBarItemButtonSettings& settings) {
         settings.title = "Done";
         settings.bezelColor = hex("#2563EB");

@@ -13,15 +13,10 @@
 
 using zorvan::ImageExportFormat;
 
-const char* const helpText =
-    R"(Usage: shelf [OPTIONS] PATH...
-       shelf settings DOMAIN    (prints a domain of settings as XML)
+namespace {
 
-Lists pictures and movies, makes a contact sheet of them, or writes smaller
-copies of them; a movie stands there as one of its pictures.
-A PATH is a picture, a movie, or a folder of them.
-
-Which pictures:
+const std::string whichPictures =
+    R"(Which pictures:
   -r, --recursive     also those in sub-folders
       --hidden        also hidden ones, whose name begins with a dot
       --packages      also those inside packages, folders that count as one file
@@ -29,7 +24,20 @@ Which pictures:
       --type TYPE     only this type: an extension (jpg) or an identifier
                       (public.jpeg); give it several times for several types
 
-A contact sheet:
+)";
+
+} // namespace
+
+std::string helpText() {
+    return R"(Usage: shelf [OPTIONS] PATH...
+       shelf settings DOMAIN    (prints a domain of settings as XML)
+
+Lists pictures and movies, makes a contact sheet of them, or writes smaller
+copies of them; a movie stands there as one of its pictures.
+A PATH is a picture, a movie, or a folder of them.
+
+)" + whichPictures +
+           R"(A contact sheet:
   -o, --output SHEET  write it here, in the format of its extension: png, jpg,
                       tiff or heic
       --columns N     pictures in a row (default: for a nearly square sheet)
@@ -53,25 +61,20 @@ The exit status is 0 when all went well, also when some pictures are unreadable;
 1 when something could not be written; 2 when the command line makes no sense or
 names what does not exist.
 )";
+}
 
-const char* const windowHelpText =
-    R"(Usage: shelf-window [OPTIONS] PATH...
+std::string windowHelpText() {
+    return R"(Usage: shelf-window [OPTIONS] PATH...
 
 Shows pictures and movies in a window.
 A PATH is a picture, a movie, or a folder of them.
 
-Which pictures:
-  -r, --recursive     also those in sub-folders
-      --hidden        also hidden ones, whose name begins with a dot
-      --packages      also those inside packages, folders that count as one file
-      --no-links      leave symbolic links out
-      --type TYPE     only this type: an extension (jpg) or an identifier
-                      (public.jpeg); give it several times for several types
-
-      --screenshot FILE   draw the window as a PNG file, without a screen
+)" + whichPictures +
+           R"(      --screenshot FILE   draw the window as a PNG file, without a screen
   -h, --help          this text
       --version       the version
 )";
+}
 
 namespace {
 

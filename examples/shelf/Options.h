@@ -46,5 +46,5 @@ Options parseOptions(const std::vector<std::string>& arguments);
 /// Of `shelf-window`, which knows fewer. Throws `UsageError`.
 Options parseWindowOptions(const std::vector<std::string>& arguments);
 
-extern const char* const helpText;
-extern const char* const windowHelpText;
+std::string helpText();
+std::string windowHelpText();

@@ -13,8 +13,7 @@ using namespace zorvan;
 
 std::optional<Data> encodedCopy(const CGImage& image, ImageExportFormat format) {
     if (format == ImageExportFormat::jpg || format == ImageExportFormat::heic)
-        return image.data(format,
-                          {{std::string(kCGImageDestinationLossyCompressionQuality), 0.85}});
+        return image.data(format, {{kCGImageDestinationLossyCompressionQuality, 0.85}});
     return image.data(format);
 }
 

@@ -111,8 +111,8 @@ int main(int argc, char** argv) {
             return print(settingsAsXML({argv + 2, argv + argc})) ? allWell : notWritten;
         const Options options = parseOptions({argv + 1, argv + argc});
         if (options.help || options.version)
-            return print(options.help ? helpText : "shelf " SHELF_VERSION "\n") ? allWell
-                                                                                : notWritten;
+            return print(options.help ? helpText() : "shelf " SHELF_VERSION "\n") ? allWell
+                                                                                  : notWritten;
         return run(options);
     } catch (const UsageError& problem) {
         complain(std::string(problem.what()) + "\nTry 'shelf --help'.");

@@ -49,7 +49,9 @@ int show(const Options& options) {
 int run(int argc, char** argv) {
     const Options options = parseWindowOptions({argv + 1, argv + argc});
     if (options.help || options.version) {
-        std::fputs(options.help ? windowHelpText : "shelf-window " SHELF_VERSION "\n", stdout);
+        const std::string text =
+            options.help ? windowHelpText() : "shelf-window " SHELF_VERSION "\n";
+        std::fputs(text.c_str(), stdout);
         return 0;
     }
     const auto missing = missingPaths(options);

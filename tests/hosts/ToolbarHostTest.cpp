@@ -31,7 +31,7 @@ protected:
             settings.selectedIndex = 0;
             settings.action = does("o");
         }});
-        bar->addItem({.identifier = std::string(NSToolbarFlexibleSpaceItemIdentifier)});
+        bar->addItem({.identifier = NSToolbarFlexibleSpaceItemIdentifier});
         menuItem = bar->addItem({.createMenuButton = [this](MenuButtonSettings& settings) {
             settings.displayName = "More";
             settings.menu = NSMenu::create();

@@ -157,7 +157,7 @@ TEST_F(DynamicToolbarTest, givesTheFirstItemOfAnIdentifier) {
     bar->setItemSets({});
     bar->addItemSet();
     bar->addItem({.identifier = "missing"});
-    bar->addItem({.identifier = std::string(NSToolbarFlexibleSpaceItemIdentifier)});
+    bar->addItem({.identifier = NSToolbarFlexibleSpaceItemIdentifier});
     add("b");
     bar->reloadDisplayedItems();
     EXPECT_EQ(shown(), (Identifiers{"NSToolbarFlexibleSpaceItem", "b"}));

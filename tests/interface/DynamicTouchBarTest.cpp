@@ -112,7 +112,7 @@ TEST_F(DynamicTouchBarTest, holdsItsViewsInTheWindow) {
     const auto left = bar->addItem<NSView>({.create = [] {
         return NSView::create({0, 0, 60, 20});
     }});
-    bar->addItem({.identifier = std::string(NSTouchBarItemIdentifierFlexibleSpace)});
+    bar->addItem({.identifier = NSTouchBarItemIdentifierFlexibleSpace});
     const auto right = bar->addItem<NSView>({.create = [] {
         return NSView::create({0, 0, 40, 20});
     }});

@@ -11,8 +11,8 @@ const std::string words =
     "several words that are broken into lines between one another and go on and on";
 
 AttributeDictionary attributes(double size = 12, TextAlignment alignment = TextAlignment::left) {
-    return {{std::string(AttributeName::font), TextFont{"DejaVu Sans", size}},
-            {std::string(AttributeName::alignment), alignment}};
+    return {{AttributeName::font, TextFont{"DejaVu Sans", size}},
+            {AttributeName::alignment, alignment}};
 }
 
 /// The pixels that are drawn on, counted from the bottom left.

@@ -1,6 +1,7 @@
 #include "Album.h"
 
 #include "displayText.h"
+#include "observe.h"
 
 #include <zorvan/platform/textservices/Unicode.h>
 
@@ -30,12 +31,11 @@ IndexSet positions(const std::vector<PictureFile::Pointer>& list, const Album::F
 
 std::shared_ptr<Album> Album::create(std::function<void()> didChange) {
     const std::shared_ptr<Album> album(new Album(std::move(didChange)));
-    album->changes_->setName(NSNotificationName(Pictures::didReloadNotification));
-    album->changes_->setObject(album->pictures_);
-    album->changes_->subscribe(album, [](const auto& self, const Notification&) {
-        if (self->depth_ == 0)
-            self->didChange_();
-    });
+    observe(Pictures::didReloadNotification, album->pictures_, album,
+            [](const auto& self, const Notification&) {
+                if (self->depth_ == 0)
+                    self->didChange_();
+            });
     return album;
 }
 

@@ -5,7 +5,6 @@
 #include "Walk.h"
 
 #include <zorvan/collections/ManagedList.h>
-#include <zorvan/observation/NoteSubscriber.h>
 
 #include <functional>
 #include <memory>
@@ -52,8 +51,6 @@ private:
 
     const std::shared_ptr<Pictures> pictures_ = Pictures::create();
     const std::function<void()> didChange_;
-    const std::shared_ptr<zorvan::NoteSubscriber> changes_ =
-        zorvan::NoteSubscriber::create(zorvan::NSNotificationCenter::defaultCenter());
     std::unordered_map<std::string, PictureFile::Pointer> byPath_;
     Files found_;
     PictureOrder order_ = PictureOrder::name;

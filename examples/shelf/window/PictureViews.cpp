@@ -1,6 +1,7 @@
 #include "PictureViews.h"
 
 #include "PictureCell.h"
+#include "observe.h"
 
 #include <zorvan/interface/ManagedListViewReloader.h>
 
@@ -25,16 +26,6 @@ const Column columns[] = {
     {"Kind", 70, [](const PictureFile& file) { return file.kind; }},
     {"Folder", 160, [](const PictureFile& file) { return file.folder; }},
 };
-
-/// Calls `handle` with the object and the notification for as long as the object lives.
-template <class Target, class Handler>
-void observe(std::string_view name, const std::shared_ptr<const void>& of,
-             const std::shared_ptr<Target>& target, Handler handle) {
-    const auto subscriber = NoteSubscriber::create(NSNotificationCenter::defaultCenter());
-    subscriber->setName(NSNotificationName(name));
-    subscriber->setObject(of);
-    subscriber->subscribe(target, handle);
-}
 
 } // namespace
 

@@ -7,7 +7,6 @@
 #include <zorvan/interface/NSCollectionView.h>
 #include <zorvan/interface/NSMenu.h>
 #include <zorvan/interface/NSTableView.h>
-#include <zorvan/observation/NoteSubscriber.h>
 
 #include <functional>
 #include <memory>

@@ -2,6 +2,7 @@
 
 #include "desktop.h"
 #include "displayText.h"
+#include "observe.h"
 
 #include <zorvan/files/NSPasteboard.h>
 #include <zorvan/observation/DispatchQueue.h>
@@ -46,13 +47,11 @@ void ShelfWindow::start() {
     window_->setFrameAutosaveName("Shelf");
     window_->setContentMinSize({420, 240});
     const auto self = weak_from_this();
-    closing_ = NoteSubscriber::create(NSNotificationCenter::defaultCenter());
-    closing_->setName(NSNotificationName(NSWindow::willCloseNotification));
-    closing_->setObject(window_);
-    closing_->subscribe(shared_from_this(), [](const auto& shelf, const Notification&) {
-        shelf->saveSidebar();
-        shelf->cancelExport();
-    });
+    observe(NSWindow::willCloseNotification, window_, shared_from_this(),
+            [](const auto& shelf, const Notification&) {
+                shelf->saveSidebar();
+                shelf->cancelExport();
+            });
     observation_ = settings_->follow([self](const std::vector<std::string>&) {
         if (const auto shelf = self.lock())
             shelf->followSettings();
@@ -161,8 +160,7 @@ void ShelfWindow::makeToolbar() {
     const auto copies =
         addButton("Export", "square.and.arrow.up", &ShelfWindow::chooseExportFolder);
     const auto trash = addButton("Move to Trash", "trash", &ShelfWindow::moveToTrash);
-    const auto space =
-        DynamicToolbarItem::create(std::string(NSToolbarFlexibleSpaceItemIdentifier));
+    const auto space = DynamicToolbarItem::create(NSToolbarFlexibleSpaceItemIdentifier);
     items->addItem({.createMenuButton = [&](MenuButtonSettings& settings) {
         settings.displayName = "More";
         settings.imageName = "ellipsis";

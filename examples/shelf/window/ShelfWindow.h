@@ -102,7 +102,6 @@ private:
     std::unique_ptr<Walk> walk_;
     std::shared_ptr<Export> export_;
     std::shared_ptr<zorvan::SettingsObservation> observation_;
-    std::shared_ptr<zorvan::NoteSubscriber> closing_;
     double thumbnailSize_ = 0;         // as shown
     std::optional<bool> showsSidebar_; // as it was last set, which a person may have changed since
 };

@@ -1,6 +1,7 @@
 #include "Sidebar.h"
 
 #include "displayText.h"
+#include "observe.h"
 
 #include <set>
 #include <utility>
@@ -25,11 +26,8 @@ void Sidebar::start() {
     scrollView_->setDocumentView(outline_);
     outline_->setOutlineDataSource(shared_from_this());
     outline_->selectOnlyRow(0);
-    const auto selections = NoteSubscriber::create(NSNotificationCenter::defaultCenter());
-    selections->setName(NSNotificationName(NSTableView::selectionDidChangeNotification));
-    selections->setObject(outline_);
-    selections->subscribe(shared_from_this(),
-                          [](const auto& self, const Notification&) { self->choose(); });
+    observe(NSTableView::selectionDidChangeNotification, outline_, shared_from_this(),
+            [](const auto& self, const Notification&) { self->choose(); });
 }
 
 void Sidebar::frameDidChange() {

@@ -28,9 +28,9 @@ void drawLine(const std::string& text, const CGRect& in, const NSColor& color,
               TextAlignment alignment) {
     constexpr double height = 17;
     const NSAttributedString line(
-        text, {{std::string(AttributeName::font), TextFont{.family = "sans-serif", .size = 12}},
-               {std::string(AttributeName::foregroundColor), TextColor(color.rgba())},
-               {std::string(AttributeName::alignment), alignment}});
+        text, {{AttributeName::font, TextFont{.family = "sans-serif", .size = 12}},
+               {AttributeName::foregroundColor, TextColor(color.rgba())},
+               {AttributeName::alignment, alignment}});
     drawTruncated(line, {in.minX(), std::round(in.midY() - height / 2), in.width(), height});
 }
 
