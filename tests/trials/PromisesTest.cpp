@@ -10,16 +10,6 @@
 
 #include <csignal>
 
-namespace {
-
-/// A campaign asks for more.
-int count(const char* variable, int unlessAsked) {
-    const char* asked = std::getenv(variable);
-    return asked ? std::atoi(asked) : unlessAsked;
-}
-
-} // namespace
-
 class Promises : public testing::TestWithParam<Store> {};
 
 INSTANTIATE_TEST_SUITE_P(Stores, Promises, testing::ValuesIn(stores().begin(), stores().end()),
@@ -38,14 +28,15 @@ TEST_P(Promises, OutliveThePower) {
                     sayToRecorder(i);
         });
     }
-    const auto seeds = static_cast<std::uint32_t>(2 + count("ZORVAN_DISKS", 2));
+    const auto seeds = static_cast<std::uint32_t>(2 + tries("ZORVAN_DISKS", 2));
     std::int64_t promised = nothing;
+    std::size_t disks = 0;
     for (std::size_t after = 0; after <= events.size(); ++after) {
         if (after > 0 && events[after - 1].kind == DiskEvent::Kind::say)
             promised = static_cast<std::int64_t>(events[after - 1].offset);
         if (promised == nothing && std::string_view(store.name) == "copy")
             continue;
-        for (std::uint32_t seed = 0; seed < seeds; ++seed) {
+        for (std::uint32_t seed = 0; seed < seeds; ++seed, ++disks) {
             const TemporaryFolder left(TemporaryFolder::fastParent());
             restoreDisk(events, {.after = after, .seed = seed}, left.path());
             const pid_t child = startChild(
@@ -55,8 +46,8 @@ TEST_P(Promises, OutliveThePower) {
         }
     }
     EXPECT_GT(promised, 3);
-    std::cout << store.name << ": " << events.size() << " moments, " << events.size() * seeds
-              << " disks, " << promised + 1 << " promises, none broken\n";
+    std::cout << store.name << ": " << events.size() << " moments, " << disks << " disks, "
+              << promised + 1 << " promises, none broken\n";
 }
 
 TEST_P(Promises, OutliveTheProcess) {
@@ -64,7 +55,7 @@ TEST_P(Promises, OutliveTheProcess) {
     const TemporaryFolder folder(TemporaryFolder::fastParent());
     std::mt19937 random(7);
     std::int64_t said = nothing;
-    const int kills = count("ZORVAN_KILLS", 60);
+    const int kills = tries("ZORVAN_KILLS", 60);
     for (int round = 0; round < kills; ++round) {
         int ends[2];
         ASSERT_EQ(::pipe(ends), 0);
@@ -85,7 +76,6 @@ TEST_P(Promises, OutliveTheProcess) {
         while (hear()) {
         }
         ::close(ends[0]);
-        // A hidden list of what is unfinished is all that may be left beside.
         const pid_t checker = startChild([&] { checkStore(store, folder.path(), said); });
         ASSERT_EQ(exitStatus(checker), 0) << "round " << round << ", promised " << said;
     }

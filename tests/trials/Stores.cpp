@@ -146,6 +146,11 @@ void PrintTo(const Store& store, std::ostream* out) { *out << store.name; }
 
 std::span<const Store> stores() { return allStores; }
 
+int tries(const char* variable, int unlessAsked) {
+    const char* asked = std::getenv(variable);
+    return asked ? std::atoi(asked) : unlessAsked;
+}
+
 std::int64_t checkStore(const Store& store, const fs::path& folder, std::int64_t promised) {
     const std::vector<std::int64_t> found = store.found(folder);
     const std::int64_t last = std::ranges::max(found);

@@ -25,6 +25,10 @@ void PrintTo(const Store& store, std::ostream* out);
 /// Settings, secrets, a file that is written in one step, and a folder that is copied over another.
 std::span<const Store> stores();
 
+/// How often something is tried: as the variable of the environment says, by which a campaign asks
+/// for more.
+int tries(const char* variable, int unlessAsked);
+
 /// Expects what is found in the slots to be what was there after some step, that of the number
 /// promised or a later one. Returns its number.
 std::int64_t checkStore(const Store& store, const std::filesystem::path& folder,
