@@ -8,6 +8,7 @@ prints no row."""
 import datetime
 import os
 import re
+import statistics
 import subprocess
 import sys
 
@@ -55,7 +56,7 @@ def rows_of(program, wanted):
 def lines_of(rows):
     pairs = list(results.peers(rows))
     for name, times in rows.items():
-        line = f"{name:<56} {results.shown(results.statistics.median(times)):>10}"
+        line = f"{name:<56} {results.shown(statistics.median(times)):>10}"
         for mine, peer in pairs:
             if peer == name:
                 middle, low, high = results.ratio(rows[mine], times)
@@ -80,10 +81,10 @@ def measure(wanted):
         if lines:
             tables.append((name, lines))
             print("\n== " + name, *lines, sep="\n", flush=True)
-    for name, title in (("batch", "batch of pictures, whole programs"),
-                        ("thumbnails", "thumbnails, whole programs")):
+    for name, script, title in (
+            ("batch", "batch-bench.sh", "batch of pictures, whole programs"),
+            ("thumbnails", "thumbnail-bench.sh", "thumbnails, whole programs")):
         if re.search(wanted, name):
-            script = "batch-bench.sh" if name == "batch" else "thumbnail-bench.sh"
             lines = output_of(os.path.join(ROOT, "scripts", script)).splitlines()
             tables.append((title, lines))
             print("\n== " + title, *lines, sep="\n", flush=True)

@@ -11,6 +11,10 @@ import sys
 import tempfile
 import time
 
+import gi
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi, GLib
+
 processes = []
 
 
@@ -67,8 +71,6 @@ def descendants(node):
 
 def window_of(process, title):
     """The window of a program once the accessibility bus has it."""
-    from gi.repository import Atspi
-
     def look():
         check("the program's end", process.poll(), None)
         desktop = Atspi.get_desktop(0)
@@ -82,6 +84,12 @@ def window_of(process, title):
     return wait_for("the window " + title, look)
 
 
+def take_events():
+    """Has the listeners told of what has come."""
+    while GLib.MainContext.default().iteration(False):
+        pass
+
+
 def give_keyboard(title):
     subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", "^" + title + "$",
                     "windowfocus", "--sync"], check=True, stdout=subprocess.DEVNULL)
@@ -93,8 +101,6 @@ def press_keys(*keys):
 
 def read_shelf(program, folder):
     """A collection, a table, a tree and their selections, with the keyboard alone."""
-    from gi.repository import Atspi, GLib
-
     heard = []  # from the program's start on, which is told whom to tell
     listener = Atspi.EventListener.new(
         lambda event: heard.append((event.type.split(":")[2], event.source.get_name())))
@@ -126,8 +132,7 @@ def read_shelf(program, folder):
     expect("selected pictures", ["alpha.png", "cmyk.jpg"], "list", "Pictures", "list item", selected)
 
     def told():
-        while GLib.MainContext.default().iteration(False):
-            pass
+        take_events()
         return {("focused", "cmyk.jpg"), ("selected", "alpha.png")} <= set(heard)
     wait_for("word of the current item and of the selection", told)
 
@@ -163,8 +168,6 @@ def read_shelf(program, folder):
 
 
 def read_gallery(program, screen):
-    from gi.repository import Atspi, GLib
-
     gallery = start(program)
     shown = window_of(gallery, "Gallery")
 
@@ -200,12 +203,11 @@ def read_gallery(program, screen):
     level = named("Level", "slider")
     check("level", level.get_description(), "40 %")
     heard = []
-    loop = GLib.MainContext.default()
     listener = Atspi.EventListener.new(lambda event: heard.append(event.type))
     listener.register("object:property-change:accessible-description")
     press(named("Raise", "button"))
     def told():
-        loop.iteration(False)
+        take_events()
         return heard
     wait_for("word of the change", told, 10)
     level.clear_cache()
@@ -234,9 +236,6 @@ def main():
     with tempfile.TemporaryDirectory() as home:
         try:
             screen = set_up(home)
-            import gi
-            gi.require_version("Atspi", "2.0")
-            from gi.repository import Atspi
             Atspi.init()
             gallery, shelf, pictures = sys.argv[1:]
             read_shelf(shelf, pictures)
