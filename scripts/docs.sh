@@ -1,7 +1,6 @@
 #!/bin/sh
 # docs.sh: writes the reference of the interface with the guide to build/docs/html. Fails when doxygen warns of
-# anything but what goes without saying: members, and the records of arguments within a class, may go without a
-# docstring of their own; a type or a broken link may not.
+# anything, and when a public name has no docstring; undocumented.py says what needs none.
 set -eu
 cd "$(dirname "$0")/.."
 out=build/docs
@@ -12,11 +11,13 @@ mkdir -p "$out"
     echo "OUTPUT_DIRECTORY = $out"
     echo "PROJECT_NUMBER = $(sed -n 's/^project(Zorvan VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)"
 } | doxygen - 2>"$out/warnings"
-if sed -n 's/^.*warning: //p' "$out/warnings" |
-    grep -vE '^(Member .*|Compound [^ ]*::[^ ]*::[^ ]*::.*|Compound zorvan::[A-Z][A-Za-z]*::.*|Compound zorvan::JSONCoding< .*|Compound std::hash.*) is not documented' >"$out/wrong"; then
-    cat "$out/wrong" >&2
+if [ -s "$out/warnings" ]; then
+    cat "$out/warnings" >&2
     exit 1
 fi
+# The folders that are named here are yet to be documented: what is missing there is counted only.
+python3 scripts/undocumented.py "$out/xml" zorvan/hosts/ zorvan/interface/ zorvan/platform/appkit/
+rm -r "$out/xml"
 
 # Which component a header belongs to: the one that is made of the source of that name, or else the one that the
 # folder has, of several the one that is named here.
