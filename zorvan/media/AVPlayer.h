@@ -23,26 +23,34 @@ class PeriodicTimeObserver;
 /// Players do not disturb each other. One that goes away while it plays stops playing first.
 class AVPlayer {
 public:
+    /// Is called with the current time.
     using TimeBlock = std::function<void(const CMTime& time)>;
-    using Completion = AVPlayerItem::Completion;
+    using Completion = AVPlayerItem::Completion; ///< As of a seek.
 
+    /// How often to call, and where.
     struct Interval {
+        /// From one call to the next, in time of the movie.
         Required<CMTime> interval;
         /// Null: the main queue.
         std::shared_ptr<DispatchQueue> queue = {};
     };
+    /// How often to call: times a second.
     struct FPS {
         Required<std::int64_t> fps;
     };
+    /// How many pictures on; back when it is negative.
     struct ByCount {
         Required<std::int64_t> byCount;
     };
 
     /// A player without an item.
+    /// @{
     static std::shared_ptr<AVPlayer> create();
     static std::shared_ptr<AVPlayer> create(const URL& url);
     static std::shared_ptr<AVPlayer> create(std::shared_ptr<AVPlayerItem> item);
+    /// @}
 
+    /// Stops playing first, and lets go of the item.
     ~AVPlayer();
     AVPlayer(const AVPlayer&) = delete;
     AVPlayer& operator=(const AVPlayer&) = delete;
@@ -60,8 +68,10 @@ public:
     /// pauses, and so do rates that cannot be played: those below zero become 0; NaN stays.
     void setRate(float rate);
     /// `setRate(1)`; at the end of the item it stays there.
+    /// @{
     void play() { setRate(1); }
     void pause() { setRate(0); }
+    /// @}
     /// Whether the rate is not 0; NaN counts as not 0.
     bool isPlaying() const { return rate() != 0; }
     /// Pauses when the rate is not 0, else plays.
@@ -80,8 +90,11 @@ public:
     void seekInaccurately(const CMTime& time, Completion completion = {});
     /// As `AVPlayerItem::step`.
     void step(ByCount count, Completion completion = {});
+    /// One picture on, or back.
+    /// @{
     void seekNextFrame() { step({.byCount = 1}); }
     void seekPreviousFrame() { step({.byCount = -1}); }
+    /// @}
 
     /// Calls the block on the queue with the current time: while it plays, whenever the time of the
     /// movie passes a multiple of the interval; and whenever it jumps, starts, stops or changes its
