@@ -6,9 +6,28 @@ cd "$(dirname "$0")/.."
 out=build/docs
 rm -rf "$out"
 mkdir -p "$out"
+
+# The page of each family begins with its example.
+for example in examples/families/*.cpp; do
+    family=$(basename "$example" .cpp)
+    guide=docs/$family.md
+    [ -f "$guide" ] || guide=docs/interface.md
+    cat <<TEXT
+/** \addtogroup zorvan-$family zorvan/$family
+$(sed -n '1s,^// ,,p' "$example") The guide: [$(sed -n '1s/^# //p' "$guide")]($guide).
+
+\include $family.cpp
+
+prints
+
+\verbinclude $family.out */
+TEXT
+done >"$out/families.dox"
+
 {
     cat scripts/Doxyfile
     echo "OUTPUT_DIRECTORY = $out"
+    echo "INPUT += $out/families.dox"
     echo "PROJECT_NUMBER = $(sed -n 's/^project(Zorvan VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)"
 } | doxygen - 2>"$out/warnings"
 if [ -s "$out/warnings" ]; then

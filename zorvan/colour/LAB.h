@@ -5,7 +5,7 @@
 
 namespace zorvan {
 
-/// A colour by CIE L*a*b* under D65; `l` goes from 0 to 100.
+/// CIE L*a*b* under D65: a colour whose `l` goes from 0 to 100.
 struct LAB {
     double l = 0; ///< Lightness.
     double a = 0; ///< From green, negative, to red.

@@ -63,7 +63,7 @@ public:
     std::shared_ptr<const AVAsset> asset() const noexcept { return asset_; }
     /// As the asset has it: indefinite when it is not known.
     CMTime duration() const noexcept { return asset_->duration(); }
-    /// Changes on the main thread.
+    /// As it is now, also while the player is at work.
     Status status() const;
     /// Of the picture on show, or the time between pictures while playing; the time asked for while
     /// a seek is under way.

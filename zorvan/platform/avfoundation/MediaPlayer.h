@@ -37,7 +37,7 @@ public:
     public:
         /// Listeners are not owned.
         virtual ~Listener() = default;
-        /// Opened, or failed; each once.
+        /// The file has been opened, or cannot be played.
         virtual void statusDidChange(Status status) = 0;
         /// The clock was set. A jump is a seek or step that has landed, a start, a stop or another
         /// rate; else playing has moved on as expected.

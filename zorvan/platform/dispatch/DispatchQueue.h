@@ -35,7 +35,7 @@ public:
     /// The concurrent queue shared by the whole process.
     static const std::shared_ptr<DispatchQueue>& global();
 
-    /// Of the last reference: see above for blocks that are still queued.
+    /// Nothing is queued any more then, since blocks that are queued keep their queue.
     virtual ~DispatchQueue() = default;
     DispatchQueue(const DispatchQueue&) = delete;
     DispatchQueue& operator=(const DispatchQueue&) = delete;

@@ -128,7 +128,8 @@ struct StrokeStyle {
     CGLineCap lineCap = CGLineCap::butt;
     CGLineJoin lineJoin = CGLineJoin::miter;
     /// @}
-    /// How many half widths a mitred corner may reach out before it is cut off.
+    /// How many times as long as the line is wide a mitred corner may be; one that is longer is cut
+    /// off.
     double miterLimit = 10;
     /// Lengths drawn and left out in turn; empty for a line without gaps, as it is drawn when a
     /// length is negative or all are too short to be seen.
