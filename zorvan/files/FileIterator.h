@@ -49,10 +49,9 @@ public:
     std::optional<URL> next();
 
     /// Takes the first file at once, as every step does.
-    /// @{
     Iterator begin();
+    /// Where every root has been visited.
     std::default_sentinel_t end() const noexcept { return {}; }
-    /// @}
 
     /// The roots, as they were given.
     const std::vector<URL>& urls() const noexcept { return urls_; }

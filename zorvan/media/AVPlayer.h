@@ -43,7 +43,8 @@ public:
         Required<std::int64_t> byCount;
     };
 
-    /// A player without an item.
+    /// A player that is paused: without an item, with a new one for the URL, or with that one,
+    /// which must not be in another player.
     /// @{
     static std::shared_ptr<AVPlayer> create();
     static std::shared_ptr<AVPlayer> create(const URL& url);
@@ -68,10 +69,9 @@ public:
     /// pauses, and so do rates that cannot be played: those below zero become 0; NaN stays.
     void setRate(float rate);
     /// `setRate(1)`; at the end of the item it stays there.
-    /// @{
     void play() { setRate(1); }
+    /// `setRate(0)`.
     void pause() { setRate(0); }
-    /// @}
     /// Whether the rate is not 0; NaN counts as not 0.
     bool isPlaying() const { return rate() != 0; }
     /// Pauses when the rate is not 0, else plays.

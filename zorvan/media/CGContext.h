@@ -122,13 +122,12 @@ public:
     void translateBy(double x, double y) noexcept { state_.ctm = state_.ctm.translatedBy(x, y); }
     void scaleBy(double x, double y) noexcept { state_.ctm = state_.ctm.scaledBy(x, y); }
     /// @}
-    /// Counter-clockwise, in radians.
-    /// @{
+    /// Counter-clockwise, in radians; before what the transform did so far.
     void rotate(double angle) noexcept { state_.ctm = state_.ctm.rotatedBy(angle); }
+    /// The map, before what the transform did so far.
     void concatenate(const CGAffineTransform& t) noexcept {
         state_.ctm = t.concatenating(state_.ctm);
     }
-    /// @}
 
     /// Keeps the graphics state for `restoreGState`; the two nest.
     void saveGState() { savedStates_.push_back(state_); }

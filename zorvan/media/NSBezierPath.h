@@ -72,8 +72,9 @@ public:
     void appendOval(const CGRect& in) { path_.addEllipse(in); }
     void append(const NSBezierPath& path) { path_.addPath(path.path_); }
     void close() { path_.closeSubpath(); }
-    void removeAllPoints() { path_ = {}; }
     /// @}
+    /// Leaves an empty path with the form of its lines.
+    void removeAllPoints() { path_ = {}; }
 
     /// Moves every point through the map.
     void transform(const CGAffineTransform& t) { path_ = path_.applying(t); }

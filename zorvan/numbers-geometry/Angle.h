@@ -37,7 +37,7 @@ public:
     };
 
     constexpr Angle() noexcept = default;
-    /// `Angle({.radians = PI_1_2})`.
+    /// `Angle({.radians = PI_1_2})` or `Angle({.degrees = 90})`.
     /// @{
     explicit Angle(Radians argument) noexcept : value_(normalized(argument.radians)) {}
     explicit Angle(Degrees argument) noexcept { setDegrees(argument.degrees); }

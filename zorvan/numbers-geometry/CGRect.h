@@ -197,7 +197,7 @@ struct CGRect {
 
     /// Of the stored sides, so negative when one of them is.
     [[nodiscard]] constexpr double area() const noexcept { return size.area(); }
-    ///  The ratios read the stored origin and the standardised sides.
+    /// The ratios read the stored origin and the standardised sides.
     /// @{
     [[nodiscard]] constexpr double whRatio() const noexcept { return width() / height(); }
     [[nodiscard]] constexpr double hwRatio() const noexcept { return height() / width(); }
@@ -339,7 +339,7 @@ struct CGRect {
     }
     /// @}
 
-    ///  Each of the four stored values by itself; halves round away from zero.
+    /// Each of the four stored values by itself; halves round away from zero.
     /// @{
     [[nodiscard]] CGRect round() const noexcept { return {origin.round(), size.round()}; }
     [[nodiscard]] CGRect ceil() const noexcept { return {origin.ceil(), size.ceil()}; }

@@ -161,7 +161,7 @@ struct CGSize {
     struct ToHeight {
         Required<double> toHeight;
     };
-    /// The same ratioat another width or height: `size.scaling({.toWidth = 640})`.
+    /// The same ratio at another width or height: `size.scaling({.toWidth = 640})`.
     /// @{
     [[nodiscard]] constexpr CGSize scaling(ToWidth to) const noexcept {
         return {to.toWidth, height / width * to.toWidth};

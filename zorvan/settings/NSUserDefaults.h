@@ -93,15 +93,12 @@ public:
     bool boolForKey(std::string_view key) const;
     /// A real is truncated and saturates, NaN is 0. A text is read as far as it is a decimal
     /// integer, after spaces and a sign, and saturates; 0 when it does not begin with one.
-    /// @{
     std::int64_t integerForKey(std::string_view key) const;
+    /// As `doubleForKey`, in single precision.
     float floatForKey(std::string_view key) const;
-    /// @}
     /// A text is read as far as it is a decimal real, after spaces and a sign, in any locale with a
     /// point; beyond the range it is infinite or 0.
-    /// @{
     double doubleForKey(std::string_view key) const;
-    /// @}
     /// A number gives its shortest decimal text that reads back the same, a truth value "1" or "0".
     std::optional<std::string> stringForKey(std::string_view key) const;
     /// The bytes that are stored; absent when something else is.

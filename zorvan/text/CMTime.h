@@ -151,11 +151,10 @@ struct CMTime {
 };
 
 /// `value / timescale` seconds, epoch 0. Invalid when `timescale` is zero or below.
-/// @{
 constexpr CMTime CMTimeMake(std::int64_t value, std::int32_t timescale) noexcept;
+/// The same in that epoch.
 constexpr CMTime CMTimeMakeWithEpoch(std::int64_t value, std::int32_t timescale,
                                      std::int64_t epoch) noexcept;
-/// @}
 
 /// The product `seconds * preferredTimescale`, taken as a double, rounded to whole units, halves
 /// away from zero. Marked as rounded when its `seconds()` are another double than `seconds`: a

@@ -168,7 +168,8 @@ constexpr std::int32_t CMTimeCompare(const CMTime& a, const CMTime& b) noexcept 
     return (left > right) - (left < right);
 }
 
-/// Weak, because equal times may differ in timescale and in the mark of rounding.
+/// By `CMTimeCompare`. Weak, because equal times may differ in timescale and in the mark of
+/// rounding.
 /// @{
 constexpr std::weak_ordering operator<=>(const CMTime& a, const CMTime& b) noexcept {
     return CMTimeCompare(a, b) <=> 0;

@@ -64,10 +64,9 @@ public:
     };
 
     /// Takes the next time; what is left comes in a `for`.
-    /// @{
     constexpr Position begin() noexcept { return Position(*this); }
+    /// Where no time is left.
     constexpr std::default_sentinel_t end() const noexcept { return {}; }
-    /// @}
 
 private:
     std::int64_t index_ = 0;
