@@ -1,7 +1,7 @@
 #include <zorvan/platform/bundles/internal/IconTheme.h>
 
 #include <zorvan/platform/bundles/internal/KeyFile.h>
-#include <zorvan/platform/bundles/internal/desktopFolders.h>
+#include <zorvan/platform/foundation/internal/forEachPart.h>
 
 #include <algorithm>
 #include <system_error>
@@ -22,10 +22,12 @@ bool staysInside(std::string_view name) {
 
 std::vector<std::string> listed(const KeyFile& index, const char* key) {
     const std::string* names = index.value(section, key);
-    std::vector<std::string> parts = names ? split(*names, ',') : std::vector<std::string>();
-    for (std::string& part : parts)
-        part.erase(0, part.find_first_not_of(' '));
-    std::erase_if(parts, [](const std::string& name) { return !staysInside(name); });
+    std::vector<std::string> parts;
+    internal::forEachPart(names ? *names : std::string_view(), ',', [&](std::string_view part) {
+        part.remove_prefix(std::min(part.find_first_not_of(' '), part.size()));
+        if (staysInside(part))
+            parts.emplace_back(part);
+    });
     return parts;
 }
 
