@@ -21,9 +21,12 @@ namespace zorvan {
 /// processes are made of.
 class PropertyList {
 public:
-    using Array = std::vector<PropertyList>;
+    using Array = std::vector<PropertyList>; ///< In order.
+    /// By key, in the order of the bytes.
     using Dictionary = std::map<std::string, PropertyList, std::less<>>;
 
+    /// A value of that kind.
+    /// @{
     PropertyList(NSNumber value) : value_(value) {}
     template <class Number>
     requires std::integral<Number> || std::floating_point<Number> PropertyList(Number value)
@@ -35,12 +38,14 @@ public:
     PropertyList(Data value) : value_(std::move(value)) {}
     PropertyList(Array value) : value_(std::move(value)) {}
     PropertyList(Dictionary value) : value_(std::move(value)) {}
+    /// @}
 
     /// The value when it is of that kind. For `NSNumber`, `std::string`, `Date`, `Data`, `Array`
     /// and `Dictionary` a pointer to it, or null. For `bool`, `std::int64_t` and `double` what the
     /// number converts to as in `NSNumber`, for `std::string_view` the text, or absent. A value
     /// that is about to go, such as the result of a call, gives itself away: always an optional, no
     /// views.
+    /// @{
     template <class Kind>
     auto as() const& noexcept {
         return asKind<Kind>(*this);
@@ -60,6 +65,7 @@ public:
             return asKind<Kind>(*this);
         }
     }
+    /// @}
 
     /// Equal in kind and content; numbers by value.
     friend bool operator==(const PropertyList& a, const PropertyList& b) {
