@@ -47,8 +47,8 @@ public:
     /// The item of a row, which there must be.
     const Item& item(int row) const { return items_.at(static_cast<std::size_t>(positionOf(row))); }
 
-    /// What the column says of the item for the role; nothing for a role that it has not, nor for
-    /// an item that is gone from the list.
+    /// What the column says of the item for the role, or whether the row is selected. Nothing for a
+    /// role that the column has not, nor for an item that is gone from the list.
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     /// Sets a role that the column has a setter for, or whether the row is selected.
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;

@@ -30,7 +30,7 @@ class QtRowModel : public QAbstractTableModel, private RowFollower {
 public:
     /// Whether the row is selected, as a truth value that can be set, too; named "selected" in QML.
     static constexpr int selectedRole = Qt::UserRole + 0x53454c;
-    /// How many ranges a removal may have to be told as one.
+    /// How many ranges a removal may have that is told as such.
     static constexpr int maximumRangeCount = 64;
 
     /// Mirrors the selection of the list, both ways, as whole rows; a row is selected when any of

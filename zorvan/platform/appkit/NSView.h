@@ -109,8 +109,8 @@ public:
 
     // Drawing
 
-    /// Whether the view, and with it all that it holds, is neither drawn nor found by the mouse nor
-    /// given keys. Says nothing of the views around it.
+    /// Whether the view, and with it all that it holds, is neither drawn nor found by the mouse, by
+    /// Tab or by key equivalents. Says nothing of the views around it.
     /// @{
     bool isHidden() const noexcept { return isHidden_; }
     void setHidden(bool hidden);
@@ -123,7 +123,7 @@ public:
     /// Only that part, in the view's own coordinates; nothing when it is out of the bounds.
     void setNeedsDisplay(const CGRect& inRect);
 
-    /// Whether `layout` is to be called before the view is drawn next; true at first.
+    /// Whether `layout` is to be called before the window is drawn next; true at first.
     /// @{
     bool needsLayout() const noexcept { return needsLayout_; }
     void setNeedsLayout(bool needsLayout);
