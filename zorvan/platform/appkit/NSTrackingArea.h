@@ -24,7 +24,7 @@ public:
         std::uint64_t rawValue = 0;
 
         /// Which events are told of, and when the area is active: always, or while the application
-        /// is.
+        /// is the active one.
         /// @{
         static const Options mouseEnteredAndExited, mouseMoved, activeInActiveApp, activeAlways;
         /// @}
@@ -75,7 +75,6 @@ private:
 
 inline constexpr NSTrackingArea::Options NSTrackingArea::Options::mouseEnteredAndExited{0x01};
 inline constexpr NSTrackingArea::Options NSTrackingArea::Options::mouseMoved{0x02};
-/// While the application is the active one.
 inline constexpr NSTrackingArea::Options NSTrackingArea::Options::activeInActiveApp{0x40};
 inline constexpr NSTrackingArea::Options NSTrackingArea::Options::activeAlways{0x80};
 
