@@ -73,10 +73,13 @@ void IconTheme::takeUsualFolders() {
 
 std::optional<IconTheme> IconTheme::read(const std::string& name,
                                          const std::vector<fs::path>& places) {
+    // One folder has many paths, and a theme that inherits from itself under each would never end.
+    if (name.empty() || name.find('/') != std::string::npos || !staysInside(name))
+        return std::nullopt;
     IconTheme theme;
     for (const fs::path& place : places) {
         std::error_code ignored;
-        if (!name.empty() && staysInside(name) && fs::is_directory(place / name, ignored))
+        if (fs::is_directory(place / name, ignored))
             theme.places_.push_back(place / name);
     }
     for (const fs::path& place : theme.places_)
