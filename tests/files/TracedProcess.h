@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
+#include <fcntl.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
 #include <sys/user.h>
@@ -71,11 +72,16 @@ private:
         ptrace(PTRACE_GET_SYSCALL_INFO, child_, sizeof info, &info);
         const long call = static_cast<long>(info.entry.nr);
         isUnharmed_ = call == SYS_write && static_cast<int>(info.entry.args[0]) == -1;
-        if (!isUnharmed_ && (fate_ == Fate::killed || canFail(call)) && left_-- == 0)
+        if (!isUnharmed_ && (fate_ == Fate::killed || canFail(call, info.entry.args)) &&
+            left_-- == 0)
             strike(call);
     }
 
-    static bool canFail(long call) {
+    /// What the kernel never refuses: among the locks, to give one back.
+    template <class Arguments>
+    bool canFail(long call, const Arguments& arguments) const {
+        if (call == SYS_fcntl && arguments[1] == F_SETLK)
+            return (ptrace(PTRACE_PEEKDATA, child_, arguments[2], nullptr) & 0xFFFF) != F_UNLCK;
         for (const long safe :
              {SYS_getpid, SYS_gettid, SYS_getuid, SYS_geteuid, SYS_getgid, SYS_getegid, SYS_umask,
               SYS_getrandom, SYS_brk, SYS_rt_sigprocmask, SYS_exit_group})
@@ -96,7 +102,8 @@ private:
         struckCall_ = call;
         end_ = End::wasStruck;
         isFailing_ = true;
-        registers.orig_rax = ~0ull;
+        if (call != SYS_close) // which lets go of the descriptor whatever it says
+            registers.orig_rax = ~0ull;
         ptrace(PTRACE_SETREGS, child_, nullptr, &registers);
 #endif
     }
