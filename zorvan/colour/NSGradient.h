@@ -39,7 +39,7 @@ public:
     [[nodiscard]] const ColorStops& colorStops() const& noexcept { return stops_.colorStops(); }
     [[nodiscard]] ColorStops colorStops() && noexcept { return std::move(stops_).colorStops(); }
     /// The same stops for the drawing services; every gradient has one.
-    [[nodiscard]] std::optional<CGGradient> cgGradient() const { return stops_; }
+    [[nodiscard]] std::optional<CGGradient> cgGradient() const;
 
     friend bool operator==(const NSGradient&, const NSGradient&) = default;
 

@@ -85,7 +85,7 @@ public:
     std::string accessibilityDescription() const { return description_; }
     void setAccessibilityDescription(std::string text) { description_ = std::move(text); }
 
-    std::vector<Representation> representations() const { return representations_; }
+    std::vector<Representation> representations() const;
     void addRepresentation(Representation representation);
 
     /// The best representation for a rectangle (all of the picture when absent) in a context (one
@@ -122,7 +122,8 @@ public:
     /// `cgImageForProposedRect` over all of the picture, encoded; absent when there is no bitmap.
     std::optional<Data> data(ImageExportFormat format) const;
 
-    NSImage(Key, CGSize size) noexcept : size_(size) {}
+    NSImage(Key, CGSize size) noexcept;
+    ~NSImage();
 
 private:
     CGImage::Pointer imageFor(CGSize pixels) const;

@@ -6,7 +6,6 @@
 #include <zorvan/numbers-geometry/RectAnchor.h>
 #include <zorvan/platform/foundation/Required.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -284,8 +283,8 @@ struct CGRect {
         Required<double> dx;
         Required<double> dy;
     };
-    /// `insetBy` half of that fraction of each stored side: 0.2 removes a fifth of a positive side. A
-    /// negative side is made longer by as much.
+    /// `insetBy` half of that fraction of each stored side: 0.2 removes a fifth of a positive side.
+    /// A negative side is made longer by as much.
     [[nodiscard]] CGRect shrunkBy(Percent by) const noexcept {
         return insetBy(by.percent * 0.5 * size.width, by.percent * 0.5 * size.height);
     }
@@ -325,7 +324,11 @@ struct CGRect {
     }
     /// The point of the rectangle, edges included, that is nearest to `p`.
     [[nodiscard]] constexpr CGPoint minMax(CGPoint p) const noexcept {
-        return {std::min(std::max(p.x, minX()), maxX()), std::min(std::max(p.y, minY()), maxY())};
+        const auto held = [](double value, double least, double most) {
+            const double raised = value < least ? least : value;
+            return most < raised ? most : raised;
+        };
+        return {held(p.x, minX(), maxX()), held(p.y, minY(), maxY())};
     }
 
     constexpr void moveBy(CGPoint by) noexcept { origin += by; }

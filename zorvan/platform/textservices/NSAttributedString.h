@@ -26,9 +26,14 @@ public:
         friend bool operator==(const Run&, const Run&) = default;
     };
 
-    NSAttributedString() = default;
+    NSAttributedString() noexcept;
     explicit NSAttributedString(std::string_view text, AttributeDictionary attributes = {});
     explicit NSAttributedString(std::u16string text, AttributeDictionary attributes = {});
+    NSAttributedString(const NSAttributedString& other);
+    NSAttributedString(NSAttributedString&& other) noexcept;
+    NSAttributedString& operator=(const NSAttributedString& other);
+    NSAttributedString& operator=(NSAttributedString&& other) noexcept;
+    ~NSAttributedString();
 
     /// In UTF-16 units.
     std::size_t length() const noexcept { return text_.size(); }
@@ -40,11 +45,11 @@ public:
 
     /// The runs, first to last; they cover the text, none is empty, neighbours differ.
     const std::vector<Run>& runs() const& noexcept { return runs_; }
-    std::vector<Run> runs() && noexcept { return std::move(runs_); }
+    std::vector<Run> runs() && noexcept;
 
     /// The run that holds the unit at `location`, which must lie inside the text.
     const Run& runAt(std::size_t location) const&;
-    Run runAt(std::size_t location) && { return runAt(location); }
+    Run runAt(std::size_t location) &&;
 
     NSAttributedString attributedSubstring(NSRange range) const;
 
