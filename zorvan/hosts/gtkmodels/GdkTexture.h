@@ -2,6 +2,7 @@
 
 #include <zorvan/media/CGImage.h>
 
+/// A picture of GTK, as its own headers declare it, too.
 typedef struct _GdkTexture GdkTexture;
 
 namespace zorvan {

@@ -17,6 +17,7 @@ struct QtColumn {
 
     /// What the header says.
     QString title = {};
+    /// What the cells say, by role.
     Roles roles;
     /// A column with one for `Qt::EditRole` can be edited, one with one for `Qt::CheckStateRole`
     /// can be ticked.

@@ -24,7 +24,9 @@ namespace zorvan {
 template <class Item>
 class QtListModel : public QtRowModel {
 public:
+    /// A column of this model.
     using Column = QtColumn<Item>;
+    /// What the roles of a column say.
     using Roles = typename Column::Roles;
 
     /// With one column.
@@ -44,12 +46,17 @@ public:
     /// The item of a row, which there must be.
     const Item& item(int row) const { return items_.at(static_cast<std::size_t>(positionOf(row))); }
 
+    /// What the column says of the item, and whether the row is selected; invalid for a role that
+    /// the column does not have.
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     /// Sets a role that the column has a setter for, or whether the row is selected.
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
+    /// The title of a column, and its number where it has none, as Qt does.
     QVariant headerData(int section, Qt::Orientation orientation,
                         int role = Qt::DisplayRole) const override;
+    /// Those of a row, and whether the cell can be edited or ticked.
     Qt::ItemFlags flags(const QModelIndex& index) const override;
+    /// Sorts the list by the order of the column; nothing where it has none.
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
 private:

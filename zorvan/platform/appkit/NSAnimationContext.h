@@ -11,6 +11,7 @@ namespace zorvan {
 /// `endGrouping` returns to that. Main thread only.
 class NSAnimationContext {
 public:
+    /// A new context inside the current one, with the values of that.
     static void beginGrouping();
     /// Stops the program when no grouping has begun.
     static void endGrouping();
@@ -20,12 +21,16 @@ public:
     static std::int64_t groupingDepth();
 
     /// Seconds; 0.25 unless set.
+    /// @{
     double duration() const noexcept { return duration_; }
     void setDuration(double seconds) { duration_ = seconds; }
+    /// @}
     /// Whether plain changes are meant to be animated too, not only those made through an animator;
     /// false unless set.
+    /// @{
     bool allowsImplicitAnimation() const noexcept { return allowsImplicitAnimation_; }
     void setAllowsImplicitAnimation(bool allows) { allowsImplicitAnimation_ = allows; }
+    /// @}
 
 private:
     double duration_ = 0.25;

@@ -12,6 +12,7 @@ class NSTrackingArea;
 
 /// What the mouse or the keyboard did, as a window is told of it and hands it on to its views.
 struct NSEvent {
+    /// What was done, and with which button: left, right, or any of the others.
     enum class EventType : std::int64_t {
         leftMouseDown = 1,
         leftMouseUp = 2,
@@ -32,19 +33,29 @@ struct NSEvent {
 
     /// A set of keys that are held down.
     struct ModifierFlags {
+        /// One bit for each key.
         std::uint64_t rawValue = 0;
 
-        static const ModifierFlags shift, control, option, command;
+        /// The key of that name.
+        /// @{
+        static const ModifierFlags shift;
+        static const ModifierFlags control;
+        /// @}
+        static const ModifierFlags option;
+        static const ModifierFlags command;
 
+        /// Whether all of `other` are held down.
         constexpr bool contains(ModifierFlags other) const noexcept {
             return (rawValue & other.rawValue) == other.rawValue;
         }
         friend constexpr bool operator==(ModifierFlags, ModifierFlags) noexcept = default;
+        /// |Those of both.
         friend constexpr ModifierFlags operator|(ModifierFlags a, ModifierFlags b) noexcept {
             return {a.rawValue | b.rawValue};
         }
     };
 
+    /// What was done.
     EventType type = EventType::mouseMoved;
     /// In points from the bottom left corner of the window, y growing upward.
     CGPoint locationInWindow = {};
@@ -52,6 +63,7 @@ struct NSEvent {
     std::int64_t clickCount = 1;
     /// The area that was entered or left; null for every other event.
     std::shared_ptr<NSTrackingArea> trackingArea = nullptr;
+    /// What was held down meanwhile.
     ModifierFlags modifierFlags = {};
 
     // Of a key.
@@ -62,13 +74,15 @@ struct NSEvent {
     std::string charactersIgnoringModifiers = {};
     /// The key by its place, as `EventKeyCode` names it; 65535 for a key without a name there.
     std::uint16_t keyCode = 65535;
+    /// Whether the key is held down and this press is not its first.
     bool isARepeat = false;
 
-    // Of the wheel and the touchpad, in points: how far what is shown is to move, to the right and
-    // down.
-
+    /// Of the wheel and the touchpad, in points: how far what is shown is to move, to the right and
+    /// down.
+    /// @{
     double scrollingDeltaX = 0;
     double scrollingDeltaY = 0;
+    /// @}
 };
 
 inline constexpr NSEvent::ModifierFlags NSEvent::ModifierFlags::shift{1 << 17};

@@ -16,11 +16,15 @@ class NSLayoutConstraint : public std::enable_shared_from_this<NSLayoutConstrain
 public:
     /// The view is not kept alive.
     std::shared_ptr<NSView> firstItem() const noexcept { return view_.lock(); }
+    /// The side that it speaks of.
     NSLayoutAttribute firstAttribute() const noexcept { return attribute_; }
     /// In points.
+    /// @{
     double constant() const noexcept { return constant_; }
     void setConstant(double constant);
+    /// @}
 
+    /// Whether the view follows it; false unless set.
     bool isActive() const noexcept { return isActive_; }
     /// The view keeps an active constraint alive, and follows it at once.
     void setActive(bool active);
@@ -30,6 +34,7 @@ private:
     friend class NSLayoutDimension;
 
 public:
+    /// For `NSLayoutDimension`.
     NSLayoutConstraint(Key, std::weak_ptr<NSView> view, NSLayoutAttribute attribute,
                        double constant);
 
@@ -43,6 +48,7 @@ private:
 /// A side of a view, from which constraints are made.
 class NSLayoutDimension {
 public:
+    /// The view is not kept alive.
     NSLayoutDimension(std::weak_ptr<NSView> view, NSLayoutAttribute attribute) noexcept
         : view_(std::move(view)), attribute_(attribute) {}
 

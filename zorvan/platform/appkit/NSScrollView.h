@@ -9,27 +9,32 @@ namespace zorvan {
 /// Shows a part of a larger view; moving its bounds scrolls.
 class NSClipView : public NSView {
 public:
-    static std::shared_ptr<NSClipView> create(const CGRect& frame = {}) {
-        return std::make_shared<NSClipView>(Key{}, frame);
-    }
+    /// Without a document.
+    static std::shared_ptr<NSClipView> create(const CGRect& frame = {});
+    /// For `create`.
     using NSView::NSView;
 
     /// As its document is, so that the two count y alike.
     bool isFlipped() const noexcept override;
 
     /// Null for none.
+    /// @{
     const std::shared_ptr<NSView>& documentView() const noexcept { return documentView_; }
     void setDocumentView(const std::shared_ptr<NSView>& view);
+    /// @}
 
     /// Makes changes that observers are told of as animated. The view itself changes at once.
     class Animator {
     public:
+        /// See `animator`.
         explicit Animator(std::shared_ptr<NSClipView> view) : view_(std::move(view)) {}
+        /// Scrolls.
         void setBoundsOrigin(CGPoint origin);
 
     private:
         std::shared_ptr<NSClipView> view_;
     };
+    /// Makes changes of this view.
     Animator animator() {
         return Animator(std::static_pointer_cast<NSClipView>(shared_from_this()));
     }
@@ -41,18 +46,23 @@ private:
 /// A clip view and the document in it.
 class NSScrollView : public NSView {
 public:
+    /// Without a document.
     static std::shared_ptr<NSScrollView> create(const CGRect& frame = {});
+    /// For `create`.
     using NSView::NSView;
 
     void setFrame(const CGRect& frame) override;
     /// Never null.
     const std::shared_ptr<NSClipView>& contentView() const noexcept { return contentView_; }
+    /// What is scrolled; null for none.
+    /// @{
     const std::shared_ptr<NSView>& documentView() const noexcept {
         return contentView_->documentView();
     }
     void setDocumentView(const std::shared_ptr<NSView>& view) {
         contentView_->setDocumentView(view);
     }
+    /// @}
 
 private:
     std::shared_ptr<NSClipView> contentView_;
