@@ -2,7 +2,7 @@
 
 #include <zorvan/media/CGImage.h>
 
-/// A picture of GTK, as its own headers declare it, too.
+/// What GTK's own headers declare, too.
 typedef struct _GdkTexture GdkTexture;
 
 namespace zorvan {

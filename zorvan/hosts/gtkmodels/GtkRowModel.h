@@ -21,25 +21,22 @@ class GtkRowModel {
 public:
     /// An item, and what type it is of.
     struct BoxedItem {
-        /// Kept alive.
-        std::shared_ptr<const void> item;
-        /// Of the item.
-        std::type_index type;
+        std::shared_ptr<const void> item; ///< Shared by all who hold the object of the row.
+        std::type_index type;             ///< As `item` is to be asked for it.
     };
     /// Makes the rows that a model follows.
     using MakeRows = std::function<std::unique_ptr<RowList>(RowFollower&)>;
-    /// The item of a row of the list.
+    /// Takes the item at a position out of the rows, for the object of a row.
     using Box = std::function<BoxedItem(const RowList&, std::int64_t)>;
 
-    /// A new reference to a model of these rows, whose items are made when GTK asks for them.
+    /// As in `GtkListModel`, whose items have one type; `item` stops the program for another type
+    /// than the item was boxed with, `itemsDidChange` for a model that `create` has not made.
+    /// @{
     static GtkSelectionModel* create(const MakeRows& rows, Box box);
-    /// Items in these rows were changed where they stand; rows outside the list are passed over.
     static void itemsDidChange(GtkSelectionModel* model, const IndexSet& rows);
-    /// The item of a row that GTK hands out, a `GObject`. Another type, or another object, stops
-    /// the program.
     static const void* item(void* row, std::type_index type);
-    /// A new reference to a factory of labels that show these texts, shortened at the end.
     static GtkListItemFactory* textFactory(std::function<std::string(void* row)> text);
+    /// @}
 };
 
 } // namespace zorvan

@@ -20,10 +20,7 @@ namespace zorvan {
 /// @{
 [[nodiscard]] inline QPointF toQPointF(CGPoint p) { return {p.x, p.y}; }
 [[nodiscard]] inline CGPoint toCGPoint(const QPointF& p) { return {p.x(), p.y()}; }
-/// @}
 
-/// Numbers are taken over as they are.
-/// @{
 [[nodiscard]] inline QSizeF toQSizeF(CGSize s) { return {s.width, s.height}; }
 [[nodiscard]] inline CGSize toCGSize(const QSizeF& s) { return {s.width(), s.height()}; }
 /// @}
@@ -39,7 +36,7 @@ namespace zorvan {
 }
 /// @}
 
-/// Each side is the side of that name.
+/// Each side for itself: `top` stays `top`, whichever way y grows.
 /// @{
 [[nodiscard]] inline QMarginsF toQMarginsF(const NSEdgeInsets& i) {
     return {i.left, i.top, i.right, i.bottom};
@@ -49,7 +46,7 @@ namespace zorvan {
 }
 /// @}
 
-/// The same numbers. Turn it over with the y of a view of Qt yourself.
+/// Numbers are taken over as they are; every transform has one for Qt.
 [[nodiscard]] inline QTransform toQTransform(const CGAffineTransform& t) {
     return {t.a, t.b, t.c, t.d, t.tx, t.ty};
 }

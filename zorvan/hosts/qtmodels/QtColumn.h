@@ -17,7 +17,7 @@ struct QtColumn {
 
     /// What the header says.
     QString title = {};
-    /// What the cells say, by role.
+    /// Those that cells answer; nothing is said for any other.
     Roles roles;
     /// A column with one for `Qt::EditRole` can be edited, one with one for `Qt::CheckStateRole`
     /// can be ticked.

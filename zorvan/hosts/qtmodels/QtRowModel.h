@@ -30,7 +30,7 @@ class QtRowModel : public QAbstractTableModel, private RowFollower {
 public:
     /// Whether the row is selected, as a truth value that can be set, too; named "selected" in QML.
     static constexpr int selectedRole = Qt::UserRole + 0x53454c;
-    /// Of rows that one removal is told as.
+    /// How many ranges a removal may have that is told as such.
     static constexpr int maximumRangeCount = 64;
 
     /// Mirrors the selection of the list, both ways, as whole rows; a row is selected when any of
@@ -40,14 +40,14 @@ public:
 
     /// What QML calls the roles; "selected" comes by itself. Before a view is given the model.
     void setRoleNames(QHash<int, QByteArray> names) { roleNames_ = std::move(names); }
-    /// Those that were set, else those of Qt, and "selected".
+    /// What `setRoleNames` was given, else Qt's names; with "selected" in any case.
     QHash<int, QByteArray> roleNames() const override;
 
     /// Tells the views that items in these rows were changed where they stand; no roles stand for
     /// all of them. Rows outside the list are passed over.
     void itemsDidChange(const IndexSet& rows, const QList<int>& roles = {});
 
-    /// 0 below a row.
+    /// 0 inside of a cell, which holds no rows.
     /// @{
     int rowCount(const QModelIndex& parent = {}) const override {
         return parent.isValid() ? 0 : rowCount_;
@@ -56,7 +56,7 @@ public:
         return parent.isValid() ? 0 : columnCount_;
     }
     /// @}
-    /// Invalid where there is no such cell.
+    /// Invalid for a cell that is not there.
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override {
         const bool isCell = row >= 0 && row < rowCount_ && column >= 0 && column < columnCount_;
         return isCell && !parent.isValid() ? createIndex(row, column) : QModelIndex();
@@ -66,35 +66,33 @@ public:
         return index.isValid() ? cellFlags : Qt::ItemIsDropEnabled;
     }
 
-    /// Removes them from the list. False, and nothing done, where they are not all there, and while
-    /// the list changes.
+    /// Asks the list. False for rows that are not there, while a change is being told, and when the
+    /// list has not removed them on return.
     bool removeRows(int row, int count, const QModelIndex& parent = {}) override;
     /// The selection follows the rows, unlike when the list itself is asked to move.
     bool moveRows(const QModelIndex& sourceParent, int row, int count,
                   const QModelIndex& destinationParent, int to) override;
 
-    /// Rows of this very model move, within it; other models are given copies of what the roles
-    /// say.
+    /// Drag and drop: rows of this very model move, within it; other models are given copies of
+    /// what the roles say.
     /// @{
     Qt::DropActions supportedDragActions() const override;
     Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
-    /// @}
-    /// The rows, for this model, and what their roles say, for others.
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
-    /// Only rows of this very model, and only to move them.
     bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                          const QModelIndex& parent) const override;
+    /// @}
     /// Moves the rows. False also when it has: a view takes true for a sign that it is to remove
     /// the rows that were dragged.
     bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                       const QModelIndex& parent) override;
 
 protected:
-    /// Of every cell.
+    /// Of every cell, whatever its column.
     static constexpr Qt::ItemFlags cellFlags =
         Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren;
 
-    /// Without rows until `show`. Fewer than one column stop the program.
+    /// Fewer than one column stops the program.
     QtRowModel(int columnCount, QObject* parent);
 
     /// Once, when the list is there. It must outlive the last change that it tells of.
@@ -107,12 +105,13 @@ protected:
     std::int64_t positionOf(int row) const {
         return isCatchingUp_ ? positionWhileCatchingUp(row) : row;
     }
-    /// Whether the list has it selected.
+    /// Whether the list has the row selected. Once asked, changes of that are told for
+    /// `selectedRole`, too.
     bool isSelected(int row) const {
         isSelectedRoleRead_ = true;
         return rows_->selection().contains(row);
     }
-    /// Selects the row in the list besides others, or no longer.
+    /// Asks the list, which may refuse; the rest of the selection stays.
     void setSelected(int row, bool isSelected);
 
 private:

@@ -19,9 +19,7 @@ public:
     struct Colour {
         /// From 0 to 255.
         /// @{
-        std::uint8_t r;
-        std::uint8_t g;
-        std::uint8_t b;
+        std::uint8_t r, g, b;
         /// @}
     };
 
@@ -39,12 +37,12 @@ public:
     Bitmap& bitmap() const noexcept { return *bitmap_; }
     /// From the view's coordinates to pixels from the top left of the bitmap, y growing downward.
     CGAffineTransform transform() const noexcept;
-    /// Whether y grows downward in the view's coordinates.
+    /// Whether y grows downward in the view that is drawn.
     bool isFlipped() const noexcept { return isFlipped_; }
     /// Pixels to a point.
     double scale() const noexcept { return scale_; }
 
-    /// Only the part inside the clip, to the nearest pixels.
+    /// Paints what of the rectangle lies inside the clip; its edges are rounded to whole pixels.
     void fill(const CGRect& rect, Colour colour);
     /// One line of text, in the middle of the rectangle's height, shortened to its width.
     void drawText(std::string_view text, const CGRect& rect, Colour colour);

@@ -11,7 +11,7 @@ namespace zorvan {
 /// `endGrouping` returns to that. Main thread only.
 class NSAnimationContext {
 public:
-    /// A new context inside the current one, with the values of that.
+    /// Until the `endGrouping` that belongs to it.
     static void beginGrouping();
     /// Stops the program when no grouping has begun.
     static void endGrouping();
@@ -20,7 +20,7 @@ public:
     /// How many groupings are open.
     static std::int64_t groupingDepth();
 
-    /// Seconds; 0.25 unless set.
+    /// Seconds; 0.25 unless set. Any number is taken as it is.
     /// @{
     double duration() const noexcept { return duration_; }
     void setDuration(double seconds) { duration_ = seconds; }

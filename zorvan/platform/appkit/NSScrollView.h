@@ -9,7 +9,7 @@ namespace zorvan {
 /// Shows a part of a larger view; moving its bounds scrolls.
 class NSClipView : public NSView {
 public:
-    /// Without a document.
+    /// Shows nothing at first.
     static std::shared_ptr<NSClipView> create(const CGRect& frame = {});
     /// For `create`.
     using NSView::NSView;
@@ -17,7 +17,7 @@ public:
     /// As its document is, so that the two count y alike.
     bool isFlipped() const noexcept override;
 
-    /// Null for none.
+    /// What is scrolled; null for none. Setting one takes out the one before.
     /// @{
     const std::shared_ptr<NSView>& documentView() const noexcept { return documentView_; }
     void setDocumentView(const std::shared_ptr<NSView>& view);
@@ -26,15 +26,15 @@ public:
     /// Makes changes that observers are told of as animated. The view itself changes at once.
     class Animator {
     public:
-        /// See `animator`.
+        /// For `animator`.
         explicit Animator(std::shared_ptr<NSClipView> view) : view_(std::move(view)) {}
-        /// Scrolls.
+        /// As `NSView::setBoundsOrigin`.
         void setBoundsOrigin(CGPoint origin);
 
     private:
         std::shared_ptr<NSClipView> view_;
     };
-    /// Makes changes of this view.
+    /// Through which the view scrolls visibly; it keeps the view alive.
     Animator animator() {
         return Animator(std::static_pointer_cast<NSClipView>(shared_from_this()));
     }
@@ -46,15 +46,16 @@ private:
 /// A clip view and the document in it.
 class NSScrollView : public NSView {
 public:
-    /// Without a document.
+    /// With a content view of its size, and no document.
     static std::shared_ptr<NSScrollView> create(const CGRect& frame = {});
     /// For `create`.
     using NSView::NSView;
 
+    /// The content view follows it.
     void setFrame(const CGRect& frame) override;
     /// Never null.
     const std::shared_ptr<NSClipView>& contentView() const noexcept { return contentView_; }
-    /// What is scrolled; null for none.
+    /// The document of the content view; null for none.
     /// @{
     const std::shared_ptr<NSView>& documentView() const noexcept {
         return contentView_->documentView();

@@ -20,22 +20,26 @@ class NSTrackingArea {
 public:
     /// A set of options. Without one of those that say when an area is active, it never is.
     struct Options {
-        /// One bit for each option.
+        /// A bit for each option.
         std::uint64_t rawValue = 0;
 
+        /// Which events are told of, and when the area is active: always, or while the application
+        /// is the active one.
+        /// @{
         static const Options mouseEnteredAndExited, mouseMoved, activeInActiveApp, activeAlways;
+        /// @}
 
-        /// Whether all of `other` are among them.
+        /// Whether every option of `other` is set here.
         constexpr bool contains(Options other) const noexcept {
             return (rawValue & other.rawValue) == other.rawValue;
         }
         friend constexpr bool operator==(Options, Options) noexcept = default;
-        /// |Those of both.
+        /// The options of either set.
         friend constexpr Options operator|(Options a, Options b) noexcept {
             return {a.rawValue | b.rawValue};
         }
     };
-    /// Values of any copyable type by key.
+    /// What the application keeps with an area.
     using UserInfo = std::map<std::string, std::any, std::less<>>;
 
     /// The owner, which is told of the mouse, is not kept alive.
@@ -43,14 +47,13 @@ public:
                                                   const std::shared_ptr<NSView>& owner,
                                                   std::optional<UserInfo> userInfo = {});
 
-    /// In the view's own coordinates.
+    /// As given at creation; the owner null once it has gone.
+    /// @{
     const CGRect& rect() const noexcept { return rect_; }
-    /// What the owner is told of, and when.
     Options options() const noexcept { return options_; }
-    /// Null once it has gone.
     std::shared_ptr<NSView> owner() const noexcept { return owner_.lock(); }
-    /// What the area was made with, for the owner; absent when nothing was given.
     const std::optional<UserInfo>& userInfo() const noexcept { return userInfo_; }
+    /// @}
 
 private:
     struct Key {};
@@ -67,13 +70,9 @@ private:
     std::optional<UserInfo> userInfo_;
 };
 
-/// Tells of the mouse coming and going.
 inline constexpr NSTrackingArea::Options NSTrackingArea::Options::mouseEnteredAndExited{0x01};
-/// Tells of each move inside.
 inline constexpr NSTrackingArea::Options NSTrackingArea::Options::mouseMoved{0x02};
-/// While the application is the active one.
 inline constexpr NSTrackingArea::Options NSTrackingArea::Options::activeInActiveApp{0x40};
-/// Whether the application is the active one or not.
 inline constexpr NSTrackingArea::Options NSTrackingArea::Options::activeAlways{0x80};
 
 } // namespace zorvan

@@ -29,16 +29,16 @@ class NSWindow;
 /// points; y grows upward unless the view is flipped. Used from the main thread.
 class NSView : public ActionSender, public std::enable_shared_from_this<NSView> {
 protected:
-    /// What only views can name, so that they are made by `create`.
+    /// What only views can make.
     struct Key {};
 
 public:
     /// The side of an intrinsic size that a view does not have.
     static constexpr double noIntrinsicMetric = -1;
 
-    /// A view that draws nothing.
+    /// In no superview, at that place.
     static std::shared_ptr<NSView> create(const CGRect& frame = {});
-    /// For `create`.
+    /// For `create`, and for what derives from this.
     NSView(Key, const CGRect& frame) : frame_(frame) {}
     ~NSView() override;
     NSView(const NSView&) = delete;
@@ -65,12 +65,12 @@ public:
     virtual CGSize intrinsicContentSize() const;
     /// The intrinsic size, its frame's where it has none, and what active constraints ask for.
     CGSize fittingSize() const;
-    /// What constraints on the side are made from.
+    /// From which constraints on the side are made.
     /// @{
     NSLayoutDimension widthAnchor() { return {weak_from_this(), NSLayoutAttribute::width}; }
     NSLayoutDimension heightAnchor() { return {weak_from_this(), NSLayoutAttribute::height}; }
     /// @}
-    /// The active ones.
+    /// The active ones, in the order in which they became so.
     const std::vector<std::shared_ptr<NSLayoutConstraint>>& constraints() const noexcept {
         return constraints_;
     }
@@ -79,7 +79,7 @@ public:
 
     /// Null for the outermost view.
     std::shared_ptr<NSView> superview() const noexcept { return superview_.lock(); }
-    /// From the lowest to the highest.
+    /// From the back to the front: each is drawn over those before it.
     const std::vector<std::shared_ptr<NSView>>& subviews() const noexcept { return subviews_; }
     /// Above the other subviews; taken out of the superview it had. A view that holds this one, or
     /// is this one, stops the program.
@@ -92,7 +92,7 @@ public:
     /// Called before the view comes into a window, goes into another, or (null) leaves its one.
     /// Whatever overrides this or the next one calls it first.
     virtual void viewWillMove(const std::shared_ptr<NSWindow>& toWindow);
-    /// Called once the view has come into a window or has left its one.
+    /// Called once `window` says so, for the views inside first.
     virtual void viewDidMoveToWindow();
 
     /// A point of this view in the coordinates of the outermost view around it, which in a window
@@ -107,26 +107,26 @@ public:
 
     // Drawing
 
-    /// Whether the view, and all inside it, is neither drawn nor hit; false unless set.
+    /// Whether the view, and with it all that it holds, is neither drawn nor found by the mouse, by
+    /// Tab or by key equivalents. Says nothing of the views around it.
     /// @{
     bool isHidden() const noexcept { return isHidden_; }
     void setHidden(bool hidden);
     /// @}
 
-    /// Whether the view has changed since its window was last drawn.
-    /// @{
+    /// Whether the view has changed since its host last drew it; true at first.
     bool needsDisplay() const noexcept { return needsDisplay_; }
+    /// True asks for all of it; false takes the mark off.
     void setNeedsDisplay(bool needsDisplay);
-    /// @}
     /// Only that part, in the view's own coordinates; nothing when it is out of the bounds.
     void setNeedsDisplay(const CGRect& inRect);
 
-    /// Whether `layout` is to be called; true at first.
+    /// Whether `layout` is to be called before the window is drawn next; true at first.
     /// @{
     bool needsLayout() const noexcept { return needsLayout_; }
     void setNeedsLayout(bool needsLayout);
-    /// @}
     /// Places the subviews. Does nothing unless overridden.
+    /// @}
     virtual void layout();
     /// Calls `layout` for every view from here inward that needs it, outer ones first.
     void layoutSubtreeIfNeeded();
@@ -138,36 +138,28 @@ public:
     /// Draws the view's own part; subviews come after, above it.
     virtual void draw(Canvas& canvas) const;
 
-    /// The left button. Goes on to the superview unless overridden.
+    /// Events of the mouse's buttons, of the wheel and of keys go on to the superview unless
+    /// overridden.
     /// @{
     virtual void mouseDown(const NSEvent& with);
     virtual void mouseDragged(const NSEvent& with);
     virtual void mouseUp(const NSEvent& with);
-    /// @}
-    /// The right button. Goes on to the superview unless overridden.
-    /// @{
     virtual void rightMouseDown(const NSEvent& with);
     virtual void rightMouseDragged(const NSEvent& with);
     virtual void rightMouseUp(const NSEvent& with);
-    /// @}
-    /// The third button and those after it. Goes on to the superview unless overridden.
-    /// @{
+    /// The third button and those after it.
     virtual void otherMouseDown(const NSEvent& with);
     virtual void otherMouseDragged(const NSEvent& with);
     virtual void otherMouseUp(const NSEvent& with);
-    /// @}
-    /// The wheel or the touchpad. Goes on to the superview unless overridden.
     virtual void scrollWheel(const NSEvent& with);
-    /// Keys go to the first responder of the window first, and on to the superview unless
-    /// overridden.
-    /// @{
+    /// Keys go to the first responder of the window first.
     virtual void keyDown(const NSEvent& with);
     virtual void keyUp(const NSEvent& with);
     /// @}
     /// For a key that nobody took, whoever has the keyboard; true once it is taken. Asks the
     /// visible subviews, in order, unless overridden.
     virtual bool performKeyEquivalent(const NSEvent& with);
-    /// Told to the owner of a tracking area, and no further. Does nothing unless overridden.
+    /// Goes to the owner of a tracking area, and no further.
     /// @{
     virtual void mouseMoved(const NSEvent& with);
     virtual void mouseEntered(const NSEvent& with);
@@ -178,7 +170,7 @@ public:
     const std::vector<std::shared_ptr<NSTrackingArea>>& trackingAreas() const noexcept {
         return trackingAreas_;
     }
-    /// Counts from the next event of the mouse.
+    /// Its owner is told from the next event on.
     void addTrackingArea(const std::shared_ptr<NSTrackingArea>& area);
     /// Nothing when the view does not have it.
     void removeTrackingArea(const std::shared_ptr<NSTrackingArea>& area);
@@ -213,16 +205,15 @@ public:
     const std::string& toolTip() const noexcept { return toolTip_; }
     void setToolTip(std::string toolTip);
     /// @}
-    /// The shape of the pointer over the view; an arrow unless set.
+    /// The pointer over the view; `arrow` unless set.
     /// @{
     NSCursor cursor() const noexcept { return cursor_; }
     void setCursor(NSCursor cursor);
-    /// @}
     /// The context menu; null for that of the superview.
-    /// @{
-    virtual std::shared_ptr<NSMenu> menu(const NSEvent& forEvent);
-    void setMenu(std::shared_ptr<NSMenu> menu) { menu_ = std::move(menu); }
     /// @}
+    virtual std::shared_ptr<NSMenu> menu(const NSEvent& forEvent);
+    /// Null takes the view's own away. What overrides `menu` need not look at it.
+    void setMenu(std::shared_ptr<NSMenu> menu) { menu_ = std::move(menu); }
 
     // What is dragged, out of the window and into it.
 
@@ -239,16 +230,16 @@ public:
     /// What the view accepts was dropped at a point of it. Does nothing unless overridden.
     virtual void urlsDropped(const std::vector<URL>& urls, CGPoint at);
 
-    /// What the view is to a screen reader; what its class says unless set.
+    /// What a screen reader says of the view: controls know it of themselves, and what is set goes
+    /// before that. `group` when nobody says otherwise.
     /// @{
     NSAccessibilityRole accessibilityRole() const;
     void setAccessibilityRole(NSAccessibilityRole role);
     /// @}
     /// What the view is called; its tool tip when nothing else is known.
-    /// @{
     std::string accessibilityLabel() const;
+    /// An empty one leaves the tool tip.
     void setAccessibilityLabel(std::string label);
-    /// @}
     /// What it stands at, as text.
     std::string accessibilityValue() const;
     /// A host says the new one.
@@ -263,7 +254,7 @@ protected:
     virtual void contentDidChange();
     /// Something that a host shows besides the drawing has changed.
     void propertiesDidChange();
-    /// What a class of views knows of itself; `group` and nothing unless overridden.
+    /// What a class of views knows of itself: `group`, and nothing to say, unless overridden.
     /// @{
     virtual NSAccessibilityRole ownAccessibilityRole() const;
     virtual std::string ownAccessibilityLabel() const { return {}; }

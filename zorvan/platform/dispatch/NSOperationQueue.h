@@ -18,6 +18,7 @@ public:
     /// As many at a time as the machine can use.
     static constexpr std::int64_t defaultMaxConcurrentOperationCount = -1;
 
+    /// As many at a time as the machine can use, and without a name.
     static std::shared_ptr<NSOperationQueue> create();
 
     /// The queue whose operations run on the main thread, one at a time, as blocks of the main
@@ -29,14 +30,18 @@ public:
     NSOperationQueue& operator=(const NSOperationQueue&) = delete;
 
     /// For people: debuggers and messages.
+    /// @{
     std::string name() const;
     void setName(std::string name);
+    /// @}
 
     /// How many operations may overlap; 1 makes the queue serial. No effect on the main queue,
     /// where it is always 1. Operations already running are not disturbed. Stops the program for 0
     /// and for negative numbers other than `defaultMaxConcurrentOperationCount`.
+    /// @{
     std::int64_t maxConcurrentOperationCount() const;
     void setMaxConcurrentOperationCount(std::int64_t count);
+    /// @}
 
     /// Operations waiting or running.
     std::size_t operationCount() const;

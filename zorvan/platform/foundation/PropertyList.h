@@ -21,9 +21,12 @@ namespace zorvan {
 /// processes are made of.
 class PropertyList {
 public:
-    using Array = std::vector<PropertyList>;
+    using Array = std::vector<PropertyList>; ///< In order.
+    /// By key, in the order of the bytes.
     using Dictionary = std::map<std::string, PropertyList, std::less<>>;
 
+    /// A value of that kind.
+    /// @{
     PropertyList(NSNumber value);
     template <class Number>
     requires std::integral<Number> || std::floating_point<Number> PropertyList(Number value)
@@ -35,10 +38,14 @@ public:
     PropertyList(Data value);
     PropertyList(Array value);
     PropertyList(Dictionary value);
+    /// @}
+    /// A value of its own.
+    /// @{
     PropertyList(const PropertyList& other);
     PropertyList(PropertyList&& other) noexcept;
     PropertyList& operator=(const PropertyList& other);
     PropertyList& operator=(PropertyList&& other) noexcept;
+    /// @}
     ~PropertyList();
 
     /// The value when it is of that kind. For `NSNumber`, `std::string`, `Date`, `Data`, `Array`
@@ -46,6 +53,7 @@ public:
     /// number converts to as in `NSNumber`, for `std::string_view` the text, or absent. A value
     /// that is about to go, such as the result of a call, gives itself away: always an optional, no
     /// views.
+    /// @{
     template <class Kind>
     auto as() const& noexcept {
         return asKind<Kind>(*this);
@@ -65,6 +73,7 @@ public:
             return asKind<Kind>(*this);
         }
     }
+    /// @}
 
     /// Equal in kind and content; numbers by value.
     friend bool operator==(const PropertyList& a, const PropertyList& b) { return a.isEqual(b); }
