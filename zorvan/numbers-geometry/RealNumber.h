@@ -3,7 +3,6 @@
 #include <zorvan/platform/foundation/NSNumber.h>
 
 #include <array>
-#include <cmath>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -25,6 +24,10 @@ namespace zorvan {
 template <class T>
 concept BuiltInReal = std::same_as<T, double> || std::same_as<T, float>;
 
+// The functions of the C library go by what the compiler calls them: <cmath>, which declares the
+// special functions too, takes longer to read than all of this folder. But for `pow`, a float's
+// result is a double's, rounded.
+
 /// Truncated toward zero.
 template <BuiltInReal T>
 [[nodiscard]] constexpr std::int64_t intValue(T x) noexcept {
@@ -38,37 +41,40 @@ template <BuiltInReal T>
 /// The magnitude; positive zero for a negative one.
 template <BuiltInReal T>
 [[nodiscard]] T abs(T x) noexcept {
-    return std::fabs(x);
+    return static_cast<T>(__builtin_fabs(x));
 }
 /// The greatest integral value that is not above `x`.
 template <BuiltInReal T>
 [[nodiscard]] T floor(T x) noexcept {
-    return std::floor(x);
+    return static_cast<T>(__builtin_floor(x));
 }
 /// The least integral value that is not below `x`.
 template <BuiltInReal T>
 [[nodiscard]] T ceil(T x) noexcept {
-    return std::ceil(x);
+    return static_cast<T>(__builtin_ceil(x));
 }
 /// The nearest integral value, halves away from zero: 2.5 gives 3, -2.5 gives -3.
 template <BuiltInReal T>
 [[nodiscard]] T round(T x) noexcept {
-    return std::round(x);
+    return static_cast<T>(__builtin_round(x));
 }
 /// The remainder of `x / y` with the sign of `x`.
 template <BuiltInReal T>
 [[nodiscard]] T mod(T x, std::type_identity_t<T> y) noexcept {
-    return std::fmod(x, y);
+    return static_cast<T>(__builtin_fmod(x, y));
 }
 /// As `std::pow`: NaN for a negative `x` and a `y` that is not integral.
 template <BuiltInReal T>
 [[nodiscard]] T pow(T x, std::type_identity_t<T> y) noexcept {
-    return std::pow(x, y);
+    if constexpr (std::same_as<T, float>)
+        return __builtin_powf(x, y);
+    else
+        return __builtin_pow(x, y);
 }
 /// NaN below zero.
 template <BuiltInReal T>
 [[nodiscard]] T sqrt(T x) noexcept {
-    return std::sqrt(x);
+    return static_cast<T>(__builtin_sqrt(x));
 }
 
 /// A real type: built from `double`, `float` and `long double`, with arithmetic, comparison and the

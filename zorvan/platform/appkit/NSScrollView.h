@@ -10,9 +10,7 @@ namespace zorvan {
 class NSClipView : public NSView {
 public:
     /// Shows nothing at first.
-    static std::shared_ptr<NSClipView> create(const CGRect& frame = {}) {
-        return std::make_shared<NSClipView>(Key{}, frame);
-    }
+    static std::shared_ptr<NSClipView> create(const CGRect& frame = {});
     /// For `create`.
     using NSView::NSView;
 

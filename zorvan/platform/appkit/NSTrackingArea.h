@@ -45,9 +45,7 @@ public:
     /// The owner, which is told of the mouse, is not kept alive.
     static std::shared_ptr<NSTrackingArea> create(const CGRect& rect, Options options,
                                                   const std::shared_ptr<NSView>& owner,
-                                                  std::optional<UserInfo> userInfo = {}) {
-        return std::make_shared<NSTrackingArea>(Key{}, rect, options, owner, std::move(userInfo));
-    }
+                                                  std::optional<UserInfo> userInfo = {});
 
     /// As given at creation; the owner null once it has gone.
     /// @{
@@ -63,8 +61,7 @@ private:
 public:
     /// For `create`.
     NSTrackingArea(Key, const CGRect& rect, Options options, const std::shared_ptr<NSView>& owner,
-                   std::optional<UserInfo> userInfo)
-        : rect_(rect), options_(options), owner_(owner), userInfo_(std::move(userInfo)) {}
+                   std::optional<UserInfo> userInfo);
 
 private:
     CGRect rect_;

@@ -37,9 +37,7 @@ public:
     static constexpr double noIntrinsicMetric = -1;
 
     /// In no superview, at that place.
-    static std::shared_ptr<NSView> create(const CGRect& frame = {}) {
-        return std::make_shared<NSView>(Key{}, frame);
-    }
+    static std::shared_ptr<NSView> create(const CGRect& frame = {});
     /// For `create`, and for what derives from this.
     NSView(Key, const CGRect& frame) : frame_(frame) {}
     ~NSView() override;

@@ -38,14 +38,16 @@ public:
     constexpr bool isReal() const noexcept { return std::holds_alternative<double>(value_); }
 
     /// False for zero, true for everything else.
-    constexpr bool boolValue() const noexcept {
-        return std::visit([](auto v) { return v != decltype(v){}; }, value_);
-    }
+    constexpr bool boolValue() const noexcept { return doubleValue() != 0; }
 
     /// The nearest real; a truth value is 1 or 0.
     /// @{
     constexpr double doubleValue() const noexcept {
-        return std::visit([](auto v) { return static_cast<double>(v); }, value_);
+        if (const double* real = std::get_if<double>(&value_))
+            return *real;
+        if (const auto* large = std::get_if<std::uint64_t>(&value_))
+            return static_cast<double>(*large);
+        return static_cast<double>(int64Value());
     }
 
     constexpr float floatValue() const noexcept { return static_cast<float>(doubleValue()); }
@@ -79,7 +81,7 @@ public:
         if (a.isReal() || b.isReal())
             return a.doubleValue() == b.doubleValue();
         if (a.isUnsigned() || b.isUnsigned())
-            return a.value_ == b.value_;
+            return a.uint64Value() == b.uint64Value();
         return a.int64Value() == b.int64Value();
     }
 
