@@ -3,6 +3,7 @@
 #include <zorvan/numbers-geometry/RealNumber.h>
 #include <zorvan/platform/foundation/Required.h>
 
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -43,7 +44,7 @@ struct CGPoint {
     static const CGPoint zero; ///< `(0, 0)`
 
     /// The distance from the origin, never negative.
-    [[nodiscard]] double length() const noexcept { return __builtin_hypot(x, y); }
+    [[nodiscard]] double length() const noexcept { return std::hypot(x, y); }
     /// Half way from the origin.
     [[nodiscard]] constexpr CGPoint middle() const noexcept { return {x * 0.5, y * 0.5}; }
     /// The smaller or the larger of the two components.
@@ -88,7 +89,7 @@ struct CGPoint {
     [[nodiscard]] constexpr double dotMult(CGPoint q) const noexcept { return x * q.x + y * q.y; }
     /// In a straight line, never negative.
     [[nodiscard]] double distance(CGPoint from) const noexcept {
-        return __builtin_hypot(x - from.x, y - from.y);
+        return std::hypot(x - from.x, y - from.y);
     }
     /// Scaled to that length; a point at the origin stays there.
     [[nodiscard]] CGPoint unitScale(double scale) const noexcept {

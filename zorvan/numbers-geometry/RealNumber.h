@@ -3,6 +3,7 @@
 #include <zorvan/platform/foundation/NSNumber.h>
 
 #include <array>
+#include <cmath>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -24,10 +25,6 @@ namespace zorvan {
 template <class T>
 concept BuiltInReal = std::same_as<T, double> || std::same_as<T, float>;
 
-// The functions of the C library go by what the compiler calls them: <cmath>, which declares the
-// special functions too, takes longer to read than all of this folder. But for `pow`, a float's
-// result is a double's, rounded.
-
 /// Truncated toward zero.
 template <BuiltInReal T>
 [[nodiscard]] constexpr std::int64_t intValue(T x) noexcept {
@@ -41,40 +38,37 @@ template <BuiltInReal T>
 /// The magnitude; positive zero for a negative one.
 template <BuiltInReal T>
 [[nodiscard]] T abs(T x) noexcept {
-    return static_cast<T>(__builtin_fabs(x));
+    return std::fabs(x);
 }
 /// The greatest integral value that is not above `x`.
 template <BuiltInReal T>
 [[nodiscard]] T floor(T x) noexcept {
-    return static_cast<T>(__builtin_floor(x));
+    return std::floor(x);
 }
 /// The least integral value that is not below `x`.
 template <BuiltInReal T>
 [[nodiscard]] T ceil(T x) noexcept {
-    return static_cast<T>(__builtin_ceil(x));
+    return std::ceil(x);
 }
 /// The nearest integral value, halves away from zero: 2.5 gives 3, -2.5 gives -3.
 template <BuiltInReal T>
 [[nodiscard]] T round(T x) noexcept {
-    return static_cast<T>(__builtin_round(x));
+    return std::round(x);
 }
 /// The remainder of `x / y` with the sign of `x`.
 template <BuiltInReal T>
 [[nodiscard]] T mod(T x, std::type_identity_t<T> y) noexcept {
-    return static_cast<T>(__builtin_fmod(x, y));
+    return std::fmod(x, y);
 }
 /// As `std::pow`: NaN for a negative `x` and a `y` that is not integral.
 template <BuiltInReal T>
 [[nodiscard]] T pow(T x, std::type_identity_t<T> y) noexcept {
-    if constexpr (std::same_as<T, float>)
-        return __builtin_powf(x, y);
-    else
-        return __builtin_pow(x, y);
+    return std::pow(x, y);
 }
 /// NaN below zero.
 template <BuiltInReal T>
 [[nodiscard]] T sqrt(T x) noexcept {
-    return static_cast<T>(__builtin_sqrt(x));
+    return std::sqrt(x);
 }
 
 /// A real type: built from `double`, `float` and `long double`, with arithmetic, comparison and the
