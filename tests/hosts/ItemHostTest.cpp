@@ -18,7 +18,6 @@ namespace {
 class OutlineHostTest : public HostTest {
 protected:
     OutlineHostTest() {
-        QApplication::setKeyboardInputInterval(1000000); // however slow the machine is
         outline->setNumberOfColumns(1);
         window->setContentView(outline);
         outline->setOutlineDataSource(tree);
@@ -131,7 +130,6 @@ struct Items : NSCollectionViewDataSource {
 class CollectionHostTest : public HostTest {
 protected:
     CollectionHostTest() {
-        QApplication::setKeyboardInputInterval(1000000); // however slow the machine is
         window->setContentSize({220, 160});
         window->setContentView(scrollView);
         scrollView->setDocumentView(view);

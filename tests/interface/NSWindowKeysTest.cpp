@@ -1,7 +1,6 @@
 #include <tests/Testing.h>
 
-#include <zorvan/interface/NSButton.h>
-#include <zorvan/interface/NSMenuToolbarItem.h>
+#include <zorvan/interface/DynamicToolbar.h>
 #include <zorvan/interface/NSSplitView.h>
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/media/NSImage.h>
@@ -122,26 +121,11 @@ TEST_F(NSWindowKeys, MayBeKeyEquivalents) {
     inner->addItem(copy);
     const auto more = NSMenuItem::create("More");
     more->setSubmenu(inner);
-    const auto item = NSMenuToolbarItem::create("menu");
-    item->menu()->addItem(more);
-    struct Giver : NSToolbarDelegate {
-        std::shared_ptr<NSToolbarItem> item;
-        std::shared_ptr<NSToolbarItem>
-        toolbarItemForItemIdentifier(NSToolbar&, const NSToolbarItemIdentifier&, bool) override {
-            return item;
-        }
-        std::vector<NSToolbarItemIdentifier> toolbarDefaultItemIdentifiers(NSToolbar&) override {
-            return {"menu"};
-        }
-        std::vector<NSToolbarItemIdentifier> toolbarAllowedItemIdentifiers(NSToolbar&) override {
-            return {"menu"};
-        }
-    };
-    const auto giver = std::make_shared<Giver>();
-    giver->item = item;
-    const auto toolbar = NSToolbar::create("t");
-    toolbar->setDelegate(giver);
-    window->setToolbar(toolbar);
+    const auto bar = DynamicToolbar::create();
+    bar->addItemSet();
+    bar->addItem({.createMenuButton = [](MenuButtonSettings&) {}})->menu()->addItem(more);
+    window->setToolbar(bar->toolbar());
+    bar->reloadDisplayedItems();
 
     EXPECT_TRUE(press("\r"));
     EXPECT_FALSE(press("\r", Flags::shift)) << "other modifiers";

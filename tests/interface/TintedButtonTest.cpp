@@ -196,6 +196,25 @@ TEST(TintedButtonBezel, IsARoundedRectangleOfTheGradient) {
     EXPECT_FALSE(button->render());
 }
 
+TEST(TintedButtonTitle, IsMeasuredByTextAndFontWhateverWasMeasuredBefore) {
+    const auto button = TintedButton::create();
+    const auto width = [&](std::string_view text, double size, const NSColor& color) {
+        button->setAttributedTitle(NSAttributedString(
+            text, {{AttributeName::font, TextFont{.family = "sans-serif", .size = size}},
+                   {AttributeName::foregroundColor, TextColor(color.rgba())}}));
+        return button->intrinsicContentSize().width;
+    };
+    const double small = width("title", 11, NSColor::black),
+                 large = width("title", 17, NSColor::black);
+    EXPECT_LT(small, large);
+    EXPECT_LT(width("titl", 11, NSColor::black), small);
+    for (int i = 0; i < 40; ++i) {
+        EXPECT_EQ(width("title", 11, NSColor::red), small);
+        EXPECT_EQ(width("title", 17, NSColor::red), large);
+        width(std::to_string(i), 13, NSColor::black);
+    }
+}
+
 TEST_F(TintedButtonTest, GrowsByWhatItIsExpanded) {
     button->setTitle("Title");
     button->setImage(square(10));

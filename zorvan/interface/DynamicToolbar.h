@@ -40,7 +40,8 @@ public:
     const std::shared_ptr<DynamicToolbarItemSet>& displayedItemSet() const noexcept {
         return displayedItemSet_;
     }
-    /// Only what is remembered: the toolbar itself follows with the next reload.
+    /// The set whose items the toolbar is given when it asks. Nothing is shown anew, and the next
+    /// reload chooses again.
     void setDisplayedItemSet(std::shared_ptr<DynamicToolbarItemSet> set) {
         displayedItemSet_ = std::move(set);
     }

@@ -25,7 +25,8 @@ public:
     const std::shared_ptr<DynamicTouchBarItemSet>& displayedItemSet() const noexcept {
         return displayedItemSet_;
     }
-    /// Only what is remembered: the touch bar itself follows with the next reload.
+    /// The set whose items the touch bar is given when it asks. Nothing is shown anew, and the next
+    /// reload chooses again.
     void setDisplayedItemSet(std::shared_ptr<DynamicTouchBarItemSet> set) {
         displayedItemSet_ = std::move(set);
     }
