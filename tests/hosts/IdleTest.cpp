@@ -35,8 +35,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Longer than a worker thread without work stays.
-constexpr int quietSeconds = 7;
+/// Longer than worker threads without work stay, and than Qt keeps its own threads and the pictures
+/// that it no longer needs, which is half a minute.
+constexpr int quietSeconds = 35;
 
 /// How often each thread of a process has gone to sleep.
 using Sleeps = std::map<std::string, std::int64_t>;
@@ -72,10 +73,10 @@ public:
 
     Sleeps sleeps() const { return sleepsOf(id_); }
     bool hasEnded() const { return ::waitpid(id_, nullptr, WNOHANG) != 0; }
-    /// False when it does not come to rest within a minute.
+    /// False when it does not come to rest within minutes.
     bool comesToRest() const {
         Sleeps before;
-        for (int seconds = 0, quiet = 0; seconds < 60; ++seconds) {
+        for (int seconds = 0, quiet = 0; seconds < 5 * quietSeconds; ++seconds) {
             Sleeps now = sleeps();
             quiet = now == before ? quiet + 1 : 0;
             if (quiet == quietSeconds)
