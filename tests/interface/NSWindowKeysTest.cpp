@@ -61,7 +61,7 @@ protected:
 
 } // namespace
 
-TEST_F(NSWindowKeys, goToTheFirstResponder) {
+TEST_F(NSWindowKeys, GoToTheFirstResponder) {
     struct Watch : NSWindowObserver {
         void firstResponderDidChange() override { ++changes; }
         int changes = 0;
@@ -89,7 +89,7 @@ TEST_F(NSWindowKeys, goToTheFirstResponder) {
     EXPECT_FALSE(press("k"));
 }
 
-TEST_F(NSWindowKeys, goFromViewToView) {
+TEST_F(NSWindowKeys, GoFromViewToView) {
     const auto order = [&](bool forward) {
         std::string names;
         for (int i = 0; i < 4; ++i) {
@@ -109,7 +109,7 @@ TEST_F(NSWindowKeys, goFromViewToView) {
     EXPECT_EQ(window->firstResponder(), a) << "back to where it came from";
 }
 
-TEST_F(NSWindowKeys, mayBeKeyEquivalents) {
+TEST_F(NSWindowKeys, MayBeKeyEquivalents) {
     const auto does = [&](const char* what) {
         return Selector(what, [this, what] { told += what; });
     };
@@ -163,7 +163,7 @@ TEST_F(NSWindowKeys, mayBeKeyEquivalents) {
     EXPECT_EQ(take(), "ok");
 }
 
-TEST_F(NSWindowKeys, otherButtonsTheWheelAndMenusGoToTheView) {
+TEST_F(NSWindowKeys, OtherButtonsTheWheelAndMenusGoToTheView) {
     EXPECT_TRUE(send(Type::rightMouseDown, {60, 10}));
     EXPECT_TRUE(send(Type::scrollWheel, {10, 10}));
     EXPECT_EQ(take(), "right bwheel a");
@@ -176,7 +176,7 @@ TEST_F(NSWindowKeys, otherButtonsTheWheelAndMenusGoToTheView) {
     EXPECT_EQ(b->menu({}), other);
 }
 
-TEST(NSView, tellsItsObserversOfChanges) {
+TEST(NSView, TellsItsObserversOfChanges) {
     struct Watch : NSViewObserver {
         void frameDidChange() override { told += "frame "; }
         void boundsOriginDidChange(bool animated) override {
@@ -241,7 +241,7 @@ TEST(NSView, tellsItsObserversOfChanges) {
     EXPECT_EQ(button->accessibilityRole(), NSAccessibilityRole::checkBox);
 }
 
-TEST(NSSplitView, keepsLeastLengths) {
+TEST(NSSplitView, KeepsLeastLengths) {
     const auto split = NSSplitView::create({0, 0, 301, 50});
     for (int i = 0; i < 2; ++i)
         split->addSubview(NSView::create());

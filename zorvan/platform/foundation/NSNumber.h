@@ -10,6 +10,8 @@ namespace zorvan {
 /// it was made from. An integer is signed unless it is too large for that.
 class NSNumber {
 public:
+    /// Of that kind; a float becomes a double, an integer that fits a signed one.
+    /// @{
     constexpr NSNumber(bool value) noexcept : value_(value) {}
     constexpr NSNumber(int value) noexcept : value_(std::int64_t{value}) {}
     constexpr NSNumber(std::int64_t value) noexcept : value_(value) {}
@@ -19,27 +21,37 @@ public:
     }
     constexpr NSNumber(double value) noexcept : value_(value) {}
     constexpr NSNumber(float value) noexcept : value_(double{value}) {}
+    /// @}
 
+    /// Which kind it is; exactly one of truth value, integer and real.
+    /// @{
     constexpr bool isBool() const noexcept { return std::holds_alternative<bool>(value_); }
     constexpr bool isInteger() const noexcept {
         return std::holds_alternative<std::int64_t>(value_) || isUnsigned();
     }
+    /// @}
     /// An integer above the largest signed one.
     constexpr bool isUnsigned() const noexcept {
         return std::holds_alternative<std::uint64_t>(value_);
     }
+    /// A `float` or `double`.
     constexpr bool isReal() const noexcept { return std::holds_alternative<double>(value_); }
 
     /// False for zero, true for everything else.
-    constexpr bool boolValue() const noexcept {
-        return std::visit([](auto v) { return v != decltype(v){}; }, value_);
-    }
+    constexpr bool boolValue() const noexcept { return doubleValue() != 0; }
 
+    /// The nearest real; a truth value is 1 or 0.
+    /// @{
     constexpr double doubleValue() const noexcept {
-        return std::visit([](auto v) { return static_cast<double>(v); }, value_);
+        if (const double* real = std::get_if<double>(&value_))
+            return *real;
+        if (const auto* large = std::get_if<std::uint64_t>(&value_))
+            return static_cast<double>(*large);
+        return static_cast<double>(int64Value());
     }
 
     constexpr float floatValue() const noexcept { return static_cast<float>(doubleValue()); }
+    /// @}
 
     /// A real is truncated toward zero; a number outside the signed 64-bit range becomes the
     /// nearest end of it, and NaN becomes 0.
@@ -69,7 +81,7 @@ public:
         if (a.isReal() || b.isReal())
             return a.doubleValue() == b.doubleValue();
         if (a.isUnsigned() || b.isUnsigned())
-            return a.value_ == b.value_;
+            return a.uint64Value() == b.uint64Value();
         return a.int64Value() == b.int64Value();
     }
 
