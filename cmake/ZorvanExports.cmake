@@ -9,7 +9,8 @@ set(ZORVAN_MANGLED
 
 # zorvan_limit_exports(<Component> <kind>): kind is OPEN, CLOSED or LOADED.
 function(zorvan_limit_exports component kind)
-  set(patterns "    zorvan*;\n")
+  # Functions to load have plain names; std::hash is made for types of ours.
+  set(patterns "    zorvan*;\n    _ZNKSt4hashIN6zorvan*;\n")
   foreach(prefix ${ZORVAN_MANGLED})
     if(kind STREQUAL OPEN)
       string(APPEND patterns "    ${prefix}6zorvan*;\n")

@@ -28,7 +28,7 @@ TEXT
 chmod +x "$tree/pkg-config"
 rm -rf "$tree/asked" "$prefix"
 
-cmake -G Ninja -S "$root" -B "$tree" -D PKG_CONFIG_EXECUTABLE="$tree/pkg-config" -D ZORVAN_TESTS=OFF \
+cmake -G Ninja -S "$root" -B "$tree" -D PKG_CONFIG_EXECUTABLE="$tree/pkg-config" -D ZORVAN_TESTS=OFF -D ZORVAN_WERROR="${ZORVAN_WERROR:-OFF}" \
     -D ZORVAN_PLAYBACK=OFF -D ZORVAN_MOVIES=OFF -D ZORVAN_HEIC=OFF -D ZORVAN_SECRET_SERVICE=OFF >/dev/null
 [ ! -f "$tree/asked" ] || fail "$(cat "$tree/asked")"
 cmake --build "$tree" --parallel "$(nproc)" -- --quiet

@@ -51,7 +51,8 @@ for library in libraries:
     for line in listed.stdout.splitlines():
         symbol = line.split(" ", 2)[2]
         count += 1
-        name = symbol if re.fullmatch(r"zorvan\w+", symbol) else outermost(symbol)
+        of_std = re.match(r"std::hash<zorvan::(\w+)", symbol)
+        name = symbol if re.fullmatch(r"zorvan\w+", symbol) else of_std[1] if of_std else outermost(symbol)
         shown = name is not None and (name in words or name.startswith("operator"))
         if not shown and not runtime.match(symbol):
             failures.append(f"{Path(library).name}: {symbol}")

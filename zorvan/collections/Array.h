@@ -148,6 +148,7 @@ void removeFirst(std::vector<Element>& list, std::int64_t count) {
                list.begin() + std::clamp<std::int64_t>(count, 0, detail::countOf(list)));
 }
 
+/// A copy without the first `count` elements; see `removeFirst`.
 template <class Element>
 [[nodiscard]] std::vector<Element> removingFirst(std::vector<Element> list, std::int64_t count) {
     removeFirst(list, count);
@@ -160,6 +161,7 @@ void keepLast(std::vector<Element>& list, std::int64_t count) {
     removeFirst(list, detail::countOf(list) - std::max<std::int64_t>(count, 0));
 }
 
+/// A copy of the last `count` elements; see `keepLast`.
 template <class Element>
 [[nodiscard]] std::vector<Element> keepingLast(std::vector<Element> list, std::int64_t count) {
     keepLast(list, count);
@@ -198,10 +200,14 @@ std::vector<std::vector<Element>> chunked(const std::vector<Element>& list, std:
 /// The first half and the rest; of an odd number of elements the rest has one more.
 template <class Element>
 struct Halves {
+    /// In the order of the list.
+    /// @{
     std::vector<Element> first;
     std::vector<Element> second;
+    /// @}
 };
 
+/// The list cut in the middle.
 template <class Element>
 Halves<Element> split(const std::vector<Element>& list) {
     const auto middle = list.begin() + static_cast<std::ptrdiff_t>(list.size() / 2);
@@ -234,6 +240,7 @@ std::vector<Element> compacted(std::optional<Element> first, Others... others) {
     (add(std::move(others)), ...);
     return result;
 }
+/// Of no argument, nothing.
 template <class Element>
 std::vector<Element> compacted() {
     return {};

@@ -16,6 +16,7 @@
 /// dictionary's iteration wins.
 namespace zorvan {
 
+/// `std::map`, `std::unordered_map`, and what else has a `key_type` and a `mapped_type`.
 template <class Type>
 concept Dictionary = requires {
     typename Type::key_type;
@@ -43,6 +44,7 @@ auto compactMapKeys(const Source& dictionary, Transform transform) {
     });
 }
 
+/// What the transform gives for each key, equal results once.
 template <Dictionary Source, class Transform>
 auto mapKeysToSet(const Source& dictionary, Transform transform) {
     return mapToSet(dictionary, [&transform](const auto& entry) {
@@ -50,6 +52,7 @@ auto mapKeysToSet(const Source& dictionary, Transform transform) {
     });
 }
 
+/// What the transform gives for each value, equal results once.
 template <Dictionary Source, class Transform>
 auto mapValuesToSet(const Source& dictionary, Transform transform) {
     return mapToSet(dictionary, [&transform](const auto& entry) {

@@ -57,10 +57,12 @@ auto finderSorted(const Source& dictionary, Block block) {
 }
 
 /// Sorts the list itself.
+/// @{
 template <class Element, class Block>
 void finderSort(std::vector<Element>& list, Block block) {
     list = finderSorted(list, std::move(block));
 }
 inline void finderSort(std::vector<std::string>& list) { list = finderSorted(list); }
+/// @}
 
 } // namespace zorvan

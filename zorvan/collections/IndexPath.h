@@ -8,8 +8,11 @@ namespace zorvan {
 
 /// The place of an item in a view of several sections.
 struct IndexPath {
+    /// Counted from 0.
+    /// @{
     std::int64_t item = 0;
     std::int64_t section = 0;
+    /// @}
 
     /// By section, then by item.
     friend constexpr std::strong_ordering operator<=>(const IndexPath& a,

@@ -57,25 +57,34 @@ public:
 
     /// An edition of a list of this item type.
     struct Edition : ManagedListEdition {
+        /// An edition of that action, with all sets absent.
         using ManagedListEdition::ManagedListEdition;
     };
+    /// What kind of change it was.
     using Action = ManagedListEdition::Action;
     /// Shows editions in a table; in `<zorvan/interface/ManagedListViewReloader.h>`.
     using ViewReloader = ManagedListViewReloader;
 
+    /// Posted before and after each change.
+    /// @{
     static constexpr NameLiteral willReloadNotification = "ManagedListWillReloadNotification";
     static constexpr NameLiteral didReloadNotification = "ManagedListDidReloadNotification";
+    /// @}
+    /// The key of the edition in what is posted.
     static constexpr NameLiteral editionKey = "Edition";
 
+    /// A list of those items, unselected and unfiltered.
     static std::shared_ptr<ManagedList> create(std::vector<Item> items = {}) {
         return std::make_shared<ManagedList>(Key{}, std::move(items));
     }
+    /// For `create`.
     ManagedList(Key, std::vector<Item> items) : items_(std::move(items)) {}
     ManagedList(const ManagedList&) = delete;
     ManagedList& operator=(const ManagedList&) = delete;
 
     /// The shown items.
     const std::vector<Item>& items() const noexcept { return items_; }
+    /// How many items are shown.
     std::int64_t count() const noexcept { return detail::countOf(items_); }
     /// All items, shown or not.
     const std::vector<Item>& allItems() const noexcept { return filter_ ? full_.items() : items_; }
@@ -84,6 +93,7 @@ public:
     const IndexSet& selection() const noexcept { return selection_; }
     /// Positions outside the list are passed over.
     void setSelection(const IndexSet& selection);
+    /// As `setSelection`.
     void select(const IndexSet& selection) { setSelection(selection); }
 
     /// Empty when no filter is set.
@@ -95,6 +105,7 @@ public:
     /// Inserts before the shown item at `at` and deselects everything. Under a filter, items that
     /// do not pass are kept out of sight.
     void insert(std::vector<Item> contentOf, std::int64_t at);
+    /// Removes the shown items at the positions, from the full list as well.
     void remove(const IndexSet& at);
     /// Moves items before the shown item at `to`, or to the end; they become the selection.
     void move(const IndexSet& from, std::int64_t to);
@@ -103,16 +114,23 @@ public:
     /// first, nothing has changed then. When it only throws for the full list, the shown items are
     /// sorted, which has been announced before and is not after.
     void sort(Order by);
+    /// Reverses the shown items, and the full list as well under a filter.
     void reverseOrder();
 
+    /// `insert`, `remove` and `move` at the end of the list, for the selection, or for everything
+    /// shown.
+    /// @{
     void append(std::vector<Item> contentOf) { insert(std::move(contentOf), count()); }
     void removeSelectedItems() { remove(selection_); }
     void removeAllItems() { remove(this->allIndexes()); }
     void moveSelectedItems(std::int64_t to) { move(selection_, to); }
+    /// @}
 
     /// Null when nothing is selected.
+    /// @{
     const Item* firstSelectedItem() const { return itemAt(selection_.first()); }
     const Item* lastSelectedItem() const { return itemAt(selection_.last()); }
+    /// @}
     /// The selected item when exactly one is, else null.
     const Item* singleSelectedItem() const { return itemAt(selection_.singleIndex()); }
     /// In ascending position order.

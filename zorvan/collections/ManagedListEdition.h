@@ -12,8 +12,10 @@ namespace zorvan {
 /// `movedToIndexes`, and for `move` and `filter` without `newSelection`. After the change it is
 /// whole. A set that an action does not speak of is absent.
 struct ManagedListEdition {
+    /// What kind of change it was; a reversal is a `sort`.
     enum class Action { insert, remove, select, move, sort, filter };
 
+    /// With all sets absent.
     explicit ManagedListEdition(Action change) : action(change) {}
 
     /// True when the number of shown items may have changed.
@@ -23,17 +25,21 @@ struct ManagedListEdition {
 
     friend bool operator==(const ManagedListEdition&, const ManagedListEdition&) = default;
 
-    Action action;
+    Action action; ///< What kind of change it was.
     /// The selection before and after the change, for every action.
+    /// @{
     std::optional<IndexSet> oldSelection = {};
     std::optional<IndexSet> newSelection = {};
+    /// @}
     /// For `insert`: where the new items stand; empty when a filter lets none of them through.
     std::optional<IndexSet> insertedIndexes = {};
     /// For `remove`: where the removed items stood before the change.
     std::optional<IndexSet> removedIndexes = {};
     /// For `move`: where the moved items stood before the change, and where they stand after it.
+    /// @{
     std::optional<IndexSet> movedFromIndexes = {};
     std::optional<IndexSet> movedToIndexes = {};
+    /// @}
 };
 
 } // namespace zorvan

@@ -21,12 +21,15 @@ class Reordering {
 public:
     /// Everything stays where it is.
     static Reordering none(std::int64_t count);
+    /// Every element is gone.
     static Reordering removingAll() { return Reordering(std::vector<std::int64_t>{}); }
     /// `inserted` new elements come before the one at `at`.
     static Reordering inserting(std::int64_t count, std::int64_t at, std::int64_t inserted);
+    /// The elements at the positions are gone.
     static Reordering removing(std::int64_t count, const IndexSet& at);
     /// The elements at `from` move before the one at `to`, or to the end when `to` is the count.
     static Reordering moving(std::int64_t count, const IndexSet& from, std::int64_t to);
+    /// The first one is the last one then.
     static Reordering reversing(std::int64_t count);
     /// Each new position holds what stood at the old position given for it.
     static Reordering permuting(std::span<const std::int64_t> oldPositions);

@@ -29,28 +29,35 @@ class SelectableArray : public std::enable_shared_from_this<SelectableArray<Elem
     struct Key {};
 
 public:
+    /// An element with its flag.
     struct Entry {
-        bool isSelected;
-        Element element;
+        bool isSelected; ///< Whether it is selected.
+        Element element; ///< The element itself.
     };
     /// Applies the change and tells what it was. It keeps the list alive.
     using Action = std::function<SelectableArrayEdition()>;
+    /// Takes a change, to run it when it wishes.
     using EditionHandler = std::function<void(const Action&)>;
 
     /// An empty list whose handler runs each change at once and drops the edition.
     static std::shared_ptr<SelectableArray> create() {
         return std::make_shared<SelectableArray>(Key{});
     }
+    /// For `create`.
     explicit SelectableArray(Key) {}
     SelectableArray(const SelectableArray&) = delete;
     SelectableArray& operator=(const SelectableArray&) = delete;
 
+    /// All of them, in order.
     const std::vector<Element>& elements() const noexcept { return elements_; }
+    /// The positions of the selected ones.
     const IndexSet& selection() const noexcept { return selection_; }
+    /// How many elements there are.
     std::int64_t count() const noexcept { return detail::countOf(elements_); }
     /// The elements with their flags.
     std::vector<Entry> entries() const;
 
+    /// The one that will be handed the next change.
     const EditionHandler& editionHandler() const noexcept { return *editionHandler_; }
     /// A handler may set another one while it runs, for the changes to come.
     void setEditionHandler(EditionHandler handler) {
@@ -84,27 +91,36 @@ public:
     /// the selection already.
     void select(IndexSet indexes);
 
+    /// `insert`, `remove` and `move` at an end of the list, for the selection, or for everything.
+    /// @{
     void prepend(std::vector<Element> elements) { insert(std::move(elements), 0); }
     void append(std::vector<Element> elements) { insert(std::move(elements), count()); }
     void removeSelectedElements() { remove(selection_); }
     void removeAllElements() { remove(this->allIndexes()); }
     void moveSelectedElements(std::int64_t to) { move(selection_, to); }
+    /// @}
     /// Nothing for an empty list.
     void selectLast() {
         if (count() > 0)
             select({count() - 1});
     }
 
+    /// Null when nothing is selected.
+    /// @{
     const Element* firstSelectedElement() const { return elementAt(selection_.first()); }
     const Element* lastSelectedElement() const { return elementAt(selection_.last()); }
+    /// @}
     /// The selected element when exactly one is, else null.
     const Element* singleSelectedElement() const { return elementAt(selection_.singleIndex()); }
     /// In ascending position order.
     std::vector<Element> selectedElements() const { return at(elements_, selection_); }
 
+    /// Whether the operation of that name would do anything.
+    /// @{
     bool canRemoveAllElements() const noexcept { return count() > 0; }
     bool canRemoveSelectedElements() const noexcept { return !this->isSelectionEmpty(); }
     bool canMoveSelectedElements() const noexcept { return !this->isSelectionEmpty(); }
+    /// @}
 
     /// Equal elements in the same order with the same selection.
     friend bool operator==(const SelectableArray& a,

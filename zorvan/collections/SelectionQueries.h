@@ -15,8 +15,11 @@ namespace zorvan {
 template <class List>
 class SelectionQueries {
 public:
+    /// Whether nothing, or exactly one, is selected.
+    /// @{
     bool isSelectionEmpty() const noexcept { return list().selection().isEmpty(); }
     bool isSelectionSingle() const noexcept { return list().selection().isSingle(); }
+    /// @}
     /// True for an empty list.
     bool isSelectionFull() const noexcept { return list().selection().count() == list().count(); }
 
@@ -28,8 +31,11 @@ public:
     bool canSelectNext(std::int64_t step = 1) const noexcept {
         return !isSelectionEmpty() && stepped(step) <= list().count() - 1;
     }
+    /// Whether `selectAll`, or `deselectAll`, would change anything.
+    /// @{
     bool canSelectAll() const noexcept { return !isSelectionFull(); }
     bool canDeselectAll() const noexcept { return !isSelectionEmpty(); }
+    /// @}
 
     /// Nothing for an empty list.
     void selectFirst() {
@@ -53,10 +59,14 @@ public:
         if (!isSelectionEmpty())
             selectAt(std::min(stepped(step), list().count() - 1));
     }
+    /// Every position, or none.
+    /// @{
     void selectAll() { list().select(allIndexes()); }
     void deselectAll() { list().select({}); }
+    /// @}
 
 protected:
+    /// Every position of the list.
     IndexSet allIndexes() const { return IndexSet(IndexSet::Range{0, list().count()}); }
 
 private:

@@ -27,6 +27,7 @@ using TransformedPresent = typename Transformed<Range, Transform>::value_type;
 
 } // namespace detail
 
+/// What the transform gives, equal results once.
 template <std::ranges::input_range Range, class Transform>
 auto mapToSet(Range&& range, Transform transform) {
     std::unordered_set<detail::Transformed<Range, Transform>> result;
@@ -35,6 +36,7 @@ auto mapToSet(Range&& range, Transform transform) {
     return result;
 }
 
+/// What the transform gives but for absent results, equal ones once.
 template <std::ranges::input_range Range, class Transform>
 auto compactMapToSet(Range&& range, Transform transform) {
     std::unordered_set<detail::TransformedPresent<Range, Transform>> result;
@@ -56,6 +58,7 @@ auto mapEntries(Range&& range, Transform transform) {
     return result;
 }
 
+/// As `mapEntries`; an absent pair is left out.
 template <std::ranges::input_range Range, class Transform>
 auto compactMapEntries(Range&& range, Transform transform) {
     using Pair = detail::TransformedPresent<Range, Transform>;
@@ -75,6 +78,7 @@ IndexSet mapIndexSet(Range&& range, Transform transform) {
     return IndexSet::of(members);
 }
 
+/// As `mapIndexSet`; an absent position is left out.
 template <std::ranges::input_range Range, class Transform>
 IndexSet compactMapIndexSet(Range&& range, Transform transform) {
     std::vector<std::int64_t> members;

@@ -19,13 +19,16 @@ enum class ColorSpace { gray, rgb };
 /// Components are clamped to 0 to 1; NaN becomes 0.
 class CGColor {
 public:
+    /// A grey.
     struct Gray {
-        Required<double> gray;
-        Required<double> alpha;
+        Required<double> gray;  ///< From 0, black, to 1, white.
+        Required<double> alpha; ///< 1 is opaque.
     };
+    /// A mixture of red, green and blue.
     struct FromRGBA {
         Required<RGBA> rgba;
     };
+    /// What `RGBA::make` reads.
     struct HexString {
         Required<std::string_view> hexString;
     };
@@ -33,6 +36,7 @@ public:
     [[nodiscard]] static constexpr CGColor create(Gray argument) noexcept {
         return {ColorSpace::gray, {argument.gray, argument.gray, argument.gray, argument.alpha}};
     }
+    /// From red, green, blue and alpha, also when the first three are equal: the space is `rgb`.
     [[nodiscard]] static constexpr CGColor create(FromRGBA argument) noexcept {
         return {ColorSpace::rgb, argument.rgba};
     }
@@ -42,12 +46,17 @@ public:
     /// Opaque, each channel one of the hundred values 0, 0.01, ..., 0.99.
     [[nodiscard]] static CGColor randomColor();
 
+    /// The `NSColor` of that name. There is no black, white or clear here.
+    /// @{
     static const CGColor blue, brown, cyan, darkGray, gray, green, lightGray, magenta, orange,
         purple, red, yellow;
+    /// @}
 
+    /// As it was made.
     [[nodiscard]] constexpr ColorSpace colorSpace() const noexcept { return space_; }
     /// As red, green, blue and alpha; the first three are equal for a grey.
     [[nodiscard]] constexpr RGBA rgba() const noexcept { return rgba_; }
+    /// 1 is opaque.
     [[nodiscard]] constexpr double alpha() const noexcept { return rgba_.a; }
     /// Grey and alpha, or red, green, blue and alpha.
     [[nodiscard]] std::vector<double> components() const;

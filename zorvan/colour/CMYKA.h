@@ -6,23 +6,30 @@ namespace zorvan {
 
 /// A colour by cyan, magenta, yellow, black and alpha, each from 0 to 1 by convention.
 struct CMYKA {
+    /// From 0 to 1; nothing clamps it.
+    /// @{
     double c = 0;
     double m = 0;
     double y = 0;
     double k = 0;
     double a = 0;
+    /// @}
 
     constexpr CMYKA() noexcept = default;
+    /// The components as they are.
     constexpr CMYKA(double c_, double m_, double y_, double k_, double a_) noexcept
         : c(c_), m(m_), y(y_), k(k_), a(a_) {}
 
     /// "CMYKA(0.0, 0.0, 0.0, 0.0, 0.0)"
     [[nodiscard]] std::string description() const;
 
+    /// The colour of that name; `zero` is all 0, which is a transparent white.
+    /// @{
     static const CMYKA zero;
     static const CMYKA black;
     static const CMYKA white;
     static const CMYKA clear;
+    /// @}
 
     friend constexpr bool operator==(const CMYKA&, const CMYKA&) = default;
 };

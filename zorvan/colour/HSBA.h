@@ -6,22 +6,29 @@ namespace zorvan {
 
 /// A colour by hue, saturation, brightness and alpha, each from 0 to 1 by convention.
 struct HSBA {
+    /// From 0 to 1; nothing clamps it.
+    /// @{
     double h = 0;
     double s = 0;
     double b = 0;
     double a = 0;
+    /// @}
 
     constexpr HSBA() noexcept = default;
+    /// The components as they are.
     constexpr HSBA(double h_, double s_, double b_, double a_) noexcept
         : h(h_), s(s_), b(b_), a(a_) {}
 
     /// "HSBA(0.0, 0.0, 0.0, 0.0)"
     [[nodiscard]] std::string description() const;
 
+    /// The colour of that name; `zero` is all 0, as `clear` is.
+    /// @{
     static const HSBA zero;
     static const HSBA black;
     static const HSBA white;
     static const HSBA clear;
+    /// @}
 
     friend constexpr bool operator==(const HSBA&, const HSBA&) = default;
 };

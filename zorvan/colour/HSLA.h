@@ -6,22 +6,29 @@ namespace zorvan {
 
 /// A colour by hue, saturation, lightness and alpha, each from 0 to 1 by convention.
 struct HSLA {
+    /// From 0 to 1; nothing clamps it.
+    /// @{
     double h = 0;
     double s = 0;
     double l = 0;
     double a = 0;
+    /// @}
 
     constexpr HSLA() noexcept = default;
+    /// The components as they are.
     constexpr HSLA(double h_, double s_, double l_, double a_) noexcept
         : h(h_), s(s_), l(l_), a(a_) {}
 
     /// "HSLA(0.0, 0.0, 0.0, 0.0)"
     [[nodiscard]] std::string description() const;
 
+    /// The colour of that name; `zero` is all 0, as `clear` is.
+    /// @{
     static const HSLA zero;
     static const HSLA black;
     static const HSLA white;
     static const HSLA clear;
+    /// @}
 
     friend constexpr bool operator==(const HSLA&, const HSLA&) = default;
 };

@@ -9,11 +9,14 @@ namespace zorvan {
 /// Turns hexadecimal colour text into an `NSColor` and back.
 class HexNSColorTransformer : public NSValueTransformer {
 public:
+    /// What `registerIfNeeded` registers it under.
     static constexpr const char* name = "HexNSColorTransformer";
 
     /// Registers one under `name` unless something is.
     static void registerIfNeeded();
+    /// `NSColor`.
     [[nodiscard]] static const std::type_info& transformedValueClass() noexcept;
+    /// Colours become text again.
     [[nodiscard]] static constexpr bool allowsReverseTransformation() noexcept { return true; }
 
     /// Text (`std::string`, `std::string_view` or `const char*`) gives its colour, absent when it

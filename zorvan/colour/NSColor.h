@@ -17,16 +17,22 @@ class NSGradient;
 /// Components are clamped to 0 to 1; NaN becomes 0.
 class NSColor {
 public:
+    /// A mixture of red, green and blue.
     struct Components {
+        /// From 0 to 1; what lies outside is clamped.
+        /// @{
         Required<double> red;
         Required<double> green;
         Required<double> blue;
         Required<double> alpha;
+        /// @}
     };
+    /// A grey.
     struct White {
-        Required<double> white;
-        Required<double> alpha;
+        Required<double> white; ///< From 0, black, to 1, white.
+        Required<double> alpha; ///< 1 is opaque.
     };
+    /// What `RGBA::make` reads.
     struct HexString {
         Required<std::string_view> hexString;
     };
@@ -34,31 +40,43 @@ public:
     /// `NSColor({.red = 1, .green = 0.5, .blue = 0, .alpha = 1})`.
     explicit constexpr NSColor(Components c) noexcept
         : NSColor(RGBA(c.red, c.green, c.blue, c.alpha)) {}
+    /// From red, green, blue and alpha, also when the first three are equal: the space is `rgb`.
     explicit constexpr NSColor(const RGBA& rgba) noexcept
         : color_(CGColor::create({.rgba = rgba})) {}
     /// A grey: `NSColor({.white = 0.5, .alpha = 1})`.
     explicit constexpr NSColor(White grey) noexcept
         : color_(CGColor::create({.gray = grey.white, .alpha = grey.alpha})) {}
+    /// The same colour and space.
     explicit constexpr NSColor(const CGColor& color) noexcept : color_(color) {}
     /// Absent when `RGBA` does not parse the text.
     [[nodiscard]] static std::optional<NSColor> make(HexString argument);
 
+    /// `black` to `white` are greys: `darkGray` a third, `gray` a half and `lightGray` two thirds
+    /// white. `clear` is transparent black. The others mix red, green and blue.
+    /// @{
     static const NSColor black, blue, brown, clear, cyan, darkGray, gray, green, lightGray, magenta,
         orange, purple, red, white, yellow;
+    /// @}
 
+    /// As it was made.
     [[nodiscard]] constexpr ColorSpace colorSpace() const noexcept { return color_.colorSpace(); }
+    /// From 0 to 1. Of a grey the first three are equal.
+    /// @{
     [[nodiscard]] constexpr double redComponent() const noexcept { return rgba().r; }
     [[nodiscard]] constexpr double greenComponent() const noexcept { return rgba().g; }
     [[nodiscard]] constexpr double blueComponent() const noexcept { return rgba().b; }
     [[nodiscard]] constexpr double alphaComponent() const noexcept { return rgba().a; }
     [[nodiscard]] constexpr RGBA rgba() const noexcept { return color_.rgba(); }
+    /// @}
     /// As `RGBA::hexString()`: six digits when opaque, else eight.
     [[nodiscard]] std::string hexString() const { return rgba().hexString(); }
+    /// The same colour for the drawing services.
     [[nodiscard]] constexpr CGColor cgColor() const noexcept { return color_; }
     /// The gradient of this colour alone; every colour has one. Declared in
     /// <zorvan/colour/NSGradient.h>.
     [[nodiscard]] std::optional<NSGradient> gradient() const;
 
+    /// The same colour at another opacity; it is clamped to 0 to 1.
     [[nodiscard]] constexpr NSColor withAlphaComponent(double alpha) const noexcept {
         return withComponents({rgba().r, rgba().g, rgba().b, alpha}, colorSpace());
     }

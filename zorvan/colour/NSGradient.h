@@ -14,13 +14,15 @@ namespace zorvan {
 /// A gradient as interfaces hold it: at least one colour, each at a location from 0 to 1.
 class NSGradient {
 public:
+    /// Colours and, if they are not to be evenly spaced, where they stand.
     struct Stops {
-        std::vector<NSColor> colors;
-        std::optional<std::vector<double>> locations = {};
+        std::vector<NSColor> colors;                       ///< In the order of the stops.
+        std::optional<std::vector<double>> locations = {}; ///< One for each colour, from 0 to 1.
     };
+    /// A colour of the gradient and where it stands.
     struct Stop {
-        NSColor color;
-        double location;
+        NSColor color;   ///< As it was given.
+        double location; ///< From 0 to 1.
 
         friend constexpr bool operator==(const Stop&, const Stop&) = default;
     };
@@ -30,16 +32,19 @@ public:
     /// location lies outside 0 to 1.
     [[nodiscard]] static std::optional<NSGradient> make(Stops stops);
 
+    /// At least 1.
     [[nodiscard]] std::int64_t numberOfColorStops() const noexcept {
         return static_cast<std::int64_t>(colorStops().colors.size());
     }
     /// Stops the program when there is no such stop.
     [[nodiscard]] Stop colorStop(std::int64_t index) const noexcept;
     /// All of them, in order.
+    /// @{
     [[nodiscard]] const ColorStops& colorStops() const& noexcept { return stops_.colorStops(); }
     [[nodiscard]] ColorStops colorStops() && noexcept { return std::move(stops_).colorStops(); }
+    /// @}
     /// The same stops for the drawing services; every gradient has one.
-    [[nodiscard]] std::optional<CGGradient> cgGradient() const { return stops_; }
+    [[nodiscard]] std::optional<CGGradient> cgGradient() const;
 
     friend bool operator==(const NSGradient&, const NSGradient&) = default;
 

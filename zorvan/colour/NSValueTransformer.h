@@ -14,8 +14,10 @@ namespace zorvan {
 /// thread; a transformer too, unless it says otherwise.
 class NSValueTransformer {
 public:
+    /// Transformers are destroyed as such.
     virtual ~NSValueTransformer() = default;
 
+    /// The value of the other class; an empty `std::any` when there is none.
     [[nodiscard]] virtual std::any transformedValue(const std::any& value) const = 0;
     /// Absent unless the transformer works both ways.
     [[nodiscard]] virtual std::any reverseTransformedValue(const std::any& value) const;

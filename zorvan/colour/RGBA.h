@@ -13,25 +13,36 @@ namespace zorvan {
 /// Stored in the order red, blue, green, alpha; made, printed and written in hexadecimal in the
 /// order red, green, blue, alpha.
 struct RGBA {
+    /// From 0 to 1; nothing clamps it.
+    /// @{
     double r = 0;
     double b = 0;
     double g = 0;
     double a = 0;
+    /// @}
 
+    /// The components in the order they are spoken of.
     struct Components {
+        /// As it is, not clamped.
+        /// @{
         Required<double> r;
         Required<double> g;
         Required<double> b;
         Required<double> a;
+        /// @}
     };
+    /// A text for `make`.
     struct HexString {
         Required<std::string_view> hexString;
     };
 
     constexpr RGBA() noexcept = default;
+    /// The components as they are, not clamped.
+    /// @{
     constexpr RGBA(double r_, double g_, double b_, double a_) noexcept
         : r(r_), b(b_), g(g_), a(a_) {}
     explicit constexpr RGBA(Components c) noexcept : RGBA(c.r, c.g, c.b, c.a) {}
+    /// @}
 
     /// Reads "#RGB", "#RGBA", "#RRGGBB" or "#RRGGBBAA": `RGBA::make({.hexString = "#F80"})`.
     ///
@@ -52,10 +63,13 @@ struct RGBA {
     /// "RGBA(1.0, 0.5, 0.0, 1.0)"
     [[nodiscard]] std::string description() const;
 
+    /// The colour of that name; `zero` is all 0, as `clear` is.
+    /// @{
     static const RGBA zero;
     static const RGBA black;
     static const RGBA white;
     static const RGBA clear;
+    /// @}
 
     friend constexpr bool operator==(const RGBA&, const RGBA&) = default;
 };

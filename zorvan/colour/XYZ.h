@@ -8,21 +8,31 @@ struct LAB;
 
 /// A colour by CIE 1931 tristimulus values under D65; Y of white is 100.
 struct XYZ {
+    /// As the model has it, not divided by 100.
+    /// @{
     double x = 0;
     double y = 0;
     double z = 0;
+    /// @}
 
+    /// Of white.
+    /// @{
     static constexpr double referenceX = 95.047;
     static constexpr double referenceY = 100;
     static constexpr double referenceZ = 108.883;
+    /// @}
 
     constexpr XYZ() noexcept = default;
+    /// The values as they are.
     constexpr XYZ(double x_, double y_, double z_) noexcept : x(x_), y(y_), z(z_) {}
+    /// The conversion between the models. `rgb` clamps what its gamut does not have.
+    /// @{
     explicit XYZ(RGB rgb) noexcept;
     explicit XYZ(const LAB& lab) noexcept;
 
     [[nodiscard]] RGB rgb() const noexcept { return RGB(*this); }
     [[nodiscard]] LAB lab() const noexcept;
+    /// @}
 
     friend constexpr bool operator==(const XYZ&, const XYZ&) = default;
 };

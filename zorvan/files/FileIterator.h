@@ -35,8 +35,8 @@ namespace zorvan {
 /// next root on. Not safe to share between threads.
 class FileIterator {
 public:
-    using Types = std::vector<UTIType>;
-    using Extensions = std::unordered_set<std::string>;
+    using Types = std::vector<UTIType>;                 ///< Any of them will do.
+    using Extensions = std::unordered_set<std::string>; ///< Without a dot.
     class Iterator;
 
     /// Looks at no file yet. Only file URLs stand for anything.
@@ -50,38 +50,52 @@ public:
 
     /// Takes the first file at once, as every step does.
     Iterator begin();
+    /// Where every root has been visited.
     std::default_sentinel_t end() const noexcept { return {}; }
 
+    /// The roots, as they were given.
     const std::vector<URL>& urls() const noexcept { return urls_; }
 
     /// Whether aliases and symbolic links are left out. False at first.
+    /// @{
     bool skipAlias() const noexcept { return skipAlias_; }
     void setSkipAlias(bool value) noexcept { skipAlias_ = value; }
+    /// @}
 
     /// Whether names that begin with a dot are left out below a root, and with a hidden folder what
     /// it holds. True at first.
+    /// @{
     bool skipHiddenFiles() const noexcept { return skipHiddenFiles_; }
     void setSkipHiddenFiles(bool value) noexcept { skipHiddenFiles_ = value; }
+    /// @}
 
     /// Whether only a root's own entries count, not those of its sub-folders. True at first.
+    /// @{
     bool skipSubdirectoryDescendants() const noexcept { return skipSubdirectoryDescendants_; }
     void setSkipSubdirectoryDescendants(bool value) noexcept {
         skipSubdirectoryDescendants_ = value;
     }
+    /// @}
 
     /// Whether packages below a root stay closed. True at first.
+    /// @{
     bool skipPackageDescendants() const noexcept { return skipPackageDescendants_; }
     void setSkipPackageDescendants(bool value) noexcept { skipPackageDescendants_ = value; }
+    /// @}
 
     /// Lets through files whose extension's type conforms to one of these. Absent or empty: no such
     /// filter. With `allowedFiles` set as well, a file need pass one of the two only.
+    /// @{
     const std::optional<Types>& allowedTypes() const noexcept { return allowedTypes_; }
     void setAllowedTypes(std::optional<Types> types);
+    /// @}
 
     /// Lets through files with one of these extensions, which are given in lower case without a
     /// dot: the file's own extension is lowered, the ones given here are not.
+    /// @{
     const std::optional<Extensions>& allowedFiles() const noexcept { return allowedFiles_; }
     void setAllowedFiles(std::optional<Extensions> extensions);
+    /// @}
 
     /// The position of the root being visited; -1 before the first and after the end.
     std::int64_t index() const noexcept { return index_; }
@@ -122,20 +136,30 @@ private:
 /// An input iterator over a `FileIterator`, which must outlive it.
 class FileIterator::Iterator {
 public:
+    /// What the standard library asks of an iterator.
+    /// @{
     using iterator_concept = std::input_iterator_tag;
     using value_type = URL;
     using difference_type = std::ptrdiff_t;
+    /// @}
 
     Iterator() = default;
 
+    /// The file last taken; there must be one.
+    /// @{
     const URL& operator*() const noexcept { return *current_; }
     const URL* operator->() const noexcept { return &*current_; }
+    /// @}
+    /// Takes the next file.
+    /// @{
     Iterator& operator++() {
         current_ = files_->next();
         return *this;
     }
     void operator++(int) { ++*this; }
+    /// @}
 
+    /// Whether every root has been visited.
     friend bool operator==(const Iterator& iterator, std::default_sentinel_t) noexcept {
         return !iterator.current_;
     }

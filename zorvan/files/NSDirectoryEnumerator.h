@@ -14,7 +14,7 @@ class DirectoryWalk;
 
 /// What a directory enumerator leaves out; the sum of the options that are set.
 enum class NSDirectoryEnumerationOptions : unsigned {
-    none = 0,
+    none = 0, ///< Nothing.
     /// Only the directory's own entries.
     skipsSubdirectoryDescendants = 1,
     /// A directory whose extension's type conforms to the package type is an entry, but what it
@@ -24,6 +24,8 @@ enum class NSDirectoryEnumerationOptions : unsigned {
     skipsHiddenFiles = 4,
 };
 
+/// What is in either, or in both.
+/// @{
 constexpr NSDirectoryEnumerationOptions operator|(NSDirectoryEnumerationOptions a,
                                                   NSDirectoryEnumerationOptions b) noexcept {
     return static_cast<NSDirectoryEnumerationOptions>(static_cast<unsigned>(a) |
@@ -34,6 +36,7 @@ constexpr NSDirectoryEnumerationOptions operator&(NSDirectoryEnumerationOptions 
     return static_cast<NSDirectoryEnumerationOptions>(static_cast<unsigned>(a) &
                                                       static_cast<unsigned>(b));
 }
+/// @}
 
 /// Gives everything below a directory, one URL at a time: each directory before what it holds,
 /// entries in the order of the file system.
@@ -47,6 +50,7 @@ public:
     /// directory is none.
     static std::shared_ptr<NSDirectoryEnumerator> create(const URL& url,
                                                          NSDirectoryEnumerationOptions options);
+    /// Closes what it holds open.
     ~NSDirectoryEnumerator();
 
     /// The next entry; absent at the end.

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <zorvan/files/NSDirectoryEnumerator.h>
+#include <zorvan/platform/bundles/NSBundle.h>
 #include <zorvan/platform/foundation/Data.h>
 #include <zorvan/platform/foundation/URL.h>
-#include <zorvan/platform/bundles/NSBundle.h>
 
 #include <cstdint>
 #include <memory>
@@ -21,28 +21,35 @@ namespace zorvan {
 /// of the system; a URL that is not a file's is `std::errc::invalid_argument`.
 class NSFileManager {
 public:
+    /// What stands at a place.
     struct Content {
-        bool exist = false;
-        bool isDir = false;
+        bool exist = false; ///< Whether anything does.
+        bool isDir = false; ///< Whether it is a directory; false when nothing is there.
     };
+    /// The extension to take, without its dot; empty for none.
     struct PathExtension {
         std::string_view pathExt;
     };
+    /// The URL whose extension to take.
     struct Model {
         Required<URL> for_;
     };
+    /// The extension to take, and whose folder.
     struct PathExtensionInBundle {
-        std::string_view pathExt;
-        Required<std::shared_ptr<const NSBundle>> bundle;
+        std::string_view pathExt;                         ///< Without its dot; empty for none.
+        Required<std::shared_ptr<const NSBundle>> bundle; ///< Must not be null.
     };
+    /// The URL whose extension to take, and whose folder.
     struct ModelInBundle {
-        Required<URL> for_;
-        Required<std::shared_ptr<const NSBundle>> bundle;
+        Required<URL> for_;                               ///< Asked for its path extension only.
+        Required<std::shared_ptr<const NSBundle>> bundle; ///< Must not be null.
     };
+    /// Whether to look into sub-folders.
     struct Recursive {
         bool recursive;
     };
 
+    /// The one there is.
     static const std::shared_ptr<NSFileManager>& defaultManager();
 
     /// What stands at the URL, symbolic links followed: a link that leads nowhere does not exist,
@@ -53,8 +60,10 @@ public:
 
     /// "/Users/", the login name, "/": where the files of users stand on systems that keep
     /// programs in sandboxes. Made of text alone; it need not exist.
+    /// @{
     std::string noSandboxHomePath() const;
     URL noSandboxHomeURL() const;
+    /// @}
 
     /// The folder of the main bundle's name in "Library/Application Support" of `noSandboxHomeURL`.
     /// Absent when the main bundle has no "CFBundleName".
@@ -65,15 +74,20 @@ public:
     /// no "CFBundleName", or the user no home. Nothing is created.
     std::optional<URL> bundleSupportDirectoryURL() const;
 
-    /// Creates a folder, and those on the way to it that are missing. A folder that is there
-    /// already is left alone. Gives the URL of the folder. Throws.
+    /// Creates a folder, and those on the way to it that are missing. With a component, the folder
+    /// of that name in it. A folder that is there already is left alone. Gives the URL of the
+    /// folder. Throws.
+    /// @{
     URL createDirectory(const URL& url) const;
     URL createDirectory(const URL& url, std::string_view pathComponent) const;
+    /// @}
 
     /// Creates `bundleSupportDirectoryURL`, or a folder in it. Absent when that is absent or cannot
     /// be created.
+    /// @{
     std::optional<URL> createBundleSupportDirectory() const;
     std::optional<URL> createBundleSupportDirectoryWithComponent(std::string_view component) const;
+    /// @}
 
     // Names for new files.
 
@@ -86,8 +100,10 @@ public:
 
     /// The same in a folder that is named by the bundle's identifier, or by a UUID when it has
     /// none. The folder is created, for the user alone; when that fails, so will making the file.
+    /// @{
     URL temporaryURL(const PathExtensionInBundle& argument) const;
     URL temporaryURL(const ModelInBundle& argument) const;
+    /// @}
 
     /// The URL itself when nothing exists there, else the first free one of "photo (0).jpg",
     /// "photo (1).jpg" and so on beside it. A symbolic link takes its name even when it leads
@@ -103,8 +119,10 @@ public:
     /// and gives its URL. However many processes call it at once, each gets a name of its own, and
     /// nothing that exists is touched. The file appears in one step, with all its bytes; the disk
     /// is not waited for. Throws.
+    /// @{
     URL createAvailableFile(const URL& url, std::span<const std::byte> contents = {}) const;
     URL createAvailableDirectory(const URL& url) const;
+    /// @}
 
     /// Moves an item to the first of those names that is free, with the same promise. Between
     /// volumes the item is copied first, and removed when the copy has its name. Throws.
@@ -114,8 +132,10 @@ public:
 
     /// When the item's content changed last, or when it was created. Absent when that cannot be
     /// found out; not every file system keeps the date of creation.
+    /// @{
     std::optional<Date> modifyDateForFile(const URL& url) const;
     std::optional<Date> createDateForFile(const URL& url) const;
+    /// @}
 
     /// The size in units of 1024 bytes, the rest dropped. Absent when it cannot be found out.
     std::optional<std::int64_t> sizeInMoOfItem(const URL& url) const;

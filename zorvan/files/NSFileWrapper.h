@@ -21,17 +21,22 @@ namespace zorvan {
 /// Errors of the system are thrown as `std::filesystem::filesystem_error`.
 class NSFileWrapper {
 public:
+    /// What a folder holds, by name.
     using Children = std::map<std::string, std::shared_ptr<NSFileWrapper>, std::less<>>;
 
+    /// Where a folder is read from.
     struct Place {
         Required<URL> url;
     };
+    /// The bytes of a file.
     struct RegularFile {
         Required<Data> regularFileWithContents;
     };
+    /// What a folder holds.
     struct Directory {
         Required<Children> directoryWithFileWrappers;
     };
+    /// Where a link leads.
     struct SymbolicLink {
         Required<std::string> symbolicLinkWithDestination;
     };
@@ -41,20 +46,28 @@ public:
     /// empty. Throws, also when a file is in the way.
     static std::shared_ptr<NSFileWrapper> create(const Place& place);
 
+    /// A file, folder or link in memory alone, without a name.
+    /// @{
     static std::shared_ptr<NSFileWrapper> create(RegularFile file);
     static std::shared_ptr<NSFileWrapper> create(Directory directory);
     static std::shared_ptr<NSFileWrapper> create(SymbolicLink link);
+    /// @}
 
+    /// Which of the three it is; it is exactly one.
+    /// @{
     bool isDirectory() const noexcept { return std::holds_alternative<Children>(content_); }
     bool isSymbolicLink() const noexcept { return std::holds_alternative<Link>(content_); }
     bool isRegularFile() const noexcept { return !isDirectory() && !isSymbolicLink(); }
+    /// @}
 
     /// The name it was read under; empty for one that was not read.
     const std::string& filename() const noexcept { return filename_; }
 
     /// The name it is to have in a folder that it is added to: at first that it was read under.
+    /// @{
     const std::string& preferredFilename() const noexcept { return preferredFilename_; }
     void setPreferredFilename(std::string name) { preferredFilename_ = std::move(name); }
+    /// @}
 
     /// What a folder holds, by name. Stops the program when this is no folder.
     const Children& fileWrappers() const;

@@ -19,7 +19,7 @@ namespace zorvan {
 /// thread.
 class NSPasteboard {
 public:
-    using Object = std::variant<URL, std::string>;
+    using Object = std::variant<URL, std::string>; ///< What it can hold.
 
     /// The one that cut, copy and paste share.
     static const std::shared_ptr<NSPasteboard>& generalPasteboard();
@@ -33,6 +33,7 @@ public:
     /// Adds objects after those that are there.
     void writeObjects(std::vector<Object> objects);
 
+    /// All that is there, in the order it was written.
     std::vector<Object> objects() const;
 
     /// Grows each time the pasteboard is cleared.

@@ -31,6 +31,7 @@ URL parentOrSelf(const URL& url);
 
 /// What the file system knows of an item itself, not of what it may point to.
 struct URLResourceValues {
+    /// True for a link whether it leads anywhere or not.
     bool isSymbolicLink = false;
     /// True for a symbolic link as well: there is no other kind of alias here.
     bool isAliasFile = false;
@@ -56,15 +57,19 @@ struct ConformsToOneOf {
 
 /// Whether the type of the path extension conforms to the given one, or to one of the given ones.
 /// False when the extension has no type.
+/// @{
 [[nodiscard]] bool conforms(const URL& url, const UTIType& type);
 [[nodiscard]] bool conforms(const URL& url, const ConformsToOneOf& argument);
+/// @}
 
 /// Whether this process may read the file, write it, or remove it. True for a URL that is not a
 /// file's, false where nothing exists. A directory with entries counts as deletable when it may be
 /// emptied: its own permissions are asked, not those of what it holds.
+/// @{
 [[nodiscard]] bool isReadable(const URL& url);
 [[nodiscard]] bool isWritable(const URL& url);
 [[nodiscard]] bool isDeletable(const URL& url);
+/// @}
 
 /// Whether the permission bits let this process read and write the item: the owner's bits when it
 /// runs as the owner, else the group's when it is of the group, else the others'. Bits alone: the
@@ -92,6 +97,7 @@ public:
     explicit SharedFileLock(const URL& url);
     SharedFileLock(const SharedFileLock&) = delete;
     SharedFileLock& operator=(const SharedFileLock&) = delete;
+    /// Lets the lock go.
     ~SharedFileLock();
 
     /// False when the file could not be opened or locked.

@@ -18,12 +18,15 @@ namespace zorvan {
 /// Types are equal when their identifiers are, the case of ASCII letters aside.
 class UTIType {
 public:
+    /// An identifier, known or not.
     struct Identifier {
         Required<std::string> identifier;
     };
+    /// An extension without its dot.
     struct FileExtension {
         Required<std::string_view> fileExtension;
     };
+    /// A code of four characters, the first in the highest byte.
     struct Type {
         Required<std::uint32_t> type;
     };
@@ -38,15 +41,20 @@ public:
     /// none is known.
     static std::optional<UTIType> make(FileExtension argument);
 
+    /// As it was given, or as the tables have it.
+    /// @{
     const std::string& identifier() const& noexcept { return identifier_; }
     std::string identifier() && noexcept { return std::move(identifier_); }
+    /// @}
 
     /// The code whose four characters the identifier is; 0 when it is no such text.
     std::uint32_t osType() const noexcept;
 
     /// Whether this type is the other or a special case of it.
+    /// @{
     [[nodiscard]] bool conforms(std::string_view identifier) const;
     [[nodiscard]] bool conforms(const UTIType& other) const;
+    /// @}
 
     /// What a person would call it, in the language of the environment where it is known, else in
     /// English. Absent for an unknown type.
@@ -56,6 +64,8 @@ public:
     /// each when there is something to say. Absent for an unknown type.
     std::optional<PropertyList::Dictionary> declaration() const;
 
+    /// The type of that name, made on first use; see `UTCoreTypes.h` for its identifier.
+    /// @{
     static const UTIType& item();
     static const UTIType& content();
     static const UTIType& compositeContent();
@@ -118,7 +128,9 @@ public:
     static const UTIType& applicationFile();
     static const UTIType& vCard();
     static const UTIType& inkText();
+    /// @}
 
+    /// Of the same identifier, the case of ASCII letters aside.
     friend bool operator==(const UTIType& a, const UTIType& b) noexcept;
 
 private:

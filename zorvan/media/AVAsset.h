@@ -18,10 +18,11 @@ namespace zorvan {
 /// threads may share it.
 class AVAsset {
 public:
+    /// What an asset is made of that stands for no file.
     struct Parts {
-        Required<std::vector<AVAssetTrack>> tracks;
-        std::vector<AVMetadataItem> metadata = {};
-        CMTime duration = kCMTimeIndefinite;
+        Required<std::vector<AVAssetTrack>> tracks; ///< None for one that is not readable.
+        std::vector<AVMetadataItem> metadata = {};  ///< In the order they are looked through.
+        CMTime duration = kCMTimeIndefinite;        ///< Indefinite when it is not known.
     };
 
     /// Reads the file, and decodes nothing as long as its header says how large the pictures are;
@@ -37,9 +38,11 @@ public:
     /// Whether there is any track.
     bool isReadable() const noexcept { return !tracks_.empty(); }
 
-    /// In the order of the file.
+    /// In the order of the file; with a type, those of it alone.
+    /// @{
     std::vector<AVAssetTrack> tracks() const { return tracks_; }
     std::vector<AVAssetTrack> tracksWithMediaType(AVMediaType type) const;
+    /// @}
     /// In the order of the file, but the date that the container states for itself comes last.
     std::vector<AVMetadataItem> metadata() const { return metadata_; }
     /// Of the longest track; indefinite when it is not known.

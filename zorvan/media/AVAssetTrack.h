@@ -9,7 +9,7 @@ namespace zorvan {
 
 /// One track of a media asset.
 struct AVAssetTrack {
-    AVMediaType mediaType = AVMediaType::other;
+    AVMediaType mediaType = AVMediaType::other; ///< What the track holds.
     /// Frames per second; 0 when it is not known, and for what is no video.
     float nominalFrameRate = 0;
     /// In square pixels, before the transform; (0, 0) for what is no video.

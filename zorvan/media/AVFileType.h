@@ -26,10 +26,14 @@ public:
     [[nodiscard]] std::int64_t index() const noexcept;
 
     /// Extensions of movies and of sounds, in lower case and without a dot.
+    /// @{
     [[nodiscard]] static std::span<const std::string_view> videoExtensions() noexcept;
     [[nodiscard]] static std::span<const std::string_view> audioExtensions() noexcept;
+    /// @}
 };
 
+/// Its type identifier is its raw value.
+/// @{
 inline constinit const AVFileType AVFileTypeAC3({.literal = "public.ac3-audio"});
 inline constinit const AVFileType AVFileTypeAMR({.literal = "org.3gpp.adaptive-multi-rate-audio"});
 inline constinit const AVFileType AVFileTypeDNG({.literal = "com.adobe.raw-image"});
@@ -53,5 +57,6 @@ inline constinit const AVFileType
     AVFileTypeQuickTimeMovie({.literal = "com.apple.quicktime-movie"});
 inline constinit const AVFileType
     AVFileTypeCoreAudioFormat({.literal = "com.apple.coreaudio-format"});
+/// @}
 
 } // namespace zorvan

@@ -9,21 +9,29 @@
 
 namespace zorvan {
 
+/// Where a creation date stands: what the containers have in common, QuickTime metadata and
+/// QuickTime user data.
+/// @{
 inline constexpr NameLiteral AVMetadataCommonIdentifierCreationDate = "common/creationDate";
 inline constexpr NameLiteral AVMetadataIdentifierQuickTimeMetadataCreationDate =
     "mdta/com.apple.quicktime.creationdate";
 inline constexpr NameLiteral AVMetadataIdentifierQuickTimeUserDataCreationDate = "udta/%A9day";
+/// @}
 
+/// Where a location stands: what the containers have in common, QuickTime metadata and QuickTime
+/// user data.
+/// @{
 inline constexpr NameLiteral AVMetadataCommonIdentifierLocation = "common/location";
 inline constexpr NameLiteral AVMetadataIdentifierQuickTimeMetadataLocationISO6709 =
     "mdta/com.apple.quicktime.location.ISO6709";
 inline constexpr NameLiteral AVMetadataIdentifierQuickTimeUserDataLocationISO6709 = "udta/%A9xyz";
+/// @}
 
 /// Something that a media file says of itself.
 struct AVMetadataItem {
     /// The place in the file that it comes from and its name there, such as "udta/%A9day".
     std::string identifier;
-    PropertyList value;
+    PropertyList value; ///< A text, a date, a number or bytes.
 
     /// Absent when the value is no text.
     [[nodiscard]] std::optional<std::string> stringValue() const;

@@ -23,26 +23,35 @@ class PeriodicTimeObserver;
 /// Players do not disturb each other. One that goes away while it plays stops playing first.
 class AVPlayer {
 public:
+    /// Is called with the current time.
     using TimeBlock = std::function<void(const CMTime& time)>;
-    using Completion = AVPlayerItem::Completion;
+    using Completion = AVPlayerItem::Completion; ///< As of a seek.
 
+    /// How often to call, and where.
     struct Interval {
+        /// From one call to the next, in time of the movie.
         Required<CMTime> interval;
         /// Null: the main queue.
         std::shared_ptr<DispatchQueue> queue = {};
     };
+    /// How often to call: times a second.
     struct FPS {
         Required<std::int64_t> fps;
     };
+    /// How many pictures on; back when it is negative.
     struct ByCount {
         Required<std::int64_t> byCount;
     };
 
-    /// A player without an item.
+    /// A player that is paused: without an item, with a new one for the URL, or with that one,
+    /// which must not be in another player.
+    /// @{
     static std::shared_ptr<AVPlayer> create();
     static std::shared_ptr<AVPlayer> create(const URL& url);
     static std::shared_ptr<AVPlayer> create(std::shared_ptr<AVPlayerItem> item);
+    /// @}
 
+    /// Stops playing first, and lets go of the item.
     ~AVPlayer();
     AVPlayer(const AVPlayer&) = delete;
     AVPlayer& operator=(const AVPlayer&) = delete;
@@ -61,6 +70,7 @@ public:
     void setRate(float rate);
     /// `setRate(1)`; at the end of the item it stays there.
     void play() { setRate(1); }
+    /// `setRate(0)`.
     void pause() { setRate(0); }
     /// Whether the rate is not 0; NaN counts as not 0.
     bool isPlaying() const { return rate() != 0; }
@@ -80,8 +90,11 @@ public:
     void seekInaccurately(const CMTime& time, Completion completion = {});
     /// As `AVPlayerItem::step`.
     void step(ByCount count, Completion completion = {});
+    /// One picture on, or back.
+    /// @{
     void seekNextFrame() { step({.byCount = 1}); }
     void seekPreviousFrame() { step({.byCount = -1}); }
+    /// @}
 
     /// Calls the block on the queue with the current time: while it plays, whenever the time of the
     /// movie passes a multiple of the interval; and whenever it jumps, starts, stops or changes its

@@ -22,36 +22,49 @@ class MediaPlayer;
 /// While it is in no player its time is zero, and seeks and steps do nothing.
 class AVPlayerItem {
 public:
+    /// Whether the item can be played.
     enum class Status {
         /// It is in no player, or its file is being opened.
         unknown,
-        readyToPlay,
+        readyToPlay, ///< It can be played.
         /// The file cannot be played. It stays so.
         failed
     };
 
+    /// How many pictures on; back when it is negative.
     struct ByCount {
         Required<std::int64_t> byCount;
     };
+    /// Where to go, and how near.
     struct Seek {
-        Required<CMTime> to;
+        Required<CMTime> to; ///< The time.
+        /// Infinite: what is quick to reach. Anything else: the very picture.
+        /// @{
         CMTime toleranceBefore = kCMTimePositiveInfinity;
         CMTime toleranceAfter = kCMTimePositiveInfinity;
+        /// @}
     };
     /// Called once on the main queue; false when another seek took the place of this one, or when
     /// it could not be done.
     using Completion = std::function<void(bool finished)>;
 
+    /// In no player yet; reads what the asset says of itself, and no more. The asset must not be
+    /// null.
+    /// @{
     static std::shared_ptr<AVPlayerItem> create(const URL& url);
     static std::shared_ptr<AVPlayerItem> create(std::shared_ptr<const AVAsset> asset);
+    /// @}
 
+    /// Leaves its player first.
     ~AVPlayerItem();
     AVPlayerItem(const AVPlayerItem&) = delete;
     AVPlayerItem& operator=(const AVPlayerItem&) = delete;
 
+    /// Never null.
     std::shared_ptr<const AVAsset> asset() const noexcept { return asset_; }
     /// As the asset has it: indefinite when it is not known.
     CMTime duration() const noexcept { return asset_->duration(); }
+    /// As it is now, also while the player is at work.
     Status status() const;
     /// Of the picture on show, or the time between pictures while playing; the time asked for while
     /// a seek is under way.

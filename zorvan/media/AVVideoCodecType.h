@@ -11,6 +11,8 @@ public:
     using StringValue::StringValue;
 };
 
+/// Its four-character code is its raw value.
+/// @{
 inline constinit const AVVideoCodecType AVVideoCodecTypeHEVC({.literal = "hvc1"});
 inline constinit const AVVideoCodecType AVVideoCodecTypeHEVCWithAlpha({.literal = "muxa"});
 inline constinit const AVVideoCodecType AVVideoCodecTypeH264({.literal = "avc1"});
@@ -20,5 +22,6 @@ inline constinit const AVVideoCodecType AVVideoCodecTypeAppleProRes422({.literal
 inline constinit const AVVideoCodecType AVVideoCodecTypeAppleProRes422HQ({.literal = "apch"});
 inline constinit const AVVideoCodecType AVVideoCodecTypeAppleProRes422LT({.literal = "apcs"});
 inline constinit const AVVideoCodecType AVVideoCodecTypeAppleProRes422Proxy({.literal = "apco"});
+/// @}
 
 } // namespace zorvan

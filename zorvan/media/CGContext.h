@@ -28,9 +28,13 @@ class Canvas;
 
 /// Which parts of a gradient are drawn beyond its line or circle. The values may be added.
 enum class CGGradientDrawingOptions {
+    /// Neither.
     none = 0,
+    /// In the first colour, on the side of the start.
     drawsBeforeStartLocation = 1,
+    /// In the last colour, on the side of the end.
     drawsAfterEndLocation = 2,
+    /// Both.
     drawsOnBothSides = 3
 };
 
@@ -66,8 +70,10 @@ public:
     /// context goes; `region` limits it to a part, whose bottom left corner is the origin then.
     /// Empty when nothing of the region lies in the bitmap. Rows are as far apart as those of the
     /// bitmap.
+    /// @{
     static std::shared_ptr<CGContext> create(Bitmap& bitmap);
     static std::shared_ptr<CGContext> create(Bitmap& bitmap, const PixelRect& region);
+    /// @}
     /// A context that draws where a view draws, in the view's own coordinates, inside its clip. It
     /// must go before the bitmap under the canvas does.
     static std::shared_ptr<CGContext> create(Canvas& canvas);
@@ -87,12 +93,15 @@ public:
     CGContext(const CGContext&) = delete;
     CGContext& operator=(const CGContext&) = delete;
 
+    /// The form of the bitmap, in pixels, bits and bytes.
+    /// @{
     std::int64_t width() const noexcept { return width_; }
     std::int64_t height() const noexcept { return height_; }
     std::int64_t bitsPerComponent() const noexcept { return 8; }
     std::int64_t bitsPerPixel() const noexcept { return 32; }
     std::int64_t bytesPerRow() const noexcept { return bytesPerRow_; }
     BitmapLayout layout() const noexcept { return layout_; }
+    /// @}
 
     /// Where pixel (x, y) begins among the bytes, y counting rows downwards. Not checked against
     /// the bitmap; outside the signed 64-bit range it stops the program.
@@ -109,10 +118,13 @@ public:
     /// Takes what is drawn from here on to the bitmap; the identity at first, except on a canvas.
     CGAffineTransform ctm() const noexcept { return state_.ctm; }
     /// Each of these happens before what the transform did so far.
+    /// @{
     void translateBy(double x, double y) noexcept { state_.ctm = state_.ctm.translatedBy(x, y); }
     void scaleBy(double x, double y) noexcept { state_.ctm = state_.ctm.scaledBy(x, y); }
-    /// Counter-clockwise, in radians.
+    /// @}
+    /// Counter-clockwise, in radians; before what the transform did so far.
     void rotate(double angle) noexcept { state_.ctm = state_.ctm.rotatedBy(angle); }
+    /// The map, before what the transform did so far.
     void concatenate(const CGAffineTransform& t) noexcept {
         state_.ctm = t.concatenating(state_.ctm);
     }
@@ -126,66 +138,92 @@ public:
     void useTemporaryGState(Body&& body);
 
     /// Opaque black at first, both.
+    /// @{
     void setFillColor(const CGColor& color) noexcept;
     void setStrokeColor(const CGColor& color) noexcept;
+    /// @}
     /// Fills with a pattern, whose cells stand where they do whatever the transform is; with
     /// `alpha` as opacity.
     void setFillColoredPattern(const CGPattern& pattern, double alpha);
     /// 1 at first; 0 is the thinnest line there is. A negative one draws no lines.
     void setLineWidth(double width) noexcept { state_.stroke.lineWidth = width; }
+    /// Butt ends and mitred corners at first.
+    /// @{
     void setLineCap(CGLineCap cap) noexcept { state_.stroke.lineCap = cap; }
     void setLineJoin(CGLineJoin join) noexcept { state_.stroke.lineJoin = join; }
+    /// @}
     /// 10 at first.
     void setMiterLimit(double limit) noexcept { state_.stroke.miterLimit = limit; }
     /// Lengths drawn and left out in turn, begun `phase` into them; none for a whole line.
     void setLineDash(double phase, std::vector<double> lengths);
     /// Multiplies the alpha of everything that is drawn; 1 at first, clamped to 0 to 1.
+    /// @{
     void setAlpha(double alpha) noexcept;
     double alpha() const noexcept { return state_.style.alpha; }
+    /// @}
     /// `sourceOver` at first.
+    /// @{
     void setCompositingOperation(NSCompositingOperation operation) noexcept {
         state_.style.operation = operation;
     }
     NSCompositingOperation compositingOperation() const noexcept { return state_.style.operation; }
+    /// @}
+    /// True at first.
     void setShouldAntialias(bool should) noexcept { state_.style.isAntialiased = should; }
 
     // The current path. Its points go through the transform of the moment they are added.
 
+    /// Drops the path there was.
     void beginPath() { path_ = {}; }
+    /// Whether nothing has been added to it.
     bool isPathEmpty() const noexcept { return path_.isEmpty(); }
+    /// In drawing coordinates. A line or curve without a current point adds nothing.
+    /// @{
     void moveTo(double x, double y);
     void addLineTo(double x, double y);
     void addCurveTo(CGPoint control1, CGPoint control2, CGPoint end);
+    /// @}
+    /// A line back to where the part began.
     void closePath() { path_.closeSubpath(); }
+    /// As closed parts of their own.
+    /// @{
     void addRect(const CGRect& rect);
     void addEllipse(const CGRect& rect);
+    /// @}
     /// Radians, counter-clockwise unless asked otherwise.
     void addArc(CGPoint center, double radius, double startAngle, double endAngle,
                 bool clockwise = false);
+    /// In drawing coordinates.
     void addPath(const CGPath& path);
     /// With the radius `corner`, held between 0 and half of the sides, on both axes.
     void addRoundedRec(const CGRect& rect, double corner);
 
     // Each of these takes the current path, and leaves none.
 
+    /// Fills the current path; open parts count as closed.
     void fillPath(CGPathFillRule rule = CGPathFillRule::winding);
+    /// Draws lines along the current path, in the form and colour that are set.
     void strokePath();
     /// Keeps what is drawn from here on inside the path, too.
     void clip(CGPathFillRule rule = CGPathFillRule::winding);
 
     /// Around what the clip leaves, in drawing coordinates.
     CGRect boundingBoxOfClipPath() const noexcept;
+    /// Inside a rectangle; begins a new path.
     void clip(const CGRect& rect);
     /// Inside a rectangle with rounded corners; begins a new path.
     void clip(const CGRect& rect, double corner);
 
     // Drawing that leaves the current path alone.
 
+    /// With the fill or stroke colour and the form of lines that are set, in drawing coordinates.
+    /// @{
     void fill(const CGRect& rect);
     void stroke(const CGRect& rect);
     void fillEllipse(const CGRect& rect);
     void fill(const CGPath& path, CGPathFillRule rule = CGPathFillRule::winding);
     void stroke(const CGPath& path);
+    /// @}
     /// Makes it transparent.
     void clear(const CGRect& rect);
 
@@ -217,6 +255,7 @@ public:
     /// The pixels and where drawing coordinates lead to, for services that draw by themselves. No
     /// pixels once the context has given them up.
     DrawingTarget drawingTarget();
+    /// What applies to every kind of drawing: clip, alpha and compositing operation.
     const DrawingStyle& drawingStyle() const noexcept { return state_.style; }
     /// From drawing coordinates to pixels from the top left, y downward.
     CGAffineTransform toPixels() const noexcept;
@@ -231,8 +270,11 @@ private:
     struct Key {};
 
 public:
+    /// For `create`.
+    /// @{
     CGContext(Key, Bitmap bitmap);
     CGContext(Key, Bitmap& borrowed, const PixelRect& region);
+    /// @}
 
 private:
     struct GState {

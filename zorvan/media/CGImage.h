@@ -35,8 +35,9 @@ class NSImage;
 /// nothing; a width whose byte count leaves the signed 64-bit range stops the program.
 class CGImage : public std::enable_shared_from_this<CGImage> {
 public:
-    using Pointer = std::shared_ptr<const CGImage>;
+    using Pointer = std::shared_ptr<const CGImage>; ///< How a picture is held; may be empty.
 
+    /// Takes the pixels of the bitmap.
     static Pointer create(Bitmap bitmap);
     /// Shares the pixels, which must not change any more.
     static Pointer create(std::shared_ptr<const Bitmap> bitmap);
@@ -50,45 +51,59 @@ public:
     // Loading. A file is known by its bytes, whatever its name. Empty when it cannot be read.
 
     /// The first picture of a file, at its stored size and in its stored orientation.
+    /// @{
     [[nodiscard]] static Pointer image(const URL& url);
     [[nodiscard]] static Pointer image(Data data);
+    /// @}
     /// A small form of the first picture; options as at `CGImageSource::thumbnail`.
+    /// @{
     [[nodiscard]] static Pointer thumbnail(const URL& url,
                                            const PropertyList::Dictionary& options = {});
     [[nodiscard]] static Pointer thumbnail(Data data, const PropertyList::Dictionary& options = {});
+    /// @}
 
     /// The properties of the first picture (`ImageKeys.h`), read without decoding it.
+    /// @{
     [[nodiscard]] static std::optional<PropertyList::Dictionary> metadata(const URL& url);
     [[nodiscard]] static std::optional<PropertyList::Dictionary> metadata(Data data);
+    /// @}
 
     /// The stored size in pixels; absent when width or height is missing or no integer.
+    /// @{
     [[nodiscard]] static std::optional<CGSize> imageSize(const PropertyList::Dictionary& metadata);
     [[nodiscard]] static std::optional<CGSize>
     imageSize(const std::optional<PropertyList::Dictionary>& metadata);
     [[nodiscard]] static std::optional<CGSize> imageSize(const URL& url);
     [[nodiscard]] static std::optional<CGSize> imageSize(Data data);
+    /// @}
 
     /// The size once turned upright: width and height exchanged for the orientations 5 to 8.
+    /// @{
     [[nodiscard]] static std::optional<CGSize>
     orientedImageSize(const PropertyList::Dictionary& metadata);
     [[nodiscard]] static std::optional<CGSize>
     orientedImageSize(const std::optional<PropertyList::Dictionary>& metadata);
     [[nodiscard]] static std::optional<CGSize> orientedImageSize(const URL& url);
     [[nodiscard]] static std::optional<CGSize> orientedImageSize(Data data);
+    /// @}
 
     /// When the picture was taken, else when it was digitised, with the fraction of a second. A
     /// camera that does not say in which time zone is taken to be in that of the process. Absent
     /// when EXIF does not say, or not legibly.
+    /// @{
     [[nodiscard]] static std::optional<Date> creationDate(const PropertyList::Dictionary& metadata);
     [[nodiscard]] static std::optional<Date>
     creationDate(const std::optional<PropertyList::Dictionary>& metadata);
     [[nodiscard]] static std::optional<Date> creationDate(const URL& url);
+    /// @}
 
     /// Where the picture was taken; absent when it does not say, or a place that the earth has not.
+    /// @{
     [[nodiscard]] static std::optional<Location> location(const PropertyList::Dictionary& metadata);
     [[nodiscard]] static std::optional<Location>
     location(const std::optional<PropertyList::Dictionary>& metadata);
     [[nodiscard]] static std::optional<Location> location(const URL& url);
+    /// @}
 
     /// What to write beside a copy that has been turned upright (a thumbnail, `oriented`), so that
     /// nobody turns it again: without the orientation, width and height exchanged where that
@@ -99,11 +114,14 @@ public:
 
     // Pixels.
 
+    /// The form of the bitmap, in pixels, bits and bytes.
+    /// @{
     std::int64_t width() const noexcept { return bitmap_->width(); }
     std::int64_t height() const noexcept { return bitmap_->height(); }
     std::int64_t bitsPerComponent() const noexcept { return 8; }
     std::int64_t bitsPerPixel() const noexcept { return 32; }
     std::int64_t bytesPerRow() const noexcept { return bitmap_->bytesPerRow(); }
+    /// @}
     /// Lives as long as the picture, which must be held.
     const Bitmap& bitmap() const noexcept { return *bitmap_; }
     /// The first byte of the top row, which lives as long.
@@ -125,10 +143,12 @@ public:
     /// A transparent picture.
     [[nodiscard]] static Pointer empty(std::int64_t width, std::int64_t height);
     /// What `drawing` draws on a transparent bitmap. It must not keep the context.
+    /// @{
     [[nodiscard]] static Pointer draw(std::int64_t width, std::int64_t height,
                                       const std::function<void(CGContext&)>& drawing);
     [[nodiscard]] static Pointer rgbaDraw(std::int64_t width, std::int64_t height,
                                           const std::function<void(CGContext&)>& drawing);
+    /// @}
     /// The same with alpha first.
     [[nodiscard]] static Pointer argbDraw(std::int64_t width, std::int64_t height,
                                           const std::function<void(CGContext&)>& drawing);
@@ -139,8 +159,10 @@ public:
     /// Undoes `oriented`.
     [[nodiscard]] Pointer unoriented(std::int64_t exifValue) const;
     /// Turned a quarter counter-clockwise, and clockwise.
+    /// @{
     [[nodiscard]] Pointer rotatedLeft() const;
     [[nodiscard]] Pointer rotatedRight() const;
+    /// @}
     /// Turned upright from the way the camera was held. A value that is none of the four prints
     /// "NOT SUPPORTED AVCAPTUREVIDEOORIENTATION" and gives a copy. Prints nothing when there is no
     /// memory.
@@ -154,29 +176,34 @@ public:
 
     /// Amounts to cut off on each side; negative ones add transparent margins.
     struct Insets {
-        Required<double> dx;
-        Required<double> dy;
+        Required<double> dx; ///< Left and right, in pixels.
+        Required<double> dy; ///< Top and bottom, in pixels.
     };
     /// As fractions of the width and of the height: 0.1 cuts a tenth off each side.
     struct Fractions {
-        Required<double> px;
-        Required<double> py;
+        Required<double> px; ///< Of the width.
+        Required<double> py; ///< Of the height.
     };
     /// The same fraction for both.
     struct Percent {
         Required<double> percent;
     };
+    /// Without what lies outside, at whole pixels or redrawn between them.
+    /// @{
     [[nodiscard]] Pointer cropping(Insets by) const;
     [[nodiscard]] Pointer cropping(Fractions by) const;
     [[nodiscard]] Pointer cropping(Percent by) const;
+    /// @}
 
     /// Drawn under `t` into a bitmap of the size that its bounds have. What `t` moves away from the
     /// origin is not brought back.
     [[nodiscard]] Pointer applying(const CGAffineTransform& t) const;
 
     /// The same pixels in a bitmap of their own.
+    /// @{
     [[nodiscard]] Pointer drawnCopy() const;
     [[nodiscard]] Pointer rgbaDrawnCopy() const;
+    /// @}
     /// The same with alpha first.
     [[nodiscard]] Pointer argbDrawnCopy() const;
 
@@ -189,8 +216,11 @@ public:
                                            const PropertyList::Dictionary& options) const;
     /// Quality 0 to 1.
     [[nodiscard]] std::optional<Data> jpegData(double quality) const;
+    /// Without options. HEIC is absent where there is no encoder for it.
+    /// @{
     [[nodiscard]] std::optional<Data> pngData() const;
     [[nodiscard]] std::optional<Data> heicData() const;
+    /// @}
     /// Compressed by LZW.
     [[nodiscard]] std::optional<Data> tiffData() const;
 
@@ -198,6 +228,7 @@ private:
     struct Key {};
 
 public:
+    /// For `create`.
     CGImage(Key, std::shared_ptr<const Bitmap> bitmap) noexcept : bitmap_(std::move(bitmap)) {}
 
 private:

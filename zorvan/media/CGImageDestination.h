@@ -61,6 +61,7 @@ private:
     using Write = std::function<bool(const Data& bytes)>;
 
 public:
+    /// For `create`.
     CGImageDestination(Key, Write write, std::string_view type, std::int64_t count,
                        PropertyList::Dictionary options);
 

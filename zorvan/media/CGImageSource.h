@@ -21,11 +21,14 @@ class CGImageSource {
 public:
     /// Empty when the URL is not that of a file. A file that cannot be read or understood gives a
     /// source all of whose operations give nothing, and whose `error` says why.
+    /// @{
     static std::shared_ptr<CGImageSource> create(const URL& url,
                                                  const PropertyList::Dictionary& options = {});
     static std::shared_ptr<CGImageSource> create(Data data,
                                                  const PropertyList::Dictionary& options = {});
+    /// @}
 
+    /// Sources are let go of as such.
     virtual ~CGImageSource() = default;
 
     /// The type identifier of the file, "public.jpeg" and so on; absent when it is no picture.

@@ -18,8 +18,11 @@ struct CGPattern {
     CGAffineTransform matrix = {};
     /// How far apart the repetitions stand, in the drawing's coordinates; 0 and what is no number
     /// count as the side of `bounds`. Signs do not matter.
+    /// @{
     double xStep = 0;
     double yStep = 0;
+    /// @}
+    /// Draws one repetition, in colours of its own. Must not be empty.
     Required<std::function<void(CGContext&)>> draw;
 };
 

@@ -25,9 +25,11 @@ void fill(const CGRect& rect, NSCompositingOperation operation);
 [[nodiscard]] NSBezierPath::Pointer nsRoundedPath(const CGRect& rect, double radius);
 
 /// One side, in the stroke colour that is set.
+/// @{
 void strokeTopLine(const CGRect& rect, double lineWidth);
 void strokeBottomLine(const CGRect& rect, double lineWidth);
 void strokeLeftLine(const CGRect& rect, double lineWidth);
 void strokeRightLine(const CGRect& rect, double lineWidth);
+/// @}
 
 } // namespace zorvan

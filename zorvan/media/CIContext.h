@@ -10,6 +10,7 @@ namespace zorvan {
 /// Draws recipes: by tiles of some hundred rows, on all processors. May be shared between threads.
 class CIContext {
 public:
+    /// Holds nothing, so that one for each use will do.
     static std::shared_ptr<CIContext> create() { return std::make_shared<CIContext>(); }
 
     /// All of the picture, its extent widened to whole pixels. Components beyond 0 to 1 are

@@ -28,7 +28,7 @@ class CIImage : public std::enable_shared_from_this<CIImage> {
     struct Key {};
 
 public:
-    using Pointer = std::shared_ptr<const CIImage>;
+    using Pointer = std::shared_ptr<const CIImage>; ///< How a recipe is held.
 
     /// Changes `count` pixels: red, green, blue and alpha, not premultiplied, from 0 to 1 unless an
     /// earlier change went beyond that. Called from several threads at once.
@@ -42,9 +42,11 @@ public:
     /// Around the picture; `null` when nothing is left of it.
     CGRect extent() const noexcept { return extent_; }
 
+    /// Moved, turned and scaled by the map.
     [[nodiscard]] Pointer transformed(const CGAffineTransform& by) const;
     /// What of it lies in the rectangle.
     [[nodiscard]] Pointer cropped(const CGRect& to) const;
+    /// With the change after those there are.
     [[nodiscard]] Pointer changingPixels(PixelChange change) const;
 
     /// Moved so that its middle is that of the rectangle.
@@ -78,6 +80,7 @@ public:
     [[nodiscard]] std::vector<std::shared_ptr<CIFilter>>
     autoAdjustmentFilters(const PropertyList::Dictionary& options = {}) const;
 
+    /// For `create`.
     explicit CIImage(Key) noexcept {}
 
 private:

@@ -18,6 +18,7 @@ namespace zorvan {
 /// have the members.
 class ExifOrientation : public OrientationComposition<ExifOrientation> {
 public:
+    /// For `switch`; in the order of the EXIF values 1 to 8.
     enum class Case : std::uint8_t {
         horizontal,
         mirrorHorizontal,
@@ -28,24 +29,32 @@ public:
         mirrorHorizontalAndRotate90CW,
         rotate270CW
     };
+    /// The case of that name.
+    /// @{
     static const ExifOrientation horizontal, mirrorHorizontal, rotate180, mirrorVertical;
     static const ExifOrientation mirrorHorizontalAndRotate270CW, rotate90CW;
     static const ExifOrientation mirrorHorizontalAndRotate90CW, rotate270CW;
+    /// @}
     /// In the order of the EXIF values 1 to 8.
     static const std::array<ExifOrientation, 8> allCases;
 
+    /// A name.
     struct RawValue {
         Required<std::string_view> rawValue;
     };
+    /// The same tag under its other name.
     struct Renamed {
         Required<RenamedExifOrientation> renamed;
     };
 
+    /// A case, its value and its other name stand for each other.
+    /// @{
     constexpr ExifOrientation(Case value) noexcept
         : OrientationComposition(static_cast<std::uint8_t>(value)) {}
     explicit constexpr ExifOrientation(Renamed argument) noexcept
         : ExifOrientation(static_cast<Case>(argument.renamed.value.rawValue() - 1)) {}
     constexpr operator Case() const noexcept { return static_cast<Case>(position()); }
+    /// @}
 
     /// By the exact name; absent when it is none of the eight.
     [[nodiscard]] static constexpr std::optional<ExifOrientation> make(RawValue argument) noexcept {
@@ -57,14 +66,18 @@ public:
 
     /// The name of the case.
     [[nodiscard]] constexpr std::string_view rawValue() const noexcept { return names[position()]; }
+    /// The same tag under its other name.
     [[nodiscard]] constexpr RenamedExifOrientation renamed() const noexcept {
         return static_cast<RenamedExifOrientation::Case>(position());
     }
 
+    /// Of the same case.
+    /// @{
     friend constexpr bool operator==(ExifOrientation a, ExifOrientation b) noexcept {
         return a.position() == b.position();
     }
     friend constexpr bool operator==(ExifOrientation a, Case b) noexcept { return Case(a) == b; }
+    /// @}
 
 private:
     static constexpr std::array<std::string_view, 8> names{"horizontal",

@@ -15,13 +15,17 @@ namespace zorvan {
 struct ExifOrientationGeometry {
     /// Counter-clockwise, in radians.
     double angle;
+    /// 1, or -1 for a mirror.
+    /// @{
     double scaleX;
     double scaleY;
+    /// @}
     /// Whether the result is as wide as the picture is high.
     bool swapsSides;
     /// The value that undoes this one.
     std::int64_t inverse;
 
+    /// An EXIF orientation value.
     struct ExifValue {
         Required<std::int64_t> exifValue;
     };

@@ -15,20 +15,29 @@ namespace zorvan {
 /// members: `ImageExportFormat::heic.displayName()`.
 class ImageExportFormat {
 public:
+    /// For `switch`.
     enum class Case : std::uint8_t { png, jpg, tiff, heic };
+    /// The case of that name.
+    /// @{
     static const ImageExportFormat png, jpg, tiff, heic;
+    /// @}
     /// In the order of the raw values.
     static const std::array<ImageExportFormat, 4> allCases;
 
+    /// A number that stands for a format.
     struct RawValue {
         Required<std::int64_t> rawValue;
     };
+    /// An extension without its dot.
     struct PathExtension {
         Required<std::string_view> pathExt;
     };
 
+    /// A case and its value stand for each other.
+    /// @{
     constexpr ImageExportFormat(Case value) noexcept : value_(value) {}
     constexpr operator Case() const noexcept { return value_; }
+    /// @}
 
     /// png 1, jpg 2, tiff 3, heic 4; absent for any other number.
     [[nodiscard]] static constexpr std::optional<ImageExportFormat>
@@ -41,6 +50,7 @@ public:
     [[nodiscard]] static constexpr std::optional<ImageExportFormat>
     make(PathExtension argument) noexcept;
 
+    /// png 1, jpg 2, tiff 3, heic 4.
     [[nodiscard]] constexpr std::int64_t rawValue() const noexcept {
         return static_cast<std::int64_t>(value_) + 1;
     }
@@ -61,10 +71,13 @@ public:
         return types[position()];
     }
 
+    /// Of the same case.
+    /// @{
     friend constexpr bool operator==(ImageExportFormat a, ImageExportFormat b) noexcept {
         return a.value_ == b.value_;
     }
     friend constexpr bool operator==(ImageExportFormat a, Case b) noexcept { return a.value_ == b; }
+    /// @}
 
 private:
     constexpr std::size_t position() const noexcept { return static_cast<std::size_t>(value_); }

@@ -26,8 +26,10 @@ struct ImageThumbailer {
     [[nodiscard]] PropertyList::Dictionary coreImageDictionary() const;
 
     /// The thumbnail of the first picture, decoded at the reduced size; empty when there is none.
+    /// @{
     [[nodiscard]] std::shared_ptr<const CGImage> thumbnail(const URL& url) const;
     [[nodiscard]] std::shared_ptr<const CGImage> thumbnail(Data data) const;
+    /// @}
     /// The thumbnail of a picture of the source, whose `error` says why there is none.
     [[nodiscard]] std::shared_ptr<const CGImage> thumbnail(const CGImageSource& source,
                                                            std::int64_t index = 0) const;

@@ -8,7 +8,10 @@ namespace zorvan {
 
 // `set(color)` is both of these; where `std::set` is meant by that, call both.
 
+/// Sets the one colour, and leaves the other.
+/// @{
 void setFill(const NSColor& color);
 void setStroke(const NSColor& color);
+/// @}
 
 } // namespace zorvan

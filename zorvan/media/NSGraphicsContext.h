@@ -18,7 +18,7 @@ class NSGraphicsContext {
     struct Key {};
 
 public:
-    using Pointer = std::shared_ptr<NSGraphicsContext>;
+    using Pointer = std::shared_ptr<NSGraphicsContext>; ///< How a context is held.
 
     /// Stops the program without a drawing context. `flipped` says that the transform of the
     /// context has y growing downward, so that text and pictures are drawn upright there.
@@ -26,8 +26,11 @@ public:
     /// Draws where a view draws; see `CGContext::create`. Empty when nothing of the canvas is left.
     static Pointer create(Canvas& canvas);
 
+    /// Of this thread; empty for none.
+    /// @{
     static Pointer current();
     static void setCurrent(Pointer context);
+    /// @}
 
     /// Keeps which context is current and its graphics state, for `restoreGraphicsState`; the two
     /// nest, and each thread has its own.
@@ -39,12 +42,18 @@ public:
     template <std::invocable Body>
     static void use(Pointer context, Body&& body);
 
+    /// Never null.
     std::shared_ptr<CGContext> cgContext() const noexcept { return context_; }
+    /// Whether y grows downward.
     bool isFlipped() const noexcept { return isFlipped_; }
 
+    /// Of the drawing context.
+    /// @{
     NSCompositingOperation compositingOperation() const noexcept;
     void setCompositingOperation(NSCompositingOperation operation) noexcept;
+    /// @}
 
+    /// For `create`.
     NSGraphicsContext(Key, std::shared_ptr<CGContext> context, bool isFlipped) noexcept
         : context_(std::move(context)), isFlipped_(isFlipped) {}
 

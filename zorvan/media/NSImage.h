@@ -27,13 +27,14 @@ class NSImage : public std::enable_shared_from_this<NSImage> {
     struct Key {};
 
 public:
-    using Pointer = std::shared_ptr<NSImage>;
+    using Pointer = std::shared_ptr<NSImage>; ///< How an image is held.
 
     /// Draws into the rectangle, which is that of the picture, in the current graphics context.
     using Drawing = std::function<void(const CGRect&)>;
 
+    /// A bitmap and the size that it is shown at.
     struct Representation {
-        CGImage::Pointer image;
+        CGImage::Pointer image; ///< Never empty.
         /// In points.
         CGSize size;
     };
@@ -44,8 +45,10 @@ public:
     static Pointer create(CGImage::Pointer image, CGSize size = {});
     /// A picture file, its first picture upright, at its size in pixels, or an SVG, which is drawn
     /// anew for each size in pixels that is asked for. Empty when it cannot be read.
+    /// @{
     static Pointer create(const URL& contentsOf);
     static Pointer create(Data data);
+    /// @}
     /// A picture that is drawn anew for each size in pixels that is asked for. With `flipped` the
     /// drawing counts y downward.
     static Pointer create(CGSize size, bool flipped, Drawing drawing);
@@ -64,29 +67,43 @@ public:
     /// A symbol of the library's own set, a template of 18 by 18 points, drawn at any size; see
     /// `systemSymbolNames`. Empty when there is none of that name.
     static Pointer systemSymbol(std::string_view name, std::string accessibilityDescription = {});
+    /// The names that `systemSymbol` knows.
     static std::vector<std::string_view> systemSymbolNames();
 
     /// Makes the image the one that `named` finds, and keeps it, until it gets another name or an
     /// empty one. False, and nothing changed, when another image has the name.
     bool setName(std::string name);
+    /// Empty when it has none.
     std::string name() const;
 
+    /// In points; a new size stretches what is shown.
+    /// @{
     CGSize size() const noexcept { return size_; }
     void setSize(CGSize size) noexcept { size_ = size; }
+    /// @}
     /// (0, 0, size).
     CGRect rect() const noexcept { return {CGPoint(), size_}; }
     /// Whether only the alpha of the picture counts, so that it takes the colours around it.
+    /// @{
     bool isTemplate() const noexcept { return isTemplate_; }
     void setTemplate(bool isTemplate) noexcept { isTemplate_ = isTemplate; }
+    /// @}
     /// What of the picture counts when it is lined up with others; all of it unless set.
+    /// @{
     CGRect alignmentRect() const noexcept { return alignmentRect_.value_or(rect()); }
     void setAlignmentRect(const CGRect& rect) noexcept { alignmentRect_ = rect; }
+    /// @}
     /// What the picture shows, for people who do not see it.
+    /// @{
     std::string accessibilityDescription() const { return description_; }
     void setAccessibilityDescription(std::string text) { description_ = std::move(text); }
+    /// @}
 
-    std::vector<Representation> representations() const { return representations_; }
+    /// Bitmaps for the same picture; an empty one is not added.
+    /// @{
+    std::vector<Representation> representations() const;
     void addRepresentation(Representation representation);
+    /// @}
 
     /// The best representation for a rectangle (all of the picture when absent) in a context (one
     /// pixel a point without): the smallest with at least as many pixels as it has there, else the
@@ -96,9 +113,11 @@ public:
                                             const NSGraphicsContext::Pointer& context = {},
                                             const PropertyList::Dictionary& hints = {}) const;
 
+    /// How a picture is drawn.
     struct Options {
         /// What of the picture is drawn, in points; all of it when empty.
         CGRect from = {};
+        /// How it meets what is there.
         NSCompositingOperation operation = NSCompositingOperation::sourceOver;
         /// Multiplies the alpha.
         double fraction = 1;
@@ -106,8 +125,10 @@ public:
         bool respectFlipped = true;
     };
     /// Stretched to the rectangle, in the current graphics context.
+    /// @{
     void draw(const CGRect& in) const { draw(in, Options{}); }
     void draw(const CGRect& in, const Options& options) const;
+    /// @}
 
     /// Makes the picture what is drawn in: the current graphics context is one of its own, `scale`
     /// pixels to a point, that shows what the picture shows, until `unlockFocus`. What is drawn
@@ -122,7 +143,9 @@ public:
     /// `cgImageForProposedRect` over all of the picture, encoded; absent when there is no bitmap.
     std::optional<Data> data(ImageExportFormat format) const;
 
-    NSImage(Key, CGSize size) noexcept : size_(size) {}
+    /// For `create`.
+    NSImage(Key, CGSize size) noexcept;
+    ~NSImage();
 
 private:
     CGImage::Pointer imageFor(CGSize pixels) const;

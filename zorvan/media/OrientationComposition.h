@@ -28,15 +28,20 @@ public:
         return composed({5, 6, 7, 4, 1, 2, 3, 0});
     }
 
+    /// Changes the orientation into what the form that ends in -ed gives.
+    /// @{
     constexpr void horizontalFlip() noexcept { position_ = horizontalMirrored().position_; }
     constexpr void verticalFlip() noexcept { position_ = verticalMirrored().position_; }
     constexpr void leftRotate() noexcept { position_ = leftRotated().position_; }
     constexpr void rightRotate() noexcept { position_ = rightRotated().position_; }
+    /// @}
 
 protected:
+    /// Of a position from 0 to 7.
     constexpr explicit OrientationComposition(std::uint8_t position) noexcept
         : position_(position) {}
 
+    /// From 0 to 7.
     constexpr std::uint8_t position() const noexcept { return position_; }
 
 private:

@@ -15,6 +15,7 @@ namespace zorvan {
 /// value. `left` is 6 and `right` is 8. Works in a `switch`, and its constants have the members.
 class RenamedExifOrientation : public OrientationComposition<RenamedExifOrientation> {
 public:
+    /// For `switch`; in the order of the EXIF values 1 to 8.
     enum class Case : std::uint8_t {
         up,
         upMirrored,
@@ -25,18 +26,25 @@ public:
         rightMirrored,
         right
     };
+    /// The case of that name.
+    /// @{
     static const RenamedExifOrientation up, upMirrored, down, downMirrored;
     static const RenamedExifOrientation leftMirrored, left, rightMirrored, right;
+    /// @}
     /// In the order of the raw values.
     static const std::array<RenamedExifOrientation, 8> allCases;
 
+    /// An EXIF value.
     struct RawValue {
         Required<std::int64_t> rawValue;
     };
 
+    /// A case and its value stand for each other.
+    /// @{
     constexpr RenamedExifOrientation(Case value) noexcept
         : OrientationComposition(static_cast<std::uint8_t>(value)) {}
     constexpr operator Case() const noexcept { return static_cast<Case>(position()); }
+    /// @}
 
     /// 1 to 8; absent for any other number.
     [[nodiscard]] static constexpr std::optional<RenamedExifOrientation>
@@ -46,14 +54,18 @@ public:
         return static_cast<Case>(argument.rawValue - 1);
     }
 
+    /// The EXIF value, 1 to 8.
     [[nodiscard]] constexpr std::int64_t rawValue() const noexcept { return position() + 1; }
 
+    /// Of the same case.
+    /// @{
     friend constexpr bool operator==(RenamedExifOrientation a, RenamedExifOrientation b) noexcept {
         return a.position() == b.position();
     }
     friend constexpr bool operator==(RenamedExifOrientation a, Case b) noexcept {
         return Case(a) == b;
     }
+    /// @}
 };
 
 inline constexpr RenamedExifOrientation RenamedExifOrientation::up = Case::up;

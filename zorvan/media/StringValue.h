@@ -19,6 +19,7 @@ namespace zorvan {
 template <class Self>
 class StringValue {
 public:
+    /// Any text.
     struct RawValue {
         Required<std::string> rawValue;
     };
@@ -27,18 +28,23 @@ public:
         Required<const char*> literal;
     };
 
+    /// Keeps the text.
     explicit StringValue(RawValue argument)
         : owned_(std::make_shared<const std::string>(std::move(argument.rawValue.value))),
           text_(*owned_) {}
+    /// Points to the text.
     explicit constexpr StringValue(Literal argument) noexcept : text_(argument.literal.value) {}
     // No moves: what was moved from would keep pointing to a text that it no longer owns.
     StringValue(const StringValue&) noexcept = default;
     StringValue& operator=(const StringValue&) noexcept = default;
 
     /// Lives as long as the value or a copy of it.
+    /// @{
     [[nodiscard]] std::string_view rawValue() const& noexcept { return text_; }
     [[nodiscard]] std::string rawValue() && { return std::string(text_); }
+    /// @}
 
+    /// Of the same text, byte by byte.
     friend bool operator==(const StringValue& a, const StringValue& b) noexcept {
         return a.text_ == b.text_;
     }
@@ -58,6 +64,7 @@ void takeStringValue(const StringValue<Self>&);
 
 } // namespace detail
 
+/// A type that derives from `StringValue`.
 template <class T>
 concept StringIdentifier = requires(const T& value) {
     detail::takeStringValue(value);

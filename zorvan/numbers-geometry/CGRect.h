@@ -6,7 +6,6 @@
 #include <zorvan/numbers-geometry/RectAnchor.h>
 #include <zorvan/platform/foundation/Required.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -25,47 +24,79 @@ struct CGAffineTransform;
 /// sides are not negative. Each operation says which it reads where that decides the result.
 /// Equality compares the stored values.
 struct CGRect {
+    /// As it is stored: the corner that the sides go out from.
     CGPoint origin;
+    /// As it is stored; a negative side goes left or down from the origin.
     CGSize size;
 
+    /// A size; the rectangle stands at the origin.
     struct OfSize {
         Required<CGSize> size;
     };
+    /// Two sides; the rectangle stands at the origin.
     struct WidthHeight {
+        /// As it is stored.
+        /// @{
         Required<double> width;
         Required<double> height;
+        /// @}
     };
+    /// The side of a square at the origin.
     struct Square {
         Required<double> square;
     };
+    /// The middle, and the size around it.
     struct CenterSize {
+        /// As it is meant, signs included: a negative side puts the origin on the other side of the
+        /// middle.
+        /// @{
         Required<CGPoint> center;
         Required<CGSize> size;
+        /// @}
     };
+    /// The middle, and the side of a square around it.
     struct CenterSquare {
+        /// As it is meant, signs included.
+        /// @{
         Required<CGPoint> center;
         Required<double> square;
+        /// @}
     };
+    /// The four edges.
     struct Edges {
+        /// The coordinate of that edge; in the wrong order they make a negative side.
+        /// @{
         Required<double> left;
         Required<double> right;
         Required<double> bottom;
         Required<double> top;
+        /// @}
     };
+    /// Two corners across from each other.
     struct Corners {
+        /// Either of them; which is which does not matter.
+        /// @{
         Required<CGPoint> p1;
         Required<CGPoint> p2;
+        /// @}
     };
 
     constexpr CGRect() noexcept = default;
+    /// What is to be stored, signs included.
+    /// @{
     constexpr CGRect(CGPoint origin_, CGSize size_) noexcept : origin(origin_), size(size_) {}
     constexpr CGRect(double x, double y, double width, double height) noexcept
         : origin(x, y), size(width, height) {}
+    /// @}
     /// At the origin.
+    /// @{
     explicit constexpr CGRect(OfSize argument) noexcept : size(argument.size) {}
     explicit constexpr CGRect(WidthHeight argument) noexcept
         : size(argument.width, argument.height) {}
     explicit constexpr CGRect(Square argument) noexcept : size(argument.square, argument.square) {}
+    /// @}
+    /// Computed from what is named, nothing put in order: see the record.
+    /// @{
     explicit constexpr CGRect(CenterSize argument) noexcept
         : CGRect(argument.center.value - (argument.size.value * 0.5).point(), argument.size) {}
     explicit constexpr CGRect(CenterSquare argument) noexcept
@@ -73,18 +104,28 @@ struct CGRect {
                  CGSize(argument.square, argument.square)) {}
     explicit constexpr CGRect(Edges edges) noexcept
         : CGRect(edges.left, edges.bottom, edges.right - edges.left, edges.top - edges.bottom) {}
+    /// @}
     /// Between any two opposite corners.
     explicit CGRect(Corners corners) noexcept;
 
-    static const CGRect zero;
+    static const CGRect zero; ///< At the origin, without extent.
     /// No rectangle at all: the intersection of two that share no area. Empty, contains nothing,
     /// and neutral in unions.
     static const CGRect null;
 
+    /// Of the stored origin.
+    /// @{
     [[nodiscard]] constexpr double x() const noexcept { return origin.x; }
     [[nodiscard]] constexpr double y() const noexcept { return origin.y; }
+    /// @}
+    /// Of the standardised rectangle, so never negative.
+    /// @{
     [[nodiscard]] constexpr double width() const noexcept { return magnitude(size.width); }
     [[nodiscard]] constexpr double height() const noexcept { return magnitude(size.height); }
+    /// @}
+    /// Of the standardised rectangle: its left, bottom, right and top edge, and half way between
+    /// them.
+    /// @{
     [[nodiscard]] constexpr double minX() const noexcept {
         return size.width < 0 ? origin.x + size.width : origin.x;
     }
@@ -95,11 +136,13 @@ struct CGRect {
     [[nodiscard]] constexpr double maxY() const noexcept { return minY() + height(); }
     [[nodiscard]] constexpr double midX() const noexcept { return minX() + width() * 0.5; }
     [[nodiscard]] constexpr double midY() const noexcept { return minY() + height() * 0.5; }
+    /// @}
     /// The same rectangle with its sides made positive by moving the origin.
     [[nodiscard]] constexpr CGRect standardized() const noexcept {
         return {minX(), minY(), width(), height()};
     }
 
+    /// Whether it is the one that is no rectangle: a coordinate of the origin is positive infinity.
     [[nodiscard]] constexpr bool isNull() const noexcept {
         constexpr double infinity = std::numeric_limits<double>::infinity();
         return origin.x == infinity || origin.y == infinity;
@@ -132,6 +175,8 @@ struct CGRect {
     /// The smallest rectangle around the transformed corners; `null` stays.
     [[nodiscard]] CGRect applying(const CGAffineTransform& t) const noexcept;
 
+    /// Of the standardised rectangle; y grows upward, so the top is at `maxY()`.
+    /// @{
     [[nodiscard]] constexpr CGPoint center() const noexcept { return {midX(), midY()}; }
     [[nodiscard]] constexpr CGPoint bottomLeft() const noexcept { return {minX(), minY()}; }
     [[nodiscard]] constexpr CGPoint bottomRight() const noexcept { return {maxX(), minY()}; }
@@ -141,15 +186,18 @@ struct CGRect {
     [[nodiscard]] constexpr CGPoint topCenter() const noexcept { return {midX(), maxY()}; }
     [[nodiscard]] constexpr CGPoint middleLeft() const noexcept { return {minX(), midY()}; }
     [[nodiscard]] constexpr CGPoint middleRight() const noexcept { return {maxX(), midY()}; }
+    /// @}
     /// The point of that name.
     [[nodiscard]] CGPoint point(RectAnchor anchor) const noexcept;
     /// The rectangle of that size centred on the anchor's point.
     [[nodiscard]] CGRect rect(RectAnchor anchor, CGSize size) const noexcept;
+    /// The square with sides of that length centred on the anchor's point.
     [[nodiscard]] CGRect square(RectAnchor anchor, double edgeSize) const noexcept;
 
     /// Of the stored sides, so negative when one of them is.
     [[nodiscard]] constexpr double area() const noexcept { return size.area(); }
-    // The ratios read the stored origin and the standardised sides.
+    /// The ratios read the stored origin and the standardised sides.
+    /// @{
     [[nodiscard]] constexpr double whRatio() const noexcept { return width() / height(); }
     [[nodiscard]] constexpr double hwRatio() const noexcept { return height() / width(); }
     [[nodiscard]] constexpr double xwRatio() const noexcept { return x() / width(); }
@@ -158,40 +206,59 @@ struct CGRect {
     [[nodiscard]] constexpr double hyRatio() const noexcept { return height() / y(); }
     [[nodiscard]] constexpr double xyRatio() const noexcept { return x() / y(); }
     [[nodiscard]] constexpr double yxRatio() const noexcept { return y() / x(); }
+    /// @}
     /// Of the standardised sides.
     [[nodiscard]] std::pair<std::int64_t, std::int64_t> roundIntWidthHeight() const noexcept {
         return {zorvan::roundInt(width()), zorvan::roundInt(height())};
     }
 
+    /// What to put in place of the origin and the size, or to add to them.
     struct OriginSize {
+        /// Absent: as it is.
+        /// @{
         std::optional<CGPoint> origin = {};
         std::optional<CGSize> size = {};
+        /// @}
     };
+    /// What to put in place of each of the four values, or to add to it.
     struct XYWH {
+        /// Absent: as it is.
+        /// @{
         std::optional<double> x = {};
         std::optional<double> y = {};
         std::optional<double> w = {};
         std::optional<double> h = {};
+        /// @}
     };
+    /// What to put in place of the sides.
     struct Sides {
+        /// Absent: the standardised side.
+        /// @{
         std::optional<double> width = {};
         std::optional<double> height = {};
+        /// @}
     };
+    /// A width to take; the left edge stays.
     struct LeftKept {
         Required<double> lw;
     };
+    /// A width to take; the right edge stays.
     struct RightKept {
         Required<double> rw;
     };
+    /// A height to take; the bottom edge stays.
     struct BottomKept {
         Required<double> bh;
     };
+    /// A height to take; the top edge stays.
     struct TopKept {
         Required<double> th;
     };
+    /// A width to take; the middle stays.
     struct CenterXKept {
         Required<double> cw;
     };
+    /// A height to take; the middle stays.
     struct CenterYKept {
         Required<double> ch;
     };
@@ -205,6 +272,7 @@ struct CGRect {
         return {values.x.value_or(x()), values.y.value_or(y()), values.w.value_or(width()),
                 values.h.value_or(height())};
     }
+    /// The origin as it is stored; an absent side is the standardised one.
     [[nodiscard]] constexpr CGRect with(Sides sides) const noexcept {
         return with(XYWH{.w = sides.width, .h = sides.height});
     }
@@ -228,11 +296,13 @@ struct CGRect {
     [[nodiscard]] constexpr CGRect with(CenterXKept width) const noexcept {
         return {x() + (this->width() - width.cw) * 0.5, y(), width.cw, size.height};
     }
+    /// Another height, grown or shrunk equally at both ends of the standardised height.
     [[nodiscard]] constexpr CGRect with(CenterYKept height) const noexcept {
         return {x(), y() + (this->height() - height.ch) * 0.5, size.width, height.ch};
     }
 
     /// Amounts added to the stored values; an absent one adds nothing.
+    /// @{
     [[nodiscard]] constexpr CGRect adding(OriginSize amounts) const noexcept {
         return {origin + amounts.origin.value_or(CGPoint()),
                 size + amounts.size.value_or(CGSize())};
@@ -241,17 +311,22 @@ struct CGRect {
         return {x() + amounts.x.value_or(0), y() + amounts.y.value_or(0),
                 size.width + amounts.w.value_or(0), size.height + amounts.h.value_or(0)};
     }
+    /// @}
 
+    /// How far to move the origin.
     struct Origin {
         Required<CGPoint> origin;
     };
+    /// How far to move the left edge.
     struct X {
         Required<double> x;
     };
+    /// How far to move the bottom edge.
     struct Y {
         Required<double> y;
     };
     /// The stored origin moved, the far corner kept: `rect.shifting({.origin = {2, 3}})`.
+    /// @{
     [[nodiscard]] constexpr CGRect shifting(Origin by) const noexcept {
         return {origin + by.origin, size - by.origin.value.size()};
     }
@@ -261,11 +336,16 @@ struct CGRect {
     [[nodiscard]] constexpr CGRect shifting(Y by) const noexcept {
         return shifting(Origin{{0.0, by.y}});
     }
+    /// @}
 
-    // These apply to the four stored values.
+    /// Each of the four stored values by itself; halves round away from zero.
+    /// @{
     [[nodiscard]] CGRect round() const noexcept { return {origin.round(), size.round()}; }
     [[nodiscard]] CGRect ceil() const noexcept { return {origin.ceil(), size.ceil()}; }
     [[nodiscard]] CGRect floor() const noexcept { return {origin.floor(), size.floor()}; }
+    /// @}
+    /// The four stored values multiplied: the origin moves as well.
+    /// @{
     [[nodiscard]] constexpr CGRect scaledBy(double s) const noexcept { return scaledBy(s, s); }
     [[nodiscard]] constexpr CGRect scaledBy(double x, double y) const noexcept {
         return {origin.x * x, origin.y * y, size.width * x, size.height * y};
@@ -273,24 +353,31 @@ struct CGRect {
     [[nodiscard]] constexpr CGRect scaledBy(CGPoint factors) const noexcept {
         return scaledBy(factors.x, factors.y);
     }
+    /// @}
 
+    /// The fraction of each side to take away: 0.2 is a fifth.
     struct Percent {
         Required<double> percent;
     };
+    /// How far each of the four edges moves inward.
     struct Delta {
         Required<double> delta;
     };
+    /// How far the vertical and the horizontal edges move inward.
     struct Deltas {
-        Required<double> dx;
-        Required<double> dy;
+        Required<double> dx; ///< The left and right edges.
+        Required<double> dy; ///< The bottom and top edges.
     };
-    /// `insetBy` half of that fraction of each stored side: 0.2 removes a fifth of a positive side. A
-    /// negative side is made longer by as much.
+    /// `insetBy` half of that fraction of each stored side: 0.2 removes a fifth of a positive side.
+    /// A negative side is made longer by as much.
     [[nodiscard]] CGRect shrunkBy(Percent by) const noexcept {
         return insetBy(by.percent * 0.5 * size.width, by.percent * 0.5 * size.height);
     }
+    /// `insetBy` those amounts; a negative one grows the rectangle.
+    /// @{
     [[nodiscard]] CGRect shrunkBy(Delta by) const noexcept { return insetBy(by.delta, by.delta); }
     [[nodiscard]] CGRect shrunkBy(Deltas by) const noexcept { return insetBy(by.dx, by.dy); }
+    /// @}
 
     /// The stored size kept, in the middle of `bounds`.
     [[nodiscard]] constexpr CGRect centered(const CGRect& bounds) const noexcept {
@@ -325,10 +412,18 @@ struct CGRect {
     }
     /// The point of the rectangle, edges included, that is nearest to `p`.
     [[nodiscard]] constexpr CGPoint minMax(CGPoint p) const noexcept {
-        return {std::min(std::max(p.x, minX()), maxX()), std::min(std::max(p.y, minY()), maxY())};
+        const auto held = [](double value, double least, double most) {
+            const double raised = value < least ? least : value;
+            return most < raised ? most : raised;
+        };
+        return {held(p.x, minX(), maxX()), held(p.y, minY(), maxY())};
     }
 
+    /// Moves the stored origin.
     constexpr void moveBy(CGPoint by) noexcept { origin += by; }
+    /// Changes the rectangle into what the form that ends in -ed or -ing gives (`scaledBy`,
+    /// `shrunkBy`, `centered`, `fitting`, `filling`, `applying`).
+    /// @{
     constexpr void scaleBy(double s) noexcept { *this = scaledBy(s); }
     constexpr void scaleBy(double x, double y) noexcept { *this = scaledBy(x, y); }
     constexpr void scaleBy(CGPoint factors) noexcept { *this = scaledBy(factors); }
@@ -339,6 +434,7 @@ struct CGRect {
     constexpr void fit(const CGRect& bounds) noexcept { *this = fitting(bounds); }
     constexpr void fill(const CGRect& bounds) noexcept { *this = filling(bounds); }
     void apply(const CGAffineTransform& t) noexcept { *this = applying(t); }
+    /// @}
     /// The stored edges moved inward by the insets.
     constexpr void apply(const NSEdgeInsets& insets) noexcept {
         origin += CGPoint(insets.left, insets.bottom);
@@ -363,14 +459,17 @@ struct CGRect {
 
     friend constexpr bool operator==(const CGRect&, const CGRect&) = default;
 
+    /// The rectangle itself.
     friend constexpr CGRect operator+(const CGRect& r) noexcept { return r; }
     /// Negates the four stored values.
     friend constexpr CGRect operator-(const CGRect& r) noexcept { return {-r.origin, -r.size}; }
     /// Multiplies the stored origin and the standardised sides.
+    /// @{
     friend constexpr CGRect operator*(const CGRect& r, double s) noexcept {
         return {r.x() * s, r.y() * s, r.width() * s, r.height() * s};
     }
     friend constexpr CGRect operator*(double s, const CGRect& r) noexcept { return r * s; }
+    /// @}
     /// Multiplies the four stored values.
     constexpr CGRect& operator*=(double s) noexcept { return *this = scaledBy(s); }
 

@@ -9,12 +9,19 @@ namespace zorvan {
 /// A direction on a map.
 class CardinalDirection : public EnumerationValue<CardinalDirection, 4> {
 public:
+    /// For `switch`; the raw values count from 0 in this order.
     enum class Case : std::uint8_t { east, west, north, south };
+    /// The case of that name.
+    /// @{
     static const CardinalDirection east, west, north, south;
+    /// @}
 
+    /// A case and its value stand for each other.
+    /// @{
     constexpr CardinalDirection(Case value) noexcept
         : EnumerationValue(static_cast<std::int64_t>(value)) {}
     constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
+    /// @}
 
     /// A quarter turn counter-clockwise.
     [[nodiscard]] constexpr CardinalDirection left() const noexcept {
@@ -34,8 +41,11 @@ public:
     [[nodiscard]] constexpr CardinalDirection right() const noexcept {
         return left().left().left();
     }
+    /// A quarter turn, to the left counter-clockwise: from north to west.
+    /// @{
     constexpr void turnLeft() noexcept { *this = left(); }
     constexpr void turnRight() noexcept { *this = right(); }
+    /// @}
 };
 
 inline constexpr CardinalDirection CardinalDirection::east = Case::east;

@@ -9,18 +9,27 @@ namespace zorvan {
 /// A sense of rotation.
 class ClockDirection : public EnumerationValue<ClockDirection, 2> {
 public:
+    /// For `switch`; the raw values are 0 and 1.
     enum class Case : std::uint8_t { clockwise, antiClockwise };
+    /// The case of that name.
+    /// @{
     static const ClockDirection clockwise, antiClockwise;
+    /// @}
 
+    /// A case and its value stand for each other.
+    /// @{
     constexpr ClockDirection(Case value) noexcept
         : EnumerationValue(static_cast<std::int64_t>(value)) {}
     constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
+    /// @}
 
     /// The other case.
+    /// @{
     [[nodiscard]] constexpr ClockDirection toggled() const noexcept {
         return *this == clockwise ? antiClockwise : clockwise;
     }
     constexpr void toggle() noexcept { *this = toggled(); }
+    /// @}
 };
 
 inline constexpr ClockDirection ClockDirection::clockwise = Case::clockwise;

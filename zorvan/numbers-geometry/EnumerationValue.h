@@ -18,6 +18,7 @@ namespace zorvan {
 template <class Self, std::int64_t count>
 class EnumerationValue {
 public:
+    /// The place of a case in the order of declaration, from 0.
     struct RawValue {
         Required<std::int64_t> rawValue;
     };
@@ -27,11 +28,13 @@ public:
             return std::nullopt;
         return Self(static_cast<typename Self::Case>(argument.rawValue.value));
     }
+    /// The place of the case in the order of declaration, from 0.
     [[nodiscard]] constexpr std::int64_t rawValue() const noexcept { return raw_; }
 
     friend constexpr bool operator==(const EnumerationValue&, const EnumerationValue&) = default;
 
 protected:
+    /// From a raw value below `count`, which is not checked.
     explicit constexpr EnumerationValue(std::int64_t raw) noexcept
         : raw_(static_cast<std::uint8_t>(raw)) {}
 
@@ -46,9 +49,11 @@ void takeEnumerationValue(const EnumerationValue<Self, count>&);
 
 } // namespace detail
 
+/// A type that derives from `EnumerationValue`.
 template <class T>
-concept EnumerationWithRawValue =
-    requires(const T& value) { detail::takeEnumerationValue(value); };
+concept EnumerationWithRawValue = requires(const T& value) {
+    detail::takeEnumerationValue(value);
+};
 
 } // namespace zorvan
 

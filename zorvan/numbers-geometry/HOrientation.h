@@ -9,18 +9,27 @@ namespace zorvan {
 /// A horizontal direction.
 class HOrientation : public EnumerationValue<HOrientation, 2> {
 public:
+    /// For `switch`; the raw values are 0 and 1.
     enum class Case : std::uint8_t { left, right };
+    /// The case of that name.
+    /// @{
     static const HOrientation left, right;
+    /// @}
 
+    /// A case and its value stand for each other.
+    /// @{
     constexpr HOrientation(Case value) noexcept
         : EnumerationValue(static_cast<std::int64_t>(value)) {}
     constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
+    /// @}
 
     /// The other case.
+    /// @{
     [[nodiscard]] constexpr HOrientation toggled() const noexcept {
         return *this == left ? right : left;
     }
     constexpr void toggle() noexcept { *this = toggled(); }
+    /// @}
 };
 
 inline constexpr HOrientation HOrientation::left = Case::left;

@@ -17,10 +17,11 @@ namespace zorvan {
 
 /// The receiver of an operation whose name the standard library has too. The conversion to it is
 /// what makes the standard function win a plain call.
-struct IntegerOperand {
+struct IntegerOperand { ///< The integer, as wide as it gets.
     std::int64_t value;
 
     template <std::signed_integral T>
+    /// Any signed integer.
     constexpr IntegerOperand(T integer) noexcept : value(integer) {}
 };
 

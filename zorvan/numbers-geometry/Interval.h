@@ -14,27 +14,43 @@ namespace zorvan {
 
 /// A range of reals, both ends included. Nothing keeps `min` from exceeding `max`: ask `isValid()`.
 struct Interval {
+    /// One end, itself in the interval.
+    /// @{
     double min = 0;
     double max = 0;
+    /// @}
 
+    /// Both ends, as they are.
     struct MinMax {
+        /// Not put in order.
+        /// @{
         Required<double> min;
         Required<double> max;
+        /// @}
     };
+    /// Both ends in either order.
     struct Values {
+        /// The smaller one becomes `min`.
+        /// @{
         Required<double> value1;
         Required<double> value2;
+        /// @}
     };
+    /// The lower end.
     struct Min {
         Required<double> min;
     };
+    /// The upper end.
     struct Max {
         Required<double> max;
     };
 
     constexpr Interval() noexcept = default;
+    /// The ends as they are, not put in order.
+    /// @{
     constexpr Interval(double min_, double max_) noexcept : min(min_), max(max_) {}
     explicit constexpr Interval(MinMax ends) noexcept : Interval(ends.min, ends.max) {}
+    /// @}
     /// The smaller value is `min`: `Interval({.value1 = 3, .value2 = 1})` is [1, 3].
     explicit constexpr Interval(Values values) noexcept
         : Interval(std::min(values.value1.value, values.value2.value),
@@ -47,18 +63,25 @@ struct Interval {
     [[nodiscard]] bool isClosed() const noexcept {
         return std::isfinite(min) && std::isfinite(max);
     }
+    /// Whether the ends are in order; never with NaN.
     [[nodiscard]] constexpr bool isValid() const noexcept { return min <= max; }
+    /// Negative when the ends are exchanged.
     [[nodiscard]] constexpr double length() const noexcept { return max - min; }
+    /// Half way between the ends.
     [[nodiscard]] constexpr double middle() const noexcept { return min + (max - min) * 0.5; }
 
     /// A copy with that end: `i.with({.min = 0})`.
+    /// @{
     [[nodiscard]] constexpr Interval with(Min end) const noexcept { return {end.min, max}; }
     [[nodiscard]] constexpr Interval with(Max end) const noexcept { return {min, end.max}; }
+    /// @}
 
+    /// Whether each end differs by at most `tolerance`, both bounds included; never for NaN.
     [[nodiscard]] constexpr bool overlap(const Interval& other, double tolerance) const noexcept {
         return zorvan::overlap(min, other.min, tolerance) &&
                zorvan::overlap(max, other.max, tolerance);
     }
+    /// Whether each end rounds to the same value at that many decimal places.
     [[nodiscard]] bool isSimilarTo(const Interval& other, std::int64_t places) const noexcept {
         return zorvan::isSimilarTo(min, other.min, places) &&
                zorvan::isSimilarTo(max, other.max, places);
@@ -68,6 +91,7 @@ struct Interval {
         return isSimilarTo({value, value}, places);
     }
 
+    /// Both ends are inside; nothing is when they are exchanged.
     [[nodiscard]] constexpr bool contains(double value) const noexcept {
         return min <= value && value <= max;
     }
@@ -76,6 +100,7 @@ struct Interval {
         return intersection(other).has_value();
     }
     /// What they share, which may be a single point; absent when that is nothing.
+    /// @{
     [[nodiscard]] constexpr std::optional<Interval>
     intersection(const Interval& other) const noexcept {
         const Interval shared(std::max(min, other.min), std::min(max, other.max));
@@ -85,7 +110,9 @@ struct Interval {
     intersection(const Interval& a, const Interval& b) noexcept {
         return a.intersection(b);
     }
+    /// @}
     /// From the smaller `min` to the larger `max`.
+    /// @{
     [[nodiscard]] constexpr Interval union_(const Interval& other) const noexcept {
         return {std::min(min, other.min), std::max(max, other.max)};
     }
@@ -93,7 +120,10 @@ struct Interval {
         return a.union_(b);
     }
     constexpr void formUnion(const Interval& other) noexcept { *this = union_(other); }
+    /// @}
 
+    /// Moves the nearer end out to `value` when it lies outside.
+    /// @{
     constexpr void expandToValueInPlace(double value) noexcept {
         if (min > value)
             min = value;
@@ -105,6 +135,7 @@ struct Interval {
         result.expandToValueInPlace(value);
         return result;
     }
+    /// @}
     /// The nearest value of the interval; `max` is looked at first, should the ends be exchanged.
     [[nodiscard]] constexpr double restrictValue(double value) const noexcept {
         return value > max ? max : value < min ? min : value;

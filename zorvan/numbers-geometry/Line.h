@@ -8,11 +8,15 @@ namespace zorvan {
 
 /// The infinite line `a*x + b*y + c = 0`.
 struct Line {
+    /// A coefficient of the equation; the constructor of two points normalises them.
+    /// @{
     double a = 0;
     double b = 0;
     double c = 0;
+    /// @}
 
     constexpr Line() noexcept = default;
+    /// The coefficients as they are, not normalised.
     constexpr Line(double a_, double b_, double c_) noexcept : a(a_), b(b_), c(c_) {}
     /// Through two points, normalised: `a*a + b*b = 1`. All three are 0 when the points are equal.
     Line(CGPoint p1, CGPoint p2) noexcept;

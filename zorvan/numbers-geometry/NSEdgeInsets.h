@@ -2,28 +2,35 @@
 
 #include <zorvan/platform/foundation/Required.h>
 
-#include <algorithm>
+#include <initializer_list>
 
 namespace zorvan {
 
 /// How far a content stands in from each edge.
 struct NSEdgeInsets {
+    /// From that edge inward; a negative inset reaches beyond it.
+    /// @{
     double top = 0;
     double left = 0;
     double bottom = 0;
     double right = 0;
+    /// @}
 
+    /// One inset for all four edges.
     struct All {
         Required<double> all;
     };
+    /// One inset for the top and bottom edges.
     struct TopAndBottom {
         Required<double> topAndBottom;
     };
+    /// One inset for the left and right edges.
     struct LeftAndRight {
         Required<double> leftAndRight;
     };
 
     constexpr NSEdgeInsets() noexcept = default;
+    /// In the order top, left, bottom, right.
     constexpr NSEdgeInsets(double top_, double left_, double bottom_, double right_) noexcept
         : top(top_), left(left_), bottom(bottom_), right(right_) {}
     /// `NSEdgeInsets({.all = 8})`.
@@ -36,12 +43,21 @@ struct NSEdgeInsets {
     explicit constexpr NSEdgeInsets(LeftAndRight value) noexcept
         : left(value.leftAndRight), right(value.leftAndRight) {}
 
+    /// The smallest or the largest of the four.
+    /// @{
     [[nodiscard]] constexpr double min() const noexcept {
-        return std::min({top, left, bottom, right});
+        double least = top;
+        for (const double side : {left, bottom, right})
+            least = side < least ? side : least;
+        return least;
     }
     [[nodiscard]] constexpr double max() const noexcept {
-        return std::max({top, left, bottom, right});
+        double most = top;
+        for (const double side : {left, bottom, right})
+            most = most < side ? side : most;
+        return most;
     }
+    /// @}
 
     friend constexpr bool operator==(const NSEdgeInsets&, const NSEdgeInsets&) = default;
 };

@@ -10,12 +10,19 @@ namespace zorvan {
 /// `right` are cases.
 class Orientation : public EnumerationValue<Orientation, 4> {
 public:
+    /// For `switch`; the raw values count from 0 in this order.
     enum class Case : std::uint8_t { up, down, right, left };
+    /// The case of that name.
+    /// @{
     static const Orientation up, down, right, left;
+    /// @}
 
+    /// A case and its value stand for each other.
+    /// @{
     constexpr Orientation(Case value) noexcept
         : EnumerationValue(static_cast<std::int64_t>(value)) {}
     constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
+    /// @}
 
     /// A quarter turn counter-clockwise.
     [[nodiscard]] constexpr Orientation left_() const noexcept {
@@ -33,8 +40,11 @@ public:
     }
     /// A quarter turn clockwise.
     [[nodiscard]] constexpr Orientation right_() const noexcept { return left_().left_().left_(); }
+    /// A quarter turn, to the left counter-clockwise.
+    /// @{
     constexpr void turnLeft() noexcept { *this = left_(); }
     constexpr void turnRight() noexcept { *this = right_(); }
+    /// @}
 };
 
 inline constexpr Orientation Orientation::up = Case::up;

@@ -30,18 +30,22 @@ template <BuiltInReal T>
 [[nodiscard]] constexpr std::int64_t intValue(T x) noexcept {
     return NSNumber(x).int64Value();
 }
+/// The same value in double precision.
 template <BuiltInReal T>
 [[nodiscard]] constexpr double doubleValue(T x) noexcept {
     return double{x};
 }
+/// The magnitude; positive zero for a negative one.
 template <BuiltInReal T>
 [[nodiscard]] T abs(T x) noexcept {
     return std::fabs(x);
 }
+/// The greatest integral value that is not above `x`.
 template <BuiltInReal T>
 [[nodiscard]] T floor(T x) noexcept {
     return std::floor(x);
 }
+/// The least integral value that is not below `x`.
 template <BuiltInReal T>
 [[nodiscard]] T ceil(T x) noexcept {
     return std::ceil(x);
@@ -56,10 +60,12 @@ template <BuiltInReal T>
 [[nodiscard]] T mod(T x, std::type_identity_t<T> y) noexcept {
     return std::fmod(x, y);
 }
+/// As `std::pow`: NaN for a negative `x` and a `y` that is not integral.
 template <BuiltInReal T>
 [[nodiscard]] T pow(T x, std::type_identity_t<T> y) noexcept {
     return std::pow(x, y);
 }
+/// NaN below zero.
 template <BuiltInReal T>
 [[nodiscard]] T sqrt(T x) noexcept {
     return std::sqrt(x);
@@ -97,6 +103,7 @@ template <RealNumber T>
     else
         return T(number.doubleValue());
 }
+/// The number's `double` value.
 [[nodiscard]] constexpr double cgFloatValue(const NSNumber& number) noexcept {
     return number.doubleValue();
 }
@@ -133,6 +140,8 @@ template <RealNumber T>
     return pow(T(10.0), T(static_cast<double>(places)));
 }
 
+/// Rounded (halves away from zero), down or up to an integer.
+/// @{
 template <RealNumber T>
 [[nodiscard]] std::int64_t roundInt(T x) noexcept {
     return intValue(round(x));
@@ -145,6 +154,7 @@ template <RealNumber T>
 [[nodiscard]] std::int64_t ceilInt(T x) noexcept {
     return intValue(ceil(x));
 }
+/// @}
 
 /// Rounded to `places` decimal places; a negative count rounds to tens, hundreds and so on.
 template <RealNumber T>
@@ -198,6 +208,7 @@ template <RealNumber T>
     const T remainder = mod(x, m);
     return remainder < T(0.0) ? remainder + m : remainder;
 }
+/// Whether it has no fraction; infinities count as integers, NaN does not.
 template <RealNumber T>
 [[nodiscard]] bool isInteger(T x) noexcept {
     return floor(x) == x;
@@ -218,6 +229,9 @@ template <RealNumber T>
     return intValue(x * T(255.0));
 }
 
+/// 25.4 mm and 72 points are an inch; the factors have six to ten digits, so that a way there and
+/// back is not exact.
+/// @{
 template <RealNumber T>
 [[nodiscard]] constexpr T mm2inches(T x) noexcept {
     return x * T(0.0393700787);
@@ -234,6 +248,9 @@ template <RealNumber T>
 [[nodiscard]] constexpr T points2mm(T x) noexcept {
     return x * T(0.352778);
 }
+/// @}
+/// Durations: a day has 86,400 seconds, a week seven days.
+/// @{
 template <RealNumber T>
 [[nodiscard]] constexpr T days2seconds(T x) noexcept {
     return x * T(86400.0);
@@ -242,6 +259,7 @@ template <RealNumber T>
 [[nodiscard]] constexpr T weeks2seconds(T x) noexcept {
     return x * T(604800.0);
 }
+/// @}
 
 /// Uniform over all values, from the system's generator.
 [[nodiscard]] std::uint32_t randomUInt32();
@@ -264,8 +282,8 @@ template <RealNumber T>
 
 /// What `fraction` gives.
 struct Fraction {
-    std::int64_t numerator;
-    std::int64_t denominator;
+    std::int64_t numerator;   ///< With the sign of the number.
+    std::int64_t denominator; ///< Positive.
 
     friend constexpr bool operator==(const Fraction&, const Fraction&) = default;
 };

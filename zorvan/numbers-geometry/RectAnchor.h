@@ -2,7 +2,6 @@
 
 #include <zorvan/numbers-geometry/EnumerationValue.h>
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +13,11 @@ namespace zorvan {
 /// have the members: `RectAnchor::topLeft.opposed()`.
 class RectAnchor : public EnumerationValue<RectAnchor, 8> {
 public:
+    /// For `switch`; the raw values count from 0 in this order.
     enum class Case : std::uint8_t {
+        /// A corner (top, bottom), the middle of the left or right edge, or the centre of the top
+        /// or bottom edge.
+        /// @{
         topLeft,
         topRight,
         bottomRight,
@@ -23,14 +26,23 @@ public:
         topCenter,
         middleRight,
         bottomCenter
+        /// @}
     };
+    /// The case of that name.
+    /// @{
     static const RectAnchor topLeft, topRight, bottomRight, bottomLeft;
     static const RectAnchor middleLeft, topCenter, middleRight, bottomCenter;
+    /// @}
 
+    /// A case and its value stand for each other.
+    /// @{
     constexpr RectAnchor(Case value) noexcept
         : EnumerationValue(static_cast<std::int64_t>(value)) {}
     constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
+    /// @}
 
+    /// Whether it lies on that edge, corners included.
+    /// @{
     [[nodiscard]] constexpr bool isTop() const noexcept {
         return isOneOf({Case::topLeft, Case::topRight, Case::topCenter});
     }
@@ -43,6 +55,8 @@ public:
     [[nodiscard]] constexpr bool isRight() const noexcept {
         return isOneOf({Case::topRight, Case::bottomRight, Case::middleRight});
     }
+    /// @}
+    /// The first four.
     [[nodiscard]] constexpr bool isCorner() const noexcept { return rawValue() < 4; }
     /// On the middle of the left or right edge.
     [[nodiscard]] constexpr bool isMiddle() const noexcept {
@@ -77,13 +91,20 @@ public:
 
     /// In raw-value order.
     static const std::array<RectAnchor, 8> allValues;
+    /// The four corners, the two on the left and right edge, and the two on the top and bottom
+    /// edge, in raw-value order.
+    /// @{
     static const std::array<RectAnchor, 4> allCorners;
     static const std::array<RectAnchor, 2> allMiddles;
     static const std::array<RectAnchor, 2> allCenters;
+    /// @}
 
 private:
     constexpr bool isOneOf(std::initializer_list<Case> cases) const noexcept {
-        return std::find(cases.begin(), cases.end(), Case(*this)) != cases.end();
+        for (const Case one : cases)
+            if (one == Case(*this))
+                return true;
+        return false;
     }
 };
 

@@ -16,6 +16,7 @@ public:
     static const RectCorners bottomRight; ///< raw value 8
     static const RectCorners allValues;   ///< raw value 15
 
+    /// Bits, one for each corner.
     struct RawValue {
         Required<std::int64_t> rawValue;
     };
@@ -30,9 +31,14 @@ public:
             formUnion(member);
     }
 
+    /// The bits as they were given, also those that stand for no corner.
     [[nodiscard]] constexpr std::int64_t rawValue() const noexcept { return bits_; }
+    /// Whether no bit is set.
     [[nodiscard]] constexpr bool isEmpty() const noexcept { return bits_ == 0; }
 
+    /// The operations of sets, on all bits; `formX`, `subtract`, `insert` and `remove` change the
+    /// set itself. `symmetricDifference` is what is in one of the two alone.
+    /// @{
     [[nodiscard]] constexpr RectCorners union_(RectCorners other) const noexcept {
         return of(bits_ | other.bits_);
     }
@@ -53,11 +59,15 @@ public:
     constexpr void subtract(RectCorners other) noexcept { *this = subtracting(other); }
     constexpr void insert(RectCorners members) noexcept { formUnion(members); }
     constexpr void remove(RectCorners members) noexcept { subtract(members); }
+    /// @}
 
     /// Whether every one of the members is in the set.
     [[nodiscard]] constexpr bool contains(RectCorners members) const noexcept {
         return members.isSubset(*this);
     }
+    /// Whether all of the one is in the other; strictly so when they also differ. The empty set is
+    /// in every one.
+    /// @{
     [[nodiscard]] constexpr bool isSubset(RectCorners of) const noexcept {
         return intersection(of) == *this;
     }
@@ -70,6 +80,8 @@ public:
     [[nodiscard]] constexpr bool isStrictSuperset(RectCorners of) const noexcept {
         return of.isStrictSubset(*this);
     }
+    /// @}
+    /// Whether they have nothing in common.
     [[nodiscard]] constexpr bool isDisjoint(RectCorners with) const noexcept {
         return intersection(with).isEmpty();
     }
@@ -80,6 +92,7 @@ public:
         return of(static_cast<std::int64_t>(((bits >> 1) & 5) | ((bits << 1) & 10)));
     }
 
+    /// The union.
     friend constexpr RectCorners operator|(RectCorners a, RectCorners b) noexcept {
         return a.union_(b);
     }

@@ -8,16 +8,21 @@ namespace zorvan {
 
 /// Three points, in order.
 struct Triangle {
+    /// In the order in which they turn.
+    /// @{
     CGPoint a;
     CGPoint b;
     CGPoint c;
+    /// @}
 
+    /// What `collinearity` tells apart.
     enum class CollinearityState { point, line, clockwiseTurn, counterClockwiseTurn };
 
     constexpr Triangle() noexcept = default;
+    /// The points in order; they may be equal or in line.
     constexpr Triangle(CGPoint a_, CGPoint b_, CGPoint c_) noexcept : a(a_), b(b_), c(c_) {}
 
-    static const Triangle zero;
+    static const Triangle zero; ///< Three times the origin.
 
     /// Positive when the points turn counter-clockwise.
     [[nodiscard]] constexpr double signedArea() const noexcept {
@@ -44,10 +49,12 @@ struct Triangle {
                                 : CollinearityState::counterClockwiseTurn;
     }
 
+    /// Whether each point's coordinates differ by at most `tolerance`.
     [[nodiscard]] constexpr bool overlap(const Triangle& other, double tolerance) const noexcept {
         return a.overlap(other.a, tolerance) && b.overlap(other.b, tolerance) &&
                c.overlap(other.c, tolerance);
     }
+    /// Whether each coordinate rounds to the same value at that many decimal places.
     [[nodiscard]] bool isSimilarTo(const Triangle& other, std::int64_t places) const noexcept {
         return a.isSimilarTo(other.a, places) && b.isSimilarTo(other.b, places) &&
                c.isSimilarTo(other.c, places);
@@ -55,6 +62,8 @@ struct Triangle {
 
     friend constexpr bool operator==(const Triangle&, const Triangle&) = default;
 
+    /// Point by point and component by component; a number stands for every component.
+    /// @{
     friend constexpr Triangle operator+(const Triangle& t) noexcept { return t; }
     friend constexpr Triangle operator-(const Triangle& t) noexcept { return {-t.a, -t.b, -t.c}; }
     friend constexpr Triangle operator+(const Triangle& t, const Triangle& u) noexcept {
@@ -87,6 +96,7 @@ struct Triangle {
     constexpr Triangle& operator-=(double s) noexcept { return *this = *this - s; }
     constexpr Triangle& operator*=(double s) noexcept { return *this = *this * s; }
     constexpr Triangle& operator/=(double s) noexcept { return *this = *this / s; }
+    /// @}
 };
 
 inline constexpr Triangle Triangle::zero{};

@@ -9,18 +9,27 @@ namespace zorvan {
 /// A vertical direction.
 class VOrientation : public EnumerationValue<VOrientation, 2> {
 public:
+    /// For `switch`; the raw values are 0 and 1.
     enum class Case : std::uint8_t { up, down };
+    /// The case of that name.
+    /// @{
     static const VOrientation up, down;
+    /// @}
 
+    /// A case and its value stand for each other.
+    /// @{
     constexpr VOrientation(Case value) noexcept
         : EnumerationValue(static_cast<std::int64_t>(value)) {}
     constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
+    /// @}
 
     /// The other case.
+    /// @{
     [[nodiscard]] constexpr VOrientation toggled() const noexcept {
         return *this == up ? down : up;
     }
     constexpr void toggle() noexcept { *this = toggled(); }
+    /// @}
 };
 
 inline constexpr VOrientation VOrientation::up = Case::up;

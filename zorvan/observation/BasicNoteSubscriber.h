@@ -21,31 +21,39 @@ namespace zorvan {
 template <class Center>
 class BasicNoteSubscriber {
 public:
-    using Sender = typename Center::Sender;
+    using Sender = typename Center::Sender; ///< What notifications of this center are sent by.
 
+    /// One that observes nothing yet.
     static std::shared_ptr<BasicNoteSubscriber> create(std::shared_ptr<Center> center) {
         return std::shared_ptr<BasicNoteSubscriber>(new BasicNoteSubscriber(std::move(center)));
     }
 
+    /// The one it was made with.
     std::shared_ptr<Center> center() const noexcept { return center_; }
 
     // Setting these while observing takes effect at the next `subscribe`.
 
     /// The queue the handler runs on; null for the thread that the center delivers on.
+    /// @{
     std::shared_ptr<NSOperationQueue> queue() const noexcept { return queue_; }
     void setQueue(std::shared_ptr<NSOperationQueue> queue) { queue_ = std::move(queue); }
+    /// @}
 
     /// The notification to observe; must be set before subscribing.
+    /// @{
     std::optional<NSNotificationName> name() const noexcept { return name_; }
     void setName(std::optional<NSNotificationName> name) noexcept { name_ = name; }
+    /// @}
 
     /// The sender to observe, not kept alive; null for every sender, and once it is gone.
+    /// @{
     std::shared_ptr<Sender> object() const noexcept { return object_.lock(); }
     void setObject(const std::shared_ptr<Sender>& object) noexcept {
         object_ = object;
         text_.reset();
     }
     void setObject(std::nullptr_t) noexcept { setObject(std::shared_ptr<Sender>()); }
+    /// @}
     /// Where senders are texts: the sender with that text, which is kept.
     void setObject(std::string_view text) requires std::same_as<Sender, const std::string> {
         text_ = std::make_shared<const std::string>(text);

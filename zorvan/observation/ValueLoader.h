@@ -27,9 +27,13 @@ enum class ValueLoaderState { isNotLoaded, isLoading, isLoaded };
 template <class Value>
 class ValueLoader : public std::enable_shared_from_this<ValueLoader<Value>> {
 public:
+    /// For short.
+    /// @{
     using State = ValueLoaderState;
     using Request = ValueRequest<Value>;
-    using Requests = std::unordered_map<std::int64_t, std::shared_ptr<Request>>;
+    /// @}
+    using Requests = std::unordered_map<std::int64_t, std::shared_ptr<Request>>; ///< By key.
+    /// The work; absent when there is no value.
     using LoadBlock = std::function<std::optional<Value>()>;
 
     /// The work must not throw: what it cannot load is absent.
@@ -51,6 +55,7 @@ public:
         return none;
     }
 
+    /// The one that the work runs on.
     const std::shared_ptr<NSOperationQueue>& operationQueue() const noexcept {
         return operationQueue_;
     }

@@ -13,10 +13,13 @@ class NSUserDefaults;
 /// absent only when there is no text.
 class BundleVersionUDC {
 public:
+    /// See `UserDefaultsCoder`.
+    /// @{
     using CodableType = BundleVersion;
     std::optional<CodableType> decode(NSUserDefaults& from, std::string_view key) const;
     void encode(const std::optional<CodableType>& value, NSUserDefaults& to,
                 std::string_view key) const;
+    /// @}
 };
 
 } // namespace zorvan

@@ -16,6 +16,8 @@ namespace zorvan {
 template <StringRawRepresentable E>
 class EnumStringUDC {
 public:
+    /// See `UserDefaultsCoder`.
+    /// @{
     using CodableType = E;
 
     std::optional<E> decode(NSUserDefaults& from, std::string_view key) const {
@@ -28,6 +30,7 @@ public:
                   : std::nullopt,
             key);
     }
+    /// @}
 };
 
 /// Stored as the raw number. Nothing stored reads as the value whose raw value is 0, when there is
@@ -35,6 +38,8 @@ public:
 template <IntegerRawRepresentable E>
 class EnumIntUDC {
 public:
+    /// See `UserDefaultsCoder`.
+    /// @{
     using CodableType = E;
 
     std::optional<E> decode(NSUserDefaults& from, std::string_view key) const {
@@ -46,12 +51,15 @@ public:
                            : std::nullopt,
                      key);
     }
+    /// @}
 };
 
 /// Stored as an array of the raw texts; texts that are the raw value of none are passed over.
 template <StringRawRepresentable E>
 class EnumStringArrayUDC {
 public:
+    /// See `UserDefaultsCoder`.
+    /// @{
     using CodableType = std::vector<E>;
 
     std::optional<std::vector<E>> decode(NSUserDefaults& from, std::string_view key) const {
@@ -75,6 +83,7 @@ public:
             texts.emplace_back(std::string(RawRepresentation<E>::rawValue(item)));
         to.setObject(std::move(texts), key);
     }
+    /// @}
 };
 
 } // namespace zorvan

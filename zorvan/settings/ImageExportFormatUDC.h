@@ -12,6 +12,8 @@ namespace zorvan {
 /// something else is stored.
 class ImageExportFormatUDC {
 public:
+    /// See `UserDefaultsCoder`.
+    /// @{
     using CodableType = ImageExportFormat;
 
     std::optional<ImageExportFormat> decode(NSUserDefaults& from, std::string_view key) const {
@@ -23,6 +25,7 @@ public:
                 std::string_view key) const {
         to.setObject(value ? std::optional<PropertyList>(value->rawValue()) : std::nullopt, key);
     }
+    /// @}
 };
 
 } // namespace zorvan

@@ -26,13 +26,17 @@ public:
 /// A JSON value.
 class JSON {
 public:
-    using Array = std::vector<JSON>;
+    using Array = std::vector<JSON>; ///< In order.
+    /// By name, in the order of the bytes.
     using Object = std::map<std::string, JSON, std::less<>>;
 
     /// How deep arrays and objects may stand within each other.
     static constexpr std::size_t maximumDepth = 512;
 
     JSON() = default; ///< null
+    /// A value of that kind. Arrays and objects too deep, and reals that are not finite, are told
+    /// of by `text`.
+    /// @{
     JSON(bool value) : value_(value) {}
     JSON(std::int64_t value) : value_(value) {}
     JSON(std::uint64_t value) : value_(value) {}
@@ -41,6 +45,7 @@ public:
     JSON(const char* value) : value_(std::string(value)) {}
     JSON(Array value) : value_(std::move(value)) {}
     JSON(Object value) : value_(std::move(value)) {}
+    /// @}
 
     /// Reads a text in UTF-8, whatever value it is. Of a name that stands twice, the last one
     /// counts; an integer beyond 64 bits becomes a real. Throws `JSONError` when the text is no
@@ -51,10 +56,12 @@ public:
     /// is not finite, a text is not UTF-8, or the value is too deep.
     Data text() const;
 
+    /// Whether it is the value null.
     bool isNull() const noexcept { return std::holds_alternative<std::monostate>(value_); }
 
     /// The value when it is of that kind, else null: `bool`, `std::int64_t`, `std::uint64_t` (what
     /// does not fit the signed one), `double`, `std::string`, `Array`, `Object`.
+    /// @{
     template <class Kind>
     const Kind* as() const noexcept {
         return std::get_if<Kind>(&value_);
@@ -63,7 +70,9 @@ public:
     Kind* as() noexcept {
         return std::get_if<Kind>(&value_);
     }
+    /// @}
 
+    /// Of the same kind and equal: the integer 1 is not the real 1.0.
     friend bool operator==(const JSON& a, const JSON& b) { return a.value_ == b.value_; }
 
 private:

@@ -35,6 +35,8 @@ using JSONArithmetic =
 template <JSONCodable T>
 class JSONCodableUDC : public detail::JSONArithmetic<T> {
 public:
+    /// See `UserDefaultsCoder`.
+    /// @{
     using CodableType = T;
 
     std::optional<T> decode(NSUserDefaults& from, std::string_view key) const {
@@ -55,6 +57,7 @@ public:
             to.setUnreadableAside(key);
         to.setObject(value ? encoded(*value) : std::nullopt, key);
     }
+    /// @}
 
 private:
     static std::optional<PropertyList> encoded(const T& value) {

@@ -22,10 +22,11 @@ namespace zorvan {
 /// A field of a record, by its name in JSON.
 template <class Record, class Value>
 struct JSONField {
-    const char* name;
-    Value Record::*member;
-    bool isOptional = false;
+    const char* name;        ///< In JSON.
+    Value Record::*member;   ///< In the record.
+    bool isOptional = false; ///< Whether JSON may be without it.
 
+    /// A field that JSON must have, unless it is a `std::optional`.
     constexpr JSONField(const char* name_, Value Record::*member_) noexcept
         : name(name_), member(member_) {}
 
@@ -61,12 +62,14 @@ struct JSONField {
 template <class T>
 struct JSONCoding;
 
+/// A type that `JSONCoding` knows.
 template <class T>
 concept JSONCodable = requires(const T& value, const JSON& json) {
     { JSONCoding<T>::encode(value) } -> std::convertible_to<JSON>;
     { JSONCoding<T>::decode(json) } -> std::convertible_to<T>;
 };
 
+/// A record that lists its fields for `JSONCoding`.
 template <class T>
 concept RecordWithJSONFields = requires {
     T::jsonFields;
@@ -90,18 +93,21 @@ double real(const JSON& json);
 
 } // namespace detail
 
+/// Itself.
 template <>
 struct JSONCoding<JSON> {
     static JSON encode(const JSON& value) { return value; }
     static JSON decode(const JSON& json) { return json; }
 };
 
+/// true or false.
 template <>
 struct JSONCoding<bool> {
     static JSON encode(bool value) { return value; }
     static bool decode(const JSON& json) { return detail::expected<bool>(json, "truth value"); }
 };
 
+/// An integer, or a real without a fraction; it must fit the type.
 template <std::integral T>
 struct JSONCoding<T> {
     static JSON encode(T value) {
@@ -137,6 +143,7 @@ struct JSONCoding<T> {
     }
 };
 
+/// A text.
 template <>
 struct JSONCoding<std::string> {
     static JSON encode(const std::string& value) { return value; }
@@ -145,24 +152,28 @@ struct JSONCoding<std::string> {
     }
 };
 
+/// A number: seconds since the start of 2001.
 template <>
 struct JSONCoding<Date> {
     static JSON encode(Date value);
     static Date decode(const JSON& json);
 };
 
+/// A text in base 64.
 template <>
 struct JSONCoding<Data> {
     static JSON encode(const Data& value);
     static Data decode(const JSON& json);
 };
 
+/// A text: the whole URL.
 template <>
 struct JSONCoding<URL> {
     static JSON encode(const URL& value) { return value.absoluteString(); }
     static URL decode(const JSON& json);
 };
 
+/// null for an absent value.
 template <JSONCodable T>
 struct JSONCoding<std::optional<T>> {
     static JSON encode(const std::optional<T>& value) {
@@ -173,6 +184,7 @@ struct JSONCoding<std::optional<T>> {
     }
 };
 
+/// An array.
 template <JSONCodable T>
 struct JSONCoding<std::vector<T>> {
     static JSON encode(const std::vector<T>& values) {
@@ -189,6 +201,7 @@ struct JSONCoding<std::vector<T>> {
     }
 };
 
+/// The raw value; it must stand for something.
 template <RawRepresentable E>
 struct JSONCoding<E> {
     static JSON encode(const E& value) {
@@ -288,10 +301,12 @@ struct JSONMapCoding {
 
 } // namespace detail
 
+/// An object when the keys are texts, else an array of each key and its value in turn.
 template <JSONCodable Key, JSONCodable Value, class Order, class Allocator>
 struct JSONCoding<std::map<Key, Value, Order, Allocator>>
     : detail::JSONMapCoding<std::map<Key, Value, Order, Allocator>> {};
 
+/// As an ordered map.
 template <JSONCodable Key, JSONCodable Value, class Hash, class Equal, class Allocator>
 struct JSONCoding<std::unordered_map<Key, Value, Hash, Equal, Allocator>>
     : detail::JSONMapCoding<std::unordered_map<Key, Value, Hash, Equal, Allocator>> {};

@@ -24,9 +24,11 @@ concept KeyedDecodingContainer = requires(const C& container, std::string_view k
 template <class Container>
 class ImplicitlyDecoded {
 public:
+    /// Made by `implicitDecode`.
     ImplicitlyDecoded(Container container, std::string_view key)
         : container_(std::forward<Container>(container)), key_(key) {}
 
+    /// Decodes it; throws what the container throws.
     template <class T>
     operator T() const {
         return container_.template decode<T>(key_);

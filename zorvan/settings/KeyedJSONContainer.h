@@ -13,11 +13,13 @@ namespace zorvan {
 /// `decodeRawKeyedDict`.
 class KeyedJSONContainer {
 public:
+    /// Of an object that was read already.
     explicit KeyedJSONContainer(JSON::Object object) : object_(std::move(object)) {}
     /// Throws `JSONError` when the text is no JSON, or no object.
     explicit KeyedJSONContainer(std::span<const std::byte> text)
         : object_(detail::expected<JSON::Object>(JSON::parse(text), "object")) {}
 
+    /// Also when what stands under the name is null.
     bool contains(std::string_view key) const { return object_.contains(key); }
 
     /// Throws `JSONError` when there is no such name, or something else under it. An

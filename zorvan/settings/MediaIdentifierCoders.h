@@ -17,6 +17,8 @@ class AVVideoCodecType;
 template <class Identifier>
 class StringIdentifierUDC {
 public:
+    /// See `UserDefaultsCoder`.
+    /// @{
     using CodableType = Identifier;
 
     std::optional<Identifier> decode(NSUserDefaults& from, std::string_view key) const {
@@ -29,9 +31,13 @@ public:
                            : std::nullopt,
                      key);
     }
+    /// @}
 };
 
+/// The coder of that identifier.
+/// @{
 using AVFileTypeUDC = StringIdentifierUDC<AVFileType>;
 using AVVideoCodecTypeUDC = StringIdentifierUDC<AVVideoCodecType>;
+/// @}
 
 } // namespace zorvan

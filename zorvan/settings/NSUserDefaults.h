@@ -50,6 +50,7 @@ class SettingsDatabase;
 /// Safe from every thread.
 class NSUserDefaults : public std::enable_shared_from_this<NSUserDefaults> {
 public:
+    /// The name of a domain.
     struct SuiteName {
         Required<std::string> suiteName;
     };
@@ -66,12 +67,16 @@ public:
     /// A store of the domain with that name; null when the name is empty.
     static std::shared_ptr<NSUserDefaults> create(SuiteName argument);
 
+    /// For `create`.
+    /// @{
     NSUserDefaults(Making, std::string domain);
     NSUserDefaults(Making, std::string domain, std::shared_ptr<SettingsDatabase> database);
+    /// @}
     ~NSUserDefaults();
     NSUserDefaults(const NSUserDefaults&) = delete;
     NSUserDefaults& operator=(const NSUserDefaults&) = delete;
 
+    /// The name of the domain: an identifier, a program or a suite.
     std::string domainName() const { return domain_; }
 
     // Untyped reading. What is stored is converted where a conversion is named; anything else
@@ -81,6 +86,7 @@ public:
     std::optional<PropertyList> objectForKey(std::string_view key) const;
     /// The same object, shared instead of copied; null when there is none.
     std::shared_ptr<const PropertyList> sharedObjectForKey(std::string_view key) const;
+    /// Whether anything is stored under the key or registered for it.
     bool hasObjectForKey(std::string_view key) const;
     /// A number is true unless it is 0. A text is true when, after spaces, a sign and zeros, it
     /// goes on with one of Y y T t 1 to 9.
@@ -88,32 +94,42 @@ public:
     /// A real is truncated and saturates, NaN is 0. A text is read as far as it is a decimal
     /// integer, after spaces and a sign, and saturates; 0 when it does not begin with one.
     std::int64_t integerForKey(std::string_view key) const;
+    /// As `doubleForKey`, in single precision.
     float floatForKey(std::string_view key) const;
     /// A text is read as far as it is a decimal real, after spaces and a sign, in any locale with a
     /// point; beyond the range it is infinite or 0.
     double doubleForKey(std::string_view key) const;
     /// A number gives its shortest decimal text that reads back the same, a truth value "1" or "0".
     std::optional<std::string> stringForKey(std::string_view key) const;
+    /// The bytes that are stored; absent when something else is.
     std::optional<Data> dataForKey(std::string_view key) const;
+    /// The array that is stored; absent when something else is.
     std::optional<PropertyList::Array> arrayForKey(std::string_view key) const;
+    /// The dictionary that is stored; absent when something else is.
     std::optional<PropertyList::Dictionary> dictionaryForKey(std::string_view key) const;
     /// Absent unless every element is a text.
     std::optional<std::vector<std::string>> stringArrayForKey(std::string_view key) const;
     /// A text with a scheme as a URL, one that begins with "/" as the path of a file, with "~" as
     /// one in the home folder.
     std::optional<URL> URLForKey(std::string_view key) const;
+    /// The date that is stored; absent when something else is.
     std::optional<Date> date(std::string_view forKey) const;
 
     // Untyped writing. An absent value removes the key.
 
+    /// Stores the value, and posts nothing. An absent object removes the key.
+    /// @{
     void setObject(std::optional<PropertyList> value, std::string_view forKey);
     void setBool(bool value, std::string_view forKey) { setObject(value, forKey); }
     void setInteger(std::int64_t value, std::string_view forKey) { setObject(value, forKey); }
     void setFloat(float value, std::string_view forKey) { setObject(value, forKey); }
     void setDouble(double value, std::string_view forKey) { setObject(value, forKey); }
+    /// @}
     /// Stored as the text of the whole URL.
     void setURL(const std::optional<URL>& value, std::string_view forKey);
+    /// Stores the date, and posts nothing.
     void set(Date value, std::string_view forKey) { setObject(value, forKey); }
+    /// Removes what is stored under the key; what is registered for it is read again.
     void removeObjectForKey(std::string_view key);
     /// Keeps what is stored under the key, whatever it is, under "KEY.unreadable" ("-2", ...) as
     /// well, unless it is there already. For coders that are about to write over what they cannot
@@ -129,6 +145,7 @@ public:
     }
 
     /// What the coder reads, else the key's default.
+    /// @{
     template <class Coder>
     typename Coder::CodableType value(const EvaluedUserDefaultsKey<Coder>& key) {
         std::optional<typename Coder::CodableType> stored =
@@ -141,6 +158,7 @@ public:
             detail::coderOf(key).decode(*this, key.name);
         return stored ? std::move(stored) : key.value;
     }
+    /// @}
 
     /// Writes a value, or what a callable gives, which is called once, and posts the notification.
     template <GenericUserDefaultsKey Key, class Expression>
@@ -161,6 +179,7 @@ public:
         postDidSet(key.name);
     }
     /// As `set` and `setOpt`, but when `hasValue(key)` nothing happens, nor is a callable called.
+    /// @{
     template <GenericUserDefaultsKey Key, class Expression>
     void setIfNil(const Key& key, Expression&& expr) {
         if (!hasValue(key))
@@ -171,6 +190,7 @@ public:
         if (!hasValue(key))
             setOpt(key, std::forward<Expression>(expr));
     }
+    /// @}
     /// Has the function read and write this store - with keys and without, several at once - in one
     /// transaction across threads and processes: nobody else writes in between, all of it is stored
     /// or none. What is read is what there is, with the function's own writes. When it throws,
@@ -225,6 +245,7 @@ public:
     static std::optional<std::string> editedKeyName(const Notification& of);
 
     /// Whether the notification is about one of the keys: `note(notification, {&columns, &rows})`.
+    /// @{
     template <GenericUserDefaultsKey Key>
     static bool note(const Notification& note, std::initializer_list<const Key*> didEditKeys) {
         return NSUserDefaults::note(note, std::span(didEditKeys.begin(), didEditKeys.size()));
@@ -237,6 +258,7 @@ public:
                 return true;
         return false;
     }
+    /// @}
     /// Tells that a key was written. For writers that do not go through the key.
     void postDidSet(const std::string& keyName);
 
@@ -269,7 +291,9 @@ public:
     /// Removes everything from the domain of the main bundle; does nothing when that has no
     /// identifier.
     void clearAllData();
+    /// Removes everything from the domain of that name.
     void removePersistentDomainForName(std::string_view name);
+    /// What the domain of that name holds, without registered values.
     PropertyList::Dictionary persistentDomainForName(std::string_view name) const;
     /// Replaces what the domain holds, in one step.
     void setPersistentDomain(PropertyList::Dictionary values, std::string_view forName);

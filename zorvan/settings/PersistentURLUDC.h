@@ -13,11 +13,12 @@ class NSUserDefaults;
 /// moved within its volume; see `resolveBookmark`. Keys hold it by reference.
 class PersistentURLUDC {
 public:
-    using CodableType = URL;
+    using CodableType = URL; ///< See `UserDefaultsCoder`.
 
     PersistentURLUDC() = default;
     PersistentURLUDC(const PersistentURLUDC&) = delete;
     PersistentURLUDC& operator=(const PersistentURLUDC&) = delete;
+    /// Applications may derive coders of their own.
     virtual ~PersistentURLUDC() = default;
 
     /// When the file cannot be found, says why in one line on standard output, and is absent; the

@@ -17,12 +17,18 @@ public:
     /// The coder's type; for an `OptionalUserDefaultsKey` an `std::optional` of it.
     using Value = std::remove_const_t<decltype(Key::value)>;
 
+    /// Made by `store[key]`; refers to both.
     SettingReference(NSUserDefaults& store, const Key& key) noexcept : store_(store), key_(key) {}
     SettingReference(const SettingReference&) = default;
 
+    /// Reads, as `NSUserDefaults::value` does.
+    /// @{
     Value value() const;
     operator Value() const { return value(); }
+    /// @}
 
+    /// Writes, and posts the notification.
+    /// @{
     const SettingReference& operator=(const Value& value) const {
         assign(value);
         return *this;
@@ -31,6 +37,7 @@ public:
         assign(other.value());
         return *this;
     }
+    /// @}
 
     /// Reads, has the value changed, and writes once.
     template <std::invocable<Value&> Change>
@@ -40,6 +47,8 @@ public:
         assign(changed);
     }
 
+    /// Reads and writes, which is not atomic: see `NSUserDefaults::modify`.
+    /// @{
     template <class Operand>
     const SettingReference& operator+=(const Operand& operand) const {
         modify([&](Value& value) { value = static_cast<Value>(value + operand); });
@@ -50,7 +59,9 @@ public:
         modify([&](Value& value) { value = static_cast<Value>(value - operand); });
         return *this;
     }
+    /// @}
 
+    /// Reads and compares.
     friend bool operator==(const SettingReference& reference, const Value& value) {
         return reference.value() == value;
     }

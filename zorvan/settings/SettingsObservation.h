@@ -11,10 +11,12 @@ namespace zorvan {
 /// on, also from within what it tells.
 class SettingsObservation {
 public:
+    /// Ends it.
     ~SettingsObservation() { end(); }
     SettingsObservation(const SettingsObservation&) = delete;
     SettingsObservation& operator=(const SettingsObservation&) = delete;
 
+    /// Nothing is told from now on; a second call does nothing.
     void end() noexcept {
         following_.reset();
         handler_.reset();

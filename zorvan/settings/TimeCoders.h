@@ -15,10 +15,13 @@ class NSUserDefaults;
 /// absent value is not written, and leaves what is stored.
 class CMTimeUDC {
 public:
+    /// See `UserDefaultsCoder`.
+    /// @{
     using CodableType = CMTime;
     std::optional<CodableType> decode(NSUserDefaults& from, std::string_view key) const;
     void encode(const std::optional<CodableType>& value, NSUserDefaults& to,
                 std::string_view key) const;
+    /// @}
 };
 
 /// Stored as a dictionary with "start" and "duration", each a dictionary with the integers "value",
@@ -26,10 +29,13 @@ public:
 /// written, and leaves what is stored.
 class CMTimeRangeUDC {
 public:
+    /// See `UserDefaultsCoder`.
+    /// @{
     using CodableType = CMTimeRange;
     std::optional<CodableType> decode(NSUserDefaults& from, std::string_view key) const;
     void encode(const std::optional<CodableType>& value, NSUserDefaults& to,
                 std::string_view key) const;
+    /// @}
 };
 
 /// How much of a date or time is shown.
@@ -44,10 +50,13 @@ enum class NSDateFormatterStyle : std::uint64_t {
 /// Stored as a number, which is taken as a style unchecked; absent when something else is stored.
 class DateFormatterStyleUDC {
 public:
+    /// See `UserDefaultsCoder`.
+    /// @{
     using CodableType = NSDateFormatterStyle;
     std::optional<CodableType> decode(NSUserDefaults& from, std::string_view key) const;
     void encode(const std::optional<CodableType>& value, NSUserDefaults& to,
                 std::string_view key) const;
+    /// @}
 };
 
 } // namespace zorvan

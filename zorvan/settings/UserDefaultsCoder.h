@@ -47,7 +47,7 @@ constexpr T saturated(T a, T b, bool adds) noexcept {
 template <class Self, class Number>
 class NumericUserDefaultsCoder {
 public:
-    using CodableType = Number;
+    using CodableType = Number; ///< What is coded.
 
     /// Adds to the stored number. Does nothing when none is stored. An integer stays at the end of
     /// its range. Posts nothing.

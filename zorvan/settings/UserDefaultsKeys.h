@@ -75,60 +75,78 @@ HeldCoder<Coder> makeCoder() {
 template <class Coder_>
 class EvaluedUserDefaultsKey : public UserDefaultsKeys {
 public:
+    /// The coder and the type it codes.
+    /// @{
     using Coder = Coder_;
     using CodableType = typename Coder::CodableType;
+    /// @}
+    /// How the key holds its coder: shared when the coder has virtual operations.
     using HeldCoder = detail::HeldCoder<Coder>;
 
+    /// A name and a default.
     struct NameValue {
-        Required<std::string> name;
-        Required<CodableType> value;
+        Required<std::string> name;  ///< In the store.
+        Required<CodableType> value; ///< The default.
     };
+    /// The same with a coder, for one that derives from `Coder`.
     struct NameCoderValue {
-        Required<std::string> name;
-        Required<HeldCoder> coder;
-        Required<CodableType> value;
+        Required<std::string> name;  ///< In the store.
+        Required<HeldCoder> coder;   ///< Shared when it has virtual operations.
+        Required<CodableType> value; ///< The default.
     };
 
+    /// Stores nothing.
+    /// @{
     explicit EvaluedUserDefaultsKey(NameValue argument)
         : name(std::move(argument.name.value)), value(std::move(argument.value.value)),
           coder(detail::makeCoder<Coder>()) {}
     explicit EvaluedUserDefaultsKey(NameCoderValue argument)
         : name(std::move(argument.name.value)), value(std::move(argument.value.value)),
           coder(std::move(argument.coder.value)) {}
+    /// @}
 
-    const std::string name;
+    const std::string name; ///< In the store.
     /// What is read when nothing readable is stored.
     const CodableType value;
-    const HeldCoder coder;
+    const HeldCoder coder; ///< Decides the stored form.
 };
 
 /// A key whose value may be absent.
 template <class Coder_>
 class OptionalUserDefaultsKey : public UserDefaultsKeys {
 public:
+    /// The coder and the type it codes.
+    /// @{
     using Coder = Coder_;
     using CodableType = typename Coder::CodableType;
+    /// @}
+    /// How the key holds its coder: shared when the coder has virtual operations.
     using HeldCoder = detail::HeldCoder<Coder>;
 
+    /// A name and, if there is one, a default.
     struct NameValue {
-        Required<std::string> name;
-        std::optional<CodableType> value = std::nullopt;
+        Required<std::string> name;                      ///< In the store.
+        std::optional<CodableType> value = std::nullopt; ///< The default.
     };
+    /// The same with a coder, for one that derives from `Coder`.
     struct NameCoderValue {
-        Required<std::string> name;
-        Required<HeldCoder> coder;
-        Required<std::optional<CodableType>> value;
+        Required<std::string> name;                 ///< In the store.
+        Required<HeldCoder> coder;                  ///< Shared when it has virtual operations.
+        Required<std::optional<CodableType>> value; ///< The default.
     };
 
+    /// Stores nothing.
+    /// @{
     explicit OptionalUserDefaultsKey(NameValue argument)
         : name(std::move(argument.name.value)), coder(detail::makeCoder<Coder>()),
           value(std::move(argument.value)) {}
     explicit OptionalUserDefaultsKey(NameCoderValue argument)
         : name(std::move(argument.name.value)), coder(std::move(argument.coder.value)),
           value(std::move(argument.value.value)) {}
+    /// @}
 
-    const std::string name;
-    const HeldCoder coder;
+    const std::string name; ///< In the store.
+    const HeldCoder coder;  ///< Decides the stored form.
     /// What is read when nothing readable is stored.
     const std::optional<CodableType> value;
 };

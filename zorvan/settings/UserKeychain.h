@@ -43,21 +43,27 @@ class UserKeychain {
 public:
     /// What an item is addressed by: its label, generic attribute and account.
     struct Key {
+        /// A name.
         struct RawValue {
             Required<std::string> rawValue;
         };
+        /// Any text; it is the label, the generic attribute and the account in one.
+        /// @{
         template <std::convertible_to<std::string_view> Text>
         explicit Key(const Text& text) : rawValue(std::string_view(text)) {}
         explicit Key(RawValue argument) : rawValue(std::move(argument.rawValue.value)) {}
+        /// @}
 
-        std::string rawValue;
+        std::string rawValue; ///< As it was given.
 
         friend bool operator==(const Key&, const Key&) = default;
     };
 
-    /// When an item may be read. Works in a `switch`, and its constants have the members.
+    /// When an item may be read: kept with it and matched, but not enforced on this computer. Works
+    /// in a `switch`, and its constants have the members.
     class Access {
     public:
+        /// The cases, for `switch`.
         enum class Case : std::uint8_t {
             afterFirstUnlock,
             afterFirstUnlockThisDeviceOnly,
@@ -67,14 +73,20 @@ public:
             whenUnlocked,
             whenUnlockedThisDeviceOnly
         };
+        /// The case of that name.
+        /// @{
         static const Access afterFirstUnlock, afterFirstUnlockThisDeviceOnly, always;
         static const Access whenPasscodeSetThisDeviceOnly, alwaysThisDeviceOnly, whenUnlocked;
         static const Access whenUnlockedThisDeviceOnly;
+        /// @}
         /// The five cases that have a constant, in order.
         static const std::array<Access, 5> all;
 
+        /// A case and its value stand for each other.
+        /// @{
         constexpr Access(Case value) noexcept : case_(value) {}
         constexpr operator Case() const noexcept { return case_; }
+        /// @}
 
         /// The case whose constant that is; absent when there is none.
         [[nodiscard]] static std::optional<Access> make(std::string_view attributeValue);
@@ -84,16 +96,20 @@ public:
         /// `alwaysThisDeviceOnly`, which as the access of an operation count as none.
         [[nodiscard]] std::optional<std::string> attributeValue() const;
 
+        /// Of the same case.
         friend constexpr bool operator==(Access a, Access b) noexcept { return a.case_ == b.case_; }
 
     private:
         Case case_;
     };
 
+    /// Where items belong.
     struct Service {
-        Required<std::string> serviceName;
+        Required<std::string> serviceName; ///< The service attribute of every item.
+        /// The access group of every item; without one, items of every group are found.
         std::optional<std::string> accessGroup = {};
     };
+    /// Of a service of your own; makes no file.
     [[nodiscard]] static std::shared_ptr<UserKeychain> create(Service argument);
 
     /// Of the main bundle: its identifier is the service. Lives until the process ends.
@@ -101,14 +117,18 @@ public:
     /// All programs without an identifier share one service, "QuenlowKeychain": they read,
     /// overwrite and, by `removeAllKeys`, remove each other's items.
     [[nodiscard]] static const std::shared_ptr<UserKeychain>& standard();
-    /// For a program without an identifier that shares its items with no other: the file name of the
-    /// running executable is the service. Where the system does not tell it, as `standard`.
+    /// For a program without an identifier that shares its items with no other: the file name of
+    /// the running executable is the service. Where the system does not tell it, as `standard`.
     [[nodiscard]] static std::shared_ptr<UserKeychain> createForProgram();
+    /// As they were given.
+    /// @{
     std::string serviceName() const { return serviceName_; }
     std::optional<std::string> accessGroup() const { return accessGroup_; }
+    /// @}
 
     /// Whether items that are written are synchronizable; false at first.
     bool enableSynchronization() const noexcept { return enableSynchronization_; }
+    /// Of items written from now on; others keep what they have.
     void setEnableSynchronization(bool value) noexcept { enableSynchronization_ = value; }
 
     /// Each writes a value, and gives whether it is stored: on the disk, sealed.
@@ -129,12 +149,16 @@ public:
     std::optional<Data> data(const Key& key, std::optional<Access> access = {}) const;
     /// A name of the item for other processes, under `kSecValuePersistentRef`.
     std::optional<Data> dataRef(const Key& key, std::optional<Access> access = {}) const;
+    /// As UTF-8; absent when it is not.
     std::optional<std::string> string(const Key& key, std::optional<Access> access = {}) const;
     /// Of any number, as `NSNumber` converts it.
     std::optional<std::int64_t> integer(const Key& key, std::optional<Access> access = {}) const;
+    /// Of any number, as `NSNumber` converts it.
+    /// @{
     std::optional<float> float_(const Key& key, std::optional<Access> access = {}) const;
     std::optional<double> double_(const Key& key, std::optional<Access> access = {}) const;
     std::optional<bool> bool_(const Key& key, std::optional<Access> access = {}) const;
+    /// @}
     /// What `NSKeyedUnarchiver` gives for the class.
     template <class Object>
     std::optional<Object> object(const Key& key, std::optional<Access> access = {}) const {
@@ -143,6 +167,7 @@ public:
         return archive ? unarchived<Object>(*archive) : std::nullopt;
     }
 
+    /// Whether `data` would give something.
     bool hasValue(const Key& key, std::optional<Access> access = {}) const;
 
     /// Reads a value of that kind - `Data`, a text, a number or truth value, an object - as `data`,

@@ -16,18 +16,23 @@ namespace zorvan {
 /// The version of a bundle, `major.minor.patch`, ordered by its components from the left. A
 /// component may be any integer.
 struct BundleVersion {
+    /// A text for `make`.
     struct RawValue {
         Required<std::string_view> rawValue;
     };
 
+    /// Any integer, negative ones too; a version is replaced as a whole.
+    /// @{
     const std::int64_t major;
     const std::int64_t minor;
     const std::int64_t patch;
+    /// @}
 
     static const BundleVersion zero;  ///< 0.0.0
     static const BundleVersion first; ///< 1.0.0
 
     // Braces, because <sys/sysmacros.h> makes macros of `major(` and `minor(`.
+    /// The components as they are.
     constexpr BundleVersion(std::int64_t majorNumber, std::int64_t minorNumber,
                             std::int64_t patchNumber) noexcept
         : major{majorNumber}, minor{minorNumber}, patch{patchNumber} {}
@@ -45,14 +50,18 @@ struct BundleVersion {
     /// Spaces (every kind of them) and tabs around the text are dropped, but not line breaks. A
     /// component is an optional sign and ASCII digits; one that is missing, is anything else, or
     /// does not fit 64 bits, is 0. What follows the third component is left out.
+    /// @{
     static std::optional<BundleVersion> make(std::string_view text) noexcept;
     static std::optional<BundleVersion> make(RawValue argument) noexcept {
         return make(argument.rawValue.value);
     }
+    /// @}
 
     /// "1.0.0": always three components in plain decimal.
+    /// @{
     std::string rawValue() const;
     std::string description() const { return rawValue(); }
+    /// @}
 
     /// Whether this is the version of the main bundle.
     bool isCurrent() const;

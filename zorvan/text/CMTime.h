@@ -19,31 +19,41 @@ using CMTimeFlags = std::uint32_t;
 inline constexpr CMTimeFlags kCMTimeFlags_Valid = 1u << 0;
 /// The time is not exactly what was asked for, or was computed from one that is not.
 inline constexpr CMTimeFlags kCMTimeFlags_HasBeenRounded = 1u << 1;
+/// The time is beyond all numbers.
+/// @{
 inline constexpr CMTimeFlags kCMTimeFlags_PositiveInfinity = 1u << 2;
 inline constexpr CMTimeFlags kCMTimeFlags_NegativeInfinity = 1u << 3;
+/// @}
 /// The time is not known, such as the duration of a live stream.
 inline constexpr CMTimeFlags kCMTimeFlags_Indefinite = 1u << 4;
 /// The bits under which `value` and `timescale` mean nothing.
 inline constexpr CMTimeFlags kCMTimeFlags_ImpliedValueFlagsMask =
     kCMTimeFlags_PositiveInfinity | kCMTimeFlags_NegativeInfinity | kCMTimeFlags_Indefinite;
 
+/// The finest timescale there is: parts of a second.
 inline constexpr std::int32_t kCMTimeMaxTimescale = std::numeric_limits<std::int32_t>::max();
 
 /// Hours, minutes and seconds of a time, each a whole number.
 struct ClockTime {
+    /// A whole number, negative in a negative time; minutes and seconds stay within 59 of zero.
+    /// @{
     double hh = 0;
     double mm = 0;
     double ss = 0;
+    /// @}
     friend constexpr bool operator==(const ClockTime&, const ClockTime&) = default;
 };
 
 /// Hours, minutes and seconds of a time, and milliseconds from 0 up to but not including 1000,
 /// which are not rounded.
 struct ClockTimeWithMilliseconds {
+    /// As in `ClockTime`; `ms` is from 0 up to 1000 and has a fraction.
+    /// @{
     double hh = 0;
     double mm = 0;
     double ss = 0;
     double ms = 0;
+    /// @}
     friend constexpr bool operator==(const ClockTimeWithMilliseconds&,
                                      const ClockTimeWithMilliseconds&) = default;
 };
@@ -58,14 +68,15 @@ struct ClockTimeWithMilliseconds {
 ///
 /// The arithmetic is in `CMTimeArithmetic.h`, which the operators of this type stand on.
 struct CMTime {
+    /// A number of seconds; infinities and NaN are taken too.
     struct Seconds {
         Required<double> seconds;
     };
 
-    std::int64_t value = 0;
-    std::int32_t timescale = 0;
-    CMTimeFlags flags = 0;
-    std::int64_t epoch = 0;
+    std::int64_t value = 0;     ///< In units of `1 / timescale` seconds.
+    std::int32_t timescale = 0; ///< Units in a second.
+    CMTimeFlags flags = 0;      ///< What the time is: see `isValid` and its neighbours.
+    std::int64_t epoch = 0;     ///< The pass of a medium, 0 unless it says otherwise.
 
     /// The invalid time.
     constexpr CMTime() noexcept = default;
@@ -73,11 +84,15 @@ struct CMTime {
     /// `CMTimeMakeWithSeconds(seconds, 1000000)`: to the nearest microsecond.
     constexpr explicit CMTime(Seconds argument) noexcept;
 
+    /// What kind of time it is. One that carries several marks is indefinite first, then
+    /// positively, then negatively infinite.
+    /// @{
     constexpr bool isValid() const noexcept;
     constexpr bool isPositiveInfinity() const noexcept;
     constexpr bool isNegativeInfinity() const noexcept;
     constexpr bool isIndefinite() const noexcept;
     constexpr bool isNumeric() const noexcept;
+    /// @}
     /// Numeric, and rounded on the way.
     constexpr bool hasBeenRounded() const noexcept;
 
@@ -93,16 +108,22 @@ struct CMTime {
     /// The time as a clock shows it. The whole seconds are rounded down, then taken apart toward
     /// zero, so that -1.25 s is 0, 0, -2 and 750 ms, and -3661 s is -1, -1, -1. All zero when the
     /// time is not numeric, or when its whole seconds are 2^63 or more.
+    /// @{
     ClockTime hhmmss() const noexcept;
     ClockTimeWithMilliseconds hhmmssms() const noexcept;
+    /// @}
 
     /// "01:02:03"; with milliseconds, rounded, "01:02:03:250". From 0.9995 s up the milliseconds
     /// are "1000".
+    /// @{
     std::string hhmmssDesc() const;
     std::string hhmmssmsDesc() const;
+    /// @}
     /// The same for the name of a file: "01-02-03", "01-02-03-250".
+    /// @{
     std::string hhmmssName() const;
     std::string hhmmssmsName() const;
+    /// @}
 
     /// Whether the distance to `other` is below `tolerance`, one six-hundredth of a second when it
     /// is absent, in the order of `CMTimeCompare`: so any numeric distance is below a tolerance
@@ -118,16 +139,20 @@ struct CMTime {
     /// for which no exact step exists takes the nearest step, and the times carry its rounding.
     CMTimeIterator split(std::int64_t count) const noexcept;
 
+    /// As the operators of two operands, in `CMTimeArithmetic.h`.
+    /// @{
     constexpr CMTime& operator+=(const CMTime& other) noexcept;
     constexpr CMTime& operator-=(const CMTime& other) noexcept;
     constexpr CMTime& operator*=(std::int32_t factor) noexcept;
     constexpr CMTime& operator*=(double factor) noexcept;
     constexpr CMTime& operator/=(std::int32_t divisor) noexcept;
+    /// @}
     CMTime& operator/=(double) = delete;
 };
 
 /// `value / timescale` seconds, epoch 0. Invalid when `timescale` is zero or below.
 constexpr CMTime CMTimeMake(std::int64_t value, std::int32_t timescale) noexcept;
+/// The same in that epoch.
 constexpr CMTime CMTimeMakeWithEpoch(std::int64_t value, std::int32_t timescale,
                                      std::int64_t epoch) noexcept;
 
@@ -157,6 +182,8 @@ constexpr CMTime makeTime(std::int64_t value, std::int32_t timescale, CMTimeFlag
 
 } // namespace detail
 
+/// The time of that kind; `kCMTimeZero` has timescale 1.
+/// @{
 inline constexpr CMTime kCMTimeInvalid = CMTime();
 inline constexpr CMTime kCMTimeZero = detail::makeTime(0, 1, kCMTimeFlags_Valid);
 inline constexpr CMTime kCMTimeIndefinite =
@@ -165,6 +192,7 @@ inline constexpr CMTime kCMTimePositiveInfinity =
     detail::makeTime(0, 0, kCMTimeFlags_Valid | kCMTimeFlags_PositiveInfinity);
 inline constexpr CMTime kCMTimeNegativeInfinity =
     detail::makeTime(0, 0, kCMTimeFlags_Valid | kCMTimeFlags_NegativeInfinity);
+/// @}
 
 constexpr bool CMTime::isValid() const noexcept {
     return (flags & kCMTimeFlags_Valid) != 0 &&

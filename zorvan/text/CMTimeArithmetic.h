@@ -168,25 +168,32 @@ constexpr std::int32_t CMTimeCompare(const CMTime& a, const CMTime& b) noexcept 
     return (left > right) - (left < right);
 }
 
-/// Weak, because equal times may differ in timescale and in the mark of rounding.
+/// By `CMTimeCompare`. Weak, because equal times may differ in timescale and in the mark of
+/// rounding.
+/// @{
 constexpr std::weak_ordering operator<=>(const CMTime& a, const CMTime& b) noexcept {
     return CMTimeCompare(a, b) <=> 0;
 }
 constexpr bool operator==(const CMTime& a, const CMTime& b) noexcept {
     return CMTimeCompare(a, b) == 0;
 }
+/// @}
 
 /// Against a number of seconds, taken to the nearest microsecond first.
+/// @{
 constexpr std::weak_ordering operator<=>(const CMTime& time, double seconds) noexcept {
     return time <=> CMTime({.seconds = seconds});
 }
 constexpr bool operator==(const CMTime& time, double seconds) noexcept {
     return time == CMTime({.seconds = seconds});
 }
+/// @}
 
 /// The smaller or the larger one by `CMTimeCompare`; the first of two equal ones.
+/// @{
 constexpr CMTime CMTimeMinimum(const CMTime& a, const CMTime& b) noexcept { return b < a ? b : a; }
 constexpr CMTime CMTimeMaximum(const CMTime& a, const CMTime& b) noexcept { return a < b ? b : a; }
+/// @}
 
 /// The time without its sign; invalid and indefinite times come back as they are.
 constexpr CMTime CMTimeAbsoluteValue(const CMTime& time) noexcept {
@@ -345,6 +352,9 @@ constexpr CMTime CMTimeMultiplyByFloat64(const CMTime& time, double multiplier) 
     return detail::makeFromReal(seconds * size, negative != (time.value < 0), time.epoch);
 }
 
+/// `CMTimeAdd`, `CMTimeSubtract`, `CMTimeMultiply`, `CMTimeMultiplyByFloat64`, and for the division
+/// `CMTimeMultiplyByRatio`, which gives the invalid time when the divisor is 0.
+/// @{
 constexpr CMTime operator+(const CMTime& a, const CMTime& b) noexcept { return CMTimeAdd(a, b); }
 constexpr CMTime operator-(const CMTime& a, const CMTime& b) noexcept {
     return CMTimeSubtract(a, b);
@@ -364,6 +374,7 @@ constexpr CMTime operator*(double factor, const CMTime& time) noexcept {
 constexpr CMTime operator/(const CMTime& time, std::int32_t divisor) noexcept {
     return CMTimeMultiplyByRatio(time, 1, divisor);
 }
+/// @}
 /// Deleted, so that a real divisor is not cut to an integer; multiply by its inverse instead.
 CMTime operator/(const CMTime&, double) = delete;
 

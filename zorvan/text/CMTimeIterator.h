@@ -32,18 +32,27 @@ public:
     /// A position of a range-based `for`; it advances the iterator that it came from.
     class Position {
     public:
+        /// What the standard library asks of an iterator.
+        /// @{
         using difference_type = std::ptrdiff_t;
         using value_type = CMTime;
+        /// @}
 
+        /// Takes the first time from the iterator.
         constexpr explicit Position(CMTimeIterator& times) noexcept
             : times_(&times), time_(times.next()) {}
 
+        /// The time at the position, which must not be at the end.
         constexpr const CMTime& operator*() const noexcept { return *time_; }
+        /// Takes the next time.
+        /// @{
         constexpr Position& operator++() noexcept {
             time_ = times_->next();
             return *this;
         }
         constexpr void operator++(int) noexcept { ++*this; }
+        /// @}
+        /// Whether the times have come to their end.
         friend constexpr bool operator==(const Position& position,
                                          std::default_sentinel_t) noexcept {
             return !position.time_;
@@ -56,6 +65,7 @@ public:
 
     /// Takes the next time; what is left comes in a `for`.
     constexpr Position begin() noexcept { return Position(*this); }
+    /// Where no time is left.
     constexpr std::default_sentinel_t end() const noexcept { return {}; }
 
 private:

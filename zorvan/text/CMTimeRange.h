@@ -11,31 +11,40 @@ namespace zorvan {
 /// A range is *valid* when both fields are valid and the duration is a span: epoch 0 and not below
 /// zero. Nothing corrects a range that is not, and every question about it is answered with no.
 struct CMTimeRange {
+    /// A duration, for a range from zero on.
     struct Duration {
         Required<CMTime> duration;
     };
+    /// Both fields.
     struct StartDuration {
+        /// As it is, valid or not.
+        /// @{
         Required<CMTime> start;
         Required<CMTime> duration;
+        /// @}
     };
+    /// Another start.
     struct Start {
         Required<CMTime> start;
     };
+    /// Another end.
     struct End {
         Required<CMTime> end;
     };
 
-    CMTime start;
-    CMTime duration;
+    CMTime start;    ///< The first time.
+    CMTime duration; ///< How long it goes on.
 
     /// The invalid range.
     constexpr CMTimeRange() noexcept = default;
     /// From zero on.
     constexpr explicit CMTimeRange(Duration argument) noexcept
         : start(kCMTimeZero), duration(argument.duration) {}
+    /// The fields as they are.
     constexpr explicit CMTimeRange(StartDuration argument) noexcept
         : start(argument.start), duration(argument.duration) {}
 
+    /// Whether both fields are valid and the duration is a span: epoch 0 and not below zero.
     constexpr bool isValid() const noexcept {
         return start.isValid() && duration.isValid() && duration.epoch == 0 &&
                duration >= kCMTimeZero;
@@ -83,17 +92,23 @@ struct CMTimeRange {
     friend constexpr bool operator==(const CMTimeRange&, const CMTimeRange&) noexcept = default;
 };
 
+/// The empty range at zero, and the one that is no range.
+/// @{
 inline constexpr CMTimeRange kCMTimeRangeZero{{.start = kCMTimeZero, .duration = kCMTimeZero}};
 inline constexpr CMTimeRange kCMTimeRangeInvalid = CMTimeRange();
+/// @}
 
+/// The range of those fields.
 constexpr CMTimeRange CMTimeRangeMake(const CMTime& start, const CMTime& duration) noexcept {
     return CMTimeRange({.start = start, .duration = duration});
 }
 
+/// The range from `start` up to `end`; its duration is negative when `end` comes first.
 constexpr CMTimeRange CMTimeRangeFromTimeToTime(const CMTime& start, const CMTime& end) noexcept {
     return CMTimeRangeMake(start, end - start);
 }
 
+/// `range.end()`.
 constexpr CMTime CMTimeRangeGetEnd(const CMTimeRange& range) noexcept { return range.end(); }
 
 /// `range.clamp(time)`.

@@ -36,10 +36,12 @@ void replaceAllCharacters(NSMutableAttributedString& text, std::string_view with
 void addForegroundColor(NSMutableAttributedString& text, const TextColor& color);
 
 /// `text` with `attributes` over its whole length.
+/// @{
 [[nodiscard]] NSAttributedString format(const AttributeDictionary& attributes,
                                         std::string_view text);
 [[nodiscard]] NSMutableAttributedString mutableFormat(const AttributeDictionary& attributes,
                                                       std::string_view text);
+/// @}
 
 /// A copy of `text` with `attributes` added over its whole length.
 [[nodiscard]] NSMutableAttributedString update(const AttributeDictionary& attributes,

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <zorvan/platform/bundles/NSBundle.h>
 #include <zorvan/platform/foundation/NSNumber.h>
 #include <zorvan/platform/foundation/URL.h>
-#include <zorvan/platform/bundles/NSBundle.h>
 #include <zorvan/text/BundleVersion.h>
 
 #include <cstdint>
@@ -15,6 +15,7 @@ namespace zorvan {
 // Values of the information dictionary. Each is absent when there is nothing under the key, or
 // something of another kind. `string(bundle, key)` comes with `NSBundle` itself.
 
+/// The number under the key.
 std::optional<NSNumber> number(const NSBundle& bundle, std::string_view key);
 /// Whether the number under the key is not 0. A text is no truth value, not even "YES".
 std::optional<bool> bool_(const NSBundle& bundle, std::string_view key);
@@ -34,12 +35,15 @@ BundleVersion version(const NSBundle& bundle);
 
 // Resources by name, each absent when the bundle has none of that name and kind.
 
+/// The resource of that name with that extension, in the sub-folder if one is named.
+/// @{
 std::optional<URL> jsonURL(const NSBundle& bundle, std::string_view resource);
 std::optional<URL> rtfURL(const NSBundle& bundle, std::string_view resource);
 std::optional<URL> plistURL(const NSBundle& bundle, std::string_view resource,
                             std::optional<std::string_view> subdirectory = {});
 std::optional<URL> htmlURL(const NSBundle& bundle, std::string_view resource,
                            std::optional<std::string_view> subdirectory = {});
+/// @}
 
 /// The file of the icon that the desktop shows for the bundle, nearest to the size in pixels;
 /// absent when it shows none of its own. See `desktop::iconOfBundle` for where it is looked for.

@@ -74,8 +74,10 @@ namespace zorvan {
 bool replacePrefix(std::string& s, std::string_view p, std::string_view by);
 /// Puts `by` in the place of the suffix; false, and `s` unchanged, when `s` does not end with it.
 bool replaceSuffix(std::string& s, std::string_view suffix, std::string_view by);
+/// With `by` in the place of the prefix `p`; unchanged when `s` does not start with it.
 [[nodiscard]] std::string replacingPrefix(std::string_view s, std::string_view p,
                                           std::string_view by);
+/// With `by` in the place of the suffix; unchanged when `s` does not end with it.
 [[nodiscard]] std::string replacingSuffix(std::string_view s, std::string_view suffix,
                                           std::string_view by);
 /// Without `p` when `s` starts with it.
@@ -87,6 +89,7 @@ bool replaceSuffix(std::string& s, std::string_view suffix, std::string_view by)
 /// "someone",
 /// "/Users/someone2/x" becomes "~2/x" too. False, and `path` unchanged, without that prefix.
 bool abreviateTildeInPath(std::string& path);
+/// The path that `abreviateTildeInPath` would leave.
 [[nodiscard]] std::string abreviatingTildeInPath(std::string_view path);
 
 /// @}
@@ -98,29 +101,30 @@ using StringIndex = std::size_t;
 
 /// The bytes between two places.
 struct StringRange {
-    StringIndex lower;
-    StringIndex upper;
+    StringIndex lower; ///< Where the first of them starts.
+    StringIndex upper; ///< After the last of them.
 
     friend bool operator==(const StringRange&, const StringRange&) = default;
 };
 
 /// The characters in a range, for `substring`.
 struct SubstringWith {
-    Required<Range> with;
+    Required<Range> with; ///< Inside the text.
 };
 /// Those before an offset.
 struct SubstringTo {
-    Required<std::int64_t> to;
+    Required<std::int64_t> to; ///< From 0 to the length.
 };
 /// Those from an offset on.
 struct SubstringFrom {
-    Required<std::int64_t> from;
+    Required<std::int64_t> from; ///< From 0 to the length.
 };
 
 /// The place `i` characters after the start.
 [[nodiscard]] StringIndex startIntIndexToStringIndex(std::string_view s, std::int64_t i);
 /// The place `i` characters before the end.
 [[nodiscard]] StringIndex endIntIndexToStringIndex(std::string_view s, std::int64_t i);
+/// The places before the first and after the last character of the range.
 [[nodiscard]] StringRange rangeToStringRange(std::string_view s, Range r);
 
 /// `substring(s, {.with = {2, 5}})`: the characters in the range.
@@ -138,6 +142,7 @@ std::string remove(std::string& s, std::int64_t at);
 std::string removeFirstChar(std::string& s);
 /// Removes the last character, and returns it. `s` must not be empty.
 std::string removeLastChar(std::string& s);
+/// Removes the characters in the range.
 void removeSubrange(std::string& s, Range r);
 
 /// The first `to` characters, or all there are; none for a negative offset.
@@ -163,6 +168,7 @@ void removeSubrange(std::string& s, Range r);
 /// As people order names: case, accents and width ignored, digits as numbers, by the alphabet of
 /// the current locale. A strict weak order.
 [[nodiscard]] ComparisonResult finderCompare(std::string_view a, std::string_view b);
+/// By the alphabet of that locale.
 [[nodiscard]] ComparisonResult finderCompare(std::string_view a, std::string_view b,
                                              const Locale& locale);
 
@@ -179,6 +185,7 @@ void removeSubrange(std::string& s, Range r);
 [[nodiscard]] std::vector<std::vector<std::string>>
 captureMatches(std::string_view s, std::string_view pattern,
                NSRegularExpression::Options options = NSRegularExpression::Options::none);
+/// As `captureMatches` with the option that leaves case out.
 [[nodiscard]] std::vector<std::vector<std::string>>
 caseInsensitiveCaptureMatches(std::string_view s, std::string_view pattern);
 

@@ -23,7 +23,9 @@ class PlayerEngine;
 /// nowhere when there is none.
 class MediaPlayer {
 public:
+    /// Whether the file can be played.
     enum class Status { opening, ready, failed };
+    /// How near a seek lands.
     enum class Precision {
         /// The picture that is on show at that time.
         exact,
@@ -35,7 +37,9 @@ public:
     /// that uses the player, and not destroy it.
     class Listener {
     public:
+        /// Listeners are not owned.
         virtual ~Listener() = default;
+        /// The file has been opened, or cannot be played.
         virtual void statusDidChange(Status status) = 0;
         /// The clock was set. A jump is a seek or step that has landed, a start, a stop or another
         /// rate; else playing has moved on as expected.
@@ -54,6 +58,7 @@ public:
     MediaPlayer(const MediaPlayer&) = delete;
     MediaPlayer& operator=(const MediaPlayer&) = delete;
 
+    /// As it is now.
     Status status() const;
     /// Of what was asked for last, while a seek is under way.
     PlaybackClock clock() const;

@@ -10,17 +10,18 @@
 
 namespace zorvan::avfoundation {
 
+/// What a stream holds.
 enum class MediaKind { video, audio, text, other };
 
 /// `value / timescale` seconds.
 struct MediaTime {
-    std::int64_t value;
-    std::int32_t timescale;
+    std::int64_t value;     ///< In units of `1 / timescale` seconds.
+    std::int32_t timescale; ///< Units in a second; above 0.
 };
 
 /// One stream of pictures, sound or anything else.
 struct MediaTrack {
-    MediaKind kind = MediaKind::other;
+    MediaKind kind = MediaKind::other; ///< What it holds.
     /// Frames per second on the average; 0 when it is not known, and for what is no video.
     double frameRate = 0;
     /// How long every picture lasts, when the header says that all last equally long.
@@ -34,15 +35,15 @@ struct MediaTrack {
 /// What a file says of itself: "mdta/com.apple.quicktime.creationdate" and the like, and bytes that
 /// are most often UTF-8.
 struct MediaMetadata {
-    std::string identifier;
-    std::string value;
+    std::string identifier; ///< The place in the file and the name there.
+    std::string value;      ///< As it stands there.
 };
 
 /// What a movie or sound file says of itself.
 struct MediaDescription {
     /// In the order of the file. Pictures of a cover are no tracks.
     std::vector<MediaTrack> tracks;
-    std::vector<MediaMetadata> metadata;
+    std::vector<MediaMetadata> metadata; ///< In the order of the file.
     /// Absent when the file does not say.
     std::optional<MediaTime> duration;
 };

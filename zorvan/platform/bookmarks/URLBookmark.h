@@ -11,18 +11,20 @@
 /// Bookmarks: bytes that find a file again after it was renamed or moved within its volume.
 namespace zorvan {
 
-/// A set of the bits below.
+/// A set of bits.
 using NSURLBookmarkCreationOptions = std::uint64_t;
 /// Made for files that an application keeps the right to use. Here the right is the user's own, and
 /// the option changes nothing.
 inline constexpr NSURLBookmarkCreationOptions NSURLBookmarkCreationWithSecurityScope = 2048;
 
+/// A set of bits.
 using NSURLBookmarkResolutionOptions = std::uint64_t;
+/// As for creation: the option changes nothing.
 inline constexpr NSURLBookmarkResolutionOptions NSURLBookmarkResolutionWithSecurityScope = 1024;
 
 /// The file that a bookmark leads to.
 struct ResolvedBookmark {
-    URL url;
+    URL url; ///< Where it is now.
     /// The bookmark still leads to the file, but a new one should be made: the file has another
     /// path, or another file has taken its place.
     bool isStale = false;

@@ -37,9 +37,13 @@ public:
     /// and "dir" itself when there is none.
     static std::string bundlePathForExecutable(const std::string& executablePath);
 
+    /// The folder.
+    /// @{
     const std::string& bundlePath() const noexcept { return url_.path(); }
     const URL& bundleURL() const noexcept { return url_; }
+    /// @}
 
+    /// Empty when there is none that can be read.
     const PropertyList::Dictionary& infoDictionary() const noexcept { return info_; }
     /// The value under a key of the information dictionary; null when there is none.
     const PropertyList* objectForInfoDictionaryKey(std::string_view key) const noexcept;

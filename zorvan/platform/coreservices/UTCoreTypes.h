@@ -6,6 +6,8 @@ namespace zorvan {
 
 // The identifiers of the named types. What each conforms to is in the conformance graph.
 
+/// The identifier of the type of that name.
+/// @{
 inline constexpr NameLiteral kUTTypeItem = "public.item";
 inline constexpr NameLiteral kUTTypeContent = "public.content";
 inline constexpr NameLiteral kUTTypeCompositeContent = "public.composite-content";
@@ -69,5 +71,6 @@ inline constexpr NameLiteral kUTTypeApplicationBundle = "com.apple.application-b
 inline constexpr NameLiteral kUTTypeApplicationFile = "com.apple.application-file";
 inline constexpr NameLiteral kUTTypeVCard = "public.vcard";
 inline constexpr NameLiteral kUTTypeInkText = "com.apple.ink.inktext";
+/// @}
 
 } // namespace zorvan

@@ -21,8 +21,11 @@ namespace zorvan {
 // Identifiers, extensions and MIME types are compared without regard to the case of ASCII letters.
 // All functions may be called from several threads at once.
 
+/// What a tag is: an extension without its dot, or a MIME type.
+/// @{
 inline constexpr NameLiteral kUTTagClassFilenameExtension = "public.filename-extension";
 inline constexpr NameLiteral kUTTagClassMIMEType = "public.mime-type";
+/// @}
 
 /// The identifier of the type that has the tag: an extension without its dot, or a MIME type.
 /// Absent when no type has it, when it is empty, or when the tag class is another.
@@ -33,6 +36,7 @@ std::optional<std::string> UTTypeCreatePreferredIdentifierForTag(std::string_vie
 /// itself alone.
 [[nodiscard]] bool UTTypeConformsTo(std::string_view identifier, std::string_view other);
 
+/// Whether they are the same, the case of ASCII letters aside; nothing is looked up.
 [[nodiscard]] bool UTTypeEqual(std::string_view a, std::string_view b) noexcept;
 
 /// What a person would call the type, in the language of the environment where the MIME database

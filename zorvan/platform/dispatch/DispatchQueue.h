@@ -22,6 +22,7 @@ namespace zorvan {
 /// neither run nor destroyed.
 class DispatchQueue : public std::enable_shared_from_this<DispatchQueue> {
 public:
+    /// Whether blocks run one at a time, or may overlap.
     enum class Attributes { serial, concurrent };
 
     /// A new queue. The label is for people: debuggers and messages.
@@ -34,18 +35,22 @@ public:
     /// The concurrent queue shared by the whole process.
     static const std::shared_ptr<DispatchQueue>& global();
 
+    /// Nothing is queued any more then, since blocks that are queued keep their queue.
     virtual ~DispatchQueue() = default;
     DispatchQueue(const DispatchQueue&) = delete;
     DispatchQueue& operator=(const DispatchQueue&) = delete;
 
+    /// As it was given.
     const std::string& label() const noexcept { return label_; }
 
     /// Queues the block and returns at once.
     void async(Block block) { enqueue(std::move(block)); }
 
     /// Queues the block once the deadline has come; at once when it has passed.
+    /// @{
     void asyncAfter(std::chrono::steady_clock::time_point deadline, Block block);
     void asyncAfter(std::chrono::nanoseconds delay, Block block);
+    /// @}
 
     /// Runs the block in its turn and returns its result; an exception it throws reaches the
     /// caller. The block runs on the calling thread, except on the main queue, where the main
@@ -72,6 +77,7 @@ public:
     }
 
 protected:
+    /// For queues of the library's own.
     explicit DispatchQueue(std::string label) : label_(std::move(label)) {}
 
 private:

@@ -12,8 +12,10 @@ namespace zorvan {
 class DispatchSemaphore {
 public:
     /// Stops the program when the count is negative.
+    /// @{
     static std::shared_ptr<DispatchSemaphore> create(std::int64_t value);
     explicit DispatchSemaphore(std::int64_t value);
+    /// @}
 
     /// Adds one to the count, which lets one waiting thread go on.
     void signal();
@@ -23,8 +25,10 @@ public:
 
     /// As `wait`, but gives up at the deadline or after the time-out; true when it took one. A
     /// deadline that has passed makes it a try.
+    /// @{
     [[nodiscard]] bool wait(std::chrono::steady_clock::time_point deadline);
     [[nodiscard]] bool wait(std::chrono::nanoseconds timeout);
+    /// @}
 
 private:
     bool takeAtOnce();

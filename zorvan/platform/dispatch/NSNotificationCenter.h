@@ -30,13 +30,16 @@ class NSNotificationCenter {
 public:
     /// What senders are.
     using Sender = const void;
+    /// What observers are called with.
     using Handler = std::function<void(const Notification&)>;
 
+    /// A center of your own, for those who know of it.
     static std::shared_ptr<NSNotificationCenter> create();
 
     /// The center of the process.
     static const std::shared_ptr<NSNotificationCenter>& defaultCenter();
 
+    /// Ends every registration.
     ~NSNotificationCenter();
     NSNotificationCenter(const NSNotificationCenter&) = delete;
     NSNotificationCenter& operator=(const NSNotificationCenter&) = delete;
@@ -51,9 +54,12 @@ public:
     /// Ends the registration. No effect when it has ended already or is another center's.
     void removeObserver(const std::shared_ptr<NotificationObserver>& observer);
 
+    /// Tells the observers of that name and sender, as said above.
+    /// @{
     void post(NSNotificationName name, std::shared_ptr<Sender> object = {},
               std::optional<Notification::UserInfo> userInfo = {});
     void post(const Notification& notification);
+    /// @}
 
 private:
     class Registry;

@@ -15,12 +15,17 @@ namespace zorvan {
 /// data without bound.
 class NSNotificationName {
 public:
+    /// The name with that text; see above for what it costs.
+    /// @{
     NSNotificationName(std::string_view text);
     NSNotificationName(const std::string& text) : NSNotificationName(std::string_view(text)) {}
     NSNotificationName(const char* text) : NSNotificationName(std::string_view(text)) {}
+    /// @}
 
+    /// The text.
     const std::string& rawValue() const noexcept { return *text_; }
 
+    /// Of the same text; one comparison of pointers.
     friend bool operator==(NSNotificationName a, NSNotificationName b) noexcept {
         return a.text_ == b.text_;
     }

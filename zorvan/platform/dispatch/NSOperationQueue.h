@@ -2,12 +2,9 @@
 
 #include <zorvan/platform/dispatch/Block.h>
 
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
-#include <mutex>
 #include <string>
 
 namespace zorvan {
@@ -21,24 +18,30 @@ public:
     /// As many at a time as the machine can use.
     static constexpr std::int64_t defaultMaxConcurrentOperationCount = -1;
 
+    /// As many at a time as the machine can use, and without a name.
     static std::shared_ptr<NSOperationQueue> create();
 
     /// The queue whose operations run on the main thread, one at a time, as blocks of the main
     /// dispatch queue.
     static const std::shared_ptr<NSOperationQueue>& main();
 
+    ~NSOperationQueue();
     NSOperationQueue(const NSOperationQueue&) = delete;
     NSOperationQueue& operator=(const NSOperationQueue&) = delete;
 
     /// For people: debuggers and messages.
+    /// @{
     std::string name() const;
     void setName(std::string name);
+    /// @}
 
     /// How many operations may overlap; 1 makes the queue serial. No effect on the main queue,
     /// where it is always 1. Operations already running are not disturbed. Stops the program for 0
     /// and for negative numbers other than `defaultMaxConcurrentOperationCount`.
+    /// @{
     std::int64_t maxConcurrentOperationCount() const;
     void setMaxConcurrentOperationCount(std::int64_t count);
+    /// @}
 
     /// Operations waiting or running.
     std::size_t operationCount() const;
@@ -52,19 +55,13 @@ public:
 
 private:
     enum class Kind { background, main };
+    struct State;
     explicit NSOperationQueue(Kind kind);
 
-    bool mayStart() const noexcept;
     void start(Block block);
     void finishOne();
 
-    const Kind kind_;
-    mutable std::mutex mutex_;
-    std::condition_variable finished_;
-    std::string name_;
-    std::deque<Block> waiting_;
-    std::size_t running_ = 0;
-    std::int64_t maxCount_;
+    const std::unique_ptr<State> state_;
 };
 
 } // namespace zorvan

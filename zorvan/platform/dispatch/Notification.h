@@ -17,7 +17,7 @@ struct Notification {
     /// Values of any copyable type by key. A large value is best held through a `std::shared_ptr`.
     using UserInfo = std::map<std::string, std::any, std::less<>>;
 
-    NSNotificationName name;
+    NSNotificationName name; ///< What happened.
 
     /// The sender; null when there is none. The notification keeps it alive.
     std::shared_ptr<const void> object;
@@ -25,6 +25,7 @@ struct Notification {
     /// Absent when the sender added nothing.
     std::optional<UserInfo> userInfo;
 
+    /// Of what is given.
     explicit Notification(NSNotificationName name_, std::shared_ptr<const void> object_ = {},
                           std::optional<UserInfo> userInfo_ = {})
         : name(name_), object(std::move(object_)), userInfo(std::move(userInfo_)) {}

@@ -21,14 +21,16 @@ namespace zorvan {
 /// their documentation, and the last word of `fatalError`, do not come this way.
 class LibraryLog {
 public:
+    /// How bad it is.
     enum class Level : std::uint8_t {
         information, ///< Something is well again.
         warning,     ///< The library goes on with less: in memory, without a format.
         error,       ///< Something was lost.
     };
 
+    /// Something that the library says.
     struct Entry {
-        Level level;
+        Level level; ///< How bad it is.
         /// The service that speaks: "settings", "messagebus", "libraries".
         std::string_view category;
         /// One line for people, without a line break at its end.

@@ -10,8 +10,10 @@ namespace zorvan {
 /// `std::string`.
 class NameLiteral : public std::string_view {
 public:
+    /// Of a text that is never freed, such as one between quotes.
     constexpr NameLiteral(const char* text) noexcept : std::string_view(text) {}
 
+    /// A copy.
     operator std::string() const { return std::string(data(), size()); }
 };
 

@@ -21,26 +21,39 @@ namespace zorvan {
 /// processes are made of.
 class PropertyList {
 public:
-    using Array = std::vector<PropertyList>;
+    using Array = std::vector<PropertyList>; ///< In order.
+    /// By key, in the order of the bytes.
     using Dictionary = std::map<std::string, PropertyList, std::less<>>;
 
-    PropertyList(NSNumber value) : value_(value) {}
+    /// A value of that kind.
+    /// @{
+    PropertyList(NSNumber value);
     template <class Number>
     requires std::integral<Number> || std::floating_point<Number> PropertyList(Number value)
-        : value_(boxed(value)) {}
-    PropertyList(std::string value) : value_(std::move(value)) {}
-    PropertyList(std::string_view value) : value_(std::string(value)) {}
-    PropertyList(const char* value) : value_(std::string(value)) {}
-    PropertyList(Date value) : value_(value) {}
-    PropertyList(Data value) : value_(std::move(value)) {}
-    PropertyList(Array value) : value_(std::move(value)) {}
-    PropertyList(Dictionary value) : value_(std::move(value)) {}
+        : PropertyList(boxed(value)) {}
+    PropertyList(std::string value);
+    PropertyList(std::string_view value);
+    PropertyList(const char* value);
+    PropertyList(Date value);
+    PropertyList(Data value);
+    PropertyList(Array value);
+    PropertyList(Dictionary value);
+    /// @}
+    /// A value of its own.
+    /// @{
+    PropertyList(const PropertyList& other);
+    PropertyList(PropertyList&& other) noexcept;
+    PropertyList& operator=(const PropertyList& other);
+    PropertyList& operator=(PropertyList&& other) noexcept;
+    /// @}
+    ~PropertyList();
 
     /// The value when it is of that kind. For `NSNumber`, `std::string`, `Date`, `Data`, `Array`
     /// and `Dictionary` a pointer to it, or null. For `bool`, `std::int64_t` and `double` what the
     /// number converts to as in `NSNumber`, for `std::string_view` the text, or absent. A value
     /// that is about to go, such as the result of a call, gives itself away: always an optional, no
     /// views.
+    /// @{
     template <class Kind>
     auto as() const& noexcept {
         return asKind<Kind>(*this);
@@ -60,13 +73,13 @@ public:
             return asKind<Kind>(*this);
         }
     }
+    /// @}
 
     /// Equal in kind and content; numbers by value.
-    friend bool operator==(const PropertyList& a, const PropertyList& b) {
-        return a.value_ == b.value_;
-    }
+    friend bool operator==(const PropertyList& a, const PropertyList& b) { return a.isEqual(b); }
 
 private:
+    bool isEqual(const PropertyList& other) const;
     template <class Number>
     static NSNumber boxed(Number value) {
         if constexpr (std::same_as<Number, bool>)

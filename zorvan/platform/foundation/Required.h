@@ -13,8 +13,9 @@ namespace zorvan {
 /// `center`.
 template <class T>
 struct Required {
-    T value;
+    T value; ///< What was given.
 
+    /// Whatever makes a `T`.
     template <class... Arguments>
     requires(sizeof...(Arguments) > 0 &&
              std::constructible_from<T, Arguments...>) constexpr Required(Arguments&&... arguments)
@@ -31,6 +32,7 @@ struct Required {
     requires std::floating_point<T>
     constexpr Required(Integer integer) : value(static_cast<T>(integer)) {}
 
+    /// The value, wherever a `T` goes.
     constexpr operator const T&() const noexcept { return value; }
 };
 

@@ -17,9 +17,11 @@ namespace zorvan {
 /// keeps its text. Operations on components work on the path of either.
 class URL {
 public:
+    /// A path, absolute or not.
     struct FilePath {
         Required<std::string> fileURLWithPath;
     };
+    /// The whole URL.
     struct Text {
         Required<std::string> string;
     };
@@ -41,36 +43,46 @@ public:
     /// The file URL of the root directory.
     static URL root();
 
+    /// Whether it is the URL of a file.
     bool isFileURL() const noexcept { return isFile_; }
 
     /// The path: of a file URL as the file system has it, of any other the text between the
     /// authority and "?" or "#", still escaped.
+    /// @{
     const std::string& path() const& noexcept { return path_; }
     std::string path() && noexcept { return std::move(path_); }
+    /// @}
 
     /// The whole URL; a file URL has every byte outside the unreserved characters and "/" escaped.
     std::string absoluteString() const;
 
     /// The last component, "/" for the root, empty when there is no path. A view into the URL, or a
     /// text of its own when the URL is the result of a call.
+    /// @{
     std::string_view lastPathComponent() const& noexcept;
     std::string lastPathComponent() const&& { return std::string(lastPathComponent()); }
+    /// @}
 
     /// What follows the last dot of the last component; empty when the dot begins the name
     /// (".git"), ends it, or is missing. A view or a text as above.
+    /// @{
     std::string_view pathExtension() const& noexcept;
     std::string pathExtension() const&& { return std::string(pathExtension()); }
+    /// @}
 
     /// "/", then each component: "/a/b" gives "/", "a", "b".
     std::vector<std::string> pathComponents() const;
 
+    /// Without the dot and the extension of the last component; unchanged without one.
     URL deletingPathExtension() const;
     // What is appended is escaped where the path is: every byte but the unreserved characters and
     // "/".
 
     /// The extension appended after a dot; unchanged when it is empty.
     URL appendingPathExtension(std::string_view extension) const;
+    /// Without the last component; "/" stays.
     URL deletingLastPathComponent() const;
+    /// The component after a slash.
     URL appendingPathComponent(std::string_view component) const;
 
     /// With every symbolic link of an existing path followed; a component that does not exist, and

@@ -18,8 +18,8 @@ class AreaDownscaler {
 public:
     /// A range of rows, the last not included.
     struct Rows {
-        std::int64_t first;
-        std::int64_t last;
+        std::int64_t first; ///< From 0.
+        std::int64_t last;  ///< One past the last row.
     };
 
     /// Writes all rows of `target`, which must outlive the scaler (or be moved to with its pixels

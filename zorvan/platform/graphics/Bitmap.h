@@ -33,17 +33,25 @@ public:
     /// The same pixels in storage of their own; absent when there is no memory for them.
     std::optional<Bitmap> copy() const;
 
+    /// In pixels and bytes. A row has no padding.
+    /// @{
     std::int64_t width() const noexcept { return width_; }
     std::int64_t height() const noexcept { return height_; }
     std::int64_t bytesPerRow() const noexcept { return width_ * 4; }
     std::int64_t byteCount() const noexcept { return bytesPerRow() * height_; }
     BitmapLayout layout() const noexcept { return layout_; }
+    /// @}
 
+    /// The first byte of the top row; lives as long as the bitmap.
+    /// @{
     std::uint8_t* data() noexcept { return pixels_.get(); }
     const std::uint8_t* data() const noexcept { return pixels_.get(); }
+    /// @}
     /// The first byte of row `y`, counted from the top.
+    /// @{
     std::uint8_t* row(std::int64_t y) noexcept { return data() + y * bytesPerRow(); }
     const std::uint8_t* row(std::int64_t y) const noexcept { return data() + y * bytesPerRow(); }
+    /// @}
 
 private:
     friend struct BitmapAccess;
@@ -62,8 +70,7 @@ private:
         return width >= 1 && height >= 1 && width <= maximumPixelCount / height;
     }
     Bitmap(std::int64_t width, std::int64_t height, BitmapLayout layout, std::uint8_t* pixels,
-           Free free)
-        : width_(width), height_(height), layout_(layout), pixels_(pixels, std::move(free)) {}
+           Free free);
 
     std::int64_t width_;
     std::int64_t height_;

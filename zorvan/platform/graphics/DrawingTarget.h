@@ -17,13 +17,19 @@ namespace zorvan {
 /// Everything that is drawn is placed in target coordinates, in pixels with y growing downward; the
 /// outer corner of the first pixel stands at (x, y).
 struct DrawingTarget {
-    std::uint8_t* pixels;
+    std::uint8_t* pixels; ///< The first byte of the top row.
+    /// In pixels.
+    /// @{
     std::int64_t width;
     std::int64_t height;
-    std::int64_t bytesPerRow;
-    BitmapLayout layout;
+    /// @}
+    std::int64_t bytesPerRow; ///< At least four times the width.
+    BitmapLayout layout;      ///< Of each pixel.
+    /// Where the outer corner of the first pixel stands.
+    /// @{
     std::int64_t x = 0;
     std::int64_t y = 0;
+    /// @}
 
     /// All of a bitmap, its top left corner at (x, y).
     static DrawingTarget of(Bitmap& bitmap, std::int64_t x = 0, std::int64_t y = 0) noexcept {
@@ -39,25 +45,32 @@ struct DrawingTarget {
 
 /// Components from 0 to 1, not multiplied by alpha.
 struct PaintColor {
+    /// From 0 to 1.
+    /// @{
     double red = 0;
     double green = 0;
     double blue = 0;
     double alpha = 1;
+    /// @}
 };
 
 /// Colours along a line, or outward from the centre of a circle; beyond the ends the first and the
 /// last colour go on. Colours are mixed before they are multiplied by alpha.
 struct GradientPaint {
+    /// A colour of a gradient and where it stands.
     struct Stop {
-        double location;
-        PaintColor color;
+        double location;  ///< From 0 to 1.
+        PaintColor color; ///< Not multiplied by alpha.
     };
-    std::vector<Stop> stops;
+    std::vector<Stop> stops; ///< In order of their locations; none paint nothing.
     /// In the gradient's own coordinates, which `toTarget` leads out of.
+    /// @{
     CGPoint start;
     CGPoint end;
+    /// @}
     /// Above 0 a circle around `start`; `end` is not used then.
     double radius = 0;
+    /// From the gradient's own coordinates.
     CGAffineTransform toTarget = {};
 };
 
@@ -69,16 +82,18 @@ struct PatternPaint {
     CGAffineTransform toTarget;
 };
 
+/// What an area is painted with.
 using Paint = std::variant<PaintColor, GradientPaint, PatternPaint>;
 
 /// A path that drawing stays inside, within the one around it.
 struct DrawingClip {
-    CGPath path;
-    CGPathFillRule rule;
-    std::shared_ptr<const DrawingClip> outer;
+    CGPath path;                              ///< In target coordinates.
+    CGPathFillRule rule;                      ///< What lies inside of it.
+    std::shared_ptr<const DrawingClip> outer; ///< The clip around this one; null for none.
     /// Around what all of them leave.
     CGRect bounds;
 
+    /// A path within a clip, which may be null.
     static std::shared_ptr<const DrawingClip> make(CGPath path, CGPathFillRule rule,
                                                    std::shared_ptr<const DrawingClip> outer) {
         const CGRect own = path.controlPointBoundingBox();
@@ -90,34 +105,43 @@ struct DrawingClip {
 
 /// What applies to every kind of drawing.
 struct DrawingStyle {
+    /// How it meets what is there.
     NSCompositingOperation operation = NSCompositingOperation::sourceOver;
     /// Multiplies the alpha of what is drawn.
     double alpha = 1;
     /// Empty when there is none.
     std::shared_ptr<const DrawingClip> clip;
-    bool isAntialiased = true;
+    bool isAntialiased = true; ///< Whether pixels at an edge are covered in part.
 };
 
+/// How a line ends: at its last point, with a half circle, or half its width beyond.
 enum class CGLineCap { butt = 0, round = 1, square = 2 };
+/// How two lines meet: in a point, in a part of a circle, or cut off.
 enum class CGLineJoin { miter = 0, round = 1, bevel = 2 };
 
 /// How lines are drawn along a path.
 struct StrokeStyle {
     /// In the coordinates that `toTarget` leads out of; 0 draws the thinnest line there is.
     double lineWidth = 1;
+    /// At the ends and corners of a line.
+    /// @{
     CGLineCap lineCap = CGLineCap::butt;
     CGLineJoin lineJoin = CGLineJoin::miter;
+    /// @}
+    /// How many times as long as the line is wide a mitred corner may be; one that is longer is cut
+    /// off.
     double miterLimit = 10;
     /// Lengths drawn and left out in turn; empty for a line without gaps, as it is drawn when a
     /// length is negative or all are too short to be seen.
     std::vector<double> dash;
-    double dashPhase = 0;
-    CGAffineTransform toTarget = {};
+    double dashPhase = 0;            ///< How far into the lengths the line begins.
+    CGAffineTransform toTarget = {}; ///< From the coordinates of the pen.
 };
 
 // Pixels are changed where they stand, in either layout. Each throws `std::bad_alloc`, and may be
 // called from several threads for targets that do not overlap.
 
+/// What lies inside the path, which is in target coordinates.
 void fillPath(const DrawingTarget& target, const CGPath& path, CGPathFillRule rule,
               const Paint& paint, const DrawingStyle& style);
 

@@ -10,32 +10,45 @@ namespace zorvan {
 /// Which part of a text that is too long gives way to "…".
 enum class TextEllipsis { middle, end };
 
+/// Where a line that is shorter than its box stands.
 enum class TextLineAlignment { left, center, right };
 
 /// A colour whose components are not multiplied by its alpha.
 struct TextLineColor {
+    /// From 0 to 255.
+    /// @{
     std::uint8_t red = 0;
     std::uint8_t green = 0;
     std::uint8_t blue = 0;
     std::uint8_t alpha = 255;
+    /// @}
 };
 
 /// How a line of text is drawn.
 struct TextLineStyle {
     /// The height of the font in pixels.
     double size = 13;
+    /// The line as a whole.
+    /// @{
     bool isBold = false;
     TextLineColor color = {};
     TextLineAlignment alignment = TextLineAlignment::left;
     TextEllipsis ellipsis = TextEllipsis::end;
+    /// @}
 };
 
 /// Where a line of text goes, in pixels from the top-left corner of the bitmap.
 struct TextBox {
+    /// Of the top left corner, y downward.
+    /// @{
     std::int64_t x = 0;
     std::int64_t y = 0;
+    /// @}
+    /// Not above 0: nothing is drawn.
+    /// @{
     std::int64_t width = 0;
     std::int64_t height = 0;
+    /// @}
 };
 
 /// Draws UTF-8 text as one line in the desktop's sans-serif font, its top at the top of the box,

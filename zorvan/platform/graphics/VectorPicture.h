@@ -20,8 +20,10 @@ public:
     /// Empty when the bytes are no SVG that says how large it is, or too many, or when this machine
     /// has no librsvg, which is loaded when the first SVG is read. Files and addresses that the
     /// bytes name are not opened.
+    /// @{
     static std::shared_ptr<const VectorPicture> create(std::span<const std::byte> bytes);
     static std::shared_ptr<const VectorPicture> create(const std::string& path);
+    /// @}
 
     /// Whether this machine has librsvg.
     static bool isSupported();

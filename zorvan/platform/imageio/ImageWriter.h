@@ -13,7 +13,7 @@ namespace zorvan::imageio {
 
 /// One picture to write, and what to say about it.
 struct Frame {
-    const Bitmap* bitmap = nullptr;
+    const Bitmap* bitmap = nullptr; ///< Must not be null.
     /// 0 to 1, for the lossy formats, held between them; absent, and NaN, mean the codec's usual
     /// good quality.
     std::optional<double> quality = {};
@@ -25,7 +25,8 @@ struct Frame {
     PropertyList::Dictionary properties = {};
 };
 
-/// Whether pictures can be written in a format: PNG, JPEG, TIFF, and HEIC where libheif has an encoder.
+/// Whether pictures can be written in a format: PNG, JPEG, TIFF, and HEIC where libheif has an
+/// encoder.
 bool canEncode(FileFormat format);
 
 /// The bytes of a picture file. Absent when the codec is missing or refuses, or when a format that

@@ -27,8 +27,8 @@ namespace zorvan {
 /// what is posted meanwhile is lost.
 class NSDistributedNotificationCenter {
 public:
-    using Sender = const std::string;
-    using Handler = NSNotificationCenter::Handler;
+    using Sender = const std::string;              ///< What senders are: texts.
+    using Handler = NSNotificationCenter::Handler; ///< What observers are called with.
 
     /// The center of the process.
     static const std::shared_ptr<NSDistributedNotificationCenter>& defaultCenter();

@@ -36,6 +36,7 @@ namespace zorvan {
 /// `propertylist::maximumDepth`. The archiver is of no further use after that.
 class NSKeyedArchiver {
 public:
+    /// An archive of nothing.
     NSKeyedArchiver();
     NSKeyedArchiver(const NSKeyedArchiver&) = delete;
     NSKeyedArchiver& operator=(const NSKeyedArchiver&) = delete;

@@ -46,6 +46,7 @@ public:
     /// Whether anything was encoded under a name.
     bool contains(std::string_view key) const;
 
+    /// What was encoded under the name, as a `T`.
     template <class T>
     T decode(std::string_view key) const {
         return read(object(field(key)), Of<T>());

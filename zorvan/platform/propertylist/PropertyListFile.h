@@ -14,6 +14,7 @@
 /// phrase for people. On success `*reason` is left alone.
 namespace zorvan::propertylist {
 
+/// How a property list is written.
 enum class Format { xml, binary };
 
 /// How deep arrays and dictionaries may stand within each other.

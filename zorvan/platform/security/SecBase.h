@@ -7,6 +7,7 @@ namespace zorvan {
 /// What a call of a platform service came to; 0 is success.
 using OSStatus = std::int32_t;
 
+/// All is well.
 inline constexpr OSStatus errSecSuccess = 0;
 /// The disk is full; nothing was changed.
 inline constexpr OSStatus errSecDiskFull = -34;

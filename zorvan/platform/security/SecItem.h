@@ -8,23 +8,29 @@
 
 namespace zorvan {
 
-/// The class of an item: required, except where a persistent reference names the item. Generic
-/// passwords are the only one.
+/// The class of an item, a text: required, except where a persistent reference names the item.
+/// Generic passwords are the only one.
+/// @{
 inline constexpr const char* kSecClass = "class";
 inline constexpr const char* kSecClassGenericPassword = "genericPassword";
+/// @}
 
 /// Texts. Service, account and access group are empty unless given; together with the
 /// synchronisation state they identify an item.
+/// @{
 inline constexpr const char* kSecAttrService = "service";
 inline constexpr const char* kSecAttrAccount = "account";
 inline constexpr const char* kSecAttrAccessGroup = "accessGroup";
 inline constexpr const char* kSecAttrLabel = "label";
+/// @}
 /// Bytes, or a text, which stands for its bytes; comes back as bytes.
 inline constexpr const char* kSecAttrGeneric = "generic";
 
 /// When the item may be read: one of the five constants below, the first of which new items have
 /// unless told otherwise. It is kept and matched; what guards the items is the key that seals them.
 inline constexpr const char* kSecAttrAccessible = "accessible";
+/// A value of `kSecAttrAccessible`.
+/// @{
 inline constexpr const char* kSecAttrAccessibleWhenUnlocked = "whenUnlocked";
 inline constexpr const char* kSecAttrAccessibleAfterFirstUnlock = "afterFirstUnlock";
 inline constexpr const char* kSecAttrAccessibleWhenUnlockedThisDeviceOnly =
@@ -33,6 +39,7 @@ inline constexpr const char* kSecAttrAccessibleAfterFirstUnlockThisDeviceOnly =
     "afterFirstUnlockThisDeviceOnly";
 inline constexpr const char* kSecAttrAccessibleWhenPasscodeSetThisDeviceOnly =
     "whenPasscodeSetThisDeviceOnly";
+/// @}
 
 /// A truth value, or `kSecAttrSynchronizableAny`. New items are not synchronizable unless told
 /// otherwise. Kept and matched; nothing leaves this computer.
@@ -42,11 +49,14 @@ inline constexpr const char* kSecAttrSynchronizable = "synchronizable";
 inline constexpr const char* kSecAttrSynchronizableAny = "any";
 
 /// Dates, which the store keeps.
+/// @{
 inline constexpr const char* kSecAttrCreationDate = "creationDate";
 inline constexpr const char* kSecAttrModificationDate = "modificationDate";
+/// @}
 
 /// The secret: bytes, up to `maximumSecretSize`.
 inline constexpr const char* kSecValueData = "valueData";
+/// The most bytes a secret may have: 16 MiB.
 inline constexpr std::size_t maximumSecretSize = std::size_t{16} << 20;
 /// Bytes that name one item for as long as it is there, in every process of the user. Never used
 /// again for another.
@@ -54,15 +64,20 @@ inline constexpr const char* kSecValuePersistentRef = "valuePersistentRef";
 
 /// How many results: a number from 1, or one of the constants. One unless told otherwise.
 inline constexpr const char* kSecMatchLimit = "matchLimit";
+/// A value of `kSecMatchLimit`.
+/// @{
 inline constexpr const char* kSecMatchLimitOne = "one";
 inline constexpr const char* kSecMatchLimitAll = "all";
+/// @}
 
 /// What a result is. With one of them true, that: bytes for the data and the persistent reference,
 /// a dictionary for the attributes. With several, a dictionary of attributes in which they have the
 /// keys `kSecValueData` and `kSecValuePersistentRef`.
+/// @{
 inline constexpr const char* kSecReturnData = "returnData";
 inline constexpr const char* kSecReturnAttributes = "returnAttributes";
 inline constexpr const char* kSecReturnPersistentRef = "returnPersistentRef";
+/// @}
 
 /// The user's secure items: generic passwords, whose values are sealed with a key that the
 /// session's keyring or a private file keeps. They are in "zorvan/secure-items" below
@@ -91,7 +106,7 @@ OSStatus SecItemUpdate(const PropertyList::Dictionary& query,
 
 /// What a search gives.
 struct SecItemResult {
-    OSStatus status;
+    OSStatus status; ///< Success, or why there is no result.
     /// One result, or with another limit than one an array of them. Absent unless the status is
     /// success, and when the query asks for nothing to be returned.
     std::optional<PropertyList> value;

@@ -1,6 +1,7 @@
 #include <zorvan/platform/security/internal/Keyring.h>
 
 #include <zorvan/platform/foundation/internal/Release.h>
+#include <zorvan/platform/foundation/internal/desktopFolders.h>
 
 #include <algorithm>
 #include <condition_variable>
@@ -46,10 +47,10 @@ std::string busAddress() {
     const char* const given = ::secure_getenv("DBUS_SESSION_BUS_ADDRESS");
     if (given && *given)
         return std::string_view(given).starts_with("autolaunch:") ? "" : given;
-    const char* const runtime = ::secure_getenv("XDG_RUNTIME_DIR");
-    if (!runtime || runtime[0] != '/')
+    const std::optional<std::string> runtime = internal::pathFromEnvironment("XDG_RUNTIME_DIR");
+    if (!runtime)
         return "";
-    const std::string path = std::string(runtime) + "/bus";
+    const std::string path = *runtime + "/bus";
     struct stat status {};
     const bool isUsers = ::stat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode) &&
                          status.st_uid == ::geteuid();

@@ -50,7 +50,7 @@ public:
     using ProblemHandler = std::function<void(const std::string& problem)>;
     /// A key and its new value; without one, the key is removed.
     using Change = std::pair<std::string, std::optional<PropertyList>>;
-    using Value = std::shared_ptr<const PropertyList>;
+    using Value = std::shared_ptr<const PropertyList>; ///< Never changes; null for none.
 
     /// How many bytes the stored form of one value may have: 256 MiB. What is larger, or deeper
     /// than 512 arrays and dictionaries, is kept in memory only and not tried again.
@@ -66,10 +66,12 @@ public:
     /// The database of a domain in the user's `settingsFolder`.
     static std::shared_ptr<SettingsDatabase> ofDomain(std::string_view name);
 
-    /// Has problems told to the handler instead of `LibraryLog`; an empty one restores that. Each is told once as long as it lasts. The handler is called on the thread that met
-    /// the problem and may use settings.
+    /// Has problems told to the handler instead of `LibraryLog`; an empty one restores that. Each
+    /// is told once as long as it lasts. The handler is called on the thread that met the problem
+    /// and may use settings.
     static void setProblemHandler(ProblemHandler handler);
 
+    /// Closes the database when nobody else in the process holds it.
     ~SettingsDatabase();
     SettingsDatabase(const SettingsDatabase&) = delete;
     SettingsDatabase& operator=(const SettingsDatabase&) = delete;
@@ -81,14 +83,18 @@ public:
     PropertyList::Dictionary contents();
 
     /// Whether it is in the database. What would change nothing writes nothing.
+    /// @{
     bool set(std::string_view key, PropertyList value);
     bool remove(std::string_view key);
+    /// @}
 
     /// All of it, or after a failure none of it, is in the database.
     bool apply(std::vector<Change> changes);
 
+    /// As `apply` for every key.
     bool removeAll();
 
+    /// What became of a transaction.
     enum class Outcome {
         stored,  ///< or there was nothing to change
         kept,    ///< in memory, where there is no database that could be written
@@ -104,9 +110,13 @@ public:
 
     /// What another process changed: a key, and its values then and now; null for none.
     struct Followed {
-        std::string key;
+        std::string key; ///< Which one.
+        /// Null for none.
+        /// @{
         Value before, after;
+        /// @}
     };
+    /// Is told what changed.
     using Follower = std::function<void(const std::vector<Followed>&)>;
     /// Has the follower told, once each and in order, of what other processes change from now on,
     /// until the result is released; which may still be told then, on another thread. Of changes of

@@ -21,7 +21,7 @@ namespace zorvan {
 /// A place in a text, and how many characters were passed on the way to it.
 struct CharacterPosition {
     std::size_t offset; ///< in bytes
-    std::size_t passed;
+    std::size_t passed; ///< The characters between.
 };
 
 /// The place up to `count` characters after `offset`, which must be a boundary; it stops at the
@@ -53,28 +53,39 @@ struct CharacterPosition {
 /// Characters(s))`.
 class Characters {
 public:
+    /// The characters of the text, which must outlive this.
     explicit Characters(std::string_view text) noexcept : text_(text) {}
     /// The text would be gone before its characters were read.
     template <std::same_as<std::string> Text>
     explicit Characters(const Text&&) = delete;
 
+    /// Walks the characters; compares places of one text only.
     class Iterator {
     public:
+        /// What the standard library asks of an iterator.
+        /// @{
         using value_type = std::string_view;
         using difference_type = std::ptrdiff_t;
         using iterator_category = std::input_iterator_tag;
+        /// @}
 
         Iterator() = default;
+        /// At the boundary `offset` bytes into the text.
         Iterator(std::string_view text, std::size_t offset) noexcept
             : text_(text), start_(offset), end_(advanceCharacters(text, offset, 1).offset) {}
 
+        /// The character at the place.
         std::string_view operator*() const noexcept { return text_.substr(start_, end_ - start_); }
+        /// On to the next character.
+        /// @{
         Iterator& operator++() noexcept { return *this = Iterator(text_, end_); }
         Iterator operator++(int) noexcept {
             Iterator before = *this;
             ++*this;
             return before;
         }
+        /// @}
+        /// At the same place.
         friend bool operator==(const Iterator& a, const Iterator& b) noexcept {
             return a.start_ == b.start_;
         }
@@ -85,8 +96,11 @@ public:
         std::size_t end_ = 0;
     };
 
+    /// The first character, and the place behind the last one.
+    /// @{
     Iterator begin() const noexcept { return {text_, 0}; }
     Iterator end() const noexcept { return {text_, text_.size()}; }
+    /// @}
 
 private:
     std::string_view text_;

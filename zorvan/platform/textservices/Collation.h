@@ -16,15 +16,19 @@ enum class ComparisonResult { orderedAscending = -1, orderedSame = 0, orderedDes
 /// width, and with runs of digits as numbers, so that "file2" comes before "File10". Ill-formed
 /// bytes are read as U+FFFD. Allocates nothing once the thread has compared in that locale, unless
 /// a name is unusually long.
+/// @{
 [[nodiscard]] ComparisonResult compareNames(std::string_view a, std::string_view b);
 [[nodiscard]] ComparisonResult compareNames(std::string_view a, std::string_view b,
                                             const Locale& locale);
+/// @}
 
 /// The positions of the names in the order of `compareNames`; names that compare the same keep
 /// their order. Far cheaper than a sort that compares, and takes a small multiple of the names'
 /// bytes while it runs.
+/// @{
 [[nodiscard]] std::vector<std::size_t> orderOfNames(std::span<const std::string_view> names);
 [[nodiscard]] std::vector<std::size_t> orderOfNames(std::span<const std::string_view> names,
                                                     const Locale& locale);
+/// @}
 
 } // namespace zorvan

@@ -25,8 +25,11 @@ public:
     /// Changes whenever `setCurrent` is called; for what is kept per locale.
     static std::uint64_t generation() noexcept;
 
+    /// As ICU writes it: "fr_CA".
+    /// @{
     const std::string& identifier() const& noexcept { return identifier_; }
     std::string identifier() && noexcept { return std::move(identifier_); }
+    /// @}
 
     friend bool operator==(const Locale&, const Locale&) = default;
 

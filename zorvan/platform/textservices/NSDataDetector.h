@@ -11,17 +11,22 @@ namespace zorvan {
 
 /// What a data detector looks for; a set of the constants.
 struct NSTextCheckingType {
-    std::uint64_t rawValue = 0;
+    std::uint64_t rawValue = 0; ///< A bit for each.
 
+    /// Only `link` can be detected.
+    /// @{
     static const NSTextCheckingType date;
     static const NSTextCheckingType address;
     static const NSTextCheckingType link;
     static const NSTextCheckingType phoneNumber;
     static const NSTextCheckingType transitInformation;
+    /// @}
 
+    /// Whether all of the other set is in this one.
     constexpr bool contains(NSTextCheckingType other) const noexcept {
         return (rawValue & other.rawValue) == other.rawValue;
     }
+    /// What is in either set.
     friend constexpr NSTextCheckingType operator|(NSTextCheckingType a,
                                                   NSTextCheckingType b) noexcept {
         return {a.rawValue | b.rawValue};
@@ -37,9 +42,9 @@ inline constexpr NSTextCheckingType NSTextCheckingType::transitInformation{1u <<
 
 /// Something a data detector found.
 struct NSTextCheckingResult {
-    NSTextCheckingType resultType;
-    std::size_t offset; ///< in bytes
-    std::size_t length; ///< in bytes
+    NSTextCheckingType resultType; ///< What it is.
+    std::size_t offset;            ///< in bytes
+    std::size_t length;            ///< in bytes
     std::string url; ///< the link with its scheme: "http://" or "mailto:" where the text has none
 
     friend bool operator==(const NSTextCheckingResult&, const NSTextCheckingResult&) = default;
@@ -57,6 +62,7 @@ public:
     /// Absent when `types` holds none of the types that can be detected; that is `link` alone.
     static std::optional<NSDataDetector> make(NSTextCheckingType types);
 
+    /// The first link; absent when there is none.
     [[nodiscard]] std::optional<NSTextCheckingResult> firstMatch(std::string_view text) const;
 
     /// Every link, first to last; none overlaps another.

@@ -20,17 +20,20 @@ class NSRegularExpression {
 public:
     /// How a pattern is read; a set of the constants.
     struct Options {
-        std::uint32_t rawValue = 0;
+        std::uint32_t rawValue = 0; ///< A bit for each.
 
-        static const Options none;
-        static const Options caseInsensitive;
+        static const Options none;            ///< Every letter, sign and line as ICU has it.
+        static const Options caseInsensitive; ///< Letters of either case are equal.
+        /// Blanks are left out, and what follows a "#".
         static const Options allowCommentsAndWhitespace;
-        static const Options ignoreMetacharacters;
-        static const Options dotMatchesLineSeparators;
-        static const Options anchorsMatchLines;
-        static const Options useUnixLineSeparators;
+        static const Options ignoreMetacharacters;     ///< The pattern is a text to be found.
+        static const Options dotMatchesLineSeparators; ///< A dot is a line break too.
+        static const Options anchorsMatchLines;        ///< "^" and "$" are at each line, too.
+        static const Options useUnixLineSeparators;    ///< Only "\n" ends a line.
+        /// "\b" is where words end by the rules of Unicode.
         static const Options useUnicodeWordBoundaries;
 
+        /// What is in either set.
         friend constexpr Options operator|(Options a, Options b) noexcept {
             return {a.rawValue | b.rawValue};
         }

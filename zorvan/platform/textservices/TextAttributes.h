@@ -13,12 +13,16 @@ namespace zorvan {
 
 /// A colour of text: sRGB components and opacity, each from 0 to 1.
 struct TextColor {
+    /// From 0 to 1.
+    /// @{
     double red = 0;
     double green = 0;
     double blue = 0;
     double alpha = 1;
+    /// @}
 
     constexpr TextColor() noexcept = default;
+    /// The components as they are.
     constexpr TextColor(double r, double g, double b, double a = 1) noexcept
         : red(r), green(g), blue(b), alpha(a) {}
 
@@ -37,14 +41,16 @@ struct TextColor {
 
 /// A font by family name and size in points.
 struct TextFont {
+    /// As the desktop has it; another one takes its place when it is missing.
     std::string family = "Helvetica";
-    double size = 12;
-    bool isBold = false;
-    bool isItalic = false;
+    double size = 12;      ///< In points.
+    bool isBold = false;   ///< Whether it is set in bold type.
+    bool isItalic = false; ///< Whether it is set in italics.
 
     friend bool operator==(const TextFont&, const TextFont&) = default;
 };
 
+/// Where the lines of a paragraph stand.
 enum class TextAlignment { left, right, center, justified };
 
 /// The value of an attribute.

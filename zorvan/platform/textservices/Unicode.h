@@ -21,7 +21,7 @@ enum class CharacterSet { whitespaces, whitespacesAndNewlines };
 
 /// A number in parentheses and what stands before it on its line; views of the text.
 struct NumberInParentheses {
-    std::string_view before;
+    std::string_view before; ///< What stands before the parenthesis on its line.
     std::string_view digits; ///< decimal digits of any script, or none
 };
 
