@@ -28,7 +28,8 @@ TEXT
 chmod +x "$tree/pkg-config"
 rm -rf "$tree/asked" "$prefix"
 
-cmake -G Ninja -S "$root" -B "$tree" -D PKG_CONFIG_EXECUTABLE="$tree/pkg-config" -D ZORVAN_TESTS=OFF -D ZORVAN_WERROR="${ZORVAN_WERROR:-OFF}" \
+cmake -G Ninja -S "$root" -B "$tree" -D PKG_CONFIG_EXECUTABLE="$tree/pkg-config" \
+    -D ZORVAN_TESTS=OFF -D ZORVAN_WERROR="${ZORVAN_WERROR:-OFF}" \
     -D ZORVAN_PLAYBACK=OFF -D ZORVAN_MOVIES=OFF -D ZORVAN_HEIC=OFF -D ZORVAN_SECRET_SERVICE=OFF >/dev/null
 [ ! -f "$tree/asked" ] || fail "$(cat "$tree/asked")"
 cmake --build "$tree" --parallel "$(nproc)" -- --quiet
@@ -81,6 +82,7 @@ secret kept: 1
 TEXT
 diff "$tree/expected" "$tree/answers" || fail 'the answers differ'
 for switch in ZORVAN_PLAYBACK ZORVAN_MOVIES ZORVAN_HEIC ZORVAN_SECRET_SERVICE; do
-    grep -q "needs a build of the library with -D$switch=ON\$" "$tree/log" || fail "the log does not name $switch: $(cat "$tree/log")"
+    grep -q "needs a build of the library with -D$switch=ON\$" "$tree/log" ||
+        fail "the log does not name $switch: $(cat "$tree/log")"
 done
 echo 'Nothing of what was left out is there, and programs are told what they miss.'
