@@ -8,7 +8,6 @@ seconds=${1:-60}
 [ $# -eq 0 ] || shift
 fuzzers=$root/build/fuzz/fuzzers
 found=$root/build/fuzz/findings
-table=$root/build/fuzz/table
 
 # shellcheck disable=SC2046 # the names are words of their own
 [ $# -gt 0 ] || set -- $(ls "$fuzzers")
@@ -16,7 +15,8 @@ table=$root/build/fuzz/table
 mkdir -p "$found"
 # What the sanitizers take for a leak stands in a file; what is found ends the target's run, not the others'.
 export LSAN_OPTIONS="print_suppressions=0:suppressions=$root/cmake/leaks.supp"
-: >"$table"
+table=$(mktemp)
+trap 'rm -f "$table"' EXIT
 failed=0
 for name in "$@"; do
     corpus=$root/build/fuzz/corpus/$name
