@@ -5,10 +5,9 @@ import math
 import re
 import statistics
 
-# What the processor's caches add to the exponent: what lies about at random takes up to twenty times as long from
-# memory as from the first cache, which is 10 to the power of 0.3 for each of four decades. A time that grows with the
-# square, or with n^1.5, is above that.
-CACHES = 0.3
+# What lies about at random takes up to twenty times as long from memory as from the first cache, which a time may grow
+# by beside n log n. Even over two decades of sizes a square is above that, and over four n^1.5 is.
+CACHES = 20
 COLOURS = ("#1b6ca8", "#c8553d", "#588157", "#8e5572", "#b58900", "#2a9d8f", "#6c757d", "#e76f51", "#264653",
            "#9b2226", "#5f0f40", "#3a86ff")
 
@@ -16,7 +15,7 @@ COLOURS = ("#1b6ca8", "#c8553d", "#588157", "#8e5572", "#b58900", "#2a9d8f", "#6
 def series(rows):
     """{name: [(size, nanoseconds)]} of rows named "name/size", ascending; the least of the times is disturbed least."""
     found = {}
-    for row, times in rows.items():
+    for row, times in sorted(rows.items()):
         name, size = re.fullmatch(r"(.*)/(\d+)", row).groups()
         found.setdefault(name, []).append((int(size), min(times)))
     return {name: sorted(points) for name, points in found.items()}
@@ -33,7 +32,8 @@ def exponents(points):
     """Of the time, and the one that it may have: n log n between the same sizes, and what the caches add."""
     sizes = [size for size, _ in points]
     return (slope(sizes, [time for _, time in points]),
-            slope(sizes, [size * math.log(size) for size in sizes]) + CACHES)
+            slope(sizes, [size * math.log(size) for size in sizes])
+            + math.log(CACHES) / math.log(sizes[-1] / sizes[0]))
 
 
 def judge(rows):
