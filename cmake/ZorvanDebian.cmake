@@ -69,15 +69,21 @@ zorvan_debian_libraries(core
   SUMMARY "toolkit library for desktop applications - core"
   TEXT "Geometry, colours, text, settings, secrets, list models, notifications and files."
   RECOMMENDS "shared-mime-info")
+set(recommended librsvg2-2)
+if(ZORVAN_HEIC)
+  string(APPEND recommended ", libheif-plugin-dav1d, libheif-plugin-libde265, libheif-plugin-x265")
+endif()
 zorvan_debian_libraries(media
   SUMMARY "toolkit library for desktop applications - pictures and views"
   TEXT "Pictures, drawing, what is in a movie, and the views of windows without a display."
   DEPENDS "${core}"
-  RECOMMENDS "librsvg2-2, libheif-plugin-dav1d, libheif-plugin-libde265, libheif-plugin-x265")
-zorvan_debian_libraries(playback
-  SUMMARY "toolkit library for desktop applications - movie player"
-  TEXT "Plays movies into pictures."
-  DEPENDS "${core}, ${media}")
+  RECOMMENDS "${recommended}")
+if(ZORVAN_PLAYBACK)
+  zorvan_debian_libraries(playback
+    SUMMARY "toolkit library for desktop applications - movie player"
+    TEXT "Plays movies into pictures."
+    DEPENDS "${core}, ${media}")
+endif()
 set(development_components development)
 if(ZORVAN_QT)
   zorvan_debian_libraries(windows

@@ -66,18 +66,29 @@ function(zorvan_install_exports)
   endforeach()
 endfunction()
 
-# zorvan_library(<Component> [APART] SOURCES <file>... [USES <Component>...] [NEEDS <pkg-config module>...])
+# zorvan_library(<Component> [APART|LOADED] [CLOSED] SOURCES <file>... [USES <Component>...]
+#                [NEEDS <pkg-config module>...])
 #
-# Makes the library Zorvan::<Component>, one of those that Zorvan::Zorvan stands for unless APART.
+# Makes the library Zorvan::<Component>, one of those that Zorvan::Zorvan stands for unless it is APART, or LOADED by
+# its first use. No other library has a use for the namespace `internal` of one that is CLOSED.
 # USES names the components of this library that its headers include; NEEDS names third-party modules, which
 # stay private to the .cpp files.
 function(zorvan_library component)
-  cmake_parse_arguments(arg "APART" "" "SOURCES;USES;NEEDS" ${ARGN})
+  cmake_parse_arguments(arg "APART;LOADED;CLOSED" "" "SOURCES;USES;NEEDS" ${ARGN})
+  set(exports OPEN)
+  if(arg_LOADED)
+    set(exports LOADED)
+  elseif(arg_CLOSED)
+    set(exports CLOSED)
+  endif()
   zorvan_library_name(${component} library)
   add_library(${component} ${arg_SOURCES})
   add_library(Zorvan::${component} ALIAS ${component})
-  # Toolkits name all that they stand on, which only some compilers leave out by themselves.
-  target_link_options(${component} PRIVATE -Wl,--as-needed)
+  # Toolkits name all that they stand on, which only some compilers leave out by themselves. What a library exports it
+  # still uses itself, without a search for it at the start of a program.
+  target_link_options(${component} PRIVATE
+    -Wl,--as-needed -Wl,-O1 -Wl,--hash-style=gnu -Wl,-Bsymbolic-functions)
+  zorvan_limit_exports(${component} ${exports})
   set_target_properties(${component} PROPERTIES
     OUTPUT_NAME ${library} VERSION ${PROJECT_VERSION}
     # Before 1.0 a minor version may change the binary interface.
@@ -102,21 +113,33 @@ function(zorvan_library component)
   set_property(TARGET ${component} PROPERTY ZORVAN_NEEDS ${arg_NEEDS})
   zorvan_install_library(${component})
   set_property(GLOBAL APPEND PROPERTY ZORVAN_ALL_LIBRARIES ${component})
-  if(NOT arg_APART)
+  if(NOT arg_APART AND NOT arg_LOADED)
     set_property(GLOBAL APPEND PROPERTY ZORVAN_COMPONENTS ${component})
   endif()
 endfunction()
 
-# zorvan_load_by_use(<Component> <Loaded> <MACRO>): the component finds functions of Loaded by
-# ZORVAN_FUNCTION_BESIDE(MACRO, ...), so that a program loads it by the first call. Static libraries hold it.
+# zorvan_load_by_use(<Component> <Loaded> <MACRO> [<wanted>]): the component finds functions of Loaded by
+# ZORVAN_FUNCTION(MACRO, ...), so that a program loads it by the first call. Static libraries hold it. In a build
+# without it there are none, and the log is told what is wanted.
 function(zorvan_load_by_use component loaded macro)
-  if(BUILD_SHARED_LIBS)
-    target_compile_definitions(${component} PRIVATE ${macro}="$<TARGET_SONAME_FILE_NAME:${loaded}>")
+  if(NOT TARGET ${loaded})
+    target_compile_definitions(${component} PRIVATE ${macro}=LEFT_OUT,"${ARGV3}")
+  elseif(BUILD_SHARED_LIBS)
+    target_compile_definitions(${component} PRIVATE ${macro}=BESIDE,"$<TARGET_SONAME_FILE_NAME:${loaded}>")
     target_link_libraries(${component} PRIVATE ${CMAKE_DL_LIBS})
   else()
-    target_compile_definitions(${component} PRIVATE ZORVAN_STATIC)
+    target_compile_definitions(${component} PRIVATE ${macro}=LINKED,"")
     target_link_libraries(${component} PRIVATE Zorvan::${loaded})
   endif()
+endfunction()
+
+# zorvan_build_along(<target> <Loaded>...): what a program loads by its use is there when it is built.
+function(zorvan_build_along target)
+  foreach(loaded ${ARGN})
+    if(TARGET ${loaded})
+      add_dependencies(${target} ${loaded})
+    endif()
+  endforeach()
 endfunction()
 
 # zorvan_names(<result> <Component>...): the file names of components, with spaces between them.
@@ -172,6 +195,13 @@ function(zorvan_finish_library)
     get_property(ZORVAN_MODULES GLOBAL PROPERTY ZORVAN_MODULES)
     list(REMOVE_DUPLICATES ZORVAN_MODULES)
   endif()
+  set(ZORVAN_LEFT_OUT "")
+  foreach(switch ZORVAN_PLAYBACK ZORVAN_MOVIES ZORVAN_HEIC ZORVAN_SECRET_SERVICE)
+    if(NOT ${switch})
+      list(TRANSFORM ${switch}_COMPONENTS APPEND =${switch} OUTPUT_VARIABLE components_left_out)
+      list(APPEND ZORVAN_LEFT_OUT ${components_left_out})
+    endif()
+  endforeach()
   include(CMakePackageConfigHelpers)
   configure_package_config_file(
     ${PROJECT_SOURCE_DIR}/cmake/ZorvanConfig.cmake.in ${PROJECT_BINARY_DIR}/ZorvanConfig.cmake

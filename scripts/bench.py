@@ -1,9 +1,10 @@
 """bench.py [FILTER]: runs the benchmarks whose name matches FILTER (a regular expression), ours beside their
-peers, then whole programs that shrink pictures (those named batch and thumbnails). Prints medians and ratios.
+peers, then whole programs that shrink pictures (those named batch and thumbnails), then how times grow with sizes
+(growth), drawn into build/bench/growth.svg. Prints medians and ratios.
 
 Keeps what was measured in build/bench/results.csv, for bench-compare; without a filter, puts the table
-into docs/performance.md as well. Fails when a program does, or when one has a benchmark of that name and
-prints no row."""
+into docs/performance.md as well. Fails when a program does, when one has a benchmark of that name and
+prints no row, when the filter names nothing, and when a time grows faster than n log n."""
 
 import datetime
 import os
@@ -13,11 +14,13 @@ import subprocess
 import sys
 
 import benchResults as results
+import growth
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 TREE = os.path.join(ROOT, "build/bench")
 PAGE = os.path.join(ROOT, "docs/performance.md")
 REPETITIONS = 9
+GROWTH = "growth-bench"
 
 
 def output_of(*command):
@@ -30,7 +33,7 @@ def programs():
         folders[:] = sorted(name for name in folders if name != "CMakeFiles")
         for name in sorted(files):
             path = os.path.join(folder, name)
-            if os.access(path, os.X_OK) and not name.endswith(".so"):
+            if os.access(path, os.X_OK) and not name.endswith(".so") and name != GROWTH:
                 yield path
 
 
@@ -38,18 +41,18 @@ def has_table_of_its_own(program):
     return "benchmark::RunSpecifiedBenchmarks" not in output_of("nm", "-DC", program)
 
 
-def rows_of(program, wanted):
+def rows_of(program, wanted, repetitions=REPETITIONS, least_time=0.1):
     """The rows of a program; none when the filter leaves all of its benchmarks out."""
     names = output_of(program, "--benchmark_list_tests", "--benchmark_filter=" + wanted).strip()
     if not names:
         return {}
     # Interleaved, so that a noisy moment of the machine falls on ours and on the peer alike.
-    lines = output_of(program, "--benchmark_filter=" + wanted, f"--benchmark_repetitions={REPETITIONS}",
-                      "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.1",
+    lines = output_of(program, "--benchmark_filter=" + wanted, f"--benchmark_repetitions={repetitions}",
+                      "--benchmark_enable_random_interleaving=true", f"--benchmark_min_time={least_time}",
                       "--benchmark_format=csv").splitlines()
     rows = results.from_google_benchmark(lines)
-    if not rows:
-        raise RuntimeError("no row")
+    if missing := set(names.splitlines()) - rows.keys():
+        raise RuntimeError("no row of " + ", ".join(sorted(missing)))
     return rows
 
 
@@ -64,31 +67,56 @@ def lines_of(rows):
         yield line.rstrip()
 
 
+def measure_program(program, wanted, measured):
+    """The lines of a program; what Google Benchmark measured goes into `measured`."""
+    name = os.path.basename(program)
+    if has_table_of_its_own(program):
+        if not re.search(wanted, name):
+            return []
+        lines = output_of(program).splitlines()
+        if not lines:
+            raise RuntimeError("no row")
+        return lines
+    rows = rows_of(program, wanted)
+    measured.update({(name, row): times for row, times in rows.items()})
+    return list(lines_of(rows))
+
+
+def measure_growth():
+    rows = rows_of(os.path.join(TREE, "bench/growth", GROWTH), ".", repetitions=3, least_time=0.02)
+    with open(os.path.join(TREE, "growth.svg"), "w") as file:
+        file.write(growth.chart(rows))
+    return growth.judge(rows)
+
+
 def measure(wanted):
-    """(title, lines) of each program, and what was measured."""
-    tables, measured = [], {}
-    for program in programs():
-        name = os.path.basename(program)
-        try:
-            if has_table_of_its_own(program):
-                lines = output_of(program).splitlines() if re.search(wanted, name) else []
-            else:
-                rows = rows_of(program, wanted)
-                measured.update({(name, row): times for row, times in rows.items()})
-                lines = list(lines_of(rows))
-        except (RuntimeError, subprocess.CalledProcessError):
-            sys.exit(f"bench: {name} fails, or prints no row")
+    """(title, lines) of each program, what was measured, and what grows too fast."""
+    tables, measured, too_fast = [], {}, []
+
+    def table(title, lines):
         if lines:
-            tables.append((name, lines))
-            print("\n== " + name, *lines, sep="\n", flush=True)
-    for name, script, title in (
-            ("batch", "batch-bench.sh", "batch of pictures, whole programs"),
-            ("thumbnails", "thumbnail-bench.sh", "thumbnails, whole programs")):
-        if re.search(wanted, name):
-            lines = output_of(os.path.join(ROOT, "scripts", script)).splitlines()
             tables.append((title, lines))
             print("\n== " + title, *lines, sep="\n", flush=True)
-    return tables, measured
+
+    title = None
+    try:
+        for program in programs():
+            title = os.path.basename(program)
+            table(title, measure_program(program, wanted, measured))
+        for name, script, title in (
+                ("batch", "batch-bench.sh", "batch of pictures, whole programs"),
+                ("thumbnails", "thumbnail-bench.sh", "thumbnails, whole programs")):
+            if re.search(wanted, name):
+                table(title, output_of(os.path.join(ROOT, "scripts", script)).splitlines())
+        title = "how times grow with sizes"
+        if re.search(wanted, "growth"):
+            lines, too_fast = measure_growth()
+            table(title, lines)
+    except (OSError, RuntimeError, subprocess.CalledProcessError) as error:
+        sys.exit(f"bench: {title} fails, or prints no row: {error}")
+    if not tables:
+        sys.exit("bench: nothing is named like that")
+    return tables, measured, too_fast
 
 
 def machine():
@@ -114,10 +142,12 @@ def write_page(tables):
 
 def main():
     wanted = sys.argv[1] if len(sys.argv) > 1 else "."
-    tables, measured = measure(wanted)
+    tables, measured, too_fast = measure(wanted)
     results.save(os.path.join(TREE, "results.csv"), measured)
     if wanted == ".":
         write_page(tables)
+    if too_fast:
+        sys.exit("bench: grows faster than n log n: " + ", ".join(too_fast))
 
 
 main()

@@ -7,7 +7,7 @@ from pathlib import Path
 
 root = Path(__file__).resolve().parent.parent
 page = root / "docs/headers.md"
-keywords = {"APART", "SOURCES", "USES", "NEEDS"}
+keywords = {"APART", "LOADED", "CLOSED", "SOURCES", "USES", "NEEDS"}
 
 
 def libraries():
@@ -24,7 +24,7 @@ def libraries():
                 else:
                     part.append(word)
             sources = {(file.parent / source).with_suffix("") for source in parts["SOURCES"]}
-            (apart if "APART" in parts else found)[name] = (sources, parts.get("USES", []))
+            (apart if {"APART", "LOADED"} & parts.keys() else found)[name] = (sources, parts.get("USES", []))
     return found | apart
 
 

@@ -1,6 +1,7 @@
 // A MIME database written by a stranger: its cache files, and the file of a type's words, each
 // after a NUL. Whatever is read must be what can be asked for again.
 
+#include <fuzz/ScratchFolder.h>
 #include <zorvan/platform/coreservices/internal/MimeDatabase.h>
 
 #include <algorithm>
@@ -15,27 +16,10 @@ using zorvan::coreservices::MimeDatabase;
 
 namespace {
 
-/// A folder in memory where there is one, removed at the end.
-class Folder {
-public:
-    Folder() {
-        std::string name = std::filesystem::exists("/dev/shm") ? "/dev/shm/mime-fuzz-XXXXXX"
-                                                               : "/tmp/mime-fuzz-XXXXXX";
-        if (!mkdtemp(name.data()))
-            std::abort();
-        path_ = name;
-        std::filesystem::create_directories(path_ / "image");
-    }
-    ~Folder() { std::filesystem::remove_all(path_); }
-
-    const std::filesystem::path& path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
-};
-
 const std::filesystem::path& folder() {
-    static const Folder folder;
+    static const ScratchFolder folder;
+    static const bool hasImages = std::filesystem::create_directories(folder.path() / "image");
+    (void)hasImages;
     return folder.path();
 }
 

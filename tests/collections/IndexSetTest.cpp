@@ -57,6 +57,11 @@ TEST(IndexSet, HoldsTheLargestPosition) {
     EXPECT_EQ(set.integerGreaterThan(std::numeric_limits<std::int64_t>::max()), std::nullopt);
     EXPECT_EQ(set.integerLessThan(std::numeric_limits<std::int64_t>::min()), std::nullopt);
     EXPECT_EQ(set.integerLessThan(largest), 0);
+    EXPECT_EQ(set.union_({5}), IndexSet({0, 5, largest}));
+    EXPECT_EQ(set.union_({1, largest - 1}).description(),
+              IndexSet({0, 1, largest - 1, largest}).description());
+    EXPECT_EQ(set.intersection({5, largest}), IndexSet{largest});
+    EXPECT_EQ(IndexSet(Range{0, largest + 1}).subtracting(set), IndexSet(Range{1, largest}));
 }
 
 TEST(IndexSetDeathTest, RefusesWhatIsNoPosition) {

@@ -1,5 +1,6 @@
 // The safe copy: what it copies, and what is left when it is stopped.
 
+#include "SmallDisk.h"
 #include "TemporaryFolder.h"
 #include "TracedProcess.h"
 #include <tests/Testing.h>
@@ -9,9 +10,7 @@
 #include <zorvan/files/URL.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
 
-#include <sched.h>
 #include <sys/file.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/xattr.h>
 
@@ -296,25 +295,6 @@ TEST(SafeCopy, LeavesTheOldOrTheNewWhenAnyCallFails) {
         strikeEverywhere(row, TracedProcess::Fate::fails);
 }
 #endif
-
-namespace {
-
-/// Makes the folder a disk of a megabyte, for this process; false when that is not allowed.
-bool mountSmallDisk(const fs::path& folder) {
-    const std::string user = "0 " + std::to_string(getuid()) + " 1";
-    const std::string group = "0 " + std::to_string(getgid()) + " 1";
-    if (unshare(CLONE_NEWNS | (geteuid() == 0 ? 0 : CLONE_NEWUSER)) != 0)
-        return false;
-    if (geteuid() != 0) {
-        std::ofstream("/proc/self/setgroups") << "deny";
-        std::ofstream("/proc/self/gid_map") << group;
-        std::ofstream("/proc/self/uid_map") << user;
-    }
-    return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           mount("none", folder.c_str(), "tmpfs", 0, "size=1m") == 0;
-}
-
-} // namespace
 
 TEST(SafeCopy, KeepsTheOldFileWhenTheDiskIsFull) {
     TemporaryFolder folder;

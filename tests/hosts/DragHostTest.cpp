@@ -2,9 +2,10 @@
 
 #include "HostTest.h"
 
+#include <tests/interface/Tree.h>
+
 #include <zorvan/collections/Array.h>
 #include <zorvan/interface/NSCollectionView.h>
-#include <zorvan/interface/NSOutlineView.h>
 
 #include <QAbstractItemView>
 #include <QDropEvent>
@@ -243,44 +244,26 @@ TEST_F(DragHostTest, RowsAreDraggedToAnotherPlace) {
 
 // Outlines
 
-struct Branch {
-    std::string name;
-    std::vector<std::shared_ptr<Branch>> children;
-};
-
-struct Tree : NSOutlineViewDataSource {
-    const Branch& branch(const Item& item) const {
-        return item ? *static_cast<const Branch*>(item.get()) : root;
-    }
-    std::int64_t numberOfChildren(const NSOutlineView&, const Item& item) const override {
-        return static_cast<std::int64_t>(branch(item).children.size());
-    }
-    Item child(const NSOutlineView&, std::int64_t index, const Item& item) const override {
-        return branch(item).children[static_cast<std::size_t>(index)];
-    }
+struct MovableTree : Tree {
+    MovableTree() { top = {node("a", {node("b"), node("c")}), node("d")}; }
     bool isMovable(const NSOutlineView&, const Item&) const override { return true; }
     void itemsDragged(NSOutlineView&, const std::vector<Item>& items, const Item& holder,
                       std::int64_t before) override {
         for (const Item& item : items)
-            told += branch(item).name;
-        told += ">" + branch(holder).name + std::to_string(before) + " ";
+            told += of(item).name;
+        told += ">" + of(holder).name + std::to_string(before) + " ";
     }
     bool acceptsDrop(const NSOutlineView&, const std::vector<URL>&) const override { return true; }
     void urlsDropped(NSOutlineView&, const std::vector<URL>& urls, const Item& holder,
                      std::int64_t before) override {
-        told += names(urls) + ">" + branch(holder).name + std::to_string(before) + " ";
+        told += names(urls) + ">" + of(holder).name + std::to_string(before) + " ";
     }
 
-    static std::shared_ptr<Branch> make(std::string name,
-                                        std::vector<std::shared_ptr<Branch>> children = {}) {
-        return std::make_shared<Branch>(Branch{std::move(name), std::move(children)});
-    }
-    Branch root{"root", {make("a", {make("b"), make("c")}), make("d")}};
     std::string told;
 };
 
 TEST_F(DragHostTest, ItemsOfAnOutlineAreDraggedIntoEachOther) {
-    const auto tree = std::make_shared<Tree>();
+    const auto tree = std::make_shared<MovableTree>();
     const auto outline = NSOutlineView::create({0, 0, 110, 300});
     outline->setNumberOfColumns(1);
     outline->setOutlineDataSource(tree);

@@ -34,6 +34,7 @@ protected:
         static char* arguments[] = {name, nullptr};
         if (!application)
             application = new QApplication(count, arguments);
+        QApplication::setKeyboardInputInterval(1000000); // however slow the machine is
     }
 
     HostTest() {

@@ -1,9 +1,9 @@
 #include "HostTest.h"
 
 #include <tests/collections/RandomEditions.h>
+#include <tests/interface/Tree.h>
 
 #include <zorvan/interface/NSCollectionView.h>
-#include <zorvan/interface/NSOutlineView.h>
 
 #include <QAbstractItemModelTester>
 #include <QAccessible>
@@ -15,36 +15,9 @@
 
 namespace {
 
-struct Node {
-    std::string name;
-    std::vector<std::shared_ptr<Node>> children;
-};
-
-std::shared_ptr<Node> node(std::string name, std::vector<std::shared_ptr<Node>> children = {}) {
-    return std::make_shared<Node>(Node{std::move(name), std::move(children)});
-}
-
-struct Tree : NSOutlineViewDataSource {
-    const std::vector<std::shared_ptr<Node>>& children(const Item& item) const {
-        return item ? static_cast<const Node*>(item.get())->children : top;
-    }
-    std::int64_t numberOfChildren(const NSOutlineView&, const Item& item) const override {
-        return static_cast<std::int64_t>(children(item).size());
-    }
-    Item child(const NSOutlineView&, std::int64_t index, const Item& item) const override {
-        return children(item)[static_cast<std::size_t>(index)];
-    }
-    std::string text(const NSOutlineView&, std::int64_t, const Item& item) const override {
-        return static_cast<const Node*>(item.get())->name;
-    }
-    std::vector<std::shared_ptr<Node>> top;
-};
-
 class OutlineHostTest : public HostTest {
 protected:
     OutlineHostTest() {
-        QApplication::setKeyboardInputInterval(1000000); // however slow the machine is
-        tree->top = {node("a", {node("b", {node("c")}), node("d")}), node("e", {node("f")})};
         outline->setNumberOfColumns(1);
         window->setContentView(outline);
         outline->setOutlineDataSource(tree);
@@ -157,7 +130,6 @@ struct Items : NSCollectionViewDataSource {
 class CollectionHostTest : public HostTest {
 protected:
     CollectionHostTest() {
-        QApplication::setKeyboardInputInterval(1000000); // however slow the machine is
         window->setContentSize({220, 160});
         window->setContentView(scrollView);
         scrollView->setDocumentView(view);

@@ -69,7 +69,6 @@ struct Source : NSTableViewDataSource, NSTableViewDelegate {
 class TableHostTest : public HostTest {
 protected:
     TableHostTest() {
-        QApplication::setKeyboardInputInterval(1000000); // however slow the machine is
         table->setNumberOfColumns(2);
         table->tableColumns()[0]->setTitle("Name");
         for (int i = 0; i < 40; ++i)

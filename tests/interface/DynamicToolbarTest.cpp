@@ -50,7 +50,7 @@ protected:
 
 } // namespace
 
-TEST_F(DynamicToolbarTest, beginsAsItShould) {
+TEST_F(DynamicToolbarTest, BeginsAsItShould) {
     const NSToolbar& toolbar = *bar->toolbar();
     EXPECT_EQ(toolbar.identifier(), "bar");
     EXPECT_FALSE(toolbar.autosavesConfiguration());
@@ -73,7 +73,7 @@ TEST_F(DynamicToolbarTest, beginsAsItShould) {
     EXPECT_TRUE(set->isEnabled()());
 }
 
-TEST_F(DynamicToolbarTest, editsTheToolbarOnlyWhenItsItemsChange) {
+TEST_F(DynamicToolbarTest, EditsTheToolbarOnlyWhenItsItemsChange) {
     bar->addItemSet();
     const auto a = add("a"), b = add("b");
     bar->reloadDisplayedItems();
@@ -97,7 +97,7 @@ TEST_F(DynamicToolbarTest, editsTheToolbarOnlyWhenItsItemsChange) {
     EXPECT_TRUE(bar->toolbarAllowedItemIdentifiers(*bar->toolbar()).empty());
 }
 
-TEST_F(DynamicToolbarTest, choosesTheProvidedSetOrTheFirstEnabledOne) {
+TEST_F(DynamicToolbarTest, ChoosesTheProvidedSetOrTheFirstEnabledOne) {
     Calls asked;
     bool first = true, second = true;
     std::shared_ptr<DynamicToolbarItemSet> provided;
@@ -127,7 +127,7 @@ TEST_F(DynamicToolbarTest, choosesTheProvidedSetOrTheFirstEnabledOne) {
     EXPECT_EQ(reload(), one);
 }
 
-TEST_F(DynamicToolbarTest, updatesBeforeItShowsTheSet) {
+TEST_F(DynamicToolbarTest, UpdatesBeforeItShowsTheSet) {
     Calls order;
     bar->addItemSet();
     for (const char* name : {"a", "b"})
@@ -141,7 +141,7 @@ TEST_F(DynamicToolbarTest, updatesBeforeItShowsTheSet) {
     EXPECT_EQ(watch->take(), Calls{"a"});
 }
 
-TEST_F(DynamicToolbarTest, givesTheFirstItemOfAnIdentifier) {
+TEST_F(DynamicToolbarTest, GivesTheFirstItemOfAnIdentifier) {
     bar->addItemSet();
     const auto first = add("a");
     add("a");
@@ -165,7 +165,7 @@ TEST_F(DynamicToolbarTest, givesTheFirstItemOfAnIdentifier) {
 
 // What is called in the middle of a reload changes what the reload works on.
 
-TEST_F(DynamicToolbarTest, letsPredicatesAndUpdatesChangeTheSets) {
+TEST_F(DynamicToolbarTest, LetsPredicatesAndUpdatesChangeTheSets) {
     auto set = bar->addItemSet();
     add("a");
     set->setIsEnabled([&, weak = std::weak_ptr(set)] {
@@ -198,7 +198,7 @@ TEST_F(DynamicToolbarTest, letsPredicatesAndUpdatesChangeTheSets) {
     EXPECT_EQ(shown(), Identifiers{"b"});
 }
 
-TEST_F(DynamicToolbarTest, reloadsUntilNobodyAsksForIt) {
+TEST_F(DynamicToolbarTest, ReloadsUntilNobodyAsksForIt) {
     int updates = 0, last = 3;
     bar->addItemSet([&] { return updates < last; });
     const auto item = add("a");
@@ -222,7 +222,7 @@ TEST_F(DynamicToolbarTest, reloadsUntilNobodyAsksForIt) {
     EXPECT_EQ(updates, 4);
 }
 
-TEST_F(DynamicToolbarTest, showsNoDefaultItemsAndMayBeReleasedByAnUpdate) {
+TEST_F(DynamicToolbarTest, ShowsNoDefaultItemsAndMayBeReleasedByAnUpdate) {
     const auto toolbar = bar->toolbar();
     bar->addItemSet();
     add("removed")->setRemovedFromBar(true);
@@ -248,7 +248,7 @@ struct Model {
 
 } // namespace
 
-TEST_F(DynamicToolbarTest, buildsImageButtons) {
+TEST_F(DynamicToolbarTest, BuildsImageButtons) {
     const auto set = bar->addItemSet();
     const auto model = std::make_shared<Model>();
     const auto settle = [&](ImageButtonSettings& settings) {
@@ -282,7 +282,7 @@ TEST_F(DynamicToolbarTest, buildsImageButtons) {
     EXPECT_EQ(button->title(), "updated");
 }
 
-TEST_F(DynamicToolbarTest, resolvesImagesBySymbolThenByName) {
+TEST_F(DynamicToolbarTest, ResolvesImagesBySymbolThenByName) {
     bar->addItemSet();
     const auto image = [&](std::string name, std::optional<CGSize> size) {
         return bar
@@ -303,7 +303,7 @@ TEST_F(DynamicToolbarTest, resolvesImagesBySymbolThenByName) {
     EXPECT_EQ(image("no such picture", {}), nullptr);
 }
 
-TEST_F(DynamicToolbarTest, buildsSearchFields) {
+TEST_F(DynamicToolbarTest, BuildsSearchFields) {
     const auto set = bar->addItemSet();
     const auto given = NSSearchField::create();
     given->setPlaceholderString("old");
@@ -326,7 +326,7 @@ TEST_F(DynamicToolbarTest, buildsSearchFields) {
     EXPECT_EQ(made->placeholderString(), "Find");
 }
 
-TEST_F(DynamicToolbarTest, buildsSeparatorsAndMenus) {
+TEST_F(DynamicToolbarTest, BuildsSeparatorsAndMenus) {
     const auto set = bar->addItemSet();
     const auto split = bar->addItem({.createSplitView = [](SplitViewSettings&) {}});
     const auto separator =
@@ -361,7 +361,7 @@ TEST_F(DynamicToolbarTest, buildsSeparatorsAndMenus) {
     EXPECT_EQ(seen, item);
 }
 
-TEST_F(DynamicToolbarTest, buildsGroups) {
+TEST_F(DynamicToolbarTest, BuildsGroups) {
     using Group = NSToolbarItemGroup;
     bar->addItemSet();
     const auto images = bar->addItem({.createImageGroup = [](ButtonGroupSettings& settings) {
@@ -401,7 +401,7 @@ TEST_F(DynamicToolbarTest, buildsGroups) {
     EXPECT_EQ(given->selectedIndex(), 0);
 }
 
-TEST_F(DynamicToolbarTest, buildsAnyView) {
+TEST_F(DynamicToolbarTest, BuildsAnyView) {
     const auto set = bar->addItemSet();
     std::shared_ptr<NSSplitView> made;
     Calls order;

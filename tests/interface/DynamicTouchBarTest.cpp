@@ -34,7 +34,7 @@ protected:
 
 } // namespace
 
-TEST_F(DynamicTouchBarTest, setsItsIdentifiersOnEveryReload) {
+TEST_F(DynamicTouchBarTest, SetsItsIdentifiersOnEveryReload) {
     EXPECT_EQ(bar->touchBar()->delegate(), bar);
     EXPECT_TRUE(bar->touchBar()->defaultItemIdentifiers().empty());
     bar->addItem({.identifier = "dropped"});
@@ -63,7 +63,7 @@ TEST_F(DynamicTouchBarTest, setsItsIdentifiersOnEveryReload) {
     EXPECT_EQ(bar->makeItem("a"), nullptr);
 }
 
-TEST_F(DynamicTouchBarTest, buildsButtons) {
+TEST_F(DynamicTouchBarTest, BuildsButtons) {
     const auto set = bar->addItemSet({});
     int acts = 0;
     const auto button = bar->addItem(
@@ -107,7 +107,7 @@ TEST_F(DynamicTouchBarTest, buildsButtons) {
     EXPECT_EQ(button->title(), "Went");
 }
 
-TEST_F(DynamicTouchBarTest, holdsItsViewsInTheWindow) {
+TEST_F(DynamicTouchBarTest, HoldsItsViewsInTheWindow) {
     bar->addItemSet({});
     const auto left = bar->addItem<NSView>({.create = [] {
         return NSView::create({0, 0, 60, 20});

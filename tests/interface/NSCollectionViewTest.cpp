@@ -49,7 +49,7 @@ struct Fixture {
 
 } // namespace
 
-TEST(NSCollectionView, showsEditionsByTheCallsThatFit) {
+TEST(NSCollectionView, ShowsEditionsByTheCallsThatFit) {
     struct {
         Edition edition;
         std::int64_t count;
@@ -76,7 +76,7 @@ TEST(NSCollectionView, showsEditionsByTheCallsThatFit) {
     }
 }
 
-TEST(NSCollectionView, forgetsABatchWhoseUpdatesThrow) {
+TEST(NSCollectionView, ForgetsABatchWhoseUpdatesThrow) {
     Fixture shown(3);
     const auto fail = [&] {
         shown.view->deleteItems({{0, 0}});
@@ -92,7 +92,7 @@ TEST(NSCollectionView, forgetsABatchWhoseUpdatesThrow) {
     EXPECT_EQ(shown.recorder->updates, (Updates{.reloaded = {{2, 0}}}));
 }
 
-TEST(NSCollectionView, followsTheSelectionOfAList) {
+TEST(NSCollectionView, FollowsTheSelectionOfAList) {
     RandomEditions random(9);
     Fixture shown(0);
     const auto list = SelectableArray<int>::create();
@@ -108,7 +108,7 @@ TEST(NSCollectionView, followsTheSelectionOfAList) {
     }
 }
 
-TEST(NSCollectionViewDeathTest, catchesEditionsThatLie) {
+TEST(NSCollectionViewDeathTest, CatchesEditionsThatLie) {
     Fixture shown(3);
     EXPECT_DEATH(shown.view->reloadEditedData(Edition::Remove{{0}}),
                  "^After its updates section 0 of a collection view has 2 items, but its data "
@@ -117,7 +117,7 @@ TEST(NSCollectionViewDeathTest, catchesEditionsThatLie) {
     EXPECT_DEATH(shown.view->insertItems({{0, 1}}), "outside the collection view");
 }
 
-TEST(NSCollectionView, registersNibsByIdentifier) {
+TEST(NSCollectionView, RegistersNibsByIdentifier) {
     Fixture shown(0);
     shown.view->register_({.cellIdentifiers = std::vector<std::string>{"photo", "film"}});
     shown.view->register_({.footerIdentifiers = std::vector<std::string>{"photo"}});
@@ -127,7 +127,7 @@ TEST(NSCollectionView, registersNibsByIdentifier) {
     EXPECT_FALSE(shown.view->nib(NSCollectionView::sectionHeader, "photo"));
 }
 
-TEST(NSCollectionView, findsItemsInARectangle) {
+TEST(NSCollectionView, FindsItemsInARectangle) {
     Fixture shown(7);
     EXPECT_TRUE(shown.view->indexPathsForItems(CGRect(0, 0, 1000, 1000)).empty());
     shown.view->setFrame(CGRect(0, 0, 200, 100));
@@ -150,7 +150,7 @@ TEST(NSCollectionView, findsItemsInARectangle) {
     }
 }
 
-TEST(NSCollectionView, showsManagedListEditions) {
+TEST(NSCollectionView, ShowsManagedListEditions) {
     const auto list = ManagedList<int>::create({0, 1, 2, 3});
     Fixture shown(4);
     const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
@@ -197,7 +197,7 @@ TEST(NSCollectionView, showsManagedListEditions) {
     NSNotificationCenter::defaultCenter()->removeObserver(observer);
 }
 
-TEST(NSCollectionView, placesTheViewsOfItsItems) {
+TEST(NSCollectionView, PlacesTheViewsOfItsItems) {
     Fixture shown(9);
     const auto item = shown.view->view({5, 0}, true);
     EXPECT_EQ(item->frame(), CGRect()) << "without a layout";

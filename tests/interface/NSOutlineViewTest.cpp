@@ -1,53 +1,27 @@
 #include <tests/Testing.h>
+#include <tests/interface/Tree.h>
 
-#include <zorvan/interface/NSOutlineView.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
 
 namespace {
-
-struct Node {
-    std::string name;
-    std::vector<std::shared_ptr<Node>> children;
-};
-
-std::shared_ptr<Node> node(std::string name, std::vector<std::shared_ptr<Node>> children = {}) {
-    return std::make_shared<Node>(Node{std::move(name), std::move(children)});
-}
-
-struct Tree : NSOutlineViewDataSource {
-    static const Node& of(const Item& item) { return *static_cast<const Node*>(item.get()); }
-    const std::vector<std::shared_ptr<Node>>& children(const Item& item) const {
-        return item ? of(item).children : top;
-    }
-    std::int64_t numberOfChildren(const NSOutlineView&, const Item& item) const override {
-        return static_cast<std::int64_t>(children(item).size());
-    }
-    Item child(const NSOutlineView&, std::int64_t index, const Item& item) const override {
-        return children(item)[static_cast<std::size_t>(index)];
-    }
-    std::vector<std::shared_ptr<Node>> top;
-};
 
 std::string rows(const NSOutlineView& outline) {
     std::string text;
     for (std::int64_t row = 0; row < outline.numberOfRows(); ++row)
         text += std::string(static_cast<std::size_t>(outline.level(row)), '.') +
-                Tree::of(outline.item(row)).name + " ";
+                static_cast<const Node*>(outline.item(row).get())->name + " ";
     return text;
 }
 
 struct NSOutlineViewTest : testing::Test {
-    void SetUp() override {
-        tree->top = {node("a", {node("b", {node("c")}), node("d")}), node("e", {node("f")})};
-        outline->setOutlineDataSource(tree);
-    }
+    void SetUp() override { outline->setOutlineDataSource(tree); }
     std::shared_ptr<Tree> tree = std::make_shared<Tree>();
     std::shared_ptr<NSOutlineView> outline = NSOutlineView::create();
 };
 
 } // namespace
 
-TEST_F(NSOutlineViewTest, expandsAndCollapses) {
+TEST_F(NSOutlineViewTest, ExpandsAndCollapses) {
     const auto a = tree->top[0], e = tree->top[1], b = a->children[0];
     EXPECT_EQ(rows(*outline), "a e ");
     outline->selectOnlyRow(1);
@@ -81,7 +55,7 @@ TEST_F(NSOutlineViewTest, expandsAndCollapses) {
     MainQueue::drain(); // the outline has gone: nothing to do
 }
 
-TEST_F(NSOutlineViewTest, stopsOnATreeThatHoldsItself) {
+TEST_F(NSOutlineViewTest, StopsOnATreeThatHoldsItself) {
     tree->top[0]->children.push_back(tree->top[0]);
     EXPECT_DEATH(outline->expandAllItems(), "^An item of an outline view holds itself.\n$");
     tree->top[0]->children.clear();

@@ -91,7 +91,7 @@ struct Fixture {
 
 } // namespace
 
-TEST(NSTableView, showsEditionsByTheCallsThatFit) {
+TEST(NSTableView, ShowsEditionsByTheCallsThatFit) {
     using Edition = SelectableArrayEdition;
     struct {
         Edition edition;
@@ -115,7 +115,7 @@ TEST(NSTableView, showsEditionsByTheCallsThatFit) {
     }
 }
 
-TEST(NSTableView, showsManagedListEditions) {
+TEST(NSTableView, ShowsManagedListEditions) {
     const std::vector<int> nine{9};
     const IndexSet first{0}, middle{1, 2};
     const auto isLarge = [](int item) { return item > 1; };
@@ -148,7 +148,7 @@ TEST(NSTableView, showsManagedListEditions) {
     NSNotificationCenter::defaultCenter()->removeObserver(observer);
 }
 
-TEST(NSTableView, followsAListThroughRandomEditions) {
+TEST(NSTableView, FollowsAListThroughRandomEditions) {
     RandomEditions random(3);
     for (int round = 0; round < 100; ++round) {
         Fixture shown;
@@ -166,7 +166,7 @@ TEST(NSTableView, followsAListThroughRandomEditions) {
     }
 }
 
-TEST(NSTableView, takesInScatteredRows) {
+TEST(NSTableView, TakesInScatteredRows) {
     std::mt19937 random(5);
     for (int round = 0; round < 50; ++round) {
         Fixture shown({0, 1, 2, 3, 4, 5, 6, 7});
@@ -192,7 +192,7 @@ TEST(NSTableView, takesInScatteredRows) {
     }
 }
 
-TEST(NSTableView, asksForHeightsOncePerChange) {
+TEST(NSTableView, AsksForHeightsOncePerChange) {
     constexpr std::int64_t count = 400;
     Fixture shown{std::vector<int>(count)};
     NSScrollView::create(CGRect(0, 0, 150, 50))->setDocumentView(shown.table);
@@ -210,7 +210,7 @@ TEST(NSTableView, asksForHeightsOncePerChange) {
     EXPECT_LE(shown.source->heightsAsked, 2 * count);
 }
 
-TEST(NSTableView, keepsAskedForCellViewsOnly) {
+TEST(NSTableView, KeepsAskedForCellViewsOnly) {
     Fixture shown({0, 1, 2});
     shown.expectRows();
     shown.table->keepCellViews({1});
@@ -221,7 +221,7 @@ TEST(NSTableView, keepsAskedForCellViewsOnly) {
     EXPECT_EQ(shown.table->cell(1)->frame().width(), 30) << "follows its column";
 }
 
-TEST(NSTableView, remembersWhatItIsSortedBy) {
+TEST(NSTableView, RemembersWhatItIsSortedBy) {
     Fixture shown({0, 1}, 2);
     const auto name = shown.table->tableColumns()[0], size = shown.table->tableColumns()[1];
     name->setTitle("name");
@@ -239,7 +239,7 @@ TEST(NSTableView, remembersWhatItIsSortedBy) {
     EXPECT_FALSE(shown.table->sortOrder()) << "not a column of the table";
 }
 
-TEST(NSTableViewDeathTest, catchesEditionsThatLie) {
+TEST(NSTableViewDeathTest, CatchesEditionsThatLie) {
     Fixture shown({0, 1, 2});
     EXPECT_DEATH(
         shown.table->reloadEditedData(SelectableArrayEdition::Remove{{0}}, Options::effectFade),
@@ -251,7 +251,7 @@ TEST(NSTableViewDeathTest, catchesEditionsThatLie) {
     EXPECT_DEATH(shown.table->endUpdates(), "^A table view ends updates that have not begun.\n$");
 }
 
-TEST(NSTableView, announcesASelectionOnceItDiffers) {
+TEST(NSTableView, AnnouncesASelectionOnceItDiffers) {
     Fixture shown({0, 1, 2});
     int announced = 0;
     const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
@@ -272,7 +272,7 @@ TEST(NSTableView, announcesASelectionOnceItDiffers) {
     NSNotificationCenter::defaultCenter()->removeObserver(observer);
 }
 
-TEST(NSTableView, scrollsItsRowsIntoPlace) {
+TEST(NSTableView, ScrollsItsRowsIntoPlace) {
     Fixture shown(std::vector<int>(100));
     const auto scrollView = NSScrollView::create(CGRect(0, 0, 150, 50));
     const auto shownFrom = [&] { return scrollView->contentView()->bounds().y(); };
@@ -300,7 +300,7 @@ TEST(NSTableView, scrollsItsRowsIntoPlace) {
     EXPECT_EQ(shownFrom(), 0);
 }
 
-TEST(NSTableView, keepsItsColumns) {
+TEST(NSTableView, KeepsItsColumns) {
     Fixture shown({0}, 3);
     EXPECT_EQ(shown.table->lastCellView(), nullptr);
     const auto made = shown.table->view(0, 0, true);
@@ -319,7 +319,7 @@ TEST(NSTableView, keepsItsColumns) {
     EXPECT_TRUE(shown.calls.empty());
 }
 
-TEST(NSTableView, drawsWhatIsScrolledIntoSightAndNothingElse) {
+TEST(NSTableView, DrawsWhatIsScrolledIntoSightAndNothingElse) {
     Fixture shown(std::vector<int>(20));
     shown.table->setDelegate(nullptr); // so that it draws texts, in rows of one height
     const auto window = NSView::create(CGRect(0, 0, 240, 140));

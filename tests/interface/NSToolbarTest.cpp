@@ -52,7 +52,7 @@ struct InWindow {
 
 } // namespace
 
-TEST(DividedToolbar, standsOnThreeViews) {
+TEST(DividedToolbar, StandsOnThreeViews) {
     const auto toolbar = DividedToolbar::create();
     EXPECT_EQ(toolbar->identifier(), "DividedToolbar");
     EXPECT_EQ(DividedToolbar::create("d")->identifier(), "d");
@@ -94,7 +94,7 @@ TEST(DividedToolbar, standsOnThreeViews) {
     EXPECT_EQ(other->rightItemView()->frame(), CGRect(0, 0, 80, 32));
 }
 
-TEST(EmptyToolbar, showsASpaceAlone) {
+TEST(EmptyToolbar, ShowsASpaceAlone) {
     const auto toolbar = EmptyToolbar::create();
     EXPECT_EQ(toolbar->identifier(), "EmptyToolbar");
     EXPECT_FALSE(toolbar->showsBaselineSeparator());
@@ -107,7 +107,7 @@ TEST(EmptyToolbar, showsASpaceAlone) {
     EXPECT_EQ(toolbar->itemIdentifiers(), Identifiers{space});
 }
 
-TEST(NSToolbar, holdsTheViewsOfItsItemsInTheWindow) {
+TEST(NSToolbar, HoldsTheViewsOfItsItemsInTheWindow) {
     InWindow shown({"a", space, "b", "c"});
     EXPECT_EQ(shown.left("a"), 0);
     EXPECT_EQ(shown.left("c"), 80);
@@ -120,7 +120,7 @@ TEST(NSToolbar, holdsTheViewsOfItsItemsInTheWindow) {
     EXPECT_EQ(shown.giver->items.at("a")->toolbar(), nullptr);
 }
 
-TEST(NSToolbar, showsItsDefaultItemsUnlessItWasEdited) {
+TEST(NSToolbar, ShowsItsDefaultItemsUnlessItWasEdited) {
     InWindow untouched({});
     EXPECT_EQ(untouched.toolbar->itemIdentifiers(), (Identifiers{"x", "y"}));
     const auto other = NSWindow::create({100, 100});
@@ -134,7 +134,7 @@ TEST(NSToolbar, showsItsDefaultItemsUnlessItWasEdited) {
                  "^A toolbar item cannot be inserted before the first place.\n$");
 }
 
-TEST(NSTrackingSeparatorToolbarItem, followsItsDivider) {
+TEST(NSTrackingSeparatorToolbarItem, FollowsItsDivider) {
     InWindow shown({"a", space, "b"});
     const auto split = NSSplitView::create();
     split->addSubview(NSView::create());
@@ -160,7 +160,7 @@ TEST(NSTrackingSeparatorToolbarItem, followsItsDivider) {
     EXPECT_FALSE(split->position(1));
 }
 
-TEST(NSToolbarItem, actsWhenItIsPressed) {
+TEST(NSToolbarItem, ActsWhenItIsPressed) {
     std::vector<std::string> acts;
     const auto item = NSToolbarItem::create("i");
     item->setAction(Selector::withSender<NSToolbarItem>(
@@ -178,7 +178,7 @@ TEST(NSToolbarItem, actsWhenItIsPressed) {
     EXPECT_EQ(acts, (Identifiers{"i", "1", "0"}));
 }
 
-TEST(NSMenu, isOpenedByItsHost) {
+TEST(NSMenu, IsOpenedByItsHost) {
     std::vector<std::string> opened;
     NSMenu::setHost([&](NSMenu& menu) { opened.push_back(menu.title()); });
     NSMenu::create("m")->popUp();
@@ -187,7 +187,7 @@ TEST(NSMenu, isOpenedByItsHost) {
     EXPECT_EQ(opened, Identifiers{"m"});
 }
 
-TEST(NSMenu, performsTheActionsOfItsItems) {
+TEST(NSMenu, PerformsTheActionsOfItsItems) {
     const auto menu = NSMenu::create("m");
     int acts = 0;
     menu->addItem(NSMenuItem::create("one", Selector("act", [&] { ++acts; })));

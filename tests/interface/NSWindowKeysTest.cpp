@@ -1,7 +1,6 @@
 #include <tests/Testing.h>
 
-#include <zorvan/interface/NSButton.h>
-#include <zorvan/interface/NSMenuToolbarItem.h>
+#include <zorvan/interface/DynamicToolbar.h>
 #include <zorvan/interface/NSSplitView.h>
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/media/NSImage.h>
@@ -61,7 +60,7 @@ protected:
 
 } // namespace
 
-TEST_F(NSWindowKeys, goToTheFirstResponder) {
+TEST_F(NSWindowKeys, GoToTheFirstResponder) {
     struct Watch : NSWindowObserver {
         void firstResponderDidChange() override { ++changes; }
         int changes = 0;
@@ -89,7 +88,7 @@ TEST_F(NSWindowKeys, goToTheFirstResponder) {
     EXPECT_FALSE(press("k"));
 }
 
-TEST_F(NSWindowKeys, goFromViewToView) {
+TEST_F(NSWindowKeys, GoFromViewToView) {
     const auto order = [&](bool forward) {
         std::string names;
         for (int i = 0; i < 4; ++i) {
@@ -109,7 +108,7 @@ TEST_F(NSWindowKeys, goFromViewToView) {
     EXPECT_EQ(window->firstResponder(), a) << "back to where it came from";
 }
 
-TEST_F(NSWindowKeys, mayBeKeyEquivalents) {
+TEST_F(NSWindowKeys, MayBeKeyEquivalents) {
     const auto does = [&](const char* what) {
         return Selector(what, [this, what] { told += what; });
     };
@@ -122,26 +121,11 @@ TEST_F(NSWindowKeys, mayBeKeyEquivalents) {
     inner->addItem(copy);
     const auto more = NSMenuItem::create("More");
     more->setSubmenu(inner);
-    const auto item = NSMenuToolbarItem::create("menu");
-    item->menu()->addItem(more);
-    struct Giver : NSToolbarDelegate {
-        std::shared_ptr<NSToolbarItem> item;
-        std::shared_ptr<NSToolbarItem>
-        toolbarItemForItemIdentifier(NSToolbar&, const NSToolbarItemIdentifier&, bool) override {
-            return item;
-        }
-        std::vector<NSToolbarItemIdentifier> toolbarDefaultItemIdentifiers(NSToolbar&) override {
-            return {"menu"};
-        }
-        std::vector<NSToolbarItemIdentifier> toolbarAllowedItemIdentifiers(NSToolbar&) override {
-            return {"menu"};
-        }
-    };
-    const auto giver = std::make_shared<Giver>();
-    giver->item = item;
-    const auto toolbar = NSToolbar::create("t");
-    toolbar->setDelegate(giver);
-    window->setToolbar(toolbar);
+    const auto bar = DynamicToolbar::create();
+    bar->addItemSet();
+    bar->addItem({.createMenuButton = [](MenuButtonSettings&) {}})->menu()->addItem(more);
+    window->setToolbar(bar->toolbar());
+    bar->reloadDisplayedItems();
 
     EXPECT_TRUE(press("\r"));
     EXPECT_FALSE(press("\r", Flags::shift)) << "other modifiers";
@@ -163,7 +147,7 @@ TEST_F(NSWindowKeys, mayBeKeyEquivalents) {
     EXPECT_EQ(take(), "ok");
 }
 
-TEST_F(NSWindowKeys, otherButtonsTheWheelAndMenusGoToTheView) {
+TEST_F(NSWindowKeys, OtherButtonsTheWheelAndMenusGoToTheView) {
     EXPECT_TRUE(send(Type::rightMouseDown, {60, 10}));
     EXPECT_TRUE(send(Type::scrollWheel, {10, 10}));
     EXPECT_EQ(take(), "right bwheel a");
@@ -176,7 +160,7 @@ TEST_F(NSWindowKeys, otherButtonsTheWheelAndMenusGoToTheView) {
     EXPECT_EQ(b->menu({}), other);
 }
 
-TEST(NSView, tellsItsObserversOfChanges) {
+TEST(NSView, TellsItsObserversOfChanges) {
     struct Watch : NSViewObserver {
         void frameDidChange() override { told += "frame "; }
         void boundsOriginDidChange(bool animated) override {
@@ -241,7 +225,7 @@ TEST(NSView, tellsItsObserversOfChanges) {
     EXPECT_EQ(button->accessibilityRole(), NSAccessibilityRole::checkBox);
 }
 
-TEST(NSSplitView, keepsLeastLengths) {
+TEST(NSSplitView, KeepsLeastLengths) {
     const auto split = NSSplitView::create({0, 0, 301, 50});
     for (int i = 0; i < 2; ++i)
         split->addSubview(NSView::create());

@@ -89,7 +89,7 @@ protected:
 
 } // namespace
 
-TEST(NSWindow, handsTheMainStatusOn) {
+TEST(NSWindow, HandsTheMainStatusOn) {
     const auto a = NSWindow::create({10, 10}, "a"), b = NSWindow::create({10, 10}, "b");
     Watch watch;
     EXPECT_FALSE(a->isVisible());
@@ -106,7 +106,7 @@ TEST(NSWindow, handsTheMainStatusOn) {
                                   "b WillClose", "b DidResignMain"}));
 }
 
-TEST(NSWindow, mayBeClosedByWhoeverIsTold) {
+TEST(NSWindow, MayBeClosedByWhoeverIsTold) {
     const std::pair<std::string, Calls> table[] = {
         // Before it has become main, it does not become it.
         {"a DidResignMain", {"a DidBecomeMain", "a DidResignMain", "b WillClose"}},
@@ -151,7 +151,7 @@ TEST(NSWindow, mayBeClosedByWhoeverIsTold) {
     c->close();
 }
 
-TEST(NSWindow, keepsItsContentUnderBarsAndTellsOfItsSize) {
+TEST(NSWindow, KeepsItsContentUnderBarsAndTellsOfItsSize) {
     const auto window = NSWindow::create({200, 100}, "w");
     Watch watch;
     window->setToolbar(NSToolbar::create("t"));
@@ -167,7 +167,7 @@ TEST(NSWindow, keepsItsContentUnderBarsAndTellsOfItsSize) {
     EXPECT_EQ(window->contentSize(), CGSize(1, 1));
 }
 
-TEST(NSWindow, asksOnceToBeShownAnew) {
+TEST(NSWindow, AsksOnceToBeShownAnew) {
     const auto window = NSWindow::create({60, 40});
     struct Counter : NSWindowObserver {
         void viewsNeedDisplay() override { ++asked; }
@@ -183,7 +183,7 @@ TEST(NSWindow, asksOnceToBeShownAnew) {
     EXPECT_TRUE(window->viewsNeedDisplay());
 }
 
-TEST_F(NSWindowMouse, entersAndLeavesTrackingAreas) {
+TEST_F(NSWindowMouse, EntersAndLeavesTrackingAreas) {
     send(Type::mouseMoved, {35, 35});
     EXPECT_EQ(take(), (Calls{"enter outer", "enter inner", "move outer", "move inner"}));
     send(Type::mouseMoved, {100, 35});
@@ -204,7 +204,7 @@ TEST_F(NSWindowMouse, entersAndLeavesTrackingAreas) {
     EXPECT_EQ(take(), (Calls{"enter outer", "move outer"}));
 }
 
-TEST_F(NSWindowMouse, followsAreasThatChangeUnderTheMouse) {
+TEST_F(NSWindowMouse, FollowsAreasThatChangeUnderTheMouse) {
     send(Type::mouseMoved, {35, 35});
     take();
     // A larger area in place of one that the mouse is in is no new one.
@@ -232,7 +232,7 @@ TEST_F(NSWindowMouse, followsAreasThatChangeUnderTheMouse) {
     EXPECT_FALSE(take().empty());
 }
 
-TEST_F(NSWindowMouse, letsAButtonActWhenItIsReleasedInside) {
+TEST_F(NSWindowMouse, LetsAButtonActWhenItIsReleasedInside) {
     const auto button = NSButton::create({130, 20, 50, 30});
     button->setAction(Selector("act", [&] { calls.push_back("act"); }));
     window->contentView()->addSubview(button);
@@ -251,7 +251,7 @@ TEST_F(NSWindowMouse, letsAButtonActWhenItIsReleasedInside) {
     EXPECT_TRUE(take().empty());
 }
 
-TEST(NSApplication, performsActionsOnLivingTargetsOnly) {
+TEST(NSApplication, PerformsActionsOnLivingTargetsOnly) {
     struct Target {
         void plain() { calls.push_back("plain"); }
         void withButton(NSButton& sender) { calls.push_back("from " + sender.title()); }

@@ -175,7 +175,7 @@ double difference(const CGImage& image, const CGImage& golden, const CGRect& fra
 
 } // namespace
 
-TEST(TintedButtonPictures, areAsTheyWereApproved) {
+TEST(TintedButtonPictures, AreAsTheyWereApproved) {
     const Sheet sheet;
     for (const int scale : {1, 2}) {
         const auto image = CGImage::create(sheet.view->render(scale).value());

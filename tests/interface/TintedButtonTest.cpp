@@ -59,7 +59,7 @@ protected:
 
 } // namespace
 
-TEST_F(TintedButtonTest, beginsWithoutColours) {
+TEST_F(TintedButtonTest, BeginsWithoutColours) {
     const auto fresh = TintedButton::create();
     EXPECT_EQ(fresh->trackingArea(), nullptr);
     EXPECT_FALSE(fresh->expandedSize());
@@ -74,7 +74,7 @@ TEST_F(TintedButtonTest, beginsWithoutColours) {
     EXPECT_EQ(TintedButtonCell::create(NSButtonCell::Text{"t"})->title(), "t");
 }
 
-TEST_F(TintedButtonTest, passesItsPropertiesToItsCell) {
+TEST_F(TintedButtonTest, PassesItsPropertiesToItsCell) {
     take();
     button->setImagePressedColor(NSColor::red);
     button->setBackgroundTintGradient(plain(NSColor::blue));
@@ -95,7 +95,7 @@ TEST_F(TintedButtonTest, passesItsPropertiesToItsCell) {
     EXPECT_TRUE(take().empty());
 }
 
-TEST(TintedButtonCoding, replacesTheCellAndKeepsWhatWasSet) {
+TEST(TintedButtonCoding, ReplacesTheCellAndKeepsWhatWasSet) {
     const auto plainButton = NSButton::create({1, 2, 70, 30});
     plainButton->setTitle("Save");
     plainButton->setImage(NSImage::systemSymbol("star", "star"));
@@ -128,7 +128,7 @@ TEST(TintedButtonCoding, replacesTheCellAndKeepsWhatWasSet) {
 // Colours by state; those of image, text and background are chosen alike. The pictures show them
 // all.
 
-TEST(TintedButtonColours, comeInTheirOrder) {
+TEST(TintedButtonColours, ComeInTheirOrder) {
     const auto button = TintedButton::create({0, 0, 40, 20});
     const NSColor tint = NSColor::red, hover = NSColor::green, pressed = NSColor::blue,
                   disabled = NSColor::yellow;
@@ -155,7 +155,7 @@ TEST(TintedButtonColours, comeInTheirOrder) {
     }
 }
 
-TEST(TintedButtonColours, fallBackToTheLookOfAnyButton) {
+TEST(TintedButtonColours, FallBackToTheLookOfAnyButton) {
     const auto any = NSButton::create({0, 0, 60, 26});
     const auto tinted = TintedButton::create({0, 0, 60, 26});
     for (const auto& button : std::vector<std::shared_ptr<NSButton>>{any, tinted}) {
@@ -172,7 +172,7 @@ TEST(TintedButtonColours, fallBackToTheLookOfAnyButton) {
     EXPECT_NE(pixels(*tinted), pixels(*any));
 }
 
-TEST(TintedButtonBezel, isARoundedRectangleOfTheGradient) {
+TEST(TintedButtonBezel, IsARoundedRectangleOfTheGradient) {
     const auto button = TintedButton::create({0, 0, 60, 20});
     button->setBackgroundTintGradient(NSGradient::make({.colors = {NSColor::red, NSColor::blue}}));
     const auto isRed = [&](double x, double y) {
@@ -196,7 +196,26 @@ TEST(TintedButtonBezel, isARoundedRectangleOfTheGradient) {
     EXPECT_FALSE(button->render());
 }
 
-TEST_F(TintedButtonTest, growsByWhatItIsExpanded) {
+TEST(TintedButtonTitle, IsMeasuredByTextAndFontWhateverWasMeasuredBefore) {
+    const auto button = TintedButton::create();
+    const auto width = [&](std::string_view text, double size, const NSColor& color) {
+        button->setAttributedTitle(NSAttributedString(
+            text, {{AttributeName::font, TextFont{.family = "sans-serif", .size = size}},
+                   {AttributeName::foregroundColor, TextColor(color.rgba())}}));
+        return button->intrinsicContentSize().width;
+    };
+    const double small = width("title", 11, NSColor::black),
+                 large = width("title", 17, NSColor::black);
+    EXPECT_LT(small, large);
+    EXPECT_LT(width("titl", 11, NSColor::black), small);
+    for (int i = 0; i < 40; ++i) {
+        EXPECT_EQ(width("title", 11, NSColor::red), small);
+        EXPECT_EQ(width("title", 17, NSColor::red), large);
+        width(std::to_string(i), 13, NSColor::black);
+    }
+}
+
+TEST_F(TintedButtonTest, GrowsByWhatItIsExpanded) {
     button->setTitle("Title");
     button->setImage(square(10));
     const CGSize natural = button->intrinsicContentSize();
@@ -227,7 +246,7 @@ TEST_F(TintedButtonTest, growsByWhatItIsExpanded) {
     EXPECT_EQ(cell->drawn, (std::vector{CGRect(10, 5, 10, 10), CGRect(25, 2, 25, 16)}));
 }
 
-TEST(TintedImage, takesTheColourAndKeepsTheOpacity) {
+TEST(TintedImage, TakesTheColourAndKeepsTheOpacity) {
     const auto source = NSImage::create(CGImage::draw(4, 2, [](CGContext& context) {
         context.setFillColor(CGColor::create({.gray = 1, .alpha = 0.5}));
         context.fill({0, 0, 2, 2});
@@ -253,7 +272,7 @@ TEST(TintedImage, takesTheColourAndKeepsTheOpacity) {
 
 // Events
 
-TEST_F(TintedButtonTest, followsTheMouse) {
+TEST_F(TintedButtonTest, FollowsTheMouse) {
     const auto cell = button->tintedButtonCell();
     button->setAction(Selector("act", [&] {
         EXPECT_TRUE(cell->isPressed());
@@ -279,7 +298,7 @@ TEST_F(TintedButtonTest, followsTheMouse) {
     EXPECT_EQ(take(), Calls{"needsDisplay"});
 }
 
-TEST_F(TintedButtonTest, keepsItsTrackingAreaOverItsBounds) {
+TEST_F(TintedButtonTest, KeepsItsTrackingAreaOverItsBounds) {
     const auto first = button->trackingArea();
     ASSERT_TRUE(first);
     EXPECT_EQ(first->rect(), CGRect(0, 0, 60, 20));
@@ -297,7 +316,7 @@ TEST_F(TintedButtonTest, keepsItsTrackingAreaOverItsBounds) {
     EXPECT_FALSE(button->tintedButtonCell()->isHover());
 }
 
-TEST_F(TintedButtonTest, redrawsWhenAnyWindowBecomesMainWhileItIsInOne) {
+TEST_F(TintedButtonTest, RedrawsWhenAnyWindowBecomesMainWhileItIsInOne) {
     const auto other = NSWindow::create({10, 10});
     take();
     other->makeMainWindow();
@@ -315,7 +334,7 @@ TEST_F(TintedButtonTest, redrawsWhenAnyWindowBecomesMainWhileItIsInOne) {
     EXPECT_TRUE(take().empty());
 }
 
-TEST_F(TintedButtonTest, endsItsSubscriptionsWithItself) {
+TEST_F(TintedButtonTest, EndsItsSubscriptionsWithItself) {
     const auto become = button->windowDidBecomeMainSubscriber();
     const auto resign = button->windowDidResignMainSubscriber();
     button->removeFromSuperview();
@@ -340,7 +359,7 @@ TEST_F(TintedButtonTest, endsItsSubscriptionsWithItself) {
 
 // What ends while an action is performed
 
-TEST_F(TintedButtonTest, mayHaveLostItsTargetAndRemoveItselfInItsAction) {
+TEST_F(TintedButtonTest, MayHaveLostItsTargetAndRemoveItselfInItsAction) {
     const auto cell = button->tintedButtonCell();
     button->setTarget(std::make_shared<int>()); // which has gone by now
     button->setAction(Selector("act", [] { std::abort(); }));
@@ -358,7 +377,7 @@ TEST_F(TintedButtonTest, mayHaveLostItsTargetAndRemoveItselfInItsAction) {
     EXPECT_FALSE(cell->isPressed() || cell->isHover());
 }
 
-TEST_F(TintedButtonTest, mayEndInItsAction) {
+TEST_F(TintedButtonTest, MayEndInItsAction) {
     // The action releases the button, its window, and itself.
     std::weak_ptr<TintedButton> gone = button;
     button->setAction(Selector("end", [this, gone] {

@@ -21,7 +21,11 @@ PropertyList::Dictionary section(std::string_view key, std::string_view name, Pr
 }
 
 constexpr ImageExportFormat formats[] = {ImageExportFormat::png, ImageExportFormat::jpg,
-                                         ImageExportFormat::tiff, ImageExportFormat::heic};
+                                         ImageExportFormat::tiff,
+#ifdef ZORVAN_WITH_HEIC
+                                         ImageExportFormat::heic
+#endif
+};
 
 TEST(StoredProperties, AreFoundByAnotherReaderInEveryFormat) {
     const std::string caption = "Été: 雨, \"quoted\"\tand a tab";

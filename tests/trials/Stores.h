@@ -33,3 +33,6 @@ int tries(const char* variable, int unlessAsked);
 /// promised or a later one. Returns its number.
 std::int64_t checkStore(const Store& store, const std::filesystem::path& folder,
                         std::int64_t promised);
+
+/// Expects that, and that the next step can be taken.
+void goOn(const Store& store, const std::filesystem::path& folder, std::int64_t promised);

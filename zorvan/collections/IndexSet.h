@@ -103,7 +103,7 @@ public:
     /// @}
 
     /// The ranges, ascending, none empty, none touching the next. Valid until the set changes.
-    std::span<const Range> ranges() const& noexcept { return ranges_; }
+    std::span<const Range> ranges() const& noexcept { return {ranges_.data(), ranges_.size()}; }
     std::span<const Range> ranges() && = delete; // they would be gone before they were read
     /// Iterates over the members, ascending.
     /// @{

@@ -58,11 +58,9 @@ public:
         : value_(std::move(value)) {}
 
     /// What a notification of this edition carries.
-    Notification::UserInfo userInfo() const { return {{editionKey, *this}}; }
+    Notification::UserInfo userInfo() const;
     /// The edition that a notification carries, else null. It lives in the notification.
-    static const SelectableArrayEdition* edition(const Notification& note) noexcept {
-        return note.value<SelectableArrayEdition>(editionKey);
-    }
+    static const SelectableArrayEdition* edition(const Notification& note) noexcept;
 
     /// The case with its payload.
     const Variant& value() const noexcept { return value_; }

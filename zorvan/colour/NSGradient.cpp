@@ -15,6 +15,8 @@ std::optional<NSGradient> NSGradient::make(Stops stops) {
     return gradient ? std::optional(NSGradient(std::move(*gradient))) : std::nullopt;
 }
 
+std::optional<CGGradient> NSGradient::cgGradient() const { return stops_; }
+
 NSGradient::Stop NSGradient::colorStop(std::int64_t index) const noexcept {
     if (index < 0 || index >= numberOfColorStops())
         fatalError("A gradient of " + std::to_string(numberOfColorStops()) +

@@ -44,7 +44,7 @@ public:
     [[nodiscard]] ColorStops colorStops() && noexcept { return std::move(stops_).colorStops(); }
     /// @}
     /// The same stops for the drawing services; every gradient has one.
-    [[nodiscard]] std::optional<CGGradient> cgGradient() const { return stops_; }
+    [[nodiscard]] std::optional<CGGradient> cgGradient() const;
 
     friend bool operator==(const NSGradient&, const NSGradient&) = default;
 

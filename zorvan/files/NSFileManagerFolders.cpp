@@ -3,14 +3,13 @@
 #include <zorvan/files/NSFileManager.h>
 
 #include <zorvan/files/internal/filePath.h>
-#include <zorvan/platform/foundation/NSHomeDirectory.h>
 #include <zorvan/platform/foundation/NSUserName.h>
 #include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/foundation/internal/desktopFolders.h>
 #include <zorvan/platform/foundation/internal/makeFolders.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
 
 namespace zorvan {
@@ -24,24 +23,8 @@ using namespace files;
 
 namespace {
 
-/// The value of an environment variable that holds an absolute path; empty otherwise.
-std::string pathFromEnvironment(const char* name) {
-    const char* value = std::getenv(name);
-    return value && value[0] == '/' ? value : "";
-}
-
 URL temporaryDirectory() {
-    const std::string path = pathFromEnvironment("TMPDIR");
-    return URL({.fileURLWithPath = path.empty() ? "/tmp" : path});
-}
-
-std::optional<URL> applicationSupportDirectory() {
-    if (std::string data = pathFromEnvironment("XDG_DATA_HOME"); !data.empty())
-        return URL({.fileURLWithPath = std::move(data)});
-    const std::string home = NSHomeDirectory();
-    if (home.empty())
-        return std::nullopt;
-    return URL({.fileURLWithPath = home + "/.local/share"});
+    return URL({.fileURLWithPath = internal::pathFromEnvironment("TMPDIR").value_or("/tmp")});
 }
 
 std::optional<std::string> mainBundleName() {
@@ -81,8 +64,10 @@ std::optional<URL> NSFileManager::noSandboxBundleSupportDirectoryURL() const {
 
 std::optional<URL> NSFileManager::bundleSupportDirectoryURL() const {
     const auto name = mainBundleName();
-    const auto support = name ? applicationSupportDirectory() : std::nullopt;
-    return support ? std::optional(support->appendingPathComponent(*name)) : std::nullopt;
+    const auto support = name ? internal::dataFolder() : std::nullopt;
+    if (!support)
+        return std::nullopt;
+    return URL({.fileURLWithPath = *support}).appendingPathComponent(*name);
 }
 
 URL NSFileManager::createDirectory(const URL& url) const {

@@ -32,6 +32,7 @@ public:
     QtWindowHost(const QtWindowHost&) = delete;
     QtWindowHost& operator=(const QtWindowHost&) = delete;
 
+    /// The one that is shown; never null.
     const std::shared_ptr<NSWindow>& window() const noexcept;
     /// For what else Qt can do with a window, such as its icon and its shortcuts. It stays the
     /// host's.

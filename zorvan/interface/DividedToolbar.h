@@ -15,37 +15,45 @@ namespace zorvan {
 /// shown is hidden and keeps its place, so that the others do not move.
 class DividedToolbar : public NSToolbar, public NSToolbarDelegate {
 public:
+    /// The identifiers of the three items.
+    /// @{
     static constexpr NameLiteral leftItemIdentifier = "LeftToolbarItem";
     static constexpr NameLiteral centerItemIdentifier = "CenterToolbarItem";
     static constexpr NameLiteral rightItemIdentifier = "RightToolbarItem";
+    /// @}
 
+    /// A toolbar of three empty views, which no window shows yet.
     static std::shared_ptr<DividedToolbar> create(std::string identifier = "DividedToolbar");
+    /// For `create`.
     using NSToolbar::NSToolbar;
 
-    // True unless set.
-
+    /// Whether the view is shown: as its `isHidden` says, so true unless set.
+    /// @{
     bool showLeftItemView() const noexcept { return !leftItemView_->isHidden(); }
     void setShowLeftItemView(bool show) { leftItemView_->setHidden(!show); }
     bool showCenterItemView() const noexcept { return !centerItemView_->isHidden(); }
     void setShowCenterItemView(bool show) { centerItemView_->setHidden(!show); }
     bool showRightItemView() const noexcept { return !rightItemView_->isHidden(); }
     void setShowRightItemView(bool show) { rightItemView_->setHidden(!show); }
+    /// @}
 
-    // 80 x 32 points each, to put views into, or to be replaced by others; a new, empty one for
-    // null. A view that is set is shown or hidden as it is.
-
+    /// 80 x 32 points each, to put views into, or to be replaced by others; a new, empty one for
+    /// null. A view that is set is shown or hidden as it is.
+    /// @{
     const std::shared_ptr<NSView>& leftItemView() const noexcept { return leftItemView_; }
     void setLeftItemView(std::shared_ptr<NSView> view);
     const std::shared_ptr<NSView>& centerItemView() const noexcept { return centerItemView_; }
     void setCenterItemView(std::shared_ptr<NSView> view);
     const std::shared_ptr<NSView>& rightItemView() const noexcept { return rightItemView_; }
     void setRightItemView(std::shared_ptr<NSView> view);
+    /// @}
 
-    // Made when first asked for.
-
+    /// The item that shows the view; made when first asked for.
+    /// @{
     const std::shared_ptr<NSToolbarItem>& leftToolbarItem();
     const std::shared_ptr<NSToolbarItem>& centerToolbarItem();
     const std::shared_ptr<NSToolbarItem>& rightToolbarItem();
+    /// @}
 
     // As its own delegate.
 

@@ -15,23 +15,30 @@ class DynamicBarItemSet : public Container {
     struct Key {};
 
 public:
+    /// Whether the set may be shown.
     using Predicate = std::function<bool()>;
 
     /// Always enabled unless a predicate is given.
     static std::shared_ptr<DynamicBarItemSet> create(Predicate isEnabled = {}) {
         return std::make_shared<DynamicBarItemSet>(Key{}, std::move(isEnabled));
     }
+    /// For `create`.
     DynamicBarItemSet(Key, Predicate isEnabled) { setIsEnabled(std::move(isEnabled)); }
 
     using Container::addItem;
+    /// Appends the item, and returns it.
     std::shared_ptr<Item> addItem(const std::shared_ptr<Item>& item) override {
         items_.push_back(item);
         return item;
     }
 
+    /// In the order in which the bar shows them.
+    /// @{
     const std::vector<std::shared_ptr<Item>>& items() const noexcept { return items_; }
     void setItems(std::vector<std::shared_ptr<Item>> items) { items_ = std::move(items); }
+    /// @}
 
+    /// Asked on every reload.
     const Predicate& isEnabled() const noexcept { return isEnabled_; }
     /// An empty one is always true.
     void setIsEnabled(Predicate isEnabled) {

@@ -21,32 +21,44 @@ class DynamicToolbar : public DynamicToolbarItemContainer,
                        public NSToolbarDelegate,
                        public std::enable_shared_from_this<DynamicToolbar> {
 public:
+    /// Gives a set to show, or null.
     using ItemSetProvider = std::function<std::shared_ptr<DynamicToolbarItemSet>()>;
 
+    /// For `create`: of the toolbar.
     struct Identifier {
+        /// Of the toolbar.
         std::string identifier;
     };
+    /// A toolbar without items or sets, which no window shows yet.
     static std::shared_ptr<DynamicToolbar> create(Identifier toolbar);
     /// With a random identifier.
     static std::shared_ptr<DynamicToolbar> create();
 
+    /// The toolbar, whose delegate this is.
     const std::shared_ptr<NSToolbar>& toolbar() const noexcept { return toolbar_; }
     /// The set chosen by the last reload; null for none.
     const std::shared_ptr<DynamicToolbarItemSet>& displayedItemSet() const noexcept {
         return displayedItemSet_;
     }
+    /// The set whose items the toolbar is given when it asks. Nothing is shown anew, and the next
+    /// reload chooses again.
     void setDisplayedItemSet(std::shared_ptr<DynamicToolbarItemSet> set) {
         displayedItemSet_ = std::move(set);
     }
+    /// The sets that a reload chooses from: the first that is enabled.
+    /// @{
     const std::vector<std::shared_ptr<DynamicToolbarItemSet>>& itemSets() const noexcept {
         return itemSets_;
     }
     void setItemSets(std::vector<std::shared_ptr<DynamicToolbarItemSet>> sets) {
         itemSets_ = std::move(sets);
     }
+    /// @}
     /// What it returns comes before every enabled set; when it returns null they count.
+    /// @{
     const ItemSetProvider& itemSetProvider() const noexcept { return itemSetProvider_; }
     void setItemSetProvider(ItemSetProvider provider) { itemSetProvider_ = std::move(provider); }
+    /// @}
 
     /// Appends a new set, which later items are added to. Always enabled without a predicate.
     std::shared_ptr<DynamicToolbarItemSet>
@@ -71,6 +83,7 @@ public:
     toolbarItemForItemIdentifier(NSToolbar& toolbar, const NSToolbarItemIdentifier& identifier,
                                  bool willBeInsertedIntoToolbar) override;
     std::shared_ptr<NSToolbarItem>
+    /// The item of the displayed set; null when that has none of the identifier.
     toolbarMakeItemForIdentifier(NSToolbar& toolbar, const NSToolbarItemIdentifier& identifier);
     std::vector<NSToolbarItemIdentifier> toolbarDefaultItemIdentifiers(NSToolbar& toolbar) override;
     std::vector<NSToolbarItemIdentifier> toolbarAllowedItemIdentifiers(NSToolbar& toolbar) override;
@@ -79,6 +92,7 @@ private:
     struct Key {};
 
 public:
+    /// For `create`.
     DynamicToolbar(Key, std::string identifier);
 
 private:

@@ -28,41 +28,67 @@ public:
     virtual std::shared_ptr<DynamicToolbarItem>
     addItem(const std::shared_ptr<DynamicToolbarItem>& item) = 0;
 
+    /// What is called on a reload, with the item and what it shows.
     template <class Control>
     using ControlUpdate = std::function<void(DynamicToolbarItem&, Control&)>;
 
+    /// An item that the toolbar makes itself.
     struct IdentifierOnly {
+        /// Of the item.
         Required<NSToolbarItemIdentifier> identifier;
     };
+    /// An item that shows a view.
     template <class View>
     struct ViewItem {
+        /// A random one when absent.
         std::optional<NSToolbarItemIdentifier> identifier = {};
+        /// Whether the item stands before all others; false when absent.
         std::optional<bool> isNavigational = {};
+        /// Label and tool tip of the item; empty when absent.
         std::optional<std::string> displayName = {};
+        /// Gives the view, once. An item without one is made for null, and not updated.
         Required<std::function<std::shared_ptr<View>()>> createView;
+        /// Empty for nothing.
         ControlUpdate<View> update = {};
     };
+    /// A button with an image.
     struct ImageButton {
+        /// Fills in what the button is.
         Required<std::function<void(ImageButtonSettings&)>> createImageButton;
+        /// Empty for nothing.
         ControlUpdate<NSButton> update = {};
     };
+    /// A search field.
     struct SearchField {
+        /// Fills in what the field is.
         Required<std::function<void(SearchFieldSettings&)>> createSearchField;
+        /// Empty for nothing.
         ControlUpdate<NSSearchField> update = {};
     };
+    /// A separator that follows a divider.
     struct SplitView {
+        /// Fills in which divider.
         Required<std::function<void(SplitViewSettings&)>> createSplitView;
     };
+    /// A group of buttons with images.
     struct ImageGroup {
+        /// Fills in what the group is.
         Required<std::function<void(ButtonGroupSettings&)>> createImageGroup;
+        /// Empty for nothing.
         ControlUpdate<NSToolbarItemGroup> update = {};
     };
+    /// A group of buttons with titles.
     struct TitleGroup {
+        /// Fills in what the group is.
         Required<std::function<void(ButtonGroupSettings&)>> createTitleGroup;
+        /// Empty for nothing.
         ControlUpdate<NSToolbarItemGroup> update = {};
     };
+    /// A button that opens a menu.
     struct MenuButton {
+        /// Fills in what the button is.
         Required<std::function<void(MenuButtonSettings&)>> createMenuButton;
+        /// Empty for nothing.
         ControlUpdate<NSMenuToolbarItem> update = {};
     };
 
@@ -71,12 +97,17 @@ public:
     /// Any view: `addItem<NSSlider>({.createView = [] { return NSSlider::create(); }})`.
     template <class View = NSView>
     std::shared_ptr<View> addItem(const ViewItem<View>& settings);
+    /// A button with a textured bezel.
     std::shared_ptr<NSButton> addItem(const ImageButton& settings);
+    /// The given field, or a new one.
     std::shared_ptr<NSSearchField> addItem(const SearchField& settings);
+    /// The given split view, or a new one, which is not put anywhere.
     std::shared_ptr<NSSplitView> addItem(const SplitView& settings);
     /// Images that cannot be found are skipped, and their titles with them.
     std::shared_ptr<NSToolbarItemGroup> addItem(const ImageGroup& settings);
+    /// One button for each title, the first of `selectedIndex` selected.
     std::shared_ptr<NSToolbarItemGroup> addItem(const TitleGroup& settings);
+    /// Its item, which opens the given menu or an empty one.
     std::shared_ptr<NSMenuToolbarItem> addItem(const MenuButton& settings);
 
 private:

@@ -16,22 +16,29 @@ class DynamicTouchBar : public DynamicTouchBarItemContainer,
                         public NSTouchBarDelegate,
                         public std::enable_shared_from_this<DynamicTouchBar> {
 public:
+    /// Without sets.
     static std::shared_ptr<DynamicTouchBar> create();
 
+    /// The touch bar, whose delegate this is.
     const std::shared_ptr<NSTouchBar>& touchBar() const noexcept { return touchBar_; }
     /// The set chosen by the last reload; null for none.
     const std::shared_ptr<DynamicTouchBarItemSet>& displayedItemSet() const noexcept {
         return displayedItemSet_;
     }
+    /// The set whose items the touch bar is given when it asks. Nothing is shown anew, and the next
+    /// reload chooses again.
     void setDisplayedItemSet(std::shared_ptr<DynamicTouchBarItemSet> set) {
         displayedItemSet_ = std::move(set);
     }
+    /// The sets that a reload chooses from: the first that is enabled.
+    /// @{
     const std::vector<std::shared_ptr<DynamicTouchBarItemSet>>& itemSets() const noexcept {
         return itemSets_;
     }
     void setItemSets(std::vector<std::shared_ptr<DynamicTouchBarItemSet>> sets) {
         itemSets_ = std::move(sets);
     }
+    /// @}
 
     /// Appends a new set, which later items are added to. Always enabled when the predicate is
     /// empty.
@@ -58,6 +65,7 @@ private:
     struct Key {};
 
 public:
+    /// For `create`.
     explicit DynamicTouchBar(Key) : touchBar_(NSTouchBar::create()) {}
 
 private:

@@ -10,7 +10,9 @@ namespace zorvan {
 /// A toolbar that shows nothing but a flexible space.
 class EmptyToolbar : public NSToolbar, public NSToolbarDelegate {
 public:
+    /// A toolbar that no window shows yet.
     static std::shared_ptr<EmptyToolbar> create(std::string identifier = "EmptyToolbar");
+    /// For `create`.
     using NSToolbar::NSToolbar;
 
     // As its own delegate.

@@ -10,8 +10,10 @@ namespace zorvan {
 
 /// Shows an edition of a managed list in a table view or a collection view.
 struct ManagedListViewReloader {
+    /// With the animation below.
     explicit ManagedListViewReloader(ManagedListEdition shown) : edition(std::move(shown)) {}
 
+    /// What is shown: the edition of a change that has been made.
     ManagedListEdition edition;
     /// For inserted and removed rows.
     NSTableView::AnimationOptions tableViewAnimation = NSTableView::AnimationOptions::effectFade;

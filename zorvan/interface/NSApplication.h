@@ -21,6 +21,7 @@ public:
     static constexpr NameLiteral looksDidChangeNotification =
         "NSApplicationLooksDidChangeNotification";
 
+    /// The application that this process is.
     static NSApplication& shared();
     NSApplication(const NSApplication&) = delete;
     NSApplication& operator=(const NSApplication&) = delete;
@@ -35,13 +36,17 @@ public:
 
     /// Whether the application is the one that the user works with. True until a host says
     /// otherwise.
+    /// @{
     bool isActive() const noexcept { return isActive_; }
     void setActive(bool active) noexcept { isActive_ = active; }
+    /// @}
 
     /// Whether the desktop wants light text on a dark ground. False until a host says otherwise;
     /// `NSApplication::looksDidChangeNotification` is posted when that changes.
+    /// @{
     bool isDark() const noexcept { return isDark_; }
     void setDark(bool dark);
+    /// @}
 
 private:
     friend class NSWindow;

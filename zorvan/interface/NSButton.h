@@ -13,14 +13,21 @@ namespace zorvan {
 /// A push button. It sends its action when the mouse is released over it.
 class NSButton : public NSControl {
 public:
+    /// A title, and what is sent when the button is pressed.
     struct Title {
+        /// What the button says.
         Required<std::string> title;
+        /// Whom the action is sent to; not kept alive. Nobody when it is not given.
         std::weak_ptr<void> target = {};
+        /// What is sent; absent for nothing.
         std::optional<Selector> action = {};
     };
+    /// A button that was written.
     struct Coder {
+        /// What `encode` wrote.
         Required<PropertyList::Dictionary> coder;
     };
+    /// With a rounded bezel, and neither title nor image.
     static std::shared_ptr<NSButton> create(const CGRect& frame = {});
     /// As large as it would like to be.
     static std::shared_ptr<NSButton> create(const Title& button);
@@ -34,8 +41,9 @@ public:
     /// Its cell when that is a button cell, else null.
     std::shared_ptr<NSButtonCell> buttonCell() const noexcept;
 
-    // These are the cell's: absent without a button cell, and setting them then does nothing.
-
+    /// As the button cell has it: empty or absent without one (`noImage`, `rounded`, false), and
+    /// setting it then does nothing.
+    /// @{
     std::string title() const;
     void setTitle(std::string_view title);
     NSAttributedString attributedTitle() const;
@@ -52,14 +60,19 @@ public:
     void setBezelColor(std::optional<NSColor> color);
     std::optional<NSColor> contentTintColor() const;
     void setContentTintColor(std::optional<NSColor> color);
+    /// @}
 
     /// The key that clicks the button wherever the keyboard is, by its character in lower case;
     /// empty, as at first, for none. "\r" makes it the one that Enter presses.
+    /// @{
     const std::string& keyEquivalent() const noexcept { return keyEquivalent_; }
     void setKeyEquivalent(std::string key) { keyEquivalent_ = std::move(key); }
+    /// @}
     /// What must be held down with it; nothing unless set.
+    /// @{
     NSEvent::ModifierFlags keyEquivalentModifierMask() const noexcept { return modifiers_; }
     void setKeyEquivalentModifierMask(NSEvent::ModifierFlags modifiers) { modifiers_ = modifiers; }
+    /// @}
 
     /// While pressed.
     bool isHighlighted() const { return cell() && cell()->isHighlighted(); }
@@ -84,8 +97,12 @@ protected:
     }
     /// The title; without one, and without a tool tip, what the image is said to show.
     std::string ownAccessibilityLabel() const override;
+    /// A frame as `encode` writes it, and the one that a coder holds under "frame"; what is
+    /// missing or of another kind is 0.
+    /// @{
     static PropertyList::Dictionary encodeFrame(const CGRect& frame);
     static CGRect decodeFrame(const PropertyList::Dictionary& coder);
+    /// @}
     /// Takes the title, target and action over, and the size that the button would like then.
     void apply(const Title& settings);
     /// Gives the button the cell that the class makes.

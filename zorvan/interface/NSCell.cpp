@@ -24,6 +24,10 @@ void NSCell::setHighlighted(bool highlighted) {
     didChange();
 }
 
+void NSCell::setStringValue(std::string_view text) {
+    setAttributedStringValue(NSAttributedString(text));
+}
+
 void NSCell::setAttributedStringValue(NSAttributedString text) {
     text_ = std::move(text);
     didChange();

@@ -32,9 +32,11 @@ enum class NSCellImagePosition : std::int64_t {
 /// most.
 class NSCell : public std::enable_shared_from_this<NSCell> {
 protected:
+    /// What only cells can name, so that they are made by `create`.
     struct Key {};
 
 public:
+    /// For `create`.
     explicit NSCell(Key) {}
     virtual ~NSCell();
     NSCell(const NSCell&) = delete;
@@ -44,29 +46,43 @@ public:
     std::shared_ptr<NSControl> controlView() const noexcept { return controlView_.lock(); }
 
     /// That of the control when it has one.
+    /// @{
     bool isEnabled() const noexcept;
     void setEnabled(bool enabled);
+    /// @}
     /// While pressed.
+    /// @{
     bool isHighlighted() const noexcept { return isHighlighted_; }
     void setHighlighted(bool highlighted);
+    /// @}
 
+    /// What the cell says, with its attributes.
+    /// @{
     const NSAttributedString& attributedStringValue() const noexcept { return text_; }
     void setAttributedStringValue(NSAttributedString text);
+    /// @}
+    /// The same without attributes.
+    /// @{
     std::string stringValue() const { return text_.string(); }
-    void setStringValue(std::string_view text) {
-        setAttributedStringValue(NSAttributedString(text));
-    }
+    void setStringValue(std::string_view text);
+    /// @}
 
     /// Null for none.
+    /// @{
     const std::shared_ptr<NSImage>& image() const noexcept { return image_; }
     virtual void setImage(std::shared_ptr<NSImage> image);
+    /// @}
 
-    // What is sent when the control is used. The target is not kept alive.
-
+    /// To whom the action is sent when the control is used; not kept alive.
+    /// @{
     const std::weak_ptr<void>& target() const noexcept { return target_; }
     void setTarget(std::weak_ptr<void> target) noexcept { target_ = std::move(target); }
+    /// @}
+    /// What is sent when the control is used; absent for nothing.
+    /// @{
     const std::optional<Selector>& action() const noexcept { return action_; }
     void setAction(std::optional<Selector> action) { action_ = std::move(action); }
+    /// @}
 
     /// How large the cell would like to be.
     virtual CGSize cellSize() const;

@@ -10,6 +10,16 @@
 
 namespace zorvan {
 
+std::shared_ptr<NSCollectionView> NSCollectionView::create(const CGRect& frame) {
+    return std::make_shared<NSCollectionView>(Key{}, frame);
+}
+
+NSCollectionView::~NSCollectionView() = default;
+
+void NSCollectionView::addObserver(const std::shared_ptr<NSCollectionViewObserver>& observer) {
+    observers_.add(observer);
+}
+
 std::int64_t NSCollectionViewDataSource::numberOfSections(const NSCollectionView&) const {
     return 1;
 }

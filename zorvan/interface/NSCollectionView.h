@@ -33,6 +33,7 @@ public:
     virtual ~NSCollectionViewDataSource() = default;
     /// One unless overridden.
     virtual std::int64_t numberOfSections(const NSCollectionView& view) const;
+    /// How many items a section has; below 0 counts as 0.
     virtual std::int64_t numberOfItems(const NSCollectionView& view,
                                        std::int64_t section) const = 0;
     /// What is shown of an item that has no view, and what a screen reader says. Empty unless
@@ -69,10 +70,11 @@ public:
 /// a path that is none. A change outside a batch is a batch of its own. Main thread only.
 class NSCollectionView : public NSView {
 public:
-    static std::shared_ptr<NSCollectionView> create(const CGRect& frame = {}) {
-        return std::make_shared<NSCollectionView>(Key{}, frame);
-    }
+    /// Without data source, layout and items.
+    static std::shared_ptr<NSCollectionView> create(const CGRect& frame = {});
+    /// For `create`.
     using NSView::NSView;
+    ~NSCollectionView() override;
 
     bool isFlipped() const noexcept override { return true; }
     bool acceptsFirstResponder() const override { return true; }
@@ -82,9 +84,13 @@ public:
     /// What a batch changes.
     struct Updates {
         /// Positions before the batch.
-        std::set<IndexPath> deleted = {}, reloaded = {};
+        /// @{
+        std::set<IndexPath> deleted = {};
+        std::set<IndexPath> reloaded = {};
+        /// @}
         /// Positions after it.
         std::set<IndexPath> inserted = {};
+        /// From a position before the batch to one after it.
         std::vector<std::pair<IndexPath, IndexPath>> moved = {};
 
         friend bool operator==(const Updates&, const Updates&) = default;
@@ -96,34 +102,42 @@ public:
 
     /// Whoever shows the collection view, and tests. Not kept alive.
     using NSView::addObserver;
-    void addObserver(const std::shared_ptr<NSCollectionViewObserver>& observer) {
-        observers_.add(observer);
-    }
+    /// Told of what changes in the items. Not kept alive.
+    void addObserver(const std::shared_ptr<NSCollectionViewObserver>& observer);
 
+    /// Null when there is none, or it has gone.
     std::shared_ptr<NSCollectionViewDataSource> dataSource() const noexcept {
         return dataSource_.lock();
     }
     /// Not kept alive. Reloads.
     void setDataSource(const std::shared_ptr<NSCollectionViewDataSource>& source);
+    /// Takes the numbers of items from the data source and forgets every view. What is no item any
+    /// more is not selected any more.
     void reloadData();
+    /// As the data source said at the last reload.
     std::int64_t numberOfSections() const noexcept {
         return static_cast<std::int64_t>(itemCounts_.size());
     }
     /// 0 for a section that does not exist.
     std::int64_t numberOfItems(std::int64_t inSection) const noexcept;
 
+    /// Where the items stand; null, as at first, places none.
+    /// @{
     const std::shared_ptr<NSCollectionViewLayout>& collectionViewLayout() const noexcept {
         return layout_;
     }
     void setCollectionViewLayout(std::shared_ptr<NSCollectionViewLayout> layout);
+    /// @}
     /// The layout when it is of that kind, else null.
     std::shared_ptr<NSCollectionViewFlowLayout> collectionViewFlowLayout() const;
+    /// The same for a grid.
     std::shared_ptr<NSCollectionViewGridLayout> collectionViewGridLayout() const;
     /// The items of the layout in the rectangle, in its order; none without a layout.
     std::vector<IndexPath> indexPathsForItems(const CGRect& in) const;
 
     /// The kinds of supplementary view.
     static constexpr NameLiteral sectionHeader = "SectionHeader";
+    /// Below a section.
     static constexpr NameLiteral sectionFooter = "SectionFooter";
 
     /// The view that the data source has made for an item; null when there is none, and when it
@@ -136,37 +150,56 @@ public:
     /// Keeps under an identifier the nib that its items are described by, for whoever wants to ask;
     /// of an identifier given twice, the later. The items are made by the data source.
     void registerNib(NSNib nib, const std::string& forItemWithIdentifier);
+    /// The same for the views of sections.
     void registerNib(NSNib nib, std::string_view forSupplementaryViewOfKind,
                      const std::string& withIdentifier);
     /// What was registered; null when nothing was.
     const NSNib* nib(const std::string& forItemWithIdentifier) const;
+    /// The same for the views of sections.
     const NSNib* nib(std::string_view forSupplementaryViewOfKind,
                      const std::string& withIdentifier) const;
 
+    /// Items of the nibs of these names.
     struct Cells {
+        /// Null for the main bundle.
         std::shared_ptr<const NSBundle> bundle = {};
+        /// Identifiers, and names of nibs.
         Required<std::vector<std::string>> cellIdentifiers;
     };
+    /// Headers of the nibs of these names.
     struct Headers {
+        /// Null for the main bundle.
         std::shared_ptr<const NSBundle> bundle = {};
+        /// Identifiers, and names of nibs.
         Required<std::vector<std::string>> headerIdentifiers;
     };
+    /// Footers of the nibs of these names.
     struct Footers {
+        /// Null for the main bundle.
         std::shared_ptr<const NSBundle> bundle = {};
+        /// Identifiers, and names of nibs.
         Required<std::vector<std::string>> footerIdentifiers;
     };
     /// Registers, for each identifier, the nib of that name from the bundle.
+    /// @{
     void register_(const Cells& items);
     void register_(const Headers& headers);
     void register_(const Footers& footers);
+    /// @}
 
+    /// The selected items.
     const std::set<IndexPath>& selectionIndexPaths() const noexcept { return selection_; }
     /// Paths that are none are passed over. A selection that stays the same is not announced.
     void setSelectionIndexPaths(std::set<IndexPath> paths);
 
+    /// Items have come, and stand at these positions once the batch is over.
     void insertItems(const std::set<IndexPath>& at);
+    /// The items at these positions, counted before the batch, have gone.
     void deleteItems(const std::set<IndexPath>& at);
+    /// The items at these positions, counted before the batch, show something else: their views are
+    /// made anew.
     void reloadItems(const std::set<IndexPath>& at);
+    /// The item at one position, counted before the batch, stands at another after it.
     void moveItem(IndexPath at, IndexPath to);
     /// Reads the number of items of these sections anew; their selection is dropped.
     void reloadSections(const IndexSet& sections);
@@ -179,13 +212,16 @@ public:
     /// at once.
     class Animator {
     public:
+        /// See `animator`.
         explicit Animator(std::shared_ptr<NSCollectionView> view) : view_(std::move(view)) {}
+        /// As that of the view, told as animated.
         void performBatchUpdates(const std::function<void()>& updates,
                                  const std::function<void()>& completionHandler = {});
 
     private:
         std::shared_ptr<NSCollectionView> view_;
     };
+    /// Makes changes of this view.
     Animator animator() {
         return Animator(std::static_pointer_cast<NSCollectionView>(shared_from_this()));
     }

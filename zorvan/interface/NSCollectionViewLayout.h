@@ -13,6 +13,7 @@ namespace zorvan {
 
 /// Where an element of a collection view stands, in the view's coordinates, y growing downward.
 struct NSCollectionViewLayoutAttributes {
+    /// In points.
     CGRect frame;
     /// Absent for decoration, which stands for no item.
     std::optional<IndexPath> indexPath;
@@ -31,12 +32,14 @@ public:
     /// Where an item stands; null-sized when there is no such item. Unless overridden it looks at
     /// all elements.
     virtual CGRect frameOfItem(IndexPath at) const;
+    /// How much room all elements take.
     virtual CGSize contentSize() const = 0;
 };
 
 /// Items of one size in lines from left to right, sections one below the other.
 class NSCollectionViewFlowLayout : public NSCollectionViewLayout {
 public:
+    /// Both in points; the spacing stands between items and between lines.
     explicit NSCollectionViewFlowLayout(CGSize itemSize = {50, 50}, double spacing = 10)
         : itemSize_(itemSize), spacing_(spacing) {}
 

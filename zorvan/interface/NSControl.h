@@ -14,25 +14,34 @@ namespace zorvan {
 /// A view that its cell draws and that sends an action when it is used.
 class NSControl : public NSView {
 public:
+    /// For `create`.
     using NSView::NSView;
 
+    /// What draws the control; null for none.
     const std::shared_ptr<NSCell>& cell() const noexcept { return cell_; }
     /// The cell leaves the control that it was in. Null for none.
     virtual void setCell(std::shared_ptr<NSCell> cell);
 
+    /// Whether the control can be used; true unless set.
+    /// @{
     bool isEnabled() const noexcept { return isEnabled_; }
     void setEnabled(bool enabled);
+    /// @}
 
-    // These are the cell's; without a cell they are absent, and setting them does nothing.
-
+    /// The text of the cell: empty without one, and setting it then does nothing.
+    /// @{
     std::string stringValue() const;
     void setStringValue(std::string_view text);
+    /// @}
     /// Null when it has gone or was never set.
     std::shared_ptr<void> target() const noexcept;
     /// Not kept alive.
     void setTarget(std::weak_ptr<void> target);
+    /// What the cell sends; absent for nothing and without a cell, when setting it does nothing.
+    /// @{
     std::optional<Selector> action() const;
     void setAction(std::optional<Selector> action);
+    /// @}
 
     /// Sends the control's own action; false when there is none or nothing performed it.
     bool sendAction();

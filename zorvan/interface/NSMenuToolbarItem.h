@@ -8,17 +8,20 @@ namespace zorvan {
 /// A toolbar item that opens a menu when it is pressed.
 class NSMenuToolbarItem : public NSToolbarItem {
 public:
-    static std::shared_ptr<NSMenuToolbarItem> create(NSToolbarItemIdentifier itemIdentifier) {
-        return std::make_shared<NSMenuToolbarItem>(Key{}, std::move(itemIdentifier));
-    }
+    /// With an empty menu.
+    static std::shared_ptr<NSMenuToolbarItem> create(NSToolbarItemIdentifier itemIdentifier);
+    /// For `create`.
     using NSToolbarItem::NSToolbarItem;
 
+    /// Never null.
     const std::shared_ptr<NSMenu>& menu() const noexcept { return menu_; }
     /// A new, empty one for null.
     void setMenu(std::shared_ptr<NSMenu> menu);
     /// A mark that shows that there is a menu.
+    /// @{
     bool showsIndicator() const noexcept { return showsIndicator_; }
     void setShowsIndicator(bool shows);
+    /// @}
     bool performKeyEquivalent(const NSEvent& with) override {
         return isEnabled() && menu_->performKeyEquivalent(with);
     }

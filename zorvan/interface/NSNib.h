@@ -10,6 +10,7 @@ namespace zorvan {
 /// Names the description of a view among the resources of a bundle. Views keep it under an
 /// identifier; nothing is read from the bundle.
 struct NSNib {
+    /// Of the resource.
     std::string name;
     /// Null for the main bundle.
     std::shared_ptr<const NSBundle> bundle;

@@ -18,10 +18,13 @@ class NSOutlineViewObserver;
 /// root.
 class NSOutlineViewDataSource {
 public:
+    /// An item: any object, told from others by its address.
     using Item = std::shared_ptr<const void>;
 
     virtual ~NSOutlineViewDataSource() = default;
+    /// How many items stand below the item, or below the root; below 0 counts as none.
     virtual std::int64_t numberOfChildren(const NSOutlineView& outline, const Item& item) const = 0;
+    /// A child of the item, or of the root, from 0 on.
     virtual Item child(const NSOutlineView& outline, std::int64_t index,
                        const Item& item) const = 0;
     /// Whether the item has children unless overridden.
@@ -55,17 +58,21 @@ public:
 /// An item that holds itself, at any depth, stops the program when it would become visible.
 class NSOutlineView : public NSTableView {
 public:
+    /// As for the data source.
     using Item = NSOutlineViewDataSource::Item;
 
-    static std::shared_ptr<NSOutlineView> create(const CGRect& frame = {}) {
-        return std::make_shared<NSOutlineView>(Key{}, frame);
-    }
+    /// Without data source, columns and items.
+    static std::shared_ptr<NSOutlineView> create(const CGRect& frame = {});
+    /// For `create`.
     using NSTableView::NSTableView;
+    ~NSOutlineView() override;
 
     /// Told of what a table tells too.
     using NSTableView::addObserver;
+    /// Whoever shows the outline, and tests. Not kept alive.
     void addObserver(const std::shared_ptr<NSOutlineViewObserver>& observer);
 
+    /// Null when there is none, or it has gone.
     std::shared_ptr<NSOutlineViewDataSource> outlineDataSource() const noexcept {
         return outlineSource_.lock();
     }
@@ -79,9 +86,14 @@ public:
     /// Hides what is below the item; what was expanded there stays so for later. Nothing for the
     /// root.
     void collapseItem(const Item& item);
+    /// False for the root. An item may be expanded and out of sight.
     bool isItemExpanded(const Item& item) const { return expanded_.contains(item); }
+    /// As `expandItem` or `collapseItem`, for the item alone.
+    /// @{
     void setExpanded(bool expanded, const Item& item);
     void toggleExpand(const Item& item) { setExpanded(!isItemExpanded(item), item); }
+    /// @}
+    /// Everything below the root.
     void expandAllItems() { expandItem(nullptr, true); }
     /// Later, on the main queue, and at once as far as animation goes. Nothing when the outline is
     /// gone.

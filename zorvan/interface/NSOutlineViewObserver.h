@@ -11,6 +11,7 @@ class NSOutlineViewObserver : public NSTableViewObserver {
 public:
     /// The item, or the root for null, was expanded; with `isDeep` all that is below it too.
     virtual void itemExpanded(const NSOutlineView::Item& item, bool isDeep);
+    /// The item was collapsed.
     virtual void itemCollapsed(const NSOutlineView::Item& item);
 };
 

@@ -9,15 +9,20 @@
 
 namespace zorvan {
 
-/// A text field to search with, which a host shows. It sends its action when the user has changed its text.
+/// A text field to search with, which a host shows. It sends its action when the user has changed
+/// its text.
 class NSSearchField : public NSControl {
 public:
+    /// Empty, with nothing to send.
     static std::shared_ptr<NSSearchField> create(const CGRect& frame = {});
+    /// For `create`.
     using NSControl::NSControl;
 
     /// Shown while the field is empty; absent for nothing.
+    /// @{
     const std::optional<std::string>& placeholderString() const noexcept { return placeholder_; }
     void setPlaceholderString(std::optional<std::string> placeholder);
+    /// @}
 
     /// What the user types: replaces the text and sends the action. Nothing while disabled, and for
     /// the text that is there.

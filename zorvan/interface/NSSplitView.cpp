@@ -7,6 +7,12 @@
 
 namespace zorvan {
 
+std::shared_ptr<NSSplitView> NSSplitView::create(const CGRect& frame) {
+    return std::make_shared<NSSplitView>(Key{}, frame);
+}
+
+NSSplitView::~NSSplitView() = default;
+
 void NSSplitView::setVertical(bool vertical) {
     isVertical_ = vertical;
     setNeedsLayout(true);

@@ -13,17 +13,22 @@ namespace zorvan {
 /// Another size goes to the last subview.
 class NSSplitView : public NSView {
 public:
-    static std::shared_ptr<NSSplitView> create(const CGRect& frame = {}) {
-        return std::make_shared<NSSplitView>(Key{}, frame);
-    }
+    /// Without subviews.
+    static std::shared_ptr<NSSplitView> create(const CGRect& frame = {});
+    /// For `create`.
     using NSView::NSView;
+    ~NSSplitView() override;
 
     /// Whether the dividers are vertical, the subviews from left to right; else they go from the
     /// top down. True unless set.
+    /// @{
     bool isVertical() const noexcept { return isVertical_; }
     void setVertical(bool vertical);
+    /// @}
+    /// In points.
     /// In points.
     double dividerThickness() const noexcept { return 1; }
+    /// One less than there are subviews.
     std::int64_t numberOfDividers() const noexcept;
 
     /// Where a divider begins, from the left or the top edge; absent when there is no such divider.
@@ -38,8 +43,10 @@ public:
     /// Counts from the next time that a divider is moved.
     void setMinimumLength(double length, std::int64_t ofSubviewAt);
     /// Whether the subview may go to nothing although it has a least length. False unless set.
+    /// @{
     bool isCollapsible(std::int64_t subviewAt) const;
     void setCollapsible(bool collapsible, std::int64_t subviewAt);
+    /// @}
 
     void layout() override;
     void draw(Canvas& canvas) const override;

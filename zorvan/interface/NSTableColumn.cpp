@@ -4,6 +4,10 @@
 
 namespace zorvan {
 
+std::shared_ptr<NSTableColumn> NSTableColumn::create(std::string title) {
+    return std::make_shared<NSTableColumn>(Key{}, std::move(title));
+}
+
 void NSTableColumn::setTitle(std::string title) {
     title_ = std::move(title);
     didChange();

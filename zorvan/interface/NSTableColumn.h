@@ -15,21 +15,28 @@ class NSTableColumn {
     friend class NSTableView;
 
 public:
-    static std::shared_ptr<NSTableColumn> create(std::string title = {}) {
-        return std::make_shared<NSTableColumn>(Key{}, std::move(title));
-    }
+    /// 100 points wide, and in no table yet.
+    static std::shared_ptr<NSTableColumn> create(std::string title = {});
+    /// For `create`.
     NSTableColumn(Key, std::string title) : title_(std::move(title)) {}
 
+    /// What the header says.
+    /// @{
     const std::string& title() const noexcept { return title_; }
     void setTitle(std::string title);
+    /// @}
 
     /// In points; 100 unless set. A negative width, or one that is not a number, counts as 0.
+    /// @{
     double width() const noexcept { return width_; }
     void setWidth(double width);
+    /// @}
 
     /// Whether a click on its header sorts by the column; false unless set.
+    /// @{
     bool isSortable() const noexcept { return isSortable_; }
     void setSortable(bool sortable);
+    /// @}
 
     /// The table that has the column, of several the latest; null for none.
     std::shared_ptr<NSTableView> tableView() const noexcept { return tableView_.lock(); }

@@ -10,6 +10,14 @@
 
 namespace zorvan {
 
+std::shared_ptr<NSTableView> NSTableView::create(const CGRect& frame) {
+    return std::make_shared<NSTableView>(Key{}, frame);
+}
+
+void NSTableView::addObserver(const std::shared_ptr<NSTableViewObserver>& observer) {
+    observers_.add(observer);
+}
+
 using internal::RowChange;
 using Observer = NSTableViewObserver;
 using Range = IndexSet::Range;

@@ -32,6 +32,7 @@ class RowChange;
 class NSTableViewDataSource {
 public:
     virtual ~NSTableViewDataSource() = default;
+    /// Below 0 counts as none.
     virtual std::int64_t numberOfRows(const NSTableView& table) const = 0;
     /// The text of a cell, which the table draws where it has no cell view. Empty unless
     /// overridden.
@@ -80,32 +81,51 @@ class NSTableView : public NSView {
 public:
     /// How insertions and removals are shown; a set of options.
     struct AnimationOptions {
+        /// One bit for each option.
         std::uint64_t rawValue = 0;
 
-        static const AnimationOptions effectNone, effectFade, effectGap, slideUp, slideDown,
-            slideLeft, slideRight;
+        /// How rows come and go: at once, fading, opening a gap, or sliding that way.
+        /// @{
+        static const AnimationOptions effectNone;
+        static const AnimationOptions effectFade;
+        static const AnimationOptions effectGap;
+        static const AnimationOptions slideUp;
+        static const AnimationOptions slideDown;
+        static const AnimationOptions slideLeft;
+        static const AnimationOptions slideRight;
+        /// @}
 
         friend constexpr bool operator==(AnimationOptions, AnimationOptions) noexcept = default;
+        /// Those of both.
         friend constexpr AnimationOptions operator|(AnimationOptions a,
                                                     AnimationOptions b) noexcept {
             return {a.rawValue | b.rawValue};
         }
     };
 
+    /// Whole rows.
     struct Rows {
+        /// Rows that there are not are passed over.
         Required<IndexSet> forRowIndexes;
     };
+    /// Whole columns.
     struct Columns {
+        /// Columns that there are not are passed over.
         Required<IndexSet> forColumnsIndexes;
     };
+    /// The cells where these rows and columns meet.
     struct RowsAndColumns {
+        /// Rows that there are not are passed over.
         Required<IndexSet> forRowIndexes;
+        /// Columns that there are not are passed over.
         Required<IndexSet> columnIndexes;
     };
 
     /// By which column the rows stand, as a person asked for it.
     struct SortOrder {
+        /// By whose cells.
         std::shared_ptr<NSTableColumn> column;
+        /// Otherwise the other way round.
         bool isAscending = true;
 
         friend bool operator==(const SortOrder&, const SortOrder&) = default;
@@ -115,33 +135,36 @@ public:
     static constexpr NameLiteral selectionDidChangeNotification =
         "NSTableViewSelectionDidChangeNotification";
 
-    static std::shared_ptr<NSTableView> create(const CGRect& frame = {}) {
-        return std::make_shared<NSTableView>(Key{}, frame);
-    }
+    /// Without data source, columns and rows.
+    static std::shared_ptr<NSTableView> create(const CGRect& frame = {});
+    /// For `create`.
     NSTableView(Key key, const CGRect& frame);
     ~NSTableView() override;
 
     bool isFlipped() const noexcept override { return true; }
     void draw(Canvas& canvas) const override;
 
+    /// Null when there is none, or it has gone.
     std::shared_ptr<NSTableViewDataSource> dataSource() const noexcept {
         return dataSource_.lock();
     }
     /// Reloads.
     void setDataSource(const std::shared_ptr<NSTableViewDataSource>& source);
+    /// Null when there is none, or it has gone.
     std::shared_ptr<NSTableViewDelegate> delegate() const noexcept { return delegate_.lock(); }
     /// Reloads.
     void setDelegate(const std::shared_ptr<NSTableViewDelegate>& delegate);
 
     /// Whoever shows the table, and tests. Not kept alive.
     using NSView::addObserver;
-    void addObserver(const std::shared_ptr<NSTableViewObserver>& observer) {
-        observers_.add(observer);
-    }
+    /// Told of what changes in rows and columns. Not kept alive.
+    void addObserver(const std::shared_ptr<NSTableViewObserver>& observer);
 
+    /// From left to right.
     const std::vector<std::shared_ptr<NSTableColumn>>& tableColumns() const noexcept {
         return columns_;
     }
+    /// 0 at first.
     std::int64_t numberOfColumns() const noexcept;
     /// At the right end. Every cell view is forgotten, here and where a column is removed.
     void addTableColumn(const std::shared_ptr<NSTableColumn>& column);
@@ -157,12 +180,15 @@ public:
     /// Gives the first column the width of the enclosing scroll view, or 100 points without one.
     void expandFirstColumnWidth();
 
+    /// As the table has been told so far.
     std::int64_t numberOfRows() const noexcept { return rowCount_; }
     /// In points; 0 when there is no such row.
     double heightOfRow(std::int64_t row) const;
     /// In points, for rows to which the delegate gives no other; 24 unless set.
+    /// @{
     double rowHeight() const noexcept { return rowHeight_; }
     void setRowHeight(double height);
+    /// @}
 
     /// Updates nest.
     void beginUpdates();
@@ -171,6 +197,7 @@ public:
     void endUpdates();
     /// The positions are those of the new rows once all have been inserted.
     void insertRows(const IndexSet& at, AnimationOptions withAnimation);
+    /// The positions are those of the rows before any has gone.
     void removeRows(const IndexSet& at, AnimationOptions withAnimation);
     /// `to` is where the row stands afterwards.
     void moveRow(std::int64_t at, std::int64_t to);
@@ -180,29 +207,43 @@ public:
 
     /// Takes the number of rows from the data source and forgets every cell view.
     void reloadData();
+    /// Forgets these cells' views, which are asked for again. Rows stay as many as they are.
+    /// @{
     void reloadData(const RowsAndColumns& cells);
     void reloadData(const Rows& rows);
     void reloadData(const Columns& columns);
+    /// @}
     /// These three do nothing without columns.
+    /// @{
     void reloadFirstColumnData();
     void reloadLastColumnData();
     void reloadFirstAndLastColumnData();
+    /// @}
     /// Shows an edition of a `SelectableArray`.
     void reloadEditedData(const SelectableArrayEdition& edition, AnimationOptions animation);
 
     /// Asks the delegate for the heights anew.
+    /// @{
     void noteHeightOfRows(const IndexSet& withIndexesChanged);
     void noteHeightOfAllRowsChanged();
+    /// @}
     /// As `noteHeightOfAllRowsChanged`, not animated.
     void resizeRowHeights();
 
+    /// Empty when no row is selected.
     const IndexSet& selectedRowIndexes() const noexcept { return selection_; }
     /// Rows that do not exist are passed over. A selection that stays the same is not announced.
     void selectRowIndexes(const IndexSet& indexes, bool byExtendingSelection);
+    /// Selects these and no others.
+    /// @{
     void selectOnlyRows(const IndexSet& at) { selectRowIndexes(at, false); }
     void selectOnlyRow(std::int64_t at) { selectRowIndexes({at}, false); }
+    /// @}
+    /// Selects these besides those that are selected.
+    /// @{
     void selectAlsoRows(const IndexSet& at) { selectRowIndexes(at, true); }
     void selectAlsoRow(std::int64_t at) { selectRowIndexes({at}, true); }
+    /// @}
 
     /// Selects the row at the press: with the shift key all rows from the nearest selected one,
     /// with the control or command key that row besides, or no longer.
@@ -210,8 +251,10 @@ public:
     bool acceptsFirstResponder() const override { return true; }
 
     /// The row last clicked, -1 for none; whoever shows the table sets it.
+    /// @{
     std::int64_t clickedRow() const noexcept { return clickedRow_; }
     void setClickedRow(std::int64_t row) noexcept { clickedRow_ = row; }
+    /// @}
     /// What a click is about: the whole selection when the clicked row is in it, else that row
     /// alone; empty when no row was clicked.
     IndexSet clickedRowIndexes() const;
@@ -220,23 +263,30 @@ public:
     CGRect frameOfCell(std::int64_t atColumn, std::int64_t row) const;
     /// The row at a height of the table, or -1.
     std::int64_t row(double atY) const;
+    /// Scrolls no more than it takes to show all of the row.
     void scrollRowToVisible(std::int64_t row);
     /// Nothing when no row is selected.
+    /// @{
     void scrollToFirstSelectedRow();
     void scrollToLastSelectedRow();
+    /// @}
     /// Scrolls so that the row is in the middle, or at the top; past the ends when need be. Nothing
     /// without an enclosing scroll view.
+    /// @{
     void centreRow(std::int64_t row, bool animated);
     void scrollTopRow(std::int64_t row, bool animated);
+    /// @}
 
     /// The view of a cell; null when there is no such cell, when the delegate gives none, and when
     /// it has not been made and is not to be.
     std::shared_ptr<NSView> view(std::int64_t atColumn, std::int64_t row, bool makeIfNecessary);
     /// The view at column 0 of the first row, of the last, or of the given one, when it has been
     /// made.
+    /// @{
     std::shared_ptr<NSView> firstCellView() { return cell(0); }
     std::shared_ptr<NSView> lastCellView() { return cell(rowCount_ - 1); }
     std::shared_ptr<NSView> cell(std::int64_t at) { return view(0, at, false); }
+    /// @}
     /// Forgets the cell views of all other rows; whoever shows the table calls it for those that
     /// are out of sight.
     void keepCellViews(const IndexSet& ofRows);

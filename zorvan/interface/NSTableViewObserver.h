@@ -12,8 +12,11 @@ class NSTableViewObserver {
 public:
     virtual ~NSTableViewObserver() = default;
 
+    /// Around what is told of nested updates: the outermost ones begin, and end.
+    /// @{
     virtual void updatesDidBegin() {}
     virtual void updatesDidEnd() {}
+    /// @}
     /// Positions of the new rows, now that all stand there.
     virtual void rowsInserted(const IndexSet& at, NSTableView::AnimationOptions animation);
     /// Positions that the rows had before.
@@ -29,14 +32,19 @@ public:
     virtual void reloaded() {}
     /// The rows of an outline, which are told in no other way, are others now.
     virtual void visibleItemsDidChange() {}
+    /// The rows may have other heights.
     virtual void rowHeightsDidChange(const IndexSet& rows);
 
+    /// A column stands at the position.
     virtual void columnInserted(std::int64_t at);
+    /// The column that stood at the position has gone.
     virtual void columnRemoved(std::int64_t at);
     /// Its title, its width, or whether it can be sorted by.
     virtual void columnDidChange(std::int64_t at);
+    /// Another order, or none.
     virtual void sortOrderDidChange() {}
 
+    /// Another selection.
     virtual void selectionDidChange() {}
     /// The row, which exists, is to be seen; the table has moved its clip view when it has one.
     virtual void scrolledTo(std::int64_t row);

@@ -7,6 +7,10 @@
 
 namespace zorvan {
 
+std::shared_ptr<NSToolbar> NSToolbar::create(std::string identifier) {
+    return std::make_shared<NSToolbar>(Key{}, std::move(identifier));
+}
+
 std::vector<NSToolbarItemIdentifier>
 NSToolbarDelegate::toolbarSelectableItemIdentifiers(NSToolbar&) {
     return {};

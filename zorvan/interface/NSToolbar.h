@@ -40,9 +40,11 @@ public:
 /// anything was inserted or removed shows its default items. Main thread only.
 class NSToolbar : public std::enable_shared_from_this<NSToolbar> {
 protected:
+    /// What only toolbars can name, so that they are made by `create`.
     struct Key {};
 
 public:
+    /// Whether items show their images, their labels or both.
     enum class DisplayMode : std::int64_t {
         default_ = 0,
         iconAndLabel = 1,
@@ -50,28 +52,40 @@ public:
         labelOnly = 3,
     };
 
-    static std::shared_ptr<NSToolbar> create(std::string identifier) {
-        return std::make_shared<NSToolbar>(Key{}, std::move(identifier));
-    }
+    /// Without items.
+    static std::shared_ptr<NSToolbar> create(std::string identifier);
+    /// For `create`.
     NSToolbar(Key, std::string identifier) : identifier_(std::move(identifier)) {}
     virtual ~NSToolbar();
     NSToolbar(const NSToolbar&) = delete;
     NSToolbar& operator=(const NSToolbar&) = delete;
 
+    /// What tells it from other toolbars.
     const std::string& identifier() const noexcept { return identifier_; }
+    /// Whom it asks for items; null for none, and once it has gone.
+    /// @{
     std::shared_ptr<NSToolbarDelegate> delegate() const noexcept { return delegate_.lock(); }
     void setDelegate(const std::shared_ptr<NSToolbarDelegate>& delegate);
-    /// For a host that lets people arrange the items; both flags are false unless set.
+    /// @}
+    /// For a host that lets people arrange the items; false unless set.
+    /// @{
     bool autosavesConfiguration() const noexcept { return autosavesConfiguration_; }
     void setAutosavesConfiguration(bool autosaves);
     bool allowsUserCustomization() const noexcept { return allowsUserCustomization_; }
     void setAllowsUserCustomization(bool allows);
+    /// @}
     /// A line below the toolbar.
+    /// @{
     bool showsBaselineSeparator() const noexcept { return showsBaselineSeparator_; }
     void setShowsBaselineSeparator(bool shows);
+    /// @}
+    /// `default_` unless set, which a host shows as it likes.
+    /// @{
     DisplayMode displayMode() const noexcept { return displayMode_; }
     void setDisplayMode(DisplayMode mode);
+    /// @}
 
+    /// In order.
     const std::vector<std::shared_ptr<NSToolbarItem>>& items() const noexcept { return items_; }
     /// The identifiers of the items, in order.
     std::vector<NSToolbarItemIdentifier> itemIdentifiers() const;

@@ -6,6 +6,10 @@
 
 namespace zorvan {
 
+std::shared_ptr<NSToolbarItem> NSToolbarItem::create(NSToolbarItemIdentifier itemIdentifier) {
+    return std::make_shared<NSToolbarItem>(Key{}, std::move(itemIdentifier));
+}
+
 NSToolbarItem::NSToolbarItem(Key, NSToolbarItemIdentifier itemIdentifier)
     : identifier_(std::move(itemIdentifier)) {}
 

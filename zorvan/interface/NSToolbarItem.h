@@ -18,48 +18,71 @@ class NSToolbar;
 using NSToolbarItemIdentifier = std::string;
 
 /// Items that a toolbar makes itself.
+/// Takes all the room that is left.
 inline constexpr NameLiteral NSToolbarFlexibleSpaceItemIdentifier = "NSToolbarFlexibleSpaceItem";
+/// Of a fixed width.
 inline constexpr NameLiteral NSToolbarSpaceItemIdentifier = "NSToolbarSpaceItem";
 
 /// One item of a toolbar: a view, or an image that sends an action when it is pressed.
 class NSToolbarItem : public ActionSender, public std::enable_shared_from_this<NSToolbarItem> {
 protected:
+    /// What only items can name, so that they are made by `create`.
     struct Key {};
 
 public:
-    static std::shared_ptr<NSToolbarItem> create(NSToolbarItemIdentifier itemIdentifier) {
-        return std::make_shared<NSToolbarItem>(Key{}, std::move(itemIdentifier));
-    }
+    /// An enabled item that shows nothing yet.
+    static std::shared_ptr<NSToolbarItem> create(NSToolbarItemIdentifier itemIdentifier);
+    /// For `create`.
     NSToolbarItem(Key, NSToolbarItemIdentifier itemIdentifier);
     ~NSToolbarItem() override;
 
+    /// What tells the item from the others of its toolbar.
     const NSToolbarItemIdentifier& itemIdentifier() const noexcept { return identifier_; }
     /// Shown below the item in the display modes that have labels.
+    /// @{
     const std::string& label() const noexcept { return label_; }
     void setLabel(std::string label);
+    /// @}
     /// Shown on the item itself, in place of an image.
+    /// @{
     const std::string& title() const noexcept { return title_; }
     void setTitle(std::string title);
+    /// @}
+    /// Shown while the mouse rests over the item; empty for none.
     const std::string& toolTip() const noexcept { return toolTip_; }
     /// A view of the item that has none gets it too.
     void setToolTip(std::string toolTip);
     /// Whether the item stands at the leading edge, before every other.
+    /// @{
     bool isNavigational() const noexcept { return isNavigational_; }
     void setNavigational(bool navigational);
+    /// @}
 
     /// Null when the item is shown by its image alone.
+    /// @{
     const std::shared_ptr<NSView>& view() const noexcept { return view_; }
     void setView(std::shared_ptr<NSView> view);
+    /// @}
+    /// Null for none.
+    /// @{
     const std::shared_ptr<NSImage>& image() const noexcept { return image_; }
     void setImage(std::shared_ptr<NSImage> image);
+    /// @}
 
+    /// Whether the item can be pressed; true unless set.
+    /// @{
     bool isEnabled() const noexcept { return isEnabled_; }
     void setEnabled(bool enabled);
+    /// @}
+    /// Null without a target, and once it has gone.
     std::shared_ptr<void> target() const noexcept { return target_.lock(); }
     /// Not kept alive.
     void setTarget(std::weak_ptr<void> target) { target_ = std::move(target); }
+    /// What a press sends; absent for nothing.
+    /// @{
     const std::optional<Selector>& action() const noexcept { return action_; }
     void setAction(std::optional<Selector> action) { action_ = std::move(action); }
+    /// @}
     /// Sends the action with the item as its sender; false when there is none or nothing performed
     /// it.
     bool sendAction();

@@ -6,6 +6,17 @@
 
 namespace zorvan {
 
+std::shared_ptr<NSTouchBarItem> NSTouchBarItem::create(NSTouchBarItemIdentifier identifier) {
+    return std::make_shared<NSTouchBarItem>(Key{}, std::move(identifier));
+}
+
+std::shared_ptr<NSCustomTouchBarItem>
+NSCustomTouchBarItem::create(NSTouchBarItemIdentifier identifier) {
+    return std::make_shared<NSCustomTouchBarItem>(Key{}, std::move(identifier));
+}
+
+std::shared_ptr<NSTouchBar> NSTouchBar::create() { return std::make_shared<NSTouchBar>(Key{}); }
+
 NSTouchBarItem::~NSTouchBarItem() = default;
 
 std::shared_ptr<NSView> NSTouchBarItem::view() const { return nullptr; }

@@ -27,14 +27,22 @@ public:
 /// items, and makes the spaces itself when the delegate gives none. Main thread only.
 class NSTouchBar : public std::enable_shared_from_this<NSTouchBar> {
 public:
-    static std::shared_ptr<NSTouchBar> create() { return std::make_shared<NSTouchBar>(Key{}); }
+    /// Without items.
+    static std::shared_ptr<NSTouchBar> create();
 
+    /// What the bar shows, in order. Setting them asks the delegate for the items anew.
+    /// @{
     const std::vector<NSTouchBarItemIdentifier>& defaultItemIdentifiers() const noexcept {
         return defaultItemIdentifiers_;
     }
     void setDefaultItemIdentifiers(std::vector<NSTouchBarItemIdentifier> identifiers);
+    /// @}
+    /// Whom it asks for items, from the next time that identifiers are set; null for none, and once
+    /// it has gone.
+    /// @{
     std::shared_ptr<NSTouchBarDelegate> delegate() const noexcept { return delegate_.lock(); }
     void setDelegate(const std::shared_ptr<NSTouchBarDelegate>& delegate);
+    /// @}
 
     /// The items that there are for the identifiers, in order.
     const std::vector<std::shared_ptr<NSTouchBarItem>>& items() const noexcept { return items_; }
@@ -49,6 +57,7 @@ private:
     friend class NSWindow;
 
 public:
+    /// For `create`.
     explicit NSTouchBar(Key) {}
 
 private:

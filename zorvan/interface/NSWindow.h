@@ -27,10 +27,12 @@ class RootView;
 class NSWindow : public std::enable_shared_from_this<NSWindow> {
 public:
     /// Posted by a window, with itself as the sender.
+    /// @{
     static constexpr NameLiteral didBecomeMainNotification = "NSWindowDidBecomeMainNotification";
     static constexpr NameLiteral didResignMainNotification = "NSWindowDidResignMainNotification";
     static constexpr NameLiteral didResizeNotification = "NSWindowDidResizeNotification";
     static constexpr NameLiteral willCloseNotification = "NSWindowWillCloseNotification";
+    /// @}
 
     /// With an empty content view of that size. The window is not shown yet.
     static std::shared_ptr<NSWindow> create(CGSize contentSize, std::string title = {});
@@ -38,37 +40,50 @@ public:
     NSWindow(const NSWindow&) = delete;
     NSWindow& operator=(const NSWindow&) = delete;
 
+    /// What the window's frame says; empty unless given.
+    /// @{
     const std::string& title() const noexcept { return title_; }
     void setTitle(std::string title);
+    /// @}
 
+    /// In points, without the bars.
     CGSize contentSize() const noexcept { return contentSize_; }
     /// No side below 1 point, nor below the least size. The content keeps its size when bars come
     /// and go.
     void setContentSize(CGSize size);
     /// 1 x 1 point unless set. A smaller content grows at once.
+    /// @{
     CGSize contentMinSize() const noexcept { return contentMinSize_; }
     void setContentMinSize(CGSize size);
+    /// @}
     /// Under which name a host remembers where the window stands and how large it is, for the next
     /// start of the program; empty, as at first, for nowhere.
     const std::string& frameAutosaveName() const noexcept { return frameAutosaveName_; }
     /// Counts from when the window is shown next.
     void setFrameAutosaveName(std::string name) { frameAutosaveName_ = std::move(name); }
 
+    /// Never null.
     const std::shared_ptr<NSView>& contentView() const noexcept { return contentView_; }
     /// A new, empty one for null.
     void setContentView(std::shared_ptr<NSView> view);
+    /// Null when there is none.
     const std::shared_ptr<NSToolbar>& toolbar() const noexcept { return toolbar_; }
     /// Null for none. The toolbar leaves the window that it was in.
     void setToolbar(std::shared_ptr<NSToolbar> toolbar);
+    /// Null when there is none.
     const std::shared_ptr<NSTouchBar>& touchBar() const noexcept { return touchBar_; }
     /// Null for none. The touch bar leaves the window that it was in.
     void setTouchBar(std::shared_ptr<NSTouchBar> touchBar);
 
+    /// Whether a host that shows the window has it on the desktop: from `orderFront` or
+    /// `makeMainWindow` until `close`.
     bool isVisible() const noexcept { return isVisible_; }
+    /// Shows the window, without making it the main one. It may have been closed before.
     void orderFront();
     /// Posts that it will, resigns being main, and hides. Nothing when it is hidden or closing.
     void close();
 
+    /// Whether it is the one that the user works in.
     bool isMainWindow() const noexcept;
     /// Shows the window and makes it the main one: the one before resigns and posts that, then this
     /// one posts that it has become main. An observer that, told of the resignation, closes this
@@ -100,12 +115,15 @@ public:
     bool makeFirstResponder(const std::shared_ptr<NSView>& view);
     /// To the next view that accepts the keyboard, in the order of the tree or as `nextKeyView`
     /// says, from the last to the first. Nothing when there is none.
+    /// @{
     void selectNextKeyView() { selectKeyView(true); }
     void selectPreviousKeyView() { selectKeyView(false); }
+    /// @}
     /// When no view has the keyboard, gives it to the first of the content that accepts it: what a
     /// host does that shows the window.
     void giveKeyboardToContent();
 
+    /// Places the bars and the content, and whatever in them needs it.
     void layoutIfNeeded();
     /// Whether something has changed since the window was last displayed.
     bool viewsNeedDisplay() const noexcept { return viewsNeedDisplay_; }
@@ -121,6 +139,7 @@ private:
     friend class NSTouchBar;
 
 public:
+    /// For `create`.
     NSWindow(Key, CGSize contentSize, std::string title);
 
 private:

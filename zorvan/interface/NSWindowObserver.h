@@ -13,11 +13,13 @@ public:
     virtual void viewsNeedDisplay() {}
     /// The title or the least size.
     virtual void propertiesDidChange() {}
+    /// There is another content view.
     virtual void contentViewDidChange() {}
     /// There is another toolbar or none, or it shows other items, or one of them looks different.
     virtual void toolbarDidChange() {}
     /// The same for the touch bar.
     virtual void touchBarDidChange() {}
+    /// Keys go to another view, or to none.
     virtual void firstResponderDidChange() {}
 
 protected:

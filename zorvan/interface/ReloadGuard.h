@@ -8,6 +8,7 @@ namespace zorvan {
 /// once more after it.
 class ReloadGuard {
 public:
+    /// How many reloads in a row may ask for the next.
     static constexpr int mostReloads = 100;
 
     /// Stops the program when more reloads than that ask for the next.

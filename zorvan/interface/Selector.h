@@ -53,7 +53,9 @@ public:
               return known != nullptr;
           }) {}
 
+    /// What tells actions apart.
     const std::string& name() const noexcept { return name_; }
+    /// True for a member function, false for a block.
     bool needsTarget() const noexcept { return needsTarget_; }
 
     /// False, and nothing done, when the target is null but needed, or the sender of another class.
@@ -62,6 +64,7 @@ public:
         return (with || !needsTarget_) && function_(with.get(), sender.get());
     }
 
+    /// By name.
     friend bool operator==(const Selector& a, const Selector& b) noexcept {
         return a.name_ == b.name_;
     }

@@ -51,6 +51,12 @@ std::shared_ptr<TintedButtonCell> TintedButton::tintedButtonCell() const noexcep
     return std::dynamic_pointer_cast<TintedButtonCell>(cell());
 }
 
+const detail::Tints& TintedButton::ownTints() const noexcept {
+    static const detail::Tints none;
+    const auto own = tintedButtonCell();
+    return own ? own->ownTints() : none;
+}
+
 CGSize TintedButton::intrinsicContentSize() const {
     const CGSize natural = NSButton::intrinsicContentSize();
     if (!expandedSize_)

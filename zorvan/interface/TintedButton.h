@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace zorvan {
 
@@ -13,8 +14,9 @@ namespace zorvan {
 ///
 /// It sends its action when the mouse goes down. It redraws itself when any window becomes the main
 /// one or stops being it, for as long as it stands in a window.
-class TintedButton : public NSButton {
+class TintedButton : public NSButton, public TintProperties<TintedButton> {
 public:
+    /// With a tinted cell, and neither title nor image.
     static std::shared_ptr<TintedButton> create(const CGRect& frame = {});
     /// As large as it would like to be.
     static std::shared_ptr<TintedButton> create(const Title& button);
@@ -26,46 +28,19 @@ public:
     /// Covers the bounds; null until the button has come into a window or changed its size.
     const std::shared_ptr<NSTrackingArea>& trackingArea() const noexcept { return trackingArea_; }
     /// What is added to the natural size, half of it on each side of the title and the image.
+    /// @{
     const std::optional<CGSize>& expandedSize() const noexcept { return expandedSize_; }
     void setExpandedSize(std::optional<CGSize> size);
+    /// @}
 
     /// Made on first use.
+    /// @{
     const std::shared_ptr<NoteSubscriber>& windowDidBecomeMainSubscriber();
     const std::shared_ptr<NoteSubscriber>& windowDidResignMainSubscriber();
+    /// @}
 
     /// Its cell when that is a tinted one, else null.
     std::shared_ptr<TintedButtonCell> tintedButtonCell() const noexcept;
-
-    // These are the cell's: absent without a tinted cell, and setting them then does nothing.
-
-    std::optional<NSColor> imageTintColor() const;
-    void setImageTintColor(std::optional<NSColor> color);
-    std::optional<NSColor> imageHoverColor() const;
-    void setImageHoverColor(std::optional<NSColor> color);
-    std::optional<NSColor> imagePressedColor() const;
-    void setImagePressedColor(std::optional<NSColor> color);
-    std::optional<NSColor> imageDisabledColor() const;
-    void setImageDisabledColor(std::optional<NSColor> color);
-    std::optional<NSColor> textTintColor() const;
-    void setTextTintColor(std::optional<NSColor> color);
-    std::optional<NSColor> textHoverColor() const;
-    void setTextHoverColor(std::optional<NSColor> color);
-    std::optional<NSColor> textPressedColor() const;
-    void setTextPressedColor(std::optional<NSColor> color);
-    std::optional<NSColor> textDisabledColor() const;
-    void setTextDisabledColor(std::optional<NSColor> color);
-    std::optional<NSGradient> backgroundTintGradient() const;
-    void setBackgroundTintGradient(std::optional<NSGradient> gradient);
-    std::optional<NSGradient> backgroundHoverGradient() const;
-    void setBackgroundHoverGradient(std::optional<NSGradient> gradient);
-    std::optional<NSGradient> backgroundPressedGradient() const;
-    void setBackgroundPressedGradient(std::optional<NSGradient> gradient);
-    std::optional<NSGradient> backgroundDisabledGradient() const;
-    void setBackgroundDisabledGradient(std::optional<NSGradient> gradient);
-    std::optional<double> backgroundGradientAngle() const;
-    void setBackgroundGradientAngle(std::optional<double> degrees);
-    std::optional<double> backgroundRadius() const;
-    void setBackgroundRadius(std::optional<double> points);
 
     CGSize intrinsicContentSize() const override;
     void updateTrackingAreas() override;
@@ -77,18 +52,17 @@ public:
     void mouseUp(const NSEvent& with) override;
 
 private:
+    friend class TintProperties<TintedButton>;
+
     void useTintedCell();
     void subscribe(NoteSubscriber& subscriber);
     void markCell(void (TintedButtonCell::*set)(bool), bool value);
+    /// Those of the cell.
+    const detail::Tints& ownTints() const noexcept;
     template <class Value>
-    Value value(const Value& (TintedButtonCell::*get)() const noexcept) const {
-        const auto own = tintedButtonCell();
-        return own ? (own.get()->*get)() : Value();
-    }
-    template <class Value>
-    void store(void (TintedButtonCell::*set)(Value), Value value) {
+    void setTint(Value detail::Tints::*field, Value value) {
         if (const auto own = tintedButtonCell())
-            (own.get()->*set)(std::move(value));
+            own->setTint(field, std::move(value));
     }
 
     std::shared_ptr<NSTrackingArea> trackingArea_;

@@ -27,6 +27,16 @@ std::shared_ptr<TintedButtonCell> TintedButtonCell::create(const Coder& argument
     return cell;
 }
 
+void TintedButtonCell::setIsHover(bool isHover) {
+    isHover_ = isHover;
+    didChange();
+}
+
+void TintedButtonCell::setIsPressed(bool isPressed) {
+    isPressed_ = isPressed;
+    didChange();
+}
+
 template <class Value>
 const Value& TintedButtonCell::chosen(const Value& tint, const Value& hover, const Value& pressed,
                                       const Value& disabled) const {
@@ -36,18 +46,18 @@ const Value& TintedButtonCell::chosen(const Value& tint, const Value& hover, con
 
 void TintedButtonCell::drawBezel(const CGRect& withFrame, const NSControl& in) const {
     const std::optional<NSGradient>& gradient =
-        chosen(backgroundTintGradient_, backgroundHoverGradient_, backgroundPressedGradient_,
-               backgroundDisabledGradient_);
+        chosen(tints_.backgroundTintGradient, tints_.backgroundHoverGradient,
+               tints_.backgroundPressedGradient, tints_.backgroundDisabledGradient);
     if (!gradient)
         return NSButtonCell::drawBezel(withFrame, in);
     const CGRect frame = drawingRect(withFrame);
     if (frame.isEmpty())
         return;
     const double most = frame.size.abs().min() * 0.5;
-    const double radius = std::clamp(backgroundRadius_.value_or(0), 0.0, most);
+    const double radius = std::clamp(tints_.backgroundRadius.value_or(0), 0.0, most);
     const auto path = NSBezierPath::create(
         NSBezierPath::RoundedRect{.roundedRect = frame, .xRadius = radius, .yRadius = radius});
-    zorvan::draw(*gradient, *path, backgroundGradientAngle_.value_or(0));
+    zorvan::draw(*gradient, *path, tints_.backgroundGradientAngle.value_or(0));
 }
 
 void TintedButtonCell::drawInterior(const CGRect& withFrame, const NSControl& in) const {
@@ -62,7 +72,8 @@ void TintedButtonCell::drawInterior(const CGRect& withFrame, const NSControl& in
 void TintedButtonCell::drawImage(const NSImage& image, const CGRect& withFrame,
                                  const NSControl& in) const {
     const std::optional<NSColor>& color =
-        chosen(imageTintColor_, imageHoverColor_, imagePressedColor_, imageDisabledColor_);
+        chosen(tints_.imageTintColor, tints_.imageHoverColor, tints_.imagePressedColor,
+               tints_.imageDisabledColor);
     if (color)
         // The colour says what disabled looks like, so that the picture is not drawn faint as well.
         tintedImage(image, *color, 1)->draw(withFrame);
@@ -72,8 +83,8 @@ void TintedButtonCell::drawImage(const NSImage& image, const CGRect& withFrame,
 
 CGRect TintedButtonCell::drawTitle(const NSAttributedString& title, const CGRect& withFrame,
                                    const NSControl& in) const {
-    const std::optional<NSColor>& color =
-        chosen(textTintColor_, textHoverColor_, textPressedColor_, textDisabledColor_);
+    const std::optional<NSColor>& color = chosen(tints_.textTintColor, tints_.textHoverColor,
+                                                 tints_.textPressedColor, tints_.textDisabledColor);
     if (!color)
         return NSButtonCell::drawTitle(title, withFrame, in);
     NSMutableAttributedString tinted(title);

@@ -21,6 +21,11 @@ void NSSearchToolbarItem::setSearchField(std::shared_ptr<NSSearchField> searchFi
 
 // NSMenuToolbarItem
 
+std::shared_ptr<NSMenuToolbarItem>
+NSMenuToolbarItem::create(NSToolbarItemIdentifier itemIdentifier) {
+    return std::make_shared<NSMenuToolbarItem>(Key{}, std::move(itemIdentifier));
+}
+
 void NSMenuToolbarItem::setMenu(std::shared_ptr<NSMenu> menu) {
     menu_ = menu ? std::move(menu) : NSMenu::create();
 }

@@ -48,7 +48,8 @@ public:
     /// it could not be done.
     using Completion = std::function<void(bool finished)>;
 
-    /// In no player yet; reads what the asset says of itself, and no more.
+    /// In no player yet; reads what the asset says of itself, and no more. The asset must not be
+    /// null.
     /// @{
     static std::shared_ptr<AVPlayerItem> create(const URL& url);
     static std::shared_ptr<AVPlayerItem> create(std::shared_ptr<const AVAsset> asset);

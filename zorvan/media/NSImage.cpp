@@ -53,6 +53,12 @@ NSImage::Pointer imageOf(const std::shared_ptr<const VectorPicture>& picture) {
 
 } // namespace
 
+NSImage::NSImage(Key, CGSize size) noexcept : size_(size) {}
+
+NSImage::~NSImage() = default;
+
+std::vector<NSImage::Representation> NSImage::representations() const { return representations_; }
+
 NSImage::Pointer CGImage::nsImage() const { return NSImage::create(shared_from_this()); }
 
 CGImage::Pointer CGImage::named(std::string_view name) {

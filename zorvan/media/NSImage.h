@@ -101,7 +101,7 @@ public:
 
     /// Bitmaps for the same picture; an empty one is not added.
     /// @{
-    std::vector<Representation> representations() const { return representations_; }
+    std::vector<Representation> representations() const;
     void addRepresentation(Representation representation);
     /// @}
 
@@ -144,7 +144,8 @@ public:
     std::optional<Data> data(ImageExportFormat format) const;
 
     /// For `create`.
-    NSImage(Key, CGSize size) noexcept : size_(size) {}
+    NSImage(Key, CGSize size) noexcept;
+    ~NSImage();
 
 private:
     CGImage::Pointer imageFor(CGSize pixels) const;

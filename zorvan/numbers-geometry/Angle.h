@@ -7,7 +7,7 @@
 
 namespace zorvan {
 
-//// A multiple of pi, named by numerator and denominator of the factor of pi: PI_3_2 is 3/2 pi.
+/// A multiple of pi, named by numerator and denominator of the factor of pi: PI_3_2 is 3/2 pi.
 /// @{
 inline constexpr double PI_0_1 = 0.0;
 inline constexpr double PI_1_1 = 3.14159265358979323846;

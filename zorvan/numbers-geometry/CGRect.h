@@ -6,7 +6,6 @@
 #include <zorvan/numbers-geometry/RectAnchor.h>
 #include <zorvan/platform/foundation/Required.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -413,7 +412,11 @@ struct CGRect {
     }
     /// The point of the rectangle, edges included, that is nearest to `p`.
     [[nodiscard]] constexpr CGPoint minMax(CGPoint p) const noexcept {
-        return {std::min(std::max(p.x, minX()), maxX()), std::min(std::max(p.y, minY()), maxY())};
+        const auto held = [](double value, double least, double most) {
+            const double raised = value < least ? least : value;
+            return most < raised ? most : raised;
+        };
+        return {held(p.x, minX(), maxX()), held(p.y, minY(), maxY())};
     }
 
     /// Moves the stored origin.

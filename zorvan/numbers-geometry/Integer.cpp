@@ -1,6 +1,7 @@
 #include <zorvan/numbers-geometry/Integer.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace zorvan {

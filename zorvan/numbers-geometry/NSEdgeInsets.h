@@ -2,7 +2,7 @@
 
 #include <zorvan/platform/foundation/Required.h>
 
-#include <algorithm>
+#include <initializer_list>
 
 namespace zorvan {
 
@@ -46,10 +46,16 @@ struct NSEdgeInsets {
     /// The smallest or the largest of the four.
     /// @{
     [[nodiscard]] constexpr double min() const noexcept {
-        return std::min({top, left, bottom, right});
+        double least = top;
+        for (const double side : {left, bottom, right})
+            least = side < least ? side : least;
+        return least;
     }
     [[nodiscard]] constexpr double max() const noexcept {
-        return std::max({top, left, bottom, right});
+        double most = top;
+        for (const double side : {left, bottom, right})
+            most = most < side ? side : most;
+        return most;
     }
     /// @}
 

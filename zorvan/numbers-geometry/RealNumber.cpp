@@ -1,6 +1,7 @@
 #include <zorvan/numbers-geometry/RealNumber.h>
 
 #include <charconv>
+#include <cmath>
 #include <random>
 #include <string_view>
 

@@ -2,7 +2,6 @@
 
 #include <zorvan/numbers-geometry/EnumerationValue.h>
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -102,7 +101,10 @@ public:
 
 private:
     constexpr bool isOneOf(std::initializer_list<Case> cases) const noexcept {
-        return std::find(cases.begin(), cases.end(), Case(*this)) != cases.end();
+        for (const Case one : cases)
+            if (one == Case(*this))
+                return true;
+        return false;
     }
 };
 

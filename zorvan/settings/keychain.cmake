@@ -3,3 +3,4 @@ zorvan_library(UserKeychain
   SOURCES UserKeychain.cpp
   USES Foundation PropertyListFiles Security)
 target_link_libraries(UserKeychain PRIVATE Zorvan::Bundles)
+zorvan_build_along(UserKeychain SecretServiceKeyring)

@@ -1,6 +1,6 @@
 // Models of GTK over lists, without a display.
 
-#include "tests/Testing.h"
+#include "tests/hosts/Things.h"
 
 #include <zorvan/hosts/gtkmodels/GLibMainQueue.h>
 #include <zorvan/hosts/gtkmodels/GdkTexture.h>
@@ -10,13 +10,6 @@
 #include <gtk/gtk.h>
 
 namespace {
-
-/// Equal to others of its name, and still itself.
-struct Thing {
-    int name;
-    int self;
-    friend bool operator==(const Thing& a, const Thing& b) { return a.name == b.name; }
-};
 
 struct Unref {
     void operator()(gpointer object) const { g_object_unref(object); }
@@ -106,52 +99,9 @@ private:
     std::vector<Entry> rows_;
 };
 
-class Changes {
-public:
-    std::int64_t below(std::int64_t end) {
-        return std::uniform_int_distribution<std::int64_t>(0, end - 1)(random_);
-    }
-    std::vector<Thing> things(std::int64_t count) {
-        std::vector<Thing> made;
-        for (std::int64_t i = 0; i < count; ++i)
-            made.push_back({static_cast<int>(below(7)), next_++});
-        return made;
-    }
-    IndexSet some(std::int64_t count) {
-        IndexSet positions;
-        for (std::int64_t i = below(4); i < count; i += 1 + below(9))
-            positions.insert(i);
-        return positions;
-    }
-
-private:
-    std::mt19937 random_{1};
-    int next_ = 0;
-};
-
-template <class List>
-void change(List& list, Changes& changes) {
-    const std::int64_t count = list.count();
-    switch (changes.below(6)) {
-    case 0:
-        return list.insert(changes.things(changes.below(12)), changes.below(count + 1));
-    case 1:
-        return list.remove(changes.some(count));
-    case 2:
-        return list.move(changes.some(count), changes.below(count + 1));
-    case 3:
-        return list.sort([](const Thing& a, const Thing& b) { return a.name < b.name; });
-    default:
-        return list.select(changes.some(count));
-    }
-}
-
 void expectShown(const Watcher& watcher, const std::vector<Thing>& items, const IndexSet& selection,
                  const std::map<int, Row>& objectsBefore) {
-    std::vector<int> selves;
-    for (const Thing& item : items)
-        selves.push_back(item.self);
-    ASSERT_EQ(watcher.shown(), selves);
+    ASSERT_EQ(watcher.shown(), selvesOf(items));
     ASSERT_EQ(watcher.selection(), selection);
     ASSERT_TRUE(watcher.keepsObjects());
     for (const auto& [self, object] : watcher.objects())
@@ -161,7 +111,7 @@ void expectShown(const Watcher& watcher, const std::vector<Thing>& items, const 
 }
 
 TEST(GtkListModel, FollowsAManagedListThroughThousandsOfChanges) {
-    Changes changes;
+    Changes changes(1);
     const auto list = ManagedList<Thing>::create(changes.things(30));
     const Model model(GtkListModel<Thing>::create(list));
     const Watcher watcher(model.get());
@@ -176,7 +126,7 @@ TEST(GtkListModel, FollowsAManagedListThroughThousandsOfChanges) {
         else if (kind == 2)
             list->setFilter({});
         else if (!list->filter()) // through one, equal things are mistaken for each other
-            change(*list, changes);
+            change(*list, changes, changes.below(7));
         ASSERT_NO_FATAL_FAILURE(expectShown(watcher, list->items(), list->selection(), objects));
         if (list->allItems().size() > 100) {
             list->setFilter({});
@@ -186,14 +136,14 @@ TEST(GtkListModel, FollowsAManagedListThroughThousandsOfChanges) {
 }
 
 TEST(GtkListModel, FollowsASelectableArrayThroughThousandsOfChanges) {
-    Changes changes;
+    Changes changes(1);
     const auto array = SelectableArray<Thing>::create();
     const Model model(GtkListModel<Thing>::create(array));
     const Watcher watcher(model.get());
     for (int i = 0; i < 3000; ++i) {
         SCOPED_TRACE(i);
         const auto objects = watcher.objects();
-        change(*array, changes);
+        change(*array, changes, changes.below(7));
         ASSERT_NO_FATAL_FAILURE(
             expectShown(watcher, array->elements(), array->selection(), objects));
         if (array->count() > 100)

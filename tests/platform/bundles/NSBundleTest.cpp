@@ -89,4 +89,14 @@ TEST_F(BundleTest, HasAnIcon) {
     std::filesystem::create_directory(root_ / "tool.bundle" / "face"); // a folder is no icon
     write("tool.bundle/face.png");
     EXPECT_EQ(icon(16), "tool.bundle/face.png");
+
+    // A theme that inherits from itself, written in a hundred thousand ways.
+    std::string index = "[Icon Theme]\nInherits=hicolor";
+    for (int way = 0; way < 100'000; ++way) {
+        index += ",hicolor";
+        for (int bits = way; bits > 0; bits /= 2)
+            index += bits % 2 ? "/." : "/";
+    }
+    write(theme + "index.theme", index.substr(0, (1 << 20) - 1));
+    EXPECT_EQ(desktop::iconNamed("missing", 16), std::nullopt);
 }

@@ -3,6 +3,8 @@
 #include <zorvan/platform/foundation/LibraryLog.h>
 #include <zorvan/platform/foundation/internal/functionBeside.h>
 
+extern "C" void zorvanIsNowhere(int);
+
 namespace {
 
 using Level = LibraryLog::Level;
@@ -72,10 +74,15 @@ TEST_F(LibraryLogTest, EachEntryReachesOneHandlerWhileTheyChange) {
     EXPECT_EQ(GetCapturedStderr(), "");
 }
 
-TEST_F(LibraryLogTest, NamesALibraryThatCannotBeLoadedButNotOneThatWasNotBuilt) {
-    EXPECT_EQ(internal::functionBeside("", "function"), nullptr);
-    EXPECT_EQ(internal::functionBeside("libzorvan-none.so", "function"), nullptr);
-    EXPECT_THAT(GetCapturedStderr(), testing::MatchesRegex("[^\n]*/libzorvan-none.so: [^\n]*\n"));
+TEST_F(LibraryLogTest, NamesALibraryThatCannotBeLoadedAndTheSwitchOfOneThatWasNotBuilt) {
+    // A function that is nowhere: the test would not link if it were asked for.
+#define ZORVAN_TEST_MISSING BESIDE, "libzorvan-none.so"
+#define ZORVAN_TEST_LEFT_OUT LEFT_OUT, "-DZORVAN_TEST=ON"
+    EXPECT_EQ(ZORVAN_FUNCTION(ZORVAN_TEST_MISSING, zorvanIsNowhere), nullptr);
+    EXPECT_EQ(ZORVAN_FUNCTION(ZORVAN_TEST_LEFT_OUT, zorvanIsNowhere), nullptr);
+    EXPECT_THAT(GetCapturedStderr(),
+                testing::MatchesRegex("[^\n]*/libzorvan-none.so: [^\n]*\n"
+                                      "This needs a build of the library with -DZORVAN_TEST=ON\n"));
 }
 
 } // namespace

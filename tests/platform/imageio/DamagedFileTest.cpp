@@ -27,7 +27,9 @@ TEST(DamagedFile, CutAnywhereItIsAnErrorAndNeverACrash) {
 
 TEST(DamagedFile, TheHeadOfACutFileStillTellsItsSize) {
     const Bitmap original = pattern(150, 100);
-    for (const FileFormat format : {FileFormat::png, FileFormat::jpeg, FileFormat::heic}) {
+    for (const FileFormat format : formats) {
+        if (format == FileFormat::tiff)
+            continue; // may have its head at the end
         Data bytes = encoded(format, original, {{"Orientation", 6}});
         bytes.resize(bytes.size() - 40);
         const auto properties = propertiesOf(bytes);
@@ -101,17 +103,21 @@ TEST(DamagedFile, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
     Data jpeg = encoded(FileFormat::jpeg, picture);
     const std::size_t frame = positionOf(jpeg, std::string_view("\xFF\xC0\0\x11\x08", 5)) + 5;
     setBig32(jpeg, frame, 0xFFDCFFDC);
-    Data heic = encoded(FileFormat::heic, picture);
-    const std::size_t size = positionOf(heic, "ispe") + 8;
-    setBig32(heic, size, 0x7FFFFFFF);
-    setBig32(heic, size + 4, 0x7FFFFFFF);
     Data tiff = encoded(FileFormat::tiff, picture);
     // The entry of the length: tag, type, count, value, little-endian.
     const std::size_t entry = positionOf(tiff, std::string_view("\x01\x01\x03\0\x01\0\0\0", 8));
     tiff[entry + 2] = std::byte{4};
     for (std::size_t i = 0; i < 4; ++i)
         tiff[entry + 8 + i] = std::byte{0x7F};
-    for (const Data& bytes : {png, wide, jpeg, heic, tiff}) {
+    std::vector<Data> files = {png, wide, jpeg, tiff};
+#ifdef ZORVAN_WITH_HEIC
+    Data heic = encoded(FileFormat::heic, picture);
+    const std::size_t size = positionOf(heic, "ispe") + 8;
+    setBig32(heic, size, 0x7FFFFFFF);
+    setBig32(heic, size + 4, 0x7FFFFFFF);
+    files.push_back(heic);
+#endif
+    for (const Data& bytes : files) {
         const auto reader = ImageReader::open(bytes);
         for (const std::int64_t limit : {0, 100}) {
             EXPECT_FALSE(reader->decode(0, {.maximumPixelSize = limit}));

@@ -52,7 +52,9 @@ TEST(RoundTrip, MaximumSizeGivesExactlyThatSizeAndTheAverage) {
 
 TEST(RoundTrip, QualityOrdersTheSizes) {
     const Bitmap original = pattern(256, 256);
-    for (const FileFormat format : {FileFormat::jpeg, FileFormat::heic}) {
+    for (const FileFormat format : formats) {
+        if (isLossless(format))
+            continue;
         const auto sizeAt = [&](double quality) {
             const Frame frame = {.bitmap = &original, .quality = quality};
             return encode(format, {&frame, 1}).value_or(Data()).size();
@@ -72,8 +74,9 @@ TEST(RoundTrip, OnlyTiffHoldsSeveralPictures) {
         EXPECT_FALSE(encode(format, {}));
         EXPECT_FALSE(encode(format, {&none, 1}));
     }
-    for (const FileFormat format : {FileFormat::png, FileFormat::jpeg, FileFormat::heic})
-        EXPECT_FALSE(encode(format, frames)) << typeIdentifier(format);
+    for (const FileFormat format : formats)
+        EXPECT_EQ(encode(format, frames).has_value(), format == FileFormat::tiff)
+            << typeIdentifier(format);
     const auto reader = ImageReader::open(encode(FileFormat::tiff, frames).value());
     ASSERT_EQ(reader->count(), 2);
     EXPECT_EQ(difference(reader->decode(1, {}).value(), second).largest, 0);

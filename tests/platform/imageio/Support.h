@@ -14,8 +14,12 @@ namespace zorvan::imageio {
 
 using Pixel = std::array<int, 4>;
 
+/// That this build reads and writes.
 inline constexpr std::array formats = {FileFormat::png, FileFormat::jpeg, FileFormat::tiff,
-                                       FileFormat::heic};
+#ifdef ZORVAN_WITH_HEIC
+                                       FileFormat::heic
+#endif
+};
 
 /// A picture without any symmetry: a different colour in each corner and a gradient between them.
 /// With alpha, it fades out towards the right.

@@ -1,10 +1,13 @@
 // A process of its own that uses the secure items as it is told on standard input, one command a
 // line, and answers each with a line: a status, or for a value found the value.
 //
-//   add ACCOUNT VALUE       set ACCOUNT VALUE (adds or updates)      get ACCOUNT       delete
-//   ACCOUNT ref ACCOUNT             a persistent reference, as digits get-ref DIGITS          its
-//   value count-up ACCOUNT START  sets one number after the other, each on a line once it is stored
-//   race ACCOUNT COUNT      adds ACCOUNT-0, ACCOUNT-1 ... and gives how many were not there yet
+//   add ACCOUNT VALUE
+//   set ACCOUNT VALUE     adds or updates
+//   get ACCOUNT
+//   delete ACCOUNT
+//   ref ACCOUNT           a persistent reference, as digits
+//   get-ref DIGITS        its value
+//   race ACCOUNT COUNT    adds ACCOUNT-0, ACCOUNT-1 ... and gives how many were not there yet
 
 #include <zorvan/platform/security/SecItem.h>
 
@@ -57,11 +60,6 @@ std::string referred(const std::string& digits) {
         SecItemCopyMatching({{kSecValuePersistentRef, reference}, {kSecReturnData, true}}));
 }
 
-void countUp(const std::string& account, std::int64_t start) {
-    for (std::int64_t i = start; set(account, std::to_string(i)) == errSecSuccess; ++i)
-        std::cout << i << std::endl;
-}
-
 int race(const std::string& account, int count) {
     int added = 0;
     for (int i = 0; i < count; ++i)
@@ -90,8 +88,7 @@ std::string obey(const std::string& line) {
         return referred(account);
     if (command == "race")
         return std::to_string(race(account, std::stoi(value)));
-    countUp(account, std::stoll(value));
-    return "ended";
+    return "no such command";
 }
 
 } // namespace

@@ -2,11 +2,9 @@
 
 #include <zorvan/platform/security/internal/Items.h>
 
-#include <csignal>
+#include <chrono>
 #include <poll.h>
-#include <random>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 using namespace zorvan;
@@ -42,29 +40,6 @@ TEST_F(SeveralProcesses, AReferenceNamesTheItemInAnotherProcess) {
     EXPECT_EQ(ask(*peer(), "get-ref " + reference), "third");
     ASSERT_EQ(ask(*b, "delete two"), "0");
     EXPECT_EQ(ask(*peer(), "get-ref " + reference), std::to_string(errSecItemNotFound));
-}
-
-TEST_F(SeveralProcesses, WhatWasStoredIsThereAfterAKill) {
-    std::mt19937 random(7);
-    std::int64_t next = 0;
-    std::int64_t written = 0;
-    const auto reader = peer();
-    for (int round = 0; round < 40 || written < 200; ++round) {
-        const auto writer = peer();
-        writer->tell("count-up n " + std::to_string(next));
-        ASSERT_TRUE(writer->hear()) << round;
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % 20000));
-        writer->kill(SIGKILL);
-        const std::vector<std::string> told = writer->hearAll(1s);
-        const std::int64_t last = told.empty() ? next : std::stoll(told.back());
-        const std::int64_t found = std::stoll(ask(*reader, "get n"));
-        EXPECT_GE(found, last);     // what was reported is there
-        EXPECT_LE(found, last + 1); // one more may have been stored but not reported
-        written += found - next + 1;
-        next = found + 1;
-    }
-    EXPECT_EQ(sql("PRAGMA integrity_check"), "ok\n");
-    EXPECT_EQ(sql("SELECT count(*) FROM items"), "1\n");
 }
 
 TEST_F(SeveralProcesses, AWriterThatIsStoppedHoldsOthersUpForAWhileOnly) {

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <fcntl.h>
 #include <random>
 #include <sched.h>
@@ -49,55 +48,6 @@ private:
 };
 
 } // namespace
-
-// A process writes and says what was written; it is killed at some moment; another one must find
-// all that was said, and nothing half.
-TEST(Processes, LoseNothingWhenKilled) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
-    std::mt19937 random(3);
-    std::int64_t last = 0, single = -1, batch = -1, writes = 0; // as they were said to be stored
-    const auto hear = [&](int end) {
-        std::int64_t n = 0;
-        if (read(end, &n, sizeof n) != sizeof n)
-            return false;
-        (n % 3 == 0 ? batch : single) = last = n;
-        return ++writes > 0;
-    };
-    for (int round = 0; round < 100 || (writes <= 200 && round < 400); ++round) {
-        int said[2];
-        ASSERT_EQ(pipe(said), 0);
-        Child writer([&] {
-            const auto database = SettingsDatabase::open(path);
-            for (std::int64_t n = last + 1;; ++n) {
-                const PropertyList padded = std::string(static_cast<std::size_t>(n % 7000), 'x');
-                const bool stored =
-                    n % 3 == 0 ? database->apply({{"one", n}, {"two", n}, {"text", padded}})
-                               : database->set("n", n);
-                if (!stored || write(said[1], &n, sizeof n) != sizeof n)
-                    return false;
-            }
-        });
-        close(said[1]);
-        if (round % 2 == 0) // else while it opens
-            hear(said[0]);
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % 4'000));
-        writer.kill();
-        writer.end();
-        while (hear(said[0])) {
-        }
-        close(said[0]);
-        ASSERT_TRUE(inChild([&] { // the verifier
-            const auto database = SettingsDatabase::open(path);
-            const std::int64_t n = integer(*database, "n"), one = integer(*database, "one");
-            return database->problem() == std::nullopt && n >= single && n <= last + 2 &&
-                   one >= batch && one <= last + 2 && one == integer(*database, "two");
-        })) << "round "
-            << round << ", said " << last;
-    }
-    EXPECT_GT(writes, 200);
-    EXPECT_FALSE(std::filesystem::exists(path + ".damaged"));
-}
 
 TEST(Processes, NoticeEachOthersWrites) {
     const TemporaryFolder folder;

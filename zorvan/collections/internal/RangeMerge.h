@@ -16,6 +16,14 @@ namespace zorvan::internal {
 
 using Range = IndexSet::Range;
 
+/// -1 for a negative number, else 0. Positions are never negative, so their differences do not
+/// overflow. Arithmetic, because compilers make branches of comparisons and of "?:".
+inline std::int64_t signOf(std::int64_t number) noexcept { return number >> 63; }
+inline std::int64_t chosen(std::int64_t sign, std::int64_t ifNegative,
+                           std::int64_t otherwise) noexcept {
+    return otherwise ^ ((otherwise ^ ifNegative) & sign);
+}
+
 /// A stretch of two sets to be merged. A step consumes at least one range, and at most one of each.
 /// `Second` walks the ranges of the second set.
 template <class Second>
@@ -44,9 +52,9 @@ struct Intersection : Stretch<Second> {
         const std::int64_t lower = std::max(x.lower, y.lower);
         const std::int64_t upper = std::min(x.upper, y.upper);
         *this->out = {lower, upper};
-        this->out += lower < upper;
-        this->a += x.upper <= y.upper;
-        this->b += y.upper <= x.upper;
+        this->out -= signOf(lower - upper);
+        this->a += 1 + signOf(y.upper - x.upper);
+        this->b += 1 + signOf(x.upper - y.upper);
     }
     void finish() noexcept {}
 };
@@ -59,11 +67,11 @@ struct Union : Stretch<Second> {
     static bool isBefore(Range range, std::int64_t start) noexcept { return range.lower < start; }
 
     void step() noexcept {
-        const bool isFirst = this->a->lower <= this->b->lower;
-        const Range next = *(isFirst ? this->a : this->b);
-        this->a += isFirst;
-        this->b += !isFirst;
-        take(next);
+        const Range x = *this->a, y = *this->b;
+        const std::int64_t isSecond = signOf(y.lower - x.lower);
+        this->a += 1 + isSecond;
+        this->b -= isSecond;
+        take({chosen(isSecond, y.lower, x.lower), chosen(isSecond, y.upper, x.upper)});
     }
     void finish() noexcept {
         while (this->a != this->aEnd)
@@ -73,10 +81,10 @@ struct Union : Stretch<Second> {
         *this->out++ = current;
     }
     void take(Range next) noexcept {
-        const bool isApart = next.lower > current.upper;
+        const std::int64_t isApart = signOf(current.upper - next.lower);
         *this->out = current;
-        this->out += isApart;
-        current.lower = isApart ? next.lower : current.lower;
+        this->out -= isApart;
+        current.lower = chosen(isApart, next.lower, current.lower);
         current.upper = std::max(current.upper, next.upper);
     }
 

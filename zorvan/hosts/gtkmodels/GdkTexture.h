@@ -2,6 +2,7 @@
 
 #include <zorvan/media/CGImage.h>
 
+/// What GTK's own headers declare, too.
 typedef struct _GdkTexture GdkTexture;
 
 namespace zorvan {

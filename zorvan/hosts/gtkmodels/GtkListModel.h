@@ -15,11 +15,11 @@ namespace zorvan {
 /// shows, and a `GtkSelectionModel` that mirrors its selection both ways, for C and for gtkmm:
 ///
 ///     GtkSelectionModel* model = GtkListModel<Photo>::create(list);
-///     GtkWidget* view = gtk_column_view_new(model);                    // which takes the
-///     reference GtkListItemFactory* titles = GtkListModel<Photo>::textFactory(
+///     GtkWidget* view = gtk_column_view_new(model); // which takes the reference
+///     GtkListItemFactory* titles = GtkListModel<Photo>::textFactory(
 ///         [](const Photo& photo) { return photo.title; });
-///     gtk_column_view_append_column(GTK_COLUMN_VIEW(view), gtk_column_view_column_new("Title",
-///     titles));
+///     GtkColumnViewColumn* column = gtk_column_view_column_new("Title", titles);
+///     gtk_column_view_append_column(GTK_COLUMN_VIEW(view), column);
 ///
 /// Every change is told in one signal "items-changed", of the rows from the first that changes to
 /// the last. The object of a row, as long as somebody holds it, stays with its item through moves,

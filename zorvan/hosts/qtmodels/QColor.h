@@ -10,8 +10,10 @@ namespace zorvan {
 
 /// The colour for Qt, which keeps 16 bits a component; components are clamped to 0 to 1, NaN
 /// becomes 0.
+/// @{
 [[nodiscard]] QColor toQColor(const RGBA& colour);
 [[nodiscard]] QColor toQColor(const NSColor& colour);
+/// @}
 
 /// A colour of any of Qt's models. Components of 8 bits come out exactly as those of a hexadecimal
 /// colour do. Absent for an invalid colour.

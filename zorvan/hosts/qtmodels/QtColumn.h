@@ -17,6 +17,7 @@ struct QtColumn {
 
     /// What the header says.
     QString title = {};
+    /// Those that cells answer; nothing is said for any other.
     Roles roles;
     /// A column with one for `Qt::EditRole` can be edited, one with one for `Qt::CheckStateRole`
     /// can be ticked.

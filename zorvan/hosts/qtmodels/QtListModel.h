@@ -24,8 +24,11 @@ namespace zorvan {
 template <class Item>
 class QtListModel : public QtRowModel {
 public:
+    /// What the model is made of.
+    /// @{
     using Column = QtColumn<Item>;
     using Roles = typename Column::Roles;
+    /// @}
 
     /// With one column.
     template <class List>
@@ -44,12 +47,17 @@ public:
     /// The item of a row, which there must be.
     const Item& item(int row) const { return items_.at(static_cast<std::size_t>(positionOf(row))); }
 
+    /// What the column says of the item for the role, or whether the row is selected. Nothing for a
+    /// role that the column has not, nor for an item that is gone from the list.
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
     /// Sets a role that the column has a setter for, or whether the row is selected.
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
+    /// The column's title; without one, and for rows, what Qt says of itself.
     QVariant headerData(int section, Qt::Orientation orientation,
                         int role = Qt::DisplayRole) const override;
+    /// With setters for them, cells can be edited or ticked, too.
     Qt::ItemFlags flags(const QModelIndex& index) const override;
+    /// Sorts the list itself by the column's order; nothing for a column without one.
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
 private:

@@ -30,6 +30,7 @@ class QtRowModel : public QAbstractTableModel, private RowFollower {
 public:
     /// Whether the row is selected, as a truth value that can be set, too; named "selected" in QML.
     static constexpr int selectedRole = Qt::UserRole + 0x53454c;
+    /// How many ranges a removal may have that is told as such.
     static constexpr int maximumRangeCount = 64;
 
     /// Mirrors the selection of the list, both ways, as whole rows; a row is selected when any of
@@ -39,18 +40,23 @@ public:
 
     /// What QML calls the roles; "selected" comes by itself. Before a view is given the model.
     void setRoleNames(QHash<int, QByteArray> names) { roleNames_ = std::move(names); }
+    /// What `setRoleNames` was given, else Qt's names; with "selected" in any case.
     QHash<int, QByteArray> roleNames() const override;
 
     /// Tells the views that items in these rows were changed where they stand; no roles stand for
     /// all of them. Rows outside the list are passed over.
     void itemsDidChange(const IndexSet& rows, const QList<int>& roles = {});
 
+    /// 0 inside of a cell, which holds no rows.
+    /// @{
     int rowCount(const QModelIndex& parent = {}) const override {
         return parent.isValid() ? 0 : rowCount_;
     }
     int columnCount(const QModelIndex& parent = {}) const override {
         return parent.isValid() ? 0 : columnCount_;
     }
+    /// @}
+    /// Invalid for a cell that is not there.
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override {
         const bool isCell = row >= 0 && row < rowCount_ && column >= 0 && column < columnCount_;
         return isCell && !parent.isValid() ? createIndex(row, column) : QModelIndex();
@@ -60,32 +66,38 @@ public:
         return index.isValid() ? cellFlags : Qt::ItemIsDropEnabled;
     }
 
+    /// Asks the list. False for rows that are not there, while a change is being told, and when the
+    /// list has not removed them on return.
     bool removeRows(int row, int count, const QModelIndex& parent = {}) override;
     /// The selection follows the rows, unlike when the list itself is asked to move.
     bool moveRows(const QModelIndex& sourceParent, int row, int count,
                   const QModelIndex& destinationParent, int to) override;
 
-    // Drag and drop: rows of this very model move, within it; other models are given copies of what
-    // the roles say.
-
+    /// Drag and drop: rows of this very model move, within it; other models are given copies of
+    /// what the roles say.
+    /// @{
     Qt::DropActions supportedDragActions() const override;
     Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
     bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                          const QModelIndex& parent) const override;
+    /// @}
     /// Moves the rows. False also when it has: a view takes true for a sign that it is to remove
     /// the rows that were dragged.
     bool dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
                       const QModelIndex& parent) override;
 
 protected:
+    /// Of every cell, whatever its column.
     static constexpr Qt::ItemFlags cellFlags =
         Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren;
 
+    /// Fewer than one column stops the program.
     QtRowModel(int columnCount, QObject* parent);
 
     /// Once, when the list is there. It must outlive the last change that it tells of.
     void show(RowList& rows);
+    /// What the rows are to tell of their changes.
     RowFollower& follower() noexcept { return *this; }
 
     /// Where in the list the item of a row stands; -1 when it is gone from there. While the list
@@ -93,10 +105,13 @@ protected:
     std::int64_t positionOf(int row) const {
         return isCatchingUp_ ? positionWhileCatchingUp(row) : row;
     }
+    /// Whether the list has the row selected. Once asked, changes of that are told for
+    /// `selectedRole`, too.
     bool isSelected(int row) const {
         isSelectedRoleRead_ = true;
         return rows_->selection().contains(row);
     }
+    /// Asks the list, which may refuse; the rest of the selection stays.
     void setSelected(int row, bool isSelected);
 
 private:

@@ -17,6 +17,7 @@ class ManagedListRows final : public ItemList<Item> {
     using List = ManagedList<Item>;
 
 public:
+    /// `follower` must outlive the rows.
     ManagedListRows(std::shared_ptr<List> list, RowFollower& follower)
         : ItemList<Item>(list->items()), list_(std::move(list)), follower_(follower),
           will_(observe(List::willReloadNotification, &ManagedListRows::willChange)),
@@ -30,6 +31,7 @@ public:
     void select(const IndexSet& rows) override { list_->setSelection(rows); }
     void remove(const IndexSet& rows) override { list_->remove(rows); }
     void move(const IndexSet& rows, std::int64_t to) override { list_->move(rows, to); }
+    /// As `ManagedList::sort`.
     void sort(typename ItemList<Item>::Order by) override { list_->sort(std::move(by)); }
     bool replace(Item changed, std::int64_t at) override {
         if (!(changed == this->items()[static_cast<std::size_t>(at)]))

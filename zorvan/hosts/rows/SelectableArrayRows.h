@@ -15,6 +15,7 @@ class SelectableArrayRows final : public ItemList<Element> {
     using Array = SelectableArray<Element>;
 
 public:
+    /// `follower` must outlive the rows.
     SelectableArrayRows(std::shared_ptr<Array> array, RowFollower& follower)
         : ItemList<Element>(array->elements()), array_(std::move(array)), follower_(follower) {
         array_->setEditionHandler(Handler{array_->editionHandler(), self_});
@@ -29,6 +30,7 @@ public:
     void select(const IndexSet& rows) override { array_->select(rows); }
     void remove(const IndexSet& rows) override { array_->remove(rows); }
     void move(const IndexSet& rows, std::int64_t to) override { array_->move(rows, to); }
+    /// As `SelectableArray::sort`.
     void sort(typename ItemList<Element>::Order by) override { array_->sort(std::move(by)); }
     bool replace(Element changed, std::int64_t at) override {
         array_->replace(std::move(changed), at);

@@ -8,6 +8,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
 
 namespace zorvan {
 
@@ -47,9 +50,46 @@ NSAttributedString withDefaults(const NSAttributedString& text, const NSColor& c
     return complete;
 }
 
+namespace {
+
+/// Text that differs from another in its colours alone is as large.
+NSAttributedString withoutColors(const NSAttributedString& text) {
+    NSMutableAttributedString plain(text);
+    const NSRange all{0, plain.length()};
+    plain.removeAttribute(AttributeName::foregroundColor, all);
+    plain.removeAttribute(AttributeName::backgroundColor, all);
+    return plain;
+}
+
+struct Measured {
+    NSAttributedString text;
+    CGSize size;
+};
+
+/// A title is drawn again and again, as the mouse comes and goes, and changes seldom; to measure it
+/// takes longer than to fill its bezel.
+CGSize measured(const NSAttributedString& text) {
+    constexpr std::size_t kept = 32;
+    thread_local std::vector<Measured> known;
+    thread_local std::size_t oldest = 0;
+    NSAttributedString plain = withoutColors(text);
+    for (const Measured& one : known)
+        if (one.text == plain)
+            return one.size;
+    const CGSize exact = size(plain);
+    Measured now{std::move(plain), {std::ceil(exact.width), std::ceil(exact.height)}};
+    const CGSize whole = now.size;
+    if (known.size() < kept)
+        known.push_back(std::move(now));
+    else
+        known[oldest++ % kept] = std::move(now);
+    return whole;
+}
+
+} // namespace
+
 CGSize textSize(const NSAttributedString& text) {
-    const CGSize exact = text.length() == 0 ? CGSize() : size(text);
-    return {std::ceil(exact.width), std::ceil(exact.height)};
+    return text.length() == 0 ? CGSize() : measured(text);
 }
 
 CGRect drawText(const NSAttributedString& text, const CGRect& in) {

@@ -17,7 +17,10 @@ class Canvas {
 public:
     /// An opaque colour.
     struct Colour {
+        /// From 0 to 255.
+        /// @{
         std::uint8_t r, g, b;
+        /// @}
     };
 
     /// The whole of a bitmap, whose size in points is its size in pixels divided by `scale`.
@@ -34,10 +37,12 @@ public:
     Bitmap& bitmap() const noexcept { return *bitmap_; }
     /// From the view's coordinates to pixels from the top left of the bitmap, y growing downward.
     CGAffineTransform transform() const noexcept;
+    /// Whether y grows downward in the view that is drawn.
     bool isFlipped() const noexcept { return isFlipped_; }
     /// Pixels to a point.
     double scale() const noexcept { return scale_; }
 
+    /// Paints what of the rectangle lies inside the clip; its edges are rounded to whole pixels.
     void fill(const CGRect& rect, Colour colour);
     /// One line of text, in the middle of the rectangle's height, shortened to its width.
     void drawText(std::string_view text, const CGRect& rect, Colour colour);

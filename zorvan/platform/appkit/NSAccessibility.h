@@ -5,9 +5,9 @@
 
 namespace zorvan {
 
-/// What a view is to those who do not see it.
+/// What a view is to those who do not see it. A `group` only holds others, or is nothing of
+/// interest.
 enum class NSAccessibilityRole : std::int64_t {
-    /// A part that only holds others, or nothing of interest.
     group,
     button,
     checkBox,

@@ -11,6 +11,7 @@ namespace zorvan {
 /// `endGrouping` returns to that. Main thread only.
 class NSAnimationContext {
 public:
+    /// Until the `endGrouping` that belongs to it.
     static void beginGrouping();
     /// Stops the program when no grouping has begun.
     static void endGrouping();
@@ -19,13 +20,17 @@ public:
     /// How many groupings are open.
     static std::int64_t groupingDepth();
 
-    /// Seconds; 0.25 unless set.
+    /// Seconds; 0.25 unless set. Any number is taken as it is.
+    /// @{
     double duration() const noexcept { return duration_; }
     void setDuration(double seconds) { duration_ = seconds; }
+    /// @}
     /// Whether plain changes are meant to be animated too, not only those made through an animator;
     /// false unless set.
+    /// @{
     bool allowsImplicitAnimation() const noexcept { return allowsImplicitAnimation_; }
     void setAllowsImplicitAnimation(bool allows) { allowsImplicitAnimation_ = allows; }
+    /// @}
 
 private:
     double duration_ = 0.25;

@@ -12,6 +12,8 @@ class NSTrackingArea;
 
 /// What the mouse or the keyboard did, as a window is told of it and hands it on to its views.
 struct NSEvent {
+    /// What happened. The left button is the first, the right one the second; `other` buttons are
+    /// those after.
     enum class EventType : std::int64_t {
         leftMouseDown = 1,
         leftMouseUp = 2,
@@ -32,26 +34,35 @@ struct NSEvent {
 
     /// A set of keys that are held down.
     struct ModifierFlags {
+        /// A bit for each key.
         std::uint64_t rawValue = 0;
 
+        /// Shift and Control under their own names; `option` is Alt, `command` the Super key of the
+        /// desktop.
+        /// @{
         static const ModifierFlags shift, control, option, command;
+        /// @}
 
+        /// Whether every key of `other` is held down here; true of an empty set.
         constexpr bool contains(ModifierFlags other) const noexcept {
             return (rawValue & other.rawValue) == other.rawValue;
         }
         friend constexpr bool operator==(ModifierFlags, ModifierFlags) noexcept = default;
+        /// The keys of either set.
         friend constexpr ModifierFlags operator|(ModifierFlags a, ModifierFlags b) noexcept {
             return {a.rawValue | b.rawValue};
         }
     };
 
+    /// What happened, which says what of the rest counts.
     EventType type = EventType::mouseMoved;
     /// In points from the bottom left corner of the window, y growing upward.
     CGPoint locationInWindow = {};
     /// Which press of a quick row of them this one is.
     std::int64_t clickCount = 1;
-    /// The area that was entered or left; null for every other event.
+    /// The area that the mouse entered, left or moved in; null for every other event.
     std::shared_ptr<NSTrackingArea> trackingArea = nullptr;
+    /// The keys that were held down.
     ModifierFlags modifierFlags = {};
 
     // Of a key.
@@ -62,24 +73,24 @@ struct NSEvent {
     std::string charactersIgnoringModifiers = {};
     /// The key by its place, as `EventKeyCode` names it; 65535 for a key without a name there.
     std::uint16_t keyCode = 65535;
+    /// Whether the key is held down and types again.
     bool isARepeat = false;
 
-    // Of the wheel and the touchpad, in points: how far what is shown is to move, to the right and
-    // down.
-
+    /// Of the wheel and the touchpad, in points: how far what is shown is to move, to the right and
+    /// down.
+    /// @{
     double scrollingDeltaX = 0;
     double scrollingDeltaY = 0;
+    /// @}
 };
 
 inline constexpr NSEvent::ModifierFlags NSEvent::ModifierFlags::shift{1 << 17};
 inline constexpr NSEvent::ModifierFlags NSEvent::ModifierFlags::control{1 << 18};
-/// The Alt key.
 inline constexpr NSEvent::ModifierFlags NSEvent::ModifierFlags::option{1 << 19};
-/// The Super key of the desktop.
 inline constexpr NSEvent::ModifierFlags NSEvent::ModifierFlags::command{1 << 20};
 
-/// Whether the event is the press of a key, given by its character in lower case, with exactly
-/// those modifiers. Never for an empty key.
+/// Whether the event is that of the key which gives this character, in lower case, with exactly
+/// those modifiers; whether it is pressed or let go does not count. Never for an empty key.
 inline bool isKeyEquivalent(const NSEvent& event, const std::string& key,
                             NSEvent::ModifierFlags modifiers) {
     return !key.empty() && event.charactersIgnoringModifiers == key &&

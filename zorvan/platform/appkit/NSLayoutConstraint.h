@@ -16,11 +16,16 @@ class NSLayoutConstraint : public std::enable_shared_from_this<NSLayoutConstrain
 public:
     /// The view is not kept alive.
     std::shared_ptr<NSView> firstItem() const noexcept { return view_.lock(); }
+    /// The side that is kept from being shorter.
     NSLayoutAttribute firstAttribute() const noexcept { return attribute_; }
-    /// In points.
+    /// In points; a negative one, and what is no finite number, becomes 0. An active constraint is
+    /// followed at once.
+    /// @{
     double constant() const noexcept { return constant_; }
     void setConstant(double constant);
+    /// @}
 
+    /// Whether it is in force; false at first.
     bool isActive() const noexcept { return isActive_; }
     /// The view keeps an active constraint alive, and follows it at once.
     void setActive(bool active);
@@ -30,6 +35,7 @@ private:
     friend class NSLayoutDimension;
 
 public:
+    /// For `NSLayoutDimension`.
     NSLayoutConstraint(Key, std::weak_ptr<NSView> view, NSLayoutAttribute attribute,
                        double constant);
 
@@ -43,6 +49,7 @@ private:
 /// A side of a view, from which constraints are made.
 class NSLayoutDimension {
 public:
+    /// For the anchors of a view, which is not kept alive.
     NSLayoutDimension(std::weak_ptr<NSView> view, NSLayoutAttribute attribute) noexcept
         : view_(std::move(view)), attribute_(attribute) {}
 

@@ -4,6 +4,10 @@
 
 namespace zorvan {
 
+std::shared_ptr<NSClipView> NSClipView::create(const CGRect& frame) {
+    return std::make_shared<NSClipView>(Key{}, frame);
+}
+
 bool NSClipView::isFlipped() const noexcept { return documentView_ && documentView_->isFlipped(); }
 
 void NSClipView::setDocumentView(const std::shared_ptr<NSView>& view) {
@@ -14,9 +18,7 @@ void NSClipView::setDocumentView(const std::shared_ptr<NSView>& view) {
         addSubview(view);
 }
 
-void NSClipView::Animator::setBoundsOrigin(CGPoint origin) {
-    view_->setBoundsOrigin(origin, true);
-}
+void NSClipView::Animator::setBoundsOrigin(CGPoint origin) { view_->setBoundsOrigin(origin, true); }
 
 std::shared_ptr<NSScrollView> NSScrollView::create(const CGRect& frame) {
     auto view = std::make_shared<NSScrollView>(Key{}, frame);

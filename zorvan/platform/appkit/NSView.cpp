@@ -8,6 +8,10 @@
 
 namespace zorvan {
 
+std::shared_ptr<NSView> NSView::create(const CGRect& frame) {
+    return std::make_shared<NSView>(Key{}, frame);
+}
+
 NSView::~NSView() {
     for (const auto& view : std::exchange(subviews_, {}))
         view->moveTo(nullptr, nullptr);

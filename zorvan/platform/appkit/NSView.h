@@ -29,15 +29,16 @@ class NSWindow;
 /// points; y grows upward unless the view is flipped. Used from the main thread.
 class NSView : public ActionSender, public std::enable_shared_from_this<NSView> {
 protected:
+    /// What only views can make.
     struct Key {};
 
 public:
     /// The side of an intrinsic size that a view does not have.
     static constexpr double noIntrinsicMetric = -1;
 
-    static std::shared_ptr<NSView> create(const CGRect& frame = {}) {
-        return std::make_shared<NSView>(Key{}, frame);
-    }
+    /// In no superview, at that place.
+    static std::shared_ptr<NSView> create(const CGRect& frame = {});
+    /// For `create`, and for what derives from this.
     NSView(Key, const CGRect& frame) : frame_(frame) {}
     ~NSView() override;
     NSView(const NSView&) = delete;
@@ -64,8 +65,12 @@ public:
     virtual CGSize intrinsicContentSize() const;
     /// The intrinsic size, its frame's where it has none, and what active constraints ask for.
     CGSize fittingSize() const;
+    /// From which constraints on the side are made.
+    /// @{
     NSLayoutDimension widthAnchor() { return {weak_from_this(), NSLayoutAttribute::width}; }
     NSLayoutDimension heightAnchor() { return {weak_from_this(), NSLayoutAttribute::height}; }
+    /// @}
+    /// The active ones, in the order in which they became so.
     const std::vector<std::shared_ptr<NSLayoutConstraint>>& constraints() const noexcept {
         return constraints_;
     }
@@ -74,6 +79,7 @@ public:
 
     /// Null for the outermost view.
     std::shared_ptr<NSView> superview() const noexcept { return superview_.lock(); }
+    /// From the back to the front: each is drawn over those before it.
     const std::vector<std::shared_ptr<NSView>>& subviews() const noexcept { return subviews_; }
     /// Above the other subviews; taken out of the superview it had. A view that holds this one, or
     /// is this one, stops the program.
@@ -86,30 +92,41 @@ public:
     /// Called before the view comes into a window, goes into another, or (null) leaves its one.
     /// Whatever overrides this or the next one calls it first.
     virtual void viewWillMove(const std::shared_ptr<NSWindow>& toWindow);
+    /// Called once `window` says so, for the views inside first.
     virtual void viewDidMoveToWindow();
 
     /// A point of this view in the coordinates of the outermost view around it, which in a window
     /// are those of the window; and back.
+    /// @{
     CGPoint convertToBase(CGPoint point) const;
     CGPoint convertFromBase(CGPoint point) const;
+    /// @}
     /// The innermost visible view at a point, given in the coordinates of the superview; null
     /// outside.
     virtual std::shared_ptr<NSView> hitTest(CGPoint point);
 
     // Drawing
 
+    /// Whether the view, and with it all that it holds, is neither drawn nor found by the mouse, by
+    /// Tab or by key equivalents. Says nothing of the views around it.
+    /// @{
     bool isHidden() const noexcept { return isHidden_; }
     void setHidden(bool hidden);
+    /// @}
 
-    /// Whether the view has changed since its window was last drawn.
+    /// Whether the view has changed since its host last drew it; true at first.
     bool needsDisplay() const noexcept { return needsDisplay_; }
+    /// True asks for all of it; false takes the mark off.
     void setNeedsDisplay(bool needsDisplay);
     /// Only that part, in the view's own coordinates; nothing when it is out of the bounds.
     void setNeedsDisplay(const CGRect& inRect);
 
+    /// Whether `layout` is to be called before the window is drawn next; true at first.
+    /// @{
     bool needsLayout() const noexcept { return needsLayout_; }
     void setNeedsLayout(bool needsLayout);
     /// Places the subviews. Does nothing unless overridden.
+    /// @}
     virtual void layout();
     /// Calls `layout` for every view from here inward that needs it, outer ones first.
     void layoutSubtreeIfNeeded();
@@ -121,9 +138,9 @@ public:
     /// Draws the view's own part; subviews come after, above it.
     virtual void draw(Canvas& canvas) const;
 
-    // Events. Those of the mouse's buttons, of the wheel and of keys go on to the superview unless
-    // overridden.
-
+    /// Events of the mouse's buttons, of the wheel and of keys go on to the superview unless
+    /// overridden.
+    /// @{
     virtual void mouseDown(const NSEvent& with);
     virtual void mouseDragged(const NSEvent& with);
     virtual void mouseUp(const NSEvent& with);
@@ -138,18 +155,22 @@ public:
     /// Keys go to the first responder of the window first.
     virtual void keyDown(const NSEvent& with);
     virtual void keyUp(const NSEvent& with);
+    /// @}
     /// For a key that nobody took, whoever has the keyboard; true once it is taken. Asks the
     /// visible subviews, in order, unless overridden.
     virtual bool performKeyEquivalent(const NSEvent& with);
-    // These go to the owner of a tracking area, and no further.
+    /// Goes to the owner of a tracking area, and no further.
+    /// @{
     virtual void mouseMoved(const NSEvent& with);
     virtual void mouseEntered(const NSEvent& with);
     virtual void mouseExited(const NSEvent& with);
+    /// @}
 
     /// Where the owner of each area is told of the mouse.
     const std::vector<std::shared_ptr<NSTrackingArea>>& trackingAreas() const noexcept {
         return trackingAreas_;
     }
+    /// Its owner is told from the next event on.
     void addTrackingArea(const std::shared_ptr<NSTrackingArea>& area);
     /// Nothing when the view does not have it.
     void removeTrackingArea(const std::shared_ptr<NSTrackingArea>& area);
@@ -162,24 +183,36 @@ public:
     /// Whether the view may become what keys go to; false unless overridden.
     virtual bool acceptsFirstResponder() const { return false; }
     /// Called before the view gets the keyboard, and before it loses it; false refuses.
+    /// @{
     virtual bool becomeFirstResponder() { return true; }
     virtual bool resignFirstResponder() { return true; }
+    /// @}
     /// Where Tab goes from here; null for the next in the order of the tree.
+    /// @{
     std::shared_ptr<NSView> nextKeyView() const noexcept { return nextKeyView_.lock(); }
     void setNextKeyView(const std::shared_ptr<NSView>& view);
+    /// @}
     /// Whether the host draws a frame around the view while it has the keyboard. True unless set.
+    /// @{
     bool showsFocusRing() const noexcept { return showsFocusRing_; }
     void setShowsFocusRing(bool shows);
+    /// @}
 
     // What a host shows besides
 
     /// Shown while the mouse rests over the view; empty for none.
+    /// @{
     const std::string& toolTip() const noexcept { return toolTip_; }
     void setToolTip(std::string toolTip);
+    /// @}
+    /// The pointer over the view; `arrow` unless set.
+    /// @{
     NSCursor cursor() const noexcept { return cursor_; }
     void setCursor(NSCursor cursor);
     /// The context menu; null for that of the superview.
+    /// @}
     virtual std::shared_ptr<NSMenu> menu(const NSEvent& forEvent);
+    /// Null takes the view's own away. What overrides `menu` need not look at it.
     void setMenu(std::shared_ptr<NSMenu> menu) { menu_ = std::move(menu); }
 
     // What is dragged, out of the window and into it.
@@ -197,13 +230,15 @@ public:
     /// What the view accepts was dropped at a point of it. Does nothing unless overridden.
     virtual void urlsDropped(const std::vector<URL>& urls, CGPoint at);
 
-    // What a screen reader says of the view. Controls know it of themselves; what is set goes
-    // before that.
-
+    /// What a screen reader says of the view: controls know it of themselves, and what is set goes
+    /// before that. `group` when nobody says otherwise.
+    /// @{
     NSAccessibilityRole accessibilityRole() const;
     void setAccessibilityRole(NSAccessibilityRole role);
+    /// @}
     /// What the view is called; its tool tip when nothing else is known.
     std::string accessibilityLabel() const;
+    /// An empty one leaves the tool tip.
     void setAccessibilityLabel(std::string label);
     /// What it stands at, as text.
     std::string accessibilityValue() const;
@@ -219,10 +254,12 @@ protected:
     virtual void contentDidChange();
     /// Something that a host shows besides the drawing has changed.
     void propertiesDidChange();
-    // What a class of views knows of itself.
+    /// What a class of views knows of itself: `group`, and nothing to say, unless overridden.
+    /// @{
     virtual NSAccessibilityRole ownAccessibilityRole() const;
     virtual std::string ownAccessibilityLabel() const { return {}; }
     virtual std::string ownAccessibilityValue() const { return {}; }
+    /// @}
 
 private:
     friend class NSWindow;

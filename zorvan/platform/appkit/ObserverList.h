@@ -10,6 +10,7 @@ namespace zorvan {
 template <class Observer>
 class ObserverList {
 public:
+    /// Told from the next change on; one that is added twice is told twice.
     void add(const std::shared_ptr<Observer>& observer) {
         std::erase_if(observers_, [](const auto& other) { return other.expired(); });
         observers_.push_back(observer);

@@ -200,10 +200,9 @@ std::optional<Bitmap> LibmpvCore::draw(std::int64_t width, std::int64_t height) 
 
 } // namespace
 
-extern "C" void zorvanMakeMpvCore(std::function<void()> wake, std::unique_ptr<MpvCore>& core) {
-    auto made = std::make_unique<LibmpvCore>(std::move(wake));
-    if (made->start())
-        core = std::move(made);
+std::unique_ptr<MpvCore> MpvCore::create(std::function<void()> wake) {
+    auto core = std::make_unique<LibmpvCore>(std::move(wake));
+    return core->start() ? std::move(core) : nullptr;
 }
 
 } // namespace zorvan::avfoundation

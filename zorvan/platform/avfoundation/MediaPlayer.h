@@ -11,6 +11,8 @@
 
 namespace zorvan::avfoundation {
 
+class PlayerEngine;
+
 /// Plays one movie or sound file. It opens no window: pictures are asked for.
 ///
 /// The file is opened in the background, paused at its start; seeks and steps asked for meanwhile
@@ -77,8 +79,7 @@ public:
     std::optional<Bitmap> picture();
 
 private:
-    class Engine;
-    const std::unique_ptr<Engine> engine_;
+    const std::unique_ptr<PlayerEngine> engine_;
 };
 
 } // namespace zorvan::avfoundation

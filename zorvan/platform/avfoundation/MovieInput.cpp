@@ -59,6 +59,8 @@ CGSize naturalSize(AVFormatContext& input, AVStream& stream) noexcept {
     return {pixelRatio > 0 ? std::round(width * pixelRatio) : width, height};
 }
 
+namespace {
+
 /// The stream's display matrix as it is stored; empty when it has none. FFmpeg 6.1 and later have
 /// it among the parameters of the codec; the other way is that of Debian 12's 5.1, and goes with
 /// it.
@@ -75,6 +77,8 @@ std::span<const std::uint8_t> displayMatrix(const AVStream& stream) noexcept {
     return {bytes, bytes ? size : 0};
 #endif
 }
+
+} // namespace
 
 CGAffineTransform preferredTransform(const AVStream& stream) noexcept {
     const std::span bytes = displayMatrix(stream);

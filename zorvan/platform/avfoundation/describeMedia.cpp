@@ -4,12 +4,9 @@
 
 namespace zorvan::avfoundation {
 
-extern "C" void zorvanDescribeMedia(const std::string& path, const MediaReadingOptions& options,
-                                    std::optional<MediaDescription>& result);
-
 std::optional<MediaDescription> describeMedia(const std::string& path,
                                               const MediaReadingOptions& options) {
-    static const auto function = ZORVAN_FUNCTION_BESIDE(ZORVAN_FFMPEG_MEDIA, zorvanDescribeMedia);
+    static const auto function = ZORVAN_FUNCTION(ZORVAN_FFMPEG_MEDIA, zorvanDescribeMedia);
     return callFFmpeg(function, path, options);
 }
 

@@ -1,6 +1,5 @@
-#include <zorvan/platform/avfoundation/describeMedia.h>
-
 #include <zorvan/platform/avfoundation/internal/MovieInput.h>
+#include <zorvan/platform/avfoundation/internal/ffmpegMedia.h>
 #include <zorvan/platform/avfoundation/internal/metadataIdentifier.h>
 
 #include <algorithm>

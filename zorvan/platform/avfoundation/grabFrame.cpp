@@ -4,11 +4,8 @@
 
 namespace zorvan::avfoundation {
 
-extern "C" void zorvanGrabFrame(const std::string& path, const FrameRequest& request,
-                                std::optional<GrabbedFrame>& result);
-
 std::optional<GrabbedFrame> grabFrame(const std::string& path, const FrameRequest& request) {
-    static const auto function = ZORVAN_FUNCTION_BESIDE(ZORVAN_FFMPEG_MEDIA, zorvanGrabFrame);
+    static const auto function = ZORVAN_FUNCTION(ZORVAN_FFMPEG_MEDIA, zorvanGrabFrame);
     return callFFmpeg(function, path, request);
 }
 

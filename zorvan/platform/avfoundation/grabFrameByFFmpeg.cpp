@@ -1,6 +1,5 @@
-#include <zorvan/platform/avfoundation/grabFrame.h>
-
 #include <zorvan/platform/avfoundation/internal/MovieInput.h>
+#include <zorvan/platform/avfoundation/internal/ffmpegMedia.h>
 #include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/graphics/ExactTransforms.h>
 

@@ -2,7 +2,8 @@
 
 #include <zorvan/platform/bundles/internal/IconTheme.h>
 #include <zorvan/platform/bundles/internal/KeyFile.h>
-#include <zorvan/platform/bundles/internal/desktopFolders.h>
+#include <zorvan/platform/foundation/NSHomeDirectory.h>
+#include <zorvan/platform/foundation/internal/desktopFolders.h>
 
 #include <algorithm>
 #include <array>
@@ -58,7 +59,7 @@ std::optional<URL> iconInBundle(const NSBundle& bundle) {
 }
 
 std::optional<URL> iconOfDesktopEntry(const std::string& name, std::int64_t size) {
-    for (const fs::path& data : dataFolders()) {
+    for (const fs::path& data : internal::dataFolders()) {
         const std::optional<KeyFile> entry =
             KeyFile::read((data / "applications" / (name + ".desktop")).string());
         if (!entry)
@@ -71,12 +72,23 @@ std::optional<URL> iconOfDesktopEntry(const std::string& name, std::int64_t size
     return std::nullopt;
 }
 
+/// Where icons and themes of icons are.
+std::vector<fs::path> iconFolders() {
+    std::vector<fs::path> places;
+    if (const std::string home = NSHomeDirectory(); !home.empty())
+        places.push_back(fs::path(home) / ".icons");
+    for (const fs::path& data : internal::dataFolders())
+        places.push_back(data / "icons");
+    places.emplace_back("/usr/share/pixmaps");
+    return places;
+}
+
 std::string userTheme() {
     constexpr std::array<const char*, 3> settings[] = {
         {"gtk-4.0/settings.ini", "Settings", "gtk-icon-theme-name"},
         {"gtk-3.0/settings.ini", "Settings", "gtk-icon-theme-name"},
         {"kdeglobals", "Icons", "Theme"}};
-    for (const fs::path& folder : configurationFolders())
+    for (const fs::path& folder : internal::configurationFolders())
         for (const auto& [file, group, key] : settings) {
             const std::optional<KeyFile> read = KeyFile::read((folder / file).string());
             const std::string* theme = read ? read->value(group, key) : nullptr;

@@ -1,7 +1,7 @@
 #include <zorvan/platform/bundles/internal/IconTheme.h>
 
 #include <zorvan/platform/bundles/internal/KeyFile.h>
-#include <zorvan/platform/bundles/internal/desktopFolders.h>
+#include <zorvan/platform/foundation/internal/forEachPart.h>
 
 #include <algorithm>
 #include <system_error>
@@ -22,10 +22,12 @@ bool staysInside(std::string_view name) {
 
 std::vector<std::string> listed(const KeyFile& index, const char* key) {
     const std::string* names = index.value(section, key);
-    std::vector<std::string> parts = names ? split(*names, ',') : std::vector<std::string>();
-    for (std::string& part : parts)
-        part.erase(0, part.find_first_not_of(' '));
-    std::erase_if(parts, [](const std::string& name) { return !staysInside(name); });
+    std::vector<std::string> parts;
+    internal::forEachPart(names ? *names : std::string_view(), ',', [&](std::string_view part) {
+        part.remove_prefix(std::min(part.find_first_not_of(' '), part.size()));
+        if (staysInside(part))
+            parts.emplace_back(part);
+    });
     return parts;
 }
 
@@ -71,10 +73,13 @@ void IconTheme::takeUsualFolders() {
 
 std::optional<IconTheme> IconTheme::read(const std::string& name,
                                          const std::vector<fs::path>& places) {
+    // One folder has many paths, and a theme that inherits from itself under each would never end.
+    if (name.empty() || name.find('/') != std::string::npos || !staysInside(name))
+        return std::nullopt;
     IconTheme theme;
     for (const fs::path& place : places) {
         std::error_code ignored;
-        if (!name.empty() && staysInside(name) && fs::is_directory(place / name, ignored))
+        if (fs::is_directory(place / name, ignored))
             theme.places_.push_back(place / name);
     }
     for (const fs::path& place : theme.places_)

@@ -64,8 +64,8 @@ std::shared_ptr<NSBundle> NSBundle::create(const std::string& path) {
 
 std::shared_ptr<NSBundle> NSBundle::mainBundle() {
     // Never destroyed, since it may be asked for while the program ends.
-    static const auto& bundle = *new std::shared_ptr<NSBundle>(
-        new NSBundle(bundlePathForExecutable(executablePath())));
+    static const auto& bundle =
+        *new std::shared_ptr<NSBundle>(new NSBundle(bundlePathForExecutable(executablePath())));
     return bundle;
 }
 

@@ -1,10 +1,10 @@
 #include <zorvan/platform/coreservices/internal/MimeDatabase.h>
 
 #include <zorvan/platform/coreservices/internal/words.h>
+#include <zorvan/platform/foundation/internal/desktopFolders.h>
 #include <zorvan/platform/foundation/internal/readRegularFile.h>
 
 #include <charconv>
-#include <cstdlib>
 
 namespace zorvan::coreservices {
 
@@ -17,21 +17,10 @@ std::string readFile(const std::string& path) {
     return internal::readRegularFile(path, maximumFileSize).value_or("");
 }
 
-std::string environment(const char* name, std::string otherwise) {
-    const char* value = std::getenv(name);
-    return value && *value ? value : std::move(otherwise);
-}
-
 std::vector<std::string> standardDirectories() {
-    std::vector<std::string> directories{
-        environment("XDG_DATA_HOME", environment("HOME", "") + "/.local/share") + "/mime"};
-    forEachPart(environment("XDG_DATA_DIRS", "/usr/local/share:/usr/share"), ':',
-                [&](std::string_view directory) {
-                    directories.push_back(std::string(directory) + "/mime");
-                });
-    // The base-directory rules leave relative paths out; they would also let the current directory
-    // decide what files are.
-    std::erase_if(directories, [](const std::string& path) { return !path.starts_with('/'); });
+    std::vector<std::string> directories;
+    for (const std::filesystem::path& data : internal::dataFolders())
+        directories.push_back(data / "mime");
     return directories;
 }
 

@@ -2,12 +2,9 @@
 
 #include <zorvan/platform/dispatch/Block.h>
 
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
-#include <mutex>
 #include <string>
 
 namespace zorvan {
@@ -28,6 +25,7 @@ public:
     /// dispatch queue.
     static const std::shared_ptr<NSOperationQueue>& main();
 
+    ~NSOperationQueue();
     NSOperationQueue(const NSOperationQueue&) = delete;
     NSOperationQueue& operator=(const NSOperationQueue&) = delete;
 
@@ -57,19 +55,13 @@ public:
 
 private:
     enum class Kind { background, main };
+    struct State;
     explicit NSOperationQueue(Kind kind);
 
-    bool mayStart() const noexcept;
     void start(Block block);
     void finishOne();
 
-    const Kind kind_;
-    mutable std::mutex mutex_;
-    std::condition_variable finished_;
-    std::string name_;
-    std::deque<Block> waiting_;
-    std::size_t running_ = 0;
-    std::int64_t maxCount_;
+    const std::unique_ptr<State> state_;
 };
 
 } // namespace zorvan

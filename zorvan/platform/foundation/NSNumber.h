@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <limits>
-#include <variant>
 
 namespace zorvan {
 
@@ -12,40 +11,36 @@ class NSNumber {
 public:
     /// Of that kind; a float becomes a double, an integer that fits a signed one.
     /// @{
-    constexpr NSNumber(bool value) noexcept : value_(value) {}
-    constexpr NSNumber(int value) noexcept : value_(std::int64_t{value}) {}
-    constexpr NSNumber(std::int64_t value) noexcept : value_(value) {}
-    constexpr NSNumber(std::uint64_t value) noexcept : value_(static_cast<std::int64_t>(value)) {
+    constexpr NSNumber(bool value) noexcept : kind_(Kind::truth), signed_(value) {}
+    constexpr NSNumber(int value) noexcept : NSNumber(std::int64_t{value}) {}
+    constexpr NSNumber(std::int64_t value) noexcept : kind_(Kind::signed_), signed_(value) {}
+    constexpr NSNumber(std::uint64_t value) noexcept : NSNumber(static_cast<std::int64_t>(value)) {
         if (value > largestSigned)
-            value_ = value;
+            kind_ = Kind::unsigned_;
     }
-    constexpr NSNumber(double value) noexcept : value_(value) {}
-    constexpr NSNumber(float value) noexcept : value_(double{value}) {}
+    constexpr NSNumber(double value) noexcept : kind_(Kind::real), real_(value) {}
+    constexpr NSNumber(float value) noexcept : NSNumber(double{value}) {}
     /// @}
 
     /// Which kind it is; exactly one of truth value, integer and real.
     /// @{
-    constexpr bool isBool() const noexcept { return std::holds_alternative<bool>(value_); }
-    constexpr bool isInteger() const noexcept {
-        return std::holds_alternative<std::int64_t>(value_) || isUnsigned();
-    }
+    constexpr bool isBool() const noexcept { return kind_ == Kind::truth; }
+    constexpr bool isInteger() const noexcept { return kind_ == Kind::signed_ || isUnsigned(); }
     /// @}
     /// An integer above the largest signed one.
-    constexpr bool isUnsigned() const noexcept {
-        return std::holds_alternative<std::uint64_t>(value_);
-    }
+    constexpr bool isUnsigned() const noexcept { return kind_ == Kind::unsigned_; }
     /// A `float` or `double`.
-    constexpr bool isReal() const noexcept { return std::holds_alternative<double>(value_); }
+    constexpr bool isReal() const noexcept { return kind_ == Kind::real; }
 
     /// False for zero, true for everything else.
-    constexpr bool boolValue() const noexcept {
-        return std::visit([](auto v) { return v != decltype(v){}; }, value_);
-    }
+    constexpr bool boolValue() const noexcept { return doubleValue() != 0; }
 
     /// The nearest real; a truth value is 1 or 0.
     /// @{
     constexpr double doubleValue() const noexcept {
-        return std::visit([](auto v) { return static_cast<double>(v); }, value_);
+        if (isReal())
+            return real_;
+        return isUnsigned() ? static_cast<double>(uint64Value()) : static_cast<double>(signed_);
     }
 
     constexpr float floatValue() const noexcept { return static_cast<float>(doubleValue()); }
@@ -54,19 +49,15 @@ public:
     /// A real is truncated toward zero; a number outside the signed 64-bit range becomes the
     /// nearest end of it, and NaN becomes 0.
     constexpr std::int64_t int64Value() const noexcept {
-        if (const double* real = std::get_if<double>(&value_))
-            return truncated(*real);
-        if (const bool* truth = std::get_if<bool>(&value_))
-            return *truth ? 1 : 0;
-        if (isUnsigned())
-            return std::numeric_limits<std::int64_t>::max();
-        return std::get<std::int64_t>(value_);
+        if (isReal())
+            return truncated(real_);
+        return isUnsigned() ? std::numeric_limits<std::int64_t>::max() : signed_;
     }
 
     /// The same for the unsigned range.
     constexpr std::uint64_t uint64Value() const noexcept {
-        if (const auto* large = std::get_if<std::uint64_t>(&value_))
-            return *large;
+        if (isUnsigned())
+            return static_cast<std::uint64_t>(signed_);
         constexpr double signedLimit = 9223372036854775808.0; // 2^63
         if (isReal() && doubleValue() >= signedLimit)
             return doubleValue() < 2 * signedLimit ? static_cast<std::uint64_t>(doubleValue())
@@ -79,7 +70,7 @@ public:
         if (a.isReal() || b.isReal())
             return a.doubleValue() == b.doubleValue();
         if (a.isUnsigned() || b.isUnsigned())
-            return a.value_ == b.value_;
+            return a.uint64Value() == b.uint64Value();
         return a.int64Value() == b.int64Value();
     }
 
@@ -97,7 +88,12 @@ private:
 
     static constexpr std::uint64_t largestSigned = std::numeric_limits<std::int64_t>::max();
 
-    std::variant<bool, std::int64_t, std::uint64_t, double> value_;
+    enum class Kind : std::uint8_t { truth, signed_, unsigned_, real };
+    Kind kind_;
+    union {
+        std::int64_t signed_; // of an unsigned number the same bits, of a truth value 0 or 1
+        double real_;
+    };
 };
 
 } // namespace zorvan

@@ -27,18 +27,26 @@ public:
 
     /// A value of that kind.
     /// @{
-    PropertyList(NSNumber value) : value_(value) {}
+    PropertyList(NSNumber value);
     template <class Number>
     requires std::integral<Number> || std::floating_point<Number> PropertyList(Number value)
-        : value_(boxed(value)) {}
-    PropertyList(std::string value) : value_(std::move(value)) {}
-    PropertyList(std::string_view value) : value_(std::string(value)) {}
-    PropertyList(const char* value) : value_(std::string(value)) {}
-    PropertyList(Date value) : value_(value) {}
-    PropertyList(Data value) : value_(std::move(value)) {}
-    PropertyList(Array value) : value_(std::move(value)) {}
-    PropertyList(Dictionary value) : value_(std::move(value)) {}
+        : PropertyList(boxed(value)) {}
+    PropertyList(std::string value);
+    PropertyList(std::string_view value);
+    PropertyList(const char* value);
+    PropertyList(Date value);
+    PropertyList(Data value);
+    PropertyList(Array value);
+    PropertyList(Dictionary value);
     /// @}
+    /// A value of its own.
+    /// @{
+    PropertyList(const PropertyList& other);
+    PropertyList(PropertyList&& other) noexcept;
+    PropertyList& operator=(const PropertyList& other);
+    PropertyList& operator=(PropertyList&& other) noexcept;
+    /// @}
+    ~PropertyList();
 
     /// The value when it is of that kind. For `NSNumber`, `std::string`, `Date`, `Data`, `Array`
     /// and `Dictionary` a pointer to it, or null. For `bool`, `std::int64_t` and `double` what the
@@ -68,11 +76,10 @@ public:
     /// @}
 
     /// Equal in kind and content; numbers by value.
-    friend bool operator==(const PropertyList& a, const PropertyList& b) {
-        return a.value_ == b.value_;
-    }
+    friend bool operator==(const PropertyList& a, const PropertyList& b) { return a.isEqual(b); }
 
 private:
+    bool isEqual(const PropertyList& other) const;
     template <class Number>
     static NSNumber boxed(Number value) {
         if constexpr (std::same_as<Number, bool>)

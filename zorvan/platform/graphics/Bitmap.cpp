@@ -10,6 +10,10 @@ void Bitmap::Free::operator()(std::uint8_t* pixels) const noexcept {
         PixelStore::release(pixels, byteCount);
 }
 
+Bitmap::Bitmap(std::int64_t width, std::int64_t height, BitmapLayout layout, std::uint8_t* pixels,
+               Free free)
+    : width_(width), height_(height), layout_(layout), pixels_(pixels, std::move(free)) {}
+
 std::optional<Bitmap> Bitmap::make(std::int64_t width, std::int64_t height, BitmapLayout layout) {
     return make(width, height, layout, Contents::transparent);
 }

@@ -70,8 +70,7 @@ private:
         return width >= 1 && height >= 1 && width <= maximumPixelCount / height;
     }
     Bitmap(std::int64_t width, std::int64_t height, BitmapLayout layout, std::uint8_t* pixels,
-           Free free)
-        : width_(width), height_(height), layout_(layout), pixels_(pixels, std::move(free)) {}
+           Free free);
 
     std::int64_t width_;
     std::int64_t height_;

@@ -62,7 +62,7 @@ struct GradientPaint {
         double location;  ///< From 0 to 1.
         PaintColor color; ///< Not multiplied by alpha.
     };
-    std::vector<Stop> stops; ///< In order of their locations; at least one.
+    std::vector<Stop> stops; ///< In order of their locations; none paint nothing.
     /// In the gradient's own coordinates, which `toTarget` leads out of.
     /// @{
     CGPoint start;

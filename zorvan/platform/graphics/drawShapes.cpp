@@ -1,4 +1,4 @@
-#include <zorvan/platform/graphics/DrawingTarget.h>
+#include <zorvan/platform/graphics/internal/cairoDrawingFunctions.h>
 
 #include <zorvan/platform/graphics/drawBitmap.h>
 #include <zorvan/platform/graphics/internal/CairoDrawing.h>
@@ -253,8 +253,8 @@ CGPath paintedArea(const CGRect& source, const CGAffineTransform& t) {
 
 } // namespace
 
-void fillPath(const DrawingTarget& target, const CGPath& path, CGPathFillRule rule,
-              const Paint& paint, const DrawingStyle& style) {
+extern "C" void zorvanFillPath(const DrawingTarget& target, const CGPath& path, CGPathFillRule rule,
+                               const Paint& paint, const DrawingStyle& style) {
     drawShape(target, path.controlPointBoundingBox(), paint, style, [&](cairo_t* cairo) {
         appendPath(cairo, path);
         cairo_set_fill_rule(cairo, rule == CGPathFillRule::evenOdd ? CAIRO_FILL_RULE_EVEN_ODD
@@ -263,8 +263,9 @@ void fillPath(const DrawingTarget& target, const CGPath& path, CGPathFillRule ru
     });
 }
 
-void strokePath(const DrawingTarget& target, const CGPath& path, const StrokeStyle& stroke,
-                const Paint& paint, const DrawingStyle& style) {
+extern "C" void zorvanStrokePath(const DrawingTarget& target, const CGPath& path,
+                                 const StrokeStyle& stroke, const Paint& paint,
+                                 const DrawingStyle& style) {
     if (!isInvertible(stroke.toTarget) || !(stroke.lineWidth >= 0) ||
         !std::isfinite(stroke.lineWidth))
         return;
@@ -279,8 +280,8 @@ void strokePath(const DrawingTarget& target, const CGPath& path, const StrokeSty
               });
 }
 
-void drawPicture(const DrawingTarget& target, const Bitmap& source,
-                 const CGAffineTransform& transform, const DrawingStyle& style) {
+extern "C" void zorvanDrawPicture(const DrawingTarget& target, const Bitmap& source,
+                                  const CGAffineTransform& transform, const DrawingStyle& style) {
     const CGRect rect(0, 0, static_cast<double>(source.width()),
                       static_cast<double>(source.height()));
     if (!isInvertible(transform))
@@ -298,8 +299,8 @@ void drawPicture(const DrawingTarget& target, const Bitmap& source,
             area = paintedArea(rect, transform);
         else
             area.addRect(covered);
-        fillPath(tile, area, CGPathFillRule::winding, PatternPaint{std::move(layer), fromTile},
-                 style);
+        zorvanFillPath(tile, area, CGPathFillRule::winding,
+                       PatternPaint{std::move(layer), fromTile}, style);
     }
 }
 

@@ -1,6 +1,7 @@
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/Outline.h>
 #include <zorvan/platform/imageio/internal/PictureSink.h>
+#include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
 #include <array>
@@ -211,8 +212,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<ImageReader> makeGifReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<GifReader>(std::move(source));
+extern "C" void zorvanMakeGifReader(std::unique_ptr<ByteSource> source,
+                                    std::unique_ptr<ImageReader>& reader) {
+    reader = std::make_unique<GifReader>(std::move(source));
 }
 
 } // namespace zorvan::imageio

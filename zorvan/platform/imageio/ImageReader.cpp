@@ -111,11 +111,21 @@ std::unique_ptr<ImageReader> readerFor(std::unique_ptr<ByteSource> source) {
 }
 
 std::unique_ptr<ImageReader> makeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format) {
-    static const auto make = ZORVAN_FUNCTION_BESIDE(ZORVAN_HEIF_PICTURES, zorvanMakeHeifReader);
+    static const auto make = ZORVAN_FUNCTION(ZORVAN_HEIF_PICTURES, zorvanMakeHeifReader);
     if (!make)
         return std::make_unique<UnreadableFile>(reason::noDecoder);
     std::unique_ptr<ImageReader> reader;
     make(std::move(source), format, reader);
+    return reader;
+}
+
+using MakeReader = void(std::unique_ptr<ByteSource>, std::unique_ptr<ImageReader>&);
+
+std::unique_ptr<ImageReader> readerMadeBy(MakeReader* make, std::unique_ptr<ByteSource> source) {
+    if (!make)
+        return std::make_unique<UnreadableFile>(reason::noDecoder);
+    std::unique_ptr<ImageReader> reader;
+    make(std::move(source), reader);
     return reader;
 }
 
@@ -130,12 +140,23 @@ std::unique_ptr<ImageReader> makeAvifReader(std::unique_ptr<ByteSource> source) 
 }
 
 std::unique_ptr<ImageReader> makeJpegXLReader(std::unique_ptr<ByteSource> source) {
-    static const auto make = ZORVAN_FUNCTION_BESIDE(ZORVAN_JXL_PICTURES, zorvanMakeJpegXLReader);
-    if (!make)
-        return std::make_unique<UnreadableFile>(reason::noDecoder);
-    std::unique_ptr<ImageReader> reader;
-    make(std::move(source), reader);
-    return reader;
+    static const auto make = ZORVAN_FUNCTION(ZORVAN_JXL_PICTURES, zorvanMakeJpegXLReader);
+    return readerMadeBy(make, std::move(source));
+}
+
+std::unique_ptr<ImageReader> makeTiffReader(std::unique_ptr<ByteSource> source) {
+    static const auto make = ZORVAN_FUNCTION(ZORVAN_TIFF_PICTURES, zorvanMakeTiffReader);
+    return readerMadeBy(make, std::move(source));
+}
+
+std::unique_ptr<ImageReader> makeWebPReader(std::unique_ptr<ByteSource> source) {
+    static const auto make = ZORVAN_FUNCTION(ZORVAN_WEBP_PICTURES, zorvanMakeWebPReader);
+    return readerMadeBy(make, std::move(source));
+}
+
+std::unique_ptr<ImageReader> makeGifReader(std::unique_ptr<ByteSource> source) {
+    static const auto make = ZORVAN_FUNCTION(ZORVAN_GIF_PICTURES, zorvanMakeGifReader);
+    return readerMadeBy(make, std::move(source));
 }
 
 std::string_view typeIdentifier(FileFormat format) noexcept {

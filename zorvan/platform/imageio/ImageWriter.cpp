@@ -10,15 +10,23 @@ namespace zorvan::imageio {
 namespace {
 
 std::optional<Data> encodeHeic(const Frame& frame) {
-    static const auto encodeFrame = ZORVAN_FUNCTION_BESIDE(ZORVAN_HEIF_PICTURES, zorvanEncodeHeic);
+    static const auto encodeFrame = ZORVAN_FUNCTION(ZORVAN_HEIF_PICTURES, zorvanEncodeHeic);
     std::optional<Data> bytes;
     if (encodeFrame)
         encodeFrame(frame, bytes);
     return bytes;
 }
 
+std::optional<Data> encodeTiff(std::span<const Frame> frames) {
+    static const auto encodeFrames = ZORVAN_FUNCTION(ZORVAN_TIFF_PICTURES, zorvanEncodeTiff);
+    std::optional<Data> bytes;
+    if (encodeFrames)
+        encodeFrames(frames, bytes);
+    return bytes;
+}
+
 bool hasHeicEncoder() {
-    static const auto ask = ZORVAN_FUNCTION_BESIDE(ZORVAN_HEIF_PICTURES, zorvanHasHeicEncoder);
+    static const auto ask = ZORVAN_FUNCTION(ZORVAN_HEIF_PICTURES, zorvanHasHeicEncoder);
     bool has = false;
     if (ask)
         ask(has);

@@ -3,6 +3,7 @@
 #include <zorvan/platform/imageio/internal/TiffFile.h>
 #include <zorvan/platform/imageio/internal/TiffProperties.h>
 #include <zorvan/platform/imageio/internal/TiffSamples.h>
+#include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
 #include <array>
@@ -265,8 +266,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<ImageReader> makeTiffReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<TiffReader>(std::move(source));
+extern "C" void zorvanMakeTiffReader(std::unique_ptr<ByteSource> source,
+                                     std::unique_ptr<ImageReader>& reader) {
+    reader = std::make_unique<TiffReader>(std::move(source));
 }
 
 } // namespace zorvan::imageio

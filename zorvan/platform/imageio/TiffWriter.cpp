@@ -1,5 +1,6 @@
 #include <zorvan/platform/imageio/internal/FrameWriter.h>
 #include <zorvan/platform/imageio/internal/StoredProperties.h>
+#include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
 #include <array>
@@ -168,7 +169,7 @@ bool writePage(TIFF* tiff, MemoryFile& file, const Frame& frame, std::size_t pag
 
 } // namespace
 
-std::optional<Data> encodeTiff(std::span<const Frame> frames) {
+extern "C" void zorvanEncodeTiff(std::span<const Frame> frames, std::optional<Data>& bytes) {
     constexpr std::size_t maximumPages = 65'000;
     std::int64_t byteCount = 0;
     for (const Frame& frame : frames)
@@ -176,12 +177,12 @@ std::optional<Data> encodeTiff(std::span<const Frame> frames) {
     MemoryFile file;
     Tiff tiff = openForWriting(file, byteCount);
     if (!tiff || frames.size() > maximumPages)
-        return std::nullopt;
+        return;
     for (const Frame& frame : frames)
         if (!writePage(tiff.get(), file, frame, frames.size()))
-            return std::nullopt;
+            return;
     tiff.reset();
-    return std::move(file.bytes);
+    bytes = std::move(file.bytes);
 }
 
 } // namespace zorvan::imageio

@@ -2,6 +2,7 @@
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/Outline.h>
 #include <zorvan/platform/imageio/internal/PictureSink.h>
+#include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
 #include <array>
@@ -209,8 +210,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<ImageReader> makeWebPReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<WebPReader>(std::move(source));
+extern "C" void zorvanMakeWebPReader(std::unique_ptr<ByteSource> source,
+                                     std::unique_ptr<ImageReader>& reader) {
+    reader = std::make_unique<WebPReader>(std::move(source));
 }
 
 } // namespace zorvan::imageio

@@ -1,9 +1,7 @@
 #include <zorvan/platform/security/internal/ItemDatabase.h>
 
-#include <zorvan/platform/foundation/NSHomeDirectory.h>
+#include <zorvan/platform/foundation/internal/desktopFolders.h>
 #include <zorvan/platform/security/internal/Failure.h>
-
-#include <cstdlib>
 
 namespace zorvan::security {
 
@@ -32,19 +30,13 @@ constexpr const char* firstSchema =
     "modified INTEGER NOT NULL, revision INTEGER NOT NULL, sealing_key BLOB NOT NULL, "
     "sealed BLOB NOT NULL, UNIQUE (service, account, access_group, synchronizable))";
 
-std::string homeFolder() {
-    std::string home = NSHomeDirectory();
-    if (home.empty())
-        throw Failure{errSecNotAvailable};
-    return home;
-}
-
 } // namespace
 
 std::string standardFolder() {
-    const char* const data = ::secure_getenv("XDG_DATA_HOME");
-    const std::string base = data && data[0] == '/' ? data : homeFolder() + "/.local/share";
-    return base + "/zorvan/secure-items";
+    const std::optional<std::string> folder = internal::dataFolder();
+    if (!folder)
+        throw Failure{errSecNotAvailable};
+    return *folder + "/zorvan/secure-items";
 }
 
 /// The log stays where it is on closing, which happens while the process forks and should not take

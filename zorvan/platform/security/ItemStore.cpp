@@ -241,7 +241,7 @@ ItemStore& ItemStore::ofUser(bool mayCreate) {
     return *ofUser_;
 }
 
-void ItemStore::closeForFork() {
+void ItemStore::close() {
     if (ofUser_)
         ofUser_->database_.reset();
 }

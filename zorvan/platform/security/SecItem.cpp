@@ -44,7 +44,7 @@ void prepareFork() {
     if (isModifying())
         return;
     itemsMutex.lock();
-    ItemStore::closeForFork();
+    ItemStore::close();
 }
 
 void endFork() {
@@ -67,7 +67,14 @@ OSStatus withItems(Action action) {
             lock.lock();
         else if (modifyingProcess != ::getpid()) // a child, which has no part in the transaction
             throw Failure{errSecNotAvailable};
-        action();
+        try {
+            action();
+        } catch (const privatestore::DatabaseFailure&) {
+            // A connection that could not be opened for writing, be it by chance, stays so.
+            if (!isModifying())
+                ItemStore::close();
+            throw;
+        }
         return errSecSuccess;
     } catch (...) {
         return statusOfException();

@@ -1,10 +1,9 @@
 #include <zorvan/platform/settingsdatabase/SettingsFolder.h>
 
-#include <zorvan/platform/foundation/NSHomeDirectory.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/desktopFolders.h>
 #include <zorvan/platform/foundation/internal/percentEscapes.h>
 
-#include <cstdlib>
 #include <utility>
 
 namespace zorvan {
@@ -29,11 +28,8 @@ std::string fileName(std::string_view domain) {
 } // namespace
 
 std::optional<std::string> settingsFolder() {
-    const char* configuration = std::getenv("XDG_CONFIG_HOME");
-    if (configuration && configuration[0] == '/')
-        return std::string(configuration) + "/zorvan";
-    const std::string home = NSHomeDirectory();
-    return home.empty() ? std::nullopt : std::optional(home + "/.config/zorvan");
+    const std::optional<std::string> folder = internal::configurationFolder();
+    return folder ? std::optional(*folder + "/zorvan") : std::nullopt;
 }
 
 std::optional<std::string> settingsPath(std::string_view domain) {

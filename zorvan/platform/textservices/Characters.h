@@ -83,8 +83,8 @@ public:
             Iterator before = *this;
             ++*this;
             return before;
-            /// @}
         }
+        /// @}
         /// At the same place.
         friend bool operator==(const Iterator& a, const Iterator& b) noexcept {
             return a.start_ == b.start_;

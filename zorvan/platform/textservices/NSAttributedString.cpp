@@ -32,12 +32,24 @@ NSAttributedString::NSAttributedString(std::u16string text, AttributeDictionary 
         runs_.push_back({{0, text_.size()}, std::move(attributes)});
 }
 
+// Here rather than in the header: copying a dictionary of variants costs the compiler much.
+NSAttributedString::NSAttributedString() noexcept = default;
+NSAttributedString::NSAttributedString(const NSAttributedString& other) = default;
+NSAttributedString::NSAttributedString(NSAttributedString&& other) noexcept = default;
+NSAttributedString& NSAttributedString::operator=(const NSAttributedString& other) = default;
+NSAttributedString& NSAttributedString::operator=(NSAttributedString&& other) noexcept = default;
+NSAttributedString::~NSAttributedString() = default;
+
 std::string NSAttributedString::string() const { return utf8FromUTF16(text_); }
+
+std::vector<Run> NSAttributedString::runs() && noexcept { return std::move(runs_); }
 
 const Run& NSAttributedString::runAt(std::size_t location) const& {
     require({location, 1});
     return *runHolding(runs_, location);
 }
+
+Run NSAttributedString::runAt(std::size_t location) && { return runAt(location); }
 
 NSAttributedString NSAttributedString::attributedSubstring(NSRange range) const {
     require(range);

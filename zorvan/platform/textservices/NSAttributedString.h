@@ -26,12 +26,21 @@ public:
         friend bool operator==(const Run&, const Run&) = default;
     };
 
-    NSAttributedString() = default;
+    /// No text.
+    NSAttributedString() noexcept;
     /// The text, all of it with those attributes.
     /// @{
     explicit NSAttributedString(std::string_view text, AttributeDictionary attributes = {});
     explicit NSAttributedString(std::u16string text, AttributeDictionary attributes = {});
     /// @}
+    /// A text of its own.
+    /// @{
+    NSAttributedString(const NSAttributedString& other);
+    NSAttributedString(NSAttributedString&& other) noexcept;
+    NSAttributedString& operator=(const NSAttributedString& other);
+    NSAttributedString& operator=(NSAttributedString&& other) noexcept;
+    /// @}
+    ~NSAttributedString();
 
     /// How many UTF-16 units there are.
     std::size_t length() const noexcept { return text_.size(); }
@@ -47,13 +56,13 @@ public:
     /// The runs, first to last; they cover the text, none is empty, neighbours differ.
     /// @{
     const std::vector<Run>& runs() const& noexcept { return runs_; }
-    std::vector<Run> runs() && noexcept { return std::move(runs_); }
+    std::vector<Run> runs() && noexcept;
     /// @}
 
     /// The run that holds the unit at `location`, which must lie inside the text.
     /// @{
     const Run& runAt(std::size_t location) const&;
-    Run runAt(std::size_t location) && { return runAt(location); }
+    Run runAt(std::size_t location) &&;
     /// @}
 
     /// The text in the range with its attributes.

@@ -1,10 +1,10 @@
 #include <zorvan/settings/internal/conversions.h>
 
+#include <zorvan/platform/foundation/NSHomeDirectory.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
 
 #include <algorithm>
 #include <charconv>
-#include <cstdlib>
 #include <limits>
 #include <string_view>
 
@@ -130,9 +130,9 @@ std::optional<URL> asURL(const PropertyList& value) {
         return std::nullopt;
     if (text->starts_with('/'))
         return URL({.fileURLWithPath = *text});
-    const char* home = std::getenv("HOME");
-    if (home && (*text == "~" || text->starts_with("~/")))
-        return URL({.fileURLWithPath = home + text->substr(1)});
+    if (*text == "~" || text->starts_with("~/"))
+        if (const std::string home = NSHomeDirectory(); !home.empty())
+            return URL({.fileURLWithPath = home + text->substr(1)});
     return URL::make({.string = *text});
 }
 

@@ -20,8 +20,7 @@ namespace zorvan::avfoundation {
 class MpvCore {
 public:
     /// `wake` is called on threads of libmpv when there are events or a frame. Empty when libmpv
-    /// refuses, as it does under a numeric locale other than C's, or is not there: libmpv, which
-    /// takes a program longer to load than all else together, is loaded here.
+    /// refuses, as it does under a numeric locale other than C's.
     static std::unique_ptr<MpvCore> create(std::function<void()> wake);
     virtual ~MpvCore() = default;
     MpvCore(const MpvCore&) = delete;
@@ -47,7 +46,5 @@ public:
 protected:
     MpvCore() = default;
 };
-
-extern "C" void zorvanMakeMpvCore(std::function<void()> wake, std::unique_ptr<MpvCore>& core);
 
 } // namespace zorvan::avfoundation

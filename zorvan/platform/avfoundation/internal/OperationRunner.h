@@ -1,22 +1,13 @@
 #pragma once
 
-#include <zorvan/platform/avfoundation/MediaPlayer.h>
 #include <zorvan/platform/avfoundation/internal/MpvCore.h>
+#include <zorvan/platform/avfoundation/internal/mpvPlayback.h>
 
 #include <chrono>
 #include <cstdint>
 #include <optional>
 
 namespace zorvan::avfoundation {
-
-struct Operation {
-    enum class Kind { open, exactSeek, quickSeek, step };
-
-    Kind kind = Kind::open;
-    double seconds = 0;     // of a seek
-    std::int64_t steps = 0; // of a step; below zero: back
-    MediaPlayer::Completion completion = {};
-};
 
 /// Does one seek or step at a time: sends the commands for it, and from the events it is told of
 /// finds out where and when it has landed.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zorvan/platform/avfoundation/describeMedia.h>
+#include <zorvan/platform/avfoundation/grabFrame.h>
 #include <zorvan/platform/foundation/internal/functionBeside.h>
 
 #include <optional>
@@ -9,6 +11,11 @@
 // to load than all else together.
 
 namespace zorvan::avfoundation {
+
+extern "C" void zorvanGrabFrame(const std::string& path, const FrameRequest& request,
+                                std::optional<GrabbedFrame>& result);
+extern "C" void zorvanDescribeMedia(const std::string& path, const MediaReadingOptions& options,
+                                    std::optional<MediaDescription>& result);
 
 /// What the function gives; absent when there is none, since the library, or one that it needs, is
 /// not there.

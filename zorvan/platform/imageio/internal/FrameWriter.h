@@ -12,7 +12,6 @@ namespace zorvan::imageio {
 // One function for each format; each throws, or gives nothing when the codec refuses.
 std::optional<Data> encodeJpeg(const Frame& frame);
 std::optional<Data> encodePng(const Frame& frame);
-std::optional<Data> encodeTiff(std::span<const Frame> frames);
 
 /// Whether every pixel is.
 bool isOpaque(const Bitmap& bitmap) noexcept;

@@ -6,9 +6,11 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 
-// What stands on libheif, in a library of its own: with its codecs that takes a program longer to
-// load than all other picture formats together.
+// What stands on the libraries of formats that many programs never meet, in libraries of our own,
+// one for each. With its codecs libheif takes a program longer to load than all the others
+// together.
 
 namespace zorvan::imageio {
 
@@ -19,5 +21,14 @@ extern "C" void zorvanEncodeHeic(const Frame& frame, std::optional<Data>& bytes)
 
 extern "C" void zorvanMakeJpegXLReader(std::unique_ptr<ByteSource> source,
                                        std::unique_ptr<ImageReader>& reader);
+
+extern "C" void zorvanMakeTiffReader(std::unique_ptr<ByteSource> source,
+                                     std::unique_ptr<ImageReader>& reader);
+extern "C" void zorvanEncodeTiff(std::span<const Frame> frames, std::optional<Data>& bytes);
+
+extern "C" void zorvanMakeWebPReader(std::unique_ptr<ByteSource> source,
+                                     std::unique_ptr<ImageReader>& reader);
+extern "C" void zorvanMakeGifReader(std::unique_ptr<ByteSource> source,
+                                    std::unique_ptr<ImageReader>& reader);
 
 } // namespace zorvan::imageio

@@ -298,11 +298,10 @@ private:
 
 } // namespace
 
-std::unique_ptr<Transport> makeBusTransport(Transport::Receive receive) {
-    Bus bus = openBus();
-    if (!bus)
-        return nullptr;
-    return std::make_unique<BusTransport>(std::move(bus), std::move(receive));
+extern "C" void zorvanMakeBusTransport(Transport::Receive receive,
+                                       std::unique_ptr<Transport>& transport) {
+    if (Bus bus = openBus())
+        transport = std::make_unique<BusTransport>(std::move(bus), std::move(receive));
 }
 
 } // namespace zorvan::internal

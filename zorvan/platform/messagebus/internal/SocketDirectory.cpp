@@ -1,10 +1,10 @@
 #include <zorvan/platform/messagebus/internal/SocketDirectory.h>
 
 #include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/foundation/internal/desktopFolders.h>
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -54,10 +54,10 @@ bool isOwnUsers(int socket) noexcept {
 }
 
 std::optional<SocketDirectory> SocketDirectory::open() {
-    const char* const runtime = ::secure_getenv("XDG_RUNTIME_DIR");
-    if (!runtime || runtime[0] != '/' || !openFolder(runtime))
+    const std::optional<std::string> runtime = internal::pathFromEnvironment("XDG_RUNTIME_DIR");
+    if (!runtime || !openFolder(*runtime))
         return std::nullopt;
-    const std::string path = std::string(runtime) + folderName;
+    const std::string path = *runtime + folderName;
     if (::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
         return std::nullopt;
     FileDescriptor folder = openFolder(path);

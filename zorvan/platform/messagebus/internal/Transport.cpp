@@ -1,5 +1,7 @@
 #include <zorvan/platform/messagebus/internal/Transport.h>
 
+#include <zorvan/platform/foundation/internal/functionBeside.h>
+
 #include <utility>
 
 namespace zorvan::internal {
@@ -17,6 +19,14 @@ public:
 private:
     const Receive receive_;
 };
+
+std::unique_ptr<Transport> makeBusTransport(const Transport::Receive& receive) {
+    static const auto make = ZORVAN_FUNCTION(ZORVAN_SESSION_BUS, zorvanMakeBusTransport);
+    std::unique_ptr<Transport> transport;
+    if (make)
+        make(receive, transport);
+    return transport;
+}
 
 } // namespace
 

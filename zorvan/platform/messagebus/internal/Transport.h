@@ -27,7 +27,8 @@ public:
 };
 
 /// Over the session bus; null when it cannot be reached.
-std::unique_ptr<Transport> makeBusTransport(Transport::Receive receive);
+extern "C" void zorvanMakeBusTransport(Transport::Receive receive,
+                                       std::unique_ptr<Transport>& transport);
 
 /// Through sockets in the user's run-time directory; null when that is missing or another's.
 std::unique_ptr<Transport> makeSocketTransport(Transport::Receive receive);

@@ -44,7 +44,26 @@ DatabaseFailure::Reason reasonOf(int code) {
     }
 }
 
+/// Whether the last that went wrong with a file was that the disk did not give what it has.
+bool couldNotBeRead(sqlite3* connection, int whichFile) {
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(connection, "main", whichFile, &file);
+    int error = 0;
+    if (file && file->pMethods)
+        file->pMethods->xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &error);
+    return error == EIO || error == ENXIO || error == ERANGE;
+}
+
+/// The engine takes bytes that cannot be read for damage.
+bool isOfTheDisk(sqlite3* connection, int code) {
+    return connection && primary(code) == SQLITE_CORRUPT &&
+           (couldNotBeRead(connection, SQLITE_FCNTL_FILE_POINTER) ||
+            couldNotBeRead(connection, SQLITE_FCNTL_JOURNAL_POINTER));
+}
+
 [[noreturn]] void fail(sqlite3* connection, int code) {
+    if (isOfTheDisk(connection, code))
+        throw DatabaseFailure(DatabaseFailure::Reason::inputOutput, sqlite3_errstr(SQLITE_IOERR));
     throw DatabaseFailure(reasonOf(code),
                           connection ? sqlite3_errmsg(connection) : sqlite3_errstr(code));
 }

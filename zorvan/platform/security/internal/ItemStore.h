@@ -26,9 +26,9 @@ public:
     /// The items of this user; made when there are none and `mayCreate`, else `errSecItemNotFound`.
     /// Used under a lock of the caller's.
     static ItemStore& ofUser(bool mayCreate);
-    /// Closes the database of this user until it is used next, since it cannot be taken along into
-    /// a child.
-    static void closeForFork();
+    /// Closes the database of this user until it is used next: before a fork, since it cannot be
+    /// taken along into a child.
+    static void close();
 
     /// False when it is there already.
     bool add(const NewItem& item);

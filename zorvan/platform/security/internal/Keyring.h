@@ -21,4 +21,8 @@ struct KeyringAnswer {
 /// anything.
 KeyringAnswer askKeyring(bool mayCreate, std::chrono::milliseconds patience);
 
+/// The same by the secret service of the desktop, through libsecret, which is loaded for it.
+extern "C" void zorvanAskSecretService(bool mayCreate, std::chrono::milliseconds patience,
+                                       KeyringAnswer& answer);
+
 } // namespace zorvan::security

@@ -147,7 +147,7 @@ void SettingsDatabase::Core::refresh(bool isOtherFile) {
 
 void SettingsDatabase::Core::compact(const std::vector<std::int64_t>& waste) {
     const bool isMuch = memory_.removed() > manyRemoved && memory_.removed() > memory_.size() / 2;
-    if (waste.empty() && !isMuch)
+    if (!file_ || (waste.empty() && !isMuch)) // closed when what we wrote could not be read
         return;
     try {
         file_->compact(waste);

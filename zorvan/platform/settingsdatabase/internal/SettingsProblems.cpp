@@ -15,7 +15,10 @@ void SettingsDatabase::Core::meet(const DatabaseFailure& failure, const char* co
         return;
     }
     note(failure.what() + std::string(consequence));
-    if (file_ && known_ != file_->identity()) // not even read
+    // The engine goes on with reading when a file could not be opened for writing, be it by chance.
+    const bool isStuck =
+        failure.reason == DatabaseFailure::Reason::notPermitted && file_ && file_->isWritable();
+    if (file_ && (isStuck || known_ != file_->identity())) // not even read
         close();
 }
 

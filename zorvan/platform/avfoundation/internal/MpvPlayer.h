@@ -1,8 +1,8 @@
 #pragma once
 
-#include <zorvan/platform/avfoundation/MediaPlayer.h>
 #include <zorvan/platform/avfoundation/internal/MpvCore.h>
 #include <zorvan/platform/avfoundation/internal/OperationRunner.h>
+#include <zorvan/platform/avfoundation/internal/mpvPlayback.h>
 
 #include <condition_variable>
 #include <deque>
@@ -13,17 +13,20 @@
 namespace zorvan::avfoundation {
 
 /// The player's thread: it owns the core, passes on what is asked for, and tells the listener.
-class MediaPlayer::Engine {
+class MpvPlayer final : public PlayerEngine {
 public:
-    Engine(const std::string& path, double frameDuration, std::weak_ptr<Listener> listener);
-    ~Engine();
+    using Status = MediaPlayer::Status;
+    using Listener = MediaPlayer::Listener;
 
-    Status status() const;
-    PlaybackClock clock() const;
-    double rate() const;
-    void setRate(double rate);
-    void add(Operation operation);
-    std::optional<Bitmap> picture();
+    MpvPlayer(const std::string& path, double frameDuration, std::weak_ptr<Listener> listener);
+    ~MpvPlayer() override;
+
+    Status status() const override;
+    PlaybackClock clock() const override;
+    double rate() const override;
+    void setRate(double rate) override;
+    void add(Operation operation) override;
+    std::optional<Bitmap> picture() override;
 
 private:
     using Lock = std::unique_lock<std::mutex>;

@@ -1,4 +1,4 @@
-#include <zorvan/platform/avfoundation/internal/PlayerEngine.h>
+#include <zorvan/platform/avfoundation/internal/MpvPlayer.h>
 
 #include <zorvan/platform/graphics/ExactTransforms.h>
 
@@ -36,8 +36,8 @@ bool hasIndex(std::string_view format) {
 
 } // namespace
 
-MediaPlayer::Engine::Engine(const std::string& path, double frameDuration,
-                            std::weak_ptr<Listener> listener)
+MpvPlayer::MpvPlayer(const std::string& path, double frameDuration,
+                     std::weak_ptr<Listener> listener)
     : listener_(std::move(listener)) {
     clock_.at = Clock::now();
     core_ = MpvCore::create([this] { wake(); });
@@ -57,7 +57,7 @@ MediaPlayer::Engine::Engine(const std::string& path, double frameDuration,
     thread_ = std::thread([this] { run(); });
 }
 
-MediaPlayer::Engine::~Engine() {
+MpvPlayer::~MpvPlayer() {
     {
         const Lock lock(mutex_);
         isStopping_ = true;
@@ -68,22 +68,22 @@ MediaPlayer::Engine::~Engine() {
     core_.reset();
 }
 
-MediaPlayer::Status MediaPlayer::Engine::status() const {
+MpvPlayer::Status MpvPlayer::status() const {
     const Lock lock(mutex_);
     return status_;
 }
 
-PlaybackClock MediaPlayer::Engine::clock() const {
+PlaybackClock MpvPlayer::clock() const {
     const Lock lock(mutex_);
     return clock_;
 }
 
-double MediaPlayer::Engine::rate() const {
+double MpvPlayer::rate() const {
     const Lock lock(mutex_);
     return rate_;
 }
 
-void MediaPlayer::Engine::setRate(double rate) {
+void MpvPlayer::setRate(double rate) {
     {
         const Lock lock(mutex_);
         if (status_ == Status::failed)
@@ -94,7 +94,7 @@ void MediaPlayer::Engine::setRate(double rate) {
     changed_.notify_all();
 }
 
-void MediaPlayer::Engine::add(Operation operation) {
+void MpvPlayer::add(Operation operation) {
     Lock lock(mutex_);
     if (status_ == Status::failed) {
         lock.unlock();
@@ -112,7 +112,7 @@ void MediaPlayer::Engine::add(Operation operation) {
     changed_.notify_all();
 }
 
-std::optional<Bitmap> MediaPlayer::Engine::picture() {
+std::optional<Bitmap> MpvPlayer::picture() {
     const std::scoped_lock one(pictureMutex_);
     Lock lock(mutex_);
     if (status_ != Status::ready)
@@ -123,7 +123,7 @@ std::optional<Bitmap> MediaPlayer::Engine::picture() {
     return std::exchange(drawn_, std::nullopt);
 }
 
-void MediaPlayer::Engine::wake() {
+void MpvPlayer::wake() {
     {
         const Lock lock(mutex_);
         isWoken_ = true;
@@ -131,7 +131,7 @@ void MediaPlayer::Engine::wake() {
     changed_.notify_all();
 }
 
-void MediaPlayer::Engine::run() {
+void MpvPlayer::run() {
     while (waitForWork()) {
         handleEvents();
         if (core_->takeFrame())
@@ -150,7 +150,7 @@ void MediaPlayer::Engine::run() {
 }
 
 /// False when the player is to end.
-bool MediaPlayer::Engine::waitForWork() {
+bool MpvPlayer::waitForWork() {
     Lock lock(mutex_);
     const auto hasWork = [this] {
         if (isStopping_ || isWoken_ || isPictureAsked_ || !dropped_.empty())
@@ -165,7 +165,7 @@ bool MediaPlayer::Engine::waitForWork() {
     return !isStopping_;
 }
 
-void MediaPlayer::Engine::handleEvents() {
+void MpvPlayer::handleEvents() {
     for (;;) {
         const mpv_event& event = core_->nextEvent();
         if (event.event_id == MPV_EVENT_NONE)
@@ -174,7 +174,7 @@ void MediaPlayer::Engine::handleEvents() {
     }
 }
 
-void MediaPlayer::Engine::handle(const mpv_event& event) {
+void MpvPlayer::handle(const mpv_event& event) {
     switch (event.event_id) {
     case MPV_EVENT_SEEK:
         runner_->didSeek();
@@ -206,7 +206,7 @@ void MediaPlayer::Engine::handle(const mpv_event& event) {
     }
 }
 
-void MediaPlayer::Engine::handleChange(const mpv_event& event) {
+void MpvPlayer::handleChange(const mpv_event& event) {
     const auto& property = *static_cast<const mpv_event_property*>(event.data);
     if (property.format == MPV_FORMAT_NONE)
         return;
@@ -240,7 +240,7 @@ void MediaPlayer::Engine::handleChange(const mpv_event& event) {
     }
 }
 
-void MediaPlayer::Engine::startNext() {
+void MpvPlayer::startNext() {
     dropWaiting();
     std::optional<Operation> next;
     PlaybackClock clock;
@@ -264,7 +264,7 @@ void MediaPlayer::Engine::startNext() {
     runner_->start(std::move(*next), Clock::now());
 }
 
-void MediaPlayer::Engine::handle(OperationRunner::Outcome outcome) {
+void MpvPlayer::handle(OperationRunner::Outcome outcome) {
     const bool isOpening = outcome.operation.kind == Operation::Kind::open;
     if (isOpening && outcome.finished)
         setStatus(Status::ready);
@@ -279,7 +279,7 @@ void MediaPlayer::Engine::handle(OperationRunner::Outcome outcome) {
         outcome.operation.completion(outcome.finished);
 }
 
-void MediaPlayer::Engine::applyRate() {
+void MpvPlayer::applyRate() {
     double rate = 0;
     {
         const Lock lock(mutex_);
@@ -306,7 +306,7 @@ void MediaPlayer::Engine::applyRate() {
 }
 
 /// The end was reached, or is where playing was to begin.
-void MediaPlayer::Engine::endPlaying() {
+void MpvPlayer::endPlaying() {
     double seconds = 0;
     {
         const Lock lock(mutex_);
@@ -318,7 +318,7 @@ void MediaPlayer::Engine::endPlaying() {
     setClock(seconds, true);
 }
 
-void MediaPlayer::Engine::drawIfAsked() {
+void MpvPlayer::drawIfAsked() {
     {
         const Lock lock(mutex_);
         if (!isPictureAsked_)
@@ -335,7 +335,7 @@ void MediaPlayer::Engine::drawIfAsked() {
     changed_.notify_all();
 }
 
-void MediaPlayer::Engine::fail() {
+void MpvPlayer::fail() {
     {
         const Lock lock(mutex_);
         if (status_ == Status::failed)
@@ -348,7 +348,7 @@ void MediaPlayer::Engine::fail() {
     runner_->abort();
 }
 
-void MediaPlayer::Engine::setStatus(Status status) {
+void MpvPlayer::setStatus(Status status) {
     {
         const Lock lock(mutex_);
         if (status_ == Status::failed)
@@ -359,7 +359,7 @@ void MediaPlayer::Engine::setStatus(Status status) {
         listener->statusDidChange(status);
 }
 
-void MediaPlayer::Engine::setClock(double seconds, bool isJump) {
+void MpvPlayer::setClock(double seconds, bool isJump) {
     PlaybackClock clock;
     {
         const Lock lock(mutex_);
@@ -371,7 +371,7 @@ void MediaPlayer::Engine::setClock(double seconds, bool isJump) {
         listener->clockDidChange(clock, isJump);
 }
 
-void MediaPlayer::Engine::dropWaiting() {
+void MpvPlayer::dropWaiting() {
     std::deque<Operation> dropped;
     {
         const Lock lock(mutex_);
@@ -382,6 +382,12 @@ void MediaPlayer::Engine::dropWaiting() {
     for (const Operation& operation : dropped)
         if (operation.completion)
             operation.completion(false);
+}
+
+extern "C" void zorvanMakePlayerEngine(const std::string& path, double frameDuration,
+                                       std::weak_ptr<MediaPlayer::Listener> listener,
+                                       std::unique_ptr<PlayerEngine>& engine) {
+    engine = std::make_unique<MpvPlayer>(path, frameDuration, std::move(listener));
 }
 
 } // namespace zorvan::avfoundation

@@ -1,0 +1,191 @@
+// A program that has opened everything and waits for its user sleeps until something happens: no
+// thread of it looks around from time to time, for which a laptop would have to wake up.
+
+#include <tests/Variable.h>
+#include <tests/files/TemporaryFolder.h>
+
+#include <zorvan/hosts/QtWindowHost.h>
+#include <zorvan/interface/DynamicToolbar.h>
+#include <zorvan/interface/NSTableView.h>
+#include <zorvan/observation/DistributedNoteSubscriber.h>
+#include <zorvan/observation/NoteSubscriber.h>
+#include <zorvan/observation/ValueLoader.h>
+#include <zorvan/platform/appkit/NSScrollView.h>
+#include <zorvan/settings/NSUserDefaults.h>
+#include <zorvan/settings/UserKeychain.h>
+
+#include <QApplication>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace zorvan;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Longer than worker threads without work stay, and than Qt keeps its own threads and the pictures
+/// that it no longer needs, which is half a minute.
+constexpr int quietSeconds = 35;
+
+/// How often each thread of a process has gone to sleep.
+using Sleeps = std::map<std::string, std::int64_t>;
+
+Sleeps sleepsOf(pid_t process) {
+    Sleeps sleeps;
+    std::error_code gone;
+    const std::string tasks = "/proc/" + std::to_string(process) + "/task";
+    for (const auto& thread : std::filesystem::directory_iterator(tasks, gone)) {
+        std::ifstream status(thread.path() / "status");
+        for (std::string word; status >> word;)
+            if (word == "voluntary_ctxt_switches:")
+                status >> sleeps[thread.path().filename()];
+    }
+    return sleeps;
+}
+
+/// A process of its own that runs a function which does not return.
+class Process {
+public:
+    explicit Process(void (*run)() noexcept) : id_(::fork()) {
+        if (id_ == 0) {
+            run();
+            ::_exit(1);
+        }
+    }
+    ~Process() {
+        ::kill(id_, SIGKILL);
+        ::waitpid(id_, nullptr, 0);
+    }
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
+
+    Sleeps sleeps() const { return sleepsOf(id_); }
+    bool hasEnded() const { return ::waitpid(id_, nullptr, WNOHANG) != 0; }
+    /// False when it does not come to rest within minutes.
+    bool comesToRest() const {
+        Sleeps before;
+        for (int seconds = 0, quiet = 0; seconds < 5 * quietSeconds; ++seconds) {
+            Sleeps now = sleeps();
+            quiet = now == before ? quiet + 1 : 0;
+            if (quiet == quietSeconds)
+                return true;
+            before = std::move(now);
+            std::this_thread::sleep_for(1s);
+        }
+        return false;
+    }
+
+private:
+    const pid_t id_;
+};
+
+struct Rows : NSTableViewDataSource {
+    std::int64_t numberOfRows(const NSTableView&) const override { return 1000; }
+    std::string text(const NSTableView&, std::int64_t, std::int64_t row) const override {
+        return std::to_string(row);
+    }
+};
+
+std::shared_ptr<NSWindow> windowOf(const std::shared_ptr<NSTableView>& table,
+                                   const std::shared_ptr<DynamicToolbar>& bar) {
+    table->setNumberOfColumns(1);
+    const auto scrollView = NSScrollView::create();
+    scrollView->setDocumentView(table);
+    bar->addItemSet();
+    const auto item = NSToolbarItem::create("Export");
+    item->setTitle("Export");
+    bar->addItem({.identifier = "Export"})->setItem(item);
+    const auto window = NSWindow::create({600, 400});
+    window->setToolbar(bar->toolbar());
+    window->setContentView(scrollView);
+    bar->reloadDisplayedItems();
+    return window;
+}
+
+/// What the program makes when it has opened everything.
+std::string readyFile() { return std::getenv("XDG_DATA_HOME") + std::string("/ready"); }
+
+void runProgram() noexcept {
+    static int count = 1;
+    static char name[] = "idle";
+    static char* arguments[] = {name, nullptr};
+    const QApplication application(count, arguments);
+
+    const auto target = std::make_shared<int>();
+    const auto subscriber = NoteSubscriber::create(NSNotificationCenter::defaultCenter());
+    subscriber->setName("IdleNotification");
+    subscriber->subscribe(target, [](const std::shared_ptr<int>&, const Notification&) {});
+    const auto distributed =
+        DistributedNoteSubscriber::create(NSDistributedNotificationCenter::defaultCenter());
+    distributed->setName("IdleNotification");
+    distributed->subscribe(target, [](const std::shared_ptr<int>&, const Notification&) {});
+
+    const auto settings = NSUserDefaults::create({.suiteName = "idle"});
+    settings->setInteger(1, "key");
+    const auto keychain = UserKeychain::create({.serviceName = "idle"});
+    const bool isSecretKept = keychain->set("secret", UserKeychain::Key("key"));
+
+    const auto rows = std::make_shared<Rows>();
+    const auto table = NSTableView::create();
+    const auto bar = DynamicToolbar::create({"IdleToolbar"});
+    const auto window = windowOf(table, bar);
+    table->setDataSource(rows);
+    const auto host = QtWindowHost::show(window);
+    const auto loader =
+        ValueLoader<int>::create(NSOperationQueue::create(), [] { return std::optional(1); });
+    bool isLoaded = false;
+    loader->request([&] { isLoaded = true; });
+    while (!isLoaded)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (isSecretKept)
+        std::ofstream(readyFile()).flush();
+    QApplication::exec();
+}
+
+void runTicking() noexcept {
+    for (;;)
+        std::this_thread::sleep_for(100ms);
+}
+
+// `./run idle` asks for a minute.
+std::chrono::seconds measuredTime() {
+    const char* const seconds = std::getenv("ZORVAN_IDLE_SECONDS");
+    return std::chrono::seconds(seconds ? std::atoi(seconds) : 3);
+}
+
+TEST(IdleProgram, IsNeverWoken) {
+    const TemporaryFolder home;
+    const Variable settings("XDG_CONFIG_HOME", home.path().c_str());
+    const Variable data("XDG_DATA_HOME", home.path().c_str());
+    const Variable runtime("XDG_RUNTIME_DIR", home.path().c_str());
+    const Variable bus("DBUS_SESSION_BUS_ADDRESS", nullptr);
+    const Variable platform("QT_QPA_PLATFORM", "offscreen");
+    const Process program(runProgram);
+    ASSERT_TRUE(program.comesToRest());
+    const Sleeps before = program.sleeps();
+    ASSERT_TRUE(std::filesystem::exists(readyFile()));
+    std::this_thread::sleep_for(measuredTime());
+    EXPECT_EQ(program.sleeps(), before);
+    EXPECT_FALSE(program.hasEnded());
+}
+
+TEST(IdleProgram, IsToldFromOneThatIsWoken) {
+    const Process program(runTicking);
+    const Sleeps before = program.sleeps();
+    std::this_thread::sleep_for(2s);
+    EXPECT_NE(program.sleeps(), before);
+}
+
+} // namespace

@@ -1,0 +1,74 @@
+#pragma once
+
+// Lists whose items are told from their equals, and random changes of them.
+
+#include "tests/Testing.h"
+
+#include <zorvan/collections/IndexSet.h>
+
+#include <random>
+
+/// Equal to others of its name, and still itself.
+struct Thing {
+    int name;
+    int self;
+    friend bool operator==(const Thing& a, const Thing& b) { return a.name == b.name; }
+};
+
+inline std::vector<int> selvesOf(const std::vector<Thing>& things) {
+    std::vector<int> selves;
+    for (const Thing& thing : things)
+        selves.push_back(thing.self);
+    return selves;
+}
+
+inline bool byName(const Thing& a, const Thing& b) { return a.name < b.name; }
+
+/// Random changes of a list; the names are few, so that most things have equals.
+class Changes {
+public:
+    explicit Changes(unsigned seed, int nameCount = 7) : random_(seed), nameCount_(nameCount) {}
+
+    std::int64_t below(std::int64_t end) {
+        return std::uniform_int_distribution<std::int64_t>(0, end - 1)(random_);
+    }
+    std::vector<Thing> things(std::int64_t count) {
+        std::vector<Thing> made;
+        for (std::int64_t i = 0; i < count; ++i)
+            made.push_back({static_cast<int>(below(nameCount_)), next_++});
+        return made;
+    }
+    IndexSet some(std::int64_t count) {
+        IndexSet positions;
+        const std::int64_t step = 1 + below(8);
+        for (std::int64_t i = below(step); i < count; i += 1 + below(step))
+            positions.insert(i);
+        return positions;
+    }
+
+private:
+    std::mt19937 random_;
+    const int nameCount_;
+    int next_ = 0;
+};
+
+/// One change, of seven kinds, of those that lists of both kinds have.
+template <class List>
+void change(List& list, Changes& changes, std::int64_t kind) {
+    const std::int64_t count = list.count();
+    switch (kind) {
+    case 0:
+    case 1:
+        return list.insert(changes.things(changes.below(12)), changes.below(count + 1));
+    case 2:
+        return list.remove(changes.some(count));
+    case 3:
+        return list.move(changes.some(count), changes.below(count + 1));
+    case 4:
+        return list.sort(byName);
+    case 5:
+        return list.sort([](const Thing& a, const Thing& b) { return a.self % 5 < b.self % 5; });
+    default:
+        return list.select(changes.some(count));
+    }
+}
