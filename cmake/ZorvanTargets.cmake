@@ -222,6 +222,22 @@ function(zorvan_finish_library)
           DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 endfunction()
 
+# zorvan_read_example(<family> <result>): the comment that a family's header opens with: what its example in
+# examples/families says and does, and what that prints, as the tests know it.
+function(zorvan_read_example family result)
+  set(example ${PROJECT_SOURCE_DIR}/examples/families/${family})
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${example}.cpp ${example}.out)
+  file(READ ${example}.cpp text)
+  file(READ ${example}.out printed)
+  string(REGEX MATCH "^(//[^\n]*\n)+" head "${text}")
+  string(REGEX REPLACE ".*using namespace zorvan;\n+" "" code "${text}")
+  foreach(block code printed)
+    string(REGEX REPLACE "(^|\n)([^\n]+)" "\\1    \\2" ${block} "${${block}}")
+    string(REGEX REPLACE "([^\n]*)\n" "//\\1\n" ${block} "${${block}}")
+  endforeach()
+  set(${result} "${head}//\n${code}//\n// prints\n//\n${printed}\n" PARENT_SCOPE)
+endfunction()
+
 # Writes <zorvan/FAMILY.h> for every family, and <zorvan/zorvan.h> for all of them and the services. They
 # are made from what the folders hold, so that no header can be left out. Hosts stand apart: each of their
 # headers wants a toolkit.
@@ -236,6 +252,7 @@ function(zorvan_write_gathering_headers)
     zorvan_list_headers(${entry} headers)
     if(headers AND NOT family STREQUAL platform)
       list(JOIN headers "" ZORVAN_INCLUDES)
+      zorvan_read_example(${family} ZORVAN_EXAMPLE)
       zorvan_write_gathering_header(${family})
       list(REMOVE_ITEM stale ${PROJECT_BINARY_DIR}/include/zorvan/${family}.h)
       string(APPEND everything ${ZORVAN_INCLUDES})
@@ -243,6 +260,7 @@ function(zorvan_write_gathering_headers)
       list(JOIN headers "" platform)
     endif()
   endforeach()
+  set(ZORVAN_EXAMPLE "// Everything. The header of each family has an example.\n")
   set(ZORVAN_INCLUDES "${everything}${platform}#include <zorvan/version.h>\n")
   zorvan_write_gathering_header(zorvan)
   configure_file(${PROJECT_SOURCE_DIR}/cmake/version.h.in ${PROJECT_BINARY_DIR}/include/zorvan/version.h @ONLY)

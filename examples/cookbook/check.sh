@@ -14,6 +14,7 @@ case $1 in
     ;;
 esac
 env -i PATH="$PATH" HOME="$work/home" XDG_RUNTIME_DIR="$work/home/run" TMPDIR="$work/home" LC_ALL=C.UTF-8 TZ=UTC \
+    QT_QPA_PLATFORM=offscreen \
     ASAN_OPTIONS="${ASAN_OPTIONS:-}" LSAN_OPTIONS="${LSAN_OPTIONS:-}" TSAN_OPTIONS="${TSAN_OPTIONS:-}" \
     "$1" >"$work/output"
 diff "$2" "$work/output"
