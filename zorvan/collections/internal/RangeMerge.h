@@ -16,8 +16,8 @@ namespace zorvan::internal {
 
 using Range = IndexSet::Range;
 
-/// -1 for a negative number, else 0. Positions are never negative, so their differences do not
-/// overflow. Arithmetic, because compilers make branches of comparisons and of "?:".
+/// -1 for a negative number, else 0. Arithmetic, because compilers make branches of comparisons and
+/// of "?:". It is given differences of positions, which are at least -1, so that none overflows.
 inline std::int64_t signOf(std::int64_t number) noexcept { return number >> 63; }
 inline std::int64_t chosen(std::int64_t sign, std::int64_t ifNegative,
                            std::int64_t otherwise) noexcept {
