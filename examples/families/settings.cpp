@@ -1,5 +1,5 @@
 // Settings with types, and a secret.
-// Link Zorvan::Settings.
+// Link Zorvan::Settings, Zorvan::UserKeychain.
 
 #include <zorvan/settings.h>
 
