@@ -296,7 +296,7 @@ function(zorvan_test name)
   gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300
     ENVIRONMENT "LSAN_OPTIONS=print_suppressions=0:suppressions=${PROJECT_SOURCE_DIR}/cmake/leaks.supp"
     # Another property, because a list does not survive the discovery.
-    ENVIRONMENT_MODIFICATION "TSAN_OPTIONS=set:suppressions=${PROJECT_SOURCE_DIR}/cmake/threads.supp")
+    ENVIRONMENT_MODIFICATION "TSAN_OPTIONS=set:suppressions=${PROJECT_SOURCE_DIR}/cmake/threads.supp:die_after_fork=0")
 endfunction()
 
 # zorvan_bench(<name> SOURCES <file>... USES <Component>... [NEEDS <pkg-config module of a peer>...])

@@ -220,7 +220,7 @@ public:
     void setDefaultValue(const EvaluedUserDefaultsKey<Coder>& of) {
         setIfNil(of, of.value);
     }
-    /// Whether anything is stored under the key's name, readable by its coder or not.
+    /// Whether anything is stored or registered under the key's name, readable by its coder or not.
     template <GenericUserDefaultsKey Key>
     bool hasValue(const Key& forKey) const {
         return hasObjectForKey(forKey.name);

@@ -169,3 +169,19 @@ TEST_F(Transactions, AreNotTakenAlongIntoAChild) {
     EXPECT_TRUE(inChild([&] { return size(*open()) == 2; }));
     SettingsDatabase::setProblemHandler({});
 }
+
+// While another thread forks, which takes hold of all that are open.
+TEST_F(Transactions, MayOpenAnotherWhileTheProcessForks) {
+    for (int round = 0; round < 20; ++round) {
+        const auto database = open();
+        std::thread forking;
+        EXPECT_EQ(database->transact([&] {
+            forking = std::thread([] { EXPECT_TRUE(inChild([] { return true; })); });
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            SettingsDatabase::open(folder_.path() / "other.settings")->set("k", round);
+            database->set("k", round);
+        }),
+                  Outcome::stored);
+        forking.join();
+    }
+}

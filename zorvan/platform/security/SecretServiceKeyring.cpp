@@ -1,12 +1,10 @@
 #include <zorvan/platform/security/internal/Keyring.h>
 
 #include <zorvan/platform/foundation/internal/Release.h>
-#include <zorvan/platform/foundation/internal/desktopFolders.h>
 
 #include <algorithm>
 #include <condition_variable>
 #include <csignal>
-#include <cstdlib>
 #include <libsecret/secret.h>
 #include <memory>
 #include <mutex>
@@ -14,7 +12,6 @@
 #include <sodium.h>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -39,25 +36,6 @@ const SecretSchema* schema() {
         return result;
     }();
     return &made;
-}
-
-/// Where the bus of the session is; empty without one. The connection is never left to find out by
-/// itself: it could start a bus.
-std::string busAddress() {
-    const char* const given = ::secure_getenv("DBUS_SESSION_BUS_ADDRESS");
-    if (given && *given)
-        return std::string_view(given).starts_with("autolaunch:") ? "" : given;
-    const std::optional<std::string> runtime = internal::pathFromEnvironment("XDG_RUNTIME_DIR");
-    if (!runtime)
-        return "";
-    const std::string path = *runtime + "/bus";
-    struct stat status {};
-    const bool isUsers = ::stat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode) &&
-                         status.st_uid == ::geteuid();
-    if (!isUsers)
-        return "";
-    const std::unique_ptr<char, Release<g_free>> escaped(g_dbus_address_escape_value(path.c_str()));
-    return "unix:path=" + std::string(escaped.get());
 }
 
 /// A client of the secret service that answers every prompt for the user: no.
@@ -163,8 +141,6 @@ public:
 
 private:
     bool connect() {
-        if (busAddress().empty())
-            return false;
         // The client insists on the connection that all of the process share.
         connection_.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, cancellable_, nullptr));
         if (!connection_)
@@ -266,8 +242,6 @@ bool startConversation(const std::shared_ptr<Exchange>& exchange, bool mayCreate
 
 extern "C" void zorvanAskSecretService(bool mayCreate, std::chrono::milliseconds patience,
                                        KeyringAnswer& answer) {
-    if (busAddress().empty())
-        return;
     const auto exchange = std::make_shared<Exchange>();
     if (!startConversation(exchange, mayCreate))
         return;

@@ -43,6 +43,9 @@ public:
     void unfollow(FollowerNumber number);
 
     // Around a fork, which finds nothing half done: the file is closed until it is used next.
+    /// False when somebody uses it now; but within this thread's transaction it is held anyway.
+    bool holdForFork();
+    void letGoForFork();
     void prepareFork();
     void endFork(bool isChild);
     /// At the end of the process the same; what is in memory is stored before.

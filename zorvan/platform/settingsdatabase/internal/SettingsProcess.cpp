@@ -2,8 +2,10 @@
 
 #include <zorvan/platform/settingsdatabase/internal/SettingsCore.h>
 
+#include <chrono>
 #include <pthread.h>
 #include <set>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -43,10 +45,30 @@ private:
 
     Process() { ::pthread_atfork(prepare, endInParent, endInChild); }
 
+    /// Whether nobody uses any of them from here on, but for a transaction that forks.
+    bool hold() {
+        for (auto core = cores.begin(); core != cores.end(); ++core) {
+            if ((*core)->holdForFork())
+                continue;
+            while (core != cores.begin())
+                (*--core)->letGoForFork();
+            return false;
+        }
+        return true;
+    }
+
     static void prepare() {
-        OpenDatabases::shared().mutex.lock();
         Process& process = shared();
-        process.mutex.lock();
+        for (;;) {
+            OpenDatabases::shared().mutex.lock();
+            process.mutex.lock();
+            if (process.hold())
+                break;
+            // Whoever uses a database may be about to open another, for which it needs these two.
+            process.mutex.unlock();
+            OpenDatabases::shared().mutex.unlock();
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
         for (Core* const core : process.cores)
             core->prepareFork();
         FileWatch::shared().lock();
@@ -98,12 +120,20 @@ void SettingsDatabase::Core::unpark() {
     watch();
 }
 
+bool SettingsDatabase::Core::holdForFork() {
+    isForkedWithin_ = isTransacting();
+    return isForkedWithin_ || using_.try_lock();
+}
+
+void SettingsDatabase::Core::letGoForFork() {
+    if (!isForkedWithin_)
+        using_.unlock();
+}
+
 /// A connection cannot be taken along into a child process: its locks stay behind, and what it has
 /// mapped is cut short by others, who do not know of the child.
 void SettingsDatabase::Core::prepareFork() {
-    isForkedWithin_ = isTransacting();
     if (!isForkedWithin_) {
-        using_.lock();
         if (file_ && isOwnProcess())
             file_->leaveLog();
         park();
@@ -121,8 +151,7 @@ void SettingsDatabase::Core::endFork(bool isChild) {
     }
     following_.unlock();
     holding_.unlock();
-    if (!isForkedWithin_)
-        using_.unlock();
+    letGoForFork();
 }
 
 void SettingsDatabase::Core::end() {
