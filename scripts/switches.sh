@@ -70,7 +70,8 @@ TEXT
 
 consumer Media UserKeychain >"$tree/said" || fail "$(cat "$tree/said")"
 cmake --build "$tree/consumer" -- --quiet
-export XDG_DATA_HOME="$tree/data" XDG_RUNTIME_DIR="$tree" HOME="$tree" DBUS_SESSION_BUS_ADDRESS=
+# A bus that is said to be there, so that its keyring is asked for.
+export XDG_DATA_HOME="$tree/data" XDG_RUNTIME_DIR="$tree" HOME="$tree" DBUS_SESSION_BUS_ADDRESS="unix:path=$tree/bus"
 printf 'no movie at all' >"$tree/movie.mp4"
 "$tree/consumer/without" "$root/examples/samples" "$tree/movie.mp4" >"$tree/answers" 2>"$tree/log"
 cat >"$tree/expected" <<'TEXT'
