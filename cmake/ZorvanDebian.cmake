@@ -121,6 +121,9 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzorvan-doc COMPONENT documents)
 install(FILES ${PROJECT_SOURCE_DIR}/README.md
         DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzorvan-doc COMPONENT documents)
+# What each library is linked with, which `./run package` writes before it packs.
+install(FILES ${PROJECT_BINARY_DIR}/zorvan.spdx.json
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzorvan-doc COMPONENT documents OPTIONAL)
 zorvan_debian_package(shelf zorvan-shelf SECTION graphics
   SUMMARY "contact sheets and smaller copies of pictures"
   TEXT "Lists pictures and movies, and writes contact sheets of them."
