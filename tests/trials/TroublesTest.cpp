@@ -27,10 +27,6 @@ bool takeStep(const Store& store, const fs::path& folder, std::int64_t i) {
     }
 }
 
-std::ptrdiff_t openDescriptors() {
-    return std::distance(fs::directory_iterator("/proc/self/fd"), {});
-}
-
 void expectInChild(const std::function<void()>& work) {
     EXPECT_EQ(exitStatus(startChild(work)), 0);
 }
@@ -78,6 +74,14 @@ INSTANTIATE_TEST_SUITE_P(Stores, Troubles, testing::ValuesIn(stores().begin(), s
                          [](const auto& info) { return std::string(info.param.name); });
 
 #if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+
+namespace {
+
+std::ptrdiff_t openDescriptors() {
+    return std::distance(fs::directory_iterator("/proc/self/fd"), {});
+}
+
+} // namespace
 
 // Each call of a step in turn, or, unless a campaign asks for all, every twelfth or so.
 TEST_P(Troubles, OfAnyCallAreTold) {
