@@ -20,8 +20,21 @@ addition = re.compile(r"^(typeinfo (name )?for|(construction )?vtable for|VTT fo
 runtime = re.compile(r"^(__(a|t|m)san|__odr_asan|__sancov|__gcov|_init$|_fini$|_edata$|_end$|__bss_start$)")
 
 
+def outermost_of_mangled(symbol):
+    """The same of a name whose constraints the tools cannot read yet: each part stands behind its length."""
+    rest = symbol[2:].lstrip("NKRO")
+    while length := re.match(r"\d+", rest):
+        end = length.end() + int(length[0])
+        part, rest = rest[length.end():end], rest[end:]
+        if part != "zorvan" and part not in spaces:
+            return part
+    return None
+
+
 def outermost(symbol):
     """The class or function of ours that a symbol belongs to: the first name after the namespaces."""
+    if symbol.startswith("_Z"):
+        return outermost_of_mangled(symbol)
     name = addition.sub("", symbol)
     # A template's name comes behind the type of its result, an argument's before that of its own.
     at, depth = None, 0
