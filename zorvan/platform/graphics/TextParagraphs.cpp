@@ -13,7 +13,6 @@ constexpr std::string_view ellipsis = "\u2026";
 /// More than this fills no line.
 constexpr std::size_t maximumByteCount = 65536;
 
-using Font = std::unique_ptr<PangoFontDescription, Release<pango_font_description_free>>;
 using AttributeList = std::unique_ptr<PangoAttrList, Release<pango_attr_list_unref>>;
 
 guint16 component(double value) noexcept {
@@ -50,7 +49,7 @@ public:
     }
 
     void writeFont(const TextFont& font, std::int64_t level) {
-        const Font description(pango_font_description_new());
+        const TextFontDescription description(pango_font_description_new());
         const double size = fontSizeOf(font);
         pango_font_description_set_family(description.get(), font.family.c_str());
         pango_font_description_set_absolute_size(description.get(),
