@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <limits>
 
 namespace zorvan {
 
@@ -35,7 +34,7 @@ std::string_view skippingSpace(std::string_view text) noexcept {
     return text;
 }
 
-// The number that the text begins with, after white space and an optional "0x".
+// The low bits of the number that the text begins with, after white space and an optional "0x".
 std::optional<std::uint64_t> scanHex(std::string_view text) noexcept {
     text = skippingSpace(text);
     if (text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x' && hexValue(text[2]) >= 0)
@@ -47,8 +46,6 @@ std::optional<std::uint64_t> scanHex(std::string_view text) noexcept {
         const int digit = hexValue(c);
         if (digit < 0)
             break;
-        if (value >> 60 != 0)
-            return std::numeric_limits<std::uint64_t>::max();
         value = value << 4 | static_cast<std::uint64_t>(digit);
     }
     return value;

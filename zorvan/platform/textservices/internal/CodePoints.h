@@ -12,7 +12,10 @@ namespace zorvan::internal {
 /// `offset` must lie inside the text.
 inline std::int32_t nextCodePoint(std::string_view text, std::size_t& offset) noexcept {
     std::int32_t codePoint;
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion" // in the macro
     U8_NEXT(text.data(), offset, text.size(), codePoint);
+#pragma GCC diagnostic pop
     return codePoint;
 }
 
