@@ -43,7 +43,7 @@ struct RGBA {
     /// White space is skipped before the "#" and before the digits, "0x" may stand before the
     /// digits, and whatever follows them is ignored; but every character after the first one of the
     /// text counts towards the 3, 4, 6 or 8 that choose the form, and the digits are read as one
-    /// number (at most the largest of 64 bits) whose low bits are the components. A character is a
+    /// number whose low bits are the components. A character is a
     /// Unicode code point, or a carriage return with the line feed after it.
     ///
     /// Absent without a "#", without a digit, and for another count of characters; the latter also

@@ -19,11 +19,8 @@ using CMTimeFlags = std::uint32_t;
 inline constexpr CMTimeFlags kCMTimeFlags_Valid = 1u << 0;
 /// The time is not exactly what was asked for, or was computed from one that is not.
 inline constexpr CMTimeFlags kCMTimeFlags_HasBeenRounded = 1u << 1;
-/// The time is beyond all numbers.
-/// @{
-inline constexpr CMTimeFlags kCMTimeFlags_PositiveInfinity = 1u << 2;
-inline constexpr CMTimeFlags kCMTimeFlags_NegativeInfinity = 1u << 3;
-/// @}
+inline constexpr CMTimeFlags kCMTimeFlags_PositiveInfinity = 1u << 2; ///< Beyond all numbers.
+inline constexpr CMTimeFlags kCMTimeFlags_NegativeInfinity = 1u << 3; ///< Below all numbers.
 /// The time is not known, such as the duration of a live stream.
 inline constexpr CMTimeFlags kCMTimeFlags_Indefinite = 1u << 4;
 /// The bits under which `value` and `timescale` mean nothing.
