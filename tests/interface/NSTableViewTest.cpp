@@ -4,6 +4,7 @@
 #include <zorvan/collections/ManagedList.h>
 #include <zorvan/interface/ManagedListViewReloader.h>
 #include <zorvan/interface/NSTableViewObserver.h>
+#include <zorvan/interface/NSWindow.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 
 #include <random>
@@ -33,12 +34,14 @@ struct Source : NSTableViewDataSource, NSTableViewDelegate {
         ++heightsAsked;
         return 10 + static_cast<double>(row % 3);
     }
+    void rowOpened(NSTableView&, std::int64_t row) override { opened = row; }
     void sortOrderDidChange(NSTableView& table) override {
         sortedBy = table.sortOrder() ? table.sortOrder()->column->title() : "none";
     }
     std::vector<int> items;
     mutable std::int64_t heightsAsked = 0;
     std::string sortedBy;
+    std::int64_t opened = -1;
 };
 
 struct Recorder : NSTableViewObserver {
@@ -270,6 +273,31 @@ TEST(NSTableView, AnnouncesASelectionOnceItDiffers) {
     shown.table->setClickedRow(-1);
     EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet());
     NSNotificationCenter::defaultCenter()->removeObserver(observer);
+}
+
+TEST(NSTableView, SelectsWhereItIsClicked) {
+    using Flags = NSEvent::ModifierFlags;
+    Fixture shown({0, 1, 2, 3, 4, 5});
+    const auto window = NSWindow::create({300, 200});
+    shown.table->setFrame({10, 50, 200, 100}); // its rows take 66 points from the top
+    window->contentView()->addSubview(shown.table);
+    const auto click = [&](double y, Flags flags = {}, std::int64_t count = 1) {
+        window->sendEvent({.type = NSEvent::EventType::leftMouseDown,
+                           .locationInWindow = {20, y},
+                           .clickCount = count,
+                           .modifierFlags = flags});
+        return shown.table->selectedRowIndexes();
+    };
+    EXPECT_EQ(click(139), IndexSet({1}));
+    EXPECT_EQ(click(110, Flags::shift), IndexSet({1, 2, 3}));
+    EXPECT_EQ(click(125, Flags::control), IndexSet({1, 3}));
+    EXPECT_EQ(click(149, Flags::command), IndexSet({0, 1, 3}));
+    EXPECT_EQ(click(85, Flags::shift), IndexSet({3, 4, 5})) << "from the nearest one above";
+    EXPECT_EQ(shown.source->opened, -1);
+    EXPECT_EQ(click(125, {}, 2), IndexSet({2}));
+    EXPECT_EQ(shown.source->opened, 2);
+    EXPECT_EQ(click(80), IndexSet()) << "below the last row";
+    EXPECT_EQ(shown.table->clickedRow(), -1);
 }
 
 TEST(NSTableView, ScrollsItsRowsIntoPlace) {
