@@ -1,13 +1,10 @@
 // A theme of icons written by a stranger: the index, and the choice of the user, after a NUL each.
 
+#include <fuzz/Fuzzing.h>
 #include <fuzz/ScratchFolder.h>
 #include <zorvan/platform/bundles/DesktopIcon.h>
 
-#include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 #include <fstream>
-#include <string_view>
 
 namespace {
 
@@ -30,19 +27,14 @@ const std::filesystem::path& folder() {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::string_view input(reinterpret_cast<const char*>(data), size);
+void tryOut(std::span<const std::uint8_t> input) {
+    std::string_view text = textOf(input);
     for (const char* name :
-         {"icons/one/index.theme", "icons/two/index.theme", "gtk-4.0/settings.ini"}) {
-        const std::string_view part = input.substr(0, input.find('\0'));
-        input.remove_prefix(std::min(part.size() + 1, input.size()));
-        std::ofstream(folder() / name, std::ios::binary) << part;
-    }
+         {"icons/one/index.theme", "icons/two/index.theme", "gtk-4.0/settings.ini"})
+        std::ofstream(folder() / name, std::ios::binary) << takePart(text);
     for (const std::int64_t points : {1, 8, 65535}) {
         const auto icon = zorvan::desktop::iconNamed("a", points, points);
         // Nothing outside is ever given.
-        if (icon && !icon->path().starts_with(folder().string()))
-            std::abort();
+        require(!icon || icon->path().starts_with(folder().string()));
     }
-    return 0;
 }

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -48,36 +50,21 @@ Bitmap samplePicture(unsigned seed) {
     return std::move(*bitmap);
 }
 
-/// Absent for the formats that are written here.
-const char* sampleName(FileFormat format) {
-    switch (format) {
-    case FileFormat::webp:
-        return "quarters.webp";
-    case FileFormat::avif:
-        return "quarters.avif";
-    case FileFormat::gif:
-        return "quarters.gif";
-    case FileFormat::bmp:
-        return "quarters.bmp";
-    case FileFormat::svg:
-        return "quarters.svg";
-    case FileFormat::jpegXL:
-        return "quarters.jxl";
-    default:
-        return nullptr;
-    }
-}
+/// The endings of kept samples; those of other formats are written here.
+const std::map<FileFormat, const char*> keptSamples{
+    {FileFormat::webp, "webp"}, {FileFormat::avif, "avif"}, {FileFormat::gif, "gif"},
+    {FileFormat::bmp, "bmp"},   {FileFormat::svg, "svg"},   {FileFormat::jpegXL, "jxl"}};
 
-Data keptFile(const char* name) {
-    std::ifstream file(std::string(ZORVAN_FUZZ_SAMPLES "/") + name, std::ios::binary);
+Data keptFile(const std::string& ending) {
+    std::ifstream file(ZORVAN_FUZZ_SAMPLES "/quarters." + ending, std::ios::binary);
     const std::string text(std::istreambuf_iterator<char>(file), {});
     const auto* first = reinterpret_cast<const std::byte*>(text.data());
     return Data(first, first + text.size());
 }
 
 Data sampleFile(FileFormat format, unsigned seed) {
-    if (const char* name = sampleName(format))
-        return keptFile(name);
+    if (const auto kept = keptSamples.find(format); kept != keptSamples.end())
+        return keptFile(kept->second);
     const Bitmap picture = samplePicture(seed);
     constexpr std::array<int, 4> compressions = {1, 5, 8, 32773};
     const Frame frame = {
@@ -104,13 +91,10 @@ std::size_t mutated(FileFormat format, std::span<std::uint8_t> bytes, std::size_
                     unsigned seed) {
     const auto* first = reinterpret_cast<const std::byte*>(bytes.data());
     const auto reader = ImageReader::open(Data(first, first + bytes.size()));
-    if (reader->format() == format)
+    const Data file = reader->format() == format ? Data() : sampleFile(format, seed);
+    if (file.empty() || file.size() > maximumSize)
         return LLVMFuzzerMutate(bytes.data(), bytes.size(), maximumSize);
-    const Data file = sampleFile(format, seed);
-    if (file.size() > maximumSize)
-        return LLVMFuzzerMutate(bytes.data(), bytes.size(), maximumSize);
-    std::transform(file.begin(), file.end(), bytes.data(),
-                   [](std::byte byte) { return std::to_integer<std::uint8_t>(byte); });
+    std::memcpy(bytes.data(), file.data(), file.size());
     return file.size();
 }
 

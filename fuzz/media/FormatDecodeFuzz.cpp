@@ -2,11 +2,12 @@
 
 #include "DecodeFuzz.h"
 
+#include <fuzz/Fuzzing.h>
+
 constexpr auto format = zorvan::imageio::FileFormat::ZORVAN_FUZZ_FORMAT;
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
-    zorvan::imageio::decodeEverything(format, {bytes, size});
-    return 0;
+void tryOut(std::span<const std::uint8_t> input) {
+    zorvan::imageio::decodeEverything(format, input);
 }
 
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* bytes, std::size_t size,

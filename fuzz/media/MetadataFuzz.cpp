@@ -1,3 +1,6 @@
+// The first byte chooses the reader, the others are its input.
+
+#include <fuzz/Fuzzing.h>
 #include <zorvan/platform/imageio/ImageReader.h>
 #include <zorvan/platform/imageio/internal/ByteSource.h>
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
@@ -6,9 +9,6 @@
 #include <zorvan/platform/imageio/internal/Iptc.h>
 #include <zorvan/platform/imageio/internal/JpegHeader.h>
 #include <zorvan/platform/imageio/internal/PngHeader.h>
-
-#include <cstddef>
-#include <cstdint>
 
 using namespace zorvan;
 using namespace zorvan::imageio;
@@ -27,12 +27,11 @@ void attempt(const Data& bytes, const Read& read) {
 
 } // namespace
 
-// The first byte chooses the reader, the others are its input.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
-    if (size == 0)
-        return 0;
-    const auto* first = reinterpret_cast<const std::byte*>(input);
-    const Data bytes(first + 1, first + size);
+void tryOut(std::span<const std::uint8_t> input) {
+    if (input.empty())
+        return;
+    const auto rest = std::as_bytes(input.subspan(1));
+    const Data bytes(rest.begin(), rest.end());
     PropertyList::Dictionary properties;
     switch (input[0] % 6) {
     case 0:
@@ -55,5 +54,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t siz
     default:
         attempt(bytes, [](ByteSource& source) { readHeifBoxes(source); });
     }
-    return 0;
 }

@@ -1,18 +1,15 @@
-#include <zorvan/platform/bookmarks/internal/BookmarkRecord.h>
+// What is read of a bookmark is written as what is read again.
 
-#include <cstdint>
-#include <cstdlib>
-#include <span>
+#include <fuzz/Fuzzing.h>
+#include <zorvan/platform/bookmarks/internal/BookmarkRecord.h>
 
 using zorvan::internal::BookmarkRecord;
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
-    const auto record = BookmarkRecord::decoded(std::as_bytes(std::span(input, size)));
+void tryOut(std::span<const std::uint8_t> input) {
+    const auto record = BookmarkRecord::decoded(std::as_bytes(input));
     if (!record)
-        return 0;
+        return;
     const zorvan::Data bytes = record->encoded();
     const auto again = BookmarkRecord::decoded(bytes);
-    if (!again || again->encoded() != bytes)
-        std::abort();
-    return 0;
+    require(again && again->encoded() == bytes);
 }

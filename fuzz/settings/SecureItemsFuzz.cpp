@@ -1,15 +1,13 @@
 // A database of secure items that somebody else has written to: another file altogether, a good one
 // with bytes exchanged, or rows with other values. What is read then is the secret, or nothing.
 
+#include <fuzz/Fuzzing.h>
 #include <fuzz/ScratchFolder.h>
 #include <zorvan/platform/security/SecItem.h>
 #include <zorvan/platform/security/internal/ItemStore.h>
 
-#include <cstdint>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <span>
 #include <sqlite3.h>
 #include <string>
 
@@ -38,8 +36,7 @@ struct Template {
         for (const char* name : {"XDG_DATA_HOME", "XDG_RUNTIME_DIR", "HOME"})
             ::setenv(name, folder.path().c_str(), 1);
         for (const char* account : {"a", "b"})
-            if (SecItemAdd(with(item(account), kSecValueData, secret)) != errSecSuccess)
-                std::abort();
+            require(SecItemAdd(with(item(account), kSecValueData, secret)) == errSecSuccess);
         security::ItemStore::close();
         execute("PRAGMA journal_mode = DELETE");
         std::ifstream file(path, std::ios::binary);
@@ -48,8 +45,7 @@ struct Template {
 
     void execute(const std::string& statements) const {
         sqlite3* database = nullptr;
-        if (sqlite3_open(path.c_str(), &database) != SQLITE_OK)
-            std::abort();
+        require(sqlite3_open(path.c_str(), &database) == SQLITE_OK);
         sqlite3_exec(database, statements.c_str(), nullptr, nullptr, nullptr);
         sqlite3_close(database);
     }
@@ -95,8 +91,7 @@ void use() {
     for (const char* account : {"a", "b"}) {
         const auto found = SecItemCopyMatching(with(item(account), kSecReturnData, true));
         const Data* value = found.value ? found.value->as<Data>() : nullptr;
-        if (value && *value != secret && *value != Data{std::byte{'n'}})
-            std::abort();
+        require(!value || *value == secret || *value == Data{std::byte{'n'}});
     }
     (void)SecItemCopyMatching({{kSecClass, kSecClassGenericPassword},
                                {kSecMatchLimit, kSecMatchLimitAll},
@@ -110,20 +105,17 @@ void use() {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void tryOut(std::span<const std::uint8_t> input) {
     static const Template original;
-    if (size < 4)
-        return 0;
-    const std::span input(data + 1, size - 1);
-    const bool isForeign = data[0] % 8 == 0;
-    original.write(isForeign
-                       ? std::string_view(reinterpret_cast<const char*>(input.data()), input.size())
-                       : std::string_view(original.bytes));
-    if (data[0] % 8 < 4 && !isForeign)
-        original.write(changed(original.bytes, input));
-    else if (!isForeign)
-        original.execute(columnChange(input));
+    if (input.size() < 4)
+        return;
+    const std::span changes = input.subspan(1);
+    const unsigned kind = input[0] % 8;
+    original.write(kind == 0  ? std::string(textOf(changes))
+                   : kind < 4 ? changed(original.bytes, changes)
+                              : original.bytes);
+    if (kind >= 4)
+        original.execute(columnChange(changes));
     use();
     security::ItemStore::close();
-    return 0;
 }

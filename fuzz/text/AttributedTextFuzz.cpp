@@ -1,13 +1,13 @@
+// Each four bytes are an edit: what is done, where, over which length, with which value.
+
+#include <fuzz/Fuzzing.h>
 #include <zorvan/text/NSAttributedString.h>
 
-#include <cstddef>
-#include <cstdint>
+using namespace zorvan;
 
-// Each four bytes are an edit: what is done, where, over which length, with which value.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace zorvan;
+void tryOut(std::span<const std::uint8_t> data) {
     NSMutableAttributedString text;
-    for (; size >= 4; data += 4, size -= 4) {
+    for (; data.size() >= 4; data = data.subspan(4)) {
         const std::size_t location = data[1] % (text.length() + 1);
         const NSRange range{location, data[2] % (text.length() - location + 1)};
         const std::string value(1 + data[3] % 3, static_cast<char>(data[3]));
@@ -20,10 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                               range);
         // The edit may have made the text shorter.
         const NSRange rest{text.length() / 2, text.length() - text.length() / 2};
-        if (text.attributedSubstring(rest).length() != rest.length)
-            __builtin_trap();
+        require(text.attributedSubstring(rest).length() == rest.length);
     }
-    if (!htmlDocument(text) || !rtf(text))
-        __builtin_trap();
-    return 0;
+    require(htmlDocument(text) && rtf(text));
 }

@@ -1,22 +1,14 @@
+#include <fuzz/Fuzzing.h>
 #include <zorvan/platform/textservices/Characters.h>
 #include <zorvan/text/String.h>
 
-#include <cstddef>
-#include <cstdint>
 #include <vector>
 
-namespace {
+using namespace zorvan;
 
-void require(bool holds) {
-    if (!holds)
-        __builtin_trap();
-}
-
-} // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace zorvan;
-    const std::string text(reinterpret_cast<const char*>(data), size);
+void tryOut(std::span<const std::uint8_t> data) {
+    const std::string text(textOf(data));
+    const std::size_t size = text.size();
     std::vector<std::size_t> boundaries{0};
     for (const std::string_view character : Characters(text))
         boundaries.push_back(boundaries.back() + character.size());
@@ -34,5 +26,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     (void)isValidLink(text);
     (void)decapitalized(text);
     (void)commonSubsequence({text, text.substr(size / 2)});
-    return 0;
 }

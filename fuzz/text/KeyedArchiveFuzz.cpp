@@ -1,12 +1,7 @@
+#include <fuzz/Fuzzing.h>
 #include <zorvan/platform/propertylist/NSKeyedArchiver.h>
 #include <zorvan/platform/propertylist/NSKeyedUnarchiver.h>
-
 #include <zorvan/platform/propertylist/internal/Codecs.h>
-
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <span>
 
 using namespace zorvan;
 
@@ -78,29 +73,23 @@ private:
         return result;
     }
     PropertyList object() {
-        switch (next() % 6) {
-        case 0:
-            return PropertyList::Dictionary{{"$class", reference(next())},
-                                            {"name", reference(next())},
-                                            {"children", reference(next())},
-                                            {"links", reference(next())}};
-        case 1:
-            return PropertyList::Dictionary{{"$class", reference(next())},
-                                            {"NS.objects", references()}};
-        case 2:
-            return PropertyList::Dictionary{{"$class", reference(next())},
-                                            {"NS.keys", references()},
-                                            {"NS.objects", references()}};
-        case 3:
-            return PropertyList::Dictionary{{"$class", reference(next())},
-                                            {"NS.relative", reference(next())}};
-        case 4:
+        const unsigned kind = next() % 6;
+        if (kind == 4)
             return "x:" + std::string(next() % 8, 'y');
-        default: {
-            constexpr const char* names[] = {"Node", "NSArray", "NSDictionary", "NSURL"};
+        constexpr const char* names[] = {"Node", "NSArray", "NSDictionary", "NSURL"};
+        if (kind == 5)
             return PropertyList::Dictionary{{"$classname", names[next() % 4]}};
-        }
-        }
+        PropertyList::Dictionary container{{"$class", reference(next())}};
+        if (kind == 2)
+            container.emplace("NS.keys", references());
+        if (kind == 1 || kind == 2)
+            container.emplace("NS.objects", references());
+        if (kind == 3)
+            container.emplace("NS.relative", reference(next()));
+        if (kind == 0)
+            for (const char* key : {"name", "children", "links"})
+                container.emplace(key, reference(next()));
+        return container;
     }
 
     std::span<const std::byte> bytes_;
@@ -114,9 +103,8 @@ void checkAll(std::span<const std::byte> archive) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
-    const auto bytes = std::as_bytes(std::span(input, size));
+void tryOut(std::span<const std::uint8_t> input) {
+    const auto bytes = std::as_bytes(input);
     checkAll(bytes);
     checkAll(Objects(bytes).archive());
-    return 0;
 }

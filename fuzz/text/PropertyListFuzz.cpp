@@ -1,12 +1,7 @@
+#include <fuzz/Fuzzing.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 
-#include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <span>
-#include <string_view>
 
 using namespace zorvan;
 
@@ -24,22 +19,19 @@ bool holdsNaN(const PropertyList& list) {
 
 Data encoded(const PropertyList& list) {
     auto bytes = propertylist::encode(list, propertylist::Format::binary);
-    if (!bytes) // whatever can be read can be written
-        std::abort();
+    require(bytes.has_value()); // whatever can be read can be written
     return std::move(*bytes);
 }
 
 void check(std::span<const std::byte> bytes) {
     std::string reason;
     const auto list = propertylist::decode(bytes, &reason);
-    if (list.has_value() != reason.empty())
-        std::abort();
+    require(list.has_value() == reason.empty());
     if (!list)
         return;
     const auto once = propertylist::decode(encoded(*list));
     // Dates lose their last digits on the way, but no more of them the second time.
-    if (!once || (!holdsNaN(*list) && propertylist::decode(encoded(*once)) != once))
-        std::abort();
+    require(once && (holdsNaN(*list) || propertylist::decode(encoded(*once)) == once));
 }
 
 /// The bytes as the objects and the table of a binary list, with the frame that they need: found by
@@ -62,10 +54,9 @@ Data framed(std::span<const std::byte> content, std::size_t objects) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
-    const auto bytes = std::as_bytes(std::span(input, size));
+void tryOut(std::span<const std::uint8_t> input) {
+    const auto bytes = std::as_bytes(input);
     check(bytes);
-    if (size > 0)
+    if (!input.empty())
         check(framed(bytes.subspan(1), input[0]));
-    return 0;
 }

@@ -1,27 +1,23 @@
+// The first sixteen bytes hold a range.
+
+#include <fuzz/Fuzzing.h>
 #include <zorvan/text/String.h>
 
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
 
-// The first sixteen bytes hold a range.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void tryOut(std::span<const std::uint8_t> input) {
     zorvan::Range range{0, 0};
-    if (size < sizeof range)
-        return 0;
-    std::memcpy(&range, data, sizeof range);
-    const std::string_view text(reinterpret_cast<const char*>(data) + sizeof range,
-                                size - sizeof range);
+    if (input.size() < sizeof range)
+        return;
+    std::memcpy(&range, input.data(), sizeof range);
+    const std::string_view text = textOf(input.subspan(sizeof range));
     const zorvan::Range whole{0, zorvan::count(text)};
     (void)zorvan::safeInt(text, range);
     (void)zorvan::safeDouble(text, range);
     const auto number = zorvan::safeInt(text, whole);
-    if (number && !zorvan::safeDouble(text, whole))
-        __builtin_trap();
-    if (number) {
-        const std::string printed = std::to_string(*number);
-        if (zorvan::safeInt(printed, {0, zorvan::count(printed)}) != number)
-            __builtin_trap();
-    }
-    return 0;
+    if (!number)
+        return;
+    require(zorvan::safeDouble(text, whole).has_value());
+    const std::string printed = std::to_string(*number);
+    require(zorvan::safeInt(printed, {0, zorvan::count(printed)}) == number);
 }

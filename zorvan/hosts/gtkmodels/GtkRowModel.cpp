@@ -1,26 +1,11 @@
 #include <zorvan/hosts/gtkmodels/GtkRowModel.h>
 
-#include <zorvan/hosts/gtkmodels/internal/RowModelObject.h>
-#include <zorvan/hosts/gtkmodels/internal/RowObject.h>
-
-#include <memory>
+#include <gtk/gtk.h>
 #include <utility>
 
 namespace zorvan {
 
 using Text = std::function<std::string(void*)>;
-
-GtkSelectionModel* GtkRowModel::create(const MakeRows& rows, Box box) {
-    return internal::newRowModel(rows, std::move(box));
-}
-
-void GtkRowModel::itemsDidChange(GtkSelectionModel* model, const IndexSet& rows) {
-    internal::rowModelOf(model).itemsDidChange(rows);
-}
-
-const void* GtkRowModel::item(void* row, std::type_index type) {
-    return internal::itemOfRow(row, type);
-}
 
 GtkListItemFactory* GtkRowModel::textFactory(Text text) {
     GtkListItemFactory* factory = gtk_signal_list_item_factory_new();

@@ -2,7 +2,7 @@
 
 #include <zorvan/hosts/qtmodels/QDateTime.h>
 
-#include <cstring>
+#include <span>
 
 namespace zorvan {
 
@@ -23,10 +23,8 @@ QByteArray bytes(const Data& data) {
 }
 
 Data data(const QByteArray& bytes) {
-    Data data(static_cast<std::size_t>(bytes.size()));
-    if (!bytes.isEmpty())
-        std::memcpy(data.data(), bytes.constData(), data.size());
-    return data;
+    const auto all = std::as_bytes(std::span(bytes.constData(), bytes.constData() + bytes.size()));
+    return {all.begin(), all.end()};
 }
 
 QVariant list(const PropertyList::Array& values) {

@@ -1,5 +1,6 @@
 #include <zorvan/hosts/qtmodels/QtRowModel.h>
 
+#include <zorvan/hosts/qtmodels/internal/rowSelections.h>
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <QItemSelectionModel>
@@ -15,6 +16,8 @@ namespace zorvan {
 
 namespace {
 
+using internal::rowsOf;
+using internal::wholeRows;
 using Kind = RowChange::Kind;
 using Range = IndexSet::Range;
 
@@ -44,20 +47,6 @@ struct Rows {
         : first(static_cast<int>(range.lower)), last(static_cast<int>(range.upper) - 1) {}
     int first, last;
 };
-
-IndexSet rowsOf(const QItemSelection& selection) {
-    std::vector<Range> ranges;
-    for (const QItemSelectionRange& range : selection)
-        if (range.isValid())
-            ranges.push_back({range.top(), range.bottom() + 1});
-    // In ascending order, each finds its place at the end.
-    std::sort(ranges.begin(), ranges.end(),
-              [](const Range& a, const Range& b) { return a.lower < b.lower; });
-    IndexSet rows;
-    for (const Range range : ranges)
-        rows.insert(range);
-    return rows;
-}
 
 /// Whether the change is told to Qt as one of the layout.
 bool isLayoutChange(const RowChange& change) {
@@ -264,22 +253,12 @@ bool QtRowModel::showSelection() {
     const IndexSet selection = rows_->selection();
     const bool isOther = rowsOf(selectionModel_->selection()) != selection;
     if (isOther)
-        selectionModel_->select(wholeRows(selection), QItemSelectionModel::ClearAndSelect);
+        selectionModel_->select(wholeRows(*this, selection), QItemSelectionModel::ClearAndSelect);
     const IndexSet changed =
         std::exchange(shownSelection_, selection).symmetricDifference(selection);
     if (isSelectedRoleRead_ && !changed.isEmpty())
         itemsDidChange(IndexSet({.i1 = *changed.first(), .i2 = *changed.last()}), {selectedRole});
     return isOther;
-}
-
-QItemSelection QtRowModel::wholeRows(const IndexSet& rows) const {
-    QItemSelection selection;
-    for (const Range range : rows.ranges()) {
-        const Rows whole(range);
-        selection.append(
-            QItemSelectionRange(index(whole.first, 0), index(whole.last, columnCount_ - 1)));
-    }
-    return selection;
 }
 
 /// What was selected in a view.

@@ -130,7 +130,6 @@ private:
 
     void moveShownSelection(const RowChange& change);
     bool showSelection();
-    QItemSelection wholeRows(const IndexSet& rows) const;
     void takeSelection();
 
     RowList* rows_ = nullptr;

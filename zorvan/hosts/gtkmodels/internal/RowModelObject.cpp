@@ -98,18 +98,18 @@ void zorvan_row_model_class_init(ZorvanRowModelClass* type) {
 
 } // namespace
 
-namespace zorvan::internal {
+namespace zorvan {
 
-GtkSelectionModel* newRowModel(const GtkRowModel::MakeRows& rows, GtkRowModel::Box box) {
+GtkSelectionModel* GtkRowModel::create(const MakeRows& rows, Box box) {
     auto* object = static_cast<ZorvanRowModel*>(g_object_new(zorvan_row_model_get_type(), nullptr));
     object->model = new RowModel(GTK_SELECTION_MODEL(object), rows, std::move(box));
     return GTK_SELECTION_MODEL(object);
 }
 
-RowModel& rowModelOf(GtkSelectionModel* model) {
+void GtkRowModel::itemsDidChange(GtkSelectionModel* model, const IndexSet& rows) {
     if (!G_TYPE_CHECK_INSTANCE_TYPE(model, zorvan_row_model_get_type()))
         fatalError("The model is none over a list.");
-    return modelOf(model);
+    modelOf(model).itemsDidChange(rows);
 }
 
-} // namespace zorvan::internal
+} // namespace zorvan

@@ -47,8 +47,4 @@ private:
     const std::unique_ptr<RowList> rows_; // goes first
 };
 
-GtkSelectionModel* newRowModel(const GtkRowModel::MakeRows& rows, GtkRowModel::Box box);
-/// Any other model stops the program.
-RowModel& rowModelOf(GtkSelectionModel* model);
-
 } // namespace zorvan::internal

@@ -44,12 +44,6 @@ namespace zorvan::internal {
 
 GType rowObjectType() { return zorvan_row_get_type(); }
 
-const void* itemOfRow(void* row, std::type_index type) {
-    if (!G_TYPE_CHECK_INSTANCE_TYPE(row, zorvan_row_get_type()) || rowOf(row)->item.type != type)
-        fatalError("The object is no row of a list of such items.");
-    return rowOf(row)->item.item.get();
-}
-
 GObject* LiveRows::find(std::int64_t row) const {
     const auto found = rows_.find(row);
     return found == rows_.end() ? nullptr : G_OBJECT(g_object_ref(found->second));
@@ -92,3 +86,9 @@ void LiveRows::forgetAll() {
 }
 
 } // namespace zorvan::internal
+
+const void* zorvan::GtkRowModel::item(void* row, std::type_index type) {
+    if (!G_TYPE_CHECK_INSTANCE_TYPE(row, zorvan_row_get_type()) || rowOf(row)->item.type != type)
+        fatalError("The object is no row of a list of such items.");
+    return rowOf(row)->item.item.get();
+}

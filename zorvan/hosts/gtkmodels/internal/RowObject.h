@@ -32,7 +32,5 @@ private:
 };
 
 GType rowObjectType();
-/// The item of an object of a row; any other object stops the program, and so does another type.
-const void* itemOfRow(void* row, std::type_index type);
 
 } // namespace zorvan::internal
