@@ -8,7 +8,6 @@ import os
 import pathlib
 import re
 import shlex
-import shutil
 import subprocess
 import sys
 
@@ -17,15 +16,20 @@ PLACE = ROOT / "build/mutate"
 FEATURES = ["-DZORVAN_TESTS=ON", "-DZORVAN_QT=ON", "-DZORVAN_GTK=ON",
             "-DZORVAN_WERROR=" + os.environ.get("ZORVAN_WERROR", "OFF")]
 
-# In name spaces of its own: $1 becomes /tmp, and all of the system, the home folder and the project stay as they are.
+# In name spaces of its own: all of the system, the home folder and the project stay as they are. What is written to /tmp,
+# or into the folder of the program, is gone afterwards.
 APART = """set -e
 home=$(findmnt -no TARGET -T "$HOME")
 project=$(findmnt -no TARGET -T "$0")
-mount --bind "$1" /tmp
+mount -t tmpfs tmpfs /tmp
 for place in / "$home" "$project"; do mount -o remount,bind,ro "$place"; done
 [ ! -w / ] && [ ! -w "$HOME" ] && [ ! -w "$0" ] || exit 125
-shift
-mkdir -m 700 /tmp/home /tmp/run
+mkdir -m 700 /tmp/home /tmp/run /tmp/upper /tmp/work
+chmod 1777 /tmp
+folder=$(dirname "$1")
+mount -t overlay -o "lowerdir=$folder,upperdir=/tmp/upper,workdir=/tmp/work" overlay "$folder"
+chmod 755 "$folder"
+cd "$folder"
 setpriv --ambient-caps -all --inh-caps -all env -i PATH="$PATH" HOME=/tmp/home XDG_RUNTIME_DIR=/tmp/run \
     LANG=C.UTF-8 QT_QPA_PLATFORM=offscreen "$@"
 exit $?
@@ -56,7 +60,6 @@ class Tree:
     def __init__(self, number, commit):
         self.folder = (PLACE / f"tree-{number}").resolve()
         self.build = self.folder / "build/release"
-        self.scratch = PLACE / f"scratch-{number}"
         self._check_out(commit)
         self._configure()
         self._read_links()
@@ -103,11 +106,9 @@ class Tree:
 
     def run(self, program, limit=None):
         """What fails: the name of a test, or what else went wrong; absent when all is well."""
-        shutil.rmtree(self.scratch, ignore_errors=True)
-        self.scratch.mkdir(parents=True)
         path = self.build / program
-        command = [*UNSHARE, "sh", "-c", APART, self.folder, self.scratch, path, "--gtest_fail_fast", "--gtest_brief=1"]
-        with subprocess.Popen(command, cwd=path.parent, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+        command = [*UNSHARE, "sh", "-c", APART, self.folder, path, "--gtest_fail_fast", "--gtest_brief=1"]
+        with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT, text=True, errors="replace", start_new_session=True) as process:
             try:
                 said = process.communicate(timeout=limit)[0]

@@ -6,7 +6,7 @@ library that are drawn by lot, N of them (default 300), of the whole library or 
 Works on the newest commit, in a copy of it in build/mutate. Each fault has a line of its own. Those that do not
 compile, and those that the compiler makes the same of, do not count. What tests a family is tried first, then every
 program that loads what was changed, but the trials, unless a header changes more than can be built in a moment. The
-programs run where all but a folder of their own is read-only, as a fault may write anywhere.
+programs run where nothing but passing memory can be written, as a fault may write anywhere.
 
 Goes on where it was stopped. Fails when fewer than 95 % of the faults are found."""
 
