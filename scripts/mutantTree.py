@@ -17,7 +17,7 @@ FEATURES = ["-DZORVAN_TESTS=ON", "-DZORVAN_QT=ON", "-DZORVAN_GTK=ON",
             "-DZORVAN_WERROR=" + os.environ.get("ZORVAN_WERROR", "OFF")]
 
 # In name spaces of its own: all of the system, the home folder and the project stay as they are. What is written to /tmp,
-# or into the folder of the program, is gone afterwards.
+# or into the tree $0, is gone afterwards.
 APART = """set -e
 home=$(findmnt -no TARGET -T "$HOME")
 project=$(findmnt -no TARGET -T "$0")
@@ -26,10 +26,9 @@ for place in / "$home" "$project"; do mount -o remount,bind,ro "$place"; done
 [ ! -w / ] && [ ! -w "$HOME" ] && [ ! -w "$0" ] || exit 125
 mkdir -m 700 /tmp/home /tmp/run /tmp/upper /tmp/work
 chmod 1777 /tmp
-folder=$(dirname "$1")
-mount -t overlay -o "lowerdir=$folder,upperdir=/tmp/upper,workdir=/tmp/work" overlay "$folder"
-chmod 755 "$folder"
-cd "$folder"
+chmod 755 /tmp/upper
+mount -t overlay -o "lowerdir=$0,upperdir=/tmp/upper,workdir=/tmp/work" overlay "$0"
+cd "$(dirname "$1")"
 setpriv --ambient-caps -all --inh-caps -all env -i PATH="$PATH" HOME=/tmp/home XDG_RUNTIME_DIR=/tmp/run \
     LANG=C.UTF-8 QT_QPA_PLATFORM=offscreen "$@"
 exit $?

@@ -5,7 +5,7 @@ library that are drawn by lot, N of them (default 300), of the whole library or 
 
 Works on the newest commit, in a copy of it in build/mutate. Each fault has a line of its own. Those that do not
 compile, and those that the compiler makes the same of, do not count. What tests a family is tried first, then every
-program that loads what was changed, but the trials, unless a header changes more than can be built in a moment. The
+program that loads what was changed, but those that take long, unless a header changes more than can be built in a moment. The
 programs run where nothing but passing memory can be written, as a fault may write anywhere.
 
 Goes on where it was stopped. Fails when fewer than 95 % of the faults are found."""
@@ -23,7 +23,7 @@ from mutantTree import PLACE, ROOT, Tree, family_of, output
 
 WANTED = 95
 MOST_OBJECTS_APART = 40
-TAKES_LONG = "tests/trials/trials-test"
+TAKE_LONG = ("tests/trials/trials-test", "tests/hosts/idle-test")
 
 
 class Judge:
@@ -82,7 +82,7 @@ def candidates(folder, family, seed):
 def programs_for(tree, family):
     """The test programs that load a library of the family, or of any."""
     libraries = {made for made in tree.links if made.startswith("zorvan/") and family in (None, family_of(made))}
-    return [name for name, along in tree.programs.items() if libraries & along and name != TAKES_LONG]
+    return [name for name, along in tree.programs.items() if libraries & along and name not in TAKE_LONG]
 
 
 def measured_times(tree, names, file):
