@@ -33,6 +33,9 @@ TEST_F(DesktopTest, ThePasteboardIsTheClipboard) {
     pasteboard.adopt({std::string("from elsewhere")});
     settle();
     EXPECT_TRUE(!given() || !given()->hasText()) << "what came from the desktop is not given back";
+    QGuiApplication::clipboard()->setText("copied elsewhere");
+    EXPECT_EQ(pasteboard.objects(),
+              std::vector<NSPasteboard::Object>{std::string("copied elsewhere")});
 }
 
 TEST_F(DesktopTest, AWindowOpensWhereItWas) {

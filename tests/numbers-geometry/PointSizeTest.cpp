@@ -3,6 +3,7 @@
 
 #include <zorvan/numbers-geometry/CGAffineTransform.h>
 #include <zorvan/numbers-geometry/NSEdgeInsets.h>
+#include <zorvan/numbers-geometry/Triangle.h>
 
 TEST(CGPoint, ReplacesAndMeasures) {
     const CGPoint p(3, 4);
@@ -33,6 +34,30 @@ TEST(CGPoint, ReplacesAndMeasures) {
     EXPECT_EQ(CGPoint::polygonArea({{0, 1}, {1, 1}, {1, 0}, {0, 0}}), 1);
     EXPECT_EQ(CGPoint::polygonArea({}), 0);
     EXPECT_EQ(CGPoint::polygonArea({{5, 7}}), 0);
+}
+
+template <class Record>
+void expectArithmetic(const Record& a, const Record& b, const Record& sum, const Record& twoMore) {
+    EXPECT_EQ(a + b, sum);
+    EXPECT_EQ(sum - b, a);
+    EXPECT_EQ(a + 2, twoMore);
+    EXPECT_EQ(twoMore - 2, a);
+    EXPECT_EQ(a * 2, a + a);
+    EXPECT_EQ((a + a) / 2, a);
+    Record c = a;
+    EXPECT_EQ(c += b, sum);
+    EXPECT_EQ(c -= b, a);
+    EXPECT_EQ(c += 2, twoMore);
+    EXPECT_EQ(c -= 2, a);
+    EXPECT_EQ(c *= 2, a + a);
+    EXPECT_EQ(c /= 2, a);
+}
+
+TEST(Records, AreChangedInPlaceAsTheyAreAdded) {
+    expectArithmetic<CGPoint>({1, 2}, {3, 5}, {4, 7}, {3, 4});
+    expectArithmetic<CGSize>({1, 2}, {3, 5}, {4, 7}, {3, 4});
+    expectArithmetic<Triangle>({{1, 2}, {3, 4}, {5, 6}}, {{1, 0}, {0, 1}, {2, 3}},
+                               {{2, 2}, {3, 5}, {7, 9}}, {{3, 4}, {5, 6}, {7, 8}});
 }
 
 TEST(CGSize, KnowsItsShapeAndReplacesUnderBothNames) {
