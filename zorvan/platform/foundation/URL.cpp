@@ -41,8 +41,8 @@ std::string normalised(std::string path) {
     while (text.size() > 1 && text.back() == '/')
         text.pop_back();
     // POSIX lets "//name" mean something else than "/name"; here it does not.
-    while (text.starts_with("//"))
-        text.erase(0, 1);
+    if (text.starts_with("//")) // and something behind
+        text.erase(0, text.find_first_not_of('/') - 1);
     return text;
 }
 
