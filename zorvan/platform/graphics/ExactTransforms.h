@@ -28,6 +28,8 @@ struct PixelRect {
     std::int64_t width;
     std::int64_t height;
     /// @}
+
+    friend bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
 /// What lies inside `window`, transparent where the window reaches beyond the picture. Absent when
