@@ -3,6 +3,7 @@
 #include <zorvan/media/ImageKeys.h>
 #include <zorvan/media/internal/parseDate.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 
 #include <algorithm>
 #include <cmath>
@@ -13,20 +14,16 @@
 namespace zorvan {
 namespace {
 
-template <class Kind>
-const Kind* find(const PropertyList::Dictionary& section, std::string_view key) {
-    const auto entry = section.find(key);
-    return entry == section.end() ? nullptr : entry->second.as<Kind>();
-}
+using internal::valueUnder;
 
 std::optional<std::int64_t> integer(const PropertyList::Dictionary& metadata,
                                     std::string_view key) {
-    const auto* number = find<NSNumber>(metadata, key);
+    const auto* number = valueUnder<NSNumber>(metadata, key);
     return number && number->isInteger() ? std::optional(number->int64Value()) : std::nullopt;
 }
 
 std::string textUnder(const PropertyList::Dictionary& exif, const std::string& key) {
-    const auto* text = find<std::string>(exif, key);
+    const auto* text = valueUnder<std::string>(exif, key);
     return text ? *text : std::string();
 }
 
@@ -56,10 +53,10 @@ std::optional<Date> dateIn(const PropertyList::Dictionary& exif, const std::stri
 /// Degrees without a sign and a letter for the half of the earth.
 std::optional<double> coordinateIn(const PropertyList::Dictionary& gps, const std::string& key,
                                    char negative, double largest) {
-    const auto* degrees = find<NSNumber>(gps, key);
+    const auto* degrees = valueUnder<NSNumber>(gps, key);
     if (!degrees || !(std::abs(degrees->doubleValue()) <= largest))
         return std::nullopt;
-    const auto* half = find<std::string>(gps, key + "Ref");
+    const auto* half = valueUnder<std::string>(gps, key + "Ref");
     const bool isNegative = half && half->starts_with(negative);
     return isNegative ? -degrees->doubleValue() : degrees->doubleValue();
 }
@@ -113,7 +110,8 @@ std::optional<CGSize> CGImage::orientedImageSize(Data data) {
 }
 
 std::optional<Date> CGImage::creationDate(const PropertyList::Dictionary& metadata) {
-    const auto* exif = find<PropertyList::Dictionary>(metadata, kCGImagePropertyExifDictionary);
+    const auto* exif =
+        valueUnder<PropertyList::Dictionary>(metadata, kCGImagePropertyExifDictionary);
     if (!exif)
         return std::nullopt;
     const std::optional<Date> taken = dateIn(*exif, "Original");
@@ -127,7 +125,7 @@ std::optional<Date> CGImage::creationDate(const std::optional<PropertyList::Dict
 std::optional<Date> CGImage::creationDate(const URL& url) { return creationDate(metadata(url)); }
 
 std::optional<Location> CGImage::location(const PropertyList::Dictionary& metadata) {
-    const auto* gps = find<PropertyList::Dictionary>(metadata, kCGImagePropertyGPSDictionary);
+    const auto* gps = valueUnder<PropertyList::Dictionary>(metadata, kCGImagePropertyGPSDictionary);
     if (!gps)
         return std::nullopt;
     const std::optional<double> latitude = coordinateIn(*gps, "Latitude", 'S', 90);

@@ -22,6 +22,8 @@ struct PixelRect {
     std::int64_t y;      ///< Of the top edge; negative outside the picture.
     std::int64_t width;  ///< In pixels.
     std::int64_t height; ///< In pixels.
+
+    friend bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
 /// What lies inside `window`, transparent where the window reaches beyond the picture. Absent when

@@ -7,16 +7,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <cstdio>
 #include <memory>
 
 #include <libheif/heif.h>
 
 namespace zorvan::imageio {
 namespace {
-
-constexpr int usualQuality = 60;
 
 using Context = std::unique_ptr<heif_context, Release<heif_context_free>>;
 using Encoder = std::unique_ptr<heif_encoder, Release<heif_encoder_release>>;
@@ -26,18 +22,13 @@ using Options = std::unique_ptr<heif_encoding_options, Release<heif_encoding_opt
 
 bool good(const heif_error& error) { return error.code == heif_error_Ok; }
 
-int codecQuality(std::optional<double> quality) {
-    if (!quality || std::isnan(*quality))
-        return usualQuality;
-    return static_cast<int>(std::lround(std::clamp(*quality, 0.0, 1.0) * 100));
-}
-
 Encoder encoderFor(heif_context* context, const Frame& frame) {
     heif_encoder* encoder = nullptr;
     if (!good(heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder)))
         return nullptr;
     Encoder owner(encoder);
-    heif_encoder_set_lossy_quality(encoder, codecQuality(frame.quality));
+    constexpr int usualQuality = 60;
+    heif_encoder_set_lossy_quality(encoder, percentOf(frame.quality, usualQuality));
     // Slower ones gain a few per cent of size for a multiple of the time.
     heif_encoder_set_parameter_string(encoder, "preset", "fast");
     heif_encoder_set_logging_level(encoder, 0);
@@ -77,10 +68,6 @@ heif_error append(heif_context*, const void* data, std::size_t size, void* user)
     }
 }
 
-std::int64_t big32At(const Data& bytes, std::size_t offset) {
-    return static_cast<std::int64_t>(big32(bytes, offset));
-}
-
 /// The library states the size after a quarter turn where the format wants the size before it: the
 /// two numbers change places wherever they do not fit the picture as it was coded, a little padded.
 void mendStatedSizes(Data& bytes, const Bitmap& bitmap) {
@@ -98,8 +85,8 @@ void mendStatedSizes(Data& bytes, const Bitmap& bitmap) {
         const auto width = static_cast<std::size_t>(at - bytes.begin()) + 8;
         if (width + 8 > bytes.size())
             return;
-        const std::int64_t first = big32At(bytes, width);
-        const std::int64_t second = big32At(bytes, width + 4);
+        const std::int64_t first = big32(bytes, width);
+        const std::int64_t second = big32(bytes, width + 4);
         const bool right = fits(first, bitmap.width()) && fits(second, bitmap.height());
         if (!right && fits(second, bitmap.width()) && fits(first, bitmap.height()))
             std::swap_ranges(at + 8, at + 12, at + 12);

@@ -4,6 +4,8 @@
 #include <zorvan/platform/imageio/internal/FrameWriter.h>
 #include <zorvan/platform/imageio/internal/loadedPictures.h>
 
+#include <algorithm>
+#include <cmath>
 #include <exception>
 
 namespace zorvan::imageio {
@@ -51,24 +53,14 @@ std::optional<Data> dispatched(FileFormat format, std::span<const Frame> frames)
 } // namespace
 
 bool canEncode(FileFormat format) {
-    switch (format) {
-    case FileFormat::jpeg:
-    case FileFormat::png:
-    case FileFormat::tiff:
-        return true;
-    case FileFormat::heic:
-        return hasHeicEncoder();
-    default:
-        return false;
-    }
+    return format == FileFormat::jpeg || format == FileFormat::png || format == FileFormat::tiff ||
+           (format == FileFormat::heic && hasHeicEncoder());
 }
 
 std::optional<Data> encode(FileFormat format, std::span<const Frame> frames) {
-    if (frames.empty() || (frames.size() > 1 && format != FileFormat::tiff))
+    const bool isOneTooMany = frames.size() > 1 && format != FileFormat::tiff;
+    if (frames.empty() || isOneTooMany || !std::ranges::all_of(frames, &Frame::bitmap))
         return std::nullopt;
-    for (const Frame& frame : frames)
-        if (!frame.bitmap)
-            return std::nullopt;
     try {
         return dispatched(format, frames);
     } catch (const std::exception&) {
@@ -113,6 +105,12 @@ void dropAlpha(const std::uint8_t* rgba, std::uint8_t* rgb, std::int64_t count) 
         rgb[1] = rgba[1];
         rgb[2] = rgba[2];
     }
+}
+
+int percentOf(std::optional<double> quality, int usual) {
+    if (!quality || std::isnan(*quality))
+        return usual;
+    return static_cast<int>(std::lround(std::clamp(*quality, 0.0, 1.0) * 100));
 }
 
 } // namespace zorvan::imageio

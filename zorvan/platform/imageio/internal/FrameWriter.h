@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <vector>
 
 namespace zorvan::imageio {
@@ -30,5 +29,8 @@ private:
 
 /// Drops the fourth byte of every pixel.
 void dropAlpha(const std::uint8_t* rgba, std::uint8_t* rgb, std::int64_t count) noexcept;
+
+/// The quality as codecs take it, from 0 to 100; the usual one where none is asked for.
+int percentOf(std::optional<double> quality, int usual);
 
 } // namespace zorvan::imageio
