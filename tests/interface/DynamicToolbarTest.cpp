@@ -386,6 +386,8 @@ TEST_F(DynamicToolbarTest, BuildsGroups) {
     EXPECT_EQ(titles->controlRepresentation(), Group::ControlRepresentation::collapsed);
     titles->press(0);
     EXPECT_TRUE(titles->isSelected(0) && titles->isSelected(1));
+    titles->press(1);
+    EXPECT_TRUE(titles->isSelected(0) && !titles->isSelected(1));
 
     const auto own = NSToolbarItem::create("own");
     const auto given = bar->addItem({.createTitleGroup = [&](ButtonGroupSettings& settings) {

@@ -130,9 +130,9 @@ TEST(NSCollectionView, RegistersNibsByIdentifier) {
 TEST(NSCollectionView, FindsItemsInARectangle) {
     Fixture shown(7);
     EXPECT_TRUE(shown.view->indexPathsForItems(CGRect(0, 0, 1000, 1000)).empty());
-    shown.view->setFrame(CGRect(0, 0, 200, 100));
+    shown.view->setFrame(CGRect(0, 0, 170, 100));
     shown.view->setCollectionViewLayout(
-        std::make_shared<NSCollectionViewFlowLayout>(CGSize(50, 50), 10)); // three a line
+        std::make_shared<NSCollectionViewFlowLayout>(CGSize(50, 50), 10)); // three a line, just so
     EXPECT_TRUE(shown.view->collectionViewFlowLayout());
     EXPECT_FALSE(shown.view->collectionViewGridLayout());
     struct {

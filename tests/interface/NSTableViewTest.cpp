@@ -279,24 +279,28 @@ TEST(NSTableView, SelectsWhereItIsClicked) {
     using Flags = NSEvent::ModifierFlags;
     Fixture shown({0, 1, 2, 3, 4, 5});
     const auto window = NSWindow::create({300, 200});
-    shown.table->setFrame({10, 50, 200, 100}); // its rows take 66 points from the top
-    window->contentView()->addSubview(shown.table);
-    const auto click = [&](double y, Flags flags = {}, std::int64_t count = 1) {
+    const auto scrollView = NSScrollView::create({10, 50, 200, 50}); // the rows take 66 points
+    window->contentView()->addSubview(scrollView);
+    scrollView->setDocumentView(shown.table);
+    shown.table->noteHeightOfAllRowsChanged();
+    const auto click = [&](double fromTop, Flags flags = {}, std::int64_t count = 1) {
         window->sendEvent({.type = NSEvent::EventType::leftMouseDown,
-                           .locationInWindow = {20, y},
+                           .locationInWindow = {20, 100 - fromTop},
                            .clickCount = count,
                            .modifierFlags = flags});
         return shown.table->selectedRowIndexes();
     };
-    EXPECT_EQ(click(139), IndexSet({1}));
-    EXPECT_EQ(click(110, Flags::shift), IndexSet({1, 2, 3}));
-    EXPECT_EQ(click(125, Flags::control), IndexSet({1, 3}));
-    EXPECT_EQ(click(149, Flags::command), IndexSet({0, 1, 3}));
-    EXPECT_EQ(click(85, Flags::shift), IndexSet({3, 4, 5})) << "from the nearest one above";
+    EXPECT_EQ(click(11), IndexSet({1}));
+    EXPECT_EQ(click(40, Flags::shift), IndexSet({1, 2, 3}));
+    EXPECT_EQ(click(25, Flags::control), IndexSet({1, 3}));
+    EXPECT_EQ(click(1, Flags::command), IndexSet({0, 1, 3}));
+    shown.table->scrollTopRow(2, false);
+    EXPECT_EQ(click(44, Flags::shift), IndexSet({3, 4, 5})) << "from the nearest one above";
     EXPECT_EQ(shown.source->opened, -1);
-    EXPECT_EQ(click(125, {}, 2), IndexSet({2}));
+    EXPECT_EQ(click(1, {}, 2), IndexSet({2}));
     EXPECT_EQ(shown.source->opened, 2);
-    EXPECT_EQ(click(80), IndexSet()) << "below the last row";
+    shown.table->mouseDown({.type = NSEvent::EventType::leftMouseDown, .locationInWindow = {}});
+    EXPECT_EQ(shown.table->selectedRowIndexes(), IndexSet()) << "below the last row";
     EXPECT_EQ(shown.table->clickedRow(), -1);
 }
 

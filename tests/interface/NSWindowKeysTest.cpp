@@ -214,6 +214,8 @@ TEST(NSView, TellsScreenReadersWhatItIs) {
     item->setToolTip("Delete");
     item->setView(picture);
     EXPECT_EQ(picture->accessibilityLabel(), "Delete");
+    item->setToolTip("Remove");
+    EXPECT_EQ(picture->toolTip(), "Delete") << "its own by now";
     button->setAccessibilityRole(NSAccessibilityRole::checkBox);
     EXPECT_EQ(button->accessibilityRole(), NSAccessibilityRole::checkBox);
 }

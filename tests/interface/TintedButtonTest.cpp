@@ -66,6 +66,10 @@ TEST_F(TintedButtonTest, BeginsWithoutColours) {
     EXPECT_FALSE(cell->isHover() || cell->isPressed() || cell->imageTintColor() ||
                  cell->textDisabledColor() || cell->backgroundHoverGradient() ||
                  cell->backgroundGradientAngle() || cell->backgroundRadius());
+    const auto other = NSButton::create();
+    other->setCell(cell);
+    EXPECT_EQ(cell->controlView(), other);
+    EXPECT_EQ(fresh->cell(), nullptr) << "a cell has one control";
     EXPECT_EQ(TintedButtonCell::create(NSButtonCell::Image{square(4)})->imagePosition(),
               NSCellImagePosition::imageOnly);
     EXPECT_EQ(TintedButtonCell::create(NSButtonCell::Text{"t"})->title(), "t");
