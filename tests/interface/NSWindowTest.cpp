@@ -267,6 +267,8 @@ TEST_F(NSWindowMouse, LetsAButtonActWhenItIsReleasedInside) {
     send(Type::leftMouseDown, {150, 30});
     send(Type::leftMouseUp, {151, 31});
     EXPECT_EQ(take(), Calls{"act"});
+    send(Type::leftMouseDragged, {150, 30});
+    EXPECT_FALSE(button->isHighlighted()) << "it was released";
     button->setEnabled(false);
     send(Type::leftMouseDown, {150, 30});
     send(Type::leftMouseUp, {150, 30});
