@@ -13,6 +13,7 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 PLACE = ROOT / "build/mutate"
+TIME_LIMIT = "time limit"
 FEATURES = ["-DZORVAN_TESTS=ON", "-DZORVAN_QT=ON", "-DZORVAN_GTK=ON",
             "-DZORVAN_WERROR=" + os.environ.get("ZORVAN_WERROR", "OFF")]
 
@@ -112,7 +113,7 @@ class Tree:
                 said = process.communicate(timeout=limit)[0]
             except subprocess.TimeoutExpired:
                 process.kill()
-                return "time limit"
+                return TIME_LIMIT
         if process.returncode == 0:
             return None
         failed = re.search(r"\[  FAILED  \] (\w\S*?)[,.]?(?:\s|$)", said)

@@ -19,7 +19,7 @@ import threading
 import time
 
 import mutations
-from mutantTree import PLACE, ROOT, DoesNotCompile, Tree, family_of, output
+from mutantTree import PLACE, ROOT, TIME_LIMIT, DoesNotCompile, Tree, family_of, output
 
 WANTED = 95
 OBJECTS_AT_ONCE = 3
@@ -166,6 +166,7 @@ def report(counted):
     for family, counts in sorted(families.items(), key=lambda row: (row[0] == "together", row[0])):
         percent = 100 * counts["killed"] / counts.total()
         print(f"{family:<28} {counts.total():>8} {counts['killed']:>8} {counts['survived']:>8} {percent:>8.1f}")
+    print(f"{sum(found['by'] == TIME_LIMIT for found in counted)} were killed by the time limit.")
     for found in counted:
         if found["verdict"] == "survived":
             print(f"\n{found['file']}:{found['line']}\n-{found['old']}\n+{found['new']}")
