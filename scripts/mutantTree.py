@@ -13,6 +13,7 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 PLACE = ROOT / "build/mutate"
+TIME_LIMIT = "time limit"
 FEATURES = ["-DZORVAN_TESTS=ON", "-DZORVAN_QT=ON", "-DZORVAN_GTK=ON",
             "-DZORVAN_WERROR=" + os.environ.get("ZORVAN_WERROR", "OFF")]
 
@@ -41,16 +42,14 @@ def output(*command, **options):
     return subprocess.run(command, stdout=subprocess.PIPE, text=True, check=True, **options).stdout
 
 
-def succeeds(command, folder):
-    """Of a compiler's command; it is spared who stops mutate.py from the keyboard."""
-    return subprocess.run(command, shell=True, cwd=folder, capture_output=True, start_new_session=True,
-                          check=False).returncode == 0
-
-
 def family_of(file):
     """Of a file below zorvan/ or tests/, and of what is built there."""
     parts = pathlib.PurePath(file).parts
     return "/".join(parts[1:3]) if parts[1] == "platform" else parts[1]
+
+
+class DoesNotCompile(Exception):
+    pass
 
 
 class Tree:
@@ -67,6 +66,7 @@ class Tree:
         if not self.folder.exists():
             output("git", "clone", "--quiet", "--shared", "--no-checkout", ROOT, self.folder)
         self._put_back()
+        output("git", "-C", self.folder, "status", "--short") # finds what is only new by its time
         output("git", "-C", self.folder, "checkout", "--quiet", "--force", "--detach", commit)
 
     def _configure(self):
@@ -113,7 +113,7 @@ class Tree:
                 said = process.communicate(timeout=limit)[0]
             except subprocess.TimeoutExpired:
                 process.kill()
-                return "time limit"
+                return TIME_LIMIT
         if process.returncode == 0:
             return None
         failed = re.search(r"\[  FAILED  \] (\w\S*?)[,.]?(?:\s|$)", said)
@@ -125,6 +125,7 @@ class Tree:
         text, status = path.read_text(), path.stat()
         lines = text.split("\n")
         lines[mutant["line"] - 1] = mutant["new"]
+        self.mutated = {}
         try:
             path.write_text("\n".join(lines))
             yield
@@ -138,19 +139,25 @@ class Tree:
             os.replace(aside, aside.with_suffix(""))
 
     def rebuild(self, objects):
-        """The programs and libraries that are others now; absent when something does not compile."""
-        links = collections.defaultdict(dict)
+        """The programs and libraries that are others now."""
+        targets = set()
         for name in objects:
             mutated = name + ".mutated"
-            command = self.compiles[name].replace(f" -o {name} ", f" -w -o {mutated} ")
-            if not succeeds(command, self.build):
-                return None
+            self._compile(self.compiles[name].replace(f" -o {name} ", f" -w -o {mutated} "))
             if (self.build / mutated).read_bytes() != (self.build / name).read_bytes():
-                links[self.owner[name]][name] = mutated
-        for target, others in links.items():
-            if not (self.build / (target + ".unchanged")).exists():
-                os.replace(self.build / target, self.build / (target + ".unchanged"))
-            words = [others.get(word, word) for word in self.links[target].split(" ")]
-            if not succeeds(" ".join(words), self.build):
-                return None
-        return set(links)
+                self.mutated[name] = mutated
+                targets.add(self.owner[name])
+        for target in targets:
+            self._link(target)
+        return targets
+
+    def _link(self, target):
+        if not (self.build / (target + ".unchanged")).exists():
+            os.replace(self.build / target, self.build / (target + ".unchanged"))
+        self._compile(" ".join(self.mutated.get(word, word) for word in self.links[target].split(" ")))
+
+    def _compile(self, command):
+        # Whoever stops mutate.py from the keyboard does not mean the compiler.
+        if subprocess.run(command, shell=True, cwd=self.build, capture_output=True, start_new_session=True,
+                          check=False).returncode:
+            raise DoesNotCompile

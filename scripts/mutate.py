@@ -19,10 +19,11 @@ import threading
 import time
 
 import mutations
-from mutantTree import PLACE, ROOT, Tree, family_of, output
+from mutantTree import PLACE, ROOT, TIME_LIMIT, DoesNotCompile, Tree, family_of, output
 
 WANTED = 95
-MOST_OBJECTS_APART = 40
+OBJECTS_AT_ONCE = 3
+MOST_OBJECTS_APART = 10
 TAKE_LONG = ("tests/trials/trials-test", "tests/hosts/idle-test")
 
 
@@ -43,27 +44,35 @@ class Judge:
                     return by
         return None
 
-    def stages(self, mutant):
-        """Twice what is to be built and the programs to run: those of the family, then the others."""
+    def objects(self, mutant):
+        """What is to be built, in steps: the family's, a few at a time, and, unless they are many, all others."""
         family = family_of(mutant["file"])
         objects = self.tree.objects_of[mutant["file"]]
         near = [name for name in objects if family_of(self.tree.owner[name]) == family]
         far = [name for name in objects if name not in near]
-        own = [name for name in self.times if family_of(name) == family]
-        yield near, own
-        yield far if len(far) <= MOST_OBJECTS_APART else [], self.times.keys() - own
+        return ([near[begin:begin + OBJECTS_AT_ONCE] for begin in range(0, len(near), OBJECTS_AT_ONCE)],
+                far if len(far) <= MOST_OBJECTS_APART else [])
+
+    def finder(self, mutant):
+        """What finds it, if anything; whether it changed anything at all."""
+        own = {name for name in self.times if family_of(name) == family_of(mutant["file"])}
+        near, far = self.objects(mutant)
+        changed = set()
+        for objects in near:
+            more = self.tree.rebuild(objects)
+            changed |= more
+            if by := self.first_failure(own, more):
+                return by, True
+        changed |= self.tree.rebuild(far)
+        return self.first_failure(self.times.keys() - own, changed), bool(changed)
 
     def verdict(self, mutant):
-        changed = set()
         with self.tree.changed(mutant):
-            for objects, programs in self.stages(mutant):
-                more = self.tree.rebuild(objects)
-                if more is None:
-                    return "does not compile", None
-                changed |= more
-                if by := self.first_failure(programs, changed):
-                    return "killed", by
-        return ("survived" if changed else "same"), None
+            try:
+                by, differs = self.finder(mutant)
+            except DoesNotCompile:
+                return "does not compile", None
+        return "killed" if by else "survived" if differs else "same", by
 
 
 def candidates(folder, family, seed):
@@ -157,6 +166,7 @@ def report(counted):
     for family, counts in sorted(families.items(), key=lambda row: (row[0] == "together", row[0])):
         percent = 100 * counts["killed"] / counts.total()
         print(f"{family:<28} {counts.total():>8} {counts['killed']:>8} {counts['survived']:>8} {percent:>8.1f}")
+    print(f"{sum(found['by'] == TIME_LIMIT for found in counted)} were killed by the time limit.")
     for found in counted:
         if found["verdict"] == "survived":
             print(f"\n{found['file']}:{found['line']}\n-{found['old']}\n+{found['new']}")

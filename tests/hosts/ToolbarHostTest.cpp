@@ -113,6 +113,7 @@ TEST_F(ToolbarHostTest, EveryToolIsReachedInANarrowWindow) {
     settle();
     QToolButton* const overflow = toolNamed("More tools");
     ASSERT_TRUE(overflow && overflow->isVisible());
+    EXPECT_EQ(overflow->toolTip(), "More tools");
     EXPECT_LE(host->widget().width(), 120);
     EXPECT_FALSE(widgetFor(*field)->isVisible());
     widgetFor(*bar->toolbar()->items()[0]->view())->setFocus();

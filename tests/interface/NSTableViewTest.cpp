@@ -267,6 +267,7 @@ TEST(NSTableView, AnnouncesASelectionOnceItDiffers) {
     EXPECT_EQ(announced, 2);
     EXPECT_EQ(shown.table->selectedRowIndexes(), IndexSet({1, 2}));
     shown.table->setClickedRow(2);
+    EXPECT_EQ(shown.table->clickedRow(), 2);
     EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet({1, 2}));
     shown.table->setClickedRow(0);
     EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet({0}));

@@ -1,6 +1,7 @@
 #include "TestImages.h"
 #include <tests/Testing.h>
 
+#include <zorvan/colour/NSColor.h>
 #include <zorvan/media/CGContext.h>
 
 #include <mutex>
@@ -93,6 +94,59 @@ TEST(CGContext, DrawsFromTheBottomUp) {
         const bool isRed = y == 4 && (x == 1 || x == 2), isGreen = y == 0 && x == 5;
         return isRed ? 0xFF0000FF : isGreen ? 0xFF00FF00 : 0;
     });
+}
+
+using Components = std::array<double, 4>;
+
+/// What a filled square leaves of another, each component premultiplied.
+Components composited(NSCompositingOperation operation, const Components& below,
+                      const Components& above) {
+    const auto image = CGImage::draw(1, 1, [&](CGContext& c) {
+        for (const auto& [red, green, blue, alpha] : {below, above}) {
+            c.setFillColor(
+                NSColor({.red = red, .green = green, .blue = blue, .alpha = alpha}).cgColor());
+            c.fill(CGRect(0, 0, 1, 1));
+            c.setCompositingOperation(operation);
+        }
+    });
+    Components result;
+    for (std::size_t i = 0; i < 4; ++i)
+        result[i] = (pixelAt(*image, 0, 0) >> 8 * i & 255) / 255.0;
+    return result;
+}
+
+TEST(CGContext, BlendsByTheFormulaOfEachMode) {
+    using Operation = NSCompositingOperation;
+    using Blend = double (*)(double below, double above);
+    const std::pair<Operation, Blend> table[] = {
+        {Operation::multiply, [](double b, double s) { return b * s; }},
+        {Operation::screen, [](double b, double s) { return b + s - b * s; }},
+        {Operation::overlay,
+         [](double b, double s) { return b <= 0.5 ? 2 * b * s : 1 - 2 * (1 - b) * (1 - s); }},
+        {Operation::hardLight,
+         [](double b, double s) { return s <= 0.5 ? 2 * b * s : 1 - 2 * (1 - b) * (1 - s); }},
+        {Operation::darken, [](double b, double s) { return std::min(b, s); }},
+        {Operation::lighten, [](double b, double s) { return std::max(b, s); }},
+        {Operation::colorDodge, [](double b, double s) { return std::min(1.0, b / (1 - s)); }},
+        {Operation::colorBurn, [](double b, double s) { return 1 - std::min(1.0, (1 - b) / s); }},
+        {Operation::softLight,
+         [](double b, double s) {
+             const double lit = b <= 0.25 ? ((16 * b - 12) * b + 4) * b : std::sqrt(b);
+             return s <= 0.5 ? b - (1 - 2 * s) * b * (1 - b) : b + (2 * s - 1) * (lit - b);
+         }},
+        {Operation::difference, [](double b, double s) { return std::abs(b - s); }},
+        {Operation::exclusion, [](double b, double s) { return b + s - 2 * b * s; }},
+    };
+    const Components below{0.8, 0.2, 0.4, 1}, above{0.4, 0.6, 0.2, 1};
+    for (const auto& [operation, blend] : table) {
+        const Components mixed = composited(operation, below, above);
+        for (std::size_t i = 0; i < 4; ++i)
+            EXPECT_NEAR(mixed[i], i == 3 ? 1 : blend(below[i], above[i]), 0.01)
+                << static_cast<int>(operation) << ", " << i;
+    }
+    const Components most{0, 0, 0, 0.8}, some{0, 0, 0, 0.6};
+    EXPECT_NEAR(composited(Operation::XOR, most, some)[3], 0.8 * 0.4 + 0.6 * 0.2, 0.01);
+    EXPECT_NEAR(composited(Operation::destinationOut, most, some)[3], 0.8 * 0.4, 0.01);
 }
 
 TEST(CGContext, LaysAPictureOverWhatIsThere) {

@@ -150,6 +150,20 @@ TEST(TextDrawing, IsColouredInBothLayouts) {
         EXPECT_EQ(pixelAt(*image, 10, 30), 0x80000080u);
 }
 
+TEST(TextDrawing, HasLinesUnderItAndThroughIt) {
+    const auto inkWith = [](const AttributeDictionary& attributes) {
+        return inkOf([&](CGContext& c) { c.drawString("a b", {0, 0, 99, 60}, attributes); }).count;
+    };
+    const std::pair<AttributeValue, bool> table[] = {
+        {true, true}, {false, false}, {std::int64_t{1}, true}, {std::int64_t{0}, false}};
+    for (const auto name : {AttributeName::underlineStyle, AttributeName::strikethroughStyle})
+        for (const auto& [value, isDrawn] : table) {
+            AttributeDictionary styled = attributes(40);
+            styled.emplace(name, value);
+            EXPECT_EQ(inkWith(styled) > inkWith(attributes(40)), isDrawn) << value.index();
+        }
+}
+
 TEST(TextDrawing, IsMeasuredAsItIsDrawn) {
     const NSAttributedString text(words, attributes());
     const CGSize whole = size(text), broken = size(text, 100);

@@ -257,6 +257,12 @@ TEST(Metadata, IptcFieldsAreReadFromPhotoshopResources) {
     EXPECT_EQ(iptc->at("Keywords"), PropertyList(PropertyList::Array{"one", "three"}));
     for (std::size_t length = 0; length < block.size(); ++length)
         addPhotoshopProperties(Bytes(block).first(length), properties);
+    Data segment = bytesOf("\xFF\xED\0"sv);
+    segment.push_back(std::byte(2 + block.size()));
+    segment.insert(segment.end(), block.begin(), block.end());
+    Data picture = encoded(FileFormat::jpeg, pattern(9, 9));
+    picture.insert(picture.begin() + 2, segment.begin(), segment.end());
+    EXPECT_EQ(text(propertiesOf(picture), "{IPTC}", "Caption/Abstract"), "Caption");
 }
 
 } // namespace
