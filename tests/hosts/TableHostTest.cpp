@@ -236,7 +236,7 @@ TEST_F(TableHostTest, FilesAreDraggedOutAndCopied) {
     click(3);
     EXPECT_FALSE(shown().dragEnabled()) << "a drag selects";
     const std::unique_ptr<QMimeData> data(model.mimeData(
-        {model.index(4, 0), model.index(4, 1), model.index(3, 0), model.index(2, 0)}));
+        {model.index(2, 0), model.index(3, 0), model.index(4, 0), model.index(4, 1)}));
     const QList<QUrl> files{QUrl::fromLocalFile("/pictures/2 a.png"),
                             QUrl::fromLocalFile("/pictures/4 a.png")};
     EXPECT_EQ(data->urls(), files);
