@@ -41,12 +41,14 @@ public:
     }
 
     void follow(const BarItem& item) {
+        if (widget_ && item.showsWidget && widget_->maximumHeight() == 0) {
+            widget_->setMinimumHeight(0);
+            widget_->setMaximumHeight(QWIDGETSIZE_MAX);
+        }
         if (widget_ && item.update)
             item.update(*widget_);
         if (widget_ && !item.showsWidget)
-            widget_->setMaximumHeight(0);
-        else if (widget_ && widget_->maximumHeight() == 0)
-            widget_->setMaximumHeight(QWIDGETSIZE_MAX);
+            widget_->setFixedHeight(0);
         label_.setText(item.label);
         label_.setEnabled(item.isEnabled);
         label_.setVisible(!item.label.isEmpty());
