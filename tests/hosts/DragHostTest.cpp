@@ -4,7 +4,6 @@
 
 #include <tests/interface/Tree.h>
 
-#include <zorvan/collections/Array.h>
 #include <zorvan/interface/NSCollectionView.h>
 
 #include <QAbstractItemView>
@@ -14,8 +13,6 @@
 #include <QTimer>
 #include <QUrl>
 #include <QWindow>
-
-#include <stdexcept>
 
 namespace {
 
@@ -68,22 +65,19 @@ protected:
     DragHostTest() {
         host = nullptr;
         window->setContentSize({230, 300});
-        host = QtWindowHost::show(window);
-        settle();
+        show();
     }
 
     QPoint inWindow(const NSView& view, QPoint at) const {
-        QWidget* widget = widgetFor(view);
-        if (auto* const items = qobject_cast<QAbstractItemView*>(widget))
-            widget = items->viewport();
-        return widget->mapTo(&host->widget(), at);
+        auto* const items = widgetFor<QAbstractItemView>(view);
+        return HostTest::inWindow(items ? *items->viewport() : *widgetFor(view), at);
     }
     /// Both in the content of the window; `meanwhile` is done when the drag has begun.
     void drag(const NSView& from, QPoint start, const NSView& to, QPoint end,
               std::function<void()> meanwhile = {}) {
         settle();
         const QPoint pressed = inWindow(from, start), released = inWindow(to, end);
-        QWindow* const screen = host->widget().windowHandle();
+        QWindow* const screen = top().windowHandle();
         QTest::mousePress(screen, Qt::LeftButton, {}, pressed);
         bool isDone = false;
         whenDragging([=, &isDone] {
@@ -123,23 +117,36 @@ TEST_F(DragHostTest, ViewsGiveAndTakeFiles) {
     const auto giver = addDropView({0, 0, 100, 100}, *content);
     const auto taker = addDropView({110, 0, 120, 200}, *content);
     const auto inner = addDropView({0, 0, 60, 100}, *taker);
-    drag(*giver, {20, 50}, *taker, {100, 30});
-    EXPECT_EQ(taker->dropped, "own.png ");
+    // What comes of a drag to the one view or the one in it.
+    const auto dropped = [&](NSView& to, QPoint from = {20, 50},
+                             const std::function<void()>& meanwhile = {}) {
+        drag(*giver, from, to, &to == inner.get() ? QPoint(30, 50) : QPoint(100, 30), meanwhile);
+        return std::exchange(taker->dropped, {});
+    };
+    EXPECT_EQ(dropped(*taker), "own.png ");
     EXPECT_EQ(taker->droppedAt, CGPoint(100, 170));
     EXPECT_EQ(giver->drags, 0);
     inner->accepts = false;
-    drag(*giver, {20, 50}, *inner, {30, 50});
-    EXPECT_EQ(taker->dropped, "own.png own.png ") << "for the one in it";
+    EXPECT_EQ(dropped(*inner), "own.png ") << "for the one in it";
     taker->accepts = false;
-    drag(*giver, {20, 50}, *taker, {100, 30});
-    EXPECT_EQ(taker->dropped, "own.png own.png ");
-    drag(*giver, {80, 50}, *taker, {100, 30});
+    EXPECT_EQ(dropped(*taker), "");
+    taker->accepts = true;
+    EXPECT_EQ(dropped(*taker, {80, 50}), "");
     EXPECT_GT(giver->drags, 0) << "where there is nothing to carry the mouse is the view's";
     giver->fails = true;
     testing::internal::CaptureStdout();
-    drag(*giver, {20, 50}, *taker, {100, 30});
+    EXPECT_EQ(dropped(*taker), "") << "nothing, when the view throws";
     testing::internal::GetCapturedStdout();
-    EXPECT_EQ(taker->dropped, "own.png own.png ") << "nothing, when the view throws";
+    giver->fails = false;
+    // What goes meanwhile.
+    EXPECT_EQ(dropped(*taker, {20, 50}, [&] { giver->removeFromSuperview(); }), "own.png ");
+    content->addSubview(giver);
+    taker->then = [&] { taker->removeFromSuperview(); };
+    EXPECT_EQ(dropped(*taker), "own.png ");
+    content->addSubview(taker);
+    taker->then = [&] { window->close(); };
+    EXPECT_EQ(dropped(*taker), "own.png ");
+    EXPECT_FALSE(top().isVisible());
 }
 
 TEST_F(DragHostTest, PicturesAreDraggedOut) {
@@ -168,184 +175,142 @@ TEST_F(DragHostTest, PicturesAreDraggedOut) {
     EXPECT_EQ(catcher->urls, QList<QUrl>{QUrl::fromLocalFile("/pictures/own.png")});
 }
 
-TEST_F(DragHostTest, OutlivesWhatGoesMeanwhile) {
-    const auto giver = addDropView({0, 0, 100, 100}, *content);
-    const auto taker = addDropView({110, 0, 120, 200}, *content);
-    drag(*giver, {20, 50}, *taker, {100, 30}, [&] { giver->removeFromSuperview(); });
-    EXPECT_EQ(taker->dropped, "own.png ");
-    content->addSubview(giver);
-    taker->then = [&] { taker->removeFromSuperview(); };
-    drag(*giver, {20, 50}, *taker, {100, 30});
-    EXPECT_EQ(taker->dropped, "own.png own.png ");
-    content->addSubview(taker);
-    taker->then = [&] { window->close(); };
-    drag(*giver, {20, 50}, *taker, {100, 30});
-    EXPECT_FALSE(host->widget().isVisible());
-}
+// Tables, outlines and collections: what a drag of the selection is told as.
 
-// Tables
+/// What is told is written down, and nothing moves.
+struct Movable : NSTableViewDataSource, NSCollectionViewDataSource, Tree {
+    Movable() { top = {node("a", {node("b"), node("c")}), node("d")}; }
+    std::int64_t numberOfRows(const NSTableView&) const override { return 5; }
+    std::int64_t numberOfItems(const NSCollectionView&, std::int64_t) const override { return 6; }
 
-struct Rows : NSTableViewDataSource {
-    std::int64_t numberOfRows(const NSTableView&) const override {
-        return static_cast<std::int64_t>(items.size());
+    std::optional<URL> draggedURL(const NSTableView&, std::int64_t row) const override {
+        return givesFiles ? std::optional(file(std::to_string(row))) : std::nullopt;
     }
-    std::string text(const NSTableView&, std::int64_t, std::int64_t row) const override {
-        return std::string(1, items.at(static_cast<std::size_t>(row)));
-    }
-    std::optional<URL> draggedURL(const NSTableView& table, std::int64_t row) const override {
-        return givesFiles ? std::optional(file(text(table, 0, row))) : std::nullopt;
-    }
-    bool isMovable(const NSTableView&, std::int64_t row) const override {
-        return items.at(static_cast<std::size_t>(row)) != 'X';
-    }
-    void rowsDragged(NSTableView& table, const IndexSet& rows, std::int64_t before) override {
-        std::vector<char> list(items.begin(), items.end());
-        zorvan::move(list, rows, before);
-        items.assign(list.begin(), list.end());
-        table.moveRows(rows, before);
-    }
-    bool acceptsDrop(const NSTableView&, const std::vector<URL>&) const override { return true; }
-    void urlsDropped(NSTableView&, const std::vector<URL>& urls, std::int64_t before) override {
-        dropped += names(urls) + std::to_string(before) + " ";
-    }
-
-    std::string items = "abcdX", dropped;
-    bool givesFiles = false;
-};
-
-TEST_F(DragHostTest, RowsAreDraggedToAnotherPlace) {
-    const auto rows = std::make_shared<Rows>();
-    const auto table = NSTableView::create({0, 0, 110, 300});
-    table->setNumberOfColumns(1);
-    table->setDataSource(rows);
-    content->addSubview(table);
-    const auto middle = [](int row) { return QPoint(20, row * 24 + 12); };
-    drag(*table, middle(0), *table, middle(2) + QPoint(0, 6));
-    EXPECT_EQ(rows->items, "bcadX") << "below the middle: after it";
-    EXPECT_EQ(table->selectedRowIndexes(), IndexSet({2}));
-    table->selectOnlyRows({0, 2, 4});
-    drag(*table, middle(0), *table, QPoint(20, 250));
-    EXPECT_EQ(rows->items, "cdXba") << "to the end, without the one that is not movable";
-    table->selectOnlyRow(0);
-    drag(*table, middle(2), *table, middle(4));
-    EXPECT_EQ(rows->items, "cdXba");
-    EXPECT_EQ(table->selectedRowIndexes(), IndexSet({2, 3, 4})) << "such a drag selects";
-    // Out of the table and, from elsewhere, into it.
-    const auto beside = addDropView({110, 0, 120, 300}, *content);
-    rows->givesFiles = true;
-    table->selectOnlyRows({0, 1});
-    drag(*table, middle(1), *beside, {100, 100});
-    EXPECT_EQ(beside->dropped, "c d ");
-    drag(*beside, {20, 50}, *table, middle(1) - QPoint(0, 6));
-    drag(*beside, {20, 50}, *table, QPoint(20, 250));
-    EXPECT_EQ(rows->dropped, "own.png 1 own.png 5 ");
-    EXPECT_EQ(rows->items, "cdXba");
-}
-
-// Outlines
-
-struct MovableTree : Tree {
-    MovableTree() { top = {node("a", {node("b"), node("c")}), node("d")}; }
+    bool isMovable(const NSTableView&, std::int64_t row) const override { return row != 4; }
     bool isMovable(const NSOutlineView&, const Item&) const override { return true; }
+    bool isMovable(const NSCollectionView&, IndexPath path) const override { return path.item < 5; }
+
+    void rowsDragged(NSTableView&, const IndexSet& rows, std::int64_t before) override {
+        for (const std::int64_t row : rows)
+            told += std::to_string(row);
+        told += ">" + std::to_string(before);
+    }
     void itemsDragged(NSOutlineView&, const std::vector<Item>& items, const Item& holder,
                       std::int64_t before) override {
         for (const Item& item : items)
             told += of(item).name;
-        told += ">" + of(holder).name + std::to_string(before) + " ";
-    }
-    bool acceptsDrop(const NSOutlineView&, const std::vector<URL>&) const override { return true; }
-    void urlsDropped(NSOutlineView&, const std::vector<URL>& urls, const Item& holder,
-                     std::int64_t before) override {
-        told += names(urls) + ">" + of(holder).name + std::to_string(before) + " ";
-    }
-
-    std::string told;
-};
-
-TEST_F(DragHostTest, ItemsOfAnOutlineAreDraggedIntoEachOther) {
-    const auto tree = std::make_shared<MovableTree>();
-    const auto outline = NSOutlineView::create({0, 0, 110, 300});
-    outline->setNumberOfColumns(1);
-    outline->setOutlineDataSource(tree);
-    outline->expandAllItems(); // a b c d
-    content->addSubview(outline);
-    const auto beside = addDropView({110, 0, 120, 300}, *content);
-    const auto at = [](int row, int below) { return QPoint(80, row * 24 + 12 + below); };
-    const struct {
-        IndexSet selected;
-        int from;
-        QPoint to;
-        const char* told;
-    } table[] = {
-        {{3}, 3, at(0, 0), "d>a2 "},    {{3}, 3, at(0, -10), "d>root0 "},
-        {{3}, 3, at(0, 10), "d>a0 "},   {{1}, 1, at(3, 10), "b>root2 "},
-        {{1}, 1, at(2, 10), "b>a2 "},   {{1}, 1, QPoint(80, 250), "b>root2 "},
-        {{0}, 0, at(1, 0), ""},         // into itself
-        {{0, 1}, 0, at(3, 0), "a>d0 "}, // what goes along is not named
-    };
-    for (const auto& step : table) {
-        tree->told.clear();
-        outline->selectOnlyRows(step.selected);
-        drag(*outline, at(step.from, 0), *outline, step.to);
-        EXPECT_EQ(tree->told, step.told);
-    }
-    tree->told.clear();
-    drag(*beside, {20, 50}, *outline, at(3, 0));
-    EXPECT_EQ(tree->told, "own.png >d0 ");
-}
-
-// Collections
-
-struct Items : NSCollectionViewDataSource {
-    std::int64_t numberOfItems(const NSCollectionView&, std::int64_t) const override { return 6; }
-    bool isMovable(const NSCollectionView&, IndexPath path) const override {
-        return path.item != 5;
+        told += ">" + of(holder).name + std::to_string(before);
     }
     void itemsDragged(NSCollectionView&, const std::set<IndexPath>& items,
                       IndexPath before) override {
         for (const IndexPath item : items)
             told += std::to_string(item.item);
-        told += ">" + std::to_string(before.item) + " ";
+        told += ">" + std::to_string(before.item);
     }
+
+    bool acceptsDrop(const NSTableView&, const std::vector<URL>&) const override { return true; }
+    bool acceptsDrop(const NSOutlineView&, const std::vector<URL>&) const override { return true; }
     bool acceptsDrop(const NSCollectionView&, const std::vector<URL>&) const override {
         return true;
     }
-    void urlsDropped(NSCollectionView&, const std::vector<URL>& urls, IndexPath before) override {
-        told += names(urls) + ">" + std::to_string(before.item) + " ";
+    void urlsDropped(NSTableView&, const std::vector<URL>& urls, std::int64_t before) override {
+        told += names(urls) + ">" + std::to_string(before);
     }
+    void urlsDropped(NSOutlineView&, const std::vector<URL>& urls, const Item& holder,
+                     std::int64_t before) override {
+        told += names(urls) + ">" + of(holder).name + std::to_string(before);
+    }
+    void urlsDropped(NSCollectionView&, const std::vector<URL>& urls, IndexPath before) override {
+        told += names(urls) + ">" + std::to_string(before.item);
+    }
+
     std::string told;
+    bool givesFiles = false;
 };
 
-TEST_F(DragHostTest, ItemsOfACollectionAreDraggedToAnotherPlace) {
-    const auto items = std::make_shared<Items>();
-    const auto view = NSCollectionView::create({0, 100, 200, 200});
-    view->setDataSource(items);
-    view->setCollectionViewLayout(std::make_shared<NSCollectionViewFlowLayout>(CGSize(40, 40), 10));
-    content->addSubview(view);
-    const auto beside = addDropView({0, 0, 200, 90}, *content);
-    const auto at = [](int column, int line, int right) {
-        return QPoint(column * 50 + 20 + right, line * 50 + 20);
-    };
-    const struct {
-        std::set<IndexPath> selected;
+class ItemDragTest : public DragHostTest {
+protected:
+    struct Step {
+        IndexSet selected;
         QPoint from, to;
         const char* told;
-    } table[] = {
-        {{{0, 0}}, at(0, 0, 0), at(2, 0, -9), "0>2 "},
-        {{{0, 0}}, at(0, 0, 0), at(2, 0, 9), "0>3 "},
-        {{{0, 0}, {3, 0}, {5, 0}}, at(3, 0, 0), at(0, 1, -9), "03>4 "},
-        {{{0, 0}}, at(0, 0, 0), {100, 150}, "0>6 "},
-        {{{5, 0}}, at(1, 1, 0), at(0, 0, 0), ""},
     };
-    for (const auto& step : table) {
-        items->told.clear();
-        view->setSelectionIndexPaths(step.selected);
-        drag(*view, step.from, *view, step.to);
-        EXPECT_EQ(items->told, step.told);
+    /// Drags inside of the view, and out of the one beside it, whose file is told as `fromBeside`.
+    template <class Select>
+    void expectDrags(NSView& view, const std::vector<Step>& steps, const Select& select,
+                     QPoint toFromBeside, const char* fromBeside) {
+        for (const Step& step : steps) {
+            source->told.clear();
+            select(step.selected);
+            drag(view, step.from, view, step.to);
+            EXPECT_EQ(source->told, step.told);
+        }
+        source->told.clear();
+        drag(*beside, {20, 50}, view, toFromBeside);
+        EXPECT_EQ(source->told, fromBeside);
     }
-    items->told.clear();
-    drag(*beside, {20, 50}, *view, at(1, 0, -9));
-    EXPECT_EQ(items->told, "own.png >1 ");
+    /// In the middle of a row, or so far below it.
+    static QPoint row(int row, int below = 0) { return {80, row * 24 + 12 + below}; }
+
+    const std::shared_ptr<Movable> source = std::make_shared<Movable>();
+    const std::shared_ptr<DropView> beside = addDropView({110, 0, 120, 300}, *content);
+};
+
+TEST_F(ItemDragTest, RowsOfATable) {
+    const auto table = NSTableView::create({0, 0, 110, 300});
+    table->setNumberOfColumns(1);
+    table->setDataSource(source);
+    content->addSubview(table);
+    expectDrags(
+        *table,
+        {{{}, row(0), row(2, 6), "0>3"}, // below the middle: after it
+         {{}, row(0), row(2, -6), "0>2"},
+         {{0, 2, 4}, row(0), {80, 250}, "02>5"}, // to the end, what is movable
+         {{0}, row(4), row(2), ""}},
+        [&](const IndexSet& rows) { table->selectOnlyRows(rows); }, row(1, -6), "own.png >1");
+    EXPECT_EQ(table->selectedRowIndexes(), IndexSet({2, 3, 4})) << "such a drag selects";
+    source->givesFiles = true;
+    table->selectOnlyRows({0, 1});
+    drag(*table, row(1), *beside, {100, 100});
+    EXPECT_EQ(beside->dropped, "0 1 ");
+}
+
+TEST_F(ItemDragTest, ItemsOfAnOutline) {
+    const auto outline = NSOutlineView::create({0, 0, 110, 300});
+    outline->setNumberOfColumns(1);
+    outline->setOutlineDataSource(source);
+    outline->expandAllItems(); // a b c d
+    content->addSubview(outline);
+    expectDrags(
+        *outline,
+        {{{3}, row(3), row(0), "d>a2"},
+         {{3}, row(3), row(0, -10), "d>root0"},
+         {{3}, row(3), row(0, 10), "d>a0"},
+         {{1}, row(1), row(3, 10), "b>root2"},
+         {{1}, row(1), row(2, 10), "b>a2"},
+         {{1}, row(1), {80, 250}, "b>root2"},
+         {{0}, row(0), row(1), ""},         // into itself
+         {{0, 1}, row(0), row(3), "a>d0"}}, // what goes along is not named
+        [&](const IndexSet& rows) { outline->selectOnlyRows(rows); }, row(3), "own.png >d0");
+}
+
+TEST_F(ItemDragTest, ItemsOfACollection) {
+    const auto view = NSCollectionView::create({0, 0, 110, 300});
+    view->setDataSource(source);
+    view->setCollectionViewLayout(std::make_shared<NSCollectionViewFlowLayout>(CGSize(30, 30), 5));
+    content->addSubview(view);
+    const auto at = [](int column, int line, int right = 0) {
+        return QPoint(column * 35 + 15 + right, line * 35 + 15);
+    };
+    expectDrags(
+        *view,
+        {{{0}, at(0, 0), at(2, 0, -9), "0>2"},
+         {{0}, at(0, 0), at(2, 0, 9), "0>3"},
+         {{0, 3, 5}, at(0, 1), at(1, 1, -9), "03>4"},
+         {{0}, at(0, 0), {50, 250}, "0>6"},
+         {{5}, at(2, 1), at(0, 0), ""}},
+        [&](const IndexSet& items) { view->setSelectionIndexPaths(items.mapToIndexPaths()); },
+        at(1, 0, -9), "own.png >1");
 }
 
 } // namespace

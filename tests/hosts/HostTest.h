@@ -1,25 +1,21 @@
 #pragma once
 
+#include <tests/Testing.h>
 #include <tests/files/TemporaryFolder.h>
 
 #include <zorvan/hosts/QtWindowHost.h>
 #include <zorvan/interface/DynamicToolbar.h>
 #include <zorvan/interface/NSApplication.h>
+#include <zorvan/platform/dispatch/NSNotificationCenter.h>
 
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMouseEvent>
 #include <QSplitter>
 #include <QTest>
-#include <QWheelEvent>
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <memory>
-#include <string>
-#include <vector>
-
-using namespace zorvan;
 
 /// A window of 240 x 160 points with an empty content view, shown without a screen.
 class HostTest : public testing::Test {
@@ -39,13 +35,19 @@ protected:
 
     HostTest() {
         window->setContentView(content);
+        show();
+    }
+    ~HostTest() override {
+        stopObserving();
+        host = nullptr;
+        settle();
+    }
+
+    void show() {
+        host = nullptr;
         host = QtWindowHost::show(window);
         settle();
         host->widget().activateWindow();
-        settle();
-    }
-    ~HostTest() override {
-        host = nullptr;
         settle();
     }
 
@@ -57,12 +59,29 @@ protected:
         }
     }
 
-    /// Null when the view is not shown.
-    QWidget* widgetFor(const NSView& view) const { return host->widget(view); }
+    // What is looked at is looked at once all is done.
+
+    QWidget& top() const {
+        settle();
+        return host->widget();
+    }
+    /// Null when the view is not shown, or not by such a widget.
+    template <class Widget = QWidget>
+    Widget* widgetFor(const NSView& view) const {
+        settle();
+        return qobject_cast<Widget*>(host->widget(view));
+    }
+    /// What is read to those who do not see the view.
+    QAccessibleInterface& faceOf(const NSView& view) const {
+        return *QAccessible::queryAccessibleInterface(widgetFor(view));
+    }
+    QPoint inWindow(const QWidget& widget, QPoint at = {}) const {
+        return widget.mapTo(&top(), at);
+    }
     /// In the content of the window.
     QRect placeOf(const NSView& view) const {
         QWidget* const widget = widgetFor(view);
-        return QRect(widget->mapTo(widgetFor(*window->contentView()), QPoint()), widget->size());
+        return {widget->mapTo(widgetFor(*window->contentView()), QPoint()), widget->size()};
     }
     QColor colourAt(QPoint inContent) const {
         return widgetFor(*window->contentView())->grab().toImage().pixelColor(inContent);
@@ -71,11 +90,41 @@ protected:
         QTest::mouseClick(widgetFor(view), Qt::LeftButton);
         settle();
     }
+    /// Moves the mouse with its left button down.
+    static void drag(QWidget& over, QPoint to) {
+        QMouseEvent move(QEvent::MouseMove, to, over.mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                         {});
+        QCoreApplication::sendEvent(&over, &move);
+    }
     /// Goes to where the keyboard is.
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        settle();
         QWidget* const focused = QApplication::focusWidget();
         QTest::keyClick(focused ? focused : &host->widget(), key, modifiers);
         settle();
+    }
+    /// The menu that is open; null for none.
+    static QMenu* openMenu() {
+        settle();
+        return qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    }
+    void setDirection(Qt::LayoutDirection direction) {
+        QApplication::setLayoutDirection(direction);
+        settle();
+    }
+
+    /// Writes down that it was done.
+    Selector does(const std::string& what) {
+        return Selector(what, [this, what] { done += what; });
+    }
+    /// Calls a function for the notifications of that name, until the test ends at the latest.
+    void observe(std::string_view name, const std::function<void()>& told) {
+        observers.push_back(center.addObserver(NSNotificationName(name), nullptr, nullptr,
+                                               [told](const Notification&) { told(); }));
+    }
+    void stopObserving() {
+        for (const auto& observer : std::exchange(observers, {}))
+            center.removeObserver(observer);
     }
 
     /// A toolbar with a search field, which is given back.
@@ -85,19 +134,25 @@ protected:
         const auto field =
             searchBar->addItem({.createSearchField = [&](SearchFieldSettings& settings) {
                 settings.placeholderString = "Search";
-                settings.action = Selector("search", [this] { ++searches; });
+                settings.action = does("s");
             }});
-        window->setToolbar(searchBar->toolbar());
-        searchBar->reloadDisplayedItems();
-        settle();
+        setToolbar(*searchBar);
         return field;
+    }
+    void setToolbar(DynamicToolbar& bar) {
+        window->setToolbar(bar.toolbar());
+        bar.reloadDisplayedItems();
+        settle();
     }
 
     static inline QApplication* application = nullptr;
 
+    NSNotificationCenter& center = *NSNotificationCenter::defaultCenter();
+    std::vector<std::shared_ptr<NotificationObserver>> observers;
+
     const std::shared_ptr<NSWindow> window = NSWindow::create({240, 160}, "Window");
     const std::shared_ptr<NSView> content = NSView::create();
     std::shared_ptr<DynamicToolbar> searchBar;
-    int searches = 0;
+    std::string done;
     std::shared_ptr<QtWindowHost> host;
 };

@@ -8,11 +8,7 @@
 #include <zorvan/interface/NSMenuToolbarItem.h>
 
 #include <QLabel>
-#include <QMenu>
-#include <QToolBar>
 #include <QToolButton>
-
-#include <functional>
 
 namespace {
 
@@ -42,20 +38,19 @@ protected:
             settings.action = does("s");
         }});
         window->setContentSize({700, 200});
-        window->setToolbar(bar->toolbar());
-        bar->reloadDisplayedItems();
-        settle();
+        setToolbar(*bar);
     }
 
-    Selector does(const char* what) {
-        return Selector(what, [this, what] { done += what; });
-    }
+    void resize(int width) { top().resize(width, 200); }
     QToolButton* toolNamed(const char* name) const {
-        for (auto* const button : host->widget().findChildren<QToolButton*>())
+        for (auto* const button : top().findChildren<QToolButton*>())
             if (button->accessibleName() == QLatin1String(name))
                 return button;
         return nullptr;
     }
+    QWidget& trash() const { return *widgetFor(*bar->toolbar()->items()[0]->view()); }
+    /// From the left edge of the window.
+    int left(const QWidget& widget) const { return inWindow(widget).x(); }
     /// What stands in a menu when it opens.
     static QStringList linesOf(QMenu& menu) {
         Q_EMIT menu.aboutToShow();
@@ -65,13 +60,10 @@ protected:
         return lines;
     }
     static QAction* lineOf(QMenu& menu, const char* text) {
-        for (QAction* const action : menu.actions())
-            if (action->text() == QLatin1String(text))
-                return action;
-        return nullptr;
+        const auto line = linesOf(menu).indexOf(QLatin1String(text));
+        return line < 0 ? nullptr : menu.actions()[line];
     }
 
-    std::string done;
     std::shared_ptr<DynamicToolbar> bar = DynamicToolbar::create({"tools"});
     std::shared_ptr<NSToolbarItemGroup> group;
     std::shared_ptr<NSMenuToolbarItem> menuItem;
@@ -88,35 +80,30 @@ TEST_F(ToolbarHostTest, ItemsAreTheWidgetsOfTheirKind) {
     toolNamed("Date")->click();
     EXPECT_TRUE(toolNamed("Date")->isChecked()) << "one stays chosen";
     group->setSelectedIndex(0);
-    settle();
     EXPECT_TRUE(toolNamed("Name")->isChecked());
     EXPECT_EQ(linesOf(*toolNamed("More")->menu()), QStringList("Inside"));
     toolNamed("More")->menu()->actions()[0]->trigger();
     EXPECT_EQ(done, "oom");
-    EXPECT_TRUE(qobject_cast<QLineEdit*>(widgetFor(*field)));
-    const auto& trash = bar->toolbar()->items()[0];
-    EXPECT_EQ(widgetFor(*trash->view())->accessibleName(), "Delete");
-    EXPECT_EQ(widgetFor(*trash->view())->toolTip(), "Delete");
+    EXPECT_TRUE(widgetFor<QLineEdit>(*field));
+    EXPECT_EQ(trash().accessibleName(), "Delete");
+    EXPECT_EQ(trash().toolTip(), "Delete");
     group->setEnabled(false);
     menuItem->setEnabled(false);
-    settle();
     EXPECT_FALSE(toolNamed("Name")->isEnabled() || toolNamed("More")->isEnabled());
     group->setControlRepresentation(NSToolbarItemGroup::ControlRepresentation::collapsed);
-    settle();
     ASSERT_TRUE(toolNamed("Order"));
     EXPECT_EQ(linesOf(*toolNamed("Order")->menu()), (QStringList{"Name", "Date"}));
 }
 
 TEST_F(ToolbarHostTest, EveryToolIsReachedInANarrowWindow) {
     window->setContentMinSize({60, 60});
-    host->widget().resize(120, 200);
-    settle();
+    resize(120);
     QToolButton* const overflow = toolNamed("More tools");
     ASSERT_TRUE(overflow && overflow->isVisible());
     EXPECT_EQ(overflow->toolTip(), "More tools");
-    EXPECT_LE(host->widget().width(), 120);
+    EXPECT_LE(top().width(), 120);
     EXPECT_FALSE(widgetFor(*field)->isVisible());
-    widgetFor(*bar->toolbar()->items()[0]->view())->setFocus();
+    trash().setFocus();
     press(Qt::Key_Tab);
     EXPECT_EQ(QApplication::focusWidget(), overflow) << "reached by Tab";
     QMenu& menu = *overflow->menu();
@@ -130,59 +117,47 @@ TEST_F(ToolbarHostTest, EveryToolIsReachedInANarrowWindow) {
     ASSERT_TRUE(edit) << "a search field of its own";
     QTest::keyClicks(edit, "a");
     EXPECT_EQ(field->stringValue(), "a");
-    host->widget().resize(40, 200);
-    settle();
-    linesOf(menu);
+    resize(40);
     ASSERT_TRUE(lineOf(menu, "Delete"));
     lineOf(menu, "Delete")->trigger();
     EXPECT_EQ(done, "omsd");
-    host->widget().resize(700, 200);
-    settle();
+    resize(700);
     EXPECT_FALSE(overflow->isVisible());
     EXPECT_TRUE(widgetFor(*field)->isVisible());
-    EXPECT_EQ(qobject_cast<QLineEdit*>(widgetFor(*field))->text(), "a");
+    EXPECT_EQ(widgetFor<QLineEdit>(*field)->text(), "a");
 }
 
 TEST_F(ToolbarHostTest, StandsInOrderFromTheLeadingEdge) {
-    const auto left = [this](QWidget& widget) {
-        return widget.mapTo(&host->widget(), QPoint()).x();
-    };
-    QWidget& trash = *widgetFor(*bar->toolbar()->items()[0]->view());
-    EXPECT_LT(left(trash), left(*toolNamed("Name")));
+    EXPECT_LT(left(trash()), left(*toolNamed("Name")));
     EXPECT_GT(left(*widgetFor(*field)), 450) << "behind a flexible space";
-    QApplication::setLayoutDirection(Qt::RightToLeft);
-    settle();
-    EXPECT_GT(left(trash), left(*toolNamed("Name")));
+    setDirection(Qt::RightToLeft);
+    EXPECT_GT(left(trash()), left(*toolNamed("Name")));
     EXPECT_LT(left(*widgetFor(*field)), 100);
-    QApplication::setLayoutDirection(Qt::LeftToRight);
+    setDirection(Qt::LeftToRight);
     bar->toolbar()->items()[1]->setNavigational(true);
-    settle();
-    EXPECT_GT(left(trash), left(*toolNamed("Name"))) << "navigational ones come first";
+    EXPECT_GT(left(trash()), left(*toolNamed("Name"))) << "navigational ones come first";
 }
 
 TEST_F(ToolbarHostTest, LabelsFollowTheDisplayMode) {
-    const auto labels = [this] {
+    using Mode = NSToolbar::DisplayMode;
+    const auto labels = [this](Mode mode) {
+        bar->toolbar()->setDisplayMode(mode);
         QStringList shown;
-        for (const auto* const label : host->widget().findChildren<QLabel*>())
+        for (const auto* const label : top().findChildren<QLabel*>())
             if (label->isVisible())
                 shown.append(label->text());
         shown.sort();
         return shown;
     };
-    using Mode = NSToolbar::DisplayMode;
-    EXPECT_EQ(labels(), QStringList());
-    const int height = host->widget().height();
-    bar->toolbar()->setDisplayMode(Mode::iconAndLabel);
-    settle();
-    EXPECT_EQ(labels(), (QStringList{"Delete", "More", "Order"}));
-    EXPECT_GT(host->widget().height(), height) << "the content keeps its size";
+    const int height = top().height();
+    const QStringList all{"Delete", "More", "Order"};
+    EXPECT_EQ(labels(Mode::iconAndLabel), all);
+    EXPECT_GT(top().height(), height) << "the content keeps its size";
     EXPECT_EQ(window->contentSize(), CGSize(700, 200));
-    bar->toolbar()->setDisplayMode(Mode::labelOnly);
-    settle();
-    EXPECT_EQ(labels(), (QStringList{"Delete", "More", "Order"}));
-    bar->toolbar()->setDisplayMode(Mode::iconOnly);
-    settle();
-    EXPECT_EQ(labels(), QStringList());
+    EXPECT_EQ(labels(Mode::labelOnly), all);
+    EXPECT_EQ(trash().height(), 0);
+    EXPECT_EQ(labels(Mode::iconOnly), QStringList());
+    EXPECT_GT(trash().height(), 0);
 }
 
 TEST_F(ToolbarHostTest, TypingSurvivesAReload) {
@@ -192,7 +167,6 @@ TEST_F(ToolbarHostTest, TypingSurvivesAReload) {
         QTest::keyClick(QApplication::focusWidget(), letter);
         fresh->setRemovedFromBar(!fresh->removedFromBar());
         bar->reloadDisplayedItems();
-        settle();
     }
     EXPECT_EQ(field->stringValue(), "abc");
 }
@@ -206,30 +180,26 @@ TEST_F(ToolbarHostTest, ASeparatorFollowsTheDivider) {
     other->addItemSet();
     other->addItem(
         {.createSplitView = [&](SplitViewSettings& settings) { settings.splitView = split; }});
-    window->setToolbar(other->toolbar());
-    other->reloadDisplayedItems();
+    setToolbar(*other);
     for (const double position : {150.0, 210.0}) {
         split->setPosition(position, 0);
-        settle();
-        QFrame* line = nullptr;
-        for (auto* const frame : host->widget().findChildren<QFrame*>())
-            if (frame->frameShape() == QFrame::VLine)
-                line = frame;
-        ASSERT_TRUE(line);
-        EXPECT_NEAR(line->mapTo(&host->widget(), QPoint()).x(), position, 2);
+        const auto frames = top().findChildren<QFrame*>();
+        const auto line = std::find_if(frames.begin(), frames.end(), [](const QFrame* frame) {
+            return frame->frameShape() == QFrame::VLine;
+        });
+        ASSERT_NE(line, frames.end());
+        EXPECT_NEAR(left(**line), position, 2);
     }
 }
 
 TEST_F(ToolbarHostTest, PartsThatAreNotShownKeepTheirPlace) {
     const auto divided = DividedToolbar::create();
     window->setToolbar(divided);
-    settle();
     QWidget& right = *widgetFor(*divided->rightItemView());
-    const QPoint place = right.mapTo(&host->widget(), QPoint());
+    const QPoint place = inWindow(right);
     divided->setShowCenterItemView(false);
-    settle();
     EXPECT_FALSE(widgetFor(*divided->centerItemView())->isVisible());
-    EXPECT_EQ(right.mapTo(&host->widget(), QPoint()), place);
+    EXPECT_EQ(inWindow(right), place);
 }
 
 TEST_F(ToolbarHostTest, ATouchBarStandsAtTheBottom) {
@@ -243,14 +213,12 @@ TEST_F(ToolbarHostTest, ATouchBarStandsAtTheBottom) {
         }});
     touchBar->reloadDisplayedItems();
     window->setTouchBar(touchBar->touchBar());
-    settle();
     QWidget& shown = *widgetFor(*button);
     EXPECT_GE(shown.width(), 80);
-    EXPECT_GT(shown.mapTo(&host->widget(), QPoint()).y(), host->widget().height() - 60);
+    EXPECT_GT(inWindow(shown).y(), top().height() - 60);
     click(*button);
     EXPECT_EQ(done, "n");
     window->setTouchBar(nullptr);
-    settle();
     EXPECT_FALSE(widgetFor(*button) && widgetFor(*button)->isVisible());
 }
 

@@ -72,6 +72,13 @@ TEST_F(NSWindowKeys, GoToTheFirstResponder) {
     EXPECT_TRUE(press("k"));
     EXPECT_FALSE(press("x")) << "not taken";
     EXPECT_EQ(take(), "bk");
+    for (const auto& hidden : {std::shared_ptr<NSView>(b), window->contentView()}) {
+        hidden->setHidden(true);
+        EXPECT_FALSE(press("k")) << "not seen";
+        hidden->setHidden(false);
+        EXPECT_TRUE(press("k"));
+    }
+    EXPECT_EQ(take(), "bkbk");
     b->letsGo = false;
     EXPECT_FALSE(window->makeFirstResponder(a));
     EXPECT_EQ(window->firstResponder(), b);

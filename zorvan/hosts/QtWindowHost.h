@@ -37,7 +37,9 @@ public:
     /// For what else Qt can do with a window, such as its icon and its shortcuts. It stays the
     /// host's.
     QWidget& widget() const noexcept;
-    /// What shows a view of the window; null for one that is not shown. It stays the host's.
+    /// What shows a view of the window: a `QAbstractButton` for a button, say. Null for one that is
+    /// not shown, or not yet: what comes into a bar, and the view of a cell, has its widget from
+    /// the next turn of the event loop on. It stays the host's.
     QWidget* widget(const NSView& forView) const;
 
 private:

@@ -103,9 +103,9 @@ public:
     /// give the keyboard to the innermost view there that accepts it; drags and releases go to the
     /// one that was pressed, be it in the window any more or not; the wheel to the view that is
     /// hit; entering and leaving to the owners of tracking areas. `mouseExited` means that the
-    /// mouse has left the window. Keys go to the first responder, else to the content view, and
-    /// when nobody takes a press it may be a key equivalent: of a view, or of a menu of the
-    /// toolbar.
+    /// mouse has left the window. Keys go to the first responder unless it is hidden, itself or
+    /// with what holds it, else to the content view, and when nobody takes a press it may be a key
+    /// equivalent: of a view, or of a menu of the toolbar.
     ///
     /// A host that knows which view the mouse is over says so. False when nobody took the event;
     /// always once the window is closed.
@@ -115,7 +115,7 @@ public:
     /// equivalent of a view, or of a menu of the toolbar, and that has done its work.
     bool performKeyEquivalent(const NSEvent& event);
 
-    /// What keys go to; null for none.
+    /// What keys go to, while it is not hidden; null for none.
     std::shared_ptr<NSView> firstResponder() const noexcept;
     /// Null takes the keyboard from all. False when the one before does not let go, and when the
     /// view stands elsewhere or does not take it; in the second case nobody has it afterwards.

@@ -86,11 +86,22 @@ bool NSWindow::deliver(Handler handler, const std::shared_ptr<NSView>& to, const
 
 // The keyboard
 
+namespace {
+
+/// Itself, or by what stands around it.
+bool isOutOfSight(std::shared_ptr<NSView> view) {
+    while (view && !view->isHidden())
+        view = view->superview();
+    return view != nullptr;
+}
+
+} // namespace
+
 bool NSWindow::sendKey(const NSEvent& event) {
     const auto responder = firstResponder();
     const bool isPress = event.type == Type::keyDown;
-    if (deliver(isPress ? &NSView::keyDown : &NSView::keyUp, responder ? responder : contentView_,
-                event))
+    if (deliver(isPress ? &NSView::keyDown : &NSView::keyUp,
+                responder && !isOutOfSight(responder) ? responder : contentView_, event))
         return true;
     return isPress && performKeyEquivalent(event);
 }

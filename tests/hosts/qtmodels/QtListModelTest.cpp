@@ -1,101 +1,161 @@
 // Models of Qt over lists: every change told as what it is, indexes that follow their items.
 
 #include "tests/hosts/Things.h"
-#include "tests/hosts/qtmodels/Watcher.h"
+
+#include <zorvan/hosts/qtmodels/QtListModel.h>
+
+#include <QAbstractItemModelTester>
+#include <QItemSelectionModel>
+#include <QSignalSpy>
 
 namespace {
 
+using Tester = QAbstractItemModelTester;
+
+IndexSet rowsOf(const QItemSelectionModel& model) {
+    IndexSet rows;
+    for (const QModelIndex& index : model.selectedIndexes())
+        rows.insert(index.row());
+    return rows;
+}
+
+/// Keeps by the signals alone what a model of numbers shows, as a view would, and fails when the
+/// model says anything else at any moment at which it speaks.
+class Watcher : public QObject {
+public:
+    /// Whether rows that are about to be removed have their data still.
+    enum class Removed { stillThere, gone };
+
+    Watcher(const QAbstractItemModel& model, Removed removed) : model_(model), removed_(removed) {
+        using Model = QAbstractItemModel;
+        readAll();
+        connect(&model, &Model::rowsAboutToBeInserted, this, [this] { expectAll(); });
+        connect(
+            &model, &Model::rowsInserted, this, [this](const QModelIndex&, int first, int last) {
+                ++insertions;
+                rows_.insert(rows_.begin() + first, static_cast<std::size_t>(last - first + 1), {});
+                read(first, last + 1);
+                expectAll();
+            });
+        connect(&model, &Model::rowsAboutToBeRemoved, this, [this] { expectAll(); });
+        connect(&model, &Model::rowsRemoved, this, [this](const QModelIndex&, int first, int last) {
+            ++removals;
+            rows_.erase(rows_.begin() + first, rows_.begin() + last + 1);
+            expectAll();
+        });
+        connect(&model, &Model::layoutAboutToBeChanged, this, [this] { expectAll(); });
+        connect(&model, &Model::layoutChanged, this, [this] { ++layouts, readAll(); });
+        connect(&model, &Model::modelReset, this, [this] { ++resets, readAll(); });
+        connect(&model, &Model::dataChanged, this,
+                [this](const QModelIndex& first, const QModelIndex& last) {
+                    read(first.row(), last.row() + 1);
+                });
+    }
+
+    std::vector<int> shown() const {
+        std::vector<int> numbers;
+        for (const Row& row : rows_)
+            numbers.push_back(row.number);
+        return numbers;
+    }
+    IndexSet selectedRoles() const {
+        IndexSet selected;
+        for (std::size_t i = 0; i < rows_.size(); ++i)
+            if (rows_[i].isSelected)
+                selected.insert(static_cast<std::int64_t>(i));
+        return selected;
+    }
+
+    int insertions = 0, removals = 0, layouts = 0, resets = 0;
+
+private:
+    struct Row {
+        int number = 0;
+        bool isSelected = false;
+    };
+
+    void readAll() {
+        rows_.assign(static_cast<std::size_t>(model_.rowCount()), {});
+        read(0, model_.rowCount());
+    }
+    void read(int first, int end) {
+        for (int i = first; i < end; ++i) {
+            const QModelIndex index = model_.index(i, 0);
+            rows_[static_cast<std::size_t>(i)] = {index.data().toInt(),
+                                                  index.data(QtRowModel::selectedRole).toBool()};
+        }
+    }
+    void expectAll() const {
+        ASSERT_EQ(model_.rowCount(), std::ssize(rows_));
+        for (int i = 0; i < model_.rowCount(); ++i) {
+            const QVariant data = model_.index(i, 0).data();
+            if (data.isValid() || removed_ == Removed::stillThere) {
+                ASSERT_EQ(data.toInt(), rows_[static_cast<std::size_t>(i)].number) << "row " << i;
+            }
+        }
+    }
+
+    const QAbstractItemModel& model_;
+    const Removed removed_;
+    std::vector<Row> rows_;
+};
+
 const QtListModel<Thing>::Roles roles{{Qt::DisplayRole, [](const Thing& t) { return t.self; }}};
 
-/// Indexes kept of all rows, to be found where their things are.
-class Followed {
-public:
-    explicit Followed(QtListModel<Thing>& model) {
+/// A model of things, and all that tells what it says of them.
+template <class List>
+struct Followed {
+    explicit Followed(std::shared_ptr<List> followed, Watcher::Removed removed)
+        : list(std::move(followed)), model(list, roles), watcher(model, removed) {}
+
+    /// Of all rows, to be found where their things are.
+    std::vector<std::pair<QPersistentModelIndex, int>> indexes() const {
+        std::vector<std::pair<QPersistentModelIndex, int>> indexes;
         for (int row = 0; row < model.rowCount(); ++row)
-            indexes_.emplace_back(model.index(row, 0), model.item(row).self);
+            indexes.emplace_back(model.index(row, 0), model.item(row).self);
+        return indexes;
     }
-    void expectFollowing(const std::vector<Thing>& items) const {
-        const std::vector<int> selves = selvesOf(items);
-        for (const auto& [index, self] : indexes_) {
+    /// After a change: what the model shows, keeps and has selected.
+    void expectFollowing(const decltype(std::declval<Followed>().indexes())& before) const {
+        const std::vector<int> selves = selvesOf(shownItems(*list));
+        ASSERT_THAT(watcher.shown(), testing::ElementsAreArray(selves));
+        for (const auto& [index, self] : before) {
             const auto found = std::find(selves.begin(), selves.end(), self);
             const auto row = found == selves.end() ? -1 : found - selves.begin();
             ASSERT_EQ(index.row(), row) << "of thing " << self;
         }
+        ASSERT_EQ(rowsOf(*model.selectionModel()), list->selection());
+        ASSERT_EQ(watcher.selectedRoles(), list->selection());
     }
-
-private:
-    std::vector<std::pair<QPersistentModelIndex, int>> indexes_;
-};
-
-/// After each change: what the model shows, keeps and has selected.
-template <class List>
-void expectShown(QtListModel<Thing>& model, const List& list, const std::vector<Thing>& items,
-                 const Watcher& watcher, const Followed& followed) {
-    ASSERT_THAT(watcher.shown(), testing::ElementsAreArray(selvesOf(items)));
-    ASSERT_NO_FATAL_FAILURE(followed.expectFollowing(items));
-    ASSERT_EQ(rowsOf(*model.selectionModel()), list.selection());
-    ASSERT_EQ(watcher.selectedRoles(), list.selection());
-}
-
-TEST(QtListModel, FollowsAManagedListThroughThousandsOfChanges) {
-    // Where equal things are hidden, a removal or a move through a filter takes the first of them
-    // in the full list: which of them come back is another question.
-    for (const bool hasEquals : {true, false}) {
-        Changes changes(1, hasEquals ? 7 : 1'000'000'000);
-        const auto list = ManagedList<Thing>::create(changes.things(40));
-        QtListModel<Thing> model(list, roles);
+    void changeThousandsOfTimes(Changes& changes) {
         const Tester tester(&model, Tester::FailureReportingMode::Fatal);
-        const Watcher watcher(model, Watcher::Removed::stillThere);
-        for (int i = 0; i < 3000; ++i) {
-            SCOPED_TRACE(i);
-            const Followed followed(model);
-            const std::int64_t kind = changes.below(10);
-            const std::int64_t rest = changes.below(3);
-            if (kind == 7)
-                list->reverseOrder();
-            else if (kind == 8)
-                list->setFilter([rest](const Thing& t) { return t.self % 3 != rest; });
-            else if (kind == 9)
-                list->setFilter({});
-            else if (!(hasEquals && list->filter() && (kind == 2 || kind == 3)))
-                change(*list, changes, kind);
-            ASSERT_NO_FATAL_FAILURE(expectShown(model, *list, list->items(), watcher, followed));
-            if (list->allItems().size() > 150) {
-                list->setFilter({});
-                list->removeAllItems();
-            }
-        }
+        ::changeThousandsOfTimes(
+            *list, changes, [this] { return indexes(); },
+            [this](const auto& before) { expectFollowing(before); });
         EXPECT_EQ(watcher.resets, 0);
         EXPECT_GT(watcher.insertions, 100);
         EXPECT_GT(watcher.removals, 100);
         EXPECT_GT(watcher.layouts, 100);
     }
+
+    const std::shared_ptr<List> list;
+    QtListModel<Thing> model;
+    const Watcher watcher;
+};
+
+TEST(QtListModel, FollowsAManagedListThroughThousandsOfChanges) {
+    for (const int nameCount : {7, 1'000'000'000}) {
+        Changes changes(1, nameCount);
+        Followed followed(ManagedList<Thing>::create(changes.things(40)),
+                          Watcher::Removed::stillThere);
+        followed.changeThousandsOfTimes(changes);
+    }
 }
 
 TEST(QtListModel, FollowsASelectableArrayThroughThousandsOfChanges) {
     Changes changes(3);
-    const auto array = SelectableArray<Thing>::create();
-    QtListModel<Thing> model(array, roles);
-    const Tester tester(&model, Tester::FailureReportingMode::Fatal);
-    const Watcher watcher(model, Watcher::Removed::gone);
-    for (int i = 0; i < 3000; ++i) {
-        SCOPED_TRACE(i);
-        const Followed followed(model);
-        const std::int64_t kind = changes.below(10);
-        if (kind == 7)
-            array->reverseElementsOrder();
-        else if (kind == 8 && array->count() > 0)
-            array->replace({0, array->elements().front().self}, 0);
-        else if (kind == 9 && changes.below(10) == 0)
-            array->setEntries({{true, {1, -2 * i - 1}}, {false, {2, -2 * i - 2}}});
-        else
-            change(*array, changes, kind);
-        ASSERT_NO_FATAL_FAILURE(expectShown(model, *array, array->elements(), watcher, followed));
-        if (array->count() > 150)
-            array->removeAllElements();
-    }
-    EXPECT_EQ(watcher.resets, 0);
-    EXPECT_GT(watcher.removals, 100);
+    Followed(SelectableArray<Thing>::create(), Watcher::Removed::gone)
+        .changeThousandsOfTimes(changes);
 }
 
 TEST(QtListModel, TellsEachChangeOnceAndAsWhatItIs) {
@@ -105,50 +165,27 @@ TEST(QtListModel, TellsEachChangeOnceAndAsWhatItIs) {
     IndexSet everySecond;
     for (std::int64_t i = 0; i < 200; i += 2)
         everySecond.insert(i);
-    struct Case {
-        const char* name;
-        std::function<void()> run;
-        std::array<qsizetype, 4> told; // insertions, removals, layouts, data
-    };
-    const Case cases[]{{"insert", [&] { list->insert(changes.things(3), 5); }, {1, 0, 0, 0}},
-                       {"remove",
-                        [&] {
-                            list->remove({0, 1, 5, 9});
-                        },
-                        {0, 3, 0, 0}},
-                       {"a hundred ranges", [&] { list->remove(everySecond); }, {0, 0, 1, 0}},
-                       {"move",
-                        [&] {
-                            list->move({1, 4}, 9);
-                        },
-                        {0, 0, 1, 0}},
-                       {"sort", [&] { list->sort(byName); }, {0, 0, 1, 0}},
-                       {"reverse", [&] { list->reverseOrder(); }, {0, 0, 1, 0}},
-                       {"filter",
-                        [&] { list->setFilter([](const Thing& t) { return t.name < 3; }); },
-                        {0, 0, 1, 0}},
-                       {"out of sight",
-                        [&] {
-                            list->insert({{5, -1}}, 0);
-                        },
-                        {0, 0, 0, 0}},
-                       {"no filter", [&] { list->setFilter({}); }, {0, 0, 1, 0}},
-                       {"select", [&] { list->setSelection({2}); }, {0, 0, 0, 0}},
-                       {"in place",
-                        [&] {
-                            model.itemsDidChange({1, 2, 7, 100'000});
-                        },
-                        {0, 0, 0, 2}}};
-    for (const Case& c : cases) {
+    using Told = std::array<qsizetype, 4>; // insertions, removals, layouts, data
+    const auto told = [&](const std::function<void()>& act) {
         const QSignalSpy insertions(&model, &QAbstractItemModel::rowsInserted);
         const QSignalSpy removals(&model, &QAbstractItemModel::rowsRemoved);
         const QSignalSpy layouts(&model, &QAbstractItemModel::layoutChanged);
         const QSignalSpy data(&model, &QAbstractItemModel::dataChanged);
-        c.run();
-        EXPECT_EQ((std::array{insertions.count(), removals.count(), layouts.count(), data.count()}),
-                  c.told)
-            << c.name;
-    }
+        act();
+        return Told{insertions.count(), removals.count(), layouts.count(), data.count()};
+    };
+    const Told layout{0, 0, 1, 0}, nothing{0, 0, 0, 0};
+    EXPECT_EQ(told([&] { list->insert(changes.things(3), 5); }), (Told{1, 0, 0, 0}));
+    EXPECT_EQ(told([&] { list->remove(IndexSet{0, 1, 5, 9}); }), (Told{0, 3, 0, 0}));
+    EXPECT_EQ(told([&] { list->remove(everySecond); }), layout) << "a hundred ranges";
+    EXPECT_EQ(told([&] { list->move(IndexSet{1, 4}, 9); }), layout);
+    EXPECT_EQ(told([&] { list->sort(byName); }), layout);
+    EXPECT_EQ(told([&] { list->reverseOrder(); }), layout);
+    EXPECT_EQ(told([&] { list->setFilter([](const Thing& t) { return t.name < 3; }); }), layout);
+    EXPECT_EQ(told([&] { list->insert({{5, -1}}, 0); }), nothing) << "out of sight";
+    EXPECT_EQ(told([&] { list->setFilter({}); }), layout);
+    EXPECT_EQ(told([&] { list->setSelection({2}); }), nothing);
+    EXPECT_EQ(told([&] { model.itemsDidChange(IndexSet{1, 2, 7, 100'000}); }), (Told{0, 0, 0, 2}));
 }
 
 TEST(QtListModel, SelectsBothWays) {
@@ -210,28 +247,27 @@ TEST(QtListModel, FollowsChangesThatAnObserverMakesBeforeItIsTold) {
         if (left-- > 0)
             change(*list, changes, left % 2 ? 4 : 2);
     });
-    QtListModel<Thing> model(list, roles);
-    const Tester tester(&model, Tester::FailureReportingMode::Fatal);
-    const Watcher watcher(model, Watcher::Removed::stillThere);
-    const Followed followed(model);
+    Followed followed(list, Watcher::Removed::stillThere);
+    const Tester tester(&followed.model, Tester::FailureReportingMode::Fatal);
+    const auto before = followed.indexes();
     list->reverseOrder();
-    expectShown(model, *list, list->items(), watcher, followed);
-    EXPECT_EQ(watcher.layouts, 2);
-    EXPECT_EQ(watcher.resets, 0);
+    followed.expectFollowing(before);
+    EXPECT_EQ(followed.watcher.layouts, 2);
+    EXPECT_EQ(followed.watcher.resets, 0);
     NSNotificationCenter::defaultCenter()->removeObserver(first);
 }
 
 TEST(QtListModel, IsRightAgainAfterAnObserverHasThrown) {
     Changes changes(8);
+    const auto fail = [] { throw std::runtime_error("no"); };
     for (const auto name :
          {ManagedList<Thing>::willReloadNotification, ManagedList<Thing>::didReloadNotification})
-        for (const auto kind : {0, 1, 2}) {
+        for (const int kind : {0, 1, 2}) {
             const auto list = ManagedList<Thing>::create(changes.things(20));
             // One is told before the model, the other after it.
-            const auto before = observe(list, name, [] { throw std::runtime_error("no"); });
-            QtListModel<Thing> model(list, roles);
-            const Watcher watcher(model, Watcher::Removed::stillThere);
-            const auto after = observe(list, name, [] { throw std::runtime_error("no"); });
+            const auto before = observe(list, name, fail);
+            const Followed followed(list, Watcher::Removed::stillThere);
+            const auto after = observe(list, name, fail);
             for (const auto& thrower : {before, after}) {
                 EXPECT_THROW(kind == 0   ? list->insert(changes.things(3), 4)
                              : kind == 1 ? list->remove({1, 2, 5, 7})
@@ -240,8 +276,9 @@ TEST(QtListModel, IsRightAgainAfterAnObserverHasThrown) {
                 NSNotificationCenter::defaultCenter()->removeObserver(thrower);
             }
             list->insert(changes.things(1), 0);
-            EXPECT_THAT(watcher.shown(), testing::ElementsAreArray(selvesOf(list->items())));
-            EXPECT_EQ(watcher.resets, 1);
+            EXPECT_THAT(followed.watcher.shown(),
+                        testing::ElementsAreArray(selvesOf(list->items())));
+            EXPECT_EQ(followed.watcher.resets, 1);
         }
 }
 

@@ -1,36 +1,23 @@
 #pragma once
 
+#include <zorvan/hosts/internal/DrawnWidget.h>
 #include <zorvan/interface/NSButton.h>
 
 #include <QAbstractButton>
-#include <memory>
 
 namespace zorvan::internal {
 
 /// A button that its cell draws. The mouse goes to the view, so that a button acts when its class
 /// says; Space, Enter and screen readers click it.
-class ButtonWidget : public QAbstractButton {
+class ButtonWidget : public DrawnWidget<QAbstractButton, NSButton> {
 public:
     ButtonWidget(const std::shared_ptr<NSButton>& button, QWidget* parent);
 
-    QSize sizeHint() const override;
+    void needsDisplay(const CGRect& rect) override;
 
 protected:
-    bool event(QEvent* event) noexcept override;
-    void paintEvent(QPaintEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
-    void mouseMoveEvent(QMouseEvent* event) override;
-    void mouseReleaseEvent(QMouseEvent* event) override;
-    void leaveEvent(QEvent* event) override;
+    void paintFocus(QPainter& painter) const override;
     void keyPressEvent(QKeyEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void contextMenuEvent(QContextMenuEvent* event) override;
-
-private:
-    class Mirror;
-
-    const std::shared_ptr<NSButton> button_;
 };
 
 } // namespace zorvan::internal

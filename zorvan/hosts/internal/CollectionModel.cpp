@@ -1,7 +1,5 @@
 #include <zorvan/hosts/internal/CollectionModel.h>
 
-#include <zorvan/hosts/internal/askSafely.h>
-#include <zorvan/hosts/internal/viewGeometry.h>
 #include <zorvan/interface/internal/ItemChange.h>
 
 #include <algorithm>
@@ -27,10 +25,6 @@ std::int64_t rowAt(const std::vector<std::int64_t>& starts, IndexPath path) {
 
 } // namespace
 
-CollectionModel::CollectionModel(std::shared_ptr<NSCollectionView> view) : view_(std::move(view)) {
-    reload();
-}
-
 std::vector<std::int64_t> CollectionModel::starts() const {
     std::vector<std::int64_t> starts(1);
     for (std::int64_t section = 0; section < view_->numberOfSections(); ++section)
@@ -41,34 +35,13 @@ std::vector<std::int64_t> CollectionModel::starts() const {
     return starts;
 }
 
-int CollectionModel::columnCount(const QModelIndex& parent) const {
-    return parent.isValid() ? 0 : 1;
-}
-
 IndexPath CollectionModel::path(std::int64_t row) const { return pathAt(starts_, row); }
 
 std::int64_t CollectionModel::row(IndexPath path) const { return rowAt(starts_, path); }
 
-std::optional<URL> CollectionModel::draggedURL(int row) const {
-    const auto dataSource = view_->dataSource();
-    return dataSource ? dataSource->draggedURL(*view_, path(row)) : std::nullopt;
-}
-
-bool CollectionModel::isMovable(int row) const {
-    const auto dataSource = view_->dataSource();
-    return dataSource && dataSource->isMovable(*view_, path(row));
-}
-
-QVariant CollectionModel::data(const QModelIndex& index, int role) const {
-    const auto dataSource = view_->dataSource();
-    const std::int64_t row = index.isValid() ? source(index.row()) : -1;
-    if (role != Qt::DisplayRole || !dataSource || row < 0)
-        return {};
-    const std::string text = askSafely([&] { return dataSource->text(*view_, path(row)); });
-    if (!text.empty())
-        return toQString(text);
-    const auto view = view_->view(path(row), false);
-    return view ? toQString(view->accessibilityLabel()) : QString();
+std::string CollectionModel::text(const QModelIndex& index) const {
+    const IndexPath path = key(index);
+    return path.item < 0 ? std::string() : source()->text(*view_, path);
 }
 
 void CollectionModel::update(const NSCollectionView::Updates& updates) {
@@ -90,7 +63,7 @@ void CollectionModel::update(const NSCollectionView::Updates& updates) {
         this->change({RowChange::replacing(gone, come)}, starts_.back());
     }
     for (const IndexPath path : updates.reloaded)
-        if (const QModelIndex changed = index(static_cast<int>(row(path)), 0); changed.isValid())
+        if (const QModelIndex changed = indexOf(path); changed.isValid())
             emit dataChanged(changed, changed);
 }
 

@@ -1,20 +1,19 @@
 #pragma once
 
+#include <zorvan/hosts/internal/CellModel.h>
 #include <zorvan/hosts/internal/RowModel.h>
 #include <zorvan/interface/NSCollectionView.h>
-
-#include <memory>
-#include <vector>
 
 namespace zorvan::internal {
 
 /// The items of a collection view in one list, section after section.
-class CollectionModel : public RowModel {
+class CollectionModel : public CellModel<CollectionModel, NSCollectionView, RowModel> {
 public:
-    explicit CollectionModel(std::shared_ptr<NSCollectionView> view);
+    explicit CollectionModel(const std::shared_ptr<NSCollectionView>& view) : CellModel(view) {
+        reload();
+    }
 
-    int columnCount(const QModelIndex& parent = {}) const override;
-    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    int columnCount(const QModelIndex& = {}) const override { return 1; }
 
     void update(const NSCollectionView::Updates& updates);
     void reload();
@@ -22,16 +21,21 @@ public:
     IndexPath path(std::int64_t row) const;
     /// -1 for a path that is none.
     std::int64_t row(IndexPath path) const;
+    /// Invalid for a path that is none.
+    QModelIndex indexOf(IndexPath path) const { return indexOfRow(row(path)); }
 
-protected:
-    std::optional<URL> draggedURL(int row) const override;
-    bool isMovable(int row) const override;
+    std::shared_ptr<NSCollectionViewDataSource> source() const { return view_->dataSource(); }
+    /// Before all items for one that has gone.
+    IndexPath key(const QModelIndex& index) const { return path(rowInSource(index.row())); }
+    std::string text(const QModelIndex& index) const;
+    std::shared_ptr<NSView> cellView(const QModelIndex& index, bool makesIt) const {
+        return view_->view(key(index), makesIt);
+    }
 
 private:
     /// How many items there are before each section, and in all.
     std::vector<std::int64_t> starts() const;
 
-    const std::shared_ptr<NSCollectionView> view_;
     std::vector<std::int64_t> starts_;
 };
 

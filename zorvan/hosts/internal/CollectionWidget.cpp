@@ -1,8 +1,6 @@
 #include <zorvan/hosts/internal/CollectionWidget.h>
 
 #include <zorvan/hosts/internal/CellDelegate.h>
-#include <zorvan/hosts/internal/viewGeometry.h>
-#include <zorvan/interface/NSCollectionViewObserver.h>
 
 #include <QApplication>
 #include <QPainter>
@@ -10,60 +8,39 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 
 namespace zorvan::internal {
 
-class CollectionWidget::Mirror : public ViewMirror, public NSCollectionViewObserver {
-public:
-    Mirror(const std::shared_ptr<NSCollectionView>& view, CollectionWidget& widget)
-        : ViewMirror(view, widget) {}
-
-    void itemsUpdated(const NSCollectionView::Updates& updates, bool) override {
-        follow([&](CollectionWidget& own) {
-            own.selectionMirror().forget();
-            own.model_.update(updates);
-        });
-    }
-    void sectionsReloaded(const IndexSet&) override { reloaded(); }
-    void reloaded() override {
-        follow([](CollectionWidget& own) { own.model_.reload(); });
-    }
-    void layoutDidChange() override {
-        follow([](CollectionWidget&) {});
-    }
-    void selectionDidChange() override {
-        if (own())
-            own()->selectionMirror().mirror();
-    }
-
-private:
-    CollectionWidget* own() const { return static_cast<CollectionWidget*>(widget()); }
-    template <class Change>
-    void follow(Change change) {
-        if (!own())
-            return;
-        change(*own());
-        own()->selectionMirror().mirror();
-        own()->updateGeometries();
-        own()->viewport()->update();
-    }
-};
-
 CollectionWidget::CollectionWidget(const std::shared_ptr<NSCollectionView>& view, QWidget* parent)
-    : HostedItemView(view, parent), view_(view), model_(view) {
+    : HostedItemView(view, parent) {
     setItemDelegate(new CellDelegate(this));
     setViewMode(IconMode);
     setMovement(Static);
     setWordWrap(true);
     verticalScrollBar()->setSingleStep(20);
-    adopt(model_);
-    const auto mirror = std::make_shared<Mirror>(view, *this);
-    ViewMirror::attach(mirror);
-    view->addObserver(std::static_pointer_cast<NSCollectionViewObserver>(mirror));
+    begin<NSCollectionViewObserver>(*this);
     selectionMirror().mirror();
 }
 
-CollectionWidget::~CollectionWidget() { leave(); }
+// Following the view
+
+void CollectionWidget::itemsUpdated(const NSCollectionView::Updates& updates, bool) {
+    selectionMirror().forget();
+    model_.update(updates);
+    layoutDidChange();
+}
+
+void CollectionWidget::reloaded() {
+    model_.reload();
+    layoutDidChange();
+}
+
+void CollectionWidget::layoutDidChange() {
+    selectionMirror().mirror();
+    updateGeometries();
+    viewport()->update();
+}
 
 // Place
 
@@ -77,8 +54,7 @@ CGRect CollectionWidget::contentOf(const QRect& part) const {
 std::vector<QModelIndex> CollectionWidget::indexesIn(const CGRect& content) const {
     std::vector<QModelIndex> indexes;
     for (const IndexPath path : view_->indexPathsForItems(content))
-        if (const QModelIndex index = model_.index(static_cast<int>(model_.row(path)), 0);
-            index.isValid())
+        if (const QModelIndex index = model_.indexOf(path); index.isValid())
             indexes.push_back(index);
     return indexes;
 }
@@ -116,26 +92,11 @@ void CollectionWidget::scrollTo(const QModelIndex& index, ScrollHint) {
     go(*horizontalScrollBar(), logical.left(), logical.right() + 1, viewport()->width());
 }
 
-/// The layout of the view has laid them out.
-void CollectionWidget::doItemsLayout() { QAbstractItemView::doItemsLayout(); }
-
-void CollectionWidget::rowsInserted(const QModelIndex& parent, int start, int end) {
-    QAbstractItemView::rowsInserted(parent, start, end);
-}
-
-void CollectionWidget::rowsAboutToBeRemoved(const QModelIndex& parent, int start, int end) {
-    QAbstractItemView::rowsAboutToBeRemoved(parent, start, end);
-}
-
 void CollectionWidget::updateGeometries() {
     const auto& layout = view_->collectionViewLayout();
     const QSize content = layout ? toQSize(layout->contentSize()) : QSize();
-    const auto fit = [](QScrollBar& bar, int length, int room) {
-        bar.setPageStep(room);
-        bar.setRange(0, std::max(length - room, 0));
-    };
-    fit(*verticalScrollBar(), content.height(), viewport()->height());
-    fit(*horizontalScrollBar(), content.width(), viewport()->width());
+    fitBar(*verticalScrollBar(), content.height(), viewport()->height());
+    fitBar(*horizontalScrollBar(), content.width(), viewport()->width());
     geometriesDidChange();
     updateEditorGeometries();
 }
@@ -209,35 +170,19 @@ void CollectionWidget::pressed(const QModelIndex& index, QPoint at) {
 
 QModelIndex CollectionWidget::moveCursor(CursorAction action, Qt::KeyboardModifiers) {
     const QModelIndex current = currentIndex();
-    const int last = model_.rowCount() - 1;
+    const int last = model_.rowCount() - 1, row = current.row();
     if (last < 0 || !current.isValid())
         return model_.index(0, 0);
+    const double line = frameOf(current).height(), page = viewport()->height();
+    const std::map<CursorAction, double> downward{
+        {MoveUp, -line}, {MoveDown, line}, {MovePageUp, -page}, {MovePageDown, page}};
+    if (const auto distance = downward.find(action); distance != downward.end())
+        return neighbour(current, distance->second);
     const int back = isRightToLeft() ? 1 : -1;
-    const auto at = [&](int row) { return model_.index(std::clamp(row, 0, last), 0); };
-    const double page = viewport()->height();
-    switch (action) {
-    case MoveUp:
-        return neighbour(current, -frameOf(current).height());
-    case MoveDown:
-        return neighbour(current, frameOf(current).height());
-    case MovePageUp:
-        return neighbour(current, -page);
-    case MovePageDown:
-        return neighbour(current, page);
-    case MoveLeft:
-        return at(current.row() + back);
-    case MoveRight:
-        return at(current.row() - back);
-    case MoveHome:
-        return at(0);
-    case MoveEnd:
-        return at(last);
-    case MoveNext:
-        return at(current.row() + 1);
-    case MovePrevious:
-        return at(current.row() - 1);
-    }
-    return current;
+    const std::map<CursorAction, int> rows{{MoveLeft, row + back}, {MoveRight, row - back},
+                                           {MoveHome, 0},          {MoveEnd, last},
+                                           {MoveNext, row + 1},    {MovePrevious, row - 1}};
+    return model_.index(std::clamp(rows.at(action), 0, last), 0);
 }
 
 QModelIndex CollectionWidget::neighbour(const QModelIndex& from, double distance) const {
@@ -300,29 +245,12 @@ void CollectionWidget::select(const IndexSet& items) {
     view_->setSelectionIndexPaths(std::move(paths));
 }
 
-QItemSelection CollectionWidget::toItems(const IndexSet& items) const {
-    QItemSelection selection;
-    for (const IndexSet::Range range : items.ranges())
-        if (range.upper <= model_.rowCount())
-            selection.push_back(
-                QItemSelectionRange(model_.index(static_cast<int>(range.lower), 0),
-                                    model_.index(static_cast<int>(range.upper - 1), 0)));
-    return selection;
-}
-
-IndexSet CollectionWidget::fromItems(const QItemSelection& items) const { return rowsOf(items); }
-
 void CollectionWidget::open(const QModelIndex& index) {
     if (const auto source = view_->dataSource())
         source->itemOpened(*view_, model_.path(index.row()));
 }
 
 // Dragging
-
-bool CollectionWidget::acceptsDrop(const std::vector<URL>& urls) const {
-    const auto source = view_->dataSource();
-    return source && askSafely([&] { return source->acceptsDrop(*view_, urls); });
-}
 
 std::pair<QModelIndex, bool> CollectionWidget::dropNeighbour(QPoint at) const {
     const auto inLine = indexesIn(contentOf(QRect(0, at.y(), viewport()->width(), 1)));
@@ -352,8 +280,8 @@ QRect CollectionWidget::dropMark(QPoint at) const {
 
 void CollectionWidget::selectionDropped(QPoint at) {
     std::set<IndexPath> items;
-    for (const std::int64_t row : model_.movable(selection()))
-        items.insert(model_.path(row));
+    for (const QModelIndex& index : movableSelection())
+        items.insert(model_.path(index.row()));
     const auto source = view_->dataSource();
     if (source && !items.empty())
         source->itemsDragged(*view_, items, dropPath(at));
@@ -368,10 +296,6 @@ void CollectionWidget::urlsDropped(const std::vector<URL>& urls, QPoint at) {
 
 std::vector<QModelIndex> CollectionWidget::indexesInSight() const {
     return indexesIn(contentOf(viewport()->rect()));
-}
-
-std::shared_ptr<NSView> CollectionWidget::cellView(const QModelIndex& index) {
-    return view_->view(model_.path(index.row()), true);
 }
 
 void CollectionWidget::letGoOfOthers(const std::vector<QModelIndex>& inSight) {

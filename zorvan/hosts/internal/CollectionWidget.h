@@ -2,6 +2,7 @@
 
 #include <zorvan/hosts/internal/CollectionModel.h>
 #include <zorvan/hosts/internal/HostedItemView.h>
+#include <zorvan/interface/NSCollectionViewObserver.h>
 
 #include <QAccessible>
 #include <QListView>
@@ -11,36 +12,28 @@
 namespace zorvan::internal {
 
 /// Shows a collection view: Qt's list, with its items where the layout of the view places them.
-class CollectionWidget : public HostedItemView<QListView> {
+class CollectionWidget : public HostedItemView<QListView, NSCollectionView, CollectionModel>,
+                         NSCollectionViewObserver {
 public:
     CollectionWidget(const std::shared_ptr<NSCollectionView>& view, QWidget* parent);
-    ~CollectionWidget() override;
+    ~CollectionWidget() override { leave(); }
 
     QRect visualRect(const QModelIndex& index) const override;
     QModelIndex indexAt(const QPoint& point) const override;
     void scrollTo(const QModelIndex& index, ScrollHint hint) override;
-    void doItemsLayout() override;
+    /// The layout of the view has laid them out, and Qt's list need not.
+    void doItemsLayout() override { QAbstractItemView::doItemsLayout(); }
 
 protected:
     IndexSet selection() const override;
     void select(const IndexSet& items) override;
-    QItemSelection toItems(const IndexSet& items) const override;
-    IndexSet fromItems(const QItemSelection& items) const override;
 
     void open(const QModelIndex& index) override;
     void pressed(const QModelIndex& index, QPoint at) override;
-    bool isDragged(const QModelIndex& index) const override {
-        return model_.isDragged(index.row());
-    }
-    bool isMovable(const QModelIndex& index) const override {
-        return !model_.movable({index.row()}).isEmpty();
-    }
-    bool acceptsDrop(const std::vector<URL>& urls) const override;
     QRect dropMark(QPoint at) const override;
     void selectionDropped(QPoint at) override;
     void urlsDropped(const std::vector<URL>& urls, QPoint at) override;
     std::vector<QModelIndex> indexesInSight() const override;
-    std::shared_ptr<NSView> cellView(const QModelIndex& index) override;
     void letGoOfOthers(const std::vector<QModelIndex>& inSight) override;
 
     void updateGeometries() override;
@@ -57,15 +50,23 @@ protected:
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
     QRegion visualRegionForSelection(const QItemSelection& items) const override;
-    void rowsInserted(const QModelIndex& parent, int start, int end) override;
-    void rowsAboutToBeRemoved(const QModelIndex& parent, int start, int end) override;
+    void rowsInserted(const QModelIndex& parent, int start, int end) override {
+        QAbstractItemView::rowsInserted(parent, start, end);
+    }
+    void rowsAboutToBeRemoved(const QModelIndex& parent, int start, int end) override {
+        QAbstractItemView::rowsAboutToBeRemoved(parent, start, end);
+    }
     bool isIndexHidden(const QModelIndex&) const override { return false; }
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void selectionChanged(const QItemSelection& selected,
                           const QItemSelection& deselected) override;
 
 private:
-    class Mirror;
+    void itemsUpdated(const NSCollectionView::Updates& updates, bool isAnimated) override;
+    void sectionsReloaded(const IndexSet&) override { reloaded(); }
+    void reloaded() override;
+    void layoutDidChange() override;
+    void selectionDidChange() override { selectionMirror().mirror(); }
 
     /// Qt's list announces items by places that it has not laid out itself.
     void announce(QAccessible::Event event, const QModelIndex& index);
@@ -83,8 +84,6 @@ private:
     std::pair<QModelIndex, bool> dropNeighbour(QPoint at) const;
     IndexPath dropPath(QPoint at) const;
 
-    const std::shared_ptr<NSCollectionView> view_;
-    CollectionModel model_;
     /// Where the drag of a rubber band began, in the content.
     std::optional<QPoint> bandStart_;
     QRect band_;

@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/GroupWidget.h>
 
+#include <zorvan/hosts/internal/QtMenus.h>
 #include <zorvan/hosts/internal/icons.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
@@ -26,12 +27,11 @@ void fillWithSubitems(const std::shared_ptr<NSToolbarItemGroup>& group, QMenu& m
     for (std::size_t i = 0; i < group->subitems().size(); ++i) {
         const auto& item = group->subitems()[i];
         const auto index = static_cast<std::int64_t>(i);
-        QAction* const action = menu.addAction(iconOf(item->image()), nameOf(*item));
-        action->setEnabled(item->isEnabled() && group->isEnabled());
-        action->setCheckable(isChosenFrom(*group));
-        action->setChecked(group->isSelected(index));
-        QObject::connect(action, &QAction::triggered, &menu,
-                         [group, index]() noexcept { group->press(index); });
+        QAction& action = addLine(menu, iconOf(item->image()), nameOf(*item),
+                                  item->isEnabled() && group->isEnabled(),
+                                  [group, index] { group->press(index); });
+        action.setCheckable(isChosenFrom(*group));
+        action.setChecked(group->isSelected(index));
     }
 }
 
@@ -73,13 +73,7 @@ void GroupWidget::makeButtons() {
         layout()->addWidget(button);
         buttons_.push_back(button);
         if (isCollapsed_) {
-            auto* const menu = new QMenu(button);
-            connect(menu, &QMenu::aboutToShow, menu, [group = group_, menu]() noexcept {
-                menu->clear();
-                fillWithSubitems(group, *menu);
-            });
-            button->setMenu(menu);
-            button->setPopupMode(QToolButton::InstantPopup);
+            setMenu(*button, [group = group_](QMenu& menu) { fillWithSubitems(group, menu); });
             continue;
         }
         connect(button, &QToolButton::clicked, this, [this, i]() noexcept {

@@ -1,15 +1,15 @@
 #pragma once
 
+#include <zorvan/hosts/internal/HostedWidget.h>
 #include <zorvan/hosts/internal/ItemSelection.h>
-#include <zorvan/hosts/internal/ViewMirror.h>
-#include <zorvan/hosts/internal/ViewWidget.h>
+#include <zorvan/hosts/internal/QtMenus.h>
 #include <zorvan/hosts/internal/askSafely.h>
 #include <zorvan/hosts/internal/clipboard.h>
 #include <zorvan/hosts/internal/dragging.h>
 #include <zorvan/hosts/internal/makeWidget.h>
 #include <zorvan/hosts/internal/qtEvents.h>
+#include <zorvan/hosts/internal/viewGeometry.h>
 #include <zorvan/interface/NSControl.h>
-#include <zorvan/interface/NSWindow.h>
 #include <zorvan/platform/appkit/NSScrollView.h>
 
 #include <QAbstractItemView>
@@ -23,7 +23,6 @@
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <algorithm>
-#include <cmath>
 #include <memory>
 #include <set>
 #include <utility>
@@ -41,20 +40,18 @@ inline bool takesTheMouse(const NSView& view) {
 
 /// What the item views of Qt have in common where they show a view of ours: selection, keys, the
 /// scroll view around it, and the views of the cells that are in sight.
-template <class ItemView>
-class HostedItemView : public ItemView, protected SelectionOwner {
+template <class ItemView, class View, class Model>
+class HostedItemView : public HostedWidget<ItemView, View>, protected SelectionOwner {
 public:
-    HostedItemView(std::shared_ptr<NSView> view, QWidget* parent)
-        : ItemView(parent), view_(std::move(view)) {
+    HostedItemView(const std::shared_ptr<View>& view, QWidget* parent)
+        : HostedWidget<ItemView, View>(view, parent), model_(view) {
         ItemView::setEditTriggers(QAbstractItemView::NoEditTriggers);
         ItemView::setSelectionMode(QAbstractItemView::ExtendedSelection);
         ItemView::setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
         ItemView::setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
         ItemView::setTabKeyNavigation(false);
-        if ((clipView_ = std::dynamic_pointer_cast<NSClipView>(view_->superview()))) {
-            scroller_ = std::make_shared<Scroller>(*this);
-            clipView_->addObserver(scroller_);
-        }
+        if ((clipView_ = std::dynamic_pointer_cast<NSClipView>(view->superview())))
+            clipView_->addObserver(this->template untilItGoes<NSViewObserver>(*this));
     }
 
     ItemSelection& selectionMirror() const {
@@ -68,36 +65,35 @@ public:
                 this, [this]() noexcept { showCells(); }, Qt::QueuedConnection);
     }
 
+    /// Of the clip view around.
+    void boundsOriginDidChange(bool) override { followClipView(); }
+
 protected:
     /// A person opens what is at the index.
     virtual void open(const QModelIndex& index) = 0;
     /// The mouse went down there; the index is invalid outside of all.
     virtual void pressed(const QModelIndex& index, QPoint at) = 0;
 
-    // Dragging: what a drag of an index carries out of the window or to another place; and where,
-    // in the viewport, something is dropped.
+    // Dragging, to somewhere in the viewport.
 
-    virtual bool isDragged(const QModelIndex& index) const = 0;
-    virtual bool isMovable(const QModelIndex& index) const = 0;
-    virtual bool acceptsDrop(const std::vector<URL>& urls) const = 0;
     /// Shows where a drop would go.
     virtual QRect dropMark(QPoint at) const = 0;
     virtual void selectionDropped(QPoint at) = 0;
     virtual void urlsDropped(const std::vector<URL>& urls, QPoint at) = 0;
 
     virtual std::vector<QModelIndex> indexesInSight() const = 0;
-    /// Null for none.
-    virtual std::shared_ptr<NSView> cellView(const QModelIndex& index) = 0;
     virtual void letGoOfOthers(const std::vector<QModelIndex>& inSight) = 0;
 
-    void adopt(QAbstractItemModel& model) {
-        QItemSelectionModel* const old = ItemView::selectionModel();
-        ItemView::setModel(&model);
-        delete old;
+    /// Once the widget is whole: shows the model, and follows the view.
+    template <class Observer>
+    void begin(Observer& observer) {
+        ItemView::setModel(&model_);
         QItemSelectionModel* const plain = ItemView::selectionModel();
-        ItemView::setSelectionModel(new ItemSelection(model, *this));
+        ItemView::setSelectionModel(new ItemSelection(model_, *this));
         delete plain;
         ItemView::viewport()->setAcceptDrops(true);
+        this->follow();
+        view_->addObserver(this->template untilItGoes<Observer>(observer));
     }
 
     /// Before the model goes; what the view shows stays as it is.
@@ -106,8 +102,19 @@ protected:
         ItemView::setModel(nullptr);
     }
 
-    // Qt lets no exception through: one that an observer throws ends the program.
-    bool event(QEvent* event) noexcept override { return ItemView::event(event); }
+    QItemSelection toItems(const IndexSet& rows) const override { return model_.toItems(rows); }
+    IndexSet fromItems(const QItemSelection& items) const override {
+        return model_.fromItems(items);
+    }
+    /// Those of what is selected that a person may drag to another place.
+    QModelIndexList movableSelection() const {
+        QModelIndexList movable;
+        for (const std::int64_t row : this->selection())
+            if (const QModelIndex index = model_.indexOfRow(row); model_.isMovable(index))
+                movable.append(index);
+        return movable;
+    }
+
     bool viewportEvent(QEvent* event) noexcept override { return ItemView::viewportEvent(event); }
 
     void keyPressEvent(QKeyEvent* event) override {
@@ -136,7 +143,8 @@ protected:
     void mousePressEvent(QMouseEvent* event) override {
         const auto keptAlive = view_;
         const QModelIndex index = this->indexAt(event->pos());
-        ItemView::setDragEnabled(index.isValid() && (isDragged(index) || isMovable(index)));
+        ItemView::setDragEnabled(index.isValid() &&
+                                 (model_.isDragged(index) || model_.isMovable(index)));
         pressedAt_ = event->pos();
         pressed(index, event->pos());
         ItemView::mousePressEvent(event);
@@ -150,12 +158,6 @@ protected:
             open(index);
     }
 
-    void focusInEvent(QFocusEvent* event) override {
-        ItemView::focusInEvent(event);
-        if (const auto window = view_->window())
-            window->makeFirstResponder(view_);
-    }
-
     void contextMenuEvent(QContextMenuEvent* event) override {
         openContextMenu(view_, *this, *event);
     }
@@ -166,7 +168,7 @@ protected:
             ItemView::model()->mimeData(selectionMirror().selectedIndexes()));
         data->setData(QStringLiteral("application/x-zorvan-selection"), "1"); // at least something
         isSource_ = true;
-        movesSelection_ = isMovable(this->indexAt(pressedAt_));
+        movesSelection_ = model_.isMovable(this->indexAt(pressedAt_));
         dragLater(std::move(data),
                   ItemView::viewport()->grab(this->visualRect(this->indexAt(pressedAt_))),
                   [self = QPointer<QWidget>(this)] {
@@ -236,18 +238,15 @@ protected:
         showCellsLater();
     }
 
-private:
-    struct Scroller : NSViewObserver {
-        explicit Scroller(HostedItemView& shown) : widget(shown) {}
-        void boundsOriginDidChange(bool) override { widget.followClipView(); }
-        HostedItemView& widget; // which keeps it alive
-    };
+    using HostedWidget<ItemView, View>::view_;
+    Model model_;
 
+private:
     bool takes(const QDropEvent& event) const {
         if (isSource_)
             return movesSelection_;
         const std::vector<URL> urls = urlsOf(*event.mimeData());
-        return !urls.empty() && acceptsDrop(urls);
+        return !urls.empty() && model_.acceptsDrop(urls);
     }
 
     void showMark(const QRect& mark) {
@@ -272,12 +271,9 @@ private:
         if (!clipView_ || isScrolling_)
             return;
         const QScopedValueRollback guard(isScrolling_, true);
-        const auto go = [](QScrollBar& bar, double to) {
-            bar.setValue(static_cast<int>(std::clamp<double>(to, bar.minimum(), bar.maximum())));
-        };
         const CGPoint origin = clipView_->bounds().origin;
-        go(*ItemView::horizontalScrollBar(), std::round(origin.x));
-        go(*ItemView::verticalScrollBar(), std::round(origin.y));
+        moveBar(*ItemView::horizontalScrollBar(), origin.x);
+        moveBar(*ItemView::verticalScrollBar(), origin.y);
     }
 
     /// A widget for each cell view in sight; all others are let go.
@@ -294,7 +290,7 @@ private:
     }
 
     void showCell(const QModelIndex& index) {
-        const auto view = askSafely([&] { return cellView(index); });
+        const auto view = askSafely([&] { return model_.cellView(index, true); });
         QWidget* const shown = ItemView::indexWidget(index);
         if (viewOf(shown) != view || (shown && !view))
             ItemView::setIndexWidget(index, view ? makeCell(view) : nullptr);
@@ -328,9 +324,7 @@ private:
         copyToPasteboard(texts);
     }
 
-    const std::shared_ptr<NSView> view_;
     std::shared_ptr<NSClipView> clipView_;
-    std::shared_ptr<Scroller> scroller_;
     std::vector<QPersistentModelIndex> cells_;
     QPoint pressedAt_;
     QRect mark_;

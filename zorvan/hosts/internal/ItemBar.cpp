@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/ItemBar.h>
 
+#include <zorvan/hosts/internal/QtMenus.h>
 #include <zorvan/hosts/internal/spreadItems.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
@@ -40,12 +41,14 @@ public:
     }
 
     void follow(const BarItem& item) {
+        if (widget_ && item.showsWidget && widget_->maximumHeight() == 0) {
+            widget_->setMinimumHeight(0);
+            widget_->setMaximumHeight(QWIDGETSIZE_MAX);
+        }
         if (widget_ && item.update)
             item.update(*widget_);
         if (widget_ && !item.showsWidget)
-            widget_->setMaximumHeight(0);
-        else if (widget_ && widget_->maximumHeight() == 0)
-            widget_->setMaximumHeight(QWIDGETSIZE_MAX);
+            widget_->setFixedHeight(0);
         label_.setText(item.label);
         label_.setEnabled(item.isEnabled);
         label_.setVisible(!item.label.isEmpty());
@@ -83,14 +86,10 @@ public:
         more_->setToolTip(QToolBar::tr("More tools"));
         more_->setAutoRaise(true);
         more_->setFocusPolicy(Qt::TabFocus);
-        more_->setPopupMode(QToolButton::InstantPopup);
-        auto* const menu = new QMenu(more_);
-        more_->setMenu(menu);
-        connect(menu, &QMenu::aboutToShow, this, [this, menu] {
-            menu->clear();
+        setMenu(*more_, [this](QMenu& menu) {
             for (const Place& place : places_)
                 if (place.cell && place.cell->isHidden() && place.item.addToMenu)
-                    place.item.addToMenu(*menu);
+                    place.item.addToMenu(menu);
         });
         more_->hide();
     }

@@ -2,23 +2,8 @@
 
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
-#include <algorithm>
-#include <vector>
 
 namespace zorvan::internal {
-
-IndexSet rowsOf(const QItemSelection& items) {
-    std::vector<IndexSet::Range> ranges;
-    for (const QItemSelectionRange& range : items)
-        if (range.isValid())
-            ranges.push_back({range.top(), range.bottom() + 1});
-    std::sort(ranges.begin(), ranges.end(),
-              [](const auto& a, const auto& b) { return a.lower < b.lower; });
-    IndexSet rows;
-    for (const IndexSet::Range range : ranges)
-        rows.insert(range);
-    return rows;
-}
 
 ItemSelection::ItemSelection(QAbstractItemModel& model, SelectionOwner& owner)
     : QItemSelectionModel(&model), owner_(owner) {}

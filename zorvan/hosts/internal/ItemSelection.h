@@ -17,9 +17,6 @@ public:
     virtual IndexSet fromItems(const QItemSelection& items) const = 0;
 };
 
-/// The rows of ranges that stand below no other item.
-IndexSet rowsOf(const QItemSelection& items);
-
 /// Mirrors the selection of a view for a widget. What the person selects goes to the view, and
 /// comes back from there.
 class ItemSelection : public QItemSelectionModel {

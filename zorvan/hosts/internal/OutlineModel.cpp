@@ -1,9 +1,6 @@
 #include <zorvan/hosts/internal/OutlineModel.h>
 
 #include <zorvan/hosts/internal/RowModel.h>
-#include <zorvan/hosts/internal/askSafely.h>
-#include <zorvan/hosts/internal/dragging.h>
-#include <zorvan/hosts/internal/viewGeometry.h>
 
 #include <algorithm>
 #include <utility>
@@ -14,13 +11,13 @@ struct OutlineModel::Node {
     NSOutlineView::Item item;
     Node* holder;
     int place;
+    std::int64_t row = -1; // of the outline
     bool isLoaded = false;
     std::vector<std::unique_ptr<Node>> children = {};
 };
 
-OutlineModel::OutlineModel(std::shared_ptr<NSOutlineView> outline)
-    : outline_(std::move(outline)), root_(new Node{nullptr, nullptr, 0}),
-      columnCount_(static_cast<int>(outline_->numberOfColumns())) {
+OutlineModel::OutlineModel(const std::shared_ptr<NSOutlineView>& outline)
+    : ColumnModel(outline), root_(new Node{nullptr, nullptr, 0}) {
     followRows();
 }
 
@@ -37,15 +34,14 @@ NSOutlineView::Item OutlineModel::item(const QModelIndex& index) const { return 
 void OutlineModel::load(Node& node) const {
     if (std::exchange(node.isLoaded, true))
         return;
-    const auto source = outline_->outlineDataSource();
+    const auto source = view_->outlineDataSource();
     if (!source)
         return;
     const std::int64_t count = std::min<std::int64_t>(
-        askSafely([&] { return source->numberOfChildren(*outline_, node.item); }),
-        RowModel::mostRows);
+        askSafely([&] { return source->numberOfChildren(*view_, node.item); }), RowModel::mostRows);
     for (std::int64_t i = 0; i < count; ++i)
         node.children.emplace_back(
-            new Node{askSafely([&] { return source->child(*outline_, i, node.item); }), &node,
+            new Node{askSafely([&] { return source->child(*view_, i, node.item); }), &node,
                      static_cast<int>(i)});
 }
 
@@ -72,22 +68,8 @@ bool OutlineModel::hasChildren(const QModelIndex& parent) const {
     const Node& holder = node(parent);
     if (parent.column() > 0 || holder.isLoaded || !parent.isValid())
         return rowCount(parent) > 0;
-    const auto source = outline_->outlineDataSource();
-    return source && askSafely([&] { return source->isExpandable(*outline_, holder.item); });
-}
-
-int OutlineModel::columnCount(const QModelIndex&) const { return columnCount_; }
-
-QVariant OutlineModel::data(const QModelIndex& index, int role) const {
-    const auto source = outline_->outlineDataSource();
-    if (!index.isValid() || role != Qt::DisplayRole || !source)
-        return {};
-    const std::string text =
-        askSafely([&] { return source->text(*outline_, index.column(), item(index)); });
-    if (!text.empty())
-        return toQString(text);
-    const auto view = outline_->view(index.column(), rowOf(index), false);
-    return view ? toQString(view->accessibilityLabel()) : QString();
+    const auto source = view_->outlineDataSource();
+    return source && askSafely([&] { return source->isExpandable(*view_, holder.item); });
 }
 
 Qt::ItemFlags OutlineModel::flags(const QModelIndex& index) const {
@@ -95,44 +77,14 @@ Qt::ItemFlags OutlineModel::flags(const QModelIndex& index) const {
     return index.isValid() ? usual | Qt::ItemIsDragEnabled : usual;
 }
 
-QMimeData* OutlineModel::mimeData(const QModelIndexList& indexes) const {
-    std::vector<URL> urls;
-    const auto source = outline_->outlineDataSource();
-    for (const QModelIndex& index : indexes)
-        if (source && index.column() == 0)
-            if (auto url = askSafely([&] { return source->draggedURL(*outline_, item(index)); }))
-                urls.push_back(std::move(*url));
-    return toMimeData(urls).release();
-}
-
-QVariant OutlineModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 ||
-        section >= outline_->numberOfColumns())
-        return {};
-    return toQString(outline_->tableColumns()[static_cast<std::size_t>(section)]->title());
-}
-
-void OutlineModel::insertColumn(int at) {
-    beginInsertColumns({}, at, at);
-    ++columnCount_;
-    endInsertColumns();
-}
-
-void OutlineModel::removeColumn(int at) {
-    beginRemoveColumns({}, at, at);
-    --columnCount_;
-    endRemoveColumns();
-}
-
 void OutlineModel::reset() {
     beginResetModel();
-    root_.reset(new Node{nullptr, nullptr, 0});
     rows_.clear();
-    listRows(*root_, rows_);
+    root_.reset(new Node{nullptr, nullptr, 0});
+    std::vector<Node*> rows;
+    listRows(*root_, rows);
+    takeRows(std::move(rows));
     endResetModel();
-    places_.clear();
-    for (std::size_t row = 0; row < rows_.size(); ++row)
-        places_[rows_[row]] = static_cast<std::int64_t>(row);
 }
 
 void OutlineModel::followRows() {
@@ -140,27 +92,32 @@ void OutlineModel::followRows() {
     listRows(*root_, rows);
     if (!areRowsOfOutline(rows))
         return reset();
+    takeRows(std::move(rows));
+}
+
+void OutlineModel::takeRows(std::vector<Node*> rows) {
+    for (Node* const gone : rows_)
+        gone->row = -1;
     rows_ = std::move(rows);
-    places_.clear();
     for (std::size_t row = 0; row < rows_.size(); ++row)
-        places_[rows_[row]] = static_cast<std::int64_t>(row);
+        rows_[row]->row = static_cast<std::int64_t>(row);
 }
 
 void OutlineModel::listRows(Node& node, std::vector<Node*>& rows) const {
     load(node);
     for (const auto& child : node.children) {
-        if (static_cast<std::int64_t>(rows.size()) > outline_->numberOfRows())
+        if (static_cast<std::int64_t>(rows.size()) > view_->numberOfRows())
             return; // the data source has become another since it was asked
         rows.push_back(child.get());
-        if (outline_->isItemExpanded(child->item))
+        if (view_->isItemExpanded(child->item))
             listRows(*child, rows);
     }
 }
 
 bool OutlineModel::areRowsOfOutline(const std::vector<Node*>& rows) const {
-    bool areSame = static_cast<std::int64_t>(rows.size()) == outline_->numberOfRows();
+    bool areSame = static_cast<std::int64_t>(rows.size()) == view_->numberOfRows();
     for (std::size_t row = 0; areSame && row < rows.size(); ++row)
-        areSame = rows[row]->item == outline_->item(static_cast<std::int64_t>(row));
+        areSame = rows[row]->item == view_->item(static_cast<std::int64_t>(row));
     return areSame;
 }
 
@@ -171,9 +128,24 @@ QModelIndex OutlineModel::indexOfRow(std::int64_t row) const {
     return createIndex(found->place, 0, found);
 }
 
-std::int64_t OutlineModel::rowOf(const QModelIndex& index) const {
-    const auto place = places_.find(&node(index));
-    return place == places_.end() ? -1 : place->second;
+std::int64_t OutlineModel::rowOf(const QModelIndex& index) const { return node(index).row; }
+
+QItemSelection OutlineModel::toItems(const IndexSet& rows) const {
+    QItemSelection items;
+    const int last = columnCount() - 1;
+    for (const std::int64_t row : rows)
+        if (const QModelIndex index = indexOfRow(row); index.isValid() && last >= 0)
+            items.push_back(QItemSelectionRange(index, index.siblingAtColumn(last)));
+    return items;
+}
+
+IndexSet OutlineModel::fromItems(const QItemSelection& items) const {
+    std::vector<std::int64_t> rows;
+    for (const QItemSelectionRange& range : items)
+        for (int place = range.top(); range.isValid() && place <= range.bottom(); ++place)
+            rows.push_back(rowOf(index(place, 0, range.parent())));
+    std::erase(rows, -1); // below something that is collapsed
+    return IndexSet::of(rows);
 }
 
 } // namespace zorvan::internal

@@ -2,53 +2,8 @@
 
 #include <zorvan/hosts/internal/CellDelegate.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
-#include <zorvan/interface/NSOutlineViewObserver.h>
 
 namespace zorvan::internal {
-
-class OutlineWidget::RowMirror : public Mirror<OutlineWidget, NSOutlineViewObserver> {
-public:
-    using Mirror::Mirror;
-
-    void itemExpanded(const NSOutlineView::Item&, bool) override {
-        if (own())
-            own()->followExpansion();
-    }
-    void itemCollapsed(const NSOutlineView::Item&) override {
-        if (own())
-            own()->followExpansion();
-    }
-    void reloaded() override { reload(); }
-    // Rows of an outline are its data source's: changed by themselves they are read anew.
-    void rowsInserted(const IndexSet&, NSTableView::AnimationOptions) override { reload(); }
-    void rowsRemoved(const IndexSet&, NSTableView::AnimationOptions) override { reload(); }
-    void rowsMoved(const IndexSet&, std::int64_t) override { reload(); }
-    void rowMoved(std::int64_t, std::int64_t) override { reload(); }
-    void cellsReloaded(const IndexSet&, const IndexSet&) override {
-        if (!own())
-            return;
-        own()->viewport()->update();
-        own()->showCellsLater();
-    }
-    void rowHeightsDidChange(const IndexSet&) override {
-        if (own())
-            own()->scheduleDelayedItemsLayout();
-    }
-    void selectionDidChange() override {
-        if (own())
-            own()->selectionMirror().mirror();
-    }
-    void scrolledTo(std::int64_t row) override {
-        if (own())
-            own()->scrollTo(own()->model_.indexOfRow(row));
-    }
-
-private:
-    void reload() {
-        if (own())
-            own()->reload();
-    }
-};
 
 /// Rows are as high as the outline says.
 class OutlineWidget::Delegate : public CellDelegate {
@@ -56,7 +11,7 @@ public:
     explicit Delegate(OutlineWidget& widget) : CellDelegate(&widget), widget_(widget) {}
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        const NSOutlineView& outline = *widget_.table_;
+        const NSOutlineView& outline = *widget_.view_;
         const double height = askSafely([&] {
             return outline.delegate() ? outline.heightOfRow(widget_.model_.rowOf(index))
                                       : outline.rowHeight();
@@ -72,30 +27,27 @@ OutlineWidget::OutlineWidget(const std::shared_ptr<NSOutlineView>& outline, QWid
     : HostedTable(outline, parent) {
     setItemDelegate(new Delegate(*this));
     setExpandsOnDoubleClick(false); // it opens
-    adopt(model_);
+    begin<NSOutlineViewObserver>(*this);
     const auto tell = [this](const QModelIndex& index, bool isExpanded) {
         if (isExpanding_)
             return;
-        table_->setExpanded(isExpanded, model_.item(index));
+        view_->setExpanded(isExpanded, model_.item(index));
         followExpansion(); // the outline may know better
     };
     connect(this, &QTreeView::expanded, this,
             [tell](const QModelIndex& index) noexcept { tell(index, true); });
     connect(this, &QTreeView::collapsed, this,
             [tell](const QModelIndex& index) noexcept { tell(index, false); });
-    const auto mirror = std::make_shared<RowMirror>(outline, *this);
-    ViewMirror::attach(mirror);
-    outline->addObserver(std::static_pointer_cast<NSOutlineViewObserver>(mirror));
     followColumns();
     followExpansion();
 }
 
-void OutlineWidget::reload() {
+void OutlineWidget::reloaded() {
     const int top = verticalScrollBar()->value();
     const auto current = model_.item(currentIndex());
     model_.reset();
     followExpansion();
-    if (const QModelIndex same = model_.indexOfRow(current ? table_->row(current) : -1);
+    if (const QModelIndex same = model_.indexOfRow(current ? view_->row(current) : -1);
         same.isValid())
         selectionModel()->setCurrentIndex(same, QItemSelectionModel::NoUpdate);
     verticalScrollBar()->setValue(top);
@@ -106,7 +58,7 @@ void OutlineWidget::followExpansion() {
     model_.followRows();
     for (std::int64_t row = 0; row < model_.rowCountOfOutline(); ++row) {
         const QModelIndex index = model_.indexOfRow(row);
-        const bool isOpen = table_->isItemExpanded(model_.item(index));
+        const bool isOpen = view_->isItemExpanded(model_.item(index));
         if (isExpanded(index) != isOpen)
             setExpanded(index, isOpen);
     }
@@ -114,43 +66,12 @@ void OutlineWidget::followExpansion() {
     showCellsLater();
 }
 
-// What the person does
-
-QItemSelection OutlineWidget::toItems(const IndexSet& rows) const {
-    QItemSelection items;
-    const int last = model_.columnCount() - 1;
-    for (const std::int64_t row : rows)
-        if (const QModelIndex index = model_.indexOfRow(row); index.isValid() && last >= 0)
-            items.push_back(QItemSelectionRange(index, index.siblingAtColumn(last)));
-    return items;
-}
-
-IndexSet OutlineWidget::fromItems(const QItemSelection& items) const {
-    std::vector<std::int64_t> rows;
-    for (const QItemSelectionRange& range : items)
-        for (int place = range.top(); range.isValid() && place <= range.bottom(); ++place)
-            rows.push_back(model_.rowOf(model_.index(place, 0, range.parent())));
-    std::erase(rows, -1); // below something that is collapsed
-    return IndexSet::of(rows);
+void OutlineWidget::cellsReloaded(const IndexSet&, const IndexSet&) {
+    viewport()->update();
+    showCellsLater();
 }
 
 // Dragging
-
-bool OutlineWidget::isDragged(const QModelIndex& index) const {
-    const auto source = table_->outlineDataSource();
-    const auto carried = [&] { return source->draggedURL(*table_, model_.item(index)); };
-    return source && askSafely(carried).has_value();
-}
-
-bool OutlineWidget::isMovable(const QModelIndex& index) const {
-    const auto source = table_->outlineDataSource();
-    return source && askSafely([&] { return source->isMovable(*table_, model_.item(index)); });
-}
-
-bool OutlineWidget::acceptsDrop(const std::vector<URL>& urls) const {
-    const auto source = table_->outlineDataSource();
-    return source && askSafely([&] { return source->acceptsDrop(*table_, urls); });
-}
 
 /// Above an item, below it, or, in its middle, to the end of what it holds.
 OutlineWidget::DropPlace OutlineWidget::dropPlace(QPoint at) const {
@@ -181,31 +102,28 @@ bool OutlineWidget::isBelow(QModelIndex index, const QModelIndexList& others) co
 
 void OutlineWidget::selectionDropped(QPoint at) {
     const DropPlace place = dropPlace(at);
-    QModelIndexList moved;
-    for (const std::int64_t row : selection())
-        if (const QModelIndex index = model_.indexOfRow(row); isMovable(index))
-            moved.append(index);
-    const auto source = table_->outlineDataSource();
+    const QModelIndexList moved = movableSelection();
+    const auto source = view_->outlineDataSource();
     if (!source || moved.isEmpty() || isBelow(place.holder, moved))
         return;
     std::vector<NSOutlineView::Item> items;
     for (const QModelIndex& index : moved)
         if (!isBelow(index.parent(), moved)) // else it goes along
             items.push_back(model_.item(index));
-    source->itemsDragged(*table_, items, model_.item(place.holder), place.before);
+    source->itemsDragged(*view_, items, model_.item(place.holder), place.before);
 }
 
 void OutlineWidget::urlsDropped(const std::vector<URL>& urls, QPoint at) {
     const DropPlace place = dropPlace(at);
-    if (const auto source = table_->outlineDataSource())
-        source->urlsDropped(*table_, urls, model_.item(place.holder), place.before);
+    if (const auto source = view_->outlineDataSource())
+        source->urlsDropped(*view_, urls, model_.item(place.holder), place.before);
 }
 
 // Cells
 
 std::vector<QModelIndex> OutlineWidget::indexesInSight() const {
     std::vector<QModelIndex> indexes;
-    if (!table_->delegate())
+    if (!view_->delegate())
         return indexes;
     for (QModelIndex index = indexAt({0, 0});
          index.isValid() && visualRect(index).top() < viewport()->height();

@@ -5,9 +5,12 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QCursor>
 #include <QKeySequence>
 #include <QMenu>
+#include <QToolButton>
+#include <utility>
 
 namespace zorvan::internal {
 
@@ -48,7 +51,28 @@ QString textOf(const NSMenuItem& item) {
     return keys.isEmpty() ? title : title + QLatin1Char('\t') + keys;
 }
 
-void fill(QMenu& shown, const std::shared_ptr<NSMenu>& menu, int depth) {
+} // namespace
+
+QAction& addLine(QMenu& menu, const QIcon& icon, const QString& text, bool isEnabled,
+                 std::function<void()> choose) {
+    QAction& action = *menu.addAction(icon, text);
+    action.setEnabled(isEnabled);
+    QObject::connect(&action, &QAction::triggered, &menu,
+                     [choose = std::move(choose)]() noexcept { choose(); });
+    return action;
+}
+
+void setMenu(QToolButton& button, std::function<void(QMenu&)> fill) {
+    auto* const menu = new QMenu(&button);
+    QObject::connect(menu, &QMenu::aboutToShow, menu, [menu, fill = std::move(fill)]() noexcept {
+        menu->clear();
+        fill(*menu);
+    });
+    button.setMenu(menu);
+    button.setPopupMode(QToolButton::InstantPopup);
+}
+
+void fillMenu(QMenu& shown, const std::shared_ptr<NSMenu>& menu, int depth) {
     constexpr int deepest = 16; // a menu may hold itself
     for (std::int64_t i = 0; i < menu->numberOfItems(); ++i) {
         const auto item = menu->item(i);
@@ -57,25 +81,22 @@ void fill(QMenu& shown, const std::shared_ptr<NSMenu>& menu, int depth) {
         } else if (item->submenu() && depth < deepest) {
             QMenu* const inner = shown.addMenu(iconOf(item->image()), textOf(*item));
             inner->setEnabled(item->isEnabled());
-            fill(*inner, item->submenu(), depth + 1);
+            fillMenu(*inner, item->submenu(), depth + 1);
         } else {
-            QAction* const action = shown.addAction(iconOf(item->image()), textOf(*item));
-            action->setEnabled(item->isEnabled() && item->action());
-            action->setCheckable(item->state());
-            action->setChecked(item->state());
-            QObject::connect(action, &QAction::triggered, &shown, [item]() noexcept {
-                if (const auto holder = item->menu())
-                    holder->performActionForItem(holder->index(*item));
-            });
+            QAction& action = addLine(shown, iconOf(item->image()), textOf(*item),
+                                      item->isEnabled() && item->action(), [item] {
+                                          if (const auto holder = item->menu())
+                                              holder->performActionForItem(holder->index(*item));
+                                      });
+            action.setCheckable(item->state());
+            action.setChecked(item->state());
         }
     }
 }
 
-} // namespace
+namespace {
 
-void fillMenu(QMenu& shown, const std::shared_ptr<NSMenu>& menu) { fill(shown, menu, 0); }
-
-void openMenu(NSMenu& menu, QWidget* over, const QPoint& at) {
+void open(NSMenu& menu, QWidget* over, const QPoint& at) {
     // Wayland places a menu by the window that it belongs to.
     auto* const shown = new QMenu(over);
     shown->setAttribute(Qt::WA_DeleteOnClose);
@@ -83,11 +104,25 @@ void openMenu(NSMenu& menu, QWidget* over, const QPoint& at) {
     shown->popup(at);
 }
 
+} // namespace
+
 void openMenu(NSMenu& menu) {
     auto* const focused = qobject_cast<QAbstractButton*>(QApplication::focusWidget());
     const bool isByKey = focused && !focused->underMouse();
-    openMenu(menu, QApplication::activeWindow(),
-             isByKey ? focused->mapToGlobal(focused->rect().bottomLeft()) : QCursor::pos());
+    open(menu, QApplication::activeWindow(),
+         isByKey ? focused->mapToGlobal(focused->rect().bottomLeft()) : QCursor::pos());
+}
+
+void openContextMenu(const std::shared_ptr<NSView>& view, QWidget& widget,
+                     QContextMenuEvent& event) {
+    const bool isByKey = event.reason() == QContextMenuEvent::Keyboard;
+    const QPoint at = isByKey ? widget.rect().center() : event.pos();
+    NSEvent asked{.type = NSEvent::EventType::rightMouseDown,
+                  .locationInWindow = view->convertToBase(toView(*view, at))};
+    const auto menu = view->menu(asked);
+    event.setAccepted(menu != nullptr);
+    if (menu)
+        open(*menu, &widget, widget.mapToGlobal(at));
 }
 
 } // namespace zorvan::internal

@@ -1,20 +1,34 @@
 #pragma once
 
 #include <zorvan/interface/NSMenu.h>
+#include <zorvan/platform/appkit/NSView.h>
 
-#include <QPoint>
+#include <QIcon>
+#include <functional>
 
+class QAction;
+class QContextMenuEvent;
 class QMenu;
+class QToolButton;
 class QWidget;
 
 namespace zorvan::internal {
 
-/// A line for each item.
-void fillMenu(QMenu& shown, const std::shared_ptr<NSMenu>& menu);
+/// A line that is chosen.
+QAction& addLine(QMenu& menu, const QIcon& icon, const QString& text, bool isEnabled,
+                 std::function<void()> choose);
 
-/// Opens the menu at a place of the screen, and returns at once.
-void openMenu(NSMenu& menu, QWidget* over, const QPoint& at);
-/// At the mouse, or under the button that was just pressed by the keyboard.
+/// A line for each item, as far as menus within menus are shown.
+void fillMenu(QMenu& shown, const std::shared_ptr<NSMenu>& menu, int depth = 0);
+
+/// Opens a menu under the button, filled anew each time.
+void setMenu(QToolButton& button, std::function<void(QMenu&)> fill);
+
+/// Opens the menu at the mouse, or under the button that was just pressed by the keyboard, and
+/// returns at once.
 void openMenu(NSMenu& menu);
+/// Opens the context menu of the view, if there is one; by the keyboard in the middle of it.
+void openContextMenu(const std::shared_ptr<NSView>& view, QWidget& widget,
+                     QContextMenuEvent& event);
 
 } // namespace zorvan::internal

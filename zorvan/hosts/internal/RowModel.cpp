@@ -1,11 +1,6 @@
 #include <zorvan/hosts/internal/RowModel.h>
 
-#include <zorvan/hosts/internal/askSafely.h>
-#include <zorvan/hosts/internal/dragging.h>
-
 #include <algorithm>
-#include <set>
-#include <utility>
 
 namespace zorvan::internal {
 
@@ -34,30 +29,11 @@ Qt::ItemFlags RowModel::flags(const QModelIndex& index) const {
                            : Qt::NoItemFlags;
 }
 
-bool RowModel::isDragged(int row) const {
-    return askSafely([&] { return draggedURL(row); }).has_value();
+QModelIndex RowModel::indexOfRow(std::int64_t row) const {
+    return row < rowCount_ ? index(static_cast<int>(row), 0) : QModelIndex();
 }
 
-QMimeData* RowModel::mimeData(const QModelIndexList& indexes) const {
-    std::set<int> rows;
-    for (const QModelIndex& index : indexes)
-        rows.insert(index.row());
-    std::vector<URL> urls;
-    for (const int row : rows)
-        if (auto url = askSafely([&] { return draggedURL(row); }))
-            urls.push_back(std::move(*url));
-    return toMimeData(urls).release();
-}
-
-IndexSet RowModel::movable(const IndexSet& rows) const {
-    IndexSet found;
-    for (const std::int64_t row : rows)
-        if (askSafely([&] { return isMovable(static_cast<int>(row)); }))
-            found.insert(row);
-    return found;
-}
-
-std::int64_t RowModel::source(int row) const { return pending_ ? pending_(row) : row; }
+std::int64_t RowModel::rowInSource(int row) const { return pending_ ? pending_(row) : row; }
 
 void RowModel::change(const std::vector<RowChange>& changes, std::int64_t rowCount) {
     std::int64_t expected = rowCount_;
@@ -96,7 +72,7 @@ void RowModel::rearrange(const std::function<std::int64_t(std::int64_t)>& place,
     QModelIndexList now;
     now.reserve(before.size());
     for (const QModelIndex& index : before) {
-        const std::int64_t row = source(index.row());
+        const std::int64_t row = rowInSource(index.row());
         now.push_back(row < 0 ? QModelIndex() : createIndex(static_cast<int>(row), index.column()));
     }
     pending_ = nullptr;

@@ -1,11 +1,10 @@
 #pragma once
 
+#include <zorvan/hosts/qtmodels/internal/rowSelections.h>
 #include <zorvan/interface/internal/RowChange.h>
-#include <zorvan/platform/foundation/URL.h>
 
 #include <QAbstractItemModel>
 #include <functional>
-#include <optional>
 #include <vector>
 
 namespace zorvan::internal {
@@ -23,12 +22,14 @@ public:
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     QModelIndex parent(const QModelIndex&) const override { return {}; }
     Qt::ItemFlags flags(const QModelIndex& index) const override;
-    /// Whether a drag of the row carries anything out of the window.
-    bool isDragged(int row) const;
-    /// Those that a person may drag to another place.
-    IndexSet movable(const IndexSet& rows) const;
-    /// The URLs of the rows, each once.
-    QMimeData* mimeData(const QModelIndexList& indexes) const override;
+
+    /// Invalid for a row that is none.
+    QModelIndex indexOfRow(std::int64_t row) const;
+    /// -1 for no index.
+    std::int64_t rowOf(const QModelIndex& index) const { return index.row(); }
+    /// Whole rows as the ranges of a selection, and back.
+    QItemSelection toItems(const IndexSet& rows) const { return wholeRows(*this, rows); }
+    IndexSet fromItems(const QItemSelection& items) const { return rowsOf(items); }
 
     /// What these changes, one after the other, make of the rows: an insertion or a removal when it
     /// is one range, else another layout in which every row that stays keeps its indexes.
@@ -38,13 +39,9 @@ public:
     void reset(std::int64_t rowCount);
 
 protected:
-    /// What a drag of the row carries; absent when it is not dragged. May throw.
-    virtual std::optional<URL> draggedURL(int row) const = 0;
-    /// Whether a person may drag the row to another place. May throw.
-    virtual bool isMovable(int row) const = 0;
     /// Where a row is to be read: in the middle of a change it stands elsewhere already, or, as -1,
     /// has gone.
-    std::int64_t source(int row) const;
+    std::int64_t rowInSource(int row) const;
 
 private:
     int rowCount_ = 0;

@@ -1,6 +1,5 @@
 #include <zorvan/hosts/internal/SplitWidget.h>
 
-#include <zorvan/hosts/internal/ViewMirror.h>
 #include <zorvan/hosts/internal/makeWidget.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
@@ -38,52 +37,23 @@ protected:
 
 } // namespace
 
-class SplitWidget::Mirror : public ViewMirror {
-public:
-    Mirror(const std::shared_ptr<NSSplitView>& split, SplitWidget& widget)
-        : ViewMirror(split, widget) {}
-
-    void subviewsDidChange() override {
-        if (auto* const own = static_cast<SplitWidget*>(widget()))
-            own->followSubviews();
-    }
-    void needsDisplay(const CGRect&) override {
-        if (auto* const own = static_cast<SplitWidget*>(widget()))
-            own->followDividers();
-    }
-    void frameDidChange() override {
-        ViewMirror::frameDidChange();
-        needsDisplay(view()->bounds());
-    }
-
-protected:
-    void followAll() override {
-        ViewMirror::followAll();
-        subviewsDidChange();
-    }
-};
-
 SplitWidget::SplitWidget(const std::shared_ptr<NSSplitView>& split, QWidget* parent)
-    : QSplitter(parent), split_(split) {
+    : HostedWidget(split, parent) {
     setHandleWidth(wholeLength(split->dividerThickness()));
-    ViewMirror::attach(std::make_shared<Mirror>(split, *this));
+    follow();
+    subviewsDidChange();
     connect(this, &QSplitter::splitterMoved, this,
             [this](int, int index) noexcept { dividerMoved(index); });
 }
 
-bool SplitWidget::event(QEvent* event) noexcept { return QSplitter::event(event); }
-
 QSplitterHandle* SplitWidget::createHandle() { return new Handle(orientation(), this); }
 
-void SplitWidget::followSubviews() {
-    const auto& views = split_->subviews();
+void SplitWidget::subviewsDidChange() {
+    const auto& views = view_->subviews();
     for (int i = count() - 1; i >= 0; --i) {
         QWidget* const part = widget(i);
-        if (std::find(views.begin(), views.end(), viewOf(part)) != views.end())
-            continue;
-        part->hide();
-        part->setParent(nullptr);
-        part->deleteLater();
+        if (std::find(views.begin(), views.end(), viewOf(part)) == views.end())
+            letGo(*part);
     }
     for (std::size_t i = 0; i < views.size(); ++i) {
         QWidget* part = nullptr;
@@ -99,19 +69,25 @@ void SplitWidget::followSubviews() {
     followDividers();
 }
 
+void SplitWidget::needsDisplay(const CGRect&) { followDividers(); }
+
+void SplitWidget::frameDidChange() {
+    HostedWidget::frameDidChange();
+    followDividers();
+}
+
 void SplitWidget::followDividers() {
-    setOrientation(split_->isVertical() ? Qt::Horizontal : Qt::Vertical);
+    setOrientation(view_->isVertical() ? Qt::Horizontal : Qt::Vertical);
     followLimits();
-    split_->layoutSubtreeIfNeeded();
+    view_->layoutSubtreeIfNeeded();
     QList<int> lengths;
     double start = 0;
-    for (std::int64_t i = 0; i < split_->numberOfDividers(); ++i) {
-        const double position = split_->position(i).value_or(0);
+    for (std::int64_t i = 0; i < view_->numberOfDividers(); ++i) {
+        const double position = view_->position(i).value_or(0);
         lengths.append(wholeLength(position - start));
-        start = position + split_->dividerThickness();
+        start = position + view_->dividerThickness();
     }
-    const double whole =
-        split_->isVertical() ? split_->bounds().width() : split_->bounds().height();
+    const double whole = view_->isVertical() ? view_->bounds().width() : view_->bounds().height();
     lengths.append(wholeLength(whole - start));
     if (lengths == sizes() || lengths.size() != count())
         return;
@@ -122,9 +98,9 @@ void SplitWidget::followDividers() {
 
 void SplitWidget::followLimits() {
     for (int i = 0; i < count(); ++i) {
-        const int least = wholeLength(split_->minimumLength(i));
-        widget(i)->setMinimumSize(split_->isVertical() ? QSize(least, 0) : QSize(0, least));
-        setCollapsible(i, split_->isCollapsible(i) || least == 0);
+        const int least = wholeLength(view_->minimumLength(i));
+        widget(i)->setMinimumSize(view_->isVertical() ? QSize(least, 0) : QSize(0, least));
+        setCollapsible(i, view_->isCollapsible(i) || least == 0);
     }
 }
 
@@ -134,8 +110,8 @@ void SplitWidget::dividerMoved(int index) {
     double position = 0;
     for (int i = 0; i < index; ++i)
         position += sizes()[i] + (i > 0 ? handleWidth() : 0);
-    split_->setPosition(position, index - 1);
-    split_->layoutSubtreeIfNeeded();
+    view_->setPosition(position, index - 1);
+    view_->layoutSubtreeIfNeeded();
 }
 
 void SplitWidget::resizeEvent(QResizeEvent* event) {

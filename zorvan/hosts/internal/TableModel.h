@@ -1,38 +1,35 @@
 #pragma once
 
+#include <zorvan/hosts/internal/CellModel.h>
 #include <zorvan/hosts/internal/RowModel.h>
 #include <zorvan/interface/NSTableView.h>
-
-#include <memory>
 
 namespace zorvan::internal {
 
 /// The rows and columns of a table, read from its data source when they are shown.
-class TableModel : public RowModel {
+class TableModel : public ColumnModel<TableModel, NSTableView, RowModel> {
 public:
-    explicit TableModel(std::shared_ptr<NSTableView> table);
+    explicit TableModel(const std::shared_ptr<NSTableView>& table) : ColumnModel(table) {
+        reset(table->numberOfRows());
+    }
 
-    int columnCount(const QModelIndex& parent = {}) const override;
-    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
-    QVariant headerData(int section, Qt::Orientation orientation,
-                        int role = Qt::DisplayRole) const override;
-
-    /// -1 for no index.
-    std::int64_t rowOf(const QModelIndex& index) const { return index.row(); }
-    void insertColumn(int at);
-    void removeColumn(int at);
     void reloadCells(const IndexSet& rows, const IndexSet& columns);
     /// Between the updates of a table the data source has other rows than the table: nothing is
     /// read from it.
     void setReading(bool isReading) { isReading_ = isReading; }
 
-protected:
-    std::optional<URL> draggedURL(int row) const override;
-    bool isMovable(int row) const override;
+    std::shared_ptr<NSTableViewDataSource> source() const {
+        return isReading_ ? view_->dataSource() : nullptr;
+    }
+    std::int64_t key(const QModelIndex& index) const { return rowInSource(index.row()); }
+    std::string text(const QModelIndex& index) const {
+        return view_->text(index.column(), key(index));
+    }
+    std::shared_ptr<NSView> cellView(const QModelIndex& index, bool makesIt) const {
+        return view_->view(index.column(), key(index), makesIt);
+    }
 
 private:
-    const std::shared_ptr<NSTableView> table_;
-    int columnCount_;
     bool isReading_ = true;
 };
 

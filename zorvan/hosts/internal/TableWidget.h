@@ -2,42 +2,45 @@
 
 #include <zorvan/hosts/internal/HostedTable.h>
 #include <zorvan/hosts/internal/TableModel.h>
+#include <zorvan/interface/NSTableViewObserver.h>
 
 namespace zorvan::internal {
 
 /// Shows a table that is no outline.
-class TableWidget : public HostedTable<QTableView, NSTableView, TableModel> {
+class TableWidget : public HostedTable<QTableView, NSTableView, TableModel, NSTableViewObserver> {
 public:
     TableWidget(const std::shared_ptr<NSTableView>& table, QWidget* parent);
     ~TableWidget() override { leave(); }
 
 protected:
-    QItemSelection toItems(const IndexSet& rows) const override;
-    IndexSet fromItems(const QItemSelection& items) const override;
+    using QTableView::rowsInserted;
+
+    void updatesDidBegin() override;
+    void updatesDidEnd() override;
+    void rowsInserted(const IndexSet& at, NSTableView::AnimationOptions) override;
+    void rowsRemoved(const IndexSet& at, NSTableView::AnimationOptions) override;
+    void rowMoved(std::int64_t from, std::int64_t to) override;
+    void rowsMoved(const IndexSet& from, std::int64_t to) override;
+    void cellsReloaded(const IndexSet& rows, const IndexSet& columns) override;
+    void reloaded() override;
+    void rowHeightsDidChange(const IndexSet& rows) override { followHeights(rows); }
+    void selectionDidChange() override;
+    void scrolledTo(std::int64_t row) override;
 
     /// What is typed is looked for in the first column.
     void keyboardSearch(const QString& text) override;
     /// Home and End go through the rows.
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
-    bool isDragged(const QModelIndex& index) const override {
-        return model_.isDragged(index.row());
-    }
-    bool isMovable(const QModelIndex& index) const override {
-        return !model_.movable({index.row()}).isEmpty();
-    }
-    bool acceptsDrop(const std::vector<URL>& urls) const override;
     QRect dropMark(QPoint at) const override;
     void selectionDropped(QPoint at) override;
     void urlsDropped(const std::vector<URL>& urls, QPoint at) override;
     std::vector<QModelIndex> indexesInSight() const override;
 
 private:
-    class RowMirror;
-
     void change(RowChange change);
     void applyChanges();
-    void reload();
+    IndexSet allRows() const { return IndexSet(IndexSet::Range{0, model_.rowCount()}); }
     void followHeights(const IndexSet& ofRows);
     /// Before which row something dropped there goes.
     int dropRow(QPoint at) const;

@@ -2,41 +2,42 @@
 
 #include <zorvan/platform/appkit/NSView.h>
 
-#include <QPointer>
 #include <QWidget>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace zorvan::internal {
 
-/// Keeps a widget as its view is: place, visibility, tool tip, pointer, accessible name. The widget
-/// keeps its mirror, and the mirror the view, alive.
+/// The part of a widget that keeps it as its view is: place, visibility, tool tip, pointer,
+/// accessible name. It keeps the view alive, and is told of it until the widget goes.
 ///
 /// A kind of widget that follows more overrides what it wants to be told of.
 class ViewMirror : public NSViewObserver {
 public:
-    ViewMirror(std::shared_ptr<NSView> view, QWidget& widget);
-
-    /// Lets the mirror follow its view from now on, and brings the widget up to date.
-    static void attach(const std::shared_ptr<ViewMirror>& mirror);
-
-    const std::shared_ptr<NSView>& view() const noexcept { return view_; }
+    const std::shared_ptr<NSView>& shownView() const noexcept { return shown_; }
 
     void frameDidChange() override;
     void propertiesDidChange() override;
 
 protected:
-    /// Null once the widget is on its way out.
-    QWidget* widget() const noexcept { return widget_; }
-    /// Everything that can have changed.
-    virtual void followAll();
+    ViewMirror(std::shared_ptr<NSView> view, QWidget& widget);
+
+    /// Brings the widget, once it is whole, up to date, and lets it follow its view from now on.
+    void follow();
+    /// The widget, as one that is told of a view until it goes.
+    template <class Observer>
+    std::shared_ptr<Observer> untilItGoes(Observer& widget) const {
+        return {life_, &widget};
+    }
 
 private:
     bool isPlacedByItsView() const;
     void announce();
 
-    const std::shared_ptr<NSView> view_;
-    const QPointer<QWidget> widget_;
+    const std::shared_ptr<NSView> shown_;
+    QWidget& widget_;
+    const std::shared_ptr<void> life_ = std::make_shared<char>();
     std::string announced_;
 };
 
@@ -46,5 +47,12 @@ std::shared_ptr<NSView> viewOf(const QWidget* widget);
 /// The widget below `top`, or it itself, that shows the view, a visible one if possible; null when
 /// there is none.
 QWidget* widgetOf(const NSView& view, QWidget& top);
+
+/// The widgets of views that stand directly in a widget, from the back to the front.
+std::vector<QWidget*> shownIn(const QWidget& holder);
+
+/// Takes a widget out of the one that it stands in. It may be in the middle of an event that asked
+/// for it.
+void letGo(QWidget& widget);
 
 } // namespace zorvan::internal

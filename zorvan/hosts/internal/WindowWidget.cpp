@@ -15,24 +15,6 @@
 
 namespace zorvan::internal {
 
-namespace {
-
-std::shared_ptr<NoteSubscriber> subscriber(const std::shared_ptr<NSWindow>& window,
-                                           std::string_view name) {
-    auto made = NoteSubscriber::create(NSNotificationCenter::defaultCenter());
-    made->setName(NSNotificationName(name));
-    made->setObject(window);
-    return made;
-}
-
-/// A window may tell of many changes in one turn of the event loop; they are followed in the next.
-void later(QObject& receiver, void (*act)(QObject&)) {
-    QMetaObject::invokeMethod(
-        &receiver, [&receiver, act]() noexcept { act(receiver); }, Qt::QueuedConnection);
-}
-
-} // namespace
-
 /// Gives the content of the window the room that there is.
 class WindowWidget::ContentHolder : public QWidget {
 public:
@@ -40,11 +22,8 @@ public:
         : QWidget(parent), window_(std::move(window)) {}
 
     void show(const std::shared_ptr<NSView>& content) {
-        for (QWidget* const child : findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
-            child->hide();
-            child->setParent(nullptr);
-            child->deleteLater();
-        }
+        for (QWidget* const child : shownIn(*this))
+            letGo(*child);
         content_ = makeWidget(content, this);
         content_->resize(size());
         content_->setVisible(!content->isHidden());
@@ -66,56 +45,22 @@ private:
     QPointer<QWidget> content_;
 };
 
-class WindowWidget::Mirror : public NSWindowObserver {
-public:
-    explicit Mirror(WindowWidget& widget) : widget_(&widget) {}
-
-    void viewsNeedDisplay() override {
-        later(*widget_, [](QObject& widget) {
-            auto& own = static_cast<WindowWidget&>(widget);
-            own.window_->displayIfNeeded();
-            if (own.toolbar_)
-                own.toolbar_->placeItems(); // above dividers
-        });
-    }
-    void propertiesDidChange() override { widget_->followProperties(); }
-    void contentViewDidChange() override { widget_->followContent(); }
-    void toolbarDidChange() override {
-        later(*widget_,
-              [](QObject& widget) { static_cast<WindowWidget&>(widget).followToolbar(); });
-    }
-    void touchBarDidChange() override {
-        later(*widget_,
-              [](QObject& widget) { static_cast<WindowWidget&>(widget).followTouchBar(); });
-    }
-    void firstResponderDidChange() override { widget_->followFirstResponder(); }
-
-private:
-    WindowWidget* const widget_;
-};
-
 WindowWidget::WindowWidget(std::shared_ptr<NSWindow> window)
-    : window_(std::move(window)), closing_(subscriber(window_, NSWindow::willCloseNotification)),
-      resizing_(subscriber(window_, NSWindow::didResizeNotification)),
-      becomingMain_(subscriber(window_, NSWindow::didBecomeMainNotification)),
-      mirror_(std::make_shared<Mirror>(*this)),
+    : window_(std::move(window)),
       // Tab goes through the parts of the window in the order in which they are made.
       toolbar_(window_->toolbar() ? addBar(ItemBar::Kind::toolbar) : nullptr),
       holder_(new ContentHolder(window_, this)) {
     setContextMenuPolicy(Qt::NoContextMenu); // which would let the bars be hidden
     setCentralWidget(holder_);
-    closing_->subscribe(window_, [this](const auto&, const Notification&) {
-        if (!isClosing_)
-            close();
-    });
-    resizing_->subscribe(window_, [this](const auto&, const Notification&) { followSize(); });
-    becomingMain_->subscribe(window_, [this](const auto&, const Notification&) { comeToFront(); });
-    window_->addObserver(mirror_);
+    subscribe(NSWindow::willCloseNotification, &WindowWidget::closeAlong);
+    subscribe(NSWindow::didResizeNotification, &WindowWidget::followSize);
+    subscribe(NSWindow::didBecomeMainNotification, &WindowWidget::comeToFront);
+    window_->addObserver(observer_);
     followLooks();
-    followProperties();
+    propertiesDidChange();
     followToolbar();
     followTouchBar();
-    followContent();
+    contentViewDidChange();
     resize(sizeHint());
     restoreFrame(*window_, *this);
     window_->displayIfNeeded();
@@ -123,17 +68,50 @@ WindowWidget::WindowWidget(std::shared_ptr<NSWindow> window)
 
 void WindowWidget::retire() {
     saveFrame(*window_, *this);
-    mirror_.reset();
-    closing_->unsubscribe();
-    resizing_->unsubscribe();
-    becomingMain_->unsubscribe();
+    observer_.reset();
+    for (const auto& subscriber : subscribers_)
+        subscriber->unsubscribe();
     hide();
     deleteLater();
 }
 
 bool WindowWidget::event(QEvent* event) noexcept { return QMainWindow::event(event); }
 
-void WindowWidget::followProperties() {
+// Following the window
+
+void WindowWidget::subscribe(std::string_view name, void (WindowWidget::*act)()) {
+    auto subscriber = NoteSubscriber::create(NSNotificationCenter::defaultCenter());
+    subscriber->setName(NSNotificationName(name));
+    subscriber->setObject(window_);
+    subscriber->subscribe(window_,
+                          [this, act](const auto&, const Notification&) { (this->*act)(); });
+    subscribers_.push_back(std::move(subscriber));
+}
+
+void WindowWidget::closeAlong() {
+    if (!isClosing_)
+        close();
+}
+
+/// A window may tell of many changes in one turn of the event loop; they are followed in the next.
+void WindowWidget::later(void (WindowWidget::*act)()) {
+    QMetaObject::invokeMethod(
+        this, [this, act]() noexcept { (this->*act)(); }, Qt::QueuedConnection);
+}
+
+void WindowWidget::viewsNeedDisplay() { later(&WindowWidget::display); }
+
+void WindowWidget::toolbarDidChange() { later(&WindowWidget::followToolbar); }
+
+void WindowWidget::touchBarDidChange() { later(&WindowWidget::followTouchBar); }
+
+void WindowWidget::display() {
+    window_->displayIfNeeded();
+    if (toolbar_)
+        toolbar_->placeItems(); // above dividers
+}
+
+void WindowWidget::propertiesDidChange() {
     setWindowTitle(toQString(window_->title()));
     holder_->setMinimumSize(toQSize(window_->contentMinSize()));
 }
@@ -146,7 +124,7 @@ void WindowWidget::followSize() {
         resize(size() + wanted - holder_->size());
 }
 
-void WindowWidget::followContent() {
+void WindowWidget::contentViewDidChange() {
     holder_->show(window_->contentView());
     const auto content = window_->contentView();
     content->setFrame({content->frame().origin, window_->contentSize()});
@@ -155,19 +133,15 @@ void WindowWidget::followContent() {
 void WindowWidget::followToolbar() {
     window_->layoutIfNeeded(); // which gives the views of the items their sizes
     const auto toolbar = window_->toolbar();
-    if (toolbar && !toolbar_)
-        toolbar_ = addBar(ItemBar::Kind::toolbar);
-    if (toolbar_)
-        fillBar(*toolbar_, toolbar != nullptr, toolbar ? toolbarItems(*toolbar) : BarItems());
+    followBar(toolbar_, ItemBar::Kind::toolbar,
+              toolbar ? std::optional(toolbarItems(*toolbar)) : std::nullopt);
 }
 
 void WindowWidget::followTouchBar() {
     window_->layoutIfNeeded();
     const auto touchBar = window_->touchBar();
-    if (touchBar && !touchBar_)
-        touchBar_ = addBar(ItemBar::Kind::touchBar);
-    if (touchBar_)
-        fillBar(*touchBar_, touchBar != nullptr, touchBar ? touchBarItems(*touchBar) : BarItems());
+    followBar(touchBar_, ItemBar::Kind::touchBar,
+              touchBar ? std::optional(touchBarItems(*touchBar)) : std::nullopt);
 }
 
 ItemBar* WindowWidget::addBar(ItemBar::Kind kind) {
@@ -177,11 +151,16 @@ ItemBar* WindowWidget::addBar(ItemBar::Kind kind) {
 }
 
 /// The content keeps its size, unless the desktop says how large the window is.
-void WindowWidget::fillBar(ItemBar& bar, bool isShown, BarItems items) {
-    const int before = bar.isHidden() ? 0 : bar.sizeHint().height();
-    bar.setVisible(isShown);
-    bar.show(std::move(items));
-    const int now = isShown ? bar.sizeHint().height() : 0;
+void WindowWidget::followBar(ItemBar*& bar, ItemBar::Kind kind, std::optional<BarItems> items) {
+    if (!bar && items)
+        bar = addBar(kind);
+    if (!bar)
+        return;
+    const auto roomOfBar = [bar] { return bar->isHidden() ? 0 : bar->sizeHint().height(); };
+    const int before = roomOfBar();
+    bar->setVisible(items.has_value());
+    bar->show(std::move(items).value_or(BarItems()));
+    const int now = roomOfBar();
     if (now != before && isVisible() && !isSizedByDesktop())
         resize(width(), height() + now - before);
 }
@@ -190,7 +169,7 @@ bool WindowWidget::isSizedByDesktop() const {
     return windowState().testAnyFlags(Qt::WindowMaximized | Qt::WindowFullScreen);
 }
 
-void WindowWidget::followFirstResponder() {
+void WindowWidget::firstResponderDidChange() {
     const auto responder = window_->firstResponder();
     if (QWidget* const widget = responder ? widgetOf(*responder, *this) : nullptr) {
         if (!widget->hasFocus())
@@ -219,7 +198,7 @@ void WindowWidget::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
     const auto keptAlive = window_;
     keptAlive->giveKeyboardToContent();
-    followFirstResponder();
+    firstResponderDidChange();
     if (!focusWidget())
         holder_->setFocus(); // Qt would give the keyboard to the first tool
 }

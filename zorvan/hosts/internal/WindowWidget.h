@@ -6,12 +6,15 @@
 
 #include <QMainWindow>
 #include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
 
 namespace zorvan::internal {
 
 /// A window of the desktop: below the title bar the toolbar, the content as a tree of widgets, and
 /// the touch bar.
-class WindowWidget : public QMainWindow {
+class WindowWidget : public QMainWindow, NSWindowObserver {
 public:
     explicit WindowWidget(std::shared_ptr<NSWindow> window);
 
@@ -28,24 +31,32 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    class Mirror;
     class ContentHolder;
 
-    void followProperties();
+    void viewsNeedDisplay() override;
+    void propertiesDidChange() override;
+    void contentViewDidChange() override;
+    void toolbarDidChange() override;
+    void touchBarDidChange() override;
+    void firstResponderDidChange() override;
+
+    void subscribe(std::string_view name, void (WindowWidget::*act)());
+    void later(void (WindowWidget::*act)());
+    void display();
+    void closeAlong();
     void followSize();
-    void followContent();
     void followToolbar();
     void followTouchBar();
     ItemBar* addBar(ItemBar::Kind kind);
-    void fillBar(ItemBar& bar, bool isShown, BarItems items);
+    void followBar(ItemBar*& bar, ItemBar::Kind kind, std::optional<BarItems> items);
     bool isSizedByDesktop() const;
-    void followFirstResponder();
     void comeToFront();
     void followLooks();
 
     const std::shared_ptr<NSWindow> window_;
-    const std::shared_ptr<NoteSubscriber> closing_, resizing_, becomingMain_;
-    std::shared_ptr<Mirror> mirror_;
+    std::vector<std::shared_ptr<NoteSubscriber>> subscribers_;
+    /// Until this retires.
+    std::shared_ptr<NSWindowObserver> observer_{std::make_shared<char>(), this};
     /// Bars are made when there is something to show in them.
     ItemBar* toolbar_ = nullptr;
     ContentHolder* const holder_;

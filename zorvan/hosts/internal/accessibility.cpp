@@ -2,51 +2,41 @@
 
 #include <zorvan/hosts/internal/ButtonWidget.h>
 #include <zorvan/hosts/internal/GroupWidget.h>
-#include <zorvan/hosts/internal/ViewMirror.h>
 #include <zorvan/hosts/internal/ViewWidget.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <map>
 
 namespace zorvan::internal {
 
 namespace {
 
 QAccessible::Role roleOf(NSAccessibilityRole role) {
-    switch (role) {
-    case NSAccessibilityRole::group:
-        return QAccessible::Grouping;
-    case NSAccessibilityRole::button:
-        return QAccessible::Button;
-    case NSAccessibilityRole::checkBox:
-        return QAccessible::CheckBox;
-    case NSAccessibilityRole::radioButton:
-        return QAccessible::RadioButton;
-    case NSAccessibilityRole::menuButton:
-        return QAccessible::ButtonMenu;
-    case NSAccessibilityRole::textField:
-        return QAccessible::EditableText;
-    case NSAccessibilityRole::staticText:
-        return QAccessible::StaticText;
-    case NSAccessibilityRole::image:
-        return QAccessible::Graphic;
-    case NSAccessibilityRole::slider:
-        return QAccessible::Slider;
-    case NSAccessibilityRole::progressIndicator:
-        return QAccessible::ProgressBar;
-    case NSAccessibilityRole::list:
-        return QAccessible::List;
-    case NSAccessibilityRole::table:
-        return QAccessible::Table;
-    }
-    return QAccessible::Grouping;
+    using Role = NSAccessibilityRole;
+    static const std::map<Role, QAccessible::Role> table{
+        {Role::button, QAccessible::Button},
+        {Role::checkBox, QAccessible::CheckBox},
+        {Role::radioButton, QAccessible::RadioButton},
+        {Role::menuButton, QAccessible::ButtonMenu},
+        {Role::textField, QAccessible::EditableText},
+        {Role::staticText, QAccessible::StaticText},
+        {Role::image, QAccessible::Graphic},
+        {Role::slider, QAccessible::Slider},
+        {Role::progressIndicator, QAccessible::ProgressBar},
+        {Role::list, QAccessible::List},
+        {Role::table, QAccessible::Table}};
+    const auto found = table.find(role);
+    return found == table.end() ? QAccessible::Grouping : found->second;
 }
 
 /// What a view says of itself. Its value is the description too, which every screen reader says.
 class AccessibleView : public QAccessibleWidget {
 public:
-    explicit AccessibleView(QWidget* widget) : QAccessibleWidget(widget), view_(viewOf(widget)) {}
+    explicit AccessibleView(QWidget* widget)
+        : QAccessibleWidget(widget), view_(viewOf(widget)),
+          button_(qobject_cast<QAbstractButton*>(widget)) {}
 
     QAccessible::Role role() const override { return roleOf(view_->accessibilityRole()); }
     QString text(QAccessible::Text kind) const override {
@@ -58,33 +48,26 @@ public:
         return QAccessibleWidget::text(kind);
     }
 
-private:
-    const std::shared_ptr<NSView> view_;
-};
-
-class AccessibleButton : public AccessibleView {
-public:
-    explicit AccessibleButton(ButtonWidget& button) : AccessibleView(&button), button_(&button) {}
-
     QStringList actionNames() const override {
-        return QStringList(pressAction()) + AccessibleView::actionNames();
+        const QStringList usual = QAccessibleWidget::actionNames();
+        return button_ ? QStringList(pressAction()) + usual : usual;
     }
     void doAction(const QString& name) override {
-        if (name == pressAction())
+        if (button_ && name == pressAction())
             button_->click();
         else
-            AccessibleView::doAction(name);
+            QAccessibleWidget::doAction(name);
     }
 
 private:
-    ButtonWidget* const button_;
+    const std::shared_ptr<NSView> view_;
+    /// Null for a view that is none.
+    QAbstractButton* const button_;
 };
 
 QAccessibleInterface* makeAccessible(const QString&, QObject* object) {
-    if (auto* const button = dynamic_cast<ButtonWidget*>(object))
-        return new AccessibleButton(*button);
-    if (auto* const view = dynamic_cast<ViewWidget*>(object))
-        return new AccessibleView(view);
+    if (dynamic_cast<ButtonWidget*>(object) || dynamic_cast<ViewWidget*>(object))
+        return new AccessibleView(static_cast<QWidget*>(object));
     if (auto* const group = dynamic_cast<GroupWidget*>(object))
         return new QAccessibleWidget(group, QAccessible::Grouping);
     return nullptr;

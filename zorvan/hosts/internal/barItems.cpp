@@ -52,13 +52,15 @@ void addViewToMenu(const std::shared_ptr<NSView>& view, const QString& label, QM
         return menu.addAction(action);
     }
     const QString text = firstOf(button->title(), view->accessibilityLabel());
-    QAction* const action = menu.addAction(iconOf(button->image()), label.isEmpty() ? text : label);
-    action->setEnabled(button->isEnabled());
-    QObject::connect(action, &QAction::triggered, &menu,
-                     [button]() noexcept { button->performClick(); });
+    addLine(menu, iconOf(button->image()), label.isEmpty() ? text : label, button->isEnabled(),
+            [button] { button->performClick(); });
 }
 
 // An image that is pressed, or opens a menu
+
+QString nameOf(const NSToolbarItem& item) {
+    return firstOf(item.label(), item.title().empty() ? item.toolTip() : item.title());
+}
 
 void showOnButton(const NSToolbarItem& item, QToolButton& button) {
     button.setIcon(iconOf(item.image()));
@@ -67,8 +69,7 @@ void showOnButton(const NSToolbarItem& item, QToolButton& button) {
                               : item.image()                       ? Qt::ToolButtonTextBesideIcon
                                                                    : Qt::ToolButtonTextOnly);
     button.setToolTip(firstOf(item.toolTip(), item.label()).toHtmlEscaped());
-    button.setAccessibleName(
-        firstOf(item.label(), item.title().empty() ? item.toolTip() : item.title()));
+    button.setAccessibleName(nameOf(item));
     button.setEnabled(item.isEnabled());
 }
 
@@ -82,29 +83,20 @@ QToolButton* makeButton(const std::shared_ptr<NSToolbarItem>& item, QWidget* par
                          [item]() noexcept { item->sendAction(); });
         return button;
     }
-    auto* const menu = new QMenu(button);
-    QObject::connect(menu, &QMenu::aboutToShow, menu, [menuItem, menu]() noexcept {
-        menu->clear();
-        fillMenu(*menu, menuItem->menu());
-    });
-    button->setMenu(menu);
-    button->setPopupMode(QToolButton::InstantPopup);
+    setMenu(*button, [menuItem](QMenu& menu) { fillMenu(menu, menuItem->menu()); });
     if (!menuItem->showsIndicator())
         button->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
     return button;
 }
 
 void addItemToMenu(const std::shared_ptr<NSToolbarItem>& item, QMenu& menu) {
-    const QString text =
-        firstOf(item->label(), item->title().empty() ? item->toolTip() : item->title());
+    const QString text = nameOf(*item);
     if (const auto menuItem = std::dynamic_pointer_cast<NSMenuToolbarItem>(item)) {
         QMenu* const inner = menu.addMenu(iconOf(item->image()), text);
         inner->setEnabled(item->isEnabled());
         return fillMenu(*inner, menuItem->menu());
     }
-    QAction* const action = menu.addAction(iconOf(item->image()), text);
-    action->setEnabled(item->isEnabled());
-    QObject::connect(action, &QAction::triggered, &menu, [item]() noexcept { item->sendAction(); });
+    addLine(menu, iconOf(item->image()), text, item->isEnabled(), [item] { item->sendAction(); });
 }
 
 // Which of these an item is

@@ -22,7 +22,7 @@ struct BarItem {
     /// long as the same thing is shown.
     std::shared_ptr<const void> identity;
     enum class Kind { widget, space, flexibleSpace } kind = Kind::widget;
-    /// A new widget; not called again for the same identity while `version` stays.
+    /// A new widget; not called again for the same identity.
     std::function<QWidget*(QWidget*)> make = {};
     /// Brings a widget that `make` made up to date; empty for one that follows by itself.
     std::function<void(QWidget&)> update = {};

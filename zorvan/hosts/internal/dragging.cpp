@@ -1,8 +1,9 @@
 #include <zorvan/hosts/internal/dragging.h>
 
+#include <zorvan/hosts/internal/viewGeometry.h>
+
 #include <QApplication>
 #include <QDrag>
-#include <QImage>
 #include <QUrl>
 
 namespace zorvan::internal {
@@ -15,11 +16,7 @@ std::unique_ptr<QMimeData> toMimeData(const std::vector<URL>& urls, const Bitmap
     if (!addresses.isEmpty())
         data->setUrls(addresses);
     if (picture)
-        data->setImageData(QImage(picture->data(), static_cast<int>(picture->width()),
-                                  static_cast<int>(picture->height()),
-                                  static_cast<qsizetype>(picture->bytesPerRow()),
-                                  QImage::Format_RGBA8888_Premultiplied)
-                               .copy());
+        data->setImageData(imageOver(*picture).copy());
     return data;
 }
 
@@ -31,18 +28,6 @@ std::vector<URL> urlsOf(const QMimeData& data) {
     return urls;
 }
 
-namespace {
-
-QPixmap limited(const QPixmap& picture) {
-    constexpr int longest = 160;
-    const bool isSmall = picture.width() <= longest && picture.height() <= longest;
-    return isSmall
-               ? picture
-               : picture.scaled(longest, longest, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-}
-
-} // namespace
-
 void dragLater(std::unique_ptr<QMimeData> data, QPixmap shown, std::function<void()> ended) {
     // Files stay where they are: a file manager that may move them does.
     const bool isCopied = data->hasUrls() || data->hasImage();
@@ -50,7 +35,11 @@ void dragLater(std::unique_ptr<QMimeData> data, QPixmap shown, std::function<voi
     // Qt looks at the drag once more when it has ended; where it began may have gone by then.
     auto* const drag = new QDrag(qApp);
     drag->setMimeData(data.release());
-    drag->setPixmap(limited(shown));
+    constexpr int longest = 160;
+    const bool isLarge = shown.width() > longest || shown.height() > longest;
+    drag->setPixmap(
+        isLarge ? shown.scaled(longest, longest, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+                : shown);
     const auto run = [drag, action, ended = std::move(ended)]() noexcept {
         if (QGuiApplication::mouseButtons() & Qt::LeftButton)
             drag->exec(action);

@@ -1,5 +1,7 @@
 #include <zorvan/hosts/internal/icons.h>
 
+#include <zorvan/hosts/internal/viewGeometry.h>
+
 #include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
@@ -16,12 +18,9 @@ QImage drawn(const NSImage& image, const QSize& size, const QColor& ink) {
     if (!picture)
         return {};
     // Icons are asked for in whole, small sizes; the picture's own may be others.
-    QImage shown =
-        QImage(picture->uint8Data(), static_cast<int>(picture->width()),
-               static_cast<int>(picture->height()), static_cast<qsizetype>(picture->bytesPerRow()),
-               QImage::Format_RGBA8888_Premultiplied)
-            .scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation)
-            .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QImage shown = imageOver(picture->bitmap())
+                       .scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+                       .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     if (image.isTemplate()) {
         QPainter painter(&shown);
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);

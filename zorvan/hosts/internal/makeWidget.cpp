@@ -1,26 +1,50 @@
 #include <zorvan/hosts/internal/makeWidget.h>
 
 #include <zorvan/hosts/internal/ButtonWidget.h>
+#include <zorvan/hosts/internal/CollectionWidget.h>
+#include <zorvan/hosts/internal/OutlineWidget.h>
 #include <zorvan/hosts/internal/ScrollWidget.h>
 #include <zorvan/hosts/internal/SearchFieldWidget.h>
 #include <zorvan/hosts/internal/SplitWidget.h>
+#include <zorvan/hosts/internal/TableWidget.h>
 #include <zorvan/hosts/internal/ViewWidget.h>
-#include <zorvan/hosts/internal/itemWidgets.h>
+
+#include <initializer_list>
 
 namespace zorvan::internal {
 
+namespace {
+
+using Maker = QWidget* (*)(const std::shared_ptr<NSView>& view, QWidget* parent);
+
+/// Null for a view of another class.
+template <class Widget, class View>
+QWidget* makeOf(const std::shared_ptr<NSView>& view, QWidget* parent) {
+    const auto shown = std::dynamic_pointer_cast<View>(view);
+    return shown ? new Widget(shown, parent) : nullptr;
+}
+
+QWidget* makeFirst(std::initializer_list<Maker> makers, const std::shared_ptr<NSView>& view,
+                   QWidget* parent) {
+    for (const Maker make : makers)
+        if (QWidget* const made = make(view, parent))
+            return made;
+    return nullptr;
+}
+
+} // namespace
+
 QWidget* makeWidget(const std::shared_ptr<NSView>& view, QWidget* parent) {
-    if (const auto field = std::dynamic_pointer_cast<NSSearchField>(view))
-        return new SearchFieldWidget(field, parent);
-    if (const auto button = std::dynamic_pointer_cast<NSButton>(view))
-        return new ButtonWidget(button, parent);
-    if (const auto split = std::dynamic_pointer_cast<NSSplitView>(view))
-        return new SplitWidget(split, parent);
-    if (const auto scrollView = std::dynamic_pointer_cast<NSScrollView>(view))
-        return makeScrollWidget(scrollView, parent);
-    if (QWidget* const items = makeItemWidget(view, parent))
-        return items;
-    return new ViewWidget(view, parent);
+    return makeFirst({makeOf<SearchFieldWidget, NSSearchField>, makeOf<ButtonWidget, NSButton>,
+                      makeOf<SplitWidget, NSSplitView>, makeOf<ScrollWidget, NSScrollView>,
+                      makeItemWidget, makeOf<ViewWidget, NSView>},
+                     view, parent);
+}
+
+QWidget* makeItemWidget(const std::shared_ptr<NSView>& view, QWidget* parent) {
+    return makeFirst({makeOf<OutlineWidget, NSOutlineView>, makeOf<TableWidget, NSTableView>,
+                      makeOf<CollectionWidget, NSCollectionView>},
+                     view, parent);
 }
 
 } // namespace zorvan::internal

@@ -15,5 +15,7 @@ namespace zorvan::internal {
 /// asked for it places it, and the view has to be given that size. One view may have several
 /// widgets.
 QWidget* makeWidget(const std::shared_ptr<NSView>& view, QWidget* parent);
+/// That of a table, an outline or a collection view; null for any other view.
+QWidget* makeItemWidget(const std::shared_ptr<NSView>& view, QWidget* parent);
 
 } // namespace zorvan::internal

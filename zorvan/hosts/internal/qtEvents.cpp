@@ -2,8 +2,8 @@
 
 #include <zorvan/hosts/internal/ViewMirror.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
+#include <zorvan/hosts/qtmodels/internal/namedKeys.h>
 #include <zorvan/interface/NSWindow.h>
-#include <zorvan/text/EventKeyCode.h>
 
 #include <QApplication>
 #include <QCursor>
@@ -14,39 +14,31 @@
 #include <QWheelEvent>
 #include <QWidget>
 #include <algorithm>
-#include <array>
-#include <cmath>
+#include <map>
 
 namespace zorvan::internal {
 
 namespace {
 
-/// Counts the presses of a quick row; there is one mouse.
-class ClickCounter {
-public:
-    std::int64_t press(Qt::MouseButton button, const QPointF& at) {
+/// The place in a quick row of presses; of any other event that of the last press. There is one
+/// mouse.
+std::int64_t clickCount(const QMouseEvent& event, bool isPress) {
+    static std::int64_t clicks = 0;
+    static QElapsedTimer since;
+    static QPointF place;
+    static Qt::MouseButton button = Qt::NoButton;
+    if (isPress) {
         const QStyleHints& hints = *QGuiApplication::styleHints();
-        const bool goesOn = clicks_ > 0 && button == button_ &&
-                            since_.elapsed() < hints.mouseDoubleClickInterval() &&
-                            (at - at_).manhattanLength() <= hints.mouseDoubleClickDistance();
-        clicks_ = goesOn ? clicks_ + 1 : 1;
-        since_.start();
-        at_ = at;
-        button_ = button;
-        return clicks_;
+        const QPointF away = event.globalPosition() - place;
+        const bool goesOn = clicks > 0 && event.button() == button &&
+                            since.elapsed() < hints.mouseDoubleClickInterval() &&
+                            away.manhattanLength() <= hints.mouseDoubleClickDistance();
+        clicks = goesOn ? clicks + 1 : 1;
+        since.start();
+        place = event.globalPosition();
+        button = event.button();
     }
-    std::int64_t count() const { return std::max<std::int64_t>(clicks_, 1); }
-
-private:
-    QElapsedTimer since_;
-    QPointF at_;
-    Qt::MouseButton button_ = Qt::NoButton;
-    std::int64_t clicks_ = 0;
-};
-
-ClickCounter& clicks() {
-    static ClickCounter counter;
-    return counter;
+    return std::max<std::int64_t>(clicks, 1);
 }
 
 using Type = NSEvent::EventType;
@@ -101,8 +93,7 @@ void sendMouse(const std::shared_ptr<NSView>& view, QMouseEvent& event) {
     const Type type = typeOf(event);
     const bool isPress = type == typesOf(event.button()).down && event.button() != Qt::NoButton;
     NSEvent told{.type = type, .locationInWindow = placeInWindow(*view, event.position())};
-    told.clickCount =
-        isPress ? clicks().press(event.button(), event.globalPosition()) : clicks().count();
+    told.clickCount = clickCount(event, isPress);
     told.modifierFlags = modifierFlags(event.modifiers());
     // A view may let the mouse through to those behind it, so that the window looks itself.
     const bool isOver = view->hitTest({view->frame().midX(), view->frame().midY()}) != nullptr;
@@ -143,50 +134,27 @@ void sendLeave(const std::shared_ptr<NSView>& view, const QWidget& widget) {
 
 namespace {
 
-struct NamedKey {
-    int qt;
-    const EventKeyCode* code;
-    const char* characters;
-};
-
-const NamedKey* namedKey(int key) {
-    using Code = EventKeyCode;
-    static const NamedKey table[] = {
-        {Qt::Key_Return, &Code::enter, "\r"},      {Qt::Key_Enter, &Code::enter, "\r"},
-        {Qt::Key_Escape, &Code::escape, "\x1b"},   {Qt::Key_Tab, &Code::tab, "\t"},
-        {Qt::Key_Backtab, &Code::tab, "\t"},       {Qt::Key_Space, &Code::space, " "},
-        {Qt::Key_Backspace, &Code::delete_, "\b"}, {Qt::Key_Left, &Code::leftArrow, ""},
-        {Qt::Key_Right, &Code::rightArrow, ""},    {Qt::Key_Up, &Code::upArrow, ""},
-        {Qt::Key_Down, &Code::downArrow, ""}};
-    const auto found = std::find_if(std::begin(table), std::end(table),
-                                    [key](const NamedKey& named) { return named.qt == key; });
-    return found == std::end(table) ? nullptr : found;
+/// What a key types that is no character of Qt's; null for any other key.
+const char* typedBy(int key) {
+    static const std::map<int, const char*> table{
+        {Qt::Key_Return, "\r"}, {Qt::Key_Enter, "\r"},     {Qt::Key_Escape, "\x1b"},
+        {Qt::Key_Tab, "\t"},    {Qt::Key_Backtab, "\t"},   {Qt::Key_Space, " "},
+        {Qt::Key_Left, ""},     {Qt::Key_Backspace, "\b"}, {Qt::Key_Right, ""},
+        {Qt::Key_Up, ""},       {Qt::Key_Down, ""}};
+    const auto found = table.find(key);
+    return found == table.end() ? nullptr : found->second;
 }
 
 const EventKeyCode* codeOf(int key) {
-    using Code = EventKeyCode;
-    static const std::array letters{&Code::letterA, &Code::letterB, &Code::letterC, &Code::letterD,
-                                    &Code::letterE, &Code::letterF, &Code::letterG, &Code::letterH,
-                                    &Code::letterI, &Code::letterJ, &Code::letterK, &Code::letterL,
-                                    &Code::letterM, &Code::letterN, &Code::letterO, &Code::letterP,
-                                    &Code::letterQ, &Code::letterR, &Code::letterS, &Code::letterT,
-                                    &Code::letterU, &Code::letterV, &Code::letterW, &Code::letterX,
-                                    &Code::letterY, &Code::letterZ};
-    static const std::array digits{&Code::digit0, &Code::digit1, &Code::digit2, &Code::digit3,
-                                   &Code::digit4, &Code::digit5, &Code::digit6, &Code::digit7,
-                                   &Code::digit8, &Code::digit9};
-    if (key >= Qt::Key_A && key <= Qt::Key_Z)
-        return letters[static_cast<std::size_t>(key - Qt::Key_A)];
-    if (key >= Qt::Key_0 && key <= Qt::Key_9)
-        return digits[static_cast<std::size_t>(key - Qt::Key_0)];
-    const NamedKey* const named = namedKey(key);
-    return named ? named->code : nullptr;
+    return codeOfKey(key == Qt::Key_Enter     ? Qt::Key_Return
+                     : key == Qt::Key_Backtab ? Qt::Key_Tab
+                                              : key);
 }
 
 /// What the key types by itself; keys from Escape on are no characters of Qt's.
 std::string charactersOf(int key) {
-    if (const NamedKey* const named = namedKey(key))
-        return named->characters;
+    if (const char* const typed = typedBy(key))
+        return typed;
     if (key == Qt::Key_Delete)
         return "\x7f";
     if (key >= Qt::Key_Escape || key <= 0)
@@ -208,7 +176,7 @@ NSEvent keyEvent(const QKeyEvent& event) {
     told.keyCode = code ? code->rawValue : told.keyCode;
     told.charactersIgnoringModifiers = charactersOf(event.key());
     told.characters =
-        namedKey(event.key()) ? told.charactersIgnoringModifiers : event.text().toStdString();
+        typedBy(event.key()) ? told.charactersIgnoringModifiers : event.text().toStdString();
     told.isARepeat = event.isAutoRepeat();
     return told;
 }

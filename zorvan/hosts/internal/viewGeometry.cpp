@@ -1,6 +1,6 @@
 #include <zorvan/hosts/internal/viewGeometry.h>
 
-#include <QWidget>
+#include <QScrollBar>
 #include <algorithm>
 #include <cmath>
 
@@ -39,6 +39,21 @@ CGPoint toView(const NSView& view, const QPointF& point) {
     const CGRect shown = view.bounds();
     return {shown.minX() + point.x(),
             view.isFlipped() ? shown.minY() + point.y() : shown.maxY() - point.y()};
+}
+
+QImage imageOver(const Bitmap& bitmap) {
+    return {bitmap.data(), static_cast<int>(bitmap.width()), static_cast<int>(bitmap.height()),
+            static_cast<qsizetype>(bitmap.bytesPerRow()), QImage::Format_RGBA8888_Premultiplied};
+}
+
+void fitBar(QScrollBar& bar, int length, int seen) {
+    bar.setPageStep(seen);
+    bar.setRange(0, std::max(length - seen, 0));
+}
+
+void moveBar(QScrollBar& bar, double to) {
+    bar.setValue(
+        static_cast<int>(std::clamp<double>(std::round(to), bar.minimum(), bar.maximum())));
 }
 
 } // namespace zorvan::internal

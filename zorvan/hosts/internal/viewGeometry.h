@@ -2,11 +2,14 @@
 
 #include <zorvan/platform/appkit/NSView.h>
 
+#include <QImage>
 #include <QPointF>
 #include <QRect>
 #include <QSize>
 #include <QString>
 #include <string>
+
+class QScrollBar;
 
 namespace zorvan::internal {
 
@@ -26,5 +29,13 @@ QRect placeInSuperview(const NSView& view);
 
 /// A point of the widget that shows the view, in the coordinates of the view.
 CGPoint toView(const NSView& view, const QPointF& point);
+
+/// The pixels where they stand, which has to be for as long.
+QImage imageOver(const Bitmap& bitmap);
+
+/// For something so long of which so much is seen.
+void fitBar(QScrollBar& bar, int length, int seen);
+/// As far as it goes.
+void moveBar(QScrollBar& bar, double to);
 
 } // namespace zorvan::internal
