@@ -22,6 +22,12 @@ std::optional<std::int64_t> integer(const PropertyList::Dictionary& metadata,
     return number && number->isInteger() ? std::optional(number->int64Value()) : std::nullopt;
 }
 
+/// Whether width and height change places once the picture is turned upright.
+bool swapsSides(const PropertyList::Dictionary& metadata) {
+    const std::int64_t orientation = integer(metadata, kCGImagePropertyOrientation).value_or(0);
+    return orientation >= 5 && orientation <= 8;
+}
+
 std::string textUnder(const PropertyList::Dictionary& exif, const std::string& key) {
     const auto* text = valueUnder<std::string>(exif, key);
     return text ? *text : std::string();
@@ -92,8 +98,7 @@ std::optional<CGSize> CGImage::imageSize(Data data) { return imageSize(metadata(
 
 std::optional<CGSize> CGImage::orientedImageSize(const PropertyList::Dictionary& metadata) {
     const std::optional<CGSize> size = imageSize(metadata);
-    const std::int64_t orientation = integer(metadata, kCGImagePropertyOrientation).value_or(0);
-    return size && orientation >= 5 && orientation <= 8 ? size->flipped() : size;
+    return size && swapsSides(metadata) ? size->flipped() : size;
 }
 
 std::optional<CGSize>
@@ -140,8 +145,7 @@ std::optional<Location> CGImage::location(const std::optional<PropertyList::Dict
 std::optional<Location> CGImage::location(const URL& url) { return location(metadata(url)); }
 
 PropertyList::Dictionary CGImage::uprightMetadata(PropertyList::Dictionary metadata) {
-    const std::int64_t orientation = integer(metadata, kCGImagePropertyOrientation).value_or(0);
-    if (orientation >= 5 && orientation <= 8) {
+    if (swapsSides(metadata)) {
         exchange(metadata, kCGImagePropertyPixelWidth, kCGImagePropertyPixelHeight);
         exchange(metadata, "DPIWidth", "DPIHeight");
     }

@@ -96,14 +96,13 @@ std::optional<Data> encodeJpeg(const Frame& frame) {
     const StoredProperties properties = storedProperties(frame.properties);
     const Data block = exifBlock(properties);
     const Data exif = block.empty() ? block : withExifSignature(block);
-    RgbaRows rows(bitmap);
     std::vector<std::uint8_t> onWhite(
         isOpaque(bitmap) ? 0 : static_cast<std::size_t>(bitmap.bytesPerRow()));
     Encoder encoder;
     const bool done = finishes(encoder.failure, [&] {
         encoder.start(frame, properties, exif);
         for (std::int64_t y = 0; y < bitmap.height(); ++y) {
-            const std::uint8_t* row = rows(y);
+            const std::uint8_t* row = bitmap.row(y);
             if (!onWhite.empty()) {
                 putOnWhite(row, onWhite.data(), bitmap.width());
                 row = onWhite.data();

@@ -102,14 +102,13 @@ void setLayout(TIFF* tiff, const Bitmap& bitmap, bool opaque, int compression) {
 }
 
 bool writeRows(TIFF* tiff, const Bitmap& bitmap, bool opaque) {
-    RgbaRows rows(bitmap);
     // The codec may turn the row into differences in place.
     std::vector<std::uint8_t> out(static_cast<std::size_t>(bitmap.bytesPerRow()));
     for (std::int64_t y = 0; y < bitmap.height(); ++y) {
         if (opaque)
-            dropAlpha(rows(y), out.data(), bitmap.width());
+            dropAlpha(bitmap.row(y), out.data(), bitmap.width());
         else
-            std::memcpy(out.data(), rows(y), out.size());
+            std::memcpy(out.data(), bitmap.row(y), out.size());
         if (TIFFWriteScanline(tiff, out.data(), static_cast<std::uint32_t>(y), 0) != 1)
             return false;
     }
