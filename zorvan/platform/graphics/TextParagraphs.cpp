@@ -104,10 +104,6 @@ std::size_t lengthOfWhole(std::string_view text, std::size_t most) noexcept {
     return most;
 }
 
-bool isParagraphEnd(char16_t unit) noexcept {
-    return unit == u'\n' || unit == u'\r' || unit == u'\u2029';
-}
-
 } // namespace
 
 TextParagraph::TextParagraph(const NSAttributedString& text, NSRange range) {
@@ -177,16 +173,12 @@ TextLayout TextParagraph::layout(PangoContext* context, double width, double alp
 }
 
 std::vector<TextParagraph> paragraphsOf(const NSAttributedString& text) {
-    const std::u16string& units = text.utf16();
+    const std::u16string_view units = text.utf16();
     std::vector<TextParagraph> paragraphs;
     for (std::size_t begin = 0; begin < units.size();) {
-        std::size_t end = begin;
-        while (end < units.size() && !isParagraphEnd(units[end]))
-            ++end;
+        const std::size_t end = std::min(units.find_first_of(u"\n\r\u2029", begin), units.size());
         paragraphs.emplace_back(text, NSRange{begin, end - begin});
-        const bool isPair =
-            end + 1 < units.size() && units[end] == u'\r' && units[end + 1] == u'\n';
-        begin = end + (isPair ? 2 : 1);
+        begin = end + (units.substr(end).starts_with(u"\r\n") ? 2 : 1);
     }
     return paragraphs;
 }
