@@ -38,9 +38,9 @@ void writePart(std::string_view& input, const char* name) {
 void check(const MimeDatabase& database, const std::string& type) {
     expect(database.contains(type));
     expect(database.typeOfIdentifier(MimeDatabase::identifierOf(type)).has_value());
-    for (const std::string& parent : database.parents(type))
+    for (const std::string& parent : database.declared(type).parents)
         expect(database.contains(parent));
-    for (const std::string& extension : database.extensions(type))
+    for (const std::string& extension : database.declared(type).extensions)
         expect(database.typeOfExtension(extension).has_value());
     (void)database.comment(type, "");
     (void)database.comment(type, "de");
