@@ -345,6 +345,7 @@ TEST_F(QtWindowHostTest, TypingGoesIntoTheSearchField) {
     ASSERT_TRUE(field);
     auto* const edit = qobject_cast<QLineEdit*>(widgetFor(*field));
     ASSERT_TRUE(edit);
+    EXPECT_EQ(edit->placeholderText(), "Search");
     QTest::mouseClick(edit, Qt::LeftButton);
     QTest::keyClicks(edit, "abd");
     press(Qt::Key_Left);
