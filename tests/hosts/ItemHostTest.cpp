@@ -175,7 +175,13 @@ TEST_F(CollectionHostTest, ItemsStandWhereTheLayoutSays) {
     EXPECT_LT(made, 25u);
     EXPECT_TRUE(shown->indexWidget(shown->model()->index(0, 0)));
     EXPECT_EQ(shown->indexWidget(shown->model()->index(5, 0))->geometry(), QRect(50, 50, 40, 40));
-    EXPECT_EQ(view->view({5, 0}, false)->frame(), CGRect(50, 50, 40, 40));
+    const auto fifth = view->view({5, 0}, false);
+    EXPECT_EQ(fifth->frame(), CGRect(50, 50, 40, 40));
+    shown->verticalScrollBar()->setValue(5);
+    settle();
+    EXPECT_EQ(view->view({5, 0}, false), fifth) << "what stays in sight stays";
+    shown->verticalScrollBar()->setValue(0);
+    settle();
     const auto colour = [&](QPoint at) {
         return shown->viewport()->grab().toImage().pixelColor(at);
     };
