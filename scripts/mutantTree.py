@@ -113,7 +113,7 @@ class Tree:
                 said = process.communicate(timeout=limit)[0]
             except subprocess.TimeoutExpired:
                 process.kill()
-                return TIME_LIMIT
+                return f"{TIME_LIMIT} of {path.name}"
         if process.returncode == 0:
             return None
         failed = re.search(r"\[  FAILED  \] (\w\S*?)[,.]?(?:\s|$)", said)

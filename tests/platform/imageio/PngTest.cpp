@@ -180,6 +180,15 @@ TEST(Png, ExifKeptAsTextTurnsThePictureToo) {
     EXPECT_EQ(text(propertiesOf(comment), "{PNG}", "Comment"), "well");
 }
 
+TEST(Png, AResolutionCutShortHasNoUnit) {
+    using namespace std::string_view_literals;
+    Data bytes = encoded(FileFormat::png, pattern(4, 4));
+    const Data chunk = bytesOf("\0\0\0\x08pHYs\0\0\x10\0\0\0\x10\0\x01\x01\x01\x01"sv);
+    bytes.insert(bytes.begin() + 33, chunk.begin(), chunk.end());
+    EXPECT_EQ(number(propertiesOf(bytes), "{PNG}", "XPixelsPerMeter"), 4096);
+    EXPECT_EQ(number(propertiesOf(bytes), "DPIWidth"), -1);
+}
+
 TEST(Png, AWrongCheckSumIsDamage) {
     Data bytes = encoded(FileFormat::png, pattern(40, 40));
     bytes[positionOf(bytes, "IDAT") + 20] ^= std::byte{0x55};
