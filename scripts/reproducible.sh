@@ -5,7 +5,7 @@
 # of the compiler's takes part.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
-commit=$(git -C "$root" rev-parse HEAD)
+commit=$(git -C "$root" rev-parse --short HEAD)
 first=$(mktemp -d)/a
 second=$(mktemp -d -p "$([ ! -w /dev/shm ] || echo /dev/shm)")/another-folder
 trap 'rm -rf "${first%/*}" "${second%/*}"' EXIT
@@ -44,6 +44,6 @@ for result in $(results_in "$first"); do
         echo "differs: $result"
     fi
 done
-echo "$(git -C "$root" rev-parse --short HEAD): $same libraries, programs and packages are the same byte by byte," \
+echo "$commit: $same libraries, programs and packages are the same byte by byte," \
     "$differ differ"
 [ "$differ" = 0 ] && [ "$same" -gt 0 ]
