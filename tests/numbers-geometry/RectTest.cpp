@@ -174,7 +174,7 @@ TEST(CGRect, SetAlgebraHolds) {
     }
     EXPECT_FALSE(ten.intersects(CGRect(10, 0, 5, 5)));
     EXPECT_FALSE(CGRect::null.contains(CGPoint(0, 0)));
-    EXPECT_TRUE(CGRect::null.insetBy(-5, -5).isNull());
+    EXPECT_EQ(CGRect::null.insetBy(-5, -5), CGRect::null);
 }
 
 TEST(CGRect, ComparesAndHashesByEdges) {
