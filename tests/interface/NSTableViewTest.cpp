@@ -359,6 +359,8 @@ TEST(NSTableView, DrawsWhatIsScrolledIntoSightAndNothingElse) {
     const auto scrollView = NSScrollView::create(CGRect(20, 20, 200, 100));
     window->addSubview(scrollView);
     scrollView->setDocumentView(shown.table);
+    shown.table->setRowHeight(-1);
+    EXPECT_EQ(shown.table->rowHeight(), 0);
     shown.table->setRowHeight(20);
     shown.table->selectOnlyRow(6);
     shown.table->scrollTopRow(5, false);
