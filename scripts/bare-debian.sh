@@ -46,15 +46,16 @@ put_checkout() {
     fi
 }
 
-# run_in FOLDER COMMAND...: in /root/zorvan of the system, with an environment of its own.
-run_in() (
-    folder=$1
-    shift
-    trap 'umount -l "$folder/proc" "$folder/dev" 2>/dev/null' EXIT
-    mount -t proc proc "$folder/proc"
-    mount --rbind /dev "$folder/dev"
-    mount --make-rslave "$folder/dev"
-    env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 \
-        ${http_proxy:+http_proxy="$http_proxy"} ${https_proxy:+https_proxy="$https_proxy"} \
-        chroot "$folder" sh -c 'cd /root/zorvan && "$@"' sh "$@"
-)
+# run_in FOLDER COMMAND...: in /root/zorvan of the system, with an environment and mounts of its own, which end
+# with the command. The folder is mounted on itself because tests of full and read-only disks want a root that is.
+run_in() {
+    unshare --mount --propagation private sh -ec '
+        folder=$1
+        shift
+        mount --bind "$folder" "$folder"
+        mount -t proc proc "$folder/proc"
+        mount --rbind /dev "$folder/dev"
+        exec chroot "$folder" env -i --chdir=/root/zorvan PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root \
+            LANG=C.UTF-8 ${http_proxy:+http_proxy="$http_proxy"} ${https_proxy:+https_proxy="$https_proxy"} "$@"
+    ' sh "$@"
+}

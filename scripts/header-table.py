@@ -40,18 +40,22 @@ def includes(header):
 
 
 class Targets:
-    """A header belongs to the component that has the source of its name. Any other one belongs to the first with
-    a source in its folder, or of all, that brings along what the headers it includes belong to."""
+    """A header belongs to the component that has the source of its name, beside it or, where that is beside no
+    header, in another folder. Any other one belongs to the first with a source in its folder, or of all, that
+    brings along what the headers it includes belong to."""
 
     def __init__(self):
         self.found = libraries()
         self.owners = {source: name for name, (sources, _) in self.found.items() for source in sources}
+        self.elsewhere = {source.name: name for source, name in self.owners.items()
+                          if not source.with_suffix(".h").exists()}
         self.known = {}
 
     def of(self, header):
         if header not in self.known:
             self.known[header] = None  # for headers that include each other
-            self.known[header] = self.owners.get(header.with_suffix("")) or self.first(header)
+            self.known[header] = (self.owners.get(header.with_suffix("")) or self.elsewhere.get(header.stem)
+                                  or self.first(header))
         return self.known[header]
 
     def first(self, header):

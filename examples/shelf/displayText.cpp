@@ -190,23 +190,6 @@ std::string padded(std::string text, std::size_t width) {
     return text.append(width > used ? width - used : 0, ' ');
 }
 
-std::string quotedForJSON(std::string_view bytes) {
-    std::string text = "\"";
-    for (const Character& character : characters(bytes)) {
-        if (!character.code) {
-            text += "\uFFFD";
-        } else if (*character.code == '"' || *character.code == '\\') {
-            text += '\\';
-            text += character.bytes;
-        } else if (*character.code < 0x20 || *character.code == 0x7F) {
-            text += "\\u" + hexadecimal(*character.code, 4);
-        } else {
-            text += character.bytes;
-        }
-    }
-    return text + '"';
-}
-
 bool comesBefore(std::string_view a, std::string_view b) {
     const int order = compareNaturally(a, b);
     return order != 0 ? order < 0 : a < b;

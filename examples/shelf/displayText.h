@@ -20,9 +20,6 @@ std::string shortened(std::string_view text, std::size_t width);
 /// Fills up with spaces to `width` columns.
 std::string padded(std::string text, std::size_t width);
 
-/// As a JSON string with its quotes. Bytes that are no UTF-8 become U+FFFD, one for each.
-std::string quotedForJSON(std::string_view bytes);
-
 /// Whether `a` comes before `b` for people: numbers by value, letters without regard to their case,
 /// a folder's content right after its name.
 bool comesBefore(std::string_view a, std::string_view b);

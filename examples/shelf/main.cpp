@@ -4,10 +4,12 @@
 #include "Options.h"
 #include "PictureList.h"
 #include "ProgressBar.h"
-#include "SettingsCommand.h"
 #include "displayText.h"
 #include "report.h"
 #include "work.h"
+
+#include <zorvan/platform/settingsdatabase/SettingsFolder.h>
+#include <zorvan/settings/NSUserDefaults.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -100,6 +102,23 @@ int run(const Options& options) {
     if (options.sheet && !sheet)
         isWritten = false;
     return isPrinted && isWritten ? allWell : notWritten;
+}
+
+/// `shelf settings DOMAIN`: a domain of settings as an XML property list, for looking at it and for
+/// keeping a copy.
+std::string settingsAsXML(const std::vector<std::string>& arguments) {
+    if (arguments.size() != 1)
+        throw UsageError("settings needs the name of one domain");
+    const std::string& domain = arguments.front();
+    // To open a domain makes it; a question should not.
+    const auto path = zorvan::settingsPath(domain);
+    std::error_code problem;
+    if (!path || !std::filesystem::exists(*path, problem))
+        throw UsageError("there are no settings of '" + domain + "'");
+    const auto xml = zorvan::NSUserDefaults::create({.suiteName = domain})->exportedXML();
+    if (!xml)
+        throw UsageError("the settings of '" + domain + "' have a text that XML cannot write");
+    return {reinterpret_cast<const char*>(xml->data()), xml->size()};
 }
 
 } // namespace

@@ -2,14 +2,18 @@
 
 #include "displayText.h"
 
+#include <zorvan/platform/textservices/Unicode.h>
+#include <zorvan/settings/JSON.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 
-using zorvan::CGSize;
+using namespace zorvan;
 
 namespace {
 
@@ -27,16 +31,8 @@ std::string rateText(float rate) {
     return {text.begin(), written.ptr};
 }
 
-/// For JSON, whatever the language of the user.
-std::string secondsText(double seconds) {
-    std::array<char, 400> text{};
-    const auto written =
-        std::to_chars(text.begin(), text.end(), seconds, std::chars_format::fixed, 6);
-    return {text.begin(), written.ptr};
-}
-
 /// "2024-05-31T12:34:56Z".
-std::string dateText(zorvan::Date date) {
+std::string dateText(Date date) {
     const std::time_t seconds =
         std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(date));
     std::tm parts{};
@@ -53,16 +49,31 @@ std::string movieText(const MovieFacts& movie) {
     return movie.date ? text + ", " + dateText(*movie.date).substr(0, 10) : text;
 }
 
-/// The entries of JSON that only movies have.
-std::string movieEntries(const MovieFacts& movie) {
-    const auto known = [](bool isKnown, const std::string& text) {
-        return isKnown ? text : std::string("null");
+/// Bytes of a name that are no UTF-8 become U+FFFD.
+JSON textOf(const std::string& bytes) { return utf8FromUTF16(utf16FromUTF8(bytes)); }
+
+JSON sideOf(const std::optional<CGSize>& size, double CGSize::*side) {
+    return size ? JSON(static_cast<std::int64_t>((*size).*side)) : JSON();
+}
+
+JSON jsonOf(const ListedFile& file, const PictureFacts& facts) {
+    JSON::Object entries{
+        {"path", textOf(file.url.path())},
+        {"type", facts.type ? textOf(*facts.type) : JSON()},
+        {"width", sideOf(facts.size, &CGSize::width)},
+        {"height", sideOf(facts.size, &CGSize::height)},
+        {"orientation", facts.size ? JSON(facts.orientation) : JSON()},
+        {"uprightWidth", sideOf(facts.uprightSize, &CGSize::width)},
+        {"uprightHeight", sideOf(facts.uprightSize, &CGSize::height)},
+        {"error", facts.error.empty() ? JSON() : textOf(facts.error)},
     };
-    return ", \"duration\": " +
-           known(movie.duration.has_value(), secondsText(movie.duration.value_or(0))) +
-           ", \"frameRate\": " + known(movie.frameRate > 0, rateText(movie.frameRate)) +
-           ", \"date\": " +
-           known(movie.date.has_value(), '"' + dateText(movie.date.value_or(zorvan::Date())) + '"');
+    if (const auto& movie = facts.movie) {
+        const auto thousandths = [](double value) { return std::round(value * 1000) / 1000; };
+        entries["duration"] = movie->duration ? JSON(thousandths(*movie->duration)) : JSON();
+        entries["frameRate"] = movie->frameRate > 0 ? JSON(thousandths(movie->frameRate)) : JSON();
+        entries["date"] = movie->date ? JSON(dateText(*movie->date)) : JSON();
+    }
+    return entries;
 }
 
 Row rowOf(const ListedFile& file, const PictureFacts& facts) {
@@ -143,20 +154,9 @@ std::string table(const std::vector<ListedFile>& files, const std::vector<Pictur
 std::string json(const std::vector<ListedFile>& files, const std::vector<PictureFacts>& facts) {
     std::string text = "[";
     for (std::size_t i = 0; i < files.size(); ++i) {
-        const PictureFacts& fact = facts[i];
-        const auto number = [](const std::optional<CGSize>& size, double CGSize::*side) {
-            return size ? numberText((*size).*side) : std::string("null");
-        };
-        text += i == 0 ? "\n" : ",\n";
-        text += "  {\"path\": " + quotedForJSON(files[i].url.path());
-        text += ", \"type\": " + (fact.type ? quotedForJSON(*fact.type) : "null");
-        text += ", \"width\": " + number(fact.size, &CGSize::width);
-        text += ", \"height\": " + number(fact.size, &CGSize::height);
-        text += ", \"orientation\": " + (fact.size ? std::to_string(fact.orientation) : "null");
-        text += ", \"uprightWidth\": " + number(fact.uprightSize, &CGSize::width);
-        text += ", \"uprightHeight\": " + number(fact.uprightSize, &CGSize::height);
-        text += fact.movie ? movieEntries(*fact.movie) : "";
-        text += ", \"error\": " + (fact.error.empty() ? "null" : quotedForJSON(fact.error)) + "}";
+        const Data line = jsonOf(files[i], facts[i]).text();
+        text += i == 0 ? "\n  " : ",\n  ";
+        text.append(reinterpret_cast<const char*>(line.data()), line.size());
     }
     return text + (files.empty() ? "]\n" : "\n]\n");
 }

@@ -21,9 +21,9 @@ const std::filesystem::path& folder() {
 void check(const MimeDatabase& database, const std::string& type) {
     require(database.contains(type));
     require(database.typeOfIdentifier(MimeDatabase::identifierOf(type)).has_value());
-    for (const std::string& parent : database.parents(type))
+    for (const std::string& parent : database.declared(type).parents)
         require(database.contains(parent));
-    for (const std::string& extension : database.extensions(type))
+    for (const std::string& extension : database.declared(type).extensions)
         require(database.typeOfExtension(extension).has_value());
     (void)database.comment(type, "");
     (void)database.comment(type, "de");

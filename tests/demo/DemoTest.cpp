@@ -1,16 +1,10 @@
 #include "PictureFile.h"
-#include "Program.h"
+#include <tests/Outcome.h>
+#include <tests/Testing.h>
 
-#include <algorithm>
-#include <cmath>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <map>
 #include <nlohmann/json.hpp>
-#include <set>
 
 using nlohmann::json;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -136,19 +130,19 @@ TEST_P(Export, WritesEveryPictureUprightAndFitted) {
     const Format format = GetParam();
     const TemporaryFolder folder;
     const Outcome outcome = run({SHELF_PROGRAM, SAMPLES, "--recursive", "--export",
-                                 folder.path / "out", "--size", "200", "--format", format.name});
+                                 folder.path() / "out", "--size", "200", "--format", format.name});
     ASSERT_EQ(outcome.status, 0) << outcome.errors;
 
     const auto names = exportNames(reported(), "." + std::string(format.name));
     for (const auto& [path, name] : names) {
         SCOPED_TRACE(path + " as " + name);
-        const PictureFile picture(folder.path / "out" / name);
+        const PictureFile picture(folder.path() / "out" / name);
         EXPECT_EQ(picture.orientation, 1) << "a viewer would turn it again";
         expectFitted(picture, expected().at(path), 200);
         expectUpright(picture, expected().at(path), format);
     }
-    const auto written = std::distance(fs::directory_iterator(folder.path / "out"), {});
-    EXPECT_EQ(static_cast<std::size_t>(written), names.size()) << "something else is left there";
+    const auto written = std::distance(fs::directory_iterator(folder.path() / "out"), {});
+    EXPECT_EQ(written, std::ssize(names)) << "something else is left there";
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, Export,
@@ -159,13 +153,12 @@ INSTANTIATE_TEST_SUITE_P(Formats, Export,
 TEST(Demo, MakesASheetOfTheSamplesAndSaysWhere) {
     const TemporaryFolder folder;
     const Outcome outcome = run({"env", "ZORVAN_SHELF=" SHELF_PROGRAM,
-                                 "ZORVAN_DEMO_DIR=" + folder.path.string(), DEMO_SCRIPT});
+                                 "ZORVAN_DEMO_DIR=" + folder.path().string(), DEMO_SCRIPT});
     ASSERT_EQ(outcome.status, 0) << outcome.errors;
 
-    const fs::path sheet = folder.path / "contact-sheet.png";
+    const fs::path sheet = folder.path() / "contact-sheet.png";
     EXPECT_TRUE(outcome.output.ends_with(": " + sheet.string() + "\n")) << outcome.output;
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path), {}), 1)
-        << "half a sheet is left there";
+    EXPECT_EQ(folder.count(), 1) << "half a sheet is left there";
     for (const auto& [path, fact] : expected())
         EXPECT_NE(outcome.output.find(fs::path(path).filename()), std::string::npos)
             << path << " is not in the table";

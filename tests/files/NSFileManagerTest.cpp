@@ -98,7 +98,7 @@ TEST(NSFileManager, HasNoFoldersForAProgramWithoutABundleName) {
     const pid_t child = startChild([&] {
         setenv("ZORVAN_TEST_WITHOUT_BUNDLE", "1", 1);
         execl(folder.url("other").path().c_str(), "other",
-              "--gtest_filter=NSFileManager.hasNoFoldersForAProgramWithoutABundleName", nullptr);
+              "--gtest_filter=NSFileManager.HasNoFoldersForAProgramWithoutABundleName", nullptr);
         FAIL() << "the copy does not start";
     });
     EXPECT_EQ(exitStatus(child), 0);

@@ -55,15 +55,18 @@ TEST(FileURL, TellsLinksAndTheMainDisk) {
     folder.file("file");
     folder.link("link", "file");
     folder.link("broken", "nowhere");
-    EXPECT_THAT(checkIsAlias(folder.url("file")), Optional(false));
-    EXPECT_THAT(checkIsAlias(folder.url("link")), Optional(true));
-    EXPECT_THAT(checkIsAlias(folder.url("broken")), Optional(true));
-    EXPECT_FALSE(checkIsAlias(folder.url("missing")));
-    EXPECT_FALSE(checkIsAlias(web));
-    EXPECT_THAT(checkIsOnMainDisk(URL::root()), Optional(true));
-    EXPECT_THAT(checkIsOnMainDisk(file("/proc/self")), Optional(false));
-    EXPECT_FALSE(checkIsOnMainDisk(file("/no/such/file")));
-    EXPECT_FALSE(checkIsOnMainDisk(web));
+    using Answer = std::optional<bool>;
+    for (const auto& [url, answer] : {std::pair(folder.url("file"), Answer(false)),
+                                      {folder.url("link"), true},
+                                      {folder.url("broken"), true},
+                                      {folder.url("missing"), {}},
+                                      {web, {}}})
+        EXPECT_EQ(checkIsAlias(url), answer) << url.path();
+    for (const auto& [url, answer] : {std::pair(URL::root(), Answer(true)),
+                                      {file("/proc/self"), false},
+                                      {file("/no/such/file"), {}},
+                                      {web, {}}})
+        EXPECT_EQ(checkIsOnMainDisk(url), answer) << url.path();
 }
 
 TEST(FileURL, KnowsWhatMayBeDone) {

@@ -35,6 +35,9 @@ TEST_F(DesktopTest, ThePasteboardIsTheClipboard) {
     EXPECT_FALSE(given([&] { pasteboard.clearContents(); }).hasText());
     EXPECT_FALSE(given([&] { pasteboard.adopt({std::string("from elsewhere")}); }).hasText())
         << "what came from the desktop is not given back";
+    QGuiApplication::clipboard()->setText("copied elsewhere");
+    EXPECT_EQ(pasteboard.objects(),
+              std::vector<NSPasteboard::Object>{std::string("copied elsewhere")});
 }
 
 TEST_F(DesktopTest, AWindowOpensWhereItWas) {

@@ -143,7 +143,13 @@ TEST_F(CollectionHostTest, ItemsStandWhereTheLayoutSays) {
     EXPECT_LT(made, 25u);
     EXPECT_TRUE(shown().indexWidget(at(0)));
     EXPECT_EQ(shown().indexWidget(at(5))->geometry(), QRect(50, 50, 40, 40));
-    EXPECT_EQ(view->view({5, 0}, false)->frame(), CGRect(50, 50, 40, 40));
+    const auto fifth = view->view({5, 0}, false);
+    EXPECT_EQ(fifth->frame(), CGRect(50, 50, 40, 40));
+    shown().verticalScrollBar()->setValue(5);
+    settle();
+    EXPECT_EQ(view->view({5, 0}, false), fifth) << "what stays in sight stays";
+    shown().verticalScrollBar()->setValue(0);
+    settle();
     view->setSelectionIndexPaths({{5, 0}});
     const QImage picture = shown().viewport()->grab().toImage();
     EXPECT_EQ(picture.pixelColor(53, 53), picture.pixelColor(87, 87)) << "all of it looks selected";

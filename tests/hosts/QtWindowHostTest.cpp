@@ -271,6 +271,7 @@ TEST_F(QtWindowHostTest, TypingGoesIntoTheSearchField) {
     const auto field = addSearchField();
     auto* const edit = widgetFor<QLineEdit>(*field);
     ASSERT_TRUE(edit);
+    EXPECT_EQ(edit->placeholderText(), "Search");
     QTest::mouseClick(edit, Qt::LeftButton);
     QTest::keyClicks(edit, "abd");
     press(Qt::Key_Left);

@@ -100,6 +100,7 @@ TEST_F(ToolbarHostTest, EveryToolIsReachedInANarrowWindow) {
     resize(120);
     QToolButton* const overflow = toolNamed("More tools");
     ASSERT_TRUE(overflow && overflow->isVisible());
+    EXPECT_EQ(overflow->toolTip(), "More tools");
     EXPECT_LE(top().width(), 120);
     EXPECT_FALSE(widgetFor(*field)->isVisible());
     trash().setFocus();

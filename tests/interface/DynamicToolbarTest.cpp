@@ -15,6 +15,11 @@ bool isUUID(const std::string& text) {
            text[23] == '-' && text.find_first_not_of("0123456789ABCDEF-") == std::string::npos;
 }
 
+/// What people see of an item.
+std::string looks(const NSToolbarItem& item) {
+    return item.label() + ", " + item.toolTip() + (item.isNavigational() ? ", navigational" : "");
+}
+
 /// What a toolbar shows after each change.
 struct Watch : NSWindowObserver {
     explicit Watch(const NSToolbar& watched) : toolbar(watched) {}
@@ -35,6 +40,11 @@ protected:
     DynamicToolbarTest() {
         window->setToolbar(bar->toolbar());
         window->addObserver(watch);
+    }
+    /// The item that was built last.
+    template <class Item = NSToolbarItem>
+    std::shared_ptr<Item> built() const {
+        return std::dynamic_pointer_cast<Item>(bar->itemSets()[0]->items().back()->item());
     }
     std::shared_ptr<DynamicToolbarItem> add(const std::string& identifier) {
         const auto item = bar->addItem({.identifier = identifier});
@@ -57,15 +67,12 @@ TEST_F(DynamicToolbarTest, BeginsAsItShould) {
     EXPECT_TRUE(toolbar.showsBaselineSeparator());
     EXPECT_EQ(static_cast<int>(toolbar.displayMode()), 2);
     EXPECT_EQ(toolbar.delegate(), bar);
-    EXPECT_EQ(bar->displayedItemSet(), nullptr);
-    EXPECT_TRUE(bar->itemSets().empty());
-    EXPECT_FALSE(bar->itemSetProvider());
+    EXPECT_FALSE(bar->displayedItemSet() || !bar->itemSets().empty() || bar->itemSetProvider());
     const auto other = DynamicToolbar::create()->toolbar()->identifier();
     EXPECT_TRUE(isUUID(other)) << other;
     EXPECT_NE(DynamicToolbar::create()->toolbar()->identifier(), other);
     add("dropped, for want of a set");
     const auto set = bar->addItemSet();
-    EXPECT_TRUE(set->items().empty());
     add("b");
     bar->addItemSet();
     add("c");
@@ -249,7 +256,7 @@ struct Model {
 } // namespace
 
 TEST_F(DynamicToolbarTest, BuildsImageButtons) {
-    const auto set = bar->addItemSet();
+    bar->addItemSet();
     const auto model = std::make_shared<Model>();
     const auto settle = [&](ImageButtonSettings& settings) {
         EXPECT_FALSE(settings.identifier || settings.displayName || settings.isNavigational ||
@@ -261,17 +268,14 @@ TEST_F(DynamicToolbarTest, BuildsImageButtons) {
         settings.target = model;
     };
     const auto update = [](DynamicToolbarItem& updated, NSButton& control) {
+        EXPECT_EQ(updated.identifier(), updated.item()->itemIdentifier());
+        EXPECT_TRUE(isUUID(updated.identifier()));
         EXPECT_EQ(updated.item()->view().get(), &control);
         control.setTitle("updated");
     };
     const auto button = bar->addItem({.createImageButton = settle, .update = update});
-    const auto item = set->items()[0];
-    EXPECT_TRUE(isUUID(item->identifier()));
-    EXPECT_EQ(item->item()->itemIdentifier(), item->identifier());
-    EXPECT_EQ(item->item()->label(), "Back");
-    EXPECT_EQ(item->item()->toolTip(), "Back");
-    EXPECT_TRUE(item->item()->isNavigational());
-    EXPECT_EQ(item->item()->view(), button);
+    EXPECT_EQ(looks(*built()), "Back, Back, navigational");
+    EXPECT_EQ(built()->view(), button);
     EXPECT_EQ(button->title(), "");
     EXPECT_EQ(static_cast<int>(button->bezelStyle()), 11);
     EXPECT_EQ(button->image()->size(), CGSize(19, 19));
@@ -285,18 +289,14 @@ TEST_F(DynamicToolbarTest, BuildsImageButtons) {
 TEST_F(DynamicToolbarTest, ResolvesImagesBySymbolThenByName) {
     bar->addItemSet();
     const auto image = [&](std::string name, std::optional<CGSize> size) {
-        return bar
-            ->addItem({.createImageButton =
-                           [&](ImageButtonSettings& settings) {
-                               settings.imageName = name;
-                               settings.imageSize = size;
-                           }})
-            ->image();
+        const auto settle = [&](ImageButtonSettings& settings) {
+            settings.imageName = name;
+            settings.imageSize = size;
+        };
+        return bar->addItem({.createImageButton = settle})->image();
     };
-    const auto own = NSImage::create(CGSize(64, 64));
-    ASSERT_TRUE(own->setName("interface test"));
-    const auto star = NSImage::create(CGSize(64, 64));
-    ASSERT_TRUE(star->setName("star"));
+    const auto own = NSImage::create(CGSize(64, 64)), star = NSImage::create(CGSize(64, 64));
+    ASSERT_TRUE(own->setName("interface test") && star->setName("star"));
     EXPECT_EQ(image("interface test", CGSize(30, 20))->size(), CGSize(30, 20));
     EXPECT_EQ(own->size(), CGSize(64, 64));
     EXPECT_TRUE(image("star", {})->isTemplate());
@@ -304,22 +304,19 @@ TEST_F(DynamicToolbarTest, ResolvesImagesBySymbolThenByName) {
 }
 
 TEST_F(DynamicToolbarTest, BuildsSearchFields) {
-    const auto set = bar->addItemSet();
+    bar->addItemSet();
     const auto given = NSSearchField::create();
     given->setPlaceholderString("old");
     given->setAction(Selector("old", [] {}));
     const auto field = bar->addItem({.createSearchField = [&](SearchFieldSettings& settings) {
-        settings.identifier = "search";
         settings.displayName = "Search";
         settings.searchField = given;
     }});
     EXPECT_EQ(field, given);
-    EXPECT_FALSE(field->placeholderString());
-    EXPECT_FALSE(field->action());
-    const auto item = std::dynamic_pointer_cast<NSSearchToolbarItem>(set->items()[0]->item());
-    ASSERT_TRUE(item);
-    EXPECT_EQ(item->searchField(), field);
-    EXPECT_EQ(item->label() + item->toolTip(), "");
+    EXPECT_FALSE(field->placeholderString() || field->action());
+    ASSERT_TRUE(built<NSSearchToolbarItem>());
+    EXPECT_EQ(built<NSSearchToolbarItem>()->searchField(), field);
+    EXPECT_EQ(looks(*built()), ", ");
     const auto made = bar->addItem({.createSearchField = [](SearchFieldSettings& settings) {
         settings.placeholderString = "Find";
     }});
@@ -327,10 +324,9 @@ TEST_F(DynamicToolbarTest, BuildsSearchFields) {
 }
 
 TEST_F(DynamicToolbarTest, BuildsSeparatorsAndMenus) {
-    const auto set = bar->addItemSet();
+    bar->addItemSet();
     const auto split = bar->addItem({.createSplitView = [](SplitViewSettings&) {}});
-    const auto separator =
-        std::dynamic_pointer_cast<NSTrackingSeparatorToolbarItem>(set->items()[0]->item());
+    const auto separator = built<NSTrackingSeparatorToolbarItem>();
     ASSERT_TRUE(separator);
     EXPECT_EQ(separator->splitView(), split);
     EXPECT_EQ(separator->dividerIndex(), 0);
@@ -353,9 +349,9 @@ TEST_F(DynamicToolbarTest, BuildsSeparatorsAndMenus) {
     };
     const auto item = bar->addItem({.createMenuButton = settle, .update = update});
     EXPECT_EQ(item->itemIdentifier(), "menu");
+    EXPECT_EQ(looks(*item), "More, More");
     EXPECT_FALSE(item->showsIndicator());
     EXPECT_EQ(item->menu(), menu);
-    EXPECT_EQ(item->toolTip(), "More");
     EXPECT_EQ(item->image()->size(), CGSize(12, 12));
     bar->reloadDisplayedItems();
     EXPECT_EQ(seen, item);
@@ -390,6 +386,8 @@ TEST_F(DynamicToolbarTest, BuildsGroups) {
     EXPECT_EQ(titles->controlRepresentation(), Group::ControlRepresentation::collapsed);
     titles->press(0);
     EXPECT_TRUE(titles->isSelected(0) && titles->isSelected(1));
+    titles->press(1);
+    EXPECT_TRUE(titles->isSelected(0) && !titles->isSelected(1));
 
     const auto own = NSToolbarItem::create("own");
     const auto given = bar->addItem({.createTitleGroup = [&](ButtonGroupSettings& settings) {
@@ -413,9 +411,8 @@ TEST_F(DynamicToolbarTest, BuildsAnyView) {
     const auto view = set->addItem<NSSplitView>(
         {.identifier = "view", .displayName = "A view", .createView = create, .update = update});
     EXPECT_EQ(view, made);
-    EXPECT_EQ(set->items()[0]->item()->view(), made);
-    EXPECT_FALSE(set->items()[0]->item()->isNavigational());
-    EXPECT_FALSE(set->items()[0]->removedFromBar());
+    EXPECT_EQ(built()->view(), made);
+    EXPECT_EQ(looks(*built()), "A view, A view");
     bar->reloadDisplayedItems();
     EXPECT_EQ(order, Calls{"view"});
 }

@@ -130,27 +130,27 @@ TEST(NSCollectionView, RegistersNibsByIdentifier) {
 TEST(NSCollectionView, FindsItemsInARectangle) {
     Fixture shown(7);
     EXPECT_TRUE(shown.view->indexPathsForItems(CGRect(0, 0, 1000, 1000)).empty());
-    shown.view->setFrame(CGRect(0, 0, 200, 100));
+    shown.view->setFrame(CGRect(0, 0, 170, 100));
     shown.view->setCollectionViewLayout(
-        std::make_shared<NSCollectionViewFlowLayout>(CGSize(50, 50), 10)); // three a line
+        std::make_shared<NSCollectionViewFlowLayout>(CGSize(50, 50), 10)); // three a line, just so
     EXPECT_TRUE(shown.view->collectionViewFlowLayout());
     EXPECT_FALSE(shown.view->collectionViewGridLayout());
     struct {
         CGRect rect;
-        std::vector<std::int64_t> items;
+        std::vector<IndexPath> items;
     } table[] = {
-        {{0, 0, 10, 10}, {0}},     {{50, 0, 10, 10}, {}}, {{40, 40, 30, 9}, {0, 1}},
-        {{0, 120, 200, 500}, {6}}, {{0, -50, 1, 1}, {}},  {{0, 1e300, 10, 10}, {}},
+        {{0, 0, 10, 10}, {{0, 0}}},     {{50, 0, 10, 10}, {}}, {{40, 40, 30, 9}, {{0, 0}, {1, 0}}},
+        {{0, 120, 200, 500}, {{6, 0}}}, {{0, -50, 1, 1}, {}},  {{0, 1e300, 10, 10}, {}},
     };
-    for (const auto& row : table) {
-        std::vector<std::int64_t> found;
-        for (const IndexPath path : shown.view->indexPathsForItems(row.rect))
-            found.push_back(path.item);
-        EXPECT_EQ(found, row.items) << row.rect.x() << ", " << row.rect.y();
-    }
+    for (const auto& row : table)
+        EXPECT_EQ(shown.view->indexPathsForItems(row.rect), row.items)
+            << row.rect.x() << ", " << row.rect.y();
 }
 
 TEST(NSCollectionView, ShowsManagedListEditions) {
+    const std::vector<int> nine{9};
+    const IndexSet first{0, 1}, middle{1, 2}, ends{0, 2};
+    const auto isLarge = [](int item) { return item > 1; };
     const auto list = ManagedList<int>::create({0, 1, 2, 3});
     Fixture shown(4);
     const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
@@ -164,26 +164,16 @@ TEST(NSCollectionView, ShowsManagedListEditions) {
         Calls calls;
         Updates updates;
     } table[] = {
-        {[&] {
-             list->setSelection({1, 2});
-         },
-         {"select"},
-         {}},
-        {[&] { list->insert({9}, 0); },
+        {[&] { list->setSelection(middle); }, {"select"}, {}},
+        {[&] { list->insert(nine, 0); },
          {"animated batch", "select", "select"},
          {.inserted = {{0, 0}}}},
-        {[&] {
-             list->remove({0, 2});
-         },
-         {"animated batch"},
-         {.deleted = {{0, 0}, {2, 0}}}},
-        {[&] {
-             list->move({0, 1}, 3);
-         },
+        {[&] { list->remove(ends); }, {"animated batch"}, {.deleted = {{0, 0}, {2, 0}}}},
+        {[&] { list->move(first, 3); },
          {"animated batch", "select"},
          {.moved = {{{0, 0}, {1, 0}}, {{1, 0}, {2, 0}}}}},
         {[&] { list->reverseOrder(); }, {"reload", "select"}, {}},
-        {[&] { list->setFilter([](int item) { return item > 1; }); }, {"reload", "select"}, {}},
+        {[&] { list->setFilter(isLarge); }, {"reload", "select"}, {}},
     };
     for (const auto& row : table) {
         shown.calls.clear();

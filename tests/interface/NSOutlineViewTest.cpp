@@ -58,5 +58,6 @@ TEST_F(NSOutlineViewTest, ExpandsAndCollapses) {
 TEST_F(NSOutlineViewTest, StopsOnATreeThatHoldsItself) {
     tree->top[0]->children.push_back(tree->top[0]);
     EXPECT_DEATH(outline->expandAllItems(), "^An item of an outline view holds itself.\n$");
+    EXPECT_DEATH(outline->expandItem(tree->top[0]), "^An item of an outline view holds itself.\n$");
     tree->top[0]->children.clear();
 }

@@ -4,6 +4,7 @@
 #include <zorvan/collections/ManagedList.h>
 #include <zorvan/interface/ManagedListViewReloader.h>
 #include <zorvan/interface/NSTableViewObserver.h>
+#include <zorvan/interface/NSWindow.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 
 #include <random>
@@ -33,12 +34,14 @@ struct Source : NSTableViewDataSource, NSTableViewDelegate {
         ++heightsAsked;
         return 10 + static_cast<double>(row % 3);
     }
+    void rowOpened(NSTableView&, std::int64_t row) override { opened = row; }
     void sortOrderDidChange(NSTableView& table) override {
         sortedBy = table.sortOrder() ? table.sortOrder()->column->title() : "none";
     }
     std::vector<int> items;
     mutable std::int64_t heightsAsked = 0;
     std::string sortedBy;
+    std::int64_t opened = -1;
 };
 
 struct Recorder : NSTableViewObserver {
@@ -264,12 +267,42 @@ TEST(NSTableView, AnnouncesASelectionOnceItDiffers) {
     EXPECT_EQ(announced, 2);
     EXPECT_EQ(shown.table->selectedRowIndexes(), IndexSet({1, 2}));
     shown.table->setClickedRow(2);
+    EXPECT_EQ(shown.table->clickedRow(), 2);
     EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet({1, 2}));
     shown.table->setClickedRow(0);
     EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet({0}));
     shown.table->setClickedRow(-1);
     EXPECT_EQ(shown.table->clickedRowIndexes(), IndexSet());
     NSNotificationCenter::defaultCenter()->removeObserver(observer);
+}
+
+TEST(NSTableView, SelectsWhereItIsClicked) {
+    using Flags = NSEvent::ModifierFlags;
+    Fixture shown({0, 1, 2, 3, 4, 5});
+    const auto window = NSWindow::create({300, 200});
+    const auto scrollView = NSScrollView::create({10, 50, 200, 50}); // the rows take 66 points
+    window->contentView()->addSubview(scrollView);
+    scrollView->setDocumentView(shown.table);
+    shown.table->noteHeightOfAllRowsChanged();
+    const auto click = [&](double fromTop, Flags flags = {}, std::int64_t count = 1) {
+        window->sendEvent({.type = NSEvent::EventType::leftMouseDown,
+                           .locationInWindow = {20, 100 - fromTop},
+                           .clickCount = count,
+                           .modifierFlags = flags});
+        return shown.table->selectedRowIndexes();
+    };
+    EXPECT_EQ(click(11), IndexSet({1}));
+    EXPECT_EQ(click(40, Flags::shift), IndexSet({1, 2, 3}));
+    EXPECT_EQ(click(25, Flags::control), IndexSet({1, 3}));
+    EXPECT_EQ(click(1, Flags::command), IndexSet({0, 1, 3}));
+    shown.table->scrollTopRow(2, false);
+    EXPECT_EQ(click(44, Flags::shift), IndexSet({3, 4, 5})) << "from the nearest one above";
+    EXPECT_EQ(shown.source->opened, -1);
+    EXPECT_EQ(click(1, {}, 2), IndexSet({2}));
+    EXPECT_EQ(shown.source->opened, 2);
+    shown.table->mouseDown({.type = NSEvent::EventType::leftMouseDown, .locationInWindow = {}});
+    EXPECT_EQ(shown.table->selectedRowIndexes(), IndexSet()) << "below the last row";
+    EXPECT_EQ(shown.table->clickedRow(), -1);
 }
 
 TEST(NSTableView, ScrollsItsRowsIntoPlace) {
@@ -326,6 +359,8 @@ TEST(NSTableView, DrawsWhatIsScrolledIntoSightAndNothingElse) {
     const auto scrollView = NSScrollView::create(CGRect(20, 20, 200, 100));
     window->addSubview(scrollView);
     scrollView->setDocumentView(shown.table);
+    shown.table->setRowHeight(-1);
+    EXPECT_EQ(shown.table->rowHeight(), 0);
     shown.table->setRowHeight(20);
     shown.table->selectOnlyRow(6);
     shown.table->scrollTopRow(5, false);

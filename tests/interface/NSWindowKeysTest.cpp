@@ -183,22 +183,10 @@ TEST(NSView, TellsItsObserversOfChanges) {
     const auto view = NSView::create({0, 0, 40, 40}), inner = NSView::create();
     auto watch = std::make_shared<Watch>();
     const std::pair<std::function<void()>, std::string> table[] = {
-        {[&] {
-             view->setFrame({0, 0, 40, 40});
-         },
-         ""},
-        {[&] {
-             view->setFrame({1, 0, 40, 40});
-         },
-         "frame "},
-        {[&] {
-             view->setBoundsOrigin({5, 0});
-         },
-         "origin "},
-        {[&] {
-             view->setBoundsOrigin({9, 0}, true);
-         },
-         "glide "},
+        {[&] { view->setFrame(CGRect(0, 0, 40, 40)); }, ""},
+        {[&] { view->setFrame(CGRect(1, 0, 40, 40)); }, "frame "},
+        {[&] { view->setBoundsOrigin(CGPoint(5, 0)); }, "origin "},
+        {[&] { view->setBoundsOrigin(CGPoint(9, 0), true); }, "glide "},
         {[&] { view->addSubview(inner); }, "subviews "},
         {[&] { inner->removeFromSuperview(); }, "subviews "},
         {[&] { view->setNeedsDisplay(true); }, "display 40 "},
@@ -213,11 +201,16 @@ TEST(NSView, TellsItsObserversOfChanges) {
         change();
         EXPECT_EQ(watch->told, told);
     }
+    watch.reset();
+    view->setHidden(false); // and nobody is told
+}
+
+TEST(NSView, TellsScreenReadersWhatItIs) {
+    const auto view = NSView::create();
+    view->setToolTip("tip");
     EXPECT_EQ(view->accessibilityLabel(), "tip");
     view->setAccessibilityLabel("name");
     EXPECT_EQ(view->accessibilityLabel(), "name");
-    watch.reset();
-    view->setHidden(false); // and nobody is told
     const auto button = NSButton::create({.title = "Go"});
     EXPECT_EQ(button->accessibilityLabel(), "Go");
     EXPECT_EQ(button->accessibilityRole(), NSAccessibilityRole::button);
@@ -228,6 +221,8 @@ TEST(NSView, TellsItsObserversOfChanges) {
     item->setToolTip("Delete");
     item->setView(picture);
     EXPECT_EQ(picture->accessibilityLabel(), "Delete");
+    item->setToolTip("Remove");
+    EXPECT_EQ(picture->toolTip(), "Delete") << "its own by now";
     button->setAccessibilityRole(NSAccessibilityRole::checkBox);
     EXPECT_EQ(button->accessibilityRole(), NSAccessibilityRole::checkBox);
 }

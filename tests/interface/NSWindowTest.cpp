@@ -151,6 +151,28 @@ TEST(NSWindow, MayBeClosedByWhoeverIsTold) {
     c->close();
 }
 
+TEST(NSLayoutConstraint, KeepsAViewFromBecomingSmaller) {
+    const auto view = NSView::create({1, 2, 30, 40});
+    const auto width = view->widthAnchor().constraintGreaterThanOrEqualToConstant(50);
+    const auto height = view->heightAnchor().constraintGreaterThanOrEqualToConstant(-NAN);
+    EXPECT_EQ(height->constant(), 0);
+    EXPECT_EQ(view->frame(), CGRect(1, 2, 30, 40)) << "none is active";
+    width->setActive(true);
+    height->setActive(true);
+    EXPECT_EQ(view->frame(), CGRect(1, 2, 50, 40));
+    view->setFrame({0, 0, 10, 10});
+    EXPECT_EQ(view->frame(), CGRect(0, 0, 50, 10));
+    view->layoutSubtreeIfNeeded();
+    height->setConstant(5);
+    EXPECT_TRUE(view->needsLayout()) << "though it is large enough";
+    height->setConstant(20);
+    EXPECT_EQ(view->fittingSize(), CGSize(50, 20));
+    width->setActive(false);
+    view->setFrame({0, 0, 10, 10});
+    EXPECT_EQ(view->frame(), CGRect(0, 0, 10, 20));
+    EXPECT_EQ(height->firstAttribute(), NSLayoutAttribute::height);
+}
+
 TEST(NSWindow, KeepsItsContentUnderBarsAndTellsOfItsSize) {
     const auto window = NSWindow::create({200, 100}, "w");
     Watch watch;
@@ -245,6 +267,8 @@ TEST_F(NSWindowMouse, LetsAButtonActWhenItIsReleasedInside) {
     send(Type::leftMouseDown, {150, 30});
     send(Type::leftMouseUp, {151, 31});
     EXPECT_EQ(take(), Calls{"act"});
+    send(Type::leftMouseDragged, {150, 30});
+    EXPECT_FALSE(button->isHighlighted()) << "it was released";
     button->setEnabled(false);
     send(Type::leftMouseDown, {150, 30});
     send(Type::leftMouseUp, {150, 30});

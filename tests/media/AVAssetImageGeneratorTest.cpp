@@ -6,8 +6,6 @@
 
 namespace {
 
-using testmovies::Numbers;
-
 AVAssetImageGenerator generator(const URL& movie, bool isExact) {
     AVAssetImageGenerator made{.asset = AVAsset::create(movie)};
     if (isExact)
@@ -87,10 +85,10 @@ TEST(AVAssetImageGenerator, KeepsTheColoursOfEveryKindOfMovie) {
              {"64x49",
               {"-pix_fmt", "yuvj444p", "-vf", "scale=out_color_matrix=bt709:out_range=pc",
                "-colorspace", "bt709", "-color_range", "pc"}}}) {
-        std::vector<std::string> arguments{"-f", "lavfi", "-i",
-                                           "color=0xC86432:s=" + size + ":d=0.1"};
+        std::vector<std::string> arguments{
+            "-f",   "lavfi",   "-i",  "color=0xC86432:s=" + size + ":d=0.1",
+            "-c:v", "libx264", "-qp", "0"};
         arguments.insert(arguments.end(), options.begin(), options.end());
-        arguments.insert(arguments.end(), {"-c:v", "libx264", "-qp", "0"});
         const auto image = generator(testmovies::make("colour" + size + ".mp4", arguments), true)
                                .copyCGImage(kCMTimeZero)
                                .image;

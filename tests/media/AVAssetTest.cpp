@@ -1,5 +1,6 @@
 #include "TestMovies.h"
 #include <tests/Testing.h>
+#include <tests/bytesOf.h>
 
 #include <zorvan/media/AVAsset.h>
 #include <zorvan/platform/avfoundation/describeMedia.h>
@@ -92,7 +93,6 @@ TEST(AVAsset, ReadsRatesAndSizesOfEveryContainer) {
         Words options;
         double tolerance;
     } const table[] = {
-        {"25.mp4", "25000/1000", {"-c:v", "libx264"}, 1e-5},
         {"30.mp4", "30000/1001", {"-c:v", "libx264"}, 1e-5},
         {"24.mp4", "24000/1001", {"-c:v", "libx264"}, 1e-5},
         {"24.mov", "24000/1001", {"-c:v", "mjpeg"}, 1e-5},
@@ -185,42 +185,30 @@ TEST(AVAsset, FindsTheCreationDateInEachOfItsPlaces) {
 }
 
 TEST(AVAsset, FindsTheLocationInEachOfItsPlaces) {
-    for (const auto& [text, latitude, longitude] :
-         std::vector<std::tuple<std::string, double, double>>{
-             {"+48.8577+002.295/", 48.8577, 2.295},
-             {"+4851-00217+035.2/", 48.85, -(2 + 17 / 60.0)},
-             {"-485128.5+0021742CRSWGS_84/", -(48 + 51 / 60.0 + 28.5 / 3600),
-              2 + 17 / 60.0 + 42 / 3600.0}})
-        for (const auto& [key, extension] : std::vector<std::pair<std::string, std::string>>{
-                 {"location", "mov"},
-                 {"com.apple.quicktime.location.ISO6709", "mov"},
-                 {"com.apple.quicktime.location.ISO6709", "mp4"},
-                 {"location", "mkv"}}) {
-            const std::string name = key.substr(0, 4) + text.substr(1, 5) + "." + extension;
-            const auto url = testmovies::make(name, dated({key + "=" + text}) +
-                                                        (key == "location" ? Words() : withKeys));
-            const auto location = AVAsset::create(url)->parseLocationFromMetadata();
-            ASSERT_TRUE(location) << name;
-            EXPECT_NEAR(location->latitude, latitude, 1e-9) << name;
-            EXPECT_NEAR(location->longitude, longitude, 1e-9) << name;
-        }
-    // An ISO file keeps it as numbers with 16 bits behind the point.
-    const auto iso =
-        AVAsset::create(testmovies::make("place.mp4", dated({"location=+48.8577-002.295/"})));
-    EXPECT_NEAR(iso->parseLocationFromMetadata().value().latitude, 48.8577, 1e-4);
-    EXPECT_NEAR(iso->parseLocationFromMetadata().value().longitude, -2.295, 1e-4);
+    const std::string key = "com.apple.quicktime.location.ISO6709=",
+                      place = "+4851.5-00217.25+035.2/";
+    const std::pair<const char*, Words> table[] = {
+        {"place.mov", dated({"location=" + place})},
+        {"place.mkv", dated({"location=" + place})},
+        {"key.mov", dated({key + place}) + withKeys},
+        {"key.mp4", dated({key + place}) + withKeys},
+        // It keeps numbers with 16 bits behind the point.
+        {"place.mp4", dated({"location=+48.85833-002.2875/"})}};
+    for (const auto& [name, arguments] : table) {
+        const auto location =
+            AVAsset::create(testmovies::make(name, arguments))->parseLocationFromMetadata();
+        ASSERT_TRUE(location) << name;
+        EXPECT_NEAR(location->latitude, 48 + 51.5 / 60, 1e-4) << name;
+        EXPECT_NEAR(location->longitude, -(2 + 17.25 / 60), 1e-4) << name;
+    }
 }
 
 TEST(AVAsset, PassesOverPlacesThatCannotBeRead) {
-    const auto text = [](const char* bytes) {
-        const auto* const start = reinterpret_cast<const std::byte*>(bytes);
-        return Data(start, start + std::string_view(bytes).size());
-    };
     const auto asset =
         AVAsset::create({.tracks = std::vector<AVAssetTrack>(),
                          .metadata = {{"other", "+01+001/"},
                                       {"uiso/%A9xyz", "somewhere"},
-                                      {"itsk/%A9xyz", text("+02+002/\xFF")},
+                                      {"itsk/%A9xyz", bytesOf("+02+002/\xFF")},
                                       {AVMetadataCommonIdentifierLocation, "+03+003/"}}});
     EXPECT_EQ(asset->parseLocationFromMetadata(), (Location{2, 2}));
     EXPECT_FALSE(assetOf({})->parseLocationFromMetadata());

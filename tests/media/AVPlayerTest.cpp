@@ -7,7 +7,6 @@
 
 namespace {
 
-using testmovies::Numbers;
 using Clock = std::chrono::steady_clock;
 
 void pump(Clock::duration time) { MainQueue::runUntil(Clock::now() + time); }
@@ -33,9 +32,12 @@ bool finishes(const std::function<void(AVPlayer::Completion)>& start) {
     return result.value_or(false);
 }
 
+bool seekTo(AVPlayer& player, const CMTime& time) {
+    return finishes([&](auto done) { player.seekAccurately(time, std::move(done)); });
+}
+
 bool seekTo(AVPlayer& player, double seconds) {
-    return finishes(
-        [&](auto done) { player.seekAccurately(CMTime({.seconds = seconds}), std::move(done)); });
+    return seekTo(player, CMTime({.seconds = seconds}));
 }
 
 bool stepBy(AVPlayer& player, std::int64_t count) {
@@ -66,10 +68,9 @@ TEST(AVPlayer, SeeksToThePictureOfATimeOrAKeyPictureBefore) {
     }
     ASSERT_TRUE(seekTo(*player, 1));
     for (const CMTime& time : {kCMTimeInvalid, kCMTimeIndefinite})
-        EXPECT_FALSE(finishes([&](auto done) { player->seekAccurately(time, std::move(done)); }));
+        EXPECT_FALSE(seekTo(*player, time));
     EXPECT_EQ(shownNumber(*player), 25);
-    EXPECT_TRUE(finishes(
-        [&](auto done) { player->seekAccurately(kCMTimePositiveInfinity, std::move(done)); }));
+    EXPECT_TRUE(seekTo(*player, kCMTimePositiveInfinity));
     EXPECT_EQ(shownNumber(*player), 99);
 }
 

@@ -1,6 +1,7 @@
 #include "TestImages.h"
 #include <tests/Testing.h>
 
+#include <zorvan/colour/NSColor.h>
 #include <zorvan/media/CGContext.h>
 
 #include <mutex>
@@ -48,41 +49,25 @@ TEST(CGContext, AParallelFillVisitsEachPixelOnce) {
     }
 }
 
-TEST(CGContext, AParallelFillMayFillAgainInsideAndThrow) {
-    std::atomic<int> inner = 0;
-    const auto nested =
-        CGContext::rgba(4, 4, [&](CGContext&, std::uint8_t*, std::int64_t, std::int64_t) {
-            (void)CGContext::rgba(
-                3, 3, [&](CGContext&, std::uint8_t*, std::int64_t, std::int64_t) { ++inner; });
-        });
-    EXPECT_EQ(inner, 4 * 4 * 9);
-    EXPECT_THROW((void)CGContext::rgba(50, 50,
-                                       [](CGContext&, std::uint8_t*, std::int64_t x, std::int64_t) {
-                                           if (x == 7)
-                                               throw std::runtime_error("stop");
-                                       }),
-                 std::runtime_error);
-}
-
 TEST(CGContext, TransformsHappenBeforeWhatWasThere) {
     const auto context = CGContext::rgba(10, 10);
+    const auto placed = [&] { return CGPoint(1, 1).applying(context->ctm()); };
     context->translateBy(10, 20);
     context->scaleBy(2, 3);
-    EXPECT_EQ(CGPoint(1, 1).applying(context->ctm()), CGPoint(12, 23));
+    EXPECT_EQ(placed(), CGPoint(12, 23));
     context->saveGState();
     context->concatenate({1, 0, 0, 1, 5, 5});
-    EXPECT_EQ(CGPoint(1, 1).applying(context->ctm()), CGPoint(22, 38));
-    context->restoreGState();
-    EXPECT_EQ(CGPoint(1, 1).applying(context->ctm()), CGPoint(12, 23));
-    context->restoreGState();
-    EXPECT_EQ(CGPoint(1, 1).applying(context->ctm()), CGPoint(12, 23));
-
-    EXPECT_THROW(context->useTemporaryGState([&] {
+    EXPECT_EQ(placed(), CGPoint(22, 38));
+    for (int i = 0; i < 2; ++i) { // the second has nothing to restore
+        context->restoreGState();
+        EXPECT_EQ(placed(), CGPoint(12, 23));
+    }
+    const auto stop = [&] {
         context->rotate(1);
         throw std::runtime_error("stop");
-    }),
-                 std::runtime_error);
-    EXPECT_EQ(CGPoint(1, 1).applying(context->ctm()), CGPoint(12, 23));
+    };
+    EXPECT_THROW(context->useTemporaryGState(stop), std::runtime_error);
+    EXPECT_EQ(placed(), CGPoint(12, 23));
 }
 
 TEST(CGContext, DrawsFromTheBottomUp) {
@@ -93,6 +78,59 @@ TEST(CGContext, DrawsFromTheBottomUp) {
         const bool isRed = y == 4 && (x == 1 || x == 2), isGreen = y == 0 && x == 5;
         return isRed ? 0xFF0000FF : isGreen ? 0xFF00FF00 : 0;
     });
+}
+
+using Components = std::array<double, 4>;
+
+/// What a filled square leaves of another, each component premultiplied.
+Components composited(NSCompositingOperation operation, const Components& below,
+                      const Components& above) {
+    const auto image = CGImage::draw(1, 1, [&](CGContext& c) {
+        for (const auto& [red, green, blue, alpha] : {below, above}) {
+            c.setFillColor(
+                NSColor({.red = red, .green = green, .blue = blue, .alpha = alpha}).cgColor());
+            c.fill(CGRect(0, 0, 1, 1));
+            c.setCompositingOperation(operation);
+        }
+    });
+    Components result;
+    for (std::size_t i = 0; i < 4; ++i)
+        result[i] = (pixelAt(*image, 0, 0) >> 8 * i & 255) / 255.0;
+    return result;
+}
+
+TEST(CGContext, BlendsByTheFormulaOfEachMode) {
+    using Operation = NSCompositingOperation;
+    using Blend = double (*)(double below, double above);
+    const std::pair<Operation, Blend> table[] = {
+        {Operation::multiply, [](double b, double s) { return b * s; }},
+        {Operation::screen, [](double b, double s) { return b + s - b * s; }},
+        {Operation::overlay,
+         [](double b, double s) { return b <= 0.5 ? 2 * b * s : 1 - 2 * (1 - b) * (1 - s); }},
+        {Operation::hardLight,
+         [](double b, double s) { return s <= 0.5 ? 2 * b * s : 1 - 2 * (1 - b) * (1 - s); }},
+        {Operation::darken, [](double b, double s) { return std::min(b, s); }},
+        {Operation::lighten, [](double b, double s) { return std::max(b, s); }},
+        {Operation::colorDodge, [](double b, double s) { return std::min(1.0, b / (1 - s)); }},
+        {Operation::colorBurn, [](double b, double s) { return 1 - std::min(1.0, (1 - b) / s); }},
+        {Operation::softLight,
+         [](double b, double s) {
+             const double lit = b <= 0.25 ? ((16 * b - 12) * b + 4) * b : std::sqrt(b);
+             return s <= 0.5 ? b - (1 - 2 * s) * b * (1 - b) : b + (2 * s - 1) * (lit - b);
+         }},
+        {Operation::difference, [](double b, double s) { return std::abs(b - s); }},
+        {Operation::exclusion, [](double b, double s) { return b + s - 2 * b * s; }},
+    };
+    const Components below{0.8, 0.2, 0.4, 1}, above{0.4, 0.6, 0.2, 1};
+    for (const auto& [operation, blend] : table) {
+        const Components mixed = composited(operation, below, above);
+        for (std::size_t i = 0; i < 4; ++i)
+            EXPECT_NEAR(mixed[i], i == 3 ? 1 : blend(below[i], above[i]), 0.01)
+                << static_cast<int>(operation) << ", " << i;
+    }
+    const Components most{0, 0, 0, 0.8}, some{0, 0, 0, 0.6};
+    EXPECT_NEAR(composited(Operation::XOR, most, some)[3], 0.8 * 0.4 + 0.6 * 0.2, 0.01);
+    EXPECT_NEAR(composited(Operation::destinationOut, most, some)[3], 0.8 * 0.4, 0.01);
 }
 
 TEST(CGContext, LaysAPictureOverWhatIsThere) {

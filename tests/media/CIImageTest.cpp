@@ -59,12 +59,19 @@ TEST(CIImage, BlendsByTheFixedMatrices) {
     }
 }
 
-TEST(CIImage, MixesChannelsByTheMatrixAndClamps) {
+CIFilter::Pointer matrix(const CIVector& red, const CIVector& green, const CIVector& blue,
+                         const CIVector& bias = {}) {
     const auto filter = CIFilter::create("CIColorMatrix");
-    filter->setValue(CIVector{0, 1, 0, 0}, "inputRVector");
-    filter->setValue(CIVector{0, 0, 3, 0}, "inputGVector");
-    filter->setValue(CIVector{0, 0, 0, 0}, "inputBVector");
-    filter->setValue(CIVector{0, 0, -1, 0.25}, "inputBiasVector");
+    for (const auto& [vector, key] : {std::pair(red, "inputRVector"),
+                                      {green, "inputGVector"},
+                                      {blue, "inputBVector"},
+                                      {bias, "inputBiasVector"}})
+        filter->setValue(vector, key);
+    return filter;
+}
+
+TEST(CIImage, MixesChannelsByTheMatrixAndClamps) {
+    const auto filter = matrix({0, 1, 0, 0}, {0, 0, 3, 0}, {}, {0, 0, -1, 0.25});
     // Half transparent, so that colours have to be read without their alpha.
     const auto image = CIImage::create(plain(2, 2, 0x80402010));
     const auto result = componentsAt(*drawn(image->applying({filter})), 0, 0);
@@ -81,17 +88,10 @@ struct NoOutput final : CIFilter {
 
 TEST(CIImage, RunsFiltersInOrder) {
     const auto image = CIImage::create(plain(2, 2, 0xFFFFFFFF));
-    EXPECT_EQ(image->applying({}), image);
-    EXPECT_EQ(image->applying({std::make_shared<NoOutput>()}), image);
-
-    const auto toRed = CIFilter::create("CIColorMatrix");
-    toRed->setValue(CIVector{}, "inputGVector");
-    toRed->setValue(CIVector{}, "inputBVector");
-    const auto redToBlue = CIFilter::create("CIColorMatrix");
-    redToBlue->setValue(CIVector{}, "inputRVector");
-    redToBlue->setValue(CIVector{1, 0, 0, 0}, "inputBVector");
-    redToBlue->setValue(CIVector{}, "inputGVector");
     const auto none = std::make_shared<NoOutput>();
+    EXPECT_EQ(image->applying({}), image);
+    EXPECT_EQ(image->applying({none}), image);
+    const auto toRed = matrix({1, 0, 0, 0}, {}, {}), redToBlue = matrix({}, {}, {1, 0, 0, 0});
     EXPECT_EQ(pixelAt(*drawn(image->applying({toRed, none, redToBlue})), 0, 0), 0xFFFF0000);
     EXPECT_EQ(pixelAt(*drawn(image->applying({redToBlue, none, toRed})), 0, 0), 0xFF000000);
     EXPECT_EQ(CIFilter::create("CINothing"), nullptr);
@@ -125,13 +125,10 @@ CGImage::Pointer scene(double light, double redLight, double blueLight) {
             const double r = isSkin ? 0.85 : isLeaf ? 0.2 : grey;
             const double g = isSkin ? 0.62 : isLeaf ? 0.5 : grey;
             const double b = isSkin ? 0.5 : isLeaf ? 0.15 : grey;
-            std::uint8_t* pixel = bitmap.row(y) + x * 4;
-            pixel[0] =
-                static_cast<std::uint8_t>(std::lround(std::min(r * light * redLight, 1.0) * 255));
-            pixel[1] = static_cast<std::uint8_t>(std::lround(std::min(g * light, 1.0) * 255));
-            pixel[2] =
-                static_cast<std::uint8_t>(std::lround(std::min(b * light * blueLight, 1.0) * 255));
-            pixel[3] = 255;
+            const double components[] = {r * light * redLight, g * light, b * light * blueLight, 1};
+            for (int c = 0; c < 4; ++c)
+                bitmap.row(y)[x * 4 + c] =
+                    static_cast<std::uint8_t>(std::lround(std::min(components[c], 1.0) * 255));
         }
     return CGImage::create(std::move(bitmap));
 }

@@ -31,21 +31,17 @@ CGPattern dotsAndSquares() {
             }};
 }
 
+using Operation = NSCompositingOperation;
+
 /// Two discs that overlap, the second under the operation.
-void drawDiscs(CGContext& context, NSCompositingOperation operation) {
+template <Operation operation>
+void discs(CGContext& context) {
     context.setFillColor(NSColor({.red = 0.9, .green = 0.5, .blue = 0.1, .alpha = 0.8}).cgColor());
     context.fillEllipse(CGRect(4, 6, 36, 36));
     context.setCompositingOperation(operation);
     context.setFillColor(NSColor({.red = 0.1, .green = 0.4, .blue = 0.9, .alpha = 0.6}).cgColor());
     context.fillEllipse(CGRect(24, 6, 36, 36));
 }
-
-template <NSCompositingOperation operation>
-void discs(CGContext& context) {
-    drawDiscs(context, operation);
-}
-
-using Operation = NSCompositingOperation;
 
 constexpr Golden goldens[] = {
     {"rounded-rect",
@@ -132,51 +128,42 @@ constexpr Golden goldens[] = {
          c.draw(*plain(3, 3, 0xFFF02020), CGRect(20, 0, 40, 20));
      }},
     {"rect-lines",
-     [](CGContext& c) {
-         c.useTemporaryContext([] {
-             fill(frame, NSColor::lightGray);
-             set(NSColor::red);
-             strokeTopLine(frame, 4);
-             setStroke(NSColor::green);
-             strokeBottomLine(frame, 2);
-             setStroke(NSColor::blue);
-             strokeLeftLine(frame, 6);
-             setStroke(NSColor::black);
-             strokeRightLine(frame, 1);
-             stroke(CGRect(20.5, 12.5, 15, 15), NSColor::magenta);
-         });
+     [](CGContext&) {
+         fill(frame, NSColor::lightGray);
+         set(NSColor::red);
+         strokeTopLine(frame, 4);
+         setStroke(NSColor::green);
+         strokeBottomLine(frame, 2);
+         setStroke(NSColor::blue);
+         strokeLeftLine(frame, 6);
+         setStroke(NSColor::black);
+         strokeRightLine(frame, 1);
+         stroke(CGRect(20.5, 12.5, 15, 15), NSColor::magenta);
      }},
     {"bezier-path",
-     [](CGContext& c) {
-         c.useTemporaryContext([] {
-             const auto path = NSBezierPath::create();
-             path->move({8, 8});
-             path->curve({56, 8}, {8, 48}, {56, 48});
-             path->appendArc({32, 14}, 8, 0, 270);
-             path->setLineWidth(2);
-             setFill(NSColor::yellow);
-             path->fill();
-             set(NSColor::blue);
-             path->transform(CGAffineTransform({.translationX = 0, .y = 6}));
-             path->stroke();
-         });
+     [](CGContext&) {
+         const auto path = NSBezierPath::create();
+         path->move({8, 8});
+         path->curve({56, 8}, {8, 48}, {56, 48});
+         path->appendArc({32, 14}, 8, 0, 270);
+         path->setLineWidth(2);
+         setFill(NSColor::yellow);
+         path->fill();
+         set(NSColor::blue);
+         path->transform(CGAffineTransform({.translationX = 0, .y = 6}));
+         path->stroke();
      }},
     {"gradient-in-path",
-     [](CGContext& c) {
-         c.useTemporaryContext([] {
-             draw(*NSGradient::make({.colors = {NSColor::white, NSColor::red, NSColor::black}}),
-                  *nsRoundedPath(frame, 8), 60);
-         });
+     [](CGContext&) {
+         draw(*NSGradient::make({.colors = {NSColor::white, NSColor::red, NSColor::black}}),
+              *nsRoundedPath(frame, 8), 60);
      }},
     {"symbols",
-     [](CGContext& c) {
-         c.useTemporaryContext([] {
-             NSImage::systemSymbol("gearshape")->draw(CGRect(2, 2, 28, 28));
-             NSImage::systemSymbol("trash")->draw(CGRect(34, 2, 28, 28));
-             NSImage::systemSymbol("heart.fill")->draw(CGRect(4, 32, 14, 14));
-             NSImage::systemSymbol("arrow.clockwise")
-                 ->draw(CGRect(30, 32, 14, 14), {.fraction = 0.5});
-         });
+     [](CGContext&) {
+         NSImage::systemSymbol("gearshape")->draw(CGRect(2, 2, 28, 28));
+         NSImage::systemSymbol("trash")->draw(CGRect(34, 2, 28, 28));
+         NSImage::systemSymbol("heart.fill")->draw(CGRect(4, 32, 14, 14));
+         NSImage::systemSymbol("arrow.clockwise")->draw(CGRect(30, 32, 14, 14), {.fraction = 0.5});
      }},
     {"discs-over", discs<Operation::sourceOver>},
     {"discs-copy", discs<Operation::copy>},
@@ -221,7 +208,10 @@ std::string difference(const CGImage& drawn, const CGImage& golden) {
 
 /// With `ZORVAN_WRITE_GOLDEN_PICTURES` set they are written anew, to be looked at.
 TEST(GoldenPictures, AreDrawnInBothLayoutsAndInPartsOfBitmaps) {
-    for (const auto& [name, draw] : goldens) {
+    for (const auto& [name, golden_] : goldens) {
+        const auto draw = [golden_ = golden_](CGContext& context) {
+            context.useTemporaryContext([&] { golden_(context); });
+        };
         const CGImage::Pointer drawn = CGImage::draw(width, height, draw);
         if (std::getenv("ZORVAN_WRITE_GOLDEN_PICTURES")) {
             const Data bytes = drawn->pngData().value();

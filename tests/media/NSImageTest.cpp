@@ -99,13 +99,7 @@ TEST(NSImage, DrawsPartsUprightAndFaded) {
                         })->nsImage();
     for (const bool isFlipped : {false, true}) {
         const auto drawn = [&](const CGRect& in, const NSImage::Options& options) {
-            return CGImage::draw(8, 8, [&](CGContext& context) {
-                if (isFlipped)
-                    context.concatenate({1, 0, 0, -1, 0, 8});
-                NSGraphicsContext::use(
-                    NSGraphicsContext::create(context.shared_from_this(), isFlipped),
-                    [&] { halves->draw(in, options); });
-            });
+            return drawnIn(8, 8, isFlipped, [&] { halves->draw(in, options); });
         };
         const auto whole = drawn(CGRect(0, 0, 8, 8), {});
         EXPECT_EQ(pixelAt(*whole, 4, 1), red);
@@ -148,8 +142,7 @@ TEST(NSImage, TakesDrawingsWithTheFocus) {
 
 TEST(NSImage, IsFoundByItsName) {
     const auto image = plain(2, 2, red)->nsImage();
-    EXPECT_TRUE(image->setName("first"));
-    EXPECT_TRUE(image->setName("logo"));
+    EXPECT_TRUE(image->setName("first") && image->setName("logo"));
     EXPECT_EQ(NSImage::named("logo"), image);
     EXPECT_EQ(NSImage::named("first"), nullptr);
     EXPECT_EQ(image->name(), "logo");

@@ -14,13 +14,9 @@ TEST(ImageExportFormat, IsFoundByRawValueAndByExtension) {
                              std::numeric_limits<std::int64_t>::max()})
         EXPECT_FALSE(ImageExportFormat::make({.rawValue = raw})) << raw;
 
-    for (const auto& [extension, raw] : {std::pair("jpg", 2),
-                                         {"JPEG", 2},
-                                         {"png", 1},
-                                         {"Tiff", 3},
-                                         {"TIF", 3},
-                                         {"heic", 4},
-                                         {"HEIF", 4}})
+    const std::pair<const char*, int> table[] = {{"jpg", 2}, {"JPEG", 2}, {"png", 1}, {"Tiff", 3},
+                                                 {"TIF", 3}, {"heic", 4}, {"HEIF", 4}};
+    for (const auto& [extension, raw] : table)
         EXPECT_EQ(ImageExportFormat::make({.pathExt = extension})->rawValue(), raw) << extension;
     for (std::string_view unknown : {"", ".png", "gif", "jpgx", "jp", "pn\0", "p\xCE\xA0g"})
         EXPECT_FALSE(ImageExportFormat::make({.pathExt = unknown})) << unknown;
@@ -59,10 +55,8 @@ TEST(RenamedExifOrientation, IsTheSamePositionUnderAnotherName) {
         EXPECT_EQ(RenamedExifOrientation::allCases[i].rawValue(), static_cast<std::int64_t>(i) + 1);
         EXPECT_EQ(ExifOrientation::allCases[i].renamed(), RenamedExifOrientation::allCases[i]);
     }
-    EXPECT_EQ(std::unordered_set<RenamedExifOrientation>(RenamedExifOrientation::allCases.begin(),
-                                                         RenamedExifOrientation::allCases.end())
-                  .size(),
-              8u);
+    const auto& all = RenamedExifOrientation::allCases;
+    EXPECT_EQ(std::unordered_set<RenamedExifOrientation>(all.begin(), all.end()).size(), 8u);
 }
 
 template <class Orientation>
@@ -77,18 +71,15 @@ void expectCompositions() {
         EXPECT_EQ(start.leftRotated(), Orientation::allCases[table[i][2]]);
         EXPECT_EQ(start.rightRotated(), Orientation::allCases[table[i][3]]);
 
-        Orientation changed = start;
-        changed.horizontalFlip();
-        EXPECT_EQ(changed, start.horizontalMirrored());
-        changed.horizontalFlip();
-        changed.verticalFlip();
-        EXPECT_EQ(changed, start.verticalMirrored());
-        changed.verticalFlip();
-        changed.leftRotate();
-        EXPECT_EQ(changed, start.leftRotated());
-        for (int turn = 0; turn < 5; ++turn)
-            changed.rightRotate();
-        EXPECT_EQ(changed, start);
+        Orientation flipped = start, upended = start, left = start, right = start;
+        flipped.horizontalFlip();
+        EXPECT_EQ(flipped, start.horizontalMirrored());
+        upended.verticalFlip();
+        EXPECT_EQ(upended, start.verticalMirrored());
+        left.leftRotate();
+        EXPECT_EQ(left, start.leftRotated());
+        right.rightRotate();
+        EXPECT_EQ(right, start.rightRotated());
     }
 }
 

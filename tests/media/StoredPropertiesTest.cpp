@@ -14,12 +14,6 @@ std::string readByExiftool(const Data& bytes, const std::string& tags) {
     return outputOf("exiftool -n -s3 -f " + tags + " " + folder.url("picture").path());
 }
 
-PropertyList::Dictionary section(std::string_view key, std::string_view name, PropertyList value) {
-    PropertyList::Dictionary inner;
-    inner.emplace(name, std::move(value));
-    return {{std::string(key), std::move(inner)}};
-}
-
 constexpr ImageExportFormat formats[] = {ImageExportFormat::png, ImageExportFormat::jpg,
                                          ImageExportFormat::tiff,
 #ifdef ZORVAN_WITH_HEIC
@@ -32,13 +26,13 @@ TEST(StoredProperties, AreFoundByAnotherReaderInEveryFormat) {
     const std::string taken = "2021:03:04 05:06:07", changed = "2022:01:02 03:04:05";
     for (const ImageExportFormat format : formats)
         for (const std::int64_t orientation : {1, 3, 6, 8}) {
-            PropertyList::Dictionary options = section(kCGImagePropertyExifDictionary,
-                                                       kCGImagePropertyExifDateTimeOriginal, taken);
-            options.emplace(kCGImagePropertyOrientation, orientation);
-            PropertyList::Dictionary tiff;
-            tiff.emplace(kCGImagePropertyTIFFImageDescription, caption);
-            tiff.emplace(kCGImagePropertyTIFFDateTime, changed);
-            options.emplace(kCGImagePropertyTIFFDictionary, tiff);
+            using Section = PropertyList::Dictionary;
+            const Section options = {{kCGImagePropertyOrientation, orientation},
+                                     {kCGImagePropertyExifDictionary,
+                                      Section{{kCGImagePropertyExifDateTimeOriginal, taken}}},
+                                     {kCGImagePropertyTIFFDictionary,
+                                      Section{{kCGImagePropertyTIFFImageDescription, caption},
+                                              {kCGImagePropertyTIFFDateTime, changed}}}};
             const auto bytes = plain(40, 24, 0xFF4080C0)->data(format, options);
             ASSERT_TRUE(bytes);
             EXPECT_EQ(readByExiftool(*bytes, "-EXIF:Orientation -EXIF:DateTimeOriginal "
@@ -55,15 +49,16 @@ TEST(StoredProperties, AreThoseThatWereAskedForAndAnIptcCaptionForWantOfAnother)
         EXPECT_EQ(
             readByExiftool(*picture->data(format), "-EXIF:DateTimeOriginal -EXIF:ImageDescription"),
             "-\n-\n");
-    PropertyList::Dictionary options =
-        section(kCGImagePropertyIPTCDictionary, kCGImagePropertyIPTCCaptionAbstract, "From IPTC");
+    PropertyList::Dictionary options = {
+        {kCGImagePropertyIPTCDictionary,
+         PropertyList::Dictionary{{kCGImagePropertyIPTCCaptionAbstract, "From IPTC"}}}};
     const auto description = [&] {
         return readByExiftool(*picture->data(ImageExportFormat::jpg, options),
                               "-EXIF:ImageDescription");
     };
     EXPECT_EQ(description(), "From IPTC\n");
-    options.merge(
-        section(kCGImagePropertyTIFFDictionary, kCGImagePropertyTIFFImageDescription, "From TIFF"));
+    options.emplace(kCGImagePropertyTIFFDictionary,
+                    PropertyList::Dictionary{{kCGImagePropertyTIFFImageDescription, "From TIFF"}});
     EXPECT_EQ(description(), "From TIFF\n");
 }
 

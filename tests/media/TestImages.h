@@ -1,6 +1,8 @@
 #pragma once
 
+#include <zorvan/media/CGContext.h>
 #include <zorvan/media/CGImage.h>
+#include <zorvan/media/NSGraphicsContext.h>
 
 #include <tests/platform/graphics/TestPictures.h>
 
@@ -23,6 +25,17 @@ inline CGImage::Pointer plain(std::int64_t width, std::int64_t height, std::uint
     for (std::int64_t i = 0; i < width * height; ++i)
         std::memcpy(bitmap.data() + i * 4, &pixel, 4);
     return CGImage::create(std::move(bitmap));
+}
+
+/// What is drawn in the current graphics context, in which y may grow downward.
+template <class Body>
+CGImage::Pointer drawnIn(std::int64_t width, std::int64_t height, bool isFlipped, Body body) {
+    return CGImage::draw(width, height, [&](CGContext& context) {
+        if (isFlipped)
+            context.concatenate({1, 0, 0, -1, 0, static_cast<double>(height)});
+        NSGraphicsContext::use(NSGraphicsContext::create(context.shared_from_this(), isFlipped),
+                               body);
+    });
 }
 
 /// Column and row counted from the top left.

@@ -1,39 +1,15 @@
 #include "TestMovies.h"
+#include <tests/files/TemporaryFolder.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
 
-#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 extern char** environ;
 
 namespace testmovies {
 namespace {
-
-class Folder {
-public:
-    Folder() {
-        std::string name = (std::filesystem::temp_directory_path() / "movies.XXXXXX").string();
-        if (!mkdtemp(name.data()))
-            throw std::runtime_error("no temporary folder");
-        path = name;
-    }
-    ~Folder() {
-        if (getpid() == owner_)
-            std::filesystem::remove_all(path);
-    }
-    std::string path;
-
-private:
-    const pid_t owner_ = getpid(); // death tests fork
-};
 
 void runFFmpeg(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"ffmpeg", "-v", "error", "-nostdin", "-y"});
@@ -57,8 +33,8 @@ void putInt32(std::string& bytes, std::size_t at, std::int32_t value) {
 } // namespace
 
 std::string path(const std::string& name) {
-    static const Folder folder;
-    return folder.path + "/" + name;
+    static const TemporaryFolder folder;
+    return folder.path() / name;
 }
 
 zorvan::URL url(const std::string& name) { return zorvan::URL({.fileURLWithPath = path(name)}); }
@@ -67,10 +43,7 @@ void write(const std::string& name, const std::string& bytes) {
     std::ofstream(path(name), std::ios::binary) << bytes;
 }
 
-std::string read(const std::string& name) {
-    std::ifstream file(path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+std::string read(const std::string& name) { return text(path(name)); }
 
 zorvan::URL make(const std::string& name, std::vector<std::string> arguments) {
     if (!std::filesystem::exists(path(name))) {

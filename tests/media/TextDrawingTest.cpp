@@ -1,9 +1,7 @@
 #include "TestImages.h"
 #include <tests/Testing.h>
 
-#include <zorvan/media/CGContext.h>
 #include <zorvan/media/NSAttributedString.h>
-#include <zorvan/media/NSGraphicsContext.h>
 
 namespace {
 
@@ -39,20 +37,20 @@ Ink inkOf(const std::function<void(CGContext&)>& draw) {
 }
 
 TEST(TextDrawing, FillsARectangleFromTheTopAndLeavesOutWhatDoesNotFit) {
+    const auto inkIn = [](const CGRect& rect) {
+        return inkOf([&](CGContext& c) { c.drawString(words, rect, attributes()); });
+    };
     const CGRect rect(20, 10, 120, 60);
-    const Ink ink = inkOf([&](CGContext& c) { c.drawString(words, rect, attributes()); });
+    const Ink ink = inkIn(rect);
     EXPECT_GE(ink.left, 20);
     EXPECT_LT(ink.right, 140);
     EXPECT_GT(ink.right, 110);
     EXPECT_NEAR(static_cast<double>(ink.top), 68, 3);
     EXPECT_GE(ink.bottom, 10);
-    const Ink oneLine =
-        inkOf([&](CGContext& c) { c.drawString(words, rect.with({.th = 20}), attributes()); });
+    const Ink oneLine = inkIn(rect.with({.th = 20}));
     EXPECT_LT(oneLine.top - oneLine.bottom, 14);
     EXPECT_GT(oneLine.top, 60);
-    const Ink none =
-        inkOf([&](CGContext& c) { c.drawString(words, rect.with({.th = 8}), attributes()); });
-    EXPECT_EQ(none.count, 0);
+    EXPECT_EQ(inkIn(rect.with({.th = 8})).count, 0);
 }
 
 TEST(TextDrawing, AlignsEachParagraphOnItsOwn) {
@@ -67,8 +65,7 @@ TEST(TextDrawing, AlignsEachParagraphOnItsOwn) {
     }
     NSMutableAttributedString mixed(NSAttributedString("a\n", attributes(12, TextAlignment::left)));
     mixed.append(NSAttributedString("b", attributes(12, TextAlignment::right)));
-    const Ink both =
-        inkOf([&](CGContext& c) { c.useTemporaryContext([&] { drawTruncated(mixed, rect); }); });
+    const Ink both = inkOf(*drawnIn(200, 100, false, [&] { drawTruncated(mixed, rect); }));
     EXPECT_LT(both.left, 10);
     EXPECT_GT(both.right, 190);
 }
@@ -76,14 +73,12 @@ TEST(TextDrawing, AlignsEachParagraphOnItsOwn) {
 TEST(TextDrawing, StaysInsideAPath) {
     CGPath disc;
     disc.addEllipse(CGRect(10, 5, 90, 90));
-    const CGImage::Pointer image = CGImage::draw(200, 100, [&](CGContext& c) {
+    const auto beyond = [&](CGContext& c) {
         c.drawString(words, disc, attributes(8));
         c.setCompositingOperation(NSCompositingOperation::destinationOut);
-        CGPath grown;
-        grown.addEllipse(CGRect(9, 4, 92, 92));
-        c.fill(grown);
-    });
-    EXPECT_EQ(inkOf(*image).count, 0);
+        c.fillEllipse(CGRect(9, 4, 92, 92));
+    };
+    EXPECT_EQ(inkOf(beyond).count, 0);
     const Ink ink = inkOf([&](CGContext& c) { c.drawString(words, disc, attributes(8)); });
     EXPECT_GT(ink.right - ink.left, 60);
     // A path that winds around no line at all.
@@ -94,16 +89,11 @@ TEST(TextDrawing, StaysInsideAPath) {
 
 TEST(TextDrawing, ShortensTheLastLineThatFits) {
     const auto drawn = [](const std::string& text, double height) {
-        return inkOf([&](CGContext& c) {
-            c.useTemporaryContext([&] {
-                drawTruncated(NSAttributedString(text, attributes()), CGRect(0, 0, 100, height));
-            });
-        });
+        return inkOf(*drawnIn(200, 100, false, [&] {
+            drawTruncated(NSAttributedString(text, attributes()), CGRect(0, 0, 100, height));
+        }));
     };
-    EXPECT_EQ(inkOf([](CGContext&) {
-                  drawTruncated(NSAttributedString("x"), {0, 0, 9, 9});
-              }).count,
-              0); // without a current context
+    drawTruncated(NSAttributedString("x"), {0, 0, 9, 9}); // without a current context
     const Ink whole = drawn(words, 100), two = drawn(words, 32), first = drawn(words, 5);
     EXPECT_GT(whole.top - whole.bottom, 50);
     EXPECT_LT(two.top - two.bottom, 30);
@@ -127,12 +117,8 @@ TEST(TextDrawing, IsUprightInEveryContext) {
     };
     const NSAttributedString letter("L", attributes(40));
     for (const bool isFlipped : {false, true}) {
-        const CGImage::Pointer image = CGImage::draw(60, 60, [&](CGContext& context) {
-            if (isFlipped)
-                context.concatenate({1, 0, 0, -1, 0, 60});
-            NSGraphicsContext::use(NSGraphicsContext::create(context.shared_from_this(), isFlipped),
-                                   [&] { drawTruncated(letter, CGRect(10, 0, 50, 55)); });
-        });
+        const CGImage::Pointer image =
+            drawnIn(60, 60, isFlipped, [&] { drawTruncated(letter, CGRect(10, 0, 50, 55)); });
         EXPECT_TRUE(isUpright(*image)) << isFlipped;
         EXPECT_NEAR(static_cast<double>(inkOf(*image).top), isFlipped ? 52 : 47, 6);
     }
@@ -148,6 +134,20 @@ TEST(TextDrawing, IsColouredInBothLayouts) {
     for (const CGImage::Pointer& image :
          {CGImage::draw(60, 60, draw), CGImage::argbDraw(60, 60, draw)->rgbaDrawnCopy()})
         EXPECT_EQ(pixelAt(*image, 10, 30), 0x80000080u);
+}
+
+TEST(TextDrawing, HasLinesUnderItAndThroughIt) {
+    const auto inkWith = [](const AttributeDictionary& attributes) {
+        return inkOf([&](CGContext& c) { c.drawString("a b", {0, 0, 99, 60}, attributes); }).count;
+    };
+    const std::pair<AttributeValue, bool> table[] = {
+        {true, true}, {false, false}, {std::int64_t{1}, true}, {std::int64_t{0}, false}};
+    for (const auto name : {AttributeName::underlineStyle, AttributeName::strikethroughStyle})
+        for (const auto& [value, isDrawn] : table) {
+            AttributeDictionary styled = attributes(40);
+            styled.emplace(name, value);
+            EXPECT_EQ(inkWith(styled) > inkWith(attributes(40)), isDrawn) << value.index();
+        }
 }
 
 TEST(TextDrawing, IsMeasuredAsItIsDrawn) {

@@ -57,13 +57,9 @@ TEST(RealNumber, Rounds) {
     EXPECT_EQ(ceilInt(2.1), 3);
     EXPECT_EQ(zorvan::round(Tenths(2.46), 1), Tenths(2.5));
     // The names of the C library resolve after `using namespace`.
-    EXPECT_EQ(round(2.5), 3);
-    EXPECT_EQ(floor(2.5F), 2.0F);
-    EXPECT_EQ(ceil(2.5), 3);
-    EXPECT_EQ(abs(-2.5), 2.5);
-    EXPECT_EQ(sqrt(9.0F), 3.0F);
-    EXPECT_EQ(pow(2.0, 3), 8);
-    EXPECT_EQ(round(2.45, 1), 2.5);
+    const double values[] = {round(2.5), floor(2.5F), ceil(2.5),     abs(-2.5),
+                             sqrt(9.0F), pow(2.0, 3), round(2.45, 1)};
+    EXPECT_THAT(values, ElementsAre(3, 2, 3, 2.5, 3, 8, 2.5));
     EXPECT_EQ(min(std::int64_t{1}, std::int64_t{2}), 1);
 }
 

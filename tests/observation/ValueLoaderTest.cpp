@@ -82,6 +82,19 @@ TEST_F(ValueLoaderTest, ALoadedValueIsAnsweredAtOnce) {
         EXPECT_FALSE(each->request(mark('x')));
         EXPECT_EQ(seen, "x");
         EXPECT_FALSE(each->request());
+        EXPECT_FALSE(each->request(nullptr));
+        EXPECT_FALSE(each->request(static_cast<void (*)()>(nullptr)));
+        EXPECT_FALSE(each->request(std::function<int()>()));
+        const auto counter = [count = 0]() mutable { return ++count; };
+        EXPECT_FALSE(each->request(counter));
+        auto dropped = Loader::create(queue, [this] { return produced; });
+        dropped->request();
+        ASSERT_TRUE(runUntilQueueIsEmpty());
+        EXPECT_FALSE(dropped->request([&, held = std::make_shared<char>('h')] {
+            dropped = nullptr;
+            seen += *held;
+        }));
+        EXPECT_EQ(seen, "xh");
         bool calledThere = false;
         std::thread([&] { each->request([&] { calledThere = true; }); }).join();
         EXPECT_TRUE(calledThere);

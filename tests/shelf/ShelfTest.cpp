@@ -1,6 +1,6 @@
-#include "Program.h"
 #include "TestMovies.h"
 #include "displayText.h"
+#include <tests/Outcome.h>
 #include <tests/Testing.h>
 
 #include <zorvan/media/CGImage.h>
@@ -17,52 +17,51 @@ namespace {
 class Shelf : public testing::Test {
 protected:
     void picture(const std::string& name, std::int64_t width = 60, std::int64_t height = 40) {
-        fs::create_directories((folder.path / name).parent_path());
-        const auto image = CGImage::empty(width, height);
-        const std::string extension = fs::path(name).extension();
         const Data bytes =
-            *image->data(extension == ".png" ? ImageExportFormat::png : ImageExportFormat::jpg);
-        write(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+            *CGImage::empty(width, height)
+                 ->data(name.ends_with(".png") ? ImageExportFormat::png : ImageExportFormat::jpg);
+        folder.file(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     }
-    void write(const std::string& name, std::string_view bytes) {
-        std::ofstream(folder.path / name, std::ios::binary) << bytes;
-    }
-    std::string read(const std::string& name) {
-        std::ifstream stream(folder.path / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-    std::string at(const std::string& name) const { return folder.path / name; }
+    std::string at(const std::string& name) const { return folder.path() / name; }
 
-    Outcome shelf(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), SHELF_PROGRAM);
-        return run(arguments);
+    /// Runs the program, after other words of the command.
+    static Outcome shelf(const Names& arguments, Names command = {}) {
+        command.emplace_back(SHELF_PROGRAM);
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return run(command);
+    }
+    /// Runs it, prints no table, and has this to say.
+    static void expectErrors(const Names& arguments, int status, const std::string& errors,
+                             const Names& command = {}) {
+        const Outcome outcome = shelf(arguments, command);
+        EXPECT_EQ(outcome.status, status) << errors << outcome.errors;
+        EXPECT_EQ(outcome.errors, errors);
+        EXPECT_EQ(outcome.output, "") << errors;
     }
     /// The names that the JSON of a run has, relative to the folder.
     Names listed(Names arguments) {
-        arguments.push_back("--json");
-        const Outcome outcome = shelf(arguments);
-        EXPECT_EQ(outcome.status, 0) << outcome.errors;
+        arguments.emplace_back("--json");
         Names names;
-        for (const auto& fact : json::parse(outcome.output))
+        for (const auto& fact : json::parse(shelf(arguments).output))
             names.push_back(
-                fs::path(fact.at("path").get<std::string>()).lexically_relative(folder.path));
+                fs::path(fact.at("path").get<std::string>()).lexically_relative(folder.path()));
         return names;
     }
     std::set<std::string> filesIn(const std::string& name) {
         std::set<std::string> names;
-        for (const auto& entry : fs::directory_iterator(folder.path / name))
+        for (const auto& entry : fs::directory_iterator(at(name)))
             names.insert(entry.path().filename());
         return names;
     }
     CGSize sizeOf(const std::string& name) {
-        return CGImage::imageSize(URL({.fileURLWithPath = at(name)})).value_or(CGSize());
+        return CGImage::imageSize(folder.url(name)).value_or(CGSize());
     }
 
     TemporaryFolder folder;
 };
 
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
+Names linesOf(const std::string& text) {
+    Names lines;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);)
         lines.push_back(line);
@@ -71,15 +70,14 @@ std::vector<std::string> linesOf(const std::string& text) {
 
 /// Where HEIC's codecs are part of libheif, they cannot be missing.
 bool heicCodecsArePlugins() {
-    for (const auto& entry : fs::directory_iterator("/usr/lib"))
-        if (fs::exists(entry.path() / "libheif/plugins/libheif-x265.so"))
-            return true;
-    return false;
+    return std::ranges::any_of(fs::directory_iterator("/usr/lib"), [](const auto& entry) {
+        return fs::exists(entry.path() / "libheif/plugins/libheif-x265.so");
+    });
 }
 
 } // namespace
 
-TEST_F(Shelf, helpsAndRefusesNonsense) {
+TEST_F(Shelf, HelpsAndRefusesNonsense) {
     const Outcome help = shelf({"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.output.starts_with("Usage: shelf [OPTIONS] PATH...\n"));
@@ -88,7 +86,7 @@ TEST_F(Shelf, helpsAndRefusesNonsense) {
     EXPECT_EQ(shelf({"--version"}).output, "shelf " SHELF_VERSION "\n");
 
     struct {
-        std::vector<std::string> arguments;
+        Names arguments;
         const char* complaint;
     } table[] = {
         {{}, "shelf: name a picture or a folder of pictures\n"},
@@ -112,16 +110,11 @@ TEST_F(Shelf, helpsAndRefusesNonsense) {
     }
 }
 
-TEST_F(Shelf, saysThatACodecIsMissing) {
-    const auto withoutPlugins = [this](std::vector<std::string> arguments) {
-        std::vector<std::string> command{
-            "/usr/bin/env", "LIBHEIF_PLUGIN_PATH=" + folder.path.string(), SHELF_PROGRAM};
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        return run(command);
-    };
+TEST_F(Shelf, SaysThatACodecIsMissing) {
+    const Names withoutPlugins{"env", "LIBHEIF_PLUGIN_PATH=" + folder.path().string()};
     picture("a.jpg");
-    const Outcome writing = withoutPlugins({at("a.jpg"), "--format", "heic"});
-    const Outcome reading = withoutPlugins({SAMPLES "/plain.heic"});
+    const Outcome writing = shelf({at("a.jpg"), "--format", "heic"}, withoutPlugins);
+    const Outcome reading = shelf({SAMPLES "/plain.heic"}, withoutPlugins);
     const bool isPlugin = heicCodecsArePlugins();
     EXPECT_EQ(writing.status, isPlugin ? 2 : 0);
     EXPECT_EQ(writing.errors.find("shelf: the encoder for heif is not installed\n") == 0, isPlugin)
@@ -131,22 +124,12 @@ TEST_F(Shelf, saysThatACodecIsMissing) {
         << reading.output << reading.errors;
 }
 
-TEST_F(Shelf, namesWhatIsMissing) {
-    picture("a.jpg");
-    const Outcome outcome = shelf({at("a.jpg"), at("none"), at("n\ne"), "-o", at("sheet.png")});
-    EXPECT_EQ(outcome.status, 2);
-    EXPECT_EQ(outcome.errors, "shelf: " + at("none") + ": no such file or folder\nshelf: " +
-                                  at("n\\ne") + ": no such file or folder\n");
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_FALSE(fs::exists(at("sheet.png")));
-}
-
-TEST_F(Shelf, listsWhatItsOptionsSay) {
+TEST_F(Shelf, ListsWhatItsOptionsSay) {
     for (const char* name : {"img10.jpg", "IMG9.png", "sub/a.jpg", ".hidden.jpg", "doc.rtfd/b.jpg"})
         picture(name);
-    write("notes.txt", "no picture");
-    fs::create_symlink("img10.jpg", folder.path / "link.jpg");
-    const std::string root = folder.path;
+    folder.file("notes.txt", "no picture");
+    folder.link("link.jpg", "img10.jpg");
+    const std::string root = folder.path();
     EXPECT_EQ(listed({root}), (Names{"IMG9.png", "img10.jpg", "link.jpg"}));
     EXPECT_EQ(listed({root, "--no-links", "-r"}), (Names{"IMG9.png", "img10.jpg", "sub/a.jpg"}));
     EXPECT_EQ(listed({root, "--hidden", "--packages", "--recursive", "--no-links"}),
@@ -161,12 +144,12 @@ TEST_F(Shelf, listsWhatItsOptionsSay) {
     EXPECT_EQ(listed({at("sub"), at("bare"), at("sub/a.jpg")}), (Names{"sub/a.jpg", "bare"}));
 }
 
-TEST_F(Shelf, printsAnAlignedTable) {
+TEST_F(Shelf, PrintsAnAlignedTable) {
     picture("日本.jpg", 300, 20);
     picture("with a\nbreak.png", 4, 4);
     picture(std::string(90, 'n') + ".jpg");
-    write("caf\xE9.jpg", "not a picture at all");
-    const Outcome outcome = shelf({folder.path});
+    folder.file("caf\xE9.jpg", "not a picture at all");
+    const Outcome outcome = shelf({folder.path()});
     EXPECT_EQ(outcome.status, 0);
     const auto lines = linesOf(outcome.output);
     ASSERT_EQ(lines.size(), 7u) << outcome.output;
@@ -180,17 +163,10 @@ TEST_F(Shelf, printsAnAlignedTable) {
     EXPECT_EQ(outcome.errors, "");
 }
 
-TEST_F(Shelf, staysSilentWhenTold) {
-    picture("a.jpg");
-    const Outcome outcome = shelf({folder.path, "-q", "-o", at("sheet.jpg")});
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.output + outcome.errors, "");
-}
-
-TEST_F(Shelf, printsJSONForMachines) {
+TEST_F(Shelf, PrintsJSONForMachines) {
     picture("a.jpg", 300, 20);
-    write("bad\xFF.png", "x");
-    const Outcome outcome = shelf({folder.path, "--json"});
+    folder.file("bad\xFF.png", "x");
+    const Outcome outcome = shelf({folder.path(), "--json"});
     EXPECT_EQ(outcome.status, 0);
     const json facts = json::parse(outcome.output);
     ASSERT_EQ(facts.size(), 2u);
@@ -207,18 +183,18 @@ TEST_F(Shelf, printsJSONForMachines) {
     EXPECT_TRUE(facts[1].at("width").is_null());
     EXPECT_TRUE(facts[1].at("error").is_string());
 
-    const Outcome nothing = shelf({folder.path, "--json", "--type", "gif"});
+    const Outcome nothing = shelf({folder.path(), "--json", "--type", "gif"});
     EXPECT_EQ(nothing.status, 0);
     EXPECT_TRUE(json::parse(nothing.output) == json::array()) << nothing.output;
 }
 
-TEST_F(Shelf, showsMoviesAmongThePictures) {
+TEST_F(Shelf, ShowsMoviesAmongThePictures) {
     testmovies::make("red.mp4", {"-f", "lavfi", "-i", "color=red:s=160x80:r=30000/1001:d=2", "-c:v",
                                  "libx264", "-metadata", "creation_time=2024-05-31T12:34:56Z"});
     testmovies::setMatrix("red.mp4", 0, {0, 1, -1, 0, 80, 0});
-    write("a.mp4", testmovies::read("red.mp4"));
-    write("bare", testmovies::read("red.mp4")); // known by its bytes
-    write("cut.mp4", testmovies::read("red.mp4").substr(0, 300));
+    folder.file("a.mp4", testmovies::read("red.mp4"));
+    folder.file("bare", testmovies::read("red.mp4")); // known by its bytes
+    folder.file("cut.mp4", testmovies::read("red.mp4").substr(0, 300));
     const json facts =
         json::parse(shelf({at("a.mp4"), at("bare"), at("cut.mp4"), "--json"}).output);
     EXPECT_NEAR(facts[0].at("duration").get<double>(), 2, 0.05);
@@ -238,11 +214,11 @@ TEST_F(Shelf, showsMoviesAmongThePictures) {
     EXPECT_EQ(facts[1].at("type"), "public.movie");
     EXPECT_TRUE(facts[2].at("error").is_string());
 
-    const Outcome sheet = shelf({folder.path, "-o", at("sheet.png"), "--cell", "80"});
+    const Outcome sheet = shelf({folder.path(), "-o", at("sheet.png"), "--cell", "80"});
     EXPECT_EQ(sheet.status, 0);
     for (const char* part : {"0:02, 29.97 a second, 2024-05-31", "2 files, 1 unreadable"})
         EXPECT_NE(sheet.output.find(part), std::string::npos) << part;
-    const auto image = CGImage::image(URL({.fileURLWithPath = at("sheet.png")}));
+    const auto image = CGImage::image(folder.url("sheet.png"));
     const auto redAt = [&](std::int64_t x, std::int64_t y) {
         const std::uint8_t* const pixel = image->bitmap().row(24 + y) + (24 + x) * 4;
         return pixel[0] > 200 && pixel[1] < 60 && pixel[2] < 60;
@@ -254,31 +230,30 @@ TEST_F(Shelf, showsMoviesAmongThePictures) {
     EXPECT_EQ(sizeOf("out/a.png"), CGSize(80, 160));
 }
 
-TEST_F(Shelf, noticesWhatIsCutShortUnlessInAHurry) {
+TEST_F(Shelf, NoticesWhatIsCutShortUnlessInAHurry) {
     const std::string cut = std::string(SAMPLES) + "/unreadable/truncated.jpg";
-    const auto error = [&](std::vector<std::string> arguments) {
+    const auto error = [](const Names& arguments) {
         return json::parse(shelf(arguments).output)[0].at("error");
     };
     EXPECT_TRUE(error({cut, "--json"}).is_string());
     EXPECT_TRUE(error({cut, "--json", "--quick"}).is_null());
 }
 
-TEST_F(Shelf, neverWaitsForAPipe) {
+TEST_F(Shelf, NeverWaitsForAPipe) {
     ASSERT_EQ(mkfifo(at("pipe.jpg").c_str(), 0600), 0);
-    const Outcome outcome = shelf({folder.path});
+    const Outcome outcome = shelf({folder.path()});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_NE(outcome.output.find("not a regular file"), std::string::npos) << outcome.output;
 }
 
-TEST_F(Shelf, exportsWithoutEverOverwriting) {
+TEST_F(Shelf, ExportsWithoutEverOverwriting) {
     picture("in/a.jpg", 400, 100);
     picture("in/a.png", 30, 20);
-    write("in/broken.jpg", "x");
-    for (int round = 0; round < 2; ++round) {
-        const Outcome outcome = shelf(
-            {at("in"), "--export", at("out/deep"), "--size", "200", "--format", "png", "--quiet"});
-        EXPECT_EQ(outcome.status, 0) << outcome.errors;
-    }
+    folder.file("in/broken.jpg", "x");
+    for (int round = 0; round < 2; ++round)
+        expectErrors(
+            {at("in"), "--export", at("out/deep"), "--size", "200", "--format", "png", "--quiet"},
+            0, "");
     EXPECT_EQ(filesIn("out/deep"),
               (std::set<std::string>{"a.png", "a (0).png", "a (1).png", "a (2).png"}));
     EXPECT_EQ(sizeOf("out/deep/a.png"), CGSize(200, 50));
@@ -286,20 +261,16 @@ TEST_F(Shelf, exportsWithoutEverOverwriting) {
     EXPECT_EQ(sizeOf("out/deep/a (1).png"), CGSize(200, 50));
 }
 
-TEST_F(Shelf, severalExportsAtOnceKeepOutOfEachOthersWay) {
-    for (int i = 0; i < 10; ++i)
+TEST_F(Shelf, SeveralExportsAtOnceKeepOutOfEachOthersWay) {
+    Names arguments{"--export", at("out"), "-q"};
+    for (int i = 0; i < 10; ++i) {
         picture("in" + std::to_string(i) + "/a.jpg", 20 + i, 20);
-    std::vector<std::string> roots;
-    for (int i = 0; i < 10; ++i)
-        roots.push_back(at("in" + std::to_string(i)));
+        arguments.push_back(at("in" + std::to_string(i)));
+    }
     {
         std::vector<std::jthread> runs;
         for (int process = 0; process < 4; ++process)
-            runs.emplace_back([&] {
-                std::vector<std::string> arguments{"--export", at("out"), "-q"};
-                arguments.insert(arguments.end(), roots.begin(), roots.end());
-                EXPECT_EQ(shelf(arguments).status, 0);
-            });
+            runs.emplace_back([&] { EXPECT_EQ(shelf(arguments).status, 0); });
     }
     std::map<double, int> widths;
     for (const std::string& name : filesIn("out"))
@@ -309,78 +280,65 @@ TEST_F(Shelf, severalExportsAtOnceKeepOutOfEachOthersWay) {
         EXPECT_EQ(count, 4) << width;
 }
 
-TEST_F(Shelf, makesSheetsInEachFormat) {
+TEST_F(Shelf, MakesSheetsInEachFormat) {
     for (int i = 0; i < 7; ++i)
         picture("in/" + std::to_string(i) + ".jpg");
-    write("in/8.jpg", "broken");
+    folder.file("in/8.jpg", "broken");
     for (const char* extension : {"png", "jpg", "tiff", "heic"}) {
         const std::string sheet = std::string("sheet.") + extension;
-        const Outcome outcome =
-            shelf({at("in"), "-o", at(sheet), "--columns", "3", "--cell", "50", "-q"});
-        EXPECT_EQ(outcome.status, 0) << outcome.errors;
+        expectErrors({at("in"), "-o", at(sheet), "--columns", "3", "--cell", "50", "-q"}, 0, "");
         EXPECT_EQ(sizeOf(sheet), CGSize(48 + 3 * 50 + 2 * 20, 48 + 3 * 90 + 2 * 20)) << extension;
-        const auto source = CGImageSource::create(URL({.fileURLWithPath = at(sheet)}));
+        const auto source = CGImageSource::create(folder.url(sheet));
         EXPECT_EQ(source->type(), ImageExportFormat::make({.pathExt = extension})->cgType());
     }
     EXPECT_EQ(filesIn(""),
               (std::set<std::string>{"in", "sheet.png", "sheet.jpg", "sheet.tiff", "sheet.heic"}));
 }
 
-TEST_F(Shelf, leavesItsOwnSheetOutOfTheNextOne) {
+TEST_F(Shelf, LeavesItsOwnSheetOutOfTheNextOne) {
     picture("a.jpg");
     for (int round = 0; round < 2; ++round)
-        EXPECT_EQ(shelf({folder.path, "-q", "-o", at("sheet.png"), "--cell", "50"}).status, 0);
+        EXPECT_EQ(shelf({folder.path(), "-q", "-o", at("sheet.png"), "--cell", "50"}).status, 0);
     EXPECT_EQ(sizeOf("sheet.png"), CGSize(98, 138));
 }
 
-TEST_F(Shelf, keepsTheOldSheetWhenTheNewOneFails) {
+TEST_F(Shelf, KeepsTheOldSheetWhenTheNewOneFails) {
     picture("in/a.jpg");
-    write("sheet.png", "old");
-    fs::create_directory(at("out.png"));
-    const Outcome folderInTheWay = shelf({at("in"), "-q", "-o", at("out.png")});
-    EXPECT_EQ(folderInTheWay.status, 1);
-    EXPECT_EQ(folderInTheWay.errors, "shelf: " + at("out.png") + ": the sheet cannot be written\n");
-
-    const Outcome tooLarge = run({"sh", "-c", "ulimit -f 0; exec \"$@\" 2>&1", "sh", SHELF_PROGRAM,
-                                  at("in"), "-q", "-o", at("sheet.png")});
-    EXPECT_NE(tooLarge.status, 0);
-    EXPECT_EQ(read("sheet.png"), "old");
-
-    const Outcome noFolder = shelf({at("in"), "-o", at("none/sheet.png")});
-    EXPECT_EQ(noFolder.status, 1);
-    EXPECT_EQ(noFolder.errors, "shelf: " + at("none") + ": no such folder\n");
-
-    const Outcome huge = shelf({at("in"), "-o", at("sheet.png"), "--cell", "4096"});
-    EXPECT_EQ(huge.status, 0) << huge.errors;
+    folder.file("sheet.png", "old");
+    const Names limited{"sh", "-c", "ulimit -f 0; exec \"$@\" 2>&1", "sh"};
+    EXPECT_NE(shelf({at("in"), "-q", "-o", at("sheet.png")}, limited).status, 0);
+    EXPECT_EQ(text(at("sheet.png")), "old");
+    EXPECT_EQ(shelf({at("in"), "-o", at("sheet.png"), "--cell", "4096"}).status, 0) << "huge";
 }
 
-TEST_F(Shelf, endsWithOneWhenNothingCouldBeWritten) {
+TEST_F(Shelf, SaysWhatIsMissingOrCannotBeWritten) {
     picture("a.jpg");
-    write("broken.jpg", "x");
-    const Outcome noneReadable = shelf({at("broken.jpg"), "--export", at("out")});
-    EXPECT_EQ(noneReadable.status, 1);
-    EXPECT_NE(noneReadable.errors.find("no picture could be read"), std::string::npos)
-        << noneReadable.errors;
-
-    const Outcome blocked = shelf({at("a.jpg"), "--export", at("a.jpg") + "/out"});
-    EXPECT_EQ(blocked.status, 1);
-    EXPECT_NE(blocked.errors.find(at("a.jpg") + "/out: "), std::string::npos) << blocked.errors;
-
-    const Outcome fullOutput =
-        run({"sh", "-c", "exec \"$@\" >/dev/full", "sh", SHELF_PROGRAM, at("a.jpg")});
-    EXPECT_EQ(fullOutput.status, 1);
-    EXPECT_NE(fullOutput.errors.find("standard output: "), std::string::npos) << fullOutput.errors;
+    folder.file("broken.jpg", "x");
+    folder.folder("out.png");
+    expectErrors({at("a.jpg"), at("none"), at("n\ne"), "-o", at("sheet.png")}, 2,
+                 "shelf: " + at("none") + ": no such file or folder\nshelf: " + at("n\\ne") +
+                     ": no such file or folder\n");
+    EXPECT_FALSE(fs::exists(at("sheet.png")));
+    expectErrors({at("a.jpg"), "-q", "-o", at("out.png")}, 1,
+                 "shelf: " + at("out.png") + ": the sheet cannot be written\n");
+    expectErrors({at("a.jpg"), "-o", at("none/sheet.png")}, 1,
+                 "shelf: " + at("none") + ": no such folder\n");
+    expectErrors({at("broken.jpg"), "-q", "--export", at("out")}, 1,
+                 "shelf: no picture could be read, so none was written\n");
+    expectErrors({at("a.jpg"), "--export", at("a.jpg") + "/out"}, 1,
+                 "shelf: " + at("a.jpg") + "/out: Not a directory\n");
+    expectErrors({at("a.jpg")}, 1, "shelf: standard output: No space left on device\n",
+                 {"sh", "-c", "exec \"$@\" >/dev/full", "sh"});
 }
 
-TEST_F(Shelf, worksWithoutFonts) {
+TEST_F(Shelf, WorksWithoutFonts) {
     picture("in/a.jpg");
-    fs::create_directory(at("fonts"));
-    write("fonts.conf",
-          "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM \"fonts.dtd\"><fontconfig><dir>" +
-              at("fonts") + "</dir><cachedir>" + at("cache") + "</cachedir></fontconfig>");
-    const Outcome outcome = run({"env", "FONTCONFIG_FILE=" + at("fonts.conf"), SHELF_PROGRAM,
-                                 at("in"), "-q", "-o", at("sheet.png")});
-    EXPECT_EQ(outcome.status, 0) << outcome.errors;
-    EXPECT_EQ(outcome.errors, "");
+    folder.folder("fonts");
+    folder.file("fonts.conf", "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM "
+                              "\"fonts.dtd\"><fontconfig><dir>" +
+                                  at("fonts") + "</dir><cachedir>" + at("cache") +
+                                  "</cachedir></fontconfig>");
+    expectErrors({at("in"), "-q", "-o", at("sheet.png")}, 0, "",
+                 {"env", "FONTCONFIG_FILE=" + at("fonts.conf")});
     EXPECT_TRUE(fs::exists(at("sheet.png")));
 }

@@ -1,7 +1,7 @@
 // The window of shelf, as a person has it: keys, mouse and questions, without a screen.
 
 #include "window/ShelfWindow.h"
-#include "Program.h"
+#include <tests/Outcome.h>
 #include <tests/Testing.h>
 
 #include <zorvan/files/NSPasteboard.h>
@@ -18,9 +18,6 @@
 #include <QTest>
 #include <QTreeView>
 
-#include <fstream>
-#include <unistd.h>
-
 namespace {
 
 using Names = std::vector<std::string>;
@@ -30,14 +27,14 @@ protected:
     static void SetUpTestSuite() {
         static const TemporaryFolder home; // for the settings and the trash
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        ::setenv("XDG_CONFIG_HOME", (home.path / "config").c_str(), 1);
-        ::setenv("XDG_DATA_HOME", (home.path / "data").c_str(), 1);
+        ::setenv("XDG_CONFIG_HOME", (home.path() / "config").c_str(), 1);
+        ::setenv("XDG_DATA_HOME", (home.path() / "data").c_str(), 1);
         static int count = 1;
         static char name[] = "test";
         static char* arguments[] = {name, nullptr};
         static QApplication* const application = new QApplication(count, arguments);
         application->setQuitOnLastWindowClosed(false);
-        trash = home.path / "data/Trash/files";
+        trash = home.path() / "data/Trash/files";
     }
     ShelfWindowTest() {
         for (const auto& key : NSUserDefaults::standardUserDefaults()->dictionaryRepresentation())
@@ -47,25 +44,30 @@ protected:
 
     void picture(const std::string& name, std::int64_t width = 60, std::int64_t height = 40) {
         const Data bytes = *CGImage::empty(width, height)->data(ImageExportFormat::png);
-        write(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-    }
-    void write(const std::string& name, std::string_view bytes) const {
-        fs::create_directories((folder.path / name).parent_path());
-        std::ofstream(folder.path / name, std::ios::binary) << bytes;
+        folder.file(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     }
 
     void show() {
         Options options;
-        options.paths = {folder.path};
+        options.paths = {folder.path()};
         options.recursive = true;
         shelf = ShelfWindow::create(options);
         host = QtWindowHost::show(shelf->window());
         host->widget().activateWindow();
     }
-    /// Shows the window and waits for all that is in the folder.
-    void open() {
-        show();
+    void waitForWalk() {
         ASSERT_TRUE(comes([&] { return !shelf->isWalking(); }));
+    }
+    /// Shows the window and waits for all that is in the folder, to which these pictures come.
+    void open(const Names& pictures = {}) {
+        for (const std::string& name : pictures)
+            picture(name);
+        show();
+        waitForWalk();
+    }
+    void reload() {
+        choose("Reload");
+        waitForWalk();
     }
     void end() {
         host = nullptr;
@@ -170,12 +172,12 @@ TEST_F(ShelfWindowTest, IsThereBeforeTheWalkIsDone) {
     constexpr int many = 10000;
     picture("0.png");
     for (int i = 1; i < many; ++i)
-        fs::create_hard_link(folder.path / "0.png", folder.path / (std::to_string(i) + ".png"));
+        fs::create_hard_link(folder.path() / "0.png", folder.path() / (std::to_string(i) + ".png"));
     show();
     EXPECT_TRUE(host->widget().isVisible());
     EXPECT_TRUE(shelf->isWalking());
     EXPECT_EQ(shelf->album()->pictures()->count(), 0);
-    ASSERT_TRUE(comes([&] { return !shelf->isWalking(); }));
+    waitForWalk();
     EXPECT_EQ(view().model()->rowCount(), many);
     EXPECT_EQ(titles()[9], "9.png") << "numbers by their value";
     EXPECT_EQ(status(), "10000 pictures");
@@ -194,11 +196,10 @@ TEST_F(ShelfWindowTest, IsThereBeforeTheWalkIsDone) {
 }
 
 TEST_F(ShelfWindowTest, SelectionSurvivesSearchOrderAndSwitch) {
-    for (const char* name : {"a.png", "b.png", "Bc.png", "d.png", "sub/be.jpg", "sub/f.jpg"})
-        picture(name);
-    fs::last_write_time(folder.path / "b.png",
+    picture("b.png");
+    fs::last_write_time(folder.path() / "b.png",
                         fs::file_time_type::clock::now() + std::chrono::hours(1));
-    open();
+    open({"a.png", "Bc.png", "d.png", "sub/be.jpg", "sub/f.jpg"});
     EXPECT_EQ(titles(), (Names{"a.png", "b.png", "Bc.png", "d.png", "be.jpg", "f.jpg"}));
     click(1);
     click(3, Qt::ShiftModifier);
@@ -224,17 +225,14 @@ TEST_F(ShelfWindowTest, SelectionSurvivesSearchOrderAndSwitch) {
     EXPECT_EQ(selected().size(), 2u);
     // What comes later takes nothing away.
     picture("later.png");
-    fs::remove(folder.path / "a.png");
-    choose("Reload");
-    ASSERT_TRUE(comes([&] { return !shelf->isWalking(); }));
+    fs::remove(folder.path() / "a.png");
+    reload();
     EXPECT_EQ(titles().size(), 6u);
     EXPECT_EQ(selected().size(), 2u);
 }
 
 TEST_F(ShelfWindowTest, TheSidebarChooses) {
-    for (const char* name : {"a.png", "b.jpg", "x/c.png", "x/y/d.png"})
-        picture(name);
-    open();
+    open({"a.png", "b.jpg", "x/c.png", "x/y/d.png"});
     auto& tree = *host->widget().findChild<QTreeView*>();
     const auto line = [&](const QString& text) {
         const auto found = tree.model()->match(tree.model()->index(0, 0), Qt::DisplayRole, text, 1,
@@ -259,18 +257,15 @@ TEST_F(ShelfWindowTest, TheSidebarChooses) {
         settle();
         EXPECT_EQ(titles(), row.titles) << row.line;
     }
-    fs::remove_all(folder.path / "x");
-    fs::remove(folder.path / "a.png");
-    choose("Reload");
-    ASSERT_TRUE(comes([&] { return !shelf->isWalking(); }));
+    fs::remove_all(folder.path() / "x");
+    fs::remove(folder.path() / "a.png");
+    reload();
     EXPECT_EQ(titles(), Names{"b.jpg"}) << "what was chosen is not there any more";
 }
 
 TEST_F(ShelfWindowTest, OpensAPictureLarge) {
-    for (const char* name : {"1.png", "2.png"})
-        picture(name);
-    write("3.png", "no picture");
-    open();
+    folder.file("3.png", "no picture");
+    open({"1.png", "2.png"});
     click(0);
     press(Qt::Key_Return);
     const auto& large = *shelf->largePicture();
@@ -311,22 +306,20 @@ TEST_F(ShelfWindowTest, OpensAPictureLarge) {
 }
 
 TEST_F(ShelfWindowTest, MovesToTheTrashAfterAsking) {
-    for (const char* name : {"a.png", "b.png", "c.png", "d.png"})
-        picture(name);
-    open();
+    open({"a.png", "b.png", "c.png", "d.png"});
     press(Qt::Key_Delete);
     EXPECT_EQ(answer("Move to Trash"), "nothing is asked") << "nothing is selected";
     click(1);
     press(Qt::Key_Delete);
     EXPECT_EQ(answer("Cancel"), "Move “b.png” to the trash?");
-    EXPECT_TRUE(fs::exists(folder.path / "b.png"));
+    EXPECT_TRUE(fs::exists(folder.path() / "b.png"));
     click(2, Qt::ShiftModifier);
     press(Qt::Key_Delete);
     EXPECT_EQ(answer("Move to Trash"), "Move 2 pictures to the trash?");
     ASSERT_TRUE(comes([&] { return titles().size() == 2; }));
     EXPECT_EQ(titles(), (Names{"a.png", "d.png"}));
     for (const char* name : {"b.png", "c.png"}) {
-        EXPECT_FALSE(fs::exists(folder.path / name));
+        EXPECT_FALSE(fs::exists(folder.path() / name));
         EXPECT_TRUE(fs::exists(trash / name)) << trash / name;
     }
     // Of one that is shown large the next is shown then, and nothing after the last.
@@ -342,62 +335,54 @@ TEST_F(ShelfWindowTest, MovesToTheTrashAfterAsking) {
 }
 
 TEST_F(ShelfWindowTest, SaysWhatCouldNotBeMovedToTheTrash) {
-    for (const char* name : {"gone.png", "kept.png"})
-        picture(name);
-    open();
+    open({"gone.png", "kept.png"});
     press(Qt::Key_A, Qt::ControlModifier);
     const std::string before = std::getenv("XDG_DATA_HOME");
-    write("file", "");
+    folder.file("file", "");
     const struct {
         std::string dataHome, said;
         std::size_t left;
     } table[] = {
-        {folder.path / "file/data", "2 pictures could not be moved to the trash.", 2},
-        {folder.path / "file", "2 pictures could not be moved to the trash.", 2},
+        {folder.path() / "file/data", "2 pictures could not be moved to the trash.", 2},
+        {folder.path() / "file", "2 pictures could not be moved to the trash.", 2},
         {before, "1 picture could not be moved to the trash.", 1},
     };
     for (const auto& row : table) {
         ::setenv("XDG_DATA_HOME", row.dataHome.c_str(), 1);
         if (row.left == 1)
-            fs::remove(folder.path / "gone.png");
+            fs::remove(folder.path() / "gone.png");
         press(Qt::Key_Delete);
         answer("Move to Trash");
-        std::string said;
-        EXPECT_TRUE(comes([&] {
-            said = answer("Close");
-            return said != "nothing is asked";
-        }));
-        EXPECT_EQ(said, row.said);
+        EXPECT_TRUE(comes([&] { return answer("Close") == row.said; })) << row.said;
         EXPECT_EQ(titles().size(), row.left);
-        EXPECT_EQ(fs::exists(folder.path / "kept.png"), row.left == 2);
+        EXPECT_EQ(fs::exists(folder.path() / "kept.png"), row.left == 2);
     }
 }
 
 TEST_F(ShelfWindowTest, ExportsAndCancels) {
     picture("large.png", 3000, 2000);
     picture("small.png", 30, 20);
-    write("broken.png", "no picture");
+    folder.file("broken.png", "no picture");
     open();
     press(Qt::Key_A, Qt::ControlModifier);
-    const std::string out = folder.path / "out";
-    fs::create_directory(out);
+    const std::string out = folder.path() / "out";
+    folder.folder("out");
     shelf->exportTo(out);
     EXPECT_TRUE(shelf->isExporting());
     ASSERT_TRUE(comes([&] { return !shelf->isExporting(); }));
     EXPECT_EQ(status(), "2 pictures exported");
     EXPECT_TRUE(answer("Close").starts_with("broken.png: "));
     const auto sizeOf = [&](const char* name) {
-        return CGImage::imageSize(URL({.fileURLWithPath = out + "/" + name})).value_or(CGSize());
+        return CGImage::imageSize(folder.url(std::string("out/") + name)).value_or(CGSize());
     };
     EXPECT_EQ(sizeOf("large.jpg"), CGSize(1024, 683));
     EXPECT_EQ(sizeOf("small.jpg"), CGSize(30, 20));
 
     constexpr int many = 64; // seconds of work
     for (int i = 0; i < many; ++i)
-        fs::create_hard_link(folder.path / "large.png",
-                             folder.path / ("many" + std::to_string(i) + ".png"));
-    choose("Reload");
-    ASSERT_TRUE(comes([&] { return !shelf->isWalking(); }));
+        fs::create_hard_link(folder.path() / "large.png",
+                             folder.path() / ("many" + std::to_string(i) + ".png"));
+    reload();
     press(Qt::Key_A, Qt::ControlModifier);
     shelf->exportTo(out);
     for (auto* const button : host->widget().findChildren<QAbstractButton*>())
@@ -412,14 +397,9 @@ TEST_F(ShelfWindowTest, ExportsAndCancels) {
 }
 
 TEST_F(ShelfWindowTest, FilesGoToTheClipboardAndOut) {
-    for (const char* name : {"a b.png", "c.png"})
-        picture(name);
-    open();
-    const auto urls = [] {
-        std::vector<std::string> paths;
-        for (const URL& url : NSPasteboard::generalPasteboard()->fileURLs())
-            paths.push_back(fs::path(url.path()).filename());
-        return paths;
+    open({"a b.png", "c.png"});
+    const auto urls = [&] {
+        return folder.relative(NSPasteboard::generalPasteboard()->fileURLs());
     };
     click(0);
     press(Qt::Key_C, Qt::ControlModifier);
@@ -433,14 +413,12 @@ TEST_F(ShelfWindowTest, FilesGoToTheClipboardAndOut) {
         const auto indexes = view().selectionModel()->selectedIndexes();
         const std::unique_ptr<QMimeData> dragged(view().model()->mimeData(indexes));
         EXPECT_EQ(dragged->urls().size(), 2);
-        EXPECT_EQ(dragged->urls().value(0).toLocalFile().toStdString(), folder.path / "a b.png");
+        EXPECT_EQ(dragged->urls().value(0).toLocalFile().toStdString(), folder.path() / "a b.png");
     }
 }
 
 TEST_F(ShelfWindowTest, ToolsFollowTheSelection) {
-    for (const char* name : {"a.png", "b.png"})
-        picture(name);
-    open();
+    open({"a.png", "b.png"});
     struct {
         int row;
         Qt::KeyboardModifiers modifiers;
@@ -459,9 +437,7 @@ TEST_F(ShelfWindowTest, ToolsFollowTheSelection) {
 }
 
 TEST_F(ShelfWindowTest, FollowsTheSettingsOfAnotherProcess) {
-    for (const char* name : {"a.png", "b.png"})
-        picture(name);
-    open();
+    open({"a.png", "b.png"});
     click(1);
     const Outcome outcome =
         run({SETTINGS_PROGRAM, NSUserDefaults::standardUserDefaults()->domainName()});
@@ -469,9 +445,9 @@ TEST_F(ShelfWindowTest, FollowsTheSettingsOfAnotherProcess) {
     EXPECT_TRUE(comes([&] { return titles() == Names{"b.png", "a.png"}; }));
     EXPECT_EQ(selected(), Names{"b.png"});
     EXPECT_TRUE(view<QTableView>().isVisible());
-    EXPECT_EQ(host->widget().findChild<QSplitter*>()->sizes()[0], 0);
-    // They are kept for the next start, and so are those of this window.
     const auto sidebarWidth = [&] { return host->widget().findChild<QSplitter*>()->sizes()[0]; };
+    EXPECT_EQ(sidebarWidth(), 0);
+    // They are kept for the next start, and so are those of this window.
     view<QTableView>().horizontalHeader()->sectionClicked(1);
     choose("Sidebar");
     EXPECT_GT(sidebarWidth(), 0);
@@ -500,12 +476,11 @@ TEST_F(ShelfWindowTest, ThumbnailsKeepToTheirBound) {
     int given = 0;
     std::vector<PictureFile::Pointer> files;
     for (int i = 0; i < 20; ++i) {
-        files.push_back(lookAt({URL({.fileURLWithPath = folder.path / "a.png"}), "a.png"}));
+        files.push_back(lookAt({folder.url("a.png"), "a.png"}));
         thumbnails->request(files.back(), [&](const auto& image) { given += image ? 1 : 0; });
     }
-    write("broken.png", "no picture");
-    const auto broken =
-        lookAt({URL({.fileURLWithPath = folder.path / "broken.png"}), "broken.png"});
+    folder.file("broken.png", "no picture");
+    const auto broken = lookAt({folder.url("broken.png"), "broken.png"});
     bool isBrokenGiven = false;
     thumbnails->request(broken, [&](const auto& image) { isBrokenGiven = image == nullptr; });
     ASSERT_TRUE(comes([&] { return given == 20 && isBrokenGiven; }));
@@ -522,8 +497,8 @@ TEST_F(ShelfWindowTest, ThumbnailsKeepToTheirBound) {
 
 TEST_F(ShelfWindowTest, TheProgramNeedsNoDisplayToSayWhatItIs) {
     picture("in/a.png");
-    write("in/broken.jpg", "x");
-    const std::string in = folder.path / "in", written = folder.path / "in/window.png";
+    folder.file("in/broken.jpg", "x");
+    const std::string in = folder.path() / "in", written = folder.path() / "in/window.png";
     struct {
         std::vector<std::string> arguments;
         int status;
@@ -547,6 +522,5 @@ TEST_F(ShelfWindowTest, TheProgramNeedsNoDisplayToSayWhatItIs) {
         EXPECT_NE(outcome.output.find(row.output), std::string::npos) << outcome.output;
         EXPECT_NE(outcome.errors.find(row.errors), std::string::npos) << outcome.errors;
     }
-    const auto size = CGImage::imageSize(URL({.fileURLWithPath = written}));
-    EXPECT_EQ(size.value_or(CGSize()).width, 1920);
+    EXPECT_EQ(CGImage::imageSize(folder.url("in/window.png")).value_or(CGSize()).width, 1920);
 }

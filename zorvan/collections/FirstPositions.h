@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -13,6 +14,13 @@ template <class Item>
 concept Hashable = requires(const Item& item) {
     { std::hash<Item>{}(item) } -> std::convertible_to<std::size_t>;
 };
+
+/// Standard hashes of numbers are the numbers themselves: without mixing, runs would collide.
+template <Hashable Item>
+std::size_t mixedHash(const Item& item) {
+    const std::size_t hash = std::hash<Item>{}(item)*0x9E3779B97F4A7C15u;
+    return hash ^ (hash >> 32);
+}
 
 /// Finds the first item of a list that equals a given one.
 ///
@@ -57,9 +65,7 @@ private:
     /// position plus one; 0 is empty. The table is at most half full, so the walk ends.
     std::size_t slotOf(const Item& item) const {
         const std::size_t mask = slots_.size() - 1;
-        // Standard hashes of numbers are the numbers themselves: mix them, or runs would collide.
-        const std::size_t hash = std::hash<Item>{}(item)*0x9E3779B97F4A7C15u;
-        std::size_t slot = (hash ^ (hash >> 32)) & mask;
+        std::size_t slot = mixedHash(item) & mask;
         while (slots_[slot] != 0 && !(items_[static_cast<std::size_t>(slots_[slot] - 1)] == item))
             slot = (slot + 1) & mask;
         return slot;

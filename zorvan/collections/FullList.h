@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <iterator>
 #include <memory>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -40,11 +41,13 @@ public:
     void show(Positions places) {
         places_ = std::make_shared<Positions>(std::move(places));
         setFinding(Finding::own);
+        areAscending_ = true;
     }
     /// Everything is shown again.
     Items release() noexcept {
         places_.reset();
         firsts_.clear();
+        marks_.clear();
         return std::exchange(items_, {});
     }
 
@@ -71,63 +74,104 @@ private:
     /// nothing; or all of them.
     enum class Finding { own, lost, done };
 
-    /// Up to so many are looked for one by one, which is quicker than finding all; by the time
-    /// there were many such walks, finding all would have cost no more.
-    static constexpr std::int64_t few = 4;
-    static constexpr std::int64_t manyWalks = 64;
+    /// A byte of the hash of each item, among which an equal one is found in no time.
+    using Marks = std::vector<char>;
+
+    /// So many are looked for one by one before all are found, which costs about as much.
+    static constexpr std::int64_t mostSearches = Hashable<Item> ? 2048 : 64;
 
     std::int64_t count() const noexcept { return countOf(items_); }
     void setFinding(Finding finding) const noexcept {
         finding_ = finding;
-        walks_ = 0;
+        searches_ = 0;
         firsts_.clear();
     }
-    /// The next place of an item from `from` on, -1 when there is none.
-    std::int64_t find(const Item& item, std::int64_t from) const {
-        const auto found = std::find(items_.begin() + from, items_.end(), item);
-        return found == items_.end() ? -1 : found - items_.begin();
-    }
+    static Marks marksOf(const Items& items);
+    std::int64_t find(const Item& item) const;
     void findFirsts(const Items& shown) const;
     Positions& placesToChange();
-    void handOverPlaces(const IndexSet& at, const Positions& lost);
-    void renewFirsts(const IndexSet& at, const Positions& lost);
+    bool handOverPlaces(const IndexSet& at, const Positions& lost);
+    void closeUp(const IndexSet& at);
+    void lose() noexcept {
+        setFinding(Finding::lost);
+        areAscending_ = false;
+    }
+    /// Changes the items, and the marks as they are. Marks are lost when that throws.
+    template <class Change>
+    void changeItems(const Change& change) {
+        Marks marks = std::exchange(marks_, {});
+        change(items_);
+        if (!marks.empty())
+            change(marks);
+        marks_ = std::move(marks);
+    }
 
     Items items_;
     std::shared_ptr<Positions> places_;
     mutable Finding finding_ = Finding::own;
     /// When all are found and not all are the items' own.
     mutable Positions firsts_;
-    /// How many were looked for one by one since the last change that moved or brought items.
-    mutable std::int64_t walks_ = 0;
+    bool areAscending_ = true; // the places, for sure
+    /// How many were looked for one by one since the places were lost.
+    mutable std::int64_t searches_ = 0;
+    /// Of the items, made by the first search; none before.
+    mutable Marks marks_;
 };
 
 template <class Item>
 auto FullList<Item>::positions(const Items& shown, const IndexSet& at) const -> Positions {
-    const bool isWalked = finding_ == Finding::lost && at.count() <= few && walks_ < manyWalks;
-    if (isWalked)
-        walks_ += at.count();
-    else if (finding_ == Finding::lost)
+    if (finding_ == Finding::lost && searches_ + at.count() > mostSearches)
         findFirsts(shown);
+    const bool isSearched = finding_ == Finding::lost;
+    if (isSearched)
+        searches_ += at.count();
     const Positions& found = firsts_.empty() ? *places_ : firsts_;
     Positions result;
     result.reserve(static_cast<std::size_t>(at.count()));
     for (const std::int64_t position : at) {
         const auto index = static_cast<std::size_t>(position);
-        const std::int64_t first = isWalked ? find(shown[index], 0) : found[index];
+        const std::int64_t first = isSearched ? find(shown[index]) : found[index];
         result.push_back(first >= 0 ? first : position);
     }
     return result;
 }
 
 template <class Item>
+auto FullList<Item>::marksOf(const Items& items) -> Marks {
+    Marks marks(items.size());
+    if constexpr (Hashable<Item>)
+        std::transform(items.begin(), items.end(), marks.begin(),
+                       [](const Item& item) { return static_cast<char>(mixedHash(item)); });
+    return marks;
+}
+
+/// The first place of an equal item, -1 when there is none.
+template <class Item>
+std::int64_t FullList<Item>::find(const Item& item) const {
+    if constexpr (!Hashable<Item>) {
+        const auto found = std::find(items_.begin(), items_.end(), item);
+        return found == items_.end() ? -1 : found - items_.begin();
+    } else {
+        if (marks_.empty())
+            marks_ = marksOf(items_);
+        const std::string_view marks(marks_.data(), marks_.size());
+        const auto mark = static_cast<char>(mixedHash(item));
+        std::size_t place = marks.find(mark);
+        while (place != marks.npos && !(items_[place] == item))
+            place = marks.find(mark, place + 1);
+        return place == marks.npos ? -1 : static_cast<std::int64_t>(place);
+    }
+}
+
+template <class Item>
 void FullList<Item>::findFirsts(const Items& shown) const {
     const FirstPositions<Item> positions(items_);
-    setFinding(Finding::done);
-    firsts_.resize(shown.size());
-    std::transform(shown.begin(), shown.end(), firsts_.begin(),
+    Positions firsts(shown.size());
+    std::transform(shown.begin(), shown.end(), firsts.begin(),
                    [&positions](const Item& item) { return positions.of(item); });
-    if (firsts_ == *places_)
-        firsts_.clear();
+    setFinding(Finding::done);
+    if (firsts != *places_)
+        firsts_ = std::move(firsts);
 }
 
 template <class Item>
@@ -145,9 +189,15 @@ void FullList<Item>::insert(const Items& shown, std::int64_t at, Items added, Po
     for (std::int64_t& place : passing)
         place += full;
     places.insert(places.begin() + at, passing.begin(), passing.end());
+    Marks marks = std::exchange(marks_, {});
+    if (!marks.empty()) {
+        const Marks addedMarks = marksOf(added);
+        marks.insert(marks.begin() + full, addedMarks.begin(), addedMarks.end());
+    }
     items_.insert(items_.begin() + full, std::make_move_iterator(added.begin()),
                   std::make_move_iterator(added.end()));
-    setFinding(Finding::lost);
+    marks_ = std::move(marks);
+    lose();
 }
 
 template <class Item>
@@ -155,21 +205,21 @@ void FullList<Item>::remove(const Items& shown, const IndexSet& at) {
     const Positions lost = positions(shown, at);
     const IndexSet removed = IndexSet::of(lost);
     const Reordering change = Reordering::removing(count(), removed);
-    handOverPlaces(at, lost);
+    areAscending_ = !handOverPlaces(at, lost) && areAscending_;
+    if (areAscending_)
+        closeUp(at);
+    else
+        change.apply(*places_);
     zorvan::remove(*places_, at);
-    change.apply(*places_);
-    renewFirsts(at, lost);
-    if (!firsts_.empty()) {
-        zorvan::remove(firsts_, at);
-        change.apply(firsts_);
-    }
-    zorvan::remove(items_, removed);
+    if (finding_ == Finding::own || !firsts_.empty())
+        setFinding(Finding::lost);
+    changeItems([&removed](auto& list) { zorvan::remove(list, removed); });
 }
 
 /// Where the full list loses an equal item before the shown one, that one's place is free for
-/// whoever is shown of the item that goes.
+/// whoever is shown of the item that goes. Whether there was such a one.
 template <class Item>
-void FullList<Item>::handOverPlaces(const IndexSet& at, const Positions& lost) {
+bool FullList<Item>::handOverPlaces(const IndexSet& at, const Positions& lost) {
     Positions& places = placesToChange();
     std::unordered_map<std::int64_t, std::int64_t> freed;
     std::size_t i = 0;
@@ -180,24 +230,28 @@ void FullList<Item>::handOverPlaces(const IndexSet& at, const Positions& lost) {
         ++i;
     }
     if (freed.empty())
-        return;
+        return false;
     for (std::int64_t& place : places)
         if (const auto found = freed.find(place); found != freed.end())
             place = found->second;
+    return true;
 }
 
-/// What was found stays true of items that only lose others before them; those that lose their
-/// first equal get the next one.
+/// What the places become when those at `at` go: each is less by those before it, which needs no
+/// asking where they stand as they ascend.
 template <class Item>
-void FullList<Item>::renewFirsts(const IndexSet& at, const Positions& lost) {
-    if (finding_ == Finding::own || (!firsts_.empty() && at.count() > few))
-        setFinding(Finding::lost);
-    if (firsts_.empty())
-        return;
-    for (const std::int64_t first : lost) {
-        const std::int64_t next = find(items_[static_cast<std::size_t>(first)], first + 1);
-        std::replace(firsts_.begin(), firsts_.end(), first, next);
+void FullList<Item>::closeUp(const IndexSet& at) {
+    std::int64_t gone = 0;
+    auto place = places_->begin() + *at.first();
+    const auto comeForward = [&](auto end) {
+        for (; place != end; ++place)
+            *place -= gone;
+    };
+    for (const IndexSet::Range range : at.ranges()) {
+        comeForward(places_->begin() + range.lower);
+        gone += range.count();
     }
+    comeForward(places_->end());
 }
 
 template <class Item>
@@ -207,19 +261,19 @@ void FullList<Item>::move(const Items& shown, const IndexSet& from, std::int64_t
     Positions& places = placesToChange();
     Reordering::moving(count(), moved, target).apply(places);
     zorvan::move(places, from, to);
-    zorvan::move(items_, moved, target);
-    setFinding(Finding::lost);
+    changeItems([&](auto& list) { zorvan::move(list, moved, target); });
+    lose();
 }
 
 template <class Item>
 template <class Order>
 void FullList<Item>::sort(const Order& by, const Positions& shownOrder) {
     Positions& places = placesToChange();
-    setFinding(Finding::lost);
+    lose();
     permute(places, shownOrder);
     const Positions order = sortedPositions(items_, by);
     Reordering::permuting(order).apply(places);
-    permute(items_, order);
+    changeItems([&order](auto& list) { permute(list, order); });
 }
 
 template <class Item>
@@ -227,8 +281,8 @@ void FullList<Item>::reverse() {
     Positions& places = placesToChange();
     std::reverse(places.begin(), places.end());
     Reordering::reversing(count()).apply(places);
-    std::reverse(items_.begin(), items_.end());
-    setFinding(Finding::lost);
+    changeItems([](auto& list) { std::reverse(list.begin(), list.end()); });
+    lose();
 }
 
 } // namespace zorvan::detail

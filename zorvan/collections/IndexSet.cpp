@@ -306,22 +306,12 @@ void IndexSet::shift(std::int64_t index, std::int64_t delta) {
     checkPosition(index, endOfPositions);
     if (delta < 0) {
         const std::int64_t back = delta < -endOfPositions ? endOfPositions : -delta;
-        remove(Range{index - std::min(index, back), std::max(index, back)});
+        *this =
+            afterRemoving(IndexSet(Range{index - std::min(index, back), std::max(index, back)}));
+    } else if (!isEmpty() && ranges_.back().upper > index) {
+        checkPosition(*last(), maximumIndex - delta);
+        *this = afterInserting(IndexSet(Range{index, index + delta}));
     }
-    if (delta == 0 || isEmpty() || ranges_.back().upper <= index)
-        return;
-    if (delta > 0)
-        checkPosition(*last(), IndexSet::maximumIndex - delta);
-
-    IndexSet moved;
-    moved.ranges_.reserve(ranges_.size() + 1);
-    for (const Range range : ranges_) {
-        if (range.lower < index)
-            moved.insert(Range{range.lower, std::min(range.upper, index)});
-        if (range.upper > index)
-            moved.insert(Range{std::max(range.lower, index) + delta, range.upper + delta});
-    }
-    *this = std::move(moved);
 }
 
 IndexSet IndexSet::afterRemoving(const IndexSet& removed) const {

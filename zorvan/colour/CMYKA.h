@@ -4,16 +4,14 @@
 
 namespace zorvan {
 
-/// A colour by cyan, magenta, yellow, black and alpha, each from 0 to 1 by convention.
+/// A colour by cyan, magenta, yellow, black and alpha, each from 0 to 1 by convention;
+/// nothing clamps them.
 struct CMYKA {
-    /// From 0 to 1; nothing clamps it.
-    /// @{
-    double c = 0;
-    double m = 0;
-    double y = 0;
-    double k = 0;
-    double a = 0;
-    /// @}
+    double c = 0; ///< Cyan.
+    double m = 0; ///< Magenta.
+    double y = 0; ///< Yellow.
+    double k = 0; ///< Black.
+    double a = 0; ///< Alpha: 1 is opaque.
 
     constexpr CMYKA() noexcept = default;
     /// The components as they are.
@@ -25,10 +23,7 @@ struct CMYKA {
 
     /// The colour of that name; `zero` is all 0, which is a transparent white.
     /// @{
-    static const CMYKA zero;
-    static const CMYKA black;
-    static const CMYKA white;
-    static const CMYKA clear;
+    static const CMYKA zero, black, white, clear;
     /// @}
 
     friend constexpr bool operator==(const CMYKA&, const CMYKA&) = default;

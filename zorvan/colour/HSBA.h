@@ -4,15 +4,13 @@
 
 namespace zorvan {
 
-/// A colour by hue, saturation, brightness and alpha, each from 0 to 1 by convention.
+/// A colour by hue, saturation, brightness and alpha, each from 0 to 1 by convention;
+/// nothing clamps them.
 struct HSBA {
-    /// From 0 to 1; nothing clamps it.
-    /// @{
-    double h = 0;
-    double s = 0;
-    double b = 0;
-    double a = 0;
-    /// @}
+    double h = 0; ///< Hue.
+    double s = 0; ///< Saturation.
+    double b = 0; ///< Brightness.
+    double a = 0; ///< Alpha: 1 is opaque.
 
     constexpr HSBA() noexcept = default;
     /// The components as they are.
@@ -24,10 +22,7 @@ struct HSBA {
 
     /// The colour of that name; `zero` is all 0, as `clear` is.
     /// @{
-    static const HSBA zero;
-    static const HSBA black;
-    static const HSBA white;
-    static const HSBA clear;
+    static const HSBA zero, black, white, clear;
     /// @}
 
     friend constexpr bool operator==(const HSBA&, const HSBA&) = default;

@@ -4,15 +4,13 @@
 
 namespace zorvan {
 
-/// A colour by hue, saturation, lightness and alpha, each from 0 to 1 by convention.
+/// A colour by hue, saturation, lightness and alpha, each from 0 to 1 by convention;
+/// nothing clamps them.
 struct HSLA {
-    /// From 0 to 1; nothing clamps it.
-    /// @{
-    double h = 0;
-    double s = 0;
-    double l = 0;
-    double a = 0;
-    /// @}
+    double h = 0; ///< Hue.
+    double s = 0; ///< Saturation.
+    double l = 0; ///< Lightness.
+    double a = 0; ///< Alpha: 1 is opaque.
 
     constexpr HSLA() noexcept = default;
     /// The components as they are.
@@ -24,10 +22,7 @@ struct HSLA {
 
     /// The colour of that name; `zero` is all 0, as `clear` is.
     /// @{
-    static const HSLA zero;
-    static const HSLA black;
-    static const HSLA white;
-    static const HSLA clear;
+    static const HSLA zero, black, white, clear;
     /// @}
 
     friend constexpr bool operator==(const HSLA&, const HSLA&) = default;

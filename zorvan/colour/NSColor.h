@@ -17,15 +17,12 @@ class NSGradient;
 /// Components are clamped to 0 to 1; NaN becomes 0.
 class NSColor {
 public:
-    /// A mixture of red, green and blue.
+    /// A mixture of red, green and blue, each from 0 to 1; what lies outside is clamped.
     struct Components {
-        /// From 0 to 1; what lies outside is clamped.
-        /// @{
-        Required<double> red;
-        Required<double> green;
-        Required<double> blue;
-        Required<double> alpha;
-        /// @}
+        Required<double> red;   ///< From 0 to 1.
+        Required<double> green; ///< From 0 to 1.
+        Required<double> blue;  ///< From 0 to 1.
+        Required<double> alpha; ///< 1 is opaque.
     };
     /// A grey.
     struct White {

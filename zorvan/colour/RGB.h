@@ -15,21 +15,15 @@ struct YUV;
 
 /// An sRGB colour with 8 bits a channel.
 struct RGB {
-    /// From 0 to 255.
-    /// @{
-    std::uint8_t r = 0;
-    std::uint8_t g = 0;
-    std::uint8_t b = 0;
-    /// @}
+    std::uint8_t r = 0; ///< Red.
+    std::uint8_t g = 0; ///< Green.
+    std::uint8_t b = 0; ///< Blue.
 
-    /// Three reals.
+    /// Three reals from 0 to 1; what lies outside is clamped.
     struct Unit {
-        /// From 0 to 1; what lies outside is clamped.
-        /// @{
-        Required<double> unitR;
-        Required<double> unitG;
-        Required<double> unitB;
-        /// @}
+        Required<double> unitR; ///< Red.
+        Required<double> unitG; ///< Green.
+        Required<double> unitB; ///< Blue.
     };
     /// Three bytes out of many: red, green and blue.
     struct Bytes {

@@ -8,28 +8,22 @@
 
 namespace zorvan {
 
-/// A colour by red, green, blue and alpha, each from 0 to 1 by convention.
+/// A colour by red, green, blue and alpha, each from 0 to 1 by convention; nothing clamps them.
 ///
 /// Stored in the order red, blue, green, alpha; made, printed and written in hexadecimal in the
 /// order red, green, blue, alpha.
 struct RGBA {
-    /// From 0 to 1; nothing clamps it.
-    /// @{
-    double r = 0;
-    double b = 0;
-    double g = 0;
-    double a = 0;
-    /// @}
+    double r = 0; ///< Red.
+    double b = 0; ///< Blue.
+    double g = 0; ///< Green.
+    double a = 0; ///< Alpha: 1 is opaque.
 
-    /// The components in the order they are spoken of.
+    /// The components in the order they are spoken of, not clamped.
     struct Components {
-        /// As it is, not clamped.
-        /// @{
-        Required<double> r;
-        Required<double> g;
-        Required<double> b;
-        Required<double> a;
-        /// @}
+        Required<double> r; ///< Red.
+        Required<double> g; ///< Green.
+        Required<double> b; ///< Blue.
+        Required<double> a; ///< Alpha: 1 is opaque.
     };
     /// A text for `make`.
     struct HexString {
@@ -49,7 +43,7 @@ struct RGBA {
     /// White space is skipped before the "#" and before the digits, "0x" may stand before the
     /// digits, and whatever follows them is ignored; but every character after the first one of the
     /// text counts towards the 3, 4, 6 or 8 that choose the form, and the digits are read as one
-    /// number (at most the largest of 64 bits) whose low bits are the components. A character is a
+    /// number whose low bits are the components. A character is a
     /// Unicode code point, or a carriage return with the line feed after it.
     ///
     /// Absent without a "#", without a digit, and for another count of characters; the latter also
@@ -65,10 +59,7 @@ struct RGBA {
 
     /// The colour of that name; `zero` is all 0, as `clear` is.
     /// @{
-    static const RGBA zero;
-    static const RGBA black;
-    static const RGBA white;
-    static const RGBA clear;
+    static const RGBA zero, black, white, clear;
     /// @}
 
     friend constexpr bool operator==(const RGBA&, const RGBA&) = default;

@@ -8,19 +8,13 @@ struct LAB;
 
 /// A colour by CIE 1931 tristimulus values under D65; Y of white is 100.
 struct XYZ {
-    /// As the model has it, not divided by 100.
-    /// @{
-    double x = 0;
-    double y = 0;
-    double z = 0;
-    /// @}
+    double x = 0; ///< Not divided by 100.
+    double y = 0; ///< The luminance.
+    double z = 0; ///< Not divided by 100.
 
-    /// Of white.
-    /// @{
-    static constexpr double referenceX = 95.047;
-    static constexpr double referenceY = 100;
-    static constexpr double referenceZ = 108.883;
-    /// @}
+    static constexpr double referenceX = 95.047;  ///< The `x` of white.
+    static constexpr double referenceY = 100;     ///< The `y` of white.
+    static constexpr double referenceZ = 108.883; ///< The `z` of white.
 
     constexpr XYZ() noexcept = default;
     /// The values as they are.

@@ -1,12 +1,12 @@
 #include <zorvan/colour/RGBA.h>
 #include <zorvan/numbers-geometry/RealNumber.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
 
 #include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <limits>
 
 namespace zorvan {
 
@@ -14,13 +14,8 @@ namespace {
 
 constexpr auto hexValues = [] {
     std::array<std::int8_t, 256> values{};
-    values.fill(-1);
-    for (int digit = 0; digit < 10; ++digit)
-        values[static_cast<std::size_t>('0' + digit)] = static_cast<std::int8_t>(digit);
-    for (int letter = 0; letter < 6; ++letter) {
-        values[static_cast<std::size_t>('a' + letter)] = static_cast<std::int8_t>(10 + letter);
-        values[static_cast<std::size_t>('A' + letter)] = static_cast<std::int8_t>(10 + letter);
-    }
+    for (std::size_t byte = 0; byte < values.size(); ++byte)
+        values[byte] = static_cast<std::int8_t>(internal::hexDigit(static_cast<char>(byte)));
     return values;
 }();
 
@@ -33,15 +28,13 @@ constexpr auto unitOfByte = [] {
 
 int hexValue(char c) noexcept { return hexValues[static_cast<unsigned char>(c)]; }
 
-bool isSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 std::string_view skippingSpace(std::string_view text) noexcept {
-    while (!text.empty() && isSpace(text.front()))
+    while (!text.empty() && internal::isSpace(text.front()))
         text.remove_prefix(1);
     return text;
 }
 
-// The number that the text begins with, after white space and an optional "0x".
+// The low bits of the number that the text begins with, after white space and an optional "0x".
 std::optional<std::uint64_t> scanHex(std::string_view text) noexcept {
     text = skippingSpace(text);
     if (text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x' && hexValue(text[2]) >= 0)
@@ -53,8 +46,6 @@ std::optional<std::uint64_t> scanHex(std::string_view text) noexcept {
         const int digit = hexValue(c);
         if (digit < 0)
             break;
-        if (value >> 60 != 0)
-            return std::numeric_limits<std::uint64_t>::max();
         value = value << 4 | static_cast<std::uint64_t>(digit);
     }
     return value;

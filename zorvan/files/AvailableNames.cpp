@@ -3,8 +3,8 @@
 #include <zorvan/files/NSFileManager.h>
 
 #include <zorvan/files/internal/CopyItem.h>
+#include <zorvan/files/internal/fileNames.h>
 #include <zorvan/files/internal/filePath.h>
-#include <zorvan/files/internal/numberedName.h>
 #include <zorvan/platform/foundation/internal/NewFile.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
 #include <zorvan/platform/foundation/internal/removeItem.h>
@@ -35,8 +35,6 @@ URL firstAvailable(const URL& url, Take take) {
     }
 }
 
-int createFolder(const std::string& path) { return ::mkdir(path.c_str(), 0777) == 0 ? 0 : errno; }
-
 } // namespace
 
 URL NSFileManager::availableItemURL(const URL& url) const {
@@ -60,7 +58,8 @@ URL NSFileManager::createAvailableFile(const URL& url, std::span<const std::byte
 }
 
 URL NSFileManager::createAvailableDirectory(const URL& url) const {
-    return firstAvailable(url, createFolder);
+    return firstAvailable(
+        url, [](const std::string& path) { return ::mkdir(path.c_str(), 0777) == 0 ? 0 : errno; });
 }
 
 URL NSFileManager::moveItemToAvailableURL(const URL& item, const URL& url) const {

@@ -1,6 +1,5 @@
 #include <zorvan/files/internal/CopyItem.h>
 
-#include <zorvan/files/internal/copyContents.h>
 #include <zorvan/platform/foundation/internal/DirectoryWalk.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
@@ -52,9 +51,9 @@ FileDescriptor opened(const Place& place, int flags, mode_t mode = 0) {
     return file;
 }
 
-struct stat statusOf(const FileDescriptor& file, const Place& place) {
+struct stat statusOf(int file, const Place& place) {
     struct stat status {};
-    if (::fstat(file.get(), &status) != 0)
+    if (::fstat(file, &status) != 0)
         fail("cannot ask for attributes", place);
     return status;
 }
@@ -91,9 +90,7 @@ void copyExtendedAttributes(int from, int to) {
 
 void copyAttributes(int from, const struct stat& status, int to, const Place& place) {
     copyExtendedAttributes(from, to);
-    struct stat own {};
-    if (::fstat(to, &own) != 0)
-        fail("cannot ask for attributes", place);
+    const struct stat own = statusOf(to, place);
     const bool isSameOwner = own.st_uid == status.st_uid && own.st_gid == status.st_gid;
     if (::fchmod(to, status.st_mode & (isSameOwner ? 07777 : 01777)) != 0)
         fail("cannot set the mode of", place);
@@ -112,7 +109,7 @@ void copyFile(int from, const struct stat& status, int to, const Place& place, b
 /// Opens a file to be copied; not blocking, should a pipe have taken its name meanwhile.
 FileDescriptor openedFile(const Place& place, struct stat& status) {
     FileDescriptor file = opened(place, O_RDONLY | O_NONBLOCK);
-    status = statusOf(file, place);
+    status = statusOf(file.get(), place);
     if (!S_ISREG(status.st_mode))
         throwFileError("cannot copy", place.path, EINVAL);
     return file;
@@ -179,8 +176,6 @@ public:
     }
 
 private:
-    Place targetPlace(const char* name) const { return {target_.get(), name, targetPath_}; }
-
     void expectAllSeen(const DirectoryWalk& walk) const {
         if (walk.error() != 0)
             throwFileError("cannot list all of", from_, walk.error());
@@ -191,7 +186,7 @@ private:
         const Place source{walk.folder(), name, walk.path()};
         targetPath_ = to_ + walk.path().substr(from_ == "/" ? 0 : from_.size());
         if (walk.kind() != EntryKind::directory)
-            copyLeaf(source, targetPlace(name), durability_);
+            copyLeaf(source, {target_.get(), name, targetPath_}, durability_);
         else if (walk.isLeaving())
             leave(opened(source, folderFlags));
         else
@@ -200,7 +195,7 @@ private:
 
     void enter(const Place& source, const char* name) {
         // Opened, because the walk would pass over one that cannot be, and say so only later.
-        if (folders_.front() == identityOf(statusOf(opened(source, folderFlags), source)))
+        if (folders_.front() == identityOf(statusOf(opened(source, folderFlags).get(), source)))
             throwFileError("cannot copy a folder into itself:", source.path, EINVAL);
         makeTarget(target_.get(), name);
     }
@@ -210,7 +205,7 @@ private:
         if (::mkdirat(folder, name, 0700) != 0)
             fail("cannot make the folder", place);
         target_ = opened(place, folderFlags);
-        folders_.push_back(identityOf(statusOf(target_, place)));
+        folders_.push_back(identityOf(statusOf(target_.get(), place)));
     }
 
     void leave(const FileDescriptor& source) {
@@ -219,13 +214,13 @@ private:
         finishTarget(source);
         folders_.pop_back();
         target_ = std::move(parent);
-        if (folders_.back() != identityOf(statusOf(target_, placeOf(targetPath_))))
+        if (folders_.back() != identityOf(statusOf(target_.get(), placeOf(targetPath_))))
             throwFileError("was moved while it was being filled:", targetPath_, ESTALE);
     }
 
     void finishTarget(const FileDescriptor& source) {
         const Place place = placeOf(targetPath_);
-        copyAttributes(source.get(), statusOf(source, place), target_.get(), place);
+        copyAttributes(source.get(), statusOf(source.get(), place), target_.get(), place);
     }
 
     const std::string& from_;
@@ -266,10 +261,7 @@ UnplacedCopy::UnplacedCopy(const UnplacedCopy& copy, const std::string& scratchN
         return;
     }
     const int source = copy.file_->descriptor();
-    struct stat status {};
-    if (::fstat(source, &status) != 0)
-        fail("cannot ask for attributes", placeOf(scratchName));
-    makeFile(source, status, scratchName, durability);
+    makeFile(source, statusOf(source, placeOf(scratchName)), scratchName, durability);
 }
 
 void UnplacedCopy::makeFile(int source, const struct stat& status, const std::string& scratchName,

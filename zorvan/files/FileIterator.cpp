@@ -1,7 +1,7 @@
 #include <zorvan/files/FileIterator.h>
 
 #include <zorvan/files/NSFileManager.h>
-#include <zorvan/files/internal/pathExtension.h>
+#include <zorvan/files/internal/fileNames.h>
 #include <zorvan/files/internal/statusAt.h>
 #include <zorvan/platform/foundation/internal/DirectoryWalk.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
@@ -32,13 +32,6 @@ std::shared_ptr<FileIterator> FileIterator::create(std::vector<URL> urls) {
 void FileIterator::setAllowedTypes(std::optional<Types> types) {
     allowedTypes_ = std::move(types);
     typeVerdicts_.clear();
-}
-
-void FileIterator::setAllowedFiles(std::optional<Extensions> extensions) {
-    allowedFiles_ = std::move(extensions);
-    extensions_.clear();
-    if (allowedFiles_)
-        extensions_.insert(allowedFiles_->begin(), allowedFiles_->end());
 }
 
 std::optional<URL> FileIterator::next() {
@@ -86,17 +79,17 @@ bool FileIterator::accepts(const std::string& path) {
 }
 
 bool FileIterator::acceptsName(std::string_view pathExtension) {
-    const bool hasExtensions = !extensions_.empty();
+    const bool hasExtensions = allowedFiles_ && !allowedFiles_->empty();
     const bool hasTypes = allowedTypes_ && !allowedTypes_->empty();
     if (!hasExtensions && !hasTypes)
         return true;
     lowerExtension_.assign(pathExtension);
     lower(lowerExtension_);
-    return (hasExtensions && extensions_.contains(std::string_view(lowerExtension_))) ||
+    return (hasExtensions && allowedFiles_->contains(lowerExtension_)) ||
            (hasTypes && isOfAllowedType(lowerExtension_));
 }
 
-bool FileIterator::isOfAllowedType(std::string_view lowerExtension) {
+bool FileIterator::isOfAllowedType(const std::string& lowerExtension) {
     if (const auto known = typeVerdicts_.find(lowerExtension); known != typeVerdicts_.end())
         return known->second;
     const auto type = UTIType::make({.fileExtension = lowerExtension});

@@ -94,7 +94,9 @@ public:
     /// dot: the file's own extension is lowered, the ones given here are not.
     /// @{
     const std::optional<Extensions>& allowedFiles() const noexcept { return allowedFiles_; }
-    void setAllowedFiles(std::optional<Extensions> extensions);
+    void setAllowedFiles(std::optional<Extensions> extensions) {
+        allowedFiles_ = std::move(extensions);
+    }
     /// @}
 
     /// The position of the root being visited; -1 before the first and after the end.
@@ -106,17 +108,13 @@ public:
     }
 
 private:
-    struct ViewHash : std::hash<std::string_view> {
-        using is_transparent = void;
-    };
-
     explicit FileIterator(std::vector<URL> urls) : urls_(std::move(urls)) {}
 
     std::optional<URL> nextEntry();
     NSDirectoryEnumerationOptions enumerationOptions() const noexcept;
     bool accepts(const std::string& path);
     bool acceptsName(std::string_view pathExtension);
-    bool isOfAllowedType(std::string_view lowerExtension);
+    bool isOfAllowedType(const std::string& lowerExtension);
 
     std::vector<URL> urls_;
     bool skipAlias_ = false;
@@ -128,9 +126,8 @@ private:
     std::int64_t index_ = -1;
     std::shared_ptr<NSDirectoryEnumerator> enumerator_;
 
-    std::unordered_set<std::string, ViewHash, std::equal_to<>> extensions_; // as `allowedFiles_`
-    std::unordered_map<std::string, bool, ViewHash, std::equal_to<>> typeVerdicts_; // by extension
-    std::string lowerExtension_;
+    std::unordered_map<std::string, bool> typeVerdicts_; // by extension
+    std::string lowerExtension_;                         // of the file being judged
 };
 
 /// An input iterator over a `FileIterator`, which must outlive it.

@@ -1,6 +1,6 @@
 #include <zorvan/files/internal/LockItem.h>
 
-#include <zorvan/platform/foundation/internal/lockDescriptor.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 
 #include <algorithm>
 #include <fcntl.h>

@@ -1,6 +1,6 @@
 #include <zorvan/files/NSDirectoryEnumerator.h>
 
-#include <zorvan/files/internal/pathExtension.h>
+#include <zorvan/files/internal/fileNames.h>
 #include <zorvan/platform/coreservices/UTType.h>
 #include <zorvan/platform/foundation/internal/DirectoryWalk.h>
 

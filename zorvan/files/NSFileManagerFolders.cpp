@@ -6,7 +6,6 @@
 #include <zorvan/platform/foundation/NSUserName.h>
 #include <zorvan/platform/foundation/UUID.h>
 #include <zorvan/platform/foundation/internal/desktopFolders.h>
-#include <zorvan/platform/foundation/internal/makeFolders.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
 
 #include <cerrno>

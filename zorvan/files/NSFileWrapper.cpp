@@ -2,8 +2,8 @@
 
 #include <zorvan/files/internal/CopyItem.h>
 #include <zorvan/files/internal/LockItem.h>
+#include <zorvan/files/internal/fileNames.h>
 #include <zorvan/files/internal/filePath.h>
-#include <zorvan/files/internal/numberedName.h>
 #include <zorvan/platform/foundation/fatalError.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/Scratch.h>
@@ -69,39 +69,37 @@ std::shared_ptr<NSFileWrapper> NSFileWrapper::create(const Place& place) {
         children = readChildren(path);
     else
         std::filesystem::create_directories(path);
-    auto wrapper = create({.directoryWithFileWrappers = std::move(children)});
+    auto wrapper = of(std::move(children));
     wrapper->filename_ = place.url.value.lastPathComponent();
     wrapper->preferredFilename_ = wrapper->filename_;
     return wrapper;
 }
 
 std::shared_ptr<NSFileWrapper> NSFileWrapper::create(RegularFile file) {
-    return std::shared_ptr<NSFileWrapper>(
-        new NSFileWrapper(std::move(file.regularFileWithContents.value)));
+    return of(std::move(file.regularFileWithContents.value));
 }
 
 std::shared_ptr<NSFileWrapper> NSFileWrapper::create(Directory directory) {
-    return std::shared_ptr<NSFileWrapper>(
-        new NSFileWrapper(std::move(directory.directoryWithFileWrappers.value)));
+    return of(std::move(directory.directoryWithFileWrappers.value));
 }
 
 std::shared_ptr<NSFileWrapper> NSFileWrapper::create(SymbolicLink link) {
-    return std::shared_ptr<NSFileWrapper>(
-        new NSFileWrapper(Link{std::move(link.symbolicLinkWithDestination.value)}));
+    return of(Link{std::move(link.symbolicLinkWithDestination.value)});
+}
+
+std::shared_ptr<NSFileWrapper> NSFileWrapper::of(Content content) {
+    return std::shared_ptr<NSFileWrapper>(new NSFileWrapper(std::move(content)));
 }
 
 /// Null for what is no file, folder or link.
 std::shared_ptr<NSFileWrapper> NSFileWrapper::read(const std::string& path) {
-    const auto made = [](auto content) {
-        return std::shared_ptr<NSFileWrapper>(new NSFileWrapper(std::move(content)));
-    };
     switch (std::filesystem::symlink_status(path).type()) {
     case std::filesystem::file_type::directory:
-        return made(readChildren(path));
+        return of(readChildren(path));
     case std::filesystem::file_type::symlink:
-        return made(Link{std::filesystem::read_symlink(path).string()});
+        return of(Link{std::filesystem::read_symlink(path).string()});
     case std::filesystem::file_type::regular:
-        return made(URL({.fileURLWithPath = path}));
+        return of(URL({.fileURLWithPath = path}));
     default:
         return nullptr;
     }

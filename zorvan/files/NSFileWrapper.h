@@ -100,9 +100,9 @@ private:
     /// A file is where it was read from, or its bytes.
     using Content = std::variant<URL, Data, Link, Children>;
 
-    template <class Kind>
-    explicit NSFileWrapper(Kind kind) : content_(std::move(kind)) {}
+    explicit NSFileWrapper(Content content) : content_(std::move(content)) {}
 
+    static std::shared_ptr<NSFileWrapper> of(Content content);
     static std::shared_ptr<NSFileWrapper> read(const std::string& path);
     static Children readChildren(const std::string& path);
     Children& children();

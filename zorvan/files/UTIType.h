@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/platform/coreservices/UTCoreTypes.h>
 #include <zorvan/platform/foundation/PropertyList.h>
 #include <zorvan/platform/foundation/Required.h>
 
@@ -66,74 +67,80 @@ public:
 
     /// The type of that name, made on first use; see `UTCoreTypes.h` for its identifier.
     /// @{
-    static const UTIType& item();
-    static const UTIType& content();
-    static const UTIType& compositeContent();
-    static const UTIType& application();
-    static const UTIType& message();
-    static const UTIType& contact();
-    static const UTIType& archive();
-    static const UTIType& diskImage();
-    static const UTIType& data();
-    static const UTIType& directory();
-    static const UTIType& resolvable();
-    static const UTIType& symLink();
-    static const UTIType& mountPoint();
-    static const UTIType& aliasFile();
-    static const UTIType& aliasRecord();
-    static const UTIType& url();
-    static const UTIType& fileURL();
-    static const UTIType& text();
-    static const UTIType& plainText();
-    static const UTIType& utf8PlainText();
-    static const UTIType& utf16PlainText();
-    static const UTIType& rtf();
-    static const UTIType& html();
-    static const UTIType& xml();
-    static const UTIType& sourceCode();
-    static const UTIType& cSource();
-    static const UTIType& objectiveCSource();
-    static const UTIType& cppSource();
-    static const UTIType& objCPPSource();
-    static const UTIType& cHeader();
-    static const UTIType& cppHeader();
-    static const UTIType& javaSource();
-    static const UTIType& pdf();
-    static const UTIType& rtfd();
-    static const UTIType& flatRTFD();
-    static const UTIType& webArchive();
-    static const UTIType& image();
-    static const UTIType& jpeg();
-    static const UTIType& jpeg2000();
-    static const UTIType& tiff();
-    static const UTIType& pict();
-    static const UTIType& gif();
-    static const UTIType& png();
-    static const UTIType& quickTimeImage();
-    static const UTIType& audiovisualContent();
-    static const UTIType& movie();
-    static const UTIType& video();
-    static const UTIType& audio();
-    static const UTIType& qtMovie();
-    static const UTIType& mpeg();
-    static const UTIType& mpeg4();
-    static const UTIType& mP3();
-    static const UTIType& mpeg4Audio();
-    static const UTIType& folder();
-    static const UTIType& volume();
-    static const UTIType& package();
-    static const UTIType& bundle();
-    static const UTIType& framework();
-    static const UTIType& applicationBundle();
-    static const UTIType& applicationFile();
-    static const UTIType& vCard();
-    static const UTIType& inkText();
+    static const UTIType& item() { return named<kUTTypeItem>(); }
+    static const UTIType& content() { return named<kUTTypeContent>(); }
+    static const UTIType& compositeContent() { return named<kUTTypeCompositeContent>(); }
+    static const UTIType& application() { return named<kUTTypeApplication>(); }
+    static const UTIType& message() { return named<kUTTypeMessage>(); }
+    static const UTIType& contact() { return named<kUTTypeContact>(); }
+    static const UTIType& archive() { return named<kUTTypeArchive>(); }
+    static const UTIType& diskImage() { return named<kUTTypeDiskImage>(); }
+    static const UTIType& data() { return named<kUTTypeData>(); }
+    static const UTIType& directory() { return named<kUTTypeDirectory>(); }
+    static const UTIType& resolvable() { return named<kUTTypeResolvable>(); }
+    static const UTIType& symLink() { return named<kUTTypeSymLink>(); }
+    static const UTIType& mountPoint() { return named<kUTTypeMountPoint>(); }
+    static const UTIType& aliasFile() { return named<kUTTypeAliasFile>(); }
+    static const UTIType& aliasRecord() { return named<kUTTypeAliasRecord>(); }
+    static const UTIType& url() { return named<kUTTypeURL>(); }
+    static const UTIType& fileURL() { return named<kUTTypeFileURL>(); }
+    static const UTIType& text() { return named<kUTTypeText>(); }
+    static const UTIType& plainText() { return named<kUTTypePlainText>(); }
+    static const UTIType& utf8PlainText() { return named<kUTTypeUTF8PlainText>(); }
+    static const UTIType& utf16PlainText() { return named<kUTTypeUTF16PlainText>(); }
+    static const UTIType& rtf() { return named<kUTTypeRTF>(); }
+    static const UTIType& html() { return named<kUTTypeHTML>(); }
+    static const UTIType& xml() { return named<kUTTypeXML>(); }
+    static const UTIType& sourceCode() { return named<kUTTypeSourceCode>(); }
+    static const UTIType& cSource() { return named<kUTTypeCSource>(); }
+    static const UTIType& objectiveCSource() { return named<kUTTypeObjectiveCSource>(); }
+    static const UTIType& cppSource() { return named<kUTTypeCPlusPlusSource>(); }
+    static const UTIType& objCPPSource() { return named<kUTTypeObjectiveCPlusPlusSource>(); }
+    static const UTIType& cHeader() { return named<kUTTypeCHeader>(); }
+    static const UTIType& cppHeader() { return named<kUTTypeCPlusPlusHeader>(); }
+    static const UTIType& javaSource() { return named<kUTTypeJavaSource>(); }
+    static const UTIType& pdf() { return named<kUTTypePDF>(); }
+    static const UTIType& rtfd() { return named<kUTTypeRTFD>(); }
+    static const UTIType& flatRTFD() { return named<kUTTypeFlatRTFD>(); }
+    static const UTIType& webArchive() { return named<kUTTypeWebArchive>(); }
+    static const UTIType& image() { return named<kUTTypeImage>(); }
+    static const UTIType& jpeg() { return named<kUTTypeJPEG>(); }
+    static const UTIType& jpeg2000() { return named<kUTTypeJPEG2000>(); }
+    static const UTIType& tiff() { return named<kUTTypeTIFF>(); }
+    static const UTIType& pict() { return named<kUTTypePICT>(); }
+    static const UTIType& gif() { return named<kUTTypeGIF>(); }
+    static const UTIType& png() { return named<kUTTypePNG>(); }
+    static const UTIType& quickTimeImage() { return named<kUTTypeQuickTimeImage>(); }
+    static const UTIType& audiovisualContent() { return named<kUTTypeAudiovisualContent>(); }
+    static const UTIType& movie() { return named<kUTTypeMovie>(); }
+    static const UTIType& video() { return named<kUTTypeVideo>(); }
+    static const UTIType& audio() { return named<kUTTypeAudio>(); }
+    static const UTIType& qtMovie() { return named<kUTTypeQuickTimeMovie>(); }
+    static const UTIType& mpeg() { return named<kUTTypeMPEG>(); }
+    static const UTIType& mpeg4() { return named<kUTTypeMPEG4>(); }
+    static const UTIType& mP3() { return named<kUTTypeMP3>(); }
+    static const UTIType& mpeg4Audio() { return named<kUTTypeMPEG4Audio>(); }
+    static const UTIType& folder() { return named<kUTTypeFolder>(); }
+    static const UTIType& volume() { return named<kUTTypeVolume>(); }
+    static const UTIType& package() { return named<kUTTypePackage>(); }
+    static const UTIType& bundle() { return named<kUTTypeBundle>(); }
+    static const UTIType& framework() { return named<kUTTypeFramework>(); }
+    static const UTIType& applicationBundle() { return named<kUTTypeApplicationBundle>(); }
+    static const UTIType& applicationFile() { return named<kUTTypeApplicationFile>(); }
+    static const UTIType& vCard() { return named<kUTTypeVCard>(); }
+    static const UTIType& inkText() { return named<kUTTypeInkText>(); }
     /// @}
 
     /// Of the same identifier, the case of ASCII letters aside.
     friend bool operator==(const UTIType& a, const UTIType& b) noexcept;
 
 private:
+    template <const NameLiteral& identifier>
+    static const UTIType& named() {
+        static const UTIType type({.identifier = identifier});
+        return type;
+    }
+
     std::string identifier_;
 };
 

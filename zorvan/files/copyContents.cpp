@@ -1,4 +1,4 @@
-#include <zorvan/files/internal/copyContents.h>
+#include <zorvan/files/internal/CopyItem.h>
 
 #include <algorithm>
 #include <cerrno>

@@ -29,30 +29,30 @@ public:
 
     /// Whether the view is shown: as its `isHidden` says, so true unless set.
     /// @{
-    bool showLeftItemView() const noexcept { return !leftItemView_->isHidden(); }
-    void setShowLeftItemView(bool show) { leftItemView_->setHidden(!show); }
-    bool showCenterItemView() const noexcept { return !centerItemView_->isHidden(); }
-    void setShowCenterItemView(bool show) { centerItemView_->setHidden(!show); }
-    bool showRightItemView() const noexcept { return !rightItemView_->isHidden(); }
-    void setShowRightItemView(bool show) { rightItemView_->setHidden(!show); }
+    bool showLeftItemView() const noexcept { return !left_.view->isHidden(); }
+    void setShowLeftItemView(bool show) { left_.view->setHidden(!show); }
+    bool showCenterItemView() const noexcept { return !center_.view->isHidden(); }
+    void setShowCenterItemView(bool show) { center_.view->setHidden(!show); }
+    bool showRightItemView() const noexcept { return !right_.view->isHidden(); }
+    void setShowRightItemView(bool show) { right_.view->setHidden(!show); }
     /// @}
 
     /// 80 x 32 points each, to put views into, or to be replaced by others; a new, empty one for
     /// null. A view that is set is shown or hidden as it is.
     /// @{
-    const std::shared_ptr<NSView>& leftItemView() const noexcept { return leftItemView_; }
-    void setLeftItemView(std::shared_ptr<NSView> view);
-    const std::shared_ptr<NSView>& centerItemView() const noexcept { return centerItemView_; }
-    void setCenterItemView(std::shared_ptr<NSView> view);
-    const std::shared_ptr<NSView>& rightItemView() const noexcept { return rightItemView_; }
-    void setRightItemView(std::shared_ptr<NSView> view);
+    const std::shared_ptr<NSView>& leftItemView() const noexcept { return left_.view; }
+    void setLeftItemView(std::shared_ptr<NSView> view) { left_.setView(std::move(view)); }
+    const std::shared_ptr<NSView>& centerItemView() const noexcept { return center_.view; }
+    void setCenterItemView(std::shared_ptr<NSView> view) { center_.setView(std::move(view)); }
+    const std::shared_ptr<NSView>& rightItemView() const noexcept { return right_.view; }
+    void setRightItemView(std::shared_ptr<NSView> view) { right_.setView(std::move(view)); }
     /// @}
 
     /// The item that shows the view; made when first asked for.
     /// @{
-    const std::shared_ptr<NSToolbarItem>& leftToolbarItem();
-    const std::shared_ptr<NSToolbarItem>& centerToolbarItem();
-    const std::shared_ptr<NSToolbarItem>& rightToolbarItem();
+    const std::shared_ptr<NSToolbarItem>& leftToolbarItem() { return left_.madeItem(); }
+    const std::shared_ptr<NSToolbarItem>& centerToolbarItem() { return center_.madeItem(); }
+    const std::shared_ptr<NSToolbarItem>& rightToolbarItem() { return right_.madeItem(); }
     /// @}
 
     // As its own delegate.
@@ -64,14 +64,21 @@ public:
     std::vector<NSToolbarItemIdentifier> toolbarAllowedItemIdentifiers(NSToolbar& toolbar) override;
 
 private:
+    struct Part {
+        NSToolbarItemIdentifier identifier;
+        std::shared_ptr<NSView> view = emptyView();
+        /// Null until it is asked for.
+        std::shared_ptr<NSToolbarItem> item = nullptr;
+
+        void setView(std::shared_ptr<NSView> newView);
+        const std::shared_ptr<NSToolbarItem>& madeItem();
+    };
+
     static std::shared_ptr<NSView> emptyView() { return NSView::create({0, 0, 80, 32}); }
 
-    std::shared_ptr<NSView> leftItemView_ = emptyView();
-    std::shared_ptr<NSView> centerItemView_ = emptyView();
-    std::shared_ptr<NSView> rightItemView_ = emptyView();
-    std::shared_ptr<NSToolbarItem> leftToolbarItem_;
-    std::shared_ptr<NSToolbarItem> centerToolbarItem_;
-    std::shared_ptr<NSToolbarItem> rightToolbarItem_;
+    Part left_{NSToolbarItemIdentifier(leftItemIdentifier)};
+    Part center_{NSToolbarItemIdentifier(centerItemIdentifier)};
+    Part right_{NSToolbarItemIdentifier(rightItemIdentifier)};
 };
 
 } // namespace zorvan

@@ -1,6 +1,5 @@
 #include <zorvan/interface/DynamicToolbar.h>
 
-#include <zorvan/interface/internal/dynamicBars.h>
 #include <zorvan/platform/foundation/UUID.h>
 
 namespace zorvan {
@@ -22,42 +21,20 @@ DynamicToolbar::DynamicToolbar(Key, std::string identifier)
     toolbar_->forgoDefaultItems();
 }
 
-std::shared_ptr<DynamicToolbarItemSet>
-DynamicToolbar::addItemSet(DynamicToolbarItemSet::Predicate isEnabled) {
-    itemSets_.push_back(DynamicToolbarItemSet::create(std::move(isEnabled)));
-    return itemSets_.back();
-}
-
-std::shared_ptr<DynamicToolbarItem>
-DynamicToolbar::addItem(const std::shared_ptr<DynamicToolbarItem>& item) {
-    if (!itemSets_.empty())
-        itemSets_.back()->addItem(item);
-    return item;
-}
-
 void DynamicToolbar::reloadDisplayedItems() {
     const auto keptAlive = shared_from_this();
-    reloads_.run([this] { reloadOnce(); });
+    reload();
 }
 
-void DynamicToolbar::reloadOnce() {
-    const std::shared_ptr<DynamicToolbarItemSet> chosen = chooseItemSet();
-    if (chosen)
-        internal::updateAll(chosen->items());
-    displayedItemSet_ = chosen;
-    showItems();
-}
-
-std::shared_ptr<DynamicToolbarItemSet> DynamicToolbar::chooseItemSet() const {
+std::shared_ptr<DynamicToolbarItemSet> DynamicToolbar::chosenItemSet() const {
     std::shared_ptr<DynamicToolbarItemSet> provided;
     if (const ItemSetProvider provider = itemSetProvider_) // it may replace itself
         provided = provider();
-    const auto enabled = internal::firstEnabled(itemSets_);
+    const auto enabled = DynamicBar::chosenItemSet();
     return provided ? provided : enabled;
 }
 
-void DynamicToolbar::showItems() {
-    const auto wanted = internal::shownIdentifiers(displayedItemSet_);
+void DynamicToolbar::showItems(std::vector<std::string> wanted) {
     const std::vector<NSToolbarItemIdentifier> current = toolbar_->itemIdentifiers();
     if (wanted == current)
         return;
@@ -71,7 +48,7 @@ void DynamicToolbar::showItems() {
 std::shared_ptr<NSToolbarItem>
 DynamicToolbar::toolbarItemForItemIdentifier(NSToolbar&, const NSToolbarItemIdentifier& identifier,
                                              bool) {
-    return internal::shownItem<NSToolbarItem>(displayedItemSet_, identifier);
+    return shownItem(identifier);
 }
 
 std::shared_ptr<NSToolbarItem>
@@ -81,8 +58,8 @@ DynamicToolbar::toolbarMakeItemForIdentifier(NSToolbar& toolbar,
 }
 
 std::vector<NSToolbarItemIdentifier> DynamicToolbar::toolbarDefaultItemIdentifiers(NSToolbar&) {
-    return displayedItemSet_ ? displayedItemSet_->identifiers()
-                             : std::vector<NSToolbarItemIdentifier>();
+    return displayedItemSet() ? displayedItemSet()->identifiers()
+                              : std::vector<NSToolbarItemIdentifier>();
 }
 
 std::vector<NSToolbarItemIdentifier>

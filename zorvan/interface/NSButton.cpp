@@ -63,76 +63,6 @@ std::shared_ptr<NSButtonCell> NSButton::buttonCell() const noexcept {
     return std::dynamic_pointer_cast<NSButtonCell>(cell());
 }
 
-std::string NSButton::title() const { return stringValue(); }
-
-void NSButton::setTitle(std::string_view title) { setStringValue(title); }
-
-NSAttributedString NSButton::attributedTitle() const {
-    return cell() ? cell()->attributedStringValue() : NSAttributedString();
-}
-
-void NSButton::setAttributedTitle(NSAttributedString title) {
-    if (cell())
-        cell()->setAttributedStringValue(std::move(title));
-}
-
-std::shared_ptr<NSImage> NSButton::image() const { return cell() ? cell()->image() : nullptr; }
-
-void NSButton::setImage(std::shared_ptr<NSImage> image) {
-    if (cell())
-        cell()->setImage(std::move(image));
-}
-
-NSCellImagePosition NSButton::imagePosition() const {
-    const auto own = buttonCell();
-    return own ? own->imagePosition() : NSCellImagePosition::noImage;
-}
-
-void NSButton::setImagePosition(NSCellImagePosition position) {
-    if (const auto own = buttonCell())
-        own->setImagePosition(position);
-}
-
-NSBezelStyle NSButton::bezelStyle() const {
-    const auto own = buttonCell();
-    return own ? own->bezelStyle() : NSBezelStyle::rounded;
-}
-
-void NSButton::setBezelStyle(NSBezelStyle style) {
-    if (const auto own = buttonCell())
-        own->setBezelStyle(style);
-}
-
-bool NSButton::isBordered() const {
-    const auto own = buttonCell();
-    return own && own->isBordered();
-}
-
-void NSButton::setBordered(bool bordered) {
-    if (const auto own = buttonCell())
-        own->setBordered(bordered);
-}
-
-std::optional<NSColor> NSButton::bezelColor() const {
-    const auto own = buttonCell();
-    return own ? own->bezelColor() : std::nullopt;
-}
-
-void NSButton::setBezelColor(std::optional<NSColor> color) {
-    if (const auto own = buttonCell())
-        own->setBezelColor(color);
-}
-
-std::optional<NSColor> NSButton::contentTintColor() const {
-    const auto own = buttonCell();
-    return own ? own->contentTintColor() : std::nullopt;
-}
-
-void NSButton::setContentTintColor(std::optional<NSColor> color) {
-    if (const auto own = buttonCell())
-        own->setContentTintColor(color);
-}
-
 // The mouse
 
 void NSButton::performClick() {
@@ -182,9 +112,8 @@ bool NSButton::performKeyEquivalent(const NSEvent& with) {
 
 std::string NSButton::ownAccessibilityLabel() const {
     const auto picture = image();
-    return !title().empty() || !toolTip().empty() || !picture
-               ? title()
-               : picture->accessibilityDescription();
+    return !title().empty() || !toolTip().empty() || !picture ? title()
+                                                              : picture->accessibilityDescription();
 }
 
 } // namespace zorvan

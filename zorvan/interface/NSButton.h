@@ -3,10 +3,13 @@
 #include <zorvan/interface/NSButtonCell.h>
 #include <zorvan/interface/NSControl.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 namespace zorvan {
 
@@ -44,22 +47,40 @@ public:
     /// As the button cell has it: empty or absent without one (`noImage`, `rounded`, false), and
     /// setting it then does nothing.
     /// @{
-    std::string title() const;
-    void setTitle(std::string_view title);
-    NSAttributedString attributedTitle() const;
-    void setAttributedTitle(NSAttributedString title);
-    std::shared_ptr<NSImage> image() const;
-    void setImage(std::shared_ptr<NSImage> image);
-    NSCellImagePosition imagePosition() const;
-    void setImagePosition(NSCellImagePosition position);
-    NSBezelStyle bezelStyle() const;
-    void setBezelStyle(NSBezelStyle style);
-    bool isBordered() const;
-    void setBordered(bool bordered);
-    std::optional<NSColor> bezelColor() const;
-    void setBezelColor(std::optional<NSColor> color);
-    std::optional<NSColor> contentTintColor() const;
-    void setContentTintColor(std::optional<NSColor> color);
+    std::string title() const { return stringValue(); }
+    void setTitle(std::string_view title) { setStringValue(title); }
+    NSAttributedString attributedTitle() const {
+        return cell() ? cell()->attributedStringValue() : NSAttributedString();
+    }
+    void setAttributedTitle(NSAttributedString title) {
+        if (cell())
+            cell()->setAttributedStringValue(std::move(title));
+    }
+    std::shared_ptr<NSImage> image() const { return cell() ? cell()->image() : nullptr; }
+    void setImage(std::shared_ptr<NSImage> image) {
+        if (cell())
+            cell()->setImage(std::move(image));
+    }
+    NSCellImagePosition imagePosition() const { return ofCell(&NSButtonCell::imagePosition); }
+    void setImagePosition(NSCellImagePosition position) {
+        setOfCell(&NSButtonCell::setImagePosition, position);
+    }
+    NSBezelStyle bezelStyle() const {
+        return ofCell(&NSButtonCell::bezelStyle, NSBezelStyle::rounded);
+    }
+    void setBezelStyle(NSBezelStyle style) { setOfCell(&NSButtonCell::setBezelStyle, style); }
+    bool isBordered() const { return ofCell(&NSButtonCell::isBordered); }
+    void setBordered(bool bordered) { setOfCell(&NSButtonCell::setBordered, bordered); }
+    std::optional<NSColor> bezelColor() const { return ofCell(&NSButtonCell::bezelColor); }
+    void setBezelColor(std::optional<NSColor> color) {
+        setOfCell(&NSButtonCell::setBezelColor, color);
+    }
+    std::optional<NSColor> contentTintColor() const {
+        return ofCell(&NSButtonCell::contentTintColor);
+    }
+    void setContentTintColor(std::optional<NSColor> color) {
+        setOfCell(&NSButtonCell::setContentTintColor, color);
+    }
     /// @}
 
     /// The key that clicks the button wherever the keyboard is, by its character in lower case;
@@ -110,6 +131,17 @@ protected:
 
 private:
     bool isInside(const NSEvent& event) const;
+    template <class Value>
+    std::remove_cvref_t<Value> ofCell(Value (NSButtonCell::*get)() const,
+                                      std::remove_cvref_t<Value> withoutCell = {}) const {
+        const auto own = buttonCell();
+        return own ? std::invoke(get, *own) : withoutCell;
+    }
+    template <class Value>
+    void setOfCell(void (NSButtonCell::*set)(Value), Value value) {
+        if (const auto own = buttonCell())
+            std::invoke(set, *own, std::move(value));
+    }
 
     std::string keyEquivalent_;
     NSEvent::ModifierFlags modifiers_;

@@ -4,7 +4,6 @@
 #include <zorvan/interface/internal/Decoding.h>
 #include <zorvan/interface/internal/drawing.h>
 #include <zorvan/interface/internal/resolveImage.h>
-#include <zorvan/interface/internal/symbolDrawing.h>
 
 #include <algorithm>
 #include <cmath>
@@ -47,9 +46,9 @@ PropertyList::Dictionary NSButtonCell::encode() const {
 }
 
 void NSButtonCell::decode(const PropertyList::Dictionary& coder) {
-    setTitle(decoded<std::string>(coder, "title").value_or(""));
-    if (const auto name = decoded<std::string>(coder, "imageName"))
-        setImage(resolveImage(*name, std::nullopt));
+    setTitle(decoded<std::string_view>(coder, "title").value_or(""));
+    if (const auto name = decoded<std::string_view>(coder, "imageName"))
+        setImage(resolveImage(std::string(*name), std::nullopt));
     const auto position = decoded<std::int64_t>(coder, "imagePosition").value_or(-1);
     if (position >= 0 && position <= static_cast<std::int64_t>(NSCellImagePosition::imageTrailing))
         imagePosition_ = static_cast<NSCellImagePosition>(position);
@@ -65,31 +64,6 @@ void NSButtonCell::setImage(std::shared_ptr<NSImage> image) {
         imagePosition_ = attributedTitle().length() == 0 ? NSCellImagePosition::imageOnly
                                                          : NSCellImagePosition::imageLeft;
     NSCell::setImage(std::move(image));
-}
-
-void NSButtonCell::setImagePosition(NSCellImagePosition position) {
-    imagePosition_ = position;
-    didChange();
-}
-
-void NSButtonCell::setBezelStyle(NSBezelStyle style) {
-    bezelStyle_ = style;
-    didChange();
-}
-
-void NSButtonCell::setBordered(bool bordered) {
-    isBordered_ = bordered;
-    didChange();
-}
-
-void NSButtonCell::setBezelColor(std::optional<NSColor> color) {
-    bezelColor_ = color;
-    didChange();
-}
-
-void NSButtonCell::setContentTintColor(std::optional<NSColor> color) {
-    contentTintColor_ = color;
-    didChange();
 }
 
 // Where things stand
@@ -119,7 +93,7 @@ double joined(double a, double b) { return a + b + (a > 0 && b > 0 ? gap : 0); }
 } // namespace
 
 CGSize NSButtonCell::shownImageSize() const {
-    return image() && imagePosition_ != Position::noImage ? shownSize(*image()) : CGSize();
+    return image() && imagePosition_ != Position::noImage ? image()->size().abs() : CGSize();
 }
 
 CGSize NSButtonCell::shownTitleSize() const {
@@ -172,9 +146,5 @@ NSButtonCell::Placement NSButtonCell::placement(const CGRect& bounds) const {
         at.title = CGRect::null;
     return at;
 }
-
-CGRect NSButtonCell::imageRect(const CGRect& forBounds) const { return placement(forBounds).image; }
-
-CGRect NSButtonCell::titleRect(const CGRect& forBounds) const { return placement(forBounds).title; }
 
 } // namespace zorvan

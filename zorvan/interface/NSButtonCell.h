@@ -64,35 +64,35 @@ public:
     /// Where the image stands beside the title; `noImage` until an image is set.
     /// @{
     NSCellImagePosition imagePosition() const noexcept { return imagePosition_; }
-    void setImagePosition(NSCellImagePosition position);
+    void setImagePosition(NSCellImagePosition position) { change(imagePosition_, position); }
     /// @}
 
     /// Rounded unless set.
     /// @{
     NSBezelStyle bezelStyle() const noexcept { return bezelStyle_; }
-    void setBezelStyle(NSBezelStyle style);
+    void setBezelStyle(NSBezelStyle style) { change(bezelStyle_, style); }
     /// @}
     /// Whether there is a bezel.
     /// @{
     bool isBordered() const noexcept { return isBordered_; }
-    void setBordered(bool bordered);
+    void setBordered(bool bordered) { change(isBordered_, bordered); }
     /// @}
     /// Absent for that of the system.
     /// @{
     const std::optional<NSColor>& bezelColor() const noexcept { return bezelColor_; }
-    void setBezelColor(std::optional<NSColor> color);
+    void setBezelColor(std::optional<NSColor> color) { change(bezelColor_, color); }
     /// @}
     /// Of template images and of the title where it has no colour; absent for that of labels.
     /// @{
     const std::optional<NSColor>& contentTintColor() const noexcept { return contentTintColor_; }
-    void setContentTintColor(std::optional<NSColor> color);
+    void setContentTintColor(std::optional<NSColor> color) { change(contentTintColor_, color); }
     /// @}
 
     CGSize cellSize() const override;
     /// Where image and title stand in a frame; no rectangle for what is not shown.
-    CGRect imageRect(const CGRect& forBounds) const;
+    CGRect imageRect(const CGRect& forBounds) const { return placement(forBounds).image; }
     /// The same of the title.
-    CGRect titleRect(const CGRect& forBounds) const;
+    CGRect titleRect(const CGRect& forBounds) const { return placement(forBounds).title; }
 
     /// The bezel, then the interior.
     void draw(const CGRect& withFrame, const NSControl& in) const override;

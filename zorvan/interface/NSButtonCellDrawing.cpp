@@ -3,7 +3,6 @@
 #include <zorvan/interface/NSControl.h>
 #include <zorvan/interface/internal/BarView.h>
 #include <zorvan/interface/internal/drawing.h>
-#include <zorvan/interface/internal/symbolDrawing.h>
 
 namespace zorvan {
 

@@ -4,8 +4,6 @@
 
 namespace zorvan {
 
-NSCell::~NSCell() = default;
-
 bool NSCell::isEnabled() const noexcept {
     const auto control = controlView();
     return control ? control->isEnabled() : isEnabled_;
@@ -24,27 +22,7 @@ void NSCell::setHighlighted(bool highlighted) {
     didChange();
 }
 
-void NSCell::setStringValue(std::string_view text) {
-    setAttributedStringValue(NSAttributedString(text));
-}
-
-void NSCell::setAttributedStringValue(NSAttributedString text) {
-    text_ = std::move(text);
-    didChange();
-}
-
-void NSCell::setImage(std::shared_ptr<NSImage> image) {
-    image_ = std::move(image);
-    didChange();
-}
-
 CGSize NSCell::cellSize() const { return {NSView::noIntrinsicMetric, NSView::noIntrinsicMetric}; }
-
-CGRect NSCell::drawingRect(const CGRect& forBounds) const { return forBounds; }
-
-void NSCell::draw(const CGRect& withFrame, const NSControl& in) const {
-    drawInterior(withFrame, in);
-}
 
 void NSCell::drawInterior(const CGRect&, const NSControl&) const {}
 

@@ -38,7 +38,7 @@ protected:
 public:
     /// For `create`.
     explicit NSCell(Key) {}
-    virtual ~NSCell();
+    virtual ~NSCell() = default;
     NSCell(const NSCell&) = delete;
     NSCell& operator=(const NSCell&) = delete;
 
@@ -59,18 +59,20 @@ public:
     /// What the cell says, with its attributes.
     /// @{
     const NSAttributedString& attributedStringValue() const noexcept { return text_; }
-    void setAttributedStringValue(NSAttributedString text);
+    void setAttributedStringValue(NSAttributedString text) { change(text_, std::move(text)); }
     /// @}
     /// The same without attributes.
     /// @{
     std::string stringValue() const { return text_.string(); }
-    void setStringValue(std::string_view text);
+    void setStringValue(std::string_view text) {
+        setAttributedStringValue(NSAttributedString(text));
+    }
     /// @}
 
     /// Null for none.
     /// @{
     const std::shared_ptr<NSImage>& image() const noexcept { return image_; }
-    virtual void setImage(std::shared_ptr<NSImage> image);
+    virtual void setImage(std::shared_ptr<NSImage> image) { change(image_, std::move(image)); }
     /// @}
 
     /// To whom the action is sent when the control is used; not kept alive.
@@ -87,15 +89,23 @@ public:
     /// How large the cell would like to be.
     virtual CGSize cellSize() const;
     /// The part of the frame that the cell draws in.
-    virtual CGRect drawingRect(const CGRect& forBounds) const;
+    virtual CGRect drawingRect(const CGRect& forBounds) const { return forBounds; }
     /// Draws the whole cell in the current graphics context.
-    virtual void draw(const CGRect& withFrame, const NSControl& in) const;
+    virtual void draw(const CGRect& withFrame, const NSControl& in) const {
+        drawInterior(withFrame, in);
+    }
     /// Draws what is inside the bezel.
     virtual void drawInterior(const CGRect& withFrame, const NSControl& in) const;
 
 protected:
     /// Marks the control for redisplay.
     void didChange();
+    /// The same for a property that takes a value.
+    template <class Property, class Value>
+    void change(Property& property, Value value) {
+        property = std::move(value);
+        didChange();
+    }
 
 private:
     friend class NSControl;

@@ -14,12 +14,6 @@ std::shared_ptr<NSCollectionView> NSCollectionView::create(const CGRect& frame) 
     return std::make_shared<NSCollectionView>(Key{}, frame);
 }
 
-NSCollectionView::~NSCollectionView() = default;
-
-void NSCollectionView::addObserver(const std::shared_ptr<NSCollectionViewObserver>& observer) {
-    observers_.add(observer);
-}
-
 std::int64_t NSCollectionViewDataSource::numberOfSections(const NSCollectionView&) const {
     return 1;
 }
@@ -72,7 +66,7 @@ void NSCollectionView::reloadData() {
     const bool isOther = std::erase_if(selection_, isNone) > 0;
     forgetViews([](IndexPath) { return true; });
     layOut();
-    observers_.tell([](NSCollectionViewObserver& observer) { observer.reloaded(); });
+    observers_.tell(&NSCollectionViewObserver::reloaded);
     if (isOther)
         announceSelection();
 }
@@ -95,7 +89,7 @@ void NSCollectionView::setFrame(const CGRect& frame) {
     if (this->frame().width() == before)
         return;
     layOut();
-    observers_.tell([](NSCollectionViewObserver& observer) { observer.layoutDidChange(); });
+    observers_.tell(&NSCollectionViewObserver::layoutDidChange);
 }
 
 void NSCollectionView::layOut() {
@@ -114,15 +108,7 @@ void NSCollectionView::placeViews() {
 void NSCollectionView::setCollectionViewLayout(std::shared_ptr<NSCollectionViewLayout> layout) {
     layout_ = std::move(layout);
     layOut();
-    observers_.tell([](NSCollectionViewObserver& observer) { observer.layoutDidChange(); });
-}
-
-std::shared_ptr<NSCollectionViewFlowLayout> NSCollectionView::collectionViewFlowLayout() const {
-    return std::dynamic_pointer_cast<NSCollectionViewFlowLayout>(layout_);
-}
-
-std::shared_ptr<NSCollectionViewGridLayout> NSCollectionView::collectionViewGridLayout() const {
-    return std::dynamic_pointer_cast<NSCollectionViewGridLayout>(layout_);
+    observers_.tell(&NSCollectionViewObserver::layoutDidChange);
 }
 
 std::vector<IndexPath> NSCollectionView::indexPathsForItems(const CGRect& in) const {
@@ -229,10 +215,6 @@ void NSCollectionView::register_(const Footers& footers) {
 
 void NSCollectionView::setSelectionIndexPaths(std::set<IndexPath> paths) {
     std::erase_if(paths, [this](IndexPath path) { return !contains(path); });
-    setSelection(std::move(paths));
-}
-
-void NSCollectionView::setSelection(std::set<IndexPath> paths) {
     if (paths == selection_)
         return;
     selection_ = std::move(paths);
@@ -241,7 +223,7 @@ void NSCollectionView::setSelection(std::set<IndexPath> paths) {
 
 void NSCollectionView::announceSelection() {
     setNeedsDisplay(true);
-    observers_.tell([](NSCollectionViewObserver& observer) { observer.selectionDidChange(); });
+    observers_.tell(&NSCollectionViewObserver::selectionDidChange);
     // A view on the stack has no one to be announced to.
     if (const std::shared_ptr<NSView> self = weak_from_this().lock())
         NSNotificationCenter::defaultCenter()->post(
@@ -313,8 +295,7 @@ void NSCollectionView::reloadSections(const IndexSet& sections) {
     const bool isOther = std::erase_if(selection_, isInThem) > 0;
     forgetViews(isInThem);
     layOut();
-    observers_.tell(
-        [&](NSCollectionViewObserver& observer) { observer.sectionsReloaded(sections); });
+    observers_.tell(&NSCollectionViewObserver::sectionsReloaded, sections);
     if (isOther)
         announceSelection();
 }
@@ -334,9 +315,7 @@ void NSCollectionView::apply(const Updates& batch) {
         return batch.reloaded.contains(path) ? std::nullopt : change.place(path);
     });
     placeViews();
-    observers_.tell([&](NSCollectionViewObserver& observer) {
-        observer.itemsUpdated(batch, isBatchAnimated_);
-    });
+    observers_.tell(&NSCollectionViewObserver::itemsUpdated, batch, isBatchAnimated_);
     if (isOther)
         announceSelection();
 }

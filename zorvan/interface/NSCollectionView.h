@@ -74,7 +74,6 @@ public:
     static std::shared_ptr<NSCollectionView> create(const CGRect& frame = {});
     /// For `create`.
     using NSView::NSView;
-    ~NSCollectionView() override;
 
     bool isFlipped() const noexcept override { return true; }
     bool acceptsFirstResponder() const override { return true; }
@@ -103,7 +102,9 @@ public:
     /// Whoever shows the collection view, and tests. Not kept alive.
     using NSView::addObserver;
     /// Told of what changes in the items. Not kept alive.
-    void addObserver(const std::shared_ptr<NSCollectionViewObserver>& observer);
+    void addObserver(const std::shared_ptr<NSCollectionViewObserver>& observer) {
+        observers_.add(observer);
+    }
 
     /// Null when there is none, or it has gone.
     std::shared_ptr<NSCollectionViewDataSource> dataSource() const noexcept {
@@ -129,9 +130,13 @@ public:
     void setCollectionViewLayout(std::shared_ptr<NSCollectionViewLayout> layout);
     /// @}
     /// The layout when it is of that kind, else null.
-    std::shared_ptr<NSCollectionViewFlowLayout> collectionViewFlowLayout() const;
+    std::shared_ptr<NSCollectionViewFlowLayout> collectionViewFlowLayout() const {
+        return std::dynamic_pointer_cast<NSCollectionViewFlowLayout>(layout_);
+    }
     /// The same for a grid.
-    std::shared_ptr<NSCollectionViewGridLayout> collectionViewGridLayout() const;
+    std::shared_ptr<NSCollectionViewGridLayout> collectionViewGridLayout() const {
+        return std::dynamic_pointer_cast<NSCollectionViewGridLayout>(layout_);
+    }
     /// The items of the layout in the rectangle, in its order; none without a layout.
     std::vector<IndexPath> indexPathsForItems(const CGRect& in) const;
 
@@ -239,7 +244,6 @@ private:
     template <class Place>
     void carryViews(Place place);
     void forgetViews(const std::function<bool(IndexPath)>& which);
-    void setSelection(std::set<IndexPath> paths);
     void announceSelection();
     void layOut();
     void placeViews();

@@ -26,29 +26,6 @@ void NSControl::setEnabled(bool enabled) {
     setNeedsDisplay(true);
 }
 
-std::string NSControl::stringValue() const { return cell_ ? cell_->stringValue() : std::string(); }
-
-void NSControl::setStringValue(std::string_view text) {
-    if (cell_)
-        cell_->setStringValue(text);
-}
-
-std::shared_ptr<void> NSControl::target() const noexcept {
-    return cell_ ? cell_->target().lock() : nullptr;
-}
-
-void NSControl::setTarget(std::weak_ptr<void> target) {
-    if (cell_)
-        cell_->setTarget(std::move(target));
-}
-
-std::optional<Selector> NSControl::action() const { return cell_ ? cell_->action() : std::nullopt; }
-
-void NSControl::setAction(std::optional<Selector> action) {
-    if (cell_)
-        cell_->setAction(std::move(action));
-}
-
 bool NSControl::sendAction() {
     return cell_ && cell_->action() && sendAction(*cell_->action(), cell_->target());
 }

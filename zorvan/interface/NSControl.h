@@ -30,17 +30,28 @@ public:
 
     /// The text of the cell: empty without one, and setting it then does nothing.
     /// @{
-    std::string stringValue() const;
-    void setStringValue(std::string_view text);
+    std::string stringValue() const { return cell_ ? cell_->stringValue() : std::string(); }
+    void setStringValue(std::string_view text) {
+        if (cell_)
+            cell_->setStringValue(text);
+    }
     /// @}
     /// Null when it has gone or was never set.
-    std::shared_ptr<void> target() const noexcept;
+    std::shared_ptr<void> target() const noexcept {
+        return cell_ ? cell_->target().lock() : nullptr;
+    }
     /// Not kept alive.
-    void setTarget(std::weak_ptr<void> target);
+    void setTarget(std::weak_ptr<void> target) {
+        if (cell_)
+            cell_->setTarget(std::move(target));
+    }
     /// What the cell sends; absent for nothing and without a cell, when setting it does nothing.
     /// @{
-    std::optional<Selector> action() const;
-    void setAction(std::optional<Selector> action);
+    std::optional<Selector> action() const { return cell_ ? cell_->action() : std::nullopt; }
+    void setAction(std::optional<Selector> action) {
+        if (cell_)
+            cell_->setAction(std::move(action));
+    }
     /// @}
 
     /// Sends the control's own action; false when there is none or nothing performed it.

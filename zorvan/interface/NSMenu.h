@@ -18,12 +18,17 @@ class NSMenu;
 
 /// A line of a menu: a command with a title, a line that opens another menu, or a separator.
 class NSMenuItem : public ActionSender, public std::enable_shared_from_this<NSMenuItem> {
+    struct Key {};
+    friend class NSMenu;
+
 public:
     /// The target is not kept alive.
     static std::shared_ptr<NSMenuItem>
     create(std::string title, std::optional<Selector> action = {}, std::weak_ptr<void> target = {});
     /// A line between others, without title.
     static std::shared_ptr<NSMenuItem> separatorItem();
+    /// For `create`.
+    NSMenuItem(Key, std::string title) : title_(std::move(title)) {}
 
     /// What the line says.
     /// @{
@@ -78,14 +83,6 @@ public:
     std::shared_ptr<NSMenu> menu() const noexcept { return menu_.lock(); }
 
 private:
-    struct Key {};
-    friend class NSMenu;
-
-public:
-    /// For `create`.
-    NSMenuItem(Key, std::string title) : title_(std::move(title)) {}
-
-private:
     std::string title_;
     std::optional<Selector> action_;
     std::weak_ptr<void> target_;
@@ -101,9 +98,13 @@ private:
 
 /// A list of commands. Without a host nothing opens. Main thread only.
 class NSMenu : public std::enable_shared_from_this<NSMenu> {
+    struct Key {};
+
 public:
     /// Without items.
     static std::shared_ptr<NSMenu> create(std::string title = {});
+    /// For `create`.
+    NSMenu(Key, std::string title) : title_(std::move(title)) {}
 
     /// What the menu is called; empty unless given.
     const std::string& title() const noexcept { return title_; }
@@ -133,13 +134,6 @@ public:
     void popUp();
     /// What opens the menus of the application; empty for nothing.
     static void setHost(std::function<void(NSMenu&)> host);
-
-private:
-    struct Key {};
-
-public:
-    /// For `create`.
-    NSMenu(Key, std::string title) : title_(std::move(title)) {}
 
 private:
     bool performKeyEquivalent(const NSEvent& with, int depth);

@@ -16,11 +16,13 @@ public:
     /// Never null.
     const std::shared_ptr<NSMenu>& menu() const noexcept { return menu_; }
     /// A new, empty one for null.
-    void setMenu(std::shared_ptr<NSMenu> menu);
+    void setMenu(std::shared_ptr<NSMenu> menu) {
+        menu_ = menu ? std::move(menu) : NSMenu::create();
+    }
     /// A mark that shows that there is a menu.
     /// @{
     bool showsIndicator() const noexcept { return showsIndicator_; }
-    void setShowsIndicator(bool shows);
+    void setShowsIndicator(bool shows) { change(showsIndicator_, shows); }
     /// @}
     bool performKeyEquivalent(const NSEvent& with) override {
         return isEnabled() && menu_->performKeyEquivalent(with);

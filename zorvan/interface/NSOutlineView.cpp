@@ -15,8 +15,6 @@ std::shared_ptr<NSOutlineView> NSOutlineView::create(const CGRect& frame) {
     return std::make_shared<NSOutlineView>(Key{}, frame);
 }
 
-NSOutlineView::~NSOutlineView() = default;
-
 bool NSOutlineViewDataSource::isExpandable(const NSOutlineView& outline, const Item& item) const {
     return numberOfChildren(outline, item) > 0;
 }

@@ -65,7 +65,6 @@ public:
     static std::shared_ptr<NSOutlineView> create(const CGRect& frame = {});
     /// For `create`.
     using NSTableView::NSTableView;
-    ~NSOutlineView() override;
 
     /// Told of what a table tells too.
     using NSTableView::addObserver;

@@ -4,12 +4,8 @@ namespace zorvan {
 
 namespace {
 
-class SearchFieldCell : public NSCell {
-public:
-    static std::shared_ptr<SearchFieldCell> create() {
-        return std::make_shared<SearchFieldCell>(Key{});
-    }
-    using NSCell::NSCell;
+struct SearchFieldCell : NSCell {
+    SearchFieldCell() : NSCell(Key{}) {}
 };
 
 constexpr double usualWidth = 180, usualHeight = 28;
@@ -18,7 +14,7 @@ constexpr double usualWidth = 180, usualHeight = 28;
 
 std::shared_ptr<NSSearchField> NSSearchField::create(const CGRect& frame) {
     const auto field = std::make_shared<NSSearchField>(Key{}, frame);
-    field->setCell(SearchFieldCell::create());
+    field->setCell(std::make_shared<SearchFieldCell>());
     return field;
 }
 

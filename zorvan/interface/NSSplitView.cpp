@@ -1,6 +1,7 @@
 #include <zorvan/interface/NSSplitView.h>
 
 #include <zorvan/interface/internal/drawing.h>
+#include <zorvan/media/CGRect.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,8 +11,6 @@ namespace zorvan {
 std::shared_ptr<NSSplitView> NSSplitView::create(const CGRect& frame) {
     return std::make_shared<NSSplitView>(Key{}, frame);
 }
-
-NSSplitView::~NSSplitView() = default;
 
 void NSSplitView::setVertical(bool vertical) {
     isVertical_ = vertical;
@@ -151,11 +150,11 @@ void NSSplitView::draw(Canvas& canvas) const {
     const Drawing drawing(canvas);
     const CGRect all = bounds();
     for (const double position : positions_)
-        fillRect(isVertical_
-                     ? CGRect(all.minX() + position, all.minY(), dividerThickness(), all.height())
-                     : CGRect(all.minX(), all.maxY() - position - dividerThickness(), all.width(),
-                              dividerThickness()),
-                 Palette::separator);
+        fill(isVertical_
+                 ? CGRect(all.minX() + position, all.minY(), dividerThickness(), all.height())
+                 : CGRect(all.minX(), all.maxY() - position - dividerThickness(), all.width(),
+                          dividerThickness()),
+             Palette::separator);
 }
 
 } // namespace zorvan

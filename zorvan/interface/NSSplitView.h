@@ -17,7 +17,6 @@ public:
     static std::shared_ptr<NSSplitView> create(const CGRect& frame = {});
     /// For `create`.
     using NSView::NSView;
-    ~NSSplitView() override;
 
     /// Whether the dividers are vertical, the subviews from left to right; else they go from the
     /// top down. True unless set.
@@ -25,7 +24,6 @@ public:
     bool isVertical() const noexcept { return isVertical_; }
     void setVertical(bool vertical);
     /// @}
-    /// In points.
     /// In points.
     double dividerThickness() const noexcept { return 1; }
     /// One less than there are subviews.

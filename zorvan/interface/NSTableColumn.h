@@ -23,19 +23,19 @@ public:
     /// What the header says.
     /// @{
     const std::string& title() const noexcept { return title_; }
-    void setTitle(std::string title);
+    void setTitle(std::string title) { change(title_, std::move(title)); }
     /// @}
 
     /// In points; 100 unless set. A negative width, or one that is not a number, counts as 0.
     /// @{
     double width() const noexcept { return width_; }
-    void setWidth(double width);
+    void setWidth(double width) { change(width_, width > 0 ? width : 0); }
     /// @}
 
     /// Whether a click on its header sorts by the column; false unless set.
     /// @{
     bool isSortable() const noexcept { return isSortable_; }
-    void setSortable(bool sortable);
+    void setSortable(bool sortable) { change(isSortable_, sortable); }
     /// @}
 
     /// The table that has the column, of several the latest; null for none.
@@ -43,6 +43,11 @@ public:
 
 private:
     void didChange() const;
+    template <class Property>
+    void change(Property& property, Property value) {
+        property = std::move(value);
+        didChange();
+    }
 
     std::weak_ptr<NSTableView> tableView_;
     std::string title_;

@@ -14,10 +14,6 @@ std::shared_ptr<NSTableView> NSTableView::create(const CGRect& frame) {
     return std::make_shared<NSTableView>(Key{}, frame);
 }
 
-void NSTableView::addObserver(const std::shared_ptr<NSTableViewObserver>& observer) {
-    observers_.add(observer);
-}
-
 using internal::RowChange;
 using Observer = NSTableViewObserver;
 using Range = IndexSet::Range;
@@ -52,10 +48,6 @@ double NSTableViewDelegate::heightOfRow(const NSTableView& table, std::int64_t) 
 
 void NSTableViewDelegate::rowOpened(NSTableView&, std::int64_t) {}
 
-NSTableView::NSTableView(Key key, const CGRect& frame) : NSView(key, frame) {}
-
-NSTableView::~NSTableView() = default;
-
 /// Null for a table on the stack, and for one that is just being made.
 std::shared_ptr<NSTableView> NSTableView::self() noexcept {
     return std::static_pointer_cast<NSTableView>(weak_from_this().lock());
@@ -73,18 +65,12 @@ void NSTableView::setDelegate(const std::shared_ptr<NSTableViewDelegate>& delega
 
 // Columns
 
-std::int64_t NSTableView::numberOfColumns() const noexcept {
-    return static_cast<std::int64_t>(columns_.size());
-}
-
-IndexSet NSTableView::allColumns() const { return IndexSet(Range{0, numberOfColumns()}); }
-
 void NSTableView::addTableColumn(const std::shared_ptr<NSTableColumn>& column) {
     columns_.push_back(column);
     column->tableView_ = self();
     forgetCellViews();
     layOut();
-    observers_.tell([this](Observer& observer) { observer.columnInserted(numberOfColumns() - 1); });
+    observers_.tell(&Observer::columnInserted, numberOfColumns() - 1);
 }
 
 void NSTableView::removeTableColumn(const std::shared_ptr<NSTableColumn>& column) {
@@ -97,7 +83,7 @@ void NSTableView::removeTableColumn(const std::shared_ptr<NSTableColumn>& column
     removed->tableView_.reset();
     forgetCellViews();
     layOut();
-    observers_.tell([at](Observer& observer) { observer.columnRemoved(at); });
+    observers_.tell(&Observer::columnRemoved, at);
     if (sortOrder_ && sortOrder_->column == removed)
         setSortOrder(std::nullopt);
 }
@@ -106,8 +92,7 @@ void NSTableView::columnDidChange(const NSTableColumn& column) {
     const auto found = std::find_if(columns_.begin(), columns_.end(),
                                     [&column](const auto& one) { return one.get() == &column; });
     layOut();
-    observers_.tell(
-        [at = found - columns_.begin()](Observer& observer) { observer.columnDidChange(at); });
+    observers_.tell(&Observer::columnDidChange, found - columns_.begin());
 }
 
 void NSTableView::setSortOrder(std::optional<SortOrder> order) {
@@ -116,7 +101,7 @@ void NSTableView::setSortOrder(std::optional<SortOrder> order) {
     if (order == sortOrder_)
         return;
     sortOrder_ = std::move(order);
-    observers_.tell([](Observer& observer) { observer.sortOrderDidChange(); });
+    observers_.tell(&Observer::sortOrderDidChange);
     if (const auto source = dataSource())
         source->sortOrderDidChange(*this);
 }
@@ -137,8 +122,6 @@ void NSTableView::expandFirstColumnWidth() {
 
 // Rows
 
-IndexSet NSTableView::allRows() const { return IndexSet(Range{0, rowCount_}); }
-
 std::int64_t NSTableView::sourceRowCount() {
     const auto source = dataSource();
     return source ? source->numberOfRows(*this) : 0;
@@ -156,7 +139,7 @@ void NSTableView::setRowHeight(double height) {
 
 void NSTableView::beginUpdates() {
     ++updateDepth_;
-    observers_.tell([](Observer& observer) { observer.updatesDidBegin(); });
+    observers_.tell(&Observer::updatesDidBegin);
 }
 
 void NSTableView::endUpdates() {
@@ -168,28 +151,26 @@ void NSTableView::endUpdates() {
         fatalError("After its updates a table view has " + std::to_string(rowCount_) +
                    " rows, but its data source has " + std::to_string(expected) + ".");
     layOut();
-    observers_.tell([](Observer& observer) { observer.updatesDidEnd(); });
+    observers_.tell(&Observer::updatesDidEnd);
 }
 
 void NSTableView::insertRows(const IndexSet& at, AnimationOptions withAnimation) {
     if (at.last().value_or(-1) >= rowCount_ + at.count())
         fatalError("A row lies outside the table view.");
-    changeRows(RowChange::inserting(at), [&] {
-        observers_.tell([&](Observer& observer) { observer.rowsInserted(at, withAnimation); });
-    });
+    changeRows(RowChange::inserting(at),
+               [&] { observers_.tell(&Observer::rowsInserted, at, withAnimation); });
 }
 
 void NSTableView::removeRows(const IndexSet& at, AnimationOptions withAnimation) {
     checkRows(at);
-    changeRows(RowChange::removing(at), [&] {
-        observers_.tell([&](Observer& observer) { observer.rowsRemoved(at, withAnimation); });
-    });
+    changeRows(RowChange::removing(at),
+               [&] { observers_.tell(&Observer::rowsRemoved, at, withAnimation); });
 }
 
 void NSTableView::moveRow(std::int64_t at, std::int64_t to) {
     checkRows({at, to});
     changeRows(RowChange::moving({at}, to > at ? to + 1 : to),
-               [&] { observers_.tell([&](Observer& observer) { observer.rowMoved(at, to); }); });
+               [&] { observers_.tell(&Observer::rowMoved, at, to); });
 }
 
 void NSTableView::moveRows(const IndexSet& at, std::int64_t to) {
@@ -198,8 +179,7 @@ void NSTableView::moveRows(const IndexSet& at, std::int64_t to) {
     checkRows(at);
     if (to < 0 || to > rowCount_)
         fatalError("A row lies outside the table view.");
-    changeRows(RowChange::moving(at, to),
-               [&] { observers_.tell([&](Observer& observer) { observer.rowsMoved(at, to); }); });
+    changeRows(RowChange::moving(at, to), [&] { observers_.tell(&Observer::rowsMoved, at, to); });
 }
 
 void NSTableView::changeRows(const RowChange& change, const std::function<void()>& tell) {
@@ -243,7 +223,7 @@ void NSTableView::reloadData() {
     const IndexSet before = std::exchange(selection_, selection_.intersection(allRows()));
     forgetCellViews();
     layOut();
-    observers_.tell([](Observer& observer) { observer.reloaded(); });
+    observers_.tell(&Observer::reloaded);
     if (selection_ != before)
         announceSelection();
 }
@@ -259,15 +239,7 @@ void NSTableView::reloadData(const RowsAndColumns& cells) {
             gone[row].push_back(std::move(views[static_cast<std::size_t>(column)]));
     }
     takeOut(gone);
-    observers_.tell([&](Observer& observer) { observer.cellsReloaded(rows, columns); });
-}
-
-void NSTableView::reloadData(const Rows& rows) {
-    reloadData(RowsAndColumns{rows.forRowIndexes, allColumns()});
-}
-
-void NSTableView::reloadData(const Columns& columns) {
-    reloadData(RowsAndColumns{allRows(), columns.forColumnsIndexes});
+    observers_.tell(&Observer::cellsReloaded, rows, columns);
 }
 
 void NSTableView::reloadFirstColumnData() {
@@ -321,7 +293,7 @@ void NSTableView::setSelection(IndexSet selection) {
 
 void NSTableView::announceSelection() {
     setNeedsDisplay(true);
-    observers_.tell([](Observer& observer) { observer.selectionDidChange(); });
+    observers_.tell(&Observer::selectionDidChange);
     if (const auto sender = self())
         NSNotificationCenter::defaultCenter()->post(
             NSNotificationName(selectionDidChangeNotification), sender);

@@ -138,8 +138,7 @@ public:
     /// Without data source, columns and rows.
     static std::shared_ptr<NSTableView> create(const CGRect& frame = {});
     /// For `create`.
-    NSTableView(Key key, const CGRect& frame);
-    ~NSTableView() override;
+    using NSView::NSView;
 
     bool isFlipped() const noexcept override { return true; }
     void draw(Canvas& canvas) const override;
@@ -158,14 +157,18 @@ public:
     /// Whoever shows the table, and tests. Not kept alive.
     using NSView::addObserver;
     /// Told of what changes in rows and columns. Not kept alive.
-    void addObserver(const std::shared_ptr<NSTableViewObserver>& observer);
+    void addObserver(const std::shared_ptr<NSTableViewObserver>& observer) {
+        observers_.add(observer);
+    }
 
     /// From left to right.
     const std::vector<std::shared_ptr<NSTableColumn>>& tableColumns() const noexcept {
         return columns_;
     }
     /// 0 at first.
-    std::int64_t numberOfColumns() const noexcept;
+    std::int64_t numberOfColumns() const noexcept {
+        return static_cast<std::int64_t>(columns_.size());
+    }
     /// At the right end. Every cell view is forgotten, here and where a column is removed.
     void addTableColumn(const std::shared_ptr<NSTableColumn>& column);
     /// Not null; nothing is removed when the table does not have it.
@@ -210,8 +213,8 @@ public:
     /// Forgets these cells' views, which are asked for again. Rows stay as many as they are.
     /// @{
     void reloadData(const RowsAndColumns& cells);
-    void reloadData(const Rows& rows);
-    void reloadData(const Columns& columns);
+    void reloadData(const Rows& rows) { reloadData({rows.forRowIndexes, allColumns()}); }
+    void reloadData(const Columns& columns) { reloadData({allRows(), columns.forColumnsIndexes}); }
     /// @}
     /// These three do nothing without columns.
     /// @{
@@ -225,7 +228,7 @@ public:
     /// Asks the delegate for the heights anew.
     /// @{
     void noteHeightOfRows(const IndexSet& withIndexesChanged);
-    void noteHeightOfAllRowsChanged();
+    void noteHeightOfAllRowsChanged() { noteHeightOfRows(allRows()); }
     /// @}
     /// As `noteHeightOfAllRowsChanged`, not animated.
     void resizeRowHeights();
@@ -267,8 +270,8 @@ public:
     void scrollRowToVisible(std::int64_t row);
     /// Nothing when no row is selected.
     /// @{
-    void scrollToFirstSelectedRow();
-    void scrollToLastSelectedRow();
+    void scrollToFirstSelectedRow() { scrollRowToVisible(selection_.first().value_or(-1)); }
+    void scrollToLastSelectedRow() { scrollRowToVisible(selection_.last().value_or(-1)); }
     /// @}
     /// Scrolls so that the row is in the middle, or at the top; past the ends when need be. Nothing
     /// without an enclosing scroll view.
@@ -303,8 +306,8 @@ protected:
     void changeRows(const internal::RowChange& change, const std::function<void()>& tell);
 
 private:
-    IndexSet allRows() const;
-    IndexSet allColumns() const;
+    IndexSet allRows() const { return IndexSet(IndexSet::Range{0, rowCount_}); }
+    IndexSet allColumns() const { return IndexSet(IndexSet::Range{0, numberOfColumns()}); }
     using CellViews = std::map<std::int64_t, std::vector<std::shared_ptr<NSView>>>;
     friend class NSTableColumn;
 

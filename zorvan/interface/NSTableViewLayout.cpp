@@ -81,11 +81,8 @@ std::int64_t NSTableView::row(double atY) const {
 
 void NSTableView::noteHeightOfRows(const IndexSet& withIndexesChanged) {
     layOut();
-    observers_.tell(
-        [&](NSTableViewObserver& observer) { observer.rowHeightsDidChange(withIndexesChanged); });
+    observers_.tell(&NSTableViewObserver::rowHeightsDidChange, withIndexesChanged);
 }
-
-void NSTableView::noteHeightOfAllRowsChanged() { noteHeightOfRows(allRows()); }
 
 void NSTableView::resizeRowHeights() {
     NSAnimationContext::beginGrouping();
@@ -100,17 +97,7 @@ void NSTableView::scrollRowToVisible(std::int64_t row) {
         return;
     // No wider than a line, so that it does not scroll sideways.
     scrollToVisible(*this, {visibleRect(*this).x(), top(row), 0, top(row + 1) - top(row)});
-    observers_.tell([row](NSTableViewObserver& observer) { observer.scrolledTo(row); });
-}
-
-void NSTableView::scrollToFirstSelectedRow() {
-    if (const auto row = selection_.first())
-        scrollRowToVisible(*row);
-}
-
-void NSTableView::scrollToLastSelectedRow() {
-    if (const auto row = selection_.last())
-        scrollRowToVisible(*row);
+    observers_.tell(&NSTableViewObserver::scrolledTo, row);
 }
 
 /// Puts the row at the top, or lower by that share of the space left in the scroll view.

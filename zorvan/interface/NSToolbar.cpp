@@ -16,34 +16,6 @@ NSToolbarDelegate::toolbarSelectableItemIdentifiers(NSToolbar&) {
     return {};
 }
 
-NSToolbar::~NSToolbar() = default;
-
-void NSToolbar::setDelegate(const std::shared_ptr<NSToolbarDelegate>& delegate) {
-    delegate_ = delegate;
-}
-
-void NSToolbar::setAutosavesConfiguration(bool autosaves) {
-    set(&NSToolbar::autosavesConfiguration_, autosaves);
-}
-
-void NSToolbar::setAllowsUserCustomization(bool allows) {
-    set(&NSToolbar::allowsUserCustomization_, allows);
-}
-
-void NSToolbar::setShowsBaselineSeparator(bool shows) {
-    set(&NSToolbar::showsBaselineSeparator_, shows);
-}
-
-void NSToolbar::set(bool NSToolbar::*flag, bool value) {
-    this->*flag = value;
-    didChange();
-}
-
-void NSToolbar::setDisplayMode(DisplayMode mode) {
-    displayMode_ = mode;
-    didChange();
-}
-
 std::vector<NSToolbarItemIdentifier> NSToolbar::itemIdentifiers() const {
     std::vector<NSToolbarItemIdentifier> identifiers;
     for (const auto& item : items_)
@@ -105,7 +77,7 @@ void NSToolbar::comeInto(const std::shared_ptr<NSWindow>& window) {
 
 void NSToolbar::didChange() {
     if (const auto shown = window())
-        shown->setToolbarNeedsLayout();
+        shown->barDidChange(&NSWindowObserver::toolbarDidChange);
 }
 
 } // namespace zorvan

@@ -56,7 +56,7 @@ public:
     static std::shared_ptr<NSToolbar> create(std::string identifier);
     /// For `create`.
     NSToolbar(Key, std::string identifier) : identifier_(std::move(identifier)) {}
-    virtual ~NSToolbar();
+    virtual ~NSToolbar() = default;
     NSToolbar(const NSToolbar&) = delete;
     NSToolbar& operator=(const NSToolbar&) = delete;
 
@@ -65,24 +65,24 @@ public:
     /// Whom it asks for items; null for none, and once it has gone.
     /// @{
     std::shared_ptr<NSToolbarDelegate> delegate() const noexcept { return delegate_.lock(); }
-    void setDelegate(const std::shared_ptr<NSToolbarDelegate>& delegate);
+    void setDelegate(const std::shared_ptr<NSToolbarDelegate>& delegate) { delegate_ = delegate; }
     /// @}
     /// For a host that lets people arrange the items; false unless set.
     /// @{
     bool autosavesConfiguration() const noexcept { return autosavesConfiguration_; }
-    void setAutosavesConfiguration(bool autosaves);
+    void setAutosavesConfiguration(bool autosaves) { change(autosavesConfiguration_, autosaves); }
     bool allowsUserCustomization() const noexcept { return allowsUserCustomization_; }
-    void setAllowsUserCustomization(bool allows);
+    void setAllowsUserCustomization(bool allows) { change(allowsUserCustomization_, allows); }
     /// @}
     /// A line below the toolbar.
     /// @{
     bool showsBaselineSeparator() const noexcept { return showsBaselineSeparator_; }
-    void setShowsBaselineSeparator(bool shows);
+    void setShowsBaselineSeparator(bool shows) { change(showsBaselineSeparator_, shows); }
     /// @}
     /// `default_` unless set, which a host shows as it likes.
     /// @{
     DisplayMode displayMode() const noexcept { return displayMode_; }
-    void setDisplayMode(DisplayMode mode);
+    void setDisplayMode(DisplayMode mode) { change(displayMode_, mode); }
     /// @}
 
     /// In order.
@@ -109,8 +109,12 @@ private:
 
     void comeInto(const std::shared_ptr<NSWindow>& window);
     std::shared_ptr<NSToolbarItem> makeItem(const NSToolbarItemIdentifier& identifier);
-    void set(bool NSToolbar::*flag, bool value);
     void didChange();
+    template <class Property>
+    void change(Property& property, Property value) {
+        property = value;
+        didChange();
+    }
 
     std::string identifier_;
     std::weak_ptr<NSToolbarDelegate> delegate_;

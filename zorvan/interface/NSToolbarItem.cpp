@@ -10,26 +10,6 @@ std::shared_ptr<NSToolbarItem> NSToolbarItem::create(NSToolbarItemIdentifier ite
     return std::make_shared<NSToolbarItem>(Key{}, std::move(itemIdentifier));
 }
 
-NSToolbarItem::NSToolbarItem(Key, NSToolbarItemIdentifier itemIdentifier)
-    : identifier_(std::move(itemIdentifier)) {}
-
-NSToolbarItem::~NSToolbarItem() = default;
-
-void NSToolbarItem::setLabel(std::string label) {
-    label_ = std::move(label);
-    didChange();
-}
-
-void NSToolbarItem::setTitle(std::string title) {
-    title_ = std::move(title);
-    didChange();
-}
-
-void NSToolbarItem::setNavigational(bool navigational) {
-    isNavigational_ = navigational;
-    didChange();
-}
-
 void NSToolbarItem::setView(std::shared_ptr<NSView> view) {
     view_ = std::move(view);
     passToolTipOn();
@@ -45,11 +25,6 @@ void NSToolbarItem::setToolTip(std::string toolTip) {
 void NSToolbarItem::passToolTipOn() {
     if (view_ && view_->toolTip().empty())
         view_->setToolTip(toolTip_);
-}
-
-void NSToolbarItem::setImage(std::shared_ptr<NSImage> image) {
-    image_ = std::move(image);
-    didChange();
 }
 
 void NSToolbarItem::setEnabled(bool enabled) {

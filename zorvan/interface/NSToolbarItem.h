@@ -33,20 +33,20 @@ public:
     /// An enabled item that shows nothing yet.
     static std::shared_ptr<NSToolbarItem> create(NSToolbarItemIdentifier itemIdentifier);
     /// For `create`.
-    NSToolbarItem(Key, NSToolbarItemIdentifier itemIdentifier);
-    ~NSToolbarItem() override;
+    NSToolbarItem(Key, NSToolbarItemIdentifier itemIdentifier)
+        : identifier_(std::move(itemIdentifier)) {}
 
     /// What tells the item from the others of its toolbar.
     const NSToolbarItemIdentifier& itemIdentifier() const noexcept { return identifier_; }
     /// Shown below the item in the display modes that have labels.
     /// @{
     const std::string& label() const noexcept { return label_; }
-    void setLabel(std::string label);
+    void setLabel(std::string label) { change(label_, std::move(label)); }
     /// @}
     /// Shown on the item itself, in place of an image.
     /// @{
     const std::string& title() const noexcept { return title_; }
-    void setTitle(std::string title);
+    void setTitle(std::string title) { change(title_, std::move(title)); }
     /// @}
     /// Shown while the mouse rests over the item; empty for none.
     const std::string& toolTip() const noexcept { return toolTip_; }
@@ -55,7 +55,7 @@ public:
     /// Whether the item stands at the leading edge, before every other.
     /// @{
     bool isNavigational() const noexcept { return isNavigational_; }
-    void setNavigational(bool navigational);
+    void setNavigational(bool navigational) { change(isNavigational_, navigational); }
     /// @}
 
     /// Null when the item is shown by its image alone.
@@ -66,7 +66,7 @@ public:
     /// Null for none.
     /// @{
     const std::shared_ptr<NSImage>& image() const noexcept { return image_; }
-    void setImage(std::shared_ptr<NSImage> image);
+    void setImage(std::shared_ptr<NSImage> image) { change(image_, std::move(image)); }
     /// @}
 
     /// Whether the item can be pressed; true unless set.
@@ -96,6 +96,12 @@ public:
 protected:
     /// Shows what has changed.
     void didChange();
+    /// The same for a property that takes a value.
+    template <class Property, class Value>
+    void change(Property& property, Value value) {
+        property = std::move(value);
+        didChange();
+    }
 
 private:
     friend class NSToolbar;

@@ -9,14 +9,14 @@ namespace zorvan {
 namespace {
 
 /// One subitem for each thing shown, named by its label.
-template <class Shown, class Show>
+template <class Shown>
 std::vector<std::shared_ptr<NSToolbarItem>> subitems(const std::vector<Shown>& shown,
                                                      const std::vector<std::string>& labels,
-                                                     const Show& show) {
+                                                     void (NSToolbarItem::*show)(Shown)) {
     std::vector<std::shared_ptr<NSToolbarItem>> items;
     for (std::size_t i = 0; i < shown.size(); ++i) {
         items.push_back(NSToolbarItem::create(makeUUIDString()));
-        show(*items.back(), shown[i]);
+        ((*items.back()).*show)(shown[i]);
         items.back()->setLabel(i < labels.size() ? labels[i] : items.back()->title());
     }
     return items;
@@ -24,26 +24,24 @@ std::vector<std::shared_ptr<NSToolbarItem>> subitems(const std::vector<Shown>& s
 
 } // namespace
 
-std::shared_ptr<NSToolbarItemGroup> NSToolbarItemGroup::create(Images group) {
-    auto made = std::make_shared<NSToolbarItemGroup>(Key{}, std::move(group.itemIdentifier));
-    made->setSubitems(zorvan::subitems(
-        group.images, group.labels,
-        [](NSToolbarItem& item, const std::shared_ptr<NSImage>& image) { item.setImage(image); }));
+template <class Settings>
+std::shared_ptr<NSToolbarItemGroup>
+NSToolbarItemGroup::made(const Settings& group,
+                         std::vector<std::shared_ptr<NSToolbarItem>> subitems) {
+    auto made = std::make_shared<NSToolbarItemGroup>(Key{}, group.itemIdentifier);
+    made->setSubitems(std::move(subitems));
     made->setSelectionMode(group.selectionMode);
     made->setTarget(group.target);
     made->setAction(group.action);
     return made;
 }
 
+std::shared_ptr<NSToolbarItemGroup> NSToolbarItemGroup::create(Images group) {
+    return made(group, zorvan::subitems(group.images, group.labels, &NSToolbarItem::setImage));
+}
+
 std::shared_ptr<NSToolbarItemGroup> NSToolbarItemGroup::create(Titles group) {
-    auto made = std::make_shared<NSToolbarItemGroup>(Key{}, std::move(group.itemIdentifier));
-    made->setSubitems(zorvan::subitems(
-        group.titles, group.labels,
-        [](NSToolbarItem& item, const std::string& title) { item.setTitle(title); }));
-    made->setSelectionMode(group.selectionMode);
-    made->setTarget(group.target);
-    made->setAction(group.action);
-    return made;
+    return made(group, zorvan::subitems(group.titles, group.labels, &NSToolbarItem::setTitle));
 }
 
 void NSToolbarItemGroup::setSubitems(std::vector<std::shared_ptr<NSToolbarItem>> subitems) {
@@ -59,11 +57,6 @@ void NSToolbarItemGroup::setSelectionMode(SelectionMode mode) {
         selected_.assign(subitems_.size(), false);
     if (mode == SelectionMode::selectOne)
         setSelectedIndex(selectedIndex());
-    didChange();
-}
-
-void NSToolbarItemGroup::setControlRepresentation(ControlRepresentation representation) {
-    representation_ = representation;
     didChange();
 }
 

@@ -69,7 +69,9 @@ public:
     /// `automatic` unless set.
     ControlRepresentation controlRepresentation() const noexcept { return representation_; }
     /// Collapsed, a group shows the selected subitem alone.
-    void setControlRepresentation(ControlRepresentation representation);
+    void setControlRepresentation(ControlRepresentation representation) {
+        change(representation_, representation);
+    }
 
     /// The first selected subitem, or -1.
     std::int64_t selectedIndex() const noexcept;
@@ -86,6 +88,9 @@ public:
     void press(std::int64_t at);
 
 private:
+    template <class Settings>
+    static std::shared_ptr<NSToolbarItemGroup>
+    made(const Settings& group, std::vector<std::shared_ptr<NSToolbarItem>> subitems);
     bool has(std::int64_t index) const noexcept {
         return index >= 0 && index < static_cast<std::int64_t>(subitems_.size());
     }

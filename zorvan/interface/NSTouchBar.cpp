@@ -17,14 +17,6 @@ NSCustomTouchBarItem::create(NSTouchBarItemIdentifier identifier) {
 
 std::shared_ptr<NSTouchBar> NSTouchBar::create() { return std::make_shared<NSTouchBar>(Key{}); }
 
-NSTouchBarItem::~NSTouchBarItem() = default;
-
-std::shared_ptr<NSView> NSTouchBarItem::view() const { return nullptr; }
-
-void NSTouchBar::setDelegate(const std::shared_ptr<NSTouchBarDelegate>& delegate) {
-    delegate_ = delegate;
-}
-
 std::shared_ptr<NSTouchBarItem> NSTouchBar::makeItem(const NSTouchBarItemIdentifier& identifier) {
     if (const auto giver = delegate())
         if (auto item = giver->touchBarMakeItemForIdentifier(*this, identifier))
@@ -44,7 +36,7 @@ void NSTouchBar::setDefaultItemIdentifiers(std::vector<NSTouchBarItemIdentifier>
     defaultItemIdentifiers_ = std::move(identifiers);
     items_ = std::move(items);
     if (const auto shown = window())
-        shown->setTouchBarNeedsLayout();
+        shown->barDidChange(&NSWindowObserver::touchBarDidChange);
 }
 
 std::shared_ptr<NSTouchBarItem>

@@ -26,9 +26,14 @@ public:
 /// Each time its identifiers are set it asks its delegate, which it does not keep alive, for the
 /// items, and makes the spaces itself when the delegate gives none. Main thread only.
 class NSTouchBar : public std::enable_shared_from_this<NSTouchBar> {
+    struct Key {};
+    friend class NSWindow;
+
 public:
     /// Without items.
     static std::shared_ptr<NSTouchBar> create();
+    /// For `create`.
+    explicit NSTouchBar(Key) {}
 
     /// What the bar shows, in order. Setting them asks the delegate for the items anew.
     /// @{
@@ -41,7 +46,7 @@ public:
     /// it has gone.
     /// @{
     std::shared_ptr<NSTouchBarDelegate> delegate() const noexcept { return delegate_.lock(); }
-    void setDelegate(const std::shared_ptr<NSTouchBarDelegate>& delegate);
+    void setDelegate(const std::shared_ptr<NSTouchBarDelegate>& delegate) { delegate_ = delegate; }
     /// @}
 
     /// The items that there are for the identifiers, in order.
@@ -53,14 +58,7 @@ public:
     std::shared_ptr<NSWindow> window() const noexcept { return window_.lock(); }
 
 private:
-    struct Key {};
-    friend class NSWindow;
-
-public:
-    /// For `create`.
-    explicit NSTouchBar(Key) {}
-
-private:
+    void comeInto(const std::shared_ptr<NSWindow>& window) { window_ = window; }
     std::shared_ptr<NSTouchBarItem> makeItem(const NSTouchBarItemIdentifier& identifier);
 
     std::vector<NSTouchBarItemIdentifier> defaultItemIdentifiers_;

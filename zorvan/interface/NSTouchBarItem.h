@@ -34,14 +34,14 @@ public:
     static std::shared_ptr<NSTouchBarItem> create(NSTouchBarItemIdentifier identifier);
     /// For `create`.
     NSTouchBarItem(Key, NSTouchBarItemIdentifier identifier) : identifier_(std::move(identifier)) {}
-    virtual ~NSTouchBarItem();
+    virtual ~NSTouchBarItem() = default;
     NSTouchBarItem(const NSTouchBarItem&) = delete;
     NSTouchBarItem& operator=(const NSTouchBarItem&) = delete;
 
     /// What tells the item from the others of its bar.
     const NSTouchBarItemIdentifier& identifier() const noexcept { return identifier_; }
     /// What the bar shows; null for a space.
-    virtual std::shared_ptr<NSView> view() const;
+    virtual std::shared_ptr<NSView> view() const { return nullptr; }
 
 private:
     NSTouchBarItemIdentifier identifier_;

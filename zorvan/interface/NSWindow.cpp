@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 namespace zorvan {
 
@@ -40,10 +41,10 @@ NSWindow::NSWindow(Key, CGSize contentSize, std::string title)
     : title_(std::move(title)), contentSize_(atLeastOne(contentSize)) {}
 
 NSWindow::~NSWindow() {
-    if (toolbar_)
-        toolbar_->window_.reset();
-    if (touchBar_)
-        touchBar_->window_.reset();
+    if (toolbar_.bar)
+        toolbar_.bar->window_.reset();
+    if (touchBar_.bar)
+        touchBar_.bar->window_.reset();
 }
 
 void NSWindow::setUp() {
@@ -57,7 +58,7 @@ void NSWindow::setUp() {
 
 void NSWindow::setTitle(std::string title) {
     title_ = std::move(title);
-    tellObserver(&NSWindowObserver::propertiesDidChange);
+    observers_.tell(&NSWindowObserver::propertiesDidChange);
 }
 
 // What stands where
@@ -66,7 +67,7 @@ void NSWindow::setTitle(std::string title) {
 void NSWindow::placeViews() {
     double width = contentSize_.width, top = contentSize_.height;
     contentView_->setFrame(contentSize_.rect());
-    for (const auto& bar : {toolbarView_, touchBarView_}) {
+    for (const auto& bar : {toolbar_.view, touchBar_.view}) {
         if (!bar)
             continue;
         bar->setFrame({CGPoint(0, top), bar->frame().size});
@@ -78,14 +79,14 @@ void NSWindow::placeViews() {
 
 /// What the bars show now.
 void NSWindow::holdBars() {
-    if (toolbarView_) {
-        auto items = toolbar_->items();
+    if (toolbar_.view) {
+        auto items = toolbar_.bar->items();
         std::stable_partition(items.begin(), items.end(),
                               [](const auto& item) { return item->isNavigational(); });
-        toolbarView_->hold(viewsOf(items));
+        toolbar_.view->hold(viewsOf(items));
     }
-    if (touchBarView_)
-        touchBarView_->hold(viewsOf(touchBar_->items()));
+    if (touchBar_.view)
+        touchBar_.view->hold(viewsOf(touchBar_.bar->items()));
     placeViews();
 }
 
@@ -103,7 +104,7 @@ void NSWindow::setContentSize(CGSize size) {
 void NSWindow::setContentMinSize(CGSize size) {
     contentMinSize_ = atLeastOne(size);
     setContentSize(contentSize_);
-    tellObserver(&NSWindowObserver::propertiesDidChange);
+    observers_.tell(&NSWindowObserver::propertiesDidChange);
 }
 
 void NSWindow::setContentView(std::shared_ptr<NSView> view) {
@@ -117,49 +118,45 @@ void NSWindow::setContentView(std::shared_ptr<NSView> view) {
     contentView_ = view;
     rootView_->addSubview(view);
     placeViews();
-    tellObserver(&NSWindowObserver::contentViewDidChange);
+    observers_.tell(&NSWindowObserver::contentViewDidChange);
+}
+
+template <class Bar>
+void NSWindow::setBar(Held<Bar> NSWindow::*place, std::shared_ptr<Bar> bar) {
+    constexpr bool isToolbar = std::is_same_v<Bar, NSToolbar>;
+    Held<Bar>& held = this->*place;
+    if (bar == held.bar)
+        return;
+    const auto keptAlive = shared_from_this();
+    if (held.bar) {
+        held.view->removeFromSuperview();
+        held.view.reset();
+        held.bar->comeInto(nullptr);
+    }
+    if (const auto other = bar ? bar->window() : nullptr)
+        other->setBar(place, std::shared_ptr<Bar>());
+    held.bar = std::move(bar);
+    if (held.bar) {
+        held.view = BarView::create(isToolbar ? BarView::Kind::toolbar : BarView::Kind::touchBar);
+        rootView_->addSubview(held.view);
+        held.bar->comeInto(keptAlive);
+    }
+    placeViews();
+    barDidChange(isToolbar ? &NSWindowObserver::toolbarDidChange
+                           : &NSWindowObserver::touchBarDidChange);
 }
 
 void NSWindow::setToolbar(std::shared_ptr<NSToolbar> toolbar) {
-    if (toolbar == toolbar_)
-        return;
-    const auto keptAlive = shared_from_this();
-    if (toolbar_) {
-        toolbarView_->removeFromSuperview();
-        toolbarView_.reset();
-        toolbar_->comeInto(nullptr);
-    }
-    if (const auto other = toolbar ? toolbar->window() : nullptr)
-        other->setToolbar(nullptr);
-    toolbar_ = std::move(toolbar);
-    if (toolbar_) {
-        toolbarView_ = BarView::create(BarView::Kind::toolbar);
-        rootView_->addSubview(toolbarView_);
-        toolbar_->comeInto(keptAlive);
-    }
-    placeViews();
-    setToolbarNeedsLayout();
+    setBar(&NSWindow::toolbar_, std::move(toolbar));
 }
 
 void NSWindow::setTouchBar(std::shared_ptr<NSTouchBar> touchBar) {
-    if (touchBar == touchBar_)
-        return;
-    const auto keptAlive = shared_from_this();
-    if (touchBar_) {
-        touchBarView_->removeFromSuperview();
-        touchBarView_.reset();
-        touchBar_->window_.reset();
-    }
-    if (const auto other = touchBar ? touchBar->window() : nullptr)
-        other->setTouchBar(nullptr);
-    touchBar_ = std::move(touchBar);
-    if (touchBar_) {
-        touchBarView_ = BarView::create(BarView::Kind::touchBar);
-        rootView_->addSubview(touchBarView_);
-        touchBar_->window_ = keptAlive;
-    }
-    placeViews();
-    setTouchBarNeedsLayout();
+    setBar(&NSWindow::touchBar_, std::move(touchBar));
+}
+
+void NSWindow::barDidChange(void (NSWindowObserver::*change)()) {
+    contentDidChange();
+    observers_.tell(change);
 }
 
 // The main window
@@ -216,36 +213,13 @@ void NSWindow::close() {
 void NSWindow::contentDidChange() {
     if (std::exchange(viewsNeedDisplay_, true))
         return;
-    tellObserver(&NSWindowObserver::viewsNeedDisplay);
-}
-
-void NSWindow::tellObserver(void (NSWindowObserver::*change)()) const {
-    // Whoever is told may add another.
-    const auto observers = observers_;
-    for (const auto& weak : observers)
-        if (const auto observer = weak.lock())
-            ((*observer).*change)();
-}
-
-void NSWindow::addObserver(const std::shared_ptr<NSWindowObserver>& observer) {
-    std::erase_if(observers_, [](const auto& other) { return other.expired(); });
-    observers_.push_back(observer);
+    observers_.tell(&NSWindowObserver::viewsNeedDisplay);
 }
 
 void NSWindow::displayIfNeeded() {
     const auto keptAlive = shared_from_this();
     viewsNeedDisplay_ = false;
     layoutIfNeeded();
-}
-
-void NSWindow::setToolbarNeedsLayout() {
-    contentDidChange();
-    tellObserver(&NSWindowObserver::toolbarDidChange);
-}
-
-void NSWindow::setTouchBarNeedsLayout() {
-    contentDidChange();
-    tellObserver(&NSWindowObserver::touchBarDidChange);
 }
 
 void NSWindow::layoutIfNeeded() {

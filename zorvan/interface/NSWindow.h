@@ -5,6 +5,7 @@
 #include <zorvan/interface/NSWindowObserver.h>
 #include <zorvan/platform/appkit/NSEvent.h>
 #include <zorvan/platform/appkit/NSView.h>
+#include <zorvan/platform/appkit/ObserverList.h>
 #include <zorvan/platform/foundation/NameLiteral.h>
 
 #include <memory>
@@ -25,6 +26,10 @@ class RootView;
 /// it is told of. A host shows it in a real window, with bars of its own for the items. Coordinates
 /// of the window are in points from the bottom left corner of its content. Main thread only.
 class NSWindow : public std::enable_shared_from_this<NSWindow> {
+    struct Key {};
+    friend class NSToolbar;
+    friend class NSTouchBar;
+
 public:
     /// Posted by a window, with itself as the sender.
     /// @{
@@ -36,6 +41,8 @@ public:
 
     /// With an empty content view of that size. The window is not shown yet.
     static std::shared_ptr<NSWindow> create(CGSize contentSize, std::string title = {});
+    /// For `create`.
+    NSWindow(Key, CGSize contentSize, std::string title);
     ~NSWindow();
     NSWindow(const NSWindow&) = delete;
     NSWindow& operator=(const NSWindow&) = delete;
@@ -67,11 +74,11 @@ public:
     /// A new, empty one for null.
     void setContentView(std::shared_ptr<NSView> view);
     /// Null when there is none.
-    const std::shared_ptr<NSToolbar>& toolbar() const noexcept { return toolbar_; }
+    const std::shared_ptr<NSToolbar>& toolbar() const noexcept { return toolbar_.bar; }
     /// Null for none. The toolbar leaves the window that it was in.
     void setToolbar(std::shared_ptr<NSToolbar> toolbar);
     /// Null when there is none.
-    const std::shared_ptr<NSTouchBar>& touchBar() const noexcept { return touchBar_; }
+    const std::shared_ptr<NSTouchBar>& touchBar() const noexcept { return touchBar_.bar; }
     /// Null for none. The touch bar leaves the window that it was in.
     void setTouchBar(std::shared_ptr<NSTouchBar> touchBar);
 
@@ -131,23 +138,23 @@ public:
     void displayIfNeeded();
     /// The host that shows the window, and tests. Not kept alive; one that has gone is told no
     /// more.
-    void addObserver(const std::shared_ptr<NSWindowObserver>& observer);
+    void addObserver(const std::shared_ptr<NSWindowObserver>& observer) {
+        observers_.add(observer);
+    }
 
 private:
-    struct Key {};
-    friend class NSToolbar;
-    friend class NSTouchBar;
+    /// A bar, and the view that holds those of its items; null when there is none.
+    template <class Bar>
+    struct Held {
+        std::shared_ptr<Bar> bar;
+        std::shared_ptr<BarView> view;
+    };
 
-public:
-    /// For `create`.
-    NSWindow(Key, CGSize contentSize, std::string title);
-
-private:
     void setUp();
-    void setToolbarNeedsLayout();
-    void setTouchBarNeedsLayout();
+    template <class Bar>
+    void setBar(Held<Bar> NSWindow::*place, std::shared_ptr<Bar> bar);
+    void barDidChange(void (NSWindowObserver::*change)());
     void contentDidChange();
-    void tellObserver(void (NSWindowObserver::*change)()) const;
     std::shared_ptr<NSView> hitView(CGPoint location) const;
     bool sendButton(const NSEvent& event, const std::shared_ptr<NSView>& over);
     bool sendKey(const NSEvent& event);
@@ -165,15 +172,13 @@ private:
     CGSize contentSize_;
     std::shared_ptr<RootView> rootView_;
     std::shared_ptr<NSView> contentView_;
-    std::shared_ptr<NSToolbar> toolbar_;
-    std::shared_ptr<BarView> toolbarView_;
-    std::shared_ptr<NSTouchBar> touchBar_;
-    std::shared_ptr<BarView> touchBarView_;
+    Held<NSToolbar> toolbar_;
+    Held<NSTouchBar> touchBar_;
     std::shared_ptr<NSView> pressedView_;
     std::weak_ptr<NSView> firstResponder_;
     /// The tracking areas that the mouse is in.
     std::vector<std::shared_ptr<NSTrackingArea>> entered_;
-    std::vector<std::weak_ptr<NSWindowObserver>> observers_;
+    ObserverList<NSWindowObserver> observers_;
     std::string frameAutosaveName_;
     CGSize contentMinSize_{1, 1};
     bool isVisible_ = false;

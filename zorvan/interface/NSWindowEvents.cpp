@@ -5,15 +5,17 @@
 #include <zorvan/interface/internal/RootView.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace zorvan {
+
+using Type = NSEvent::EventType;
 
 bool NSWindow::sendEvent(const NSEvent& event, const std::shared_ptr<NSView>& over) {
     if (isClosed_)
         return false;
     const auto keptAlive = shared_from_this();
     layoutIfNeeded();
-    using Type = NSEvent::EventType;
     if (event.type == Type::keyDown || event.type == Type::keyUp)
         return sendKey(event);
     const bool hasLeft = event.type == Type::mouseExited;
@@ -29,38 +31,25 @@ namespace {
 
 using Handler = void (NSView::*)(const NSEvent&);
 
-struct ButtonHandler {
+/// What an event of a button does, and who is told.
+struct Button {
     enum class Act { press, goOn, release };
+    NSEvent::EventType type;
     Act act;
     Handler handler;
 };
 
-std::optional<ButtonHandler> buttonHandler(NSEvent::EventType type) {
-    using Type = NSEvent::EventType;
-    using Act = ButtonHandler::Act;
-    switch (type) {
-    case Type::leftMouseDown:
-        return {{Act::press, &NSView::mouseDown}};
-    case Type::leftMouseDragged:
-        return {{Act::goOn, &NSView::mouseDragged}};
-    case Type::leftMouseUp:
-        return {{Act::release, &NSView::mouseUp}};
-    case Type::rightMouseDown:
-        return {{Act::press, &NSView::rightMouseDown}};
-    case Type::rightMouseDragged:
-        return {{Act::goOn, &NSView::rightMouseDragged}};
-    case Type::rightMouseUp:
-        return {{Act::release, &NSView::rightMouseUp}};
-    case Type::otherMouseDown:
-        return {{Act::press, &NSView::otherMouseDown}};
-    case Type::otherMouseDragged:
-        return {{Act::goOn, &NSView::otherMouseDragged}};
-    case Type::otherMouseUp:
-        return {{Act::release, &NSView::otherMouseUp}};
-    default:
-        return std::nullopt;
-    }
-}
+constexpr Button buttons[] = {
+    {Type::leftMouseDown, Button::Act::press, &NSView::mouseDown},
+    {Type::leftMouseDragged, Button::Act::goOn, &NSView::mouseDragged},
+    {Type::leftMouseUp, Button::Act::release, &NSView::mouseUp},
+    {Type::rightMouseDown, Button::Act::press, &NSView::rightMouseDown},
+    {Type::rightMouseDragged, Button::Act::goOn, &NSView::rightMouseDragged},
+    {Type::rightMouseUp, Button::Act::release, &NSView::rightMouseUp},
+    {Type::otherMouseDown, Button::Act::press, &NSView::otherMouseDown},
+    {Type::otherMouseDragged, Button::Act::goOn, &NSView::otherMouseDragged},
+    {Type::otherMouseUp, Button::Act::release, &NSView::otherMouseUp},
+};
 
 bool isDisabled(const std::shared_ptr<NSView>& view) {
     const auto control = std::dynamic_pointer_cast<NSControl>(view);
@@ -70,18 +59,17 @@ bool isDisabled(const std::shared_ptr<NSView>& view) {
 } // namespace
 
 bool NSWindow::sendButton(const NSEvent& event, const std::shared_ptr<NSView>& over) {
-    using Act = ButtonHandler::Act;
-    if (event.type == NSEvent::EventType::scrollWheel)
+    if (event.type == Type::scrollWheel)
         return deliver(&NSView::scrollWheel, over, event);
-    const auto button = buttonHandler(event.type);
-    if (!button)
+    const auto button = std::ranges::find(buttons, event.type, &Button::type);
+    if (button == std::end(buttons))
         return false;
-    if (button->act == Act::press) {
+    if (button->act == Button::Act::press) {
         pressedView_ = isDisabled(over) ? nullptr : over;
         giveKeyboard(pressedView_);
     }
     const auto to = pressedView_;
-    if (button->act == Act::release)
+    if (button->act == Button::Act::release)
         pressedView_.reset();
     return deliver(button->handler, to, event);
 }
@@ -111,7 +99,7 @@ bool isOutOfSight(std::shared_ptr<NSView> view) {
 
 bool NSWindow::sendKey(const NSEvent& event) {
     const auto responder = firstResponder();
-    const bool isPress = event.type == NSEvent::EventType::keyDown;
+    const bool isPress = event.type == Type::keyDown;
     if (deliver(isPress ? &NSView::keyDown : &NSView::keyUp,
                 responder && !isOutOfSight(responder) ? responder : contentView_, event))
         return true;
@@ -120,7 +108,7 @@ bool NSWindow::sendKey(const NSEvent& event) {
 
 bool NSWindow::performKeyEquivalent(const NSEvent& event) {
     const auto keptAlive = shared_from_this();
-    const auto toolbar = toolbar_;
+    const auto toolbar = toolbar_.bar;
     return !isClosed_ && (rootView_->performKeyEquivalent(event) ||
                           (toolbar && toolbar->performKeyEquivalent(event)));
 }
@@ -140,7 +128,7 @@ bool NSWindow::makeFirstResponder(const std::shared_ptr<NSView>& view) {
     const bool takesIt = view && view->window() == keptAlive && view->acceptsFirstResponder() &&
                          view->becomeFirstResponder();
     firstResponder_ = takesIt ? view : nullptr;
-    tellObserver(&NSWindowObserver::firstResponderDidChange);
+    observers_.tell(&NSWindowObserver::firstResponderDidChange);
     return takesIt || !view;
 }
 
@@ -254,7 +242,6 @@ void NSWindow::trackMouse(const std::optional<CGPoint>& location, const NSEvent&
     if (location)
         collectAreas(*rootView_, *location, now);
     const Areas before = std::exchange(entered_, now);
-    using Type = NSEvent::EventType;
     NSEvent told = event;
     told.type = Type::mouseExited;
     for (const auto& area : difference(before, now)) {

@@ -21,11 +21,6 @@ public:
     virtual void touchBarDidChange() {}
     /// Keys go to another view, or to none.
     virtual void firstResponderDidChange() {}
-
-protected:
-    NSWindowObserver() = default;
-    NSWindowObserver(const NSWindowObserver&) = default;
-    NSWindowObserver& operator=(const NSWindowObserver&) = default;
 };
 
 } // namespace zorvan

@@ -27,16 +27,6 @@ std::shared_ptr<TintedButtonCell> TintedButtonCell::create(const Coder& argument
     return cell;
 }
 
-void TintedButtonCell::setIsHover(bool isHover) {
-    isHover_ = isHover;
-    didChange();
-}
-
-void TintedButtonCell::setIsPressed(bool isPressed) {
-    isPressed_ = isPressed;
-    didChange();
-}
-
 template <class Value>
 const Value& TintedButtonCell::chosen(const Value& tint, const Value& hover, const Value& pressed,
                                       const Value& disabled) const {

@@ -23,9 +23,9 @@ public:
     /// False at first; whoever tracks the mouse sets it.
     /// @{
     bool isHover() const noexcept { return isHover_; }
-    void setIsHover(bool isHover);
+    void setIsHover(bool isHover) { change(isHover_, isHover); }
     bool isPressed() const noexcept { return isPressed_; }
-    void setIsPressed(bool isPressed);
+    void setIsPressed(bool isPressed) { change(isPressed_, isPressed); }
     /// @}
 
     /// A rounded rectangle of the background gradient; that of any button when there is none.
@@ -44,8 +44,7 @@ private:
     const detail::Tints& ownTints() const noexcept { return tints_; }
     template <class Value>
     void setTint(Value detail::Tints::*field, Value value) {
-        tints_.*field = std::move(value);
-        didChange();
+        change(tints_.*field, std::move(value));
     }
     template <class Value>
     const Value& chosen(const Value& tint, const Value& hover, const Value& pressed,

@@ -13,38 +13,23 @@ void configure(const std::shared_ptr<Toolbar>& toolbar) {
     toolbar->setDelegate(toolbar);
 }
 
-const std::shared_ptr<NSToolbarItem>& made(std::shared_ptr<NSToolbarItem>& item,
-                                           std::string_view identifier,
-                                           const std::shared_ptr<NSView>& view) {
-    if (!item) {
-        item = NSToolbarItem::create(NSToolbarItemIdentifier(identifier));
-        item->setView(view);
-    }
-    return item;
-}
-
-/// In the item too, when that has been made.
-void replace(std::shared_ptr<NSView>& view, std::shared_ptr<NSView> by,
-             const std::shared_ptr<NSToolbarItem>& item) {
-    view = std::move(by);
-    if (item)
-        item->setView(view);
-}
-
 } // namespace
 
 // DividedToolbar
 
-void DividedToolbar::setLeftItemView(std::shared_ptr<NSView> view) {
-    replace(leftItemView_, view ? std::move(view) : emptyView(), leftToolbarItem_);
+/// In the item too, when that has been made.
+void DividedToolbar::Part::setView(std::shared_ptr<NSView> newView) {
+    view = newView ? std::move(newView) : emptyView();
+    if (item)
+        item->setView(view);
 }
 
-void DividedToolbar::setCenterItemView(std::shared_ptr<NSView> view) {
-    replace(centerItemView_, view ? std::move(view) : emptyView(), centerToolbarItem_);
-}
-
-void DividedToolbar::setRightItemView(std::shared_ptr<NSView> view) {
-    replace(rightItemView_, view ? std::move(view) : emptyView(), rightToolbarItem_);
+const std::shared_ptr<NSToolbarItem>& DividedToolbar::Part::madeItem() {
+    if (!item) {
+        item = NSToolbarItem::create(identifier);
+        item->setView(view);
+    }
+    return item;
 }
 
 std::shared_ptr<DividedToolbar> DividedToolbar::create(std::string identifier) {
@@ -53,33 +38,18 @@ std::shared_ptr<DividedToolbar> DividedToolbar::create(std::string identifier) {
     return toolbar;
 }
 
-const std::shared_ptr<NSToolbarItem>& DividedToolbar::leftToolbarItem() {
-    return made(leftToolbarItem_, leftItemIdentifier, leftItemView_);
-}
-
-const std::shared_ptr<NSToolbarItem>& DividedToolbar::centerToolbarItem() {
-    return made(centerToolbarItem_, centerItemIdentifier, centerItemView_);
-}
-
-const std::shared_ptr<NSToolbarItem>& DividedToolbar::rightToolbarItem() {
-    return made(rightToolbarItem_, rightItemIdentifier, rightItemView_);
-}
-
 std::shared_ptr<NSToolbarItem>
 DividedToolbar::toolbarItemForItemIdentifier(NSToolbar&, const NSToolbarItemIdentifier& identifier,
                                              bool) {
-    if (identifier == leftItemIdentifier)
-        return leftToolbarItem();
-    if (identifier == centerItemIdentifier)
-        return centerToolbarItem();
-    return identifier == rightItemIdentifier ? rightToolbarItem() : nullptr;
+    for (Part* const part : {&left_, &center_, &right_})
+        if (part->identifier == identifier)
+            return part->madeItem();
+    return nullptr;
 }
 
 std::vector<NSToolbarItemIdentifier> DividedToolbar::toolbarDefaultItemIdentifiers(NSToolbar&) {
-    using Identifier = NSToolbarItemIdentifier;
-    const Identifier space(NSToolbarFlexibleSpaceItemIdentifier);
-    return {Identifier(leftItemIdentifier), space, Identifier(centerItemIdentifier), space,
-            Identifier(rightItemIdentifier)};
+    const NSToolbarItemIdentifier space(NSToolbarFlexibleSpaceItemIdentifier);
+    return {left_.identifier, space, center_.identifier, space, right_.identifier};
 }
 
 std::vector<NSToolbarItemIdentifier>

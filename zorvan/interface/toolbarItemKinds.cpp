@@ -26,15 +26,6 @@ NSMenuToolbarItem::create(NSToolbarItemIdentifier itemIdentifier) {
     return std::make_shared<NSMenuToolbarItem>(Key{}, std::move(itemIdentifier));
 }
 
-void NSMenuToolbarItem::setMenu(std::shared_ptr<NSMenu> menu) {
-    menu_ = menu ? std::move(menu) : NSMenu::create();
-}
-
-void NSMenuToolbarItem::setShowsIndicator(bool shows) {
-    showsIndicator_ = shows;
-    didChange();
-}
-
 // NSTrackingSeparatorToolbarItem
 
 std::shared_ptr<NSTrackingSeparatorToolbarItem>

@@ -30,17 +30,9 @@ bool isOneOf(const Identifiers& identifiers, const AVMetadataItem& item) {
 }
 
 AVMediaType mediaType(MediaKind kind) {
-    switch (kind) {
-    case MediaKind::video:
-        return AVMediaType::video;
-    case MediaKind::audio:
-        return AVMediaType::audio;
-    case MediaKind::text:
-        return AVMediaType::text;
-    case MediaKind::other:
-        return AVMediaType::other;
-    }
-    return AVMediaType::other;
+    constexpr std::array types = {AVMediaType::video, AVMediaType::audio, AVMediaType::text,
+                                  AVMediaType::other};
+    return types[static_cast<std::size_t>(kind)];
 }
 
 CMTime asTime(const std::optional<MediaTime>& time, const CMTime& otherwise) {

@@ -12,11 +12,11 @@ namespace {
 
 using avfoundation::MediaPlayer;
 
-/// The completion as the player's thread may have it: it hands the block over to the main queue, so
-/// that what the block holds is never let go on that thread.
+/// The completion, which may be empty, as the player's thread may have it: it hands the block over
+/// to the main queue, so that what the block holds is never let go on that thread.
 MediaPlayer::Completion onMainQueue(AVPlayerItem::Completion completion) {
     if (!completion)
-        return {};
+        return [](bool) {};
     return [completion = std::move(completion)](bool finished) mutable {
         DispatchQueue::main()->async(
             [completion = std::exchange(completion, nullptr), finished] { completion(finished); });
@@ -70,11 +70,8 @@ CMTime AVPlayerItem::currentTime() const {
 void AVPlayerItem::seek(const Seek& target, Completion completion) {
     const double seconds = target.to.value.seconds();
     auto done = onMainQueue(std::move(completion));
-    if (!player_ || std::isnan(seconds)) {
-        if (done)
-            done(false);
-        return;
-    }
+    if (!player_ || std::isnan(seconds))
+        return done(false);
     const bool mayLandAnywhere =
         target.toleranceBefore.isPositiveInfinity() && target.toleranceAfter.isPositiveInfinity();
     const double last = duration().isNumeric() ? duration().seconds() : seconds;
@@ -85,10 +82,7 @@ void AVPlayerItem::seek(const Seek& target, Completion completion) {
 
 void AVPlayerItem::step(ByCount count, Completion completion) {
     auto done = onMainQueue(std::move(completion));
-    if (player_)
-        player_->step(count.byCount, std::move(done));
-    else if (done)
-        done(false);
+    player_ ? player_->step(count.byCount, std::move(done)) : done(false);
 }
 
 std::optional<Bitmap> AVPlayerItem::currentPicture() const {

@@ -7,7 +7,6 @@
 #include <zorvan/platform/graphics/drawBitmap.h>
 
 #include <algorithm>
-#include <cmath>
 #include <new>
 #include <optional>
 

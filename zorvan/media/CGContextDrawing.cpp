@@ -1,16 +1,31 @@
 #include <zorvan/media/CGContext.h>
 
-#include <zorvan/media/internal/paintColor.h>
 #include <zorvan/media/internal/patternPaint.h>
 #include <zorvan/platform/graphics/drawAttributedText.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace zorvan {
 
 namespace {
+
+PaintColor paintColor(const CGColor& color) noexcept {
+    const RGBA& c = color.rgba();
+    return {c.r, c.g, c.b, c.a};
+}
+
+CGPath rectangle(const CGRect& rect) {
+    CGPath path;
+    path.addRect(rect);
+    return path;
+}
+
+CGPath ellipse(const CGRect& rect) {
+    CGPath path;
+    path.addEllipse(rect);
+    return path;
+}
 
 bool has(CGGradientDrawingOptions options, CGGradientDrawingOptions wanted) noexcept {
     return (static_cast<int>(options) & static_cast<int>(wanted)) != 0;
@@ -83,19 +98,11 @@ void CGContext::addCurveTo(CGPoint control1, CGPoint control2, CGPoint end) {
 
 void CGContext::addPath(const CGPath& path) { path_.addPath(path.applying(toPixels())); }
 
-CGPath CGContext::pathOf(const CGRect& rect) const {
-    CGPath path;
-    path.addRect(rect);
-    return path.applying(toPixels());
-}
+CGPath CGContext::pathOf(const CGRect& rect) const { return rectangle(rect).applying(toPixels()); }
 
 void CGContext::addRect(const CGRect& rect) { path_.addPath(pathOf(rect)); }
 
-void CGContext::addEllipse(const CGRect& rect) {
-    CGPath path;
-    path.addEllipse(rect);
-    addPath(path);
-}
+void CGContext::addEllipse(const CGRect& rect) { addPath(ellipse(rect)); }
 
 void CGContext::addArc(CGPoint center, double radius, double startAngle, double endAngle,
                        bool clockwise) {
@@ -169,23 +176,11 @@ void CGContext::stroke(const CGPath& path) {
     path_ = std::move(kept);
 }
 
-void CGContext::fill(const CGRect& rect) {
-    CGPath path;
-    path.addRect(rect);
-    fill(path);
-}
+void CGContext::fill(const CGRect& rect) { fill(rectangle(rect)); }
 
-void CGContext::stroke(const CGRect& rect) {
-    CGPath path;
-    path.addRect(rect);
-    stroke(path);
-}
+void CGContext::stroke(const CGRect& rect) { stroke(rectangle(rect)); }
 
-void CGContext::fillEllipse(const CGRect& rect) {
-    CGPath path;
-    path.addEllipse(rect);
-    fill(path);
-}
+void CGContext::fillEllipse(const CGRect& rect) { fill(ellipse(rect)); }
 
 void CGContext::clear(const CGRect& rect) {
     DrawingStyle style = state_.style;
@@ -216,11 +211,9 @@ void CGContext::drawRadialGradient(const CGGradient& gradient, CGPoint center, d
                                    CGGradientDrawingOptions options) {
     if (!(radius > 0) || !std::isfinite(radius))
         return;
-    CGPath area;
-    if (has(options, CGGradientDrawingOptions::drawsAfterEndLocation))
-        area.addRect(boundingBoxOfClipPath());
-    else
-        area.addEllipse(CGRect({.center = center, .square = radius * 2}));
+    const CGPath area = has(options, CGGradientDrawingOptions::drawsAfterEndLocation)
+                            ? rectangle(boundingBoxOfClipPath())
+                            : ellipse(CGRect({.center = center, .square = radius * 2}));
     drawGradient({{}, center, center, radius}, area, gradient);
 }
 

@@ -2,6 +2,7 @@
 
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/ImageKeys.h>
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 #include <zorvan/platform/foundation/internal/writeFile.h>
 #include <zorvan/platform/imageio/ImageWriter.h>
 
@@ -12,6 +13,8 @@
 namespace zorvan {
 namespace {
 
+using internal::valueUnder;
+
 std::optional<imageio::FileFormat> formatOf(std::string_view type) {
     using enum imageio::FileFormat;
     for (const imageio::FileFormat format : {png, jpeg, tiff, heic})
@@ -20,23 +23,17 @@ std::optional<imageio::FileFormat> formatOf(std::string_view type) {
     return std::nullopt;
 }
 
-template <class Kind>
-const Kind* find(const PropertyList::Dictionary& options, std::string_view key) {
-    const auto entry = options.find(key);
-    return entry == options.end() ? nullptr : entry->second.as<Kind>();
-}
-
 std::optional<double> quality(const PropertyList::Dictionary& options) {
     const NSNumber* const value =
-        find<NSNumber>(options, kCGImageDestinationLossyCompressionQuality);
+        valueUnder<NSNumber>(options, kCGImageDestinationLossyCompressionQuality);
     return value ? std::optional(value->doubleValue()) : std::nullopt;
 }
 
 std::optional<int> tiffCompression(const PropertyList::Dictionary& options) {
     const auto* const tiff =
-        find<PropertyList::Dictionary>(options, kCGImagePropertyTIFFDictionary);
+        valueUnder<PropertyList::Dictionary>(options, kCGImagePropertyTIFFDictionary);
     const NSNumber* const code =
-        tiff ? find<NSNumber>(*tiff, kCGImagePropertyTIFFCompression) : nullptr;
+        tiff ? valueUnder<NSNumber>(*tiff, kCGImagePropertyTIFFCompression) : nullptr;
     if (!code)
         return std::nullopt;
     return static_cast<int>(

@@ -3,6 +3,7 @@
 #include <zorvan/media/ImageKeys.h>
 #include <zorvan/media/internal/parseDate.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 
 #include <algorithm>
 #include <cmath>
@@ -13,20 +14,22 @@
 namespace zorvan {
 namespace {
 
-template <class Kind>
-const Kind* find(const PropertyList::Dictionary& section, std::string_view key) {
-    const auto entry = section.find(key);
-    return entry == section.end() ? nullptr : entry->second.as<Kind>();
-}
+using internal::valueUnder;
 
 std::optional<std::int64_t> integer(const PropertyList::Dictionary& metadata,
                                     std::string_view key) {
-    const auto* number = find<NSNumber>(metadata, key);
+    const auto* number = valueUnder<NSNumber>(metadata, key);
     return number && number->isInteger() ? std::optional(number->int64Value()) : std::nullopt;
 }
 
+/// Whether width and height change places once the picture is turned upright.
+bool swapsSides(const PropertyList::Dictionary& metadata) {
+    const std::int64_t orientation = integer(metadata, kCGImagePropertyOrientation).value_or(0);
+    return orientation >= 5 && orientation <= 8;
+}
+
 std::string textUnder(const PropertyList::Dictionary& exif, const std::string& key) {
-    const auto* text = find<std::string>(exif, key);
+    const auto* text = valueUnder<std::string>(exif, key);
     return text ? *text : std::string();
 }
 
@@ -56,10 +59,10 @@ std::optional<Date> dateIn(const PropertyList::Dictionary& exif, const std::stri
 /// Degrees without a sign and a letter for the half of the earth.
 std::optional<double> coordinateIn(const PropertyList::Dictionary& gps, const std::string& key,
                                    char negative, double largest) {
-    const auto* degrees = find<NSNumber>(gps, key);
+    const auto* degrees = valueUnder<NSNumber>(gps, key);
     if (!degrees || !(std::abs(degrees->doubleValue()) <= largest))
         return std::nullopt;
-    const auto* half = find<std::string>(gps, key + "Ref");
+    const auto* half = valueUnder<std::string>(gps, key + "Ref");
     const bool isNegative = half && half->starts_with(negative);
     return isNegative ? -degrees->doubleValue() : degrees->doubleValue();
 }
@@ -95,8 +98,7 @@ std::optional<CGSize> CGImage::imageSize(Data data) { return imageSize(metadata(
 
 std::optional<CGSize> CGImage::orientedImageSize(const PropertyList::Dictionary& metadata) {
     const std::optional<CGSize> size = imageSize(metadata);
-    const std::int64_t orientation = integer(metadata, kCGImagePropertyOrientation).value_or(0);
-    return size && orientation >= 5 && orientation <= 8 ? size->flipped() : size;
+    return size && swapsSides(metadata) ? size->flipped() : size;
 }
 
 std::optional<CGSize>
@@ -113,7 +115,8 @@ std::optional<CGSize> CGImage::orientedImageSize(Data data) {
 }
 
 std::optional<Date> CGImage::creationDate(const PropertyList::Dictionary& metadata) {
-    const auto* exif = find<PropertyList::Dictionary>(metadata, kCGImagePropertyExifDictionary);
+    const auto* exif =
+        valueUnder<PropertyList::Dictionary>(metadata, kCGImagePropertyExifDictionary);
     if (!exif)
         return std::nullopt;
     const std::optional<Date> taken = dateIn(*exif, "Original");
@@ -127,7 +130,7 @@ std::optional<Date> CGImage::creationDate(const std::optional<PropertyList::Dict
 std::optional<Date> CGImage::creationDate(const URL& url) { return creationDate(metadata(url)); }
 
 std::optional<Location> CGImage::location(const PropertyList::Dictionary& metadata) {
-    const auto* gps = find<PropertyList::Dictionary>(metadata, kCGImagePropertyGPSDictionary);
+    const auto* gps = valueUnder<PropertyList::Dictionary>(metadata, kCGImagePropertyGPSDictionary);
     if (!gps)
         return std::nullopt;
     const std::optional<double> latitude = coordinateIn(*gps, "Latitude", 'S', 90);
@@ -142,8 +145,7 @@ std::optional<Location> CGImage::location(const std::optional<PropertyList::Dict
 std::optional<Location> CGImage::location(const URL& url) { return location(metadata(url)); }
 
 PropertyList::Dictionary CGImage::uprightMetadata(PropertyList::Dictionary metadata) {
-    const std::int64_t orientation = integer(metadata, kCGImagePropertyOrientation).value_or(0);
-    if (orientation >= 5 && orientation <= 8) {
+    if (swapsSides(metadata)) {
         exchange(metadata, kCGImagePropertyPixelWidth, kCGImagePropertyPixelHeight);
         exchange(metadata, "DPIWidth", "DPIHeight");
     }

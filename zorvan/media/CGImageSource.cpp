@@ -2,7 +2,7 @@
 
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/ImageKeys.h>
-#include <zorvan/media/internal/ThumbnailRequest.h>
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 #include <zorvan/platform/graphics/ExactTransforms.h>
 #include <zorvan/platform/graphics/drawBitmap.h>
 #include <zorvan/platform/imageio/ImageReader.h>
@@ -16,23 +16,19 @@
 namespace zorvan {
 namespace {
 
-const NSNumber* number(const PropertyList::Dictionary& options, std::string_view key) {
-    const auto entry = options.find(key);
-    return entry == options.end() ? nullptr : entry->second.as<NSNumber>();
-}
-
 bool isSet(const PropertyList::Dictionary& options, std::string_view key) {
-    const NSNumber* const value = number(options, key);
+    const auto* const value = internal::valueUnder<NSNumber>(options, key);
     return value && value->boolValue();
 }
 
-ThumbnailRequest requestFrom(const PropertyList::Dictionary& options) {
-    const NSNumber* const limit = number(options, kCGImageSourceThumbnailMaxPixelSize);
-    return {.longestSide = limit ? longestSide(limit->doubleValue())
-                                 : std::numeric_limits<std::int64_t>::max(),
-            .isUpright = isSet(options, kCGImageSourceCreateThumbnailWithTransform),
-            .isMadeAlways = isSet(options, kCGImageSourceCreateThumbnailFromImageAlways),
-            .isMadeIfAbsent = isSet(options, kCGImageSourceCreateThumbnailFromImageIfAbsent)};
+/// The longest side that is allowed, rounded down, but at least 1; 0 when it is not above 0.
+std::int64_t longestSide(const PropertyList::Dictionary& options) {
+    const auto* const limit =
+        internal::valueUnder<NSNumber>(options, kCGImageSourceThumbnailMaxPixelSize);
+    if (!limit)
+        return std::numeric_limits<std::int64_t>::max();
+    const double side = limit->doubleValue();
+    return side > 0 ? std::max<std::int64_t>(1, NSNumber(side).int64Value()) : 0;
 }
 
 /// No larger than `longest` on the longer side, the aspect ratio kept; absent without memory.
@@ -91,33 +87,35 @@ public:
         return reader_->properties(index);
     }
 
-private:
-    CGImage::Pointer makeThumbnail(std::int64_t index,
-                                   const ThumbnailRequest& request) const override {
+    CGImage::Pointer thumbnail(std::int64_t index,
+                               const PropertyList::Dictionary& options) const override {
         const std::lock_guard lock(mutex_);
         error_.clear();
-        if (request.longestSide < 1) {
+        const std::int64_t longest = longestSide(options);
+        if (longest < 1) {
             error_ = "a thumbnail of no size was asked for";
             return nullptr;
         }
-        std::optional<Bitmap> bitmap = small(index, request);
-        if (bitmap && request.isUpright)
+        std::optional<Bitmap> bitmap = small(index, longest, options);
+        if (bitmap && isSet(options, kCGImageSourceCreateThumbnailWithTransform))
             bitmap = upright(index, std::move(*bitmap));
         return imageOf(std::move(bitmap));
     }
 
+private:
     static CGImage::Pointer imageOf(std::optional<Bitmap> bitmap) {
         return bitmap ? CGImage::create(std::move(*bitmap)) : nullptr;
     }
 
-    std::optional<Bitmap> small(std::int64_t index, const ThumbnailRequest& request) const {
-        if (!request.isMadeAlways) {
+    std::optional<Bitmap> small(std::int64_t index, std::int64_t longest,
+                                const PropertyList::Dictionary& options) const {
+        if (!isSet(options, kCGImageSourceCreateThumbnailFromImageAlways)) {
             if (std::optional<Bitmap> own = reader_->embeddedThumbnail(index))
-                return checked(limited(std::move(*own), request.longestSide));
-            if (!request.isMadeIfAbsent)
+                return checked(limited(std::move(*own), longest));
+            if (!isSet(options, kCGImageSourceCreateThumbnailFromImageIfAbsent))
                 return std::nullopt;
         }
-        return reader_->decode(index, {.maximumPixelSize = request.longestSide});
+        return reader_->decode(index, {.maximumPixelSize = longest});
     }
 
     std::optional<Bitmap> upright(std::int64_t index, Bitmap bitmap) const {
@@ -139,15 +137,6 @@ private:
 };
 
 } // namespace
-
-std::int64_t longestSide(double limit) noexcept {
-    return limit > 0 ? std::max<std::int64_t>(1, NSNumber(limit).int64Value()) : 0;
-}
-
-CGImage::Pointer CGImageSource::thumbnail(std::int64_t index,
-                                          const PropertyList::Dictionary& options) const {
-    return makeThumbnail(index, requestFrom(options));
-}
 
 std::shared_ptr<CGImageSource> CGImageSource::create(const URL& url,
                                                      const PropertyList::Dictionary&) {

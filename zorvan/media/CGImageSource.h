@@ -13,7 +13,6 @@
 namespace zorvan {
 
 class CGImage;
-struct ThumbnailRequest;
 
 /// The pictures of a file or of bytes, known by their contents whatever the name. Reads the head
 /// once; decodes only when asked for pixels. Safe to call from several threads, one at a time.
@@ -51,18 +50,12 @@ public:
     ///   least 1; a larger one is shrunk, nothing is ever enlarged. Absent: no limit. A number that
     ///   is not above 0: no thumbnail;
     /// - `kCGImageSourceCreateThumbnailWithTransform`: turn it by the picture's orientation.
-    std::shared_ptr<const CGImage> thumbnail(std::int64_t index,
-                                             const PropertyList::Dictionary& options = {}) const;
+    virtual std::shared_ptr<const CGImage>
+    thumbnail(std::int64_t index, const PropertyList::Dictionary& options = {}) const = 0;
 
     /// The properties of a picture (`ImageKeys.h`), without decoding it.
     virtual std::optional<PropertyList::Dictionary>
     properties(std::int64_t index, const PropertyList::Dictionary& options = {}) const = 0;
-
-private:
-    friend struct ImageThumbailer;
-
-    virtual std::shared_ptr<const CGImage> makeThumbnail(std::int64_t index,
-                                                         const ThumbnailRequest& request) const = 0;
 };
 
 } // namespace zorvan

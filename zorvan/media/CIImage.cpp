@@ -35,15 +35,7 @@ CIImage::Pointer CIImage::create(const URL& contentsOf) {
     return create(CGImage::image(contentsOf));
 }
 
-std::shared_ptr<CIImage> CIImage::copy() const {
-    const auto made = std::make_shared<CIImage>(Key{});
-    made->source_ = source_;
-    made->placement_ = placement_;
-    made->extent_ = extent_;
-    made->crops_ = crops_;
-    made->changes_ = changes_;
-    return made;
-}
+std::shared_ptr<CIImage> CIImage::copy() const { return std::make_shared<CIImage>(*this); }
 
 CIImage::Pointer CIImage::transformed(const CGAffineTransform& by) const {
     const std::shared_ptr<CIImage> made = copy();

@@ -3,7 +3,6 @@
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/CGImageSource.h>
 #include <zorvan/media/ImageKeys.h>
-#include <zorvan/media/internal/ThumbnailRequest.h>
 
 #include <utility>
 
@@ -28,10 +27,7 @@ std::shared_ptr<const CGImage> ImageThumbailer::thumbnail(Data data) const {
 
 std::shared_ptr<const CGImage> ImageThumbailer::thumbnail(const CGImageSource& source,
                                                           std::int64_t index) const {
-    return source.makeThumbnail(index,
-                                ThumbnailRequest{.longestSide = longestSide(maximumPixelSize),
-                                                 .isUpright = applyExifTransform,
-                                                 .isMadeAlways = alwaysCreateImage});
+    return source.thumbnail(index, coreImageDictionary());
 }
 
 } // namespace zorvan

@@ -2,6 +2,7 @@
 
 #include <zorvan/media/internal/Digits.h>
 
+#include <algorithm>
 #include <charconv>
 
 namespace zorvan {
@@ -54,10 +55,7 @@ bool mayFollow(std::string_view tail) {
     tail.remove_prefix(1);
     while (!tail.empty() && isSpace(tail.back()))
         tail.remove_suffix(1);
-    for (const char c : tail)
-        if (isLineBreak(c))
-            return false;
-    return true;
+    return std::none_of(tail.begin(), tail.end(), isLineBreak);
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include <zorvan/media/internal/PeriodicTimeObserver.h>
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace zorvan {

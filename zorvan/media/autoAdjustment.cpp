@@ -1,6 +1,7 @@
 #include <zorvan/media/CIContext.h>
 #include <zorvan/media/CIFilter.h>
 #include <zorvan/media/CIImage.h>
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 
 #include <algorithm>
 #include <array>
@@ -120,8 +121,7 @@ CIFilter::Pointer toneCurve(const std::vector<Color>& colors) {
 std::vector<CIFilter::Pointer>
 CIImage::autoAdjustmentFilters(const PropertyList::Dictionary& options) const {
     std::vector<CIFilter::Pointer> filters;
-    const auto enhance = options.find(kCIImageAutoAdjustEnhance);
-    const NSNumber* wanted = enhance == options.end() ? nullptr : enhance->second.as<NSNumber>();
+    const auto* wanted = internal::valueUnder<NSNumber>(options, kCIImageAutoAdjustEnhance);
     if (wanted && !wanted->boolValue())
         return filters;
     std::vector<Color> colors = sampleOf(*this);

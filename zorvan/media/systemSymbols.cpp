@@ -4,7 +4,7 @@
 #include <zorvan/numbers-geometry/CGAffineTransform.h>
 
 #include <algorithm>
-#include <array>
+#include <charconv>
 #include <numbers>
 
 namespace zorvan {
@@ -164,21 +164,11 @@ private:
 
     double number() noexcept {
         skipSpaces();
-        const bool isNegative = rest_.starts_with('-');
-        if (isNegative)
-            rest_.remove_prefix(1);
-        double value = 0, unit = 1;
-        bool isFraction = false;
-        while (!rest_.empty() && rest_.front() != ' ') {
-            if (rest_.front() == '.') {
-                isFraction = true;
-            } else {
-                value = value * 10 + (rest_.front() - '0');
-                unit *= isFraction ? 10 : 1;
-            }
-            rest_.remove_prefix(1);
-        }
-        return (isNegative ? -value : value) / unit;
+        double value = 0;
+        const char* const end =
+            std::from_chars(rest_.data(), rest_.data() + rest_.size(), value).ptr;
+        rest_.remove_prefix(static_cast<std::size_t>(end - rest_.data()));
+        return value;
     }
 
     CGPoint point() noexcept {

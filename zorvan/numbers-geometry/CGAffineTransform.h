@@ -9,15 +9,12 @@ namespace zorvan {
 
 /// A plane affine map on row vectors: `x' = a*x + c*y + tx`, `y' = b*x + d*y + ty`.
 struct CGAffineTransform {
-    /// A coefficient of the equations above; the defaults are the identity.
-    /// @{
-    double a = 1;
-    double b = 0;
-    double c = 0;
-    double d = 1;
-    double tx = 0;
-    double ty = 0;
-    /// @}
+    double a = 1;  ///< Of x in x'.
+    double b = 0;  ///< Of x in y'.
+    double c = 0;  ///< Of y in x'.
+    double d = 1;  ///< Of y in y'.
+    double tx = 0; ///< Added to x'.
+    double ty = 0; ///< Added to y'.
 
     /// An angle in radians, counter-clockwise.
     struct RotationAngle {

@@ -15,11 +15,8 @@ struct CGSize;
 
 /// A point of the plane, or a vector; y grows upward.
 struct CGPoint {
-    /// The place on either axis, or the component of a vector.
-    /// @{
-    double x = 0;
-    double y = 0;
-    /// @}
+    double x = 0; ///< Rightward.
+    double y = 0; ///< Upward.
 
     /// One value for both components.
     struct Square {
@@ -27,11 +24,8 @@ struct CGPoint {
     };
     /// Values to take; an absent one keeps the component.
     struct Components {
-        /// The value to take, or the amount to add.
-        /// @{
-        std::optional<double> x = {};
-        std::optional<double> y = {};
-        /// @}
+        std::optional<double> x = {}; ///< The value to take, or the amount to add.
+        std::optional<double> y = {}; ///< The same for the other component.
     };
 
     constexpr CGPoint() noexcept = default;

@@ -50,25 +50,12 @@ CGRect CGRect::applying(const CGAffineTransform& t) const noexcept {
 }
 
 CGPoint CGRect::point(RectAnchor anchor) const noexcept {
-    switch (anchor) {
-    case RectAnchor::topLeft:
-        return topLeft();
-    case RectAnchor::topRight:
-        return topRight();
-    case RectAnchor::bottomRight:
-        return bottomRight();
-    case RectAnchor::bottomLeft:
-        return bottomLeft();
-    case RectAnchor::middleLeft:
-        return middleLeft();
-    case RectAnchor::topCenter:
-        return topCenter();
-    case RectAnchor::middleRight:
-        return middleRight();
-    case RectAnchor::bottomCenter:
-        return bottomCenter();
-    }
-    return center();
+    return {anchor.isLeft()    ? minX()
+            : anchor.isRight() ? maxX()
+                               : midX(),
+            anchor.isBottom() ? minY()
+            : anchor.isTop()  ? maxY()
+                              : midY()};
 }
 
 CGRect CGRect::rect(RectAnchor anchor, CGSize size) const noexcept {

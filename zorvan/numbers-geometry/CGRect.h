@@ -6,6 +6,7 @@
 #include <zorvan/numbers-geometry/RectAnchor.h>
 #include <zorvan/platform/foundation/Required.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -35,11 +36,8 @@ struct CGRect {
     };
     /// Two sides; the rectangle stands at the origin.
     struct WidthHeight {
-        /// As it is stored.
-        /// @{
-        Required<double> width;
-        Required<double> height;
-        /// @}
+        Required<double> width;  ///< As it is stored.
+        Required<double> height; ///< As it is stored.
     };
     /// The side of a square at the origin.
     struct Square {
@@ -47,38 +45,25 @@ struct CGRect {
     };
     /// The middle, and the size around it.
     struct CenterSize {
-        /// As it is meant, signs included: a negative side puts the origin on the other side of the
-        /// middle.
-        /// @{
-        Required<CGPoint> center;
-        Required<CGSize> size;
-        /// @}
+        Required<CGPoint> center; ///< Half way along both sides.
+        Required<CGSize> size;    ///< A negative side puts the origin beyond the middle.
     };
     /// The middle, and the side of a square around it.
     struct CenterSquare {
-        /// As it is meant, signs included.
-        /// @{
-        Required<CGPoint> center;
-        Required<double> square;
-        /// @}
+        Required<CGPoint> center; ///< Half way along both sides.
+        Required<double> square;  ///< A negative side puts the origin beyond the middle.
     };
-    /// The four edges.
+    /// The four edges; in the wrong order they make a negative side.
     struct Edges {
-        /// The coordinate of that edge; in the wrong order they make a negative side.
-        /// @{
-        Required<double> left;
-        Required<double> right;
-        Required<double> bottom;
-        Required<double> top;
-        /// @}
+        Required<double> left;   ///< Its x.
+        Required<double> right;  ///< Its x.
+        Required<double> bottom; ///< Its y.
+        Required<double> top;    ///< Its y.
     };
-    /// Two corners across from each other.
+    /// Two corners across from each other, in either order.
     struct Corners {
-        /// Either of them; which is which does not matter.
-        /// @{
-        Required<CGPoint> p1;
-        Required<CGPoint> p2;
-        /// @}
+        Required<CGPoint> p1; ///< Any corner.
+        Required<CGPoint> p2; ///< The opposite one.
     };
 
     constexpr CGRect() noexcept = default;
@@ -214,29 +199,20 @@ struct CGRect {
 
     /// What to put in place of the origin and the size, or to add to them.
     struct OriginSize {
-        /// Absent: as it is.
-        /// @{
-        std::optional<CGPoint> origin = {};
-        std::optional<CGSize> size = {};
-        /// @}
+        std::optional<CGPoint> origin = {}; ///< Absent: as it is.
+        std::optional<CGSize> size = {};    ///< Absent: as it is.
     };
-    /// What to put in place of each of the four values, or to add to it.
+    /// What to put in place of each of the four values, or to add to it; absent, it stays.
     struct XYWH {
-        /// Absent: as it is.
-        /// @{
-        std::optional<double> x = {};
-        std::optional<double> y = {};
-        std::optional<double> w = {};
-        std::optional<double> h = {};
-        /// @}
+        std::optional<double> x = {}; ///< For that of the origin.
+        std::optional<double> y = {}; ///< For that of the origin.
+        std::optional<double> w = {}; ///< For the width.
+        std::optional<double> h = {}; ///< For the height.
     };
     /// What to put in place of the sides.
     struct Sides {
-        /// Absent: the standardised side.
-        /// @{
-        std::optional<double> width = {};
-        std::optional<double> height = {};
-        /// @}
+        std::optional<double> width = {};  ///< Absent: the standardised one.
+        std::optional<double> height = {}; ///< Absent: the standardised one.
     };
     /// A width to take; the left edge stays.
     struct LeftKept {
@@ -412,11 +388,7 @@ struct CGRect {
     }
     /// The point of the rectangle, edges included, that is nearest to `p`.
     [[nodiscard]] constexpr CGPoint minMax(CGPoint p) const noexcept {
-        const auto held = [](double value, double least, double most) {
-            const double raised = value < least ? least : value;
-            return most < raised ? most : raised;
-        };
-        return {held(p.x, minX(), maxX()), held(p.y, minY(), maxY())};
+        return {std::min(std::max(p.x, minX()), maxX()), std::min(std::max(p.y, minY()), maxY())};
     }
 
     /// Moves the stored origin.

@@ -14,31 +14,23 @@ struct CGRect;
 /// A width and a height. Negative values are allowed and carried through unless an operation says
 /// otherwise.
 struct CGSize {
-    /// Along its axis, in the unit that the caller computes with; may be negative.
-    /// @{
-    double width = 0;
-    double height = 0;
-    /// @}
+    double width = 0;  ///< Along x, in the unit that the caller computes with.
+    double height = 0; ///< Along y.
 
     /// One value for both sides.
     struct Square {
         Required<double> square;
     };
-    /// Values to take; an absent one keeps the component.
+    /// What to put in place of the sides, to add to them, or to multiply them by; where it is
+    /// absent, the side stays.
     struct WH {
-        /// What to put in place of the side, to add to it, or to multiply it by.
-        /// @{
-        std::optional<double> w = {};
-        std::optional<double> h = {};
-        /// @}
+        std::optional<double> w = {}; ///< For the width.
+        std::optional<double> h = {}; ///< For the height.
     };
     /// As `WH`, under the long names.
     struct WidthHeight {
-        /// What to put in place of the side, to add to it, or to multiply it by.
-        /// @{
-        std::optional<double> width = {};
-        std::optional<double> height = {};
-        /// @}
+        std::optional<double> width = {};  ///< For the width.
+        std::optional<double> height = {}; ///< For the height.
     };
 
     constexpr CGSize() noexcept = default;

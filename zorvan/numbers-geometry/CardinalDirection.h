@@ -2,6 +2,8 @@
 
 #include <zorvan/numbers-geometry/EnumerationValue.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace zorvan {
@@ -25,17 +27,8 @@ public:
 
     /// A quarter turn counter-clockwise.
     [[nodiscard]] constexpr CardinalDirection left() const noexcept {
-        switch (*this) {
-        case Case::east:
-            return Case::north;
-        case Case::west:
-            return Case::south;
-        case Case::north:
-            return Case::west;
-        case Case::south:
-            return Case::east;
-        }
-        return *this;
+        constexpr std::array turned{Case::north, Case::south, Case::west, Case::east};
+        return turned[static_cast<std::size_t>(rawValue())];
     }
     /// A quarter turn clockwise.
     [[nodiscard]] constexpr CardinalDirection right() const noexcept {

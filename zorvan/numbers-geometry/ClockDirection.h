@@ -9,12 +9,10 @@ namespace zorvan {
 /// A sense of rotation.
 class ClockDirection : public EnumerationValue<ClockDirection, 2> {
 public:
-    /// For `switch`; the raw values are 0 and 1.
+    /// For `switch`.
     enum class Case : std::uint8_t { clockwise, antiClockwise };
-    /// The case of that name.
-    /// @{
-    static const ClockDirection clockwise, antiClockwise;
-    /// @}
+    static const ClockDirection clockwise;     ///< Raw value 0.
+    static const ClockDirection antiClockwise; ///< Raw value 1.
 
     /// A case and its value stand for each other.
     /// @{

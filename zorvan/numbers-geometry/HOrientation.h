@@ -9,12 +9,10 @@ namespace zorvan {
 /// A horizontal direction.
 class HOrientation : public EnumerationValue<HOrientation, 2> {
 public:
-    /// For `switch`; the raw values are 0 and 1.
+    /// For `switch`.
     enum class Case : std::uint8_t { left, right };
-    /// The case of that name.
-    /// @{
-    static const HOrientation left, right;
-    /// @}
+    static const HOrientation left;  ///< Raw value 0.
+    static const HOrientation right; ///< Raw value 1.
 
     /// A case and its value stand for each other.
     /// @{

@@ -1,6 +1,5 @@
 #include <zorvan/numbers-geometry/Integer.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 

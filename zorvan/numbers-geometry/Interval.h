@@ -14,27 +14,18 @@ namespace zorvan {
 
 /// A range of reals, both ends included. Nothing keeps `min` from exceeding `max`: ask `isValid()`.
 struct Interval {
-    /// One end, itself in the interval.
-    /// @{
-    double min = 0;
-    double max = 0;
-    /// @}
+    double min = 0; ///< The lower end, itself in the interval.
+    double max = 0; ///< The upper end, itself in the interval.
 
-    /// Both ends, as they are.
+    /// Both ends, not put in order.
     struct MinMax {
-        /// Not put in order.
-        /// @{
-        Required<double> min;
-        Required<double> max;
-        /// @}
+        Required<double> min; ///< As it is.
+        Required<double> max; ///< As it is.
     };
     /// Both ends in either order.
     struct Values {
-        /// The smaller one becomes `min`.
-        /// @{
-        Required<double> value1;
-        Required<double> value2;
-        /// @}
+        Required<double> value1; ///< Either end.
+        Required<double> value2; ///< The other one.
     };
     /// The lower end.
     struct Min {

@@ -8,12 +8,9 @@ namespace zorvan {
 
 /// The infinite line `a*x + b*y + c = 0`.
 struct Line {
-    /// A coefficient of the equation; the constructor of two points normalises them.
-    /// @{
-    double a = 0;
-    double b = 0;
-    double c = 0;
-    /// @}
+    double a = 0; ///< Of x.
+    double b = 0; ///< Of y.
+    double c = 0; ///< Alone.
 
     constexpr Line() noexcept = default;
     /// The coefficients as they are, not normalised.

@@ -2,19 +2,17 @@
 
 #include <zorvan/platform/foundation/Required.h>
 
+#include <algorithm>
 #include <initializer_list>
 
 namespace zorvan {
 
-/// How far a content stands in from each edge.
+/// How far a content stands in from each edge; a negative inset reaches beyond it.
 struct NSEdgeInsets {
-    /// From that edge inward; a negative inset reaches beyond it.
-    /// @{
-    double top = 0;
-    double left = 0;
-    double bottom = 0;
-    double right = 0;
-    /// @}
+    double top = 0;    ///< Downward.
+    double left = 0;   ///< Rightward.
+    double bottom = 0; ///< Upward.
+    double right = 0;  ///< Leftward.
 
     /// One inset for all four edges.
     struct All {
@@ -46,16 +44,10 @@ struct NSEdgeInsets {
     /// The smallest or the largest of the four.
     /// @{
     [[nodiscard]] constexpr double min() const noexcept {
-        double least = top;
-        for (const double side : {left, bottom, right})
-            least = side < least ? side : least;
-        return least;
+        return std::min({top, left, bottom, right});
     }
     [[nodiscard]] constexpr double max() const noexcept {
-        double most = top;
-        for (const double side : {left, bottom, right})
-            most = most < side ? side : most;
-        return most;
+        return std::max({top, left, bottom, right});
     }
     /// @}
 

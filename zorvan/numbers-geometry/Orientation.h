@@ -2,6 +2,8 @@
 
 #include <zorvan/numbers-geometry/EnumerationValue.h>
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace zorvan {
@@ -26,17 +28,8 @@ public:
 
     /// A quarter turn counter-clockwise.
     [[nodiscard]] constexpr Orientation left_() const noexcept {
-        switch (*this) {
-        case Case::up:
-            return Case::left;
-        case Case::down:
-            return Case::right;
-        case Case::right:
-            return Case::up;
-        case Case::left:
-            return Case::down;
-        }
-        return *this;
+        constexpr std::array turned{Case::left, Case::right, Case::up, Case::down};
+        return turned[static_cast<std::size_t>(rawValue())];
     }
     /// A quarter turn clockwise.
     [[nodiscard]] constexpr Orientation right_() const noexcept { return left_().left_().left_(); }

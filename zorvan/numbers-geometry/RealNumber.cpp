@@ -3,7 +3,6 @@
 #include <charconv>
 #include <cmath>
 #include <random>
-#include <string_view>
 
 namespace zorvan {
 

@@ -15,9 +15,6 @@ class RectAnchor : public EnumerationValue<RectAnchor, 8> {
 public:
     /// For `switch`; the raw values count from 0 in this order.
     enum class Case : std::uint8_t {
-        /// A corner (top, bottom), the middle of the left or right edge, or the centre of the top
-        /// or bottom edge.
-        /// @{
         topLeft,
         topRight,
         bottomRight,
@@ -26,9 +23,9 @@ public:
         topCenter,
         middleRight,
         bottomCenter
-        /// @}
     };
-    /// The case of that name.
+    /// A corner (top, bottom), the middle of the left or right edge, or the centre of the top or
+    /// bottom edge.
     /// @{
     static const RectAnchor topLeft, topRight, bottomRight, bottomLeft;
     static const RectAnchor middleLeft, topCenter, middleRight, bottomCenter;

@@ -11,11 +11,8 @@ namespace zorvan {
 
 /// A straight path from `start` to `end`.
 struct Segment {
-    /// In the order in which the segment is walked; they may be equal.
-    /// @{
-    CGPoint start;
-    CGPoint end;
-    /// @}
+    CGPoint start; ///< Where it begins.
+    CGPoint end;   ///< Where it ends; may be the start.
 
     constexpr Segment() noexcept = default;
     /// From the first point to the second.

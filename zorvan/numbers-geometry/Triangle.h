@@ -6,14 +6,11 @@
 
 namespace zorvan {
 
-/// Three points, in order.
+/// Three points, in the order in which they turn.
 struct Triangle {
-    /// In the order in which they turn.
-    /// @{
-    CGPoint a;
-    CGPoint b;
-    CGPoint c;
-    /// @}
+    CGPoint a; ///< The first.
+    CGPoint b; ///< The second.
+    CGPoint c; ///< The third.
 
     /// What `collinearity` tells apart.
     enum class CollinearityState { point, line, clockwiseTurn, counterClockwiseTurn };

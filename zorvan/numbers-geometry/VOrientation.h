@@ -9,12 +9,10 @@ namespace zorvan {
 /// A vertical direction.
 class VOrientation : public EnumerationValue<VOrientation, 2> {
 public:
-    /// For `switch`; the raw values are 0 and 1.
+    /// For `switch`.
     enum class Case : std::uint8_t { up, down };
-    /// The case of that name.
-    /// @{
-    static const VOrientation up, down;
-    /// @}
+    static const VOrientation up;   ///< Raw value 0.
+    static const VOrientation down; ///< Raw value 1.
 
     /// A case and its value stand for each other.
     /// @{

@@ -5,10 +5,13 @@
 #include <zorvan/platform/dispatch/NSOperationQueue.h>
 
 #include <atomic>
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -17,6 +20,17 @@ namespace zorvan {
 
 /// Where a ValueLoader is with its value.
 enum class ValueLoaderState { isNotLoaded, isLoading, isLoaded };
+
+namespace internal {
+
+/// A completion that can be called without asking whether there is one, and so without a
+/// `std::function` around it: nothing that can be null.
+template <class Callable>
+concept CertainlyCallable =
+    std::is_class_v<Callable> && !std::constructible_from<Callable, std::nullptr_t> &&
+    std::constructible_from<std::function<void()>, Callable>;
+
+} // namespace internal
 
 /// Loads one value at most once, on an operation queue, for any number of requesters.
 ///
@@ -70,6 +84,7 @@ public:
     /// once, on the calling thread, and returns null.
     ///
     /// While the value is not loaded, stops the program when called off the main thread.
+    /// @{
     std::shared_ptr<Request> request(std::function<void()> completion = {}) {
         if (state() != State::isLoaded)
             return pend(std::move(completion));
@@ -77,6 +92,14 @@ public:
             completion();
         return nullptr;
     }
+    template <internal::CertainlyCallable Completion>
+    std::shared_ptr<Request> request(Completion completion) {
+        if (state() != State::isLoaded)
+            return pend(std::move(completion));
+        static_cast<void>(completion());
+        return nullptr;
+    }
+    /// @}
 
 private:
     friend Request;

@@ -21,12 +21,9 @@ struct BundleVersion {
         Required<std::string_view> rawValue;
     };
 
-    /// Any integer, negative ones too; a version is replaced as a whole.
-    /// @{
-    const std::int64_t major;
-    const std::int64_t minor;
-    const std::int64_t patch;
-    /// @}
+    const std::int64_t major; ///< Any integer, negative ones too.
+    const std::int64_t minor; ///< Any integer.
+    const std::int64_t patch; ///< Any integer.
 
     static const BundleVersion zero;  ///< 0.0.0
     static const BundleVersion first; ///< 1.0.0

@@ -4,7 +4,6 @@
 
 #include <charconv>
 #include <cmath>
-#include <initializer_list>
 #include <string_view>
 
 namespace zorvan {

@@ -19,11 +19,8 @@ using CMTimeFlags = std::uint32_t;
 inline constexpr CMTimeFlags kCMTimeFlags_Valid = 1u << 0;
 /// The time is not exactly what was asked for, or was computed from one that is not.
 inline constexpr CMTimeFlags kCMTimeFlags_HasBeenRounded = 1u << 1;
-/// The time is beyond all numbers.
-/// @{
-inline constexpr CMTimeFlags kCMTimeFlags_PositiveInfinity = 1u << 2;
-inline constexpr CMTimeFlags kCMTimeFlags_NegativeInfinity = 1u << 3;
-/// @}
+inline constexpr CMTimeFlags kCMTimeFlags_PositiveInfinity = 1u << 2; ///< Beyond all numbers.
+inline constexpr CMTimeFlags kCMTimeFlags_NegativeInfinity = 1u << 3; ///< Below all numbers.
 /// The time is not known, such as the duration of a live stream.
 inline constexpr CMTimeFlags kCMTimeFlags_Indefinite = 1u << 4;
 /// The bits under which `value` and `timescale` mean nothing.
@@ -33,27 +30,22 @@ inline constexpr CMTimeFlags kCMTimeFlags_ImpliedValueFlagsMask =
 /// The finest timescale there is: parts of a second.
 inline constexpr std::int32_t kCMTimeMaxTimescale = std::numeric_limits<std::int32_t>::max();
 
-/// Hours, minutes and seconds of a time, each a whole number.
+/// Hours, minutes and seconds of a time, each a whole number, negative in a negative time.
 struct ClockTime {
-    /// A whole number, negative in a negative time; minutes and seconds stay within 59 of zero.
-    /// @{
-    double hh = 0;
-    double mm = 0;
-    double ss = 0;
-    /// @}
+    double hh = 0; ///< Hours, however many.
+    double mm = 0; ///< Minutes, within 59 of zero.
+    double ss = 0; ///< Seconds, within 59 of zero.
+
     friend constexpr bool operator==(const ClockTime&, const ClockTime&) = default;
 };
 
-/// Hours, minutes and seconds of a time, and milliseconds from 0 up to but not including 1000,
-/// which are not rounded.
+/// A `ClockTime` with milliseconds.
 struct ClockTimeWithMilliseconds {
-    /// As in `ClockTime`; `ms` is from 0 up to 1000 and has a fraction.
-    /// @{
-    double hh = 0;
-    double mm = 0;
-    double ss = 0;
-    double ms = 0;
-    /// @}
+    double hh = 0; ///< Hours, however many.
+    double mm = 0; ///< Minutes, within 59 of zero.
+    double ss = 0; ///< Seconds, within 59 of zero.
+    double ms = 0; ///< From 0 up to but not including 1000, not rounded.
+
     friend constexpr bool operator==(const ClockTimeWithMilliseconds&,
                                      const ClockTimeWithMilliseconds&) = default;
 };
@@ -87,20 +79,44 @@ struct CMTime {
     /// What kind of time it is. One that carries several marks is indefinite first, then
     /// positively, then negatively infinite.
     /// @{
-    constexpr bool isValid() const noexcept;
-    constexpr bool isPositiveInfinity() const noexcept;
-    constexpr bool isNegativeInfinity() const noexcept;
-    constexpr bool isIndefinite() const noexcept;
-    constexpr bool isNumeric() const noexcept;
+    constexpr bool isValid() const noexcept {
+        return (flags & kCMTimeFlags_Valid) != 0 &&
+               (timescale > 0 || (flags & kCMTimeFlags_ImpliedValueFlagsMask) != 0);
+    }
+    constexpr bool isPositiveInfinity() const noexcept {
+        return isValid() && !isIndefinite() && (flags & kCMTimeFlags_PositiveInfinity) != 0;
+    }
+    constexpr bool isNegativeInfinity() const noexcept {
+        return isValid() &&
+               (flags & kCMTimeFlags_ImpliedValueFlagsMask) == kCMTimeFlags_NegativeInfinity;
+    }
+    constexpr bool isIndefinite() const noexcept {
+        return isValid() && (flags & kCMTimeFlags_Indefinite) != 0;
+    }
+    constexpr bool isNumeric() const noexcept {
+        constexpr CMTimeFlags mask = kCMTimeFlags_Valid | kCMTimeFlags_ImpliedValueFlagsMask;
+        return (flags & mask) == kCMTimeFlags_Valid && timescale > 0;
+    }
     /// @}
     /// Numeric, and rounded on the way.
-    constexpr bool hasBeenRounded() const noexcept;
+    constexpr bool hasBeenRounded() const noexcept {
+        return isNumeric() && (flags & kCMTimeFlags_HasBeenRounded) != 0;
+    }
 
     /// The time in seconds; NaN when invalid or indefinite, an infinity when infinite. The epoch is
     /// left out.
-    constexpr double seconds() const noexcept;
+    constexpr double seconds() const noexcept {
+        if (isNumeric())
+            return static_cast<double>(value) / timescale;
+        constexpr double infinity = std::numeric_limits<double>::infinity();
+        if (isPositiveInfinity() || isNegativeInfinity())
+            return isPositiveInfinity() ? infinity : -infinity;
+        return std::numeric_limits<double>::quiet_NaN();
+    }
     /// The time in seconds, 0 when it is indefinite or invalid. An infinite time gives an infinity.
-    constexpr double safeSeconds() const noexcept;
+    constexpr double safeSeconds() const noexcept {
+        return isValid() && !isIndefinite() ? seconds() : 0;
+    }
 
     /// Half the time.
     [[nodiscard]] constexpr CMTime middle() const noexcept;
@@ -193,48 +209,6 @@ inline constexpr CMTime kCMTimePositiveInfinity =
 inline constexpr CMTime kCMTimeNegativeInfinity =
     detail::makeTime(0, 0, kCMTimeFlags_Valid | kCMTimeFlags_NegativeInfinity);
 /// @}
-
-constexpr bool CMTime::isValid() const noexcept {
-    return (flags & kCMTimeFlags_Valid) != 0 &&
-           (timescale > 0 || (flags & kCMTimeFlags_ImpliedValueFlagsMask) != 0);
-}
-
-// A time that carries several marks by hand is indefinite first, then positive, then negative.
-constexpr bool CMTime::isIndefinite() const noexcept {
-    return isValid() && (flags & kCMTimeFlags_Indefinite) != 0;
-}
-
-constexpr bool CMTime::isPositiveInfinity() const noexcept {
-    return isValid() && !isIndefinite() && (flags & kCMTimeFlags_PositiveInfinity) != 0;
-}
-
-constexpr bool CMTime::isNegativeInfinity() const noexcept {
-    return isValid() &&
-           (flags & kCMTimeFlags_ImpliedValueFlagsMask) == kCMTimeFlags_NegativeInfinity;
-}
-
-constexpr bool CMTime::isNumeric() const noexcept {
-    constexpr CMTimeFlags mask = kCMTimeFlags_Valid | kCMTimeFlags_ImpliedValueFlagsMask;
-    return (flags & mask) == kCMTimeFlags_Valid && timescale > 0;
-}
-
-constexpr bool CMTime::hasBeenRounded() const noexcept {
-    return isNumeric() && (flags & kCMTimeFlags_HasBeenRounded) != 0;
-}
-
-constexpr double CMTime::seconds() const noexcept {
-    if (isNumeric())
-        return static_cast<double>(value) / timescale;
-    if (isPositiveInfinity())
-        return std::numeric_limits<double>::infinity();
-    if (isNegativeInfinity())
-        return -std::numeric_limits<double>::infinity();
-    return std::numeric_limits<double>::quiet_NaN();
-}
-
-constexpr double CMTime::safeSeconds() const noexcept {
-    return isValid() && !isIndefinite() ? seconds() : 0;
-}
 
 constexpr CMTime CMTimeMake(std::int64_t value, std::int32_t timescale) noexcept {
     return CMTimeMakeWithEpoch(value, timescale, 0);

@@ -32,11 +32,8 @@ public:
     /// A position of a range-based `for`; it advances the iterator that it came from.
     class Position {
     public:
-        /// What the standard library asks of an iterator.
-        /// @{
-        using difference_type = std::ptrdiff_t;
-        using value_type = CMTime;
-        /// @}
+        using difference_type = std::ptrdiff_t; ///< As the standard library asks of an iterator.
+        using value_type = CMTime;              ///< As the standard library asks of an iterator.
 
         /// Takes the first time from the iterator.
         constexpr explicit Position(CMTimeIterator& times) noexcept

@@ -17,11 +17,8 @@ struct CMTimeRange {
     };
     /// Both fields.
     struct StartDuration {
-        /// As it is, valid or not.
-        /// @{
-        Required<CMTime> start;
-        Required<CMTime> duration;
-        /// @}
+        Required<CMTime> start;    ///< Valid or not.
+        Required<CMTime> duration; ///< Valid or not.
     };
     /// Another start.
     struct Start {
@@ -68,12 +65,26 @@ struct CMTimeRange {
     /// timescale and marks, when it lies there. The invalid time when the range
     /// or the time is invalid, or when the time is numeric and of another epoch than the start; an
     /// indefinite time comes back as it is.
-    [[nodiscard]] constexpr CMTime clamp(const CMTime& time) const noexcept;
+    [[nodiscard]] constexpr CMTime clamp(const CMTime& time) const noexcept {
+        if (!time.isValid() || !isValid())
+            return kCMTimeInvalid;
+        if (time.isIndefinite())
+            return time;
+        if (time.isNumeric() && start.isNumeric() && time.epoch != start.epoch)
+            return kCMTimeInvalid;
+        if (time < start)
+            return start;
+        return end() < time ? end() : time;
+    }
 
     /// Whether `start <= time < end()`.
-    constexpr bool contains(const CMTime& time) const noexcept;
+    constexpr bool contains(const CMTime& time) const noexcept {
+        return isValid() && time.isValid() && !time.isIndefinite() && start <= time && time < end();
+    }
     /// Whether the other range begins and ends within this one. A range contains itself.
-    constexpr bool contains(const CMTimeRange& other) const noexcept;
+    constexpr bool contains(const CMTimeRange& other) const noexcept {
+        return isValid() && other.isValid() && start <= other.start && other.end() <= end();
+    }
 
     /// The times that both ranges have; `kCMTimeRangeZero` when there are none, the invalid range
     /// when either is invalid.
@@ -113,29 +124,18 @@ constexpr CMTime CMTimeRangeGetEnd(const CMTimeRange& range) noexcept { return r
 
 /// `range.clamp(time)`.
 constexpr CMTime CMTimeClampToRange(const CMTime& time, const CMTimeRange& range) noexcept {
-    if (!time.isValid() || !range.isValid())
-        return kCMTimeInvalid;
-    if (time.isIndefinite())
-        return time;
-    if (time.isNumeric() && range.start.isNumeric() && time.epoch != range.start.epoch)
-        return kCMTimeInvalid;
-    if (time < range.start)
-        return range.start;
-    const CMTime end = range.end();
-    return end < time ? end : time;
+    return range.clamp(time);
 }
 
 /// `range.contains(time)`.
 constexpr bool CMTimeRangeContainsTime(const CMTimeRange& range, const CMTime& time) noexcept {
-    return range.isValid() && time.isValid() && !time.isIndefinite() && range.start <= time &&
-           time < range.end();
+    return range.contains(time);
 }
 
 /// `range.contains(other)`.
 constexpr bool CMTimeRangeContainsTimeRange(const CMTimeRange& range,
                                             const CMTimeRange& other) noexcept {
-    return range.isValid() && other.isValid() && range.start <= other.start &&
-           other.end() <= range.end();
+    return range.contains(other);
 }
 
 /// `range.intersection(other)`.
@@ -161,15 +161,6 @@ constexpr CMTimeRange CMTimeRangeGetUnion(const CMTimeRange& range,
                                      CMTimeMaximum(range.end(), other.end()));
 }
 
-constexpr CMTime CMTimeRange::clamp(const CMTime& time) const noexcept {
-    return CMTimeClampToRange(time, *this);
-}
-constexpr bool CMTimeRange::contains(const CMTime& time) const noexcept {
-    return CMTimeRangeContainsTime(*this, time);
-}
-constexpr bool CMTimeRange::contains(const CMTimeRange& other) const noexcept {
-    return CMTimeRangeContainsTimeRange(*this, other);
-}
 constexpr CMTimeRange CMTimeRange::intersection(const CMTimeRange& other) const noexcept {
     return CMTimeRangeGetIntersection(*this, other);
 }

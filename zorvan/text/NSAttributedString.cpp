@@ -2,7 +2,6 @@
 
 #include <zorvan/text/internal/Documents.h>
 
-#include <algorithm>
 #include <cstddef>
 
 namespace zorvan {

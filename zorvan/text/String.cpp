@@ -3,6 +3,7 @@
 #include <zorvan/platform/foundation/NSUserName.h>
 #include <zorvan/platform/textservices/Characters.h>
 #include <zorvan/platform/textservices/Unicode.h>
+#include <zorvan/text/internal/decimalInteger.h>
 
 #include <algorithm>
 #include <limits>
@@ -81,7 +82,7 @@ std::string incremented(std::string_view s) {
     if (!isLongerThan(s, shortestNumbered - 1))
         return firstCopy;
     const auto found = numberInParentheses(s);
-    const auto number = found ? safeInt(found->digits, {0, count(found->digits)}) : std::nullopt;
+    const auto number = found ? internal::decimalInteger(found->digits) : std::nullopt;
     if (!number || *number == std::numeric_limits<std::int64_t>::max())
         return firstCopy;
     return concatenated(found->before, "(", std::to_string(*number + 1) + ")");

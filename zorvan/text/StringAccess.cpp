@@ -3,6 +3,7 @@
 #include <zorvan/platform/foundation/fatalError.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/textservices/Characters.h>
+#include <zorvan/text/internal/decimalInteger.h>
 
 #include <charconv>
 #include <clocale>
@@ -52,10 +53,6 @@ std::string take(std::string& s, StringIndex start, StringIndex end) {
     std::string taken = s.substr(start, end - start);
     s.erase(start, end - start);
     return taken;
-}
-
-std::string_view withoutPlus(std::string_view text) noexcept {
-    return text.starts_with('+') ? text.substr(1) : text;
 }
 
 /// Whether a number may follow: what `std::from_chars` reads further, "inf", a second sign and a
@@ -152,24 +149,14 @@ std::optional<std::string> safeChar(std::string_view s, std::int64_t at) {
 
 std::optional<std::int64_t> safeInt(std::string_view s, Range r) {
     const auto text = textIn(s, r);
-    if (!text)
-        return std::nullopt;
-    const std::string_view digits = withoutPlus(*text);
-    if (digits.size() < text->size() && digits.starts_with('-'))
-        return std::nullopt;
-    std::int64_t value = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, value);
-    if (error != std::errc() || stop != end)
-        return std::nullopt;
-    return value;
+    return text ? internal::decimalInteger(*text) : std::nullopt;
 }
 
 std::optional<double> safeDouble(std::string_view s, Range r) {
     const auto text = textIn(s, r);
     if (!text || !startsDecimal(*text))
         return std::nullopt;
-    const std::string_view number = withoutPlus(*text);
+    const std::string_view number = text->substr(text->starts_with('+') ? 1 : 0);
     double value = 0;
     const char* const end = number.data() + number.size();
     const auto [stop, error] = std::from_chars(number.data(), end, value);

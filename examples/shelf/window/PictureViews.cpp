@@ -1,9 +1,11 @@
 #include "PictureViews.h"
 
-#include "PictureCell.h"
+#include "drawing.h"
 #include "observe.h"
 
 #include <zorvan/interface/ManagedListViewReloader.h>
+#include <zorvan/media/CGRect.h>
+#include <zorvan/media/NSGraphicsContext.h>
 
 #include <algorithm>
 #include <utility>
@@ -25,6 +27,65 @@ const Column columns[] = {
     {"Size", 80, byteCountText},
     {"Kind", 70, [](const PictureFile& file) { return file.kind; }},
     {"Folder", 160, [](const PictureFile& file) { return file.folder; }},
+};
+
+/// A picture in the grid or in the table: its thumbnail, which is asked for as soon as the cell is
+/// there, and its title below or beside it. What it needs not any more it does not wait for.
+class PictureCell : public NSView {
+public:
+    using IsSelected = std::function<bool(const PictureFile::Pointer&)>;
+
+    static std::shared_ptr<PictureCell> create(const PictureFile::Pointer& file, bool isTile,
+                                               Thumbnails& thumbnails, IsSelected isSelected) {
+        const auto cell = std::make_shared<PictureCell>(Key{}, file, isTile, std::move(isSelected));
+        cell->request_ = thumbnails.request(file, [weak = std::weak_ptr(cell)](const auto& image) {
+            const auto waiting = weak.lock();
+            if (!waiting)
+                return;
+            waiting->thumbnail_ = image;
+            waiting->request_ = nullptr;
+            waiting->setNeedsDisplay(true);
+        });
+        return cell;
+    }
+    PictureCell(Key key, PictureFile::Pointer file, bool isTile, IsSelected isSelected)
+        : NSView(key, {}), file_(std::move(file)), isTile_(isTile),
+          isSelected_(std::move(isSelected)) {
+        setAccessibilityRole(NSAccessibilityRole::image);
+        setAccessibilityLabel(file_->title);
+    }
+    ~PictureCell() override {
+        if (request_)
+            request_->cancel();
+    }
+
+    void draw(Canvas& canvas) const override {
+        constexpr double padding = 6, titleHeight = 18;
+        NSGraphicsContext::use(NSGraphicsContext::create(canvas), [&] {
+            CGRect box = bounds().shrunkBy({.dx = padding, .dy = padding});
+            CGRect title = box;
+            if (isTile_) {
+                title.size.height = titleHeight;
+                box = {box.minX(), box.minY() + titleHeight + padding, box.width(),
+                       box.height() - titleHeight - padding};
+            } else {
+                box = bounds().shrunkBy({.dx = 2, .dy = 2});
+                box.size.width = box.height() * 1.3;
+                title = {box.maxX() + padding, title.minY(), title.maxX() - box.maxX() - padding,
+                         title.height()};
+            }
+            drawThumbnail(thumbnail_, request_ != nullptr, box);
+            drawLine(file_->title, title, isSelected_(file_) ? NSColor::white : inkColor(),
+                     isTile_ ? TextAlignment::center : TextAlignment::left);
+        });
+    }
+
+private:
+    const PictureFile::Pointer file_;
+    const bool isTile_;
+    const IsSelected isSelected_;
+    Thumbnails::Image thumbnail_;
+    std::shared_ptr<Thumbnails::Request> request_; // while it is pending
 };
 
 } // namespace
@@ -79,14 +140,6 @@ void PictureViews::addColumns() {
     }
 }
 
-const std::shared_ptr<NSScrollView>& PictureViews::scrollView(ViewKind kind) const {
-    return kind == ViewKind::grid ? gridScroller_ : tableScroller_;
-}
-
-std::shared_ptr<NSView> PictureViews::view(ViewKind kind) const {
-    return scrollView(kind)->documentView();
-}
-
 void PictureViews::setThumbnailSize(double size) {
     constexpr double margins = 12, titleHeight = 24, spacing = 6;
     // Enough pixels for the finest display.
@@ -94,11 +147,6 @@ void PictureViews::setThumbnailSize(double size) {
     grid_->setCollectionViewLayout(std::make_shared<NSCollectionViewFlowLayout>(
         CGSize(size + margins, size * 0.75 + titleHeight + margins), spacing));
     grid_->reloadData();
-}
-
-void PictureViews::setMenu(const std::shared_ptr<NSMenu>& menu) {
-    gridScroller_->setMenu(menu);
-    tableScroller_->setMenu(menu);
 }
 
 void PictureViews::showOrder(PictureOrder order, bool isAscending) {
@@ -139,8 +187,7 @@ const PictureFile::Pointer& PictureViews::file(std::int64_t at) const {
 }
 
 std::shared_ptr<NSView> PictureViews::cell(std::int64_t at, bool isTile) {
-    using Style = PictureCell::Style;
-    return PictureCell::create(file(at), isTile ? Style::tile : Style::line, *thumbnails_,
+    return PictureCell::create(file(at), isTile, *thumbnails_,
                                [weak = weak_from_this()](const PictureFile::Pointer& shown) {
                                    const auto views = weak.lock();
                                    return views && views->selected_.contains(shown);
@@ -149,37 +196,8 @@ std::shared_ptr<NSView> PictureViews::cell(std::int64_t at, bool isTile) {
 
 // What the views ask for
 
-std::int64_t PictureViews::numberOfItems(const NSCollectionView&, std::int64_t) const {
-    return album_->pictures()->count();
-}
-
-std::string PictureViews::text(const NSCollectionView&, IndexPath item) const {
-    return file(item.item)->title;
-}
-
-std::shared_ptr<NSView> PictureViews::viewForItem(NSCollectionView&, IndexPath item) {
-    return cell(item.item, true);
-}
-
-std::optional<URL> PictureViews::draggedURL(const NSCollectionView&, IndexPath item) const {
-    return file(item.item)->url;
-}
-
-void PictureViews::itemOpened(NSCollectionView&, IndexPath item) {
-    album_->pictures()->setSelection({item.item});
-    actions_.open();
-}
-
-std::int64_t PictureViews::numberOfRows(const NSTableView&) const {
-    return album_->pictures()->count();
-}
-
 std::string PictureViews::text(const NSTableView&, std::int64_t column, std::int64_t row) const {
     return columns[column].text(*file(row));
-}
-
-std::optional<URL> PictureViews::draggedURL(const NSTableView&, std::int64_t row) const {
-    return file(row)->url;
 }
 
 void PictureViews::sortOrderDidChange(NSTableView&) {
@@ -189,11 +207,7 @@ void PictureViews::sortOrderDidChange(NSTableView&) {
             actions_.order(columns[i].order.value_or(PictureOrder::name), order->isAscending);
 }
 
-std::shared_ptr<NSView> PictureViews::view(NSTableView&, std::int64_t column, std::int64_t row) {
-    return column == 0 ? cell(row, false) : nullptr;
-}
-
-void PictureViews::rowOpened(NSTableView&, std::int64_t row) {
-    album_->pictures()->setSelection({row});
+void PictureViews::open(std::int64_t at) {
+    album_->pictures()->setSelection({at});
     actions_.open();
 }

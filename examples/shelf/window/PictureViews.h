@@ -30,38 +30,60 @@ public:
     create(std::shared_ptr<Album> album, std::shared_ptr<Thumbnails> thumbnails, Actions actions);
 
     /// What scrolls the view of that kind.
-    const std::shared_ptr<zorvan::NSScrollView>& scrollView(ViewKind kind) const;
+    const std::shared_ptr<zorvan::NSScrollView>& scrollView(ViewKind kind) const {
+        return kind == ViewKind::grid ? gridScroller_ : tableScroller_;
+    }
     /// What takes the keyboard there.
-    std::shared_ptr<zorvan::NSView> view(ViewKind kind) const;
+    std::shared_ptr<zorvan::NSView> view(ViewKind kind) const {
+        return scrollView(kind)->documentView();
+    }
     /// In points.
     void setThumbnailSize(double size);
-    void setMenu(const std::shared_ptr<zorvan::NSMenu>& menu);
+    void setMenu(const std::shared_ptr<zorvan::NSMenu>& menu) {
+        gridScroller_->setMenu(menu);
+        tableScroller_->setMenu(menu);
+    }
     /// Has the header of the table say so.
     void showOrder(PictureOrder order, bool isAscending);
     void scrollToSelection();
 
-    std::int64_t numberOfItems(const zorvan::NSCollectionView&, std::int64_t) const override;
-    std::string text(const zorvan::NSCollectionView&, zorvan::IndexPath item) const override;
+    std::int64_t numberOfItems(const zorvan::NSCollectionView&, std::int64_t) const override {
+        return album_->pictures()->count();
+    }
+    std::string text(const zorvan::NSCollectionView&, zorvan::IndexPath item) const override {
+        return file(item.item)->title;
+    }
     std::shared_ptr<zorvan::NSView> viewForItem(zorvan::NSCollectionView&,
-                                                zorvan::IndexPath item) override;
+                                                zorvan::IndexPath item) override {
+        return cell(item.item, true);
+    }
     std::optional<zorvan::URL> draggedURL(const zorvan::NSCollectionView&,
-                                          zorvan::IndexPath item) const override;
-    void itemOpened(zorvan::NSCollectionView&, zorvan::IndexPath item) override;
+                                          zorvan::IndexPath item) const override {
+        return file(item.item)->url;
+    }
+    void itemOpened(zorvan::NSCollectionView&, zorvan::IndexPath item) override { open(item.item); }
 
-    std::int64_t numberOfRows(const zorvan::NSTableView&) const override;
+    std::int64_t numberOfRows(const zorvan::NSTableView&) const override {
+        return album_->pictures()->count();
+    }
     std::string text(const zorvan::NSTableView&, std::int64_t column,
                      std::int64_t row) const override;
     std::optional<zorvan::URL> draggedURL(const zorvan::NSTableView&,
-                                          std::int64_t row) const override;
+                                          std::int64_t row) const override {
+        return file(row)->url;
+    }
     void sortOrderDidChange(zorvan::NSTableView&) override;
     std::shared_ptr<zorvan::NSView> view(zorvan::NSTableView&, std::int64_t column,
-                                         std::int64_t row) override;
-    void rowOpened(zorvan::NSTableView&, std::int64_t row) override;
+                                         std::int64_t row) override {
+        return column == 0 ? cell(row, false) : nullptr;
+    }
+    void rowOpened(zorvan::NSTableView&, std::int64_t row) override { open(row); }
 
 private:
     PictureViews(std::shared_ptr<Album> album, std::shared_ptr<Thumbnails> thumbnails,
                  Actions actions);
     void start();
+    void open(std::int64_t at);
     void addColumns();
     void follow(const zorvan::ManagedListEdition& edition);
     void selectionDidChange(const zorvan::IndexSet& selection);

@@ -2,28 +2,21 @@
 
 #include <zorvan/observation/DispatchQueue.h>
 
-#include <atomic>
 #include <chrono>
 #include <utility>
 
 using namespace zorvan;
 
-struct Walk::State {
-    explicit State(Handler told) : handler(std::move(told)) {}
-
-    const Handler handler;
-    std::atomic<bool> isEnded{false};
-
-    static void tell(const std::shared_ptr<State>& state, Batch found, bool isLast) {
-        DispatchQueue::main()->async([state, found = std::move(found), isLast]() mutable {
-            if (!state->isEnded)
-                state->handler(std::move(found), isLast);
-        });
-    }
-};
-
-Walk::Walk(Options options, Handler handler) : state_(std::make_shared<State>(std::move(handler))) {
-    DispatchQueue::global()->async([state = state_, options = std::move(options)] {
+Walk::Walk(Options options, Handler handler) {
+    const auto tell = [isEnded = isEnded_, handler = std::make_shared<const Handler>(
+                                               std::move(handler))](Batch found, bool isLast) {
+        DispatchQueue::main()->async(
+            [isEnded, handler, found = std::move(found), isLast]() mutable {
+                if (!*isEnded)
+                    (*handler)(std::move(found), isLast);
+            });
+    };
+    DispatchQueue::global()->async([isEnded = isEnded_, tell, options = std::move(options)] {
         using Clock = std::chrono::steady_clock;
         constexpr auto pause = std::chrono::milliseconds(100);
         Batch found;
@@ -31,13 +24,11 @@ Walk::Walk(Options options, Handler handler) : state_(std::make_shared<State>(st
         walkFiles(options, [&](const ListedFile& file) {
             found.push_back(lookAt(file));
             if (Clock::now() - told < pause)
-                return !state->isEnded;
-            State::tell(state, std::exchange(found, {}), false);
+                return !*isEnded;
+            tell(std::exchange(found, {}), false);
             told = Clock::now();
-            return !state->isEnded;
+            return !*isEnded;
         });
-        State::tell(state, std::move(found), true);
+        tell(std::move(found), true);
     });
 }
-
-Walk::~Walk() { state_->isEnded = true; }

@@ -3,6 +3,7 @@
 #include "Options.h"
 #include "PictureFile.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -16,11 +17,10 @@ public:
     using Handler = std::function<void(Batch found, bool isLast)>;
 
     Walk(Options options, Handler handler);
-    ~Walk();
+    ~Walk() { *isEnded_ = true; }
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
 
 private:
-    struct State;
-    const std::shared_ptr<State> state_;
+    const std::shared_ptr<std::atomic<bool>> isEnded_ = std::make_shared<std::atomic<bool>>(false);
 };

@@ -71,7 +71,8 @@ TEST_F(BundleTest, HasAnIcon) {
                                  "[16/apps]\nSize=16\nType=Fixed\n[64/apps]\nSize=64\nThreshold=4\n"
                                  "[any/apps]\nSize=128\nType=Scalable\nMinSize=100\nMaxSize=300\n"
                                  "[far/apps]\nSize=99999999999999999999\n");
-    write("shared/applications/org.a.Tool.desktop", "# a comment\n[Desktop Entry]\nIcon = pen \n");
+    write("shared/applications/org.a.Tool.desktop",
+          "# a comment\n[Desktop Entry]\n[no group\nIcon = pen \n");
     for (const char* folder : {"16", "64", "any"})
         write(theme + folder + "/apps/pen.svg");
     EXPECT_EQ(icon(16), theme + "16/apps/pen.svg");

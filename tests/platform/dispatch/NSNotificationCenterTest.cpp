@@ -135,6 +135,24 @@ TEST_F(NSNotificationCenterTest, ObserversMayRemoveAndAddWhileBeingTold) {
     EXPECT_EQ(seen, "(c)o");
 }
 
+TEST_F(NSNotificationCenterTest, AnObserverMayDropTheCenter) {
+    for (const int postsBefore : {0, 1}) {
+        auto dropped = NSNotificationCenter::create();
+        int posts = 0;
+        for (int i = 0; i < 2; ++i)
+            dropped->addObserver(opened, nullptr, nullptr, [&](const Notification&) {
+                seen += 't';
+                if (posts == postsBefore)
+                    dropped = nullptr;
+            });
+        for (; posts < postsBefore; ++posts)
+            dropped->post(opened);
+        seen.clear();
+        dropped->post(opened);
+        EXPECT_EQ(seen, "tt") << postsBefore;
+    }
+}
+
 TEST_F(NSNotificationCenterTest, ABlockMayUseTheCenterWhenItIsReleased) {
     struct Last {
         NSNotificationCenter& center;
@@ -174,6 +192,42 @@ TEST_F(NSNotificationCenterTest, AnObjectAtTheAddressOfAGoneSenderIsNotTakenForI
     EXPECT_EQ(told(opened, sender), "f");
     center->removeObserver(fresh);
     EXPECT_EQ(told(opened, sender), "");
+
+    // Nor is a living one of another owner.
+    const std::shared_ptr<int> other(two, one.get());
+    observe(opened, one, '1');
+    observe(opened, nullptr, 'n');
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(told(opened, one), "1n");
+        EXPECT_EQ(told(opened, other), "n");
+    }
+}
+
+TEST_F(NSNotificationCenterTest, HundredsOfNamesAndSendersAreToldApart) {
+    std::vector<std::shared_ptr<NotificationObserver>> tokens;
+    std::vector<std::pair<NSNotificationName, std::shared_ptr<int>>> pairs;
+    std::vector<int> calls(900);
+    for (std::size_t i = 0; i < 900; ++i) {
+        const auto sender = i % 3 ? std::make_shared<int>() : nullptr;
+        pairs.emplace_back("Name" + std::to_string(i / 2), sender);
+        tokens.push_back(center->addObserver(pairs.back().first, sender, nullptr,
+                                             [&, i](const Notification&) { ++calls[i]; }));
+    }
+    const auto postEach = [&] {
+        for (int twice = 0; twice < 2; ++twice)
+            for (const auto& [name, sender] : pairs)
+                center->post(name, sender);
+    };
+    postEach();
+    for (std::size_t i = 0; i < 900; ++i) {
+        EXPECT_EQ(calls[i], i % 3 ? 2 : 4) << "of its sender alone, or of its name: " << i;
+        if (i % 5)
+            center->removeObserver(tokens[i]);
+    }
+    calls.assign(900, 0);
+    postEach();
+    for (std::size_t i = 0; i < 900; ++i)
+        EXPECT_EQ(calls[i], i % 5 ? 0 : i % 3 ? 2 : 4) << i;
 }
 
 TEST_F(NSNotificationCenterTest, AQueueIsRespectedAndNotWaitedFor) {
@@ -228,8 +282,11 @@ TEST_F(NSNotificationCenterTest, RandomRegistrationsMatchAPlainList) {
 TEST_F(NSNotificationCenterTest, ThreadsMayPostWhileOthersRegisterAndRemove) {
     std::atomic<int> calls = 0;
     std::atomic<bool> stop = false;
-    const auto steady =
-        center->addObserver(opened, nullptr, nullptr, [&](const Notification&) { ++calls; });
+    auto held = std::make_shared<int>(0);
+    const std::weak_ptr<int> watched = held;
+    const std::weak_ptr<NotificationObserver> steady =
+        center->addObserver(opened, nullptr, nullptr, [&, held](const Notification&) { ++calls; });
+    held = nullptr;
     std::vector<std::thread> threads;
     for (int t = 0; t < 2; ++t) {
         threads.emplace_back([&] {
@@ -259,6 +316,19 @@ TEST_F(NSNotificationCenterTest, ThreadsMayPostWhileOthersRegisterAndRemove) {
     threads[1].join();
     threads[3].join();
     EXPECT_EQ(calls, 6000);
+
+    // So often that the center has to count the posts afresh.
+    const auto postOften = [&] {
+        for (int i = 0; i < 50'000; ++i)
+            center->post(opened, one);
+    };
+    std::thread other(postOften);
+    postOften();
+    other.join();
+    EXPECT_EQ(calls, 106'000);
+    EXPECT_FALSE(watched.expired());
+    center->removeObserver(steady.lock());
+    EXPECT_TRUE(watched.expired()) << "whatever was lent has come back";
 }
 
 } // namespace

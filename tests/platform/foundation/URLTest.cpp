@@ -52,45 +52,28 @@ TEST(URL, EscapesAndReadsBack) {
 }
 
 TEST(URL, RefusesWhatIsNoURL) {
-    for (const char* text : {"",
-                             "nothing",
-                             "/a/b",
-                             "1http://a",
-                             "file:///a%zz",
-                             "file:///a%2",
-                             "file:///a%00b",
-                             "file://elsewhere/a",
-                             "file:a",
-                             "file:///a b",
-                             "http://a.org/b c",
-                             "http://a b.org/",
-                             "http://a.org/%",
-                             "http://a.org/%4",
-                             "http://a.org/?%zz",
-                             "http://a.org/#%",
-                             "http://a.org/#b#c",
-                             "http://a.org:x/",
-                             "http://a.org:-1/",
-                             "http://a.org:1:2/",
-                             "http://a.org:65536/",
-                             "http://[::1/",
-                             "http://[1.2.3.4]/",
-                             "http://[::g]/",
-                             "http://[::1]x/",
-                             "http://a[1].org/",
-                             "http://a.org/[1]",
-                             "http://<a>/",
-                             "http://a.org/\"b\"",
-                             "http://a.org/b\\c",
-                             "http://a.org/{b}",
-                             "http://a.org/b|c",
-                             "http://a.org/b^c",
-                             "http://a.org/`b`",
-                             "http://a.org/b\nc",
-                             "http://a.org/b\tc",
-                             "http://a.org/\xC3",
-                             "http://me@you@a.org/",
-                             "mailto:joe@a.org?subject=a b"})
+    std::vector<std::string> refused = {"",
+                                        "nothing",
+                                        "/a/b",
+                                        "1http://a",
+                                        "file:///a%zz",
+                                        "file:///a%2",
+                                        "file:///a%00b",
+                                        "file://elsewhere/a",
+                                        "file:a",
+                                        "file:///a b",
+                                        "http://a b.org/",
+                                        "http://<a>/",
+                                        "http://a[1].org/",
+                                        "http://me@you@a.org/",
+                                        "mailto:joe@a.org?subject=a b"};
+    for (const char* host : {"[::1/", "[1.2.3.4]/", "[::g]/", "[::1]x/"})
+        refused.push_back(std::string("http://") + host);
+    for (const char* rest :
+         {"/b c", "/%",     "/%4",   "/?%zz", "/#%",  "/#b#c", ":x/",  ":-1/",  ":1:2/", ":65536/",
+          "/[1]", "/\"b\"", "/b\\c", "/{b}",  "/b|c", "/b^c",  "/`b`", "/b\nc", "/b\tc", "/\xC3"})
+        refused.push_back(std::string("http://a.org") + rest);
+    for (const std::string& text : refused)
         EXPECT_FALSE(URL::make({.string = text})) << text;
 }
 

@@ -8,15 +8,10 @@ namespace zorvan::imageio {
 namespace {
 
 TEST(AreaDownscaler, EqualsTheExactAverage) {
-    for (const auto& [width, height, toWidth, toHeight] : {std::tuple(1, 1, 1, 1),
-                                                           {7, 5, 7, 5},
-                                                           {7, 5, 1, 1},
-                                                           {100, 80, 33, 27},
-                                                           {64, 64, 32, 32},
-                                                           {101, 3, 50, 3},
-                                                           {3, 101, 3, 50},
-                                                           {5, 700, 2, 1},
-                                                           {97, 89, 96, 88}}) {
+    constexpr std::array<int, 4> sizes[] = {{1, 1, 1, 1},      {7, 5, 7, 5},     {7, 5, 1, 1},
+                                            {100, 80, 33, 27}, {64, 64, 32, 32}, {101, 3, 50, 3},
+                                            {3, 101, 3, 50},   {5, 700, 2, 1},   {97, 89, 96, 88}};
+    for (const auto& [width, height, toWidth, toHeight] : sizes) {
         SCOPED_TRACE(testing::Message() << width << " x " << height);
         const Bitmap source = noiseBitmap(width, height);
         std::optional<Bitmap> result = Bitmap::make(toWidth, toHeight);
@@ -43,12 +38,11 @@ TEST(AreaDownscaler, BandsOnTwoThreadsGiveTheSamePicture) {
 }
 
 TEST(AreaDownscaler, KeepsWhiteWhite) {
-    std::optional<Bitmap> white = Bitmap::make(1000, 999);
-    std::fill(white->data(), white->data() + white->byteCount(), std::uint8_t{255});
-    std::optional<Bitmap> result = Bitmap::make(77, 33);
+    std::optional<Bitmap> white = Bitmap::make(1000, 999), result = Bitmap::make(77, 33);
+    std::fill_n(white->data(), white->byteCount(), std::uint8_t{255});
     areaDownscale(*white, *result, {0, 33});
-    EXPECT_TRUE(std::all_of(result->data(), result->data() + result->byteCount(),
-                            [](std::uint8_t v) { return v == 255; }));
+    EXPECT_EQ(std::count(result->data(), result->data() + result->byteCount(), 255),
+              result->byteCount());
 }
 
 } // namespace

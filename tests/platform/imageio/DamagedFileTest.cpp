@@ -5,7 +5,7 @@
 namespace zorvan::imageio {
 namespace {
 
-TEST(DamagedFile, CutAnywhereItIsAnErrorAndNeverACrash) {
+TEST(DamagedFile, CutAnywhereItIsAnErrorAndChangedItNeverCrashes) {
     const Bitmap original = pattern(150, 100);
     for (const FileFormat format : formats) {
         const Data whole = encoded(format, original, {{"Orientation", 6}});
@@ -13,15 +13,14 @@ TEST(DamagedFile, CutAnywhereItIsAnErrorAndNeverACrash) {
             Data bytes = whole;
             bytes.resize(whole.size() * static_cast<std::size_t>(cut) / 40);
             SCOPED_TRACE(testing::Message() << typeIdentifier(format) << ' ' << bytes.size());
-            const auto reader = ImageReader::open(bytes);
-            reader->properties(0);
-            EXPECT_FALSE(reader->decode(0, {}));
-            EXPECT_NE(reader->error(), "");
-            EXPECT_FALSE(reader->decode(0, {.maximumPixelSize = 10}));
-            if (cut > 1) {
-                EXPECT_EQ(reader->error(), "the file is cut short");
+            ImageReader::open(bytes)->properties(0);
+            for (const std::int64_t limit : {0, 10}) {
+                const std::string error = errorOf(bytes, {.maximumPixelSize = limit});
+                EXPECT_NE(error, "");
+                EXPECT_TRUE(cut < 2 || error == "the file is cut short") << error;
             }
         }
+        readDamaged(encoded(format, pattern(40, 30, true), {{"Orientation", 6}}), 150);
     }
 }
 
@@ -35,24 +34,6 @@ TEST(DamagedFile, TheHeadOfACutFileStillTellsItsSize) {
         const auto properties = propertiesOf(bytes);
         EXPECT_EQ(number(properties, "PixelWidth"), 150) << typeIdentifier(format);
         EXPECT_EQ(number(properties, "Orientation"), 6) << typeIdentifier(format);
-    }
-}
-
-TEST(DamagedFile, RandomChangesNeverCrash) {
-    std::mt19937 random(7);
-    for (const FileFormat format : formats) {
-        const Data whole = encoded(format, pattern(40, 30, true), {{"Orientation", 6}});
-        for (int round = 0; round < 150; ++round) {
-            Data bytes = whole;
-            for (unsigned i = 0; i < 1 + random() % 8; ++i)
-                bytes[random() %
-                      (round % 2 == 0 ? bytes.size() : std::min<std::size_t>(bytes.size(), 400))] =
-                    static_cast<std::byte>(random());
-            const auto reader = ImageReader::open(bytes);
-            reader->properties(0);
-            reader->decode(0, {.maximumPixelSize = 20});
-            reader->embeddedThumbnail(0);
-        }
     }
 }
 
@@ -107,8 +88,7 @@ TEST(DamagedFile, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
     // The entry of the length: tag, type, count, value, little-endian.
     const std::size_t entry = positionOf(tiff, std::string_view("\x01\x01\x03\0\x01\0\0\0", 8));
     tiff[entry + 2] = std::byte{4};
-    for (std::size_t i = 0; i < 4; ++i)
-        tiff[entry + 8 + i] = std::byte{0x7F};
+    setBig32(tiff, entry + 8, 0x7F7F7F7F);
     std::vector<Data> files = {png, wide, jpeg, tiff};
 #ifdef ZORVAN_WITH_HEIC
     Data heic = encoded(FileFormat::heic, picture);
@@ -117,14 +97,10 @@ TEST(DamagedFile, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
     setBig32(heic, size + 4, 0x7FFFFFFF);
     files.push_back(heic);
 #endif
-    for (const Data& bytes : files) {
-        const auto reader = ImageReader::open(bytes);
-        for (const std::int64_t limit : {0, 100}) {
-            EXPECT_FALSE(reader->decode(0, {.maximumPixelSize = limit}));
-            EXPECT_EQ(reader->error(), "the picture is too large")
-                << typeIdentifier(reader->format().value());
-        }
-    }
+    for (std::size_t i = 0; i < files.size(); ++i)
+        for (const std::int64_t limit : {0, 100})
+            EXPECT_EQ(errorOf(files[i], {.maximumPixelSize = limit}), "the picture is too large")
+                << i;
 }
 
 } // namespace

@@ -9,16 +9,18 @@
 
 namespace zorvan::imageio {
 
-// Files of the formats that are read but not written, made by their own libraries or by hand.
+// Files of the formats that are read but not written, made by their own
+// libraries or by hand.
 
 inline constexpr std::int64_t quartersWidth = 24, quartersHeight = 16;
 
-/// Four flat quarters: red grows from left to right, green from top to bottom. With alpha, the
-/// right half is a quarter opaque.
+/// Four flat quarters: red grows from left to right, green from top to bottom.
+/// With alpha, the right half is a quarter opaque.
 Bitmap quarters(bool hasAlpha = false);
 
-/// Whether a build reads JPEG XL.
-bool readsJpegXL();
+/// What others have made of the quarters with alpha. "turned.jxl" is lossless and to be turned by
+/// 6, while its Exif box says 3.
+Data sample(const std::string& name);
 
 Data webpOf(const Bitmap& bitmap, bool isLossless = true);
 /// An animation whose first picture stands at (2, 4) on a canvas of 40 x 30.
@@ -47,9 +49,6 @@ struct BmpForm {
     std::array<std::uint32_t, 4> masks = {};
 };
 Data bmpOf(const Bitmap& bitmap, const BmpForm& form = {});
-
-/// Lossless; with an Exif box unless that is empty.
-Data jpegXLOf(const Bitmap& bitmap, int orientation = 1, const Data& exif = {});
 
 struct OtherFormat {
     FileFormat format;

@@ -15,7 +15,8 @@ struct Kind {
     bool transparentColour;
 };
 
-/// The sample that a row of a test picture has at a place, before scaling to the depth.
+/// The sample that a row of a test picture has at a place, before scaling to
+/// the depth.
 unsigned sampleAt(std::int64_t x, std::int64_t y, int channel, int depth) {
     const unsigned largest = (1U << depth) - 1;
     return static_cast<unsigned>(x * 3 + y * 5 + channel * 7) & largest;
@@ -45,7 +46,7 @@ void append(png_structp png, png_bytep data, std::size_t size) {
     out.insert(out.end(), first, first + size);
 }
 
-Data write(const Kind& kind, std::int64_t width, std::int64_t height) {
+Data write(const Kind& kind, std::int64_t width, std::int64_t height, png_text* text = nullptr) {
     Data bytes;
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(png);
@@ -54,10 +55,10 @@ Data write(const Kind& kind, std::int64_t width, std::int64_t height) {
                  kind.depth, kind.colorType, kind.interlaced, 0, 0);
     std::array<png_color, 256> palette;
     std::array<png_byte, 256> alphas;
-    for (int i = 0; i < 256; ++i) {
-        palette[static_cast<std::size_t>(i)] = {
-            static_cast<png_byte>(255 - i), static_cast<png_byte>(i), static_cast<png_byte>(i / 2)};
-        alphas[static_cast<std::size_t>(i)] = static_cast<png_byte>(i == 1 ? 0 : 255);
+    for (std::size_t i = 0; i < 256; ++i) {
+        palette[i] = {static_cast<png_byte>(255 - i), static_cast<png_byte>(i),
+                      static_cast<png_byte>(i / 2)};
+        alphas[i] = i == 1 ? 0 : 255;
     }
     png_color_16 clear = {0, 1, 1, 1, 1};
     const bool indexed = kind.colorType == PNG_COLOR_TYPE_PALETTE;
@@ -65,6 +66,8 @@ Data write(const Kind& kind, std::int64_t width, std::int64_t height) {
         png_set_PLTE(png, info, palette.data(), 1 << kind.depth);
     if (kind.transparentColour)
         png_set_tRNS(png, info, indexed ? alphas.data() : nullptr, indexed ? 2 : 0, &clear);
+    if (text)
+        png_set_text(png, info, text, 1);
     png_write_info(png, info);
     const int passes = png_set_interlace_handling(png);
     for (int pass = 0; pass < passes; ++pass)
@@ -93,9 +96,8 @@ Pixel expectedPixel(const Kind& kind, std::int64_t x, std::int64_t y) {
         pixel[3] = scaled(colour ? 3 : 1);
     else if (kind.transparentColour && raw(0) == 1 && (!colour || (raw(1) == 1 && raw(2) == 1)))
         pixel[3] = 0;
-    for (int c = 0; c < 3; ++c)
-        pixel[static_cast<std::size_t>(c)] =
-            (pixel[static_cast<std::size_t>(c)] * pixel[3] * 2 + 255) / 510;
+    for (std::size_t c = 0; c < 3; ++c)
+        pixel[c] = (pixel[c] * pixel[3] * 2 + 255) / 510;
     return pixel;
 }
 
@@ -128,30 +130,14 @@ TEST(Png, EveryColourTypeAndDepthDecodes) {
                 }
 }
 
-PropertyList::Dictionary section(std::string_view key, PropertyList value) {
-    PropertyList::Dictionary result;
-    result.emplace(key, std::move(value));
-    return result;
-}
-
 /// A small picture with a text.
 Data withText(int kind, std::string key, std::string value) {
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    Data bytes;
-    png_set_write_fn(png, &bytes, append, [](png_structp) {});
-    png_set_IHDR(png, info, 3, 1, 8, PNG_COLOR_TYPE_GRAY, 0, 0, 0);
-    png_text chunk = {};
-    chunk.compression = kind;
-    chunk.key = key.data();
-    chunk.text = value.data();
-    chunk.text_length = value.size();
-    png_set_text(png, info, &chunk, 1);
-    png_write_info(png, info);
-    png_write_row(png, std::array<png_byte, 3>{1, 2, 3}.data());
-    png_write_end(png, nullptr);
-    png_destroy_write_struct(&png, &info);
-    return bytes;
+    png_text text = {};
+    text.compression = kind;
+    text.key = key.data();
+    text.text = value.data();
+    text.text_length = value.size();
+    return write({PNG_COLOR_TYPE_GRAY, 8, false, false}, 3, 1, &text);
 }
 
 TEST(Png, ExifAfterThePixelsIsFound) {
@@ -159,12 +145,7 @@ TEST(Png, ExifAfterThePixelsIsFound) {
     // Move the whole Exif chunk to just before the end chunk.
     const std::size_t start = positionOf(bytes, "eXIf") - 4;
     const std::size_t length = std::to_integer<std::size_t>(bytes[start + 3]) + 12;
-    const Data chunk(bytes.begin() + static_cast<std::ptrdiff_t>(start),
-                     bytes.begin() + static_cast<std::ptrdiff_t>(start + length));
-    bytes.erase(bytes.begin() + static_cast<std::ptrdiff_t>(start),
-                bytes.begin() + static_cast<std::ptrdiff_t>(start + length));
-    const std::size_t end = positionOf(bytes, "IEND") - 4;
-    bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(end), chunk.begin(), chunk.end());
+    std::rotate(&bytes[start], &bytes[start + length], &bytes[positionOf(bytes, "IEND") - 4]);
     EXPECT_EQ(number(propertiesOf(bytes), "Orientation"), 6);
     EXPECT_EQ(decoded(bytes).width(), 8);
 }
@@ -182,8 +163,8 @@ std::string rawProfile(const Data& block) {
 }
 
 TEST(Png, ExifKeptAsTextTurnsThePictureToo) {
-    const std::string profile = rawProfile(exifBlock(
-        storedProperties({{"Orientation", 6}, {"{Exif}", section("LensModel", "a lens")}})));
+    const std::string profile = rawProfile(exifBlock(storedProperties(
+        {{"Orientation", 6}, {"{Exif}", PropertyList::Dictionary{{"LensModel", "a lens"}}}})));
     for (const int kind : {PNG_TEXT_COMPRESSION_NONE, PNG_TEXT_COMPRESSION_zTXt,
                            PNG_ITXT_COMPRESSION_NONE, PNG_ITXT_COMPRESSION_zTXt}) {
         const auto properties = propertiesOf(withText(kind, "Raw profile type exif", profile));
@@ -199,12 +180,19 @@ TEST(Png, ExifKeptAsTextTurnsThePictureToo) {
     EXPECT_EQ(text(propertiesOf(comment), "{PNG}", "Comment"), "well");
 }
 
+TEST(Png, AResolutionCutShortHasNoUnit) {
+    using namespace std::string_view_literals;
+    Data bytes = encoded(FileFormat::png, pattern(4, 4));
+    const Data chunk = bytesOf("\0\0\0\x08pHYs\0\0\x10\0\0\0\x10\0\x01\x01\x01\x01"sv);
+    bytes.insert(bytes.begin() + 33, chunk.begin(), chunk.end());
+    EXPECT_EQ(number(propertiesOf(bytes), "{PNG}", "XPixelsPerMeter"), 4096);
+    EXPECT_EQ(number(propertiesOf(bytes), "DPIWidth"), -1);
+}
+
 TEST(Png, AWrongCheckSumIsDamage) {
     Data bytes = encoded(FileFormat::png, pattern(40, 40));
     bytes[positionOf(bytes, "IDAT") + 20] ^= std::byte{0x55};
-    const auto reader = ImageReader::open(bytes);
-    EXPECT_FALSE(reader->decode(0, {}));
-    EXPECT_EQ(reader->error(), "the file is damaged");
+    EXPECT_EQ(errorOf(bytes), "the file is damaged");
     EXPECT_EQ(number(propertiesOf(bytes), "PixelWidth"), 40);
 }
 

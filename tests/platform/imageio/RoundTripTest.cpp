@@ -1,6 +1,8 @@
 #include "Support.h"
 #include <tests/Testing.h>
 
+#include <zorvan/platform/graphics/ExactTransforms.h>
+
 namespace zorvan::imageio {
 namespace {
 
@@ -25,13 +27,9 @@ TEST(RoundTrip, EveryFormatGivesThePictureBackWithTheAlphaItHas) {
 }
 
 TEST(RoundTrip, BothLayoutsAreWrittenAlike) {
-    const Bitmap rgba = pattern(20, 10, true);
-    std::optional<Bitmap> argb = Bitmap::make(20, 10, BitmapLayout::argb);
-    for (std::int64_t i = 0; i < rgba.byteCount(); i += 4)
-        for (int c = 0; c < 4; ++c)
-            argb->data()[i + (c + 1) % 4] = rgba.data()[i + c];
+    const Bitmap rgba = pattern(20, 10, true), argb = copied(rgba, BitmapLayout::argb).value();
     for (const FileFormat format : formats)
-        EXPECT_EQ(encoded(format, rgba), encoded(format, *argb)) << typeIdentifier(format);
+        EXPECT_EQ(encoded(format, rgba), encoded(format, argb)) << typeIdentifier(format);
 }
 
 TEST(RoundTrip, MaximumSizeGivesExactlyThatSizeAndTheAverage) {
@@ -73,10 +71,8 @@ TEST(RoundTrip, OnlyTiffHoldsSeveralPictures) {
     for (const FileFormat format : formats) {
         EXPECT_FALSE(encode(format, {}));
         EXPECT_FALSE(encode(format, {&none, 1}));
+        EXPECT_EQ(encode(format, frames).has_value(), format == FileFormat::tiff);
     }
-    for (const FileFormat format : formats)
-        EXPECT_EQ(encode(format, frames).has_value(), format == FileFormat::tiff)
-            << typeIdentifier(format);
     const auto reader = ImageReader::open(encode(FileFormat::tiff, frames).value());
     ASSERT_EQ(reader->count(), 2);
     EXPECT_EQ(difference(reader->decode(1, {}).value(), second).largest, 0);

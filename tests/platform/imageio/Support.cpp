@@ -1,11 +1,14 @@
 #include "Support.h"
 
+#include <zorvan/platform/foundation/internal/valueUnder.h>
+#include <zorvan/platform/imageio/internal/Outline.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <random>
 #include <utility>
 
 namespace zorvan::imageio {
@@ -72,46 +75,44 @@ PropertyList::Dictionary propertiesOf(const Data& bytes) {
     return properties.value_or(PropertyList::Dictionary());
 }
 
-namespace {
-
-const PropertyList* find(const PropertyList::Dictionary& properties, std::string_view key) {
-    const auto found = properties.find(key);
-    return found == properties.end() ? nullptr : &found->second;
+std::string errorOf(const Data& bytes, DecodeOptions options) {
+    const auto reader = ImageReader::open(bytes);
+    const bool isPicture = reader->decode(0, options).has_value();
+    EXPECT_EQ(reader->error().empty(), isPicture);
+    return reader->error();
 }
 
-const PropertyList* find(const PropertyList::Dictionary& properties, std::string_view section,
-                         std::string_view key) {
-    const PropertyList* inner = find(properties, section);
-    const auto* entries = inner ? inner->as<PropertyList::Dictionary>() : nullptr;
-    return entries ? find(*entries, key) : nullptr;
+void readDamaged(const Data& bytes, int rounds) {
+    std::mt19937 random(7);
+    for (int round = 0; round < rounds; ++round) {
+        Data damaged = bytes;
+        const std::size_t end =
+            round % 2 == 0 ? bytes.size() : std::min<std::size_t>(bytes.size(), 400);
+        for (unsigned count = 1 + random() % 8; count > 0; --count)
+            damaged[random() % end] = static_cast<std::byte>(random());
+        const auto reader = ImageReader::open(damaged);
+        reader->properties(0);
+        reader->decode(0, {.maximumPixelSize = 20});
+        reader->embeddedThumbnail(0);
+    }
 }
-
-double numberIn(const PropertyList* value) {
-    const NSNumber* number = value ? value->as<NSNumber>() : nullptr;
-    return number ? number->doubleValue() : -1;
-}
-
-} // namespace
 
 double number(const PropertyList::Dictionary& properties, std::string_view key) {
-    return numberIn(find(properties, key));
+    const auto* number = zorvan::internal::valueUnder<NSNumber>(properties, key);
+    return number ? number->doubleValue() : -1;
 }
 
 double number(const PropertyList::Dictionary& properties, std::string_view section,
               std::string_view key) {
-    return numberIn(find(properties, section, key));
+    const auto* inner = findSection(properties, section);
+    return inner ? number(*inner, key) : -1;
 }
 
 std::string text(const PropertyList::Dictionary& properties, std::string_view section,
                  std::string_view key) {
-    const PropertyList* value = find(properties, section, key);
-    const std::string* text = value ? value->as<std::string>() : nullptr;
+    const auto* inner = findSection(properties, section);
+    const std::string* text = inner ? findText(*inner, key) : nullptr;
     return text ? *text : "(none)";
-}
-
-Data bytesOf(std::string_view text) {
-    const auto* first = reinterpret_cast<const std::byte*>(text.data());
-    return Data(first, first + text.size());
 }
 
 std::size_t positionOf(const Data& bytes, std::string_view text) {

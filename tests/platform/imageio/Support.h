@@ -1,13 +1,13 @@
 #pragma once
 
+#include <tests/bytesOf.h>
+
 #include <zorvan/platform/imageio/ImageReader.h>
 #include <zorvan/platform/imageio/ImageWriter.h>
 
 #include <array>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
-#include <optional>
 #include <string_view>
 
 namespace zorvan::imageio {
@@ -21,17 +21,19 @@ inline constexpr std::array formats = {FileFormat::png, FileFormat::jpeg, FileFo
 #endif
 };
 
-/// A picture without any symmetry: a different colour in each corner and a gradient between them.
-/// With alpha, it fades out towards the right.
+/// A picture without any symmetry: a different colour in each corner and a
+/// gradient between them. With alpha, it fades out towards the right.
 Bitmap pattern(std::int64_t width, std::int64_t height, bool alpha = false);
 
 Pixel pixelAt(const Bitmap& bitmap, std::int64_t x, std::int64_t y);
 
-/// Every component is within one of the pixel that `wanted` gives for its column and row.
+/// Every component is within one of the pixel that `wanted` gives for its
+/// column and row.
 void expectPixels(const Bitmap& bitmap,
                   const std::function<Pixel(std::int64_t x, std::int64_t y)>& wanted);
 
-/// The mean and the largest difference of two pictures' components; infinite when the sizes differ.
+/// The mean and the largest difference of two pictures' components; infinite
+/// when the sizes differ.
 struct Difference {
     double mean;
     int largest;
@@ -42,17 +44,20 @@ Data encoded(FileFormat format, const Bitmap& bitmap, PropertyList::Dictionary p
 
 /// Decodes the first picture; a failure is reported and gives a single pixel.
 Bitmap decoded(const Data& bytes, DecodeOptions options = {});
+/// Why the first picture cannot be decoded; empty when it can.
+std::string errorOf(const Data& bytes, DecodeOptions options = {});
+/// Reads all there is, so many times and each time with other bytes changed.
+void readDamaged(const Data& bytes, int rounds);
 
 PropertyList::Dictionary propertiesOf(const Data& bytes);
 
-/// The number under that key; -1 when there is none. A section name may stand before it.
+/// The number under that key; -1 when there is none. A section name may stand
+/// before it.
 double number(const PropertyList::Dictionary& properties, std::string_view key);
 double number(const PropertyList::Dictionary& properties, std::string_view section,
               std::string_view key);
 std::string text(const PropertyList::Dictionary& properties, std::string_view section,
                  std::string_view key);
-
-Data bytesOf(std::string_view text);
 
 /// Where a text stands in the bytes; it has to.
 std::size_t positionOf(const Data& bytes, std::string_view text);

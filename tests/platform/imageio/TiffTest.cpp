@@ -49,7 +49,8 @@ void put(std::uint8_t* row, std::size_t index, const Kind& kind, double value) {
     }
 }
 
-/// Fills rows [y, y + rows) and columns from `x` on, for all samples or for the one of a plane.
+/// Fills rows [y, y + rows) and columns from `x` on, for all samples or for the
+/// one of a plane.
 std::vector<std::uint8_t> block(const Kind& kind, std::uint32_t x0, std::uint32_t columns,
                                 std::uint32_t y0, std::uint32_t rows, int plane,
                                 std::size_t rowSize) {
@@ -170,45 +171,42 @@ Pixel expectedPixel(const Kind& kind, std::uint32_t x, std::uint32_t y) {
 }
 
 TEST(Tiff, EveryLayoutDecodes) {
-    constexpr int rgb = PHOTOMETRIC_RGB;
-    constexpr int grey = PHOTOMETRIC_MINISBLACK;
-    constexpr int uint = SAMPLEFORMAT_UINT, plain = COMPRESSION_NONE, lzw = COMPRESSION_LZW;
-    constexpr int deflate = COMPRESSION_ADOBE_DEFLATE, separated = PHOTOMETRIC_SEPARATED;
-    constexpr int white = PHOTOMETRIC_MINISWHITE, palette = PHOTOMETRIC_PALETTE;
+    constexpr int rgb = PHOTOMETRIC_RGB, grey = PHOTOMETRIC_MINISBLACK;
+    constexpr int uint = SAMPLEFORMAT_UINT, real = SAMPLEFORMAT_IEEEFP;
+    constexpr int plain = COMPRESSION_NONE, lzw = COMPRESSION_LZW;
     constexpr int alpha = EXTRASAMPLE_UNASSALPHA;
-    std::vector<Kind> kinds = {{grey, 1, 1},      {grey, 2, 1},      {grey, 4, 1},  {grey, 8, 1},
-                               {grey, 16, 1},     {grey, 32, 1},     {white, 1, 1}, {white, 8, 1},
-                               {palette, 4, 1},   {palette, 8, 1},   {rgb, 8, 3},   {rgb, 16, 3},
-                               {separated, 8, 4}, {separated, 16, 4}};
-    for (const Kind& kind : {Kind{grey, 32, 1, SAMPLEFORMAT_IEEEFP},
-                             {rgb, 32, 3, SAMPLEFORMAT_IEEEFP},
-                             {rgb, 64, 3, SAMPLEFORMAT_IEEEFP},
-                             {grey, 8, 2, uint, plain, false, false, alpha},
-                             {rgb, 8, 4, uint, plain, false, false, alpha},
-                             {rgb, 8, 4, uint, plain, false, false, EXTRASAMPLE_ASSOCALPHA},
-                             {rgb, 16, 4, uint, lzw, false, false, alpha},
-                             {rgb, 8, 4, uint, plain, false, false, EXTRASAMPLE_UNSPECIFIED},
-                             {rgb, 8, 3, uint, lzw},
-                             {rgb, 8, 3, uint, deflate},
-                             {rgb, 8, 3, uint, COMPRESSION_PACKBITS},
-                             {rgb, 8, 3, uint, lzw, true},
-                             {rgb, 16, 3, uint, plain, true},
-                             {rgb, 8, 3, uint, deflate, false, true},
-                             {rgb, 8, 4, uint, lzw, true, true, alpha},
-                             {grey, 1, 1, uint, plain, false, true},
-                             {grey, 12, 1},
-                             {rgb, 12, 3, uint, lzw},
-                             {rgb, 10, 4, uint, plain, false, false, alpha},
-                             {rgb, 12, 3, uint, plain, true, true},
-                             {grey, 4, 1, SAMPLEFORMAT_INT},
-                             {grey, 8, 1, SAMPLEFORMAT_INT},
-                             {rgb, 8, 3, SAMPLEFORMAT_INT},
-                             {grey, 16, 1, SAMPLEFORMAT_INT},
-                             {grey, 32, 1, SAMPLEFORMAT_INT}})
-        kinds.push_back(kind);
-    for (std::size_t i = 0; i < kinds.size(); ++i) {
-        SCOPED_TRACE(i);
-        const Kind& kind = kinds[i];
+    std::vector<Kind> kinds = {{PHOTOMETRIC_PALETTE, 4, 1},
+                               {PHOTOMETRIC_PALETTE, 8, 1},
+                               {PHOTOMETRIC_MINISWHITE, 1, 1},
+                               {PHOTOMETRIC_MINISWHITE, 8, 1},
+                               {grey, 32, 1, real},
+                               {grey, 8, 2, uint, plain, false, false, alpha},
+                               {rgb, 10, 4, uint, plain, false, false, alpha},
+                               {rgb, 16, 4, uint, lzw, false, false, alpha},
+                               {rgb, 8, 3, SAMPLEFORMAT_INT},
+                               {rgb, 12, 3, uint, lzw},
+                               {rgb, 16, 3, uint, plain, true},
+                               {rgb, 8, 3, uint, lzw, true},
+                               {rgb, 8, 3, uint, COMPRESSION_ADOBE_DEFLATE, false, true},
+                               {rgb, 8, 4, uint, lzw, true, true, alpha},
+                               {rgb, 12, 3, uint, plain, true, true},
+                               {grey, 1, 1, uint, plain, false, true}};
+    for (const int bits : {1, 2, 4, 8, 12, 16, 32})
+        kinds.push_back({grey, bits, 1});
+    for (const int bits : {4, 8, 16, 32})
+        kinds.push_back({grey, bits, 1, SAMPLEFORMAT_INT});
+    for (const int bits : {32, 64})
+        kinds.push_back({rgb, bits, 3, real});
+    for (const int bits : {8, 16}) {
+        kinds.push_back({rgb, bits, 3});
+        kinds.push_back({PHOTOMETRIC_SEPARATED, bits, 4});
+    }
+    for (const int compression : {lzw, COMPRESSION_ADOBE_DEFLATE, COMPRESSION_PACKBITS})
+        kinds.push_back({rgb, 8, 3, uint, compression});
+    for (const int extra : {alpha, EXTRASAMPLE_ASSOCALPHA, EXTRASAMPLE_UNSPECIFIED})
+        kinds.push_back({rgb, 8, 4, uint, plain, false, false, extra});
+    for (const Kind& kind : kinds) {
+        SCOPED_TRACE(&kind - kinds.data());
         const Data bytes = write(kind);
         const auto properties = propertiesOf(bytes);
         EXPECT_EQ(number(properties, "Depth"), kind.bits);

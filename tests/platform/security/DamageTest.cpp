@@ -297,6 +297,8 @@ TEST_F(DamageTest, WithoutItsKeyAnItemIsThereButCannotBeRead) {
     auto other = peer();
     EXPECT_EQ(ask(*other, "get a"), std::to_string(errSecInteractionNotAllowed));
     EXPECT_EQ(ask(*other, "add a 2"), std::to_string(errSecDuplicateItem));
+    // Whose value stays would have to be sealed again.
+    EXPECT_EQ(SecItemUpdate(item("a"), {{kSecAttrLabel, "l"}}), errSecInteractionNotAllowed);
     EXPECT_EQ(ask(*other, "set b 2"), "0"); // under a new key
     fs::rename(path("key"), root + "/new-key");
     fs::rename(root + "/key", path("key"));

@@ -1,4 +1,5 @@
 #include <tests/Testing.h>
+#include <tests/randomText.h>
 
 #include <zorvan/platform/textservices/Characters.h>
 #include <zorvan/platform/textservices/Unicode.h>
@@ -151,19 +152,8 @@ TEST(Characters, WalkOverRandomBytesTheSameBothWays) {
         "\xD8\x80", digits, "\xFF"};
     std::mt19937 random(11);
     for (int round = 0; round < 3000; ++round) {
-        std::string text;
-        for (std::size_t i = random() % 12; i > 0; --i)
-            text += pieces[random() % pieces.size()];
-        expectConsistent(text);
+        expectConsistent(randomText(random, pieces, 11));
     }
-}
-
-TEST(Characters, CountLineEndingsOnceOverLongTexts) {
-    std::string text;
-    for (std::size_t i = 0; i < 1000; ++i)
-        text += std::string(i % 131, 'x') + "\r\n";
-    EXPECT_EQ(characterCount(text), text.size() - 1000);
-    expectConsistent(text.substr(0, 3000));
 }
 
 TEST(Characters, TakeLinearTimeOverLongTexts) {

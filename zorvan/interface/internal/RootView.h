@@ -21,23 +21,13 @@ public:
     /// Whether an event handed to a view since then has come through all that hold it to here.
     void expectEvent() noexcept { gotEvent_ = false; }
     bool gotEvent() const noexcept { return gotEvent_; }
-    void mouseDown(const NSEvent&) override { gotEvent_ = true; }
-    void mouseDragged(const NSEvent&) override { gotEvent_ = true; }
-    void mouseUp(const NSEvent&) override { gotEvent_ = true; }
-    void rightMouseDown(const NSEvent&) override { gotEvent_ = true; }
-    void rightMouseDragged(const NSEvent&) override { gotEvent_ = true; }
-    void rightMouseUp(const NSEvent&) override { gotEvent_ = true; }
-    void otherMouseDown(const NSEvent&) override { gotEvent_ = true; }
-    void otherMouseDragged(const NSEvent&) override { gotEvent_ = true; }
-    void otherMouseUp(const NSEvent&) override { gotEvent_ = true; }
-    void scrollWheel(const NSEvent&) override { gotEvent_ = true; }
-    void keyDown(const NSEvent&) override { gotEvent_ = true; }
-    void keyUp(const NSEvent&) override { gotEvent_ = true; }
 
 protected:
     void contentDidChange() override { contentChanged_(); }
 
 private:
+    void handOn(void (NSView::*)(const NSEvent&), const NSEvent&) override { gotEvent_ = true; }
+
     std::function<void()> contentChanged_;
     bool gotEvent_ = false;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zorvan/colour/NSColor.h>
+#include <zorvan/media/NSImage.h>
 #include <zorvan/numbers-geometry/CGRect.h>
 #include <zorvan/numbers-geometry/CGSize.h>
 #include <zorvan/platform/appkit/Canvas.h>
@@ -34,7 +35,6 @@ public:
 
 // On the current graphics context.
 
-void fillRect(const CGRect& rect, const NSColor& color);
 void fillRounded(const CGRect& rect, double radius, const NSColor& color);
 /// A line of that width just inside the edge.
 void outlineRounded(const CGRect& rect, double radius, const NSColor& color, double width = 1);
@@ -45,5 +45,10 @@ NSAttributedString withDefaults(const NSAttributedString& text, const NSColor& c
 CGSize textSize(const NSAttributedString& text);
 /// One line, in the middle, shortened to the width; where it was drawn.
 CGRect drawText(const NSAttributedString& text, const CGRect& in);
+
+/// Draws a template in the colour, any other picture as it is; faint when not enabled.
+void drawInside(const NSImage& image, const CGRect& rect, const NSColor& ink, bool isEnabled);
+/// In the middle, at the size or as large as fits.
+CGRect centredRect(CGSize size, const CGRect& in);
 
 } // namespace zorvan

@@ -3,7 +3,6 @@
 #include <zorvan/platform/foundation/internal/ascii.h>
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string_view>
 

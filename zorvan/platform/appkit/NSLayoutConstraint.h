@@ -13,7 +13,14 @@ enum class NSLayoutAttribute : std::int64_t { width = 7, height = 8 };
 /// Keeps a side of a view from being shorter than a length, for as long as it is active: `setFrame`
 /// then makes the view so large at least.
 class NSLayoutConstraint : public std::enable_shared_from_this<NSLayoutConstraint> {
+    struct Key {};
+    friend class NSLayoutDimension;
+
 public:
+    /// For `NSLayoutDimension`.
+    NSLayoutConstraint(Key, std::weak_ptr<NSView> view, NSLayoutAttribute attribute,
+                       double constant);
+
     /// The view is not kept alive.
     std::shared_ptr<NSView> firstItem() const noexcept { return view_.lock(); }
     /// The side that is kept from being shorter.
@@ -29,15 +36,6 @@ public:
     bool isActive() const noexcept { return isActive_; }
     /// The view keeps an active constraint alive, and follows it at once.
     void setActive(bool active);
-
-private:
-    struct Key {};
-    friend class NSLayoutDimension;
-
-public:
-    /// For `NSLayoutDimension`.
-    NSLayoutConstraint(Key, std::weak_ptr<NSView> view, NSLayoutAttribute attribute,
-                       double constant);
 
 private:
     std::weak_ptr<NSView> view_;

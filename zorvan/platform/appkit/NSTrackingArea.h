@@ -17,6 +17,8 @@ class NSView;
 /// A rectangle of a view, in the view's own coordinates, whose owner is told when the mouse comes
 /// and goes. It counts from when it is added to the view. An area never changes.
 class NSTrackingArea {
+    struct Key {};
+
 public:
     /// A set of options. Without one of those that say when an area is active, it never is.
     struct Options {
@@ -45,7 +47,13 @@ public:
     /// The owner, which is told of the mouse, is not kept alive.
     static std::shared_ptr<NSTrackingArea> create(const CGRect& rect, Options options,
                                                   const std::shared_ptr<NSView>& owner,
-                                                  std::optional<UserInfo> userInfo = {});
+                                                  std::optional<UserInfo> userInfo = {}) {
+        return std::make_shared<NSTrackingArea>(Key{}, rect, options, owner, std::move(userInfo));
+    }
+    /// For `create`.
+    NSTrackingArea(Key, const CGRect& rect, Options options, const std::shared_ptr<NSView>& owner,
+                   std::optional<UserInfo> userInfo)
+        : rect_(rect), options_(options), owner_(owner), userInfo_(std::move(userInfo)) {}
 
     /// As given at creation; the owner null once it has gone.
     /// @{
@@ -54,14 +62,6 @@ public:
     std::shared_ptr<NSView> owner() const noexcept { return owner_.lock(); }
     const std::optional<UserInfo>& userInfo() const noexcept { return userInfo_; }
     /// @}
-
-private:
-    struct Key {};
-
-public:
-    /// For `create`.
-    NSTrackingArea(Key, const CGRect& rect, Options options, const std::shared_ptr<NSView>& owner,
-                   std::optional<UserInfo> userInfo);
 
 private:
     CGRect rect_;

@@ -17,20 +17,6 @@ NSView::~NSView() {
         view->moveTo(nullptr, nullptr);
 }
 
-template <class... Given, class... Arguments>
-void NSView::tellObserver(void (NSViewObserver::*change)(Given...), Arguments... arguments) const {
-    // Whoever is told may add another.
-    const auto observers = observers_;
-    for (const auto& weak : observers)
-        if (const auto observer = weak.lock())
-            ((*observer).*change)(arguments...);
-}
-
-void NSView::addObserver(const std::shared_ptr<NSViewObserver>& observer) {
-    std::erase_if(observers_, [](const auto& other) { return other.expired(); });
-    observers_.push_back(observer);
-}
-
 // Place
 
 void NSView::setFrame(const CGRect& frame) {
@@ -38,7 +24,7 @@ void NSView::setFrame(const CGRect& frame) {
     if (frame_ == before)
         return;
     contentDidChange();
-    tellObserver(&NSViewObserver::frameDidChange);
+    observers_.tell(&NSViewObserver::frameDidChange);
     if (frame_.size == before.size)
         return;
     needsLayout_ = true;
@@ -49,11 +35,9 @@ void NSView::setBoundsOrigin(CGPoint origin, bool animated) {
     if (std::exchange(boundsOrigin_, origin) == origin)
         return;
     contentDidChange();
-    tellObserver(&NSViewObserver::boundsOriginDidChange, animated);
+    observers_.tell(&NSViewObserver::boundsOriginDidChange, animated);
     updateTrackingAreas();
 }
-
-CGSize NSView::intrinsicContentSize() const { return {noIntrinsicMetric, noIntrinsicMetric}; }
 
 CGSize NSView::fittingSize() const {
     const CGSize intrinsic = intrinsicContentSize();
@@ -110,9 +94,9 @@ void NSView::moveTo(const std::shared_ptr<NSWindow>& window,
     if (isOtherWindow)
         didMoveAll(window);
     if (holder && holder != superview)
-        holder->tellObserver(&NSViewObserver::subviewsDidChange);
+        holder->observers_.tell(&NSViewObserver::subviewsDidChange);
     if (superview)
-        superview->tellObserver(&NSViewObserver::subviewsDidChange);
+        superview->observers_.tell(&NSViewObserver::subviewsDidChange);
 }
 
 // Those told may change the tree, so that copies are walked.
@@ -138,8 +122,6 @@ void NSView::didMoveAll(const std::shared_ptr<NSWindow>& window) {
 
 void NSView::viewWillMove(const std::shared_ptr<NSWindow>&) {}
 
-void NSView::viewDidMoveToWindow() {}
-
 CGPoint NSView::convertToBase(CGPoint point) const {
     const CGRect shown = bounds();
     const double fromTop = isFlipped() ? point.y - shown.minY() : shown.maxY() - point.y;
@@ -154,24 +136,25 @@ CGPoint NSView::convertToBase(CGPoint point) const {
 CGPoint NSView::convertFromBase(CGPoint point) const {
     const CGRect shown = bounds();
     const auto holder = superview();
-    double fromLeft = point.x, fromTop = shown.height() - point.y;
-    if (holder) {
-        const CGPoint outside = holder->convertFromBase(point);
-        fromLeft = outside.x - frame_.minX();
-        fromTop = holder->isFlipped() ? outside.y - frame_.minY() : frame_.maxY() - outside.y;
-    }
-    return {shown.minX() + fromLeft, isFlipped() ? shown.minY() + fromTop : shown.maxY() - fromTop};
+    if (holder)
+        return fromSuperview(holder->convertFromBase(point));
+    const double fromTop = shown.height() - point.y;
+    return {shown.minX() + point.x, isFlipped() ? shown.minY() + fromTop : shown.maxY() - fromTop};
+}
+
+CGPoint NSView::fromSuperview(CGPoint point) const {
+    const CGRect shown = bounds();
+    const auto holder = superview();
+    const bool isDownward = holder && holder->isFlipped();
+    const double fromTop = isDownward ? point.y - frame_.minY() : frame_.maxY() - point.y;
+    return {shown.minX() + point.x - frame_.minX(),
+            isFlipped() ? shown.minY() + fromTop : shown.maxY() - fromTop};
 }
 
 std::shared_ptr<NSView> NSView::hitTest(CGPoint point) {
     if (isHidden_ || !frame_.contains(point))
         return nullptr;
-    const auto holder = superview();
-    const bool isDownward = holder && holder->isFlipped();
-    const double fromTop = isDownward ? point.y - frame_.minY() : frame_.maxY() - point.y;
-    const CGRect shown = bounds();
-    const CGPoint inside(shown.minX() + point.x - frame_.minX(),
-                         isFlipped() ? shown.minY() + fromTop : shown.maxY() - fromTop);
+    const CGPoint inside = fromSuperview(point);
     for (auto view = subviews_.rbegin(); view != subviews_.rend(); ++view)
         if (const auto hit = (*view)->hitTest(inside))
             return hit;
@@ -193,7 +176,7 @@ void NSView::setNeedsDisplay(bool needsDisplay) {
     if (!needsDisplay)
         return;
     contentDidChange();
-    tellObserver(&NSViewObserver::needsDisplay, bounds());
+    observers_.tell(&NSViewObserver::needsDisplay, bounds());
 }
 
 void NSView::setNeedsDisplay(const CGRect& inRect) {
@@ -202,7 +185,7 @@ void NSView::setNeedsDisplay(const CGRect& inRect) {
         return;
     needsDisplay_ = true;
     contentDidChange();
-    tellObserver(&NSViewObserver::needsDisplay, part);
+    observers_.tell(&NSViewObserver::needsDisplay, part);
 }
 
 void NSView::contentDidChange() {
@@ -215,8 +198,6 @@ void NSView::setNeedsLayout(bool needsLayout) {
     if (needsLayout)
         contentDidChange();
 }
-
-void NSView::layout() {}
 
 void NSView::layoutSubtreeIfNeeded() {
     if (needsLayout_) {
@@ -260,19 +241,6 @@ void NSView::handOn(void (NSView::*event)(const NSEvent&), const NSEvent& with) 
         ((*holder).*event)(with);
 }
 
-void NSView::mouseDown(const NSEvent& with) { handOn(&NSView::mouseDown, with); }
-void NSView::mouseDragged(const NSEvent& with) { handOn(&NSView::mouseDragged, with); }
-void NSView::mouseUp(const NSEvent& with) { handOn(&NSView::mouseUp, with); }
-void NSView::rightMouseDown(const NSEvent& with) { handOn(&NSView::rightMouseDown, with); }
-void NSView::rightMouseDragged(const NSEvent& with) { handOn(&NSView::rightMouseDragged, with); }
-void NSView::rightMouseUp(const NSEvent& with) { handOn(&NSView::rightMouseUp, with); }
-void NSView::otherMouseDown(const NSEvent& with) { handOn(&NSView::otherMouseDown, with); }
-void NSView::otherMouseDragged(const NSEvent& with) { handOn(&NSView::otherMouseDragged, with); }
-void NSView::otherMouseUp(const NSEvent& with) { handOn(&NSView::otherMouseUp, with); }
-void NSView::scrollWheel(const NSEvent& with) { handOn(&NSView::scrollWheel, with); }
-void NSView::keyDown(const NSEvent& with) { handOn(&NSView::keyDown, with); }
-void NSView::keyUp(const NSEvent& with) { handOn(&NSView::keyUp, with); }
-
 bool NSView::performKeyEquivalent(const NSEvent& with) {
     const auto views = subviews_;
     return std::any_of(views.begin(), views.end(), [&with](const auto& view) {
@@ -293,30 +261,11 @@ void NSView::removeTrackingArea(const std::shared_ptr<NSTrackingArea>& area) {
     std::erase(trackingAreas_, keptAlive);
 }
 
-void NSView::updateTrackingAreas() {}
-
 // What a host shows besides
-
-void NSView::propertiesDidChange() { tellObserver(&NSViewObserver::propertiesDidChange); }
-
-void NSView::setNextKeyView(const std::shared_ptr<NSView>& view) {
-    nextKeyView_ = view;
-    propertiesDidChange();
-}
 
 void NSView::setShowsFocusRing(bool shows) {
     showsFocusRing_ = shows;
     setNeedsDisplay(true);
-}
-
-void NSView::setToolTip(std::string toolTip) {
-    toolTip_ = std::move(toolTip);
-    propertiesDidChange();
-}
-
-void NSView::setCursor(NSCursor cursor) {
-    cursor_ = cursor;
-    propertiesDidChange();
 }
 
 std::shared_ptr<NSMenu> NSView::menu(const NSEvent& forEvent) {
@@ -329,15 +278,8 @@ std::shared_ptr<const Bitmap> NSView::draggedPicture(CGPoint) const { return nul
 bool NSView::acceptsDrop(const std::vector<URL>&) const { return false; }
 void NSView::urlsDropped(const std::vector<URL>&, CGPoint) {}
 
-NSAccessibilityRole NSView::ownAccessibilityRole() const { return NSAccessibilityRole::group; }
-
 NSAccessibilityRole NSView::accessibilityRole() const {
     return accessibilityRole_ ? *accessibilityRole_ : ownAccessibilityRole();
-}
-
-void NSView::setAccessibilityRole(NSAccessibilityRole role) {
-    accessibilityRole_ = role;
-    propertiesDidChange();
 }
 
 std::string NSView::accessibilityLabel() const {
@@ -345,18 +287,8 @@ std::string NSView::accessibilityLabel() const {
     return label.empty() ? toolTip_ : label;
 }
 
-void NSView::setAccessibilityLabel(std::string label) {
-    accessibilityLabel_ = std::move(label);
-    propertiesDidChange();
-}
-
 std::string NSView::accessibilityValue() const {
     return accessibilityValue_ ? *accessibilityValue_ : ownAccessibilityValue();
-}
-
-void NSView::setAccessibilityValue(std::string value) {
-    accessibilityValue_ = std::move(value);
-    propertiesDidChange();
 }
 
 } // namespace zorvan

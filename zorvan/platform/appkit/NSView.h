@@ -9,6 +9,7 @@
 #include <zorvan/platform/appkit/NSLayoutConstraint.h>
 #include <zorvan/platform/appkit/NSTrackingArea.h>
 #include <zorvan/platform/appkit/NSViewObserver.h>
+#include <zorvan/platform/appkit/ObserverList.h>
 #include <zorvan/platform/foundation/URL.h>
 #include <zorvan/platform/graphics/Bitmap.h>
 
@@ -62,7 +63,7 @@ public:
     virtual bool isFlipped() const noexcept { return false; }
 
     /// How large the view would like to be; a side that it does not mind is `noIntrinsicMetric`.
-    virtual CGSize intrinsicContentSize() const;
+    virtual CGSize intrinsicContentSize() const { return {noIntrinsicMetric, noIntrinsicMetric}; }
     /// The intrinsic size, its frame's where it has none, and what active constraints ask for.
     CGSize fittingSize() const;
     /// From which constraints on the side are made.
@@ -93,7 +94,7 @@ public:
     /// Whatever overrides this or the next one calls it first.
     virtual void viewWillMove(const std::shared_ptr<NSWindow>& toWindow);
     /// Called once `window` says so, for the views inside first.
-    virtual void viewDidMoveToWindow();
+    virtual void viewDidMoveToWindow() {}
 
     /// A point of this view in the coordinates of the outermost view around it, which in a window
     /// are those of the window; and back.
@@ -127,7 +128,7 @@ public:
     void setNeedsLayout(bool needsLayout);
     /// Places the subviews. Does nothing unless overridden.
     /// @}
-    virtual void layout();
+    virtual void layout() {}
     /// Calls `layout` for every view from here inward that needs it, outer ones first.
     void layoutSubtreeIfNeeded();
 
@@ -141,20 +142,24 @@ public:
     /// Events of the mouse's buttons, of the wheel and of keys go on to the superview unless
     /// overridden.
     /// @{
-    virtual void mouseDown(const NSEvent& with);
-    virtual void mouseDragged(const NSEvent& with);
-    virtual void mouseUp(const NSEvent& with);
-    virtual void rightMouseDown(const NSEvent& with);
-    virtual void rightMouseDragged(const NSEvent& with);
-    virtual void rightMouseUp(const NSEvent& with);
+    virtual void mouseDown(const NSEvent& with) { handOn(&NSView::mouseDown, with); }
+    virtual void mouseDragged(const NSEvent& with) { handOn(&NSView::mouseDragged, with); }
+    virtual void mouseUp(const NSEvent& with) { handOn(&NSView::mouseUp, with); }
+    virtual void rightMouseDown(const NSEvent& with) { handOn(&NSView::rightMouseDown, with); }
+    virtual void rightMouseDragged(const NSEvent& with) {
+        handOn(&NSView::rightMouseDragged, with);
+    }
+    virtual void rightMouseUp(const NSEvent& with) { handOn(&NSView::rightMouseUp, with); }
     /// The third button and those after it.
-    virtual void otherMouseDown(const NSEvent& with);
-    virtual void otherMouseDragged(const NSEvent& with);
-    virtual void otherMouseUp(const NSEvent& with);
-    virtual void scrollWheel(const NSEvent& with);
+    virtual void otherMouseDown(const NSEvent& with) { handOn(&NSView::otherMouseDown, with); }
+    virtual void otherMouseDragged(const NSEvent& with) {
+        handOn(&NSView::otherMouseDragged, with);
+    }
+    virtual void otherMouseUp(const NSEvent& with) { handOn(&NSView::otherMouseUp, with); }
+    virtual void scrollWheel(const NSEvent& with) { handOn(&NSView::scrollWheel, with); }
     /// Keys go to the first responder of the window first.
-    virtual void keyDown(const NSEvent& with);
-    virtual void keyUp(const NSEvent& with);
+    virtual void keyDown(const NSEvent& with) { handOn(&NSView::keyDown, with); }
+    virtual void keyUp(const NSEvent& with) { handOn(&NSView::keyUp, with); }
     /// @}
     /// For a key that nobody took, whoever has the keyboard; true once it is taken. Asks the
     /// visible subviews, in order, unless overridden.
@@ -176,7 +181,7 @@ public:
     void removeTrackingArea(const std::shared_ptr<NSTrackingArea>& area);
     /// Called when the view has come into a window and when its bounds have changed, to exchange
     /// the areas that depend on them. Whatever overrides it calls it first.
-    virtual void updateTrackingAreas();
+    virtual void updateTrackingAreas() {}
 
     // The keyboard
 
@@ -190,7 +195,7 @@ public:
     /// Where Tab goes from here; null for the next in the order of the tree.
     /// @{
     std::shared_ptr<NSView> nextKeyView() const noexcept { return nextKeyView_.lock(); }
-    void setNextKeyView(const std::shared_ptr<NSView>& view);
+    void setNextKeyView(const std::shared_ptr<NSView>& view) { keep(nextKeyView_, view); }
     /// @}
     /// Whether the host draws a frame around the view while it has the keyboard. True unless set.
     /// @{
@@ -203,12 +208,12 @@ public:
     /// Shown while the mouse rests over the view; empty for none.
     /// @{
     const std::string& toolTip() const noexcept { return toolTip_; }
-    void setToolTip(std::string toolTip);
+    void setToolTip(std::string toolTip) { keep(toolTip_, std::move(toolTip)); }
     /// @}
     /// The pointer over the view; `arrow` unless set.
     /// @{
     NSCursor cursor() const noexcept { return cursor_; }
-    void setCursor(NSCursor cursor);
+    void setCursor(NSCursor cursor) { keep(cursor_, cursor); }
     /// The context menu; null for that of the superview.
     /// @}
     virtual std::shared_ptr<NSMenu> menu(const NSEvent& forEvent);
@@ -234,29 +239,29 @@ public:
     /// before that. `group` when nobody says otherwise.
     /// @{
     NSAccessibilityRole accessibilityRole() const;
-    void setAccessibilityRole(NSAccessibilityRole role);
+    void setAccessibilityRole(NSAccessibilityRole role) { keep(accessibilityRole_, role); }
     /// @}
     /// What the view is called; its tool tip when nothing else is known.
     std::string accessibilityLabel() const;
     /// An empty one leaves the tool tip.
-    void setAccessibilityLabel(std::string label);
+    void setAccessibilityLabel(std::string label) { keep(accessibilityLabel_, std::move(label)); }
     /// What it stands at, as text.
     std::string accessibilityValue() const;
     /// A host says the new one.
-    void setAccessibilityValue(std::string value);
+    void setAccessibilityValue(std::string value) { keep(accessibilityValue_, std::move(value)); }
 
     /// Hosts that show the view, and tests. Not kept alive; one that has gone is told no more.
-    void addObserver(const std::shared_ptr<NSViewObserver>& observer);
+    void addObserver(const std::shared_ptr<NSViewObserver>& observer) { observers_.add(observer); }
 
 protected:
     /// What this view or one inside it shows has changed. The outermost view of a window overrides
     /// it.
     virtual void contentDidChange();
     /// Something that a host shows besides the drawing has changed.
-    void propertiesDidChange();
+    void propertiesDidChange() { observers_.tell(&NSViewObserver::propertiesDidChange); }
     /// What a class of views knows of itself: `group`, and nothing to say, unless overridden.
     /// @{
-    virtual NSAccessibilityRole ownAccessibilityRole() const;
+    virtual NSAccessibilityRole ownAccessibilityRole() const { return NSAccessibilityRole::group; }
     virtual std::string ownAccessibilityLabel() const { return {}; }
     virtual std::string ownAccessibilityValue() const { return {}; }
     /// @}
@@ -271,9 +276,14 @@ private:
     void didMoveAll(const std::shared_ptr<NSWindow>& window);
     CGSize constrained(CGSize size) const;
     void followConstraints();
-    void handOn(void (NSView::*event)(const NSEvent&), const NSEvent& with);
-    template <class... Given, class... Arguments>
-    void tellObserver(void (NSViewObserver::*change)(Given...), Arguments... arguments) const;
+    /// To the superview; the outermost view of a window overrides it.
+    virtual void handOn(void (NSView::*event)(const NSEvent&), const NSEvent& with);
+    CGPoint fromSuperview(CGPoint point) const;
+    template <class Property, class Value>
+    void keep(Property& property, Value value) {
+        property = std::move(value);
+        propertiesDidChange();
+    }
 
     CGRect frame_;
     CGPoint boundsOrigin_;
@@ -282,7 +292,7 @@ private:
     std::vector<std::shared_ptr<NSView>> subviews_;
     std::vector<std::shared_ptr<NSTrackingArea>> trackingAreas_;
     std::vector<std::shared_ptr<NSLayoutConstraint>> constraints_;
-    std::vector<std::weak_ptr<NSViewObserver>> observers_;
+    ObserverList<NSViewObserver> observers_;
     std::weak_ptr<NSView> nextKeyView_;
     std::string toolTip_;
     std::shared_ptr<NSMenu> menu_;

@@ -21,11 +21,6 @@ public:
     /// The view is hidden or shown, or has another tool tip, pointer, accessible property or next
     /// key view.
     virtual void propertiesDidChange() {}
-
-protected:
-    NSViewObserver() = default;
-    NSViewObserver(const NSViewObserver&) = default;
-    NSViewObserver& operator=(const NSViewObserver&) = default;
 };
 
 } // namespace zorvan

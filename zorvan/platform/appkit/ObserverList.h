@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -15,14 +16,15 @@ public:
         std::erase_if(observers_, [](const auto& other) { return other.expired(); });
         observers_.push_back(observer);
     }
-    /// Calls `change` with each, in the order in which they came.
-    template <class Change>
-    void tell(const Change& change) const {
+    /// Calls `change`, a function of theirs or one that takes one of them, with each in the order
+    /// in which they came.
+    template <class Change, class... Arguments>
+    void tell(const Change& change, const Arguments&... arguments) const {
         // Whoever is told may add another.
         const auto observers = observers_;
         for (const auto& weak : observers)
             if (const auto observer = weak.lock())
-                change(*observer);
+                std::invoke(change, *observer, arguments...);
     }
 
 private:

@@ -20,10 +20,7 @@ public:
     PlaybackClock clock() const override { return {0, 0, created_}; }
     double rate() const override { return 0; }
     void setRate(double) override {}
-    void add(Operation operation) override {
-        if (operation.completion)
-            operation.completion(false);
-    }
+    void add(Operation operation) override { operation.complete(false); }
     std::optional<Bitmap> picture() override { return std::nullopt; }
 
 private:

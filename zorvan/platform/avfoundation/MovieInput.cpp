@@ -1,15 +1,118 @@
 #include <zorvan/platform/avfoundation/internal/MovieInput.h>
 
 #include <zorvan/platform/avfoundation/internal/containers.h>
-#include <zorvan/platform/avfoundation/internal/quietFFmpeg.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <new>
 #include <span>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+extern "C" {
+#include <libavutil/log.h>
+#include <libavutil/mem.h>
+}
 
 namespace zorvan::avfoundation {
+
+/// The bytes of one regular file as FFmpeg reads them. What is open is this file and no other: the
+/// names that a container holds lead nowhere.
+class FileBytes {
+public:
+    /// Empty when the path leads to no regular file that can be read.
+    static std::unique_ptr<FileBytes> open(const std::string& path);
+    ~FileBytes();
+    FileBytes(const FileBytes&) = delete;
+
+    AVIOContext* context() const noexcept { return context_; }
+
+private:
+    FileBytes(internal::FileDescriptor file, std::int64_t size)
+        : file_(std::move(file)), size_(size) {}
+    static int read(void* self, std::uint8_t* buffer, int size);
+    static std::int64_t seek(void* self, std::int64_t offset, int whence);
+
+    const internal::FileDescriptor file_;
+    const std::int64_t size_;
+    std::int64_t position_ = 0;
+    AVIOContext* context_ = nullptr;
+};
+
+std::unique_ptr<FileBytes> FileBytes::open(const std::string& path) {
+    // Without O_NONBLOCK the opening of a pipe would wait for somebody to write.
+    internal::FileDescriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (fstat(opened.get(), &status) != 0 || !S_ISREG(status.st_mode))
+        return nullptr;
+    std::unique_ptr<FileBytes> file(new FileBytes(std::move(opened), status.st_size));
+    constexpr int bufferSize = 1 << 15;
+    auto* const buffer = static_cast<unsigned char*>(av_malloc(bufferSize));
+    if (buffer)
+        file->context_ = avio_alloc_context(buffer, bufferSize, 0, file.get(), &FileBytes::read,
+                                            nullptr, &FileBytes::seek);
+    if (!file->context_) {
+        av_free(buffer);
+        throw std::bad_alloc();
+    }
+    return file;
+}
+
+FileBytes::~FileBytes() {
+    if (context_)
+        av_freep(&context_->buffer);
+    avio_context_free(&context_);
+}
+
+int FileBytes::read(void* self, std::uint8_t* buffer, int size) {
+    auto& file = *static_cast<FileBytes*>(self);
+    ssize_t count = 0;
+    do
+        count = pread(file.file_.get(), buffer, static_cast<std::size_t>(size), file.position_);
+    while (count < 0 && errno == EINTR);
+    if (count < 0)
+        return AVERROR(errno);
+    if (count == 0)
+        return AVERROR_EOF;
+    file.position_ += count;
+    return static_cast<int>(count);
+}
+
+std::int64_t FileBytes::seek(void* self, std::int64_t offset, int whence) {
+    auto& file = *static_cast<FileBytes*>(self);
+    if (whence == AVSEEK_SIZE)
+        return file.size_;
+    std::int64_t base = 0;
+    if ((whence & ~AVSEEK_FORCE) == SEEK_CUR)
+        base = file.position_;
+    else if ((whence & ~AVSEEK_FORCE) == SEEK_END)
+        base = file.size_;
+    std::int64_t target = 0;
+    if (__builtin_add_overflow(base, offset, &target) || target < 0)
+        return AVERROR(EINVAL);
+    return file.position_ = target;
+}
+
+MovieInput::MovieInput() noexcept = default;
+MovieInput::~MovieInput() = default;
+
 namespace {
+
+/// Keeps FFmpeg from writing to standard error about every broken file. A program that has set a
+/// level of its own keeps it.
+void quietFFmpeg() noexcept {
+    static const bool once = [] {
+        if (av_log_get_level() == AV_LOG_INFO) // FFmpeg's own beginning
+            av_log_set_level(AV_LOG_QUIET);
+        return true;
+    }();
+    static_cast<void>(once);
+}
 
 int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
     return AVERROR(EACCES);

@@ -1,10 +1,14 @@
-#include <zorvan/platform/avfoundation/internal/MpvPlayer.h>
-
+#include <zorvan/platform/avfoundation/internal/MpvCore.h>
+#include <zorvan/platform/avfoundation/internal/OperationRunner.h>
+#include <zorvan/platform/avfoundation/internal/mpvPlayback.h>
 #include <zorvan/platform/graphics/ExactTransforms.h>
 
 #include <algorithm>
-#include <cmath>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 namespace zorvan::avfoundation {
@@ -34,6 +38,76 @@ bool hasIndex(std::string_view format) {
     return format.starts_with("mov,") || format.starts_with("matroska,") || format == "avi";
 }
 
+/// The player's thread: it owns the core, passes on what is asked for, and tells the listener.
+class MpvPlayer final : public PlayerEngine {
+public:
+    using Status = MediaPlayer::Status;
+    using Listener = MediaPlayer::Listener;
+
+    MpvPlayer(const std::string& path, double frameDuration, std::weak_ptr<Listener> listener);
+    ~MpvPlayer() override;
+
+    Status status() const override { return locked(status_); }
+    PlaybackClock clock() const override { return locked(clock_); }
+    double rate() const override { return locked(rate_); }
+    void setRate(double rate) override;
+    void add(Operation operation) override;
+    std::optional<Bitmap> picture() override;
+
+private:
+    using Lock = std::unique_lock<std::mutex>;
+
+    template <class Value>
+    Value locked(const Value& value) const {
+        const Lock lock(mutex_);
+        return value;
+    }
+
+    void wake();
+    void run();
+    bool waitForWork();
+    void handleEvents();
+    void handle(const mpv_event& event);
+    void handleChange(const mpv_event& event);
+    void startNext();
+    void handle(OperationRunner::Outcome outcome);
+    void drawIfAsked();
+
+    void applyRate();
+    void fail();
+    void endPlaying();
+    void setStatus(Status status);
+    void setClock(double seconds, bool isJump);
+    /// Under the lock; those it drops are told later, without it.
+    void dropWaiting();
+    void tellDropped();
+
+    const std::weak_ptr<Listener> listener_;
+
+    mutable std::mutex mutex_;
+    std::condition_variable changed_;
+    bool isStopping_ = false;
+    bool isWoken_ = false;
+    bool isRateNew_ = false;
+    bool isPictureAsked_ = false;
+    std::optional<Bitmap> drawn_;
+    std::deque<Operation> waiting_;
+    std::deque<Operation> dropped_;
+    Status status_ = Status::opening;
+    PlaybackClock clock_;
+    double rate_ = 0;
+
+    // Of the player's thread alone.
+    std::unique_ptr<MpvCore> core_;
+    std::unique_ptr<OperationRunner> runner_;
+    std::int64_t width_ = 0, height_ = 0;
+    std::int64_t turn_ = 0; // clockwise, in degrees, of what is drawn
+    bool isAtEnd_ = false;
+
+    std::mutex pictureMutex_; // one asks at a time
+    std::thread thread_;
+};
+
 } // namespace
 
 MpvPlayer::MpvPlayer(const std::string& path, double frameDuration,
@@ -61,36 +135,19 @@ MpvPlayer::~MpvPlayer() {
     {
         const Lock lock(mutex_);
         isStopping_ = true;
+        changed_.notify_all();
     }
-    changed_.notify_all();
     if (thread_.joinable())
         thread_.join();
     core_.reset();
 }
 
-MpvPlayer::Status MpvPlayer::status() const {
-    const Lock lock(mutex_);
-    return status_;
-}
-
-PlaybackClock MpvPlayer::clock() const {
-    const Lock lock(mutex_);
-    return clock_;
-}
-
-double MpvPlayer::rate() const {
-    const Lock lock(mutex_);
-    return rate_;
-}
-
 void MpvPlayer::setRate(double rate) {
-    {
-        const Lock lock(mutex_);
-        if (status_ == Status::failed)
-            return;
-        rate_ = rate > 0 ? std::clamp(rate, 0.01, 100.0) : 0;
-        isRateNew_ = true;
-    }
+    const Lock lock(mutex_);
+    if (status_ == Status::failed)
+        return;
+    rate_ = rate > 0 ? std::clamp(rate, 0.01, 100.0) : 0;
+    isRateNew_ = true;
     changed_.notify_all();
 }
 
@@ -98,17 +155,13 @@ void MpvPlayer::add(Operation operation) {
     Lock lock(mutex_);
     if (status_ == Status::failed) {
         lock.unlock();
-        if (operation.completion)
-            operation.completion(false);
-        return;
+        return operation.complete(false);
     }
     if (operation.kind != Operation::Kind::step) {
-        std::move(waiting_.begin(), waiting_.end(), std::back_inserter(dropped_));
-        waiting_.clear();
+        dropWaiting();
         clock_ = {operation.seconds, 0, Clock::now()};
     }
     waiting_.push_back(std::move(operation));
-    lock.unlock();
     changed_.notify_all();
 }
 
@@ -124,10 +177,8 @@ std::optional<Bitmap> MpvPlayer::picture() {
 }
 
 void MpvPlayer::wake() {
-    {
-        const Lock lock(mutex_);
-        isWoken_ = true;
-    }
+    const Lock lock(mutex_);
+    isWoken_ = true;
     changed_.notify_all();
 }
 
@@ -144,9 +195,8 @@ void MpvPlayer::run() {
     }
     runner_->abort();
     if (const auto outcome = runner_->advance(false, Clock::now()))
-        if (outcome->operation.completion)
-            outcome->operation.completion(false);
-    dropWaiting();
+        outcome->operation.complete(false);
+    tellDropped();
 }
 
 /// False when the player is to end.
@@ -241,7 +291,7 @@ void MpvPlayer::handleChange(const mpv_event& event) {
 }
 
 void MpvPlayer::startNext() {
-    dropWaiting();
+    tellDropped();
     std::optional<Operation> next;
     PlaybackClock clock;
     {
@@ -275,8 +325,7 @@ void MpvPlayer::handle(OperationRunner::Outcome outcome) {
         isRateNew_ = true; // the core stands still
     }
     setClock(outcome.seconds, true);
-    if (outcome.operation.completion)
-        outcome.operation.completion(outcome.finished);
+    outcome.operation.complete(outcome.finished);
 }
 
 void MpvPlayer::applyRate() {
@@ -327,11 +376,9 @@ void MpvPlayer::drawIfAsked() {
     auto bitmap = width_ > 0 && height_ > 0 ? core_->draw(width_, height_) : std::nullopt;
     if (bitmap && turn_ != 0)
         bitmap = oriented(*bitmap, orientationOfTurn(turn_));
-    {
-        const Lock lock(mutex_);
-        drawn_ = std::move(bitmap);
-        isPictureAsked_ = false;
-    }
+    const Lock lock(mutex_);
+    drawn_ = std::move(bitmap);
+    isPictureAsked_ = false;
     changed_.notify_all();
 }
 
@@ -341,8 +388,7 @@ void MpvPlayer::fail() {
         if (status_ == Status::failed)
             return;
         rate_ = 0;
-        std::move(waiting_.begin(), waiting_.end(), std::back_inserter(dropped_));
-        waiting_.clear();
+        dropWaiting();
     }
     setStatus(Status::failed);
     runner_->abort();
@@ -372,16 +418,20 @@ void MpvPlayer::setClock(double seconds, bool isJump) {
 }
 
 void MpvPlayer::dropWaiting() {
+    std::move(waiting_.begin(), waiting_.end(), std::back_inserter(dropped_));
+    waiting_.clear();
+}
+
+void MpvPlayer::tellDropped() {
     std::deque<Operation> dropped;
     {
         const Lock lock(mutex_);
-        dropped.swap(dropped_);
         if (isStopping_)
-            std::move(waiting_.begin(), waiting_.end(), std::back_inserter(dropped));
+            dropWaiting();
+        dropped.swap(dropped_);
     }
     for (const Operation& operation : dropped)
-        if (operation.completion)
-            operation.completion(false);
+        operation.complete(false);
 }
 
 extern "C" void zorvanMakePlayerEngine(const std::string& path, double frameDuration,

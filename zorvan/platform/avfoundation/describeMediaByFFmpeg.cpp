@@ -1,8 +1,9 @@
 #include <zorvan/platform/avfoundation/internal/MovieInput.h>
 #include <zorvan/platform/avfoundation/internal/ffmpegMedia.h>
-#include <zorvan/platform/avfoundation/internal/metadataIdentifier.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 extern "C" {
@@ -79,6 +80,57 @@ std::optional<MediaTime> duration(const MovieInput& input) {
     return longest ? asTime(longest->duration, longest->time_base)
                    : asTime(input.context().duration, microsecond);
 }
+
+/// Of the date that a container states for itself, and of any date in a container that has but one
+/// place for it.
+constexpr std::string_view containerDateIdentifier = "common/creationDate";
+
+bool isSameWord(std::string_view given, std::string_view lower) {
+    return std::equal(given.begin(), given.end(), lower.begin(), lower.end(),
+                      [](char g, char l) { return internal::lowered(g) == l; });
+}
+
+/// How the names that FFmpeg gives to metadata are told as identifiers, by the container they came
+/// from. FFmpeg does not tell all places apart: what it calls "location" in an ISO file is taken
+/// for user data, "date" there for the text of a media library.
+class MetadataNames {
+public:
+    explicit MetadataNames(const AVFormatContext& input) : container_(input.iformat->name) {
+        container_ = container_.substr(0, container_.find(','));
+        const AVDictionaryEntry* const brand =
+            av_dict_get(input.metadata, "major_brand", nullptr, 0);
+        // A QuickTime file need not state a brand.
+        isQuickTime_ = !brand || std::string_view(brand->value) == "qt  ";
+    }
+
+    std::string identifier(std::string_view name) const {
+        if (name == "creation_time")
+            return std::string(containerDateIdentifier);
+        if (container_ != "mov") {
+            if (isSameWord(name, "location"))
+                return "common/location";
+            if (isSameWord(name, "date"))
+                return std::string(containerDateIdentifier);
+            return std::string(container_) + '/' + std::string(name);
+        }
+        if (name.starts_with("com."))
+            return "mdta/" + std::string(name);
+        if (name == "location")
+            return isQuickTime_ ? "udta/%A9xyz" : "uiso/%A9xyz";
+        if (name == "date")
+            return isQuickTime_ ? "udta/%A9day" : "itsk/%A9day";
+        return (isQuickTime_ ? "udta/" : "uiso/") + std::string(name);
+    }
+
+    /// Whether it tells of the format of the file rather than of what is in it.
+    static bool isOfFileFormat(std::string_view name) noexcept {
+        return name == "major_brand" || name == "minor_version" || name == "compatible_brands";
+    }
+
+private:
+    std::string_view container_;
+    bool isQuickTime_ = false;
+};
 
 std::vector<MediaMetadata> metadata(const AVFormatContext& input) {
     const MetadataNames names(input);

@@ -33,11 +33,9 @@ std::optional<URL> fileAt(std::string_view path) {
 
 std::vector<std::string> namesOf(const NSBundle& bundle) {
     std::vector<std::string> names;
-    for (const char* key : {"CFBundleIdentifier", "CFBundleExecutable"}) {
-        const PropertyList* value = bundle.objectForInfoDictionaryKey(key);
-        if (const auto* text = value ? value->as<std::string>() : nullptr)
+    for (const char* key : {"CFBundleIdentifier", "CFBundleExecutable"})
+        if (const std::optional<std::string> text = string(bundle, key))
             names.push_back(*text);
-    }
     names.emplace_back(bundle.bundleURL().deletingPathExtension().lastPathComponent());
     // They become names of files.
     std::erase_if(names, [](const std::string& name) {
@@ -47,12 +45,9 @@ std::vector<std::string> namesOf(const NSBundle& bundle) {
 }
 
 std::optional<URL> iconInBundle(const NSBundle& bundle) {
-    const PropertyList* value = bundle.objectForInfoDictionaryKey("CFBundleIconFile");
-    const auto* name = value ? value->as<std::string>() : nullptr;
-    if (!name)
-        return std::nullopt;
+    const std::string name = string(bundle, "CFBundleIconFile").value_or("");
     for (const char* extension : {"", "png", "svg"})
-        if (const std::optional<URL> url = bundle.URLForResource(*name, extension))
+        if (const std::optional<URL> url = bundle.URLForResource(name, extension))
             if (std::optional<URL> file = fileAt(url->path()))
                 return file;
     return std::nullopt;

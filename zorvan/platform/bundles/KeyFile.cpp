@@ -1,9 +1,9 @@
 #include <zorvan/platform/bundles/internal/KeyFile.h>
 
+#include <zorvan/platform/foundation/internal/forEachPart.h>
 #include <zorvan/platform/foundation/internal/readRegularFile.h>
 
 #include <charconv>
-#include <sstream>
 #include <system_error>
 
 namespace zorvan::desktop {
@@ -26,20 +26,19 @@ std::optional<KeyFile> KeyFile::read(const std::string& path) {
     if (!bytes)
         return std::nullopt;
 
-    std::istringstream stream(*bytes);
     KeyFile file;
     Group* group = nullptr;
-    for (std::string line; std::getline(stream, line);) {
+    internal::forEachPart(*bytes, '\n', [&](std::string_view line) {
         const std::string_view text = trimmed(line);
         if (text.starts_with('[') && text.ends_with(']')) {
             group = &file.groups_[std::string(text.substr(1, text.size() - 2))];
-            continue;
+            return;
         }
         const std::size_t equals = text.find('=');
         if (group && equals != std::string_view::npos && !text.starts_with('#'))
             group->try_emplace(std::string(trimmed(text.substr(0, equals))),
                                trimmed(text.substr(equals + 1)));
-    }
+    });
     return file;
 }
 

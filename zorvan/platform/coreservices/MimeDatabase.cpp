@@ -134,14 +134,10 @@ std::optional<std::string> MimeDatabase::typeOfIdentifier(std::string_view ident
     return found == byIdentifier_.end() ? std::nullopt : std::optional(found->second);
 }
 
-std::vector<std::string> MimeDatabase::parents(std::string_view type) const {
+const MimeDatabase::Type& MimeDatabase::declared(std::string_view type) const {
+    static const Type unknown;
     const auto found = types_.find(std::string(type));
-    return found == types_.end() ? std::vector<std::string>() : found->second.parents;
-}
-
-std::vector<std::string> MimeDatabase::extensions(std::string_view type) const {
-    const auto found = types_.find(std::string(type));
-    return found == types_.end() ? std::vector<std::string>() : found->second.extensions;
+    return found == types_.end() ? unknown : found->second;
 }
 
 std::optional<std::string> MimeDatabase::comment(std::string_view type,

@@ -3,10 +3,10 @@
 #include <zorvan/platform/coreservices/UTCoreTypes.h>
 #include <zorvan/platform/coreservices/internal/words.h>
 
+#include <array>
 #include <bitset>
 #include <string>
 #include <unordered_map>
-#include <vector>
 
 namespace zorvan::coreservices {
 
@@ -155,55 +155,37 @@ constexpr TypeDeclaration declarations[] = {
 
 constexpr std::size_t count = std::size(declarations);
 
-class Graph {
-public:
+using Index = std::unordered_map<std::string, TypeIndex>;
+
+struct Graph {
     Graph() {
         for (TypeIndex type = 0; type < count; ++type) {
             const TypeDeclaration& declaration = declarations[type];
-            identifiers_.emplace(lowered(declaration.identifier), type);
-            addTags(extensions_, declaration.extensions, type);
-            addTags(mimeTypes_, declaration.mimeTypes, type);
+            identifiers.emplace(lowered(declaration.identifier), type);
+            addTags(extensions, declaration.extensions, type);
+            addTags(mimeTypes, declaration.mimeTypes, type);
         }
         for (TypeIndex type = 0; type < count; ++type)
             addAncestors(type, type);
     }
 
-    std::optional<TypeIndex> withIdentifier(std::string_view text) const {
-        return find(identifiers_, text);
-    }
-    std::optional<TypeIndex> withExtension(std::string_view text) const {
-        return find(extensions_, text);
-    }
-    std::optional<TypeIndex> withMimeType(std::string_view text) const {
-        return find(mimeTypes_, text);
-    }
-    bool conforms(TypeIndex type, TypeIndex other) const { return ancestors_[type].test(other); }
-
-private:
-    using Index = std::unordered_map<std::string, TypeIndex>;
-
     static void addTags(Index& index, std::string_view tags, TypeIndex type) {
         forEachPart(tags, ' ', [&](std::string_view tag) { index.emplace(tag, type); });
     }
 
-    static std::optional<TypeIndex> find(const Index& index, std::string_view text) {
-        const auto found = index.find(lowered(text));
-        return found == index.end() ? std::nullopt : std::optional(found->second);
-    }
-
     void addAncestors(TypeIndex type, TypeIndex ancestor) {
-        if (ancestors_[type].test(ancestor))
+        if (ancestors[type].test(ancestor))
             return;
-        ancestors_[type].set(ancestor);
+        ancestors[type].set(ancestor);
         forEachPart(declarations[ancestor].conformsTo, ' ', [&](std::string_view parent) {
-            addAncestors(type, identifiers_.at(std::string(parent)));
+            addAncestors(type, identifiers.at(std::string(parent)));
         });
     }
 
-    Index identifiers_;
-    Index extensions_;
-    Index mimeTypes_;
-    std::vector<std::bitset<count>> ancestors_ = std::vector<std::bitset<count>>(count);
+    Index identifiers;
+    Index extensions;
+    Index mimeTypes;
+    std::array<std::bitset<count>, count> ancestors; // each type is its own too
 };
 
 const Graph& graph() {
@@ -211,22 +193,27 @@ const Graph& graph() {
     return graph;
 }
 
+std::optional<TypeIndex> find(const Index& index, std::string_view text) {
+    const auto found = index.find(lowered(text));
+    return found == index.end() ? std::nullopt : std::optional(found->second);
+}
+
 } // namespace
 
 std::span<const TypeDeclaration> typeDeclarations() noexcept { return declarations; }
 
 std::optional<TypeIndex> typeWithIdentifier(std::string_view identifier) {
-    return graph().withIdentifier(identifier);
+    return find(graph().identifiers, identifier);
 }
 
 std::optional<TypeIndex> typeWithExtension(std::string_view extension) {
-    return graph().withExtension(extension);
+    return find(graph().extensions, extension);
 }
 
 std::optional<TypeIndex> typeWithMimeType(std::string_view mimeType) {
-    return graph().withMimeType(mimeType);
+    return find(graph().mimeTypes, mimeType);
 }
 
-bool typeConforms(TypeIndex type, TypeIndex other) { return graph().conforms(type, other); }
+bool typeConforms(TypeIndex type, TypeIndex other) { return graph().ancestors[type].test(other); }
 
 } // namespace zorvan::coreservices

@@ -34,7 +34,7 @@ std::string identifierOfMimeType(std::string_view mimeType) {
 
 std::vector<std::string> identifiersOfParents(std::string_view mimeType) {
     std::vector<std::string> identifiers;
-    for (const std::string& parent : MimeDatabase::shared().parents(mimeType))
+    for (const std::string& parent : MimeDatabase::shared().declared(mimeType).parents)
         identifiers.push_back(identifierOfMimeType(parent));
     const std::string implicit(implicitParent(mimeType));
     if (std::find(identifiers.begin(), identifiers.end(), implicit) == identifiers.end())
@@ -57,9 +57,9 @@ bool mimeTypeConforms(std::string_view mimeType, std::string_view other) {
         const auto implicit = typeWithIdentifier(implicitParent(current));
         if (named && ((own && typeConforms(*own, *named)) || typeConforms(*implicit, *named)))
             return true;
-        for (std::string& parent : MimeDatabase::shared().parents(current))
+        for (const std::string& parent : MimeDatabase::shared().declared(current).parents)
             if (seen.insert(parent).second)
-                waiting.push_back(std::move(parent));
+                waiting.push_back(parent);
     }
     return false;
 }
@@ -85,9 +85,8 @@ std::vector<std::string> preferredLanguages() {
     locale.resize(std::min(locale.find_first_of(".@"), locale.size()));
     const std::string language = locale.substr(0, locale.find('_'));
     const bool isLanguage =
-        !language.empty() && std::all_of(locale.begin(), locale.end(), [](char c) {
-            return c == '_' || (lowered(c) >= 'a' && lowered(c) <= 'z');
-        });
+        !language.empty() && std::all_of(locale.begin(), locale.end(),
+                                         [](char c) { return c == '_' || internal::isLetter(c); });
     if (!isLanguage || language == "en" || language == "C" || language == "POSIX")
         return {};
     return {locale, language};
@@ -106,34 +105,27 @@ PropertyList::Array textArray(std::string_view words) {
     return array;
 }
 
-PropertyList::Array textArray(std::vector<std::string> texts) {
-    PropertyList::Array array;
-    for (std::string& text : texts)
-        array.emplace_back(std::move(text));
-    return array;
+PropertyList::Array textArray(const std::vector<std::string>& texts) {
+    return PropertyList::Array(texts.begin(), texts.end());
 }
 
-struct Declaration {
-    std::string identifier;
-    PropertyList::Array conformsTo;
-    PropertyList::Array extensions;
-    PropertyList::Array mimeTypes;
-};
+/// The entry unless there is nothing in it.
+template <class Content>
+void add(PropertyList::Dictionary& to, std::string_view key, Content content) {
+    if (!content.empty())
+        to.emplace(key, std::move(content));
+}
 
-PropertyList::Dictionary dictionary(Declaration declaration) {
-    PropertyList::Dictionary result;
-    if (auto description = UTTypeCopyDescription(declaration.identifier))
-        result.emplace("UTTypeDescription", std::move(*description));
-    result.emplace("UTTypeIdentifier", std::move(declaration.identifier));
-    if (!declaration.conformsTo.empty())
-        result.emplace("UTTypeConformsTo", std::move(declaration.conformsTo));
-    PropertyList::Dictionary tags;
-    if (!declaration.extensions.empty())
-        tags.emplace(kUTTagClassFilenameExtension, std::move(declaration.extensions));
-    if (!declaration.mimeTypes.empty())
-        tags.emplace(kUTTagClassMIMEType, std::move(declaration.mimeTypes));
-    if (!tags.empty())
-        result.emplace("UTTypeTagSpecification", std::move(tags));
+template <class Texts>
+PropertyList::Dictionary declarationOf(std::string_view identifier, const Texts& conformsTo,
+                                       const Texts& extensions, std::string_view mimeTypes) {
+    PropertyList::Dictionary result, tags;
+    add(tags, kUTTagClassFilenameExtension, textArray(extensions));
+    add(tags, kUTTagClassMIMEType, textArray(mimeTypes));
+    add(result, "UTTypeIdentifier", std::string(identifier));
+    add(result, "UTTypeDescription", UTTypeCopyDescription(identifier).value_or(""));
+    add(result, "UTTypeConformsTo", textArray(conformsTo));
+    add(result, "UTTypeTagSpecification", std::move(tags));
     return result;
 }
 
@@ -143,9 +135,9 @@ std::optional<std::string> UTTypeCreatePreferredIdentifierForTag(std::string_vie
                                                                  std::string_view tag) {
     if (tag.empty())
         return std::nullopt;
-    if (equalIgnoringCase(tagClass, kUTTagClassMIMEType))
+    if (UTTypeEqual(tagClass, kUTTagClassMIMEType))
         return typeOfMimeType(tag);
-    if (!equalIgnoringCase(tagClass, kUTTagClassFilenameExtension))
+    if (!UTTypeEqual(tagClass, kUTTagClassFilenameExtension))
         return std::nullopt;
     if (const auto named = typeWithExtension(tag))
         return std::string(typeDeclarations()[*named].identifier);
@@ -164,7 +156,8 @@ bool UTTypeConformsTo(std::string_view identifier, std::string_view other) {
 }
 
 bool UTTypeEqual(std::string_view a, std::string_view b) noexcept {
-    return equalIgnoringCase(a, b);
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return lowered(x) == lowered(y); });
 }
 
 std::optional<std::string> UTTypeCopyDescription(std::string_view identifier) {
@@ -184,16 +177,14 @@ std::optional<std::string> UTTypeCopyDescription(std::string_view identifier) {
 std::optional<PropertyList::Dictionary> UTTypeCopyDeclaration(std::string_view identifier) {
     if (const auto named = typeWithIdentifier(identifier)) {
         const TypeDeclaration& declaration = typeDeclarations()[*named];
-        return dictionary({std::string(declaration.identifier), textArray(declaration.conformsTo),
-                           textArray(declaration.extensions), textArray(declaration.mimeTypes)});
+        return declarationOf(declaration.identifier, declaration.conformsTo, declaration.extensions,
+                             declaration.mimeTypes);
     }
     const auto mimeType = MimeDatabase::shared().typeOfIdentifier(identifier);
     if (!mimeType)
         return std::nullopt;
-    return dictionary({MimeDatabase::identifierOf(*mimeType),
-                       textArray(identifiersOfParents(*mimeType)),
-                       textArray(MimeDatabase::shared().extensions(*mimeType)),
-                       textArray(std::string_view(*mimeType))});
+    return declarationOf(MimeDatabase::identifierOf(*mimeType), identifiersOfParents(*mimeType),
+                         MimeDatabase::shared().declared(*mimeType).extensions, *mimeType);
 }
 
 bool isPackageExtension(std::string_view fileExtension) {

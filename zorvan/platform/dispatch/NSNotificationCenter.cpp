@@ -23,9 +23,13 @@ std::shared_ptr<NotificationObserver>
 NSNotificationCenter::addObserver(std::optional<NSNotificationName> name,
                                   std::shared_ptr<Sender> object,
                                   std::shared_ptr<NSOperationQueue> queue, Handler block) {
-    auto observer = std::make_shared<NotificationObserver>(registry_->identity(), std::move(queue),
-                                                           std::move(block));
-    registry_->add(observer, name, object);
+    if (!object)
+        object.reset(); // it may have an owner all the same
+    auto observer = std::make_shared<NotificationObserver>(
+        registry_->identity(),
+        internal::NotificationKey{name ? &name->rawValue() : nullptr, object.get(), object},
+        std::move(queue), std::move(block));
+    registry_->add(observer);
     return observer;
 }
 

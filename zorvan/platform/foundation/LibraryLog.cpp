@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <memory>
 #include <mutex>
-#include <string>
 #include <utility>
 
 namespace zorvan {

@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/foundation/internal/UTF8.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/forEachPart.h>
 #include <zorvan/platform/foundation/internal/percentEscapes.h>
 
 #include <algorithm>
@@ -40,10 +41,8 @@ std::string normalised(std::string path) {
     while (text.size() > 1 && text.back() == '/')
         text.pop_back();
     // POSIX lets "//name" mean something else than "/name"; here it does not.
-    if (text.starts_with("//"))
-        text.erase(0, text.find_first_not_of('/') == std::string::npos
-                          ? text.size() - 1
-                          : text.find_first_not_of('/') - 1);
+    if (text.starts_with("//")) // and something behind
+        text.erase(0, text.find_first_not_of('/') - 1);
     return text;
 }
 
@@ -56,10 +55,7 @@ std::size_t schemeLength(std::string_view text) {
     const std::size_t colon = text.find(':');
     if (colon == std::string_view::npos || colon == 0 || !internal::isLetter(text[0]))
         return 0;
-    return std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(colon),
-                       isSchemeCharacter)
-               ? colon
-               : 0;
+    return std::ranges::all_of(text.substr(0, colon), isSchemeCharacter) ? colon : 0;
 }
 
 /// Whether each character may stand in a URL, which brackets only may in some of its parts.
@@ -180,15 +176,10 @@ std::string_view URL::pathExtension() const& noexcept {
 
 std::vector<std::string> URL::pathComponents() const {
     std::vector<std::string> components;
-    std::string_view rest = path_;
-    if (rest.starts_with('/'))
+    if (path_.starts_with('/'))
         components.emplace_back("/");
-    while (!rest.empty()) {
-        const std::size_t slash = std::min(rest.find('/'), rest.size());
-        if (slash > 0)
-            components.emplace_back(rest.substr(0, slash));
-        rest.remove_prefix(std::min(slash + 1, rest.size()));
-    }
+    internal::forEachPart(path_, '/',
+                          [&](std::string_view part) { components.emplace_back(part); });
     return components;
 }
 

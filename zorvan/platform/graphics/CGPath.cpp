@@ -29,11 +29,9 @@ CGPoint onCurve(CGPoint p0, const std::array<CGPoint, 3>& p, double t) noexcept 
 
 /// Into how many lines a curve is cut: its distance from them falls with the square of that.
 int lineCount(CGPoint p0, const std::array<CGPoint, 3>& p, double tolerance) noexcept {
-    const double x =
-        std::max(std::abs(p0.x - 2 * p[0].x + p[1].x), std::abs(p[0].x - 2 * p[1].x + p[2].x));
-    const double y =
-        std::max(std::abs(p0.y - 2 * p[0].y + p[1].y), std::abs(p[0].y - 2 * p[1].y + p[2].y));
-    const double lines = std::sqrt(0.75 * std::hypot(x, y) / tolerance);
+    const CGPoint a = (p0 - 2 * p[0] + p[1]).abs(), b = (p[0] - 2 * p[1] + p[2]).abs();
+    const double bend = std::hypot(std::max(a.x, b.x), std::max(a.y, b.y));
+    const double lines = std::sqrt(0.75 * bend / tolerance);
     return static_cast<int>(std::clamp(std::ceil(lines), 1.0, 1000.0));
 }
 
@@ -55,11 +53,7 @@ void addCrossing(Crossings& crossings, CGPoint from, CGPoint to, CGPoint point) 
     ++crossings.count;
 }
 
-CGRect boundsOf(const std::vector<CGPoint>& points, CGRect bounds) {
-    for (const CGPoint p : points)
-        bounds = bounds.union_(CGRect(p, CGSize(0, 0)));
-    return bounds;
-}
+CGRect with(const CGRect& bounds, CGPoint p) noexcept { return bounds.union_({p, CGSize()}); }
 
 } // namespace
 
@@ -179,7 +173,7 @@ CGRect CGPath::controlPointBoundingBox() const noexcept {
                                   : element.type == ElementType::addCurveToPoint ? 3
                                                                                  : 1;
         for (std::size_t i = 0; i < count; ++i)
-            bounds = bounds.union_(CGRect(element.points[i], CGSize(0, 0)));
+            bounds = with(bounds, element.points[i]);
     }
     return bounds;
 }
@@ -187,7 +181,8 @@ CGRect CGPath::controlPointBoundingBox() const noexcept {
 CGRect CGPath::boundingBox() const {
     CGRect bounds = CGRect::null;
     for (const std::vector<CGPoint>& polygon : polygons(0.01))
-        bounds = boundsOf(polygon, bounds);
+        for (const CGPoint p : polygon)
+            bounds = with(bounds, p);
     return bounds;
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace zorvan {
 
@@ -154,11 +155,10 @@ void appendPath(cairo_t* cairo, const CGPath& path) {
     }
 }
 
-void setSourceColor(cairo_t* cairo, const PaintColor& color, double alpha, ChannelOrder order) {
+PaintColor ordered(PaintColor color, ChannelOrder order) noexcept {
     if (order == ChannelOrder::swapped)
-        cairo_set_source_rgba(cairo, color.blue, color.green, color.red, color.alpha * alpha);
-    else
-        cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha * alpha);
+        std::swap(color.red, color.blue);
+    return color;
 }
 
 cairo_matrix_t cairoMatrix(const CGAffineTransform& t) noexcept {
@@ -173,60 +173,33 @@ bool isInvertible(const CGAffineTransform& t) noexcept {
 
 cairo_operator_t cairoOperator(NSCompositingOperation operation) noexcept {
     using Operation = NSCompositingOperation;
-    switch (operation) {
-    case Operation::clear:
-        return CAIRO_OPERATOR_CLEAR;
-    case Operation::copy:
-        return CAIRO_OPERATOR_SOURCE;
-    case Operation::sourceIn:
-        return CAIRO_OPERATOR_IN;
-    case Operation::sourceOut:
-        return CAIRO_OPERATOR_OUT;
-    case Operation::sourceAtop:
-        return CAIRO_OPERATOR_ATOP;
-    case Operation::destinationOver:
-        return CAIRO_OPERATOR_DEST_OVER;
-    case Operation::destinationIn:
-        return CAIRO_OPERATOR_DEST_IN;
-    case Operation::destinationOut:
-        return CAIRO_OPERATOR_DEST_OUT;
-    case Operation::destinationAtop:
-        return CAIRO_OPERATOR_DEST_ATOP;
-    case Operation::XOR:
-        return CAIRO_OPERATOR_XOR;
-    case Operation::plusLighter:
-        return CAIRO_OPERATOR_ADD;
-    case Operation::multiply:
-        return CAIRO_OPERATOR_MULTIPLY;
-    case Operation::screen:
-        return CAIRO_OPERATOR_SCREEN;
-    case Operation::overlay:
-        return CAIRO_OPERATOR_OVERLAY;
-    case Operation::darken:
-        return CAIRO_OPERATOR_DARKEN;
-    case Operation::lighten:
-        return CAIRO_OPERATOR_LIGHTEN;
-    case Operation::colorDodge:
-        return CAIRO_OPERATOR_COLOR_DODGE;
-    case Operation::colorBurn:
-        return CAIRO_OPERATOR_COLOR_BURN;
-    case Operation::softLight:
-        return CAIRO_OPERATOR_SOFT_LIGHT;
-    case Operation::hardLight:
-        return CAIRO_OPERATOR_HARD_LIGHT;
-    case Operation::difference:
-        return CAIRO_OPERATOR_DIFFERENCE;
-    case Operation::exclusion:
-        return CAIRO_OPERATOR_EXCLUSION;
-    case Operation::sourceOver:
-    case Operation::highlight:
-    case Operation::plusDarker:
-    case Operation::hue:
-    case Operation::saturation:
-    case Operation::color:
-    case Operation::luminosity:
-        break;
-    }
+    constexpr std::pair<Operation, cairo_operator_t> operators[] = {
+        {Operation::clear, CAIRO_OPERATOR_CLEAR},
+        {Operation::copy, CAIRO_OPERATOR_SOURCE},
+        {Operation::sourceIn, CAIRO_OPERATOR_IN},
+        {Operation::sourceOut, CAIRO_OPERATOR_OUT},
+        {Operation::sourceAtop, CAIRO_OPERATOR_ATOP},
+        {Operation::destinationOver, CAIRO_OPERATOR_DEST_OVER},
+        {Operation::destinationIn, CAIRO_OPERATOR_DEST_IN},
+        {Operation::destinationOut, CAIRO_OPERATOR_DEST_OUT},
+        {Operation::destinationAtop, CAIRO_OPERATOR_DEST_ATOP},
+        {Operation::XOR, CAIRO_OPERATOR_XOR},
+        {Operation::plusLighter, CAIRO_OPERATOR_ADD},
+        {Operation::multiply, CAIRO_OPERATOR_MULTIPLY},
+        {Operation::screen, CAIRO_OPERATOR_SCREEN},
+        {Operation::overlay, CAIRO_OPERATOR_OVERLAY},
+        {Operation::darken, CAIRO_OPERATOR_DARKEN},
+        {Operation::lighten, CAIRO_OPERATOR_LIGHTEN},
+        {Operation::colorDodge, CAIRO_OPERATOR_COLOR_DODGE},
+        {Operation::colorBurn, CAIRO_OPERATOR_COLOR_BURN},
+        {Operation::softLight, CAIRO_OPERATOR_SOFT_LIGHT},
+        {Operation::hardLight, CAIRO_OPERATOR_HARD_LIGHT},
+        {Operation::difference, CAIRO_OPERATOR_DIFFERENCE},
+        {Operation::exclusion, CAIRO_OPERATOR_EXCLUSION},
+    };
+    for (const auto& [ours, cairos] : operators)
+        if (ours == operation)
+            return cairos;
     return CAIRO_OPERATOR_OVER;
 }
 

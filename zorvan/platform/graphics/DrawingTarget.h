@@ -17,19 +17,13 @@ namespace zorvan {
 /// Everything that is drawn is placed in target coordinates, in pixels with y growing downward; the
 /// outer corner of the first pixel stands at (x, y).
 struct DrawingTarget {
-    std::uint8_t* pixels; ///< The first byte of the top row.
-    /// In pixels.
-    /// @{
-    std::int64_t width;
-    std::int64_t height;
-    /// @}
+    std::uint8_t* pixels;     ///< The first byte of the top row.
+    std::int64_t width;       ///< In pixels.
+    std::int64_t height;      ///< In pixels.
     std::int64_t bytesPerRow; ///< At least four times the width.
     BitmapLayout layout;      ///< Of each pixel.
-    /// Where the outer corner of the first pixel stands.
-    /// @{
-    std::int64_t x = 0;
-    std::int64_t y = 0;
-    /// @}
+    std::int64_t x = 0;       ///< Where the outer corner of the first pixel stands.
+    std::int64_t y = 0;       ///< Where the outer corner of the first pixel stands.
 
     /// All of a bitmap, its top left corner at (x, y).
     static DrawingTarget of(Bitmap& bitmap, std::int64_t x = 0, std::int64_t y = 0) noexcept {
@@ -45,13 +39,10 @@ struct DrawingTarget {
 
 /// Components from 0 to 1, not multiplied by alpha.
 struct PaintColor {
-    /// From 0 to 1.
-    /// @{
-    double red = 0;
-    double green = 0;
-    double blue = 0;
-    double alpha = 1;
-    /// @}
+    double red = 0;   ///< From 0 to 1.
+    double green = 0; ///< From 0 to 1.
+    double blue = 0;  ///< From 0 to 1.
+    double alpha = 1; ///< 1 is opaque.
 };
 
 /// Colours along a line, or outward from the centre of a circle; beyond the ends the first and the
@@ -62,24 +53,17 @@ struct GradientPaint {
         double location;  ///< From 0 to 1.
         PaintColor color; ///< Not multiplied by alpha.
     };
-    std::vector<Stop> stops; ///< In order of their locations; none paint nothing.
-    /// In the gradient's own coordinates, which `toTarget` leads out of.
-    /// @{
-    CGPoint start;
-    CGPoint end;
-    /// @}
-    /// Above 0 a circle around `start`; `end` is not used then.
-    double radius = 0;
-    /// From the gradient's own coordinates.
-    CGAffineTransform toTarget = {};
+    std::vector<Stop> stops;         ///< In order of their locations; none paint nothing.
+    CGPoint start;                   ///< Of location 0, in the gradient's own coordinates.
+    CGPoint end;                     ///< Of location 1, in the gradient's own coordinates.
+    double radius = 0;               ///< Above 0 a circle around `start`; `end` is not used then.
+    CGAffineTransform toTarget = {}; ///< From the gradient's own coordinates.
 };
 
 /// A picture repeated over the plane.
 struct PatternPaint {
-    /// In the layout `rgba`.
-    std::shared_ptr<const Bitmap> cell;
-    /// From the pixels of the cell, y downward, to the target.
-    CGAffineTransform toTarget;
+    std::shared_ptr<const Bitmap> cell; ///< In the layout `rgba`.
+    CGAffineTransform toTarget;         ///< From the pixels of the cell, y downward, to the target.
 };
 
 /// What an area is painted with.
@@ -90,8 +74,7 @@ struct DrawingClip {
     CGPath path;                              ///< In target coordinates.
     CGPathFillRule rule;                      ///< What lies inside of it.
     std::shared_ptr<const DrawingClip> outer; ///< The clip around this one; null for none.
-    /// Around what all of them leave.
-    CGRect bounds;
+    CGRect bounds;                            ///< Around what all of them leave.
 
     /// A path within a clip, which may be null.
     static std::shared_ptr<const DrawingClip> make(CGPath path, CGPathFillRule rule,
@@ -107,11 +90,9 @@ struct DrawingClip {
 struct DrawingStyle {
     /// How it meets what is there.
     NSCompositingOperation operation = NSCompositingOperation::sourceOver;
-    /// Multiplies the alpha of what is drawn.
-    double alpha = 1;
-    /// Empty when there is none.
-    std::shared_ptr<const DrawingClip> clip;
-    bool isAntialiased = true; ///< Whether pixels at an edge are covered in part.
+    double alpha = 1;                        ///< Multiplies the alpha of what is drawn.
+    std::shared_ptr<const DrawingClip> clip; ///< Empty when there is none.
+    bool isAntialiased = true;               ///< Whether pixels at an edge are covered in part.
 };
 
 /// How a line ends: at its last point, with a half circle, or half its width beyond.
@@ -123,11 +104,8 @@ enum class CGLineJoin { miter = 0, round = 1, bevel = 2 };
 struct StrokeStyle {
     /// In the coordinates that `toTarget` leads out of; 0 draws the thinnest line there is.
     double lineWidth = 1;
-    /// At the ends and corners of a line.
-    /// @{
-    CGLineCap lineCap = CGLineCap::butt;
-    CGLineJoin lineJoin = CGLineJoin::miter;
-    /// @}
+    CGLineCap lineCap = CGLineCap::butt;     ///< At the ends of a line.
+    CGLineJoin lineJoin = CGLineJoin::miter; ///< At its corners.
     /// How many times as long as the line is wide a mitred corner may be; one that is longer is cut
     /// off.
     double miterLimit = 10;

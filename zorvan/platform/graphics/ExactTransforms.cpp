@@ -1,6 +1,5 @@
 #include <zorvan/platform/graphics/ExactTransforms.h>
 
-#include <zorvan/platform/graphics/internal/BitmapAccess.h>
 #include <zorvan/platform/graphics/internal/PixelKernels.h>
 #include <zorvan/platform/graphics/internal/orientPixels.h>
 #include <zorvan/platform/graphics/parallelRows.h>
@@ -17,22 +16,14 @@ bool isStreamed(PixelView target) noexcept {
     return target.width * target.height >= streamingPixelCount;
 }
 
-void copyRows(ConstPixelView source, PixelView target) {
-    const auto copy = isStreamed(target) ? pixelKernels().stream : pixelKernels().copy;
+/// Copies each row by the kernel, on all processors.
+void copyRows(PixelKernels::Copy copy, ConstPixelView source, PixelView target) {
+    const bool streaming = isStreamed(target);
     parallelRows(target.height, rowsPerTask(target.width),
                  [&](std::int64_t first, std::int64_t last) {
                      for (std::int64_t y = first; y < last; ++y)
-                         copy(target.row(y), source.row(y), target.width);
+                         copy(target.row(y), source.row(y), target.width, streaming);
                  });
-}
-
-void reverseRows(ConstPixelView source, PixelView target) {
-    const bool streaming = isStreamed(target);
-    parallelRows(
-        target.height, rowsPerTask(target.width), [&](std::int64_t first, std::int64_t last) {
-            for (std::int64_t y = first; y < last; ++y)
-                pixelKernels().reverse(target.row(y), source.row(y), target.width, streaming);
-        });
 }
 
 constexpr std::int64_t blockColumns = 512;
@@ -46,9 +37,9 @@ void transposeBlock(ConstPixelView source, PixelView target, std::int64_t x, std
     const std::int64_t rows = std::min(blockRows, target.height - y);
     pixelKernels().transpose(block, blockColumns * 4, source.row(x) + y * 4, source.bytesPerRow,
                              columns, rows);
-    const auto copy = streaming ? pixelKernels().stream : pixelKernels().copy;
     for (std::int64_t i = 0; i < rows; ++i)
-        copy(target.row(y + i) + x * 4, block + i * blockColumns * 4, columns);
+        pixelKernels().copy(target.row(y + i) + x * 4, block + i * blockColumns * 4, columns,
+                            streaming);
 }
 
 void transposeRows(ConstPixelView source, PixelView target) {
@@ -59,18 +50,6 @@ void transposeRows(ConstPixelView source, PixelView target) {
                      for (std::int64_t x = 0; x < target.width; x += blockColumns)
                          for (std::int64_t band = first; band < last; ++band)
                              transposeBlock(source, target, x, band * blockRows, streaming);
-                 });
-}
-
-/// Moves the alpha component from one end of each pixel to the other.
-void relayRows(ConstPixelView source, PixelView target, BitmapLayout layout) {
-    const bool streaming = isStreamed(target);
-    const auto turn =
-        layout == BitmapLayout::argb ? pixelKernels().alphaFirst : pixelKernels().alphaLast;
-    parallelRows(target.height, rowsPerTask(target.width),
-                 [&](std::int64_t first, std::int64_t last) {
-                     for (std::int64_t y = first; y < last; ++y)
-                         turn(target.row(y), source.row(y), target.width, streaming);
                  });
 }
 
@@ -88,15 +67,16 @@ Span overlap(std::int64_t from, std::int64_t count, std::int64_t length) noexcep
 } // namespace
 
 void orientPixels(ConstPixelView source, std::int64_t exifValue, PixelView target) {
+    const PixelKernels& kernels = pixelKernels();
     switch (exifValue) {
     case 1:
-        return copyRows(source, target);
+        return copyRows(kernels.copy, source, target);
     case 2:
-        return reverseRows(source, target);
+        return copyRows(kernels.reverse, source, target);
     case 3:
-        return reverseRows(source.flipped(), target);
+        return copyRows(kernels.reverse, source.flipped(), target);
     case 4:
-        return copyRows(source.flipped(), target);
+        return copyRows(kernels.copy, source.flipped(), target);
     case 5:
         return transposeRows(source, target);
     case 6:
@@ -125,27 +105,27 @@ std::optional<Bitmap> cropped(const Bitmap& source, PixelRect window) {
         return std::nullopt;
     const Span columns = overlap(window.x, window.width, source.width());
     const Span rows = overlap(window.y, window.height, source.height());
-    const ConstPixelView part{source.row(rows.first) + columns.first * 4,
-                              columns.last - columns.first, rows.last - rows.first,
-                              source.bytesPerRow()};
+    const ConstPixelView part = view(source).window(
+        columns.first, rows.first, columns.last - columns.first, rows.last - rows.first);
     const bool isInside = part.width == window.width && part.height == window.height;
     auto result = isInside
                       ? BitmapAccess::makeUndefined(window.width, window.height, source.layout())
                       : Bitmap::make(window.width, window.height, source.layout());
     if (result && part.width > 0 && part.height > 0)
-        copyRows(part, view(*result).window(columns.first - window.x, rows.first - window.y,
-                                            part.width, part.height));
+        copyRows(pixelKernels().copy, part,
+                 view(*result).window(columns.first - window.x, rows.first - window.y, part.width,
+                                      part.height));
     return result;
 }
 
 std::optional<Bitmap> copied(const Bitmap& source, BitmapLayout layout) {
+    const PixelKernels& kernels = pixelKernels();
+    const auto copy = layout == source.layout()      ? kernels.copy
+                      : layout == BitmapLayout::argb ? kernels.alphaFirst
+                                                     : kernels.alphaLast;
     auto result = BitmapAccess::makeUndefined(source.width(), source.height(), layout);
-    if (!result)
-        return result;
-    if (layout == source.layout())
-        copyRows(view(source), view(*result));
-    else
-        relayRows(view(source), view(*result), layout);
+    if (result)
+        copyRows(copy, view(source), view(*result));
     return result;
 }
 

@@ -18,16 +18,12 @@ namespace zorvan {
 
 /// A rectangle of pixels; rows are counted downwards from the top one.
 struct PixelRect {
-    /// Of the top left corner; negative for one outside the picture.
-    /// @{
-    std::int64_t x;
-    std::int64_t y;
-    /// @}
-    /// In pixels.
-    /// @{
-    std::int64_t width;
-    std::int64_t height;
-    /// @}
+    std::int64_t x;      ///< Of the left edge; negative outside the picture.
+    std::int64_t y;      ///< Of the top edge; negative outside the picture.
+    std::int64_t width;  ///< In pixels.
+    std::int64_t height; ///< In pixels.
+
+    friend bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
 /// What lies inside `window`, transparent where the window reaches beyond the picture. Absent when

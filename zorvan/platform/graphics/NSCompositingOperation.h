@@ -16,11 +16,9 @@ enum class NSCompositingOperation {
     destinationOut = 8,  ///< The destination where the source is transparent.
     destinationAtop = 9, ///< The destination over the source, where that is opaque.
     XOR = 10,            ///< Each where the other is transparent.
-    /// The sum of what both keep back from white.
-    plusDarker = 11,
-    /// The same as `sourceOver`.
-    highlight = 12,
-    plusLighter = 13, ///< The sum of both.
+    plusDarker = 11,     ///< The sum of what both keep back from white.
+    highlight = 12,      ///< The same as `sourceOver`.
+    plusLighter = 13,    ///< The sum of both.
     /// The blend mode of that name.
     /// @{
     multiply = 14,

@@ -53,8 +53,7 @@ void withoutStreaming(std::uint8_t* to, const std::uint8_t* from, std::int64_t c
     copy(to, from, count);
 }
 
-constexpr PixelKernels plainKernels{copyPixels,
-                                    copyPixels,
+constexpr PixelKernels plainKernels{withoutStreaming<copyPixels>,
                                     withoutStreaming<reversePixels>,
                                     withoutStreaming<turnPixels<1>>,
                                     withoutStreaming<turnPixels<3>>,
@@ -86,7 +85,10 @@ ZORVAN_AVX2 inline void storeLine(std::uint8_t* to, __m256i first, __m256i secon
     }
 }
 
-ZORVAN_AVX2 void streamAVX2(std::uint8_t* to, const std::uint8_t* from, std::int64_t count) {
+ZORVAN_AVX2 void copyAVX2(std::uint8_t* to, const std::uint8_t* from, std::int64_t count,
+                          bool streaming) {
+    if (!streaming)
+        return copyPixels(to, from, count);
     std::int64_t i = pixelsToAlignment(to, count);
     copyPixels(to, from, i);
     for (; i + 16 <= count; i += 16)
@@ -198,7 +200,7 @@ ZORVAN_AVX2 void weighRowsAVX2(float* sums, const std::uint8_t* firstRow, std::i
     weighRows(sums + i, firstRow + i, bytesPerRow, weights, rowCount, byteCount - i);
 }
 
-constexpr PixelKernels avx2Kernels{copyPixels,  streamAVX2,    reverseAVX2,  turnAVX2<1>,
+constexpr PixelKernels avx2Kernels{copyAVX2,    reverseAVX2,   turnAVX2<1>,
                                    turnAVX2<3>, transposeAVX2, weighRowsAVX2};
 #endif
 

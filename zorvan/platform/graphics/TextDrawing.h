@@ -15,40 +15,28 @@ enum class TextLineAlignment { left, center, right };
 
 /// A colour whose components are not multiplied by its alpha.
 struct TextLineColor {
-    /// From 0 to 255.
-    /// @{
-    std::uint8_t red = 0;
-    std::uint8_t green = 0;
-    std::uint8_t blue = 0;
-    std::uint8_t alpha = 255;
-    /// @}
+    std::uint8_t red = 0;     ///< From 0 to 255.
+    std::uint8_t green = 0;   ///< From 0 to 255.
+    std::uint8_t blue = 0;    ///< From 0 to 255.
+    std::uint8_t alpha = 255; ///< 255 is opaque.
 };
 
 /// How a line of text is drawn.
 struct TextLineStyle {
-    /// The height of the font in pixels.
-    double size = 13;
-    /// The line as a whole.
-    /// @{
-    bool isBold = false;
-    TextLineColor color = {};
-    TextLineAlignment alignment = TextLineAlignment::left;
-    TextEllipsis ellipsis = TextEllipsis::end;
-    /// @}
+    double size = 13;                                      ///< The height of the font in pixels.
+    bool isBold = false;                                   ///< Whether it is set in bold type.
+    TextLineColor color = {};                              ///< Of all letters.
+    TextLineAlignment alignment = TextLineAlignment::left; ///< Of a line that is too short.
+    TextEllipsis ellipsis = TextEllipsis::end;             ///< Of a line that is too long.
 };
 
-/// Where a line of text goes, in pixels from the top-left corner of the bitmap.
+/// Where a line of text goes, in pixels from the top-left corner of the bitmap. Nothing is drawn
+/// unless both sides are above 0.
 struct TextBox {
-    /// Of the top left corner, y downward.
-    /// @{
-    std::int64_t x = 0;
-    std::int64_t y = 0;
-    /// @}
-    /// Not above 0: nothing is drawn.
-    /// @{
-    std::int64_t width = 0;
-    std::int64_t height = 0;
-    /// @}
+    std::int64_t x = 0;      ///< Of the left edge.
+    std::int64_t y = 0;      ///< Of the top edge, downward.
+    std::int64_t width = 0;  ///< In pixels.
+    std::int64_t height = 0; ///< In pixels.
 };
 
 /// Draws UTF-8 text as one line in the desktop's sans-serif font, its top at the top of the box,

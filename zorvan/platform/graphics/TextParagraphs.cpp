@@ -13,7 +13,6 @@ constexpr std::string_view ellipsis = "\u2026";
 /// More than this fills no line.
 constexpr std::size_t maximumByteCount = 65536;
 
-using Font = std::unique_ptr<PangoFontDescription, Release<pango_font_description_free>>;
 using AttributeList = std::unique_ptr<PangoAttrList, Release<pango_attr_list_unref>>;
 
 guint16 component(double value) noexcept {
@@ -50,7 +49,7 @@ public:
     }
 
     void writeFont(const TextFont& font, std::int64_t level) {
-        const Font description(pango_font_description_new());
+        const TextFontDescription description(pango_font_description_new());
         const double size = fontSizeOf(font);
         pango_font_description_set_family(description.get(), font.family.c_str());
         pango_font_description_set_absolute_size(description.get(),
@@ -103,10 +102,6 @@ std::size_t lengthOfWhole(std::string_view text, std::size_t most) noexcept {
     while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0) == 0x80)
         --most;
     return most;
-}
-
-bool isParagraphEnd(char16_t unit) noexcept {
-    return unit == u'\n' || unit == u'\r' || unit == u'\u2029';
 }
 
 } // namespace
@@ -178,16 +173,12 @@ TextLayout TextParagraph::layout(PangoContext* context, double width, double alp
 }
 
 std::vector<TextParagraph> paragraphsOf(const NSAttributedString& text) {
-    const std::u16string& units = text.utf16();
+    const std::u16string_view units = text.utf16();
     std::vector<TextParagraph> paragraphs;
     for (std::size_t begin = 0; begin < units.size();) {
-        std::size_t end = begin;
-        while (end < units.size() && !isParagraphEnd(units[end]))
-            ++end;
+        const std::size_t end = std::min(units.find_first_of(u"\n\r\u2029", begin), units.size());
         paragraphs.emplace_back(text, NSRange{begin, end - begin});
-        const bool isPair =
-            end + 1 < units.size() && units[end] == u'\r' && units[end + 1] == u'\n';
-        begin = end + (isPair ? 2 : 1);
+        begin = end + (units.substr(end).starts_with(u"\r\n") ? 2 : 1);
     }
     return paragraphs;
 }

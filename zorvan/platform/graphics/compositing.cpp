@@ -1,6 +1,7 @@
 #include <zorvan/platform/graphics/internal/compositing.h>
 
 #include <zorvan/numbers-geometry/CGRect.h>
+#include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/graphics/parallelRows.h>
 
 #include <algorithm>
@@ -14,10 +15,7 @@
 namespace zorvan {
 namespace {
 
-struct Unreference {
-    void operator()(pixman_image_t* image) const noexcept { pixman_image_unref(image); }
-};
-using PixmanImage = std::unique_ptr<pixman_image_t, Unreference>;
+using PixmanImage = std::unique_ptr<pixman_image_t, Release<pixman_image_unref>>;
 
 /// Pixman counts in 16.16 numbers, so it is only ever shown pieces of a picture: the target in
 /// tiles, and of the source the window that a tile needs.
@@ -46,7 +44,7 @@ struct Tile {
 };
 
 ConstPixelView part(ConstPixelView whole, const Tile& tile) noexcept {
-    return {whole.row(tile.y) + tile.x * 4, tile.width, tile.height, whole.bytesPerRow};
+    return whole.window(tile.x, tile.y, tile.width, tile.height);
 }
 
 /// Calls `draw` with the tiles of a target, on all processors.
@@ -62,6 +60,13 @@ void forEachTile(PixelView target, Draw draw) {
                       std::min(tileSide, target.height - y)});
         }
     });
+}
+
+/// Lays what the mask lets through, or all, over a target of the tile's size.
+void lay(const PixmanImage& source, const PixmanImage& mask, const PixmanImage& target,
+         const Tile& tile) {
+    pixman_image_composite32(PIXMAN_OP_OVER, source.get(), mask.get(), target.get(), 0, 0, 0, 0, 0,
+                             0, static_cast<int>(tile.width), static_cast<int>(tile.height));
 }
 
 /// How much of a pixel lies between two parallel edges: `near` and `far` are the distances of its
@@ -89,10 +94,8 @@ public:
         setTransform(source.get(), tile, window.tile);
         pixman_image_set_filter(source.get(), PIXMAN_FILTER_BILINEAR, nullptr, 0);
         pixman_image_set_repeat(source.get(), PIXMAN_REPEAT_PAD);
-        const PixmanImage target = wrapped(part(target_, tile), layout_);
-        const PixmanImage mask = covered == Coverage::full ? PixmanImage() : maskOf(tile);
-        pixman_image_composite32(PIXMAN_OP_OVER, source.get(), mask.get(), target.get(), 0, 0, 0, 0,
-                                 0, 0, static_cast<int>(tile.width), static_cast<int>(tile.height));
+        lay(source, covered == Coverage::full ? nullptr : maskOf(tile),
+            wrapped(part(target_, tile), layout_), tile);
     }
 
 private:
@@ -196,10 +199,8 @@ private:
 
 void compositeOver(ConstPixelView source, PixelView target, BitmapLayout layout) {
     forEachTile(target, [&](const Tile& tile) {
-        const PixmanImage above = wrapped(part(source, tile), layout);
-        const PixmanImage below = wrapped(part(target, tile), layout);
-        pixman_image_composite32(PIXMAN_OP_OVER, above.get(), nullptr, below.get(), 0, 0, 0, 0, 0,
-                                 0, static_cast<int>(tile.width), static_cast<int>(tile.height));
+        lay(wrapped(part(source, tile), layout), nullptr, wrapped(part(target, tile), layout),
+            tile);
     });
 }
 

@@ -9,10 +9,8 @@ namespace zorvan {
 
 /// What happens to text that does not fit.
 enum class TextOverflow {
-    /// Lines that do not fit as a whole are left out.
-    leavesLinesOut,
-    /// The last line that fits ends in "…"; the first line is drawn in any case.
-    truncatesLastLine
+    leavesLinesOut,   ///< Lines that do not fit as a whole are left out.
+    truncatesLastLine ///< The last line that fits ends in "…"; the first is drawn in any case.
 };
 
 // Text is laid out in coordinates of its own, in points with y growing downward; `toTarget` leads

@@ -1,27 +1,18 @@
 #include <zorvan/platform/graphics/drawBitmap.h>
 
-#include <zorvan/numbers-geometry/CGRect.h>
 #include <zorvan/platform/graphics/ExactTransforms.h>
-#include <zorvan/platform/graphics/internal/BitmapAccess.h>
 #include <zorvan/platform/graphics/internal/Resampler.h>
 #include <zorvan/platform/graphics/internal/compositing.h>
 #include <zorvan/platform/graphics/internal/orientPixels.h>
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 
 namespace zorvan {
 namespace {
 
 /// Differences below this many pixels come from rounding in the transform.
 constexpr double tolerance = 1e-6;
-
-Bitmap allocated(std::optional<Bitmap> bitmap) {
-    if (!bitmap)
-        throw std::bad_alloc();
-    return std::move(*bitmap);
-}
 
 /// A transform that keeps the sides upright, taken apart: the picture is re-oriented by an EXIF
 /// value, then stretched to `rect` of the target.
@@ -37,17 +28,20 @@ std::int64_t exifValueOf(const CGAffineTransform& t, bool isTurned) noexcept {
 }
 
 std::optional<UprightPlacement> uprightPlacement(const Bitmap& source, CGAffineTransform t) {
-    const auto width = static_cast<double>(source.width());
-    const auto height = static_cast<double>(source.height());
-    const bool isUpright = std::abs(t.b) * width < tolerance && std::abs(t.c) * height < tolerance;
-    const bool isTurned = std::abs(t.a) * width < tolerance && std::abs(t.d) * height < tolerance;
+    const CGRect all = rectOf(source);
+    const auto vanish = [&](double ofWidth, double ofHeight) {
+        return std::abs(ofWidth) * all.width() < tolerance &&
+               std::abs(ofHeight) * all.height() < tolerance;
+    };
+    const bool isUpright = vanish(t.b, t.c);
+    const bool isTurned = vanish(t.a, t.d);
     if (!isUpright && !isTurned)
         return std::nullopt;
     if (isTurned)
         t.a = t.d = 0;
     else
         t.b = t.c = 0;
-    return UprightPlacement{exifValueOf(t, isTurned), CGRect(0, 0, width, height).applying(t)};
+    return UprightPlacement{exifValueOf(t, isTurned), all.applying(t)};
 }
 
 /// A run of pixels along an axis of the target.
@@ -92,34 +86,33 @@ public:
 private:
     void paint(PixelView window) const {
         if (movesWholePixels())
-            orientPixels(shownPixels(), exifValue_, window);
-        else if (isTurned_)
-            paintTurned(window);
-        else
-            resample(view(source_),
-                     weights(source_.width(), rect_.minX(), rect_.width(), columns_,
-                             exifValue_ == 2 || exifValue_ == 3),
-                     weights(source_.height(), rect_.minY(), rect_.height(), rows_,
-                             exifValue_ == 3 || exifValue_ == 4),
-                     window, target_.layout());
-    }
-
-    /// Stretches into a layer that is still lying on its side; turning it is exact.
-    void paintTurned(PixelView window) const {
+            return orientPixels(shownPixels(), exifValue_, window);
+        if (!isTurned_)
+            return stretch(window);
+        // Into a layer that is still lying on its side; turning it is exact.
         Bitmap layer =
             allocated(BitmapAccess::makeUndefined(window.height, window.width, target_.layout()));
-        resample(view(source_),
-                 weights(source_.width(), rect_.minY(), rect_.height(), rows_,
-                         exifValue_ == 7 || exifValue_ == 8),
-                 weights(source_.height(), rect_.minX(), rect_.width(), columns_,
-                         exifValue_ == 6 || exifValue_ == 7),
-                 view(layer), target_.layout());
+        stretch(view(layer));
         orientPixels(view(layer), 5, window);
     }
 
-    static AxisWeights weights(std::int64_t sourceLength, double origin, double length, Run run,
-                               bool isMirrored) {
-        return AxisWeights({sourceLength, origin, length, isMirrored}, run.first, run.count);
+    void stretch(PixelView to) const {
+        const AxisPlacement across{source_.width(), isTurned_ ? rect_.minY() : rect_.minX(),
+                                   isTurned_ ? rect_.height() : rect_.width(), mirrorsX()};
+        const AxisPlacement down{source_.height(), isTurned_ ? rect_.minX() : rect_.minY(),
+                                 isTurned_ ? rect_.width() : rect_.height(), mirrorsY()};
+        const Run x = isTurned_ ? rows_ : columns_;
+        const Run y = isTurned_ ? columns_ : rows_;
+        resample(view(source_), AxisWeights(across, x.first, x.count),
+                 AxisWeights(down, y.first, y.count), to, target_.layout());
+    }
+
+    /// Whether the source's left side, or its top, is shown last.
+    bool mirrorsX() const noexcept {
+        return exifValue_ == 2 || exifValue_ == 3 || exifValue_ == 7 || exifValue_ == 8;
+    }
+    bool mirrorsY() const noexcept {
+        return exifValue_ == 3 || exifValue_ == 4 || exifValue_ == 6 || exifValue_ == 7;
     }
 
     bool movesWholePixels() const noexcept {
@@ -136,13 +129,9 @@ private:
         const auto top = static_cast<std::int64_t>(std::round(rect_.minY()));
         const Run acrossTarget{columns_.first - left, columns_.count};
         const Run downTarget{rows_.first - top, rows_.count};
-        const bool mirrorsX =
-            exifValue_ == 2 || exifValue_ == 3 || exifValue_ == 7 || exifValue_ == 8;
-        const bool mirrorsY =
-            exifValue_ == 3 || exifValue_ == 4 || exifValue_ == 6 || exifValue_ == 7;
-        const Run x = shown(isTurned_ ? downTarget : acrossTarget, source_.width(), mirrorsX);
-        const Run y = shown(isTurned_ ? acrossTarget : downTarget, source_.height(), mirrorsY);
-        return {source_.row(y.first) + x.first * 4, x.count, y.count, source_.bytesPerRow()};
+        const Run x = shown(isTurned_ ? downTarget : acrossTarget, source_.width(), mirrorsX());
+        const Run y = shown(isTurned_ ? acrossTarget : downTarget, source_.height(), mirrorsY());
+        return view(source_).window(x.first, y.first, x.count, y.count);
     }
 
     static Run shown(Run run, std::int64_t sourceLength, bool isMirrored) noexcept {
@@ -183,9 +172,7 @@ void drawSlanted(const Bitmap& source, const CGAffineTransform& t, Bitmap& targe
 
 bool isDrawable(const CGAffineTransform& t, const Bitmap& source) noexcept {
     const double determinant = t.a * t.d - t.b * t.c;
-    const CGRect bounds =
-        CGRect(0, 0, static_cast<double>(source.width()), static_cast<double>(source.height()))
-            .applying(t);
+    const CGRect bounds = rectOf(source).applying(t);
     return std::isfinite(determinant) && determinant != 0 && std::isfinite(bounds.minX()) &&
            std::isfinite(bounds.minY()) && std::isfinite(bounds.maxX()) &&
            std::isfinite(bounds.maxY());

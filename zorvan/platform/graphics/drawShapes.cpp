@@ -2,11 +2,11 @@
 
 #include <zorvan/platform/graphics/drawBitmap.h>
 #include <zorvan/platform/graphics/internal/CairoDrawing.h>
+#include <zorvan/platform/graphics/internal/PixelView.h>
 #include <zorvan/platform/graphics/internal/blendPixels.h>
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 #include <optional>
 
 namespace zorvan {
@@ -28,11 +28,8 @@ bool showsTransparency(Operation operation) noexcept {
 }
 
 Bitmap layerFor(const CGRect& rect) {
-    std::optional<Bitmap> layer = Bitmap::make(static_cast<std::int64_t>(rect.width()),
-                                               static_cast<std::int64_t>(rect.height()));
-    if (!layer)
-        throw std::bad_alloc();
-    return std::move(*layer);
+    return allocated(Bitmap::make(static_cast<std::int64_t>(rect.width()),
+                                  static_cast<std::int64_t>(rect.height())));
 }
 
 DrawingTarget targetOn(Bitmap& layer, const CGRect& rect) noexcept {
@@ -47,10 +44,9 @@ CairoPattern gradientPattern(const GradientPaint& paint, double alpha, ChannelOr
                                           paint.start.y, paint.radius)
             : cairo_pattern_create_linear(paint.start.x, paint.start.y, paint.end.x, paint.end.y));
     for (const auto& [location, color] : paint.stops) {
-        const bool isSwapped = order == ChannelOrder::swapped;
-        cairo_pattern_add_color_stop_rgba(pattern.get(), location,
-                                          isSwapped ? color.blue : color.red, color.green,
-                                          isSwapped ? color.red : color.blue, color.alpha * alpha);
+        const auto [red, green, blue, opacity] = ordered(color, order);
+        cairo_pattern_add_color_stop_rgba(pattern.get(), location, red, green, blue,
+                                          opacity * alpha);
     }
     cairo_pattern_set_extend(pattern.get(), CAIRO_EXTEND_PAD);
     const cairo_matrix_t matrix = cairoMatrix(paint.toTarget.inverted());
@@ -80,9 +76,7 @@ PatternSource patternSource(const PatternPaint& paint, double alpha, ChannelOrde
     // Cairo only reads what is drawn from.
     DrawingTarget cell = DrawingTarget::of(const_cast<Bitmap&>(*paint.cell));
     if (alpha < 1 || order == ChannelOrder::cairo) {
-        source.copy = paint.cell->copy();
-        if (!source.copy)
-            throw std::bad_alloc();
+        source.copy = allocated(paint.cell->copy());
         cell = DrawingTarget::of(*source.copy);
     }
     if (alpha < 1)
@@ -104,7 +98,8 @@ PatternSource patternSource(const PatternPaint& paint, double alpha, ChannelOrde
 template <class Draw>
 void withSource(const CairoTile& tile, const Paint& paint, double alpha, Draw draw) {
     if (const auto* color = std::get_if<PaintColor>(&paint)) {
-        setSourceColor(tile.cairo, *color, alpha, tile.order);
+        const auto [red, green, blue, opacity] = ordered(*color, tile.order);
+        cairo_set_source_rgba(tile.cairo, red, green, blue, opacity * alpha);
         draw();
     } else if (const auto* gradient = std::get_if<GradientPaint>(&paint)) {
         const CairoPattern pattern = gradientPattern(*gradient, alpha, tile.order);
@@ -282,8 +277,7 @@ extern "C" void zorvanStrokePath(const DrawingTarget& target, const CGPath& path
 
 extern "C" void zorvanDrawPicture(const DrawingTarget& target, const Bitmap& source,
                                   const CGAffineTransform& transform, const DrawingStyle& style) {
-    const CGRect rect(0, 0, static_cast<double>(source.width()),
-                      static_cast<double>(source.height()));
+    const CGRect rect = rectOf(source);
     if (!isInvertible(transform))
         return;
     const bool needsArea = showsTransparency(style.operation);

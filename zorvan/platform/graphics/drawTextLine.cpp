@@ -1,11 +1,10 @@
 #include <zorvan/platform/graphics/internal/cairoDrawingFunctions.h>
 
-#include <zorvan/platform/foundation/internal/Release.h>
-#include <zorvan/platform/graphics/internal/fonts.h>
+#include <zorvan/platform/graphics/internal/CairoDrawing.h>
+#include <zorvan/platform/graphics/internal/TextParagraphs.h>
 
 #include <algorithm>
-#include <memory>
-#include <pango/pangocairo.h>
+#include <array>
 
 namespace zorvan {
 
@@ -14,23 +13,18 @@ namespace {
 // A longer text fills no line of pixels that a bitmap may have.
 constexpr std::size_t maximumLength = 65536;
 
-using Surface = std::unique_ptr<cairo_surface_t, Release<cairo_surface_destroy>>;
-using Cairo = std::unique_ptr<cairo_t, Release<cairo_destroy>>;
-using Layout = std::unique_ptr<PangoLayout, Release<g_object_unref>>;
-using Font = std::unique_ptr<PangoFontDescription, Release<pango_font_description_free>>;
-using Text = std::unique_ptr<char, Release<g_free>>;
-
-Layout makeLayout(cairo_t* cairo, std::string_view text, const TextBox& box,
-                  const TextLineStyle& style) {
-    const Font font(pango_font_description_new());
+TextLayout makeLayout(cairo_t* cairo, std::string_view text, const TextBox& box,
+                      const TextLineStyle& style) {
+    const TextFontDescription font(pango_font_description_new());
     pango_font_description_set_family_static(font.get(), "sans-serif");
     pango_font_description_set_weight(font.get(),
                                       style.isBold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
     pango_font_description_set_absolute_size(font.get(), style.size * PANGO_SCALE);
 
     text = text.substr(0, maximumLength);
-    const Text valid(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
-    Layout layout(pango_cairo_create_layout(cairo));
+    const std::unique_ptr<char, Release<g_free>> valid(
+        g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
+    TextLayout layout(pango_cairo_create_layout(cairo));
     pango_layout_set_font_description(layout.get(), font.get());
     pango_layout_set_text(layout.get(), valid.get(), -1);
     pango_layout_set_single_paragraph_mode(layout.get(), TRUE);
@@ -48,21 +42,19 @@ Layout makeLayout(cairo_t* cairo, std::string_view text, const TextBox& box,
 }
 
 /// How much of each pixel of the box the text covers.
-Surface coverage(std::string_view text, const TextBox& box, const TextLineStyle& style) {
-    Surface surface(cairo_image_surface_create(CAIRO_FORMAT_A8, static_cast<int>(box.width),
-                                               static_cast<int>(box.height)));
+CairoSurface coverage(std::string_view text, const TextBox& box, const TextLineStyle& style) {
+    CairoSurface surface(cairo_image_surface_create(CAIRO_FORMAT_A8, static_cast<int>(box.width),
+                                                    static_cast<int>(box.height)));
     const Cairo cairo(cairo_create(surface.get()));
     if (cairo_status(cairo.get()) != CAIRO_STATUS_SUCCESS)
         return nullptr;
-    const Layout layout = makeLayout(cairo.get(), text, box, style);
+    const TextLayout layout = makeLayout(cairo.get(), text, box, style);
     pango_cairo_show_layout(cairo.get(), layout.get());
     cairo_surface_flush(surface.get());
     return surface;
 }
 
-struct Premultiplied {
-    std::uint8_t components[4];
-};
+using Premultiplied = std::array<std::uint8_t, 4>;
 
 Premultiplied premultiplied(const TextLineColor& color, BitmapLayout layout) {
     const auto scaled = [&](std::uint8_t component) {
@@ -71,15 +63,17 @@ Premultiplied premultiplied(const TextLineColor& color, BitmapLayout layout) {
     const std::uint8_t red = scaled(color.red), green = scaled(color.green),
                        blue = scaled(color.blue);
     if (layout == BitmapLayout::argb)
-        return {{color.alpha, red, green, blue}};
-    return {{red, green, blue, color.alpha}};
+        return {color.alpha, red, green, blue};
+    return {red, green, blue, color.alpha};
 }
 
 void paint(std::uint8_t* pixel, const Premultiplied& color, std::uint8_t alpha, int covered) {
     const int kept = 255 * 255 - alpha * covered;
-    for (int i = 0; i < 4; ++i)
-        pixel[i] = static_cast<std::uint8_t>(
-            (color.components[i] * covered * 255 + pixel[i] * kept + 32512) / (255 * 255));
+    for (const std::uint8_t component : color) {
+        *pixel = static_cast<std::uint8_t>((component * covered * 255 + *pixel * kept + 32512) /
+                                           (255 * 255));
+        ++pixel;
+    }
 }
 
 } // namespace
@@ -93,7 +87,7 @@ extern "C" void zorvanDrawTextLine(Bitmap& bitmap, std::string_view text, const 
         box.y > -maximumSide && box.x < bitmap.width() && box.y < bitmap.height();
     if (!isDrawable || text.empty() || !hasFonts())
         return;
-    const Surface surface = coverage(text, box, style);
+    const CairoSurface surface = coverage(text, box, style);
     if (!surface)
         return;
     const unsigned char* mask = cairo_image_surface_get_data(surface.get());

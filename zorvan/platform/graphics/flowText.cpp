@@ -1,13 +1,11 @@
 #include <zorvan/platform/graphics/internal/cairoDrawingFunctions.h>
 
 #include <zorvan/platform/graphics/internal/CairoDrawing.h>
+#include <zorvan/platform/graphics/internal/PixelView.h>
 #include <zorvan/platform/graphics/internal/TextParagraphs.h>
-#include <zorvan/platform/graphics/internal/fonts.h>
-#include <zorvan/platform/graphics/internal/widestSpan.h>
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 #include <optional>
 
 namespace zorvan {
@@ -114,12 +112,88 @@ private:
     std::vector<PlacedLine> lines_;
 };
 
+using Polygons = std::vector<std::vector<CGPoint>>;
+
+struct TextSpan {
+    double left;
+    double right;
+    double length() const noexcept { return right - left; }
+};
+using Spans = std::vector<TextSpan>;
+
+struct Crossing {
+    double x;
+    int winding;
+};
+
+Spans insideAt(const Polygons& polygons, double y) {
+    std::vector<Crossing> crossings;
+    for (const std::vector<CGPoint>& polygon : polygons)
+        for (std::size_t i = 0; i < polygon.size(); ++i) {
+            const CGPoint a = polygon[i], b = polygon[(i + 1) % polygon.size()];
+            if ((a.y <= y) != (b.y <= y))
+                crossings.push_back(
+                    {a.x + (y - a.y) / (b.y - a.y) * (b.x - a.x), a.y <= y ? 1 : -1});
+        }
+    std::sort(crossings.begin(), crossings.end(),
+              [](const Crossing& a, const Crossing& b) { return a.x < b.x; });
+    Spans spans;
+    int winding = 0;
+    for (const auto& [x, direction] : crossings) {
+        if (winding == 0)
+            spans.push_back({x, x});
+        winding += direction;
+        spans.back().right = x;
+    }
+    return spans;
+}
+
+Spans intersection(const Spans& a, const Spans& b) {
+    Spans result;
+    for (const TextSpan& one : a)
+        for (const TextSpan& other : b) {
+            const TextSpan both{std::max(one.left, other.left), std::min(one.right, other.right)};
+            if (both.length() > 0)
+                result.push_back(both);
+        }
+    return result;
+}
+
+/// Where the outline may turn, and some heights between for safety.
+std::vector<double> heights(const Polygons& polygons, double top, double bottom) {
+    // Just inside, since an edge that lies on the border is above or below.
+    const double inset = (bottom - top) * 1e-6;
+    std::vector<double> result{top + inset, bottom - inset};
+    for (const std::vector<CGPoint>& polygon : polygons)
+        for (const CGPoint& p : polygon)
+            if (p.y > top + inset && p.y < bottom - inset) {
+                result.push_back(p.y - inset);
+                result.push_back(p.y + inset);
+            }
+    return result;
+}
+
+/// The widest stretch that lies inside the polygons (by winding) at every height from `top` to
+/// `bottom`; absent when there is none.
+std::optional<TextSpan> widestSpan(const Polygons& polygons, double top, double bottom) {
+    std::optional<Spans> common;
+    for (const double y : heights(polygons, top, bottom)) {
+        const Spans inside = insideAt(polygons, y);
+        common = common ? intersection(*common, inside) : inside;
+        if (common->empty())
+            return std::nullopt;
+    }
+    return *std::max_element(
+        common->begin(), common->end(),
+        [](const TextSpan& a, const TextSpan& b) { return a.length() < b.length(); });
+}
+
 /// Places each line where the path has room for it.
 class PathFlow {
 public:
     PathFlow(PangoContext* context, const CGPath& path, double alpha)
         : context_(context), polygons_(path.polygons()), bounds_(path.boundingBox()), alpha_(alpha),
-          y_(bounds_.minY()) {}
+          y_(bounds_.minY()), step_(bounds_.height() / 4096) {}
 
     std::vector<PlacedLine> place(const std::vector<TextParagraph>& paragraphs) {
         for (const TextParagraph& paragraph : paragraphs)
@@ -155,9 +229,7 @@ private:
                                                      : std::nullopt;
                 if (!span || span->length() < paragraph.fontSize())
                     continue;
-                layout.reset(paragraph.layout(context_, span->length(), alpha_, {from, bytesOfLine})
-                                 .release(),
-                             TextLayoutRelease());
+                layout = paragraph.layout(context_, span->length(), alpha_, {from, bytesOfLine});
             }
             return add(std::move(layout), *span);
         }
@@ -178,11 +250,11 @@ private:
     }
 
     PangoContext* context_;
-    std::vector<std::vector<CGPoint>> polygons_;
+    Polygons polygons_;
     CGRect bounds_;
     double alpha_;
     double y_;
-    double step_; // downward where there is no room, so that a tall path takes no more than some
+    double step_; // the least one downward where there is no room, so that there are not too many
     std::vector<PlacedLine> lines_;
 };
 
@@ -222,13 +294,11 @@ void drawLines(const DrawingTarget& target, const std::vector<PlacedLine>& lines
             continue;
         }
         // Letters may overlap, so they meet what is there all at once.
-        std::optional<Bitmap> layer = Bitmap::make(tile.width, tile.height);
-        if (!layer)
-            throw std::bad_alloc();
-        drawTile(DrawingTarget::of(*layer, tile.x, tile.y), {}, ChannelOrder::cairo, draw);
+        Bitmap layer = allocated(Bitmap::make(tile.width, tile.height));
+        drawTile(DrawingTarget::of(layer, tile.x, tile.y), {}, ChannelOrder::cairo, draw);
         DrawingStyle whole = style;
         whole.alpha = 1;
-        zorvanDrawPicture(tile, *layer,
+        zorvanDrawPicture(tile, layer,
                           CGAffineTransform({.translationX = static_cast<double>(tile.x),
                                              .y = static_cast<double>(tile.y)}),
                           whole);

@@ -22,11 +22,7 @@ constexpr std::uint32_t infoHeadSize = 40;
 enum Compression : std::uint32_t { plain = 0, rle8 = 1, rle4 = 2, masks = 3, masksWithAlpha = 6 };
 
 std::uint32_t little(Bytes bytes, std::size_t offset, std::size_t width) {
-    std::uint32_t value = 0;
-    for (std::size_t i = width; i-- > 0;)
-        value = value << 8 |
-                (offset + i < bytes.size() ? std::to_integer<std::uint32_t>(bytes[offset + i]) : 0);
-    return value;
+    return static_cast<std::uint32_t>(littleEndian(bytes, offset, width));
 }
 
 /// One component within a pixel of 16 or 32 bits.
@@ -80,17 +76,17 @@ void readResolution(Bytes info, BmpHeader& header) {
 }
 
 bool hasKnownForm(const BmpHeader& header) {
+    const int bits = header.bits;
     switch (header.compression) {
     case plain:
-        return header.bits == 1 || header.bits == 4 || header.bits == 8 || header.bits == 16 ||
-               header.bits == 24 || header.bits == 32;
+        return bits == 1 || bits == 4 || bits == 8 || bits == 16 || bits == 24 || bits == 32;
     case rle8:
-        return header.bits == 8;
+        return bits == 8;
     case rle4:
-        return header.bits == 4;
+        return bits == 4;
     case masks:
     case masksWithAlpha:
-        return header.bits == 16 || header.bits == 32;
+        return bits == 16 || bits == 32;
     default:
         return false;
     }
@@ -127,7 +123,7 @@ void readPalette(ByteSource& source, std::uint64_t start, std::size_t entrySize,
                 std::to_integer<std::uint8_t>(entries[i * entrySize + 2 - c]); // blue first
 }
 
-BmpHeader readHeader(ByteSource& source) {
+BmpHeader headerOf(ByteSource& source) {
     const Data head = source.bytes(0, fileHeadSize + 124);
     if (head.size() < fileHeadSize + coreHeadSize)
         throw Failure{reason::cutShort};
@@ -155,54 +151,46 @@ BmpHeader readHeader(ByteSource& source) {
     return header;
 }
 
-/// Turns rows as they are stored into RGBA, premultiplied.
-class RowConverter {
-public:
-    explicit RowConverter(const BmpHeader& header) : header_(header) {}
-
-    void convert(const std::uint8_t* stored, std::uint8_t* rgba) const {
-        if (header_.bits <= 8)
-            return convertIndices(stored, rgba);
-        if (header_.bits == 24)
-            return convertBytes(stored, rgba);
-        convertMasked(stored, rgba);
-        if (header_.hasAlpha())
-            premultiply(rgba, header_.size.width);
+void convertIndices(const BmpHeader& header, const std::uint8_t* stored, std::uint8_t* rgba) {
+    const int bits = header.bits;
+    const unsigned mask = (1U << bits) - 1;
+    for (std::int64_t x = 0; x < header.size.width; ++x) {
+        const std::int64_t bit = x * bits;
+        const unsigned index =
+            static_cast<unsigned>(stored[bit / 8]) >> (8 - bits - bit % 8) & mask;
+        std::copy_n(header.palette[index].data(), 4, rgba + x * 4);
     }
+}
 
-private:
-    void convertIndices(const std::uint8_t* stored, std::uint8_t* rgba) const {
-        const int bits = header_.bits;
-        const unsigned mask = (1U << bits) - 1;
-        for (std::int64_t x = 0; x < header_.size.width; ++x) {
-            const std::int64_t bit = x * bits;
-            const unsigned index =
-                static_cast<unsigned>(stored[bit / 8]) >> (8 - bits - bit % 8) & mask;
-            std::copy_n(header_.palette[index].data(), 4, rgba + x * 4);
-        }
+void convertBytes(const BmpHeader& header, const std::uint8_t* stored, std::uint8_t* rgba) {
+    for (std::int64_t x = 0; x < header.size.width; ++x, stored += 3, rgba += 4) {
+        rgba[0] = stored[2];
+        rgba[1] = stored[1];
+        rgba[2] = stored[0];
+        rgba[3] = 255;
     }
+}
 
-    void convertBytes(const std::uint8_t* stored, std::uint8_t* rgba) const {
-        for (std::int64_t x = 0; x < header_.size.width; ++x, stored += 3, rgba += 4) {
-            rgba[0] = stored[2];
-            rgba[1] = stored[1];
-            rgba[2] = stored[0];
-            rgba[3] = 255;
-        }
+void convertMasked(const BmpHeader& header, const std::uint8_t* stored, std::uint8_t* rgba) {
+    const auto size = static_cast<std::size_t>(header.bits / 8);
+    for (std::int64_t x = 0; x < header.size.width; ++x, stored += size) {
+        const std::uint32_t pixel = little(std::as_bytes(std::span(stored, size)), 0, size);
+        for (std::size_t c = 0; c < 3; ++c)
+            rgba[x * 4 + static_cast<std::int64_t>(c)] = header.channels[c](pixel);
+        rgba[x * 4 + 3] = header.hasAlpha() ? header.channels[3](pixel) : std::uint8_t{255};
     }
+    if (header.hasAlpha())
+        premultiply(rgba, header.size.width);
+}
 
-    void convertMasked(const std::uint8_t* stored, std::uint8_t* rgba) const {
-        const auto size = static_cast<std::size_t>(header_.bits / 8);
-        for (std::int64_t x = 0; x < header_.size.width; ++x, stored += size, rgba += 4) {
-            const std::uint32_t pixel = little(std::as_bytes(std::span(stored, size)), 0, size);
-            for (std::size_t c = 0; c < 3; ++c)
-                rgba[c] = header_.channels[c](pixel);
-            rgba[3] = header_.hasAlpha() ? header_.channels[3](pixel) : std::uint8_t{255};
-        }
-    }
-
-    const BmpHeader& header_;
-};
+/// Turns a row as it is stored into RGBA, premultiplied.
+void convertRow(const BmpHeader& header, const std::uint8_t* stored, std::uint8_t* rgba) {
+    if (header.bits <= 8)
+        return convertIndices(header, stored, rgba);
+    if (header.bits == 24)
+        return convertBytes(header, stored, rgba);
+    convertMasked(header, stored, rgba);
+}
 
 /// Unpacks runs of colour numbers, one byte each, the bottom row first.
 class RunLengthDecoder {
@@ -278,26 +266,17 @@ private:
     std::int64_t y_ = 0;
 };
 
-class BmpReader final : public FormatReader {
+class BmpReader final : public HeaderReader<BmpHeader> {
 public:
-    explicit BmpReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::bmp, std::move(source)) {}
+    using HeaderReader::HeaderReader;
 
 private:
-    const BmpHeader& header() {
-        if (!header_)
-            header_ = readHeader(source());
-        return *header_;
-    }
-
-    std::int64_t readCount() override { return header().size.width > 0 ? 1 : 0; }
+    BmpHeader readHeader() override { return headerOf(source()); }
 
     PropertyList::Dictionary readProperties(std::int64_t) override {
         return propertiesOf(
             Outline{.size = header().size, .hasAlpha = header().hasAlpha(), .dpi = header().dpi});
     }
-
-    std::optional<int> readOrientation(std::int64_t) override { return std::nullopt; }
 
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
         checkSize(header().size);
@@ -328,14 +307,13 @@ private:
     }
 
     void readRows(PictureSink& sink) {
-        const RowConverter converter(header());
         const std::uint64_t rowSize = header().rowSize();
         std::vector<std::byte> row(static_cast<std::size_t>(rowSize));
         for (std::int64_t y = 0; y < header().size.height; ++y) {
             const auto place = header().pixels + static_cast<std::uint64_t>(storedRow(y)) * rowSize;
             if (!source().fill(place, row))
                 throw Failure{reason::cutShort};
-            converter.convert(reinterpret_cast<const std::uint8_t*>(row.data()), sink.row());
+            convertRow(header(), reinterpret_cast<const std::uint8_t*>(row.data()), sink.row());
             sink.commit();
         }
     }
@@ -351,10 +329,6 @@ private:
             sink.commit();
         }
     }
-
-    Bitmap readThumbnail(std::int64_t) override { throw Failure{reason::noThumbnail}; }
-
-    std::optional<BmpHeader> header_ = {};
 };
 
 } // namespace
@@ -367,8 +341,9 @@ bool isBmp(Bytes head) noexcept {
                headSizes.end();
 }
 
-std::unique_ptr<ImageReader> makeBmpReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<BmpReader>(std::move(source));
+void makeBmpReader(std::unique_ptr<ByteSource> source, FileFormat format,
+                   std::unique_ptr<ImageReader>& reader) {
+    reader = std::make_unique<BmpReader>(format, std::move(source));
 }
 
 } // namespace zorvan::imageio

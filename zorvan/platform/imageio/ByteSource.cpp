@@ -1,5 +1,7 @@
 #include <zorvan/platform/imageio/internal/ByteSource.h>
 
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -48,20 +50,18 @@ std::size_t readAt(int file, std::uint64_t offset, void* out, std::size_t count)
 /// Reads through a window, so that a walk over small headers costs one call to the system.
 class FileSource final : public ByteSource {
 public:
-    FileSource(int file, std::uint64_t size) noexcept : ByteSource(size), file_(file) {}
-    ~FileSource() override { close(file_); }
-    FileSource(const FileSource&) = delete;
-    FileSource& operator=(const FileSource&) = delete;
+    FileSource(internal::FileDescriptor file, std::uint64_t size) noexcept
+        : ByteSource(size), file_(std::move(file)) {}
 
     std::size_t read(std::uint64_t offset, void* out, std::size_t count) noexcept override {
         if (offset >= size())
             return 0;
         count = static_cast<std::size_t>(std::min<std::uint64_t>(count, size() - offset));
         if (count > window_.size() / 2)
-            return readAt(file_, offset, out, count);
+            return readAt(file_.get(), offset, out, count);
         if (offset < windowStart_ || offset + count > windowStart_ + windowSize_) {
             windowStart_ = offset;
-            windowSize_ = readAt(file_, offset, window_.data(), window_.size());
+            windowSize_ = readAt(file_.get(), offset, window_.data(), window_.size());
             count = std::min(count, windowSize_);
         }
         std::memcpy(out, window_.data() + (offset - windowStart_), count);
@@ -69,7 +69,7 @@ public:
     }
 
 private:
-    int file_;
+    internal::FileDescriptor file_;
     std::uint64_t windowStart_ = 0;
     std::size_t windowSize_ = 0;
     std::array<std::byte, 8192> window_;
@@ -90,8 +90,8 @@ std::unique_ptr<ByteSource> sourceOver(Data bytes) {
 
 OpenedFile sourceOfFile(const std::string& path) {
     // Without O_NONBLOCK a named pipe in a folder of pictures would hang the open.
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (file < 0) {
+    internal::FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!file) {
         const int reason = errno;
         if (reason == ENOENT)
             return {nullptr, "there is no such file"};
@@ -100,11 +100,10 @@ OpenedFile sourceOfFile(const std::string& path) {
         return {nullptr, "the file cannot be opened: " + std::generic_category().message(reason)};
     }
     struct stat status = {};
-    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
-        close(file);
+    if (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return {nullptr, "not a regular file"};
-    }
-    return {std::make_unique<FileSource>(file, static_cast<std::uint64_t>(status.st_size))};
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+    return {std::make_unique<FileSource>(std::move(file), size)};
 }
 
 } // namespace zorvan::imageio

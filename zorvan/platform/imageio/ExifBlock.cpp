@@ -1,5 +1,6 @@
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
 
+#include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
 
 #include <libexif/exif-data.h>
@@ -7,9 +8,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -21,15 +20,10 @@ namespace {
 constexpr std::string_view signature("Exif\0\0", 6);
 constexpr std::size_t maximumValues = 256;
 
-struct Free {
-    void operator()(ExifData* data) const noexcept { exif_data_unref(data); }
-};
-using Parsed = std::unique_ptr<ExifData, Free>;
+using Parsed = std::unique_ptr<ExifData, Release<exif_data_unref>>;
 
 Parsed parse(Bytes block) {
-    Data whole(signature.size() + block.size());
-    std::memcpy(whole.data(), signature.data(), signature.size());
-    std::copy(block.begin(), block.end(), whole.begin() + signature.size());
+    const Data whole = withExifSignature(block);
     Parsed data(exif_data_new());
     if (!data)
         throw std::bad_alloc();
@@ -234,30 +228,23 @@ void addDirectory(const ExifData& data, ExifIfd directory, ExifByteOrder order,
 /// Numbers of a TIFF structure, in its own byte order.
 class TiffNumbers {
 public:
-    explicit TiffNumbers(Bytes block) noexcept : block_(block) {
-        little_ = big16(block, 0) == 0x4949;
-        valid_ = (little_ || big16(block, 0) == 0x4D4D) && at(2, 2) == 42;
+    explicit TiffNumbers(Bytes block) noexcept
+        : block_(block), isBigEndian_(big16(block, 0) == 0x4D4D) {}
+    bool valid() const noexcept {
+        return (isBigEndian_ || big16(block_, 0) == 0x4949) && at(2, 2) == 42;
     }
-    bool valid() const noexcept { return valid_; }
     std::uint32_t at(std::size_t offset, std::size_t width) const noexcept {
-        const auto value = static_cast<std::uint32_t>(bigEndian(block_, offset, width));
-        if (!little_)
-            return value;
-        return width == 2 ? (value >> 8 & 0xFF) | (value & 0xFF) << 8 : __builtin_bswap32(value);
+        return static_cast<std::uint32_t>(numberAt(block_, offset, width, isBigEndian_));
     }
 
 private:
     Bytes block_;
-    bool little_ = false;
-    bool valid_ = false;
+    bool isBigEndian_;
 };
 
 } // namespace
 
 std::optional<int> exifOrientation(Bytes block) noexcept {
-    constexpr std::uint32_t orientationTag = 0x112;
-    constexpr std::uint32_t shortType = 3;
-    constexpr std::uint32_t longType = 4;
     const TiffNumbers numbers(block);
     if (!numbers.valid())
         return std::nullopt;
@@ -267,12 +254,12 @@ std::optional<int> exifOrientation(Bytes block) noexcept {
         const std::size_t entry = directory + 2 + std::size_t{12} * i;
         if (entry + 12 > block.size())
             break;
-        if (numbers.at(entry, 2) != orientationTag)
+        if (numbers.at(entry, 2) != EXIF_TAG_ORIENTATION)
             continue;
         const std::uint32_t type = numbers.at(entry + 2, 2);
-        const std::uint32_t value = type == shortType  ? numbers.at(entry + 8, 2)
-                                    : type == longType ? numbers.at(entry + 8, 4)
-                                                       : 0;
+        const std::uint32_t value = type == TiffEntry::shortNumber  ? numbers.at(entry + 8, 2)
+                                    : type == TiffEntry::longNumber ? numbers.at(entry + 8, 4)
+                                                                    : 0;
         if (value >= 1 && value <= 8)
             return static_cast<int>(value);
         break;
@@ -296,6 +283,17 @@ void addExifProperties(Bytes block, PropertyList::Dictionary& properties) {
         if (!entries.empty())
             section(properties, name).merge(entries);
     }
+}
+
+PropertyList::Dictionary propertiesOf(Outline outline, Bytes exif,
+                                      PropertyList::Dictionary sections) {
+    addExifProperties(exif, sections);
+    const PropertyList::Dictionary* tiff = findSection(sections, "{TIFF}");
+    if (tiff && !outline.dpi)
+        outline.dpi = resolutionIn(*tiff);
+    PropertyList::Dictionary result = propertiesOf(outline);
+    result.merge(sections);
+    return result;
 }
 
 Data exifBlockFrom(ByteSource& source, const TiffForm& form, const ExifPlaces& places) {
@@ -330,26 +328,31 @@ Data exifThumbnail(Bytes block) {
     return Data(first, first + data->size);
 }
 
-std::optional<Outline::Resolution> exifResolution(const PropertyList::Dictionary& properties) {
-    const PropertyList::Dictionary* tiff = findSection(properties, "{TIFF}");
-    if (!tiff)
+std::optional<Outline::Resolution> resolutionIn(const PropertyList::Dictionary& tiff) {
+    constexpr double inch = 2, centimetre = 3;
+    const std::optional<double> x = findNumber(tiff, "XResolution");
+    const std::optional<double> y = findNumber(tiff, "YResolution");
+    const double unit = findNumber(tiff, "ResolutionUnit").value_or(inch);
+    if (!x || !y || *x <= 0 || *y <= 0 || (unit != inch && unit != centimetre))
         return std::nullopt;
-    const std::optional<double> x = findNumber(*tiff, "XResolution");
-    const std::optional<double> y = findNumber(*tiff, "YResolution");
-    if (!x || !y || *x <= 0 || *y <= 0)
-        return std::nullopt;
-    const double unit = findNumber(*tiff, "ResolutionUnit").value_or(2);
-    if (unit == 2)
-        return Outline::Resolution{*x, *y};
-    if (unit == 3)
-        return Outline::Resolution{*x * 2.54, *y * 2.54};
-    return std::nullopt;
+    const double perInch = unit == centimetre ? 2.54 : 1;
+    return Outline::Resolution{*x * perInch, *y * perInch};
+}
+
+Data withExifSignature(Bytes block) {
+    const Bytes head = std::as_bytes(std::span(signature));
+    Data result(head.size() + block.size());
+    std::copy(block.begin(), block.end(), std::copy(head.begin(), head.end(), result.begin()));
+    return result;
 }
 
 Bytes withoutExifSignature(Bytes block) noexcept {
-    const bool there = block.size() >= signature.size() &&
-                       std::memcmp(block.data(), signature.data(), signature.size()) == 0;
-    return there ? block.subspan(signature.size()) : block;
+    return textOf(block).starts_with(signature) ? block.subspan(signature.size()) : block;
+}
+
+Bytes exifInBox(Bytes box) noexcept {
+    const std::uint64_t skipped = 4 + std::uint64_t{big32(box, 0)};
+    return skipped < box.size() ? withoutExifSignature(box.subspan(skipped)) : Bytes();
 }
 
 } // namespace zorvan::imageio

@@ -1,5 +1,7 @@
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 
+#include <zorvan/platform/imageio/internal/ExifBlock.h>
+
 #include <exception>
 #include <new>
 
@@ -20,9 +22,14 @@ auto FormatReader::guarded(Operation operation) -> std::optional<decltype(operat
     return std::nullopt;
 }
 
-void FormatReader::checkIndex(std::int64_t index) {
-    if (index < 0 || index >= readCount())
-        throw Failure{reason::noSuchPicture};
+template <class Operation>
+auto FormatReader::at(std::int64_t index, Operation operation)
+    -> std::optional<decltype(operation())> {
+    return guarded([&] {
+        if (index < 0 || index >= readCount())
+            throw Failure{reason::noSuchPicture};
+        return operation();
+    });
 }
 
 std::int64_t FormatReader::count() {
@@ -30,33 +37,24 @@ std::int64_t FormatReader::count() {
 }
 
 std::optional<PropertyList::Dictionary> FormatReader::properties(std::int64_t index) {
-    return guarded([&] {
-        checkIndex(index);
-        return readProperties(index);
-    });
+    return at(index, [&] { return readProperties(index); });
 }
 
 std::optional<int> FormatReader::orientation(std::int64_t index) {
-    return guarded([&] {
-               checkIndex(index);
-               return readOrientation(index);
-           })
-        .value_or(std::nullopt);
+    return at(index, [&] { return readOrientation(index); }).value_or(std::nullopt);
 }
 
 std::optional<Bitmap> FormatReader::decode(std::int64_t index, const DecodeOptions& options) {
-    return guarded([&] {
-        checkIndex(index);
-        return readPicture(index, options);
-    });
+    return at(index, [&] { return readPicture(index, options); });
 }
 
 std::optional<Bitmap> FormatReader::embeddedThumbnail(std::int64_t index) {
-    return guarded([&] {
-        checkIndex(index);
-        return readThumbnail(index);
-    });
+    return at(index, [&] { return readThumbnail(index); });
 }
+
+std::optional<int> FormatReader::readOrientation(std::int64_t) { return exifOrientation(exif()); }
+
+Bitmap FormatReader::readThumbnail(std::int64_t) { return thumbnailInExif(exif()); }
 
 Data wholeFile(ByteSource& source) {
     constexpr std::uint64_t maximumSize = std::uint64_t{256} << 20;

@@ -17,31 +17,25 @@ class GifFile {
 public:
     explicit GifFile(ByteSource& source) : source_(source) {
         int error = 0;
-        gif_ = DGifOpen(this, read, &error);
+        gif_.reset(DGifOpen(this, read, &error));
         if (!gif_)
             throw Failure{failureOf(error)};
-        try {
-            findPicture();
-        } catch (...) {
-            DGifCloseFile(gif_, nullptr);
-            throw;
-        }
+        findPicture();
     }
-    ~GifFile() { DGifCloseFile(gif_, nullptr); }
     GifFile(const GifFile&) = delete;
-    GifFile& operator=(const GifFile&) = delete;
 
     PixelSize canvas() const {
         const PixelSize stated = {gif_->SWidth, gif_->SHeight};
         return stated.width > 0 && stated.height > 0 ? stated : size();
     }
     PixelSize size() const { return {gif_->Image.Width, gif_->Image.Height}; }
-    std::int64_t left() const { return gif_->Image.Left; }
-    std::int64_t top() const { return gif_->Image.Top; }
+    PixelRect place() const {
+        return {gif_->Image.Left, gif_->Image.Top, gif_->Image.Width, gif_->Image.Height};
+    }
     bool isInterlaced() const { return gif_->Image.Interlace; }
     bool hasAlpha() const {
-        return transparent_ >= 0 || left() > 0 || top() > 0 || size().width < canvas().width ||
-               size().height < canvas().height;
+        return transparent_ >= 0 || place().x > 0 || place().y > 0 ||
+               size().width < canvas().width || size().height < canvas().height;
     }
 
     /// How many pixels all of the file's bytes can stand for.
@@ -52,7 +46,7 @@ public:
 
     /// The next row of colour numbers, in the order of the file.
     void readRow(std::uint8_t* out) {
-        if (DGifGetLine(gif_, out, gif_->Image.Width) != GIF_OK)
+        if (DGifGetLine(gif_.get(), out, gif_->Image.Width) != GIF_OK)
             fail();
     }
 
@@ -69,6 +63,10 @@ public:
     }
 
 private:
+    struct Close {
+        void operator()(GifFileType* gif) const noexcept { DGifCloseFile(gif, nullptr); }
+    };
+
     static int read(GifFileType* gif, GifByteType* out, int count) {
         GifFile& file = *static_cast<GifFile*>(gif->UserData);
         const std::size_t got =
@@ -88,13 +86,13 @@ private:
     void findPicture() {
         for (;;) {
             GifRecordType kind = UNDEFINED_RECORD_TYPE;
-            if (DGifGetRecordType(gif_, &kind) != GIF_OK)
+            if (DGifGetRecordType(gif_.get(), &kind) != GIF_OK)
                 fail();
             if (kind == EXTENSION_RECORD_TYPE)
                 readExtension();
             else if (kind != IMAGE_DESC_RECORD_TYPE)
                 throw Failure{reason::damaged};
-            else if (DGifGetImageDesc(gif_) != GIF_OK)
+            else if (DGifGetImageDesc(gif_.get()) != GIF_OK)
                 fail();
             else
                 return;
@@ -105,14 +103,14 @@ private:
     void readExtension() {
         int code = 0;
         GifByteType* block = nullptr;
-        if (DGifGetExtension(gif_, &code, &block) != GIF_OK)
+        if (DGifGetExtension(gif_.get(), &code, &block) != GIF_OK)
             fail();
         while (block) {
             GraphicsControlBlock control = {};
             if (code == GRAPHICS_EXT_FUNC_CODE &&
                 DGifExtensionToGCB(block[0], block + 1, &control) == GIF_OK)
                 transparent_ = control.TransparentColor;
-            if (DGifGetExtensionNext(gif_, &block) != GIF_OK)
+            if (DGifGetExtensionNext(gif_.get(), &block) != GIF_OK)
                 fail();
         }
     }
@@ -120,7 +118,7 @@ private:
     ByteSource& source_;
     std::uint64_t position_ = 0;
     bool reachedEnd_ = false;
-    GifFileType* gif_ = nullptr;
+    std::unique_ptr<GifFileType, Close> gif_;
     int transparent_ = NO_TRANSPARENT_COLOR;
 };
 
@@ -163,58 +161,41 @@ Bitmap readOnCanvas(GifFile& file, const DecodeOptions& options) {
     PictureSink sink(canvas, wantedSize(canvas, options));
     Rows rows(file);
     const auto palette = file.palette();
-    const std::int64_t left = std::min(file.left(), canvas.width);
-    const std::int64_t width = std::min(file.size().width, canvas.width - left);
-    for (std::int64_t y = 0; y < canvas.height; ++y) {
-        std::uint8_t* const row = sink.row();
-        std::fill_n(row, canvas.width * 4, std::uint8_t{0});
-        if (y >= file.top() && y < file.top() + file.size().height) {
-            const std::uint8_t* const colours = rows.next();
-            for (std::int64_t x = 0; x < width; ++x)
-                std::copy_n(palette[colours[x]].data(), 4, row + (left + x) * 4);
-        }
-        sink.commit();
-    }
+    sink.putOnCanvas(canvas, file.place(), [&](std::uint8_t* out, std::int64_t count) {
+        const std::uint8_t* const colours = rows.next();
+        for (std::int64_t x = 0; x < count; ++x)
+            std::copy_n(palette[colours[x]].data(), 4, out + x * 4);
+    });
     return sink.take();
 }
 
-class GifReader final : public FormatReader {
+class GifReader final : public HeaderReader<Outline> {
 public:
-    explicit GifReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::gif, std::move(source)) {}
+    using HeaderReader::HeaderReader;
 
 private:
-    std::int64_t readCount() override {
-        if (!outline_) {
-            const GifFile file(source());
-            if (file.size().width < 1 || file.size().height < 1)
-                throw Failure{reason::damaged};
-            outline_ = Outline{.size = file.canvas(), .hasAlpha = file.hasAlpha()};
-        }
-        return 1;
+    Outline readHeader() override {
+        const GifFile file(source());
+        if (file.size().width < 1 || file.size().height < 1)
+            throw Failure{reason::damaged};
+        return {.size = file.canvas(), .hasAlpha = file.hasAlpha()};
     }
 
     PropertyList::Dictionary readProperties(std::int64_t) override {
-        return propertiesOf(*outline_);
+        return propertiesOf(header());
     }
-
-    std::optional<int> readOrientation(std::int64_t) override { return std::nullopt; }
 
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
         GifFile file(source());
         return readOnCanvas(file, options);
     }
-
-    Bitmap readThumbnail(std::int64_t) override { throw Failure{reason::noThumbnail}; }
-
-    std::optional<Outline> outline_ = {};
 };
 
 } // namespace
 
-extern "C" void zorvanMakeGifReader(std::unique_ptr<ByteSource> source,
+extern "C" void zorvanMakeGifReader(std::unique_ptr<ByteSource> source, FileFormat format,
                                     std::unique_ptr<ImageReader>& reader) {
-    reader = std::make_unique<GifReader>(std::move(source));
+    reader = std::make_unique<GifReader>(format, std::move(source));
 }
 
 } // namespace zorvan::imageio

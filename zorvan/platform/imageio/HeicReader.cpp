@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -200,22 +199,15 @@ struct Planes {
         const auto isColour = [&](const Plane& plane) {
             return plane.exists() && plane.hasSize(width, height) && plane.bits() == y.bits();
         };
+        const auto isWhole = [&](const Plane& plane) {
+            return plane.exists() && plane.hasSize(size.width, size.height) && plane.bits() >= 8 &&
+                   plane.bits() <= maximumBits;
+        };
         const bool grey = !cb.exists() && !cr.exists();
-        return y.exists() && y.hasSize(size.width, size.height) && y.bits() >= 8 &&
-               y.bits() <= maximumBits && (grey || (isColour(cb) && isColour(cr))) &&
-               (!alpha.exists() || (alpha.hasSize(size.width, size.height) && alpha.bits() >= 8 &&
-                                    alpha.bits() <= maximumBits));
+        return isWhole(y) && (grey || (isColour(cb) && isColour(cr))) &&
+               (!alpha.exists() || isWhole(alpha));
     }
 };
-
-/// Colour with its alpha: multiplied by it, unless the file says that it is already.
-void finishAlpha(std::uint8_t* rgba, std::int64_t count, bool premultiplied) {
-    if (!premultiplied)
-        return premultiply(rgba, count);
-    for (std::int64_t x = 0; x < count; ++x, rgba += 4)
-        for (int c = 0; c < 3; ++c)
-            rgba[c] = std::min(rgba[c], rgba[3]);
-}
 
 void convertPlanes(const Planes& planes, const YCbCrMatrix& matrix, const PixelRect& crop,
                    bool premultiplied, PictureSink& sink) {
@@ -288,8 +280,7 @@ bool convertAsCoded(const heif_image_handle* handle, PixelSize coded, int chroma
 /// HEIC and AVIF, which differ in the codec only.
 class HeifReader final : public FormatReader {
 public:
-    HeifReader(std::unique_ptr<ByteSource> source, FileFormat format)
-        : FormatReader(format, std::move(source)) {}
+    using FormatReader::FormatReader;
 
 private:
     const HeifFile& file() {
@@ -304,15 +295,11 @@ private:
 
     std::int64_t readCount() override { return static_cast<std::int64_t>(file().pictures.size()); }
 
-    /// The item begins with how many bytes stand before the block.
     Data exifOf(const HeifPicture& picture) {
         if (!picture.exif || picture.exif->length > maximumMetadataSize)
             return {};
         const Data item = source().bytes(picture.exif->offset, picture.exif->length);
-        const std::uint64_t skipped = 4 + std::uint64_t{big32(item, 0)};
-        if (item.size() < 4 || skipped >= item.size())
-            return {};
-        const Bytes block = withoutExifSignature(Bytes(item).subspan(skipped));
+        const Bytes block = exifInBox(item);
         return Data(block.begin(), block.end());
     }
 
@@ -329,18 +316,16 @@ private:
     PropertyList::Dictionary readProperties(std::int64_t index) override {
         const HeifPicture& shown = picture(index);
         const Data exif = exifOf(shown);
-        PropertyList::Dictionary extra;
-        addExifProperties(exif, extra);
-        Outline outline = {.size = {shown.crop.width, shown.crop.height},
-                           .depth = shown.depth,
-                           .colorModel = shown.monochrome ? "Gray" : "RGB",
-                           .hasAlpha = shown.hasAlpha,
-                           .orientation = orientationOf(shown, exif),
-                           .dpi = exifResolution(extra)};
-        if (outline.orientation && findSection(extra, "{TIFF}"))
-            section(extra, "{TIFF}").insert_or_assign("Orientation", *outline.orientation);
-        PropertyList::Dictionary result = propertiesOf(outline);
-        result.merge(extra);
+        const std::optional<int> orientation = orientationOf(shown, exif);
+        PropertyList::Dictionary result =
+            propertiesOf({.size = {shown.crop.width, shown.crop.height},
+                          .depth = shown.depth,
+                          .colorModel = shown.monochrome ? "Gray" : "RGB",
+                          .hasAlpha = shown.hasAlpha,
+                          .orientation = orientation},
+                         exif);
+        if (orientation && findSection(result, "{TIFF}"))
+            section(result, "{TIFF}").insert_or_assign("Orientation", *orientation);
         return result;
     }
 
@@ -392,7 +377,7 @@ private:
 
 extern "C" void zorvanMakeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format,
                                      std::unique_ptr<ImageReader>& reader) {
-    reader = std::make_unique<HeifReader>(std::move(source), format);
+    reader = std::make_unique<HeifReader>(format, std::move(source));
 }
 
 } // namespace zorvan::imageio

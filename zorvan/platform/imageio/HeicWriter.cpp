@@ -7,16 +7,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <cstdio>
 #include <memory>
 
 #include <libheif/heif.h>
 
 namespace zorvan::imageio {
 namespace {
-
-constexpr int usualQuality = 60;
 
 using Context = std::unique_ptr<heif_context, Release<heif_context_free>>;
 using Encoder = std::unique_ptr<heif_encoder, Release<heif_encoder_release>>;
@@ -26,18 +22,13 @@ using Options = std::unique_ptr<heif_encoding_options, Release<heif_encoding_opt
 
 bool good(const heif_error& error) { return error.code == heif_error_Ok; }
 
-int codecQuality(std::optional<double> quality) {
-    if (!quality || std::isnan(*quality))
-        return usualQuality;
-    return static_cast<int>(std::lround(std::clamp(*quality, 0.0, 1.0) * 100));
-}
-
 Encoder encoderFor(heif_context* context, const Frame& frame) {
     heif_encoder* encoder = nullptr;
     if (!good(heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder)))
         return nullptr;
     Encoder owner(encoder);
-    heif_encoder_set_lossy_quality(encoder, codecQuality(frame.quality));
+    constexpr int usualQuality = 60;
+    heif_encoder_set_lossy_quality(encoder, percentOf(frame.quality, usualQuality));
     // Slower ones gain a few per cent of size for a multiple of the time.
     heif_encoder_set_parameter_string(encoder, "preset", "fast");
     heif_encoder_set_logging_level(encoder, 0);
@@ -56,29 +47,19 @@ Image imageOf(const Bitmap& bitmap, bool opaque) {
         return nullptr;
     int stride = 0;
     std::uint8_t* pixels = heif_image_get_plane(image, heif_channel_interleaved, &stride);
-    RgbaRows rows(bitmap);
     for (std::int64_t y = 0; y < bitmap.height(); ++y) {
         if (opaque)
-            dropAlpha(rows(y), pixels + y * stride, bitmap.width());
+            dropAlpha(bitmap.row(y), pixels + y * stride, bitmap.width());
         else
-            unpremultiply(rows(y), pixels + y * stride, bitmap.width());
+            unpremultiply(bitmap.row(y), pixels + y * stride, bitmap.width());
     }
     return owner;
 }
 
-heif_error append(heif_context*, const void* data, std::size_t size, void* user) {
-    try {
-        const auto* first = static_cast<const std::byte*>(data);
-        Data& bytes = *static_cast<Data*>(user);
-        bytes.insert(bytes.end(), first, first + size);
+heif_error collect(heif_context*, const void* data, std::size_t size, void* user) {
+    if (append(*static_cast<Data*>(user), data, size))
         return {heif_error_Ok, heif_suberror_Unspecified, ""};
-    } catch (const std::exception&) {
-        return {heif_error_Memory_allocation_error, heif_suberror_Unspecified, "no memory"};
-    }
-}
-
-std::int64_t big32At(const Data& bytes, std::size_t offset) {
-    return static_cast<std::int64_t>(big32(bytes, offset));
+    return {heif_error_Memory_allocation_error, heif_suberror_Unspecified, "no memory"};
 }
 
 /// The library states the size after a quarter turn where the format wants the size before it: the
@@ -98,8 +79,8 @@ void mendStatedSizes(Data& bytes, const Bitmap& bitmap) {
         const auto width = static_cast<std::size_t>(at - bytes.begin()) + 8;
         if (width + 8 > bytes.size())
             return;
-        const std::int64_t first = big32At(bytes, width);
-        const std::int64_t second = big32At(bytes, width + 4);
+        const std::int64_t first = big32(bytes, width);
+        const std::int64_t second = big32(bytes, width + 4);
         const bool right = fits(first, bitmap.width()) && fits(second, bitmap.height());
         if (!right && fits(second, bitmap.width()) && fits(first, bitmap.height()))
             std::swap_ranges(at + 8, at + 12, at + 12);
@@ -121,13 +102,11 @@ std::optional<Data> encoded(const Frame& frame) {
     if (!encoder)
         return std::nullopt;
     const StoredProperties properties = storedProperties(frame.properties);
-    // A turn that readers obey stands in the format's own boxes; Exif only repeats it. But the
-    // library cannot read back what it writes for a quarter turn with alpha, so there Exif stands
-    // alone.
+    // A turn that readers obey stands in the format's own boxes; Exif only repeats it. But with
+    // alpha the library does not read back as coded what it writes for a turn or mirror, so there
+    // Exif stands alone.
     const int orientation = properties.orientation.value_or(1);
-    const bool quarterTurn = orientation > 4;
-    const bool inBoxes = opaque || !quarterTurn;
-    options->image_orientation = static_cast<heif_orientation>(inBoxes ? orientation : 1);
+    options->image_orientation = static_cast<heif_orientation>(opaque ? orientation : 1);
     heif_image_handle* handle = nullptr;
     if (!good(heif_context_encode_image(context.get(), image.get(), encoder.get(), options.get(),
                                         &handle)))
@@ -138,10 +117,10 @@ std::optional<Data> encoded(const Frame& frame) {
                                                               static_cast<int>(exif.size()))))
         return std::nullopt;
     Data bytes;
-    heif_writer writer = {1, append};
+    heif_writer writer = {1, collect};
     if (!good(heif_context_write(context.get(), &writer, &bytes)))
         return std::nullopt;
-    if (quarterTurn && inBoxes)
+    if (opaque && orientation > 4)
         mendStatedSizes(bytes, bitmap);
     return bytes;
 }

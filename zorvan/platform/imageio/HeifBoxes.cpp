@@ -10,7 +10,6 @@
 #include <cmath>
 #include <initializer_list>
 #include <string_view>
-#include <utility>
 
 namespace zorvan::imageio {
 namespace {
@@ -175,13 +174,8 @@ bool standsAlone(const HeifMeta& meta, std::uint32_t id, const HeifItem& item) {
                         });
 }
 
-struct Located {
-    std::uint64_t offset;
-    std::uint64_t length;
-};
-
 /// Where the content of the "meta" box is.
-Located findMeta(ByteSource& source) {
+HeifPicture::Extent findMeta(ByteSource& source) {
     std::uint64_t position = 0;
     bool hasMovie = false;
     for (int i = 0; i < maximumTopLevelBoxes; ++i) {
@@ -198,9 +192,10 @@ Located findMeta(ByteSource& source) {
         }
         if (length < headLength)
             throw Failure{reason::damaged};
-        if (textOf(head).substr(4, 4) == "meta")
+        const std::string_view type = textOf(head).substr(4, 4);
+        if (type == "meta")
             return {position + headLength, length - headLength};
-        hasMovie = hasMovie || textOf(head).substr(4, 4) == "moov";
+        hasMovie = hasMovie || type == "moov";
         if (length > source.size() - position)
             throw Failure{reason::cutShort};
         position += length;
@@ -236,7 +231,7 @@ bool isAvif(Bytes head) noexcept {
 }
 
 HeifFile readHeifBoxes(ByteSource& source) {
-    const Located place = findMeta(source);
+    const HeifPicture::Extent place = findMeta(source);
     if (place.length > maximumMetadataSize)
         throw Failure{reason::tooLarge};
     const Data content = source.bytes(place.offset, place.length);

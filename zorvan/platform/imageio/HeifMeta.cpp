@@ -25,10 +25,6 @@ HeifBox nextBox(HeifCursor& cursor) {
 
 } // namespace
 
-std::string_view textOf(Bytes bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 Bytes HeifCursor::take(std::size_t count) {
     if (count > rest_.size())
         throw Failure{reason::damaged};
@@ -79,7 +75,7 @@ HeifItem& HeifMeta::item(std::uint32_t id) {
 
 void HeifMeta::readPrimary(Bytes content) {
     HeifFullBox box(content);
-    primary_ = static_cast<std::uint32_t>(box.cursor.number(box.version == 0 ? 2 : 4));
+    primary_ = box.cursor.id(box.version == 0 ? 2 : 4);
 }
 
 void HeifMeta::readItems(Bytes content) {
@@ -92,7 +88,7 @@ void HeifMeta::readItems(Bytes content) {
         HeifFullBox entry(box.content);
         if (entry.version < 2)
             continue;
-        const auto id = static_cast<std::uint32_t>(entry.cursor.number(entry.version == 2 ? 2 : 4));
+        const auto id = entry.cursor.id(entry.version == 2 ? 2 : 4);
         entry.cursor.take(2);
         HeifItem& found = item(id);
         found.type = textOf(entry.cursor.take(4));
@@ -106,12 +102,11 @@ void HeifMeta::readReferences(Bytes content) {
     while (!list.cursor.atEnd()) {
         const HeifBox box = nextBox(list.cursor);
         HeifCursor cursor(box.content);
-        const auto from = static_cast<std::uint32_t>(cursor.number(width));
+        const auto from = cursor.id(width);
         for (int count = cursor.u16(); count > 0; --count) {
             if (references_.size() >= maximumItems)
                 throw Failure{reason::damaged};
-            references_.push_back(
-                {box.type, from, static_cast<std::uint32_t>(cursor.number(width))});
+            references_.push_back({box.type, from, cursor.id(width)});
         }
     }
 }
@@ -135,11 +130,9 @@ void HeifMeta::readAssociations(Bytes content) {
     const std::size_t width = (box.flags & 1) != 0 ? 2 : 1;
     const std::uint32_t indexMask = width == 2 ? 0x7FFF : 0x7F; // the top bit: essential
     for (std::uint32_t entries = box.cursor.u32(); entries > 0; --entries) {
-        HeifItem& owner =
-            item(static_cast<std::uint32_t>(box.cursor.number(box.version < 1 ? 2 : 4)));
+        HeifItem& owner = item(box.cursor.id(box.version < 1 ? 2 : 4));
         for (int count = box.cursor.u8(); count > 0; --count)
-            owner.properties.push_back(static_cast<std::uint32_t>(box.cursor.number(width)) &
-                                       indexMask);
+            owner.properties.push_back(box.cursor.id(width) & indexMask);
     }
 }
 
@@ -151,9 +144,9 @@ void HeifMeta::readLocations() {
     const int sizes = cursor.u16();
     const auto width = [&](int shift) { return static_cast<std::size_t>(sizes >> shift & 15); };
     const std::size_t indexWidth = box.version == 0 ? 0 : width(0);
-    std::uint32_t count = static_cast<std::uint32_t>(cursor.number(box.version < 2 ? 2 : 4));
+    std::uint32_t count = cursor.id(box.version < 2 ? 2 : 4);
     for (; count > 0; --count) {
-        HeifItem& owner = item(static_cast<std::uint32_t>(cursor.number(box.version < 2 ? 2 : 4)));
+        HeifItem& owner = item(cursor.id(box.version < 2 ? 2 : 4));
         const int method = box.version == 0 ? 0 : cursor.u16() & 15;
         cursor.take(2);
         const std::uint64_t base = cursor.number(width(4)) + (method == 1 ? dataOffset_ : 0);

@@ -1,6 +1,5 @@
 #include <zorvan/platform/imageio/internal/HevcSequence.h>
 
-#include <array>
 #include <cstdint>
 
 namespace zorvan::imageio {

@@ -37,27 +37,23 @@ private:
     std::string error_;
 };
 
-bool startsWith(Bytes head, std::string_view signature) {
-    return head.size() >= signature.size() &&
-           std::string_view(reinterpret_cast<const char*>(head.data()), signature.size()) ==
-               signature;
-}
-
 bool startsWithAny(Bytes head, std::initializer_list<std::string_view> signatures) {
-    return std::any_of(signatures.begin(), signatures.end(),
-                       [&](std::string_view signature) { return startsWith(head, signature); });
+    return std::ranges::any_of(signatures, [&](std::string_view signature) {
+        return textOf(head).starts_with(signature);
+    });
 }
 
-bool isJpeg(Bytes head) { return startsWith(head, "\xFF\xD8\xFF"sv); }
+bool isJpeg(Bytes head) { return startsWithAny(head, {"\xFF\xD8\xFF"sv}); }
 
-bool isPng(Bytes head) { return startsWith(head, "\x89PNG\r\n\x1a\n"sv); }
+bool isPng(Bytes head) { return startsWithAny(head, {"\x89PNG\r\n\x1a\n"sv}); }
 
 bool isTiff(Bytes head) {
     return startsWithAny(head, {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv});
 }
 
 bool isWebP(Bytes head) {
-    return startsWith(head, "RIFF"sv) && head.size() >= 12 && startsWith(head.subspan(8), "WEBP"sv);
+    return startsWithAny(head, {"RIFF"sv}) && head.size() >= 12 &&
+           startsWithAny(head.subspan(8), {"WEBP"sv});
 }
 
 bool isGif(Bytes head) { return startsWithAny(head, {"GIF87a"sv, "GIF89a"sv}); }
@@ -67,7 +63,7 @@ bool isJpegXL(Bytes head) {
 }
 
 bool isSvg(Bytes head) {
-    std::string_view text(reinterpret_cast<const char*>(head.data()), head.size());
+    std::string_view text = textOf(head);
     if (text.starts_with("\xEF\xBB\xBF"sv))
         text.remove_prefix(3);
     const std::size_t first = text.find_first_not_of(" \t\r\n");
@@ -78,25 +74,73 @@ bool isSvg(Bytes head) {
 
 /// A file of a known kind that ends within its own signature.
 bool isStartOfPicture(Bytes head) {
-    const std::string_view there(reinterpret_cast<const char*>(head.data()), head.size());
+    const std::string_view there = textOf(head);
     for (const std::string_view signature : {"\x89PNG\r\n\x1a\n"sv, "\xFF\xD8\xFF"sv, "GIF89a"sv})
         if (there.size() >= 2 && signature.starts_with(there))
             return true;
     return false;
 }
 
+// What makes the readers that are loaded by their first use; null when they cannot be.
+
+MakeReader* heifReader() {
+    static const auto make = ZORVAN_FUNCTION(ZORVAN_HEIF_PICTURES, zorvanMakeHeifReader);
+    return make;
+}
+
+MakeReader* jpegXLReader() {
+    static const auto make = ZORVAN_FUNCTION(ZORVAN_JXL_PICTURES, zorvanMakeJpegXLReader);
+    return make;
+}
+
+MakeReader* tiffReader() {
+    static const auto make = ZORVAN_FUNCTION(ZORVAN_TIFF_PICTURES, zorvanMakeTiffReader);
+    return make;
+}
+
+MakeReader* webPReader() {
+    static const auto make = ZORVAN_FUNCTION(ZORVAN_WEBP_PICTURES, zorvanMakeWebPReader);
+    return make;
+}
+
+MakeReader* gifReader() {
+    static const auto make = ZORVAN_FUNCTION(ZORVAN_GIF_PICTURES, zorvanMakeGifReader);
+    return make;
+}
+
+template <MakeReader make>
+MakeReader* builtIn() {
+    return make;
+}
+
 struct Kind {
+    FileFormat format;
     bool (*matches)(Bytes head);
-    std::unique_ptr<ImageReader> (*makeReader)(std::unique_ptr<ByteSource> source);
+    MakeReader* (*reader)();
 };
 
 /// In the order in which they are asked.
 constexpr std::array kinds = {
-    Kind{isJpeg, makeJpegReader}, Kind{isPng, makePngReader},   Kind{isTiff, makeTiffReader},
-    Kind{isAvif, makeAvifReader}, Kind{isHeif, makeHeicReader}, Kind{isWebP, makeWebPReader},
-    Kind{isGif, makeGifReader},   Kind{isBmp, makeBmpReader},   Kind{isJpegXL, makeJpegXLReader},
-    Kind{isSvg, makeSvgReader},
+    Kind{FileFormat::jpeg, isJpeg, builtIn<makeJpegReader>},
+    Kind{FileFormat::png, isPng, builtIn<makePngReader>},
+    Kind{FileFormat::tiff, isTiff, tiffReader},
+    Kind{FileFormat::avif, isAvif, heifReader},
+    Kind{FileFormat::heic, isHeif, heifReader},
+    Kind{FileFormat::webp, isWebP, webPReader},
+    Kind{FileFormat::gif, isGif, gifReader},
+    Kind{FileFormat::bmp, isBmp, builtIn<makeBmpReader>},
+    Kind{FileFormat::jpegXL, isJpegXL, jpegXLReader},
+    Kind{FileFormat::svg, isSvg, builtIn<makeSvgReader>},
 };
+
+std::unique_ptr<ImageReader> readerOf(const Kind& kind, std::unique_ptr<ByteSource> source) {
+    MakeReader* const make = kind.reader();
+    if (!make)
+        return std::make_unique<UnreadableFile>(reason::noDecoder);
+    std::unique_ptr<ImageReader> reader;
+    make(std::move(source), kind.format, reader);
+    return reader;
+}
 
 std::unique_ptr<ImageReader> readerFor(std::unique_ptr<ByteSource> source) {
     constexpr std::uint64_t searched = 4096; // of an SVG, comments and declarations may come before
@@ -105,84 +149,20 @@ std::unique_ptr<ImageReader> readerFor(std::unique_ptr<ByteSource> source) {
         return std::make_unique<UnreadableFile>("the file is empty");
     for (const Kind& kind : kinds)
         if (kind.matches(head))
-            return kind.makeReader(std::move(source));
+            return readerOf(kind, std::move(source));
     return std::make_unique<UnreadableFile>(isStartOfPicture(head) ? reason::cutShort
                                                                    : "not a picture");
 }
 
-std::unique_ptr<ImageReader> makeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format) {
-    static const auto make = ZORVAN_FUNCTION(ZORVAN_HEIF_PICTURES, zorvanMakeHeifReader);
-    if (!make)
-        return std::make_unique<UnreadableFile>(reason::noDecoder);
-    std::unique_ptr<ImageReader> reader;
-    make(std::move(source), format, reader);
-    return reader;
-}
-
-using MakeReader = void(std::unique_ptr<ByteSource>, std::unique_ptr<ImageReader>&);
-
-std::unique_ptr<ImageReader> readerMadeBy(MakeReader* make, std::unique_ptr<ByteSource> source) {
-    if (!make)
-        return std::make_unique<UnreadableFile>(reason::noDecoder);
-    std::unique_ptr<ImageReader> reader;
-    make(std::move(source), reader);
-    return reader;
-}
-
 } // namespace
 
-std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source) {
-    return makeHeifReader(std::move(source), FileFormat::heic);
-}
-
-std::unique_ptr<ImageReader> makeAvifReader(std::unique_ptr<ByteSource> source) {
-    return makeHeifReader(std::move(source), FileFormat::avif);
-}
-
-std::unique_ptr<ImageReader> makeJpegXLReader(std::unique_ptr<ByteSource> source) {
-    static const auto make = ZORVAN_FUNCTION(ZORVAN_JXL_PICTURES, zorvanMakeJpegXLReader);
-    return readerMadeBy(make, std::move(source));
-}
-
-std::unique_ptr<ImageReader> makeTiffReader(std::unique_ptr<ByteSource> source) {
-    static const auto make = ZORVAN_FUNCTION(ZORVAN_TIFF_PICTURES, zorvanMakeTiffReader);
-    return readerMadeBy(make, std::move(source));
-}
-
-std::unique_ptr<ImageReader> makeWebPReader(std::unique_ptr<ByteSource> source) {
-    static const auto make = ZORVAN_FUNCTION(ZORVAN_WEBP_PICTURES, zorvanMakeWebPReader);
-    return readerMadeBy(make, std::move(source));
-}
-
-std::unique_ptr<ImageReader> makeGifReader(std::unique_ptr<ByteSource> source) {
-    static const auto make = ZORVAN_FUNCTION(ZORVAN_GIF_PICTURES, zorvanMakeGifReader);
-    return readerMadeBy(make, std::move(source));
-}
-
 std::string_view typeIdentifier(FileFormat format) noexcept {
-    switch (format) {
-    case FileFormat::png:
-        return "public.png";
-    case FileFormat::jpeg:
-        return "public.jpeg";
-    case FileFormat::tiff:
-        return "public.tiff";
-    case FileFormat::heic:
-        return "public.heic";
-    case FileFormat::webp:
-        return "org.webmproject.webp";
-    case FileFormat::avif:
-        return "public.avif";
-    case FileFormat::gif:
-        return "com.compuserve.gif";
-    case FileFormat::bmp:
-        return "com.microsoft.bmp";
-    case FileFormat::svg:
-        return "public.svg-image";
-    case FileFormat::jpegXL:
-        return "public.jpeg-xl";
-    }
-    return {};
+    constexpr std::array identifiers = {
+        "public.png"sv,           "public.jpeg"sv,   "public.tiff"sv,        "public.heic"sv,
+        "org.webmproject.webp"sv, "public.avif"sv,   "com.compuserve.gif"sv, "com.microsoft.bmp"sv,
+        "public.svg-image"sv,     "public.jpeg-xl"sv};
+    const auto index = static_cast<std::size_t>(format);
+    return index < identifiers.size() ? identifiers[index] : ""sv;
 }
 
 std::unique_ptr<ImageReader> ImageReader::open(const std::string& path) {

@@ -1,10 +1,15 @@
 #include <zorvan/platform/imageio/ImageWriter.h>
 
 #include <zorvan/platform/foundation/internal/functionBeside.h>
+#include <zorvan/platform/graphics/ExactTransforms.h>
 #include <zorvan/platform/imageio/internal/FrameWriter.h>
 #include <zorvan/platform/imageio/internal/loadedPictures.h>
 
+#include <algorithm>
+#include <cmath>
 #include <exception>
+#include <list>
+#include <vector>
 
 namespace zorvan::imageio {
 namespace {
@@ -48,39 +53,44 @@ std::optional<Data> dispatched(FileFormat format, std::span<const Frame> frames)
     }
 }
 
+bool isArgb(const Frame& frame) { return frame.bitmap->layout() == BitmapLayout::argb; }
+
+std::optional<Data> encodedInRgba(FileFormat format, std::span<const Frame> frames) {
+    if (std::ranges::none_of(frames, isArgb))
+        return dispatched(format, frames);
+    std::vector<Frame> inRgba(frames.begin(), frames.end());
+    std::list<Bitmap> copies;
+    for (Frame& frame : inRgba) {
+        std::optional<Bitmap> copy = copied(*frame.bitmap, BitmapLayout::rgba);
+        if (!copy)
+            return std::nullopt;
+        frame.bitmap = &copies.emplace_back(std::move(*copy));
+    }
+    return dispatched(format, inRgba);
+}
+
 } // namespace
 
 bool canEncode(FileFormat format) {
-    switch (format) {
-    case FileFormat::jpeg:
-    case FileFormat::png:
-    case FileFormat::tiff:
-        return true;
-    case FileFormat::heic:
-        return hasHeicEncoder();
-    default:
-        return false;
-    }
+    return format == FileFormat::jpeg || format == FileFormat::png || format == FileFormat::tiff ||
+           (format == FileFormat::heic && hasHeicEncoder());
 }
 
 std::optional<Data> encode(FileFormat format, std::span<const Frame> frames) {
-    if (frames.empty() || (frames.size() > 1 && format != FileFormat::tiff))
+    const bool isOneTooMany = frames.size() > 1 && format != FileFormat::tiff;
+    if (frames.empty() || isOneTooMany || !std::ranges::all_of(frames, &Frame::bitmap))
         return std::nullopt;
-    for (const Frame& frame : frames)
-        if (!frame.bitmap)
-            return std::nullopt;
     try {
-        return dispatched(format, frames);
+        return encodedInRgba(format, frames);
     } catch (const std::exception&) {
         return std::nullopt;
     }
 }
 
 bool isOpaque(const Bitmap& bitmap) noexcept {
-    const int alpha = bitmap.layout() == BitmapLayout::rgba ? 3 : 0;
     for (std::int64_t y = 0; y < bitmap.height(); ++y) {
         std::uint8_t all = 255;
-        const std::uint8_t* pixel = bitmap.row(y) + alpha;
+        const std::uint8_t* pixel = bitmap.row(y) + 3;
         for (std::int64_t x = 0; x < bitmap.width(); ++x, pixel += 4)
             all &= *pixel;
         if (all != 255)
@@ -89,30 +99,28 @@ bool isOpaque(const Bitmap& bitmap) noexcept {
     return true;
 }
 
-RgbaRows::RgbaRows(const Bitmap& bitmap) : bitmap_(bitmap) {
-    if (bitmap.layout() == BitmapLayout::argb)
-        buffer_.resize(static_cast<std::size_t>(bitmap.bytesPerRow()));
-}
-
-const std::uint8_t* RgbaRows::operator()(std::int64_t y) noexcept {
-    const std::uint8_t* row = bitmap_.row(y);
-    if (buffer_.empty())
-        return row;
-    for (std::size_t i = 0; i < buffer_.size(); i += 4) {
-        buffer_[i] = row[i + 1];
-        buffer_[i + 1] = row[i + 2];
-        buffer_[i + 2] = row[i + 3];
-        buffer_[i + 3] = row[i];
-    }
-    return buffer_.data();
-}
-
 void dropAlpha(const std::uint8_t* rgba, std::uint8_t* rgb, std::int64_t count) noexcept {
     for (std::int64_t i = 0; i < count; ++i, rgba += 4, rgb += 3) {
         rgb[0] = rgba[0];
         rgb[1] = rgba[1];
         rgb[2] = rgba[2];
     }
+}
+
+bool append(Data& bytes, const void* written, std::size_t size) noexcept {
+    try {
+        const auto* first = static_cast<const std::byte*>(written);
+        bytes.insert(bytes.end(), first, first + size);
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+int percentOf(std::optional<double> quality, int usual) {
+    if (!quality || std::isnan(*quality))
+        return usual;
+    return static_cast<int>(std::lround(std::clamp(*quality, 0.0, 1.0) * 100));
 }
 
 } // namespace zorvan::imageio

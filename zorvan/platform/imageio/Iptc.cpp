@@ -10,10 +10,6 @@
 namespace zorvan::imageio {
 namespace {
 
-std::string_view textOf(Bytes bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 struct Field {
     int number;
     std::string_view key;

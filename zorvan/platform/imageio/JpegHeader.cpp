@@ -93,11 +93,6 @@ private:
     int count_ = 0;
 };
 
-bool startsWith(const Data& data, std::string_view signature) {
-    return std::string_view(reinterpret_cast<const char*>(data.data()), data.size())
-        .starts_with(signature);
-}
-
 void readFrameHeader(const Data& data, JpegHeader& header, int marker) {
     if (data.size() < 6)
         throw Failure{reason::cutShort};
@@ -109,7 +104,7 @@ void readFrameHeader(const Data& data, JpegHeader& header, int marker) {
 
 void readJfif(const Data& data, JpegHeader& header) {
     using namespace std::string_view_literals;
-    if (!startsWith(data, "JFIF\0"sv) || data.size() < 12)
+    if (!textOf(data).starts_with("JFIF\0"sv) || data.size() < 12)
         return;
     header.jfif = {std::to_integer<int>(data[5]), std::to_integer<int>(data[6]),
                    std::to_integer<int>(data[7]), big16(data, 8), big16(data, 10)};
@@ -117,7 +112,7 @@ void readJfif(const Data& data, JpegHeader& header) {
 
 void readExif(const Data& data, JpegHeader& header) {
     using namespace std::string_view_literals;
-    if (!header.exif.empty() || !startsWith(data, "Exif\0"sv))
+    if (!header.exif.empty() || !textOf(data).starts_with("Exif\0"sv))
         return;
     const Bytes block = withoutExifSignature(data);
     header.exif.assign(block.begin(), block.end());
@@ -126,7 +121,7 @@ void readExif(const Data& data, JpegHeader& header) {
 void readPhotoshop(const Data& data, JpegHeader& header) {
     constexpr std::string_view signature("Photoshop 3.0\0", 14);
     const bool fits = header.photoshop.size() + data.size() <= maximumMetadataSize;
-    if (startsWith(data, signature) && fits)
+    if (textOf(data).starts_with(signature) && fits)
         header.photoshop.insert(header.photoshop.end(), data.begin() + signature.size(),
                                 data.end());
 }

@@ -8,7 +8,6 @@
 #include <zorvan/platform/imageio/internal/PixelRows.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <vector>
 
@@ -34,26 +33,20 @@ PropertyList::Dictionary propertiesOf(const JpegHeader& header) {
                        .depth = header.depth,
                        .colorModel = colorModelOf(header.componentCount),
                        .orientation = exifOrientation(header.exif)};
-    PropertyList::Dictionary extra;
-    addExifProperties(header.exif, extra);
-    addPhotoshopProperties(header.photoshop, extra);
+    PropertyList::Dictionary sections;
+    addPhotoshopProperties(header.photoshop, sections);
     if (header.jfif) {
         outline.dpi = resolutionOf(*header.jfif);
-        extra.insert_or_assign(
-            "{JFIF}",
-            PropertyList::Dictionary{
-                {"JFIFVersion", PropertyList::Array{header.jfif->major, header.jfif->minor}},
-                {"DensityUnit", header.jfif->unit},
-                {"XDensity", header.jfif->x},
-                {"YDensity", header.jfif->y},
-                {"IsProgressive", header.progressive},
-            });
+        sections.emplace("{JFIF}", PropertyList::Dictionary{
+                                       {"JFIFVersion", PropertyList::Array{header.jfif->major,
+                                                                           header.jfif->minor}},
+                                       {"DensityUnit", header.jfif->unit},
+                                       {"XDensity", header.jfif->x},
+                                       {"YDensity", header.jfif->y},
+                                       {"IsProgressive", header.progressive},
+                                   });
     }
-    if (!outline.dpi)
-        outline.dpi = exifResolution(extra);
-    PropertyList::Dictionary result = propertiesOf(outline);
-    result.merge(extra);
-    return result;
+    return propertiesOf(outline, header.exif, std::move(sections));
 }
 
 /// libjpeg reading from a source of ours, with its reports kept to this call.
@@ -184,26 +177,17 @@ void chooseScale(jpeg_decompress_struct& info, PixelSize stored, PixelSize targe
         ++info.scale_num;
 }
 
-class JpegReader final : public FormatReader {
+class JpegReader final : public HeaderReader<JpegHeader> {
 public:
-    explicit JpegReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::jpeg, std::move(source)) {}
+    using HeaderReader::HeaderReader;
 
 private:
-    const JpegHeader& header() {
-        if (!header_)
-            header_ = readJpegHeader(source());
-        return *header_;
-    }
+    JpegHeader readHeader() override { return readJpegHeader(source()); }
 
-    std::int64_t readCount() override { return header().size.width > 0 ? 1 : 0; }
+    Bytes exif() override { return header().exif; }
 
     PropertyList::Dictionary readProperties(std::int64_t) override {
         return propertiesOf(header());
-    }
-
-    std::optional<int> readOrientation(std::int64_t) override {
-        return exifOrientation(header().exif);
     }
 
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
@@ -240,10 +224,6 @@ private:
             sink.commit();
         }
     }
-
-    Bitmap readThumbnail(std::int64_t) override { return thumbnailInExif(header().exif); }
-
-    std::optional<JpegHeader> header_ = {};
 };
 
 } // namespace
@@ -252,15 +232,16 @@ Bitmap thumbnailInExif(Bytes exif) {
     Data bytes = exifThumbnail(exif);
     if (bytes.empty())
         throw Failure{reason::noThumbnail};
-    JpegReader reader(sourceOver(std::move(bytes)));
+    JpegReader reader(FileFormat::jpeg, sourceOver(std::move(bytes)));
     std::optional<Bitmap> thumbnail = reader.decode(0, {});
     if (!thumbnail)
         throw Failure{reason::damaged};
     return std::move(*thumbnail);
 }
 
-std::unique_ptr<ImageReader> makeJpegReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<JpegReader>(std::move(source));
+void makeJpegReader(std::unique_ptr<ByteSource> source, FileFormat format,
+                    std::unique_ptr<ImageReader>& reader) {
+    reader = std::make_unique<JpegReader>(format, std::move(source));
 }
 
 } // namespace zorvan::imageio

@@ -1,4 +1,5 @@
 #include <zorvan/platform/imageio/internal/CLibraryCall.h>
+#include <zorvan/platform/imageio/internal/ExifBlock.h>
 #include <zorvan/platform/imageio/internal/FrameWriter.h>
 #include <zorvan/platform/imageio/internal/StoredProperties.h>
 
@@ -6,21 +7,12 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <string_view>
 #include <vector>
 
 #include <jpeglib.h>
 
 namespace zorvan::imageio {
 namespace {
-
-constexpr int usualQuality = 85;
-
-int codecQuality(std::optional<double> quality) {
-    if (!quality || std::isnan(*quality))
-        return usualQuality;
-    return std::max(1, static_cast<int>(std::lround(std::clamp(*quality, 0.0, 1.0) * 100)));
-}
 
 class Encoder {
 public:
@@ -48,7 +40,8 @@ public:
         info_.input_components = 4;
         info_.in_color_space = JCS_EXT_RGBX;
         jpeg_set_defaults(&info_);
-        const int quality = codecQuality(frame.quality);
+        constexpr int usualQuality = 85;
+        const int quality = std::max(1, percentOf(frame.quality, usualQuality));
         jpeg_set_quality(&info_, quality, TRUE);
         if (quality == 100)
             info_.comp_info[0].h_samp_factor = info_.comp_info[0].v_samp_factor = 1;
@@ -94,17 +87,6 @@ void putOnWhite(const std::uint8_t* premultiplied, std::uint8_t* out, std::int64
     }
 }
 
-Data segmentOf(const Data& exifBlock) {
-    constexpr std::string_view signature("Exif\0\0", 6);
-    Data segment;
-    if (exifBlock.empty())
-        return segment;
-    for (const char c : signature)
-        segment.push_back(static_cast<std::byte>(c));
-    segment.insert(segment.end(), exifBlock.begin(), exifBlock.end());
-    return segment;
-}
-
 } // namespace
 
 std::optional<Data> encodeJpeg(const Frame& frame) {
@@ -112,15 +94,15 @@ std::optional<Data> encodeJpeg(const Frame& frame) {
     if (bitmap.width() > JPEG_MAX_DIMENSION || bitmap.height() > JPEG_MAX_DIMENSION)
         return std::nullopt;
     const StoredProperties properties = storedProperties(frame.properties);
-    const Data exif = segmentOf(exifBlock(properties));
-    RgbaRows rows(bitmap);
+    const Data block = exifBlock(properties);
+    const Data exif = block.empty() ? block : withExifSignature(block);
     std::vector<std::uint8_t> onWhite(
         isOpaque(bitmap) ? 0 : static_cast<std::size_t>(bitmap.bytesPerRow()));
     Encoder encoder;
     const bool done = finishes(encoder.failure, [&] {
         encoder.start(frame, properties, exif);
         for (std::int64_t y = 0; y < bitmap.height(); ++y) {
-            const std::uint8_t* row = rows(y);
+            const std::uint8_t* row = bitmap.row(y);
             if (!onWhite.empty()) {
                 putOnWhite(row, onWhite.data(), bitmap.width());
                 row = onWhite.data();

@@ -5,9 +5,6 @@
 #include <zorvan/platform/imageio/internal/PictureSink.h>
 #include <zorvan/platform/imageio/internal/PixelRows.h>
 
-#include <algorithm>
-#include <array>
-#include <cstring>
 #include <string_view>
 
 #include <jxl/decode.h>
@@ -94,14 +91,7 @@ public:
         isOpen_ = false;
     }
 
-    /// The box begins with how many bytes stand before the block.
-    Data block() const {
-        const std::uint64_t skipped = 4 + std::uint64_t{big32(bytes_, 0)};
-        if (skipped >= bytes_.size())
-            return {};
-        const Bytes block = withoutExifSignature(Bytes(bytes_).subspan(skipped));
-        return Data(block.begin(), block.end());
-    }
+    const Data& bytes() const noexcept { return bytes_; }
 
 private:
     void takeBack() {
@@ -117,7 +107,7 @@ private:
     bool isLent_ = false;
 };
 
-Header readHeader(const Data& file) {
+Header headerOf(const Data& file) {
     Header header;
     Decoder decoder(file, JXL_DEC_BASIC_INFO | JXL_DEC_BOX);
     ExifBox box(decoder);
@@ -137,7 +127,8 @@ Header readHeader(const Data& file) {
             throw;
     }
     box.finish();
-    header.exif = box.block();
+    const Bytes exif = exifInBox(box.bytes());
+    header.exif.assign(exif.begin(), exif.end());
     return header;
 }
 
@@ -155,9 +146,7 @@ void askForScreenColours(Decoder& decoder) {
 
 Bitmap decoded(const Data& file, const Header& header) {
     constexpr JxlPixelFormat format = {4, JXL_TYPE_UINT8, JXL_NATIVE_ENDIAN, 0};
-    std::optional<Bitmap> bitmap = Bitmap::make(header.size().width, header.size().height);
-    if (!bitmap)
-        throw Failure{reason::noMemory};
+    Bitmap bitmap = bitmapOf(header.size());
     Decoder decoder(file, JXL_DEC_COLOR_ENCODING | JXL_DEC_FULL_IMAGE);
     for (;;) {
         switch (decoder.next()) {
@@ -167,11 +156,11 @@ Bitmap decoded(const Data& file, const Header& header) {
             break;
         case JXL_DEC_NEED_IMAGE_OUT_BUFFER:
             Decoder::check(
-                JxlDecoderSetImageOutBuffer(decoder.get(), &format, bitmap->data(),
-                                            static_cast<std::size_t>(bitmap->byteCount())));
+                JxlDecoderSetImageOutBuffer(decoder.get(), &format, bitmap.data(),
+                                            static_cast<std::size_t>(bitmap.byteCount())));
             break;
         case JXL_DEC_FULL_IMAGE:
-            return std::move(*bitmap);
+            return bitmap;
         case JXL_DEC_SUCCESS:
             throw Failure{reason::damaged};
         default:
@@ -180,41 +169,24 @@ Bitmap decoded(const Data& file, const Header& header) {
     }
 }
 
-void finishAlpha(std::uint8_t* rgba, const Header& header) {
-    const std::int64_t width = header.size().width;
-    if (header.hasAlpha() && !header.info.alpha_premultiplied)
-        return premultiply(rgba, width);
-    for (std::int64_t x = 0; x < width; ++x, rgba += 4)
-        for (int c = 0; c < 3; ++c)
-            rgba[c] = std::min(rgba[c], rgba[3]);
-}
-
-class JpegXLReader final : public FormatReader {
+class JpegXLReader final : public HeaderReader<Header> {
 public:
-    explicit JpegXLReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::jpegXL, std::move(source)) {}
+    using HeaderReader::HeaderReader;
 
 private:
-    const Header& header() {
-        if (!header_)
-            header_ = readHeader(wholeFile(source()));
-        return *header_;
-    }
+    Header readHeader() override { return headerOf(wholeFile(source())); }
 
-    std::int64_t readCount() override { return header().size().width > 0 ? 1 : 0; }
+    Bytes exif() override { return header().exif; }
 
     PropertyList::Dictionary readProperties(std::int64_t) override {
         const Header& head = header();
-        PropertyList::Dictionary extra;
-        addExifProperties(head.exif, extra);
         PropertyList::Dictionary result =
-            propertiesOf(Outline{.size = head.size(),
-                                 .depth = static_cast<int>(head.info.bits_per_sample),
-                                 .colorModel = head.info.num_color_channels == 1 ? "Gray" : "RGB",
-                                 .hasAlpha = head.hasAlpha(),
-                                 .orientation = head.info.orientation,
-                                 .dpi = exifResolution(extra)});
-        result.merge(extra);
+            propertiesOf({.size = head.size(),
+                          .depth = static_cast<int>(head.info.bits_per_sample),
+                          .colorModel = head.info.num_color_channels == 1 ? "Gray" : "RGB",
+                          .hasAlpha = head.hasAlpha(),
+                          .orientation = head.info.orientation},
+                         exif());
         // The file's own turn is binding, whatever Exif says.
         if (findSection(result, "{TIFF}"))
             section(result, "{TIFF}")
@@ -231,25 +203,19 @@ private:
         if (size.width > maximumPixels / size.height)
             throw Failure{reason::tooLarge};
         Bitmap whole = decoded(wholeFile(source()), head);
+        finishAlpha(whole.data(), size.width * size.height,
+                    !head.hasAlpha() || head.info.alpha_premultiplied);
         PictureSink sink(size, wantedSize(size, options));
-        for (std::int64_t y = 0; y < size.height; ++y) {
-            std::memcpy(sink.row(), whole.row(y), static_cast<std::size_t>(whole.bytesPerRow()));
-            finishAlpha(sink.row(), head);
-            sink.commit();
-        }
+        sink.put(whole);
         return sink.take();
     }
-
-    Bitmap readThumbnail(std::int64_t) override { return thumbnailInExif(header().exif); }
-
-    std::optional<Header> header_ = {};
 };
 
 } // namespace
 
-extern "C" void zorvanMakeJpegXLReader(std::unique_ptr<ByteSource> source,
+extern "C" void zorvanMakeJpegXLReader(std::unique_ptr<ByteSource> source, FileFormat format,
                                        std::unique_ptr<ImageReader>& reader) {
-    reader = std::make_unique<JpegXLReader>(std::move(source));
+    reader = std::make_unique<JpegXLReader>(format, std::move(source));
 }
 
 } // namespace zorvan::imageio

@@ -8,13 +8,6 @@
 namespace zorvan::imageio {
 namespace {
 
-Bitmap bitmapOf(PixelSize size) {
-    std::optional<Bitmap> bitmap = Bitmap::make(size.width, size.height);
-    if (!bitmap)
-        throw Failure{reason::noMemory};
-    return std::move(*bitmap);
-}
-
 std::int64_t scaledSide(std::int64_t side, std::int64_t to, std::int64_t from) noexcept {
     return std::max<std::int64_t>(1, (side * to * 2 + from) / (from * 2));
 }
@@ -27,6 +20,13 @@ void checkSize(PixelSize size) {
     if (size.width > maximumSide || size.height > maximumSide ||
         size.width > Bitmap::maximumPixelCount / size.height)
         throw Failure{reason::tooLarge};
+}
+
+Bitmap bitmapOf(PixelSize size) {
+    std::optional<Bitmap> bitmap = Bitmap::make(size.width, size.height);
+    if (!bitmap)
+        throw Failure{reason::noMemory};
+    return std::move(*bitmap);
 }
 
 PixelSize wantedSize(PixelSize stored, const DecodeOptions& options) noexcept {
@@ -50,6 +50,13 @@ void PictureSink::commit() noexcept {
     ++next_;
     if (scaler_)
         scaler_->push(buffer_.data());
+}
+
+void PictureSink::put(const Bitmap& picture) noexcept {
+    for (std::int64_t y = 0; y < picture.height(); ++y) {
+        std::copy_n(picture.row(y), picture.bytesPerRow(), row());
+        commit();
+    }
 }
 
 } // namespace zorvan::imageio

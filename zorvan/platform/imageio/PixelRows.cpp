@@ -24,6 +24,14 @@ void unpremultiply(const std::uint8_t* premultiplied, std::uint8_t* out,
     }
 }
 
+void finishAlpha(std::uint8_t* pixels, std::int64_t count, bool isPremultiplied) noexcept {
+    if (!isPremultiplied)
+        return premultiply(pixels, count);
+    for (std::int64_t i = 0; i < count; ++i, pixels += 4)
+        for (int c = 0; c < 3; ++c)
+            pixels[c] = std::min(pixels[c], pixels[3]);
+}
+
 void inkToRgba(const std::uint8_t* cmyk, std::uint8_t* rgba, std::int64_t count) noexcept {
     for (std::int64_t i = 0; i < count; ++i, cmyk += 4, rgba += 4) {
         const unsigned light = 255U - cmyk[3];

@@ -10,7 +10,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include <zlib.h>
 
@@ -21,17 +20,12 @@ constexpr std::uint64_t signatureLength = 8;
 constexpr std::uint64_t frameLength = 12; // length, name and check sum of a chunk
 constexpr int maximumChunks = 10'000;
 
-std::string_view textOf(Bytes bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 void readImageHeader(Bytes data, PngHeader& header) {
     if (data.size() < 13)
         throw Failure{reason::damaged};
     header.size = {big32(data, 0), big32(data, 4)};
     header.depth = std::to_integer<int>(data[8]);
     header.colorType = std::to_integer<int>(data[9]);
-    header.interlaced = std::to_integer<int>(data[12]) == 1;
     header.entries.insert_or_assign("InterlaceType", std::to_integer<int>(data[12]));
 }
 
@@ -48,20 +42,13 @@ void readPhysicalSize(Bytes data, PngHeader& header) {
 
 /// The texts whose keywords the format itself defines.
 void addText(std::string_view keyword, std::string_view value, PngHeader& header) {
-    constexpr std::array<std::pair<std::string_view, std::string_view>, 9> keys = {{
-        {"Title", "Title"},
-        {"Author", "Author"},
-        {"Description", "Description"},
-        {"Copyright", "Copyright"},
-        {"Creation Time", "CreationTime"},
-        {"Software", "Software"},
-        {"Source", "Source"},
-        {"Comment", "Comment"},
-        {"Warning", "Warning"},
-    }};
-    for (const auto& [theirs, ours] : keys)
-        if (keyword == theirs)
-            header.entries.insert_or_assign(std::string(ours), PropertyList(textFrom(value)));
+    constexpr std::array<std::string_view, 9> keys = {"Title",     "Author",       "Description",
+                                                      "Copyright", "CreationTime", "Software",
+                                                      "Source",    "Comment",      "Warning"};
+    const std::string_view key = keyword == "Creation Time" ? "CreationTime" : keyword;
+    const bool isKnown = std::find(keys.begin(), keys.end(), key) != keys.end();
+    if (isKnown && keyword != "CreationTime")
+        header.entries.insert_or_assign(std::string(key), PropertyList(textFrom(value)));
 }
 
 std::optional<std::uint8_t> hexDigit(char c) {
@@ -100,10 +87,20 @@ void readKeyedText(std::string_view keyword, std::string_view value, PngHeader& 
         header.exif.assign(block.begin(), block.end());
 }
 
-void readText(std::string_view data, PngHeader& header) {
+/// Takes what stands before the next zero; absent when there is none.
+std::optional<std::string_view> takeWord(std::string_view& data) {
     const std::size_t end = data.find('\0');
-    if (end != std::string_view::npos)
-        readKeyedText(data.substr(0, end), data.substr(end + 1), header);
+    if (end == std::string_view::npos)
+        return std::nullopt;
+    const std::string_view word = data.substr(0, end);
+    data.remove_prefix(end + 1);
+    return word;
+}
+
+void readText(Bytes chunk, PngHeader& header) {
+    std::string_view data = textOf(chunk);
+    if (const auto keyword = takeWord(data))
+        readKeyedText(*keyword, data, header);
 }
 
 /// Empty when it is damaged or takes more than metadata may.
@@ -127,57 +124,50 @@ std::string inflated(std::string_view compressed) {
 }
 
 /// Keyword, a byte for the method of compression, text.
-void readCompressedText(std::string_view data, PngHeader& header) {
-    const std::size_t end = data.find('\0');
-    if (end != std::string_view::npos && data.size() > end + 2 && data[end + 1] == 0)
-        readKeyedText(data.substr(0, end), inflated(data.substr(end + 2)), header);
+void readCompressedText(Bytes chunk, PngHeader& header) {
+    std::string_view data = textOf(chunk);
+    const auto keyword = takeWord(data);
+    if (keyword && data.size() > 1 && data[0] == 0)
+        readKeyedText(*keyword, inflated(data.substr(1)), header);
 }
 
 /// Keyword, two bytes about compression, language, translated keyword, text.
-void readInternationalText(std::string_view data, PngHeader& header) {
-    const std::size_t end = data.find('\0');
-    if (end == std::string_view::npos || data.size() < end + 3 || data[end + 2] != 0)
+void readInternationalText(Bytes chunk, PngHeader& header) {
+    std::string_view data = textOf(chunk);
+    const auto keyword = takeWord(data);
+    if (!keyword || data.size() < 2 || data[1] != 0)
         return;
-    const bool isCompressed = data[end + 1] != 0;
-    const std::string_view keyword = data.substr(0, end);
-    data.remove_prefix(end + 3);
-    for (int i = 0; i < 2; ++i) {
-        const std::size_t stop = data.find('\0');
-        if (stop == std::string_view::npos)
-            return;
-        data.remove_prefix(stop + 1);
-    }
-    readKeyedText(keyword, isCompressed ? inflated(data) : std::string(data), header);
+    const bool isCompressed = data[0] != 0;
+    data.remove_prefix(2);
+    if (takeWord(data) && takeWord(data))
+        readKeyedText(*keyword, isCompressed ? inflated(data) : std::string(data), header);
 }
 
 void readGamma(Bytes data, PngHeader& header) {
     header.entries.insert_or_assign("Gamma", static_cast<double>(big32(data, 0)) / 100'000);
 }
 
-void readChunk(std::string_view name, const Data& data, PngHeader& header) {
-    if (name == "IHDR")
-        readImageHeader(data, header);
-    else if (name == "pHYs")
-        readPhysicalSize(data, header);
-    else if (name == "tEXt")
-        readText(textOf(data), header);
-    else if (name == "zTXt")
-        readCompressedText(textOf(data), header);
-    else if (name == "iTXt")
-        readInternationalText(textOf(data), header);
-    else if (name == "gAMA")
-        readGamma(data, header);
-    else if (name == "sRGB" && !data.empty())
+void readIntent(Bytes data, PngHeader& header) {
+    if (!data.empty())
         header.entries.insert_or_assign("sRGBIntent", std::to_integer<int>(data[0]));
-    else if (name == "eXIf")
-        header.exif = data;
 }
 
-bool isWanted(std::string_view name) {
-    constexpr std::array<std::string_view, 8> wanted = {"IHDR", "pHYs", "tEXt", "zTXt",
-                                                        "iTXt", "gAMA", "sRGB", "eXIf"};
-    return std::find(wanted.begin(), wanted.end(), name) != wanted.end();
-}
+void readExif(Bytes data, PngHeader& header) { header.exif.assign(data.begin(), data.end()); }
+
+struct Chunk {
+    std::string_view name;
+    void (*read)(Bytes data, PngHeader& header);
+};
+constexpr std::array<Chunk, 8> chunks = {{
+    {"IHDR", readImageHeader},
+    {"pHYs", readPhysicalSize},
+    {"tEXt", readText},
+    {"zTXt", readCompressedText},
+    {"iTXt", readInternationalText},
+    {"gAMA", readGamma},
+    {"sRGB", readIntent},
+    {"eXIf", readExif},
+}};
 
 bool checkSumHolds(Bytes chunk) {
     const Bytes summed = chunk.subspan(4, chunk.size() - 8);
@@ -223,11 +213,12 @@ PngHeader readPngHeader(ByteSource& source) {
             break;
         if (name == "tRNS")
             header.hasTransparentColour = true;
-        if (isWanted(name) && length <= maximumMetadataSize) {
+        const auto chunk = std::ranges::find(chunks, name, &Chunk::name);
+        if (chunk != chunks.end() && length <= maximumMetadataSize) {
             const Data data = source.bytes(position + 8, length);
             if (data.size() < length)
                 break;
-            readChunk(name, data, header);
+            chunk->read(data, header);
         }
         position += frameLength + length;
     }

@@ -6,9 +6,6 @@
 #include <zorvan/platform/imageio/internal/PixelRows.h>
 #include <zorvan/platform/imageio/internal/PngHeader.h>
 
-#include <cstring>
-#include <vector>
-
 #include <png.h>
 
 namespace zorvan::imageio {
@@ -19,42 +16,40 @@ bool hasAlpha(const PngHeader& header) {
 }
 
 PropertyList::Dictionary propertiesOf(const PngHeader& header) {
-    Outline outline = {.size = header.size,
-                       .depth = header.depth,
-                       .colorModel = (header.colorType & PNG_COLOR_MASK_COLOR) ? "RGB" : "Gray",
-                       .hasAlpha = hasAlpha(header),
-                       .orientation = exifOrientation(header.exif),
-                       .dpi = header.dpi};
-    PropertyList::Dictionary extra = {{"{PNG}", header.entries}};
-    addExifProperties(header.exif, extra);
-    if (!outline.dpi)
-        outline.dpi = exifResolution(extra);
-    PropertyList::Dictionary result = propertiesOf(outline);
-    result.merge(extra);
-    return result;
+    const Outline outline = {.size = header.size,
+                             .depth = header.depth,
+                             .colorModel =
+                                 (header.colorType & PNG_COLOR_MASK_COLOR) ? "RGB" : "Gray",
+                             .hasAlpha = hasAlpha(header),
+                             .orientation = exifOrientation(header.exif),
+                             .dpi = header.dpi};
+    return propertiesOf(outline, header.exif, {{"{PNG}", header.entries}});
 }
 
 /// libpng reading from a source of ours, with its reports kept to this call.
 class Decoder {
 public:
-    explicit Decoder(ByteSource& source) : Decoder(source, Created()) {
+    explicit Decoder(ByteSource& source) : source_(source) {
+        structs_.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, fail,
+                                              [](png_structp, png_const_charp) {});
+        structs_.info = png() ? png_create_info_struct(png()) : nullptr;
+        if (!info())
+            throw Failure{reason::noMemory};
         run([&] {
             constexpr png_alloc_size_t maximumChunk = 16U << 20;
-            png_set_read_fn(png_, this, read);
-            png_set_user_limits(png_, maximumSide, maximumSide);
-            png_set_chunk_malloc_max(png_, maximumChunk);
-            png_set_chunk_cache_max(png_, 200);
+            png_set_read_fn(png(), this, read);
+            png_set_user_limits(png(), maximumSide, maximumSide);
+            png_set_chunk_malloc_max(png(), maximumChunk);
+            png_set_chunk_cache_max(png(), 200);
             // The metadata is read elsewhere; here it would only cost memory.
-            png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
-            png_read_info(png_, info_);
+            png_set_keep_unknown_chunks(png(), PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
+            png_read_info(png(), info());
         });
     }
-    ~Decoder() { png_destroy_read_struct(&png_, &info_, nullptr); }
     Decoder(const Decoder&) = delete;
-    Decoder& operator=(const Decoder&) = delete;
 
-    png_structp png() noexcept { return png_; }
-    png_infop info() noexcept { return info_; }
+    png_structp png() noexcept { return structs_.png; }
+    png_infop info() noexcept { return structs_.info; }
 
     template <class Work>
     void run(const Work& work) {
@@ -63,18 +58,12 @@ public:
     }
 
 private:
-    struct Created {};
-
-    // Apart, so that the destructor runs when the reading that follows fails.
-    Decoder(ByteSource& source, Created) : source_(source) {
-        png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, fail,
-                                      [](png_structp, png_const_charp) {});
-        info_ = png_ ? png_create_info_struct(png_) : nullptr;
-        if (!info_) {
-            png_destroy_read_struct(&png_, nullptr, nullptr);
-            throw Failure{reason::noMemory};
-        }
-    }
+    // Apart, so that they are freed when the reading of the head fails.
+    struct Structs {
+        png_structp png = nullptr;
+        png_infop info = nullptr;
+        ~Structs() { png_destroy_read_struct(&png, &info, nullptr); }
+    };
 
     static void fail(png_structp png, png_const_charp) {
         std::longjmp(static_cast<Decoder*>(png_get_error_ptr(png))->failure_, 1);
@@ -93,8 +82,7 @@ private:
     std::uint64_t position_ = 0;
     bool reachedEnd_ = false;
     std::jmp_buf failure_;
-    png_structp png_ = nullptr;
-    png_infop info_ = nullptr;
+    Structs structs_;
 };
 
 /// Sets up the conversion of every kind of PNG to RGBA with 8 bits. Whether it has alpha.
@@ -108,26 +96,17 @@ bool setRgbaOutput(png_structp png, png_infop info) {
     return alpha;
 }
 
-class PngReader final : public FormatReader {
+class PngReader final : public HeaderReader<PngHeader> {
 public:
-    explicit PngReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::png, std::move(source)) {}
+    using HeaderReader::HeaderReader;
 
 private:
-    const PngHeader& header() {
-        if (!header_)
-            header_ = readPngHeader(source());
-        return *header_;
-    }
+    PngHeader readHeader() override { return readPngHeader(source()); }
 
-    std::int64_t readCount() override { return header().size.width > 0 ? 1 : 0; }
+    Bytes exif() override { return header().exif; }
 
     PropertyList::Dictionary readProperties(std::int64_t) override {
         return propertiesOf(header());
-    }
-
-    std::optional<int> readOrientation(std::int64_t) override {
-        return exifOrientation(header().exif);
     }
 
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
@@ -144,8 +123,7 @@ private:
             passes = png_set_interlace_handling(png);
             png_start_read_image(png);
         });
-        const PixelSize target = wantedSize(size, options);
-        PictureSink sink(size, target);
+        PictureSink sink(size, wantedSize(size, options));
         if (passes == 1)
             readRows(decoder, sink, size, alpha);
         else
@@ -168,32 +146,24 @@ private:
     /// The passes fill in each other's gaps, so the picture has to be whole in memory.
     static void readInterlaced(Decoder& decoder, PictureSink& sink, PixelSize size, int passes,
                                bool alpha) {
-        std::optional<Bitmap> whole = Bitmap::make(size.width, size.height);
-        if (!whole)
-            throw Failure{reason::noMemory};
+        Bitmap whole = bitmapOf(size);
         decoder.run([&] {
             for (int pass = 0; pass < passes; ++pass)
                 for (std::int64_t y = 0; y < size.height; ++y)
-                    png_read_row(decoder.png(), whole->row(y), nullptr);
+                    png_read_row(decoder.png(), whole.row(y), nullptr);
             png_read_end(decoder.png(), nullptr);
         });
-        for (std::int64_t y = 0; y < size.height; ++y) {
-            std::memcpy(sink.row(), whole->row(y), static_cast<std::size_t>(whole->bytesPerRow()));
-            if (alpha)
-                premultiply(sink.row(), size.width);
-            sink.commit();
-        }
+        if (alpha)
+            premultiply(whole.data(), size.width * size.height);
+        sink.put(whole);
     }
-
-    Bitmap readThumbnail(std::int64_t) override { return thumbnailInExif(header().exif); }
-
-    std::optional<PngHeader> header_ = {};
 };
 
 } // namespace
 
-std::unique_ptr<ImageReader> makePngReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<PngReader>(std::move(source));
+void makePngReader(std::unique_ptr<ByteSource> source, FileFormat format,
+                   std::unique_ptr<ImageReader>& reader) {
+    reader = std::make_unique<PngReader>(format, std::move(source));
 }
 
 } // namespace zorvan::imageio

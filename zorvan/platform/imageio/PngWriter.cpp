@@ -33,7 +33,7 @@ public:
 
     void start(const Bitmap& bitmap, bool opaque, const StoredProperties& properties, Data& exif) {
         constexpr double inchesPerMetre = 1 / 0.0254;
-        png_set_write_fn(png_, this, append, [](png_structp) {});
+        png_set_write_fn(png_, this, collect, [](png_structp) {});
         png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
         png_set_IHDR(png_, info_, static_cast<png_uint_32>(bitmap.width()),
                      static_cast<png_uint_32>(bitmap.height()), 8,
@@ -57,20 +57,9 @@ public:
     std::jmp_buf failure;
 
 private:
-    static void append(png_structp png, png_bytep data, std::size_t size) {
-        Encoder& encoder = *static_cast<Encoder*>(png_get_io_ptr(png));
-        if (!encoder.extend(data, size))
+    static void collect(png_structp png, png_bytep data, std::size_t size) {
+        if (!append(static_cast<Encoder*>(png_get_io_ptr(png))->bytes_, data, size))
             png_error(png, "no memory");
-    }
-
-    bool extend(const png_byte* data, std::size_t size) noexcept {
-        try {
-            const auto* first = reinterpret_cast<const std::byte*>(data);
-            bytes_.insert(bytes_.end(), first, first + size);
-            return true;
-        } catch (const std::bad_alloc&) {
-            return false;
-        }
     }
 
     png_structp png_ = nullptr;
@@ -85,16 +74,15 @@ std::optional<Data> encodePng(const Frame& frame) {
     const StoredProperties properties = storedProperties(frame.properties);
     Data exif = exifBlock(properties);
     const bool opaque = isOpaque(bitmap);
-    RgbaRows rows(bitmap);
     std::vector<std::uint8_t> out(static_cast<std::size_t>(bitmap.bytesPerRow()));
     Encoder encoder;
     const bool done = finishes(encoder.failure, [&] {
         encoder.start(bitmap, opaque, properties, exif);
         for (std::int64_t y = 0; y < bitmap.height(); ++y) {
             if (opaque)
-                dropAlpha(rows(y), out.data(), bitmap.width());
+                dropAlpha(bitmap.row(y), out.data(), bitmap.width());
             else
-                unpremultiply(rows(y), out.data(), bitmap.width());
+                unpremultiply(bitmap.row(y), out.data(), bitmap.width());
             encoder.write(out.data());
         }
         encoder.finish();

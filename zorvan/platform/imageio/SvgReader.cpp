@@ -9,21 +9,20 @@
 namespace zorvan::imageio {
 namespace {
 
-class SvgReader final : public FormatReader {
+using Picture = std::shared_ptr<const VectorPicture>;
+
+class SvgReader final : public HeaderReader<Picture> {
 public:
-    explicit SvgReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::svg, std::move(source)) {}
+    using HeaderReader::HeaderReader;
 
 private:
-    const VectorPicture& picture() {
-        if (picture_)
-            return *picture_;
+    Picture readHeader() override {
         if (source().size() > VectorPicture::maximumByteCount)
             throw Failure{reason::tooLarge};
-        picture_ = VectorPicture::create(source().bytes(0, source().size()));
-        if (!picture_)
+        Picture picture = VectorPicture::create(source().bytes(0, source().size()));
+        if (!picture)
             throw Failure{VectorPicture::isSupported() ? reason::damaged : reason::noDecoder};
-        return *picture_;
+        return picture;
     }
 
     /// A side of a picture that asks for less than half a pixel is one.
@@ -32,36 +31,29 @@ private:
             const double limit = static_cast<double>(maximumSide) + 1;
             return std::llround(std::clamp(length, 1.0, limit));
         };
-        return {side(picture().size().width), side(picture().size().height)};
+        return {side(header()->size().width), side(header()->size().height)};
     }
-
-    std::int64_t readCount() override { return size().width > 0 ? 1 : 0; }
 
     PropertyList::Dictionary readProperties(std::int64_t) override {
         return propertiesOf(Outline{.size = size(), .hasAlpha = true});
     }
 
-    std::optional<int> readOrientation(std::int64_t) override { return std::nullopt; }
-
     /// Drawn at the size that is wanted, so the picture's own need not be one of a bitmap.
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
         const PixelSize wanted = wantedSize(size(), options);
         checkSize(wanted);
-        std::optional<Bitmap> drawn = picture().drawn(wanted.width, wanted.height);
+        std::optional<Bitmap> drawn = header()->drawn(wanted.width, wanted.height);
         if (!drawn)
             throw Failure{reason::tooLarge};
         return std::move(*drawn);
     }
-
-    Bitmap readThumbnail(std::int64_t) override { throw Failure{reason::noThumbnail}; }
-
-    std::shared_ptr<const VectorPicture> picture_ = {};
 };
 
 } // namespace
 
-std::unique_ptr<ImageReader> makeSvgReader(std::unique_ptr<ByteSource> source) {
-    return std::make_unique<SvgReader>(std::move(source));
+void makeSvgReader(std::unique_ptr<ByteSource> source, FileFormat format,
+                   std::unique_ptr<ImageReader>& reader) {
+    reader = std::make_unique<SvgReader>(format, std::move(source));
 }
 
 } // namespace zorvan::imageio

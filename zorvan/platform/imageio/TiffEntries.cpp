@@ -13,9 +13,6 @@ namespace {
 constexpr std::uint64_t maximumEntries = 1000;
 constexpr std::uint64_t maximumValueSize = 16 << 10;
 
-/// How many bytes a value of each type takes; 0 for types that are none.
-constexpr std::array<std::uint64_t, 13> typeSizes = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8};
-
 /// The widths of a directory's own numbers.
 struct Widths {
     std::size_t entryCount;
@@ -25,16 +22,6 @@ struct Widths {
 
 Widths widthsOf(const TiffForm& form) { return form.wide ? Widths{8, 8} : Widths{2, 4}; }
 
-std::uint64_t numberAt(Bytes bytes, std::size_t offset, std::size_t width, bool isBigEndian) {
-    std::uint64_t value = bigEndian(bytes, offset, width);
-    if (isBigEndian)
-        return value;
-    std::uint64_t reversed = 0;
-    for (std::size_t i = 0; i < width; ++i, value >>= 8)
-        reversed = reversed << 8 | (value & 0xFF);
-    return reversed;
-}
-
 /// Absent when the value is too long or lies outside the file.
 std::optional<TiffEntry> entryFrom(Bytes bytes, const TiffForm& form, ByteSource& source) {
     const std::size_t width = widthsOf(form).position;
@@ -43,7 +30,7 @@ std::optional<TiffEntry> entryFrom(Bytes bytes, const TiffForm& form, ByteSource
     };
     const std::uint64_t type = number(2, 2);
     const std::uint64_t count = number(4, width);
-    const std::uint64_t typeSize = type < typeSizes.size() ? typeSizes[type] : 0;
+    const std::uint64_t typeSize = sizeOfType(type);
     if (typeSize == 0 || count == 0 || count > maximumValueSize / typeSize)
         return std::nullopt;
     const std::uint64_t size = count * typeSize;
@@ -80,6 +67,11 @@ TiffEntry pointer(std::uint16_t tag, std::uint64_t place, bool bigEndian) {
 }
 
 } // namespace
+
+std::uint64_t sizeOfType(std::uint64_t type) noexcept {
+    constexpr std::array<std::uint64_t, 13> sizes = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8};
+    return type < sizes.size() ? sizes[type] : 0;
+}
 
 std::vector<TiffEntry> readTiffEntries(ByteSource& source, const TiffForm& form,
                                        std::uint64_t directory) {

@@ -2,8 +2,8 @@
 
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 
-#include <algorithm>
 #include <cstdio>
+#include <new>
 
 namespace zorvan::imageio {
 namespace {
@@ -14,32 +14,34 @@ int silence(TIFF*, void*, const char*, const char*, va_list) { return 1; }
 
 } // namespace
 
-TiffFile::TiffFile(ByteSource& source) : source_(source) {
-    constexpr tmsize_t maximumAllocation = tmsize_t{1} << 30;
-    TIFFOpenOptions* options = TIFFOpenOptionsAlloc();
+Tiff openTiff(const char* mode, thandle_t handle, const TiffAccess& access, tmsize_t mostMemory) {
+    const std::unique_ptr<TIFFOpenOptions, Release<TIFFOpenOptionsFree>> options(
+        TIFFOpenOptionsAlloc());
     if (!options)
-        throw Failure{reason::noMemory};
-    TIFFOpenOptionsSetMaxSingleMemAlloc(options, maximumAllocation);
-    TIFFOpenOptionsSetErrorHandlerExtR(options, silence, nullptr);
-    TIFFOpenOptionsSetWarningHandlerExtR(options, silence, nullptr);
-    // Without a memory map, and with the places of the pixels looked up only when they are needed.
-    tiff_ = TIFFClientOpenExt(
-        "picture", "rmO", this, read, [](thandle_t, void*, tmsize_t) { return tmsize_t{0}; }, seek,
-        [](thandle_t) { return 0; },
-        [](thandle_t handle) -> toff_t { return static_cast<TiffFile*>(handle)->source_.size(); },
-        nullptr, nullptr, options);
-    TIFFOpenOptionsFree(options);
-    if (!tiff_)
-        throw Failure{reachedEnd_ ? reason::cutShort : reason::damaged};
-    try {
-        findPages();
-    } catch (...) {
-        TIFFClose(tiff_);
-        throw;
-    }
+        throw std::bad_alloc();
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), mostMemory);
+    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), silence, nullptr);
+    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), silence, nullptr);
+    return Tiff(TIFFClientOpenExt(
+        "picture", mode, handle, access.read, access.write, access.seek,
+        [](thandle_t) { return 0; }, access.size, nullptr, nullptr, options.get()));
 }
 
-TiffFile::~TiffFile() { TIFFClose(tiff_); }
+toff_t soughtPlace(toff_t offset, int whence, std::uint64_t position, std::uint64_t size) noexcept {
+    return offset + (whence == SEEK_SET ? 0 : whence == SEEK_CUR ? position : size);
+}
+
+TiffFile::TiffFile(ByteSource& source) : source_(source) {
+    constexpr tmsize_t maximumAllocation = tmsize_t{1} << 30;
+    const TiffAccess access = {
+        read, [](thandle_t, void*, tmsize_t) { return tmsize_t{0}; }, seek,
+        [](thandle_t handle) -> toff_t { return static_cast<TiffFile*>(handle)->source_.size(); }};
+    // Without a memory map, and with the places of the pixels looked up only when they are needed.
+    tiff_ = openTiff("rmO", this, access, maximumAllocation);
+    if (!tiff_)
+        fail();
+    findPages();
+}
 
 tmsize_t TiffFile::read(thandle_t handle, void* out, tmsize_t size) {
     TiffFile& file = *static_cast<TiffFile*>(handle);
@@ -53,10 +55,7 @@ tmsize_t TiffFile::read(thandle_t handle, void* out, tmsize_t size) {
 
 toff_t TiffFile::seek(thandle_t handle, toff_t offset, int whence) {
     TiffFile& file = *static_cast<TiffFile*>(handle);
-    const std::uint64_t base = whence == SEEK_SET   ? 0
-                               : whence == SEEK_CUR ? file.position_
-                                                    : file.source_.size();
-    file.position_ = base + offset;
+    file.position_ = soughtPlace(offset, whence, file.position_, file.source_.size());
     if (file.position_ > file.source_.size())
         file.reachedEnd_ = true;
     return file.position_;
@@ -65,7 +64,7 @@ toff_t TiffFile::seek(thandle_t handle, toff_t offset, int whence) {
 /// A reduced version follows its page in the chain, or hangs below it.
 void TiffFile::findPages() {
     do {
-        const tdir_t directory = TIFFCurrentDirectory(tiff_);
+        const tdir_t directory = TIFFCurrentDirectory(get());
         const auto kind = fieldOrDefault<std::uint32_t>(TIFFTAG_SUBFILETYPE, 0);
         if ((kind & FILETYPE_MASK) != 0)
             continue;
@@ -73,28 +72,28 @@ void TiffFile::findPages() {
             pages_.push_back({directory});
         else if (!pages_.back().reducedDirectory)
             pages_.back().reducedDirectory = directory;
-    } while (pages_.size() < maximumPages && TIFFReadDirectory(tiff_) == 1);
+    } while (pages_.size() < maximumPages && TIFFReadDirectory(get()) == 1);
     if (pages_.empty())
         throw Failure{reason::damaged};
 }
 
 void TiffFile::select(tdir_t directory) {
     reachedEnd_ = false;
-    if (TIFFSetDirectory(tiff_, directory) != 1)
+    if (TIFFSetDirectory(get(), directory) != 1)
         fail();
 }
 
 void TiffFile::selectAt(std::uint64_t offset) {
     reachedEnd_ = false;
-    if (TIFFSetSubDirectory(tiff_, offset) != 1)
+    if (TIFFSetSubDirectory(get(), offset) != 1)
         fail();
 }
 
 void TiffFile::fail() const { throw Failure{reachedEnd_ ? reason::cutShort : reason::damaged}; }
 
 void TiffFile::checkWithinFile(std::uint32_t strile) const {
-    const std::uint64_t offset = TIFFGetStrileOffset(tiff_, strile);
-    const std::uint64_t count = TIFFGetStrileByteCount(tiff_, strile);
+    const std::uint64_t offset = TIFFGetStrileOffset(get(), strile);
+    const std::uint64_t count = TIFFGetStrileByteCount(get(), strile);
     if (offset > source_.size() || count > source_.size() - offset)
         throw Failure{reason::cutShort};
 }

@@ -1,13 +1,17 @@
+#include <zorvan/platform/imageio/internal/ExifBlock.h>
 #include <zorvan/platform/imageio/internal/FormatReader.h>
+#include <zorvan/platform/imageio/internal/Iptc.h>
+#include <zorvan/platform/imageio/internal/Outline.h>
 #include <zorvan/platform/imageio/internal/PictureSink.h>
 #include <zorvan/platform/imageio/internal/TiffFile.h>
-#include <zorvan/platform/imageio/internal/TiffProperties.h>
 #include <zorvan/platform/imageio/internal/TiffSamples.h>
 #include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <memory>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -21,8 +25,19 @@ constexpr std::int64_t largestBand = std::int64_t{1} << 30;
 /// The rows of samples that one strip, or one row of tiles, holds: a plane for each sample, or one.
 class Band {
 public:
-    Band(const TiffFile& file, const TiffLayout& layout)
-        : file_(file), layout_(layout), planeCount_(layout.planar ? layout.sampleCount : 1) {}
+    Band(const TiffFile& file, const TiffLayout& layout, std::int64_t rowSize, std::int64_t rows)
+        : file_(file), layout_(layout), planeCount_(layout.planar ? layout.sampleCount : 1),
+          rowSize_(rowSize), rowCount_(rows) {
+        if (rowSize <= 0 || rows <= 0 || rowSize > largestBand / rows / planeCount_)
+            throw Failure{reason::tooLarge};
+        planes_.resize(static_cast<std::size_t>(planeCount_));
+        pointers_.resize(planes_.size());
+        for (auto& plane : planes_)
+            plane.assign(static_cast<std::size_t>(rowSize * rows), 0);
+        if (layout_.tiled)
+            tile_.resize(
+                static_cast<std::size_t>(std::max<tmsize_t>(0, TIFFTileSize(file_.get()))));
+    }
 
     std::int64_t rowCount() const noexcept { return rowCount_; }
 
@@ -36,20 +51,6 @@ public:
         for (std::size_t plane = 0; plane < static_cast<std::size_t>(planeCount_); ++plane)
             pointers_[plane] = planes_[plane].data() + y * rowSize_;
         return {pointers_.data(), static_cast<std::size_t>(planeCount_)};
-    }
-
-    void allocate(std::int64_t rowSize, std::int64_t rows) {
-        if (rowSize <= 0 || rows <= 0 || rowSize > largestBand / rows / planeCount_)
-            throw Failure{reason::tooLarge};
-        rowSize_ = rowSize;
-        rowCount_ = rows;
-        planes_.resize(static_cast<std::size_t>(planeCount_));
-        pointers_.resize(planes_.size());
-        for (auto& plane : planes_)
-            plane.assign(static_cast<std::size_t>(rowSize * rows), 0);
-        if (layout_.tiled)
-            tile_.resize(
-                static_cast<std::size_t>(std::max<tmsize_t>(0, TIFFTileSize(file_.get()))));
     }
 
 private:
@@ -88,14 +89,17 @@ private:
     const TiffFile& file_;
     const TiffLayout& layout_;
     int planeCount_;
-    std::int64_t rowSize_ = 0;
-    std::int64_t rowCount_ = 0;
+    std::int64_t rowSize_;
+    std::int64_t rowCount_;
     std::vector<std::vector<std::uint8_t>> planes_ = {};
     std::vector<const std::uint8_t*> pointers_ = {};
     std::vector<std::uint8_t> tile_ = {};
 };
 
-void readBands(const TiffFile& file, const TiffLayout& layout, Band& band, PictureSink& sink) {
+/// Band by band, of so many rows of so many bytes.
+void readBands(const TiffFile& file, const TiffLayout& layout, std::int64_t rowSize,
+               std::int64_t bandHeight, PictureSink& sink) {
+    Band band(file, layout, rowSize, bandHeight);
     TiffSamples samples(file, layout);
     for (std::int64_t y = 0; y < layout.size.height; y += band.rowCount()) {
         band.load(y);
@@ -117,9 +121,7 @@ void readTiled(const TiffFile& file, const TiffLayout& layout, PictureSink& sink
     const std::int64_t tilesAcross = (layout.size.width + tileWidth - 1) / tileWidth;
     if (tileRowSize > largestBand / tilesAcross)
         throw Failure{reason::tooLarge};
-    Band band(file, layout);
-    band.allocate(tileRowSize * tilesAcross, tileHeight);
-    readBands(file, layout, band, sink);
+    readBands(file, layout, tileRowSize * tilesAcross, tileHeight, sink);
 }
 
 void readRowByRow(const TiffFile& file, const TiffLayout& layout, PictureSink& sink) {
@@ -149,9 +151,7 @@ void readStrips(const TiffFile& file, const TiffLayout& layout, PictureSink& sin
         throw Failure{reason::damaged};
     if (!layout.planar && rowSize > largestWholeStrip / rows)
         return readRowByRow(file, layout, sink);
-    Band band(file, layout);
-    band.allocate(rowSize, rows);
-    readBands(file, layout, band, sink);
+    readBands(file, layout, rowSize, rows, sink);
 }
 
 /// For what is not laid out plainly: the library's own conversion, which also multiplies by the
@@ -202,10 +202,101 @@ Bitmap readPage(const TiffFile& file, const DecodeOptions& options) {
     return sink.take();
 }
 
+struct Field {
+    std::uint32_t tag;
+    const char* key;
+};
+
+constexpr std::array<Field, 9> texts = {{{TIFFTAG_DOCUMENTNAME, "DocumentName"},
+                                         {TIFFTAG_IMAGEDESCRIPTION, "ImageDescription"},
+                                         {TIFFTAG_MAKE, "Make"},
+                                         {TIFFTAG_MODEL, "Model"},
+                                         {TIFFTAG_SOFTWARE, "Software"},
+                                         {TIFFTAG_DATETIME, "DateTime"},
+                                         {TIFFTAG_ARTIST, "Artist"},
+                                         {TIFFTAG_HOSTCOMPUTER, "HostComputer"},
+                                         {TIFFTAG_COPYRIGHT, "Copyright"}}};
+
+constexpr std::array<Field, 4> shorts = {{{TIFFTAG_COMPRESSION, "Compression"},
+                                          {TIFFTAG_PHOTOMETRIC, "PhotometricInterpretation"},
+                                          {TIFFTAG_ORIENTATION, "Orientation"},
+                                          {TIFFTAG_RESOLUTIONUNIT, "ResolutionUnit"}}};
+
+PropertyList::Dictionary tiffSection(const TiffFile& file) {
+    PropertyList::Dictionary result;
+    for (const Field& field : texts)
+        if (const auto text = file.field<const char*>(field.tag); text && *text)
+            result.emplace(field.key, textFrom(*text));
+    for (const Field& field : shorts)
+        if (const auto value = file.field<std::uint16_t>(field.tag))
+            result.emplace(field.key, *value);
+    if (const auto x = file.field<float>(TIFFTAG_XRESOLUTION); x && std::isfinite(*x))
+        result.emplace("XResolution", *x);
+    if (const auto y = file.field<float>(TIFFTAG_YRESOLUTION); y && std::isfinite(*y))
+        result.emplace("YResolution", *y);
+    if (TIFFIsTiled(file.get()) != 0) {
+        result.emplace("TileWidth", file.fieldOrDefault<std::uint32_t>(TIFFTAG_TILEWIDTH, 0));
+        result.emplace("TileLength", file.fieldOrDefault<std::uint32_t>(TIFFTAG_TILELENGTH, 0));
+    }
+    return result;
+}
+
+std::string_view colorModelOf(int photometric) {
+    switch (photometric) {
+    case PHOTOMETRIC_MINISWHITE:
+    case PHOTOMETRIC_MINISBLACK:
+        return "Gray";
+    case PHOTOMETRIC_SEPARATED:
+        return "CMYK";
+    case PHOTOMETRIC_CIELAB:
+    case PHOTOMETRIC_ICCLAB:
+    case PHOTOMETRIC_ITULAB:
+        return "Lab";
+    default:
+        return "RGB";
+    }
+}
+
+void addBlocks(const TiffFile& file, PropertyList::Dictionary& properties) {
+    std::uint32_t count = 0;
+    const void* bytes = nullptr;
+    if (TIFFGetField(file.get(), TIFFTAG_PHOTOSHOP, &count, &bytes) == 1 && bytes)
+        addPhotoshopProperties({static_cast<const std::byte*>(bytes), count}, properties);
+}
+
+/// The EXIF value, 1 to 8, of the current directory.
+std::optional<int> tiffOrientation(const TiffFile& file) {
+    const auto value = file.field<std::uint16_t>(TIFFTAG_ORIENTATION);
+    const bool known = value && *value >= 1 && *value <= 8;
+    return known ? std::optional<int>(*value) : std::nullopt;
+}
+
+PropertyList::Dictionary tiffProperties(const TiffFile& file) {
+    const int photometric = file.field<std::uint16_t>(TIFFTAG_PHOTOMETRIC).value_or(0);
+    const TiffLayout layout = layoutOf(file);
+    if (layout.size.width < 1 || layout.size.height < 1)
+        throw Failure{reason::damaged};
+    PropertyList::Dictionary tiff = tiffSection(file);
+    PropertyList::Dictionary result =
+        propertiesOf({.size = layout.size,
+                      .depth = layout.bits,
+                      .colorModel = colorModelOf(photometric),
+                      .hasAlpha = layout.alpha != TiffLayout::Alpha::none,
+                      .orientation = tiffOrientation(file),
+                      .dpi = resolutionIn(tiff)});
+    result.emplace("{TIFF}", std::move(tiff));
+    addBlocks(file, result);
+    const ExifPlaces places = {
+        .exif = file.field<std::uint64_t>(TIFFTAG_EXIFIFD).value_or(0),
+        .gps = file.field<std::uint64_t>(TIFFTAG_GPSIFD).value_or(0),
+    };
+    addExifProperties(exifBlockFrom(file.source(), file.form(), places), result);
+    return result;
+}
+
 class TiffReader final : public FormatReader {
 public:
-    explicit TiffReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::tiff, std::move(source)) {}
+    using FormatReader::FormatReader;
 
 private:
     TiffFile& file() {
@@ -266,9 +357,9 @@ private:
 
 } // namespace
 
-extern "C" void zorvanMakeTiffReader(std::unique_ptr<ByteSource> source,
+extern "C" void zorvanMakeTiffReader(std::unique_ptr<ByteSource> source, FileFormat format,
                                      std::unique_ptr<ImageReader>& reader) {
-    reader = std::make_unique<TiffReader>(std::move(source));
+    reader = std::make_unique<TiffReader>(format, std::move(source));
 }
 
 } // namespace zorvan::imageio

@@ -267,12 +267,7 @@ void TiffSamples::applyAlpha(std::uint8_t* rgba) const {
     const std::int64_t width = layout_.size.width;
     for (std::int64_t x = 0; x < width; ++x)
         rgba[x * 4 + 3] = alpha_[static_cast<std::size_t>(x)];
-    if (layout_.alpha == TiffLayout::Alpha::unassociated)
-        return premultiply(rgba, width);
-    // A broken file may state more colour than its alpha allows.
-    for (std::int64_t x = 0; x < width; ++x, rgba += 4)
-        for (int c = 0; c < 3; ++c)
-            rgba[c] = std::min(rgba[c], rgba[3]);
+    finishAlpha(rgba, width, layout_.alpha == TiffLayout::Alpha::associated);
 }
 
 } // namespace zorvan::imageio

@@ -1,15 +1,12 @@
 #include <zorvan/platform/imageio/internal/FrameWriter.h>
 #include <zorvan/platform/imageio/internal/StoredProperties.h>
+#include <zorvan/platform/imageio/internal/TiffFile.h>
 #include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstring>
-#include <memory>
 #include <vector>
-
-#include <tiffio.h>
 
 namespace zorvan::imageio {
 namespace {
@@ -45,39 +42,21 @@ public:
 
     static toff_t seek(thandle_t handle, toff_t offset, int whence) {
         MemoryFile& file = *static_cast<MemoryFile*>(handle);
-        const toff_t base = whence == SEEK_SET   ? 0
-                            : whence == SEEK_CUR ? file.position_
-                                                 : file.bytes.size();
-        file.position_ = static_cast<std::size_t>(base + offset);
-        return file.position_;
+        return file.position_ = soughtPlace(offset, whence, file.position_, file.bytes.size());
     }
 
-    static int close(thandle_t) { return 0; }
     static toff_t size(thandle_t handle) { return static_cast<MemoryFile*>(handle)->bytes.size(); }
 
 private:
     std::size_t position_ = 0;
 };
 
-struct Close {
-    void operator()(TIFF* tiff) const noexcept { TIFFClose(tiff); }
-};
-using Tiff = std::unique_ptr<TIFF, Close>;
-
-int silence(TIFF*, void*, const char*, const char*, va_list) { return 1; }
-
 Tiff openForWriting(MemoryFile& file, std::int64_t byteCount) {
     // Little-endian, as our own directories are. Beyond 4 GB the offsets of the classic form do not
     // suffice.
     const char* mode = byteCount > std::int64_t{4'000'000'000} ? "wl8" : "wl";
-    TIFFOpenOptions* options = TIFFOpenOptionsAlloc();
-    TIFFOpenOptionsSetErrorHandlerExtR(options, silence, nullptr);
-    TIFFOpenOptionsSetWarningHandlerExtR(options, silence, nullptr);
-    Tiff tiff(TIFFClientOpenExt("memory", mode, &file, MemoryFile::read, MemoryFile::write,
-                                MemoryFile::seek, MemoryFile::close, MemoryFile::size, nullptr,
-                                nullptr, options));
-    TIFFOpenOptionsFree(options);
-    return tiff;
+    return openTiff(mode, &file,
+                    {MemoryFile::read, MemoryFile::write, MemoryFile::seek, MemoryFile::size}, 0);
 }
 
 bool isKnown(int compression) {
@@ -123,14 +102,13 @@ void setLayout(TIFF* tiff, const Bitmap& bitmap, bool opaque, int compression) {
 }
 
 bool writeRows(TIFF* tiff, const Bitmap& bitmap, bool opaque) {
-    RgbaRows rows(bitmap);
     // The codec may turn the row into differences in place.
     std::vector<std::uint8_t> out(static_cast<std::size_t>(bitmap.bytesPerRow()));
     for (std::int64_t y = 0; y < bitmap.height(); ++y) {
         if (opaque)
-            dropAlpha(rows(y), out.data(), bitmap.width());
+            dropAlpha(bitmap.row(y), out.data(), bitmap.width());
         else
-            std::memcpy(out.data(), rows(y), out.size());
+            std::memcpy(out.data(), bitmap.row(y), out.size());
         if (TIFFWriteScanline(tiff, out.data(), static_cast<std::uint32_t>(y), 0) != 1)
             return false;
     }

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <string_view>
 
 #include <webp/decode.h>
@@ -18,20 +17,13 @@ constexpr std::uint64_t fileHeadSize = 12;
 constexpr std::uint64_t chunkHeadSize = 8;
 constexpr int maximumChunks = 10'000;
 
-std::uint64_t littleEndian(Bytes bytes, std::size_t offset, std::size_t width) {
-    std::uint64_t value = 0;
-    for (std::size_t i = width; i-- > 0;)
-        value = value << 8 | std::to_integer<std::uint64_t>(bytes[offset + i]);
-    return value;
-}
-
 /// The first picture of an animation, and where it stands on the canvas.
 struct Frame {
-    std::int64_t x = 0;
-    std::int64_t y = 0;
-    PixelSize size;
+    PixelRect place;
     std::uint64_t start = 0;
     std::uint64_t length = 0;
+
+    PixelSize size() const { return {place.width, place.height}; }
 };
 
 struct Header {
@@ -69,9 +61,7 @@ std::optional<Frame> frameAt(ByteSource& source, std::uint64_t start, std::uint6
     const auto number = [&](std::size_t offset) {
         return static_cast<std::int64_t>(littleEndian(head, offset, 3));
     };
-    return Frame{.x = number(0) * 2,
-                 .y = number(3) * 2,
-                 .size = {number(6) + 1, number(9) + 1},
+    return Frame{.place = {number(0) * 2, number(3) * 2, number(6) + 1, number(9) + 1},
                  .start = start + head.size(),
                  .length = length - head.size()};
 }
@@ -83,7 +73,7 @@ void readChunks(ByteSource& source, Header& header) {
         std::array<std::byte, chunkHeadSize> head;
         if (!source.fill(position, head))
             return;
-        const std::string_view name(reinterpret_cast<const char*>(head.data()), 4);
+        const std::string_view name = textOf(head).substr(0, 4);
         const std::uint64_t length = littleEndian(head, 4, 4);
         position += chunkHeadSize;
         if (name == "EXIF" && header.exif.empty() && length <= maximumMetadataSize) {
@@ -97,7 +87,7 @@ void readChunks(ByteSource& source, Header& header) {
     }
 }
 
-Header readHeader(ByteSource& source) {
+Header headerOf(ByteSource& source) {
     const Data head = source.bytes(0, 64);
     WebPBitstreamFeatures features = {};
     check(WebPGetFeatures(octets(head), head.size(), &features));
@@ -112,13 +102,6 @@ Header readHeader(ByteSource& source) {
     if (!features.has_animation)
         header.frame.reset();
     return header;
-}
-
-Bitmap bitmapOf(PixelSize size) {
-    std::optional<Bitmap> bitmap = Bitmap::make(size.width, size.height);
-    if (!bitmap)
-        throw Failure{reason::noMemory};
-    return std::move(*bitmap);
 }
 
 /// Decodes at the size that is wanted.
@@ -144,47 +127,27 @@ Bitmap decoded(Bytes bytes, PixelSize stored, PixelSize wanted) {
 /// The picture at its place on the canvas, which is transparent elsewhere.
 Bitmap onCanvas(const Bitmap& picture, const Frame& frame, PixelSize canvas, PixelSize wanted) {
     PictureSink sink(canvas, wanted);
-    const std::int64_t left = std::min(frame.x, canvas.width);
-    const std::int64_t width = std::min(frame.size.width, canvas.width - left);
-    for (std::int64_t y = 0; y < canvas.height; ++y) {
-        std::uint8_t* const row = sink.row();
-        std::fill_n(row, canvas.width * 4, std::uint8_t{0});
-        if (y >= frame.y && y < frame.y + frame.size.height)
-            std::memcpy(row + left * 4, picture.row(y - frame.y),
-                        static_cast<std::size_t>(width) * 4);
-        sink.commit();
-    }
+    std::int64_t y = 0;
+    sink.putOnCanvas(canvas, frame.place, [&](std::uint8_t* out, std::int64_t count) {
+        std::copy_n(picture.row(y++), count * 4, out);
+    });
     return sink.take();
 }
 
-class WebPReader final : public FormatReader {
+class WebPReader final : public HeaderReader<Header> {
 public:
-    explicit WebPReader(std::unique_ptr<ByteSource> source)
-        : FormatReader(FileFormat::webp, std::move(source)) {}
+    using HeaderReader::HeaderReader;
 
 private:
-    const Header& header() {
-        if (!header_)
-            header_ = readHeader(source());
-        return *header_;
-    }
+    Header readHeader() override { return headerOf(source()); }
 
-    std::int64_t readCount() override { return header().size.width > 0 ? 1 : 0; }
+    Bytes exif() override { return header().exif; }
 
     PropertyList::Dictionary readProperties(std::int64_t) override {
-        PropertyList::Dictionary extra;
-        addExifProperties(header().exif, extra);
-        PropertyList::Dictionary result =
-            propertiesOf(Outline{.size = header().size,
-                                 .hasAlpha = header().hasAlpha,
-                                 .orientation = exifOrientation(header().exif),
-                                 .dpi = exifResolution(extra)});
-        result.merge(extra);
-        return result;
-    }
-
-    std::optional<int> readOrientation(std::int64_t) override {
-        return exifOrientation(header().exif);
+        return propertiesOf({.size = header().size,
+                             .hasAlpha = header().hasAlpha,
+                             .orientation = exifOrientation(exif())},
+                            exif());
     }
 
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
@@ -195,24 +158,20 @@ private:
         const PixelSize wanted = wantedSize(head.size, options);
         if (!head.frame)
             return decoded(wholeFile(source()), head.size, wanted);
-        checkSize(head.frame->size);
+        const PixelSize size = head.frame->size();
+        checkSize(size);
         const Data bytes = source().bytes(head.frame->start, head.frame->length);
-        if (head.frame->size == head.size)
-            return decoded(bytes, head.size, wanted);
-        const Bitmap picture = decoded(bytes, head.frame->size, head.frame->size);
-        return onCanvas(picture, *head.frame, head.size, wanted);
+        if (size == head.size)
+            return decoded(bytes, size, wanted);
+        return onCanvas(decoded(bytes, size, size), *head.frame, head.size, wanted);
     }
-
-    Bitmap readThumbnail(std::int64_t) override { return thumbnailInExif(header().exif); }
-
-    std::optional<Header> header_ = {};
 };
 
 } // namespace
 
-extern "C" void zorvanMakeWebPReader(std::unique_ptr<ByteSource> source,
+extern "C" void zorvanMakeWebPReader(std::unique_ptr<ByteSource> source, FileFormat format,
                                      std::unique_ptr<ImageReader>& reader) {
-    reader = std::make_unique<WebPReader>(std::move(source));
+    reader = std::make_unique<WebPReader>(format, std::move(source));
 }
 
 } // namespace zorvan::imageio

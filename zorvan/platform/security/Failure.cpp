@@ -27,6 +27,7 @@ OSStatus statusOf(const privatestore::DatabaseFailure& failure) {
         return errSecAuthFailed;
     case Reason::notOpened:
     case Reason::damage:
+    case Reason::newer:
     case Reason::other:
         break;
     }

@@ -49,6 +49,10 @@ ItemDatabase::ItemDatabase(const privatestore::PrivateFolder& folder)
     prepareSchema();
 }
 
+ItemDatabase::Change::Change(ItemDatabase& database) : Transaction(database) {
+    database.requireVersion(version);
+}
+
 std::optional<struct stat> ItemDatabase::status(const privatestore::PrivateFolder& folder) {
     return folder.statusOfFile(databaseFile);
 }

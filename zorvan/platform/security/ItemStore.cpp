@@ -249,7 +249,7 @@ void ItemStore::close() {
 bool ItemStore::add(const NewItem& item) {
     // The keyring may take its time, for which no other process should have to wait.
     const SealingKey& key = custody_.forSealing();
-    ItemDatabase::Transaction transaction(*database_);
+    ItemDatabase::Change transaction(*database_);
     if (!insert(item, matching(relativesOf(item.attributes.texts)), key))
         return false;
     transaction.commit();
@@ -258,7 +258,7 @@ bool ItemStore::add(const NewItem& item) {
 
 void ItemStore::addOrUpdate(const NewItem& item) {
     const SealingKey& key = custody_.forSealing();
-    ItemDatabase::Transaction transaction(*database_);
+    ItemDatabase::Change transaction(*database_);
     std::vector<SecureItem> relatives = matching(relativesOf(item.given.texts));
     if (!insert(item, relatives, key))
         giveValue(relatives, item.given, key);
@@ -267,7 +267,7 @@ void ItemStore::addOrUpdate(const NewItem& item) {
 
 void ItemStore::update(const ItemQuery& query, const ItemAttributes& changes) {
     const SealingKey& key = custody_.forSealing();
-    ItemDatabase::Transaction transaction(*database_);
+    ItemDatabase::Change transaction(*database_);
     bool isChanged = false;
     for (const SecureItem& row : matching(query)) {
         SecureItem changed = row;
@@ -391,7 +391,7 @@ std::optional<Secret> ItemStore::valueOf(const ItemQuery& query) {
 
 void ItemStore::modify(const ItemQuery& query, ItemAttributes written, const ChangeValue& change) {
     custody_.forSealing(); // before the transaction, as it may take its time
-    ItemDatabase::Transaction transaction(*database_);
+    ItemDatabase::Change transaction(*database_);
     const std::optional<Secret> before = valueOf(query);
     std::optional<Data> after = before ? std::optional(before->bytes()) : std::nullopt;
     const WipedAtEnd afterwards(after);
@@ -407,11 +407,13 @@ void ItemStore::modify(const ItemQuery& query, ItemAttributes written, const Cha
 }
 
 void ItemStore::remove(const ItemQuery& query) {
+    ItemDatabase::Change transaction(*database_);
     Statement statement = database_->statement("DELETE FROM items" + conditionsOf(query));
     bindConditions(statement, query);
     statement.step();
     if (database_->changes() == 0)
         throw Failure{errSecItemNotFound};
+    transaction.commit();
 }
 
 } // namespace zorvan::security

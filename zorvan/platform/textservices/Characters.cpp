@@ -1,5 +1,6 @@
 #include <zorvan/platform/textservices/Characters.h>
 
+#include <zorvan/platform/foundation/internal/UTF8.h>
 #include <zorvan/platform/textservices/internal/CharacterBreaks.h>
 #include <zorvan/platform/textservices/internal/CodePoints.h>
 
@@ -155,17 +156,8 @@ void skipBlocksBackward(std::string_view text, std::size_t limit, CharacterPosit
 }
 
 bool isAscii(std::string_view text) noexcept {
-    for (const char c : text)
-        if (static_cast<unsigned char>(c) >= 0x80)
-            return false;
-    return true;
-}
-
-bool isWellFormed(std::string_view text) noexcept {
-    for (std::size_t offset = 0; offset < text.size();)
-        if (nextCodePoint(text, offset) < 0)
-            return false;
-    return true;
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 } // namespace
@@ -199,7 +191,7 @@ CharacterPosition retreatCharacters(std::string_view text, std::size_t count) {
 
 std::string canonicalCharacter(std::string_view character) {
     constexpr std::size_t longest = std::numeric_limits<std::int32_t>::max();
-    if (isAscii(character) || character.size() > longest || !isWellFormed(character))
+    if (isAscii(character) || character.size() > longest || !internal::isUTF8(character))
         return std::string(character);
     UErrorCode status = U_ZERO_ERROR;
     const auto* decomposition = icu::Normalizer2::getNFDInstance(status);

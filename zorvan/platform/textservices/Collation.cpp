@@ -5,7 +5,6 @@
 
 #include <unicode/localpointer.h>
 #include <unicode/ucol.h>
-
 #include <unicode/ustring.h>
 
 #include <algorithm>
@@ -126,9 +125,7 @@ private:
     }
 
     static ComparisonResult result(int order) noexcept {
-        if (order == 0)
-            return ComparisonResult::orderedSame;
-        return order < 0 ? ComparisonResult::orderedAscending : ComparisonResult::orderedDescending;
+        return static_cast<ComparisonResult>((order > 0) - (order < 0));
     }
 
     icu::LocalUCollatorPointer collator_;

@@ -93,9 +93,7 @@ private:
 class NSMutableAttributedString : public NSAttributedString {
 public:
     /// As there.
-    /// @{
     using NSAttributedString::NSAttributedString;
-    /// @}
     /// A copy that can be edited.
     explicit NSMutableAttributedString(const NSAttributedString& text) : NSAttributedString(text) {}
 

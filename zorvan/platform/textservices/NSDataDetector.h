@@ -15,11 +15,7 @@ struct NSTextCheckingType {
 
     /// Only `link` can be detected.
     /// @{
-    static const NSTextCheckingType date;
-    static const NSTextCheckingType address;
-    static const NSTextCheckingType link;
-    static const NSTextCheckingType phoneNumber;
-    static const NSTextCheckingType transitInformation;
+    static const NSTextCheckingType date, address, link, phoneNumber, transitInformation;
     /// @}
 
     /// Whether all of the other set is in this one.

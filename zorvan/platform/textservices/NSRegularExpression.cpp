@@ -38,43 +38,30 @@ std::uint32_t icuFlags(NSRegularExpression::Options options) {
     return result;
 }
 
+constexpr std::pair<UErrorCode, const char*> reasons[] = {
+    {U_REGEX_RULE_SYNTAX, "syntax error"},
+    {U_REGEX_BAD_ESCAPE_SEQUENCE, "unknown backslash escape"},
+    {U_REGEX_PROPERTY_SYNTAX, "unknown character property"},
+    {U_REGEX_MISMATCHED_PAREN, "unbalanced parenthesis"},
+    {U_REGEX_NUMBER_TOO_BIG, "number too large"},
+    {U_REGEX_BAD_INTERVAL, "malformed {min,max} interval"},
+    {U_REGEX_MAX_LT_MIN, "maximum below minimum in {min,max} interval"},
+    {U_REGEX_INVALID_BACK_REF, "reference to a group that does not exist"},
+    {U_REGEX_INVALID_FLAG, "unknown mode flag"},
+    {U_REGEX_LOOK_BEHIND_LIMIT, "look-behind of unbounded length"},
+    {U_REGEX_MISSING_CLOSE_BRACKET, "missing closing bracket"},
+    {U_REGEX_INVALID_RANGE, "set range out of order"},
+    {U_REGEX_PATTERN_TOO_BIG, "pattern too large"},
+    {U_REGEX_INVALID_CAPTURE_GROUP_NAME, "invalid group name"},
+    {U_REGEX_STACK_OVERFLOW, "search needs too much memory"},
+    {U_REGEX_TIME_OUT, "search takes too long"},
+};
+
 const char* reason(UErrorCode status) {
-    switch (status) {
-    case U_REGEX_RULE_SYNTAX:
-        return "syntax error";
-    case U_REGEX_BAD_ESCAPE_SEQUENCE:
-        return "unknown backslash escape";
-    case U_REGEX_PROPERTY_SYNTAX:
-        return "unknown character property";
-    case U_REGEX_MISMATCHED_PAREN:
-        return "unbalanced parenthesis";
-    case U_REGEX_NUMBER_TOO_BIG:
-        return "number too large";
-    case U_REGEX_BAD_INTERVAL:
-        return "malformed {min,max} interval";
-    case U_REGEX_MAX_LT_MIN:
-        return "maximum below minimum in {min,max} interval";
-    case U_REGEX_INVALID_BACK_REF:
-        return "reference to a group that does not exist";
-    case U_REGEX_INVALID_FLAG:
-        return "unknown mode flag";
-    case U_REGEX_LOOK_BEHIND_LIMIT:
-        return "look-behind of unbounded length";
-    case U_REGEX_MISSING_CLOSE_BRACKET:
-        return "missing closing bracket";
-    case U_REGEX_INVALID_RANGE:
-        return "set range out of order";
-    case U_REGEX_PATTERN_TOO_BIG:
-        return "pattern too large";
-    case U_REGEX_INVALID_CAPTURE_GROUP_NAME:
-        return "invalid group name";
-    case U_REGEX_STACK_OVERFLOW:
-        return "search needs too much memory";
-    case U_REGEX_TIME_OUT:
-        return "search takes too long";
-    default:
-        return u_errorName(status);
-    }
+    for (const auto& [code, text] : reasons)
+        if (code == status)
+            return text;
+    return u_errorName(status);
 }
 
 std::string describe(UErrorCode status, const UParseError& place) {

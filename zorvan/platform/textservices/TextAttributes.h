@@ -13,13 +13,10 @@ namespace zorvan {
 
 /// A colour of text: sRGB components and opacity, each from 0 to 1.
 struct TextColor {
-    /// From 0 to 1.
-    /// @{
-    double red = 0;
-    double green = 0;
-    double blue = 0;
-    double alpha = 1;
-    /// @}
+    double red = 0;   ///< From 0 to 1.
+    double green = 0; ///< From 0 to 1.
+    double blue = 0;  ///< From 0 to 1.
+    double alpha = 1; ///< 1 is opaque.
 
     constexpr TextColor() noexcept = default;
     /// The components as they are.

@@ -9,7 +9,6 @@
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <limits>
 

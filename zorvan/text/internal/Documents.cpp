@@ -4,9 +4,20 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 
 namespace zorvan::internal {
+
+bool isSet(const AttributeDictionary& attributes, std::string_view name) noexcept {
+    const bool* value = attribute<bool>(attributes, name);
+    return value && *value;
+}
+
+std::int64_t superscriptLevel(const AttributeDictionary& attributes) noexcept {
+    const auto* level = attribute<std::int64_t>(attributes, AttributeName::superscript);
+    return level ? *level : 0;
+}
 
 bool isHarmlessLink(std::string_view address) {
     // Readers drop such characters before they look for the scheme, so they could hide one.
@@ -31,15 +42,10 @@ std::string documentNumber(double value) {
     constexpr double largest = 10000;
     if (!(std::abs(value) < largest))
         value = value > 0 ? largest : 0;
-    const long hundredths = std::lround(value * 100);
-    const long magnitude = std::abs(hundredths);
-    std::string text = hundredths < 0 ? "-" : "";
-    text += std::to_string(magnitude / 100);
-    if (const long places = magnitude % 100; places != 0) {
-        text += places < 10 ? ".0" : ".";
-        text += std::to_string(places % 10 == 0 ? places / 10 : places);
-    }
-    return text;
+    const double rounded = static_cast<double>(std::lround(value * 100)) / 100;
+    std::array<char, 16> text;
+    return {text.data(),
+            std::to_chars(text.begin(), text.end(), rounded, std::chars_format::fixed).ptr};
 }
 
 } // namespace zorvan::internal

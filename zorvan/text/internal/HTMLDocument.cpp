@@ -10,8 +10,6 @@ namespace zorvan::internal {
 
 namespace {
 
-constexpr std::u16string_view paragraphEnds = u"\n\r\u2029";
-
 /// A code point that HTML cannot hold stands as U+FFFD.
 std::string_view escaped(char c) noexcept {
     switch (c) {
@@ -73,11 +71,6 @@ std::string cssFont(const TextFont& font) {
     return style;
 }
 
-bool isSet(const AttributeDictionary& attributes, std::string_view name) {
-    const bool* value = attribute<bool>(attributes, name);
-    return value && *value;
-}
-
 std::string spanStyle(const AttributeDictionary& attributes) {
     std::string style;
     if (const auto* font = attribute<TextFont>(attributes, AttributeName::font))
@@ -97,10 +90,8 @@ std::string spanStyle(const AttributeDictionary& attributes) {
 }
 
 std::string_view scriptElement(const AttributeDictionary& attributes) {
-    const auto* level = attribute<std::int64_t>(attributes, AttributeName::superscript);
-    if (!level || *level == 0)
-        return {};
-    return *level > 0 ? "sup" : "sub";
+    const std::int64_t level = superscriptLevel(attributes);
+    return level > 0 ? "sup" : level < 0 ? "sub" : "";
 }
 
 std::string paragraphStart(const AttributeDictionary* attributes) {
@@ -174,7 +165,7 @@ std::string htmlDocument(const NSAttributedString& text) {
     for (std::size_t start = 0; start < units.size();) {
         const std::size_t end = std::min(units.find_first_of(paragraphEnds, start), units.size());
         document += paragraph(text, {start, end - start}, run);
-        start = end + (units.substr(end).starts_with(u"\r\n") ? 2 : 1);
+        start = paragraphAfter(units, end);
         while (run < text.runs().size() && text.runs()[run].range.end() <= start)
             ++run;
     }

@@ -14,7 +14,6 @@ namespace zorvan::internal {
 
 namespace {
 
-constexpr std::u16string_view paragraphEnds = u"\n\r\u2029";
 const TextFont defaultFont;
 
 /// Values in the order in which they were first asked for.
@@ -115,7 +114,7 @@ private:
             startsParagraph = end < units.size();
             if (startsParagraph)
                 out += "\\par\n";
-            start = end + (units.substr(end).starts_with(u"\r\n") ? 2 : 1);
+            start = paragraphAfter(units, end);
         }
         return out;
     }
@@ -154,16 +153,12 @@ private:
 
     static std::string lineFormat(const AttributeDictionary& attributes) {
         std::string out;
-        const auto* underline = attribute<bool>(attributes, AttributeName::underlineStyle);
-        if (underline && *underline)
+        if (isSet(attributes, AttributeName::underlineStyle))
             out += "\\ul";
-        const auto* strike = attribute<bool>(attributes, AttributeName::strikethroughStyle);
-        if (strike && *strike)
+        if (isSet(attributes, AttributeName::strikethroughStyle))
             out += "\\strike";
-        const auto* level = attribute<std::int64_t>(attributes, AttributeName::superscript);
-        if (level && *level != 0)
-            out += *level > 0 ? "\\super" : "\\sub";
-        return out;
+        const std::int64_t level = superscriptLevel(attributes);
+        return out + (level > 0 ? "\\super" : level < 0 ? "\\sub" : "");
     }
 
     static std::string linked(const std::string& content, const AttributeDictionary& attributes) {

@@ -2,7 +2,6 @@
 
 #include <zorvan/numbers-geometry/CGAffineTransform.h>
 #include <zorvan/numbers-geometry/CGSize.h>
-#include <zorvan/platform/avfoundation/internal/FileBytes.h>
 
 #include <memory>
 #include <span>
@@ -15,12 +14,16 @@ extern "C" {
 
 namespace zorvan::avfoundation {
 
+class FileBytes;
+
 /// A movie or sound file that FFmpeg has opened, and no other file with it.
 class MovieInput {
 public:
     /// Empty when it is no regular file, or none of a known container. Without `mayDecode` nothing
     /// is decoded to find out more about the tracks.
     static std::unique_ptr<MovieInput> open(const std::string& path, bool mayDecode);
+    MovieInput() noexcept;
+    ~MovieInput();
 
     AVFormatContext& context() const noexcept { return *context_; }
     std::span<AVStream* const> streams() const noexcept {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/graphics/Bitmap.h>
 
 #include <cstdint>
@@ -7,8 +8,10 @@
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include <mpv/client.h>
+#include <mpv/render.h>
 
 namespace zorvan::avfoundation {
 
@@ -22,29 +25,30 @@ public:
     /// `wake` is called on threads of libmpv when there are events or a frame. Empty when libmpv
     /// refuses, as it does under a numeric locale other than C's.
     static std::unique_ptr<MpvCore> create(std::function<void()> wake);
-    virtual ~MpvCore() = default;
     MpvCore(const MpvCore&) = delete;
-    MpvCore& operator=(const MpvCore&) = delete;
 
-    virtual void command(std::uint64_t id, std::initializer_list<const char*> words) = 0;
+    void command(std::uint64_t id, std::initializer_list<const char*> words);
     /// `flags` as mpv's command "seek" has them.
-    virtual void seek(std::uint64_t id, double seconds, const char* flags) = 0;
-    virtual void setFlag(const char* property, bool value) = 0;
-    virtual void setNumber(const char* property, double value) = 0;
-    virtual void observe(std::uint64_t id, const char* property, mpv_format format) = 0;
+    void seek(std::uint64_t id, double seconds, const char* flags);
+    void setFlag(const char* property, bool value);
+    void setNumber(const char* property, double value);
+    void observe(std::uint64_t id, const char* property, mpv_format format);
     /// Has the value, a double, come as an event.
-    virtual void ask(std::uint64_t id, const char* property) = 0;
-
+    void ask(std::uint64_t id, const char* property);
     /// The next event, `MPV_EVENT_NONE` when there is none. Valid until the next call.
-    virtual const mpv_event& nextEvent() = 0;
-
+    const mpv_event& nextEvent();
     /// Lets libmpv hand over the frame that is due; whether there was one.
-    virtual bool takeFrame() = 0;
+    bool takeFrame();
     /// Draws the frame that was taken last.
-    virtual std::optional<Bitmap> draw(std::int64_t width, std::int64_t height) = 0;
+    std::optional<Bitmap> draw(std::int64_t width, std::int64_t height);
 
-protected:
-    MpvCore() = default;
+private:
+    explicit MpvCore(std::function<void()> wake) : wake_(std::move(wake)) {}
+    bool start();
+
+    const std::function<void()> wake_;
+    std::unique_ptr<mpv_handle, Release<mpv_terminate_destroy>> handle_;
+    std::unique_ptr<mpv_render_context, Release<mpv_render_context_free>> renderer_;
 };
 
 } // namespace zorvan::avfoundation

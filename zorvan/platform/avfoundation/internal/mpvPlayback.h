@@ -19,6 +19,11 @@ struct Operation {
     double seconds = 0;     // of a seek
     std::int64_t steps = 0; // of a step; below zero: back
     MediaPlayer::Completion completion = {};
+
+    void complete(bool finished) const {
+        if (completion)
+            completion(finished);
+    }
 };
 
 /// What a player passes all on to.

@@ -1,5 +1,7 @@
 #include <zorvan/platform/bookmarks/internal/FileSearch.h>
 
+#include <zorvan/platform/foundation/internal/placeItem.h>
+
 #include <deque>
 #include <dirent.h>
 #include <memory>
@@ -8,11 +10,6 @@
 namespace zorvan::internal {
 
 namespace {
-
-std::string parentOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
-}
 
 /// Breadth first, so that what is near is found early. Names only: a directory tells the number of
 /// each file, and a folder is entered only when it is on the volume.
@@ -75,7 +72,7 @@ private:
 std::string existingFolder(std::string path) {
     struct stat status {};
     do
-        path = parentOf(path);
+        path = folderOf(path);
     while (path != "/" && (::stat(path.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)));
     return path;
 }
@@ -83,11 +80,11 @@ std::string existingFolder(std::string path) {
 std::string findMoved(const BookmarkRecord& file) {
     Search search(file);
     std::string searched;
-    for (std::string top = existingFolder(file.path);; top = parentOf(top)) {
+    for (std::string top = existingFolder(file.path);; top = folderOf(top)) {
         std::string found = search.below(top, searched);
         if (!found.empty() || top == "/")
             return found;
-        const auto here = FileIdentity::at(top), above = FileIdentity::at(parentOf(top));
+        const auto here = FileIdentity::at(top), above = FileIdentity::at(folderOf(top));
         if (!here || !above || here->device != above->device)
             return {};
         searched = top;

@@ -29,11 +29,12 @@ public:
 
     bool contains(std::string_view type) const { return types_.contains(std::string(type)); }
 
-    /// The types that this one is declared to be a special case of.
-    std::vector<std::string> parents(std::string_view type) const;
-
-    /// The extensions of a type, in the order of the database.
-    std::vector<std::string> extensions(std::string_view type) const;
+    struct Type {
+        std::vector<std::string> parents;    // what it is declared to be a special case of
+        std::vector<std::string> extensions; // in the order of the database
+    };
+    /// What is known of a type; nothing of an unknown one.
+    const Type& declared(std::string_view type) const;
 
     /// The words for the type in the wanted language ("de" or "pt_BR"; empty means English), read
     /// from its own file. Absent when there are none.
@@ -43,10 +44,6 @@ public:
     static std::string identifierOf(std::string_view type);
 
 private:
-    struct Type {
-        std::vector<std::string> parents;
-        std::vector<std::string> extensions;
-    };
     struct Match {
         std::string type;
         int weight = 0;

@@ -18,9 +18,4 @@ inline std::string lowered(std::string_view text) {
     return result;
 }
 
-constexpr bool equalIgnoringCase(std::string_view a, std::string_view b) noexcept {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lowered(x) == lowered(y); });
-}
-
 } // namespace zorvan::coreservices

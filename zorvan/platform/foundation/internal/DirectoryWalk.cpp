@@ -28,20 +28,14 @@ constexpr std::size_t nameOffset = 19;
 } // namespace
 
 std::unique_ptr<DirectoryWalk> DirectoryWalk::open(std::string path, Visits visits) {
-    const int descriptor = ::open(path.c_str(), openFlags);
-    if (descriptor < 0)
+    FileDescriptor descriptor(::open(path.c_str(), openFlags));
+    if (!descriptor)
         return nullptr;
     std::unique_ptr<DirectoryWalk> walk(new DirectoryWalk(visits));
     walk->path_ = path == "/" ? std::string() : std::move(path);
     walk->nameStart_ = walk->path_.size();
-    walk->enter(descriptor);
+    walk->enter(std::move(descriptor));
     return walk;
-}
-
-DirectoryWalk::~DirectoryWalk() {
-    for (const Level& level : levels_)
-        if (level.descriptor >= 0)
-            ::close(level.descriptor);
 }
 
 bool DirectoryWalk::advance() {
@@ -102,12 +96,12 @@ bool DirectoryWalk::takeRecord(Level& level) {
 /// that fails to be read ends there.
 bool DirectoryWalk::fill(Level& level) {
     level.position = level.end = 0;
-    if (level.isComplete || level.descriptor < 0)
+    if (level.isComplete || !level.descriptor)
         return false;
     if (level.records.size() < bufferSize)
         level.records.resize(bufferSize);
-    const long count =
-        ::syscall(SYS_getdents64, level.descriptor, level.records.data(), level.records.size());
+    const long count = ::syscall(SYS_getdents64, level.descriptor.get(), level.records.data(),
+                                 level.records.size());
     level.isComplete = count <= 0;
     if (count < 0)
         noteError(errno);
@@ -117,7 +111,7 @@ bool DirectoryWalk::fill(Level& level) {
 
 EntryKind DirectoryWalk::kindOnDisk() const {
     struct stat status {};
-    if (::fstatat(levels_.back().descriptor, name().data(), &status, AT_SYMLINK_NOFOLLOW) != 0)
+    if (::fstatat(folder(), name().data(), &status, AT_SYMLINK_NOFOLLOW) != 0)
         return EntryKind::file;
     return S_ISDIR(status.st_mode)   ? EntryKind::directory
            : S_ISLNK(status.st_mode) ? EntryKind::link
@@ -127,25 +121,24 @@ EntryKind DirectoryWalk::kindOnDisk() const {
 void DirectoryWalk::enterEntry() {
     if (levels_.size() - firstOpenLevel_ >= maximumOpenLevels)
         giveUpOldestDescriptor();
-    const int descriptor = openEntry();
-    if (descriptor >= 0)
-        enter(descriptor);
+    if (FileDescriptor descriptor = openEntry())
+        enter(std::move(descriptor));
     else
         noteError(errno);
 }
 
-int DirectoryWalk::openEntry() {
+FileDescriptor DirectoryWalk::openEntry() {
     for (;;) {
-        const int descriptor = ::openat(levels_.back().descriptor, name().data(), openFlags);
-        const bool isShort = descriptor < 0 && (errno == EMFILE || errno == ENFILE);
+        FileDescriptor descriptor(::openat(folder(), name().data(), openFlags));
+        const bool isShort = !descriptor && (errno == EMFILE || errno == ENFILE);
         if (!isShort || !giveUpOldestDescriptor())
             return descriptor;
     }
 }
 
-void DirectoryWalk::enter(int descriptor) {
+void DirectoryWalk::enter(FileDescriptor descriptor) {
     Level& level = levels_.emplace_back();
-    level.descriptor = descriptor;
+    level.descriptor = std::move(descriptor);
     level.pathLength = path_.size();
     if (!spareBuffers_.empty()) {
         level.records = std::move(spareBuffers_.back());
@@ -155,7 +148,7 @@ void DirectoryWalk::enter(int descriptor) {
 
 /// Goes back to the directory above, of which the one that was left is the current entry then.
 void DirectoryWalk::leave() {
-    const int child = levels_.back().descriptor;
+    const FileDescriptor child = std::move(levels_.back().descriptor);
     path_.resize(levels_.back().pathLength);
     kind_ = EntryKind::directory;
     if (spareBuffers_.size() < maximumOpenLevels)
@@ -163,11 +156,9 @@ void DirectoryWalk::leave() {
     levels_.pop_back();
     if (!levels_.empty()) {
         nameStart_ = levels_.back().pathLength + 1;
-        if (levels_.back().descriptor < 0)
+        if (!levels_.back().descriptor)
             reopen(levels_.back(), child);
     }
-    if (child >= 0)
-        ::close(child);
 }
 
 void DirectoryWalk::noteError(int error) noexcept {
@@ -181,13 +172,12 @@ bool DirectoryWalk::giveUpOldestDescriptor() {
         return false;
     Level& level = levels_[firstOpenLevel_];
     struct stat status {};
-    if (::fstat(level.descriptor, &status) != 0)
+    if (::fstat(level.descriptor.get(), &status) != 0)
         return false;
     readRest(level);
     level.device = status.st_dev;
     level.inode = status.st_ino;
-    ::close(level.descriptor);
-    level.descriptor = -1;
+    level.descriptor = FileDescriptor();
     ++firstOpenLevel_;
     return true;
 }
@@ -207,23 +197,18 @@ void DirectoryWalk::readRest(Level& level) {
 /// Opens a level again, through the directory below it, which was opened from it. Should that have
 /// been moved meanwhile, by its path. When neither leads there, its remaining entries are still
 /// told, but not entered.
-void DirectoryWalk::reopen(Level& level, int child) {
-    const auto isLevel = [&](int descriptor) {
-        struct stat status {};
-        return descriptor >= 0 && ::fstat(descriptor, &status) == 0 &&
-               status.st_dev == level.device && status.st_ino == level.inode;
-    };
+void DirectoryWalk::reopen(Level& level, const FileDescriptor& child) {
     firstOpenLevel_ = levels_.size() - 1;
     const std::string path = level.pathLength == 0 ? "/" : path_.substr(0, level.pathLength);
     for (const bool isThroughChild : {true, false}) {
-        const int descriptor = isThroughChild ? ::openat(child, "..", openFlags)
-                                              : openByPath(AT_FDCWD, path, openFlags);
-        if (isLevel(descriptor)) {
-            level.descriptor = descriptor;
+        FileDescriptor descriptor(isThroughChild ? ::openat(child.get(), "..", openFlags)
+                                                 : openByPath(AT_FDCWD, path, openFlags));
+        struct stat status {};
+        if (::fstat(descriptor.get(), &status) == 0 && status.st_dev == level.device &&
+            status.st_ino == level.inode) {
+            level.descriptor = std::move(descriptor);
             return;
         }
-        if (descriptor >= 0)
-            ::close(descriptor);
     }
     noteError(ESTALE);
 }

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+
 #include <cstddef>
 #include <deque>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -33,7 +34,6 @@ public:
 
     DirectoryWalk(const DirectoryWalk&) = delete;
     DirectoryWalk& operator=(const DirectoryWalk&) = delete;
-    ~DirectoryWalk();
 
     /// Goes on to the next entry; false at the end. The accessors below speak of this entry, until
     /// the next call.
@@ -48,7 +48,7 @@ public:
     bool isLeaving() const noexcept { return isLeaving_; }
 
     /// The directory that the entry stands in; -1 when it was not found again.
-    int folder() const noexcept { return levels_.back().descriptor; }
+    int folder() const noexcept { return levels_.back().descriptor.get(); }
 
     /// How deep the entry stands: 1 directly in the walked directory.
     std::size_t level() const noexcept { return entryLevel_; }
@@ -63,7 +63,7 @@ public:
 private:
     /// A directory that is being read.
     struct Level {
-        int descriptor = -1;
+        FileDescriptor descriptor;
         std::size_t pathLength = 0; // how much of the path names this directory
         std::vector<char> records;  // as the kernel wrote them, up to `end`
         std::size_t position = 0;   // of the next record
@@ -75,9 +75,9 @@ private:
 
     explicit DirectoryWalk(Visits visits) : visits_(visits) {}
 
-    void enter(int descriptor);
+    void enter(FileDescriptor descriptor);
     void enterEntry();
-    int openEntry();
+    FileDescriptor openEntry();
     void leave();
     bool takeRecord(Level& level);
     bool fill(Level& level);
@@ -85,7 +85,7 @@ private:
 
     bool giveUpOldestDescriptor();
     void readRest(Level& level);
-    void reopen(Level& level, int child);
+    void reopen(Level& level, const FileDescriptor& child);
     void noteError(int error) noexcept;
 
     Visits visits_;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cerrno>
+#include <sys/file.h>
 #include <unistd.h>
 #include <utility>
 
@@ -29,5 +31,14 @@ public:
 private:
     int descriptor_ = -1;
 };
+
+/// `flock`, begun again after signals. False when the lock cannot be had.
+inline bool lockDescriptor(int descriptor, int operation) noexcept {
+    int result = 0;
+    do
+        result = ::flock(descriptor, operation);
+    while (result != 0 && errno == EINTR);
+    return result == 0;
+}
 
 } // namespace zorvan::internal

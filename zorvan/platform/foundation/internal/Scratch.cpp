@@ -1,7 +1,6 @@
 #include <zorvan/platform/foundation/internal/Scratch.h>
 
 #include <zorvan/platform/foundation/UUID.h>
-#include <zorvan/platform/foundation/internal/lockDescriptor.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
 #include <zorvan/platform/foundation/internal/removeItem.h>
 

@@ -2,17 +2,27 @@
 
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 
+#include <cerrno>
+#include <sys/eventfd.h>
+#include <system_error>
+
 namespace zorvan::internal {
 
 /// Wakes a thread that polls its descriptor, which is readable from `signal` to `clear`.
 class Wakeup {
 public:
     /// Throws `std::system_error` when the process can open no more descriptors.
-    Wakeup();
+    Wakeup() : event_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+        if (!event_)
+            throw std::system_error(errno, std::generic_category(), "eventfd");
+    }
 
     int descriptor() const noexcept { return event_.get(); }
-    void signal() const noexcept;
-    void clear() const noexcept;
+    void signal() const noexcept { ::eventfd_write(event_.get(), 1); }
+    void clear() const noexcept {
+        eventfd_t count;
+        ::eventfd_read(event_.get(), &count);
+    }
 
 private:
     FileDescriptor event_;

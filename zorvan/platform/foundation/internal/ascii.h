@@ -18,4 +18,12 @@ constexpr char lowered(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
+/// The value of a hexadecimal digit of either case; -1 when it is none.
+constexpr int hexDigit(char c) noexcept {
+    if (isDigit(c))
+        return c - '0';
+    const char lower = lowered(c);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
 } // namespace zorvan::internal

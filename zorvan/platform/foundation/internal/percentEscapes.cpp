@@ -4,18 +4,6 @@
 
 namespace zorvan::internal {
 
-namespace {
-
-/// -1 when it is none.
-int hexDigit(char c) {
-    if (isDigit(c))
-        return c - '0';
-    const char lower = lowered(c);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
-} // namespace
-
 void appendPercentEscape(std::string& text, char byte) {
     constexpr std::string_view digits = "0123456789ABCDEF";
     const auto value = static_cast<unsigned char>(byte);

@@ -61,6 +61,14 @@ int exchange(const std::string& original, const std::string& replacement) {
     return isUnknownFlag(error) ? replaceItemInTwoSteps(original, replacement) : error;
 }
 
+int makeFolder(const std::string& path, mode_t mode) {
+    if (::mkdir(path.c_str(), mode) != 0)
+        return errno == EEXIST ? 0 : errno;
+    // What is waited for within it later needs it too.
+    synchroniseFolder(folderOf(path));
+    return 0;
+}
+
 } // namespace
 
 int placeItem(const std::string& from, const std::string& to) noexcept {
@@ -112,6 +120,18 @@ int replaceItemInTwoSteps(const std::string& original, const std::string& replac
         return error;
     }
     return placeItem(aside, replacement);
+}
+
+int makeFolders(const std::string& path, mode_t mode) {
+    int onTheWay = 0;
+    for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
+         slash = path.find('/', slash + 1)) {
+        const int error = makeFolder(path.substr(0, slash), mode);
+        if (onTheWay == 0)
+            onTheWay = error;
+    }
+    const int error = makeFolder(path, mode);
+    return error == ENOENT && onTheWay != 0 ? onTheWay : error;
 }
 
 std::string folderOf(const std::string& path) {

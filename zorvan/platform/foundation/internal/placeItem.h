@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <sys/types.h>
 
 namespace zorvan::internal {
 
@@ -25,6 +26,10 @@ int replaceItem(const std::string& original, const std::string& replacement);
 /// first, to its name with ".old-" and a UUID; for a moment nothing has its name, and a process
 /// that ends in this moment leaves it so.
 int replaceItemInTwoSteps(const std::string& original, const std::string& replacement);
+
+/// Makes a folder, and those on the way to it that are missing, with the mode as far as the process
+/// lets it; they are on the disk when it returns. It is no error that something is there already.
+int makeFolders(const std::string& path, mode_t mode);
 
 /// The folder that holds the item of a path; "." for a bare name.
 std::string folderOf(const std::string& path);

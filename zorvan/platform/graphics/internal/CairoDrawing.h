@@ -4,7 +4,6 @@
 #include <zorvan/platform/graphics/DrawingTarget.h>
 
 #include <cairo.h>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -57,7 +56,8 @@ CairoSurface surfaceOn(const DrawingTarget& target);
 void exchangeChannels(const DrawingTarget& target) noexcept;
 
 void appendPath(cairo_t* cairo, const CGPath& path);
-void setSourceColor(cairo_t* cairo, const PaintColor& color, double alpha, ChannelOrder order);
+/// As Cairo is told it.
+PaintColor ordered(PaintColor color, ChannelOrder order) noexcept;
 cairo_matrix_t cairoMatrix(const CGAffineTransform& t) noexcept;
 bool isInvertible(const CGAffineTransform& t) noexcept;
 

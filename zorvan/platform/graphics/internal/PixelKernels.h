@@ -6,17 +6,14 @@ namespace zorvan {
 
 /// The innermost loops over pixels, in the best form that this processor runs.
 struct PixelKernels {
-    /// Copies pixels.
-    void (*copy)(std::uint8_t* to, const std::uint8_t* from, std::int64_t count);
-    /// Copies pixels past the caches, for results too large to stay in them.
-    void (*stream)(std::uint8_t* to, const std::uint8_t* from, std::int64_t count);
-    /// Copies pixels in reverse order, past the caches when asked to.
-    void (*reverse)(std::uint8_t* to, const std::uint8_t* from, std::int64_t count, bool streaming);
-    /// Copy pixels, the alpha component moved from last to first and back.
-    void (*alphaFirst)(std::uint8_t* to, const std::uint8_t* from, std::int64_t count,
-                       bool streaming);
-    void (*alphaLast)(std::uint8_t* to, const std::uint8_t* from, std::int64_t count,
-                      bool streaming);
+    /// Copies pixels; past the caches when asked to, for results too large to stay in them.
+    using Copy = void (*)(std::uint8_t* to, const std::uint8_t* from, std::int64_t count,
+                          bool streaming);
+    Copy copy;
+    /// In reverse order.
+    Copy reverse;
+    /// The alpha component moved from last to first and back.
+    Copy alphaFirst, alphaLast;
     /// Writes `rows` rows of `columns` pixels: pixel (x, y) is the source's (y, x).
     void (*transpose)(std::uint8_t* to, std::int64_t toBytesPerRow, const std::uint8_t* from,
                       std::int64_t fromBytesPerRow, std::int64_t columns, std::int64_t rows);

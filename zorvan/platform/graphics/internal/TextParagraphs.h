@@ -11,10 +11,21 @@
 
 namespace zorvan {
 
-struct TextLayoutRelease {
-    void operator()(PangoLayout* layout) const noexcept { g_object_unref(layout); }
-};
-using TextLayout = std::unique_ptr<PangoLayout, TextLayoutRelease>;
+/// Pango stops the program when it is to draw without a font.
+inline bool hasFonts() {
+    static const bool hasOne = [] {
+        PangoFontFamily** families = nullptr;
+        int count = 0;
+        pango_font_map_list_families(pango_cairo_font_map_get_default(), &families, &count);
+        g_free(families);
+        return count > 0;
+    }();
+    return hasOne;
+}
+
+using TextLayout = std::unique_ptr<PangoLayout, Release<g_object_unref>>;
+using TextFontDescription =
+    std::unique_ptr<PangoFontDescription, Release<pango_font_description_free>>;
 
 /// A paragraph, its attributes as Pango knows them.
 class TextParagraph {

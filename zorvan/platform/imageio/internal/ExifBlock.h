@@ -19,6 +19,11 @@ std::optional<int> exifOrientation(Bytes block) noexcept;
 /// Puts what the block says into the dictionaries "{TIFF}", "{Exif}" and "{GPS}".
 void addExifProperties(Bytes block, PropertyList::Dictionary& properties);
 
+/// The properties of a picture: its outline, what its Exif block says, also of the resolution where
+/// the outline does not, and further dictionaries.
+PropertyList::Dictionary propertiesOf(Outline outline, Bytes exif,
+                                      PropertyList::Dictionary sections = {});
+
 /// The directories of an Exif block that stand apart in a TIFF, as a block; a place of 0 means
 /// none.
 struct ExifPlaces {
@@ -30,10 +35,14 @@ Data exifBlockFrom(ByteSource& source, const TiffForm& form, const ExifPlaces& p
 /// The small JPEG inside the block; empty when there is none.
 Data exifThumbnail(Bytes block);
 
-/// The resolution in pixels per inch that "{TIFF}" states, if it does.
-std::optional<Outline::Resolution> exifResolution(const PropertyList::Dictionary& properties);
+/// The resolution in pixels per inch that the dictionary "{TIFF}" states, if it does.
+std::optional<Outline::Resolution> resolutionIn(const PropertyList::Dictionary& tiff);
 
-/// The block without the "Exif\0\0" that some containers put before it.
+/// The block with, and without, the "Exif\0\0" that some containers put before it.
+Data withExifSignature(Bytes block);
 Bytes withoutExifSignature(Bytes block) noexcept;
+
+/// The block in a box that begins with how many bytes stand before it; empty when there is none.
+Bytes exifInBox(Bytes box) noexcept;
 
 } // namespace zorvan::imageio

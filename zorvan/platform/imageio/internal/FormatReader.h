@@ -6,7 +6,6 @@
 
 #include <memory>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace zorvan::imageio {
@@ -55,29 +54,52 @@ private:
     // Each throws Failure; the index has been checked against the count.
     virtual std::int64_t readCount() = 0;
     virtual PropertyList::Dictionary readProperties(std::int64_t index) = 0;
-    virtual std::optional<int> readOrientation(std::int64_t index) = 0;
     virtual Bitmap readPicture(std::int64_t index, const DecodeOptions& options) = 0;
-    virtual Bitmap readThumbnail(std::int64_t index) = 0;
+    /// The Exif block, where the orientation and the thumbnail stand in the absence of another
+    /// place; empty when there is none.
+    virtual Bytes exif() { return {}; }
+    virtual std::optional<int> readOrientation(std::int64_t index);
+    virtual Bitmap readThumbnail(std::int64_t index);
 
     template <class Operation>
     auto guarded(Operation operation) -> std::optional<decltype(operation())>;
-    void checkIndex(std::int64_t index);
+    template <class Operation>
+    auto at(std::int64_t index, Operation operation) -> std::optional<decltype(operation())>;
 
     std::unique_ptr<ByteSource> source_;
     FileFormat format_;
     std::string error_ = {};
 };
 
-std::unique_ptr<ImageReader> makeJpegReader(std::unique_ptr<ByteSource> source);
-std::unique_ptr<ImageReader> makePngReader(std::unique_ptr<ByteSource> source);
-std::unique_ptr<ImageReader> makeTiffReader(std::unique_ptr<ByteSource> source);
-std::unique_ptr<ImageReader> makeHeicReader(std::unique_ptr<ByteSource> source);
-std::unique_ptr<ImageReader> makeAvifReader(std::unique_ptr<ByteSource> source);
-std::unique_ptr<ImageReader> makeWebPReader(std::unique_ptr<ByteSource> source);
-std::unique_ptr<ImageReader> makeGifReader(std::unique_ptr<ByteSource> source);
-std::unique_ptr<ImageReader> makeBmpReader(std::unique_ptr<ByteSource> source);
-std::unique_ptr<ImageReader> makeSvgReader(std::unique_ptr<ByteSource> source);
-std::unique_ptr<ImageReader> makeJpegXLReader(std::unique_ptr<ByteSource> source);
+/// A reader of a format that holds one picture, whose header is read once.
+template <class Header>
+class HeaderReader : public FormatReader {
+public:
+    using FormatReader::FormatReader;
+
+protected:
+    const Header& header() {
+        if (!header_)
+            header_ = readHeader();
+        return *header_;
+    }
+
+private:
+    /// Throws Failure, also when the picture has no size.
+    virtual Header readHeader() = 0;
+    std::int64_t readCount() final {
+        header();
+        return 1;
+    }
+
+    std::optional<Header> header_ = {};
+};
+
+/// Makes the reader of a format.
+using MakeReader = void(std::unique_ptr<ByteSource> source, FileFormat format,
+                        std::unique_ptr<ImageReader>& reader);
+
+MakeReader makeJpegReader, makePngReader, makeBmpReader, makeSvgReader;
 
 bool isBmp(Bytes head) noexcept;
 

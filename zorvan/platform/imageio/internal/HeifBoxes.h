@@ -22,14 +22,6 @@ bool isHeif(Bytes head) noexcept;
 /// Whether one of the family says that its pictures are in AV1.
 bool isAvif(Bytes head) noexcept;
 
-struct PixelRect {
-    std::int64_t x = 0;
-    std::int64_t y = 0;
-    std::int64_t width = 0;
-    std::int64_t height = 0;
-    friend bool operator==(const PixelRect&, const PixelRect&) = default;
-};
-
 /// What the boxes of a HEIF file say about one picture.
 struct HeifPicture {
     std::uint32_t item = 0;

@@ -10,15 +10,14 @@
 
 namespace zorvan::imageio {
 
-std::string_view textOf(Bytes bytes);
-
 /// Reads one value after the other; past the end it throws.
 class HeifCursor {
 public:
     explicit HeifCursor(Bytes bytes) : rest_(bytes) {}
 
     std::uint64_t number(std::size_t width) { return bigEndian(take(width), 0, width); }
-    std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
+    std::uint32_t id(std::size_t width) { return static_cast<std::uint32_t>(number(width)); }
+    std::uint32_t u32() { return id(4); }
     int u16() { return static_cast<int>(number(2)); }
     int u8() { return static_cast<int>(number(1)); }
     Bytes take(std::size_t count);

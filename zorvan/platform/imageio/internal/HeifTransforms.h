@@ -3,7 +3,6 @@
 #include <zorvan/platform/imageio/internal/HeifBoxes.h>
 
 #include <array>
-#include <cstdint>
 
 namespace zorvan::imageio {
 

@@ -2,8 +2,10 @@
 
 #include <zorvan/platform/graphics/AreaDownscaler.h>
 #include <zorvan/platform/graphics/Bitmap.h>
+#include <zorvan/platform/graphics/ExactTransforms.h>
 #include <zorvan/platform/imageio/ImageReader.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -18,6 +20,9 @@ struct PixelSize {
 
 /// Throws when a picture of this size is refused: before anything is allocated for it.
 void checkSize(PixelSize size);
+
+/// A transparent bitmap of that size. Throws when there is no memory for it.
+Bitmap bitmapOf(PixelSize size);
 
 /// The size that a stored picture comes out at.
 PixelSize wantedSize(PixelSize stored, const DecodeOptions& options) noexcept;
@@ -34,6 +39,21 @@ public:
     std::uint8_t* row() noexcept;
     /// The row is there.
     void commit() noexcept;
+    /// All rows, of a picture of the source's size.
+    void put(const Bitmap& picture) noexcept;
+    /// All rows, of a canvas of the source's size on which a picture stands somewhere and which is
+    /// transparent elsewhere. `nextRow(out, count)` gives the first pixels of the picture's rows.
+    template <class NextRow>
+    void putOnCanvas(PixelSize canvas, const PixelRect& picture, NextRow nextRow) {
+        const std::int64_t left = std::min(picture.x, canvas.width);
+        const std::int64_t width = std::min(picture.width, canvas.width - left);
+        for (std::int64_t y = 0; y < canvas.height; ++y) {
+            std::fill_n(row(), canvas.width * 4, std::uint8_t{0});
+            if (y >= picture.y && y < picture.y + picture.height)
+                nextRow(row() + left * 4, width);
+            commit();
+        }
+    }
     /// After the last row.
     Bitmap take() { return std::move(bitmap_); }
 

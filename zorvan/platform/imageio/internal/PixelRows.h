@@ -15,6 +15,10 @@ void premultiply(std::uint8_t* pixels, std::int64_t count) noexcept;
 void unpremultiply(const std::uint8_t* premultiplied, std::uint8_t* out,
                    std::int64_t count) noexcept;
 
+/// Multiplies by alpha, unless that is done already: then no colour is left that is more than its
+/// alpha allows, as a broken file may state it.
+void finishAlpha(std::uint8_t* pixels, std::int64_t count, bool isPremultiplied) noexcept;
+
 /// The colour of ink on white paper, 0 meaning no ink, as opaque RGBA.
 void inkToRgba(const std::uint8_t* cmyk, std::uint8_t* rgba, std::int64_t count) noexcept;
 

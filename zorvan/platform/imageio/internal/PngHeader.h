@@ -12,7 +12,6 @@ struct PngHeader {
     PixelSize size;
     int depth = 8;
     int colorType = 0;
-    bool interlaced = false;
     bool hasTransparentColour = false;
     std::optional<Outline::Resolution> dpi = {};
     /// The Exif block; empty when there is none.

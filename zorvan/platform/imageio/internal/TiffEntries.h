@@ -29,6 +29,9 @@ struct TiffEntry {
     Data value;
 };
 
+/// How many bytes a value of that type takes; 0 for a type that is none.
+std::uint64_t sizeOfType(std::uint64_t type) noexcept;
+
 /// How the numbers of a TIFF file are written.
 struct TiffForm {
     bool bigEndian = false;

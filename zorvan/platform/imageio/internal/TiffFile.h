@@ -1,9 +1,11 @@
 #pragma once
 
+#include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/imageio/internal/ByteSource.h>
 #include <zorvan/platform/imageio/internal/TiffEntries.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -11,19 +13,34 @@
 
 namespace zorvan::imageio {
 
-/// libtiff reading from a source of ours, with its reports kept to this file.
+using Tiff = std::unique_ptr<TIFF, Release<TIFFClose>>;
+
+/// How libtiff reads and writes what a handle stands for.
+struct TiffAccess {
+    TIFFReadWriteProc read, write;
+    TIFFSeekProc seek;
+    TIFFSizeProc size;
+};
+
+/// Opens it without a word about what is wrong; null when that fails. Throws when there is no
+/// memory. `mostMemory` is what one part of it may take; 0 does not limit that.
+Tiff openTiff(const char* mode, thandle_t handle, const TiffAccess& access, tmsize_t mostMemory);
+
+/// The place after a seek.
+toff_t soughtPlace(toff_t offset, int whence, std::uint64_t position, std::uint64_t size) noexcept;
+
+/// libtiff reading from a source of ours.
 class TiffFile {
 public:
     /// Throws Failure when the first page cannot be read.
     explicit TiffFile(ByteSource& source);
-    ~TiffFile();
     TiffFile(const TiffFile&) = delete;
     TiffFile& operator=(const TiffFile&) = delete;
 
-    TIFF* get() const noexcept { return tiff_; }
+    TIFF* get() const noexcept { return tiff_.get(); }
     ByteSource& source() const noexcept { return source_; }
     TiffForm form() const noexcept {
-        return {.bigEndian = TIFFIsBigEndian(tiff_) != 0, .wide = TIFFIsBigTIFF(tiff_) != 0};
+        return {.bigEndian = TIFFIsBigEndian(get()) != 0, .wide = TIFFIsBigTIFF(get()) != 0};
     }
 
     struct Page {
@@ -46,12 +63,12 @@ public:
     template <class Value>
     std::optional<Value> field(std::uint32_t tag) const {
         Value value = {};
-        return TIFFGetField(tiff_, tag, &value) == 1 ? std::optional(value) : std::nullopt;
+        return TIFFGetField(get(), tag, &value) == 1 ? std::optional(value) : std::nullopt;
     }
     template <class Value>
     Value fieldOrDefault(std::uint32_t tag, Value otherwise) const {
         Value value = {};
-        return TIFFGetFieldDefaulted(tiff_, tag, &value) == 1 ? value : otherwise;
+        return TIFFGetFieldDefaulted(get(), tag, &value) == 1 ? value : otherwise;
     }
 
 private:
@@ -63,7 +80,7 @@ private:
     ByteSource& source_;
     std::uint64_t position_ = 0;
     bool reachedEnd_ = false;
-    TIFF* tiff_ = nullptr;
+    Tiff tiff_;
     std::vector<Page> pages_ = {};
 };
 

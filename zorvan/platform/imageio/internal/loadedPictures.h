@@ -1,10 +1,8 @@
 #pragma once
 
-#include <zorvan/platform/imageio/ImageReader.h>
 #include <zorvan/platform/imageio/ImageWriter.h>
-#include <zorvan/platform/imageio/internal/ByteSource.h>
+#include <zorvan/platform/imageio/internal/FormatReader.h>
 
-#include <memory>
 #include <optional>
 #include <span>
 
@@ -14,21 +12,11 @@
 
 namespace zorvan::imageio {
 
-extern "C" void zorvanMakeHeifReader(std::unique_ptr<ByteSource> source, FileFormat format,
-                                     std::unique_ptr<ImageReader>& reader);
+extern "C" MakeReader zorvanMakeHeifReader, zorvanMakeJpegXLReader, zorvanMakeTiffReader,
+    zorvanMakeWebPReader, zorvanMakeGifReader;
+
 extern "C" void zorvanHasHeicEncoder(bool& has);
 extern "C" void zorvanEncodeHeic(const Frame& frame, std::optional<Data>& bytes);
-
-extern "C" void zorvanMakeJpegXLReader(std::unique_ptr<ByteSource> source,
-                                       std::unique_ptr<ImageReader>& reader);
-
-extern "C" void zorvanMakeTiffReader(std::unique_ptr<ByteSource> source,
-                                     std::unique_ptr<ImageReader>& reader);
 extern "C" void zorvanEncodeTiff(std::span<const Frame> frames, std::optional<Data>& bytes);
-
-extern "C" void zorvanMakeWebPReader(std::unique_ptr<ByteSource> source,
-                                     std::unique_ptr<ImageReader>& reader);
-extern "C" void zorvanMakeGifReader(std::unique_ptr<ByteSource> source,
-                                    std::unique_ptr<ImageReader>& reader);
 
 } // namespace zorvan::imageio

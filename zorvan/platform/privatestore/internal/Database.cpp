@@ -301,6 +301,11 @@ bool Database::holdsJust(std::string_view tableDefinition) {
     return tables.step() && tables.text(0) == tableDefinition && !tables.step();
 }
 
+void Database::requireVersion(std::int64_t version) {
+    if (integer("PRAGMA user_version") > version)
+        throw DatabaseFailure(DatabaseFailure::Reason::newer, "it was written by a newer version");
+}
+
 int Database::changes() const { return sqlite3_changes(connection_.get()); }
 
 std::int64_t Database::lastInserted() const { return sqlite3_last_insert_rowid(connection_.get()); }

@@ -30,6 +30,7 @@ struct DatabaseFailure : std::runtime_error {
         notPermitted,
         notOpened,
         damage, ///< the bytes on the disk are no sound database
+        newer,  ///< a newer version of the library has taken it over
         other,  ///< it is held by others for too long, or was opened by another process
     };
 
@@ -124,6 +125,8 @@ public:
     std::int64_t integer(std::string_view query);
     /// Whether there is this table and nothing else.
     bool holdsJust(std::string_view tableDefinition);
+    /// Throws when its user version is higher than that, by the hand of a newer version.
+    void requireVersion(std::int64_t version);
     /// Rows changed by the last statement.
     int changes() const;
     /// The identifier of the last row that was put in.

@@ -1,8 +1,8 @@
 #include <zorvan/platform/privatestore/internal/PrivateFolder.h>
 
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/Release.h>
-#include <zorvan/platform/foundation/internal/lockDescriptor.h>
-#include <zorvan/platform/foundation/internal/makeFolders.h>
+#include <zorvan/platform/foundation/internal/placeItem.h>
 #include <zorvan/platform/privatestore/internal/patience.h>
 
 #include <cerrno>

@@ -13,6 +13,11 @@ public:
     /// database of another kind or of a newer version, which is left alone.
     explicit ItemDatabase(const privatestore::PrivateFolder& folder);
 
+    /// A transaction that changes items. Throws when a newer version has taken the database over.
+    struct Change : Transaction {
+        explicit Change(ItemDatabase& database);
+    };
+
     /// What the file system has of it; absent when it is not there.
     static std::optional<struct stat> status(const privatestore::PrivateFolder& folder);
 

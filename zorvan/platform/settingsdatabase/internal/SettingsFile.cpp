@@ -154,6 +154,7 @@ void SettingsFile::readAbove(std::int64_t id, const std::function<void()>& start
                              const RowReader& reader) {
     // One transaction, so that both answers are of the same moment.
     Transaction transaction(database_, Transaction::Kind::reading);
+    database_.requireVersion(formatVersion);
     const bool isTooOld = database_.integer(readPurged) > id;
     if (isTooOld)
         startOver();

@@ -15,10 +15,11 @@ void SettingsDatabase::Core::meet(const DatabaseFailure& failure, const char* co
         return;
     }
     note(failure.what() + std::string(consequence));
+    const bool isTakenOver = failure.reason == DatabaseFailure::Reason::newer;
     // The engine goes on with reading when a file could not be opened for writing, be it by chance.
     const bool isStuck =
         failure.reason == DatabaseFailure::Reason::notPermitted && file_ && file_->isWritable();
-    if (file_ && (isStuck || known_ != file_->identity())) // not even read
+    if (file_ && (isTakenOver || isStuck || known_ != file_->identity())) // not even read
         close();
 }
 

@@ -138,16 +138,16 @@ bool AsciiOrder::readRanks(const UCollator* collator) {
     return ranks_['0'] != 0;
 }
 
-AsciiOrder::Element AsciiOrder::nextElement(std::string_view text,
-                                            std::size_t& offset) const noexcept {
+std::optional<std::uint8_t> AsciiOrder::nextRank(std::string_view text,
+                                                 std::size_t& offset) const noexcept {
     for (; offset < text.size(); ++offset) {
         // What follows may make one letter with this one, as a combining mark does.
         if (!isAscii(text[offset]) || (offset + 1 < text.size() && !isAscii(text[offset + 1])))
-            return {false, 0};
+            return std::nullopt;
         if (const std::uint8_t rank = ranks_[static_cast<std::size_t>(text[offset])])
-            return {true, rank};
+            return rank;
     }
-    return {true, 0};
+    return 0;
 }
 
 std::optional<std::strong_ordering> AsciiOrder::compare(std::string_view a,
@@ -161,13 +161,13 @@ std::optional<std::strong_ordering> AsciiOrder::compare(std::string_view a,
     while (i > 0 && isDigit(a[i - 1]))
         --i;
     for (std::size_t j = i;;) {
-        const Element left = nextElement(a, i);
-        const Element right = nextElement(b, j);
-        if (!left.decided || !right.decided)
+        const auto left = nextRank(a, i);
+        const auto right = nextRank(b, j);
+        if (!left || !right)
             return std::nullopt;
-        if (left.rank != right.rank)
-            return left.rank <=> right.rank;
-        if (left.rank == 0)
+        if (*left != *right)
+            return *left <=> *right;
+        if (*left == 0)
             return std::strong_ordering::equal;
         if (!isDigit(a[i]) || !isDigit(b[j])) {
             ++i;

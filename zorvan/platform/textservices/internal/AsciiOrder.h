@@ -31,13 +31,10 @@ public:
     bool appendKey(std::string_view name, std::string& keys) const;
 
 private:
-    struct Element {
-        bool decided;
-        std::uint8_t rank; // 0 at the end
-    };
-
     bool readRanks(const UCollator* collator);
-    Element nextElement(std::string_view text, std::size_t& offset) const noexcept;
+    /// The rank of the next character that has one, 0 at the end; absent when that takes the
+    /// collator.
+    std::optional<std::uint8_t> nextRank(std::string_view text, std::size_t& offset) const noexcept;
 
     std::array<std::uint8_t, 128> ranks_{}; // 0 is ignored; all digits share one
     bool isUsable_;                         // set while the ranks are read, so it comes after them

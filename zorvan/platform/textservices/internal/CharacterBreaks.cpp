@@ -6,6 +6,7 @@
 #include <atomic>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace zorvan::internal {
 
@@ -42,37 +43,27 @@ BreakClass otherClass(UChar32 c) {
     return BreakClass::other;
 }
 
+constexpr std::pair<UGraphemeClusterBreak, BreakClass> plainClasses[] = {
+    {U_GCB_CR, BreakClass::carriageReturn},
+    {U_GCB_LF, BreakClass::lineFeed},
+    {U_GCB_CONTROL, BreakClass::control},
+    {U_GCB_ZWJ, BreakClass::joiner},
+    {U_GCB_REGIONAL_INDICATOR, BreakClass::regionalIndicator},
+    {U_GCB_PREPEND, BreakClass::prepend},
+    {U_GCB_SPACING_MARK, BreakClass::spacingMark},
+    {U_GCB_L, BreakClass::hangulL},
+    {U_GCB_V, BreakClass::hangulV},
+    {U_GCB_T, BreakClass::hangulT},
+    {U_GCB_LV, BreakClass::hangulLV},
+    {U_GCB_LVT, BreakClass::hangulLVT},
+};
+
 BreakClass classFromProperties(UChar32 c) {
-    switch (u_getIntPropertyValue(c, UCHAR_GRAPHEME_CLUSTER_BREAK)) {
-    case U_GCB_CR:
-        return BreakClass::carriageReturn;
-    case U_GCB_LF:
-        return BreakClass::lineFeed;
-    case U_GCB_CONTROL:
-        return BreakClass::control;
-    case U_GCB_EXTEND:
-        return extendClass(c);
-    case U_GCB_ZWJ:
-        return BreakClass::joiner;
-    case U_GCB_REGIONAL_INDICATOR:
-        return BreakClass::regionalIndicator;
-    case U_GCB_PREPEND:
-        return BreakClass::prepend;
-    case U_GCB_SPACING_MARK:
-        return BreakClass::spacingMark;
-    case U_GCB_L:
-        return BreakClass::hangulL;
-    case U_GCB_V:
-        return BreakClass::hangulV;
-    case U_GCB_T:
-        return BreakClass::hangulT;
-    case U_GCB_LV:
-        return BreakClass::hangulLV;
-    case U_GCB_LVT:
-        return BreakClass::hangulLVT;
-    default:
-        return otherClass(c);
-    }
+    const std::int32_t property = u_getIntPropertyValue(c, UCHAR_GRAPHEME_CLUSTER_BREAK);
+    for (const auto& [value, plain] : plainClasses)
+        if (property == value)
+            return plain;
+    return property == U_GCB_EXTEND ? extendClass(c) : otherClass(c);
 }
 
 constexpr int blockBits = 8;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <utility>
 
 namespace zorvan::internal {
 
@@ -58,31 +59,24 @@ BreakClass breakClass(std::int32_t codePoint) noexcept;
 
 /// The state after a code point that begins a character.
 constexpr BreakState stateAfter(BreakClass c) noexcept {
-    switch (c) {
-    case BreakClass::carriageReturn:
-        return BreakState::carriageReturn;
-    case BreakClass::lineFeed:
-    case BreakClass::control:
-        return BreakState::control;
-    case BreakClass::prepend:
-        return BreakState::prepend;
-    case BreakClass::hangulL:
-        return BreakState::hangulL;
-    case BreakClass::hangulV:
-    case BreakClass::hangulLV:
-        return BreakState::hangulV;
-    case BreakClass::hangulT:
-    case BreakClass::hangulLVT:
-        return BreakState::hangulT;
-    case BreakClass::pictograph:
-        return BreakState::pictograph;
-    case BreakClass::regionalIndicator:
-        return BreakState::regionalIndicator;
-    case BreakClass::consonant:
-        return BreakState::consonant;
-    default:
-        return BreakState::any;
-    }
+    constexpr std::pair<BreakClass, BreakState> states[] = {
+        {BreakClass::carriageReturn, BreakState::carriageReturn},
+        {BreakClass::lineFeed, BreakState::control},
+        {BreakClass::control, BreakState::control},
+        {BreakClass::prepend, BreakState::prepend},
+        {BreakClass::hangulL, BreakState::hangulL},
+        {BreakClass::hangulV, BreakState::hangulV},
+        {BreakClass::hangulLV, BreakState::hangulV},
+        {BreakClass::hangulT, BreakState::hangulT},
+        {BreakClass::hangulLVT, BreakState::hangulT},
+        {BreakClass::pictograph, BreakState::pictograph},
+        {BreakClass::regionalIndicator, BreakState::regionalIndicator},
+        {BreakClass::consonant, BreakState::consonant},
+    };
+    for (const auto& [begun, state] : states)
+        if (begun == c)
+            return state;
+    return BreakState::any;
 }
 
 /// The state after a mark that the current character takes in.
@@ -163,7 +157,7 @@ constexpr bool alwaysBreaks(BreakClass before, BreakClass after) noexcept {
         (after == BreakClass::consonant &&
          (before == BreakClass::linker || before == BreakClass::extendMark ||
           before == BreakClass::joiner));
-    return !dependsOnMore && step(stateAfter(before), after).breaks;
+    return !dependsOnMore && step(step(startOfText, before).next, after).breaks;
 }
 
 } // namespace zorvan::internal

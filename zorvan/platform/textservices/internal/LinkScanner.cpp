@@ -36,6 +36,18 @@ CodePoint codePointAt(std::string_view text, std::size_t offset) noexcept {
     return {c, offset};
 }
 
+/// The end of the code points from `start` on that belong.
+template <class Belongs>
+std::size_t endOfRun(std::string_view text, std::size_t start, Belongs belongs) noexcept {
+    while (start < text.size()) {
+        const auto [c, end] = codePointAt(text, start);
+        if (!belongs(c))
+            break;
+        start = end;
+    }
+    return start;
+}
+
 bool isWordPart(UChar32 c) noexcept {
     if (c < 0)
         return false;
@@ -46,20 +58,10 @@ bool endsAddress(UChar32 c) noexcept {
     if (c < 0x80)
         return c <= 0x20 || c == 0x7F ||
                std::string_view("<>\"`{}|\\^").find(static_cast<char>(c)) != std::string_view::npos;
-    switch (u_charType(c)) {
-    case U_SPACE_SEPARATOR:
-    case U_LINE_SEPARATOR:
-    case U_PARAGRAPH_SEPARATOR:
-    case U_CONTROL_CHAR:
-    case U_INITIAL_PUNCTUATION:
-    case U_FINAL_PUNCTUATION:
-    case U_START_PUNCTUATION:
-    case U_END_PUNCTUATION:
-    case U_UNASSIGNED:
-        return true;
-    default:
-        return c == 0x3001 || c == 0x3002 || c == 0xFF0C || c == 0xFF0E; // ideographic comma, stop
-    }
+    constexpr std::uint32_t ending = U_GC_Z_MASK | U_GC_CC_MASK | U_GC_CN_MASK | U_GC_PI_MASK |
+                                     U_GC_PF_MASK | U_GC_PS_MASK | U_GC_PE_MASK;
+    return (U_GET_GC_MASK(c) & ending) != 0 || c == 0x3001 || c == 0x3002 || c == 0xFF0C ||
+           c == 0xFF0E; // ideographic comma and stop
 }
 
 bool isLocalPart(UChar32 c) noexcept {
@@ -73,23 +75,16 @@ bool isLocalPart(UChar32 c) noexcept {
 }
 
 bool isInternetAddress(std::string_view host) noexcept {
-    std::size_t numbers = 0;
-    while (!host.empty() && numbers < 4) {
-        std::size_t digits = 0;
-        int value = 0;
-        for (; digits < host.size() && digits < 3 && isDigit(host[digits]); ++digits)
-            value = value * 10 + (host[digits] - '0');
-        if (digits == 0 || value > 255)
+    for (int number = 1; number <= 4; ++number) {
+        const std::size_t digits = std::min(host.find_first_not_of("0123456789"), host.size());
+        if (digits == 0 || digits > 3 || (digits == 3 && host.substr(0, 3) > "255"))
             return false;
-        ++numbers;
         host.remove_prefix(digits);
-        if (numbers < 4) {
-            if (host.empty() || host.front() != '.')
-                return false;
-            host.remove_prefix(1);
-        }
+        if (number < 4 && !host.starts_with('.'))
+            return false;
+        host.remove_prefix(number < 4 ? 1 : 0);
     }
-    return numbers == 4 && host.empty();
+    return host.empty();
 }
 
 bool isPublicSuffix(const std::string& name) {
@@ -164,14 +159,11 @@ std::optional<std::size_t> LinkScanner::schemedEnd(std::size_t start) const {
 
 /// The end of an address whose host must be one that could exist.
 std::optional<std::size_t> LinkScanner::authorityEnd(std::size_t start) const {
-    std::size_t host = start;
-    for (std::size_t i = start; i < text_.size() && !endsAddress(codePointAt(text_, i).value);
-         i = codePointAt(text_, i).end) {
-        if (text_[i] == '/' || text_[i] == '?' || text_[i] == '#')
-            break;
-        if (text_[i] == '@')
-            host = i + 1;
-    }
+    const std::size_t end = endOfRun(text_, start, [](UChar32 c) {
+        return !endsAddress(c) && c != '/' && c != '?' && c != '#';
+    });
+    const std::size_t at = text_.substr(start, end - start).rfind('@');
+    const std::size_t host = at == std::string_view::npos ? start : start + at + 1;
     if (host < text_.size() && text_[host] == '[') {
         const std::size_t close = text_.find_first_not_of("0123456789abcdefABCDEF:.", host + 1);
         if (close == std::string_view::npos || text_[close] != ']' || close < host + 3)
@@ -188,9 +180,7 @@ std::optional<std::size_t> LinkScanner::authorityEnd(std::size_t start) const {
 std::optional<std::size_t> LinkScanner::mailEnd(std::size_t start) {
     if (start < noMailBefore_)
         return std::nullopt;
-    std::size_t at = start;
-    while (at < text_.size() && isLocalPart(codePointAt(text_, at).value))
-        at = codePointAt(text_, at).end;
+    const std::size_t at = endOfRun(text_, start, isLocalPart);
     noMailBefore_ = at;
     if (at == start || at == text_.size() || text_[at] != '@' || text_[at - 1] == '.')
         return std::nullopt;
@@ -220,13 +210,8 @@ std::optional<std::size_t> LinkScanner::webEnd(std::size_t start) {
 LinkScanner::Host LinkScanner::readHost(std::size_t start) const {
     Host host{start, true, 0, start};
     for (std::size_t label = start;;) {
-        std::size_t end = label;
-        while (end < text_.size()) {
-            const auto [c, after] = codePointAt(text_, end);
-            if (c != '-' && !isWordPart(c))
-                break;
-            end = after;
-        }
+        const std::size_t end =
+            endOfRun(text_, label, [](UChar32 c) { return c == '-' || isWordPart(c); });
         const std::string_view name = text_.substr(label, end - label);
         const bool dotEndsSentence = name.empty() && host.labels > 0;
         if (dotEndsSentence)
@@ -259,13 +244,7 @@ bool LinkScanner::hasKnownEnd(std::size_t start, const Host& host) const {
 }
 
 std::size_t LinkScanner::addressEnd(std::size_t start) const {
-    while (start < text_.size()) {
-        const auto [c, end] = codePointAt(text_, start);
-        if (endsAddress(c))
-            break;
-        start = end;
-    }
-    return start;
+    return endOfRun(text_, start, [](UChar32 c) { return !endsAddress(c); });
 }
 
 std::size_t LinkScanner::portAndPathEnd(std::size_t start, std::size_t hostEnd) const {

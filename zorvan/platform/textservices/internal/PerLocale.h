@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <list>
-#include <string>
 
 namespace zorvan::internal {
 

@@ -3,10 +3,7 @@
 #include <zorvan/platform/avfoundation/internal/containers.h>
 
 #include <array>
-#include <utility>
 #include <vector>
-
-#include <mpv/render.h>
 
 namespace zorvan::avfoundation {
 namespace {
@@ -78,64 +75,39 @@ void restrictDemuxer(mpv_handle* handle) {
 
 void callWake(void* wake) { (*static_cast<const std::function<void()>*>(wake))(); }
 
-class LibmpvCore final : public MpvCore {
-public:
-    explicit LibmpvCore(std::function<void()> wake) : wake_(std::move(wake)) {}
-    ~LibmpvCore() override;
-    bool start();
+} // namespace
 
-    void command(std::uint64_t id, std::initializer_list<const char*> words) override;
-    void seek(std::uint64_t id, double seconds, const char* flags) override;
-    void setFlag(const char* property, bool value) override;
-    void setNumber(const char* property, double value) override;
-    void observe(std::uint64_t id, const char* property, mpv_format format) override;
-    void ask(std::uint64_t id, const char* property) override;
-    const mpv_event& nextEvent() override;
-    bool takeFrame() override;
-    std::optional<Bitmap> draw(std::int64_t width, std::int64_t height) override;
-
-private:
-    const std::function<void()> wake_;
-    mpv_handle* handle_ = nullptr;
-    mpv_render_context* renderer_ = nullptr;
-};
-
-bool LibmpvCore::start() {
-    handle_ = mpv_create();
+bool MpvCore::start() {
+    handle_.reset(mpv_create());
     if (!handle_)
         return false;
     // Options of parts that this build of libmpv was made without are unknown to it, and not
     // needed.
     for (const Option& option : options)
-        mpv_set_option_string(handle_, option.name, option.value);
-    restrictDemuxer(handle_);
-    if (mpv_initialize(handle_) < 0)
+        mpv_set_option_string(handle_.get(), option.name, option.value);
+    restrictDemuxer(handle_.get());
+    if (mpv_initialize(handle_.get()) < 0)
         return false;
     mpv_render_param parameters[] = {
         {MPV_RENDER_PARAM_API_TYPE, const_cast<char*>(MPV_RENDER_API_TYPE_SW)},
         {MPV_RENDER_PARAM_INVALID, nullptr}};
-    if (mpv_render_context_create(&renderer_, handle_, parameters) < 0)
+    mpv_render_context* renderer = nullptr;
+    if (mpv_render_context_create(&renderer, handle_.get(), parameters) < 0)
         return false;
+    renderer_.reset(renderer);
     void* const wake = const_cast<std::function<void()>*>(&wake_);
-    mpv_set_wakeup_callback(handle_, &callWake, wake);
-    mpv_render_context_set_update_callback(renderer_, &callWake, wake);
+    mpv_set_wakeup_callback(handle_.get(), &callWake, wake);
+    mpv_render_context_set_update_callback(renderer_.get(), &callWake, wake);
     return true;
 }
 
-LibmpvCore::~LibmpvCore() {
-    if (renderer_)
-        mpv_render_context_free(renderer_);
-    if (handle_)
-        mpv_terminate_destroy(handle_);
-}
-
-void LibmpvCore::command(std::uint64_t id, std::initializer_list<const char*> words) {
+void MpvCore::command(std::uint64_t id, std::initializer_list<const char*> words) {
     std::vector<const char*> arguments(words);
     arguments.push_back(nullptr);
-    mpv_command_async(handle_, id, arguments.data());
+    mpv_command_async(handle_.get(), id, arguments.data());
 }
 
-void LibmpvCore::seek(std::uint64_t id, double seconds, const char* flags) {
+void MpvCore::seek(std::uint64_t id, double seconds, const char* flags) {
     // As a number, since text would be read by the rules of the locale.
     mpv_node target{};
     target.format = MPV_FORMAT_DOUBLE;
@@ -145,39 +117,39 @@ void LibmpvCore::seek(std::uint64_t id, double seconds, const char* flags) {
     mpv_node node{};
     node.format = MPV_FORMAT_NODE_ARRAY;
     node.u.list = &list;
-    mpv_command_node_async(handle_, id, &node);
+    mpv_command_node_async(handle_.get(), id, &node);
 }
 
-void LibmpvCore::setFlag(const char* property, bool value) {
+void MpvCore::setFlag(const char* property, bool value) {
     int flag = value ? 1 : 0;
-    mpv_set_property_async(handle_, 0, property, MPV_FORMAT_FLAG, &flag);
+    mpv_set_property_async(handle_.get(), 0, property, MPV_FORMAT_FLAG, &flag);
 }
 
-void LibmpvCore::setNumber(const char* property, double value) {
-    mpv_set_property_async(handle_, 0, property, MPV_FORMAT_DOUBLE, &value);
+void MpvCore::setNumber(const char* property, double value) {
+    mpv_set_property_async(handle_.get(), 0, property, MPV_FORMAT_DOUBLE, &value);
 }
 
-void LibmpvCore::observe(std::uint64_t id, const char* property, mpv_format format) {
-    mpv_observe_property(handle_, id, property, format);
+void MpvCore::observe(std::uint64_t id, const char* property, mpv_format format) {
+    mpv_observe_property(handle_.get(), id, property, format);
 }
 
-void LibmpvCore::ask(std::uint64_t id, const char* property) {
-    mpv_get_property_async(handle_, id, property, MPV_FORMAT_DOUBLE);
+void MpvCore::ask(std::uint64_t id, const char* property) {
+    mpv_get_property_async(handle_.get(), id, property, MPV_FORMAT_DOUBLE);
 }
 
-const mpv_event& LibmpvCore::nextEvent() { return *mpv_wait_event(handle_, 0); }
+const mpv_event& MpvCore::nextEvent() { return *mpv_wait_event(handle_.get(), 0); }
 
-bool LibmpvCore::takeFrame() {
-    if ((mpv_render_context_update(renderer_) & MPV_RENDER_UPDATE_FRAME) == 0)
+bool MpvCore::takeFrame() {
+    if ((mpv_render_context_update(renderer_.get()) & MPV_RENDER_UPDATE_FRAME) == 0)
         return false;
     int yes = 1, no = 0;
     mpv_render_param parameters[] = {{MPV_RENDER_PARAM_SKIP_RENDERING, &yes},
                                      {MPV_RENDER_PARAM_BLOCK_FOR_TARGET_TIME, &no},
                                      {MPV_RENDER_PARAM_INVALID, nullptr}};
-    return mpv_render_context_render(renderer_, parameters) >= 0;
+    return mpv_render_context_render(renderer_.get(), parameters) >= 0;
 }
 
-std::optional<Bitmap> LibmpvCore::draw(std::int64_t width, std::int64_t height) {
+std::optional<Bitmap> MpvCore::draw(std::int64_t width, std::int64_t height) {
     auto bitmap = Bitmap::make(width, height);
     if (!bitmap)
         return std::nullopt;
@@ -190,7 +162,7 @@ std::optional<Bitmap> LibmpvCore::draw(std::int64_t width, std::int64_t height) 
                                      {MPV_RENDER_PARAM_SW_POINTER, bitmap->data()},
                                      {MPV_RENDER_PARAM_BLOCK_FOR_TARGET_TIME, &no},
                                      {MPV_RENDER_PARAM_INVALID, nullptr}};
-    if (mpv_render_context_render(renderer_, parameters) < 0)
+    if (mpv_render_context_render(renderer_.get(), parameters) < 0)
         return std::nullopt;
     // The fourth byte of a pixel is left as it is.
     for (std::int64_t i = 3; i < bitmap->byteCount(); i += 4)
@@ -198,10 +170,8 @@ std::optional<Bitmap> LibmpvCore::draw(std::int64_t width, std::int64_t height) 
     return bitmap;
 }
 
-} // namespace
-
 std::unique_ptr<MpvCore> MpvCore::create(std::function<void()> wake) {
-    auto core = std::make_unique<LibmpvCore>(std::move(wake));
+    std::unique_ptr<MpvCore> core(new MpvCore(std::move(wake)));
     return core->start() ? std::move(core) : nullptr;
 }
 

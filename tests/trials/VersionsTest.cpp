@@ -1,0 +1,209 @@
+// Two versions of the library use one store of settings and one of secrets at the same time:
+// neither loses what the other has stored, and what a newer one has taken over is left alone.
+
+#include "Stores.h"
+
+#include <tests/Testing.h>
+#include <tests/files/TemporaryFolder.h>
+#include <tests/platform/messagebus/Process.h>
+
+#include <zorvan/platform/security/SecBase.h>
+
+#include <sqlite3.h>
+#include <sstream>
+
+namespace {
+
+/// One of them: its program, while it writes, and what it has told.
+struct Version {
+    std::string name, program;
+    std::unique_ptr<Process> writer = nullptr;
+    std::int64_t last = 0; // number that was stored
+    struct Told {
+        int promises = 0;
+        std::vector<std::string> refusals{};
+    };
+    std::map<std::string, Told> told{}; // by store
+};
+
+class Versions : public testing::Test {
+protected:
+    std::unique_ptr<Process> run(const Version& version, std::vector<std::string> words) const {
+        const std::string home = folder_.path();
+        words.insert(words.begin(), {version.program, home});
+        const Process::Environment environment{{"XDG_DATA_HOME", home},
+                                               {"XDG_RUNTIME_DIR", home},
+                                               {"HOME", home},
+                                               {"DISPLAY", ""},
+                                               {"DBUS_SESSION_BUS_ADDRESS", ""}};
+        return std::make_unique<Process>(words, environment);
+    }
+
+    void start(Version& version) const {
+        // The number after the last one may have been stored without a word.
+        version.writer = run(version, {"write", version.name, std::to_string(version.last + 2)});
+    }
+
+    /// False when it tells nothing, within that time.
+    bool hear(Version& version, std::chrono::milliseconds timeout) {
+        const auto line = version.writer->hear(timeout);
+        if (!line)
+            return false;
+        const auto space = line->find(' ');
+        const std::string store = line->substr(0, space), rest = line->substr(space + 1);
+        Version::Told& told = version.told[store];
+        if (rest.starts_with("refused")) {
+            told.refusals.push_back(rest);
+            return true;
+        }
+        ++told.promises;
+        version.last = std::stoll(rest);
+        const std::int64_t slot = version.last % 6;
+        const std::string name = slot == 5 ? "shared" : version.name + '-' + std::to_string(slot);
+        promised_[store + ' ' + name][version.name] = version.last;
+        return true;
+    }
+
+    using Slots = std::map<std::string, std::pair<std::string, std::int64_t>>;
+
+    Slots read(const Version& version) const {
+        Slots found;
+        const auto reader = run(version, {"read", versions_[0].name, versions_[1].name});
+        while (const auto line = reader->hear(60s)) {
+            std::istringstream words(*line);
+            std::string store, slot, name;
+            std::int64_t number = -1;
+            words >> store >> slot >> name >> number;
+            found[store + ' ' + slot] = {name, number};
+        }
+        return found;
+    }
+
+    /// Expects that version to find everything that was promised until now.
+    void checkWith(Version& version) const {
+        const auto promised = promised_;
+        Slots found = read(version);
+        for (const auto& [slot, numbers] : promised) {
+            const auto& [name, number] = found[slot];
+            SCOPED_TRACE(version.name + " finds in " + slot + ": " + name);
+            if (name == "refused" && !version.told[slot.substr(0, slot.find(' '))].refusals.empty())
+                continue; // what it may not write
+            const auto promise = numbers.find(name);
+            if (promise != numbers.end()) {
+                ASSERT_GE(number, promise->second);
+            } else { // what a writer had no time to tell of, where both write
+                ASSERT_TRUE(slot.ends_with("shared"));
+                ASSERT_TRUE(name == versions_[0].name || name == versions_[1].name);
+            }
+        }
+    }
+
+    const TemporaryFolder folder_{TemporaryFolder::fastParent()};
+    std::array<Version, 2> versions_{Version{"present", VERSIONS_PEER},
+                                     Version{"older", std::getenv("ZORVAN_OLDER")
+                                                          ? std::getenv("ZORVAN_OLDER")
+                                                          : VERSIONS_PEER}};
+    std::map<std::string, std::map<std::string, std::int64_t>> promised_; // by slot and version
+};
+
+} // namespace
+
+// In a campaign the older one is; else both are of one version.
+TEST_F(Versions, LoseNothingOfEachOther) {
+    std::mt19937 random(7);
+    const int rounds = tries("ZORVAN_KILLS", 12);
+    int kills = 0;
+    for (int round = 0; round < rounds; ++round) {
+        for (Version& version : versions_) {
+            if (!version.writer)
+                start(version);
+            if (round % 2 == 0) { // else some end while they open
+                ASSERT_TRUE(hear(version, 60s)) << version.name << " ends in round " << round;
+            }
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 30'000));
+        const auto ending = 1 + random() % 3; // one, the other or both
+        for (unsigned i = 0; i < versions_.size(); ++i) {
+            const bool ends = (ending >> i) % 2 != 0;
+            if (ends)
+                versions_[i].writer->end();
+            while (hear(versions_[i], 0s)) {
+            }
+            if (ends)
+                versions_[i].writer.reset();
+            kills += ends;
+        }
+        checkWith(versions_[round % 4 < 2]);
+        ASSERT_FALSE(HasFailure()) << "in round " << round;
+    }
+    std::cout << "two versions: " << kills << " kills";
+    for (Version& version : versions_)
+        for (const char* store : {"settings", "secrets"}) {
+            const auto& [promises, refusals] = version.told[store];
+            std::cout << ", " << promises << " promises of " << store << " by the " << version.name
+                      << " one (" << refusals.size() << " refused)";
+            // One that is too old may find its store taken over.
+            EXPECT_TRUE(promises >= rounds / 2 ||
+                        (&version != versions_.data() && !refusals.empty()));
+        }
+    std::cout << ", none broken\n";
+}
+
+// While a process has it open, and when one opens it.
+TEST_F(Versions, LeaveWhatIsNewer) {
+    const fs::path settings = folder_.path() / "a.settings";
+    const fs::path secrets = folder_.path() / "zorvan/secure-items/items.sqlite";
+    const auto execute = [](const fs::path& path, const std::string& statement) {
+        int result = 0;
+        const auto take = [](void* to, int, char** values, char**) {
+            return *static_cast<int*>(to) = std::atoi(values[0]), 0;
+        };
+        sqlite3* database = nullptr;
+        sqlite3_open(path.c_str(), &database);
+        sqlite3_busy_timeout(database, 20'000);
+        EXPECT_EQ(sqlite3_exec(database, statement.c_str(), take, &result, nullptr), SQLITE_OK);
+        sqlite3_close(database);
+        return result;
+    };
+    const auto raise = [&](int by) {
+        for (const fs::path& path : {settings, secrets}) {
+            const int version = execute(path, "PRAGMA user_version");
+            execute(path, "PRAGMA user_version = " + std::to_string(version + by));
+        }
+    };
+    const auto contents = [&] {
+        return text(settings) + text(secrets) + text(secrets.string() + "-wal");
+    };
+    Version& version = versions_[0];
+    const auto hearUntil = [&](const auto& isEnough) {
+        int lines = 0;
+        while (!isEnough(version.told["settings"]) || !isEnough(version.told["secrets"]))
+            ASSERT_TRUE(hear(version, 60s) && ++lines < 10'000);
+    };
+    const auto isRefused = [](const Version::Told& told) { return told.refusals.size() > 4; };
+    start(version);
+    hearUntil([](const Version::Told& told) { return told.promises > 10; });
+
+    raise(1000);
+    hearUntil(isRefused);
+    const std::string before = contents();
+    for (const bool isOpenedAnew : {false, true}) {
+        if (isOpenedAnew) {
+            version.writer->end();
+            start(version);
+        }
+        version.told.clear();
+        hearUntil(isRefused);
+        const std::string problem =
+            settings.string() + ": it was written by a newer version; changes are kept in memory";
+        EXPECT_THAT(version.told["settings"].refusals, testing::Each("refused: " + problem));
+        EXPECT_THAT(version.told["secrets"].refusals,
+                    testing::Each("refused: " + std::to_string(errSecNotAvailable)));
+        EXPECT_EQ(version.told["settings"].promises + version.told["secrets"].promises, 0);
+        EXPECT_TRUE(contents() == before);
+    }
+    version.writer->end();
+    raise(-1000);
+    version.told.clear();
+    checkWith(version);
+}
