@@ -172,16 +172,20 @@ TEST(GtkListModel, RowsOutliveTheModelAndAreToldFromOthers) {
     const auto list = ManagedList<int>::create({7, 8});
     Model model(GtkListModel<int>::create(list));
     const Row row = rowAt(model.get(), 0);
+    Row other = rowAt(model.get(), 1);
+    list->reverseOrder();
+    other.reset();
+    EXPECT_EQ(rowAt(model.get(), 1), row) << "one that goes takes no other along";
     EXPECT_EQ(rowAt(model.get(), 2), nullptr);
     model.reset();
     list->removeAllItems();
     EXPECT_EQ(GtkListModel<int>::item(row.get()), 7);
     const char* const message = "The object is no row of a list of such items.";
     EXPECT_DEATH(GtkListModel<Thing>::item(row.get()), message);
-    const Row other(g_object_new(G_TYPE_OBJECT, nullptr));
-    EXPECT_DEATH(GtkListModel<int>::item(other.get()), message);
-    const Model stranger(GTK_SELECTION_MODEL(gtk_no_selection_new(nullptr)));
-    EXPECT_DEATH(GtkListModel<int>::itemsDidChange(stranger.get(), {0}),
+    const Row stranger(g_object_new(G_TYPE_OBJECT, nullptr));
+    EXPECT_DEATH(GtkListModel<int>::item(stranger.get()), message);
+    const Model strange(GTK_SELECTION_MODEL(gtk_no_selection_new(nullptr)));
+    EXPECT_DEATH(GtkListModel<int>::itemsDidChange(strange.get(), {0}),
                  "The model is none over a list.");
 }
 
