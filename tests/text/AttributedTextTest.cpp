@@ -70,6 +70,8 @@ TEST(AttributedText, HTMLHoldsTextAndAttributes) {
              {"font-weight:bold;\">Bold</span>", "<sup>2</sup>",
               "color:rgba(255,0,0,1);text-decoration:underline;\"> &amp; &lt;red&gt;</span></p>",
               "<p style=\"text-align:center\"><a href=\"https://example.com/?a=1&amp;b=2\">"});
+    expectIn(*htmlDocument(format({{"NSFont", TextFont{"x", 12.346, false, false}}}, "x")),
+             {"font-size:12.35pt;"});
     EXPECT_EQ(read("xmllint --html --noout", html), "");
     EXPECT_EQ(read("xmllint --html --xpath 'string(//body)'", html),
               "\nBold & <red>\nlink {x} \\ é 😀2\n\n");
