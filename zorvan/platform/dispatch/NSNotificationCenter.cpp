@@ -40,13 +40,11 @@ void NSNotificationCenter::removeObserver(const std::shared_ptr<NotificationObse
 
 void NSNotificationCenter::post(NSNotificationName name, std::shared_ptr<Sender> object,
                                 std::optional<Notification::UserInfo> userInfo) {
-    if (registry_->mayConcern(name))
-        registry_->deliver(Notification(name, std::move(object), std::move(userInfo)));
+    registry_->deliver(Notification(name, std::move(object), std::move(userInfo)));
 }
 
 void NSNotificationCenter::post(const Notification& notification) {
-    if (registry_->mayConcern(notification.name))
-        registry_->deliver(notification);
+    registry_->deliver(notification);
 }
 
 } // namespace zorvan

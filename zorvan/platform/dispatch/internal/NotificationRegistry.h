@@ -31,19 +31,16 @@ public:
     void add(const ObserverPointer& observer);
     void remove(const ObserverPointer& observer);
 
-    /// False when nobody can want a notification of that name; says so without a lock.
-    bool mayConcern(NSNotificationName name) const noexcept {
-        return interest_[slot(&name.rawValue())].load(std::memory_order_relaxed) != 0 ||
-               interestInEveryName_.load(std::memory_order_relaxed) != 0;
-    }
-
     /// An observer may end the registry.
     void deliver(const Notification& notification) {
         const KeyView key{&notification.name.rawValue(), notification.object.get(),
                           notification.object};
         Loan recipients(place(key).borrow());
-        if (!recipients || !KeyEqual{}(recipients->key(), key))
+        if (!recipients || !KeyEqual{}(recipients->key(), key)) {
+            if (!mayConcern(key.name))
+                return;
             recipients = find(key);
+        }
         recipients->tell(notification);
     }
 
@@ -71,6 +68,11 @@ private:
     template <class AnyKey>
     Place& place(const AnyKey& key) noexcept {
         return places_[KeyHash{}(key) % places_.size()];
+    }
+    /// False when nobody can want a notification of that name; says so without a lock.
+    bool mayConcern(const std::string* name) const noexcept {
+        return interest_[slot(name)].load(std::memory_order_relaxed) != 0 ||
+               interestInEveryName_.load(std::memory_order_relaxed) != 0;
     }
     void outdate(const Key& key) noexcept;
     Loan find(const KeyView& key);
