@@ -71,6 +71,10 @@ protected:
 };
 
 TEST_F(ToolbarHostTest, ItemsAreTheWidgetsOfTheirKind) {
+    host = nullptr;
+    host = QtWindowHost::show(window);
+    const NSView& view = *bar->toolbar()->items()[0]->view();
+    EXPECT_TRUE(qobject_cast<QAbstractButton*>(host->widget(view))) << "at once";
     ASSERT_TRUE(toolNamed("Date") && toolNamed("More"));
     EXPECT_TRUE(toolNamed("Name")->isChecked());
     toolNamed("Date")->click();
