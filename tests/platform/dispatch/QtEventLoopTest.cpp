@@ -1,5 +1,7 @@
 // The main queue beside Qt's event loop, which watches its descriptor.
 
+#include <tests/Testing.h>
+
 #include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
 
@@ -7,14 +9,6 @@
 #include <QEventLoop>
 #include <QSocketNotifier>
 #include <QTimer>
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <string>
-#include <thread>
-
-using namespace zorvan;
-using namespace std::chrono_literals;
 
 namespace {
 

@@ -31,15 +31,6 @@ TEST(WireFormat, ComesBackAsItWent) {
         EXPECT_EQ(decodeNotification(encode(each)), each);
 }
 
-TEST(WireFormat, KeepsTheKindsOfNumbersApart) {
-    const auto back = decodeNotification(
-        encode({"N", {}, PropertyList::Dictionary{{"b", true}, {"i", 1}, {"r", 1.0}}}));
-    ASSERT_TRUE(back);
-    EXPECT_TRUE(back->userInfo->at("b").as<NSNumber>()->isBool());
-    EXPECT_TRUE(back->userInfo->at("i").as<NSNumber>()->isInteger());
-    EXPECT_TRUE(back->userInfo->at("r").as<NSNumber>()->isReal());
-}
-
 TEST(WireFormat, RefusesWhatItCouldNotSend) {
     EXPECT_THROW(encode({"", {}, {}}), std::invalid_argument);
     EXPECT_THROW(encode({std::string("a\0b", 3), {}, {}}), std::invalid_argument);

@@ -1,17 +1,8 @@
 #include "SecureItems.h"
 
-#include <chrono>
 #include <csignal>
-#include <fstream>
-#include <random>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <thread>
-#include <unistd.h>
-
-using namespace zorvan;
-using namespace std::chrono_literals;
-namespace fs = std::filesystem;
 
 namespace {
 

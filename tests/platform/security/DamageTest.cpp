@@ -1,15 +1,6 @@
 #include "SecureItems.h"
 
-#include <fcntl.h>
-#include <fstream>
-#include <random>
 #include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-using namespace zorvan;
-namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 
 namespace {
 

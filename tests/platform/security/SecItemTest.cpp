@@ -1,12 +1,6 @@
 #include "SecureItems.h"
 
-#include <fstream>
-#include <set>
 #include <sys/syscall.h>
-#include <thread>
-#include <unistd.h>
-
-using namespace zorvan;
 
 namespace {
 

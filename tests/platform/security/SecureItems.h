@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tests/Testing.h>
+
 #include "Process.h"
 
 #include <zorvan/platform/security/SecItem.h>
@@ -7,19 +9,13 @@
 #include <tests/bytesOf.h>
 #include <tests/files/TemporaryFolder.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <memory>
 #include <span>
 #include <sqlite3.h>
-#include <string>
-#include <string_view>
 
 /// A user without items, without a bus and without a keyring.
 class SecureItems : public testing::Test {
 protected:
-    using Dictionary = zorvan::PropertyList::Dictionary;
+    using Dictionary = PropertyList::Dictionary;
 
     SecureItems() {
         environment = {{"XDG_DATA_HOME", root + "/data"},
@@ -39,29 +35,28 @@ protected:
 
     /// A query, or an item, with an account and more.
     static Dictionary item(std::string_view account, const Dictionary& more = {}) {
-        Dictionary result{{zorvan::kSecClass, zorvan::kSecClassGenericPassword},
-                          {zorvan::kSecAttrService, "test"},
-                          {zorvan::kSecAttrAccount, account}};
+        Dictionary result{{kSecClass, kSecClassGenericPassword},
+                          {kSecAttrService, "test"},
+                          {kSecAttrAccount, account}};
         for (const auto& [key, value] : more)
             result.insert_or_assign(key, value);
         return result;
     }
 
-    static zorvan::OSStatus add(std::string_view account, std::string_view value,
-                                const Dictionary& more = {}) {
+    static OSStatus add(std::string_view account, std::string_view value,
+                        const Dictionary& more = {}) {
         Dictionary attributes = item(account, more);
-        attributes.insert_or_assign(zorvan::kSecValueData, bytesOf(value));
-        return zorvan::SecItemAdd(attributes);
+        attributes.insert_or_assign(kSecValueData, bytesOf(value));
+        return SecItemAdd(attributes);
     }
 
     /// The value of the first item that matches, or the status as text.
     static std::string get(Dictionary query) {
-        query.insert_or_assign(zorvan::kSecReturnData, true);
-        const zorvan::SecItemResult found = zorvan::SecItemCopyMatching(query);
-        if (found.status != zorvan::errSecSuccess)
+        query.insert_or_assign(kSecReturnData, true);
+        const SecItemResult found = SecItemCopyMatching(query);
+        if (found.status != errSecSuccess)
             return std::to_string(found.status);
-        const zorvan::Data& data = *found.value->as<zorvan::Data>();
-        return std::string(reinterpret_cast<const char*>(data.data()), data.size());
+        return textOf(*found.value->as<Data>());
     }
 
     std::unique_ptr<Process> peer() const {

@@ -1,14 +1,10 @@
 #include "SecureItems.h"
 
+#include <tests/platform/settingsdatabase/Processes.h>
 #include <zorvan/platform/security/internal/Items.h>
 
-#include <chrono>
 #include <poll.h>
 #include <sys/wait.h>
-#include <unistd.h>
-
-using namespace zorvan;
-using namespace std::chrono_literals;
 
 using SeveralProcesses = SecureItems;
 
@@ -26,6 +22,24 @@ TEST_F(SeveralProcesses, OfTwoThatAddTheSameOneGetsDuplicate) {
     EXPECT_EQ(sql("SELECT count(*), count(DISTINCT sealing_key) FROM items"),
               std::to_string(count) + "\n1\n");
     EXPECT_EQ(ask(*peer(), "get item-59"), "");
+}
+
+TEST_F(SeveralProcesses, WhatOneHasReadIsForgottenWhenAnotherWrites) {
+    const std::string absent = std::to_string(errSecItemNotFound);
+    const auto other = peer();
+    EXPECT_EQ(get(item("a")), absent);
+    // The large ones are more than what is kept in memory of one, and of all together.
+    for (const std::size_t size : {1u, 100'000u, 2u, 60'000u, 3u}) {
+        for (int i = 0; i < 20; ++i)
+            ASSERT_EQ(ask(*other, "set " + std::to_string(i) + ' ' + std::string(size, 'x')), "0");
+        for (int i = 0; i < 60; ++i)
+            EXPECT_EQ(get(item(std::to_string(i % 20))), std::string(size, 'x')) << i;
+        EXPECT_EQ(get(item("1", {{kSecAttrLabel, "l"}})), absent); // also of what is known
+    }
+    ASSERT_EQ(SecItemUpdate(item("1"), {{kSecAttrLabel, "l"}}), errSecSuccess);
+    EXPECT_EQ(get(item("1", {{kSecAttrLabel, "l"}})), "xxx");
+    EXPECT_EQ(ask(*other, "delete 1"), "0");
+    EXPECT_EQ(get(item("1")), absent);
 }
 
 TEST_F(SeveralProcesses, AReferenceNamesTheItemInAnotherProcess) {
@@ -112,14 +126,7 @@ TEST_F(SeveralProcesses, AForkedChildGoesOnWhenItsParentHasEnded) {
 
 TEST_F(SeveralProcesses, AForkedChildUsesTheStoreOnItsOwn) {
     ASSERT_EQ(add("a", "1"), errSecSuccess);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const bool isGood = get(item("a")) == "1" && add("b", "2") == errSecSuccess;
-        ::_exit(isGood ? 0 : 1);
-    }
-    int status = -1;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(inChild([&] { return get(item("a")) == "1" && add("b", "2") == errSecSuccess; }));
     EXPECT_EQ(get(item("b")), "2");
     EXPECT_EQ(add("c", "3"), errSecSuccess);
     EXPECT_EQ(ask(*peer(), "add d 4"), "0");

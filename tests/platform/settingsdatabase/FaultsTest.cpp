@@ -1,36 +1,18 @@
+#include "DatabaseTest.h"
+
 #include <zorvan/platform/foundation/LibraryLog.h>
-#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 
-#include "Processes.h"
-
-#include <tests/files/TemporaryFolder.h>
-
-#include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include <csignal>
-#include <fcntl.h>
-#include <fstream>
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-using namespace zorvan;
 
 namespace {
 
-/// A database in a folder, and what is told of it.
-class Faults : public testing::Test {
+class Faults : public DatabaseTest {
 protected:
-    Faults() {
-        SettingsDatabase::setProblemHandler(
-            [this](const std::string& text) { told_.push_back(text); });
-    }
-    ~Faults() override { SettingsDatabase::setProblemHandler({}); }
-
-    std::shared_ptr<SettingsDatabase> open() const { return SettingsDatabase::open(path_); }
     void fill(int keys = 1, std::size_t size = 300) const {
         const auto database = open();
         for (int i = 0; i < keys; ++i)
@@ -56,10 +38,6 @@ protected:
         EXPECT_EQ(told_, std::vector{line}); // once
         EXPECT_EQ(database->problem(), line);
     }
-
-    TemporaryFolder folder_;
-    std::string path_ = folder_.path() / "a.settings";
-    std::vector<std::string> told_;
 };
 
 } // namespace
@@ -245,8 +223,7 @@ TEST_F(Faults, ComesBackWhenTheFileIsTakenAway) {
     {
         const auto database = open();
         database->set("old", 1);
-        for (const char* ending : {"", "-wal", "-shm"})
-            std::filesystem::remove(path_ + ending);
+        removeFiles();
         EXPECT_TRUE(database->set("new", 2));
         EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"new", 2}}));
     }

@@ -1,10 +1,4 @@
-#include <tests/Testing.h>
-
-#include "Processes.h"
-
-#include <tests/files/TemporaryFolder.h>
-
-#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
+#include "DatabaseTest.h"
 
 #include <condition_variable>
 #include <mutex>
@@ -12,9 +6,12 @@
 namespace {
 
 /// A database that is followed, in a folder that others write to.
-class Following : public testing::Test {
+class Following : public DatabaseTest {
 protected:
-    std::shared_ptr<SettingsDatabase> open() const { return SettingsDatabase::open(path_); }
+    Following() {
+        path_ = folder_.path() / "inner" / "a.settings";
+        SettingsDatabase::setProblemHandler({}); // the thread that watches would tell, too
+    }
 
     std::shared_ptr<const void> follow(SettingsDatabase& database) {
         return database.follow([this](const std::vector<SettingsDatabase::Followed>& changes) {
@@ -22,7 +19,7 @@ protected:
             for (const auto& change : changes)
                 last_[change.key] = textOf(change.after);
             for (const auto& change : changes)
-                told_.push_back(change.key + textOf(change.before) + textOf(change.after));
+                heard_.push_back(change.key + textOf(change.before) + textOf(change.after));
             hasBeenTold_.notify_all();
         });
     }
@@ -33,8 +30,8 @@ protected:
     /// What was told until it is so much, or in vain.
     std::vector<std::string> told(std::size_t count) {
         std::unique_lock lock(mutex_);
-        hasBeenTold_.wait_for(lock, 20s, [&] { return told_.size() >= count; });
-        return std::exchange(told_, {});
+        hasBeenTold_.wait_for(lock, 20s, [&] { return heard_.size() >= count; });
+        return std::exchange(heard_, {});
     }
     /// Whether that comes to be what was told last of the keys. On the way there may be a new
     /// database that is still empty.
@@ -49,11 +46,9 @@ protected:
         EXPECT_TRUE(inChild([&] { return action(*SettingsDatabase::open(path_)); }));
     }
 
-    TemporaryFolder folder_;
-    std::string path_ = folder_.path() / "inner" / "a.settings";
     std::mutex mutex_;
     std::condition_variable hasBeenTold_;
-    std::vector<std::string> told_;
+    std::vector<std::string> heard_;
     std::map<std::string, std::string> last_;
 };
 
@@ -171,8 +166,7 @@ TEST_F(Following, GoesOnWhenTheStoreIsRemovedOrReplaced) {
     database->set("a", 1);
     database->set("b", 1);
     const auto following = follow(*database);
-    for (const char* ending : {"", "-wal", "-shm"})
-        fs::remove(path_ + ending);
+    removeFiles();
     elsewhere([](SettingsDatabase& other) { return other.set("a", 2); });
     EXPECT_TRUE(becomes({{"a", " 2"}, {"b", " -"}}));
 

@@ -1,27 +1,12 @@
-#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
+#include "DatabaseTest.h"
 
-#include "Processes.h"
-
-#include <tests/files/TemporaryFolder.h>
-
-#include <gtest/gtest.h>
-
-#include <fcntl.h>
-#include <random>
 #include <sched.h>
 #include <sys/file.h>
 #include <sys/mount.h>
-#include <thread>
-
-using namespace zorvan;
 
 namespace {
 
-std::int64_t integer(SettingsDatabase& database, std::string_view key) {
-    const auto value = database.value(key);
-    const auto* number = value ? value->as<NSNumber>() : nullptr;
-    return number ? number->int64Value() : -1;
-}
+using Processes = DatabaseTest;
 
 /// Takes steps with a process on the other side.
 class Steps {
@@ -49,12 +34,10 @@ private:
 
 } // namespace
 
-TEST(Processes, NoticeEachOthersWrites) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
+TEST_F(Processes, NoticeEachOthersWrites) {
     Steps steps;
     Child other([&] {
-        const auto database = SettingsDatabase::open(path);
+        const auto database = open();
         database->set("shared", 1);
         steps.done();
         steps.awaitGo();
@@ -69,7 +52,7 @@ TEST(Processes, NoticeEachOthersWrites) {
         return seen && cleared;
     });
     ASSERT_TRUE(steps.awaitDone());
-    const auto database = SettingsDatabase::open(path);
+    const auto database = open();
     EXPECT_EQ(integer(*database, "shared"), 1);
     database->set("shared", 2);
     database->set("new", 5);
@@ -85,23 +68,19 @@ TEST(Processes, NoticeEachOthersWrites) {
 }
 
 // Also while the thread that follows the database is about to open it again after the fork.
-TEST(Processes, ReadWhatWasWrittenBefore) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
-    const auto database = SettingsDatabase::open(path);
+TEST_F(Processes, ReadWhatWasWrittenBefore) {
+    const auto database = open();
     const auto following = database->follow([](const auto&) {});
     for (std::int64_t n = 0; n < 200; ++n) {
-        ASSERT_TRUE(inChild([&] { return SettingsDatabase::open(path)->set("n", n); }));
+        ASSERT_TRUE(inChild([&] { return open()->set("n", n); }));
         ASSERT_EQ(integer(*database, "n"), n);
     }
 }
 
 // As in a sandbox, which shows a process what it may not touch.
-TEST(Processes, FollowWritersWhereTheyMayOnlyRead) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
+TEST_F(Processes, FollowWritersWhereTheyMayOnlyRead) {
     const auto lockUp = [&] {
-        const char* place = folder.path().c_str();
+        const char* place = folder_.path().c_str();
         return (unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) &&
                mount("", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
                mount(place, place, nullptr, MS_BIND, nullptr) == 0 &&
@@ -113,15 +92,14 @@ TEST(Processes, FollowWritersWhereTheyMayOnlyRead) {
     Child reader([&] {
         steps.awaitGo();
         lockUp();
-        const auto database = SettingsDatabase::open(path);
+        const auto database = open();
         const bool readsFirst = integer(*database, "k") == 1;
         steps.done();
         steps.awaitGo();
         const bool readsSecond = integer(*database, "k") == 2;
-        SettingsDatabase::setProblemHandler([](const std::string&) {});
         return readsFirst && readsSecond && !database->set("k", 3);
     });
-    const auto database = SettingsDatabase::open(path);
+    const auto database = open();
     database->set("k", 1);
     steps.go();
     ASSERT_TRUE(steps.awaitDone());
@@ -131,14 +109,12 @@ TEST(Processes, FollowWritersWhereTheyMayOnlyRead) {
 }
 
 // Two processes count with a lock of their own around reading and writing.
-TEST(Processes, CountTogether) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
-    const std::string lockPath = folder.path() / "lock";
+TEST_F(Processes, CountTogether) {
+    const std::string lockPath = folder_.path() / "lock";
     constexpr int each = 500;
     const auto count = [&] {
-        const auto database = SettingsDatabase::open(path);
-        const int lock = open(lockPath.c_str(), O_RDWR | O_CREAT, 0600);
+        const auto database = open();
+        const int lock = ::open(lockPath.c_str(), O_RDWR | O_CREAT, 0600);
         for (int i = 0; i < each; ++i) {
             flock(lock, LOCK_EX);
             const std::int64_t before = integer(*database, "count");
@@ -152,15 +128,13 @@ TEST(Processes, CountTogether) {
     Child one(count), two(count);
     EXPECT_TRUE(one.end());
     EXPECT_TRUE(two.end());
-    EXPECT_EQ(integer(*SettingsDatabase::open(path), "count"), 2 * each);
+    EXPECT_EQ(integer(*open(), "count"), 2 * each);
 }
 
 // Without a lock one of them wins each key, but every process must come to the same in the end.
-TEST(Processes, AgreeInTheEnd) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
+TEST_F(Processes, AgreeInTheEnd) {
     const auto write = [&](unsigned seed) {
-        const auto database = SettingsDatabase::open(path);
+        const auto database = open();
         std::mt19937 random(seed);
         for (int i = 0; i < 1000; ++i) {
             const std::string key = std::to_string(random() % 10);
@@ -175,23 +149,20 @@ TEST(Processes, AgreeInTheEnd) {
         return true;
     };
     Child one([&] { return write(1); }), two([&] { return write(2); });
-    auto watcher =
-        SettingsDatabase::open(path); // what it opened must not go along into the children
+    auto watcher = open(); // what it opened must not go along into the children
     EXPECT_TRUE(one.end());
     EXPECT_TRUE(two.end());
     const PropertyList::Dictionary seen = watcher->contents();
     watcher.reset();
-    EXPECT_TRUE(inChild([&] { return SettingsDatabase::open(path)->contents() == seen; }));
+    EXPECT_TRUE(inChild([&] { return open()->contents() == seen; }));
 }
 
 // As a program does that goes into the background: the parent ends, others come and go, and what
 // all share begins anew.
-TEST(Processes, GoOnInAForkWhoseParentHasEnded) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
+TEST_F(Processes, GoOnInAForkWhoseParentHasEnded) {
     Steps steps;
     ASSERT_TRUE(inChild([&] {
-        const auto database = SettingsDatabase::open(path);
+        const auto database = open();
         database->set("k", 1);
         if (::fork() != 0)
             return true;
@@ -203,17 +174,15 @@ TEST(Processes, GoOnInAForkWhoseParentHasEnded) {
             steps.done();
         return isGood;
     }));
-    EXPECT_TRUE(inChild([&] { return SettingsDatabase::open(path)->set("k", 2); }));
-    const auto other = SettingsDatabase::open(path);
+    EXPECT_TRUE(inChild([&] { return open()->set("k", 2); }));
+    const auto other = open();
     steps.go();
     ASSERT_TRUE(steps.awaitDone());
     EXPECT_EQ(integer(*other, "own"), 99);
 }
 
-TEST(Processes, ShareWithAFork) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
-    const auto database = SettingsDatabase::open(path);
+TEST_F(Processes, ShareWithAFork) {
+    const auto database = open();
     database->set("k", 1);
     EXPECT_TRUE(inChild([&] { return integer(*database, "k") == 1 && database->set("k", 2); }));
     EXPECT_EQ(integer(*database, "k"), 2);
@@ -221,42 +190,33 @@ TEST(Processes, ShareWithAFork) {
 }
 
 // While another process moves the log into the database.
-TEST(Processes, WaitForEachOtherToSynchronize) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
-    std::vector<std::string> told;
-    SettingsDatabase::setProblemHandler([&](const std::string& text) { told.push_back(text); });
+TEST_F(Processes, WaitForEachOtherToSynchronize) {
     const auto synchronize = [&](int number) {
-        const auto database = SettingsDatabase::open(path);
+        const auto database = open();
         bool isGood = true;
         for (int i = 0; i < 60; ++i)
             isGood = database->set("k" + std::to_string(number),
                                    std::string(20'000, 'x') + std::to_string(i)) &&
                      database->synchronize() && isGood;
-        return isGood && told.empty();
+        return isGood && told_.empty();
     };
     Child one([&] { return synchronize(1); }), two([&] { return synchronize(2); }),
         three([&] { return synchronize(3); });
     EXPECT_TRUE(one.end());
     EXPECT_TRUE(two.end());
     EXPECT_TRUE(three.end());
-    SettingsDatabase::setProblemHandler({});
 }
 
 // Where nothing can be stored, what is being decoded is looked through at the same time.
-TEST(Processes, RemoveEverythingWhileAThreadReads) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
+TEST_F(Processes, RemoveEverythingWhileAThreadReads) {
     std::vector<SettingsDatabase::Change> changes;
     for (int i = 0; i < 2000; ++i)
         changes.emplace_back(std::to_string(i), PropertyList::Array{i});
-    ASSERT_TRUE(SettingsDatabase::open(path)->apply(std::move(changes)));
-    const auto database = SettingsDatabase::open(path);
+    ASSERT_TRUE(open()->apply(std::move(changes)));
+    const auto database = open();
     EXPECT_TRUE(inChild([&] { // which finds nothing that it could write
-        SettingsDatabase::setProblemHandler([](const std::string&) {});
-        for (const char* ending : {"", "-wal", "-shm"})
-            std::filesystem::remove(path + ending);
-        std::filesystem::create_directory(path);
+        removeFiles();
+        std::filesystem::create_directory(path_);
         std::thread reader([&] {
             for (int i = 2000; i > 0; --i)
                 database->value(std::to_string(i));

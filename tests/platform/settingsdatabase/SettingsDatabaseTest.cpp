@@ -1,20 +1,12 @@
-#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
+#include "DatabaseTest.h"
+#include "Values.h"
+
 #include <zorvan/platform/settingsdatabase/SettingsFolder.h>
 #include <zorvan/platform/settingsdatabase/internal/SettingsMemory.h>
 
-#include "Values.h"
-
-#include <tests/files/TemporaryFolder.h>
-
-#include <gtest/gtest.h>
-
-#include <map>
-#include <sys/stat.h>
-#include <thread>
-
-using namespace zorvan;
-
 namespace {
+
+using ADatabase = DatabaseTest;
 
 mode_t modeOf(const std::string& path) {
     struct stat status {};
@@ -23,14 +15,13 @@ mode_t modeOf(const std::string& path) {
 
 } // namespace
 
-TEST(SettingsDatabase, KeepsWhatItIsGiven) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "inner/a.settings";
+TEST_F(ADatabase, KeepsWhatItIsGiven) {
+    path_ = folder_.path() / "inner/a.settings";
     std::mt19937 random(11);
     PropertyList::Dictionary model;
     // Opened again and again: what was written, replaced and removed before must be there, or not.
     for (int round = 0; round < 6; ++round) {
-        const auto database = SettingsDatabase::open(path);
+        const auto database = open();
         ASSERT_EQ(database->contents().size(), model.size());
         for (const auto& [key, value] : model) {
             const auto stored = database->value(key);
@@ -58,65 +49,55 @@ TEST(SettingsDatabase, KeepsWhatItIsGiven) {
     }
 }
 
-TEST(SettingsDatabase, TellsOneFromTrueFromReal) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
-    SettingsDatabase::open(path)->set("k", 1);
+TEST_F(ADatabase, TellsOneFromTrueFromReal) {
+    open()->set("k", 1);
     for (const PropertyList& value : {PropertyList(true), PropertyList(1.0), PropertyList(1),
                                       PropertyList(0.0), PropertyList(-0.0), PropertyList("")}) {
-        ASSERT_TRUE(SettingsDatabase::open(path)->set("k", value));
-        EXPECT_TRUE(internal::isIdentical(*SettingsDatabase::open(path)->value("k"), value));
+        ASSERT_TRUE(open()->set("k", value));
+        EXPECT_TRUE(internal::isIdentical(*open()->value("k"), value));
     }
 }
 
-TEST(SettingsDatabase, AppliesAllOrNothing) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
-    const auto database = SettingsDatabase::open(path);
+TEST_F(ADatabase, AppliesAllOrNothing) {
+    const auto database = open();
     ASSERT_TRUE(
         database->apply({{"a", 1}, {"b", 2}, {"a", 3}, {"c", std::nullopt}, {"b", std::nullopt}}));
     EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"a", 3}}));
 }
 
-TEST(SettingsDatabase, IsPrivate) {
-    const TemporaryFolder folder;
-    const std::string inner = folder.path() / "inner";
-    const std::string path = inner + "/a.settings";
+TEST_F(ADatabase, IsPrivate) {
+    const std::string inner = folder_.path() / "inner";
+    path_ = inner + "/a.settings";
     const mode_t old = ::umask(0);
-    const auto database = SettingsDatabase::open(path);
+    const auto database = open();
     ::umask(old);
     database->set("k", 1);
     EXPECT_EQ(modeOf(inner), 0700u);
     for (const char* ending : {"", "-wal", "-shm"})
-        EXPECT_EQ(modeOf(path + ending), 0600u) << ending;
+        EXPECT_EQ(modeOf(path_ + ending), 0600u) << ending;
 }
 
 // But not the folders of others, such as that of a user's documents.
-TEST(SettingsDatabase, ClosesWhatStandsOpen) {
-    const TemporaryFolder folder;
-    ::setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
+TEST_F(ADatabase, ClosesWhatStandsOpen) {
+    ::setenv("XDG_CONFIG_HOME", folder_.path().c_str(), 1);
     for (const bool isOwn : {true, false}) {
-        const std::string inner = folder.path() / (isOwn ? "zorvan" : "documents");
-        const std::string path = inner + "/a.settings";
-        SettingsDatabase::open(path)->set("k", 1);
+        const std::string inner = folder_.path() / (isOwn ? "zorvan" : "documents");
+        path_ = inner + "/a.settings";
+        open()->set("k", 1);
         ::chmod(inner.c_str(), 0755);
-        ::chmod(path.c_str(), 0644);
-        EXPECT_TRUE(SettingsDatabase::open(path)->value("k"));
+        ::chmod(path_.c_str(), 0644);
+        EXPECT_TRUE(open()->value("k"));
         EXPECT_EQ(modeOf(inner), isOwn ? 0700u : 0755u);
-        EXPECT_EQ(modeOf(path), 0600u);
+        EXPECT_EQ(modeOf(path_), 0600u);
         ::chmod(inner.c_str(), 0775);
-        SettingsDatabase::setProblemHandler([](const std::string&) {});
-        EXPECT_EQ(SettingsDatabase::open(path)->set("k", 2), isOwn);
+        EXPECT_EQ(open()->set("k", 2), isOwn);
         EXPECT_EQ(modeOf(inner), isOwn ? 0700u : 0775u);
-        SettingsDatabase::setProblemHandler({});
     }
 }
 
-TEST(SettingsDatabase, IsSharedInTheProcess) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
-    const auto database = SettingsDatabase::open(path);
-    EXPECT_EQ(SettingsDatabase::open(path), database);
+TEST_F(ADatabase, IsSharedInTheProcess) {
+    const auto database = open();
+    EXPECT_EQ(open(), database);
     constexpr int threads = 4, each = 200;
     std::vector<std::thread> writers;
     for (int t = 0; t < threads; ++t)
@@ -131,17 +112,15 @@ TEST(SettingsDatabase, IsSharedInTheProcess) {
     EXPECT_EQ(database->contents().size(), std::size_t{threads * each});
 }
 
-TEST(SettingsDatabase, ClearsRemovedKeysAway) {
-    const TemporaryFolder folder;
-    const std::string path = folder.path() / "a.settings";
-    const auto database = SettingsDatabase::open(path);
+TEST_F(ADatabase, ClearsRemovedKeysAway) {
+    const auto database = open();
     database->set("stays", 1);
     for (int i = 0; i < 3000; ++i) {
         database->set("passing " + std::to_string(i), std::string(500, 'x'));
         database->remove("passing " + std::to_string(i));
     }
     ASSERT_TRUE(database->synchronize());
-    EXPECT_LT(std::filesystem::file_size(path), 500'000u); // 3,000 such keys take more
+    EXPECT_LT(std::filesystem::file_size(path_), 500'000u); // 3,000 such keys take more
     EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"stays", 1}}));
 }
 

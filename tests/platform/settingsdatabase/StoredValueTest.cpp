@@ -1,14 +1,12 @@
+#include <tests/Testing.h>
+
 #include <zorvan/platform/settingsdatabase/internal/SettingsMemory.h>
 #include <zorvan/platform/settingsdatabase/internal/StoredValue.h>
 
 #include "Values.h"
 
-#include <gtest/gtest.h>
 #include <tests/bytesOf.h>
 
-#include <random>
-
-using namespace zorvan;
 using namespace zorvan::internal;
 using namespace std::string_literals;
 

@@ -1,10 +1,4 @@
-#include <tests/Testing.h>
-
-#include "Processes.h"
-
-#include <tests/files/TemporaryFolder.h>
-
-#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
+#include "DatabaseTest.h"
 
 #include <sqlite3.h>
 
@@ -12,7 +6,7 @@ namespace {
 
 using Outcome = SettingsDatabase::Outcome;
 
-class Transactions : public testing::Test {
+class Transactions : public DatabaseTest {
 protected:
     static std::size_t size(SettingsDatabase& database) {
         const auto list = database.value("list");
@@ -26,10 +20,6 @@ protected:
             database.set("list", std::move(longer));
         });
     }
-    std::shared_ptr<SettingsDatabase> open() const { return SettingsDatabase::open(path_); }
-
-    TemporaryFolder folder_;
-    std::string path_ = folder_.path() / "a.settings";
 };
 
 } // namespace
@@ -120,8 +110,6 @@ TEST_F(Transactions, EndWithTheirProcess) {
 }
 
 TEST_F(Transactions, ChangeNothingWhenTheyAreRefused) {
-    std::vector<std::string> told;
-    SettingsDatabase::setProblemHandler([&](const std::string& text) { told.push_back(text); });
     const auto database = open();
     append(*database, 1);
     sqlite3* lock = nullptr;
@@ -137,12 +125,11 @@ TEST_F(Transactions, ChangeNothingWhenTheyAreRefused) {
               Outcome::refused);
     EXPECT_FALSE(database->value("small"));
     EXPECT_FALSE(database->value("large"));
-    EXPECT_EQ(told, (std::vector{path_ + ": database is locked; nothing was changed",
-                                 path_ + ": large: the value is larger than 256 MiB; nothing was "
-                                         "changed"}));
+    EXPECT_EQ(told_, (std::vector{path_ + ": database is locked; nothing was changed",
+                                  path_ + ": large: the value is larger than 256 MiB; nothing was "
+                                          "changed"}));
     EXPECT_EQ(append(*database, 2), Outcome::stored);
     EXPECT_EQ(database->problem(), std::nullopt);
-    SettingsDatabase::setProblemHandler({});
 
     const auto nowhere = SettingsDatabase::inMemory();
     EXPECT_EQ(append(*nowhere, 1), Outcome::kept);
@@ -152,7 +139,6 @@ TEST_F(Transactions, ChangeNothingWhenTheyAreRefused) {
 
 // A child that is made within one cannot go on with it.
 TEST_F(Transactions, AreNotTakenAlongIntoAChild) {
-    SettingsDatabase::setProblemHandler([](const std::string&) {});
     const auto database = open();
     pid_t child = -1;
     const Outcome outcome = database->transact([&] {
@@ -167,7 +153,6 @@ TEST_F(Transactions, AreNotTakenAlongIntoAChild) {
     EXPECT_EQ(outcome, Outcome::stored);
     EXPECT_EQ(append(*database, 2), Outcome::stored);
     EXPECT_TRUE(inChild([&] { return size(*open()) == 2; }));
-    SettingsDatabase::setProblemHandler({});
 }
 
 // While another thread forks, which takes hold of all that are open.

@@ -1,7 +1,6 @@
 #include <zorvan/platform/dispatch/MainQueue.h>
 
 #include <zorvan/platform/dispatch/NSThread.h>
-#include <zorvan/platform/dispatch/internal/CurrentQueue.h>
 #include <zorvan/platform/dispatch/internal/MainDispatchQueue.h>
 #include <zorvan/platform/dispatch/internal/Turn.h>
 #include <zorvan/platform/foundation/fatalError.h>

@@ -70,16 +70,8 @@ private:
             }
     }
 
-    /// The object identifier that a value stands for; absent when it stands for itself.
     std::optional<std::uint64_t> identifier(const PropertyList& value) const {
-        const auto* dictionary = value.as<PropertyList::Dictionary>();
-        if (identifiers_ == Identifiers::refused || !dictionary || dictionary->size() != 1 ||
-            dictionary->begin()->first != identifierKey)
-            return std::nullopt;
-        const auto* number = dictionary->begin()->second.as<NSNumber>();
-        if (!number || !number->isInteger() || number->int64Value() < 0)
-            return std::nullopt;
-        return static_cast<std::uint64_t>(number->int64Value());
+        return identifiers_ == Identifiers::admitted ? identifierIn(value) : std::nullopt;
     }
 
     void countText(const std::string& text) {
@@ -260,6 +252,16 @@ private:
 };
 
 } // namespace
+
+std::optional<std::uint64_t> identifierIn(const PropertyList& value) {
+    const auto* dictionary = value.as<PropertyList::Dictionary>();
+    if (!dictionary || dictionary->size() != 1 || dictionary->begin()->first != identifierKey)
+        return std::nullopt;
+    const auto* number = dictionary->begin()->second.as<NSNumber>();
+    if (!number || !number->isInteger() || number->int64Value() < 0)
+        return std::nullopt;
+    return static_cast<std::uint64_t>(number->int64Value());
+}
 
 Data writeBinary(const PropertyList& list, Identifiers identifiers) {
     return BinaryWriter(identifiers).write(list);

@@ -49,17 +49,6 @@ const Kind* entryOf(const PropertyList::Dictionary& dictionary, std::string_view
     return entry == dictionary.end() ? nullptr : entry->second.as<Kind>();
 }
 
-/// The number of the object that a stored value refers to; absent for other values.
-std::optional<std::size_t> identifier(const PropertyList& stored) {
-    const auto* reference = stored.as<PropertyList::Dictionary>();
-    if (!reference || reference->size() != 1)
-        return std::nullopt;
-    const auto* number = entryOf<NSNumber>(*reference, propertylist::identifierKey);
-    if (!number || !number->isInteger() || number->int64Value() < 0)
-        return std::nullopt;
-    return static_cast<std::size_t>(number->int64Value());
-}
-
 PropertyList::Dictionary readArchive(std::span<const std::byte> bytes) {
     try {
         PropertyList list = propertylist::readBinary(bytes, propertylist::Identifiers::admitted);
@@ -110,7 +99,7 @@ const PropertyList& NSKeyedUnarchiver::field(std::string_view key) const {
 }
 
 NSKeyedUnarchiver::Object NSKeyedUnarchiver::object(const PropertyList& stored) const {
-    const std::optional<std::size_t> number = identifier(stored);
+    const auto number = propertylist::identifierIn(stored);
     if (!number) {
         // Only numbers stand by themselves.
         if (!stored.as<NSNumber>())
@@ -197,7 +186,7 @@ NSKeyedUnarchiver NSKeyedUnarchiver::fieldsOf(const Object& object,
     const auto tag = fields ? fields->find(classKey) : PropertyList::Dictionary::const_iterator();
     if (!fields || tag == fields->end())
         refuseClass();
-    const std::optional<std::size_t> number = identifier(tag->second);
+    const auto number = propertylist::identifierIn(tag->second);
     if (!number || *number >= archive_->objects.size())
         refuse("the class of an object is missing");
     const auto* described = archive_->objects[*number].as<PropertyList::Dictionary>();

@@ -104,22 +104,14 @@ std::optional<char32_t> UTF8Reader::next() {
 }
 
 void appendUTF8(std::string& text, char32_t scalar) {
-    const auto append = [&](char32_t byte) { text += static_cast<char>(byte); };
     if (scalar < 0x80) {
-        append(scalar);
-    } else if (scalar < 0x800) {
-        append(0xC0 | scalar >> 6);
-        append(0x80 | (scalar & 0x3F));
-    } else if (scalar < 0x10000) {
-        append(0xE0 | scalar >> 12);
-        append(0x80 | (scalar >> 6 & 0x3F));
-        append(0x80 | (scalar & 0x3F));
-    } else {
-        append(0xF0 | scalar >> 18);
-        append(0x80 | (scalar >> 12 & 0x3F));
-        append(0x80 | (scalar >> 6 & 0x3F));
-        append(0x80 | (scalar & 0x3F));
+        text += static_cast<char>(scalar);
+        return;
     }
+    int left = scalar < 0x800 ? 1 : scalar < 0x10000 ? 2 : 3; // of six bits each
+    text += static_cast<char>((0xFF00u >> (left + 1) & 0xFF) | scalar >> (6 * left));
+    while (left-- > 0)
+        text += static_cast<char>(0x80 | (scalar >> (6 * left) & 0x3F));
 }
 
 std::optional<Data> decodeBase64(std::string_view text) {
@@ -199,18 +191,16 @@ std::string encodeDate(Date date) {
     const std::chrono::hh_mm_ss<std::chrono::seconds> time(seconds - day);
     std::string text;
     appendNumber(text, static_cast<int>(calendar.year()), 4);
-    text += '-';
-    appendNumber(text, static_cast<unsigned>(calendar.month()), 2);
-    text += '-';
-    appendNumber(text, static_cast<unsigned>(calendar.day()), 2);
-    text += 'T';
-    appendNumber(text, time.hours().count(), 2);
-    text += ':';
-    appendNumber(text, time.minutes().count(), 2);
-    text += ':';
-    appendNumber(text, time.seconds().count(), 2);
-    text += 'Z';
-    return text;
+    for (const auto& [separator, number] :
+         {std::pair<char, std::int64_t>('-', unsigned(calendar.month())),
+          {'-', unsigned(calendar.day())},
+          {'T', time.hours().count()},
+          {':', time.minutes().count()},
+          {':', time.seconds().count()}}) {
+        text += separator;
+        appendNumber(text, number, 2);
+    }
+    return text + 'Z';
 }
 
 std::optional<Date> dateFromReference(double seconds) {

@@ -1,3 +1,4 @@
+#include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
@@ -166,10 +167,6 @@ private:
     std::string text_;
 };
 
-struct FreeParser {
-    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
-};
-
 /// Keeps exceptions out of the parser, which is not written in C++: they are thrown when it is
 /// done.
 class Parser {
@@ -229,7 +226,7 @@ private:
         }
     }
 
-    std::unique_ptr<XML_ParserStruct, FreeParser> parser_;
+    std::unique_ptr<XML_ParserStruct, Release<XML_ParserFree>> parser_;
     Document document_;
     std::exception_ptr failure_;
 };

@@ -212,6 +212,8 @@ ItemStore::ItemStore(PrivateFolder folder) : folder_(folder), custody_(folder) {
 void ItemStore::openDatabase() {
     const auto lock = folder_.lock();
     database_.emplace(folder_);
+    stampAddress_ = database_->stampAddress();
+    read_ = {};
 }
 
 bool ItemStore::isUsable(const std::string& path) const {
@@ -336,8 +338,27 @@ std::vector<SecureItem> ItemStore::matching(const ItemQuery& query) {
     return rows;
 }
 
+std::vector<SecureItem> ItemStore::known(const ItemQuery& query) {
+    const auto& service = query.attributes.texts[serviceText];
+    const auto& account = query.attributes.texts[accountText];
+    if (!service || !account || !stampAddress_ || database_->isTransacting())
+        return matching(query);
+    // Before the reading: what is written meanwhile makes it stale.
+    read_.goOnAt(privatestore::readStamp(stampAddress_));
+    auto rows = read_.of(*service, *account);
+    if (!rows) {
+        rows = matching(relativesOf(query.attributes.texts));
+        read_.keep(*service, *account, *rows);
+    }
+    std::erase_if(*rows, [&](const SecureItem& row) {
+        return !matches(row, query.attributes) ||
+               row.reference != query.reference.value_or(row.reference);
+    });
+    return std::move(*rows);
+}
+
 std::vector<OpenedItem> ItemStore::find(const ItemQuery& query) {
-    std::vector<SecureItem> rows = matching(query);
+    std::vector<SecureItem> rows = known(query);
     std::ranges::sort(rows, isReadBefore);
     std::vector<OpenedItem> found;
     bool lacksKey = false;
@@ -394,7 +415,7 @@ void ItemStore::modify(const ItemQuery& query, ItemAttributes written, const Cha
     ItemDatabase::Change transaction(*database_);
     const std::optional<Secret> before = valueOf(query);
     std::optional<Data> after = before ? std::optional(before->bytes()) : std::nullopt;
-    const WipedAtEnd afterwards(after);
+    const detail::WipedAtEnd afterwards(after);
     change(after);
     if (after ? before && before->bytes() == *after : !before)
         return;

@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/foundation/Data.h>
 
+#include <optional>
 #include <string>
 
 namespace zorvan {
@@ -12,5 +13,24 @@ namespace zorvan {
 void wipe(Data& secret) noexcept;
 void wipe(std::string& secret) noexcept;
 /// @}
+
+namespace detail {
+
+/// Wipes what stands in a place of the caller's then, if anything does.
+class WipedAtEnd {
+public:
+    explicit WipedAtEnd(std::optional<Data>& bytes) noexcept : bytes_(bytes) {}
+    WipedAtEnd(const WipedAtEnd&) = delete;
+    WipedAtEnd& operator=(const WipedAtEnd&) = delete;
+    ~WipedAtEnd() {
+        if (bytes_)
+            wipe(*bytes_);
+    }
+
+private:
+    std::optional<Data>& bytes_;
+};
+
+} // namespace detail
 
 } // namespace zorvan

@@ -84,19 +84,13 @@ PropertyList::Dictionary SettingsDatabase::contents() {
 }
 
 bool SettingsDatabase::set(std::string_view key, PropertyList value) {
-    std::vector<std::pair<std::string, Value>> change;
-    change.emplace_back(key, std::make_shared<const PropertyList>(std::move(value)));
-    const bool isStored = core_->write(std::move(change));
-    core_->tell();
-    return isStored;
+    std::vector<Change> change;
+    change.emplace_back(key, std::move(value));
+    return apply(std::move(change));
 }
 
 bool SettingsDatabase::remove(std::string_view key) {
-    std::vector<std::pair<std::string, Value>> change;
-    change.emplace_back(key, Value());
-    const bool isStored = core_->write(std::move(change));
-    core_->tell();
-    return isStored;
+    return apply({{std::string(key), std::nullopt}});
 }
 
 bool SettingsDatabase::apply(std::vector<Change> changes) {

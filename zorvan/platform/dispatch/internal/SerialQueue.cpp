@@ -1,6 +1,5 @@
 #include <zorvan/platform/dispatch/internal/SerialQueue.h>
 
-#include <zorvan/platform/dispatch/internal/CurrentQueue.h>
 #include <zorvan/platform/foundation/fatalError.h>
 
 #include <utility>
@@ -13,6 +12,31 @@ namespace {
 constexpr int blocksInARow = 64;
 
 void run(Block& block) noexcept { block(); }
+
+/// While it lives, the calling thread runs a block of the queue. Nests.
+class CurrentQueue {
+public:
+    explicit CurrentQueue(const SerialQueue& queue) noexcept
+        : queue_(queue), outer_(std::exchange(innermost_, this)) {}
+    ~CurrentQueue() { innermost_ = outer_; }
+    CurrentQueue(const CurrentQueue&) = delete;
+    CurrentQueue& operator=(const CurrentQueue&) = delete;
+
+    static bool includes(const SerialQueue& queue) noexcept {
+        const CurrentQueue* current = innermost_;
+        while (current && &current->queue_ != &queue)
+            current = current->outer_;
+        return current != nullptr;
+    }
+
+private:
+    static thread_local CurrentQueue* innermost_;
+
+    const SerialQueue& queue_;
+    CurrentQueue* outer_;
+};
+
+thread_local CurrentQueue* CurrentQueue::innermost_ = nullptr;
 
 } // namespace
 
@@ -33,7 +57,7 @@ void SerialQueue::schedule() {
 }
 
 void SerialQueue::drain() {
-    const CurrentQueue current(this);
+    const CurrentQueue current(*this);
     for (int i = 0; i < blocksInARow; ++i) {
         Item item;
         {
@@ -53,14 +77,14 @@ void SerialQueue::drain() {
 }
 
 void SerialQueue::runSync(BlockReference block) {
-    if (CurrentQueue::includes(this))
+    if (CurrentQueue::includes(*this))
         fatalError("sync called on the queue that the caller is running on.");
     awaitTurn();
     struct PassOn {
         SerialQueue& queue;
         ~PassOn() { queue.passOn(); }
     } const passOn{*this};
-    const CurrentQueue current(this);
+    const CurrentQueue current(*this);
     block();
 }
 

@@ -1,6 +1,7 @@
 #include <zorvan/platform/dispatch/internal/MainDispatchQueue.h>
 #include <zorvan/platform/foundation/LibraryLog.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/foundation/internal/Wakeup.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/foundation/internal/percentEscapes.h>
@@ -41,18 +42,18 @@ constexpr auto patience = std::chrono::milliseconds(5); // with a busy main thre
 using Clock = std::chrono::steady_clock;
 constexpr auto never = Clock::time_point::max();
 
-using Bus = std::unique_ptr<sd_bus, decltype(&sd_bus_flush_close_unref)>;
-using Message = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
-using Slot = std::unique_ptr<sd_bus_slot, decltype(&sd_bus_slot_unref)>;
+using Bus = std::unique_ptr<sd_bus, Release<sd_bus_flush_close_unref>>;
+using Message = std::unique_ptr<sd_bus_message, Release<sd_bus_message_unref>>;
+using Slot = std::unique_ptr<sd_bus_slot, Release<sd_bus_slot_unref>>;
 
 Bus openBus() {
     sd_bus* bus = nullptr;
     const bool opened = sd_bus_open_user(&bus) >= 0;
-    Bus owned(bus, &sd_bus_flush_close_unref);
+    Bus owned(bus);
     const char* name = nullptr;
     if (!opened || sd_bus_set_method_call_timeout(bus, callTimeout) < 0 ||
         sd_bus_get_unique_name(bus, &name) < 0)
-        return {nullptr, &sd_bus_flush_close_unref};
+        return nullptr;
     return owned;
 }
 
@@ -112,7 +113,7 @@ public:
 
     void want(const std::string& name) override {
         const std::lock_guard lock(mutex_);
-        addMatch(slots_.emplace(name, Slot(nullptr, &sd_bus_slot_unref)).first);
+        addMatch(slots_.try_emplace(name).first);
         wakeup_.signal(); // the call may have read other messages on the way
     }
 
@@ -128,7 +129,7 @@ public:
         if (!bus_ ||
             sd_bus_message_new_signal(bus_.get(), &made, objectPath, interfaceName, signalName) < 0)
             return;
-        const Message signal(made, &sd_bus_message_unref);
+        const Message signal(made);
         if (sd_bus_message_append(made, "s", sortKey(name).c_str()) < 0 ||
             sd_bus_message_append_array(made, 'y', message.data(), message.size()) < 0)
             return;

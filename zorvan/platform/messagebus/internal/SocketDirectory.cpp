@@ -1,6 +1,7 @@
 #include <zorvan/platform/messagebus/internal/SocketDirectory.h>
 
 #include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/foundation/internal/desktopFolders.h>
 
 #include <array>
@@ -123,7 +124,7 @@ bool SocketDirectory::hasChanged() const {
 void SocketDirectory::scan() {
     names_.clear();
     scanned_ = true;
-    const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(path("").c_str()), &::closedir);
+    const std::unique_ptr<DIR, Release<::closedir>> entries(::opendir(path("").c_str()));
     if (!entries)
         return;
     while (const dirent* entry = ::readdir(entries.get())) {

@@ -30,9 +30,6 @@ public:
         std::thread([this] { run(); }).detach();
     }
 
-    void want(const std::string&) override {}
-    void unwant(const std::string&) override {}
-
     void send(const std::string&, Data message) override {
         const auto frame = framed(message);
         const std::lock_guard lock(mutex_);

@@ -12,8 +12,6 @@ class LoopbackTransport final : public Transport {
 public:
     explicit LoopbackTransport(Receive receive) : receive_(std::move(receive)) {}
 
-    void want(const std::string&) override {}
-    void unwant(const std::string&) override {}
     void send(const std::string&, Data message) override { receive_(message); }
 
 private:

@@ -19,9 +19,9 @@ public:
 
     virtual ~Transport() = default;
 
-    /// What is sent under the name from now on is received, at least.
-    virtual void want(const std::string& name) = 0;
-    virtual void unwant(const std::string& name) = 0;
+    /// What is sent under the name from now on is received, at least. By default everything is.
+    virtual void want(const std::string&) {}
+    virtual void unwant(const std::string&) {}
 
     virtual void send(const std::string& name, Data message) = 0;
 };

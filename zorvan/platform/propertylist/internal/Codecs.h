@@ -3,6 +3,8 @@
 #include <zorvan/platform/foundation/PropertyList.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <stdexcept>
 
@@ -25,6 +27,8 @@ inline constexpr char binaryMagic[] = "bplist00";
 /// negative, stands for one.
 enum class Identifiers { refused, admitted };
 inline constexpr const char* identifierKey = "CF$UID";
+/// The object identifier that a value stands for; absent when it stands for itself.
+std::optional<std::uint64_t> identifierIn(const PropertyList& value);
 
 PropertyList readBinary(std::span<const std::byte> bytes,
                         Identifiers identifiers = Identifiers::refused);

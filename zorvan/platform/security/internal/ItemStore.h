@@ -3,6 +3,7 @@
 #include <zorvan/platform/security/internal/ItemDatabase.h>
 #include <zorvan/platform/security/internal/ItemQuery.h>
 #include <zorvan/platform/security/internal/KeyCustody.h>
+#include <zorvan/platform/security/internal/ReadItems.h>
 #include <zorvan/platform/security/internal/SecureItem.h>
 
 #include <functional>
@@ -57,6 +58,8 @@ private:
     std::optional<Secret> valueOf(const ItemQuery& query);
     Opening open(const SecureItem& item);
     std::vector<SecureItem> matching(const ItemQuery& query);
+    /// The same, from memory when it was read before and nobody has written since.
+    std::vector<SecureItem> known(const ItemQuery& query);
 
     // Within a transaction; among the relatives are all states of an item that is written:
     bool insert(const NewItem& item, const std::vector<SecureItem>& relatives,
@@ -72,6 +75,8 @@ private:
 
     privatestore::PrivateFolder folder_;
     std::optional<ItemDatabase> database_; // absent while it is closed for a fork
+    const void* stampAddress_ = nullptr;   // of the database
+    ReadItems read_;
     KeyCustody custody_;
 };
 

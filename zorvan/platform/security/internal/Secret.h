@@ -3,7 +3,6 @@
 #include <zorvan/platform/foundation/Data.h>
 #include <zorvan/platform/security/wipe.h>
 
-#include <optional>
 #include <utility>
 
 namespace zorvan::security {
@@ -27,21 +26,6 @@ public:
 
 private:
     Data bytes_;
-};
-
-/// Wipes what stands in a place of the caller's then, if anything does.
-class WipedAtEnd {
-public:
-    explicit WipedAtEnd(std::optional<Data>& bytes) noexcept : bytes_(bytes) {}
-    WipedAtEnd(const WipedAtEnd&) = delete;
-    WipedAtEnd& operator=(const WipedAtEnd&) = delete;
-    ~WipedAtEnd() {
-        if (bytes_)
-            wipe(*bytes_);
-    }
-
-private:
-    std::optional<Data>& bytes_;
 };
 
 } // namespace zorvan::security

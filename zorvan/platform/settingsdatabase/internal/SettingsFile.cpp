@@ -2,10 +2,10 @@
 
 #include <zorvan/platform/foundation/internal/placeItem.h>
 #include <zorvan/platform/settingsdatabase/SettingsFolder.h>
-#include <zorvan/platform/settingsdatabase/internal/SettingCell.h>
 #include <zorvan/platform/settingsdatabase/internal/StoredValue.h>
 
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -45,6 +45,46 @@ constexpr char insertion[] = "INSERT INTO settings(key, value) VALUES (?1, ?2)";
 constexpr char replacement[] =
     "UPDATE settings SET id = (SELECT max(id) FROM settings) + 1, value = ?2 "
     "WHERE key = ?1 AND id = ?3 RETURNING id";
+
+/// Binds the next parameter: integers, reals and texts as the engine's own, what it has not as
+/// bytes by `encodeStored`, which are kept in `bytes`, null for a removal. Throws
+/// `UnstorableValue`.
+void bindSetting(Statement& statement, const PropertyList* value, Data& bytes) {
+    if (!value) {
+        statement.bindNull();
+        return;
+    }
+    const auto* text = value->as<std::string>();
+    const auto* number = value->as<NSNumber>();
+    if (text && text->size() <= maximumStoredSize) {
+        statement.bindText(*text);
+    } else if (number && number->isInteger() && !number->isUnsigned()) {
+        statement.bind(number->int64Value());
+    } else if (number && number->isReal() && !std::isnan(number->doubleValue())) {
+        statement.bindReal(number->doubleValue());
+    } else {
+        bytes = encodeStored(*value);
+        statement.bindBytes(bytes);
+    }
+}
+
+SettingContent settingIn(const Statement& row, int column) {
+    switch (row.kind(column)) {
+    case Statement::Kind::integer:
+        return PropertyList(row.integer(column));
+    case Statement::Kind::real:
+        return PropertyList(row.real(column));
+    case Statement::Kind::text:
+        return PropertyList(row.text(column));
+    case Statement::Kind::bytes: {
+        const auto bytes = row.bytes(column);
+        return EncodedSetting{Data(bytes.begin(), bytes.end())};
+    }
+    case Statement::Kind::null:
+        break;
+    }
+    return std::monostate();
+}
 
 /// The folder of a database, made safe, and for this process alone while it lives.
 struct Place {
