@@ -14,11 +14,6 @@
 
 #include <tests/bytesOf.h>
 
-#include <limits>
-#include <stdexcept>
-
-using namespace zorvan;
-
 namespace {
 
 /// Its coding throws what this library does not.

@@ -1,10 +1,5 @@
 #include "Store.h"
 
-#include <cmath>
-#include <limits>
-
-using namespace zorvan;
-
 namespace {
 
 using Texts = std::optional<std::vector<std::string>>;

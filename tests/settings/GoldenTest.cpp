@@ -3,8 +3,6 @@
 #include "Golden.h"
 #include "Store.h"
 
-using namespace zorvan;
-
 namespace {
 
 class GoldenDatabase : public Store, public testing::WithParamInterface<int> {};

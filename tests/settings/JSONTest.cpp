@@ -1,14 +1,10 @@
+#include <tests/Testing.h>
+
 #include "Examples.h"
 
 #include <zorvan/platform/foundation/Data.h>
 #include <zorvan/settings/JSON.h>
 #include <zorvan/settings/JSONCoding.h>
-
-#include <gtest/gtest.h>
-
-#include <limits>
-
-using namespace zorvan;
 
 namespace {
 

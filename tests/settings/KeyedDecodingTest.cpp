@@ -1,3 +1,5 @@
+#include <tests/Testing.h>
+
 #include "Examples.h"
 
 #include <zorvan/platform/propertylist/NSKeyedArchiver.h>
@@ -5,13 +7,7 @@
 #include <zorvan/settings/KeyedDecodingContainer.h>
 #include <zorvan/settings/KeyedJSONContainer.h>
 
-#include <gtest/gtest.h>
-
-#include <optional>
-#include <string_view>
 #include <unordered_map>
-
-using namespace zorvan;
 
 namespace {
 

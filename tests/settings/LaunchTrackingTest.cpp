@@ -1,10 +1,7 @@
+#include <tests/Testing.h>
+
 #include <tests/files/TemporaryFolder.h>
-
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdio>
-#include <cstdlib>
+#include <tests/outputOf.h>
 
 namespace {
 
@@ -27,13 +24,10 @@ protected:
     }
 
     std::string launch(const std::string& arguments = "") const {
-        const std::string command = folder_.path().string() + "/" + program_ + " " + arguments;
-        FILE* output = ::popen(command.c_str(), "r");
-        std::string text;
-        std::array<char, 256> buffer;
-        while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), output))
-            text.append(buffer.data(), size);
-        EXPECT_EQ(::pclose(output), 0);
+        int status = -1;
+        std::string text =
+            outputOf(folder_.path().string() + "/" + program_ + " " + arguments, &status);
+        EXPECT_EQ(status, 0);
         return text;
     }
 

@@ -2,10 +2,6 @@
 
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 
-#include <thread>
-
-using namespace zorvan;
-
 namespace {
 
 class Defaults : public Store {};

@@ -6,13 +6,8 @@
 #include <zorvan/settings/PersistentURLUDC.h>
 
 #include <sys/wait.h>
-#include <unistd.h>
-
-using namespace zorvan;
 
 namespace {
-
-namespace fs = std::filesystem;
 
 class PersistentURL : public Store {
 protected:

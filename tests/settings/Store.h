@@ -1,15 +1,11 @@
 #pragma once
 
+#include <tests/Testing.h>
+
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 #include <zorvan/settings/NSUserDefaults.h>
 
 #include <tests/files/TemporaryFolder.h>
-
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <string>
-#include <vector>
 
 /// A store in a configuration folder of its own.
 class Store : public testing::Test {

@@ -1,7 +1,6 @@
 #include "Process.h"
 #include "Store.h"
 
-#include <tests/Testing.h>
 #include <tests/platform/settingsdatabase/Processes.h>
 #include <tests/waitUntil.h>
 

@@ -3,10 +3,6 @@
 #include <zorvan/settings/NumberCoders.h>
 #include <zorvan/settings/ObjectCoders.h>
 
-#include <utility>
-
-using namespace zorvan;
-
 namespace {
 
 class Keys : public Store {

@@ -1,25 +1,12 @@
+#include <tests/Testing.h>
+
 #include "Process.h"
 
 #include <zorvan/settings/UserKeychain.h>
 
 #include <tests/bytesOf.h>
 #include <tests/files/TemporaryFolder.h>
-
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <limits>
-#include <set>
-#include <stdexcept>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
-#include <unordered_set>
-
-using namespace zorvan;
-namespace fs = std::filesystem;
+#include <tests/platform/settingsdatabase/Processes.h>
 
 namespace {
 
@@ -180,7 +167,12 @@ TEST_F(KeychainTest, ItemsHaveTheAttributesOfTheirKey) {
 
 TEST_F(KeychainTest, AnAccessNarrowsWhatIsMeant) {
     EXPECT_FALSE(keychain->hasValue(key));
+    EXPECT_EQ(keychain->dataRef(key), std::nullopt);
     EXPECT_TRUE(keychain->set("1", key));
+    EXPECT_EQ(SecItemCopyMatching({{kSecValuePersistentRef, keychain->dataRef(key).value()},
+                                   {kSecReturnData, true}})
+                  .value,
+              PropertyList(bytesOf("1")));
     EXPECT_EQ(items().at(0).at(kSecAttrAccessible), kSecAttrAccessibleWhenUnlocked);
     EXPECT_EQ(keychain->string(key, Access::whenUnlocked), "1");
     EXPECT_EQ(keychain->string(key, Access::afterFirstUnlock), std::nullopt);
@@ -238,29 +230,6 @@ TEST_F(KeychainTest, AllKeysAreThoseOfTheService) {
     EXPECT_EQ(other->string(key), "o");
 }
 
-TEST_F(KeychainTest, AReferenceNamesTheItem) {
-    EXPECT_EQ(keychain->dataRef(key), std::nullopt);
-    EXPECT_TRUE(keychain->set("v", key));
-    const auto reference = keychain->dataRef(key);
-    ASSERT_TRUE(reference);
-    const SecItemResult found =
-        SecItemCopyMatching({{kSecValuePersistentRef, *reference}, {kSecReturnData, true}});
-    EXPECT_EQ(found.value, PropertyList(bytesOf("v")));
-}
-
-TEST_F(KeychainTest, WritersOfOneKeyAllSucceed) {
-    std::vector<std::thread> writers;
-    for (int i = 0; i < 4; ++i)
-        writers.emplace_back([&, i] {
-            for (int j = 0; j < 10; ++j)
-                EXPECT_TRUE(keychain->set(i, key));
-        });
-    for (std::thread& writer : writers)
-        writer.join();
-    EXPECT_EQ(items().size(), 1u);
-    EXPECT_LT(keychain->integer(key), 4);
-}
-
 TEST_F(KeychainTest, AChangeIsWholeOrNothing) {
     const auto count = [&](auto& value) { value = value.value_or(0) + 1; };
     EXPECT_TRUE(keychain->modify<std::int64_t>(key, count));
@@ -304,20 +273,12 @@ TEST_F(KeychainTest, NoChangeIsLost) {
                 return false;
         return true;
     };
-    std::vector<pid_t> children;
-    for (int i = 0; i < 4; ++i) {
-        children.push_back(::fork());
-        if (children.back() == 0)
-            ::_exit(count() ? 0 : 1);
-    }
+    Child one(count), two(count), three(count), four(count);
     std::thread thread([&] { EXPECT_TRUE(count()); });
     EXPECT_TRUE(count());
     thread.join();
-    for (const pid_t child : children) {
-        int status = -1;
-        ::waitpid(child, &status, 0);
-        EXPECT_EQ(status, 0);
-    }
+    for (Child* const child : {&one, &two, &three, &four})
+        EXPECT_TRUE(child->end());
     EXPECT_EQ(keychain->integer(key), 6 * each);
 }
 

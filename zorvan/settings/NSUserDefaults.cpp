@@ -1,9 +1,9 @@
 #include <zorvan/settings/NSUserDefaults.h>
 
+#include <zorvan/platform/bundles/NSBundle.h>
 #include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 #include <zorvan/platform/foundation/executablePath.h>
-#include <zorvan/platform/bundles/NSBundle.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/settings/internal/conversions.h>
@@ -146,17 +146,7 @@ NSUserDefaults::dictionaryForKey(std::string_view key) const {
 std::optional<std::vector<std::string>>
 NSUserDefaults::stringArrayForKey(std::string_view key) const {
     const auto value = sharedObjectForKey(key);
-    const auto* array = value ? value->as<PropertyList::Array>() : nullptr;
-    if (!array)
-        return std::nullopt;
-    std::vector<std::string> texts;
-    for (const PropertyList& item : *array) {
-        const auto* text = item.as<std::string>();
-        if (!text)
-            return std::nullopt;
-        texts.push_back(*text);
-    }
-    return texts;
+    return value ? internal::asStrings(*value) : std::nullopt;
 }
 
 std::optional<URL> NSUserDefaults::URLForKey(std::string_view key) const {

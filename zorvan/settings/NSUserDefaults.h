@@ -145,38 +145,23 @@ public:
     }
 
     /// What the coder reads, else the key's default.
-    /// @{
-    template <class Coder>
-    typename Coder::CodableType value(const EvaluedUserDefaultsKey<Coder>& key) {
-        std::optional<typename Coder::CodableType> stored =
-            detail::coderOf(key).decode(*this, key.name);
-        return stored ? std::move(*stored) : key.value;
+    template <GenericUserDefaultsKey Key>
+    typename SettingReference<Key>::Value value(const Key& key) {
+        auto stored = detail::coderOf(key).decode(*this, key.name);
+        if (stored)
+            return std::move(*stored);
+        return key.value;
     }
-    template <class Coder>
-    std::optional<typename Coder::CodableType> value(const OptionalUserDefaultsKey<Coder>& key) {
-        std::optional<typename Coder::CodableType> stored =
-            detail::coderOf(key).decode(*this, key.name);
-        return stored ? std::move(stored) : key.value;
-    }
-    /// @}
 
     /// Writes a value, or what a callable gives, which is called once, and posts the notification.
     template <GenericUserDefaultsKey Key, class Expression>
     void set(const Key& key, Expression&& expr) {
-        const auto& coder = detail::coderOf(key);
-        const std::optional<typename Key::CodableType> value(
-            evaluated<typename Key::CodableType>(std::forward<Expression>(expr)));
-        coder.encode(value, *this, key.name);
-        postDidSet(key.name);
+        write<typename Key::CodableType>(key, std::forward<Expression>(expr));
     }
     /// The same with a value that may be absent.
     template <GenericUserDefaultsKey Key, class Expression>
     void setOpt(const Key& key, Expression&& expr) {
-        const auto& coder = detail::coderOf(key);
-        const std::optional<typename Key::CodableType> value =
-            evaluated<std::optional<typename Key::CodableType>>(std::forward<Expression>(expr));
-        coder.encode(value, *this, key.name);
-        postDidSet(key.name);
+        write<std::optional<typename Key::CodableType>>(key, std::forward<Expression>(expr));
     }
     /// As `set` and `setOpt`, but when `hasValue(key)` nothing happens, nor is a callable called.
     /// @{
@@ -327,6 +312,15 @@ private:
             return Value(std::forward<Expression>(expression));
         else
             return Value(std::forward<Expression>(expression)());
+    }
+
+    template <class Value, class Key, class Expression>
+    void write(const Key& key, Expression&& expression) {
+        const auto& coder = detail::coderOf(key);
+        const std::optional<typename Key::CodableType> value(
+            evaluated<Value>(std::forward<Expression>(expression)));
+        coder.encode(value, *this, key.name);
+        postDidSet(key.name);
     }
 
     template <class Kind>

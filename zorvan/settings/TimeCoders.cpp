@@ -69,20 +69,4 @@ void CMTimeRangeUDC::encode(const std::optional<CMTimeRange>& value, NSUserDefau
                      key);
 }
 
-std::optional<NSDateFormatterStyle> DateFormatterStyleUDC::decode(NSUserDefaults& from,
-                                                                  std::string_view key) const {
-    const auto object = from.objectForKey(key);
-    const auto* number = object ? object->as<NSNumber>() : nullptr;
-    return number ? std::optional(static_cast<NSDateFormatterStyle>(number->uint64Value()))
-                  : std::nullopt;
-}
-
-void DateFormatterStyleUDC::encode(const std::optional<NSDateFormatterStyle>& value,
-                                   NSUserDefaults& to, std::string_view key) const {
-    if (value)
-        to.setObject(static_cast<std::uint64_t>(*value), key);
-    else
-        to.removeObjectForKey(key);
-}
-
 } // namespace zorvan

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/settings/StoredUserDefaultsCoder.h>
 #include <zorvan/text/CMTime.h>
 #include <zorvan/text/CMTimeRange.h>
 
@@ -8,8 +9,6 @@
 #include <string_view>
 
 namespace zorvan {
-
-class NSUserDefaults;
 
 /// Stored as a number: the time in seconds. Nothing stored reads as 0 seconds, never as absent; an
 /// absent value is not written, and leaves what is stored.
@@ -48,15 +47,6 @@ enum class NSDateFormatterStyle : std::uint64_t {
 };
 
 /// Stored as a number, which is taken as a style unchecked; absent when something else is stored.
-class DateFormatterStyleUDC {
-public:
-    /// See `UserDefaultsCoder`.
-    /// @{
-    using CodableType = NSDateFormatterStyle;
-    std::optional<CodableType> decode(NSUserDefaults& from, std::string_view key) const;
-    void encode(const std::optional<CodableType>& value, NSUserDefaults& to,
-                std::string_view key) const;
-    /// @}
-};
+class DateFormatterStyleUDC : public StoredUserDefaultsCoder<NSDateFormatterStyle> {};
 
 } // namespace zorvan

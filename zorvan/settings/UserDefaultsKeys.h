@@ -153,16 +153,9 @@ public:
 
 namespace detail {
 
-template <class Coder>
-const Coder& coderOf(const EvaluedUserDefaultsKey<Coder>& key) {
-    if constexpr (std::is_polymorphic_v<Coder>)
-        return *key.coder;
-    else
-        return key.coder;
-}
-template <class Coder>
-const Coder& coderOf(const OptionalUserDefaultsKey<Coder>& key) {
-    if constexpr (std::is_polymorphic_v<Coder>)
+template <class Key>
+const typename Key::Coder& coderOf(const Key& key) {
+    if constexpr (std::is_polymorphic_v<typename Key::Coder>)
         return *key.coder;
     else
         return key.coder;

@@ -1,7 +1,7 @@
 #include <zorvan/settings/UserKeychain.h>
 
-#include <zorvan/platform/foundation/executablePath.h>
 #include <zorvan/platform/bundles/NSBundle.h>
+#include <zorvan/platform/foundation/executablePath.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
 #include <zorvan/platform/security/internal/Items.h>
 #include <zorvan/platform/security/wipe.h>
@@ -152,27 +152,9 @@ std::optional<std::string> UserKeychain::string(const Key& key,
     return bytes ? textIn(*bytes) : std::nullopt;
 }
 
-std::optional<std::int64_t> UserKeychain::integer(const Key& key,
-                                                  std::optional<Access> access) const {
-    return numberAs<std::int64_t>(object<NSNumber>(key, access));
-}
-
-std::optional<float> UserKeychain::float_(const Key& key, std::optional<Access> access) const {
-    return numberAs<float>(object<NSNumber>(key, access));
-}
-
-std::optional<double> UserKeychain::double_(const Key& key, std::optional<Access> access) const {
-    return numberAs<double>(object<NSNumber>(key, access));
-}
-
-std::optional<bool> UserKeychain::bool_(const Key& key, std::optional<Access> access) const {
-    return numberAs<bool>(object<NSNumber>(key, access));
-}
-
 bool UserKeychain::hasValue(const Key& key, std::optional<Access> access) const {
     std::optional<Data> bytes = data(key, access);
-    if (bytes)
-        wipe(*bytes);
+    const WipedAtEnd afterwards(bytes);
     return bytes.has_value();
 }
 

@@ -152,12 +152,20 @@ public:
     /// As UTF-8; absent when it is not.
     std::optional<std::string> string(const Key& key, std::optional<Access> access = {}) const;
     /// Of any number, as `NSNumber` converts it.
-    std::optional<std::int64_t> integer(const Key& key, std::optional<Access> access = {}) const;
+    std::optional<std::int64_t> integer(const Key& key, std::optional<Access> access = {}) const {
+        return number<std::int64_t>(key, access);
+    }
     /// Of any number, as `NSNumber` converts it.
     /// @{
-    std::optional<float> float_(const Key& key, std::optional<Access> access = {}) const;
-    std::optional<double> double_(const Key& key, std::optional<Access> access = {}) const;
-    std::optional<bool> bool_(const Key& key, std::optional<Access> access = {}) const;
+    std::optional<float> float_(const Key& key, std::optional<Access> access = {}) const {
+        return number<float>(key, access);
+    }
+    std::optional<double> double_(const Key& key, std::optional<Access> access = {}) const {
+        return number<double>(key, access);
+    }
+    std::optional<bool> bool_(const Key& key, std::optional<Access> access = {}) const {
+        return number<bool>(key, access);
+    }
     /// @}
     /// What `NSKeyedUnarchiver` gives for the class.
     template <class Object>
@@ -208,22 +216,8 @@ public:
 private:
     explicit UserKeychain(Service argument);
 
+    using WipedAtEnd = detail::WipedAtEnd;
     using ChangeData = std::function<bool(std::optional<Data>& bytes)>;
-
-    /// Makes sure that a secret does not stay in memory.
-    class WipedAtEnd {
-    public:
-        explicit WipedAtEnd(std::optional<Data>& bytes) noexcept : bytes_(bytes) {}
-        WipedAtEnd(const WipedAtEnd&) = delete;
-        WipedAtEnd& operator=(const WipedAtEnd&) = delete;
-        ~WipedAtEnd() {
-            if (bytes_)
-                wipe(*bytes_);
-        }
-
-    private:
-        std::optional<Data>& bytes_;
-    };
 
     /// The function says whether the value that it left is to be stored.
     bool modifyData(const Key& key, const ChangeData& change, std::optional<Access> access) const;
@@ -269,6 +263,10 @@ private:
             return numberAs<Value>(unarchived<NSNumber>(bytes));
         else
             return unarchived<Value>(bytes);
+    }
+    template <class Number>
+    std::optional<Number> number(const Key& key, std::optional<Access> access) const {
+        return numberAs<Number>(object<NSNumber>(key, access));
     }
     template <class Number>
     static std::optional<Number> numberAs(const std::optional<NSNumber>& number) {

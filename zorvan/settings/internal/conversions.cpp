@@ -124,6 +124,20 @@ std::optional<std::string> asString(const PropertyList& value) {
     return text ? std::optional(*text) : std::nullopt;
 }
 
+std::optional<std::vector<std::string>> asStrings(const PropertyList& value) {
+    const auto* array = value.as<PropertyList::Array>();
+    if (!array)
+        return std::nullopt;
+    std::vector<std::string> texts;
+    for (const PropertyList& item : *array) {
+        const auto* text = item.as<std::string>();
+        if (!text)
+            return std::nullopt;
+        texts.push_back(*text);
+    }
+    return texts;
+}
+
 std::optional<URL> asURL(const PropertyList& value) {
     const auto* text = value.as<std::string>();
     if (!text || text->find('\0') != std::string::npos)
