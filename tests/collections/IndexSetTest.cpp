@@ -97,7 +97,8 @@ TEST(IndexSet, ShiftsAsAListDoes) {
         {{3, 4, 6}, 0, -4, {0, 2}},
         {{3, 4}, 2, farBack, {}},
         {{3, 4}, 9, 5, {3, 4}},
-        {{3, 4, 8}, 9, -2, {3, 4}}, // nothing follows
+        {{3, 4}, 5, IndexSet::maximumIndex, {3, 4}}, // nothing is pushed too far
+        {{3, 4, 8}, 9, -2, {3, 4}},                  // nothing follows
         {{3, 4, 8}, 9, farBack, {}},
         {{0, 1, 5}, 0, 0, {0, 1, 5}},
     };

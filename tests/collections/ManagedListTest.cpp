@@ -613,3 +613,16 @@ TEST(ManagedList, FindsManyItems) {
     EXPECT_EQ(serials(list->items()), serials(model.items));
     EXPECT_EQ(serials(list->allItems()), serials(model.full));
 }
+
+TEST(ManagedList, FollowsItemsWhoseEqualWasLost) {
+    const auto list = ManagedList<Hashed>::create({Hashed{1}, Hashed{2}, Hashed{1}, Hashed{3}});
+    list->setFilter([](const Hashed&) { return true; });
+    list->remove({3});
+    list->remove({2}); // the full list loses the first 1
+    const std::vector<Hashed> shown = list->items();
+    Announcements<Hashed> announced(list);
+    list->setFilter({});
+    const Reordering reordering = announced.posts.at(1).reordering.value();
+    expectFollowedByFilter(shown, list->items(), reordering);
+    EXPECT_EQ(reordering.newPosition(0), 1);
+}
