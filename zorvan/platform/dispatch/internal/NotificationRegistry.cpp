@@ -41,10 +41,16 @@ void NSNotificationCenter::Registry::remove(const ObserverPointer& observer) {
 
 /// Clears the places of those whom a channel of that key concerns.
 void NSNotificationCenter::Registry::outdate(const Key& key) noexcept {
-    if (key.name && key.sender)
-        return place(key).clear();
-    for (Place& each : places_)
-        each.clear();
+    const auto clear = [](Row& row) {
+        for (Place& each : row)
+            each.clear();
+    };
+    if (!key.name)
+        std::ranges::for_each(places_, clear);
+    else if (!key.sender)
+        clear(row(key.name));
+    else
+        place(key).clear();
 }
 
 /// Merges the channels concerned, each of which is in the order of addition.

@@ -65,9 +65,13 @@ private:
     std::atomic<std::uint32_t>& interest(const Key& key) noexcept {
         return key.name ? interest_[slot(key.name)] : interestInEveryName_;
     }
+    using Row = std::array<Place, 32>;
+    Row& row(const std::string* name) noexcept {
+        return places_[internal::notificationHash(name, nullptr) % places_.size()];
+    }
     template <class AnyKey>
     Place& place(const AnyKey& key) noexcept {
-        return places_[KeyHash{}(key) % places_.size()];
+        return row(key.name)[KeyHash{}(key) / places_.size() % std::tuple_size_v<Row>];
     }
     /// False when nobody can want a notification of that name; says so without a lock.
     bool mayConcern(const std::string* name) const noexcept {
@@ -86,8 +90,9 @@ private:
     std::array<std::atomic<std::uint32_t>, interestSlots> interest_{};
     std::atomic<std::uint32_t> interestInEveryName_ = 0;
 
-    // Filled under the lock; cleared after each change, before it is said to be made.
-    std::array<Place, 256> places_;
+    // A row for each name. Filled under the lock; cleared after each change, before it is said to
+    // be made.
+    std::array<Row, 64> places_;
 };
 
 } // namespace zorvan
