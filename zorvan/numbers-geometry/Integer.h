@@ -76,15 +76,16 @@ template <std::same_as<std::int64_t> T>
     return intValue((high - low) * randomUnitValue<float>() + low);
 }
 
-/// `x` when `divisor` is 0; else the rest of the truncated division, moved up by `divisor` when it
-/// is negative.
+/// `x` when `divisor` is 0; else the rest of the truncated division, moved by `divisor` when it is
+/// negative. Below a divisor of -2^62 that may wrap around.
 template <std::signed_integral T>
 [[nodiscard]] constexpr std::int64_t positiveRemainder(T x, std::int64_t divisor) noexcept {
     if (divisor == 0)
         return x;
     // The smallest integer divided by -1 overflows, though the rest is plain.
     const std::int64_t rest = divisor == -1 ? 0 : x % divisor;
-    return rest < 0 ? rest + divisor : rest;
+    const auto moved = static_cast<std::uint64_t>(rest) + static_cast<std::uint64_t>(divisor);
+    return rest < 0 ? static_cast<std::int64_t>(moved) : rest;
 }
 
 /// In decimal, padded with zeros to as many digits as `n` has: `zeroPadded(5, 100)` is "005". A
