@@ -59,12 +59,14 @@ static gboolean drawPicture(gpointer data) {
     gdk_paintable_snapshot(paintable, snapshot, gtk_widget_get_width(program->window),
                            gtk_widget_get_height(program->window));
     GskRenderNode* node = gtk_snapshot_free_to_node(snapshot);
+    g_object_unref(paintable);
+    if (!node)
+        return G_SOURCE_CONTINUE; // a busy machine has not drawn it yet
     GdkTexture* texture = gsk_renderer_render_texture(
         gtk_native_get_renderer(GTK_NATIVE(program->window)), node, nullptr);
     gdk_texture_save_to_png(texture, program->picture);
     g_object_unref(texture);
     gsk_render_node_unref(node);
-    g_object_unref(paintable);
     gtk_window_destroy(GTK_WINDOW(program->window));
     return G_SOURCE_REMOVE;
 }
