@@ -54,6 +54,7 @@ TEST_F(AccessibilityTest, ButtonsArePressedFromOutside) {
 struct Items : NSTableViewDataSource, NSTableViewDelegate, NSCollectionViewDataSource {
     std::int64_t numberOfRows(const NSTableView&) const override { return 5; }
     std::int64_t numberOfItems(const NSCollectionView&, std::int64_t) const override { return 5; }
+    using NSTableViewDataSource::text;
     std::string text(const NSCollectionView&, IndexPath path) const override {
         return "item " + std::to_string(path.item);
     }

@@ -183,6 +183,8 @@ struct Movable : NSTableViewDataSource, NSCollectionViewDataSource, Tree {
     std::int64_t numberOfRows(const NSTableView&) const override { return 5; }
     std::int64_t numberOfItems(const NSCollectionView&, std::int64_t) const override { return 6; }
 
+    using NSCollectionViewDataSource::draggedURL;
+    using NSOutlineViewDataSource::draggedURL;
     std::optional<URL> draggedURL(const NSTableView&, std::int64_t row) const override {
         return givesFiles ? std::optional(file(std::to_string(row))) : std::nullopt;
     }

@@ -108,15 +108,17 @@ struct Followed {
     explicit Followed(std::shared_ptr<List> followed, Watcher::Removed removed)
         : list(std::move(followed)), model(list, roles), watcher(model, removed) {}
 
+    using Indexes = std::vector<std::pair<QPersistentModelIndex, int>>;
+
     /// Of all rows, to be found where their things are.
-    std::vector<std::pair<QPersistentModelIndex, int>> indexes() const {
-        std::vector<std::pair<QPersistentModelIndex, int>> indexes;
+    Indexes indexes() const {
+        Indexes indexes;
         for (int row = 0; row < model.rowCount(); ++row)
             indexes.emplace_back(model.index(row, 0), model.item(row).self);
         return indexes;
     }
     /// After a change: what the model shows, keeps and has selected.
-    void expectFollowing(const decltype(std::declval<Followed>().indexes())& before) const {
+    void expectFollowing(const Indexes& before) const {
         const std::vector<int> selves = selvesOf(shownItems(*list));
         ASSERT_THAT(watcher.shown(), testing::ElementsAreArray(selves));
         for (const auto& [index, self] : before) {
