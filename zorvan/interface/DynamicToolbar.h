@@ -3,7 +3,6 @@
 #include <zorvan/interface/DynamicBar.h>
 #include <zorvan/interface/DynamicToolbarItemSet.h>
 #include <zorvan/interface/NSToolbar.h>
-#include <zorvan/interface/ReloadGuard.h>
 
 #include <functional>
 #include <memory>

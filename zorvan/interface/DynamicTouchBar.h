@@ -3,7 +3,6 @@
 #include <zorvan/interface/DynamicBar.h>
 #include <zorvan/interface/DynamicTouchBarItemSet.h>
 #include <zorvan/interface/NSTouchBar.h>
-#include <zorvan/interface/ReloadGuard.h>
 
 #include <memory>
 #include <utility>
