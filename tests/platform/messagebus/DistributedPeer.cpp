@@ -34,7 +34,8 @@ NSDistributedNotificationCenter& center() {
 
 std::vector<std::shared_ptr<NotificationObserver>> observers;
 
-void say(const std::string& line) { std::cout << line << std::endl; }
+// In one piece: several threads have something to say.
+void say(const std::string& line) { std::cout << line + "\n" << std::flush; }
 
 void report(const Notification& notification) {
     const std::string* sender = NSDistributedNotificationCenter::sender(notification);
