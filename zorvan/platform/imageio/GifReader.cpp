@@ -154,7 +154,7 @@ private:
 
 Bitmap readOnCanvas(GifFile& file, const DecodeOptions& options) {
     const PixelSize canvas = file.canvas();
-    checkSize(canvas);
+    checkCanvas(canvas, file.mostPixels());
     checkSize(file.size());
     if (file.size().width > file.mostPixels() / file.size().height)
         throw Failure{reason::cutShort};
