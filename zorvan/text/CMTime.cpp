@@ -9,14 +9,13 @@ namespace zorvan {
 
 namespace {
 
-/// Rounded to a whole number, with zeros in front up to the width.
+/// Rounded to a whole number, with zeros in front up to the width, which negative ones fill.
 std::string padded(double number, std::size_t width) {
     char digits[32];
     std::string text(
         digits,
         std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed, 0).ptr);
-    const std::size_t sign = text.starts_with('-') ? 1 : 0;
-    return text.insert(sign, width > text.size() ? width - text.size() : 0, '0');
+    return text.insert(0, width > text.size() ? width - text.size() : 0, '0');
 }
 
 std::string joined(const ClockTime& time, char separator) {
