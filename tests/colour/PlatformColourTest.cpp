@@ -9,6 +9,7 @@ TEST(NSColor, ReadsAndWritesHexText) {
     EXPECT_EQ(NSColor::make({.hexString = "#F00"}), NSColor::red);
     EXPECT_EQ(NSColor::make({.hexString = "red"}), std::nullopt);
     EXPECT_EQ(NSColor::orange.hexString(), "#FF7F00");
+    EXPECT_EQ(NSColor::clear.hexString(), "#00000000");
     EXPECT_EQ(NSColor::brown.rgba(), RGBA(0.6, 0.4, 0.2, 1));
     EXPECT_EQ(NSColor(RGBA(2, -1, NAN, 5)).rgba(), RGBA(1, 0, 0, 1));
 }
@@ -39,6 +40,7 @@ TEST(CGColor, IsMadeFromEachModel) {
     EXPECT_EQ(CGColor::create({.hexString = "#10F8"})->components(),
               (std::vector<double>{1 / 15.0, 0, 1, 8 / 15.0}));
     EXPECT_EQ(CGColor::create({.hexString = "00F"}), std::nullopt);
+    EXPECT_EQ(RGB(255, 0, 51).cpColor(), NSColor(RGBA(1, 0, 0.2, 1)));
     EXPECT_EQ(RGB(255, 0, 51).cgColor().nsColor(), NSColor(RGBA(1, 0, 0.2, 1)));
 }
 

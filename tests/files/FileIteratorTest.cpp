@@ -26,7 +26,7 @@ protected:
 } // namespace
 
 TEST_F(FileIteratorTest, OpensWhatItsOptionsSay) {
-    const std::vector<std::string> everything{"a", ".h", "s/x", "s/.h/x", "p.RTFD/x"};
+    const std::vector<std::string> everything{"a", ".h/x", "s/x", "s/.h", "p.RTFD/x"};
     folder.make(everything);
     EXPECT_THAT(all(*overFolder), ElementsAre("a"));
     for (unsigned bits = 0; bits < 8; ++bits) {

@@ -38,6 +38,7 @@ TEST(Segment, Measures) {
 TEST(Segment, ComparesInBothDirections) {
     const Segment s({0, 0}, {3, 4}), near({3.0001, 4}, {0, 0});
     EXPECT_TRUE(s.isEqualToReversedSegment(s.reversed()));
+    EXPECT_FALSE(s.isEqualToSegment(s.reversed()));
     EXPECT_TRUE(s.isSimilarToReversed(near, 3));
     EXPECT_FALSE(s.isSimilarTo(near, 3));
     EXPECT_TRUE(s.overlapReversed(near, 0.001));
@@ -137,7 +138,7 @@ TEST(Angle, StaysWithinOneTurn) {
     EXPECT_TRUE(std::isnan(Angle({.radians = INFINITY}).value()));
     // A sum is brought back into the turn, an addition in place is not.
     const Angle four({.radians = 4}), three({.radians = 3});
-    EXPECT_LT((four + three - Angle::zero).value(), 1);
+    EXPECT_NEAR((four + three - Angle({.radians = 6.5})).value(), 0.5, 1e-12);
     Angle sum = four;
     sum += three;
     sum -= Angle({.radians = 0.5});
@@ -176,5 +177,6 @@ TEST(Directions, TurnAndToggle) {
     EXPECT_EQ(side, HOrientation::make({.rawValue = 1}));
     EXPECT_EQ(HOrientation::make({.rawValue = 2}), std::nullopt);
     EXPECT_EQ(VOrientation::make({.rawValue = -1}), std::nullopt);
+    EXPECT_EQ(Orientation::left.rawValue(), 3);
     EXPECT_EQ(CardinalDirection::make({.rawValue = 3}), CardinalDirection::south);
 }

@@ -86,7 +86,7 @@ TEST(CGAffineTransform, AppliesTheNewMapFirst) {
     const auto turn = CGAffineTransform({.rotationAngle = std::acos(-1.0) / 2});
     EXPECT_TRUE(p.applying(turn).overlap({-2, 1}, 1e-15)); // counter-clockwise
     const auto t = CGAffineTransform({.scale = 2}).translatedBy(10, 0);
-    EXPECT_EQ(p.applying(t), CGPoint(22, 4));
+    EXPECT_EQ(p.applying(t.scaledBy(3, 1)), CGPoint(26, 4));
     EXPECT_EQ(CGSize(1, 2).applying(t), CGSize(2, 4));
     EXPECT_EQ(p.applying(CGAffineTransform({.translationX = 10, .y = 0})
                              .concatenating(CGAffineTransform({.scaleX = 2, .y = 1}))),

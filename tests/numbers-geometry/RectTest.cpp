@@ -189,7 +189,8 @@ TEST(RectCorners, IsASet) {
     EXPECT_FALSE(top.isStrictSubset(top));
     EXPECT_EQ(RectCorners({.rawValue = -1}).flipped(), RectCorners::allValues);
     RectCorners set = top | RectCorners::bottomLeft;
+    set.insert(RectCorners::bottomRight);
     set.remove(RectCorners::topLeft);
-    EXPECT_EQ(set.rawValue(), 6);
+    EXPECT_EQ(set.rawValue(), 14);
     EXPECT_FALSE(set.contains(top));
 }
