@@ -31,12 +31,21 @@ public:
     /// The place of the case in the order of declaration, from 0.
     [[nodiscard]] constexpr std::int64_t rawValue() const noexcept { return raw_; }
 
+    /// The other one of two cases.
+    /// @{
+    [[nodiscard]] constexpr Self toggled() const noexcept requires(count == 2) {
+        return Self(static_cast<typename Self::Case>(1 - raw_));
+    }
+    constexpr void toggle() noexcept requires(count == 2) { static_cast<Self&>(*this) = toggled(); }
+    /// @}
+
     friend constexpr bool operator==(const EnumerationValue&, const EnumerationValue&) = default;
 
 protected:
-    /// From a raw value below `count`, which is not checked.
-    explicit constexpr EnumerationValue(std::int64_t raw) noexcept
-        : raw_(static_cast<std::uint8_t>(raw)) {}
+    /// From a case, or a raw value below `count`, which is not checked.
+    template <class Case>
+    explicit constexpr EnumerationValue(Case value) noexcept
+        : raw_(static_cast<std::uint8_t>(value)) {}
 
 private:
     std::uint8_t raw_;
