@@ -1,9 +1,11 @@
+#include <tests/Listener.h>
 #include <tests/Testing.h>
 
 #include <zorvan/interface/NSApplication.h>
 #include <zorvan/interface/NSButton.h>
 #include <zorvan/interface/NSWindow.h>
-#include <zorvan/observation/NoteSubscriber.h>
+
+#include <list>
 
 using Type = NSEvent::EventType;
 using Calls = std::vector<std::string>;
@@ -11,40 +13,27 @@ using Calls = std::vector<std::string>;
 namespace {
 
 /// Tells of the notifications of windows, and does something then.
-class Watch {
-public:
-    explicit Watch(std::function<void(const std::string&)> then = [](const std::string&) {})
-        : then_(std::move(then)) {
+struct Watch {
+    explicit Watch(const std::function<void(const std::string&)>& then = [](const auto&) {}) {
         for (const auto name :
              {NSWindow::didBecomeMainNotification, NSWindow::didResignMainNotification,
               NSWindow::willCloseNotification, NSWindow::didResizeNotification})
-            observers_.push_back(NSNotificationCenter::defaultCenter()->addObserver(
-                NSNotificationName(name), nullptr, nullptr, [this](const Notification& told) {
-                    const auto window = std::static_pointer_cast<const NSWindow>(told.object);
-                    const std::string name = told.name.rawValue().substr(8);
-                    notes.push_back(window->title() + " " +
-                                    name.substr(0, name.size() - std::strlen("Notification")));
-                    then_(notes.back());
-                }));
-    }
-    ~Watch() {
-        for (const auto& observer : observers_)
-            NSNotificationCenter::defaultCenter()->removeObserver(observer);
+            listeners.emplace_back(name, nullptr, [this, then](const Notification& told) {
+                const auto window = std::static_pointer_cast<const NSWindow>(told.object);
+                // Between "NSWindow" and "Notification".
+                const std::string full(told.name.rawValue());
+                notes.push_back(window->title() + " " + full.substr(8, full.size() - 8 - 12));
+                then(notes.back());
+            });
     }
     Calls notes;
-
-private:
-    std::function<void(const std::string&)> then_;
-    std::vector<std::shared_ptr<NotificationObserver>> observers_;
+    std::list<Listener> listeners;
 };
 
 /// Tells of the mouse.
 struct Mouser : NSView {
-    static std::shared_ptr<Mouser> create(const CGRect& frame, Calls& calls, std::string name) {
-        return std::make_shared<Mouser>(Key{}, frame, calls, std::move(name));
-    }
-    Mouser(Key key, const CGRect& frame, Calls& told, std::string its)
-        : NSView(key, frame), calls(told), name(std::move(its)) {}
+    Mouser(const CGRect& frame, Calls& told, std::string its)
+        : NSView(Key{}, frame), calls(told), name(std::move(its)) {}
     void updateTrackingAreas() override {
         if (area)
             removeTrackingArea(area);
@@ -83,30 +72,15 @@ protected:
 
     Calls calls;
     std::shared_ptr<NSWindow> window = NSWindow::create({200, 100});
-    std::shared_ptr<Mouser> outer = Mouser::create({20, 20, 100, 60}, calls, "outer");
-    std::shared_ptr<Mouser> inner = Mouser::create({10, 10, 20, 20}, calls, "inner");
+    std::shared_ptr<Mouser> outer =
+        std::make_shared<Mouser>(CGRect(20, 20, 100, 60), calls, "outer");
+    std::shared_ptr<Mouser> inner =
+        std::make_shared<Mouser>(CGRect(10, 10, 20, 20), calls, "inner");
 };
 
 } // namespace
 
-TEST(NSWindow, HandsTheMainStatusOn) {
-    const auto a = NSWindow::create({10, 10}, "a"), b = NSWindow::create({10, 10}, "b");
-    Watch watch;
-    EXPECT_FALSE(a->isVisible());
-    a->makeMainWindow();
-    a->makeMainWindow();
-    EXPECT_TRUE(a->isVisible());
-    EXPECT_EQ(NSApplication::shared().mainWindow(), a);
-    b->makeMainWindow();
-    EXPECT_FALSE(a->isMainWindow());
-    b->close();
-    b->close();
-    EXPECT_EQ(NSApplication::shared().mainWindow(), nullptr);
-    EXPECT_EQ(watch.notes, (Calls{"a DidBecomeMain", "a DidResignMain", "b DidBecomeMain",
-                                  "b WillClose", "b DidResignMain"}));
-}
-
-TEST(NSWindow, MayBeClosedByWhoeverIsTold) {
+TEST(NSWindow, HandsTheMainStatusOnAndMayBeClosedByWhoeverIsTold) {
     const std::pair<std::string, Calls> table[] = {
         // Before it has become main, it does not become it.
         {"a DidResignMain", {"a DidBecomeMain", "a DidResignMain", "b WillClose"}},
@@ -114,40 +88,39 @@ TEST(NSWindow, MayBeClosedByWhoeverIsTold) {
          {"a DidBecomeMain", "a DidResignMain", "b DidBecomeMain", "b WillClose",
           "b DidResignMain"}},
     };
+    const auto a = NSWindow::create({10, 10}, "a"), c = NSWindow::create({10, 10}, "c");
     for (const auto& [closing, notes] : table) {
-        const auto a = NSWindow::create({10, 10}, "a");
-        auto b = NSWindow::create({10, 10}, "b");
-        Watch watch([&, at = closing](const std::string& note) {
+        const auto b = NSWindow::create({10, 10}, "b");
+        const Watch watch([&, at = closing](const std::string& note) {
             if (note == at || note == "b WillClose")
                 b->close();
         });
         a->makeMainWindow();
+        a->makeMainWindow(); // is it already
+        EXPECT_TRUE(a->isVisible() && a->isMainWindow() && !b->isVisible());
         b->makeMainWindow();
         EXPECT_EQ(watch.notes, notes);
-        EXPECT_FALSE(b->isMainWindow());
-        EXPECT_FALSE(b->isVisible());
+        EXPECT_FALSE(a->isMainWindow() || b->isMainWindow() || b->isVisible());
     }
     // The last holder lets go while it is told.
     auto window = NSWindow::create({10, 10}, "a");
     const std::weak_ptr gone = window;
     {
-        Watch watch([&](const std::string&) { window.reset(); });
+        const Watch watch([&](const std::string&) { window.reset(); });
         window->makeMainWindow();
         EXPECT_EQ(watch.notes.size(), 1u);
     }
     EXPECT_TRUE(gone.expired());
     EXPECT_EQ(NSApplication::shared().mainWindow(), nullptr);
     // Another may become main meanwhile.
-    const auto a = NSWindow::create({10, 10}, "a"), b = NSWindow::create({10, 10}, "b"),
-               c = NSWindow::create({10, 10}, "c");
-    Watch watch([&](const std::string& note) {
+    const auto b = NSWindow::create({10, 10}, "b");
+    const Watch watch([&](const std::string& note) {
         if (note == "a DidResignMain")
             c->makeMainWindow();
     });
     a->makeMainWindow();
     b->makeMainWindow();
     EXPECT_TRUE(c->isMainWindow());
-    EXPECT_FALSE(b->isMainWindow());
     c->close();
 }
 
@@ -156,26 +129,28 @@ TEST(NSLayoutConstraint, KeepsAViewFromBecomingSmaller) {
     const auto width = view->widthAnchor().constraintGreaterThanOrEqualToConstant(50);
     const auto height = view->heightAnchor().constraintGreaterThanOrEqualToConstant(-NAN);
     EXPECT_EQ(height->constant(), 0);
-    EXPECT_EQ(view->frame(), CGRect(1, 2, 30, 40)) << "none is active";
+    EXPECT_EQ(view->frame().width(), 30) << "none is active";
     width->setActive(true);
     height->setActive(true);
     EXPECT_EQ(view->frame(), CGRect(1, 2, 50, 40));
-    view->setFrame({0, 0, 10, 10});
-    EXPECT_EQ(view->frame(), CGRect(0, 0, 50, 10));
     view->layoutSubtreeIfNeeded();
-    height->setConstant(5);
-    EXPECT_TRUE(view->needsLayout()) << "though it is large enough";
     height->setConstant(20);
+    EXPECT_TRUE(view->needsLayout()) << "though it is large enough";
+    view->setFrame({0, 0, 10, 10});
     EXPECT_EQ(view->fittingSize(), CGSize(50, 20));
     width->setActive(false);
     view->setFrame({0, 0, 10, 10});
     EXPECT_EQ(view->frame(), CGRect(0, 0, 10, 20));
-    EXPECT_EQ(height->firstAttribute(), NSLayoutAttribute::height);
 }
 
 TEST(NSWindow, KeepsItsContentUnderBarsAndTellsOfItsSize) {
+    struct Counter : NSWindowObserver {
+        void viewsNeedDisplay() override { ++asked; }
+        int asked = 0;
+    };
+    const auto counter = std::make_shared<Counter>();
     const auto window = NSWindow::create({200, 100}, "w");
-    Watch watch;
+    const Watch watch;
     window->setToolbar(NSToolbar::create("t"));
     window->setTouchBar(NSTouchBar::create());
     window->layoutIfNeeded();
@@ -187,15 +162,7 @@ TEST(NSWindow, KeepsItsContentUnderBarsAndTellsOfItsSize) {
     EXPECT_EQ(window->contentView()->frame().width(), 300);
     window->setContentSize({-5, std::numeric_limits<double>::quiet_NaN()});
     EXPECT_EQ(window->contentSize(), CGSize(1, 1));
-}
-
-TEST(NSWindow, AsksOnceToBeShownAnew) {
-    const auto window = NSWindow::create({60, 40});
-    struct Counter : NSWindowObserver {
-        void viewsNeedDisplay() override { ++asked; }
-        int asked = 0;
-    };
-    const auto counter = std::make_shared<Counter>();
+    // It asks once to be shown anew.
     window->addObserver(counter);
     window->displayIfNeeded();
     EXPECT_FALSE(window->viewsNeedDisplay());
@@ -217,29 +184,24 @@ TEST_F(NSWindowMouse, EntersAndLeavesTrackingAreas) {
     // What is dragged from gets the release, wherever that is.
     send(Type::leftMouseUp, {500, 500});
     EXPECT_EQ(take(), (Calls{"exit outer", "exit inner", "up inner"}));
-    inner->setHidden(true);
     NSApplication::shared().setActive(false);
     send(Type::mouseMoved, {35, 35});
     EXPECT_TRUE(take().empty());
     NSApplication::shared().setActive(true);
-    send(Type::mouseMoved, {35, 35});
-    EXPECT_EQ(take(), (Calls{"enter outer", "move outer"}));
-}
-
-TEST_F(NSWindowMouse, FollowsAreasThatChangeUnderTheMouse) {
+    // A larger area in place of one that the mouse is in is no new one.
     send(Type::mouseMoved, {35, 35});
     take();
-    // A larger area in place of one that the mouse is in is no new one.
     inner->setFrame({10, 10, 30, 30});
     send(Type::mouseMoved, {36, 36});
     EXPECT_EQ(take(), (Calls{"move outer", "move inner"}));
-    inner->setFrame({10, 10, 2, 2});
+    inner->setHidden(true);
     send(Type::mouseMoved, {36, 36});
     EXPECT_EQ(take(), (Calls{"exit inner", "move outer"}));
     outer->removeFromSuperview();
     send(Type::mouseMoved, {36, 36});
     EXPECT_EQ(take(), Calls{"exit outer"});
     // A view that leaves while another is told is passed over.
+    inner->setHidden(false);
     window->contentView()->addSubview(outer);
     outer->then = [this] { inner->removeFromSuperview(); };
     send(Type::mouseMoved, {31, 31});
@@ -281,20 +243,18 @@ TEST(NSApplication, PerformsActionsOnLivingTargetsOnly) {
         void withButton(NSButton& sender) { calls.push_back("from " + sender.title()); }
         Calls calls;
     };
-    auto target = std::make_shared<Target>();
-    const auto kept = target;
-    const std::weak_ptr<void> weak = target;
+    const auto target = std::make_shared<Target>();
     NSApplication& application = NSApplication::shared();
     const auto button = NSButton::create({.title = "b"});
     const Selector withButton("withButton", &Target::withButton);
-    EXPECT_TRUE(application.sendAction(Selector("plain", &Target::plain), weak, nullptr));
-    EXPECT_TRUE(application.sendAction(withButton, weak, button));
+    EXPECT_TRUE(application.sendAction(Selector("plain", &Target::plain), target, nullptr));
+    EXPECT_TRUE(application.sendAction(withButton, target, button));
     // A sender of another class, no sender, no target, and a target that has gone.
-    EXPECT_FALSE(application.sendAction(withButton, weak, NSView::create()));
-    EXPECT_FALSE(application.sendAction(withButton, weak, nullptr));
+    EXPECT_FALSE(application.sendAction(withButton, target, NSView::create()));
+    EXPECT_FALSE(application.sendAction(withButton, target, nullptr));
     EXPECT_FALSE(application.sendAction(withButton, {}, button));
-    EXPECT_EQ(kept->calls, (Calls{"plain", "from b"}));
-    std::weak_ptr<void> gone = std::make_shared<Target>();
+    EXPECT_EQ(target->calls, (Calls{"plain", "from b"}));
+    const std::weak_ptr<void> gone = std::make_shared<Target>();
     bool wasCalled = false;
     const Selector block("block", [&] { wasCalled = true; });
     EXPECT_FALSE(application.sendAction(block, gone, button));
