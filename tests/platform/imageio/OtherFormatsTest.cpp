@@ -114,6 +114,12 @@ TEST(OtherFormats, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
         EXPECT_EQ(number(propertiesOf(bytes), "PixelWidth"), 0x5018);
         EXPECT_EQ(errorWithin(std::uint64_t{256} << 20, bytes), "the file is cut short");
     }
+    // A canvas on which the file has next to nothing to show.
+    gif = sample("plain.gif");
+    Data webp = sample("animated.webp");
+    gif[7] = gif[9] = webp[25] = webp[28] = std::byte{0x50};
+    for (const Data& bytes : {gif, webp})
+        EXPECT_EQ(errorWithin(std::uint64_t{256} << 20, bytes), "the picture is too large");
 }
 
 TEST(OtherFormats, ExifTurnsAWebp) {
