@@ -155,8 +155,7 @@ TEST(CMTimeArithmetic, MultipliesByRealsAtARelatedTimescale) {
     expectSame({{t(600, 600) * M_PI, rounded(965097, 307200)},
                 {t(-900, 90000) * M_PI, rounded(-723823, 23040000)}, // to a millionth
                 {rounded(90000, 90000) * 0.1234567, rounded(355555, 2880000)},
-                {t(24 * 3600, 24) * (1 / 1.7), t(864000, 408)},
-                {t(24 * 3600, 24) * (1 / M_E), rounded(1041523793, 786432)}});
+                {t(24 * 3600, 24) * (1 / 1.7), t(864000, 408)}});
     for (const double factor : {0.123456789, std::sqrt(2), 1 / M_PI, 0.00123456, 7 / 9.1})
         for (const std::int32_t timescale : {24, 600, 24000, 48000, 1000000}) {
             const CMTime product = t(timescale * 7LL, timescale) * factor,

@@ -48,8 +48,7 @@ TEST(CMTimeProperty, SumsAreUndoneOrOffByHalfAUnit) {
 TEST(CMTimeProperty, ProductsAreExactOrMarked) {
     AnyTime random(4);
     int exact = 0;
-    // The nearest time is never further away than half the finest unit; a product with a real than
-    // a microsecond and a millionth of it.
+    // Half the finest unit; with a real a microsecond and a millionth of the product.
     const auto isWithin = [](CMTime product, double wanted, double slack) {
         return !product.isNumeric() ||
                std::abs(product.seconds() - wanted) <= std::abs(wanted) * 1e-15 + 2.4e-10 + slack;

@@ -13,14 +13,15 @@ TEST(DispatchQueue, SerialQueueRunsTheBlocksOfManyThreadsOneAtATimeInOrder) {
     std::vector<std::jthread> threads;
     for (int& mine : seen)
         threads.emplace_back([&] {
-            for (int i = 0; i < 4'000; i += 2) {
-                queue->async([&, i] { mine += mine == i; });
-                queue->sync([&, i] { mine += mine == i + 1; });
+            for (int i = 0; i < 6'000; i += 3) {
+                for (const int next : {i, i + 1})
+                    queue->async([&mine, next] { mine += mine == next; });
+                queue->sync([&] { mine += mine == i + 2; });
             }
         });
     threads.clear();
     for (const int count : seen)
-        EXPECT_EQ(count, 4'000);
+        EXPECT_EQ(count, 6'000);
 }
 
 TEST(DispatchQueue, SyncRunsOnTheCallingThreadAndPassesResultsAndExceptions) {
