@@ -283,6 +283,12 @@ TEST(NSTableView, ScrollsItsRowsIntoPlace) {
     EXPECT_EQ(shown.table->row(32.9), 2);
     EXPECT_EQ(shown.table->row(1099.0), -1);
 
+    struct Watch : NSViewObserver {
+        void boundsOriginDidChange(bool animated) override { glides += animated; }
+        int glides = 0;
+    };
+    const auto watch = std::make_shared<Watch>();
+    scrollView->contentView()->addObserver(watch);
     shown.table->selectOnlyRows({1, 99});
     const std::pair<std::function<void(NSTableView&)>, double> table[] = {
         {[](NSTableView& t) { t.scrollRowToVisible(2); }, 0},
@@ -296,6 +302,7 @@ TEST(NSTableView, ScrollsItsRowsIntoPlace) {
         scroll(*shown.table);
         EXPECT_EQ(scrollView->contentView()->bounds().y(), shownFrom);
     }
+    EXPECT_EQ(watch->glides, 1);
 }
 
 TEST(NSTableView, KeepsItsColumnsAndTheirViews) {

@@ -396,29 +396,6 @@ TEST_F(NSWindowKeys, OtherButtonsTheWheelAndMenusGoToTheView) {
     EXPECT_EQ(b->menu({}), other);
 }
 
-TEST(NSView, TellsItsObserversOfChanges) {
-    struct Watch : NSViewObserver {
-        void boundsOriginDidChange(bool animated) override {
-            told += animated ? "glide " : "origin ";
-        }
-        void needsDisplay(const CGRect& rect) override {
-            told += "display " + std::to_string(static_cast<int>(rect.width())) + " ";
-        }
-        std::string told;
-    };
-    const auto view = NSView::create({0, 0, 40, 40});
-    auto watch = std::make_shared<Watch>();
-    view->addObserver(watch);
-    view->setBoundsOrigin(CGPoint(5, 0));
-    view->setBoundsOrigin(CGPoint(9, 0), true);
-    view->setNeedsDisplay(true);
-    view->setNeedsDisplay(CGRect(10, 0, 15, 5));
-    view->setNeedsDisplay(CGRect(500, 0, 15, 5)); // outside
-    EXPECT_EQ(watch->told, "origin glide display 40 display 15 ");
-    watch.reset();
-    view->setNeedsDisplay(true); // and nobody is told
-}
-
 TEST(NSView, TellsScreenReadersWhatItIs) {
     const auto view = NSView::create();
     view->setToolTip("tip");

@@ -58,6 +58,7 @@ TEST_F(TintedButtonTest, PassesItsPropertiesToItsCell) {
     button->setImagePressedColor(NSColor::red);
     button->setBackgroundTintGradient(plain(NSColor::blue));
     button->setBackgroundRadius(3);
+    button->setNeedsDisplay(CGRect(500, 0, 15, 5)); // outside
     EXPECT_EQ(take(), "redraw redraw redraw ");
     const auto cell = button->tintedButtonCell();
     EXPECT_EQ(cell->imagePressedColor(), NSColor::red);
