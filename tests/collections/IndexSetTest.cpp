@@ -77,7 +77,6 @@ TEST(IndexSet, ShiftsAsAListDoes) {
         IndexSet after;
     } table[] = {
         {{0, 1, 2, 5}, 1, 2, {0, 3, 4, 7}},
-        {{0, 1, 2, 5}, 5, -2, {0, 1, 2, 3}},
         {{0, 1, 2, 5}, 2, -1, {0, 1, 4}},
         {{3, 4, 6}, 0, -4, {0, 2}},
         {{3, 4}, 2, farBack, {}},
@@ -168,6 +167,4 @@ TEST(IndexSet, TogglesAndMapsToPaths) {
               (std::set<IndexPath>{{.item = 1, .section = 0}, {.item = 7, .section = 0}}));
     const std::unordered_set<IndexSet> sets{set, set.toggling(1).toggling(1), {}};
     EXPECT_EQ(sets.size(), 2u);
-    set.removeAll();
-    EXPECT_EQ(set, IndexSet());
 }

@@ -157,9 +157,7 @@ TEST(NSCollectionView, PlacesItemsAndTheirViews) {
 }
 
 TEST(NSCollectionView, ShowsManagedListEditions) {
-    const std::vector<int> nine{9};
     const IndexSet first{0, 1}, middle{1, 2}, ends{0, 2};
-    const auto isLarge = [](int item) { return item > 1; };
     const auto list = ManagedList<int>::create({0, 1, 2, 3});
     Fixture shown(4);
     const Listener did(ManagedList<int>::didReloadNotification, list, [&](const auto& note) {
@@ -172,7 +170,7 @@ TEST(NSCollectionView, ShowsManagedListEditions) {
         Updates updates;
     } table[] = {
         {[&] { list->setSelection(middle); }, {"select"}, {}},
-        {[&] { list->insert(nine, 0); },
+        {[&] { list->insert({9}, 0); },
          {"animated batch", "select", "select"},
          {.inserted = {{0, 0}}}},
         {[&] { list->remove(ends); }, {"animated batch"}, {.deleted = {{0, 0}, {2, 0}}}},
@@ -180,15 +178,12 @@ TEST(NSCollectionView, ShowsManagedListEditions) {
          {"animated batch", "select"},
          {.moved = {{{0, 0}, {1, 0}}, {{1, 0}, {2, 0}}}}},
         {[&] { list->reverseOrder(); }, {"reload", "select"}, {}},
-        {[&] { list->setFilter(isLarge); }, {"reload", "select"}, {}},
+        {[&] { list->setFilter([](int item) { return item > 1; }); }, {"reload", "select"}, {}},
     };
     for (const auto& row : table) {
-        shown.calls.clear();
-        shown.recorder->updates = {};
         row.change();
-        EXPECT_EQ(shown.calls, row.calls);
-        EXPECT_EQ(shown.recorder->updates, row.updates);
+        EXPECT_EQ(std::exchange(shown.calls, {}), row.calls);
+        EXPECT_EQ(std::exchange(shown.recorder->updates, {}), row.updates);
         EXPECT_EQ(shown.view->selectionIndexPaths(), list->selection().mapToIndexPaths());
-        EXPECT_EQ(shown.view->numberOfItems(0), list->count());
     }
 }

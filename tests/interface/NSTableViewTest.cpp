@@ -118,9 +118,7 @@ TEST(NSTableView, ShowsEditionsByTheCallsThatFit) {
 }
 
 TEST(NSTableView, ShowsManagedListEditions) {
-    const std::vector<int> nine{9};
-    const IndexSet first{0}, middle{1, 2};
-    const auto isLarge = [](int item) { return item > 1; };
+    const IndexSet middle{1, 2};
     const auto list = ManagedList<int>::create({0, 1, 2, 3});
     Fixture shown({0, 1, 2, 3});
     const Listener did(ManagedList<int>::didReloadNotification, list, [&](const auto& note) {
@@ -132,16 +130,15 @@ TEST(NSTableView, ShowsManagedListEditions) {
         Calls calls;
     } table[] = {
         {[&] { list->setSelection(middle); }, {"select"}},
-        {[&] { list->insert(nine, 0); }, {"begin", "insert {0} 1", "select", "end", "select"}},
-        {[&] { list->remove(first); }, {"begin", "remove {0} 1", "end"}},
-        {[&] { list->move(first, 2); }, {"cells {0...3} {0...1}", "select"}},
-        {[&] { list->setFilter(isLarge); }, {"reload", "select"}},
+        {[&] { list->insert({9}, 0); }, {"begin", "insert {0} 1", "select", "end", "select"}},
+        {[&] { list->remove({0}); }, {"begin", "remove {0} 1", "end"}},
+        {[&] { list->move({0}, 2); }, {"cells {0...3} {0...1}", "select"}},
+        {[&] { list->setFilter([](int item) { return item > 1; }); }, {"reload", "select"}},
         {[&] { list->reverseOrder(); }, {"cells {0...1} {0...1}"}},
     };
     for (const auto& row : table) {
-        shown.calls.clear();
         row.change();
-        EXPECT_EQ(shown.calls, row.calls);
+        EXPECT_EQ(std::exchange(shown.calls, {}), row.calls);
         EXPECT_EQ(shown.table->selectedRowIndexes(), list->selection());
         shown.expectRows();
     }
@@ -286,6 +283,12 @@ TEST(NSTableView, ScrollsItsRowsIntoPlace) {
     EXPECT_EQ(shown.table->row(32.9), 2);
     EXPECT_EQ(shown.table->row(1099.0), -1);
 
+    struct Watch : NSViewObserver {
+        void boundsOriginDidChange(bool animated) override { glides += animated; }
+        int glides = 0;
+    };
+    const auto watch = std::make_shared<Watch>();
+    scrollView->contentView()->addObserver(watch);
     shown.table->selectOnlyRows({1, 99});
     const std::pair<std::function<void(NSTableView&)>, double> table[] = {
         {[](NSTableView& t) { t.scrollRowToVisible(2); }, 0},
@@ -299,6 +302,7 @@ TEST(NSTableView, ScrollsItsRowsIntoPlace) {
         scroll(*shown.table);
         EXPECT_EQ(scrollView->contentView()->bounds().y(), shownFrom);
     }
+    EXPECT_EQ(watch->glides, 1);
 }
 
 TEST(NSTableView, KeepsItsColumnsAndTheirViews) {

@@ -143,9 +143,33 @@ TEST(NSTrackingSeparatorToolbarItem, FollowsItsDivider) {
                                   {Type::leftMouseUp, 220}})
         shown.window->sendEvent({.type = type, .locationInWindow = CGPoint(x, 50)});
     EXPECT_NEAR(left(), 220, 1);
+    EXPECT_EQ(split->subviews()[1]->frame().x(), left() + 1);
     split->setPosition(5000, 0);
     EXPECT_EQ(split->position(0), 399);
     EXPECT_FALSE(split->position(1));
+}
+
+TEST(NSSplitView, KeepsLeastLengths) {
+    const auto split = NSSplitView::create({0, 0, 301, 50});
+    for (int i = 0; i < 2; ++i)
+        split->addSubview(NSView::create());
+    split->setMinimumLength(80, 0);
+    split->setMinimumLength(100, 1);
+    const auto at = [&](double position) {
+        split->setPosition(position, 0);
+        return split->position(0).value();
+    };
+    EXPECT_EQ(at(10), 80);
+    EXPECT_EQ(at(150), 150);
+    EXPECT_EQ(at(290), 200);
+    split->setCollapsible(true, 0);
+    EXPECT_EQ(at(39), 0);
+    EXPECT_EQ(at(41), 80);
+    EXPECT_EQ(at(290), 200) << "the other one is not";
+    split->setCollapsible(true, 1);
+    EXPECT_EQ(at(290), 300);
+    split->setMinimumLength(50, 7);
+    EXPECT_EQ(split->minimumLength(7), 0) << "no such subview";
 }
 
 TEST(NSToolbarItem, ActsWhenItIsPressed) {

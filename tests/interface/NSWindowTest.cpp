@@ -1,14 +1,16 @@
 #include <tests/Listener.h>
 #include <tests/Testing.h>
 
+#include <zorvan/interface/DynamicToolbar.h>
 #include <zorvan/interface/NSApplication.h>
-#include <zorvan/interface/NSButton.h>
 #include <zorvan/interface/NSWindow.h>
+#include <zorvan/media/NSImage.h>
 
 #include <list>
 
-using Type = NSEvent::EventType;
 using Calls = std::vector<std::string>;
+using Flags = NSEvent::ModifierFlags;
+using Type = NSEvent::EventType;
 
 namespace {
 
@@ -30,14 +32,28 @@ struct Watch {
     std::list<Listener> listeners;
 };
 
-/// Tells of the mouse.
-struct Mouser : NSView {
-    Mouser(const CGRect& frame, Calls& told, std::string its)
-        : NSView(Key{}, frame), calls(told), name(std::move(its)) {}
+/// Takes the keyboard, and tells of what comes; of where the mouse is when it tracks it.
+struct Probe : NSView {
+    Probe(const CGRect& frame, std::string& where, std::string its, bool isTracking = false)
+        : NSView(Key{}, frame), told(where), name(std::move(its)), tracks(isTracking) {}
+
+    void add(const std::string& what) { told += what + name + ' '; }
+    bool acceptsFirstResponder() const override { return true; }
+    bool becomeFirstResponder() override { return takes; }
+    bool resignFirstResponder() override { return letsGo; }
+    void keyDown(const NSEvent& with) override {
+        if (with.characters == "x")
+            return NSView::keyDown(with);
+        add(with.characters + " to ");
+    }
+    void rightMouseDown(const NSEvent&) override { add("right "); }
+    void scrollWheel(const NSEvent&) override { add("wheel "); }
     void updateTrackingAreas() override {
+        using Options = NSTrackingArea::Options;
+        if (!tracks)
+            return;
         if (area)
             removeTrackingArea(area);
-        using Options = NSTrackingArea::Options;
         area = NSTrackingArea::create(bounds(),
                                       Options::mouseEnteredAndExited | Options::mouseMoved |
                                           Options::activeInActiveApp,
@@ -45,37 +61,61 @@ struct Mouser : NSView {
         addTrackingArea(area);
     }
     void mouseEntered(const NSEvent& event) override {
-        calls.push_back("enter " + name);
+        add("enter ");
         EXPECT_EQ(event.trackingArea, area);
         if (then)
             then();
     }
-    void mouseExited(const NSEvent&) override { calls.push_back("exit " + name); }
-    void mouseMoved(const NSEvent&) override { calls.push_back("move " + name); }
-    void mouseDown(const NSEvent&) override { calls.push_back("down " + name); }
-    void mouseUp(const NSEvent&) override { calls.push_back("up " + name); }
+    void mouseExited(const NSEvent&) override { add("exit "); }
+    void mouseMoved(const NSEvent&) override { add("move "); }
+    void mouseDown(const NSEvent&) override { add("down "); }
+    void mouseUp(const NSEvent&) override { add("up "); }
 
-    Calls& calls;
+    std::string& told;
     std::string name;
+    bool tracks, takes = true, letsGo = true;
     std::shared_ptr<NSTrackingArea> area;
     std::function<void()> then;
 };
 
-class NSWindowMouse : public testing::Test {
+class NSWindowEvents : public testing::Test {
+protected:
+    bool press(const char* key, Flags flags = {}) {
+        return window->sendEvent({.type = Type::keyDown,
+                                  .modifierFlags = flags,
+                                  .characters = key,
+                                  .charactersIgnoringModifiers = key});
+    }
+    bool send(Type type, CGPoint at) {
+        return window->sendEvent({.type = type, .locationInWindow = at});
+    }
+    std::string take() { return std::exchange(told, {}); }
+
+    std::string told;
+    std::shared_ptr<NSWindow> window = NSWindow::create({200, 100});
+};
+
+class NSWindowMouse : public NSWindowEvents {
 protected:
     NSWindowMouse() {
         window->contentView()->addSubview(outer);
         outer->addSubview(inner);
     }
-    void send(Type type, CGPoint at) { window->sendEvent({.type = type, .locationInWindow = at}); }
-    Calls take() { return std::exchange(calls, {}); }
+    std::shared_ptr<Probe> outer = std::make_shared<Probe>(CGRect(20, 20, 100, 60), told, "outer",
+                                                           true),
+                           inner =
+                               std::make_shared<Probe>(CGRect(10, 10, 20, 20), told, "inner", true);
+};
 
-    Calls calls;
-    std::shared_ptr<NSWindow> window = NSWindow::create({200, 100});
-    std::shared_ptr<Mouser> outer =
-        std::make_shared<Mouser>(CGRect(20, 20, 100, 60), calls, "outer");
-    std::shared_ptr<Mouser> inner =
-        std::make_shared<Mouser>(CGRect(10, 10, 20, 20), calls, "inner");
+class NSWindowKeys : public NSWindowEvents {
+protected:
+    NSWindowKeys() {
+        for (const auto& view : {a, b, c})
+            window->contentView()->addSubview(view);
+    }
+    std::shared_ptr<Probe> a = std::make_shared<Probe>(CGRect(0, 0, 50, 50), told, "a"),
+                           b = std::make_shared<Probe>(CGRect(50, 0, 50, 50), told, "b"),
+                           c = std::make_shared<Probe>(CGRect(100, 0, 50, 50), told, "c");
 };
 
 } // namespace
@@ -174,86 +214,82 @@ TEST(NSWindow, KeepsItsContentUnderBarsAndTellsOfItsSize) {
 
 TEST_F(NSWindowMouse, EntersAndLeavesTrackingAreas) {
     send(Type::mouseMoved, {35, 35});
-    EXPECT_EQ(take(), (Calls{"enter outer", "enter inner", "move outer", "move inner"}));
+    EXPECT_EQ(take(), "enter outer enter inner move outer move inner ");
     send(Type::mouseMoved, {100, 35});
-    EXPECT_EQ(take(), (Calls{"exit inner", "move outer"}));
+    EXPECT_EQ(take(), "exit inner move outer ");
     send(Type::mouseExited, {});
-    EXPECT_EQ(take(), Calls{"exit outer"});
+    EXPECT_EQ(take(), "exit outer ");
     send(Type::leftMouseDown, {35, 35});
-    EXPECT_EQ(take(), (Calls{"enter outer", "enter inner", "down inner"}));
+    EXPECT_EQ(take(), "enter outer enter inner down inner ");
     // What is dragged from gets the release, wherever that is.
     send(Type::leftMouseUp, {500, 500});
-    EXPECT_EQ(take(), (Calls{"exit outer", "exit inner", "up inner"}));
+    EXPECT_EQ(take(), "exit outer exit inner up inner ");
     NSApplication::shared().setActive(false);
     send(Type::mouseMoved, {35, 35});
-    EXPECT_TRUE(take().empty());
+    EXPECT_EQ(take(), "");
     NSApplication::shared().setActive(true);
     // A larger area in place of one that the mouse is in is no new one.
     send(Type::mouseMoved, {35, 35});
     take();
     inner->setFrame({10, 10, 30, 30});
     send(Type::mouseMoved, {36, 36});
-    EXPECT_EQ(take(), (Calls{"move outer", "move inner"}));
+    EXPECT_EQ(take(), "move outer move inner ");
     inner->setHidden(true);
     send(Type::mouseMoved, {36, 36});
-    EXPECT_EQ(take(), (Calls{"exit inner", "move outer"}));
+    EXPECT_EQ(take(), "exit inner move outer ");
     outer->removeFromSuperview();
     send(Type::mouseMoved, {36, 36});
-    EXPECT_EQ(take(), Calls{"exit outer"});
+    EXPECT_EQ(take(), "exit outer ");
     // A view that leaves while another is told is passed over.
     inner->setHidden(false);
     window->contentView()->addSubview(outer);
     outer->then = [this] { inner->removeFromSuperview(); };
     send(Type::mouseMoved, {31, 31});
-    EXPECT_EQ(take(), (Calls{"enter outer", "move outer"}));
+    EXPECT_EQ(take(), "enter outer move outer ");
     // Once closed, the window is deaf.
     window->orderFront();
     window->close();
     send(Type::leftMouseDown, {31, 31});
-    EXPECT_TRUE(take().empty());
+    EXPECT_EQ(take(), "");
     window->orderFront();
     send(Type::leftMouseDown, {31, 31});
-    EXPECT_FALSE(take().empty());
+    EXPECT_NE(take(), "");
 }
 
 TEST_F(NSWindowMouse, LetsAButtonActWhenItIsReleasedInside) {
     const auto button = NSButton::create({130, 20, 50, 30});
-    button->setAction(Selector("act", [&] { calls.push_back("act"); }));
+    button->setAction(Selector("act", [&] { told += "act "; }));
     window->contentView()->addSubview(button);
     send(Type::leftMouseDown, {150, 30});
     EXPECT_TRUE(button->isHighlighted());
     send(Type::leftMouseDragged, {10, 10});
     EXPECT_FALSE(button->isHighlighted());
     send(Type::leftMouseUp, {10, 10});
-    EXPECT_TRUE(take().empty());
+    EXPECT_EQ(take(), "");
     send(Type::leftMouseDown, {150, 30});
     send(Type::leftMouseUp, {151, 31});
-    EXPECT_EQ(take(), Calls{"act"});
-    send(Type::leftMouseDragged, {150, 30});
-    EXPECT_FALSE(button->isHighlighted()) << "it was released";
+    EXPECT_EQ(take(), "act ");
     button->setEnabled(false);
     send(Type::leftMouseDown, {150, 30});
     send(Type::leftMouseUp, {150, 30});
-    EXPECT_TRUE(take().empty());
+    EXPECT_EQ(take(), "");
 }
 
 TEST(NSApplication, PerformsActionsOnLivingTargetsOnly) {
     struct Target {
-        void plain() { calls.push_back("plain"); }
-        void withButton(NSButton& sender) { calls.push_back("from " + sender.title()); }
-        Calls calls;
+        void act(NSButton& sender) { told += sender.title(); }
+        std::string told;
     };
     const auto target = std::make_shared<Target>();
     NSApplication& application = NSApplication::shared();
     const auto button = NSButton::create({.title = "b"});
-    const Selector withButton("withButton", &Target::withButton);
-    EXPECT_TRUE(application.sendAction(Selector("plain", &Target::plain), target, nullptr));
-    EXPECT_TRUE(application.sendAction(withButton, target, button));
+    const Selector action("act", &Target::act);
+    EXPECT_TRUE(application.sendAction(action, target, button));
     // A sender of another class, no sender, no target, and a target that has gone.
-    EXPECT_FALSE(application.sendAction(withButton, target, NSView::create()));
-    EXPECT_FALSE(application.sendAction(withButton, target, nullptr));
-    EXPECT_FALSE(application.sendAction(withButton, {}, button));
-    EXPECT_EQ(target->calls, (Calls{"plain", "from b"}));
+    EXPECT_FALSE(application.sendAction(action, target, NSView::create()));
+    EXPECT_FALSE(application.sendAction(action, target, nullptr));
+    EXPECT_FALSE(application.sendAction(action, {}, button));
+    EXPECT_EQ(target->told, "b");
     const std::weak_ptr<void> gone = std::make_shared<Target>();
     bool wasCalled = false;
     const Selector block("block", [&] { wasCalled = true; });
@@ -261,4 +297,123 @@ TEST(NSApplication, PerformsActionsOnLivingTargetsOnly) {
     EXPECT_FALSE(wasCalled);
     EXPECT_TRUE(application.sendAction(block, {}, button));
     EXPECT_TRUE(wasCalled);
+}
+
+// The keyboard
+
+TEST_F(NSWindowKeys, GoToTheFirstResponder) {
+    EXPECT_FALSE(press("k")) << "nobody has the keyboard";
+    EXPECT_TRUE(window->makeFirstResponder(b));
+    EXPECT_TRUE(press("k"));
+    EXPECT_FALSE(press("x")) << "not taken";
+    EXPECT_EQ(take(), "k to b ");
+    for (const auto& hidden : {std::shared_ptr<NSView>(b), window->contentView()}) {
+        hidden->setHidden(true);
+        EXPECT_FALSE(press("k")) << "not seen";
+        hidden->setHidden(false);
+        EXPECT_TRUE(press("k"));
+    }
+    EXPECT_EQ(take(), "k to b k to b ");
+    b->letsGo = false;
+    EXPECT_FALSE(window->makeFirstResponder(a));
+    EXPECT_EQ(window->firstResponder(), b);
+    b->letsGo = true;
+    a->takes = false;
+    EXPECT_FALSE(window->makeFirstResponder(a));
+    EXPECT_EQ(window->firstResponder(), nullptr);
+    EXPECT_FALSE(window->makeFirstResponder(NSView::create())) << "in no window";
+    send(Type::leftMouseDown, {120, 10});
+    EXPECT_EQ(window->firstResponder(), c) << "a click";
+    c->removeFromSuperview();
+    EXPECT_EQ(window->firstResponder(), nullptr);
+    EXPECT_FALSE(press("k"));
+}
+
+TEST_F(NSWindowKeys, GoFromViewToView) {
+    const auto order = [&](bool forward) {
+        std::string names;
+        for (int i = 0; i < 4; ++i) {
+            forward ? window->selectNextKeyView() : window->selectPreviousKeyView();
+            names += std::static_pointer_cast<Probe>(window->firstResponder())->name;
+        }
+        return names;
+    };
+    EXPECT_EQ(order(true), "abca");
+    EXPECT_EQ(order(false), "cbac");
+    a->setNextKeyView(c);
+    window->makeFirstResponder(a);
+    EXPECT_EQ(order(true), "caca");
+    b->setHidden(true);
+    window->makeFirstResponder(c);
+    window->selectPreviousKeyView();
+    EXPECT_EQ(window->firstResponder(), a) << "back to where it came from";
+}
+
+TEST_F(NSWindowKeys, MayBeKeyEquivalents) {
+    const auto does = [&](const char* what) {
+        return Selector(what, [this, what] { told += what; });
+    };
+    const auto button = NSButton::create({.title = "OK", .action = does("ok")});
+    button->setKeyEquivalent("\r");
+    window->contentView()->addSubview(button);
+    const auto copy = NSMenuItem::create("Copy", does("copy")), more = NSMenuItem::create("More");
+    copy->setKeyEquivalent("c");
+    more->setSubmenu(NSMenu::create());
+    more->submenu()->addItem(copy);
+    const auto bar = DynamicToolbar::create();
+    bar->addItemSet();
+    bar->addItem({.createMenuButton = [](MenuButtonSettings&) {}})->menu()->addItem(more);
+    window->setToolbar(bar->toolbar());
+    bar->reloadDisplayedItems();
+
+    EXPECT_TRUE(press("\r"));
+    EXPECT_FALSE(press("\r", Flags::shift)) << "other modifiers";
+    EXPECT_TRUE(press("c", Flags::control));
+    EXPECT_EQ(take(), "okcopy");
+    window->makeFirstResponder(a);
+    EXPECT_TRUE(press("\r"));
+    EXPECT_EQ(take(), "\r to a ") << "the first responder comes first";
+    EXPECT_TRUE(window->makeFirstResponder(button));
+    EXPECT_TRUE(press(" "));
+    EXPECT_EQ(take(), "ok");
+    window->makeFirstResponder(nullptr);
+    button->setEnabled(false);
+    more->setEnabled(false);
+    EXPECT_FALSE(press("\r") || press("c", Flags::control));
+    EXPECT_EQ(take(), "");
+}
+
+TEST_F(NSWindowKeys, OtherButtonsTheWheelAndMenusGoToTheView) {
+    EXPECT_TRUE(send(Type::rightMouseDown, {60, 10}));
+    EXPECT_TRUE(send(Type::scrollWheel, {10, 10}));
+    EXPECT_EQ(take(), "right b wheel a ");
+    EXPECT_FALSE(send(Type::otherMouseDown, {60, 10}));
+    EXPECT_FALSE(send(Type::scrollWheel, {190, 90})) << "nobody there";
+    const auto menu = NSMenu::create(), other = NSMenu::create();
+    window->contentView()->setMenu(menu);
+    b->setMenu(other);
+    EXPECT_EQ(a->menu({}), menu) << "that of the superview";
+    EXPECT_EQ(b->menu({}), other);
+}
+
+TEST(NSView, TellsScreenReadersWhatItIs) {
+    const auto view = NSView::create();
+    view->setToolTip("tip");
+    EXPECT_EQ(view->accessibilityLabel(), "tip");
+    view->setAccessibilityLabel("name");
+    EXPECT_EQ(view->accessibilityLabel(), "name");
+    const auto button = NSButton::create({.title = "Go"});
+    EXPECT_EQ(button->accessibilityLabel(), "Go");
+    EXPECT_EQ(button->accessibilityRole(), NSAccessibilityRole::button);
+    button->setAccessibilityRole(NSAccessibilityRole::checkBox);
+    EXPECT_EQ(button->accessibilityRole(), NSAccessibilityRole::checkBox);
+    const auto picture = NSButton::create();
+    picture->setImage(NSImage::systemSymbol("trash", "Bin"));
+    EXPECT_EQ(picture->accessibilityLabel(), "Bin");
+    const auto item = NSToolbarItem::create("delete");
+    item->setToolTip("Delete");
+    item->setView(picture);
+    EXPECT_EQ(picture->accessibilityLabel(), "Delete");
+    item->setToolTip("Remove");
+    EXPECT_EQ(picture->toolTip(), "Delete") << "its own by now";
 }

@@ -58,6 +58,7 @@ TEST_F(TintedButtonTest, PassesItsPropertiesToItsCell) {
     button->setImagePressedColor(NSColor::red);
     button->setBackgroundTintGradient(plain(NSColor::blue));
     button->setBackgroundRadius(3);
+    button->setNeedsDisplay(CGRect(500, 0, 15, 5)); // outside
     EXPECT_EQ(take(), "redraw redraw redraw ");
     const auto cell = button->tintedButtonCell();
     EXPECT_EQ(cell->imagePressedColor(), NSColor::red);
@@ -88,13 +89,10 @@ TEST(TintedButtonCoding, ReplacesTheCellAndKeepsWhatWasSet) {
     EXPECT_EQ(decoded->encode(), plainButton->encode());
     EXPECT_EQ(decoded->frame(), CGRect(1, 2, 70, 30));
     EXPECT_EQ(decoded->imagePosition(), NSCellImagePosition::imageAbove);
-    EXPECT_EQ(decoded->image()->accessibilityDescription(), "star");
     EXPECT_FALSE(decoded->isEnabled() || decoded->textTintColor());
 
-    int acts = 0;
-    TintedButton::create({.title = "Go", .action = Selector("go", [&] { ++acts; })})
-        ->performClick();
-    EXPECT_EQ(acts, 1);
+    const Selector go("go", [] {});
+    EXPECT_EQ(TintedButton::create({.title = "Go", .action = go})->action(), go);
     // Bytes from elsewhere.
     const auto odd = TintedButton::create(TintedButton::Coder{PropertyList::Dictionary{
         {"frame", "wide"}, {"title", 5}, {"imagePosition", 99}, {"imageName", "no such picture"}}});

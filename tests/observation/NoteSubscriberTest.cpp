@@ -12,20 +12,16 @@ namespace {
 const NSNotificationName opened = "Opened";
 const NSNotificationName closed = "Closed";
 
-struct Target {
-    std::string seen;
-};
-
 class NoteSubscriberTest : public testing::Test {
 protected:
     NoteSubscriberTest() { subscriber->setName(opened); }
 
-    static void note(const std::shared_ptr<Target>& self, const Notification& told) {
-        self->seen += told.name.rawValue().substr(0, 1);
+    static void note(const std::shared_ptr<std::string>& self, const Notification& told) {
+        *self += told.name.rawValue().substr(0, 1);
     }
     void subscribe() { subscriber->subscribe(target, note); }
 
-    std::shared_ptr<Target> target = std::make_shared<Target>();
+    std::shared_ptr<std::string> target = std::make_shared<std::string>();
     const std::shared_ptr<NSNotificationCenter> center = NSNotificationCenter::create();
     const std::shared_ptr<NoteSubscriber> subscriber = NoteSubscriber::create(center);
     std::shared_ptr<int> sender = std::make_shared<int>();
@@ -43,7 +39,7 @@ TEST_F(NoteSubscriberTest, ObservesBetweenSubscribeAndUnsubscribe) {
     subscriber->setQueue(NSOperationQueue::main());
     center->post(closed, sender);
     center->post(opened);
-    EXPECT_EQ(target->seen, "OO");
+    EXPECT_EQ(*target, "OO");
     subscriber->unsubscribe();
     EXPECT_FALSE(subscriber->observer());
     center->post(opened);
@@ -51,9 +47,9 @@ TEST_F(NoteSubscriberTest, ObservesBetweenSubscribeAndUnsubscribe) {
     center->post(opened, sender);
     center->post(closed);
     center->post(closed, sender);
-    EXPECT_EQ(target->seen, "OO");
+    EXPECT_EQ(*target, "OO");
     MainQueue::drain();
-    EXPECT_EQ(target->seen, "OOC");
+    EXPECT_EQ(*target, "OOC");
     center->removeObserver(subscriber->observer()); // at the center itself
     EXPECT_FALSE(subscriber->observer());
     sender = nullptr; // which means every sender
@@ -61,7 +57,7 @@ TEST_F(NoteSubscriberTest, ObservesBetweenSubscribeAndUnsubscribe) {
     subscriber->setQueue(nullptr);
     subscribe();
     center->post(closed);
-    EXPECT_EQ(target->seen, "OOCC");
+    EXPECT_EQ(*target, "OOCC");
 }
 
 TEST_F(NoteSubscriberTest, KeepsNothingAliveAndMayBeReleased) {
@@ -73,13 +69,13 @@ TEST_F(NoteSubscriberTest, KeepsNothingAliveAndMayBeReleased) {
     const std::weak_ptr registration = released->observer();
     released = nullptr;
     center->post(opened, sender);
-    EXPECT_EQ(target->seen, "O") << "the observation goes on";
+    EXPECT_EQ(*target, "O") << "the observation goes on";
     target = nullptr;
     center->post(opened, sender);
     EXPECT_FALSE(registration.expired());
     // The target may be gone by the time of a queued delivery.
     subscriber->setQueue(NSOperationQueue::main());
-    target = std::make_shared<Target>();
+    target = std::make_shared<std::string>();
     subscribe();
     center->post(opened);
     target = nullptr;
@@ -124,15 +120,15 @@ TEST_F(MultiNoteSubscriberTest, ObservesEveryPairByNameThenSender) {
     }
     center->post(opened, senders[1]);
     center->post(closed, sender);
-    EXPECT_EQ(target->seen, "");
+    EXPECT_EQ(*target, "");
     MainQueue::drain();
-    EXPECT_EQ(target->seen, "OOC");
+    EXPECT_EQ(*target, "OOC");
 
     multi->unsubscribe();
     multi->unsubscribe();
     center->post(opened, senders[1]);
     MainQueue::drain();
-    EXPECT_EQ(target->seen, "OOC");
+    EXPECT_EQ(*target, "OOC");
     subscribeToAll();
     EXPECT_EQ(multi->subscribers().size(), 6U);
 }
