@@ -8,8 +8,6 @@
 
 #include <zorvan/files/NSFileManager.h>
 
-#include <sstream>
-
 namespace {
 
 class ZipItems : public testing::Test {

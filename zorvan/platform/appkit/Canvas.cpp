@@ -72,7 +72,7 @@ void Canvas::fill(const CGRect& rect, Colour colour) {
 
 void Canvas::drawText(std::string_view text, const CGRect& rect, Colour colour) {
     const CGRect visible = rect.intersection(clip_);
-    const PixelEdges shown = visible.isNull() ? PixelEdges{} : pixelEdges(visible);
+    const PixelEdges shown = text.empty() || visible.isNull() ? PixelEdges{} : pixelEdges(visible);
     // Drawn aside over what is there, so that only the part inside the clip is brought back.
     auto cell = Bitmap::make(shown.right - shown.left, shown.bottom - shown.top);
     if (!cell)
