@@ -5,10 +5,8 @@
 
 #include <zorvan/hosts/QtWindowHost.h>
 #include <zorvan/interface/DynamicToolbar.h>
-#include <zorvan/interface/NSApplication.h>
-#include <zorvan/platform/dispatch/NSNotificationCenter.h>
+#include <zorvan/observation/NoteSubscriber.h>
 
-#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
@@ -23,8 +21,9 @@ protected:
     static void SetUpTestSuite() { start("offscreen"); }
     static void start(const char* platform) {
         ::setenv("QT_QPA_PLATFORM", platform, 1);
-        static const TemporaryFolder home; // for the settings
-        ::setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
+        static const TemporaryFolder home; // for the settings and the trash
+        for (const char* folder : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+            ::setenv(folder, home.path().c_str(), 1);
         static int count = 1;
         static char name[] = "test";
         static char* arguments[] = {name, nullptr};
@@ -38,7 +37,7 @@ protected:
         show();
     }
     ~HostTest() override {
-        stopObserving();
+        subscribers.clear();
         host = nullptr;
         settle();
     }
@@ -70,10 +69,6 @@ protected:
     Widget* widgetFor(const NSView& view) const {
         settle();
         return qobject_cast<Widget*>(host->widget(view));
-    }
-    /// What is read to those who do not see the view.
-    QAccessibleInterface& faceOf(const NSView& view) const {
-        return *QAccessible::queryAccessibleInterface(widgetFor(view));
     }
     QPoint inWindow(const QWidget& widget, QPoint at = {}) const {
         return widget.mapTo(&top(), at);
@@ -108,23 +103,17 @@ protected:
         settle();
         return qobject_cast<QMenu*>(QApplication::activePopupWidget());
     }
-    void setDirection(Qt::LayoutDirection direction) {
-        QApplication::setLayoutDirection(direction);
-        settle();
-    }
 
     /// Writes down that it was done.
     Selector does(const std::string& what) {
         return Selector(what, [this, what] { done += what; });
     }
-    /// Calls a function for the notifications of that name, until the test ends at the latest.
+    /// Calls a function for the notifications of that name, until the test ends.
     void observe(std::string_view name, const std::function<void()>& told) {
-        observers.push_back(center.addObserver(NSNotificationName(name), nullptr, nullptr,
-                                               [told](const Notification&) { told(); }));
-    }
-    void stopObserving() {
-        for (const auto& observer : std::exchange(observers, {}))
-            center.removeObserver(observer);
+        const auto center = NSNotificationCenter::defaultCenter();
+        const auto& subscriber = subscribers.emplace_back(NoteSubscriber::create(center));
+        subscriber->setName(NSNotificationName(name));
+        subscriber->subscribe(window, [told](const auto&, const Notification&) { told(); });
     }
 
     /// A toolbar with a search field, which is given back.
@@ -147,12 +136,10 @@ protected:
 
     static inline QApplication* application = nullptr;
 
-    NSNotificationCenter& center = *NSNotificationCenter::defaultCenter();
-    std::vector<std::shared_ptr<NotificationObserver>> observers;
-
     const std::shared_ptr<NSWindow> window = NSWindow::create({240, 160}, "Window");
     const std::shared_ptr<NSView> content = NSView::create();
     std::shared_ptr<DynamicToolbar> searchBar;
+    std::vector<std::shared_ptr<NoteSubscriber>> subscribers;
     std::string done;
     std::shared_ptr<QtWindowHost> host;
 };

@@ -38,21 +38,15 @@ protected:
     const std::shared_ptr<NSOutlineView> outline = NSOutlineView::create();
 };
 
-TEST_F(OutlineHostTest, ExpandsFromBothSides) {
+TEST_F(OutlineHostTest, ExpandsFromBothSidesAndFollowsReloads) {
     const Tester tester(&model(), Tester::FailureReportingMode::Fatal);
-    EXPECT_EQ(rows(), "a e ");
     outline->expandItem(tree->top[0]);
     outline->selectOnlyRow(3);
     EXPECT_EQ(rows(), "a .b .d [e] ");
-    press(Qt::Key_Right);
-    EXPECT_TRUE(outline->isItemExpanded(tree->top[1]));
-    press(Qt::Key_Right);
+    expectSelections({{Qt::Key_Right, {}, {3}}, {Qt::Key_Right, {}, {4}}});
     EXPECT_EQ(rows(), "a .b .d e .[f] ");
-    EXPECT_EQ(selected(), IndexSet({4}));
-    press(Qt::Key_Left);
-    press(Qt::Key_Left);
+    expectSelections({{Qt::Key_Left, {}, {3}}, {Qt::Key_Left, {}, {3}}});
     EXPECT_FALSE(outline->isItemExpanded(tree->top[1]));
-    EXPECT_EQ(rows(), "a .b .d [e] ");
     expectSelections({{Qt::Key_Home, {}, {0}}, {Qt::Key_End, Qt::ShiftModifier, {0, 1, 2, 3}}});
     outline->selectOnlyRow(3);
     outline->expandAllItems();
@@ -61,10 +55,7 @@ TEST_F(OutlineHostTest, ExpandsFromBothSides) {
     EXPECT_EQ(rows(), "a [e] .f ");
     QTest::keyClicks(&shown(), "a");
     EXPECT_EQ(selected(), IndexSet({0}));
-}
-
-TEST_F(OutlineHostTest, FollowsAReloadAndKeepsWhatIsOpen) {
-    outline->expandItem(tree->top[1]);
+    // A reload keeps what is open.
     outline->selectOnlyRow(1);
     tree->top.erase(tree->top.begin());
     tree->top.push_back(node("g"));
@@ -93,15 +84,13 @@ struct Items : NSCollectionViewDataSource {
                                             .at(static_cast<std::size_t>(path.item)));
     }
     std::shared_ptr<NSView> viewForItem(NSCollectionView&, IndexPath) override {
-        if (throws)
-            throw std::runtime_error("no view");
         return makesViews ? NSView::create() : nullptr;
     }
     void itemOpened(NSCollectionView&, IndexPath path) override { opened = path; }
 
     std::vector<std::vector<int>> sections{std::vector<int>(50)};
     IndexPath opened{-1, -1};
-    bool makesViews = false, throws = false;
+    bool makesViews = false;
 };
 
 /// Four items of 40 points a line, 10 between them.
@@ -122,7 +111,6 @@ protected:
         EXPECT_EQ(view->selectionIndexPaths(), selectedInWidget().mapToIndexPaths());
         return selectedInWidget();
     }
-    QRect placeOfItem(int item) const { return shown().visualRect(at(item)); }
 
     const std::shared_ptr<Items> source = std::make_shared<Items>();
     const std::shared_ptr<NSCollectionView> view = NSCollectionView::create();
@@ -130,18 +118,15 @@ protected:
 };
 
 TEST_F(CollectionHostTest, ItemsStandWhereTheLayoutSays) {
-    EXPECT_EQ(model().rowCount(), 50);
-    EXPECT_EQ(placeOfItem(5), QRect(50, 50, 40, 40));
+    EXPECT_EQ(shown().visualRect(at(5)), QRect(50, 50, 40, 40));
     EXPECT_EQ(shown().indexAt({60, 60}).row(), 5);
     EXPECT_FALSE(shown().indexAt({45, 45}).isValid());
-    EXPECT_GT(shown().verticalScrollBar()->maximum(), 0);
     source->makesViews = true;
     view->reloadData();
     settle();
     const std::size_t made = view->subviews().size();
     EXPECT_GT(made, 11u);
     EXPECT_LT(made, 25u);
-    EXPECT_TRUE(shown().indexWidget(at(0)));
     EXPECT_EQ(shown().indexWidget(at(5))->geometry(), QRect(50, 50, 40, 40));
     const auto fifth = view->view({5, 0}, false);
     EXPECT_EQ(fifth->frame(), CGRect(50, 50, 40, 40));
@@ -149,7 +134,6 @@ TEST_F(CollectionHostTest, ItemsStandWhereTheLayoutSays) {
     settle();
     EXPECT_EQ(view->view({5, 0}, false), fifth) << "what stays in sight stays";
     shown().verticalScrollBar()->setValue(0);
-    settle();
     view->setSelectionIndexPaths({{5, 0}});
     const QImage picture = shown().viewport()->grab().toImage();
     EXPECT_EQ(picture.pixelColor(53, 53), picture.pixelColor(87, 87)) << "all of it looks selected";
@@ -159,17 +143,16 @@ TEST_F(CollectionHostTest, ItemsStandWhereTheLayoutSays) {
     EXPECT_TRUE(shown().indexWidget(at(49)));
     EXPECT_LT(view->subviews().size(), 25u);
     EXPECT_GT(scrollView->contentView()->bounds().y(), 0);
-    setDirection(Qt::RightToLeft);
+    QApplication::setLayoutDirection(Qt::RightToLeft);
     shown().verticalScrollBar()->setValue(0);
     const int width = shown().viewport()->width();
-    EXPECT_EQ(placeOfItem(5), QRect(width - 90, 50, 40, 40));
+    EXPECT_EQ(shown().visualRect(at(5)), QRect(width - 90, 50, 40, 40));
     EXPECT_EQ(shown().indexAt({width - 60, 60}).row(), 5);
     click(5);
     expectSelections({{Qt::Key_Left, {}, {6}}});
     click(8, Qt::ShiftModifier);
     EXPECT_EQ(selected(), IndexSet({6, 7, 8}));
-    setDirection(Qt::LeftToRight);
-    EXPECT_EQ(placeOfItem(5), QRect(50, 50, 40, 40));
+    QApplication::setLayoutDirection(Qt::LeftToRight);
 }
 
 TEST_F(CollectionHostTest, KeysAndMouseSelect) {
@@ -177,10 +160,10 @@ TEST_F(CollectionHostTest, KeysAndMouseSelect) {
         ItemViewTest::click(item, modifiers);
         return selected();
     };
-    EXPECT_EQ(click(1), IndexSet({1}));
+    click(1);
     EXPECT_EQ(click(6, Qt::ShiftModifier), IndexSet({1, 2, 3, 4, 5, 6})) << "in their order";
     EXPECT_EQ(click(3, Qt::ControlModifier), IndexSet({1, 2, 4, 5, 6}));
-    EXPECT_EQ(click(1), IndexSet({1}));
+    click(1);
     expectSelections({{Qt::Key_Down, {}, {5}},
                       {Qt::Key_Right, {}, {6}},
                       {Qt::Key_Up, {}, {2}},
@@ -210,11 +193,13 @@ TEST_F(CollectionHostTest, ARubberBandSelects) {
     QTest::mousePress(&place, Qt::LeftButton, {}, {45, 5});
     drag(place, {60, 30});
     drag(place, {120, 60});
-    EXPECT_EQ(selected(), IndexSet({1, 2, 5, 6}));
     QTest::mouseRelease(&place, Qt::LeftButton, {}, {120, 60});
     EXPECT_EQ(selected(), IndexSet({1, 2, 5, 6}));
     QTest::mouseClick(&place, Qt::LeftButton, {}, {45, 5});
     EXPECT_EQ(selected(), IndexSet());
+    view->setCollectionViewLayout(nullptr);
+    press(Qt::Key_Down);
+    EXPECT_FALSE(shown().indexAt({20, 20}).isValid());
 }
 
 TEST_F(CollectionHostTest, FollowsEditionsExactly) {
@@ -240,18 +225,6 @@ TEST_F(CollectionHostTest, SectionsFollowEachOther) {
     EXPECT_EQ(text(4), "item 9");
     click(4);
     EXPECT_EQ(view->selectionIndexPaths(), (std::set<IndexPath>{{0, 1}}));
-}
-
-TEST_F(CollectionHostTest, OutlivesViewsThatCannotBeMade) {
-    source->throws = true;
-    testing::internal::CaptureStdout();
-    view->reloadData();
-    settle();
-    EXPECT_NE(testing::internal::GetCapturedStdout().find("A view could not be filled: no view\n"),
-              std::string::npos);
-    view->setCollectionViewLayout(nullptr);
-    press(Qt::Key_Down);
-    EXPECT_FALSE(shown().indexAt({20, 20}).isValid());
 }
 
 } // namespace

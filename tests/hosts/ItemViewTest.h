@@ -38,15 +38,11 @@ protected:
     /// What both the view and its widget have selected; nothing when they differ.
     virtual IndexSet selected() const = 0;
 
-    struct KeyStep {
-        Qt::Key key;
-        Qt::KeyboardModifiers modifiers;
-        IndexSet selected;
-    };
+    using KeyStep = std::tuple<Qt::Key, Qt::KeyboardModifiers, IndexSet>;
     void expectSelections(const std::vector<KeyStep>& steps) {
-        for (const KeyStep& step : steps) {
-            press(step.key, step.modifiers);
-            EXPECT_EQ(selected(), step.selected) << step.key;
+        for (const auto& [key, modifiers, selection] : steps) {
+            press(key, modifiers);
+            EXPECT_EQ(selected(), selection) << key;
         }
     }
 

@@ -47,12 +47,6 @@ protected:
                 fs::path(fact.at("path").get<std::string>()).lexically_relative(folder.path()));
         return names;
     }
-    std::set<std::string> filesIn(const std::string& name) {
-        std::set<std::string> names;
-        for (const auto& entry : fs::directory_iterator(at(name)))
-            names.insert(entry.path().filename());
-        return names;
-    }
     CGSize sizeOf(const std::string& name) {
         return CGImage::imageSize(folder.url(name)).value_or(CGSize());
     }
@@ -68,13 +62,6 @@ Names linesOf(const std::string& text) {
     return lines;
 }
 
-/// Where HEIC's codecs are part of libheif, they cannot be missing.
-bool heicCodecsArePlugins() {
-    return std::ranges::any_of(fs::directory_iterator("/usr/lib"), [](const auto& entry) {
-        return fs::exists(entry.path() / "libheif/plugins/libheif-x265.so");
-    });
-}
-
 } // namespace
 
 TEST_F(Shelf, HelpsAndRefusesNonsense) {
@@ -85,16 +72,12 @@ TEST_F(Shelf, HelpsAndRefusesNonsense) {
         EXPECT_LE(displayWidth(line), 80u) << line;
     EXPECT_EQ(shelf({"--version"}).output, "shelf " SHELF_VERSION "\n");
 
-    struct {
-        Names arguments;
-        const char* complaint;
-    } table[] = {
+    const std::pair<Names, const char*> table[] = {
         {{}, "shelf: name a picture or a folder of pictures\n"},
         {{"--frob", "."}, "shelf: unknown option '--frob'\n"},
         {{".", "--size"}, "shelf: --size takes a value\n"},
         {{".", "--size", "0"}, "shelf: --size takes a number from 1 to 65535, not '0'\n"},
         {{".", "--cell=12x"}, "shelf: --cell takes a number from 1 to 4096, not '12x'\n"},
-        {{".", "--columns", "99999999999999999999"}, "not '99999999999999999999'\n"},
         {{".", "--format", "bmp"}, "shelf: --format takes png, jpg, tiff or heic, not 'bmp'\n"},
         {{".", "-o", "sheet"}, "shelf: --output takes png, jpg, tiff or heic, not ''\n"},
         {{".", "--screenshot", "a.png"}, "shelf: unknown option '--screenshot'\n"},
@@ -102,10 +85,10 @@ TEST_F(Shelf, HelpsAndRefusesNonsense) {
         {{".", "--quick", "-o", "a.png"}, "--quick is for a list alone"},
         {{".", "--json", "--quiet"}, "exclude each other"},
     };
-    for (const auto& row : table) {
-        const Outcome outcome = shelf(row.arguments);
-        EXPECT_EQ(outcome.status, 2) << row.complaint;
-        EXPECT_NE(outcome.errors.find(row.complaint), std::string::npos) << outcome.errors;
+    for (const auto& [arguments, complaint] : table) {
+        const Outcome outcome = shelf(arguments);
+        EXPECT_EQ(outcome.status, 2) << complaint;
+        EXPECT_NE(outcome.errors.find(complaint), std::string::npos) << outcome.errors;
         EXPECT_EQ(outcome.output, "");
     }
 }
@@ -115,13 +98,18 @@ TEST_F(Shelf, SaysThatACodecIsMissing) {
     picture("a.jpg");
     const Outcome writing = shelf({at("a.jpg"), "--format", "heic"}, withoutPlugins);
     const Outcome reading = shelf({SAMPLES "/plain.heic"}, withoutPlugins);
-    const bool isPlugin = heicCodecsArePlugins();
+    // Where HEIC's codecs are part of libheif, they cannot be missing.
+    const bool isPlugin =
+        std::ranges::any_of(fs::directory_iterator("/usr/lib"), [](const auto& entry) {
+            return fs::exists(entry.path() / "libheif/plugins/libheif-x265.so");
+        });
     EXPECT_EQ(writing.status, isPlugin ? 2 : 0);
-    EXPECT_EQ(writing.errors.find("shelf: the encoder for heif is not installed\n") == 0, isPlugin)
+    EXPECT_EQ(writing.errors.starts_with("shelf: the encoder for heif is not installed\n"),
+              isPlugin)
         << writing.errors;
-    const std::string complaint = "the decoder for this format is not installed";
-    EXPECT_EQ((reading.output + reading.errors).find(complaint) != std::string::npos, isPlugin)
-        << reading.output << reading.errors;
+    const std::string said = reading.output + reading.errors;
+    EXPECT_EQ(said.find("the decoder for this format is not installed") != said.npos, isPlugin)
+        << said;
 }
 
 TEST_F(Shelf, ListsWhatItsOptionsSay) {
@@ -138,7 +126,6 @@ TEST_F(Shelf, ListsWhatItsOptionsSay) {
         EXPECT_EQ(listed({root, "--type", type}), Names{"IMG9.png"}) << type;
     EXPECT_EQ(listed({root, "--type", "png", "--type", "public.jpeg", "--no-links"}),
               (Names{"IMG9.png", "img10.jpg"}));
-    EXPECT_EQ(listed({root, "--type", "public.movie"}), Names{});
     // Given by name, a file needs no extension, and counts once.
     fs::rename(at("IMG9.png"), at("bare"));
     EXPECT_EQ(listed({at("sub"), at("bare"), at("sub/a.jpg")}), (Names{"sub/a.jpg", "bare"}));
@@ -150,7 +137,6 @@ TEST_F(Shelf, PrintsAnAlignedTable) {
     picture(std::string(90, 'n') + ".jpg");
     folder.file("caf\xE9.jpg", "not a picture at all");
     const Outcome outcome = shelf({folder.path()});
-    EXPECT_EQ(outcome.status, 0);
     const auto lines = linesOf(outcome.output);
     ASSERT_EQ(lines.size(), 7u) << outcome.output;
     EXPECT_TRUE(lines[0].starts_with("Name "));
@@ -161,31 +147,26 @@ TEST_F(Shelf, PrintsAnAlignedTable) {
         EXPECT_NE(outcome.output.find(part), std::string::npos) << part;
     EXPECT_EQ(lines[6], "4 files, 1 unreadable");
     EXPECT_EQ(outcome.errors, "");
+    ASSERT_EQ(mkfifo(at("pipe.jpg").c_str(), 0600), 0);
+    EXPECT_NE(shelf({folder.path()}).output.find("not a regular file"), std::string::npos);
 }
 
 TEST_F(Shelf, PrintsJSONForMachines) {
     picture("a.jpg", 300, 20);
     folder.file("bad\xFF.png", "x");
-    const Outcome outcome = shelf({folder.path(), "--json"});
-    EXPECT_EQ(outcome.status, 0);
-    const json facts = json::parse(outcome.output);
+    const json facts = json::parse(shelf({folder.path(), "--json"}).output);
     ASSERT_EQ(facts.size(), 2u);
-    EXPECT_TRUE(facts[0] == json({{"path", at("a.jpg")},
-                                  {"type", "public.jpeg"},
-                                  {"width", 300},
-                                  {"height", 20},
-                                  {"orientation", 1},
-                                  {"uprightWidth", 300},
-                                  {"uprightHeight", 20},
-                                  {"error", nullptr}}))
-        << facts[0].dump();
+    EXPECT_EQ(facts[0].at("path"), at("a.jpg"));
+    EXPECT_EQ(facts[0].size(), 8u) << "what movies have besides";
     EXPECT_EQ(facts[1].at("path").get<std::string>(), at("bad\uFFFD.png"));
     EXPECT_TRUE(facts[1].at("width").is_null());
     EXPECT_TRUE(facts[1].at("error").is_string());
-
-    const Outcome nothing = shelf({folder.path(), "--json", "--type", "gif"});
-    EXPECT_EQ(nothing.status, 0);
-    EXPECT_TRUE(json::parse(nothing.output) == json::array()) << nothing.output;
+    EXPECT_EQ(shelf({folder.path(), "--json", "--type", "gif"}).output, "[]\n");
+    // What is cut short is noticed unless in a hurry.
+    const std::string cut = SAMPLES "/unreadable/truncated.jpg";
+    for (const char* option : {"--json", "--quick"})
+        EXPECT_EQ(json::parse(shelf({cut, "--json", option}).output)[0].at("error").is_null(),
+                  option == std::string("--quick"));
 }
 
 TEST_F(Shelf, ShowsMoviesAmongThePictures) {
@@ -198,24 +179,13 @@ TEST_F(Shelf, ShowsMoviesAmongThePictures) {
     const json facts =
         json::parse(shelf({at("a.mp4"), at("bare"), at("cut.mp4"), "--json"}).output);
     EXPECT_NEAR(facts[0].at("duration").get<double>(), 2, 0.05);
-    EXPECT_NEAR(facts[0].at("frameRate").get<double>(), 29.97, 0.001);
-    json others = facts[0];
-    others.erase("duration");
-    others.erase("frameRate");
-    EXPECT_EQ(others, json({{"path", at("a.mp4")},
-                            {"type", "public.mpeg-4"},
-                            {"width", 160},
-                            {"height", 80},
-                            {"orientation", 6},
-                            {"uprightWidth", 80},
-                            {"uprightHeight", 160},
-                            {"date", "2024-05-31T12:34:56Z"},
-                            {"error", nullptr}}));
+    EXPECT_EQ(facts[0].at("type"), "public.mpeg-4");
+    EXPECT_EQ(facts[0].at("orientation"), 6);
+    EXPECT_EQ(facts[0].at("date"), "2024-05-31T12:34:56Z");
     EXPECT_EQ(facts[1].at("type"), "public.movie");
     EXPECT_TRUE(facts[2].at("error").is_string());
 
     const Outcome sheet = shelf({folder.path(), "-o", at("sheet.png"), "--cell", "80"});
-    EXPECT_EQ(sheet.status, 0);
     for (const char* part : {"0:02, 29.97 a second, 2024-05-31", "2 files, 1 unreadable"})
         EXPECT_NE(sheet.output.find(part), std::string::npos) << part;
     const auto image = CGImage::image(folder.url("sheet.png"));
@@ -230,39 +200,8 @@ TEST_F(Shelf, ShowsMoviesAmongThePictures) {
     EXPECT_EQ(sizeOf("out/a.png"), CGSize(80, 160));
 }
 
-TEST_F(Shelf, NoticesWhatIsCutShortUnlessInAHurry) {
-    const std::string cut = std::string(SAMPLES) + "/unreadable/truncated.jpg";
-    const auto error = [](const Names& arguments) {
-        return json::parse(shelf(arguments).output)[0].at("error");
-    };
-    EXPECT_TRUE(error({cut, "--json"}).is_string());
-    EXPECT_TRUE(error({cut, "--json", "--quick"}).is_null());
-}
-
-TEST_F(Shelf, NeverWaitsForAPipe) {
-    ASSERT_EQ(mkfifo(at("pipe.jpg").c_str(), 0600), 0);
-    const Outcome outcome = shelf({folder.path()});
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_NE(outcome.output.find("not a regular file"), std::string::npos) << outcome.output;
-}
-
-TEST_F(Shelf, ExportsWithoutEverOverwriting) {
-    picture("in/a.jpg", 400, 100);
-    picture("in/a.png", 30, 20);
-    folder.file("in/broken.jpg", "x");
-    for (int round = 0; round < 2; ++round)
-        expectErrors(
-            {at("in"), "--export", at("out/deep"), "--size", "200", "--format", "png", "--quiet"},
-            0, "");
-    EXPECT_EQ(filesIn("out/deep"),
-              (std::set<std::string>{"a.png", "a (0).png", "a (1).png", "a (2).png"}));
-    EXPECT_EQ(sizeOf("out/deep/a.png"), CGSize(200, 50));
-    EXPECT_EQ(sizeOf("out/deep/a (0).png"), CGSize(30, 20));
-    EXPECT_EQ(sizeOf("out/deep/a (1).png"), CGSize(200, 50));
-}
-
-TEST_F(Shelf, SeveralExportsAtOnceKeepOutOfEachOthersWay) {
-    Names arguments{"--export", at("out"), "-q"};
+TEST_F(Shelf, SeveralExportsAtOnceNeverOverwrite) {
+    Names arguments{"--export", at("out/deep"), "-q"};
     for (int i = 0; i < 10; ++i) {
         picture("in" + std::to_string(i) + "/a.jpg", 20 + i, 20);
         arguments.push_back(at("in" + std::to_string(i)));
@@ -270,11 +209,11 @@ TEST_F(Shelf, SeveralExportsAtOnceKeepOutOfEachOthersWay) {
     {
         std::vector<std::jthread> runs;
         for (int process = 0; process < 4; ++process)
-            runs.emplace_back([&] { EXPECT_EQ(shelf(arguments).status, 0); });
+            runs.emplace_back([&] { expectErrors(arguments, 0, ""); });
     }
     std::map<double, int> widths;
-    for (const std::string& name : filesIn("out"))
-        ++widths[sizeOf("out/" + name).width];
+    for (const auto& file : fs::directory_iterator(at("out/deep")))
+        ++widths[sizeOf(file.path().lexically_relative(folder.path())).width];
     EXPECT_EQ(widths.size(), 10u);
     for (const auto& [width, count] : widths)
         EXPECT_EQ(count, 4) << width;
@@ -291,24 +230,23 @@ TEST_F(Shelf, MakesSheetsInEachFormat) {
         const auto source = CGImageSource::create(folder.url(sheet));
         EXPECT_EQ(source->type(), ImageExportFormat::make({.pathExt = extension})->cgType());
     }
-    EXPECT_EQ(filesIn(""),
-              (std::set<std::string>{"in", "sheet.png", "sheet.jpg", "sheet.tiff", "sheet.heic"}));
-}
-
-TEST_F(Shelf, LeavesItsOwnSheetOutOfTheNextOne) {
-    picture("a.jpg");
+    EXPECT_EQ(folder.count(), 5) << "nothing else";
+    // A sheet is left out of the next one in its place.
+    picture("one/a.jpg");
     for (int round = 0; round < 2; ++round)
-        EXPECT_EQ(shelf({folder.path(), "-q", "-o", at("sheet.png"), "--cell", "50"}).status, 0);
-    EXPECT_EQ(sizeOf("sheet.png"), CGSize(98, 138));
-}
-
-TEST_F(Shelf, KeepsTheOldSheetWhenTheNewOneFails) {
-    picture("in/a.jpg");
+        expectErrors({at("one"), "-q", "-o", at("one/sheet.png"), "--cell", "50"}, 0, "");
+    EXPECT_EQ(sizeOf("one/sheet.png"), CGSize(98, 138));
+    // The old one stays when the new one fails.
     folder.file("sheet.png", "old");
     const Names limited{"sh", "-c", "ulimit -f 0; exec \"$@\" 2>&1", "sh"};
-    EXPECT_NE(shelf({at("in"), "-q", "-o", at("sheet.png")}, limited).status, 0);
+    EXPECT_NE(shelf({at("one"), "-q", "-o", at("sheet.png")}, limited).status, 0);
     EXPECT_EQ(text(at("sheet.png")), "old");
-    EXPECT_EQ(shelf({at("in"), "-o", at("sheet.png"), "--cell", "4096"}).status, 0) << "huge";
+    expectErrors({at("one"), "-q", "-o", at("sheet.png"), "--cell", "4096"}, 0, "");
+    // No fonts are needed.
+    folder.file("fonts.conf", "<?xml version=\"1.0\"?><fontconfig><cachedir>" + at("cache") +
+                                  "</cachedir></fontconfig>");
+    expectErrors({at("in"), "-q", "-o", at("plain.png")}, 0, "",
+                 {"env", "FONTCONFIG_FILE=" + at("fonts.conf")});
 }
 
 TEST_F(Shelf, SaysWhatIsMissingOrCannotBeWritten) {
@@ -329,16 +267,4 @@ TEST_F(Shelf, SaysWhatIsMissingOrCannotBeWritten) {
                  "shelf: " + at("a.jpg") + "/out: Not a directory\n");
     expectErrors({at("a.jpg")}, 1, "shelf: standard output: No space left on device\n",
                  {"sh", "-c", "exec \"$@\" >/dev/full", "sh"});
-}
-
-TEST_F(Shelf, WorksWithoutFonts) {
-    picture("in/a.jpg");
-    folder.folder("fonts");
-    folder.file("fonts.conf", "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM "
-                              "\"fonts.dtd\"><fontconfig><dir>" +
-                                  at("fonts") + "</dir><cachedir>" + at("cache") +
-                                  "</cachedir></fontconfig>");
-    expectErrors({at("in"), "-q", "-o", at("sheet.png")}, 0, "",
-                 {"env", "FONTCONFIG_FILE=" + at("fonts.conf")});
-    EXPECT_TRUE(fs::exists(at("sheet.png")));
 }

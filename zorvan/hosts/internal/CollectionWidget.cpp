@@ -190,7 +190,7 @@ QModelIndex CollectionWidget::neighbour(const QModelIndex& from, double distance
     const double length = std::abs(distance) + own.height();
     // All that lies beyond the item's line, up to the distance and a line.
     const CGRect beyond(0, distance < 0 ? own.minY() - length : own.maxY(),
-                        view_->collectionViewLayout()->contentSize().width, length);
+                        horizontalScrollBar()->maximum() + viewport()->width(), length);
     QModelIndex nearest = from;
     double least = std::numeric_limits<double>::infinity();
     for (const QModelIndex& index : indexesIn(beyond)) {

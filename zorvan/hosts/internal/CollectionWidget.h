@@ -56,7 +56,6 @@ protected:
     void rowsAboutToBeRemoved(const QModelIndex& parent, int start, int end) override {
         QAbstractItemView::rowsAboutToBeRemoved(parent, start, end);
     }
-    bool isIndexHidden(const QModelIndex&) const override { return false; }
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void selectionChanged(const QItemSelection& selected,
                           const QItemSelection& deselected) override;

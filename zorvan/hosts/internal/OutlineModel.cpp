@@ -90,7 +90,10 @@ void OutlineModel::reset() {
 void OutlineModel::followRows() {
     std::vector<Node*> rows;
     listRows(*root_, rows);
-    if (!areRowsOfOutline(rows))
+    bool areSame = std::ssize(rows) == view_->numberOfRows();
+    for (std::size_t row = 0; areSame && row < rows.size(); ++row)
+        areSame = rows[row]->item == view_->item(static_cast<std::int64_t>(row));
+    if (!areSame)
         return reset();
     takeRows(std::move(rows));
 }
@@ -112,13 +115,6 @@ void OutlineModel::listRows(Node& node, std::vector<Node*>& rows) const {
         if (view_->isItemExpanded(child->item))
             listRows(*child, rows);
     }
-}
-
-bool OutlineModel::areRowsOfOutline(const std::vector<Node*>& rows) const {
-    bool areSame = static_cast<std::int64_t>(rows.size()) == view_->numberOfRows();
-    for (std::size_t row = 0; areSame && row < rows.size(); ++row)
-        areSame = rows[row]->item == view_->item(static_cast<std::int64_t>(row));
-    return areSame;
 }
 
 QModelIndex OutlineModel::indexOfRow(std::int64_t row) const {

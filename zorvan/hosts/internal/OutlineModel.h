@@ -51,7 +51,6 @@ private:
     Node& node(const QModelIndex& index) const;
     void load(Node& node) const;
     void listRows(Node& node, std::vector<Node*>& rows) const;
-    bool areRowsOfOutline(const std::vector<Node*>& rows) const;
     void takeRows(std::vector<Node*> rows);
 
     std::unique_ptr<Node> root_;

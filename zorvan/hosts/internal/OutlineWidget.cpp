@@ -71,8 +71,6 @@ void OutlineWidget::cellsReloaded(const IndexSet&, const IndexSet&) {
     showCellsLater();
 }
 
-// Dragging
-
 /// Above an item, below it, or, in its middle, to the end of what it holds.
 OutlineWidget::DropPlace OutlineWidget::dropPlace(QPoint at) const {
     const QModelIndex index = indexAt(at).siblingAtColumn(0);
@@ -91,8 +89,6 @@ OutlineWidget::DropPlace OutlineWidget::dropPlace(QPoint at) const {
         return {index, 0, {row.left(), row.bottom() + 1, width, 0}};
     return {index.parent(), index.row() + 1, {row.left(), row.bottom() + 1, width, 0}};
 }
-
-QRect OutlineWidget::dropMark(QPoint at) const { return dropPlace(at).mark; }
 
 bool OutlineWidget::isBelow(QModelIndex index, const QModelIndexList& others) const {
     while (index.isValid() && !others.contains(index))
@@ -118,8 +114,6 @@ void OutlineWidget::urlsDropped(const std::vector<URL>& urls, QPoint at) {
     if (const auto source = view_->outlineDataSource())
         source->urlsDropped(*view_, urls, model_.item(place.holder), place.before);
 }
-
-// Cells
 
 std::vector<QModelIndex> OutlineWidget::indexesInSight() const {
     std::vector<QModelIndex> indexes;

@@ -29,7 +29,7 @@ protected:
     void selectionDidChange() override { selectionMirror().mirror(); }
     void scrolledTo(std::int64_t row) override { scrollTo(model_.indexOfRow(row)); }
 
-    QRect dropMark(QPoint at) const override;
+    QRect dropMark(QPoint at) const override { return dropPlace(at).mark; }
     void selectionDropped(QPoint at) override;
     void urlsDropped(const std::vector<URL>& urls, QPoint at) override;
     std::vector<QModelIndex> indexesInSight() const override;

@@ -1,6 +1,7 @@
 #include <zorvan/hosts/internal/QtMenus.h>
 
 #include <zorvan/hosts/internal/icons.h>
+#include <zorvan/hosts/internal/qtEvents.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
 #include <QAbstractButton>
@@ -21,13 +22,8 @@ QString keyText(const NSMenuItem& item) {
     const std::string& key = item.keyEquivalent();
     if (key.empty())
         return {};
-    using Flags = NSEvent::ModifierFlags;
-    const std::pair<Flags, Qt::KeyboardModifier> table[] = {{Flags::shift, Qt::ShiftModifier},
-                                                            {Flags::control, Qt::ControlModifier},
-                                                            {Flags::option, Qt::AltModifier},
-                                                            {Flags::command, Qt::MetaModifier}};
     Qt::KeyboardModifiers modifiers;
-    for (const auto& [flag, modifier] : table)
+    for (const auto& [modifier, flag] : modifierKeys)
         if (item.keyEquivalentModifierMask().contains(flag))
             modifiers |= modifier;
     const std::pair<const char*, Qt::Key> named[] = {{"\r", Qt::Key_Return},
@@ -49,6 +45,14 @@ QString textOf(const NSMenuItem& item) {
     const QString title = toQString(item.title()).replace(QLatin1Char('&'), QLatin1String("&&"));
     const QString keys = keyText(item);
     return keys.isEmpty() ? title : title + QLatin1Char('\t') + keys;
+}
+
+void open(NSMenu& menu, QWidget* over, const QPoint& at) {
+    // Wayland places a menu by the window that it belongs to.
+    auto* const shown = new QMenu(over);
+    shown->setAttribute(Qt::WA_DeleteOnClose);
+    fillMenu(*shown, menu.shared_from_this());
+    shown->popup(at);
 }
 
 } // namespace
@@ -93,18 +97,6 @@ void fillMenu(QMenu& shown, const std::shared_ptr<NSMenu>& menu, int depth) {
         }
     }
 }
-
-namespace {
-
-void open(NSMenu& menu, QWidget* over, const QPoint& at) {
-    // Wayland places a menu by the window that it belongs to.
-    auto* const shown = new QMenu(over);
-    shown->setAttribute(Qt::WA_DeleteOnClose);
-    fillMenu(*shown, menu.shared_from_this());
-    shown->popup(at);
-}
-
-} // namespace
 
 void openMenu(NSMenu& menu) {
     auto* const focused = qobject_cast<QAbstractButton*>(QApplication::focusWidget());

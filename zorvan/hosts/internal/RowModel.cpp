@@ -17,8 +17,6 @@ const IndexSet::Range* onlyRange(const IndexSet& set, const IndexSet& other) {
 
 } // namespace
 
-int RowModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : rowCount_; }
-
 QModelIndex RowModel::index(int row, int column, const QModelIndex& parent) const {
     return hasIndex(row, column, parent) ? createIndex(row, column) : QModelIndex();
 }
@@ -32,8 +30,6 @@ Qt::ItemFlags RowModel::flags(const QModelIndex& index) const {
 QModelIndex RowModel::indexOfRow(std::int64_t row) const {
     return row < rowCount_ ? index(static_cast<int>(row), 0) : QModelIndex();
 }
-
-std::int64_t RowModel::rowInSource(int row) const { return pending_ ? pending_(row) : row; }
 
 void RowModel::change(const std::vector<RowChange>& changes, std::int64_t rowCount) {
     std::int64_t expected = rowCount_;

@@ -18,7 +18,9 @@ public:
     /// More than Qt could place, one below the other, are not shown.
     static constexpr int mostRows = 1 << 24;
 
-    int rowCount(const QModelIndex& parent = {}) const override;
+    int rowCount(const QModelIndex& parent = {}) const override {
+        return parent.isValid() ? 0 : rowCount_;
+    }
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     QModelIndex parent(const QModelIndex&) const override { return {}; }
     Qt::ItemFlags flags(const QModelIndex& index) const override;
@@ -41,7 +43,7 @@ public:
 protected:
     /// Where a row is to be read: in the middle of a change it stands elsewhere already, or, as -1,
     /// has gone.
-    std::int64_t rowInSource(int row) const;
+    std::int64_t rowInSource(int row) const { return pending_ ? pending_(row) : row; }
 
 private:
     int rowCount_ = 0;

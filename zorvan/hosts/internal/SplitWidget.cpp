@@ -5,7 +5,6 @@
 
 #include <QKeyEvent>
 #include <QSplitterHandle>
-#include <algorithm>
 
 namespace zorvan::internal {
 
@@ -50,16 +49,10 @@ QSplitterHandle* SplitWidget::createHandle() { return new Handle(orientation(), 
 
 void SplitWidget::subviewsDidChange() {
     const auto& views = view_->subviews();
-    for (int i = count() - 1; i >= 0; --i) {
-        QWidget* const part = widget(i);
-        if (std::find(views.begin(), views.end(), viewOf(part)) == views.end())
-            letGo(*part);
-    }
+    letGoOfAllBut(*this, views);
     for (std::size_t i = 0; i < views.size(); ++i) {
-        QWidget* part = nullptr;
-        for (int at = 0; at < count() && !part; ++at)
-            part = viewOf(widget(at)) == views[i] ? widget(at) : nullptr;
         const int place = static_cast<int>(i);
+        QWidget* part = widgetOf(*views[i], *this);
         if (!part)
             part = makeWidget(views[i], this);
         if (indexOf(part) != place)
@@ -68,8 +61,6 @@ void SplitWidget::subviewsDidChange() {
     }
     followDividers();
 }
-
-void SplitWidget::needsDisplay(const CGRect&) { followDividers(); }
 
 void SplitWidget::frameDidChange() {
     HostedWidget::frameDidChange();

@@ -13,7 +13,7 @@ public:
     SplitWidget(const std::shared_ptr<NSSplitView>& split, QWidget* parent);
 
     void subviewsDidChange() override;
-    void needsDisplay(const CGRect& rect) override;
+    void needsDisplay(const CGRect&) override { followDividers(); }
     void frameDidChange() override;
 
 protected:

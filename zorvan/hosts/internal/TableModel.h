@@ -4,6 +4,8 @@
 #include <zorvan/hosts/internal/RowModel.h>
 #include <zorvan/interface/NSTableView.h>
 
+#include <algorithm>
+
 namespace zorvan::internal {
 
 /// The rows and columns of a table, read from its data source when they are shown.
@@ -13,7 +15,16 @@ public:
         reset(table->numberOfRows());
     }
 
-    void reloadCells(const IndexSet& rows, const IndexSet& columns);
+    void reloadCells(const IndexSet& rows, const IndexSet& columns) {
+        const auto firstColumn = columns.first(), lastColumn = columns.last();
+        if (!firstColumn || *firstColumn >= columnCount() || rowCount() == 0)
+            return;
+        const int right = static_cast<int>(std::min<std::int64_t>(*lastColumn, columnCount() - 1));
+        const IndexSet shown = rows.intersection(IndexSet(IndexSet::Range{0, rowCount()}));
+        for (const IndexSet::Range range : shown.ranges())
+            emit dataChanged(index(static_cast<int>(range.lower), static_cast<int>(*firstColumn)),
+                             index(static_cast<int>(range.upper - 1), right));
+    }
     /// Between the updates of a table the data source has other rows than the table: nothing is
     /// read from it.
     void setReading(bool isReading) { isReading_ = isReading; }

@@ -4,6 +4,7 @@
 #include <zorvan/hosts/internal/viewGeometry.h>
 
 #include <QAccessible>
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -38,13 +39,9 @@ void ViewMirror::follow() {
 
 /// Only inside another view: what stands in a bar or a splitter, or is the content of a window, is
 /// placed by those.
-bool ViewMirror::isPlacedByItsView() const {
-    const auto* const parent = dynamic_cast<const ViewWidget*>(widget_.parentWidget());
-    return parent && viewOf(parent) == shown_->superview();
-}
-
 void ViewMirror::frameDidChange() {
-    if (isPlacedByItsView())
+    const auto* const parent = dynamic_cast<const ViewWidget*>(widget_.parentWidget());
+    if (parent && viewOf(parent) == shown_->superview())
         widget_.setGeometry(placeInSuperview(*shown_));
 }
 
@@ -101,6 +98,12 @@ void letGo(QWidget& widget) {
     widget.hide();
     widget.setParent(nullptr);
     widget.deleteLater();
+}
+
+void letGoOfAllBut(const QWidget& holder, const std::vector<std::shared_ptr<NSView>>& views) {
+    for (QWidget* const child : shownIn(holder))
+        if (std::find(views.begin(), views.end(), viewOf(child)) == views.end())
+            letGo(*child);
 }
 
 } // namespace zorvan::internal

@@ -32,7 +32,6 @@ protected:
     }
 
 private:
-    bool isPlacedByItsView() const;
     void announce();
 
     const std::shared_ptr<NSView> shown_;
@@ -54,5 +53,7 @@ std::vector<QWidget*> shownIn(const QWidget& holder);
 /// Takes a widget out of the one that it stands in. It may be in the middle of an event that asked
 /// for it.
 void letGo(QWidget& widget);
+/// The same with all that stand directly in a widget, but for those that show these views.
+void letGoOfAllBut(const QWidget& holder, const std::vector<std::shared_ptr<NSView>>& views);
 
 } // namespace zorvan::internal

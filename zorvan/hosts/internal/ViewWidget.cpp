@@ -5,7 +5,6 @@
 #include <zorvan/hosts/internal/makeWidget.h>
 
 #include <QApplication>
-#include <algorithm>
 #include <map>
 #include <utility>
 #include <vector>
@@ -20,20 +19,14 @@ ViewWidget::ViewWidget(const std::shared_ptr<NSView>& view, QWidget* parent)
     subviewsDidChange();
 }
 
-// Following the view
-
 /// A widget for each subview, in their order from back to front.
 void ViewWidget::subviewsDidChange() {
-    const auto& views = view_->subviews();
+    letGoOfAllBut(*this, view_->subviews());
     std::map<std::shared_ptr<NSView>, QWidget*> shown;
     for (QWidget* const child : shownIn(*this))
-        if (const auto view = viewOf(child);
-            std::find(views.begin(), views.end(), view) != views.end())
-            shown[view] = child;
-        else
-            letGo(*child);
+        shown[viewOf(child)] = child;
     std::vector<QWidget*> ordered;
-    for (const auto& view : views) {
+    for (const auto& view : view_->subviews()) {
         const auto known = shown.find(view);
         ordered.push_back(known == shown.end() ? makeWidget(view, this) : known->second);
     }
@@ -71,8 +64,6 @@ void ViewWidget::paintFocus(QPainter& painter) const {
     painter.drawRect(rect().adjusted(1, 1, -1, -1));
 }
 
-// The mouse
-
 void ViewWidget::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton)
         pressedAt_ = event->position();
@@ -88,8 +79,6 @@ void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
     pressedAt_.reset();
     DrawnWidget::mouseReleaseEvent(event);
 }
-
-// Dragging
 
 bool ViewWidget::beginDrag(const QMouseEvent& event) {
     if (!pressedAt_ || !(event.buttons() & Qt::LeftButton) ||

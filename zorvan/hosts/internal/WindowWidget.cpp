@@ -75,10 +75,6 @@ void WindowWidget::retire() {
     deleteLater();
 }
 
-bool WindowWidget::event(QEvent* event) noexcept { return QMainWindow::event(event); }
-
-// Following the window
-
 void WindowWidget::subscribe(std::string_view name, void (WindowWidget::*act)()) {
     auto subscriber = NoteSubscriber::create(NSNotificationCenter::defaultCenter());
     subscriber->setName(NSNotificationName(name));
@@ -98,12 +94,6 @@ void WindowWidget::later(void (WindowWidget::*act)()) {
     QMetaObject::invokeMethod(
         this, [this, act]() noexcept { (this->*act)(); }, Qt::QueuedConnection);
 }
-
-void WindowWidget::viewsNeedDisplay() { later(&WindowWidget::display); }
-
-void WindowWidget::toolbarDidChange() { later(&WindowWidget::followToolbar); }
-
-void WindowWidget::touchBarDidChange() { later(&WindowWidget::followTouchBar); }
 
 void WindowWidget::display() {
     window_->displayIfNeeded();
@@ -131,17 +121,11 @@ void WindowWidget::contentViewDidChange() {
 }
 
 void WindowWidget::followToolbar() {
-    window_->layoutIfNeeded(); // which gives the views of the items their sizes
-    const auto toolbar = window_->toolbar();
-    followBar(toolbar_, ItemBar::Kind::toolbar,
-              toolbar ? std::optional(toolbarItems(*toolbar)) : std::nullopt);
+    followBar(toolbar_, ItemBar::Kind::toolbar, window_->toolbar(), toolbarItems);
 }
 
 void WindowWidget::followTouchBar() {
-    window_->layoutIfNeeded();
-    const auto touchBar = window_->touchBar();
-    followBar(touchBar_, ItemBar::Kind::touchBar,
-              touchBar ? std::optional(touchBarItems(*touchBar)) : std::nullopt);
+    followBar(touchBar_, ItemBar::Kind::touchBar, window_->touchBar(), touchBarItems);
 }
 
 ItemBar* WindowWidget::addBar(ItemBar::Kind kind) {
@@ -151,15 +135,18 @@ ItemBar* WindowWidget::addBar(ItemBar::Kind kind) {
 }
 
 /// The content keeps its size, unless the desktop says how large the window is.
-void WindowWidget::followBar(ItemBar*& bar, ItemBar::Kind kind, std::optional<BarItems> items) {
-    if (!bar && items)
-        bar = addBar(kind);
-    if (!bar)
+template <class Bar>
+void WindowWidget::followBar(ItemBar*& shown, ItemBar::Kind kind, const std::shared_ptr<Bar>& bar,
+                             BarItems (*itemsOf)(const Bar&)) {
+    window_->layoutIfNeeded(); // which gives the views of the items their sizes
+    if (!shown && bar)
+        shown = addBar(kind);
+    if (!shown)
         return;
-    const auto roomOfBar = [bar] { return bar->isHidden() ? 0 : bar->sizeHint().height(); };
+    const auto roomOfBar = [shown] { return shown->isHidden() ? 0 : shown->sizeHint().height(); };
     const int before = roomOfBar();
-    bar->setVisible(items.has_value());
-    bar->show(std::move(items).value_or(BarItems()));
+    shown->setVisible(bar != nullptr);
+    shown->show(bar ? itemsOf(*bar) : BarItems());
     const int now = roomOfBar();
     if (now != before && isVisible() && !isSizedByDesktop())
         resize(width(), height() + now - before);

@@ -6,7 +6,6 @@
 
 #include <QMainWindow>
 #include <memory>
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -24,7 +23,7 @@ public:
     void retire();
 
 protected:
-    bool event(QEvent* event) noexcept override;
+    bool event(QEvent* event) noexcept override { return QMainWindow::event(event); }
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
@@ -33,11 +32,11 @@ protected:
 private:
     class ContentHolder;
 
-    void viewsNeedDisplay() override;
+    void viewsNeedDisplay() override { later(&WindowWidget::display); }
     void propertiesDidChange() override;
     void contentViewDidChange() override;
-    void toolbarDidChange() override;
-    void touchBarDidChange() override;
+    void toolbarDidChange() override { later(&WindowWidget::followToolbar); }
+    void touchBarDidChange() override { later(&WindowWidget::followTouchBar); }
     void firstResponderDidChange() override;
 
     void subscribe(std::string_view name, void (WindowWidget::*act)());
@@ -48,7 +47,9 @@ private:
     void followToolbar();
     void followTouchBar();
     ItemBar* addBar(ItemBar::Kind kind);
-    void followBar(ItemBar*& bar, ItemBar::Kind kind, std::optional<BarItems> items);
+    template <class Bar>
+    void followBar(ItemBar*& shown, ItemBar::Kind kind, const std::shared_ptr<Bar>& bar,
+                   BarItems (*itemsOf)(const Bar&));
     bool isSizedByDesktop() const;
     void comeToFront();
     void followLooks();

@@ -34,7 +34,6 @@ public:
     explicit Engine(std::shared_ptr<NSImage> image) : image_(std::move(image)) {}
 
     QIconEngine* clone() const override { return new Engine(image_); }
-    QSize actualSize(const QSize& size, QIcon::Mode, QIcon::State) override { return size; }
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
         const double scale = painter->device()->devicePixelRatioF();
         const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;

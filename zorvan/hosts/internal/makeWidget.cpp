@@ -9,42 +9,35 @@
 #include <zorvan/hosts/internal/TableWidget.h>
 #include <zorvan/hosts/internal/ViewWidget.h>
 
-#include <initializer_list>
-
 namespace zorvan::internal {
 
 namespace {
 
-using Maker = QWidget* (*)(const std::shared_ptr<NSView>& view, QWidget* parent);
-
-/// Null for a view of another class.
+/// Unless there is one already, and if the view is of that class.
 template <class Widget, class View>
-QWidget* makeOf(const std::shared_ptr<NSView>& view, QWidget* parent) {
-    const auto shown = std::dynamic_pointer_cast<View>(view);
-    return shown ? new Widget(shown, parent) : nullptr;
-}
-
-QWidget* makeFirst(std::initializer_list<Maker> makers, const std::shared_ptr<NSView>& view,
-                   QWidget* parent) {
-    for (const Maker make : makers)
-        if (QWidget* const made = make(view, parent))
-            return made;
-    return nullptr;
+void make(QWidget*& made, const std::shared_ptr<NSView>& view, QWidget* parent) {
+    if (const auto shown = std::dynamic_pointer_cast<View>(view); shown && !made)
+        made = new Widget(shown, parent);
 }
 
 } // namespace
 
 QWidget* makeWidget(const std::shared_ptr<NSView>& view, QWidget* parent) {
-    return makeFirst({makeOf<SearchFieldWidget, NSSearchField>, makeOf<ButtonWidget, NSButton>,
-                      makeOf<SplitWidget, NSSplitView>, makeOf<ScrollWidget, NSScrollView>,
-                      makeItemWidget, makeOf<ViewWidget, NSView>},
-                     view, parent);
+    QWidget* made = makeItemWidget(view, parent);
+    make<SearchFieldWidget, NSSearchField>(made, view, parent);
+    make<ButtonWidget, NSButton>(made, view, parent);
+    make<SplitWidget, NSSplitView>(made, view, parent);
+    make<ScrollWidget, NSScrollView>(made, view, parent);
+    make<ViewWidget, NSView>(made, view, parent);
+    return made;
 }
 
 QWidget* makeItemWidget(const std::shared_ptr<NSView>& view, QWidget* parent) {
-    return makeFirst({makeOf<OutlineWidget, NSOutlineView>, makeOf<TableWidget, NSTableView>,
-                      makeOf<CollectionWidget, NSCollectionView>},
-                     view, parent);
+    QWidget* made = nullptr;
+    make<OutlineWidget, NSOutlineView>(made, view, parent);
+    make<TableWidget, NSTableView>(made, view, parent);
+    make<CollectionWidget, NSCollectionView>(made, view, parent);
+    return made;
 }
 
 } // namespace zorvan::internal

@@ -71,16 +71,44 @@ CGPoint placeInWindow(const NSView& view, const QPointF& point) {
     return view.convertToBase(toView(view, point));
 }
 
+/// What a key types that is no character of Qt's; null for any other key.
+const char* typedBy(int key) {
+    static const std::map<int, const char*> table{
+        {Qt::Key_Return, "\r"}, {Qt::Key_Enter, "\r"},     {Qt::Key_Escape, "\x1b"},
+        {Qt::Key_Tab, "\t"},    {Qt::Key_Backtab, "\t"},   {Qt::Key_Space, " "},
+        {Qt::Key_Left, ""},     {Qt::Key_Backspace, "\b"}, {Qt::Key_Right, ""},
+        {Qt::Key_Up, ""},       {Qt::Key_Down, ""}};
+    const auto found = table.find(key);
+    return found == table.end() ? nullptr : found->second;
+}
+
+const EventKeyCode* codeOf(int key) {
+    return codeOfKey(key == Qt::Key_Enter     ? Qt::Key_Return
+                     : key == Qt::Key_Backtab ? Qt::Key_Tab
+                                              : key);
+}
+
+/// What the key types by itself; keys from Escape on are no characters of Qt's.
+std::string charactersOf(int key) {
+    if (const char* const typed = typedBy(key))
+        return typed;
+    if (key == Qt::Key_Delete)
+        return "\x7f";
+    if (key >= Qt::Key_Escape || key <= 0)
+        return {};
+    return QString(QChar(static_cast<char16_t>(key))).toLower().toStdString();
+}
+
+bool isModifier(int key) {
+    return (key >= Qt::Key_Shift && key <= Qt::Key_ScrollLock) || key == Qt::Key_AltGr ||
+           key == Qt::Key_Super_L || key == Qt::Key_Super_R;
+}
+
 } // namespace
 
 NSEvent::ModifierFlags modifierFlags(Qt::KeyboardModifiers modifiers) {
-    using Flags = NSEvent::ModifierFlags;
-    const std::pair<Qt::KeyboardModifier, Flags> table[] = {{Qt::ShiftModifier, Flags::shift},
-                                                            {Qt::ControlModifier, Flags::control},
-                                                            {Qt::AltModifier, Flags::option},
-                                                            {Qt::MetaModifier, Flags::command}};
-    Flags flags;
-    for (const auto& [key, flag] : table)
+    NSEvent::ModifierFlags flags;
+    for (const auto& [key, flag] : modifierKeys)
         if (modifiers & key)
             flags = flags | flag;
     return flags;
@@ -129,45 +157,6 @@ void sendLeave(const std::shared_ptr<NSView>& view, const QWidget& widget) {
                        .locationInWindow = placeInWindow(*view, at)},
                       view);
 }
-
-// Keys
-
-namespace {
-
-/// What a key types that is no character of Qt's; null for any other key.
-const char* typedBy(int key) {
-    static const std::map<int, const char*> table{
-        {Qt::Key_Return, "\r"}, {Qt::Key_Enter, "\r"},     {Qt::Key_Escape, "\x1b"},
-        {Qt::Key_Tab, "\t"},    {Qt::Key_Backtab, "\t"},   {Qt::Key_Space, " "},
-        {Qt::Key_Left, ""},     {Qt::Key_Backspace, "\b"}, {Qt::Key_Right, ""},
-        {Qt::Key_Up, ""},       {Qt::Key_Down, ""}};
-    const auto found = table.find(key);
-    return found == table.end() ? nullptr : found->second;
-}
-
-const EventKeyCode* codeOf(int key) {
-    return codeOfKey(key == Qt::Key_Enter     ? Qt::Key_Return
-                     : key == Qt::Key_Backtab ? Qt::Key_Tab
-                                              : key);
-}
-
-/// What the key types by itself; keys from Escape on are no characters of Qt's.
-std::string charactersOf(int key) {
-    if (const char* const typed = typedBy(key))
-        return typed;
-    if (key == Qt::Key_Delete)
-        return "\x7f";
-    if (key >= Qt::Key_Escape || key <= 0)
-        return {};
-    return QString(QChar(static_cast<char16_t>(key))).toLower().toStdString();
-}
-
-bool isModifier(int key) {
-    return (key >= Qt::Key_Shift && key <= Qt::Key_ScrollLock) || key == Qt::Key_AltGr ||
-           key == Qt::Key_Super_L || key == Qt::Key_Super_R;
-}
-
-} // namespace
 
 NSEvent keyEvent(const QKeyEvent& event) {
     NSEvent told{.type = event.type() == QEvent::KeyRelease ? Type::keyUp : Type::keyDown};

@@ -5,6 +5,7 @@
 
 #include <QEvent>
 #include <QPointF>
+#include <utility>
 
 class QKeyEvent;
 class QMouseEvent;
@@ -22,6 +23,12 @@ void sendKey(const std::shared_ptr<NSView>& view, QKeyEvent& event);
 /// Where the mouse is, when it has left the widget: over another view, or out of all.
 void sendLeave(const std::shared_ptr<NSView>& view, const QWidget& widget);
 
+/// The same keys, as Qt calls them and as views are told.
+inline constexpr std::pair<Qt::KeyboardModifier, NSEvent::ModifierFlags> modifierKeys[] = {
+    {Qt::ShiftModifier, NSEvent::ModifierFlags::shift},
+    {Qt::ControlModifier, NSEvent::ModifierFlags::control},
+    {Qt::AltModifier, NSEvent::ModifierFlags::option},
+    {Qt::MetaModifier, NSEvent::ModifierFlags::command}};
 NSEvent keyEvent(const QKeyEvent& event);
 NSEvent::ModifierFlags modifierFlags(Qt::KeyboardModifiers modifiers);
 

@@ -66,11 +66,6 @@ std::optional<PropertyList> dictionary(const Map& map) {
     return values;
 }
 
-std::optional<PropertyList> moment(const QVariant& value) {
-    const std::optional<Date> date = toDate(value.toDateTime());
-    return date ? std::optional<PropertyList>(*date) : std::nullopt;
-}
-
 } // namespace
 
 QVariant toQVariant(const PropertyList& value) {
@@ -110,7 +105,7 @@ std::optional<PropertyList> toPropertyList(const QVariant& value) {
     case QMetaType::QString:
         return PropertyList(value.toString().toStdString());
     case QMetaType::QDateTime:
-        return moment(value);
+        return toDate(value.toDateTime());
     case QMetaType::QByteArray:
         return PropertyList(data(value.toByteArray()));
     case QMetaType::QVariantList:

@@ -39,7 +39,7 @@ public:
     QtListModel(const std::shared_ptr<List>& list, std::vector<Column> columns,
                 QObject* parent = nullptr)
         : QtRowModel(static_cast<int>(columns.size()), parent), columns_(std::move(columns)),
-          cells_(cellsOf(columns_)), rows_(detail::rowsOf(list, follower())),
+          cells_(columns_.begin(), columns_.end()), rows_(detail::rowsOf(list, follower())),
           items_(rows_->items()) {
         show(*rows_);
     }
@@ -49,26 +49,84 @@ public:
 
     /// What the column says of the item for the role, or whether the row is selected. Nothing for a
     /// role that the column has not, nor for an item that is gone from the list.
-    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override {
+        if (!index.isValid())
+            return {};
+        if (role == selectedRole)
+            return isSelected(index.row());
+        const Cells& column = cells_[static_cast<std::size_t>(index.column())];
+        for (std::size_t i = 0; i < column.roles.size(); ++i) {
+            if (column.roles[i] != role)
+                continue;
+            const Item* item = itemOf(index.row());
+            return item ? column.readers[i](*item) : QVariant();
+        }
+        return {};
+    }
     /// Sets a role that the column has a setter for, or whether the row is selected.
-    bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
+    bool setData(const QModelIndex& index, const QVariant& value,
+                 int role = Qt::EditRole) override {
+        const Item* item = index.isValid() ? itemOf(index.row()) : nullptr;
+        if (!item)
+            return false;
+        if (role == selectedRole) {
+            setSelected(index.row(), value.toBool());
+            return true;
+        }
+        const auto& setters = columns_[static_cast<std::size_t>(index.column())].setters;
+        const auto setter = setters.find(role);
+        if (setter == setters.end())
+            return false;
+        const std::int64_t position = item - items_.data();
+        Item changed = *item;
+        if (!setter->second(changed, value))
+            return false;
+        if (!rows_->replace(std::move(changed), position))
+            itemsDidChange({position});
+        return true;
+    }
     /// The column's title; without one, and for rows, what Qt says of itself.
     QVariant headerData(int section, Qt::Orientation orientation,
-                        int role = Qt::DisplayRole) const override;
+                        int role = Qt::DisplayRole) const override {
+        const Column* column = orientation == Qt::Horizontal ? columnOf(section) : nullptr;
+        if (column && role == Qt::DisplayRole && !column->title.isEmpty())
+            return column->title;
+        return QtRowModel::headerData(section, orientation, role);
+    }
     /// With setters for them, cells can be edited or ticked, too.
-    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override {
+        return index.isValid() ? cells_[static_cast<std::size_t>(index.column())].flags
+                               : QtRowModel::flags(index);
+    }
     /// Sorts the list itself by the column's order; nothing for a column without one.
-    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override {
+        const Column* by = columnOf(column);
+        if (!by || !by->order)
+            return;
+        if (order == Qt::AscendingOrder)
+            rows_->sort(by->order);
+        else
+            rows_->sort(
+                [before = by->order](const Item& a, const Item& b) { return before(b, a); });
+    }
 
 private:
     /// What a column answers views, its roles side by side: they ask for ten a cell, mostly for
     /// ones that there are not.
     struct Cells {
+        explicit Cells(const Column& column) {
+            for (const auto& [role, reader] : column.roles) {
+                roles.push_back(role);
+                readers.push_back(reader);
+            }
+            flags.setFlag(Qt::ItemIsEditable, column.setters.contains(Qt::EditRole));
+            flags.setFlag(Qt::ItemIsUserCheckable, column.setters.contains(Qt::CheckStateRole));
+        }
+
         std::vector<int> roles;
         std::vector<std::function<QVariant(const Item&)>> readers;
         Qt::ItemFlags flags = cellFlags;
     };
-    static std::vector<Cells> cellsOf(const std::vector<Column>& columns);
     /// Null when it is gone from the list.
     const Item* itemOf(int row) const {
         const auto position = static_cast<std::size_t>(positionOf(row));
@@ -85,83 +143,5 @@ private:
     const std::unique_ptr<ItemList<Item>> rows_;
     const std::vector<Item>& items_;
 };
-
-template <class Item>
-auto QtListModel<Item>::cellsOf(const std::vector<Column>& columns) -> std::vector<Cells> {
-    std::vector<Cells> all(columns.size());
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        for (const auto& [role, reader] : columns[i].roles) {
-            all[i].roles.push_back(role);
-            all[i].readers.push_back(reader);
-        }
-        all[i].flags.setFlag(Qt::ItemIsEditable, columns[i].setters.contains(Qt::EditRole));
-        all[i].flags.setFlag(Qt::ItemIsUserCheckable,
-                             columns[i].setters.contains(Qt::CheckStateRole));
-    }
-    return all;
-}
-
-template <class Item>
-QVariant QtListModel<Item>::data(const QModelIndex& index, int role) const {
-    if (!index.isValid())
-        return {};
-    if (role == selectedRole)
-        return isSelected(index.row());
-    const Cells& column = cells_[static_cast<std::size_t>(index.column())];
-    for (std::size_t i = 0; i < column.roles.size(); ++i) {
-        if (column.roles[i] != role)
-            continue;
-        const Item* item = itemOf(index.row());
-        return item ? column.readers[i](*item) : QVariant();
-    }
-    return {};
-}
-
-template <class Item>
-bool QtListModel<Item>::setData(const QModelIndex& index, const QVariant& value, int role) {
-    const Item* item = index.isValid() ? itemOf(index.row()) : nullptr;
-    if (!item)
-        return false;
-    if (role == selectedRole) {
-        setSelected(index.row(), value.toBool());
-        return true;
-    }
-    const auto& setters = columns_[static_cast<std::size_t>(index.column())].setters;
-    const auto setter = setters.find(role);
-    if (setter == setters.end())
-        return false;
-    const std::int64_t position = item - items_.data();
-    Item changed = *item;
-    if (!setter->second(changed, value))
-        return false;
-    if (!rows_->replace(std::move(changed), position))
-        itemsDidChange({position});
-    return true;
-}
-
-template <class Item>
-QVariant QtListModel<Item>::headerData(int section, Qt::Orientation orientation, int role) const {
-    const Column* column = orientation == Qt::Horizontal ? columnOf(section) : nullptr;
-    if (column && role == Qt::DisplayRole && !column->title.isEmpty())
-        return column->title;
-    return QtRowModel::headerData(section, orientation, role);
-}
-
-template <class Item>
-Qt::ItemFlags QtListModel<Item>::flags(const QModelIndex& index) const {
-    return index.isValid() ? cells_[static_cast<std::size_t>(index.column())].flags
-                           : QtRowModel::flags(index);
-}
-
-template <class Item>
-void QtListModel<Item>::sort(int column, Qt::SortOrder order) {
-    const Column* by = columnOf(column);
-    if (!by || !by->order)
-        return;
-    if (order == Qt::AscendingOrder)
-        rows_->sort(by->order);
-    else
-        rows_->sort([before = by->order](const Item& a, const Item& b) { return before(b, a); });
-}
 
 } // namespace zorvan

@@ -214,17 +214,13 @@ void QtRowModel::movePersistentIndexes(const std::function<Reordering()>& reorde
     const QModelIndexList from = persistentIndexList();
     if (from.isEmpty())
         return;
-    std::vector<std::int64_t> rows;
-    rows.reserve(static_cast<std::size_t>(from.size()));
-    for (const QModelIndex& index : from)
-        rows.push_back(index.row());
-    reordering().apply(rows);
+    const Reordering places = reordering();
     QModelIndexList to;
     to.reserve(from.size());
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        to.append(rows[i] < 0 ? QModelIndex()
-                              : createIndex(static_cast<int>(rows[i]),
-                                            from[static_cast<qsizetype>(i)].column()));
+    for (const QModelIndex& index : from) {
+        const std::optional<std::int64_t> row = places.newPosition(index.row());
+        to.append(row ? createIndex(static_cast<int>(*row), index.column()) : QModelIndex());
+    }
     changePersistentIndexList(from, to);
 }
 
@@ -273,12 +269,8 @@ void QtRowModel::takeSelection() {
 }
 
 void QtRowModel::setSelected(int row, bool isSelected) {
-    IndexSet selection = rows_->selection();
-    if (isSelected)
-        selection.insert(row);
-    else
-        selection.remove(row);
-    rows_->select(selection);
+    const IndexSet& selection = rows_->selection();
+    rows_->select(isSelected ? selection.union_({row}) : selection.subtracting({row}));
 }
 
 // What views ask for.
@@ -304,8 +296,6 @@ bool QtRowModel::moveRows(const QModelIndex& sourceParent, int row, int count,
     rows_->select(selection);
     return true;
 }
-
-Qt::DropActions QtRowModel::supportedDragActions() const { return Qt::CopyAction | Qt::MoveAction; }
 
 QMimeData* QtRowModel::mimeData(const QModelIndexList& indexes) const {
     const std::unique_ptr<QMimeData> values(QAbstractTableModel::mimeData(indexes));

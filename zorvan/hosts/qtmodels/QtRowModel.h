@@ -76,7 +76,9 @@ public:
     /// Drag and drop: rows of this very model move, within it; other models are given copies of
     /// what the roles say.
     /// @{
-    Qt::DropActions supportedDragActions() const override;
+    Qt::DropActions supportedDragActions() const override {
+        return Qt::CopyAction | Qt::MoveAction;
+    }
     Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
     QMimeData* mimeData(const QModelIndexList& indexes) const override;
     bool canDropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,

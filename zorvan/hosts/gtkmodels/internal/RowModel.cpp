@@ -16,13 +16,6 @@ guint countOf(const RowList& rows) {
     return static_cast<guint>(rows.count());
 }
 
-IndexSet moved(const IndexSet& positions, const Reordering& reordering) {
-    std::vector<std::int64_t> members(positions.begin(), positions.end());
-    reordering.apply(members);
-    std::erase(members, -1);
-    return IndexSet::of(members);
-}
-
 } // namespace
 
 RowModel::RowModel(GtkSelectionModel* object, const GtkRowModel::MakeRows& rows,
@@ -41,12 +34,11 @@ GObject* RowModel::object(guint row) {
 
 GtkBitset* RowModel::selection(guint first, guint count) const {
     GtkBitset* set = gtk_bitset_new_empty();
-    const std::int64_t begin = first, end = begin + count;
-    for (const IndexSet::Range range : rows_->selection().ranges()) {
-        const std::int64_t lower = std::max(range.lower, begin), upper = std::min(range.upper, end);
-        if (lower < upper)
-            gtk_bitset_add_range(set, static_cast<guint>(lower), static_cast<guint>(upper - lower));
-    }
+    const IndexSet::Range asked{first, std::int64_t{first} + count};
+    const IndexSet there = rows_->selection().intersection(IndexSet(asked));
+    for (const IndexSet::Range range : there.ranges())
+        gtk_bitset_add_range(set, static_cast<guint>(range.lower),
+                             static_cast<guint>(range.count()));
     return set;
 }
 
@@ -58,7 +50,10 @@ void RowModel::rowsDidChange(const RowChange& change,
         return itemsDidChange(change.rows);
     const Reordering where = reordering();
     live_.follow(where);
-    shownSelection_ = moved(shownSelection_, where);
+    std::vector<std::int64_t> selected(shownSelection_.begin(), shownSelection_.end());
+    where.apply(selected);
+    std::erase(selected, -1);
+    shownSelection_ = IndexSet::of(selected);
     tellRows(changedSpan(change, where));
     tellSelection();
 }

@@ -39,10 +39,6 @@ gboolean select(void* object, const IndexSet& rows, bool only) {
     model.select(only ? rows : model.selection().union_(rows));
     return TRUE;
 }
-gboolean deselect(void* object, const IndexSet& rows) {
-    modelOf(object).select(modelOf(object).selection().subtracting(rows));
-    return TRUE;
-}
 
 void implementListModel(GListModelInterface* type) {
     type->get_item_type = [](GListModel*) { return zorvan::internal::rowObjectType(); };
@@ -62,14 +58,11 @@ void implementSelectionModel(GtkSelectionModelInterface* type) {
     type->select_item = [](GtkSelectionModel* object, guint row, gboolean only) {
         return select(object, range(row, 1), only);
     };
-    type->unselect_item = [](GtkSelectionModel* object, guint row) {
-        return deselect(object, range(row, 1));
-    };
     type->select_range = [](GtkSelectionModel* object, guint first, guint count, gboolean only) {
         return select(object, range(first, count), only);
     };
     type->unselect_range = [](GtkSelectionModel* object, guint first, guint count) {
-        return deselect(object, range(first, count));
+        return select(object, modelOf(object).selection().subtracting(range(first, count)), true);
     };
     type->select_all = [](GtkSelectionModel* object) {
         return select(object, range(0, modelOf(object).count()), true);

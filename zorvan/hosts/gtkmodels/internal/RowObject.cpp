@@ -80,11 +80,6 @@ void LiveRows::forget(const IndexSet& rows) {
     });
 }
 
-void LiveRows::forgetAll() {
-    for (const auto& [row, object] : std::exchange(rows_, {}))
-        rowOf(object)->rows = nullptr;
-}
-
 } // namespace zorvan::internal
 
 const void* zorvan::GtkRowModel::item(void* row, std::type_index type) {

@@ -23,7 +23,7 @@ public:
     /// Has every object where its item has gone.
     void follow(const Reordering& reordering);
     void forget(const IndexSet& rows);
-    void forgetAll();
+    void forgetAll() { follow(Reordering::removingAll()); }
     /// The object of the row is no more.
     void lose(std::int64_t row) { rows_.erase(row); }
 
