@@ -42,6 +42,7 @@ public:
     friend constexpr bool operator==(const EnumerationValue&, const EnumerationValue&) = default;
 
 protected:
+    /// A case and its value stand for each other.
     template <class Case>
     explicit constexpr EnumerationValue(Case value) noexcept
         : raw_(static_cast<std::uint8_t>(first + static_cast<std::int64_t>(value))) {}
