@@ -70,10 +70,8 @@ TEST(CGContext, AnImageStaysAsItWas) {
     const auto context = CGContext::rgba(8, 8);
     context->draw(*plain(8, 8, 0xFF0000FF), CGRect(0, 0, 8, 8));
     const auto red = context->makeImage();
-    const std::uint8_t* const pixels = red->uint8Data();
     context->draw(*plain(8, 8, 0xFF00FF00), CGRect(0, 0, 8, 8));
     EXPECT_EQ(pixelAt(*red, 3, 3), 0xFF0000FF);
-    EXPECT_EQ(red->uint8Data(), pixels);
 
     // And when the pixels are written directly, before and after.
     std::uint8_t* const data = context->uint8Data();
@@ -89,7 +87,6 @@ TEST(CGContext, AnImageStaysAsItWas) {
     EXPECT_EQ(context->uint8Data(), nullptr);
     EXPECT_EQ(context->makeImage(), nullptr);
     context->draw(*last, CGRect(0, 0, 8, 8));
-    EXPECT_EQ(context->width(), 8);
 }
 
 } // namespace

@@ -61,8 +61,12 @@ TEST(DrawBitmap, TheBackdropIsOnlyAPromiseAndLayoutsGiveTheSamePicture) {
          {CGAffineTransform(1, 0, 0, 1, 3, 4), CGAffineTransform(0.4, 0, 0, 2, 1, 1),
           CGAffineTransform(0, 1.5, -0.7, 0, 40, 2), CGAffineTransform(0.9, 0.4, -0.3, 0.8, 20, 5)})
         for (const BitmapLayout layout : {BitmapLayout::rgba, BitmapLayout::argb}) {
-            const Bitmap direct = drawn(copied(source, layout).value(), t, 300, 90);
+            const Bitmap shown = copied(source, layout).value();
+            Bitmap direct = drawn(shown, t, 300, 90);
             Bitmap composited = Bitmap::make(300, 90).value();
+            drawBitmap(source, t, composited, Backdrop::arbitrary);
+            // Once more, over what is there now.
+            drawBitmap(shown, t, direct, Backdrop::arbitrary);
             drawBitmap(source, t, composited, Backdrop::arbitrary);
             EXPECT_EQ(largestDifference(copied(direct, BitmapLayout::rgba).value(), composited), 0);
         }

@@ -182,16 +182,19 @@ TEST(Metadata, IptcFieldsAreReadFromPhotoshopResources) {
                                "Caption"
                                "\x1C\x02\x19\0\x03one"
                                "\x1C\x02\x19\0\x05three"sv);
-    // Before a segment as long as one may be.
-    const Data picture =
-        withSegment(encoded(FileFormat::jpeg, pattern(9, 9)), 0xE5, Data(0xFFFD, std::byte{0xAB}));
-    EXPECT_EQ(decoded(picture).width(), 9);
+    // Behind a segment as long as one may be, in which an end seems to stand.
+    Data longest(0xFFFD, std::byte{0xD9});
+    longest[0x9000] = std::byte{0xFF};
+    const auto pictureWith = [&](Bytes part) {
+        const Data picture = withSegment(encoded(FileFormat::jpeg, pattern(9, 9)), 0xED, part);
+        return withSegment(picture, 0xE5, longest);
+    };
+    EXPECT_EQ(decoded(pictureWith(block)).width(), 9);
     for (std::size_t length = 0; length < block.size(); ++length)
-        EXPECT_FALSE(propertiesOf(withSegment(picture, 0xED, Bytes(block).first(length)))
-                         .contains("{IPTC}"));
+        EXPECT_FALSE(propertiesOf(pictureWith(Bytes(block).first(length))).contains("{IPTC}"));
     const PropertyList::Dictionary iptc = {{"Caption/Abstract", "Caption"},
                                            {"Keywords", PropertyList::Array{"one", "three"}}};
-    EXPECT_EQ(propertiesOf(withSegment(picture, 0xED, block)).at("{IPTC}"), PropertyList(iptc));
+    EXPECT_EQ(propertiesOf(pictureWith(block)).at("{IPTC}"), PropertyList(iptc));
     PropertyList::Dictionary direct;
     addPhotoshopProperties(block, direct);
     EXPECT_EQ(direct.at("{IPTC}"), PropertyList(iptc));

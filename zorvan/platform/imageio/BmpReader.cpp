@@ -335,10 +335,8 @@ private:
 
 bool isBmp(Bytes head) noexcept {
     constexpr std::array<std::uint32_t, 7> headSizes = {12, 40, 52, 56, 64, 108, 124};
-    return head.size() >= fileHeadSize + 4 && head[0] == std::byte{'B'} &&
-           head[1] == std::byte{'M'} &&
-           std::find(headSizes.begin(), headSizes.end(), little(head, fileHeadSize, 4)) !=
-               headSizes.end();
+    return textOf(head).starts_with("BM") && head.size() >= fileHeadSize + 4 &&
+           std::ranges::find(headSizes, little(head, fileHeadSize, 4)) != headSizes.end();
 }
 
 void makeBmpReader(std::unique_ptr<ByteSource> source, FileFormat format,

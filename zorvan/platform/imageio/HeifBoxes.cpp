@@ -166,12 +166,10 @@ bool isPictureType(std::string_view type) {
 bool standsAlone(const HeifMeta& meta, std::uint32_t id, const HeifItem& item) {
     if (item.hidden || !isPictureType(item.type))
         return false;
-    return std::none_of(meta.references().begin(), meta.references().end(),
-                        [&](const HeifReference& reference) {
-                            const bool part = reference.type == "thmb" || reference.type == "auxl";
-                            return (part && reference.from == id) ||
-                                   (reference.type == "dimg" && reference.to == id);
-                        });
+    return std::ranges::none_of(meta.references(), [&](const HeifReference& reference) {
+        const bool isPart = reference.type == "thmb" || reference.type == "auxl";
+        return (isPart && reference.from == id) || (reference.type == "dimg" && reference.to == id);
+    });
 }
 
 /// Where the content of the "meta" box is.

@@ -36,10 +36,8 @@ public:
         if (!info())
             throw Failure{reason::noMemory};
         run([&] {
-            constexpr png_alloc_size_t maximumChunk = 16U << 20;
             png_set_read_fn(png(), this, read);
             png_set_user_limits(png(), maximumSide, maximumSide);
-            png_set_chunk_malloc_max(png(), maximumChunk);
             // The metadata is read elsewhere; here it would only cost memory.
             png_set_keep_unknown_chunks(png(), PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
             png_read_info(png(), info());
