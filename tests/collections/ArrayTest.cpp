@@ -3,22 +3,19 @@
 #include <zorvan/collections/Array.h>
 
 TEST(Array, MovesAndRemovesAsOneElementAtATimeWould) {
-    std::mt19937 random(11);
+    listmodel::Lot draw{std::mt19937(11)};
     for (int round = 0; round < 2000; ++round) {
-        const int count = static_cast<int>(random() % 12);
         std::vector<std::unique_ptr<int>> list;
         std::vector<int> plain;
-        listmodel::Positions some;
-        for (int i = 0; i < count; ++i) {
-            list.push_back(std::make_unique<int>(i));
-            plain.push_back(i);
-            if (random() % 2)
-                some.insert(i);
+        for (auto i = draw(12); i > 0; --i) {
+            plain.push_back(static_cast<int>(plain.size()));
+            list.push_back(std::make_unique<int>(plain.back()));
         }
+        const listmodel::Positions some = draw.positions(std::ssize(list));
         const IndexSet from = listmodel::indexSet(some);
         std::vector<int> left = plain, rest = plain;
         listmodel::removeFrom(rest, some);
-        const auto to = static_cast<std::int64_t>(random() % static_cast<unsigned>(count + 1));
+        const std::int64_t to = draw(list.size() + 1);
         ASSERT_EQ(zorvan::move(list, from, to), listmodel::moveIn(plain, some, to));
         const IndexSet selection = from.union_({0, 5});
         const IndexSet after = selection.afterMoving(from, to);

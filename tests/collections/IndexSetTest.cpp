@@ -45,8 +45,7 @@ TEST(IndexSet, HoldsTheLargestPosition) {
     EXPECT_EQ(set.integerLessThan(std::numeric_limits<std::int64_t>::min()), std::nullopt);
     EXPECT_EQ(set.integerLessThan(largest), 0);
     EXPECT_EQ(set.union_({5}), IndexSet({0, 5, largest}));
-    EXPECT_EQ(set.union_({1, largest - 1}).description(),
-              IndexSet({0, 1, largest - 1, largest}).description());
+    EXPECT_EQ(set.union_({1, largest - 1}), IndexSet({0, 1, largest - 1, largest}));
     EXPECT_EQ(set.intersection({5, largest}), IndexSet{largest});
     EXPECT_EQ(IndexSet(Range{0, largest + 1}).subtracting(set), IndexSet(Range{1, largest}));
 }
@@ -54,7 +53,6 @@ TEST(IndexSet, HoldsTheLargestPosition) {
 TEST(IndexSetDeathTest, RefusesWhatIsNoPosition) {
     const std::int64_t tooLarge = std::numeric_limits<std::int64_t>::max();
     EXPECT_EQ(toIndexSet(7), IndexSet({7}));
-    EXPECT_DEATH((void)toIndexSet(-1), "^An index set holds no negative positions, such as -1.\n$");
     EXPECT_DEATH(IndexSet({-1}), "^An index set holds no negative positions, such as -1.\n$");
     EXPECT_DEATH(IndexSet({tooLarge}),
                  "^An index set holds no position above 9223372036854775806, such as "

@@ -227,16 +227,11 @@ TEST_F(DynamicBarTest, ShowsNoDefaultItemsAndMayBeReleasedByAnUpdate) {
 
 // The builders
 
-namespace {
-
-struct Model {
-    void act() { ++acts; }
-    int acts = 0;
-};
-
-} // namespace
-
 TEST_F(DynamicBarTest, BuildsImageButtons) {
+    struct Model {
+        void act() { ++acts; }
+        int acts = 0;
+    };
     const auto set = bar->addItemSet();
     const auto model = std::make_shared<Model>();
     const auto settle = [&](ImageButtonSettings& settings) {

@@ -11,17 +11,6 @@ using Type = NSEvent::EventType;
 
 namespace {
 
-std::optional<NSGradient> plain(const NSColor& color) { return color.gradient(); }
-
-/// An opaque grey picture.
-std::shared_ptr<NSImage> square(double side) {
-    const auto pixels = static_cast<std::int64_t>(side);
-    return NSImage::create(CGImage::draw(pixels, pixels, [&](CGContext& context) {
-        context.setFillColor(CGColor::gray);
-        context.fill({0, 0, side, side});
-    }));
-}
-
 std::vector<std::uint8_t> pixels(const NSView& view) {
     const auto bitmap = view.render(2).value();
     return {bitmap.data(), bitmap.data() + bitmap.byteCount()};
@@ -56,13 +45,13 @@ TEST_F(TintedButtonTest, PassesItsPropertiesToItsCell) {
                  button->backgroundGradientAngle() || button->expandedSize());
     take();
     button->setImagePressedColor(NSColor::red);
-    button->setBackgroundTintGradient(plain(NSColor::blue));
+    button->setBackgroundTintGradient(NSColor::blue.gradient());
     button->setBackgroundRadius(3);
     button->setNeedsDisplay(CGRect(500, 0, 15, 5)); // outside
     EXPECT_EQ(take(), "redraw redraw redraw ");
     const auto cell = button->tintedButtonCell();
     EXPECT_EQ(cell->imagePressedColor(), NSColor::red);
-    EXPECT_EQ(button->backgroundTintGradient(), plain(NSColor::blue));
+    EXPECT_EQ(button->backgroundTintGradient(), NSColor::blue.gradient());
     EXPECT_EQ(button->backgroundRadius(), 3);
     const auto other = NSButton::create();
     other->setCell(cell);
@@ -73,7 +62,8 @@ TEST_F(TintedButtonTest, PassesItsPropertiesToItsCell) {
     button->setImagePressedColor(NSColor::red);
     EXPECT_FALSE(button->imagePressedColor());
     EXPECT_EQ(take(), "");
-    EXPECT_EQ(TintedButtonCell::create(NSButtonCell::Image{square(4)})->imagePosition(),
+    EXPECT_EQ(TintedButtonCell::create(NSButtonCell::Image{NSImage::create(CGSize(4, 4))})
+                  ->imagePosition(),
               NSCellImagePosition::imageOnly);
     EXPECT_EQ(TintedButtonCell::create(NSButtonCell::Text{"t"})->title(), "t");
 }
@@ -105,7 +95,7 @@ TEST(TintedButtonCoding, ReplacesTheCellAndKeepsWhatWasSet) {
 
 TEST(TintedButtonBezel, HasRoundCornersThatFit) {
     const auto button = TintedButton::create({0, 0, 60, 20});
-    button->setBackgroundTintGradient(plain(NSColor::black));
+    button->setBackgroundTintGradient(NSColor::black.gradient());
     const auto shape = [&](std::optional<double> radius) {
         button->setBackgroundRadius(radius);
         return pixels(*button);
@@ -151,7 +141,7 @@ TEST_F(TintedButtonTest, GrowsByWhatItIsExpanded) {
     };
     const auto cell = std::make_shared<Cell>();
     cell->setTitle("a title much too long for its button");
-    cell->setImage(square(10));
+    cell->setImage(NSImage::create(CGSize(10, 10)));
     button->setCell(cell);
     const CGSize natural = button->intrinsicContentSize();
     window->layoutIfNeeded();
