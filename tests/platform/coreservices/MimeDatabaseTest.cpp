@@ -71,24 +71,23 @@ TEST_F(MimeDatabaseTest, GivesIdentifiersAndConformance) {
                     .value_or("none");
             };
             const auto declaration = UTTypeCopyDeclaration(type("tga"));
-            std::exit(
+            const bool holds =
                 type("TGA") == "org.freedesktop.mime.image.x-tga" &&
-                        type("jfif") == "public.jpeg" &&
-                        type("abc") == "org.freedesktop.mime.audio.a-b-c" &&
-                        UTTypeConformsTo(type("tga"), kUTTypeImage) &&
-                        UTTypeConformsTo(type("tga"), kUTTypeItem) &&
-                        !UTTypeConformsTo(type("tga"), kUTTypeJPEG) &&
-                        UTTypeConformsTo(type("abc"), kUTTypeAudio) &&
-                        UTTypeConformsTo(type("odx"), kUTTypeArchive) &&
-                        UTTypeConformsTo(type("loop"), "org.freedesktop.mime.application.x-pool") &&
-                        !UTTypeConformsTo(type("loop"), kUTTypeImage) &&
-                        UTTypeConformsTo("org.freedesktop.mime.image.jpeg", kUTTypeJPEG) &&
-                        UTTypeCopyDescription(type("tga")) == "TGA-Bild" &&
-                        UTTypeCopyDescription(kUTTypeJPEG) == "JPEG image" && declaration &&
-                        declaration->at("UTTypeConformsTo") ==
-                            PropertyList(PropertyList::Array{"public.image"})
-                    ? 0
-                    : 1);
+                type("jfif") == "public.jpeg" &&
+                type("abc") == "org.freedesktop.mime.audio.a-b-c" &&
+                UTTypeConformsTo(type("tga"), kUTTypeImage) &&
+                UTTypeConformsTo(type("tga"), kUTTypeItem) &&
+                !UTTypeConformsTo(type("tga"), kUTTypeJPEG) &&
+                UTTypeConformsTo(type("abc"), kUTTypeAudio) &&
+                UTTypeConformsTo(type("odx"), kUTTypeArchive) &&
+                UTTypeConformsTo(type("loop"), "org.freedesktop.mime.application.x-pool") &&
+                !UTTypeConformsTo(type("loop"), kUTTypeImage) &&
+                UTTypeConformsTo("org.freedesktop.mime.image.jpeg", kUTTypeJPEG) &&
+                UTTypeCopyDescription(type("tga")) == "TGA-Bild" &&
+                UTTypeCopyDescription(kUTTypeJPEG) == "JPEG image" && declaration &&
+                declaration->at("UTTypeConformsTo") ==
+                    PropertyList(PropertyList::Array{"public.image"});
+            std::exit(holds ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }

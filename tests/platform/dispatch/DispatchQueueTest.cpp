@@ -65,18 +65,18 @@ TEST(DispatchQueue, ConcurrentBlocksOverlapEvenWhenManyWaitForEachOther) {
     constexpr int waiting = 12;
     const auto finished = DispatchSemaphore::create(0);
     const auto known = DispatchSemaphore::create(0);
-    std::atomic<bool> open = false;
+    const auto open = std::make_shared<std::atomic<bool>>(false);
     for (const bool isKnown : {true, false}) {
         for (int i = 0; i < waiting; ++i)
-            queue->async([=, &open] {
-                isKnown ? known->wait() : open.wait(false);
+            queue->async([=] {
+                isKnown ? known->wait() : open->wait(false);
                 finished->signal();
             });
-        queue->async([=, &open] {
+        queue->async([=] {
             for (int i = 0; i < waiting && isKnown; ++i)
                 known->signal();
-            open = !isKnown;
-            open.notify_all();
+            if (!isKnown && !open->exchange(true))
+                open->notify_all();
         });
         for (int i = 0; i < waiting; ++i)
             ASSERT_TRUE(finished->wait(30s));
