@@ -15,9 +15,8 @@ INSTANTIATE_TEST_SUITE_P(Each, GoldenDatabase, testing::Range(1, Golden::count +
 
 TEST_P(GoldenDatabase, IsRead) {
     store_.reset();
-    std::filesystem::copy_file(GOLDEN "/golden-" + std::to_string(GetParam()) + ".settings",
-                               folder_.path() / "zorvan/suite.settings",
-                               std::filesystem::copy_options::overwrite_existing);
+    fs::copy_file(GOLDEN "/golden-" + std::to_string(GetParam()) + ".settings",
+                  folder_.path() / "zorvan/suite.settings", fs::copy_options::overwrite_existing);
     reopen();
     const Golden golden(GetParam());
     EXPECT_EQ(store().dictionaryRepresentation().size(), golden.checks.size());

@@ -34,11 +34,8 @@ std::string refusal(std::string_view text) {
 } // namespace
 
 TEST(JSONCoding, KeepsWhatItKnows) {
-    keeps(true, "true");
-    keeps(std::uint8_t{255}, "255");
     keeps(std::numeric_limits<std::int64_t>::min(), "-9223372036854775808");
     keeps(std::numeric_limits<std::uint64_t>::max(), "18446744073709551615");
-    keeps(0.1, "0.1");
     keeps(std::string("\n\u00e9"), "\"\\n\u00e9\"");
     keeps(Date(std::chrono::sys_days(std::chrono::year(2001) / 1 / 2)), "86400.0");
     keeps(Data{std::byte{0}, std::byte{0xFF}, std::byte{0x10}, std::byte{0x83}}, "\"AP8Qgw==\"");
@@ -73,9 +70,8 @@ TEST(JSONCoding, RefusesOtherTypes) {
 }
 
 TEST(JSON, RefusesWhatItCannotReadOrWrite) {
-    for (const char* text : {"", "[", "[1,]", "{\"a\"}", "\"\xFF\"", "nul", "1 2", "{} x"})
+    for (const char* text : {"", "[", "[1,]", "{\"a\"}", "\"\xFF\"", "nul", "1 2", "{} x", "1e999"})
         EXPECT_THROW(parsed(text), JSONError) << text;
-    EXPECT_THROW(parsed("1e999"), JSONError);
     const std::string deep(JSON::maximumDepth, '[');
     JSON nested = parsed(deep + '0' + std::string(JSON::maximumDepth, ']'));
     EXPECT_NO_THROW(nested.text());

@@ -9,7 +9,6 @@
 #include <zorvan/text/LaunchTracking.h>
 
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 
 using namespace zorvan;
@@ -33,8 +32,9 @@ struct Older {
 } // namespace
 
 int main(int argc, char** argv) {
-    older.isLate = argc == 2 && std::strcmp(argv[1], "late") == 0;
-    if (argc == 2 && std::strcmp(argv[1], "updated") == 0) {
+    const std::string word = argc == 2 ? argv[1] : "";
+    older.isLate = word == "late";
+    if (word == "updated") {
         const std::string file = argv[0], next = file + ".next";
         std::filesystem::copy_file(file, next);
         std::filesystem::rename(next, file);
@@ -52,11 +52,10 @@ int main(int argc, char** argv) {
         });
     for (int i = 1; i + 1 < argc; i += 2)
         store->setObject(argv[i + 1], argv[i]);
-    if (argc == 2 && std::strcmp(argv[1], "clear") == 0) {
+    if (word == "clear") {
         store->clearAllData();
         std::printf("%zu left\n", store->persistentDomainForName(store->domainName()).size());
-        return 0;
+    } else {
+        updateStatisticsAtLaunch(*store);
     }
-    updateStatisticsAtLaunch(*store);
-    return 0;
 }

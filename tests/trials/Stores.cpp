@@ -18,8 +18,6 @@ std::int64_t numberOf(std::string_view text) {
     return i >= 0 && text == content(i) ? i : damaged;
 }
 
-std::span<const std::byte> bytes(std::string_view text) { return std::as_bytes(std::span(text)); }
-
 void require(bool isDone) {
     if (!isDone)
         throw std::runtime_error("not stored");
@@ -91,7 +89,7 @@ std::vector<std::int64_t> foundSecrets(const fs::path& folder) {
 // Files that are written in one step.
 
 bool changeFile(const fs::path& folder, std::int64_t i) {
-    require(!internal::writeFile(folder / "file", bytes(content(i))));
+    require(!internal::writeFile(folder / "file", bytesOf(content(i))));
     return true;
 }
 

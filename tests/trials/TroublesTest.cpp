@@ -32,12 +32,6 @@ void fill(const fs::path& disk, bool isMounted, int freePages) {
     }
 }
 
-void empty(const fs::path& disk) {
-    fs::remove(disk / "filler");
-    const rlimit limit{RLIM_INFINITY, RLIM_INFINITY};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-}
-
 } // namespace
 
 using Troubles = StoreTest;
@@ -116,7 +110,7 @@ TEST_P(Troubles, OfAFullDiskAreTold) {
                 restore();
             fill(folder_, isMounted, pages);
             const bool isStored = takeStep(store_, folder_, 1);
-            empty(folder_);
+            fill(folder_, isMounted, 1000);
             goOn(store_, folder_, isStored ? 1 : 0);
             expectInChild([&] { goOn(store_, folder_, 1); });
             if (isStored && !testing::Test::HasFailure())

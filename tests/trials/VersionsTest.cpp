@@ -5,7 +5,7 @@
 
 #include <tests/platform/messagebus/Process.h>
 
-#include <zorvan/platform/security/SecBase.h>
+#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 
 #include <sqlite3.h>
 #include <sstream>
@@ -143,53 +143,48 @@ TEST_F(Versions, LoseNothingOfEachOther) {
     std::cout << ", none broken\n";
 }
 
-// While a process has it open.
-TEST_F(Versions, LeaveWhatIsNewer) {
-    const fs::path settings = folder_.path() / "a.settings";
-    const fs::path secrets = folder_.path() / "zorvan/secure-items/items.sqlite";
-    const auto raise = [&](int by) {
-        for (const fs::path& path : {settings, secrets}) {
-            int version = 0;
-            const auto take = [](void* to, int, char** values, char**) {
-                return *static_cast<int*>(to) = std::atoi(values[0]), 0;
-            };
-            sqlite3* database = nullptr;
-            sqlite3_open(path.c_str(), &database);
-            sqlite3_busy_timeout(database, 20'000);
-            sqlite3_exec(database, "PRAGMA user_version", take, &version, nullptr);
-            const std::string raising = "PRAGMA user_version = " + std::to_string(version + by);
-            EXPECT_EQ(sqlite3_exec(database, raising.c_str(), nullptr, nullptr, nullptr),
-                      SQLITE_OK);
-            sqlite3_close(database);
-        }
-    };
-    const auto contents = [&] {
-        return text(settings) + text(secrets) + text(secrets.string() + "-wal");
-    };
-    Version& version = versions_[0];
-    const auto hearUntil = [&](const auto& isEnough) {
-        int lines = 0;
-        while (!isEnough(version.told["settings"]) || !isEnough(version.told["secrets"]))
-            ASSERT_TRUE(hear(version, 60s) && ++lines < 10'000);
-    };
-    const auto isRefused = [](const Version::Told& told) { return told.refusals.size() > 4; };
-    start(version);
-    hearUntil([](const Version::Told& told) { return told.promises > 10; });
+namespace {
 
-    raise(1000);
-    hearUntil(isRefused);
-    const std::string before = contents();
-    version.told.clear();
-    hearUntil(isRefused);
+/// Of settings and of secrets.
+using OpenStores = StoreTest;
+
+INSTANTIATE_TEST_SUITE_P(Stores, OpenStores,
+                         testing::ValuesIn(stores().begin(), stores().begin() + 2), nameOf);
+
+/// Adds to the version that a database says it is of.
+void raise(const fs::path& path, int by) {
+    int version = 0;
+    const auto take = [](void* to, int, char** values, char**) {
+        return *static_cast<int*>(to) = std::atoi(values[0]), 0;
+    };
+    sqlite3* database = nullptr;
+    sqlite3_open(path.c_str(), &database);
+    sqlite3_exec(database, "PRAGMA user_version", take, &version, nullptr);
+    const std::string raising = "PRAGMA user_version = " + std::to_string(version + by);
+    EXPECT_EQ(sqlite3_exec(database, raising.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(database);
+}
+
+} // namespace
+
+TEST_P(OpenStores, LeaveWhatIsNewer) {
+    const bool isSettings = std::string_view(store_.name) == "settings";
+    const fs::path path =
+        before_ / (isSettings ? "a.settings" : "zorvan/secure-items/items.sqlite");
+    const auto contents = [&] { return text(path) + text(path.string() + "-wal"); };
     const std::string problem =
-        settings.string() + ": it was written by a newer version; changes are kept in memory";
-    EXPECT_THAT(version.told["settings"].refusals, testing::Each("refused: " + problem));
-    EXPECT_THAT(version.told["secrets"].refusals,
-                testing::Each("refused: " + std::to_string(errSecNotAvailable)));
-    EXPECT_EQ(version.told["settings"].promises + version.told["secrets"].promises, 0);
-    EXPECT_TRUE(contents() == before);
-    version.writer->end();
-    raise(-1000);
-    version.told.clear();
-    checkWith(version);
+        path.string() + ": it was written by a newer version; changes are kept in memory";
+    const pid_t process = startChild([&] {
+        store_.step(before_, 1);
+        raise(path, 1000);
+        EXPECT_FALSE(takeStep(store_, before_, 2));
+        const std::string before = contents();
+        for (int i = 0; i < 3; ++i)
+            EXPECT_FALSE(takeStep(store_, before_, 2));
+        EXPECT_TRUE(contents() == before);
+        EXPECT_TRUE(!isSettings || SettingsDatabase::open(path)->problem() == problem);
+        raise(path, -1000);
+        goOn(store_, before_, 1);
+    });
+    EXPECT_EQ(exitStatus(process), 0);
 }

@@ -128,11 +128,9 @@ private:
         switch (call.number) {
 #ifdef SYS_open
         case SYS_open:
-            addOpened(call.flag(1), static_cast<int>(call.result));
-            break;
 #endif
         case SYS_openat:
-            addOpened(call.flag(2), static_cast<int>(call.result));
+            addOpened(call.flag(call.number == SYS_openat ? 2 : 1), static_cast<int>(call.result));
             break;
         case SYS_write:
         case SYS_writev:

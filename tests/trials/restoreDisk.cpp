@@ -72,27 +72,17 @@ private:
 
     void play(const DiskEvent& event, bool isInOrder, bool isWaitedFor) {
         Item& item = items_[event.item];
-        switch (event.kind) {
-        case Kind::write: {
-            const std::size_t count =
-                isWaitedFor ? event.bytes.size() : surviving(event.bytes.size());
-            if (count == 0)
-                return;
-            item.bytes.resize(std::max(item.bytes.size(), std::size_t(event.offset) + count));
-            item.bytes.replace(event.offset, count, event.bytes, 0, count);
+        if (event.kind == Kind::names && (isWaitedFor || isInOrder))
+            changeNames(event);
+        if (event.kind == Kind::resize && (isWaitedFor || surviving(512) == 512))
+            item.bytes.resize(event.offset);
+        if (event.kind != Kind::write)
             return;
-        }
-        case Kind::resize:
-            if (isWaitedFor || surviving(512) == 512)
-                item.bytes.resize(event.offset);
+        const std::size_t count = isWaitedFor ? event.bytes.size() : surviving(event.bytes.size());
+        if (count == 0)
             return;
-        case Kind::synchronize:
-        case Kind::say:
-            return;
-        case Kind::names:
-            if (isWaitedFor || isInOrder)
-                changeNames(event);
-        }
+        item.bytes.resize(std::max(item.bytes.size(), std::size_t(event.offset) + count));
+        item.bytes.replace(event.offset, count, event.bytes, 0, count);
     }
 
     void changeNames(const DiskEvent& event) {

@@ -202,20 +202,6 @@ TEST_F(CustodyTest, TheProcessOutlivesTheBus) {
     EXPECT_EQ(ask(*running, "get a"), "2");
 }
 
-TEST_F(CustodyTest, ProcessesThatMeetAnEmptyKeyringAtOnceAllReadEverything) {
-    startBus();
-    startKeyring(Password::given);
-    std::vector<std::unique_ptr<Process>> peers;
-    for (int i = 0; i < 6; ++i) {
-        peers.push_back(peer());
-        peers.back()->tell("set item" + std::to_string(i) + " 1");
-    }
-    for (const auto& process : peers)
-        EXPECT_EQ(process->hear(), "0");
-    for (int i = 0; i < 6; ++i)
-        EXPECT_EQ(askNew("get item" + std::to_string(i)), "1");
-}
-
 TEST_F(CustodyTest, NoItemIsLostWhenTheKeyringDiesAtAnyMoment) {
     startBus();
     std::mt19937 random(3);

@@ -40,20 +40,6 @@ TEST_F(SeveralProcesses, WhatOneHasReadIsForgottenWhenAnotherWrites) {
     EXPECT_EQ(get(item("1")), absent);
 }
 
-TEST_F(SeveralProcesses, AWriterThatIsStoppedHoldsOthersUpForAWhileOnly) {
-    ASSERT_EQ(add("a", "1"), errSecSuccess);
-    sqlite3* lock = nullptr;
-    ASSERT_EQ(sqlite3_open(path("items.sqlite").c_str(), &lock), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(lock, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
-    const auto start = std::chrono::steady_clock::now();
-    const auto other = peer();
-    EXPECT_EQ(ask(*other, "get a"), "1"); // reading goes on
-    EXPECT_EQ(ask(*other, "add b 2"), std::to_string(errSecNotAvailable));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 12s);
-    sqlite3_close(lock);
-    EXPECT_EQ(ask(*other, "add b 2"), "0");
-}
-
 TEST_F(SeveralProcesses, AWriteThatFindsNoRoomChangesNothing) {
     // Files may not grow beyond 128 KiB, or 256, as the shell counts.
     Process cramped({"sh", "-c", "trap '' XFSZ; ulimit -f 256; exec " PEER}, environment);

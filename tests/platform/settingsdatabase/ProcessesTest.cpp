@@ -73,19 +73,21 @@ TEST_F(Processes, AgreeInTheEnd) {
         for (int i = 0; i < 1000; ++i) {
             const std::string key = std::to_string(random() % 10);
             const auto kind = random() % 50;
-            const bool stored = kind == 0 ? database->removeAll()
-                                : kind < 9
-                                    ? database->remove(key)
-                                    : database->set(key, static_cast<int>(seed) * 10'000 + i);
-            if (!stored || (i % 5 == 0 && !database->synchronize()))
+            bool isStored = kind == 0  ? database->removeAll()
+                            : kind < 9 ? database->remove(key)
+                                       : database->set(key, static_cast<int>(seed) * 10'000 + i);
+            if (i % 10 == 0)
+                isStored = database->set("large", std::string(20'000, 'x') + key) &&
+                           database->synchronize() && isStored;
+            if (!isStored)
                 return false;
         }
         return told_.empty();
     };
-    Child one([&] { return write(1); }), two([&] { return write(2); });
+    Child one([&] { return write(1); }), two([&] { return write(2); }),
+        three([&] { return write(3); });
     auto watcher = open(); // what it opened must not go along into the children
-    EXPECT_TRUE(one.end());
-    EXPECT_TRUE(two.end());
+    EXPECT_TRUE(one.end() && two.end() && three.end());
     const PropertyList::Dictionary seen = watcher->contents();
     watcher.reset();
     EXPECT_TRUE(inChild([&] { return open()->contents() == seen; }));
@@ -122,7 +124,7 @@ TEST_F(Processes, RemoveEverythingWhileAThreadReads) {
     const auto database = open();
     EXPECT_TRUE(inChild([&] { // which finds nothing that it could write
         removeFiles();
-        std::filesystem::create_directory(path_);
+        fs::create_directory(path_);
         std::thread reader([&] {
             for (int i = 2000; i > 0; --i)
                 database->value(std::to_string(i));
