@@ -236,15 +236,15 @@ TEST_F(TableHostTest, RowsAreAsHighAsTheTableSays) {
     table->noteHeightOfAllRowsChanged();
     EXPECT_EQ(widget().rowHeight(2), 60);
     EXPECT_EQ(widget().rowHeight(3), 24);
-    source->tall = 3;
+    source->tall = 0;
     source->items.insert(source->items.begin(), {-1});
     table->insertRows({0}, {});
-    EXPECT_EQ(widget().rowHeight(2), 24);
-    EXPECT_EQ(widget().rowHeight(3), 60);
+    EXPECT_EQ(widget().rowHeight(0), 60);
+    EXPECT_EQ(widget().rowHeight(3), 24);
     table->setRowHeight(30);
-    EXPECT_EQ(widget().rowHeight(2), 30);
-    table->setDelegate(nullptr);
     EXPECT_EQ(widget().rowHeight(3), 30);
+    table->setDelegate(nullptr);
+    EXPECT_EQ(widget().rowHeight(0), 30);
 }
 
 TEST_F(TableHostTest, ScrollsBothWays) {
