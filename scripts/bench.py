@@ -21,6 +21,7 @@ TREE = os.path.join(ROOT, "build/bench")
 PAGE = os.path.join(ROOT, "docs/performance.md")
 REPETITIONS = 9
 GROWTH = "growth-bench"
+BATCH = "bench-batch-export"  # that scripts/batch-bench.sh measures
 
 
 def output_of(*command):
@@ -33,7 +34,7 @@ def programs():
         folders[:] = sorted(name for name in folders if name != "CMakeFiles")
         for name in sorted(files):
             path = os.path.join(folder, name)
-            if os.access(path, os.X_OK) and not name.endswith(".so") and name != GROWTH:
+            if os.access(path, os.X_OK) and not name.endswith(".so") and name not in (GROWTH, BATCH):
                 yield path
 
 

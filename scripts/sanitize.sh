@@ -4,7 +4,7 @@
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 threaded='collections-test dispatch-test files-test graphics-test imageio-test interface-test launch-tracking-test
-media-images-test media-playback-test media-test messagebus-test observation-test qt-event-loop-test qt-host-test
+media-images-test media-playback-test media-test messagebus-test observation-test qt-host-test
 qt-models-test security-test settings-database-test settings-test trials-test'
 [ "${1:-}" != --threaded ] || { echo "$threaded"; exit 0; }
 

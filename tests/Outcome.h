@@ -1,12 +1,12 @@
 #pragma once
 
+#include <tests/files/ChildProcess.h>
 #include <tests/files/TemporaryFolder.h>
 
-#include <cstdlib>
 #include <fcntl.h>
-#include <spawn.h>
+#include <stdexcept>
 #include <string>
-#include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 /// How a program has ended, and what it wrote.
@@ -23,14 +23,11 @@ inline Outcome run(const std::vector<std::string>& command) {
     for (const std::string& word : command)
         words.push_back(const_cast<char*>(word.c_str()));
     words.push_back(nullptr);
-    posix_spawn_file_actions_t streams;
-    posix_spawn_file_actions_init(&streams);
-    for (const auto& [stream, file] : {std::pair(STDOUT_FILENO, &output), {STDERR_FILENO, &errors}})
-        posix_spawn_file_actions_addopen(&streams, stream, file->c_str(), O_CREAT | O_WRONLY, 0600);
-    pid_t child = 0;
-    int status = -1;
-    if (posix_spawnp(&child, words[0], &streams, nullptr, words.data(), environ) == 0)
-        waitpid(child, &status, 0);
-    posix_spawn_file_actions_destroy(&streams);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text(output), text(errors)};
+    const pid_t child = startChild([&] {
+        dup2(creat(output.c_str(), 0600), STDOUT_FILENO);
+        dup2(creat(errors.c_str(), 0600), STDERR_FILENO);
+        execvp(words[0], words.data());
+        throw std::runtime_error("there is no such program");
+    });
+    return {exitStatus(child), text(output), text(errors)};
 }

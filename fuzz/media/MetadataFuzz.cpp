@@ -33,7 +33,7 @@ void tryOut(std::span<const std::uint8_t> input) {
     const auto rest = std::as_bytes(input.subspan(1));
     const Data bytes(rest.begin(), rest.end());
     PropertyList::Dictionary properties;
-    switch (input[0] % 6) {
+    switch (input[0] % 5) {
     case 0:
         exifOrientation(bytes);
         addExifProperties(bytes, properties);
@@ -41,14 +41,12 @@ void tryOut(std::span<const std::uint8_t> input) {
         break;
     case 1:
         addPhotoshopProperties(bytes, properties);
-        break;
-    case 2:
         addIptcProperties(bytes, properties);
         break;
-    case 3:
+    case 2:
         attempt(bytes, [](ByteSource& source) { readJpegHeader(source); });
         break;
-    case 4:
+    case 3:
         attempt(bytes, [](ByteSource& source) { readPngHeader(source); });
         break;
     default:

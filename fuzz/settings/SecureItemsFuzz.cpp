@@ -3,7 +3,7 @@
 
 #include <fuzz/Fuzzing.h>
 #include <fuzz/ScratchFolder.h>
-#include <zorvan/platform/security/SecItem.h>
+#include <tests/platform/security/storedItems.h>
 #include <zorvan/platform/security/internal/ItemStore.h>
 
 #include <fstream>
@@ -21,11 +21,6 @@ PropertyList::Dictionary item(const char* account) {
     return {{kSecClass, kSecClassGenericPassword},
             {kSecAttrService, "service"},
             {kSecAttrAccount, account}};
-}
-
-PropertyList::Dictionary with(PropertyList::Dictionary query, const char* key, PropertyList value) {
-    query.insert_or_assign(key, std::move(value));
-    return query;
 }
 
 /// The database of two items, as a file; made once.

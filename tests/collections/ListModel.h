@@ -9,6 +9,22 @@ namespace listmodel {
 
 using Positions = std::set<std::int64_t>;
 
+/// Draws numbers below another, or 0 when there are none, and positions of a list.
+struct Lot {
+    std::int64_t operator()(std::size_t below) {
+        return static_cast<std::int64_t>(random() % std::max<std::size_t>(below, 1));
+    }
+    Positions positions(std::int64_t count) {
+        Positions some;
+        for (std::int64_t i = 0; i < count; ++i)
+            if ((*this)(3) == 0)
+                some.insert(i);
+        return some;
+    }
+
+    std::mt19937 random;
+};
+
 inline IndexSet indexSet(const Positions& members) {
     const std::vector<std::int64_t> list(members.begin(), members.end());
     return IndexSet::of(list);
@@ -58,6 +74,15 @@ void expectQueries(const List& list, const Positions& selected) {
         ASSERT_EQ(list.canSelectPrevious(step), size > 0 && *selected.begin() - step >= 0);
         ASSERT_EQ(list.canSelectNext(step), size > 0 && *selected.rbegin() + step <= count - 1);
     }
+}
+
+/// What a list gives as its first, its last and its only selected element.
+template <class Element>
+void expectSelected(const std::vector<Element>& all, const IndexSet& selection,
+                    const std::array<const Element*, 3>& given) {
+    const std::array places{selection.first(), selection.last(), selection.singleIndex()};
+    for (std::size_t i = 0; i < 3; ++i)
+        ASSERT_EQ(given[i], places[i] ? &all[static_cast<std::size_t>(*places[i])] : nullptr);
 }
 
 } // namespace listmodel

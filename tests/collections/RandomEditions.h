@@ -1,24 +1,20 @@
 #pragma once
 
-#include <zorvan/collections/SelectableArray.h>
+#include <tests/collections/ListModel.h>
 
-#include <random>
+#include <zorvan/collections/SelectableArray.h>
 
 namespace zorvan {
 
 /// Changes a list of numbers in one way or another.
 class RandomEditions {
 public:
-    explicit RandomEditions(unsigned seed) : random_(seed) {}
+    explicit RandomEditions(unsigned seed) : draw_{std::mt19937(seed)} {}
 
     void edit(SelectableArray<int>& list) {
-        IndexSet some;
-        for (std::int64_t i = 0; i < list.count(); ++i)
-            if (random_() % 3 == 0)
-                some.insert(i);
-        const auto place =
-            static_cast<std::int64_t>(random_() % static_cast<unsigned>(list.count() + 1));
-        switch (random_() % 6) {
+        const IndexSet some = listmodel::indexSet(draw_.positions(list.count()));
+        const std::int64_t place = draw_(list.elements().size() + 1);
+        switch (draw_(6)) {
         case 0:
         case 1:
             list.insert({next_, next_ + 1, next_ + 2}, place);
@@ -41,7 +37,7 @@ public:
     }
 
 private:
-    std::mt19937 random_;
+    listmodel::Lot draw_;
     int next_ = 0;
 };
 

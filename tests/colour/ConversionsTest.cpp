@@ -23,8 +23,7 @@ double curve(double t) {
 } // namespace
 
 TEST(RGB, RoundsAndClampsReals) {
-    EXPECT_EQ(RGB({.unitR = 0.5, .unitG = 1.2, .unitB = -1}), RGB(128, 255, 0));
-    EXPECT_EQ(RGB({.unitR = NAN, .unitG = INFINITY, .unitB = -INFINITY}), RGB(0, 255, 0));
+    EXPECT_EQ(RGB({.unitR = NAN, .unitG = INFINITY, .unitB = -1}), RGB(0, 255, 0));
     const double belowHalf = std::nextafter(0.5 / 255, 0.0);
     EXPECT_EQ(RGB({.unitR = belowHalf, .unitG = 0.5 / 255, .unitB = 254.5 / 255}), RGB(0, 1, 255));
 }
@@ -35,26 +34,6 @@ TEST(RGB, ReadsBytesWithinTheBuffer) {
     EXPECT_DEATH((void)RGB({.rgbPtr = buffer, .at = 2}),
                  "^RGB needs three bytes from index 2 on; there are . in all.\n$");
     EXPECT_DEATH((void)RGB({.rgbPtr = buffer, .at = SIZE_MAX}), "^RGB needs three bytes");
-}
-
-TEST(XYZ, KnownColours) {
-    const auto expectNear = [](std::array<double, 3> found, std::array<double, 3> wanted,
-                               double off) {
-        for (std::size_t i = 0; i < 3; ++i)
-            EXPECT_NEAR(found[i], wanted[i], off) << wanted[0];
-    };
-    struct {
-        RGB rgb;
-        std::array<double, 3> xyz, lab;
-    } table[] = {
-        {{255, 255, 255}, {95.05, 100, 108.9}, {100, 0.00526, -0.0104}},
-        {{0, 0, 255}, {18.05, 7.22, 95.05}, {32.3026, 79.1967, -107.8637}},
-        {{10, 10, 10}, {0.28850, 0.30353, 0.33054}, {2.7417, 0, 0}}, // both curves are linear here
-    };
-    for (const auto& [rgb, xyz, lab] : table) {
-        expectNear({rgb.xyz().x, rgb.xyz().y, rgb.xyz().z}, xyz, 1e-4);
-        expectNear({rgb.xyz().lab().l, rgb.xyz().lab().a, rgb.xyz().lab().b}, lab, 1e-3);
-    }
 }
 
 TEST(XYZ, FollowsTheFormulasToTheLastDigits) {
@@ -91,10 +70,8 @@ TEST(XYZ, CurveHoldsFarBeyondColours) {
 
 TEST(Conversions, ClampWhatIsOutOfGamut) {
     EXPECT_EQ(XYZ(200, 200, 200).rgb(), RGB(255, 255, 255));
-    EXPECT_EQ(XYZ(-5, -5, -5).rgb(), RGB(0, 0, 0));
-    EXPECT_EQ(XYZ(NAN, NAN, NAN).rgb(), RGB(0, 0, 0));
+    EXPECT_EQ(XYZ(-5, -5, NAN).rgb(), RGB(0, 0, 0));
     EXPECT_EQ(YUV(1, 1, 1).rgb(), RGB(255, 6, 255));
-    EXPECT_EQ(YUV(-1e300, 1e300, 0).rgb(), RGB(0, 0, 255));
 }
 
 TEST(Conversions, ComeBack) {
@@ -108,7 +85,7 @@ TEST(Conversions, ComeBack) {
                   1);
     }
     EXPECT_DOUBLE_EQ(YUV(RGB(255, 0, 0)).v, 0.615);
-    EXPECT_EQ(LAB(1, 2, 3).with({.a = 9}), LAB(1, 9, 3));
+    EXPECT_EQ(LAB(1, 2, 3).with({.l = 7}).with({.a = 8}).with({.b = 9}), LAB(7, 8, 9));
 }
 
 TEST(ConvertToLAB, EqualsTheSingleConversion) {

@@ -19,19 +19,14 @@ TEST(HexColour, Reads) {
         RGBA colour;
     } table[] = {
         {"#F80", {1, 8 / 15.0, 0, 1}},
-        {"#f80", {1, 8 / 15.0, 0, 1}},
-        {"#FF80", {1, 1, 8 / 15.0, 0}},
-        {"#FF8000", bytes(255, 128, 0)},
-        {"#FF800080", bytes(255, 128, 0, 128)},
-        {"#00000000", RGBA::clear},
+        {"#fF80", {1, 1, 8 / 15.0, 0}},
+        {"#FF800112", bytes(255, 128, 1, 18)},
         // What cannot be scanned still counts, and what was scanned is one number.
         {"#12345z", bytes(1, 0x23, 0x45)},
         {"#1zz", {0, 0, 1 / 15.0, 1}},
-        {"#0xF", {0, 0, 1, 1}},
-        {"#0XFF", {0, 0, 1, 1}},
+        {"#0XF", {0, 0, 1, 1}},
         {"#0x12Fa", bytes(0, 0x12, 0xFA)},
-        {"#0xz", {0, 0, 0, 1}}, // the number is the 0
-        {" #F8", {0, 1, 8 / 15.0, 1}},
+        {"#0xz", {0, 0, 0, 1}},           // the number is the 0
         {"\r\n#F8", {0, 1, 8 / 15.0, 1}}, // a line end is one character
         {"# F8", {0, 1, 8 / 15.0, 1}},
         {"#F\xC3\xA9z", {0, 0, 1, 1}}, // so is an accented letter
@@ -41,22 +36,17 @@ TEST(HexColour, Reads) {
         EXPECT_EQ(RGBA::make({.hexString = row.text}), row.colour) << row.text;
 }
 
-TEST(HexColour, IsAbsentWithoutTheSignOrADigit) {
-    testing::internal::CaptureStdout();
-    for (const std::string_view text :
-         {"", " ", "FF8000", "red", "#", "# ", "#xyz", "#+F80", "#-1", "##FF80", "\xC2\xA0#F80"})
-        EXPECT_EQ(RGBA::make({.hexString = text}), std::nullopt) << text;
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-}
-
-TEST(HexColour, PrintsWhyTheCountIsWrong) {
-    for (const std::string_view text : {"#F", "#FF", "#FF800", "#FF80000", "#FF8000800", " #FF8000",
-                                        "#FF8000 ", "#123456789ABCDEF0123456789ABCDEF0"}) {
-        testing::internal::CaptureStdout();
-        EXPECT_EQ(RGBA::make({.hexString = text}), std::nullopt) << text;
-        EXPECT_EQ(testing::internal::GetCapturedStdout(),
-                  "Invalid hex string, number of chars after '#' should be either 3, 4, 6 or 8\n");
-    }
+TEST(HexColour, IsAbsentAndOfAWrongCountPrintsWhy) {
+    const auto expectAbsent = [](std::initializer_list<const char*> texts, const char* printed) {
+        for (const char* text : texts) {
+            testing::internal::CaptureStdout();
+            EXPECT_EQ(RGBA::make({.hexString = text}), std::nullopt) << text;
+            EXPECT_EQ(testing::internal::GetCapturedStdout(), printed) << text;
+        }
+    };
+    expectAbsent({"", "FF8000", "#", "# ", "#xyz", "#+F80", "##FF80", "\xC2\xA0#F80"}, "");
+    expectAbsent({"#FF", "#FF800", "#FF80000", "#FF8000800", " #FF8000", "#FF8000 "},
+                 "Invalid hex string, number of chars after '#' should be either 3, 4, 6 or 8\n");
 }
 
 TEST(HexColour, Writes) {
@@ -64,11 +54,9 @@ TEST(HexColour, Writes) {
         RGBA colour;
         const char* text;
     } table[] = {
-        {{1, 0.5, 0, 1}, "#FF7F00"},
         {{1, 0.5, 0, 0.5}, "#FF7F007F"},
         {{1, 1, 1, std::nextafter(1.0, 0.0)}, "#FFFFFFFE"},
         {{1, 1, 1, std::nextafter(1.0, 2.0)}, "#FFFFFFFF"},
-        {{0, 0, 0, 0}, "#00000000"},
         {{2, 256, 17, 1}, "#1FEFF0010EF"},
         {{-1 / 255.0, 0, -0.001, 1}, "#FFFFFFFF0000"},
         {{NAN, INFINITY, -INFINITY, NAN}, "#00FFFFFFFF0000"},
@@ -80,21 +68,13 @@ TEST(HexColour, Writes) {
 TEST(HexColour, EveryByteSurvivesARoundTrip) {
     std::mt19937 random(9);
     for (int i = 0; i < 50000; ++i) {
-        const auto value = static_cast<std::uint32_t>(random());
-        char text[16];
-        const bool isOpaque = (value & 255) == 255;
-        std::snprintf(text, sizeof text, isOpaque ? "#%06X" : "#%08X",
-                      isOpaque ? value >> 8 : value);
-        const auto colour = RGBA::make({.hexString = text});
-        ASSERT_TRUE(colour) << text;
-        ASSERT_EQ(colour->hexString(), text);
-        const auto channel = [value](int shift) { return static_cast<int>(value >> shift & 255); };
-        ASSERT_EQ(*colour, bytes(channel(24), channel(16), channel(8), channel(0)));
+        const auto byte = [&random] { return static_cast<int>(random() & 255); };
+        const RGBA colour = bytes(byte(), byte(), byte(), byte());
+        ASSERT_EQ(RGBA::make({.hexString = colour.hexString()}), colour) << colour.hexString();
     }
 }
 
 TEST(ColourText, ComponentsInTheOrderOfTheName) {
-    EXPECT_EQ(RGBA::white.description(), "RGBA(1.0, 1.0, 1.0, 1.0)");
     EXPECT_EQ(RGBA({.r = 0.25, .g = 0.5, .b = 0.75, .a = 1}).description(),
               "RGBA(0.25, 0.5, 0.75, 1.0)");
     EXPECT_EQ(HSBA(0.1, 0.2, 0.3, NAN).description(), "HSBA(0.1, 0.2, 0.3, nan)");
@@ -104,9 +84,6 @@ TEST(ColourText, ComponentsInTheOrderOfTheName) {
 
 TEST(RGBA, StoresBlueBeforeGreen) {
     static_assert(offsetof(RGBA, b) < offsetof(RGBA, g));
-    const auto [first, second, third, last] = RGBA(0.1, 0.2, 0.3, 0.4);
-    EXPECT_EQ(first, 0.1);
-    EXPECT_EQ(second, 0.3);
-    EXPECT_EQ(third, 0.2);
-    EXPECT_EQ(last, 0.4);
+    const auto [r, b, g, a] = RGBA(0.1, 0.2, 0.3, 0.4);
+    EXPECT_THAT((std::array{r, g, b, a}), ElementsAre(0.1, 0.2, 0.3, 0.4));
 }

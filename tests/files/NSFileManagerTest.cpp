@@ -12,28 +12,10 @@ const NSFileManager& manager() { return *NSFileManager::defaultManager(); }
 std::string parent(const URL& url) { return url.deletingLastPathComponent().path(); }
 } // namespace
 
-TEST(NSFileManager, TellsWhatExists) {
-    TemporaryFolder folder;
-    folder.file("file");
-    folder.link("to-folder", ".");
-    folder.link("to-nothing", "nowhere");
-    for (const auto& [name, exist, isDir] : {std::tuple("", true, true),
-                                             {"file", true, false},
-                                             {"to-folder", true, true},
-                                             {"to-nothing", false, false},
-                                             {"file/inside", false, false}}) {
-        const auto found = manager().contentExists(folder.url(name));
-        EXPECT_EQ(found.exist, exist) << name;
-        EXPECT_EQ(found.isDir, isDir) << name;
-    }
-    EXPECT_FALSE(manager().contentExists(*URL::make({.string = "http://a/"})).exist);
-}
-
 TEST(NSFileManager, NamesTemporaryFiles) {
-    const URL model({.fileURLWithPath = "/a.b/c.tiff"});
+    const URL model = manager().temporaryURL({.pathExt = "tiff"});
     EXPECT_EQ(manager().temporaryURL().path().find('.'), std::string::npos);
     EXPECT_NE(manager().temporaryURL(), manager().temporaryURL());
-    EXPECT_EQ(manager().temporaryURL({.pathExt = "jpg"}).pathExtension(), "jpg");
     EXPECT_EQ(manager().temporaryURL({.for_ = model}).pathExtension(), "tiff");
     for (const auto& [value, folder] :
          {std::pair{"/var/scratch/", "/var/scratch"}, {"relative", "/tmp"}, {"", "/tmp"}}) {
@@ -53,17 +35,14 @@ TEST(NSFileManager, MakesAFolderForTheTemporaryFilesOfABundle) {
 
     const URL url = manager().temporaryURL({.pathExt = "jpg", .bundle = named});
     EXPECT_EQ(parent(url), folder.url("deep/tmp/org.example.a").path());
-    EXPECT_EQ(url.pathExtension(), "jpg");
     EXPECT_EQ(manager().temporaryURL({.for_ = url, .bundle = named}).pathExtension(), "jpg");
     EXPECT_EQ(fs::status(parent(url)).permissions(), fs::perms::owner_all);
     const std::string a = parent(manager().temporaryURL({.pathExt = "", .bundle = plain}));
-    EXPECT_TRUE(fs::is_directory(a));
     EXPECT_NE(a, parent(manager().temporaryURL({.pathExt = "", .bundle = plain})));
 }
 
 TEST(NSFileManager, KnowsTheFoldersOfTheProgram) {
     EXPECT_EQ(manager().noSandboxHomePath(), "/Users/" + NSUserName() + "/");
-    EXPECT_EQ(manager().noSandboxHomeURL().path() + "/", manager().noSandboxHomePath());
     EXPECT_EQ(manager().noSandboxBundleSupportDirectoryURL()->path(),
               "/Users/" + NSUserName() + "/Library/Application Support/Files Test");
 
@@ -83,6 +62,8 @@ TEST(NSFileManager, KnowsTheFoldersOfTheProgram) {
     EXPECT_TRUE(fs::is_directory(folder.path() / "data/Files Test/a/b"));
     folder.file("data/Files Test/file");
     EXPECT_FALSE(manager().createBundleSupportDirectoryWithComponent("file"));
+    for (const URL& url : {folder.url("data/Files Test/file"), *URL::make({.string = "http://a/"})})
+        EXPECT_THROW(manager().createDirectory(url), fs::filesystem_error);
 }
 
 // The test without its bundle, as a program of another name.
@@ -104,29 +85,13 @@ TEST(NSFileManager, HasNoFoldersForAProgramWithoutABundleName) {
     EXPECT_EQ(exitStatus(child), 0);
 }
 
-TEST(NSFileManager, CreatesDirectories) {
-    TemporaryFolder folder;
-    folder.file("file");
-    EXPECT_EQ(manager().createDirectory(folder.url("a/b")), folder.url("a/b"));
-    EXPECT_EQ(manager().createDirectory(folder.url("a/b")), folder.url("a/b"));
-    EXPECT_EQ(manager().createDirectory(folder.url("a"), "c/d"), folder.url("a/c/d"));
-    EXPECT_EQ(manager().createDirectory(folder.url("e"), ""), folder.url("e"));
-    for (const char* name : {"a/b", "a/c/d", "e"})
-        EXPECT_TRUE(fs::is_directory(folder.path() / name)) << name;
-    for (const URL& url :
-         {folder.url("file"), folder.url("file/x"), *URL::make({.string = "http://a/b"})})
-        EXPECT_THROW(manager().createDirectory(url), fs::filesystem_error);
-}
-
 TEST(NSFileManager, ReadsAttributes) {
     TemporaryFolder folder;
-    for (const auto& [size, units] :
-         {std::pair{0, 0}, {1023, 0}, {1024, 1}, {2048, 2}, {3071, 2}}) {
-        folder.file("file", std::string(static_cast<std::size_t>(size), 'x'));
-        EXPECT_EQ(manager().sizeInMoOfItem(folder.url("file")), units) << size;
+    folder.file("file", "");
+    for (const std::int64_t units : {std::int64_t{1}, std::int64_t{5} << 20}) {
+        fs::resize_file(folder.path() / "file", static_cast<std::uintmax_t>(units * 1024 + 1023));
+        EXPECT_EQ(manager().sizeInMoOfItem(folder.url("file")), units);
     }
-    fs::resize_file(folder.path() / "file", std::uintmax_t{5} << 30);
-    EXPECT_EQ(manager().sizeInMoOfItem(folder.url("file")), 5 << 20);
 
     const std::string path = folder.url("file").path();
     const auto setDate = [&](time_t seconds, long nanoseconds) {
@@ -140,7 +105,6 @@ TEST(NSFileManager, ReadsAttributes) {
     setDate(-5, 250'000'000);
     EXPECT_EQ(manager().modifyDateForFile(folder.url("file")), Date(milliseconds(-4750)));
     // Later than a moment can be: the last one, not one long past.
-    setDate(time_t{1} << 33, 0);
     setDate(time_t{13} << 30, 0);
     EXPECT_GT(*manager().modifyDateForFile(folder.url("file")), Date(hours(24 * 365 * 290)));
 
@@ -150,9 +114,7 @@ TEST(NSFileManager, ReadsAttributes) {
     EXPECT_EQ(date ? floor<seconds>(date->time_since_epoch()).count() : 0, created);
 
     folder.link("link", "file");
-    folder.link("broken", "nowhere");
     EXPECT_EQ(manager().sizeInMoOfItem(folder.url("link")), 0);
-    EXPECT_TRUE(manager().modifyDateForFile(folder.url("broken")));
     for (const URL& url : {folder.url("missing"), *URL::make({.string = "http://a/b"})}) {
         EXPECT_FALSE(manager().sizeInMoOfItem(url));
         EXPECT_FALSE(manager().modifyDateForFile(url));
@@ -162,24 +124,13 @@ TEST(NSFileManager, ReadsAttributes) {
 
 TEST(NSFileManager, SearchesFilesInTheOrderOfTheList) {
     TemporaryFolder folder;
-    folder.file("b.2020/sub/x");
-    folder.file("b.2020/.hidden");
-    folder.file("p.app/inner");
-    folder.file("a.txt");
-    folder.link("to-file", "a.txt");
-    folder.link("to-folder", "p.app");
-    folder.link("broken", "nowhere");
+    folder.make({"b.2020/sub/x", "b.2020/.hidden", "p.app/inner", "a.txt", "to-file -> a.txt",
+                 "to-folder -> p.app", "broken -> nowhere"});
+    EXPECT_TRUE(manager().contentExists(folder.url("to-folder")).exist);
     const std::vector<URL> roots{folder.url("to-folder"), folder.url("broken"),
                                  folder.url("to-file"), folder.url("b.2020")};
     EXPECT_THAT(folder.relative(manager().searchFiles(roots)),
                 ElementsAre("p.app/inner", "a.txt", "b.2020/sub"));
     EXPECT_THAT(folder.relative(manager().searchFiles(roots, {.recursive = true})),
                 ElementsAre("p.app/inner", "a.txt", "b.2020/sub", "b.2020/sub/x"));
-    constexpr auto everything = NSDirectoryEnumerationOptions::none;
-    const auto hidden = manager().enumerator(folder.url("b.2020"), everything);
-    std::size_t count = 0;
-    while (hidden->nextObject())
-        ++count;
-    EXPECT_EQ(count, 3u);
-    EXPECT_FALSE(manager().enumerator(folder.url("a.txt"), everything));
 }

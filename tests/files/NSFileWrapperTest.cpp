@@ -18,9 +18,7 @@ std::vector<std::string> names(const NSFileWrapper& folder) {
 TEST(NSFileWrapper, ReadsAFolderOrMakesOne) {
     TemporaryFolder folder;
     folder.file("doc/text", "words");
-    folder.file("doc/sub/inner", "");
-    folder.link("doc/link", "text");
-    folder.link("to-doc", "doc");
+    folder.make({"doc/sub/inner", "doc/link -> text", "to-doc -> doc"});
     mkfifo((folder.path() / "doc/pipe").c_str(), 0600);
     for (const char* name : {"doc", "to-doc"}) {
         const auto wrapper = NSFileWrapper::create({.url = folder.url(name)});
@@ -46,10 +44,8 @@ TEST(NSFileWrapper, ReadsAFolderOrMakesOne) {
 
 TEST(NSFileWrapper, WritesWhatWasReadAndChanged) {
     TemporaryFolder folder;
-    folder.file("doc/old", "old");
-    folder.file("doc/dropped");
-    folder.file("doc/run", "#!");
-    chmod((folder.path() / "doc/run").c_str(), 0755);
+    folder.make({"doc/old", "doc/dropped", "doc/run", "file"});
+    folder.setMode("doc/run", 0755);
     const auto wrapper = NSFileWrapper::create({.url = folder.url("doc")});
     wrapper->removeFileWrapper(wrapper->fileWrappers().at("dropped"));
     for (const char* name : {"old", "old (0)"}) {
@@ -65,12 +61,11 @@ TEST(NSFileWrapper, WritesWhatWasReadAndChanged) {
     link->setPreferredFilename("link");
     sub->addFileWrapper(link);
 
-    folder.file("file");
     for (const char* place : {"doc", "file", "new"}) {
         wrapper->write(folder.url(place));
         const auto read = NSFileWrapper::create({.url = folder.url(place)});
         EXPECT_THAT(names(*read), ElementsAre("old", "old (0)", "old (1)", "run", "sub")) << place;
-        EXPECT_EQ(read->fileWrappers().at("old")->regularFileContents(), bytesOf("old"));
+        EXPECT_EQ(read->fileWrappers().at("old")->regularFileContents(), bytesOf("x"));
         EXPECT_EQ(read->fileWrappers().at("old (1)")->regularFileContents(), bytesOf("old (0)"));
         EXPECT_EQ(fs::status(folder.path() / place / "run").permissions(), fs::perms(0755));
         EXPECT_EQ(fs::read_symlink(folder.path() / place / "sub/link"), "../old");

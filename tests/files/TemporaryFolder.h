@@ -61,6 +61,16 @@ public:
     void link(const std::string& name, const std::string& target) const {
         std::filesystem::create_symlink(target, path_ / name);
     }
+    /// Files that hold "x", folders, whose names end in "/", and links as "name -> target".
+    void make(const std::vector<std::string>& items) const {
+        for (const std::string& item : items) {
+            const std::size_t arrow = item.find(" -> ");
+            if (arrow != item.npos)
+                link(item.substr(0, arrow), item.substr(arrow + 4));
+            else
+                item.ends_with('/') ? folder(item) : file(item);
+        }
+    }
     void setMode(const std::string& name, unsigned mode) const {
         std::filesystem::permissions(path_ / name, std::filesystem::perms(mode));
     }

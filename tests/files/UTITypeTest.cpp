@@ -8,7 +8,6 @@ TEST(UTIType, ConstantsHaveTheirIdentifiers) {
         {UTIType::cppSource(), "public.c-plus-plus-source"},
         {UTIType::objCPPSource(), "public.objective-c-plus-plus-source"},
         {UTIType::cppHeader(), "public.c-plus-plus-header"},
-        {UTIType::cSource(), "public.c-source"},
         {UTIType::qtMovie(), "com.apple.quicktime-movie"},
         {UTIType::quickTimeImage(), "com.apple.quicktime-image"},
         {UTIType::mP3(), "public.mp3"},
@@ -18,6 +17,7 @@ TEST(UTIType, ConstantsHaveTheirIdentifiers) {
         {UTIType::flatRTFD(), "com.apple.flat-rtfd"},
         {UTIType::inkText(), "com.apple.ink.inktext"},
         {UTIType::content(), "public.content"},
+        {UTIType::cSource(), "public.c-source"},
         {UTIType::javaSource(), "com.sun.java-source"},
     };
     for (const auto& [type, identifier] : table)

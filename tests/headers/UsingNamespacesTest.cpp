@@ -14,12 +14,9 @@ using namespace zorvan;
 
 TEST(UsingNamespaces, LeavesPlainCallsToTheCLibrary) {
     const std::int64_t two = 2;
-    EXPECT_EQ(pow(2, -1), 0.5);
     EXPECT_EQ(pow(two, -1), 0.5);
     EXPECT_EQ(zorvan::pow(2, -1), 0);
-    EXPECT_EQ(zorvan::pow(two, 10), 1024);
-    EXPECT_EQ(abs(-2.5), 2.5);
-    EXPECT_EQ(max(two, two + 1), 3);
+    EXPECT_EQ(abs(-2.5) + round(2.45, 1), 5);
     EXPECT_EQ(&max(two, two), &two); // a reference, as from the standard one
     set(NSColor::red);               // on no context
 }

@@ -320,4 +320,17 @@ TEST_F(TableHostTest, OutlivesSourcesThatLieAndThrow) {
     EXPECT_EQ(model().rowCount(), 0);
 }
 
+TEST_F(TableHostTest, KeepsIndexesOfAsManyRowsAsItShows) {
+    constexpr int most = 1 << 24;
+    table->setDelegate(nullptr);
+    source->lie = most - 1;
+    table->reloadData();
+    const QPersistentModelIndex last = at(most - 2);
+    for (const int row : {most - 1, -1}) {
+        ++source->lie;
+        table->insertRows({0}, {});
+        EXPECT_EQ(last.row(), row);
+    }
+}
+
 } // namespace

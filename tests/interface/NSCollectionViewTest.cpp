@@ -1,3 +1,4 @@
+#include <tests/Listener.h>
 #include <tests/Testing.h>
 #include <tests/collections/RandomEditions.h>
 
@@ -72,7 +73,6 @@ TEST(NSCollectionView, ShowsEditionsByTheCallsThatFit) {
         shown.view->reloadEditedData(row.edition);
         EXPECT_EQ(shown.calls, row.calls);
         EXPECT_EQ(shown.recorder->updates, row.updates);
-        EXPECT_EQ(shown.view->numberOfItems(0), row.count);
     }
 }
 
@@ -127,8 +127,10 @@ TEST(NSCollectionView, RegistersNibsByIdentifier) {
     EXPECT_FALSE(shown.view->nib(NSCollectionView::sectionHeader, "photo"));
 }
 
-TEST(NSCollectionView, FindsItemsInARectangle) {
+TEST(NSCollectionView, PlacesItemsAndTheirViews) {
     Fixture shown(7);
+    const auto item = shown.view->view({5, 0}, true);
+    EXPECT_EQ(item->frame(), CGRect()) << "without a layout";
     EXPECT_TRUE(shown.view->indexPathsForItems(CGRect(0, 0, 1000, 1000)).empty());
     shown.view->setFrame(CGRect(0, 0, 170, 100));
     shown.view->setCollectionViewLayout(
@@ -145,27 +147,30 @@ TEST(NSCollectionView, FindsItemsInARectangle) {
     for (const auto& row : table)
         EXPECT_EQ(shown.view->indexPathsForItems(row.rect), row.items)
             << row.rect.x() << ", " << row.rect.y();
+    EXPECT_EQ(item->frame(), CGRect(120, 60, 50, 50));
+    EXPECT_EQ(shown.view->view({1, 0}, true)->frame(), CGRect(60, 0, 50, 50));
+    shown.view->setFrame({0, 0, 400, 100});
+    EXPECT_EQ(item->frame(), CGRect(300, 0, 50, 50));
+    shown.source->count = 6;
+    shown.view->deleteItems({{0, 0}});
+    EXPECT_EQ(item->frame(), CGRect(240, 0, 50, 50)) << "with the item";
 }
 
 TEST(NSCollectionView, ShowsManagedListEditions) {
-    const std::vector<int> nine{9};
     const IndexSet first{0, 1}, middle{1, 2}, ends{0, 2};
-    const auto isLarge = [](int item) { return item > 1; };
     const auto list = ManagedList<int>::create({0, 1, 2, 3});
     Fixture shown(4);
-    const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
-        NSNotificationName(ManagedList<int>::didReloadNotification), list, nullptr,
-        [&](const Notification& note) {
-            shown.source->count = list->count();
-            ManagedList<int>::ViewReloader(*ManagedList<int>::edition(note)).reload(*shown.view);
-        });
+    const Listener did(ManagedList<int>::didReloadNotification, list, [&](const auto& note) {
+        shown.source->count = list->count();
+        ManagedList<int>::ViewReloader(*ManagedList<int>::edition(note)).reload(*shown.view);
+    });
     struct {
         std::function<void()> change;
         Calls calls;
         Updates updates;
     } table[] = {
         {[&] { list->setSelection(middle); }, {"select"}, {}},
-        {[&] { list->insert(nine, 0); },
+        {[&] { list->insert({9}, 0); },
          {"animated batch", "select", "select"},
          {.inserted = {{0, 0}}}},
         {[&] { list->remove(ends); }, {"animated batch"}, {.deleted = {{0, 0}, {2, 0}}}},
@@ -173,32 +178,12 @@ TEST(NSCollectionView, ShowsManagedListEditions) {
          {"animated batch", "select"},
          {.moved = {{{0, 0}, {1, 0}}, {{1, 0}, {2, 0}}}}},
         {[&] { list->reverseOrder(); }, {"reload", "select"}, {}},
-        {[&] { list->setFilter(isLarge); }, {"reload", "select"}, {}},
+        {[&] { list->setFilter([](int item) { return item > 1; }); }, {"reload", "select"}, {}},
     };
     for (const auto& row : table) {
-        shown.calls.clear();
-        shown.recorder->updates = {};
         row.change();
-        EXPECT_EQ(shown.calls, row.calls);
-        EXPECT_EQ(shown.recorder->updates, row.updates);
+        EXPECT_EQ(std::exchange(shown.calls, {}), row.calls);
+        EXPECT_EQ(std::exchange(shown.recorder->updates, {}), row.updates);
         EXPECT_EQ(shown.view->selectionIndexPaths(), list->selection().mapToIndexPaths());
-        EXPECT_EQ(shown.view->numberOfItems(0), list->count());
     }
-    NSNotificationCenter::defaultCenter()->removeObserver(observer);
-}
-
-TEST(NSCollectionView, PlacesTheViewsOfItsItems) {
-    Fixture shown(9);
-    const auto item = shown.view->view({5, 0}, true);
-    EXPECT_EQ(item->frame(), CGRect()) << "without a layout";
-    shown.view->setFrame({0, 0, 100, 100});
-    shown.view->setCollectionViewLayout(
-        std::make_shared<NSCollectionViewFlowLayout>(CGSize(40, 20), 10));
-    EXPECT_EQ(item->frame(), CGRect(50, 60, 40, 20));
-    EXPECT_EQ(shown.view->view({1, 0}, true)->frame(), CGRect(50, 0, 40, 20));
-    shown.view->setFrame({0, 0, 300, 100});
-    EXPECT_EQ(item->frame(), CGRect(250, 0, 40, 20));
-    shown.source->count = 8;
-    shown.view->deleteItems({{0, 0}});
-    EXPECT_EQ(item->frame(), CGRect(200, 0, 40, 20)) << "with the item";
 }

@@ -14,9 +14,9 @@ AVAssetImageGenerator generator(const URL& movie, bool isExact) {
 }
 
 TEST(AVAssetImageGenerator, GivesThePictureOfATime) {
-    const std::tuple<double, int, int> table[] = {
-        {0, 0, 0},     {0.039, 0, 0},  {1, 25, 25},    {1.0399, 25, 25}, {1.04, 26, 25},
-        {2.5, 62, 50}, {3.97, 99, 75}, {1000, 99, 75}, {-5, 0, 0},       {1e300, 99, 75}};
+    const std::tuple<double, int, int> table[] = {{0.039, 0, 0},  {1, 25, 25}, {1.0399, 25, 25},
+                                                  {2.5, 62, 50},  {-5, 0, 0},  {3.97, 99, 75},
+                                                  {1e300, 99, 75}};
     // The last has no index, and starts at another time than zero.
     for (const std::string container : {"mp4", "mkv", "ts"}) {
         const URL movie = testmovies::numbers("grabbed", {.container = container});
@@ -32,19 +32,16 @@ TEST(AVAssetImageGenerator, GivesThePictureOfATime) {
                 EXPECT_NEAR(time.seconds(), number / 25.0, 1e-3) << container << seconds;
             }
     }
-    const auto [image, time] =
-        generator(testmovies::url("grabbed.mp4"), true).copyCGImage(kCMTimeIndefinite);
-    EXPECT_EQ(testmovies::numberOf(image->bitmap()), 0);
 }
 
 TEST(AVAssetImageGenerator, TurnsAndReduces) {
     // Red, green, blue and white quarters: above left, above right, below left, below right.
     const URL movie = testmovies::make(
         "quarters.mp4",
-        {"-f", "lavfi", "-i",
-         "color=red:s=64x32[a];color=lime:s=64x32[b];color=blue:s=64x32[c];color=white:s=64x32[d];"
-         "[a][b]hstack[e];[c][d]hstack[f];[e][f]vstack,trim=end_frame=5",
-         "-vf", "setsar=3/2", "-c:v", "libx264", "-pix_fmt", "yuv444p"});
+        "-f lavfi -i "
+        "color=red:s=64x32[a];color=lime:s=64x32[b];color=blue:s=64x32[c];color=white:s=64x32[d];"
+        "[a][b]hstack[e];[c][d]hstack[f];[e][f]vstack,trim=end_frame=5"
+        " -vf setsar=3/2 -c:v libx264 -pix_fmt yuv444p");
     struct {
         std::array<double, 6> matrix;
         const char* corners; // in the order above
@@ -78,20 +75,15 @@ TEST(AVAssetImageGenerator, TurnsAndReduces) {
 
 TEST(AVAssetImageGenerator, KeepsTheColoursOfEveryKindOfMovie) {
     // Large movies that do not say what their colours mean mean others than small ones.
-    for (const auto& [size, options] :
-         std::vector<std::pair<std::string, std::vector<std::string>>>{
-             {"64x48", {"-vf", "scale=out_color_matrix=bt601", "-pix_fmt", "yuv420p"}},
-             {"1280x720", {"-vf", "scale=out_color_matrix=bt709", "-pix_fmt", "yuv420p"}},
-             {"64x49",
-              {"-pix_fmt", "yuvj444p", "-vf", "scale=out_color_matrix=bt709:out_range=pc",
-               "-colorspace", "bt709", "-color_range", "pc"}}}) {
-        std::vector<std::string> arguments{
-            "-f",   "lavfi",   "-i",  "color=0xC86432:s=" + size + ":d=0.1",
-            "-c:v", "libx264", "-qp", "0"};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        const auto image = generator(testmovies::make("colour" + size + ".mp4", arguments), true)
-                               .copyCGImage(kCMTimeZero)
-                               .image;
+    for (const auto& [size, options] : std::map<std::string, std::string>{
+             {"64x48", "-vf scale=out_color_matrix=bt601 -pix_fmt yuv420p"},
+             {"1280x720", "-vf scale=out_color_matrix=bt709 -pix_fmt yuv420p"},
+             {"64x49", "-pix_fmt yuvj444p -vf scale=out_color_matrix=bt709:out_range=pc "
+                       "-colorspace bt709 -color_range pc"}}) {
+        const URL movie =
+            testmovies::make("colour" + size + ".mp4", "-f lavfi -i color=0xC86432:s=" + size +
+                                                           ":d=0.1 -c:v libx264 -qp 0 " + options);
+        const auto image = generator(movie, true).copyCGImage(kCMTimeZero).image;
         ASSERT_TRUE(image) << size;
         const std::uint32_t pixel = pixelAt(*image, 20, 20);
         for (const auto& [shift, value] : {std::pair(0, 0xC8), {8, 0x64}, {16, 0x32}, {24, 255}})
@@ -107,7 +99,7 @@ TEST(AVAssetImageGenerator, GivesNothingOrAPictureOfWhatIsDamaged) {
         return isPicture;
     };
     testmovies::write("text.mp4", "no movie");
-    testmovies::make("sound.m4a", {"-f", "lavfi", "-i", "sine=d=0.5"});
+    testmovies::make("sound.m4a", "-f lavfi -i sine=d=0.5");
     for (const char* name : {"text.mp4", "sound.m4a", "missing.mp4"})
         EXPECT_FALSE(grab(testmovies::url(name))) << name;
     EXPECT_FALSE(grab(*URL::make({.string = "http://127.0.0.1:9/movie.mp4"})));
@@ -116,9 +108,9 @@ TEST(AVAssetImageGenerator, GivesNothingOrAPictureOfWhatIsDamaged) {
             .copyCGImage(kCMTimeZero)
             .image);
 
-    testmovies::numbers("sound", {.count = 30, .options = {"-movflags", "+faststart"}});
-    const std::string bytes = testmovies::read("sound.mp4");
-    EXPECT_TRUE(grab(testmovies::url("sound.mp4")));
+    testmovies::numbers("whole", {.count = 30, .options = "-movflags +faststart"});
+    const std::string bytes = testmovies::read("whole.mp4");
+    EXPECT_TRUE(grab(testmovies::url("whole.mp4")));
     std::minstd_rand random(7);
     for (int round = 0; round < 60; ++round) {
         std::string damaged = round % 3 == 0 ? bytes.substr(0, random() % bytes.size()) : bytes;

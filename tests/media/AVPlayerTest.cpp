@@ -32,12 +32,9 @@ bool finishes(const std::function<void(AVPlayer::Completion)>& start) {
     return result.value_or(false);
 }
 
-bool seekTo(AVPlayer& player, const CMTime& time) {
-    return finishes([&](auto done) { player.seekAccurately(time, std::move(done)); });
-}
-
 bool seekTo(AVPlayer& player, double seconds) {
-    return seekTo(player, CMTime({.seconds = seconds}));
+    return finishes(
+        [&](auto done) { player.seekAccurately(CMTime({.seconds = seconds}), std::move(done)); });
 }
 
 bool stepBy(AVPlayer& player, std::int64_t count) {
@@ -53,10 +50,8 @@ TEST(AVPlayer, SeeksToThePictureOfATimeOrAKeyPictureBefore) {
     struct {
         double seconds;
         int exact, key;
-    } const table[] = {{1, 25, 25},    {1.01, 25, 25}, {1.0399, 25, 25}, {1.04, 26, 25},
-                       {0, 0, 0},      {0.039, 0, 0},  {3.97, 99, 75},   {-5, 0, 0},
-                       {2.5, 62, 50},  {2.52, 63, 50}, {1.9, 47, 25},    {2.7, 67, 50},
-                       {1000, 99, 75}, {3.99, 99, 75}};
+    } const table[] = {{1, 25, 25}, {1.0399, 25, 25}, {1.04, 26, 25}, {0, 0, 0},
+                       {-5, 0, 0},  {2.5, 62, 50},    {1.9, 47, 25},  {INFINITY, 99, 75}};
     for (const auto& [seconds, exact, key] : table) {
         EXPECT_TRUE(seekTo(*player, seconds));
         EXPECT_EQ(shownNumber(*player), exact) << seconds;
@@ -66,12 +61,8 @@ TEST(AVPlayer, SeeksToThePictureOfATimeOrAKeyPictureBefore) {
         }));
         EXPECT_EQ(shownNumber(*player), key) << seconds;
     }
-    ASSERT_TRUE(seekTo(*player, 1));
-    for (const CMTime& time : {kCMTimeInvalid, kCMTimeIndefinite})
-        EXPECT_FALSE(seekTo(*player, time));
-    EXPECT_EQ(shownNumber(*player), 25);
-    EXPECT_TRUE(seekTo(*player, kCMTimePositiveInfinity));
-    EXPECT_EQ(shownNumber(*player), 99);
+    EXPECT_FALSE(seekTo(*player, NAN));
+    EXPECT_EQ(shownNumber(*player), 75);
 }
 
 TEST(AVPlayer, AccurateSeeksKeepToThePicturesOfFractionalRates) {
@@ -96,10 +87,9 @@ TEST(AVPlayer, AccurateSeeksKeepToThePicturesOfFractionalRates) {
 TEST(AVPlayer, AccurateSeeksKeepToPicturesOfUnequalLength) {
     // The odd pictures come 16 ms late, so that the even ones last 56 ms and the odd ones 24.
     const auto player = readyPlayer(testmovies::numbers(
-        "unequal",
-        {.count = 50,
-         .options = {"-vf", "settb=1/90000,setpts=(N+mod(N\\,2)*0.4)/25/TB", "-fps_mode", "vfr",
-                     "-enc_time_base", "1/90000", "-video_track_timescale", "90000"}}));
+        "unequal", {.count = 50,
+                    .options = "-vf settb=1/90000,setpts=(N+mod(N\\,2)*0.4)/25/TB -fps_mode vfr "
+                               "-enc_time_base 1/90000 -video_track_timescale 90000"}));
     for (const auto& [seconds, number] :
          {std::pair(0.41, 10), {0.45, 10}, {0.457, 11}, {0.479, 11}, {0.481, 12}, {1.83, 45}}) {
         EXPECT_TRUE(seekTo(*player, seconds));
@@ -129,12 +119,9 @@ TEST(AVPlayer, StepsBothWaysAndStopsAtTheEnds) {
         EXPECT_EQ(shownNumber(*player), number) << count;
         EXPECT_NEAR(player->currentTime().seconds(), number / 25.0, 1e-6) << count;
     }
-    ASSERT_TRUE(seekTo(*player, 3.9));
     EXPECT_TRUE(stepBy(*player, std::numeric_limits<std::int64_t>::max()));
     EXPECT_EQ(shownNumber(*player), 99);
     EXPECT_TRUE(stepBy(*player, -1));
-    EXPECT_EQ(shownNumber(*player), 98);
-
     player->seekNextFrame();
     player->seekPreviousFrame();
     player->seekPreviousFrame();
@@ -153,7 +140,6 @@ TEST(AVPlayer, PlaysPausesAndEnds) {
     EXPECT_EQ(player->rate(), 1);
     ASSERT_TRUE(waitUntil([&] { return shownNumber(*player) >= 5; }));
     player->playPause();
-    EXPECT_FALSE(player->isPlaying());
     pump(100ms); // for the core to have stopped
     const int number = shownNumber(*player);
     pump(200ms);
@@ -168,10 +154,7 @@ TEST(AVPlayer, PlaysPausesAndEnds) {
     ASSERT_TRUE(seekTo(*player, 0));
     player->play();
     EXPECT_TRUE(waitUntil([&] { return shownNumber(*player) >= 3; })) << "and leaves it by a seek";
-}
-
-TEST(AVPlayer, RatesThatCannotBePlayed) {
-    const auto player = AVPlayer::create(testmovies::numbers("short", {.count = 20}));
+    // Rates that cannot be played.
     player->setRate(-1);
     EXPECT_EQ(player->rate(), 0);
     player->setRate(std::numeric_limits<float>::quiet_NaN());
@@ -185,7 +168,7 @@ TEST(AVPlayer, RatesThatCannotBePlayed) {
         "^Frame rate 2147483648 does not fit a time scale, which is at most 2147483647\n$");
 }
 
-TEST(AVPlayer, WithoutAnItem) {
+TEST(AVPlayer, ItemsMoveFromPlayerToPlayer) {
     const auto player = AVPlayer::create();
     EXPECT_FALSE(player->duration());
     EXPECT_EQ(player->currentTime(), kCMTimeZero);
@@ -193,67 +176,49 @@ TEST(AVPlayer, WithoutAnItem) {
     EXPECT_FALSE(stepBy(*player, 1));
     player->playPause();
     EXPECT_TRUE(player->isPlaying());
-    player->replaceCurrentItem(AVPlayerItem::create(testmovies::numbers("plain")));
-    EXPECT_TRUE(waitUntil([&] { return shownNumber(*player) >= 3; })) << "it plays its first item";
-}
-
-TEST(AVPlayer, ItemsMoveFromPlayerToPlayer) {
     const auto item = AVPlayerItem::create(testmovies::numbers("plain"));
-    const auto first = AVPlayer::create(item);
+    player->replaceCurrentItem(item);
+    EXPECT_TRUE(waitUntil([&] { return shownNumber(*player) >= 3; })) << "it plays its first item";
     EXPECT_DEATH(AVPlayer::create(item), "^AVPlayerItem is already in a player\n$");
-    first->replaceCurrentItem(nullptr);
+    player->replaceCurrentItem(nullptr);
     EXPECT_EQ(item->status(), AVPlayerItem::Status::unknown);
     const auto second = AVPlayer::create(item);
     ASSERT_TRUE(seekTo(*second, 2));
     EXPECT_EQ(shownNumber(*second), 50);
 }
 
-TEST(AVPlayer, ObserversFollowPlayingAndItsRate) {
-    const auto player = readyPlayer(testmovies::numbers("plain"));
-    for (const float rate : {1.0f, 2.0f}) {
-        ASSERT_TRUE(seekTo(*player, 0));
-        std::vector<double> times;
-        bool isMain = true;
-        const auto observer = player->addTimeObserver({.fps = 50}, [&](const CMTime& time) {
-            times.push_back(time.seconds());
-            isMain = isMain && NSThread::isMainThread();
-        });
-        player->setRate(rate);
-        ASSERT_TRUE(waitUntil([&] { return player->currentTime() > 1; }));
-        player->removeTimeObserver(observer);
-        player->pause();
-        EXPECT_TRUE(isMain);
-        // Every 20 ms of the movie, but a busy machine may take some together.
-        EXPECT_GT(times.size(), 20u) << rate;
-        EXPECT_LT(times.size(), 60u) << rate;
-        EXPECT_TRUE(std::is_sorted(times.begin(), times.end())) << rate;
-        const std::size_t count = times.size();
-        pump(150ms);
-        EXPECT_EQ(times.size(), count) << "removed";
-    }
-}
-
-TEST(AVPlayer, ObserversAreToldOfJumpsAndStops) {
+TEST(AVPlayer, ObserversAreToldOfJumpsStopsAndTimeAtEveryRate) {
     const auto player = readyPlayer(testmovies::numbers("plain"));
     pump(50ms);
     std::vector<double> times;
-    const auto observer =
-        player->addTimeObserver([&](const CMTime& time) { times.push_back(time.seconds()); });
+    bool isMain = true;
+    const auto observer = player->addTimeObserver({.fps = 50}, [&](const CMTime& time) {
+        times.push_back(time.seconds());
+        isMain = isMain && NSThread::isMainThread();
+    });
     pump(100ms);
     EXPECT_TRUE(times.empty()) << "paused, nothing happens";
-    ASSERT_TRUE(seekTo(*player, 3));
-    ASSERT_TRUE(seekTo(*player, 1));
-    ASSERT_TRUE(stepBy(*player, 1));
+    ASSERT_TRUE(seekTo(*player, 3) && seekTo(*player, 1) && stepBy(*player, 1));
     EXPECT_EQ(times, (std::vector<double>{3, 1, 1.04}));
-    player->play();
-    ASSERT_TRUE(waitUntil([&] { return times.size() >= 6; }));
-    EXPECT_LT(times.back(), 2);
-    player->pause();
-    pump(200ms);
+    for (const float rate : {1.0f, 2.0f}) {
+        ASSERT_TRUE(seekTo(*player, 0));
+        times.clear();
+        player->setRate(rate);
+        ASSERT_TRUE(waitUntil([&] { return player->currentTime() > 1; }));
+        player->pause();
+        pump(200ms);
+        const double stopped = player->currentTime().seconds();
+        EXPECT_NEAR(times.back(), stopped, 0.05) << "told where it stopped";
+        // Every 20 ms of the movie, but a busy machine may take some together.
+        EXPECT_GT(times.size(), 20u) << rate;
+        EXPECT_LT(static_cast<double>(times.size()), stopped * 50 + 10) << rate;
+        EXPECT_TRUE(std::is_sorted(times.begin(), times.end())) << rate;
+    }
+    EXPECT_TRUE(isMain);
+    player->removeTimeObserver(observer);
     const std::size_t count = times.size();
-    EXPECT_NEAR(times.back(), player->currentTime().seconds(), 0.05) << "told where it stopped";
-    pump(200ms);
-    EXPECT_EQ(times.size(), count);
+    ASSERT_TRUE(seekTo(*player, 0));
+    EXPECT_EQ(times.size(), count) << "removed";
 }
 
 TEST(AVPlayer, ObserversMayEndWithinTheirBlockAndRunOnOtherQueues) {
@@ -280,18 +245,14 @@ TEST(AVPlayer, ObserversMayEndWithinTheirBlockAndRunOnOtherQueues) {
 
 TEST(AVPlayer, SeveralAtOnceDoNotDisturbEachOther) {
     const URL movie = testmovies::numbers("plain");
-    std::vector<std::shared_ptr<AVPlayer>> players;
-    for (int i = 0; i < 4; ++i)
-        players.push_back(readyPlayer(movie));
+    const auto first = readyPlayer(movie), second = readyPlayer(movie);
     int landed = 0;
-    for (std::size_t i = 0; i < players.size(); ++i)
-        players[i]->seekAccurately(CMTimeMake(static_cast<std::int64_t>(i) * 10 + 5, 25),
-                                   [&](bool finished) { landed += finished; });
-    ASSERT_TRUE(waitUntil([&] { return landed == 4; }));
-    players[3]->play();
-    ASSERT_TRUE(waitUntil([&] { return shownNumber(*players[3]) > 40; }));
-    for (std::size_t i = 0; i < 3; ++i)
-        EXPECT_EQ(shownNumber(*players[i]), static_cast<int>(i) * 10 + 5);
+    first->seekAccurately(CMTimeMake(5, 25), [&](bool finished) { landed += finished; });
+    second->seekAccurately(CMTimeMake(30, 25), [&](bool finished) { landed += finished; });
+    ASSERT_TRUE(waitUntil([&] { return landed == 2; }));
+    second->play();
+    ASSERT_TRUE(waitUntil([&] { return shownNumber(*second) > 35; }));
+    EXPECT_EQ(shownNumber(*first), 5);
 }
 
 TEST(AVPlayer, GoesAwayAtAnyMoment) {
@@ -314,8 +275,7 @@ TEST(AVPlayer, GoesAwayAtAnyMoment) {
 }
 
 TEST(AVPlayer, PlaysSounds) {
-    const auto player =
-        readyPlayer(testmovies::make("tone.m4a", {"-f", "lavfi", "-i", "sine=d=2", "-c:a", "aac"}));
+    const auto player = readyPlayer(testmovies::make("tone.m4a", "-f lavfi -i sine=d=2 -c:a aac"));
     EXPECT_FALSE(player->currentItem()->currentPicture());
     EXPECT_TRUE(seekTo(*player, 1.5));
     EXPECT_NEAR(player->currentTime().seconds(), 1.5, 0.25);

@@ -33,51 +33,36 @@ TEST(CGImageMetadata, SizesComeFromIntegersOnly) {
                                         {kCGImagePropertyPixelHeight, std::move(height)},
                                         {kCGImagePropertyOrientation, std::move(orientation)}};
     };
-    EXPECT_EQ(CGImage::imageSize(metadata(4000, 3000, 6)), CGSize(4000, 3000));
     for (int value = -1; value <= 10; ++value)
         EXPECT_EQ(CGImage::orientedImageSize(metadata(4000, 3000, value)),
                   value >= 5 && value <= 8 ? CGSize(3000, 4000) : CGSize(4000, 3000));
-    EXPECT_EQ(CGImage::orientedImageSize(metadata(4000, 3000, "6")), CGSize(4000, 3000));
     EXPECT_EQ(CGImage::orientedImageSize(metadata(4000, 3000, 6.0)), CGSize(4000, 3000));
-    EXPECT_FALSE(CGImage::imageSize(metadata(4000.0, 3000, 1)));
     EXPECT_FALSE(CGImage::imageSize(metadata(4000, "3000", 1)));
-    EXPECT_FALSE(CGImage::imageSize(PropertyList::Dictionary{}));
     EXPECT_FALSE(CGImage::orientedImageSize(options(kCGImagePropertyPixelWidth, 4000)));
-    EXPECT_FALSE(CGImage::imageSize(std::optional<PropertyList::Dictionary>()));
-    EXPECT_FALSE(CGImage::orientedImageSize(std::optional<PropertyList::Dictionary>()));
 }
 
 TEST(CGImageMetadata, TellsWhenAPictureWasTaken) {
-    using Texts = std::vector<std::pair<const char*, const char*>>;
-    const auto dateOf = [](const Texts& texts) {
-        PropertyList::Dictionary exif;
-        for (const auto& [key, text] : texts)
-            exif.emplace(key, text);
-        return CGImage::creationDate(options(kCGImagePropertyExifDictionary, exif));
-    };
     const Date noon(std::chrono::sys_days(std::chrono::year(2023) / 7 / 1) +
                     std::chrono::hours(12));
     const std::string local = UTCFormatted(noon);
-    const std::pair<const char*, const char*> taken("DateTimeOriginal", local.c_str());
     const std::chrono::milliseconds quarter(250);
-    for (const auto& [texts, expected] : std::vector<std::pair<Texts, std::optional<Date>>>{
+    for (const auto& [exif, expected] :
+         std::vector<std::pair<PropertyList::Dictionary, std::optional<Date>>>{
              {{}, {}},
-             {{taken}, noon},
-             {{taken, {"DateTimeDigitized", "2001:01:01 00:00:00"}}, noon},
-             {{{"DateTimeOriginal", "    :  :     :  :  "}, {"DateTimeDigitized", local.c_str()}},
+             {{{"DateTimeOriginal", local}, {"DateTimeDigitized", "2001:01:01 00:00:00"}}, noon},
+             {{{"DateTimeOriginal", "    :  :     :  :  "}, {"DateTimeDigitized", local}}, noon},
+             {{{"DateTimeOriginal", local}, {"SubsecTimeOriginal", "25"}}, noon + quarter},
+             {{{"DateTimeOriginal", local},
+               {"SubsecTimeOriginal", "x"},
+               {"OffsetTimeOriginal", "   :  "}},
               noon},
-             {{taken, {"SubsecTimeOriginal", "25"}}, noon + quarter},
-             {{taken, {"SubsecTimeOriginal", "x"}, {"OffsetTimeOriginal", "   :  "}}, noon},
-             {{taken, {"SubsecTimeDigitized", "25"}}, noon},
-             {{{"DateTimeOriginal", "2023:07:01 14:30:00"}, {"OffsetTimeOriginal", "+02:30"}},
-              noon},
+             {{{"DateTimeOriginal", local}, {"SubsecTimeDigitized", "25"}}, noon},
              {{{"DateTimeOriginal", "2023:07:01 10:00:00"},
                {"OffsetTimeOriginal", "-02:00"},
                {"SubsecTimeOriginal", "250"}},
               noon + quarter},
              {{{"DateTimeOriginal", "2023:13:01 10:00:00"}}, {}}})
-        EXPECT_EQ(dateOf(texts), expected) << testing::PrintToString(texts);
-    EXPECT_FALSE(CGImage::creationDate(std::optional<PropertyList::Dictionary>()));
+        EXPECT_EQ(CGImage::creationDate(options(kCGImagePropertyExifDictionary, exif)), expected);
 }
 
 TEST(CGImageMetadata, TellsWhereAPictureWasTaken) {
@@ -92,20 +77,17 @@ TEST(CGImageMetadata, TellsWhereAPictureWasTaken) {
     };
     EXPECT_EQ(locationOf(33.5, "S", 70.25, "W"), (Location{-33.5, -70.25}));
     EXPECT_EQ(locationOf(90, "N", 180, "E"), (Location{90, 180}));
-    EXPECT_EQ(locationOf(1.5, "", 2.5, ""), (Location{1.5, 2.5}));
     for (const PropertyList& latitude :
          {PropertyList(90.5), PropertyList(std::nan("")), PropertyList("1")})
         EXPECT_FALSE(locationOf(latitude, "N", 0, "E"));
     EXPECT_FALSE(locationOf(0, "N", 180.5, "E"));
-    EXPECT_FALSE(locationOf(0, "N", "1", "E"));
     EXPECT_FALSE(CGImage::location(PropertyList::Dictionary()));
 }
 
 TEST(CGImageMetadata, OfAnUprightCopyKeepsDateAndPlaceAndDoesNotTurnItAgain) {
     const PropertyList::Dictionary told = {
         {"{TIFF}", PropertyList::Dictionary{{"Model", "camera"}}},
-        {"{Exif}", PropertyList::Dictionary{{"DateTimeOriginal", "2023:07:01 12:00:00"},
-                                            {"ExposureTime", 1.0 / 60}}},
+        {"{Exif}", PropertyList::Dictionary{{"DateTimeOriginal", "2023:07:01 12:00:00"}}},
         {"{GPS}", PropertyList::Dictionary{{"Latitude", 33.5}, {"Longitude", 70.25}}}};
     for (const ImageExportFormat format : ImageExportFormat::allCases)
         for (const int orientation : {1, 3, 6}) {
@@ -121,8 +103,6 @@ TEST(CGImageMetadata, OfAnUprightCopyKeepsDateAndPlaceAndDoesNotTurnItAgain) {
                 EXPECT_EQ(CGImage::orientedImageSize(copy), upright->size());
                 EXPECT_EQ(CGImage::location(copy), (Location{33.5, 70.25}));
                 EXPECT_EQ(CGImage::creationDate(copy), CGImage::creationDate(told));
-                const auto* exif = copy->at("{Exif}").as<PropertyList::Dictionary>();
-                EXPECT_EQ(exif->at("ExposureTime"), PropertyList(1.0 / 60));
                 const auto* tiff = copy->at("{TIFF}").as<PropertyList::Dictionary>();
                 EXPECT_EQ(tiff->at("Model"), PropertyList("camera"));
                 EXPECT_TRUE(!tiff->contains("Orientation") ||
@@ -142,44 +122,32 @@ TEST(ImageThumbailer, HasItsDefaultsAndFiveOptions) {
         ImageThumbailer{.applyExifTransform = false, .maximumPixelSize = 256}.coreImageDictionary();
     EXPECT_EQ(dictionary, expected);
     EXPECT_TRUE(dictionary.at("kCGImageSourceThumbnailMaxPixelSize").as<NSNumber>()->isReal());
-    EXPECT_TRUE(dictionary.at("kCGImageSourceShouldCache").as<NSNumber>()->isBool());
 }
 
 TEST(CGImageEncoding, KeepsWhatTheFormatAndItsOptionsKeep) {
-    const auto image = noise(33, 21);
     const auto opaque = slope(33, 21);
-    EXPECT_LE(meanDifference(*CGImage::image(image->pngData().value()), *image), 1);
-    EXPECT_TRUE(haveSamePixels(*CGImage::image(opaque->pngData().value()), *opaque));
-    EXPECT_TRUE(haveSamePixels(*CGImage::image(opaque->tiffData().value()), *opaque));
-    EXPECT_TRUE(
-        haveSamePixels(*CGImage::image(opaque->argbDrawnCopy()->pngData().value()), *opaque));
-
+    for (const auto& bytes : {opaque->argbDrawnCopy()->pngData(), opaque->tiffData()})
+        EXPECT_TRUE(haveSamePixels(*CGImage::image(bytes.value()), *opaque));
     const auto best = opaque->jpegData(1);
     EXPECT_LT(meanDifference(*CGImage::image(best.value()), *opaque), 2);
     EXPECT_EQ(opaque->data(ImageExportFormat::jpg), best);
-    EXPECT_EQ(opaque->jpegData(7), best);
     EXPECT_LT(opaque->jpegData(0.2)->size(), best->size());
     EXPECT_EQ(opaque->data(ImageExportFormat::tiff), opaque->tiffData());
     EXPECT_LT(opaque->tiffData()->size(), opaque->data(ImageExportFormat::tiff, {})->size());
     EXPECT_EQ(opaque->data(ImageExportFormat::png), opaque->pngData());
 }
 
-TEST(CGImageDestination, KnowsItsTypes) {
-    for (const ImageExportFormat format : ImageExportFormat::allCases)
-        EXPECT_TRUE(CGImageDestination::supports(format.cgType())) << format.cgType();
-    EXPECT_FALSE(CGImageDestination::supports("public.text"));
-    const auto data = std::make_shared<Data>();
+TEST(CGImageDestination, WritesThePicturesThatWereAnnounced) {
+    const auto data = std::make_shared<Data>(3, std::byte{42});
     EXPECT_EQ(CGImageDestination::create(data, "public.text", 1), nullptr);
     EXPECT_EQ(CGImageDestination::create(data, "public.png", 0), nullptr);
     EXPECT_EQ(CGImageDestination::create(std::shared_ptr<Data>(), "public.png", 1), nullptr);
     EXPECT_EQ(CGImageDestination::create(*URL::make({.string = "http://a/b.png"}), "public.png", 1),
               nullptr);
-}
-
-TEST(CGImageDestination, WritesThePicturesThatWereAnnounced) {
-    const auto data = std::make_shared<Data>(3, std::byte{42});
-    const auto destination = CGImageDestination::create(data, "public.tiff", 2);
-    destination->addImage(slope(8, 6));
+    const auto turned = [](int value) { return options(kCGImagePropertyOrientation, value); };
+    const auto destination = CGImageDestination::create(data, "public.tiff", 2, turned(3));
+    destination->setProperties(turned(8));
+    destination->addImage(slope(8, 6), turned(6));
     destination->addImage(slope(5, 9));
     destination->addImage(slope(1, 1)); // one too many
     EXPECT_TRUE(destination->finalize());
@@ -189,10 +157,9 @@ TEST(CGImageDestination, WritesThePicturesThatWereAnnounced) {
     EXPECT_EQ(source->type(), "public.tiff");
     ASSERT_EQ(source->count(), 2);
     EXPECT_TRUE(haveSamePixels(*source->image(1), *slope(5, 9)));
-    EXPECT_EQ(source->image(2), nullptr);
-    EXPECT_EQ(source->image(-1), nullptr);
-    EXPECT_EQ(source->thumbnail(2), nullptr);
-    EXPECT_FALSE(source->properties(2));
+    // The options of the picture go first, then those of the file.
+    EXPECT_EQ(source->properties(0)->at("Orientation"), PropertyList(6));
+    EXPECT_EQ(source->properties(1)->at("Orientation"), PropertyList(8));
 
     const auto unfinished = CGImageDestination::create(data, "public.tiff", 2);
     const std::size_t before = data->size();
@@ -200,18 +167,6 @@ TEST(CGImageDestination, WritesThePicturesThatWereAnnounced) {
     unfinished->addImage(nullptr);
     EXPECT_FALSE(unfinished->finalize());
     EXPECT_EQ(data->size(), before);
-}
-
-TEST(CGImageDestination, OptionsOfThePictureGoFirst) {
-    const auto data = std::make_shared<Data>();
-    const auto destination =
-        CGImageDestination::create(data, "public.jpeg", 1, options(kCGImagePropertyOrientation, 3));
-    destination->setProperties(options(kCGImagePropertyOrientation, 8));
-    destination->addImage(slope(40, 30), options(kCGImagePropertyOrientation, 6));
-    ASSERT_TRUE(destination->finalize());
-    EXPECT_EQ(CGImage::metadata(*data)->at("Orientation"), PropertyList(6));
-    EXPECT_EQ(CGImage::imageSize(*data), CGSize(40, 30));
-    EXPECT_EQ(CGImage::orientedImageSize(*data), CGSize(30, 40));
 }
 
 TEST(CGImageDestination, ReplacesAFileThroughALinkAndNothingElse) {
@@ -239,24 +194,17 @@ TEST(CGImageDestination, ReplacesAFileThroughALinkAndNothingElse) {
 }
 
 TEST(CGImageLoading, WhatIsNoPictureGivesNothing) {
-    const TemporaryFolder folder;
-    folder.file("text.png", "not a picture at all");
-    folder.file("empty.jpg", "");
-    for (const char* name : {"text.png", "empty.jpg", "missing.png", "."}) {
-        const URL url = folder.url(name);
+    for (const URL& url :
+         {URL({.fileURLWithPath = "/missing.png"}), *URL::make({.string = "http://host/a.png"})}) {
         EXPECT_EQ(CGImage::image(url), nullptr);
         EXPECT_EQ(CGImage::thumbnail(url), nullptr);
         EXPECT_EQ(ImageThumbailer().thumbnail(url), nullptr);
-        EXPECT_FALSE(CGImage::metadata(url));
         EXPECT_FALSE(CGImage::imageSize(url));
         EXPECT_FALSE(CGImage::orientedImageSize(url));
-        const auto source = CGImageSource::create(url);
-        EXPECT_EQ(source->image(0), nullptr);
-        EXPECT_NE(source->error(), "") << name;
-        EXPECT_FALSE(source->type());
+        EXPECT_FALSE(CGImage::creationDate(url));
+        EXPECT_FALSE(CGImage::location(url));
     }
-    EXPECT_EQ(CGImage::image(Data()), nullptr);
-    EXPECT_EQ(CGImage::image(*URL::make({.string = "http://host/a.png"})), nullptr);
+    EXPECT_FALSE(CGImageSource::create(Data())->type());
 }
 
 /// A JPEG of 300 x 200 pixels that is to be turned by `orientation`.
@@ -289,15 +237,13 @@ TEST(CGImageThumbnails, AreNoLargerThanAskedAndNeverEnlarged) {
                                       {1, {1, 1}},
                                       {0.3, {1, 1}}}) {
         const auto thumbnail = ImageThumbailer{.maximumPixelSize = limit}.thumbnail(picture);
-        ASSERT_NE(thumbnail, nullptr) << limit;
         EXPECT_EQ(thumbnail->size(), size) << limit;
     }
-    for (double none : {0.0, -5.0, std::nan("")})
-        EXPECT_EQ(ImageThumbailer{.maximumPixelSize = none}.thumbnail(picture), nullptr);
     const auto source = CGImageSource::create(picture);
     for (const auto& [thumbnailer, index, error] :
          {std::tuple(ImageThumbailer{.maximumPixelSize = 90}, 0, ""),
           {ImageThumbailer{.maximumPixelSize = 0}, 0, "a thumbnail of no size was asked for"},
+          {ImageThumbailer{.maximumPixelSize = NAN}, 0, "a thumbnail of no size was asked for"},
           {ImageThumbailer{.alwaysCreateImage = false}, 0, "the file holds no thumbnail"},
           {ImageThumbailer(), 1, "the file holds no such picture"},
           {ImageThumbailer(), -1, "the file holds no such picture"}}) {
@@ -306,10 +252,8 @@ TEST(CGImageThumbnails, AreNoLargerThanAskedAndNeverEnlarged) {
     }
     // Where the file has none, one is made only when it is asked for.
     EXPECT_EQ(CGImage::thumbnail(picture), nullptr);
-    EXPECT_EQ(ImageThumbailer{.alwaysCreateImage = false}.thumbnail(picture), nullptr);
     const auto made =
         CGImage::thumbnail(picture, options(kCGImageSourceCreateThumbnailFromImageIfAbsent, true));
-    ASSERT_NE(made, nullptr);
     EXPECT_EQ(made->width(), 300);
 }
 

@@ -19,23 +19,25 @@ AVPlayerItem::Status play(const URL& url) {
 TEST(DamagedMovies, WhatIsNoMovieFails) {
     testmovies::numbers("good", {.count = 10});
     const std::string good = testmovies::path("good.mp4");
-    testmovies::write("empty.mp4", "");
-    testmovies::write("text.mp4", "Dear reader, this is no movie.\n");
-    testmovies::write("zeros.mp4", std::string(100'000, '\0'));
-    testmovies::write("header.mp4", testmovies::read("good.mp4").substr(0, 40));
-    testmovies::write("playlist.m3u8", "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\n" + good +
-                                           "\n#EXT-X-ENDLIST\n");
-    testmovies::write("playlist.mp4", "#EXTM3U\n" + good + "\n");
-    testmovies::write("concat.ffconcat", "ffconcat version 1.0\nfile '" + good + "'\n");
-    testmovies::write("edit.edl", "# mpv EDL v0\n" + good + "\n");
-    testmovies::write("sheet.cue", "FILE \"" + good + "\" WAVE\n  TRACK 01 AUDIO\n");
-    testmovies::write("cast.sdp", "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\n"
-                                  "m=video 5004 RTP/AVP 96\na=rtpmap:96 H264/90000\n");
+    std::vector<std::string> names{"pipe.mp4", "folder.mp4", "missing.mp4"};
     ASSERT_EQ(mkfifo(testmovies::path("pipe.mp4").c_str(), 0600), 0);
     ASSERT_EQ(mkdir(testmovies::path("folder.mp4").c_str(), 0700), 0);
-    for (const char* name : {"empty.mp4", "text.mp4", "zeros.mp4", "header.mp4", "playlist.m3u8",
-                             "playlist.mp4", "concat.ffconcat", "edit.edl", "sheet.cue", "cast.sdp",
-                             "pipe.mp4", "folder.mp4", "missing.mp4"}) {
+    for (const auto& [name, content] : std::map<std::string, std::string>{
+             {"empty.mp4", ""},
+             {"text.mp4", "Dear reader, this is no movie.\n"},
+             {"header.mp4", testmovies::read("good.mp4").substr(0, 40)},
+             {"playlist.m3u8",
+              "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\n" + good + "\n#EXT-X-ENDLIST\n"},
+             {"playlist.mp4", "#EXTM3U\n" + good + "\n"},
+             {"concat.ffconcat", "ffconcat version 1.0\nfile '" + good + "'\n"},
+             {"edit.edl", "# mpv EDL v0\n" + good + "\n"},
+             {"sheet.cue", "FILE \"" + good + "\" WAVE\n  TRACK 01 AUDIO\n"},
+             {"cast.sdp", "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\n"
+                          "m=video 5004 RTP/AVP 96\na=rtpmap:96 H264/90000\n"}}) {
+        testmovies::write(name, content);
+        names.push_back(name);
+    }
+    for (const std::string& name : names) {
         const auto asset = AVAsset::create(testmovies::url(name));
         EXPECT_FALSE(asset->isReadable()) << name;
         EXPECT_FALSE(asset->duration().isNumeric()) << name;
@@ -46,15 +48,13 @@ TEST(DamagedMovies, WhatIsNoMovieFails) {
 }
 
 TEST(DamagedMovies, CutAnywhereTheyPlayAsFarAsTheyGoOrFail) {
-    testmovies::numbers("long", {.count = 50, .options = {"-movflags", "+faststart"}});
-    testmovies::numbers("blocks", {.container = "mkv", .count = 50});
-    for (const std::string extension : {".mp4", ".mkv"}) {
-        const std::string bytes =
-            testmovies::read((extension == ".mp4" ? "long" : "blocks") + extension);
+    for (const auto& [container, options] :
+         std::map<std::string, std::string>{{"mp4", "-movflags +faststart"}, {"mkv", ""}}) {
+        testmovies::numbers("long", {.container = container, .count = 50, .options = options});
+        const std::string bytes = testmovies::read("long." + container);
         for (std::size_t part = 1; part < 8; ++part) {
-            const std::string name = "cut" + std::to_string(part) + extension;
-            testmovies::write(name, bytes.substr(0, bytes.size() * part / 8));
-            play(testmovies::url(name));
+            testmovies::write("cut." + container, bytes.substr(0, bytes.size() * part / 8));
+            play(testmovies::url("cut." + container));
         }
     }
 }

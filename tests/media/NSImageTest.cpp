@@ -43,19 +43,7 @@ TEST(NSGraphicsContext, IsKeptForEachThreadAndNests) {
     EXPECT_DEATH(NSBezierPath::create()->line({1, 1}), "The path has no current point.");
 }
 
-TEST(NSGraphicsContext, FillsWithItsCompositingOperation) {
-    const auto context = CGContext::rgba(4, 4);
-    context->useTemporaryContext([&] {
-        fill(CGRect(0, 0, 2, 4), NSColor::red);
-        NSGraphicsContext::current()->setCompositingOperation(NSCompositingOperation::sourceAtop);
-        fill(CGRect(0, 0, 4, 4), NSColor::green);
-    });
-    const auto image = context->makeImage();
-    EXPECT_EQ(pixelAt(*image, 1, 1), green);
-    EXPECT_EQ(pixelAt(*image, 3, 1), 0u);
-}
-
-TEST(NSGraphicsContext, DrawsWhereAViewDoes) {
+TEST(NSGraphicsContext, DrawsWhereAViewDoesWithItsCompositingOperation) {
     for (const bool isFlipped : {false, true}) {
         Bitmap bitmap = Bitmap::make(40, 40).value();
         const Canvas whole(bitmap, 2); // 20 by 20 points
@@ -63,6 +51,9 @@ TEST(NSGraphicsContext, DrawsWhereAViewDoes) {
         NSGraphicsContext::use(NSGraphicsContext::create(canvas), [&] {
             fill(CGRect(0, 0, 1000, 1000), NSColor::blue); // held by the clip
             fill(CGRect(100, 50, 3, 2), NSColor::red);
+            NSGraphicsContext::current()->setCompositingOperation(
+                NSCompositingOperation::destinationOver);
+            fill(CGRect(100, 50, 3, 2), NSColor::green);
         });
         expectPixels(*CGImage::create(std::move(bitmap)), [&](auto x, auto y) {
             const bool isInView = x >= 10 && x < 30 && y >= 16 && y < 32;
@@ -79,16 +70,14 @@ TEST(NSImage, ChoosesTheRepresentationForTheScale) {
     const auto image = NSImage::create(large, CGSize(10, 10));
     image->addRepresentation({small, CGSize(10, 10)});
     EXPECT_EQ(image->cgImageForProposedRect(), small);
-    EXPECT_EQ(image->cgImageForProposedRect(CGRect(0, 0, 11, 5)), large);
-    EXPECT_EQ(image->cgImageForProposedRect(CGRect(0, 0, 500, 500)), large);
+    for (const double width : {11, 500})
+        EXPECT_EQ(image->cgImageForProposedRect(CGRect(0, 0, width, 5)), large);
     const auto context = CGContext::rgba(40, 40);
     context->scaleBy(2, 2);
     EXPECT_EQ(
         image->cgImageForProposedRect(image->rect(), NSGraphicsContext::create(context, false)),
         large);
-    EXPECT_EQ(NSImage::create(CGSize(3, 3))->cgImageForProposedRect(), nullptr);
     EXPECT_EQ(NSImage::create(CGImage::Pointer()), nullptr);
-    EXPECT_EQ(image->alignmentRect(), CGRect(0, 0, 10, 10));
 }
 
 TEST(NSImage, DrawsPartsUprightAndFaded) {
@@ -164,11 +153,12 @@ TEST(NSImage, IsFoundAmongResources) {
     const fs::path resources(NSBundle::mainBundle()->resourceURL().path());
     std::ofstream(resources / (id + ".png")) << pngText(*plain(8, 8, red));
     std::ofstream(resources / (id + "@2x.png")) << pngText(*plain(16, 16, green));
-    const auto resource = NSImage::named(id);
-    ASSERT_TRUE(resource);
-    EXPECT_EQ(resource->size(), CGSize(8, 8));
-    EXPECT_EQ(resource->representations().size(), 2u);
-    EXPECT_EQ(NSImage::named(id + ".png")->size(), CGSize(8, 8));
+    for (const std::string& name : {id, id + ".png"}) {
+        const auto resource = NSImage::named(name);
+        ASSERT_TRUE(resource);
+        EXPECT_EQ(resource->size(), CGSize(8, 8));
+        EXPECT_EQ(resource->representations().size(), 2u);
+    }
     fs::remove(resources / (id + ".png"));
     fs::remove(resources / (id + "@2x.png"));
 }
@@ -263,7 +253,6 @@ TEST_F(Icons, OfShapesAreSharpAtAnySize) {
 
 TEST(NSImage, DrawsSymbolsAtAnySize) {
     EXPECT_EQ(NSImage::systemSymbol("no.such.symbol"), nullptr);
-    EXPECT_GE(NSImage::systemSymbolNames().size(), 30u);
     for (const std::string_view name : NSImage::systemSymbolNames()) {
         const auto symbol = NSImage::systemSymbol(name, "what it shows");
         EXPECT_TRUE(symbol->isTemplate());

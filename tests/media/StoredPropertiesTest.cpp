@@ -14,17 +14,10 @@ std::string readByExiftool(const Data& bytes, const std::string& tags) {
     return outputOf("exiftool -n -s3 -f " + tags + " " + folder.url("picture").path());
 }
 
-constexpr ImageExportFormat formats[] = {ImageExportFormat::png, ImageExportFormat::jpg,
-                                         ImageExportFormat::tiff,
-#ifdef ZORVAN_WITH_HEIC
-                                         ImageExportFormat::heic
-#endif
-};
-
 TEST(StoredProperties, AreFoundByAnotherReaderInEveryFormat) {
     const std::string caption = "Été: 雨, \"quoted\"\tand a tab";
     const std::string taken = "2021:03:04 05:06:07", changed = "2022:01:02 03:04:05";
-    for (const ImageExportFormat format : formats)
+    for (const ImageExportFormat format : ImageExportFormat::allCases)
         for (const std::int64_t orientation : {1, 3, 6, 8}) {
             using Section = PropertyList::Dictionary;
             const Section options = {{kCGImagePropertyOrientation, orientation},
@@ -45,7 +38,7 @@ TEST(StoredProperties, AreFoundByAnotherReaderInEveryFormat) {
 
 TEST(StoredProperties, AreThoseThatWereAskedForAndAnIptcCaptionForWantOfAnother) {
     const auto picture = plain(8, 8, 0xFF4080C0);
-    for (const ImageExportFormat format : formats)
+    for (const ImageExportFormat format : ImageExportFormat::allCases)
         EXPECT_EQ(
             readByExiftool(*picture->data(format), "-EXIF:DateTimeOriginal -EXIF:ImageDescription"),
             "-\n-\n");

@@ -2,6 +2,8 @@
 #include <tests/files/TemporaryFolder.h>
 
 #include <cmath>
+#include <cstring>
+#include <vector>
 
 #include <spawn.h>
 #include <sys/wait.h>
@@ -11,17 +13,17 @@ extern char** environ;
 namespace testmovies {
 namespace {
 
-void runFFmpeg(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"ffmpeg", "-v", "error", "-nostdin", "-y"});
+void runFFmpeg(const std::string& arguments) {
+    std::string line = "ffmpeg -v error -nostdin -y " + arguments;
     std::vector<char*> words;
-    for (std::string& argument : arguments)
-        words.push_back(argument.data());
+    for (char* word = std::strtok(line.data(), " "); word; word = std::strtok(nullptr, " "))
+        words.push_back(word);
     words.push_back(nullptr);
     pid_t process = 0;
     int status = 0;
     if (posix_spawnp(&process, "ffmpeg", nullptr, nullptr, words.data(), environ) != 0 ||
         waitpid(process, &status, 0) != process || status != 0)
-        throw std::runtime_error("ffmpeg did not make " + arguments.back());
+        throw std::runtime_error("ffmpeg failed with " + arguments);
 }
 
 void putInt32(std::string& bytes, std::size_t at, std::int32_t value) {
@@ -45,16 +47,14 @@ void write(const std::string& name, const std::string& bytes) {
 
 std::string read(const std::string& name) { return text(path(name)); }
 
-zorvan::URL make(const std::string& name, std::vector<std::string> arguments) {
-    if (!std::filesystem::exists(path(name))) {
-        arguments.push_back(path(name));
-        runFFmpeg(std::move(arguments));
-    }
+zorvan::URL make(const std::string& name, const std::string& arguments) {
+    if (!std::filesystem::exists(path(name)))
+        runFFmpeg(arguments + " " + path(name));
     return url(name);
 }
 
-std::vector<std::string> picture(const std::string& size, const std::string& rate) {
-    return {"-f", "lavfi", "-i", "testsrc=s=" + size + ":r=" + rate + ":d=0.25"};
+std::string picture(const std::string& size, const std::string& rate) {
+    return "-f lavfi -i testsrc=s=" + size + ":r=" + rate + ":d=0.25 ";
 }
 
 void setMatrix(const std::string& name, int index, const std::array<double, 6>& matrix) {
@@ -81,17 +81,12 @@ zorvan::URL numbers(const std::string& name, const Numbers& numbers) {
             pixels += row;
     }
     write(name + ".gray", pixels);
-    std::vector<std::string> arguments{
-        "-f",       "rawvideo",
-        "-pix_fmt", "gray",
-        "-s",       std::to_string(bitWidth * numberBits) + "x" + std::to_string(numberHeight),
-        "-r",       numbers.rate,
-        "-i",       path(name + ".gray")};
-    arguments.insert(arguments.end(), numbers.options.begin(), numbers.options.end());
-    arguments.insert(arguments.end(),
-                     {"-c:v", "libx264", "-threads", "1", "-pix_fmt", "yuv420p", "-bf", "2", "-g",
-                      std::to_string(numbers.keyInterval), "-sc_threshold", "0"});
-    return make(name + "." + numbers.container, std::move(arguments));
+    return make(name + "." + numbers.container,
+                "-f rawvideo -pix_fmt gray -s " + std::to_string(bitWidth * numberBits) + "x" +
+                    std::to_string(numberHeight) + " -r " + numbers.rate + " -i " +
+                    path(name + ".gray") + " " + numbers.options +
+                    " -c:v libx264 -threads 1 -pix_fmt yuv420p -bf 2 -sc_threshold 0 -g " +
+                    std::to_string(numbers.keyInterval));
 }
 
 int numberOf(const zorvan::Bitmap& picture) {

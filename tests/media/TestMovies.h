@@ -4,9 +4,7 @@
 #include <zorvan/platform/graphics/Bitmap.h>
 
 #include <array>
-#include <cstdint>
 #include <string>
-#include <vector>
 
 /// Movies for the tests, made by the ffmpeg command in a folder that lasts as long as the process.
 namespace testmovies {
@@ -18,10 +16,10 @@ zorvan::URL url(const std::string& name);
 void write(const std::string& name, const std::string& bytes);
 std::string read(const std::string& name);
 
-/// Has ffmpeg write the file of that name, once.
-zorvan::URL make(const std::string& name, std::vector<std::string> arguments);
-/// A quarter of a second of a test picture: "64x48", "30000/1001".
-std::vector<std::string> picture(const std::string& size, const std::string& rate);
+/// Has ffmpeg write the file of that name, once; arguments stand between spaces.
+zorvan::URL make(const std::string& name, const std::string& arguments);
+/// A quarter of a second of a test picture: "64x48", "30000/1001". A space follows.
+std::string picture(const std::string& size, const std::string& rate);
 
 /// Gives the `index`-th track of an MP4 or QuickTime file (a, b, c, d, x, y) as its matrix.
 void setMatrix(const std::string& name, int index, const std::array<double, 6>& matrix);
@@ -32,7 +30,7 @@ struct Numbers {
     std::string container = "mp4";
     int count = 100;
     int keyInterval = 25;
-    std::vector<std::string> options = {};
+    std::string options = {};
 };
 constexpr int bitWidth = 16, numberBits = 8, numberHeight = 32;
 

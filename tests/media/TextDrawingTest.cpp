@@ -49,7 +49,6 @@ TEST(TextDrawing, FillsARectangleFromTheTopAndLeavesOutWhatDoesNotFit) {
     EXPECT_GE(ink.bottom, 10);
     const Ink oneLine = inkIn(rect.with({.th = 20}));
     EXPECT_LT(oneLine.top - oneLine.bottom, 14);
-    EXPECT_GT(oneLine.top, 60);
     EXPECT_EQ(inkIn(rect.with({.th = 8})).count, 0);
 }
 
@@ -81,7 +80,7 @@ TEST(TextDrawing, StaysInsideAPath) {
     EXPECT_EQ(inkOf(beyond).count, 0);
     const Ink ink = inkOf([&](CGContext& c) { c.drawString(words, disc, attributes(8)); });
     EXPECT_GT(ink.right - ink.left, 60);
-    // A path that winds around no line at all.
+    // A path that has no room for a line.
     CGPath sliver;
     sliver.addRect(CGRect(0, 0, 3, 90));
     EXPECT_EQ(inkOf([&](CGContext& c) { c.drawString(words, sliver, attributes()); }).count, 0);
@@ -105,23 +104,19 @@ TEST(TextDrawing, ShortensTheLastLineThatFits) {
 }
 
 TEST(TextDrawing, IsUprightInEveryContext) {
-    // "L" has its ink at the bottom left.
-    const auto isUpright = [](const CGImage& image) {
-        const Ink ink = inkOf(image);
-        std::int64_t low = 0, high = 0;
-        for (std::int64_t x = ink.left; x <= ink.right; ++x) {
-            low += pixelAt(image, x, image.height() - 1 - ink.bottom) >> 24 > 60;
-            high += pixelAt(image, x, image.height() - 1 - ink.top) >> 24 > 60;
-        }
-        return low > high * 2;
-    };
     const NSAttributedString letter("L", attributes(40));
-    for (const bool isFlipped : {false, true}) {
-        const CGImage::Pointer image =
-            drawnIn(60, 60, isFlipped, [&] { drawTruncated(letter, CGRect(10, 0, 50, 55)); });
-        EXPECT_TRUE(isUpright(*image)) << isFlipped;
-        EXPECT_NEAR(static_cast<double>(inkOf(*image).top), isFlipped ? 52 : 47, 6);
+    const auto image =
+        drawnIn(60, 60, false, [&] { drawTruncated(letter, CGRect(10, 5, 50, 55)); });
+    EXPECT_TRUE(haveSamePixels(
+        *image, *drawnIn(60, 60, true, [&] { drawTruncated(letter, CGRect(10, 0, 50, 55)); })));
+    // Its ink is at the bottom.
+    const Ink ink = inkOf(*image);
+    std::int64_t low = 0, high = 0;
+    for (std::int64_t x = ink.left; x <= ink.right; ++x) {
+        low += pixelAt(*image, x, 59 - ink.bottom) >> 24 > 60;
+        high += pixelAt(*image, x, 59 - ink.top) >> 24 > 60;
     }
+    EXPECT_GT(low, high * 2);
 }
 
 TEST(TextDrawing, IsColouredInBothLayouts) {
@@ -131,23 +126,21 @@ TEST(TextDrawing, IsColouredInBothLayouts) {
         c.setAlpha(0.5);
         c.drawString("\u2588", CGRect(0, 0, 50, 60), red); // a full block
     };
-    for (const CGImage::Pointer& image :
-         {CGImage::draw(60, 60, draw), CGImage::argbDraw(60, 60, draw)->rgbaDrawnCopy()})
-        EXPECT_EQ(pixelAt(*image, 10, 30), 0x80000080u);
+    EXPECT_EQ(pixelAt(*CGImage::draw(60, 60, draw), 10, 30), 0x80000080u);
+    EXPECT_EQ(pixelAt(*CGImage::argbDraw(60, 60, draw), 10, 30), 0x00008080u);
 }
 
 TEST(TextDrawing, HasLinesUnderItAndThroughIt) {
-    const auto inkWith = [](const AttributeDictionary& attributes) {
-        return inkOf([&](CGContext& c) { c.drawString("a b", {0, 0, 99, 60}, attributes); }).count;
+    const auto inkWith = [](std::string_view name, const AttributeValue& value) {
+        AttributeDictionary styled = attributes(40);
+        styled.emplace(name, value);
+        return inkOf([&](CGContext& c) { c.drawString("a b", {0, 0, 99, 60}, styled); }).count;
     };
-    const std::pair<AttributeValue, bool> table[] = {
-        {true, true}, {false, false}, {std::int64_t{1}, true}, {std::int64_t{0}, false}};
-    for (const auto name : {AttributeName::underlineStyle, AttributeName::strikethroughStyle})
-        for (const auto& [value, isDrawn] : table) {
-            AttributeDictionary styled = attributes(40);
-            styled.emplace(name, value);
-            EXPECT_EQ(inkWith(styled) > inkWith(attributes(40)), isDrawn) << value.index();
-        }
+    for (const auto name : {AttributeName::underlineStyle, AttributeName::strikethroughStyle}) {
+        EXPECT_GT(inkWith(name, true), inkWith(name, false));
+        EXPECT_GT(inkWith(name, std::int64_t{1}), inkWith(name, std::int64_t{0}));
+        EXPECT_EQ(inkWith(name, false), inkWith("none", true));
+    }
 }
 
 TEST(TextDrawing, IsMeasuredAsItIsDrawn) {
@@ -156,7 +149,6 @@ TEST(TextDrawing, IsMeasuredAsItIsDrawn) {
     EXPECT_GT(whole.width, 400);
     EXPECT_LE(broken.width, 100);
     EXPECT_NEAR(broken.height / whole.height, std::round(broken.height / whole.height), 0.01);
-    EXPECT_EQ(size(NSAttributedString()), CGSize());
 }
 
 TEST(TextDrawing, TakesAnyText) {

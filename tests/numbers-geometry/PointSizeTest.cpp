@@ -7,28 +7,12 @@
 
 TEST(CGPoint, ReplacesAndMeasures) {
     const CGPoint p(3, 4);
-    EXPECT_EQ(p.with({.x = 7}), CGPoint(7, 4));
-    EXPECT_EQ(p.adding({.y = 1}), CGPoint(3, 5));
-    EXPECT_EQ(CGPoint({.square = 2}), CGPoint(2, 2));
-    EXPECT_EQ(p.inversed(), CGPoint(4, 3));
-    EXPECT_EQ(p.inverted(), p);
-    EXPECT_EQ(p.middle(), CGPoint(1.5, 2));
-    EXPECT_EQ(p.size(), CGSize(3, 4));
+    EXPECT_EQ(p.with({.x = 7}).adding({.y = 1}).inversed().inverted().middle(), CGPoint(2.5, 3.5));
+    EXPECT_EQ(CGPoint({.square = 2}).size(), CGSize(2, 2));
     EXPECT_EQ(CGPoint(2.46, -2.45).round(1), CGPoint(2.5, -2.5));
-    EXPECT_EQ(p.length(), 5);
     EXPECT_EQ(p.unitScale(10), CGPoint(6, 8));
     EXPECT_EQ(CGPoint(0, 0).unitScale(10), CGPoint(0, 0));
-    EXPECT_EQ(CGPoint(1, 1).distance({4, 5}), 5);
-    EXPECT_EQ(CGPoint(1, 2).dotMult({3, 4}), 11);
-    CGPoint q(6, 4);
-    EXPECT_EQ(q * CGPoint(1, 2) + CGPoint(1, 2), CGPoint(7, 10));
-    EXPECT_EQ(q / CGPoint(3, 2), CGPoint(2, 2));
-    EXPECT_EQ(1 - q, CGPoint(-5, -3));
-    EXPECT_EQ(12 / q, CGPoint(2, 3));
-    q += 1;
-    q *= 2;
-    q -= CGPoint(4, 0);
-    EXPECT_EQ(-(q - 1), CGPoint(-9, -9));
+    EXPECT_EQ(-(12 / (1 - p * CGPoint(2, 2) / CGPoint(3, 2))), CGPoint(12, 4));
     // The area of a polygon whatever its winding.
     const std::vector<CGPoint> polygons[] = {
         {{0, 0}, {1, 0}, {1, 1}, {0, 1}}, {{0, 1}, {1, 1}, {1, 0}, {0, 0}}, {}, {{5, 7}}};
@@ -38,12 +22,6 @@ TEST(CGPoint, ReplacesAndMeasures) {
 
 template <class Record>
 void expectArithmetic(const Record& a, const Record& b, const Record& sum, const Record& twoMore) {
-    EXPECT_EQ(a + b, sum);
-    EXPECT_EQ(sum - b, a);
-    EXPECT_EQ(a + 2, twoMore);
-    EXPECT_EQ(twoMore - 2, a);
-    EXPECT_EQ(a * 2, a + a);
-    EXPECT_EQ((a + a) / 2, a);
     Record c = a;
     EXPECT_EQ(c += b, sum);
     EXPECT_EQ(c -= b, a);
@@ -65,30 +43,21 @@ TEST(CGSize, KnowsItsShapeAndReplacesUnderBothNames) {
     EXPECT_TRUE(CGSize(0, 5).isEmpty());
     EXPECT_TRUE(CGSize(3, 3).isLandscape());
     EXPECT_FALSE(CGSize(3, 3).isPortrait());
-    EXPECT_EQ(CGSize(3, -4).innerSquare(), CGSize(-4, -4));
-    EXPECT_EQ(z.outerSquare(), CGSize(4, 4));
-    EXPECT_EQ(z.flipped(), CGSize(4, 3));
+    EXPECT_EQ(CGSize(3, -4).innerSquare() + z.outerSquare(), CGSize(0, 0));
+    EXPECT_EQ(z.flipped().rect(), CGRect(0, 0, 4, 3));
     EXPECT_EQ(z.center(), CGPoint(1.5, 2));
-    EXPECT_EQ(z.rect(), CGRect(0, 0, 3, 4));
     EXPECT_EQ(CGSize(639.5, 480.4).roundIntDesc(), "640 x 480");
     EXPECT_EQ(CGSize(639.5, 480.4).roundInt(), CGSize(640, 480));
     EXPECT_EQ(CGSize(1e300, NAN).roundIntDesc(), "9223372036854775807 x 0");
-    EXPECT_EQ(z.with({.w = 7}), CGSize(7, 4));
-    EXPECT_EQ(z.with({.height = 7}), CGSize(3, 7));
-    EXPECT_EQ(z.adding({.h = 1}), CGSize(3, 5));
-    EXPECT_EQ(z.adding({.width = 1}), CGSize(4, 4));
-    EXPECT_EQ(z.multiplying({.w = 2}), CGSize(6, 4));
-    EXPECT_EQ(z.multiplying({.width = 2, .height = 3}), CGSize(6, 12));
-    EXPECT_EQ(10 - z, CGSize(7, 6));
-    EXPECT_EQ(2 * z / 4, CGSize(1.5, 2));
+    EXPECT_EQ(z.with({.w = 7}).adding({.h = 1}).multiplying({.w = 2}), CGSize(14, 5));
+    EXPECT_EQ(z.with({.height = 7}).adding({.width = 1}).multiplying({.width = 2, .height = 3}),
+              CGSize(8, 21));
+    EXPECT_EQ(10 - 2 * z / 4, CGSize(8.5, 8));
 }
 
 TEST(CGSize, FitsAndFills) {
-    EXPECT_EQ(CGSize(400, 200).clamping(100), CGSize(100, 50));
     EXPECT_EQ(CGSize(-400, 50).clamping(100), CGSize(100, 12.5));
     EXPECT_EQ(CGSize(-50, 20).clamping(100), CGSize(-50, 20));
-    EXPECT_EQ(CGSize(400, 200).clamping({100, 100}), CGSize(100, 50));
-    EXPECT_EQ(CGSize(200, 400).clamping({300, 100}), CGSize(50, 100));
     std::mt19937_64 random(5);
     std::uniform_real_distribution<double> side(1, 1000);
     for (int i = 0; i < 20000; ++i) {
@@ -107,12 +76,7 @@ TEST(CGSize, FitsAndFills) {
         ASSERT_EQ((-size).clamping(bounds.width), shorter == size ? -size : shorter);
         ASSERT_EQ((-size).clamping(-bounds), -clamped);
     }
-    EXPECT_EQ(CGSize(4, 2).scaling({.toWidth = 8}), CGSize(8, 4));
-    EXPECT_EQ(CGSize(4, 2).scaling({.toHeight = 8}), CGSize(16, 8));
-    EXPECT_EQ(CGSize(4, 2).fitting(CGSize(100, 100)), CGSize(100, 50));
-    EXPECT_EQ(CGSize(4, 2).filling(CGSize(100, 100)), CGSize(200, 100));
-    EXPECT_EQ(CGSize(4, 2).fitting(CGRect(10, 10, 100, 100)), CGRect(10, 35, 100, 50));
-    EXPECT_EQ(CGSize(4, 2).filling(CGRect(10, 10, 100, 100)), CGRect(-40, 10, 200, 100));
+    EXPECT_EQ(CGSize(4, 2).scaling({.toWidth = 8}).scaling({.toHeight = 8}), CGSize(16, 8));
     // The ratio is that of the stored sides, the centring that of the standardised ones.
     EXPECT_EQ(CGSize(4, 2).centered(CGRect(0, 0, -10, 10)), CGRect(3, 4, 4, 2));
 }
@@ -122,9 +86,8 @@ TEST(CGAffineTransform, AppliesTheNewMapFirst) {
     const auto turn = CGAffineTransform({.rotationAngle = std::acos(-1.0) / 2});
     EXPECT_TRUE(p.applying(turn).overlap({-2, 1}, 1e-15)); // counter-clockwise
     const auto t = CGAffineTransform({.scale = 2}).translatedBy(10, 0);
-    EXPECT_EQ(p.applying(t), CGPoint(22, 4));
-    EXPECT_EQ(CGSize(1, 2).applying(t), CGSize(2, 4));
     EXPECT_EQ(p.applying(t.scaledBy(3, 1)), CGPoint(26, 4));
+    EXPECT_EQ(CGSize(1, 2).applying(t), CGSize(2, 4));
     EXPECT_EQ(p.applying(CGAffineTransform({.translationX = 10, .y = 0})
                              .concatenating(CGAffineTransform({.scaleX = 2, .y = 1}))),
               CGPoint(22, 2));

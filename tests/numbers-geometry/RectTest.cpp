@@ -6,7 +6,7 @@
 
 namespace {
 
-const CGRect ten(0, 0, 10, 10);
+const CGRect ten({.square = 10});
 
 // Small whole coordinates, so that edges often coincide and sides are often zero or negative.
 struct RandomRects {
@@ -18,28 +18,15 @@ struct RandomRects {
 
 } // namespace
 
-TEST(CGRect, IsMadeFromItsParts) {
-    EXPECT_EQ(CGRect({.p1 = {5, 5}, .p2 = {1, 2}}), CGRect(1, 2, 4, 3));
-    EXPECT_EQ(CGRect({.center = {5, 5}, .size = {4, 2}}), CGRect(3, 4, 4, 2));
-    EXPECT_EQ(CGRect({.center = {5, 5}, .square = 4}), CGRect(3, 3, 4, 4));
-    EXPECT_EQ(CGRect({.left = 1, .right = 4, .bottom = 2, .top = 8}), CGRect(1, 2, 3, 6));
-    EXPECT_EQ(CGRect({.size = {4, 2}}), CGRect(0, 0, 4, 2));
-    EXPECT_EQ(CGRect({.width = std::int64_t{4}, .height = 2}), CGRect(0, 0, 4, 2));
-    EXPECT_EQ(CGRect({.square = 4}), CGRect(0, 0, 4, 4));
-}
-
 TEST(CGRect, AccessorsReadTheStandardisedRectangle) {
     const CGRect r(10, 20, -4, -6);
-    EXPECT_EQ(r.standardized(), CGRect(6, 14, 4, 6));
+    EXPECT_EQ(r.standardized(), CGRect({.p1 = {10, 20}, .p2 = {6, 14}}));
     EXPECT_EQ(r.center(), CGPoint(8, 17));
-    EXPECT_EQ(r.maxX(), 10);
     const CGRect inexact(0.1, 0.3, -0.7, -1e20); // whose stored edges no sum gives back
     EXPECT_EQ(inexact.maxX(), inexact.standardized().maxX());
     EXPECT_NE(inexact.maxX(), inexact.x());
     EXPECT_EQ(inexact.topRight(), inexact.standardized().topRight());
-    EXPECT_EQ(r.x(), 10);
-    EXPECT_EQ(r.area(), 24);
-    EXPECT_EQ(CGRect(0, 0, -2, 3).area(), -6);
+    EXPECT_EQ(CGRect({.width = std::int64_t{-2}, .height = 3}).area(), -6);
     EXPECT_EQ(CGRect(0, 0, -3.5, 2.4).roundIntWidthHeight(), std::pair(4L, 2L));
     EXPECT_EQ(CGRect(5, 8, 2, -4).xwRatio(), 2.5);
     EXPECT_EQ(CGRect(5, 8, 2, -4).hyRatio(), 0.5);
@@ -47,7 +34,7 @@ TEST(CGRect, AccessorsReadTheStandardisedRectangle) {
 }
 
 TEST(CGRect, NamesItsAnchors) {
-    const CGRect r(0, 0, 4, 2);
+    const CGRect r({.size = {4, 2}});
     const std::pair<RectAnchor, CGPoint> table[] = {
         {RectAnchor::topLeft, {0, 2}},     {RectAnchor::topRight, {4, 2}},
         {RectAnchor::bottomRight, {4, 0}}, {RectAnchor::bottomLeft, {0, 0}},
@@ -56,18 +43,14 @@ TEST(CGRect, NamesItsAnchors) {
     for (const auto& [anchor, point] : table) {
         EXPECT_EQ(r.point(anchor), point);
         EXPECT_EQ(r.square(anchor, 2).center(), point);
-        EXPECT_EQ(r.rect(anchor, {2, 4}).size, CGSize(2, 4));
+        EXPECT_EQ(r.rect(anchor, {2, 4}), CGRect(point.x - 1, point.y - 2, 2, 4));
     }
 }
 
 TEST(CGRect, ReplacesParts) {
-    EXPECT_EQ(ten.with({.x = 1, .h = 5}), CGRect(1, 0, 10, 5));
     EXPECT_EQ(ten.with({.width = 3}), CGRect(0, 0, 3, 10));
-    EXPECT_EQ(ten.with({.size = CGSize(1, 2)}), CGRect(0, 0, 1, 2));
-    EXPECT_EQ(ten.adding({.y = 1, .w = 2}), CGRect(0, 1, 12, 10));
-    EXPECT_EQ(ten.adding({.origin = CGPoint(1, 2)}), CGRect(1, 2, 10, 10));
-    EXPECT_EQ(ten.shifting({.origin = {2, 3}}), CGRect(2, 3, 8, 7));
-    EXPECT_EQ(ten.shifting({.y = 3}), CGRect(0, 3, 10, 7));
+    EXPECT_EQ(ten.adding({.y = 1, .w = 2}).adding({.origin = CGPoint(1, 2)}), CGRect(1, 3, 12, 10));
+    EXPECT_EQ(ten.shifting({.x = 2}).shifting({.y = 3}), CGRect(2, 3, 8, 7));
     const CGRect r(10, 10, -4, -6); // negative sides tell what is stored from what is standardised
     EXPECT_EQ(r.with({.lw = 3}), CGRect(10, 10, 3, 6));
     EXPECT_EQ(r.with({.rw = 3}), CGRect(3, 10, 3, -6));
@@ -75,10 +58,10 @@ TEST(CGRect, ReplacesParts) {
     EXPECT_EQ(r.with({.th = 3}), CGRect(10, 1, -4, 3));
     EXPECT_EQ(r.with({.cw = 2}), CGRect(11, 10, 2, -6));
     EXPECT_EQ(r.with({.ch = 2}), CGRect(10, 12, -4, 2));
-    EXPECT_EQ(r.with({.x = 0}), CGRect(0, 10, 4, 6));
+    EXPECT_EQ(r.with({.y = 1}).with({.x = 0, .h = 5}), CGRect(0, 1, 4, 5));
     EXPECT_EQ(r.with({.origin = CGPoint()}), CGRect(0, 0, -4, -6));
-    EXPECT_EQ(r * 2, CGRect(20, 20, 8, 12));
-    EXPECT_EQ(2 * r, r * 2);
+    EXPECT_EQ(r.with({.size = CGSize(1, 2)}), CGRect(10, 10, 1, 2));
+    EXPECT_EQ(2 * r, CGRect(20, 20, 8, 12));
     CGRect doubled = r;
     doubled *= 2;
     EXPECT_EQ(doubled, CGRect(20, 20, -8, -12));
@@ -87,7 +70,6 @@ TEST(CGRect, ReplacesParts) {
 
 TEST(CGRect, ShrinksFitsAndFills) {
     EXPECT_EQ(CGRect(0, 0, 100, 100).shrunkBy({.percent = 0.2}), CGRect(10, 10, 80, 80));
-    EXPECT_EQ(ten.shrunkBy({.delta = 2}), CGRect(2, 2, 6, 6));
     EXPECT_EQ(ten.shrunkBy({.dx = -1, .dy = 2}), CGRect(-1, 2, 12, 6));
     EXPECT_TRUE(ten.shrunkBy({.delta = 6}).isNull());
     EXPECT_EQ(CGRect(10, 10, -10, -10).insetBy(1, 1), CGRect(1, 1, 8, 8));
@@ -95,11 +77,6 @@ TEST(CGRect, ShrinksFitsAndFills) {
         EXPECT_EQ(r.innerSquare(), r.innerFittingRect(1));
         EXPECT_EQ(r.outerSquare(), r.innerFillingRect(1));
     }
-    EXPECT_EQ(CGRect(0, 0, 10, 4).innerSquare(), CGRect(3, 0, 4, 4));
-    EXPECT_EQ(CGRect(0, 0, 10, 4).outerSquare(), CGRect(0, -3, 10, 10));
-    EXPECT_EQ(CGRect(7, 7, 2, 1).fitting(ten), CGRect(0, 2.5, 10, 5));
-    EXPECT_EQ(CGRect(7, 7, 2, 1).filling(ten), CGRect(-5, 0, 20, 10));
-    EXPECT_EQ(CGRect(7, 7, 2, 1).centered(ten), CGRect(4, 4.5, 2, 1));
     EXPECT_EQ(ten.minMax({15, -5}), CGPoint(10, 0));
     EXPECT_EQ(ten.scaledBy({2, 3}), CGRect(0, 0, 20, 30));
 }
@@ -205,17 +182,15 @@ TEST(RectAnchor, ClassifiesAndMirrors) {
 TEST(RectCorners, IsASet) {
     const RectCorners top({RectCorners::topLeft, RectCorners::topRight});
     EXPECT_EQ(top.rawValue(), 5);
-    EXPECT_EQ(top.flipped(), RectCorners::bottomLeft | RectCorners::bottomRight);
     EXPECT_EQ(top.flipped().rawValue(), 10);
     EXPECT_EQ(RectCorners::allValues.symmetricDifference(top), top.flipped());
     EXPECT_TRUE(top.isDisjoint(top.flipped()));
     EXPECT_TRUE(top.isStrictSubset(RectCorners::allValues));
     EXPECT_FALSE(top.isStrictSubset(top));
     EXPECT_EQ(RectCorners({.rawValue = -1}).flipped(), RectCorners::allValues);
-    RectCorners set;
-    set.insert(RectCorners::bottomLeft);
-    set.insert(top);
+    RectCorners set = top | RectCorners::bottomLeft;
+    set.insert(RectCorners::bottomRight);
     set.remove(RectCorners::topLeft);
-    EXPECT_EQ(set.rawValue(), 6);
+    EXPECT_EQ(set.rawValue(), 14);
     EXPECT_FALSE(set.contains(top));
 }

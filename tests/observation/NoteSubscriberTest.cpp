@@ -1,5 +1,8 @@
 #include <tests/Testing.h>
+#include <tests/Variable.h>
+#include <tests/waitUntil.h>
 
+#include <zorvan/observation/DistributedNoteSubscriber.h>
 #include <zorvan/observation/MultiNoteSubscriber.h>
 #include <zorvan/observation/NoteSubscriber.h>
 #include <zorvan/platform/dispatch/MainQueue.h>
@@ -9,20 +12,16 @@ namespace {
 const NSNotificationName opened = "Opened";
 const NSNotificationName closed = "Closed";
 
-struct Target {
-    std::string seen;
-};
-
 class NoteSubscriberTest : public testing::Test {
 protected:
     NoteSubscriberTest() { subscriber->setName(opened); }
 
-    static void note(const std::shared_ptr<Target>& self, const Notification& told) {
-        self->seen += told.name.rawValue().substr(0, 1);
+    static void note(const std::shared_ptr<std::string>& self, const Notification& told) {
+        *self += told.name.rawValue().substr(0, 1);
     }
     void subscribe() { subscriber->subscribe(target, note); }
 
-    std::shared_ptr<Target> target = std::make_shared<Target>();
+    std::shared_ptr<std::string> target = std::make_shared<std::string>();
     const std::shared_ptr<NSNotificationCenter> center = NSNotificationCenter::create();
     const std::shared_ptr<NoteSubscriber> subscriber = NoteSubscriber::create(center);
     std::shared_ptr<int> sender = std::make_shared<int>();
@@ -31,91 +30,56 @@ protected:
 TEST_F(NoteSubscriberTest, ObservesBetweenSubscribeAndUnsubscribe) {
     EXPECT_EQ(subscriber->center(), center);
     EXPECT_FALSE(subscriber->queue() || subscriber->object() || subscriber->observer());
-    subscriber->unsubscribe();
-    center->post(opened);
+    subscriber->unsubscribe(); // nothing yet
     subscribe();
-    EXPECT_TRUE(subscriber->observer());
     center->post(opened, sender);
-    center->post(closed);
-    EXPECT_EQ(target->seen, "O");
-    subscriber->unsubscribe();
-    EXPECT_FALSE(subscriber->observer());
-    subscriber->unsubscribe();
-    center->post(opened);
-    EXPECT_EQ(target->seen, "O");
-    subscribe();
-    center->post(opened);
-    EXPECT_EQ(target->seen, "OO");
-}
-
-TEST_F(NoteSubscriberTest, SettingsTakeEffectAtTheNextSubscribe) {
-    subscribe();
+    // What is set takes effect at the next subscribe.
     subscriber->setName(closed);
     subscriber->setObject(sender);
     subscriber->setQueue(NSOperationQueue::main());
     center->post(closed, sender);
     center->post(opened);
-    EXPECT_EQ(target->seen, "O");
+    EXPECT_EQ(*target, "OO");
     subscriber->unsubscribe();
-    subscribe();
+    EXPECT_FALSE(subscriber->observer());
     center->post(opened);
+    subscribe();
+    center->post(opened, sender);
     center->post(closed);
     center->post(closed, sender);
-    EXPECT_EQ(target->seen, "O");
+    EXPECT_EQ(*target, "OO");
     MainQueue::drain();
-    EXPECT_EQ(target->seen, "OC");
-}
-
-TEST_F(NoteSubscriberTest, ASenderThatIsGoneMeansEverySender) {
-    subscriber->setObject(sender);
-    EXPECT_EQ(subscriber->object(), sender);
-    sender = nullptr;
+    EXPECT_EQ(*target, "OOC");
+    center->removeObserver(subscriber->observer()); // at the center itself
+    EXPECT_FALSE(subscriber->observer());
+    sender = nullptr; // which means every sender
     EXPECT_FALSE(subscriber->object());
+    subscriber->setQueue(nullptr);
     subscribe();
-    center->post(opened);
-    EXPECT_EQ(target->seen, "O");
+    center->post(closed);
+    EXPECT_EQ(*target, "OOCC");
 }
 
-TEST_F(NoteSubscriberTest, KeepsNeitherTargetNorSenderAlive) {
-    int calls = 0;
-    subscriber->setObject(sender);
-    subscriber->subscribe(target,
-                          [&](const std::shared_ptr<Target>&, const Notification&) { ++calls; });
-    EXPECT_EQ(target.use_count(), 1);
-    EXPECT_EQ(sender.use_count(), 1);
-    center->post(opened, sender);
-    target = nullptr;
-    center->post(opened, sender);
-    EXPECT_EQ(calls, 1);
-    EXPECT_TRUE(subscriber->observer()) << "still registered";
-    // The target may be gone by the time of a queued delivery.
-    subscriber->unsubscribe();
-    subscriber->setQueue(NSOperationQueue::main());
-    target = std::make_shared<Target>();
-    subscribe();
-    center->post(opened, sender);
-    target = nullptr;
-    MainQueue::drain();
-}
-
-TEST_F(NoteSubscriberTest, ReleasingTheSubscriberDoesNotEndTheObservation) {
+TEST_F(NoteSubscriberTest, KeepsNothingAliveAndMayBeReleased) {
     auto released = NoteSubscriber::create(center);
     released->setName(opened);
-    released->subscribe(target, [](const auto& self, const Notification&) { self->seen += 'x'; });
-    const auto observer = released->observer();
+    released->setObject(sender);
+    released->subscribe(target, note);
+    EXPECT_TRUE(target.use_count() == 1 && sender.use_count() == 1);
+    const std::weak_ptr registration = released->observer();
     released = nullptr;
-    center->post(opened);
-    EXPECT_EQ(target->seen, "x");
-    center->removeObserver(observer);
-}
-
-TEST_F(NoteSubscriberTest, ATokenRemovedAtTheCenterEndsTheObservation) {
+    center->post(opened, sender);
+    EXPECT_EQ(*target, "O") << "the observation goes on";
+    target = nullptr;
+    center->post(opened, sender);
+    EXPECT_FALSE(registration.expired());
+    // The target may be gone by the time of a queued delivery.
+    subscriber->setQueue(NSOperationQueue::main());
+    target = std::make_shared<std::string>();
     subscribe();
-    center->removeObserver(subscriber->observer());
-    EXPECT_FALSE(subscriber->observer());
-    subscribe();
     center->post(opened);
-    EXPECT_EQ(target->seen, "O");
+    target = nullptr;
+    MainQueue::drain();
 }
 
 using NoteSubscriberDeathTest = NoteSubscriberTest;
@@ -136,14 +100,15 @@ protected:
     void subscribeToAll() { multi->subscribe(target, note); }
 
     const std::shared_ptr<MultiNoteSubscriber> multi = MultiNoteSubscriber::create(center);
-    const std::vector<std::shared_ptr<int>> senders{
-        std::make_shared<int>(), std::make_shared<int>(), std::make_shared<int>()};
+    std::vector<std::shared_ptr<int>> senders{std::make_shared<int>(), std::make_shared<int>(),
+                                              std::make_shared<int>()};
 };
 
 TEST_F(MultiNoteSubscriberTest, ObservesEveryPairByNameThenSender) {
     multi->setQueue(NSOperationQueue::main());
     multi->setNames({opened, closed});
-    multi->setObjects({senders[0], senders[1], OpaqueWeakValue({.value = senders[2]})});
+    multi->setObjects({senders[0], OpaqueWeakValue({.value = senders[1]}), senders[2]});
+    senders[2] = nullptr; // which means every sender
     subscribeToAll();
     ASSERT_EQ(multi->subscribers().size(), 6U);
     for (std::size_t i = 0; i < 6; ++i) {
@@ -152,33 +117,20 @@ TEST_F(MultiNoteSubscriberTest, ObservesEveryPairByNameThenSender) {
         EXPECT_EQ(each.object(), senders[i % 3]);
         EXPECT_EQ(each.queue(), NSOperationQueue::main());
         EXPECT_EQ(each.center(), center);
-        EXPECT_TRUE(each.observer());
     }
     center->post(opened, senders[1]);
-    center->post(closed, senders[2]);
     center->post(closed, sender);
-    EXPECT_EQ(target->seen, "");
+    EXPECT_EQ(*target, "");
     MainQueue::drain();
-    EXPECT_EQ(target->seen, "OC");
+    EXPECT_EQ(*target, "OOC");
 
     multi->unsubscribe();
-    EXPECT_TRUE(multi->subscribers().empty());
     multi->unsubscribe();
     center->post(opened, senders[1]);
     MainQueue::drain();
-    EXPECT_EQ(target->seen, "OC");
+    EXPECT_EQ(*target, "OOC");
     subscribeToAll();
     EXPECT_EQ(multi->subscribers().size(), 6U);
-}
-
-TEST_F(MultiNoteSubscriberTest, AnEmptyBoxMeansEverySender) {
-    multi->setNames({opened});
-    multi->setObjects({OpaqueWeakValue(sender)});
-    sender = nullptr;
-    subscribeToAll();
-    center->post(opened, senders[0]);
-    center->post(opened);
-    EXPECT_EQ(target->seen, "OO");
 }
 
 using MultiNoteSubscriberDeathTest = MultiNoteSubscriberTest;
@@ -191,6 +143,31 @@ TEST_F(MultiNoteSubscriberDeathTest, ChecksInOrder) {
     subscribeToAll();
     multi->setNames({});
     EXPECT_DEATH(subscribeToAll(), "^Subcribers are already observing.\n$");
+}
+
+TEST(DistributedNoteSubscriberTest, KeepsASenderThatIsGivenAsText) {
+    const Variable noBus("DBUS_SESSION_BUS_ADDRESS", nullptr),
+        noSockets("XDG_RUNTIME_DIR", nullptr);
+    const auto center = NSDistributedNotificationCenter::defaultCenter();
+    const auto told = std::make_shared<std::string>();
+    const auto subscriber = DistributedNoteSubscriber::create(center);
+    subscriber->setName("Moved");
+    subscriber->setObject("this one");
+    ASSERT_TRUE(subscriber->object());
+    EXPECT_EQ(*subscriber->object(), "this one");
+    subscriber->subscribe(told, [](const auto& self, const Notification& note) {
+        *self += *NSDistributedNotificationCenter::sender(note) + ';';
+    });
+    for (const char* sender : {"another", "this one", "another", "this one"})
+        center->post("Moved", sender);
+    EXPECT_TRUE(waitUntil([&] { return told->size() >= 18; }));
+    EXPECT_EQ(*told, "this one;this one;");
+    subscriber->unsubscribe();
+    for (const bool isNull : {true, false}) { // which mean every sender
+        isNull ? subscriber->setObject(nullptr)
+               : subscriber->setObject(std::make_shared<const std::string>("gone by then"));
+        EXPECT_FALSE(subscriber->object());
+    }
 }
 
 } // namespace

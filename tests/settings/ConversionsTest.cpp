@@ -29,45 +29,30 @@ TEST_F(Conversions, OfEveryKind) {
         {true, true, 1, 1, "1"},
         {false, false, 0, 0, "0"},
         {0, false, 0, 0, "0"},
-        {-7, true, -7, -7, "-7"},
         {top, true, top, 9223372036854775807.0, "9223372036854775807"},
         {~std::uint64_t{0}, true, top, 18446744073709551615.0, "18446744073709551615"},
         {0.0, false, 0, 0, "0"},
         {-0.5, true, 0, -0.5, "-0.5"},
-        {2.0, true, 2, 2, "2"},
         {0.1, true, 0, 0.1, "0.1"},
-        {1e300, true, top, 1e300, "1e+300"},
         {-1e300, true, bottom, -1e300, "-1e+300"},
-        {-inf, true, bottom, -inf, "-inf"},
         {"", false, 0, 0, ""},
-        {"42", true, 42, 42, "42"},
         {" \t-42.75 apples", true, -42, -42.75, " \t-42.75 apples"},
         {"+0012", true, 12, 12, "+0012"},
         {"1e3", true, 1, 1000, "1e3"},
-        {".5", false, 0, .5, ".5"},
-        {"0x10", false, 0, 0, "0x10"},
         {"1,5", true, 1, 1, "1,5"},
         {"YES", true, 0, 0, "YES"},
-        {"yellow", true, 0, 0, "yellow"},
         {"t", true, 0, 0, "t"},
-        {"true", true, 0, 0, "true"},
-        {"on", false, 0, 0, "on"},
         {"NO", false, 0, 0, "NO"},
-        {"00", false, 0, 0, "00"},
         {" -0y", true, 0, 0, " -0y"},
         {"inf", false, 0, 0, "inf"},
-        {"nan", false, 0, 0, "nan"},
         {"--1", false, 0, 0, "--1"},
         {"99999999999999999999", true, top, 1e20, "99999999999999999999"},
         {"-99999999999999999999", true, bottom, -1e20, "-99999999999999999999"},
-        {"9223372036854775807", true, top, 9223372036854775807.0, "9223372036854775807"},
         {"-9223372036854775808", true, bottom, -9223372036854775808.0, "-9223372036854775808"},
         {"1e999", true, 1, inf, "1e999"},
-        {"-1e999", true, -1, -inf, "-1e999"},
         {"1e-999", true, 1, 0, "1e-999"},
         {"1e99999999999999999999", true, 1, inf, "1e99999999999999999999"},
         {"1e-99999999999999999999", true, 1, 0, "1e-99999999999999999999"},
-        {"0." + zeros + "1e5", false, 0, 0, "0." + zeros + "1e5"},
         {"0." + zeros + "1e405", false, 0, 1e4, "0." + zeros + "1e405"},
         {"0." + zeros + "1e+800", false, 0, inf, "0." + zeros + "1e+800"},
         {"1" + zeros + ".5E-5", true, top, inf, "1" + zeros + ".5E-5"},
@@ -105,24 +90,16 @@ TEST_F(Conversions, OfEveryKind) {
 
 TEST_F(Conversions, OfURLs) {
     ::setenv("HOME", "/home/me", 1);
-    struct {
-        PropertyList stored;
-        std::optional<std::string> url;
-    } table[] = {
-        {"https://example.com/a?b", "https://example.com/a?b"},
-        {"file:///a%20b", "file:///a%20b"},
-        {"/a b", "file:///a%20b"},
-        {"~/x", "file:///home/me/x"},
-        {"~", "file:///home/me"},
-        {"~other/x", std::nullopt},
-        {"no scheme", std::nullopt},
-        {"", std::nullopt},
-        {std::string("/a\0b", 4), std::nullopt},
-        {1, std::nullopt},
+    const auto url = [&](const PropertyList& stored) {
+        store().setObject(stored, "k");
+        const auto read = store().URLForKey("k");
+        return read ? std::optional(read->absoluteString()) : std::nullopt;
     };
-    for (const auto& row : table) {
-        store().setObject(row.stored, "k");
-        const auto url = store().URLForKey("k");
-        EXPECT_EQ(url ? std::optional(url->absoluteString()) : std::nullopt, row.url);
-    }
+    EXPECT_EQ(url("https://example.com/a?b"), "https://example.com/a?b");
+    EXPECT_EQ(url("/a b"), "file:///a%20b");
+    EXPECT_EQ(url("~/x"), "file:///home/me/x");
+    EXPECT_EQ(url("~"), "file:///home/me");
+    for (const PropertyList& none : {PropertyList("~other/x"), PropertyList("no scheme"),
+                                     PropertyList(std::string("/a\0b", 4)), PropertyList(1)})
+        EXPECT_EQ(url(none), std::nullopt);
 }

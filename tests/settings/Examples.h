@@ -15,22 +15,17 @@
 enum class Letter { a, b };
 
 /// With raw numbers 5 and 6, so that nothing stands for 0.
-class Level {
-public:
-    explicit Level(std::int64_t raw) : raw_(raw) {}
+struct Level {
     struct RawValue {
         std::int64_t rawValue;
     };
     static std::optional<Level> make(RawValue argument) {
-        return argument.rawValue == 5 || argument.rawValue == 6
-                   ? std::optional(Level(argument.rawValue))
-                   : std::nullopt;
+        const bool isOne = argument.rawValue == 5 || argument.rawValue == 6;
+        return isOne ? std::optional(Level{argument.rawValue}) : std::nullopt;
     }
-    std::int64_t rawValue() const { return raw_; }
+    std::int64_t rawValue() const { return raw; }
     friend bool operator==(const Level&, const Level&) = default;
-
-private:
-    std::int64_t raw_;
+    std::int64_t raw = 5;
 };
 
 struct Window {

@@ -26,14 +26,15 @@ namespace zorvan {
 /// What the golden databases hold, the coders that were there when each was made. A database is
 /// never made again: what is added to a later version goes into another one.
 ///
-/// Goes through a value of each coder: a function for each name that writes it, one that checks it.
+/// Goes through a value of each coder: functions for each name that write it, write that there is
+/// none, and check it.
 class Golden {
 public:
     static constexpr int count = 2;
 
     explicit Golden(int number) { number == 1 ? addFirst() : addSecond(); }
 
-    std::map<std::string, std::function<void(NSUserDefaults&)>> writers;
+    std::map<std::string, std::function<void(NSUserDefaults&)>> writers, erasers;
     std::map<std::string, std::function<bool(NSUserDefaults&)>> checks;
 
 private:
@@ -66,7 +67,7 @@ private:
         add<DateFormatterStyleUDC>("DateFormatterStyle", NSDateFormatterStyle::medium);
         add<ImageExportFormatUDC>("ImageExportFormat", ImageExportFormat::heic);
         add<EnumStringUDC<Letter>>("EnumString", Letter::b);
-        add<EnumIntUDC<Level>>("EnumInt", Level(6));
+        add<EnumIntUDC<Level>>("EnumInt", Level{6});
         add<EnumStringArrayUDC<Letter>>("EnumStringArray", {Letter::b, Letter::a});
     }
 
@@ -86,6 +87,7 @@ private:
     template <class Coder>
     void add(const std::string& name, const typename Coder::CodableType& value) {
         writers[name] = [=](NSUserDefaults& store) { Coder().encode(value, store, name); };
+        erasers[name] = [=](NSUserDefaults& store) { Coder().encode(std::nullopt, store, name); };
         checks[name] = [=](NSUserDefaults& store) { return Coder().decode(store, name) == value; };
     }
 };

@@ -14,13 +14,10 @@ protected:
     }
 
     void install(const std::string& version) const {
-        const std::string entry =
-            version.empty()
-                ? ""
-                : "<key>CFBundleShortVersionString</key><string>" + version + "</string>";
-        folder_.file("app.bundle/Info.plist", "<plist><dict><key>CFBundleIdentifier</key>"
-                                              "<string>org.example.app</string>" +
-                                                  entry + "</dict></plist>");
+        folder_.file("app.bundle/Info.plist",
+                     "<plist><dict><key>CFBundleIdentifier</key><string>org.example.app</string>"
+                     "<key>CFBundleShortVersionString</key><string>" +
+                         version + "</string></dict></plist>");
     }
 
     std::string launch(const std::string& arguments = "") const {
@@ -40,33 +37,23 @@ protected:
 TEST_F(LaunchTracking, TellsFirstSecondAndUpdatedLaunch) {
     install("1.0");
     EXPECT_EQ(launch(), "VersionNumber=1.0.0\nLaunchesCount=1\nFirstLaunchDate=now\n"
-                        "VersionDidUpdate=1\nUpdateLaunchDate=now\n1.0.0 1 1 1 1\n");
-    EXPECT_EQ(launch(),
-              "VersionNumber=1.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n1.0.0 0 2 1 1\n");
+                        "VersionDidUpdate=1\nUpdateLaunchDate=now\n");
+    EXPECT_EQ(launch(), "VersionNumber=1.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n");
     install("1.0.1");
     EXPECT_EQ(launch(), "VersionNumber=1.0.1\nLaunchesCount=3\nVersionDidUpdate=1\n"
-                        "UpdateLaunchDate=now\n1.0.1 1 3 1 1\n");
+                        "UpdateLaunchDate=now\n");
     install("1.0"); // back
-    EXPECT_EQ(launch(),
-              "VersionNumber=1.0.0\nLaunchesCount=4\nVersionDidUpdate=0\n1.0.0 0 4 1 1\n");
+    EXPECT_EQ(launch(), "VersionNumber=1.0.0\nLaunchesCount=4\nVersionDidUpdate=0\n");
     EXPECT_EQ(launch("clear"), "0 left\n");
     EXPECT_EQ(launch(), "VersionNumber=1.0.0\nLaunchesCount=1\nFirstLaunchDate=now\n"
-                        "VersionDidUpdate=1\nUpdateLaunchDate=now\n1.0.0 1 1 1 1\n");
-}
-
-TEST_F(LaunchTracking, ManagesWithoutAVersion) {
-    install("");
-    EXPECT_EQ(launch(), "VersionNumber=0.0.0\nLaunchesCount=1\nFirstLaunchDate=now\n"
-                        "VersionDidUpdate=0\n0.0.0 0 1 1 0\n");
-    EXPECT_EQ(launch(),
-              "VersionNumber=0.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n0.0.0 0 2 1 0\n");
+                        "VersionDidUpdate=1\nUpdateLaunchDate=now\n");
 }
 
 // An object that is older than the store uses it after the main function, what it writes is kept,
 // and the database is closed before.
 TEST_F(LaunchTracking, LeavesSettingsUsableUntilTheEnd) {
     install("1.0");
-    EXPECT_TRUE(launch("late").ends_with("1.0.0 1 1 1 1\nlate 2\n"));
+    EXPECT_TRUE(launch("late").ends_with("UpdateLaunchDate=now\nlate 2\n"));
     EXPECT_TRUE(launch("late").ends_with("late 2\n"));
     EXPECT_TRUE(launch().starts_with("VersionNumber=1.0.0\nLaunchesCount=1\n")); // cleared
     EXPECT_FALSE(
@@ -77,12 +64,11 @@ TEST_F(LaunchTracking, LeavesSettingsUsableUntilTheEnd) {
 TEST_F(LaunchTracking, IsThatOfTheProgramWhoseFileWasReplaced) {
     install("1.0");
     launch();
-    EXPECT_EQ(launch("updated"),
-              "VersionNumber=1.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n1.0.0 0 2 1 1\n");
+    EXPECT_EQ(launch("updated"), "VersionNumber=1.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n");
     std::filesystem::remove_all(folder_.path() / "app.bundle"); // settings go by the name now
-    launch();
-    EXPECT_EQ(launch("updated"),
-              "VersionNumber=0.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n0.0.0 0 2 1 0\n");
+    EXPECT_EQ(launch(), "VersionNumber=0.0.0\nLaunchesCount=1\nFirstLaunchDate=now\n"
+                        "VersionDidUpdate=0\n");
+    EXPECT_EQ(launch("updated"), "VersionNumber=0.0.0\nLaunchesCount=2\nVersionDidUpdate=0\n");
     std::filesystem::rename(folder_.path() / "app", folder_.path() / "app (deleted)");
     program_ = "'app (deleted)'";
     EXPECT_NE(launch().find("LaunchesCount=1"), std::string::npos);
@@ -95,12 +81,9 @@ TEST_F(LaunchTracking, IsThatOfTheProgramWhoseFileWasReplaced) {
 TEST_F(LaunchTracking, ReadsWhatIsStoredLeniently) {
     install("2.0");
     EXPECT_EQ(launch("VersionNumber 1.x LaunchesCount 41"),
-              "VersionNumber=2.0.0\nLaunchesCount=42\nVersionDidUpdate=1\nUpdateLaunchDate=now\n"
-              "2.0.0 1 42 0 1\n");
+              "VersionNumber=2.0.0\nLaunchesCount=42\nVersionDidUpdate=1\nUpdateLaunchDate=now\n");
     EXPECT_EQ(launch("VersionNumber 2.0.1 LaunchesCount 0"),
-              "VersionNumber=2.0.0\nLaunchesCount=1\nFirstLaunchDate=now\nVersionDidUpdate=0\n"
-              "2.0.0 0 1 1 1\n");
+              "VersionNumber=2.0.0\nLaunchesCount=1\nFirstLaunchDate=now\nVersionDidUpdate=0\n");
     EXPECT_EQ(launch("LaunchesCount 9223372036854775807"),
-              "VersionNumber=2.0.0\nLaunchesCount=9223372036854775807\nVersionDidUpdate=0\n"
-              "2.0.0 0 9223372036854775807 1 1\n");
+              "VersionNumber=2.0.0\nLaunchesCount=9223372036854775807\nVersionDidUpdate=0\n");
 }

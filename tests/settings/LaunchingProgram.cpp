@@ -58,11 +58,5 @@ int main(int argc, char** argv) {
         return 0;
     }
     updateStatisticsAtLaunch(*store);
-    std::printf("%s %d %lld %d %d\n",
-                store->value(UserDefaultsKeys::versionNumber()).rawValue().c_str(),
-                store->value(UserDefaultsKeys::versionDidUpdate()),
-                static_cast<long long>(store->value(UserDefaultsKeys::launchesCount())),
-                store->value(UserDefaultsKeys::firstLaunchDate()).has_value(),
-                store->value(UserDefaultsKeys::updateLaunchDate()).has_value());
     return 0;
 }

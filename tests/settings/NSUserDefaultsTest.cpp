@@ -23,14 +23,6 @@ TEST_F(Defaults, KeepDomainsApart) {
     EXPECT_EQ(told(), std::vector<std::string>());
 }
 
-TEST_F(Defaults, ReplaceADomain) {
-    store().setInteger(1, "old");
-    store().setInteger(1, "both");
-    store().setPersistentDomain({{"both", 2}, {"new", 3}}, "suite");
-    EXPECT_EQ(store().persistentDomainForName("suite"),
-              (PropertyList::Dictionary{{"both", 2}, {"new", 3}}));
-}
-
 TEST_F(Defaults, FallBackToWhatIsRegistered) {
     store().registerDefaults({{"a", 1}, {"b", 1}});
     store().registerDefaults({{"b", 2}});
@@ -55,15 +47,11 @@ TEST_F(Defaults, ClearNothingWithoutAnIdentifier) {
 
 TEST_F(Defaults, TravelAsXML) {
     const PropertyList::Dictionary values{
-        {"text", "a<b"},
-        {"truth", true},
-        {"number", -5},
-        {"large", ~std::uint64_t{0}},
-        {"real", 0.1},
-        {"data", Data{std::byte{1}}},
-        {"date", Date(std::chrono::seconds(1'000'000))},
-        {"list", PropertyList::Array{PropertyList::Dictionary{{"", 1}}}}};
+        {"text", "a<b"}, {"truth", true}, {"list", PropertyList::Array{0.1, ~std::uint64_t{0}}}};
+    store().setInteger(1, "old");
+    store().setInteger(1, "text");
     store().setPersistentDomain(values, "suite");
+    EXPECT_EQ(store().persistentDomainForName("suite"), values);
     const auto xml = store().exportedXML();
     ASSERT_TRUE(xml);
     const auto other = NSUserDefaults::create({.suiteName = "other"});
@@ -91,7 +79,6 @@ TEST_F(Defaults, AreSafeFromSeveralThreads) {
         threads.emplace_back([this, t] {
             for (int i = 0; i < 200; ++i) {
                 store().setInteger(i, "own" + std::to_string(t));
-                store().integerForKey("own0");
                 store().registerDefaults({{"r", i}});
                 store().integerForKey("r");
             }

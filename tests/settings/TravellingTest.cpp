@@ -1,4 +1,3 @@
-#include "Process.h"
 #include "Store.h"
 
 #include <tests/platform/settingsdatabase/Processes.h>
@@ -68,10 +67,10 @@ TEST_F(Travelling, ModifiesInOneStep) {
 }
 
 TEST_F(Travelling, IsFollowedOnTheMainQueue) {
+    std::size_t atFirst = 0;
     auto observation = store().follow([&](const Texts& keys) {
-        for (const std::string& key : keys)
-            heard_.push_back(key);
-        heard_.push_back("|");
+        atFirst = std::max(atFirst, heard_.empty() ? keys.size() : 0);
+        heard_.insert(heard_.end(), keys.begin(), keys.end());
     });
     store()[count] = 1; // which is told by the notification
     elsewhere([&](NSUserDefaults& other) {
@@ -81,9 +80,8 @@ TEST_F(Travelling, IsFollowedOnTheMainQueue) {
         });
         other[files] = Texts{"f"};
     });
-    const Texts all = heard(4);
-    EXPECT_EQ(std::accumulate(all.begin(), all.end(), std::string()).substr(0, 10), "titlecount");
-    EXPECT_EQ(std::ranges::count(all, "files"), 1);
+    EXPECT_THAT(heard(3), ElementsAre("title", "count", "files"));
+    EXPECT_GE(atFirst, 2u); // those of the transaction
     EXPECT_THAT(told(), ElementsAre("count"));
     observation->end();
     elsewhere([&](NSUserDefaults& other) { other[count] = 3; });
@@ -118,14 +116,4 @@ TEST_F(Travelling, IsObservedWithItsTypes) {
     EXPECT_THAT(heard(1), ElementsAre("registered t"));
     elsewhere([&](NSUserDefaults& other) { other[title] = std::nullopt; });
     EXPECT_THAT(heard(1), ElementsAre("t registered"));
-}
-
-TEST_F(Travelling, IsShownByTheExample) {
-    const Process::Environment environment{{"XDG_CONFIG_HOME", folder_.path().string()}};
-    Process shows({FOLLOW}, environment);
-    EXPECT_EQ(shows.hear(), "volume: 50");
-    for (const char* line : {"volume: 50 -> 57", "volume: 57 -> 64"}) {
-        Process changes({FOLLOW, "7"}, environment);
-        EXPECT_EQ(shows.hear(), line);
-    }
 }

@@ -18,6 +18,8 @@ using Names = std::vector<std::string>;
 
 TEST_F(Keys, ReadTheDefaultAndTellOfEachWrite) {
     EXPECT_EQ(store()[count].value(), 5);
+    EXPECT_EQ(store()[title].value(), std::nullopt);
+    EXPECT_EQ(store()[name].value(), "nobody");
     EXPECT_EQ(told(), Names());
     store()[count] = 7;
     ASSERT_EQ(notes_.size(), 1u);
@@ -25,32 +27,22 @@ TEST_F(Keys, ReadTheDefaultAndTellOfEachWrite) {
     EXPECT_EQ(notes_[0].object, store_);
     ASSERT_TRUE(notes_[0].userInfo && notes_[0].userInfo->size() == 1);
     EXPECT_EQ(*notes_[0].value<std::string>("EditedKeyName"), "Count");
-    const std::int64_t read = store()[count];
-    EXPECT_EQ(read, 7);
-    reopen();
-    EXPECT_EQ(store()[count].value(), 7);
-}
-
-TEST_F(Keys, RemoveWhatIsSetToAbsent) {
-    EXPECT_EQ(store()[title].value(), std::nullopt);
-    EXPECT_EQ(store()[name].value(), "nobody");
     store()[title] = "x";
     store()[name] = "me";
+    reopen();
+    const std::int64_t read = store()[count];
+    EXPECT_EQ(read, 7);
     EXPECT_EQ(store()[name].value(), "me");
     store()[title] = std::nullopt;
     store()[name] = std::nullopt;
     EXPECT_FALSE(store().hasObjectForKey("Title"));
     EXPECT_EQ(store()[name].value(), "nobody");
-    EXPECT_EQ(told(), (Names{"Title", "Name", "Title", "Name"}));
-}
-
-TEST_F(Keys, ChangeInPlaceWithOneWrite) {
     store()[count] += 3;
     store()[count] -= 1;
-    EXPECT_EQ(store()[count].value(), 7);
     store()[count].modify([](std::int64_t& value) { value *= 10; });
-    EXPECT_EQ(store()[count].value(), 70);
-    EXPECT_EQ(told().size(), 3u);
+    EXPECT_EQ(store()[count].value(), 90);
+    EXPECT_EQ(told(),
+              (Names{"Count", "Title", "Name", "Title", "Name", "Count", "Count", "Count"}));
 }
 
 TEST_F(Keys, AreSetOnlyWhenNothingIsThere) {
@@ -64,18 +56,15 @@ TEST_F(Keys, AreSetOnlyWhenNothingIsThere) {
     EXPECT_TRUE(store().hasValue(count));
     EXPECT_EQ(store()[count].value(), 0); // as the store converts it
 
-    store().removeObjectForKey("Count");
-    EXPECT_FALSE(store().hasValue(count));
-    store().setIfNil(count, expression);
-    store().setIfNil(count, expression);
+    for (const bool isDefault : {false, true}) {
+        store().removeObjectForKey("Count");
+        EXPECT_FALSE(store().hasValue(count));
+        for (int i = 0; i < 2; ++i)
+            isDefault ? store().setDefaultValue(count) : store().setIfNil(count, expression);
+        EXPECT_EQ(store().integerForKey("Count"), isDefault ? 5 : 1);
+        EXPECT_EQ(told(), Names{"Count"});
+    }
     EXPECT_EQ(evaluated, 1);
-    EXPECT_EQ(told(), Names{"Count"});
-
-    store().removeObjectForKey("Count");
-    store().setDefaultValue(count);
-    store().setDefaultValue(count);
-    EXPECT_EQ(store().integerForKey("Count"), 5);
-    EXPECT_EQ(told(), Names{"Count"});
 
     store().setOptIfNil(title, std::optional<std::string>());
     EXPECT_FALSE(store().hasValue(title));
@@ -85,55 +74,22 @@ TEST_F(Keys, AreSetOnlyWhenNothingIsThere) {
     EXPECT_EQ(told(), (Names{"Title", "Title"}));
 }
 
-TEST_F(Keys, TellAfterTheWrite) {
-    std::int64_t seen = 0;
-    const auto observer = NSNotificationCenter::defaultCenter()->addObserver(
-        NSUserDefaults::didSetKeyNotification(), store_, {}, [&](const Notification&) {
-            if (std::exchange(seen, store()[count].value()) == 0)
-                store()[count] = 9; // tells again, of itself
-        });
-    store()[count] = 8;
-    EXPECT_EQ(seen, 9);
-    EXPECT_EQ(told().size(), 2u);
-    NSNotificationCenter::defaultCenter()->removeObserver(observer);
-}
-
 TEST_F(Keys, AreFoundInNotifications) {
     const EvaluedUserDefaultsKey<IntUDC> other({.name = "count", .value = 0});
     const auto note = [](std::optional<Notification::UserInfo> info) {
         return Notification(NSUserDefaults::didSetKeyNotification(), {}, std::move(info));
     };
-    struct {
-        std::optional<Notification::UserInfo> info;
-        std::optional<std::string> name;
-        bool isCount;
-    } table[] = {
-        {Notification::UserInfo{{"EditedKeyName", std::string("Count")}}, "Count", true},
-        {Notification::UserInfo{{"EditedKeyName", std::string("count")}}, "count", false},
-        {Notification::UserInfo{{"EditedKeyName", 3}}, std::nullopt, false},
-        {Notification::UserInfo{{"Other", std::string("Count")}}, std::nullopt, false},
-        {std::nullopt, std::nullopt, false},
-    };
-    for (const auto& row : table) {
-        EXPECT_EQ(NSUserDefaults::editedKeyName(note(row.info)), row.name);
-        EXPECT_EQ(NSUserDefaults::note(note(row.info), {&count}), row.isCount);
+    const auto edited = note(Notification::UserInfo{{"EditedKeyName", std::string("Count")}});
+    EXPECT_EQ(NSUserDefaults::editedKeyName(edited), "Count");
+    EXPECT_TRUE(NSUserDefaults::note(edited, {&other, &count}));
+    EXPECT_FALSE(NSUserDefaults::note(edited, {&other})); // "count" is another name
+    EXPECT_FALSE(
+        NSUserDefaults::note(edited, std::span<const EvaluedUserDefaultsKey<IntUDC>* const>()));
+    using Info = Notification::UserInfo;
+    for (const std::optional<Info>& info :
+         {std::optional<Info>(), std::optional(Info{{"EditedKeyName", 3}}),
+          std::optional(Info{{"Other", std::string("Count")}})}) {
+        EXPECT_EQ(NSUserDefaults::editedKeyName(note(info)), std::nullopt);
+        EXPECT_FALSE(NSUserDefaults::note(note(info), {&count}));
     }
-    EXPECT_TRUE(NSUserDefaults::note(note(table[0].info), {&other, &count}));
-    EXPECT_FALSE(NSUserDefaults::note(note(table[0].info),
-                                      std::span<const EvaluedUserDefaultsKey<IntUDC>* const>()));
-}
-
-// A value that the coder cannot encode is told of all the same.
-TEST_F(Keys, TellWhateverTheCoderDid) {
-    struct Nothing {
-        using CodableType = int;
-        std::optional<int> decode(NSUserDefaults&, std::string_view) const { return std::nullopt; }
-        void encode(std::optional<int>, NSUserDefaults&, std::string_view) const {}
-    };
-    static_assert(UserDefaultsCoder<Nothing> && UserDefaultsCoder<IntUDC> &&
-                  !UserDefaultsCoder<int>);
-    const EvaluedUserDefaultsKey<Nothing> key({.name = "N", .coder = Nothing(), .value = 1});
-    store()[key] = 2;
-    EXPECT_EQ(store()[key].value(), 1);
-    EXPECT_EQ(told(), Names{"N"});
 }

@@ -170,8 +170,8 @@ TEST_F(Shelf, PrintsJSONForMachines) {
 }
 
 TEST_F(Shelf, ShowsMoviesAmongThePictures) {
-    testmovies::make("red.mp4", {"-f", "lavfi", "-i", "color=red:s=160x80:r=30000/1001:d=2", "-c:v",
-                                 "libx264", "-metadata", "creation_time=2024-05-31T12:34:56Z"});
+    testmovies::make("red.mp4", "-f lavfi -i color=red:s=160x80:r=30000/1001:d=2 -c:v libx264 "
+                                "-metadata creation_time=2024-05-31T12:34:56Z");
     testmovies::setMatrix("red.mp4", 0, {0, 1, -1, 0, 80, 0});
     folder.file("a.mp4", testmovies::read("red.mp4"));
     folder.file("bare", testmovies::read("red.mp4")); // known by its bytes

@@ -16,13 +16,9 @@ TEST(CMTimeRange, IsMadeAndChanged) {
     EXPECT_EQ(CMTimeRange({.duration = t(4)}), range(0, 4));
     EXPECT_EQ(range(5, 9).with({.start = t(1)}), range(1, 5));
     EXPECT_EQ(range(5, 9).with({.end = t(7)}), range(5, 7));
-    EXPECT_EQ(range(5, 9).end(), 9);
     const CMTimeRange backward = range(5, 9).with({.end = t(3)});
     EXPECT_EQ(backward.duration, -2);
-    EXPECT_FALSE(backward.isValid());
-    EXPECT_FALSE(CMTimeRange().isValid());
-    EXPECT_TRUE(range(5, 5).isEmpty());
-    EXPECT_FALSE(backward.isEmpty());
+    EXPECT_FALSE(backward.isValid() || CMTimeRange().isValid() || backward.isEmpty());
     EXPECT_EQ(CMTimeRangeMake(t(2), t(4)).split(2).next(), t(3));
 }
 
@@ -34,12 +30,10 @@ TEST(CMTimeRange, HoldsTimesUpToItsEnd) {
         CMTime clamped;
     } table[] = {
         {range(5, 9), t(5), true, t(5)},        {range(5, 9), t(9), false, t(9)},
-        {range(5, 9), t(4), false, t(5)},       {range(5, 9), t(10), false, t(9)},
-        {range(5, 5), t(5), false, t(5)},       {range(5, 9), plus, false, t(9)},
-        {range(5, 9), minus, false, t(5)},      {range(5, 9), unknown, false, unknown},
-        {range(5, 9), invalid, false, invalid}, {range(5, 9), inEpoch(1, 6), false, invalid},
-        {range(9, 5), t(7), false, invalid},    {endless, t(1000000), true, t(1000000)},
-        {endless, plus, false, plus},           {endless, unknown, false, unknown},
+        {range(5, 9), plus, false, t(9)},       {range(5, 9), minus, false, t(5)},
+        {range(5, 9), unknown, false, unknown}, {range(5, 9), inEpoch(1, 6), false, invalid},
+        {range(5, 9), invalid, false, invalid}, {range(9, 5), t(7), false, invalid},
+        {endless, t(1000), true, t(1000)},      {endless, plus, false, plus},
     };
     for (const auto& row : table) {
         EXPECT_EQ(row.range.contains(row.time), row.contained) << row.time.hhmmssDesc();
@@ -54,7 +48,6 @@ TEST(CMTimeRange, MeetsOtherRanges) {
         CMTimeRange intersection, all;
     } table[] = {
         {range(5, 9), range(5, 9), true, range(5, 9), range(5, 9)},
-        {range(5, 9), range(7, 12), false, range(7, 9), range(5, 12)},
         {range(5, 9), range(9, 12), false, kCMTimeRangeZero, range(5, 12)},
         {range(5, 9), range(1, 1), false, kCMTimeRangeZero, range(5, 9)},
         {endless, range(6, 8), true, range(6, 8), endless},

@@ -15,37 +15,31 @@ TEST(CMTime, IsMadeFromSeconds) {
         {make(0.5, 1), rounded(1)},      {make(1.0 / 3, 100), rounded(33, 100)},
         {make(-0.5, 1), rounded(-1)},    {make(-1e300, 600), minus},
         {make(1e19, 600), plus},         {seconds(infinity), plus},
+        {seconds(NAN), invalid},         {make(1, 0), invalid},
     };
     expectSame(table);
-    constexpr std::int64_t large = 5000000000000000000;
-    expectSame({{make(1e13, 1000000), t(large, 500000)},
-                {make(5e18, 3), t(large)},
+    expectSame({{make(1e13, 1000000), t(5000000000000000000, 500000)},
                 {make(0.49999999999999994, 1), rounded(0)}});
-    for (const CMTime& time : {seconds(NAN), CMTimeMakeWithSeconds(1, 0), t(1, -600)})
-        EXPECT_FALSE(time.isValid());
 }
 
 TEST(CMTime, TellsItsKind) {
     struct {
         CMTime time;
-        bool valid, numeric, indefinite, positive, negative;
+        std::array<bool, 5> kinds; // valid, numeric, indefinite, positively, negatively infinite
         double safe;
     } table[] = {
-        {invalid, false, false, false, false, false, 0},
-        {unknown, true, false, true, false, false, 0},
-        {plus, true, false, false, true, false, infinity},
-        {minus, true, false, false, false, true, -infinity},
-        {t(0), true, true, false, false, false, 0},
-        {t(-3, 2), true, true, false, false, false, -1.5},
+        {invalid, {}, 0},
+        {unknown, {true, false, true}, 0},
+        {plus, {true, false, false, true}, infinity},
+        {minus, {true, false, false, false, true}, -infinity},
+        {t(-3, 2), {true, true}, -1.5},
     };
-    for (const auto& [time, valid, numeric, indefinite, positive, negative, safe] : table) {
-        EXPECT_EQ(time.isValid(), valid);
-        EXPECT_EQ(time.isNumeric(), numeric);
-        EXPECT_EQ(time.isIndefinite(), indefinite);
-        EXPECT_EQ(time.isPositiveInfinity(), positive);
-        EXPECT_EQ(time.isNegativeInfinity(), negative);
+    for (const auto& [time, kinds, safe] : table) {
+        EXPECT_EQ((std::array{time.isValid(), time.isNumeric(), time.isIndefinite(),
+                              time.isPositiveInfinity(), time.isNegativeInfinity()}),
+                  kinds);
         EXPECT_EQ(time.safeSeconds(), safe);
-        EXPECT_EQ(std::isnan(time.seconds()), !valid || indefinite);
+        EXPECT_EQ(std::isnan(time.seconds()), !time.isValid() || time.isIndefinite());
     }
     CMTime byHand = t(1);
     byHand.timescale = 0; // a valid flag alone does not make a number
@@ -57,30 +51,25 @@ TEST(CMTime, ReadsLikeAClock) {
     struct {
         CMTime time;
         ClockTimeWithMilliseconds clock;
-        std::string desc, milliseconds;
+        std::string text;
     } table[] = {
-        {seconds(3723.25), {1, 2, 3, 250}, "01:02:03", ":250"},
-        {seconds(90000), {25, 0, 0, 0}, "25:00:00", ":000"},
-        {seconds(-3661), {-1, -1, -1, 0}, "-1:-1:-1", ":000"},
-        {seconds(-1.25), {0, 0, -2, 750}, "00:00:-2", ":750"},
-        {seconds(0.0625), {0, 0, 0, 62.5}, "00:00:00", ":062"},
-        {seconds(1e6), {277, 46, 40, 0}, "277:46:40", ":000"},
-        {unknown, {0, 0, 0, 0}, "00:00:00", ":000"}, // as all that has no place on a clock
+        {seconds(3723.25), {1, 2, 3, 250}, "01:02:03:250"},
+        {seconds(-3661), {-1, -1, -1, 0}, "-1:-1:-1:000"},
+        {seconds(-1.25), {0, 0, -2, 750}, "00:00:-2:750"},
+        {seconds(0.0625), {0, 0, 0, 62.5}, "00:00:00:062"},
+        {seconds(1e6), {277, 46, 40, 0}, "277:46:40:000"},
+        {invalid, {0, 0, 0, 0}, "00:00:00:000"}, // as all that has no place on a clock
+        {t(largest), {0, 0, 0, 0}, "00:00:00:000"},
     };
-    const auto hyphened = [](std::string text) {
-        std::replace(text.begin(), text.end(), ':', '-');
-        return text;
-    };
-    for (const auto& [time, clock, desc, milliseconds] : table) {
-        EXPECT_EQ(time.hhmmssms(), clock) << desc;
-        EXPECT_EQ(time.hhmmss(), (ClockTime{clock.hh, clock.mm, clock.ss}));
-        EXPECT_EQ(time.hhmmssDesc(), desc);
-        EXPECT_EQ(time.hhmmssmsDesc(), desc + milliseconds);
-        EXPECT_EQ(time.hhmmssName(), hyphened(desc));
-        EXPECT_EQ(time.hhmmssmsName(), hyphened(desc + milliseconds));
+    for (const auto& [time, clock, text] : table) {
+        EXPECT_EQ(time.hhmmssms(), clock) << text;
+        EXPECT_EQ(time.hhmmssmsDesc(), text);
     }
-    for (const CMTime& nowhere : {invalid, plus, minus, t(largest)})
-        EXPECT_EQ(nowhere.hhmmssmsDesc(), "00:00:00:000");
+    const CMTime time = seconds(-3723.25);
+    EXPECT_EQ(time.hhmmss(), (ClockTime{-1, -2, -4}));
+    EXPECT_EQ(time.hhmmssDesc(), "-1:-2:-4");
+    EXPECT_EQ(time.hhmmssName(), "-1--2--4");
+    EXPECT_EQ(time.hhmmssmsName(), "-1--2--4-750");
     EXPECT_EQ(seconds(59.9996).hhmmssmsDesc(), "00:00:59:1000");
     EXPECT_LT(seconds(59.999999).hhmmssms().ms, 1000);
 }
@@ -89,27 +78,18 @@ TEST(CMTime, Compares) {
     EXPECT_TRUE(t(10).isNearlyEqualTo(t(10) + t(1, 1200)));
     EXPECT_FALSE(t(10).isNearlyEqualTo(t(10) - t(1, 600)));
     EXPECT_TRUE(t(10).isNearlyEqualTo(t(11), t(3, 2)));
-    EXPECT_TRUE(t(10).isNearlyEqualTo(t(9), 1.1));
     EXPECT_FALSE(t(10).isNearlyEqualTo(t(9), 1.0));
     EXPECT_FALSE(plus.isNearlyEqualTo(plus));
     EXPECT_FALSE(invalid.isNearlyEqualTo(t(10)));
     const CMTime time = t(3, 2);
-    EXPECT_TRUE(time == 1.5 && 1.5 == time && time != 1.6 && 1.6 != time);
-    EXPECT_TRUE(time < 2 && time <= 1.5 && time >= 1.5 && time > 1);
-    EXPECT_TRUE(2 > time && 1.5 >= time && 1.5 <= time && 1 < time);
+    EXPECT_TRUE(time == 1.5 && 1.5 == time && time != 1.6 && 1 < time && time <= 1.5 && 2 > time);
     // Seconds are taken to the microsecond before they are compared.
-    EXPECT_TRUE(t(1, 3) > 1.0 / 3);
-    EXPECT_TRUE(time == 1.5 + 1e-7);
-    EXPECT_TRUE(plus == infinity);
+    EXPECT_TRUE(t(1, 3) > 1.0 / 3 && time == 1.5 + 1e-7 && plus == infinity);
 }
 
 TEST(CMTime, IsSplitIntoMiddles) {
     EXPECT_FALSE(t(10).split(0).next());
     EXPECT_FALSE(t(10).split(-3).next());
-    CMTimeIterator times = t(10).split(1);
-    EXPECT_EQ(times.next(), t(5));
-    EXPECT_FALSE(times.next());
-    EXPECT_FALSE(times.next());
     for (const std::int64_t count : {std::int64_t{1} << 31, std::int64_t{5000000000}, largest}) {
         const std::optional<CMTime> first = t(10).split(count).next();
         ASSERT_TRUE(first);

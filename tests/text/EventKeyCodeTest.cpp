@@ -25,10 +25,8 @@ TEST(EventKeyCode, StartsWithTheInitialTable) {
 
 TEST(EventKeyCode, IsReassignedForTheProcess) {
     const EventKeyCode before = EventKeyCode::letterA;
-    EXPECT_EQ(EventKeyCode({.rawValue = 12}), EventKeyCode::letterA);
     EventKeyCode::letterA = EventKeyCode({.rawValue = 0});
     EXPECT_EQ(EventKeyCode::letterA, EventKeyCode::letterQ);
-    EXPECT_EQ(EventKeyCode::letterQ.rawValue, 0);
     EventKeyCode::letterA = before;
     EXPECT_NE(EventKeyCode(65535), EventKeyCode(127)); // every code is taken
 }

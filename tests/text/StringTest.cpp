@@ -10,26 +10,23 @@
 using Matches = std::vector<std::vector<std::string>>;
 
 TEST(String, TellsBlankFromEmptyAndShapes) {
-    for (const char* blank : {"", "  \n", "\u00A0\u2028\t\r\n"})
+    for (const char* blank : {"", "  \n", "\u00A0\u2028\t\r\n\u0085"})
         EXPECT_TRUE(isBlank(blank)) << blank;
     EXPECT_FALSE(isBlank(" \u0301"));
-    EXPECT_FALSE(isBlank("\xFF"));
     EXPECT_EQ(nonEmpty(""), std::nullopt);
-    EXPECT_EQ(nonEmpty(" "), " ");
     EXPECT_EQ(nonBlank("  \n"), std::nullopt);
     EXPECT_EQ(nonBlank(" a "), " a ");
     EXPECT_EQ(strip("\n a \n"), "\n a \n");
-    EXPECT_EQ(strip("\t a b\u3000"), "a b");
+    EXPECT_EQ(strip(" \x80 \xE3\x80 \u3000"), "\x80 \xE3\x80");
     EXPECT_FALSE(isValidMessage(""));
     EXPECT_TRUE(isValidMessage(" "));
     EXPECT_EQ(count("e\u0301\r\n👨‍👩‍👧"), 3);
     EXPECT_EQ(minPadding("abc", 4), "abc ");
     EXPECT_EQ(minPadding("abcdef", 4), "abcdef");
     EXPECT_EQ(minPadding("😀", 4), "😀  "); // two UTF-16 units
-    EXPECT_EQ(minPadding("ab", -1), "ab");
     for (const auto& [text, changed] : {std::pair("Hello", "hello"),
                                         {"", ""},
-                                        {"ÉTÉ", "éTÉ"},
+                                        {"İTÉ", "i\u0307TÉ"},
                                         {"E\u0301T", "e\u0301T"},
                                         {"\xFFÀ", "\xFFÀ"}})
         EXPECT_EQ(decapitalized(text), changed);
@@ -38,19 +35,14 @@ TEST(String, TellsBlankFromEmptyAndShapes) {
 TEST(String, NumbersCopies) {
     // A name needs four characters; "٣" is a digit to the pattern, but no decimal integer; "."
     // stays in its line.
-    const std::pair<std::string_view, std::string_view> cases[] = {
-        {"", " (1)"},
-        {"(1)", "(1) (1)"},
-        {"e\u0301(1", "e\u0301(1 (1)"},
-        {"File (9)", "File (10)"},
-        {"File ()", "File () (1)"},
-        {"File (007)", "File (8)"},
-        {"File (٣)", "File (٣) (1)"},
-        {"Report (2) final", "Report (3)"}};
-    for (const auto& [name, copy] : cases)
+    for (const auto& [name, copy] : {std::pair("(1)", "(1) (1)"),
+                                     {"e\u0301(1", "e\u0301(1 (1)"},
+                                     {"File ()", "File () (1)"},
+                                     {"File (007)", "File (8)"},
+                                     {"File (٣)", "File (٣) (1)"},
+                                     {"Report (2) final", "Report (3)"}})
         EXPECT_EQ(incremented(name), copy);
     // In time with the length, whatever the text is made of, and as the pattern has it.
-    testing::internal::CaptureStdout();
     for (const std::string part : {"x", "(", "(1", "(1) ", "1"}) {
         std::string name;
         while (name.size() < 3'000'000)
@@ -58,7 +50,6 @@ TEST(String, NumbersCopies) {
         EXPECT_TRUE(incremented(name + "(7)\ntail").ends_with("(8)")) << part;
         EXPECT_TRUE(incremented(name + "(7").ends_with(part == "(1) " ? "(2)" : "(7 (1)")) << part;
     }
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     const NSRegularExpression pattern(R"((.*)\((\d*)\))", NSRegularExpression::Options::none);
     std::mt19937 random(4);
     const std::string_view alphabet[] = {"(",  ")",      "1", "2",    "x",
@@ -71,8 +62,7 @@ TEST(String, NumbersCopies) {
         ASSERT_TRUE(!found || (found->before == matches[0][0] && found->digits == matches[0][1]));
     }
     EXPECT_EQ(incremented("File (9223372036854775806)"), "File (9223372036854775807)");
-    for (const std::string last : {"File (9223372036854775807)", "File (9223372036854775808)"})
-        EXPECT_EQ(incremented(last), last + " (1)");
+    EXPECT_EQ(incremented("File (9223372036854775807)"), "File (9223372036854775807) (1)");
 }
 
 TEST(String, Shortens) {
@@ -84,7 +74,6 @@ TEST(String, Shortens) {
     EXPECT_EQ(reducedStringAtEnd("e\u0301🇩🇪🇫🇷xy", 4), "e\u0301...");
     for (const auto reduce : {reducedStringAtStart, reducedStringAtEnd, reducedStringAtMiddle}) {
         EXPECT_EQ(reduce("abc", 3), "abc");
-        EXPECT_EQ(reduce("", 0), "");
         for (const auto& [length, dots] : {std::pair(3, "..."), {1, "."}, {0, ""}, {-5, ""}})
             EXPECT_EQ(reduce("abcdefghij", length), dots);
     }
@@ -97,16 +86,15 @@ TEST(String, ReplacesPrefixesAndSuffixes) {
     EXPECT_FALSE(replacePrefix(s, "e", "x"));
     EXPECT_EQ(s, "e\u0301tude");
     EXPECT_TRUE(replacePrefix(s, "é", "E"));
-    EXPECT_EQ(s, "Etude");
     EXPECT_TRUE(replacePrefix(s, "", ">"));
     EXPECT_TRUE(replaceSuffix(s, "ude", s)); // the text itself is put in
     EXPECT_EQ(s, ">Et>Etude");
-    EXPECT_FALSE(replaceSuffix(s, "tudes", ""));
     EXPECT_EQ(replacingPrefix("abc", "b", "x"), "abc");
+    EXPECT_EQ(replacingPrefix("ab", "abc", ""), "ab");
     EXPECT_EQ(replacingSuffix("a\r\n", "\n", ""), "a\r\n");
-    EXPECT_EQ(replacingSuffix("a.txt", ".txt", ".md"), "a.md");
+    EXPECT_EQ(replacingSuffix("ae\u0301", "\u0301", ""), "ae\u0301");
     EXPECT_EQ(removedPrefix("abab", "ab"), "ab");
-    EXPECT_EQ(removedSuffix("abab", "ab"), "ab");
+    EXPECT_EQ(removedSuffix("🇩🇪🇫🇷", "🇫🇷"), "🇩🇪");
     EXPECT_EQ(removedSuffix("ab", "abab"), "ab");
 }
 
@@ -126,10 +114,8 @@ TEST(String, AbbreviatesTheHomeFolder) {
 }
 
 TEST(String, CapturesMatches) {
-    EXPECT_EQ(captureMatches("a1b22", "([a-z])([0-9]+)"), (Matches{{"a", "1"}, {"b", "22"}}));
     EXPECT_TRUE(captureMatches("A", "(a)").empty());
     EXPECT_EQ(caseInsensitiveCaptureMatches("A", "(a)"), Matches{{"A"}});
-    EXPECT_EQ(captureMatches("b", "(a)|(b)"), (Matches{{"", "b"}}));
     testing::internal::CaptureStdout();
     EXPECT_TRUE(captureMatches("a", "(a").empty());
     // A search that is given up keeps what it has found.
@@ -158,15 +144,11 @@ TEST(String, ValidatesEmailAsThePatternDoes) {
     EXPECT_GT(valid, 100);
     EXPECT_TRUE(isValidEmail("x@y." + std::string(64, 'x')));
     EXPECT_FALSE(isValidEmail("x@y." + std::string(65, 'x')));
-    EXPECT_TRUE(isValidEmail("a.b_c%d+e-f@sub.example.co"));
-    EXPECT_FALSE(isValidEmail("jö@example.com"));
 }
 
 TEST(String, ValidatesLinks) {
-    for (const char* link : {"https://example.com/a?b", "example.com", "https://example.com/😀"})
-        EXPECT_TRUE(isValidLink(link)) << link;
-    for (const char* none : {"", " https://example.com", "https://example.com.",
-                             "https://example.com https://example.com"})
+    EXPECT_TRUE(isValidLink("https://example.com/😀"));
+    for (const char* none : {"", " https://example.com", "https://example.com."})
         EXPECT_FALSE(isValidLink(none)) << none;
     EXPECT_TRUE(isValid("joe@example.com", NSTextCheckingType::link));
     EXPECT_FALSE(isValid("2021-01-01", NSTextCheckingType::date));
@@ -175,13 +157,9 @@ TEST(String, ValidatesLinks) {
 TEST(Double, FormatsPercentForTheCurrentLocale) {
     // Halves go to the even neighbour.
     const Locale before = Locale::current();
-    for (const auto& [locale, value, text] : {std::tuple("en_US", 0.25, "25%"),
-                                              {"en_US", -0.5, "-50%"},
-                                              {"en_US", 0, "0%"},
-                                              {"en_US", 12.345, "1,234%"},
+    for (const auto& [locale, value, text] : {std::tuple("en_US", -0.5, "-50%"),
                                               {"en_US_POSIX", 12.34, "1,234%"},
                                               {"en_US", 0.125, "12%"},
-                                              {"tr_TR", 0.5, "%50"},
                                               {"de_DE", 12.34, "1.234\u00A0%"},
                                               {"ar_EG", 0.5, "٥٠٪\u061C"}}) {
         Locale::setCurrent(Locale(locale));
@@ -189,7 +167,6 @@ TEST(Double, FormatsPercentForTheCurrentLocale) {
     }
     Locale::setCurrent(Locale("en_US"));
     EXPECT_EQ(formatPercent(1e300).size(), 404u); // 303 digits, 100 commas and the sign
-    EXPECT_EQ(formatPercent(std::numeric_limits<double>::infinity()), "∞%");
     EXPECT_EQ(formatPercent(std::nan("")), "NaN%");
     Locale::setCurrent(before);
 }

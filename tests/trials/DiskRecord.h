@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -13,21 +14,25 @@ struct DiskEvent {
         write,       ///< `bytes` at `offset` of `item`
         resize,      ///< `item` to `offset` bytes
         synchronize, ///< what happened to `item` is on the disk from here on
-        enter,       ///< `name` in the folder `from` is `item`, which may be a new folder
-        leave,       ///< nothing has `name` in the folder `from`
-        rename,      ///< `name` in `from` becomes `newName` in `to`, in the place of what is there
-        exchange,    ///< as rename, and what was there gets the old name
+        names,       ///< those `gone` are no longer there, those `come` are, all at once
         say,         ///< the process told the tester `offset`
     };
     static constexpr int everything = -1;
+
+    /// That a folder has an item under a name.
+    struct Entry {
+        int folder = 0;
+        std::string name;
+        int item = 0;
+        bool isFolder = false;
+        friend auto operator<=>(const Entry&, const Entry&) = default;
+    };
 
     Kind kind{};
     int item = 0; ///< or `everything`, to synchronize
     std::uint64_t offset = 0;
     std::string bytes{};
-    int from = 0, to = 0;
-    std::string name{}, newName{};
-    bool isFolder = false;
+    std::vector<Entry> gone{}, come{};
 };
 
 /// Runs work in a process of its own and records what it, with all its threads, does to a folder

@@ -4,10 +4,6 @@
 #include "MemoryFailure.h"
 #include "Stores.h"
 
-#include <tests/Testing.h>
-#include <tests/files/ChildProcess.h>
-#include <tests/files/TemporaryFolder.h>
-
 #include <zorvan/collections/ManagedList.h>
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/CGImageSource.h>
@@ -50,29 +46,13 @@ void starve(
 
 } // namespace
 
-class StarvedStores : public testing::TestWithParam<Store> {};
+class StarvedStores : public StoreTest {};
 
-INSTANTIATE_TEST_SUITE_P(Memory, StarvedStores, testing::ValuesIn(stores().begin(), stores().end()),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Memory, StarvedStores, eachStore, nameOf);
 
 TEST_P(StarvedStores, KeepWhatTheyHad) {
-    const Store& store = GetParam();
-    const TemporaryFolder folders(TemporaryFolder::fastParent());
-    const fs::path before = folders.path() / "before", folder = folders.path() / "folder";
-    fs::create_directory(before);
-    ASSERT_EQ(exitStatus(startChild([&] { store.step(before, 0); })), 0);
-    starve(
-        [&] {
-            try {
-                store.step(folder, 1);
-            } catch (const std::runtime_error&) { // it says so
-            }
-        },
-        [&] { goOn(store, folder, 0); },
-        [&] {
-            fs::remove_all(folder);
-            fs::copy(before, folder, fs::copy_options::recursive);
-        });
+    starve([&] { takeStep(store_, folder_, 1); }, [&] { goOn(store_, folder_, 0); },
+           [&] { restore(); });
 }
 
 TEST(Memory, FailsInPropertyLists) {

@@ -4,16 +4,11 @@
 #include "DiskRecord.h"
 #include "Stores.h"
 
-#include <tests/Testing.h>
-#include <tests/files/ChildProcess.h>
-#include <tests/files/TemporaryFolder.h>
-
 #include <csignal>
 
 class Promises : public testing::TestWithParam<Store> {};
 
-INSTANTIATE_TEST_SUITE_P(Stores, Promises, testing::ValuesIn(stores().begin(), stores().end()),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Stores, Promises, eachStore, nameOf);
 
 // Tries every moment, and at each one disks where everything, nothing and something has survived of
 // what was not waited for.

@@ -1,11 +1,9 @@
 #include "Stores.h"
 
-#include <tests/Testing.h>
-#include <tests/files/TemporaryFolder.h>
+#include <tests/platform/security/storedItems.h>
 
 #include <zorvan/files/NSFileManager.h>
 #include <zorvan/platform/foundation/internal/writeFile.h>
-#include <zorvan/platform/security/SecItem.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 
 namespace {
@@ -17,7 +15,7 @@ std::string content(std::int64_t i) {
 
 std::int64_t numberOf(std::string_view text) {
     const std::int64_t i = std::atoll(std::string(text.substr(0, text.find(' '))).c_str());
-    return text == content(i) ? i : damaged;
+    return i >= 0 && text == content(i) ? i : damaged;
 }
 
 std::span<const std::byte> bytes(std::string_view text) { return std::as_bytes(std::span(text)); }
@@ -77,28 +75,15 @@ PropertyList::Dictionary secret(const fs::path& folder, std::int64_t i) {
 }
 
 bool changeSecret(const fs::path& folder, std::int64_t i) {
-    const std::string text = content(i);
-    const Data value(bytes(text).begin(), bytes(text).end());
-    auto added = secret(folder, i);
-    added.insert_or_assign(kSecValueData, value);
-    const OSStatus status = SecItemAdd(added);
-    require(status == errSecSuccess ||
-            (status == errSecDuplicateItem &&
-             SecItemUpdate(secret(folder, i), {{kSecValueData, value}}) == errSecSuccess));
+    require(setValue(secret(folder, i), content(i)) == errSecSuccess);
     return true;
 }
 
 std::vector<std::int64_t> foundSecrets(const fs::path& folder) {
     std::vector<std::int64_t> found;
     for (int i = 0; i < secretCount; ++i) {
-        auto query = secret(folder, i);
-        query.insert_or_assign(kSecReturnData, true);
-        const SecItemResult result = SecItemCopyMatching(query);
-        const Data* data = result.value ? result.value->as<Data>() : nullptr;
-        if (result.status == errSecSuccess && data)
-            found.push_back(numberOf({reinterpret_cast<const char*>(data->data()), data->size()}));
-        else
-            found.push_back(result.status == errSecItemNotFound ? nothing : damaged);
+        const std::string value = valueOf(secret(folder, i));
+        found.push_back(value == std::to_string(errSecItemNotFound) ? nothing : numberOf(value));
     }
     return found;
 }
@@ -179,4 +164,13 @@ void goOn(const Store& store, const std::filesystem::path& folder, std::int64_t 
     const std::int64_t next = checkStore(store, folder, promised) + 1;
     store.step(folder, next);
     EXPECT_EQ(checkStore(store, folder, next), next);
+}
+
+bool takeStep(const Store& store, const fs::path& folder, std::int64_t i) {
+    try {
+        store.step(folder, i);
+        return true;
+    } catch (const std::runtime_error&) {
+        return false;
+    }
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <filesystem>
-#include <ostream>
+#include <tests/Testing.h>
+#include <tests/files/ChildProcess.h>
+#include <tests/files/TemporaryFolder.h>
+
 #include <span>
-#include <vector>
 
 inline constexpr std::int64_t nothing = -1, damaged = -2;
 
@@ -36,3 +36,28 @@ std::int64_t checkStore(const Store& store, const std::filesystem::path& folder,
 
 /// Expects that, and that the next step can be taken.
 void goOn(const Store& store, const std::filesystem::path& folder, std::int64_t promised);
+
+/// False when the step says that it could not be taken.
+bool takeStep(const Store& store, const std::filesystem::path& folder, std::int64_t i);
+
+/// A store that has taken its first step, and a copy of it to spoil.
+class StoreTest : public testing::TestWithParam<Store> {
+protected:
+    StoreTest() {
+        fs::create_directory(before_);
+        EXPECT_EQ(exitStatus(startChild([&] { store_.step(before_, 0); })), 0);
+    }
+
+    void restore() const {
+        fs::remove_all(folder_);
+        fs::copy(before_, folder_, fs::copy_options::recursive);
+    }
+
+    const Store& store_ = GetParam();
+    const TemporaryFolder folders_{TemporaryFolder::fastParent()};
+    const fs::path before_ = folders_.path() / "before", folder_ = folders_.path() / "folder";
+};
+
+/// For the instances of such tests.
+inline const auto eachStore = testing::ValuesIn(stores().begin(), stores().end());
+inline std::string nameOf(const testing::TestParamInfo<Store>& info) { return info.param.name; }

@@ -4,10 +4,7 @@
 #include "ClockOffset.h"
 #include "Stores.h"
 
-#include <tests/Testing.h>
-#include <tests/files/ChildProcess.h>
 #include <tests/files/SmallDisk.h>
-#include <tests/files/TemporaryFolder.h>
 #include <tests/files/TracedProcess.h>
 
 #include <sys/mman.h>
@@ -16,16 +13,6 @@
 namespace {
 
 constexpr int pageSize = 4096;
-
-/// False when it says that it could not.
-bool takeStep(const Store& store, const fs::path& folder, std::int64_t i) {
-    try {
-        store.step(folder, i);
-        return true;
-    } catch (const std::runtime_error&) {
-        return false;
-    }
-}
 
 void expectInChild(const std::function<void()>& work) {
     EXPECT_EQ(exitStatus(startChild(work)), 0);
@@ -53,25 +40,9 @@ void empty(const fs::path& disk) {
 
 } // namespace
 
-class Troubles : public testing::TestWithParam<Store> {
-protected:
-    Troubles() {
-        fs::create_directory(before_);
-        expectInChild([&] { store_.step(before_, 0); });
-    }
+using Troubles = StoreTest;
 
-    void restore() const {
-        fs::remove_all(folder_);
-        fs::copy(before_, folder_, fs::copy_options::recursive);
-    }
-
-    const Store& store_ = GetParam();
-    const TemporaryFolder folders_{TemporaryFolder::fastParent()};
-    const fs::path before_ = folders_.path() / "before", folder_ = folders_.path() / "folder";
-};
-
-INSTANTIATE_TEST_SUITE_P(Stores, Troubles, testing::ValuesIn(stores().begin(), stores().end()),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Stores, Troubles, eachStore, nameOf);
 
 #if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
@@ -114,17 +85,13 @@ TEST_P(Troubles, OfAnyCallAreTold) {
             TracedProcess process(call, TracedProcess::Fate::fails, errors[kind]);
             if (strike(process) == TracedProcess::End::hadFewerCalls)
                 break;
-            const auto report = [&, call](const std::string& problem) {
-                problems << "call " << call << " (" << process.struckCall() << ") with "
-                         << std::strerror(errors[kind]) << ": " << problem << '\n';
-            };
-            if (process.exitStatus() != 0)
-                report("the process does not go on, with " + std::to_string(process.exitStatus()));
-            if (found->descriptors > usual)
-                report("a descriptor stays open");
-            if (exitStatus(startChild([&] { goOn(store_, folder_, 1); })) != 0)
-                report("another process does not go on");
             told += !found->isStored;
+            const int other = exitStatus(startChild([&] { goOn(store_, folder_, 1); }));
+            if (process.exitStatus() != 0 || other != 0 || found->descriptors > usual)
+                problems << "call " << call << " (" << process.struckCall() << ") with "
+                         << std::strerror(errors[kind]) << ": ends with " << process.exitStatus()
+                         << ", another process with " << other << ", " << found->descriptors - usual
+                         << " descriptors too many\n";
         }
     EXPECT_EQ(problems.str(), "");
     ::munmap(found, sizeof(Found));

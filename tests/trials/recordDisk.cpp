@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <fcntl.h>
 #include <fstream>
+#include <iterator>
 #include <linux/fs.h>
 #include <map>
 #include <optional>
+#include <set>
+#include <span>
 #include <stdexcept>
 #include <sys/mman.h>
 #include <sys/ptrace.h>
@@ -31,48 +33,25 @@ struct Call {
     int flag(int at) const { return static_cast<int>(argument[at]); }
 };
 
-/// A name in a folder that is below the one recorded.
-struct Place {
-    int folder = 0;
-    std::string name;
-    fs::path path;
-};
-
-enum class Effect { opens, creates, makesFolder, links, renames, leaves };
-
-/// A call that takes names: one, or the old one and the new one.
-struct NamingCall {
-    std::uint64_t number;
-    Effect effect;
-    bool isAt;        // before each name comes a descriptor of the folder it counts from
-    int flagsAt = -1; // which argument the flags are, if any
-    bool hasTwo() const { return effect == Effect::links || effect == Effect::renames; }
-};
-
-constexpr NamingCall namingCalls[] = {
-    {SYS_openat, Effect::opens, true, 2},    {SYS_mkdirat, Effect::makesFolder, true},
-    {SYS_unlinkat, Effect::leaves, true},    {SYS_linkat, Effect::links, true},
-    {SYS_renameat, Effect::renames, true},   {SYS_renameat2, Effect::renames, true, 4},
+constexpr std::uint64_t namingCalls[] = {
+    SYS_mkdirat, SYS_unlinkat, SYS_linkat, SYS_renameat, SYS_renameat2,
 #ifdef SYS_open
-    {SYS_open, Effect::opens, false, 1},     {SYS_creat, Effect::creates, false},
-    {SYS_mkdir, Effect::makesFolder, false}, {SYS_unlink, Effect::leaves, false},
-    {SYS_rmdir, Effect::leaves, false},      {SYS_link, Effect::links, false},
-    {SYS_rename, Effect::renames, false},
+    SYS_mkdir,   SYS_unlink,   SYS_rmdir,  SYS_link,     SYS_rename,
 #endif
 };
 
-const NamingCall* namingCall(std::uint64_t number) {
-    const auto found = std::find_if(std::begin(namingCalls), std::end(namingCalls),
-                                    [&](const NamingCall& each) { return each.number == number; });
-    return found == std::end(namingCalls) ? nullptr : found;
-}
-
-/// What a thread is about.
-struct Thread {
-    Call call;
-    std::optional<Place> old{}, name{}; // in the call
-    bool wasThere = false;              // what the name is of
+/// That would change a file in another way.
+constexpr std::uint64_t unknownCalls[] = {
+    SYS_pwritev,   SYS_pwritev2, SYS_sendfile,  SYS_splice,
+    SYS_fallocate, SYS_truncate, SYS_symlinkat, SYS_io_uring_setup,
+#ifdef SYS_open
+    SYS_creat,     SYS_symlink,
+#endif
 };
+
+bool isAmong(std::span<const std::uint64_t> calls, const Call& call) {
+    return std::ranges::find(calls, call.number) != calls.end();
+}
 
 class Recorder {
 public:
@@ -128,40 +107,33 @@ private:
     void passCall(pid_t thread) {
         __ptrace_syscall_info info{};
         ::ptrace(PTRACE_GET_SYSCALL_INFO, thread, sizeof info, &info);
-        number_ = thread;
-        thread_ = &threads_[thread];
+        thread_ = thread;
+        Call& call = calls_[thread];
         if (info.op == PTRACE_SYSCALL_INFO_ENTRY) {
-            *thread_ = {.call = {.number = info.entry.nr}};
-            std::copy_n(info.entry.args, 6, thread_->call.argument);
-            before(thread_->call);
+            call = {.number = info.entry.nr};
+            std::copy_n(info.entry.args, 6, call.argument);
+            if (call.number == SYS_write && call.flag(0) == -1)
+                events_.push_back({.kind = Kind::say, .offset = peek(call.argument[1])});
         } else if (info.op == PTRACE_SYSCALL_INFO_EXIT && !info.exit.is_error) {
-            thread_->call.result = info.exit.rval;
-            after(thread_->call);
+            call.result = info.exit.rval;
+            after(call);
         }
     }
 
-    /// What can be told only while the names are as they were.
-    void before(const Call& call) {
-        if (call.number == SYS_write && call.flag(0) == -1)
-            events_.push_back({.kind = Kind::say, .offset = peek(call.argument[1])});
-        const NamingCall* const naming = namingCall(call.number);
-        if (!naming)
-            return;
-        int at = 0;
-        const auto next = [&] {
-            const int folder = naming->isAt ? call.flag(at++) : AT_FDCWD;
-            return placeOf(folder, call.argument[at++]);
-        };
-        if (naming->hasTwo())
-            thread_->old = next();
-        thread_->name = next();
-        thread_->wasThere = thread_->name && fs::exists(fs::symlink_status(thread_->name->path));
-    }
-
     void after(const Call& call) {
-        if (const NamingCall* const naming = namingCall(call.number))
-            return changeNames(*naming, call);
+        if (isAmong(unknownCalls, call))
+            refuse("call " + std::to_string(call.number));
+        if (isAmong(namingCalls, call))
+            addNames();
         switch (call.number) {
+#ifdef SYS_open
+        case SYS_open:
+            addOpened(call.flag(1), static_cast<int>(call.result));
+            break;
+#endif
+        case SYS_openat:
+            addOpened(call.flag(2), static_cast<int>(call.result));
+            break;
         case SYS_write:
         case SYS_writev:
             addWrite(call.flag(0), std::nullopt, call.result);
@@ -170,10 +142,9 @@ private:
             addWrite(call.flag(0), call.argument[3], call.result);
             break;
         case SYS_copy_file_range:
-            addWrite(call.flag(2),
-                     call.argument[3]
-                         ? std::optional(peek(call.argument[3]) - std::uint64_t(call.result))
-                         : std::nullopt,
+            if (!call.argument[3])
+                refuse("copy_file_range without an offset");
+            addWrite(call.flag(2), peek(call.argument[3]) - std::uint64_t(call.result),
                      call.result);
             break;
         case SYS_sync:
@@ -181,14 +152,11 @@ private:
             events_.push_back({.kind = Kind::synchronize, .item = DiskEvent::everything});
             break;
         case SYS_ftruncate:
-            if (const auto item = itemAt(call.flag(0)))
-                events_.push_back(
-                    {.kind = Kind::resize, .item = *item, .offset = call.argument[1]});
+            add(Kind::resize, call.flag(0), call.argument[1]);
             break;
         case SYS_fsync:
         case SYS_fdatasync:
-            if (const auto item = itemAt(call.flag(0)))
-                events_.push_back({.kind = Kind::synchronize, .item = *item});
+            add(Kind::synchronize, call.flag(0));
             break;
         case SYS_mmap:
             // The shared memory of a database's readers is made anew after a failure.
@@ -196,38 +164,12 @@ private:
                 itemAt(call.flag(4)) && !target(call.flag(4)).string().ends_with("-shm"))
                 refuse("mmap");
             break;
-        case SYS_pwritev:
-        case SYS_pwritev2:
-        case SYS_sendfile:
-        case SYS_splice:
-        case SYS_fallocate:
-        case SYS_truncate:
-        case SYS_io_uring_setup:
-            refuse("call " + std::to_string(call.number));
-            break;
         case SYS_ioctl:
             if (call.argument[1] == FICLONE)
                 refuse("FICLONE");
             break;
         default:
             break;
-        }
-    }
-
-    void changeNames(const NamingCall& naming, const Call& call) {
-        const int flags = naming.flagsAt < 0 ? 0 : call.flag(naming.flagsAt);
-        switch (naming.effect) {
-        case Effect::opens:
-            return addOpened(flags, static_cast<int>(call.result));
-        case Effect::creates:
-            return addOpened(O_CREAT | O_TRUNC, static_cast<int>(call.result));
-        case Effect::makesFolder:
-        case Effect::links:
-            return addEntry(naming.effect);
-        case Effect::renames:
-            return addRename((flags & RENAME_EXCHANGE) != 0);
-        case Effect::leaves:
-            return addLeave();
         }
     }
 
@@ -243,7 +185,7 @@ private:
     }
 
     fs::path descriptorPath(int descriptor) const {
-        return "/proc/" + std::to_string(number_) + "/fd/" + std::to_string(descriptor);
+        return "/proc/" + std::to_string(thread_) + "/fd/" + std::to_string(descriptor);
     }
 
     fs::path target(int descriptor) const {
@@ -251,66 +193,45 @@ private:
         return fs::read_symlink(descriptorPath(descriptor), gone);
     }
 
-    bool isBelowRoot(const fs::path& path) const {
-        const auto [mismatch, unused] =
-            std::mismatch(root_.begin(), root_.end(), path.begin(), path.end());
-        return mismatch == root_.end();
+    bool isBelowRoot(int descriptor) const {
+        const fs::path path = target(descriptor);
+        return std::mismatch(root_.begin(), root_.end(), path.begin(), path.end()).first ==
+               root_.end();
     }
 
     /// What a descriptor of the process leads to; absent for what is elsewhere.
     std::optional<int> itemAt(int descriptor) const {
-        if (!isBelowRoot(target(descriptor)))
+        if (!isBelowRoot(descriptor))
             return std::nullopt;
         const auto known = items_.find(inode(descriptorPath(descriptor)).value());
         if (known == items_.end())
-            refuse("a file that was there before");
+            refuse("a file without a name");
         return known->second;
     }
 
+    int itemOf(ino_t inode) {
+        const auto [item, isNew] = items_.try_emplace(inode, count_ + 1);
+        count_ += isNew;
+        return item->second;
+    }
+
     std::uint64_t peek(std::uint64_t address) const {
-        errno = 0;
-        return static_cast<std::uint64_t>(::ptrace(PTRACE_PEEKDATA, number_, address, nullptr));
-    }
-
-    std::string textAt(std::uint64_t address) const {
-        std::string text;
-        for (;; address += sizeof(long)) {
-            const std::uint64_t word = peek(address);
-            char letters[sizeof word];
-            std::memcpy(letters, &word, sizeof word);
-            const std::size_t length = ::strnlen(letters, sizeof word);
-            text.append(letters, length);
-            if (errno != 0 || length < sizeof word)
-                return text;
-        }
-    }
-
-    std::optional<Place> placeOf(int folder, std::uint64_t address) const {
-        fs::path path = textAt(address);
-        const std::string process = "/proc/" + std::to_string(number_);
-        if (path.string().starts_with("/proc/self/"))
-            path = process + path.string().substr(10);
-        else if (path.is_relative())
-            path =
-                (folder == AT_FDCWD ? fs::path(process + "/cwd") : descriptorPath(folder)) / path;
-        std::error_code missing;
-        const fs::path parent = fs::canonical(path.parent_path(), missing);
-        if (missing || !isBelowRoot(parent))
-            return std::nullopt;
-        return Place{items_.at(inode(parent).value()), path.filename(), parent / path.filename()};
+        return static_cast<std::uint64_t>(::ptrace(PTRACE_PEEKDATA, thread_, address, nullptr));
     }
 
     // What becomes of them.
 
-    /// The number of an item that has just been made; that of its inode may have been another's.
-    int added(ino_t inode) { return items_[inode] = ++count_; }
+    void add(Kind kind, int descriptor, std::uint64_t size = 0) {
+        if (const auto item = itemAt(descriptor))
+            events_.push_back({.kind = kind, .item = *item, .offset = size});
+    }
 
     void addWrite(int descriptor, std::optional<std::uint64_t> offset, std::int64_t count) {
         const auto item = itemAt(descriptor);
         if (!item || count == 0)
             return;
         if (!offset) {
-            std::ifstream information("/proc/" + std::to_string(number_) + "/fdinfo/" +
+            std::ifstream information("/proc/" + std::to_string(thread_) + "/fdinfo/" +
                                       std::to_string(descriptor));
             std::string label;
             std::uint64_t position = 0;
@@ -327,60 +248,53 @@ private:
     }
 
     void addOpened(int flags, int descriptor) {
-        if ((flags & O_TMPFILE) == O_TMPFILE) {
-            if (isBelowRoot(target(descriptor)))
-                added(inode(descriptorPath(descriptor)).value());
+        if ((flags & O_TMPFILE) == O_TMPFILE && isBelowRoot(descriptor))
+            itemOf(inode(descriptorPath(descriptor)).value());
+        else if ((flags & O_CREAT) && addNames())
             return;
-        }
-        if (!thread_->name)
-            return;
-        if ((flags & O_CREAT) && !thread_->wasThere)
-            addEntry(Effect::opens);
         else if (flags & O_TRUNC)
-            events_.push_back({.kind = Kind::resize, .item = itemAt(descriptor).value()});
+            add(Kind::resize, descriptor);
     }
 
-    void addEntry(Effect effect) {
-        const auto& place = thread_->name;
-        if (!place)
-            return;
-        const ino_t number = inode(place->path).value();
-        // A link, with or without an old name, leads to what is there already.
-        const int item = effect == Effect::links ? items_.at(number) : added(number);
-        events_.push_back({.kind = Kind::enter,
-                           .item = item,
-                           .from = place->folder,
-                           .name = place->name,
-                           .isFolder = effect == Effect::makesFolder});
+    using Names = std::set<DiskEvent::Entry>;
+
+    void look(const fs::path& folder, int folderItem, Names& found) {
+        std::error_code gone; // by another thread
+        for (const auto& entry : fs::directory_iterator(folder, gone)) {
+            const auto number = inode(entry.path());
+            if (!number)
+                continue;
+            const int item = itemOf(*number);
+            found.insert({folderItem, entry.path().filename(), item, entry.is_directory(gone)});
+            if (entry.is_directory(gone))
+                look(entry.path(), item, found);
+        }
     }
 
-    void addLeave() {
-        if (const auto& place = thread_->name)
-            events_.push_back({.kind = Kind::leave, .from = place->folder, .name = place->name});
-    }
-
-    void addRename(bool isExchange) {
-        const auto& from = thread_->old;
-        const auto& to = thread_->name;
-        if (!from && !to)
-            return;
-        if (!from || !to)
-            refuse("a rename from or to elsewhere");
-        events_.push_back({.kind = isExchange ? Kind::exchange : Kind::rename,
-                           .from = from->folder,
-                           .to = to->folder,
-                           .name = from->name,
-                           .newName = to->name});
+    /// Whether there is another name than before.
+    bool addNames() {
+        Names now;
+        look(root_, 0, now);
+        DiskEvent event{.kind = Kind::names};
+        std::ranges::set_difference(names_, now, std::back_inserter(event.gone));
+        std::ranges::set_difference(now, names_, std::back_inserter(event.come));
+        names_ = std::move(now);
+        for (const auto& gone : event.gone) // the number of its inode may come to be another's
+            if (std::ranges::find(names_, gone.item, &DiskEvent::Entry::item) == names_.end())
+                std::erase_if(items_, [&](const auto& item) { return item.second == gone.item; });
+        const bool hasCome = !event.come.empty();
+        if (hasCome || !event.gone.empty())
+            events_.push_back(std::move(event));
+        return hasCome;
     }
 
     const fs::path root_;
     std::vector<DiskEvent> events_;
+    Names names_;
     std::map<ino_t, int> items_;
     int count_ = 0;
-    // Whose stop is being handled.
-    pid_t number_ = 0;
-    Thread* thread_ = nullptr;
-    std::map<pid_t, Thread> threads_;
+    std::map<pid_t, Call> calls_;
+    pid_t thread_ = 0; // whose stop is being handled
 };
 
 } // namespace

@@ -51,34 +51,23 @@ public:
 private:
     bool isWaitedFor(std::size_t at) const {
         const DiskEvent& event = events_[at];
-        const auto isLater = [&](int item) {
+        const auto isLaterFor = [&](int item) {
             const auto last = lastSynchronized_.find(item);
             return last != lastSynchronized_.end() && last->second > at;
         };
-        const auto isLaterFor = [&](int item) {
-            return isLater(item) || isLater(DiskEvent::everything);
-        };
-        if (event.kind < Kind::enter)
-            return isLaterFor(event.item);
-        return isLaterFor(event.from) || (isRename(event) && isLaterFor(event.to));
-    }
-
-    static bool isRename(const DiskEvent& event) {
-        return event.kind == Kind::rename || event.kind == Kind::exchange;
+        if (event.kind != Kind::names)
+            return isLaterFor(DiskEvent::everything) || isLaterFor(event.item);
+        const auto isIn = [&](const DiskEvent::Entry& entry) { return isLaterFor(entry.folder); };
+        return isLaterFor(DiskEvent::everything) || std::ranges::any_of(event.gone, isIn) ||
+               std::ranges::any_of(event.come, isIn);
     }
 
     /// How much of a number of bytes comes to the disk.
     std::size_t surviving(std::size_t count) {
         if (failure_.seed <= PowerFailure::noneSurvive)
             return failure_.seed == PowerFailure::allSurvive ? count : 0;
-        switch (random_() % 3) {
-        case 0:
-            return 0;
-        case 1:
-            return count;
-        default:
-            return random_() % (count + 1) / 512 * 512;
-        }
+        const auto kept = random_() % 3;
+        return kept < 2 ? kept * count : random_() % (count + 1) / 512 * 512;
     }
 
     void play(const DiskEvent& event, bool isInOrder, bool isWaitedFor) {
@@ -100,30 +89,29 @@ private:
         case Kind::synchronize:
         case Kind::say:
             return;
-        default:
+        case Kind::names:
             if (isWaitedFor || isInOrder)
                 changeNames(event);
         }
     }
 
     void changeNames(const DiskEvent& event) {
-        auto& from = items_[event.from].entries;
-        auto& to = items_[event.to].entries;
-        switch (event.kind) {
-        case Kind::enter:
-            items_[event.item].isFolder = event.isFolder;
-            from[event.name] = event.item;
-            return;
-        case Kind::leave:
-            from.erase(event.name);
-            return;
-        case Kind::exchange:
-            std::swap(from[event.name], to[event.newName]);
-            return;
-        default:
-            // An entry that did not survive has no other name either.
-            if (const auto entry = from.extract(event.name))
-                to[event.newName] = entry.mapped();
+        const auto isThere = [&](const DiskEvent::Entry& entry) {
+            const auto& entries = items_[entry.folder].entries;
+            const auto found = entries.find(entry.name);
+            return found != entries.end() && found->second == entry.item;
+        };
+        // An entry that did not survive has no other name either.
+        for (const auto& entry : event.come) {
+            const auto before = std::ranges::find(event.gone, entry.item, &DiskEvent::Entry::item);
+            if (before != event.gone.end() && !isThere(*before))
+                return;
+        }
+        for (const auto& entry : event.gone)
+            items_[entry.folder].entries.erase(entry.name);
+        for (const auto& entry : event.come) {
+            items_[entry.item].isFolder = entry.isFolder;
+            items_[entry.folder].entries[entry.name] = entry.item;
         }
     }
 

@@ -3,18 +3,17 @@
 // the other version.
 //
 //   versions-peer FOLDER write NAME FIRST   stores FIRST and the numbers after it, until it is
-//   killed. Tells
-//                                           each as "settings NUMBER" when it is stored, else why
-//                                           not, as "settings refused: WHY"
+//       killed. Tells each as "settings SLOT NUMBER" when it is stored, else why not, as
+//       "settings SLOT refused: WHY"
 //   versions-peer FOLDER read NAME...       tells what there is, as "settings SLOT NAME NUMBER", or
-//   "damaged"
-//                                           or "refused STATUS" in the place of name and number
+//       "damaged" or "refused STATUS" in the place of name and number
 
 #include <zorvan/platform/security/SecItem.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <iostream>
 #include <optional>
 #include <sstream>
@@ -48,22 +47,25 @@ std::string described(const std::string& text) {
     return text == content(name, number) ? name + ' ' + std::to_string(number) : "damaged";
 }
 
-// Settings.
+struct Store {
+    const char* name;
+    /// Why it is not stored; empty when it is.
+    std::function<std::string(const std::string& slot, const std::string& text)> store;
+    std::function<std::optional<std::string>(const std::string& slot)> found;
+};
 
-std::string storeSetting(SettingsDatabase& settings, const std::string& slot,
-                         const std::string& text) {
-    if (settings.set(slot, text))
-        return "";
-    return settings.problem().value_or("no reason");
+Store settingsIn(const std::string& folder) {
+    const auto settings = SettingsDatabase::open(folder + "/a.settings");
+    const auto store = [=](const std::string& slot, const std::string& text) {
+        return settings->set(slot, text) ? "" : settings->problem().value_or("no reason");
+    };
+    const auto found = [=](const std::string& slot) {
+        const auto value = settings->value(slot);
+        const auto* const text = value ? value->as<std::string>() : nullptr;
+        return text ? std::optional(described(*text)) : std::nullopt;
+    };
+    return {"settings", store, found};
 }
-
-std::optional<std::string> setting(SettingsDatabase& settings, const std::string& slot) {
-    const auto value = settings.value(slot);
-    const std::string* const text = value ? value->as<std::string>() : nullptr;
-    return text ? std::optional(described(*text)) : std::nullopt;
-}
-
-// Secrets.
 
 PropertyList::Dictionary item(const std::string& slot) {
     return {{kSecClass, kSecClassGenericPassword}, {kSecAttrAccount, slot}};
@@ -80,7 +82,7 @@ std::string storeSecret(const std::string& slot, const std::string& text) {
     return status == errSecSuccess ? "" : std::to_string(status);
 }
 
-std::optional<std::string> secret(const std::string& slot) {
+std::optional<std::string> foundSecret(const std::string& slot) {
     PropertyList::Dictionary query = item(slot);
     query.insert_or_assign(kSecReturnData, true);
     const SecItemResult found = SecItemCopyMatching(query);
@@ -92,35 +94,25 @@ std::optional<std::string> secret(const std::string& slot) {
     return described({reinterpret_cast<const char*>(data->data()), data->size()});
 }
 
-void tellStored(const char* store, std::int64_t number, const std::string& problem) {
-    std::cout << store << ' ' << (problem.empty() ? std::to_string(number) : "refused: " + problem)
-              << std::endl;
-    if (!problem.empty())
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-}
-
-void tellFound(const char* store, const std::string& slot, const std::optional<std::string>& what) {
-    if (what)
-        std::cout << store << ' ' << slot << ' ' << *what << std::endl;
-}
-
 } // namespace
 
 int main(int count, char** words) {
-    const std::string folder = words[1];
-    const auto settings = SettingsDatabase::open(folder + "/a.settings");
-    if (std::string_view(words[2]) == "write") {
-        const std::string name = words[3];
-        for (std::int64_t number = std::stoll(words[4]);; ++number) {
-            const std::string slot = slotOf(name, number), text = content(name, number);
-            tellStored("settings", number, storeSetting(*settings, slot, text));
-            tellStored("secrets", number, storeSecret(slot, text));
-        }
-    }
+    const Store stores[] = {settingsIn(words[1]), {"secrets", storeSecret, foundSecret}};
+    if (std::string_view(words[2]) == "write")
+        for (std::int64_t number = std::stoll(words[4]);; ++number)
+            for (const Store& store : stores) {
+                const std::string name = words[3], slot = slotOf(name, number);
+                const auto problem = store.store(slot, content(name, number));
+                std::cout << store.name << ' ' << slot << ' '
+                          << (problem.empty() ? std::to_string(number) : "refused: " + problem)
+                          << std::endl;
+                if (!problem.empty())
+                    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            }
     for (int i = 3; i < count; ++i)
-        for (std::int64_t number = 0; number < slotCount; ++number) {
-            const std::string slot = slotOf(words[i], number);
-            tellFound("settings", slot, setting(*settings, slot));
-            tellFound("secrets", slot, secret(slot));
-        }
+        for (std::int64_t number = 0; number < slotCount; ++number)
+            for (const Store& store : stores)
+                if (const auto found = store.found(slotOf(words[i], number)))
+                    std::cout << store.name << ' ' << slotOf(words[i], number) << ' ' << *found
+                              << std::endl;
 }

@@ -170,28 +170,6 @@ private:
         IndexSet selection;
     };
 
-    /// One change and its announcements. It keeps the list alive, which an observer may drop.
-    class Change {
-    public:
-        Change(ManagedList& list, Action action) : edition(action), list_(list.shared_from_this()) {
-            if (list.isAnnouncingWill_)
-                fatalError("A managed list was changed while it announced another change.");
-            edition.oldSelection = list.selection_;
-        }
-        void announceWill() const;
-        void announceDid(const MakeReordering& reordering) const;
-
-        Edition edition;
-
-    private:
-        void announce(std::string_view name) const {
-            NSNotificationCenter::defaultCenter()->post(
-                NSNotificationName(name), list_, Notification::UserInfo{{editionKey, edition}});
-        }
-
-        std::shared_ptr<ManagedList> list_;
-    };
-
     /// Sets a value for a time; observers may throw.
     template <class Value>
     struct Setting {
@@ -202,6 +180,34 @@ private:
 
         Value& place;
         Value before;
+    };
+
+    /// One change and its announcements. It keeps the list alive, which an observer may drop.
+    class Change {
+    public:
+        Change(ManagedList& list, Action action) : edition(action), list_(list.shared_from_this()) {
+            if (list.isAnnouncingWill_)
+                fatalError("A managed list was changed while it announced another change.");
+            edition.oldSelection = list.selection_;
+        }
+        void announceWill() const {
+            const Setting<bool> isAnnouncing(list_->isAnnouncingWill_, true);
+            announce(willReloadNotification);
+        }
+        void announceDid(const MakeReordering& reordering) const {
+            const Setting<const MakeReordering*> current(list_->reordering_, &reordering);
+            announce(didReloadNotification);
+        }
+
+        Edition edition;
+
+    private:
+        void announce(std::string_view name) const {
+            NSNotificationCenter::defaultCenter()->post(
+                NSNotificationName(name), list_, Notification::UserInfo{{editionKey, edition}});
+        }
+
+        std::shared_ptr<ManagedList> list_;
     };
 
     const Item* itemAt(std::optional<std::int64_t> index) const {
@@ -218,18 +224,6 @@ private:
     const MakeReordering* reordering_ = nullptr;
     bool isAnnouncingWill_ = false;
 };
-
-template <std::equality_comparable Item>
-void ManagedList<Item>::Change::announceWill() const {
-    const Setting<bool> isAnnouncing(list_->isAnnouncingWill_, true);
-    announce(willReloadNotification);
-}
-
-template <std::equality_comparable Item>
-void ManagedList<Item>::Change::announceDid(const MakeReordering& reordering) const {
-    const Setting<const MakeReordering*> current(list_->reordering_, &reordering);
-    announce(didReloadNotification);
-}
 
 template <std::equality_comparable Item>
 void ManagedList<Item>::setSelection(const IndexSet& selection) {

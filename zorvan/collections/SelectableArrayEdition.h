@@ -58,9 +58,11 @@ public:
         : value_(std::move(value)) {}
 
     /// What a notification of this edition carries.
-    Notification::UserInfo userInfo() const;
+    Notification::UserInfo userInfo() const { return {{editionKey, *this}}; }
     /// The edition that a notification carries, else null. It lives in the notification.
-    static const SelectableArrayEdition* edition(const Notification& note) noexcept;
+    static const SelectableArrayEdition* edition(const Notification& note) noexcept {
+        return note.value<SelectableArrayEdition>(editionKey);
+    }
 
     /// The case with its payload.
     const Variant& value() const noexcept { return value_; }

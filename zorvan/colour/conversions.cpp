@@ -22,14 +22,6 @@ double companded(double c) noexcept {
     return c > 0.0031308 ? 1.055 * std::pow(c, 1 / 2.4) - 0.055 : 12.92 * c;
 }
 
-std::span<const std::uint8_t> threeBytes(const RGB::Bytes& bytes) noexcept {
-    const std::span<const std::uint8_t> all = bytes.rgbPtr;
-    if (all.size() < 3 || bytes.at > all.size() - 3)
-        fatalError("RGB needs three bytes from index " + std::to_string(bytes.at) +
-                   " on; there are " + std::to_string(all.size()) + " in all.");
-    return all.subspan(bytes.at, 3);
-}
-
 double inverseLabCurve(double f) noexcept {
     const double cube = f * f * f;
     return cube > 0.008856 ? cube : (f - 16.0 / 116) / 7.787;
@@ -41,10 +33,13 @@ RGB::RGB(Unit channels) noexcept
     : r(byteOf(channels.unitR)), g(byteOf(channels.unitG)), b(byteOf(channels.unitB)) {}
 
 RGB::RGB(Bytes bytes) noexcept {
-    const auto channels = threeBytes(bytes);
-    r = channels[0];
-    g = channels[1];
-    b = channels[2];
+    const std::span<const std::uint8_t> all = bytes.rgbPtr;
+    if (all.size() < 3 || bytes.at > all.size() - 3)
+        fatalError("RGB needs three bytes from index " + std::to_string(bytes.at) +
+                   " on; there are " + std::to_string(all.size()) + " in all.");
+    r = all[bytes.at];
+    g = all[bytes.at + 1];
+    b = all[bytes.at + 2];
 }
 
 RGB::RGB(const XYZ& xyz) noexcept {

@@ -10,7 +10,6 @@
 #include <zorvan/platform/foundation/internal/removeItem.h>
 
 #include <cerrno>
-#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace zorvan {

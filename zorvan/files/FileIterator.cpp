@@ -2,12 +2,16 @@
 
 #include <zorvan/files/NSFileManager.h>
 #include <zorvan/files/internal/fileNames.h>
-#include <zorvan/files/internal/statusAt.h>
 #include <zorvan/platform/foundation/internal/DirectoryWalk.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/openByPath.h>
 #include <zorvan/platform/textservices/Unicode.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace zorvan {
 
@@ -21,6 +25,19 @@ void lower(std::string& text) {
         text = lowercased(text);
     else
         std::transform(text.begin(), text.end(), text.begin(), internal::lowered);
+}
+
+/// What `fstatat` knows of a path, which may be longer than the kernel takes at once.
+std::optional<struct stat> statusAt(const std::string& path, int flags) {
+    struct stat status {};
+    if (::fstatat(AT_FDCWD, path.c_str(), &status, flags) == 0)
+        return status;
+    if (errno != ENAMETOOLONG)
+        return std::nullopt;
+    const int follow = flags & AT_SYMLINK_NOFOLLOW ? O_NOFOLLOW : 0;
+    const internal::FileDescriptor item(
+        internal::openByPath(AT_FDCWD, path, O_PATH | O_CLOEXEC | follow));
+    return ::fstat(item.get(), &status) == 0 ? std::optional(status) : std::nullopt;
 }
 
 } // namespace
@@ -74,7 +91,7 @@ bool FileIterator::accepts(const std::string& path) {
     const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
     if (!acceptsName(files::pathExtensionOfName(name)))
         return false;
-    const auto status = files::statusAt(path, skipAlias_ ? AT_SYMLINK_NOFOLLOW : 0);
+    const auto status = statusAt(path, skipAlias_ ? AT_SYMLINK_NOFOLLOW : 0);
     return status && !S_ISDIR(status->st_mode) && !S_ISLNK(status->st_mode);
 }
 

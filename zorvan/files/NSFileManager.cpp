@@ -3,7 +3,6 @@
 #include <zorvan/files/internal/CopyItem.h>
 #include <zorvan/files/internal/LockItem.h>
 #include <zorvan/files/internal/filePath.h>
-#include <zorvan/files/internal/visibleEntries.h>
 #include <zorvan/platform/archives/ZipArchive.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
@@ -12,7 +11,6 @@
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
-#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -158,14 +156,19 @@ NSFileManager::enumerator(const URL& url, NSDirectoryEnumerationOptions options)
 
 std::vector<URL> NSFileManager::searchFiles(const std::vector<URL>& urls,
                                             Recursive argument) const {
+    using Options = NSDirectoryEnumerationOptions;
+    const Options options =
+        Options::skipsHiddenFiles | Options::skipsPackageDescendants |
+        (argument.recursive ? Options::none : Options::skipsSubdirectoryDescendants);
     std::vector<URL> found;
     for (const URL& url : urls) {
         const URL resolved = url.resolvingSymlinksInPath();
         const Content content = contentExists(resolved);
-        if (content.isDir)
-            appendVisibleEntries(resolved, argument.recursive, found);
-        else if (content.exist)
+        if (content.exist && !content.isDir)
             found.push_back(resolved);
+        else if (const auto entries = enumerator(resolved, options))
+            while (std::optional<URL> entry = entries->nextObject())
+                found.push_back(std::move(*entry));
     }
     return found;
 }

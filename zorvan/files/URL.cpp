@@ -1,8 +1,7 @@
 #include <zorvan/files/URL.h>
 
-#include <zorvan/files/NSDirectoryEnumerator.h>
+#include <zorvan/files/NSFileManager.h>
 #include <zorvan/files/internal/LockItem.h>
-#include <zorvan/files/internal/visibleEntries.h>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -134,25 +133,13 @@ std::optional<bool> checkIsReadAndWrite(const URL& url) {
     return (status.st_mode & wanted) == wanted;
 }
 
-void files::appendVisibleEntries(const URL& directory, bool isRecursive, std::vector<URL>& urls) {
-    using Options = NSDirectoryEnumerationOptions;
-    const auto enumerator = NSDirectoryEnumerator::create(
-        directory, Options::skipsHiddenFiles | Options::skipsPackageDescendants |
-                       (isRecursive ? Options::none : Options::skipsSubdirectoryDescendants));
-    while (enumerator) {
-        std::optional<URL> entry = enumerator->nextObject();
-        if (!entry)
-            break;
-        urls.push_back(std::move(*entry));
-    }
-}
-
 std::vector<URL> listSubFilesOrSelf(const URL& url, Recursively argument) {
     if (!url.isFileURL() || !url.pathExtension().empty())
         return {url};
-    std::vector<URL> urls;
-    files::appendVisibleEntries(url.resolvingSymlinksInPath(), argument.recursively, urls);
-    return urls;
+    const NSFileManager& manager = *NSFileManager::defaultManager();
+    return manager.contentExists(url).isDir
+               ? manager.searchFiles({url}, {.recursive = argument.recursively})
+               : std::vector<URL>();
 }
 
 namespace files {

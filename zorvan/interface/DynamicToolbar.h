@@ -59,8 +59,8 @@ public:
     std::shared_ptr<NSToolbarItem>
     toolbarItemForItemIdentifier(NSToolbar& toolbar, const NSToolbarItemIdentifier& identifier,
                                  bool willBeInsertedIntoToolbar) override;
-    std::shared_ptr<NSToolbarItem>
     /// The item of the displayed set; null when that has none of the identifier.
+    std::shared_ptr<NSToolbarItem>
     toolbarMakeItemForIdentifier(NSToolbar& toolbar, const NSToolbarItemIdentifier& identifier);
     std::vector<NSToolbarItemIdentifier> toolbarDefaultItemIdentifiers(NSToolbar& toolbar) override;
     std::vector<NSToolbarItemIdentifier> toolbarAllowedItemIdentifiers(NSToolbar& toolbar) override;

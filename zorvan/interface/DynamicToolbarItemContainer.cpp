@@ -35,6 +35,16 @@ Settings filled(const Fill& fill) {
     return settings;
 }
 
+/// `Group` tells what the subitems show.
+template <class Group, class Shown>
+std::shared_ptr<NSToolbarItemGroup> makeGroup(const ButtonGroupSettings& settings, Shown shown,
+                                              std::vector<std::string> labels) {
+    constexpr auto usualMode = NSToolbarItemGroup::SelectionMode::selectOne;
+    return NSToolbarItemGroup::create(Group{given(settings.identifier), std::move(shown),
+                                            settings.selectionMode.value_or(usualMode),
+                                            std::move(labels), settings.target, settings.action});
+}
+
 } // namespace
 
 std::shared_ptr<DynamicToolbarItem>
@@ -107,30 +117,16 @@ DynamicToolbarItemContainer::addItem(const ImageGroup& builder) {
         if (i < titles.size())
             labels.push_back(titles[i]);
     }
-    const auto group =
-        NSToolbarItemGroup::create({.itemIdentifier = given(settings.identifier),
-                                    .images = std::move(images),
-                                    .selectionMode = settings.selectionMode.value_or(
-                                        NSToolbarItemGroup::SelectionMode::selectOne),
-                                    .labels = std::move(labels),
-                                    .target = settings.target,
-                                    .action = settings.action});
-    return addGroup(group, settings, builder.update);
+    return addGroup(makeGroup<NSToolbarItemGroup::Images>(settings, std::move(images), labels),
+                    settings, builder.update);
 }
 
 std::shared_ptr<NSToolbarItemGroup>
 DynamicToolbarItemContainer::addItem(const TitleGroup& builder) {
     const auto settings = filled<ButtonGroupSettings>(builder.createTitleGroup.value);
     const std::vector<std::string> titles = settings.titles.value_or(std::vector<std::string>());
-    const auto group =
-        NSToolbarItemGroup::create({.itemIdentifier = given(settings.identifier),
-                                    .titles = titles,
-                                    .selectionMode = settings.selectionMode.value_or(
-                                        NSToolbarItemGroup::SelectionMode::selectOne),
-                                    .labels = titles,
-                                    .target = settings.target,
-                                    .action = settings.action});
-    addGroup(group, settings, builder.update);
+    const auto group = addGroup(makeGroup<NSToolbarItemGroup::Titles>(settings, titles, titles),
+                                settings, builder.update);
     // After the subitems, which forget the selection.
     if (settings.selectedIndex)
         group->setSelectedIndex(*settings.selectedIndex);

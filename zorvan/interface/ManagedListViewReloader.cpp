@@ -16,18 +16,15 @@ void reloadRows(const ManagedListViewReloader& reloader, NSTableView& view) {
         }
         break;
     case Action::remove:
-        if (edition.removedIndexes) {
-            view.beginUpdates();
-            view.removeRows(*edition.removedIndexes, reloader.tableViewAnimation);
-            view.endUpdates();
-        }
+        if (edition.removedIndexes)
+            view.reloadEditedData(SelectableArrayEdition::Remove{*edition.removedIndexes},
+                                  reloader.tableViewAnimation);
         break;
     case Action::select:
         break;
     case Action::move:
     case Action::sort:
-        view.reloadData({.forRowIndexes = IndexSet(IndexSet::Range{0, view.numberOfRows()}),
-                         .columnIndexes = IndexSet(IndexSet::Range{0, view.numberOfColumns()})});
+        view.reloadData(NSTableView::Rows{IndexSet(IndexSet::Range{0, view.numberOfRows()})});
         break;
     case Action::filter:
         view.reloadData();

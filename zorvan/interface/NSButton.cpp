@@ -1,9 +1,11 @@
 #include <zorvan/interface/NSButton.h>
 
 #include <zorvan/interface/NSImage.h>
-#include <zorvan/interface/internal/Decoding.h>
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 
 namespace zorvan {
+
+using internal::valueUnder;
 
 std::shared_ptr<NSButton> NSButton::create(const CGRect& frame) {
     const auto button = std::make_shared<NSButton>(Key{}, frame);
@@ -21,7 +23,7 @@ std::shared_ptr<NSButton> NSButton::create(const Coder& button) {
     const PropertyList::Dictionary& coder = button.coder;
     const auto made = std::make_shared<NSButton>(Key{}, decodeFrame(coder));
     made->setCell(NSButtonCell::create(NSButtonCell::Coder{coder}));
-    made->setEnabled(decoded<bool>(coder, "enabled").value_or(true));
+    made->setEnabled(valueUnder<bool>(coder, "enabled").value_or(true));
     return made;
 }
 
@@ -50,11 +52,9 @@ PropertyList::Dictionary NSButton::encodeFrame(const CGRect& frame) {
 }
 
 CGRect NSButton::decodeFrame(const PropertyList::Dictionary& coder) {
-    const auto found = coder.find("frame");
-    const auto* const frame =
-        found == coder.end() ? nullptr : found->second.as<PropertyList::Dictionary>();
+    const auto* const frame = valueUnder<PropertyList::Dictionary>(coder, "frame");
     const auto side = [frame](std::string_view key) {
-        return frame ? decoded<double>(*frame, key).value_or(0) : 0;
+        return frame ? valueUnder<double>(*frame, key).value_or(0) : 0;
     };
     return {side("x"), side("y"), side("width"), side("height")};
 }

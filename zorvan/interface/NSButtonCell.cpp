@@ -1,14 +1,16 @@
 #include <zorvan/interface/NSButtonCell.h>
 
 #include <zorvan/interface/NSControl.h>
-#include <zorvan/interface/internal/Decoding.h>
 #include <zorvan/interface/internal/drawing.h>
 #include <zorvan/interface/internal/resolveImage.h>
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 
 #include <algorithm>
 #include <cmath>
 
 namespace zorvan {
+
+using internal::valueUnder;
 
 std::shared_ptr<NSButtonCell> NSButtonCell::create(Text argument) {
     const auto cell = std::make_shared<NSButtonCell>(Key{});
@@ -46,17 +48,17 @@ PropertyList::Dictionary NSButtonCell::encode() const {
 }
 
 void NSButtonCell::decode(const PropertyList::Dictionary& coder) {
-    setTitle(decoded<std::string_view>(coder, "title").value_or(""));
-    if (const auto name = decoded<std::string_view>(coder, "imageName"))
+    setTitle(valueUnder<std::string_view>(coder, "title").value_or(""));
+    if (const auto name = valueUnder<std::string_view>(coder, "imageName"))
         setImage(resolveImage(std::string(*name), std::nullopt));
-    const auto position = decoded<std::int64_t>(coder, "imagePosition").value_or(-1);
+    const auto position = valueUnder<std::int64_t>(coder, "imagePosition").value_or(-1);
     if (position >= 0 && position <= static_cast<std::int64_t>(NSCellImagePosition::imageTrailing))
         imagePosition_ = static_cast<NSCellImagePosition>(position);
-    const bool isTextured = decoded<std::int64_t>(coder, "bezelStyle") ==
+    const bool isTextured = valueUnder<std::int64_t>(coder, "bezelStyle") ==
                             static_cast<std::int64_t>(NSBezelStyle::texturedRounded);
     bezelStyle_ = isTextured ? NSBezelStyle::texturedRounded : NSBezelStyle::rounded;
-    isBordered_ = decoded<bool>(coder, "bordered").value_or(true);
-    setEnabled(decoded<bool>(coder, "enabled").value_or(true));
+    isBordered_ = valueUnder<bool>(coder, "bordered").value_or(true);
+    setEnabled(valueUnder<bool>(coder, "enabled").value_or(true));
 }
 
 void NSButtonCell::setImage(std::shared_ptr<NSImage> image) {
@@ -79,16 +81,20 @@ bool isBeside(Position position) {
            position == Position::imageLeading || position == Position::imageTrailing;
 }
 
-bool isImageFirst(Position position) {
-    return position == Position::imageLeft || position == Position::imageLeading;
-}
-
 bool isStacked(Position position) {
     return position == Position::imageAbove || position == Position::imageBelow;
 }
 
 /// What is not shown takes no gap.
 double joined(double a, double b) { return a + b + (a > 0 && b > 0 ? gap : 0); }
+
+/// In the middle, at the size or as large as fits.
+CGRect centredRect(CGSize size, const CGRect& in) {
+    const double largest = std::max({size.width / in.width(), size.height / in.height(), 1.0});
+    const double width = size.width / largest, height = size.height / largest;
+    return {std::round(in.minX() + (in.width() - width) / 2),
+            std::round(in.minY() + (in.height() - height) / 2), width, height};
+}
 
 } // namespace
 
@@ -126,7 +132,8 @@ NSButtonCell::Placement NSButtonCell::placement(const CGRect& bounds) const {
         text.width = std::clamp(bounds.width() - picture.width - gap, 0.0, text.width);
         const double left =
             std::round(bounds.minX() + (bounds.width() - joined(picture.width, text.width)) / 2);
-        const bool isFirst = isImageFirst(imagePosition_);
+        const bool isFirst =
+            imagePosition_ == Position::imageLeft || imagePosition_ == Position::imageLeading;
         at.image.origin.x = isFirst ? left : left + text.width + gap;
         at.title = {isFirst ? left + picture.width + gap : left, bounds.minY(), text.width,
                     bounds.height()};

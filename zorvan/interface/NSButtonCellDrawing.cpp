@@ -3,6 +3,9 @@
 #include <zorvan/interface/NSControl.h>
 #include <zorvan/interface/internal/BarView.h>
 #include <zorvan/interface/internal/drawing.h>
+#include <zorvan/media/CGRect.h>
+#include <zorvan/media/NSColor.h>
+#include <zorvan/media/NSImage.h>
 
 namespace zorvan {
 
@@ -31,6 +34,10 @@ double luminance(const NSColor& color) {
            0.0722 * color.blueComponent();
 }
 
+NSColor faded(const NSColor& color, double share) {
+    return color.withAlphaComponent(color.alphaComponent() * share);
+}
+
 } // namespace
 
 void NSButtonCell::draw(const CGRect& withFrame, const NSControl& in) const {
@@ -44,11 +51,12 @@ void NSButtonCell::drawBezel(const CGRect& withFrame, const NSControl& in) const
     if (frame.isEmpty())
         return;
     const Bezel look = bezel(bezelStyle_, bezelColor_, isOnDarkGround(in));
-    const NSColor& fill = isHighlighted() ? look.pressedFill : look.fill;
     const double share = isEnabled() ? 1 : 0.5;
-    fillRounded(frame, bezelRadius, fill.withAlphaComponent(fill.alphaComponent() * share));
-    outlineRounded(frame, bezelRadius,
-                   look.outline.withAlphaComponent(look.outline.alphaComponent() * share));
+    setFill(faded(isHighlighted() ? look.pressedFill : look.fill, share));
+    nsRoundedPath(frame, bezelRadius)->fill();
+    // A line of one point just inside the edge.
+    setStroke(faded(look.outline, share));
+    nsRoundedPath(frame.shrunkBy({.dx = 0.5, .dy = 0.5}), bezelRadius - 0.5)->stroke();
 }
 
 void NSButtonCell::drawInterior(const CGRect& withFrame, const NSControl& in) const {
@@ -61,7 +69,15 @@ void NSButtonCell::drawInterior(const CGRect& withFrame, const NSControl& in) co
 
 void NSButtonCell::drawImage(const NSImage& image, const CGRect& withFrame,
                              const NSControl& in) const {
-    drawInside(image, withFrame, labelColor(in), isEnabled());
+    if (!image.isTemplate())
+        return image.draw(withFrame, {.fraction = isEnabled() ? 1 : 0.4});
+    // The colour where the picture is opaque; a faint colour stays faint over any ground.
+    const auto inked = NSImage::create(image.size(), false, [&](const CGRect& whole) {
+        image.draw(whole);
+        setFill(labelColor(in));
+        fill(whole, NSCompositingOperation::sourceIn);
+    });
+    inked->draw(withFrame);
 }
 
 CGRect NSButtonCell::drawTitle(const NSAttributedString& title, const CGRect& withFrame,
@@ -76,7 +92,7 @@ NSColor NSButtonCell::labelColor(const NSControl& in) const {
         color = *contentTintColor_;
     else if (bezelColor_ ? luminance(*bezelColor_) < darkest : isOnDarkGround(in))
         color = Palette::lightLabel;
-    return isEnabled() ? color : color.withAlphaComponent(color.alphaComponent() * 0.4);
+    return isEnabled() ? color : faded(color, 0.4);
 }
 
 } // namespace zorvan

@@ -241,8 +241,7 @@ void NSCollectionView::performBatchUpdates(const std::function<void()>& updates,
         batch_ = before;
         throw;
     }
-    --batchDepth_;
-    if (batchDepth_ == 0)
+    if (--batchDepth_ == 0)
         apply(std::exchange(batch_, {}));
     if (completionHandler)
         completionHandler();

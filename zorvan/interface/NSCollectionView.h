@@ -27,7 +27,8 @@ namespace zorvan {
 class NSCollectionView;
 class NSCollectionViewObserver;
 
-/// Gives a collection view its items.
+/// Gives a collection view its items. What is not overridden is empty, absent, false, or does
+/// nothing.
 class NSCollectionViewDataSource {
 public:
     virtual ~NSCollectionViewDataSource() = default;
@@ -36,28 +37,24 @@ public:
     /// How many items a section has; below 0 counts as 0.
     virtual std::int64_t numberOfItems(const NSCollectionView& view,
                                        std::int64_t section) const = 0;
-    /// What is shown of an item that has no view, and what a screen reader says. Empty unless
-    /// overridden.
+    /// What is shown of an item that has no view, and what a screen reader says.
     virtual std::string text(const NSCollectionView& view, IndexPath item) const;
-    /// A new view that shows an item; null, unless overridden, for none.
+    /// A new view that shows an item; null for none.
     virtual std::shared_ptr<NSView> viewForItem(NSCollectionView& view, IndexPath item);
-    /// What a drag of the item carries out of the window, such as a file; absent, unless
-    /// overridden, for an item that is not dragged.
+    /// What a drag of the item carries out of the window, such as a file; absent when it stays.
     virtual std::optional<URL> draggedURL(const NSCollectionView& view, IndexPath item) const;
-    /// Whether a person may drag the item to another place of the view. False unless overridden.
+    /// Whether a person may drag the item to another place of the view.
     virtual bool isMovable(const NSCollectionView& view, IndexPath item) const;
     /// A person has dragged movable items before the one at `before`, which may be the end of its
-    /// section: move what they show, and tell the view. Does nothing unless overridden.
+    /// section: move what they show, and tell the view.
     virtual void itemsDragged(NSCollectionView& view, const std::set<IndexPath>& items,
                               IndexPath before);
-    /// Whether files, or other addresses, that come from elsewhere may be dropped between the
-    /// items. False unless overridden.
+    /// Whether files, or other addresses, from elsewhere may be dropped between the items.
     virtual bool acceptsDrop(const NSCollectionView& view, const std::vector<URL>& urls) const;
-    /// They were dropped before the item at `before`, which may be the end of its section. Does
-    /// nothing unless overridden.
+    /// They were dropped before the item at `before`, which may be the end of its section.
     virtual void urlsDropped(NSCollectionView& view, const std::vector<URL>& urls,
                              IndexPath before);
-    /// A person opens the item, by a double click or with Enter. Does nothing unless overridden.
+    /// A person opens the item, by a double click or with Enter.
     virtual void itemOpened(NSCollectionView& view, IndexPath item);
 };
 

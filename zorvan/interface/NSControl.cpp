@@ -1,7 +1,7 @@
 #include <zorvan/interface/NSControl.h>
 
 #include <zorvan/interface/NSApplication.h>
-#include <zorvan/interface/internal/drawing.h>
+#include <zorvan/media/NSGraphicsContext.h>
 
 namespace zorvan {
 
@@ -39,11 +39,9 @@ CGSize NSControl::intrinsicContentSize() const {
 }
 
 void NSControl::draw(Canvas& canvas) const {
-    const std::shared_ptr<NSCell> own = cell_;
-    if (!own)
-        return;
-    const Drawing drawing(canvas);
-    own->draw(bounds(), *this);
+    if (const std::shared_ptr<NSCell> own = cell_)
+        NSGraphicsContext::use(NSGraphicsContext::create(canvas),
+                               [&] { own->draw(bounds(), *this); });
 }
 
 } // namespace zorvan

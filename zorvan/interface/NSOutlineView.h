@@ -15,7 +15,7 @@ class NSOutlineView;
 class NSOutlineViewObserver;
 
 /// Gives an outline its items. Items are told apart by identity; no item (null) stands for the
-/// root.
+/// root. What is not overridden is empty, absent, false, or does nothing.
 class NSOutlineViewDataSource {
 public:
     /// An item: any object, told from others by its address.
@@ -29,25 +29,21 @@ public:
                        const Item& item) const = 0;
     /// Whether the item has children unless overridden.
     virtual bool isExpandable(const NSOutlineView& outline, const Item& item) const;
-    /// The text of a cell, which the outline draws where it has no cell view. Empty unless
-    /// overridden.
+    /// The text of a cell, which the outline draws where it has no cell view.
     virtual std::string text(const NSOutlineView& outline, std::int64_t column,
                              const Item& item) const;
-    /// What a drag of the item carries out of the window, such as a file; absent, unless
-    /// overridden, for an item that is not dragged.
+    /// What a drag of the item carries out of the window, such as a file; absent when it stays.
     virtual std::optional<URL> draggedURL(const NSOutlineView& outline, const Item& item) const;
-    /// Whether a person may drag the item to another place of the outline. False unless overridden.
+    /// Whether a person may drag the item to another place of the outline.
     virtual bool isMovable(const NSOutlineView& outline, const Item& item) const;
     /// A person has dragged movable items, in the order of their rows, below `holder`, before its
     /// child at `before` or to their end: move them, and reload the outline. None of them holds
-    /// `holder`. Does nothing unless overridden.
+    /// `holder`.
     virtual void itemsDragged(NSOutlineView& outline, const std::vector<Item>& items,
                               const Item& holder, std::int64_t before);
     /// Whether files, or other addresses, that come from elsewhere may be dropped in the outline.
-    /// False unless overridden.
     virtual bool acceptsDrop(const NSOutlineView& outline, const std::vector<URL>& urls) const;
-    /// They were dropped below `holder`, before its child at `before` or at the end. Does nothing
-    /// unless overridden.
+    /// They were dropped below `holder`, before its child at `before` or at the end.
     virtual void urlsDropped(NSOutlineView& outline, const std::vector<URL>& urls,
                              const Item& holder, std::int64_t before);
 };

@@ -8,8 +8,6 @@ struct SearchFieldCell : NSCell {
     SearchFieldCell() : NSCell(Key{}) {}
 };
 
-constexpr double usualWidth = 180, usualHeight = 28;
-
 } // namespace
 
 std::shared_ptr<NSSearchField> NSSearchField::create(const CGRect& frame) {
@@ -30,6 +28,6 @@ void NSSearchField::enterText(std::string_view text) {
     sendAction();
 }
 
-CGSize NSSearchField::intrinsicContentSize() const { return {usualWidth, usualHeight}; }
+CGSize NSSearchField::intrinsicContentSize() const { return {180, 28}; }
 
 } // namespace zorvan

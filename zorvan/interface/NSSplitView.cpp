@@ -2,6 +2,7 @@
 
 #include <zorvan/interface/internal/drawing.h>
 #include <zorvan/media/CGRect.h>
+#include <zorvan/media/NSGraphicsContext.h>
 
 #include <algorithm>
 #include <cmath>
@@ -94,17 +95,20 @@ void NSSplitView::setCollapsible(bool collapsible, std::int64_t subviewAt) {
     setLimits({minimumLength(subviewAt), collapsible}, subviewAt);
 }
 
+/// All across, from there along the length.
+CGRect NSSplitView::stretch(double start, double extent) const {
+    const CGRect all = bounds();
+    return isVertical_ ? CGRect(all.minX() + start, all.minY(), extent, all.height())
+                       : CGRect(all.minX(), all.maxY() - start - extent, all.width(), extent);
+}
+
 void NSSplitView::layout() {
     bringUpToDate();
-    const CGRect all = bounds();
     double start = 0;
     const auto views = subviews();
     for (std::size_t i = 0; i < views.size(); ++i) {
         const double end = i < positions_.size() ? std::min(positions_[i], length()) : length();
-        const double extent = std::max(end - start, 0.0);
-        views[i]->setFrame(
-            isVertical_ ? CGRect(all.minX() + start, all.minY(), extent, all.height())
-                        : CGRect(all.minX(), all.maxY() - start - extent, all.width(), extent));
+        views[i]->setFrame(stretch(start, std::max(end - start, 0.0)));
         start = end + dividerThickness();
     }
 }
@@ -147,14 +151,10 @@ void NSSplitView::mouseUp(const NSEvent& with) {
 }
 
 void NSSplitView::draw(Canvas& canvas) const {
-    const Drawing drawing(canvas);
-    const CGRect all = bounds();
-    for (const double position : positions_)
-        fill(isVertical_
-                 ? CGRect(all.minX() + position, all.minY(), dividerThickness(), all.height())
-                 : CGRect(all.minX(), all.maxY() - position - dividerThickness(), all.width(),
-                          dividerThickness()),
-             Palette::separator);
+    NSGraphicsContext::use(NSGraphicsContext::create(canvas), [this] {
+        for (const double position : positions_)
+            fill(stretch(position, dividerThickness()), Palette::separator);
+    });
 }
 
 } // namespace zorvan

@@ -66,6 +66,7 @@ private:
     double held(double position, std::int64_t divider, double least, double most) const;
     Limits limits(std::int64_t subview) const;
     void setLimits(Limits limits, std::int64_t subview);
+    CGRect stretch(double start, double extent) const;
     double along(CGPoint point) const;
     std::optional<std::int64_t> dividerNear(CGPoint point) const;
     void bringUpToDate();

@@ -48,6 +48,27 @@ double NSTableViewDelegate::heightOfRow(const NSTableView& table, std::int64_t) 
 
 void NSTableViewDelegate::rowOpened(NSTableView&, std::int64_t) {}
 
+void NSTableViewObserver::rowsInserted(const IndexSet&, NSTableView::AnimationOptions) {}
+void NSTableViewObserver::rowsRemoved(const IndexSet&, NSTableView::AnimationOptions) {}
+void NSTableViewObserver::rowMoved(std::int64_t, std::int64_t) {}
+
+void NSTableViewObserver::rowsMoved(const IndexSet& from, std::int64_t to) {
+    std::int64_t fromBefore = 0, fromAfter = 0;
+    for (const std::int64_t row : from) {
+        if (row < to)
+            rowMoved(row - fromBefore++, to - 1);
+        else
+            rowMoved(row, to + fromAfter++);
+    }
+}
+
+void NSTableViewObserver::cellsReloaded(const IndexSet&, const IndexSet&) {}
+void NSTableViewObserver::rowHeightsDidChange(const IndexSet&) {}
+void NSTableViewObserver::columnInserted(std::int64_t) {}
+void NSTableViewObserver::columnRemoved(std::int64_t) {}
+void NSTableViewObserver::columnDidChange(std::int64_t) {}
+void NSTableViewObserver::scrolledTo(std::int64_t) {}
+
 /// Null for a table on the stack, and for one that is just being made.
 std::shared_ptr<NSTableView> NSTableView::self() noexcept {
     return std::static_pointer_cast<NSTableView>(weak_from_this().lock());
@@ -64,6 +85,15 @@ void NSTableView::setDelegate(const std::shared_ptr<NSTableViewDelegate>& delega
 }
 
 // Columns
+
+std::shared_ptr<NSTableColumn> NSTableColumn::create(std::string title) {
+    return std::make_shared<NSTableColumn>(Key{}, std::move(title));
+}
+
+void NSTableColumn::didChange() const {
+    if (const auto table = tableView())
+        table->columnDidChange(*this);
+}
 
 void NSTableView::addTableColumn(const std::shared_ptr<NSTableColumn>& column) {
     columns_.push_back(column);

@@ -28,30 +28,26 @@ namespace internal {
 class RowChange;
 }
 
-/// Gives a table its rows.
+/// Gives a table its rows. What is not overridden is empty, absent, false, or does nothing.
 class NSTableViewDataSource {
 public:
     virtual ~NSTableViewDataSource() = default;
     /// Below 0 counts as none.
     virtual std::int64_t numberOfRows(const NSTableView& table) const = 0;
-    /// The text of a cell, which the table draws where it has no cell view. Empty unless
-    /// overridden.
+    /// The text of a cell, which the table draws where it has no cell view.
     virtual std::string text(const NSTableView& table, std::int64_t column, std::int64_t row) const;
-    /// What a drag of the row carries out of the window, such as a file; absent, unless overridden,
-    /// for a row that is not dragged.
+    /// What a drag of the row carries out of the window, such as a file; absent when it stays.
     virtual std::optional<URL> draggedURL(const NSTableView& table, std::int64_t row) const;
-    /// Whether a person may drag the row to another place of the table. False unless overridden.
+    /// Whether a person may drag the row to another place of the table.
     virtual bool isMovable(const NSTableView& table, std::int64_t row) const;
     /// A person has dragged movable rows before the one at `before`, or to the end: move what they
-    /// show, and tell the table. Does nothing unless overridden.
+    /// show, and tell the table.
     virtual void rowsDragged(NSTableView& table, const IndexSet& rows, std::int64_t before);
     /// Whether files, or other addresses, that come from elsewhere may be dropped between the rows.
-    /// False unless overridden.
     virtual bool acceptsDrop(const NSTableView& table, const std::vector<URL>& urls) const;
-    /// They were dropped before the row at `before`, or at the end. Does nothing unless overridden.
+    /// They were dropped before the row at `before`, or at the end.
     virtual void urlsDropped(NSTableView& table, const std::vector<URL>& urls, std::int64_t before);
-    /// The table's `sortOrder` is another one: sort what the rows show and tell the table what
-    /// changed. Does nothing unless overridden.
+    /// The table's `sortOrder` is another one: sort what the rows show, and tell the table.
     virtual void sortOrderDidChange(NSTableView& table);
 };
 

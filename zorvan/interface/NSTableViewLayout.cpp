@@ -66,8 +66,7 @@ CGRect NSTableView::frameOfCell(std::int64_t atColumn, std::int64_t row) const {
     double x = 0;
     for (std::int64_t column = 0; column < atColumn; ++column)
         x += columns_[static_cast<std::size_t>(column)]->width();
-    return {x, top(row), columns_[static_cast<std::size_t>(atColumn)]->width(),
-            top(row + 1) - top(row)};
+    return {x, top(row), columns_[static_cast<std::size_t>(atColumn)]->width(), heightOfRow(row)};
 }
 
 std::int64_t NSTableView::row(double atY) const {
@@ -96,7 +95,7 @@ void NSTableView::scrollRowToVisible(std::int64_t row) {
     if (row < 0 || row >= rowCount_)
         return;
     // No wider than a line, so that it does not scroll sideways.
-    scrollToVisible(*this, {visibleRect(*this).x(), top(row), 0, top(row + 1) - top(row)});
+    scrollToVisible(*this, {visibleRect(*this).x(), top(row), 0, heightOfRow(row)});
     observers_.tell(&NSTableViewObserver::scrolledTo, row);
 }
 
@@ -161,8 +160,7 @@ void NSTableView::draw(Canvas& canvas) const {
 
 void NSTableView::drawRow(Canvas& canvas, std::int64_t row) const {
     constexpr Canvas::Colour plain{255, 255, 255}, striped{244, 245, 245}, selected{0, 99, 225};
-    const double height = top(row + 1) - top(row);
-    const CGRect wholeRow(canvas.clip().minX(), top(row), canvas.clip().width(), height);
+    const CGRect wholeRow(canvas.clip().minX(), top(row), canvas.clip().width(), heightOfRow(row));
     const bool isSelected = selection_.contains(row);
     canvas.fill(wholeRow, isSelected ? selected : row % 2 ? striped : plain);
     for (std::int64_t column = 0; column < numberOfColumns(); ++column) {

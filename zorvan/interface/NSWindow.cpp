@@ -33,7 +33,12 @@ BarView::Views viewsOf(const std::vector<std::shared_ptr<Item>>& items) {
 
 std::shared_ptr<NSWindow> NSWindow::create(CGSize contentSize, std::string title) {
     const auto window = std::make_shared<NSWindow>(Key{}, contentSize, std::move(title));
-    window->setUp();
+    window->rootView_ = RootView::create([weak = std::weak_ptr(window)] {
+        if (const auto living = weak.lock())
+            living->contentDidChange();
+    });
+    window->rootView_->didMoveAll(window);
+    window->setContentView(nullptr);
     return window;
 }
 
@@ -45,15 +50,6 @@ NSWindow::~NSWindow() {
         toolbar_.bar->window_.reset();
     if (touchBar_.bar)
         touchBar_.bar->window_.reset();
-}
-
-void NSWindow::setUp() {
-    rootView_ = RootView::create([weak = weak_from_this()] {
-        if (const auto window = weak.lock())
-            window->contentDidChange();
-    });
-    rootView_->didMoveAll(shared_from_this());
-    setContentView(nullptr);
 }
 
 void NSWindow::setTitle(std::string title) {

@@ -150,12 +150,10 @@ private:
         std::shared_ptr<BarView> view;
     };
 
-    void setUp();
     template <class Bar>
     void setBar(Held<Bar> NSWindow::*place, std::shared_ptr<Bar> bar);
     void barDidChange(void (NSWindowObserver::*change)());
     void contentDidChange();
-    std::shared_ptr<NSView> hitView(CGPoint location) const;
     bool sendButton(const NSEvent& event, const std::shared_ptr<NSView>& over);
     bool sendKey(const NSEvent& event);
     bool deliver(void (NSView::*handler)(const NSEvent&), const std::shared_ptr<NSView>& to,

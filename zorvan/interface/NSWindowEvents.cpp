@@ -20,11 +20,7 @@ bool NSWindow::sendEvent(const NSEvent& event, const std::shared_ptr<NSView>& ov
         return sendKey(event);
     const bool hasLeft = event.type == Type::mouseExited;
     trackMouse(hasLeft ? std::nullopt : std::optional(event.locationInWindow), event);
-    return sendButton(event, over ? over : hitView(event.locationInWindow));
-}
-
-std::shared_ptr<NSView> NSWindow::hitView(CGPoint location) const {
-    return rootView_->hitTest(location);
+    return sendButton(event, over ? over : rootView_->hitTest(event.locationInWindow));
 }
 
 namespace {

@@ -106,20 +106,16 @@ void TintedButton::mouseUp(const NSEvent&) { markCell(&TintedButtonCell::setIsPr
 
 void TintedButton::viewWillMove(const std::shared_ptr<NSWindow>& toWindow) {
     NSButton::viewWillMove(toWindow);
-    NoteSubscriber& becomeMain = *windowDidBecomeMainSubscriber();
-    NoteSubscriber& resignMain = *windowDidResignMainSubscriber();
-    becomeMain.unsubscribe();
-    resignMain.unsubscribe();
-    if (!toWindow)
-        return;
-    subscribe(becomeMain);
-    subscribe(resignMain);
-}
-
-void TintedButton::subscribe(NoteSubscriber& subscriber) {
-    const auto self = std::static_pointer_cast<TintedButton>(shared_from_this());
-    subscriber.subscribe(self, [](const std::shared_ptr<TintedButton>& button,
-                                  const Notification&) { button->setNeedsDisplay(true); });
+    const auto redraw = [](const std::shared_ptr<TintedButton>& button, const Notification&) {
+        button->setNeedsDisplay(true);
+    };
+    for (const auto& subscriber :
+         {windowDidBecomeMainSubscriber(), windowDidResignMainSubscriber()}) {
+        subscriber->unsubscribe();
+        if (toWindow)
+            subscriber->subscribe(std::static_pointer_cast<TintedButton>(shared_from_this()),
+                                  redraw);
+    }
 }
 
 namespace {

@@ -55,7 +55,6 @@ private:
     friend class TintProperties<TintedButton>;
 
     void useTintedCell();
-    void subscribe(NoteSubscriber& subscriber);
     void markCell(void (TintedButtonCell::*set)(bool), bool value);
     /// Those of the cell.
     const detail::Tints& ownTints() const noexcept;

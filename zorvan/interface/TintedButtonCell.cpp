@@ -45,9 +45,8 @@ void TintedButtonCell::drawBezel(const CGRect& withFrame, const NSControl& in) c
         return;
     const double most = frame.size.abs().min() * 0.5;
     const double radius = std::clamp(tints_.backgroundRadius.value_or(0), 0.0, most);
-    const auto path = NSBezierPath::create(
-        NSBezierPath::RoundedRect{.roundedRect = frame, .xRadius = radius, .yRadius = radius});
-    zorvan::draw(*gradient, *path, tints_.backgroundGradientAngle.value_or(0));
+    zorvan::draw(*gradient, *nsRoundedPath(frame, radius),
+                 tints_.backgroundGradientAngle.value_or(0));
 }
 
 void TintedButtonCell::drawInterior(const CGRect& withFrame, const NSControl& in) const {

@@ -1,7 +1,7 @@
 #include <zorvan/media/AVAsset.h>
 
 #include <zorvan/platform/avfoundation/describeMedia.h>
-#include <zorvan/platform/textservices/Unicode.h>
+#include <zorvan/platform/foundation/internal/UTF8.h>
 
 #include <algorithm>
 #include <array>
@@ -40,8 +40,7 @@ CMTime asTime(const std::optional<MediaTime>& time, const CMTime& otherwise) {
 }
 
 PropertyList textOrBytes(const std::string& value) {
-    const bool isUTF8 = utf8FromUTF16(utf16FromUTF8(value)) == value;
-    if (isUTF8)
+    if (internal::isUTF8(value))
         return value;
     const auto* const bytes = reinterpret_cast<const std::byte*>(value.data());
     return Data(bytes, bytes + value.size());
@@ -124,15 +123,14 @@ CGAffineTransform AVAsset::computeNaturalTransform() const noexcept {
 
 std::optional<Orientation> AVAsset::computeNaturalOrientation() const noexcept {
     const CGAffineTransform t = computeNaturalTransform();
-    const std::array<double, 4> turn{t.a, t.b, t.c, t.d};
-    if (turn == std::array<double, 4>{1, 0, 0, 1})
-        return Orientation::up;
-    if (turn == std::array<double, 4>{0, 1, -1, 0})
-        return Orientation::left;
-    if (turn == std::array<double, 4>{0, -1, 1, 0})
-        return Orientation::right;
-    if (turn == std::array<double, 4>{-1, 0, 0, -1})
-        return Orientation::down;
+    constexpr std::pair<std::array<double, 4>, Orientation> turns[] = {
+        {{1, 0, 0, 1}, Orientation::up},
+        {{0, 1, -1, 0}, Orientation::left},
+        {{0, -1, 1, 0}, Orientation::right},
+        {{-1, 0, 0, -1}, Orientation::down}};
+    for (const auto& [turn, orientation] : turns)
+        if (turn == std::array{t.a, t.b, t.c, t.d})
+            return orientation;
     return std::nullopt;
 }
 

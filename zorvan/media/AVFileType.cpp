@@ -9,35 +9,33 @@
 namespace zorvan {
 namespace {
 
-constexpr std::size_t listedCount = 20;
-
 /// The types of `allValues`, then the one that is not among them.
-const std::array<AVFileType, listedCount + 1>& types() {
-    static const std::array<AVFileType, listedCount + 1> types{AVFileTypeAC3,
-                                                               AVFileTypeAMR,
-                                                               AVFileTypeDNG,
-                                                               AVFileType3GPP,
-                                                               AVFileTypeAIFC,
-                                                               AVFileTypeAIFF,
-                                                               AVFileTypeAVCI,
-                                                               AVFileTypeHEIC,
-                                                               AVFileTypeHEIF,
-                                                               AVFileTypeJPEG,
-                                                               AVFileTypeTIFF,
-                                                               AVFileTypeWAVE,
-                                                               AVFileType3GPP2,
-                                                               AVFileTypeMPEG4,
-                                                               AVFileTypeSunAU,
-                                                               AVFileTypeAppleM4A,
-                                                               AVFileTypeAppleM4V,
-                                                               AVFileTypeMPEGLayer3,
-                                                               AVFileTypeEnhancedAC3,
-                                                               AVFileTypeQuickTimeMovie,
-                                                               AVFileTypeCoreAudioFormat};
-    return types;
+const auto& types() {
+    static const std::array all{AVFileTypeAC3,
+                                AVFileTypeAMR,
+                                AVFileTypeDNG,
+                                AVFileType3GPP,
+                                AVFileTypeAIFC,
+                                AVFileTypeAIFF,
+                                AVFileTypeAVCI,
+                                AVFileTypeHEIC,
+                                AVFileTypeHEIF,
+                                AVFileTypeJPEG,
+                                AVFileTypeTIFF,
+                                AVFileTypeWAVE,
+                                AVFileType3GPP2,
+                                AVFileTypeMPEG4,
+                                AVFileTypeSunAU,
+                                AVFileTypeAppleM4A,
+                                AVFileTypeAppleM4V,
+                                AVFileTypeMPEGLayer3,
+                                AVFileTypeEnhancedAC3,
+                                AVFileTypeQuickTimeMovie,
+                                AVFileTypeCoreAudioFormat};
+    return all;
 }
 
-constexpr std::array<std::string_view, listedCount + 1> extensions{
+constexpr std::array<std::string_view, 21> extensions{
     "ac3", "amr", "dng", "3gp", "aifc", "aiff", "avci", "heic", "heif", "jpg", "tif",
     "wav", "3g2", "mp4", "au",  "m4a",  "m4v",  "mp3",  "eac3", "mov",  "caf"};
 
@@ -51,7 +49,7 @@ std::string_view AVFileType::pathExtension() const {
 }
 
 std::span<const AVFileType> AVFileType::allValues() noexcept {
-    return std::span(types()).first<listedCount>();
+    return std::span(types()).first(types().size() - 1);
 }
 
 std::int64_t AVFileType::index() const noexcept {

@@ -25,6 +25,11 @@ double frameDuration(const AVAsset& asset) {
     return isKnown ? tracks.front().minFrameDuration.seconds() : 0;
 }
 
+void tellThatNothingHappened(AVPlayer::Completion completion) {
+    if (completion)
+        DispatchQueue::main()->async([completion = std::move(completion)] { completion(false); });
+}
+
 } // namespace
 
 /// Passes what the player's thread tells to the observers. Outlives the items.
@@ -124,10 +129,8 @@ std::optional<CMTime> AVPlayer::duration() const {
 CMTime AVPlayer::currentTime() const { return item_ ? item_->currentTime() : kCMTimeZero; }
 
 void AVPlayer::seek(const AVPlayerItem::Seek& target, Completion completion) {
-    if (item_)
-        item_->seek(target, std::move(completion));
-    else if (completion)
-        DispatchQueue::main()->async([completion = std::move(completion)] { completion(false); });
+    item_ ? item_->seek(target, std::move(completion))
+          : tellThatNothingHappened(std::move(completion));
 }
 
 void AVPlayer::seekAccurately(const CMTime& time, Completion completion) {
@@ -140,10 +143,8 @@ void AVPlayer::seekInaccurately(const CMTime& time, Completion completion) {
 }
 
 void AVPlayer::step(ByCount count, Completion completion) {
-    if (item_)
-        item_->step({.byCount = count.byCount}, std::move(completion));
-    else if (completion)
-        DispatchQueue::main()->async([completion = std::move(completion)] { completion(false); });
+    item_ ? item_->step({.byCount = count.byCount}, std::move(completion))
+          : tellThatNothingHappened(std::move(completion));
 }
 
 std::shared_ptr<PeriodicTimeObserver> AVPlayer::addPeriodicTimeObserver(const Interval& interval,

@@ -49,15 +49,10 @@ AVPlayerItem::Status AVPlayerItem::status() const {
         return Status::failed;
     if (!player_)
         return Status::unknown;
-    switch (player_->status()) {
-    case MediaPlayer::Status::opening:
-        return Status::unknown;
-    case MediaPlayer::Status::ready:
-        return Status::readyToPlay;
-    case MediaPlayer::Status::failed:
-        return Status::failed;
-    }
-    return Status::unknown;
+    const MediaPlayer::Status status = player_->status();
+    return status == MediaPlayer::Status::ready    ? Status::readyToPlay
+           : status == MediaPlayer::Status::failed ? Status::failed
+                                                   : Status::unknown;
 }
 
 CMTime AVPlayerItem::currentTime() const {

@@ -291,6 +291,7 @@ private:
     bool hasPixels() const noexcept { return bitmap_ || borrowed_; }
     void clipToPixels(CGPath path, CGPathFillRule rule);
     void drawGradient(GradientPaint paint, const CGPath& area, const CGGradient& gradient);
+    void fill(const CGRect& rect, const CGGradient& gradient, CGPoint start, CGPoint end);
     CGPath pathOf(const CGRect& rect) const;
 
     std::int64_t width_;

@@ -217,21 +217,20 @@ void CGContext::drawRadialGradient(const CGGradient& gradient, CGPoint center, d
     drawGradient({{}, center, center, radius}, area, gradient);
 }
 
-void CGContext::drawVerticalGradient(const CGGradient& gradient, const CGRect& rect) {
+void CGContext::fill(const CGRect& rect, const CGGradient& gradient, CGPoint start, CGPoint end) {
     useTemporaryGState([&] {
         clipToPixels(pathOf(rect), CGPathFillRule::winding);
         // On both sides, because the edges of the rectangle are those of the clip already.
-        drawLinearGradient(gradient, rect.bottomCenter(), rect.topCenter(),
-                           CGGradientDrawingOptions::drawsOnBothSides);
+        drawLinearGradient(gradient, start, end, CGGradientDrawingOptions::drawsOnBothSides);
     });
 }
 
+void CGContext::drawVerticalGradient(const CGGradient& gradient, const CGRect& rect) {
+    fill(rect, gradient, rect.bottomCenter(), rect.topCenter());
+}
+
 void CGContext::drawHorizontalGradient(const CGGradient& gradient, const CGRect& rect) {
-    useTemporaryGState([&] {
-        clipToPixels(pathOf(rect), CGPathFillRule::winding);
-        drawLinearGradient(gradient, rect.middleLeft(), rect.middleRight(),
-                           CGGradientDrawingOptions::drawsOnBothSides);
-    });
+    fill(rect, gradient, rect.middleLeft(), rect.middleRight());
 }
 
 void CGContext::drawString(std::string_view text, const CGRect& rect,

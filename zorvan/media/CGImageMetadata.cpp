@@ -73,11 +73,6 @@ void exchange(PropertyList::Dictionary& metadata, std::string_view first, std::s
         std::swap(a->second, b->second);
 }
 
-void erase(PropertyList::Dictionary& metadata, std::string_view key) {
-    if (const auto entry = metadata.find(key); entry != metadata.end())
-        metadata.erase(entry);
-}
-
 } // namespace
 
 std::optional<CGSize> CGImage::imageSize(const PropertyList::Dictionary& metadata) {
@@ -149,12 +144,12 @@ PropertyList::Dictionary CGImage::uprightMetadata(PropertyList::Dictionary metad
         exchange(metadata, kCGImagePropertyPixelWidth, kCGImagePropertyPixelHeight);
         exchange(metadata, "DPIWidth", "DPIHeight");
     }
-    erase(metadata, kCGImagePropertyOrientation);
+    metadata.erase(kCGImagePropertyOrientation);
     const auto tiff = metadata.find(kCGImagePropertyTIFFDictionary);
     if (auto* section =
             tiff == metadata.end() ? nullptr : tiff->second.as<PropertyList::Dictionary>()) {
-        erase(*section, kCGImagePropertyOrientation);
-        erase(*section, kCGImagePropertyTIFFCompression);
+        section->erase(kCGImagePropertyOrientation);
+        section->erase(kCGImagePropertyTIFFCompression);
     }
     return metadata;
 }

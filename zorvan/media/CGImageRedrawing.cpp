@@ -41,24 +41,19 @@ Pointer redrawn(std::int64_t width, std::int64_t height, Drawing&& drawing) try 
     return refused();
 }
 
-struct PixelSize {
-    std::int64_t width;
-    std::int64_t height;
-};
-
 /// Rounded halves away from zero; absent when a side is no number that 64 bits hold.
-std::optional<PixelSize> rounded(CGSize size) {
+std::optional<PixelRect> rounded(CGSize size) {
     constexpr double limit = 9223372036854775808.0; // 2^63
     const double width = std::round(size.width);
     const double height = std::round(size.height);
     if (!(width >= -limit && width < limit && height >= -limit && height < limit))
         return std::nullopt;
-    return PixelSize{static_cast<std::int64_t>(width), static_cast<std::int64_t>(height)};
+    return PixelRect{0, 0, static_cast<std::int64_t>(width), static_cast<std::int64_t>(height)};
 }
 
 template <class Drawing>
 Pointer redrawn(CGSize size, Drawing&& drawing) {
-    const std::optional<PixelSize> pixels = rounded(size);
+    const std::optional<PixelRect> pixels = rounded(size);
     return pixels ? redrawn(pixels->width, pixels->height, drawing) : refused();
 }
 
@@ -138,7 +133,7 @@ Pointer CGImage::fitting(CGSize size) const { return resizing(this->size().fitti
 
 Pointer CGImage::cropping(Insets by) const {
     const CGRect inset = rect().insetBy(by.dx, by.dy);
-    const std::optional<PixelSize> pixels = rounded(CGSize(inset.width(), inset.height()));
+    const std::optional<PixelRect> pixels = rounded(CGSize(inset.width(), inset.height()));
     if (!pixels)
         return refused();
     checkRowByteCount(pixels->width);

@@ -3,8 +3,8 @@
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/ImageKeys.h>
 #include <zorvan/platform/foundation/internal/valueUnder.h>
+#include <zorvan/platform/graphics/AreaDownscaler.h>
 #include <zorvan/platform/graphics/ExactTransforms.h>
-#include <zorvan/platform/graphics/drawBitmap.h>
 #include <zorvan/platform/imageio/ImageReader.h>
 
 #include <algorithm>
@@ -43,12 +43,8 @@ std::optional<Bitmap> limited(Bitmap bitmap, std::int64_t longest) {
     };
     std::optional<Bitmap> result =
         Bitmap::make(scaled(bitmap.width()), scaled(bitmap.height()), bitmap.layout());
-    if (!result)
-        return result;
-    const CGAffineTransform shrink(
-        static_cast<double>(result->width()) / static_cast<double>(bitmap.width()), 0, 0,
-        static_cast<double>(result->height()) / static_cast<double>(bitmap.height()), 0, 0);
-    drawBitmap(bitmap, shrink, *result, Backdrop::transparent);
+    if (result)
+        areaDownscale(bitmap, *result, {0, result->height()});
     return result;
 }
 

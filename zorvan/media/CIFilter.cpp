@@ -79,11 +79,9 @@ private:
 
     Points points() const {
         Points result;
-        constexpr std::array<std::string_view, 5> keys{"inputPoint0", "inputPoint1", "inputPoint2",
-                                                       "inputPoint3", "inputPoint4"};
         for (std::size_t i = 0; i < result.size(); ++i) {
             const double even = static_cast<double>(i) / 4;
-            const CIVector point = vector(keys[i], {even, even, 0, 0});
+            const CIVector point = vector("inputPoint" + std::to_string(i), {even, even, 0, 0});
             result[i] = {std::isfinite(point.x) ? point.x : even,
                          std::isfinite(point.y) ? point.y : even};
         }

@@ -71,14 +71,6 @@ public:
         return static_cast<RenamedExifOrientation::Case>(position());
     }
 
-    /// Of the same case.
-    /// @{
-    friend constexpr bool operator==(ExifOrientation a, ExifOrientation b) noexcept {
-        return a.position() == b.position();
-    }
-    friend constexpr bool operator==(ExifOrientation a, Case b) noexcept { return Case(a) == b; }
-    /// @}
-
 private:
     static constexpr std::array<std::string_view, 8> names{"horizontal",
                                                            "mirrorHorizontal",

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/numbers-geometry/EnumerationValue.h>
 #include <zorvan/platform/foundation/Required.h>
 
 #include <array>
@@ -11,9 +12,10 @@
 
 namespace zorvan {
 
-/// An encoding in which pictures are written. Works in a `switch`, and its constants have the
-/// members: `ImageExportFormat::heic.displayName()`.
-class ImageExportFormat {
+/// An encoding in which pictures are written; png 1, jpg 2, tiff 3, heic 4 by their raw values.
+/// Works in a `switch`, and its constants have the members:
+/// `ImageExportFormat::heic.displayName()`.
+class ImageExportFormat : public EnumerationValue<ImageExportFormat, 4, 1> {
 public:
     /// For `switch`.
     enum class Case : std::uint8_t { png, jpg, tiff, heic };
@@ -24,10 +26,6 @@ public:
     /// In the order of the raw values.
     static const std::array<ImageExportFormat, 4> allCases;
 
-    /// A number that stands for a format.
-    struct RawValue {
-        Required<std::int64_t> rawValue;
-    };
     /// An extension without its dot.
     struct PathExtension {
         Required<std::string_view> pathExt;
@@ -35,25 +33,16 @@ public:
 
     /// A case and its value stand for each other.
     /// @{
-    constexpr ImageExportFormat(Case value) noexcept : value_(value) {}
-    constexpr operator Case() const noexcept { return value_; }
+    constexpr ImageExportFormat(Case value) noexcept : EnumerationValue(value) {}
+    constexpr operator Case() const noexcept { return static_cast<Case>(rawValue() - 1); }
     /// @}
 
-    /// png 1, jpg 2, tiff 3, heic 4; absent for any other number.
-    [[nodiscard]] static constexpr std::optional<ImageExportFormat>
-    make(RawValue argument) noexcept {
-        if (argument.rawValue < 1 || argument.rawValue > 4)
-            return std::nullopt;
-        return static_cast<Case>(argument.rawValue - 1);
-    }
+    /// By raw value; absent for any other number.
+    using EnumerationValue::make;
     /// By file extension, without a dot and in either case; "jpeg", "tif" and "heif" are known too.
     [[nodiscard]] static constexpr std::optional<ImageExportFormat>
     make(PathExtension argument) noexcept;
 
-    /// png 1, jpg 2, tiff 3, heic 4.
-    [[nodiscard]] constexpr std::int64_t rawValue() const noexcept {
-        return static_cast<std::int64_t>(value_) + 1;
-    }
     /// The file extension, without a dot.
     [[nodiscard]] constexpr std::string_view pathExtension() const noexcept {
         constexpr std::array<std::string_view, 4> names{"png", "jpg", "tiff", "heic"};
@@ -71,18 +60,10 @@ public:
         return types[position()];
     }
 
-    /// Of the same case.
-    /// @{
-    friend constexpr bool operator==(ImageExportFormat a, ImageExportFormat b) noexcept {
-        return a.value_ == b.value_;
-    }
-    friend constexpr bool operator==(ImageExportFormat a, Case b) noexcept { return a.value_ == b; }
-    /// @}
-
 private:
-    constexpr std::size_t position() const noexcept { return static_cast<std::size_t>(value_); }
-
-    Case value_;
+    constexpr std::size_t position() const noexcept {
+        return static_cast<std::size_t>(rawValue() - 1);
+    }
 };
 
 inline constexpr ImageExportFormat ImageExportFormat::png = Case::png;
@@ -120,10 +101,3 @@ ImageExportFormat::make(PathExtension argument) noexcept {
 }
 
 } // namespace zorvan
-
-template <>
-struct std::hash<zorvan::ImageExportFormat> {
-    std::size_t operator()(zorvan::ImageExportFormat format) const noexcept {
-        return std::hash<std::int64_t>()(format.rawValue());
-    }
-};

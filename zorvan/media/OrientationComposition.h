@@ -36,6 +36,10 @@ public:
     constexpr void rightRotate() noexcept { position_ = rightRotated().position_; }
     /// @}
 
+    /// Of the same case.
+    friend constexpr bool operator==(const OrientationComposition&,
+                                     const OrientationComposition&) = default;
+
 protected:
     /// Of a position from 0 to 7.
     constexpr explicit OrientationComposition(std::uint8_t position) noexcept

@@ -56,16 +56,6 @@ public:
 
     /// The EXIF value, 1 to 8.
     [[nodiscard]] constexpr std::int64_t rawValue() const noexcept { return position() + 1; }
-
-    /// Of the same case.
-    /// @{
-    friend constexpr bool operator==(RenamedExifOrientation a, RenamedExifOrientation b) noexcept {
-        return a.position() == b.position();
-    }
-    friend constexpr bool operator==(RenamedExifOrientation a, Case b) noexcept {
-        return Case(a) == b;
-    }
-    /// @}
 };
 
 inline constexpr RenamedExifOrientation RenamedExifOrientation::up = Case::up;

@@ -108,11 +108,9 @@ CIFilter::Pointer toneCurve(const std::vector<Color>& colors) {
         return nullptr;
     const CIFilter::Pointer filter = CIFilter::create("CIToneCurve");
     constexpr std::array<double, 5> positions{0, 0.125, 0.35, 0.65, 1};
-    constexpr std::array<std::string_view, 5> keys{"inputPoint0", "inputPoint1", "inputPoint2",
-                                                   "inputPoint3", "inputPoint4"};
-    for (std::size_t i = 0; i < keys.size(); ++i)
+    for (std::size_t i = 0; i < positions.size(); ++i)
         filter->setValue(CIVector{low + width * positions[i], std::pow(positions[i], gamma), 0, 0},
-                         keys[i]);
+                         "inputPoint" + std::to_string(i));
     return filter;
 }
 

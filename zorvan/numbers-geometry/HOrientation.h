@@ -16,17 +16,8 @@ public:
 
     /// A case and its value stand for each other.
     /// @{
-    constexpr HOrientation(Case value) noexcept
-        : EnumerationValue(static_cast<std::int64_t>(value)) {}
+    constexpr HOrientation(Case value) noexcept : EnumerationValue(value) {}
     constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
-    /// @}
-
-    /// The other case.
-    /// @{
-    [[nodiscard]] constexpr HOrientation toggled() const noexcept {
-        return *this == left ? right : left;
-    }
-    constexpr void toggle() noexcept { *this = toggled(); }
     /// @}
 };
 

@@ -21,8 +21,7 @@ public:
 
     /// A case and its value stand for each other.
     /// @{
-    constexpr Orientation(Case value) noexcept
-        : EnumerationValue(static_cast<std::int64_t>(value)) {}
+    constexpr Orientation(Case value) noexcept : EnumerationValue(value) {}
     constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
     /// @}
 

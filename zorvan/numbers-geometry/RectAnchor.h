@@ -33,8 +33,7 @@ public:
 
     /// A case and its value stand for each other.
     /// @{
-    constexpr RectAnchor(Case value) noexcept
-        : EnumerationValue(static_cast<std::int64_t>(value)) {}
+    constexpr RectAnchor(Case value) noexcept : EnumerationValue(value) {}
     constexpr operator Case() const noexcept { return static_cast<Case>(rawValue()); }
     /// @}
 

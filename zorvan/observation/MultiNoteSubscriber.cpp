@@ -7,9 +7,6 @@ MultiNoteSubscriber::create(std::shared_ptr<NSNotificationCenter> center) {
     return std::shared_ptr<MultiNoteSubscriber>(new MultiNoteSubscriber(std::move(center)));
 }
 
-MultiNoteSubscriber::MultiNoteSubscriber(std::shared_ptr<NSNotificationCenter> center)
-    : center_(std::move(center)) {}
-
 MultiNoteSubscriber::Subscribers MultiNoteSubscriber::makeSubscribers() const {
     if (!subscribers_.empty())
         fatalError("Subcribers are already observing.");

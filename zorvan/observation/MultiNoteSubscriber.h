@@ -62,7 +62,8 @@ public:
     void unsubscribe();
 
 private:
-    explicit MultiNoteSubscriber(std::shared_ptr<NSNotificationCenter> center);
+    explicit MultiNoteSubscriber(std::shared_ptr<NSNotificationCenter> center)
+        : center_(std::move(center)) {}
     Subscribers makeSubscribers() const;
 
     const std::shared_ptr<NSNotificationCenter> center_;

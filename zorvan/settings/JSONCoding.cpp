@@ -60,23 +60,16 @@ Date JSONCoding<Date>::decode(const JSON& json) {
     return reference + std::chrono::duration_cast<Date::duration>(Seconds(seconds));
 }
 
-namespace {
-
-/// Whole groups without blanks: JSON is strict where property lists are lenient.
-std::optional<Data> strictBase64(std::string_view text) {
-    const bool isStrict =
-        text.size() % 4 == 0 && text.find_first_of(" \t\r\n") == std::string_view::npos;
-    return isStrict ? propertylist::decodeBase64(text) : std::nullopt;
-}
-
-} // namespace
-
 JSON JSONCoding<Data>::encode(const Data& value) { return propertylist::encodeBase64(value); }
 
 Data JSONCoding<Data>::decode(const JSON& json) {
-    if (auto bytes = strictBase64(detail::expected<std::string>(json, "text")))
-        return std::move(*bytes);
-    throw JSONError("data is not in base 64");
+    const auto& text = detail::expected<std::string>(json, "text");
+    // Whole groups without blanks: JSON is strict where property lists are lenient.
+    const bool isStrict = text.size() % 4 == 0 && text.find_first_of(" \t\r\n") == text.npos;
+    auto bytes = isStrict ? propertylist::decodeBase64(text) : std::nullopt;
+    if (!bytes)
+        throw JSONError("data is not in base 64");
+    return std::move(*bytes);
 }
 
 URL JSONCoding<URL>::decode(const JSON& json) {

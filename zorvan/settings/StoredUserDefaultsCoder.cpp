@@ -1,5 +1,6 @@
 #include <zorvan/settings/StoredUserDefaultsCoder.h>
 
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 #include <zorvan/settings/BundleVersionUDC.h>
 #include <zorvan/settings/GeometryCoders.h>
 #include <zorvan/settings/NSUserDefaults.h>
@@ -9,89 +10,29 @@
 #include <zorvan/settings/URLCoders.h>
 #include <zorvan/settings/internal/conversions.h>
 
-#include <array>
-#include <cstddef>
 #include <utility>
 
 namespace zorvan {
 
 namespace {
 
-/// The stored form of a type: what an object reads as, and the object that a value becomes. As it
-/// is, unless told otherwise.
+using Strings = std::vector<std::string>;
+using URLs = std::vector<URL>;
+
 template <class Value>
-struct Form {
-    static std::optional<Value> read(const PropertyList& object) {
-        const auto* value = object.as<Value>();
-        return value ? std::optional(*value) : std::nullopt;
-    }
-    static PropertyList of(const Value& value) { return value; }
-};
-
-template <>
-std::optional<PropertyList> Form<PropertyList>::read(const PropertyList& object) {
-    return object;
+std::optional<Value> ofThatKind(const PropertyList& object) {
+    const auto* value = object.as<Value>();
+    return value ? std::optional(*value) : std::nullopt;
 }
 
-template <>
-std::optional<bool> Form<bool>::read(const PropertyList& object) {
-    return internal::asBool(object);
-}
-
-template <>
-std::optional<std::int64_t> Form<std::int64_t>::read(const PropertyList& object) {
-    return internal::asInteger(object);
-}
-
-template <>
-std::optional<std::uint64_t> Form<std::uint64_t>::read(const PropertyList& object) {
+std::optional<std::uint64_t> unsignedIn(const PropertyList& object) {
     if (const auto* number = object.as<NSNumber>(); number && number->isUnsigned())
         return number->uint64Value();
     const std::int64_t integer = internal::asInteger(object);
     return integer >= 0 ? std::optional(static_cast<std::uint64_t>(integer)) : std::nullopt;
 }
 
-template <>
-std::optional<float> Form<float>::read(const PropertyList& object) {
-    return static_cast<float>(internal::asDouble(object));
-}
-
-template <>
-std::optional<double> Form<double>::read(const PropertyList& object) {
-    return internal::asDouble(object);
-}
-
-template <>
-std::optional<std::string> Form<std::string>::read(const PropertyList& object) {
-    return internal::asString(object);
-}
-
-using Strings = std::vector<std::string>;
-
-template <>
-std::optional<Strings> Form<Strings>::read(const PropertyList& object) {
-    return internal::asStrings(object);
-}
-
-template <>
-PropertyList Form<Strings>::of(const Strings& value) {
-    return PropertyList::Array(value.begin(), value.end());
-}
-
-template <>
-std::optional<URL> Form<URL>::read(const PropertyList& object) {
-    return internal::asURL(object);
-}
-
-template <>
-PropertyList Form<URL>::of(const URL& value) {
-    return value.absoluteString();
-}
-
-using URLs = std::vector<URL>;
-
-template <>
-std::optional<URLs> Form<URLs>::read(const PropertyList& object) {
+std::optional<URLs> urlsIn(const PropertyList& object) {
     URLs urls;
     const auto texts = internal::asStrings(object);
     for (const std::string& text : texts.value_or(Strings()))
@@ -100,77 +41,100 @@ std::optional<URLs> Form<URLs>::read(const PropertyList& object) {
     return texts && urls.size() == texts->size() ? std::optional(std::move(urls)) : std::nullopt;
 }
 
-template <>
-PropertyList Form<URLs>::of(const URLs& value) {
-    PropertyList::Array texts;
-    for (const URL& url : value)
-        texts.emplace_back(url.absoluteString());
-    return texts;
-}
-
-template <>
-std::optional<BundleVersion> Form<BundleVersion>::read(const PropertyList& object) {
+std::optional<BundleVersion> versionIn(const PropertyList& object) {
     const auto text = internal::asString(object);
     return text ? BundleVersion::make(*text) : std::nullopt;
 }
 
-template <>
-PropertyList Form<BundleVersion>::of(const BundleVersion& value) {
-    return value.rawValue();
-}
-
-template <>
-std::optional<NSDateFormatterStyle> Form<NSDateFormatterStyle>::read(const PropertyList& object) {
+std::optional<NSDateFormatterStyle> styleIn(const PropertyList& object) {
     const auto* number = object.as<NSNumber>();
     return number ? std::optional(static_cast<NSDateFormatterStyle>(number->uint64Value()))
                   : std::nullopt;
-}
-
-template <>
-PropertyList Form<NSDateFormatterStyle>::of(const NSDateFormatterStyle& value) {
-    return static_cast<std::uint64_t>(value);
 }
 
 /// A shape from the numbers under the names; absent unless all of them are there.
 template <class Shape, class... Name>
 std::optional<Shape> shapeIn(const PropertyList& object, Name... names) {
     const auto* dictionary = object.as<PropertyList::Dictionary>();
-    const auto number = [&](const char* name) -> const NSNumber* {
-        const auto found = dictionary->find(name);
-        return found == dictionary->end() ? nullptr : found->second.template as<NSNumber>();
+    const auto number = [&](const char* name) {
+        return internal::valueUnder<NSNumber>(*dictionary, name);
     };
     if (!dictionary || (!number(names) || ...))
         return std::nullopt;
     return Shape(number(names)->doubleValue()...);
 }
 
+/// What an object reads as.
+template <class Value>
+constexpr auto read = &ofThatKind<Value>;
 template <>
-std::optional<CGPoint> Form<CGPoint>::read(const PropertyList& object) {
-    return shapeIn<CGPoint>(object, "x", "y");
+constexpr auto read<PropertyList> = [](const PropertyList& object) { return object; };
+template <>
+constexpr auto read<bool> = &internal::asBool;
+template <>
+constexpr auto read<std::int64_t> = &internal::asInteger;
+template <>
+constexpr auto read<std::uint64_t> = &unsignedIn;
+template <>
+constexpr auto read<float> =
+    [](const PropertyList& object) { return static_cast<float>(internal::asDouble(object)); };
+template <>
+constexpr auto read<double> = &internal::asDouble;
+template <>
+constexpr auto read<std::string> = &internal::asString;
+template <>
+constexpr auto read<Strings> = &internal::asStrings;
+template <>
+constexpr auto read<URL> = &internal::asURL;
+template <>
+constexpr auto read<URLs> = &urlsIn;
+template <>
+constexpr auto read<BundleVersion> = &versionIn;
+template <>
+constexpr auto read<NSDateFormatterStyle> = &styleIn;
+template <>
+constexpr auto read<CGPoint> =
+    [](const PropertyList& object) { return shapeIn<CGPoint>(object, "x", "y"); };
+template <>
+constexpr auto read<CGSize> =
+    [](const PropertyList& object) { return shapeIn<CGSize>(object, "width", "height"); };
+template <>
+constexpr auto read<CGRect> =
+    [](const PropertyList& object) { return shapeIn<CGRect>(object, "x", "y", "width", "height"); };
+
+// The object that a value becomes: itself, unless told otherwise.
+
+template <class Value>
+PropertyList formOf(const Value& value) {
+    return value;
 }
 
-template <>
-PropertyList Form<CGPoint>::of(const CGPoint& value) {
+PropertyList formOf(const Strings& value) {
+    return PropertyList::Array(value.begin(), value.end());
+}
+
+PropertyList formOf(const URL& value) { return value.absoluteString(); }
+
+PropertyList formOf(const URLs& value) {
+    PropertyList::Array texts;
+    for (const URL& url : value)
+        texts.emplace_back(url.absoluteString());
+    return texts;
+}
+
+PropertyList formOf(const BundleVersion& value) { return value.rawValue(); }
+
+PropertyList formOf(NSDateFormatterStyle value) { return static_cast<std::uint64_t>(value); }
+
+PropertyList formOf(const CGPoint& value) {
     return PropertyList::Dictionary{{"x", value.x}, {"y", value.y}};
 }
 
-template <>
-std::optional<CGSize> Form<CGSize>::read(const PropertyList& object) {
-    return shapeIn<CGSize>(object, "width", "height");
-}
-
-template <>
-PropertyList Form<CGSize>::of(const CGSize& value) {
+PropertyList formOf(const CGSize& value) {
     return PropertyList::Dictionary{{"width", value.width}, {"height", value.height}};
 }
 
-template <>
-std::optional<CGRect> Form<CGRect>::read(const PropertyList& object) {
-    return shapeIn<CGRect>(object, "x", "y", "width", "height");
-}
-
-template <>
-PropertyList Form<CGRect>::of(const CGRect& value) {
+PropertyList formOf(const CGRect& value) {
     return PropertyList::Dictionary{{"x", value.origin.x},
                                     {"y", value.origin.y},
                                     {"width", value.width()},
@@ -183,13 +147,13 @@ template <class Value>
 std::optional<Value> StoredUserDefaultsCoder<Value>::decode(NSUserDefaults& from,
                                                             std::string_view key) const {
     const auto object = from.sharedObjectForKey(key);
-    return object ? Form<Value>::read(*object) : std::nullopt;
+    return object ? std::optional<Value>(read<Value>(*object)) : std::nullopt;
 }
 
 template <class Value>
 void StoredUserDefaultsCoder<Value>::encode(const std::optional<Value>& value, NSUserDefaults& to,
                                             std::string_view key) const {
-    to.setObject(value ? std::optional(Form<Value>::of(*value)) : std::nullopt, key);
+    to.setObject(value ? std::optional(formOf(*value)) : std::nullopt, key);
 }
 
 template class StoredUserDefaultsCoder<bool>;

@@ -1,5 +1,6 @@
 #include <zorvan/settings/TimeCoders.h>
 
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 #include <zorvan/settings/NSUserDefaults.h>
 
 #include <utility>
@@ -18,8 +19,7 @@ PropertyList fieldsOf(const CMTime& time) {
 /// The integer under a name when it fits.
 template <class Integer>
 bool read(const PropertyList::Dictionary& fields, std::string_view name, Integer& result) {
-    const auto found = fields.find(name);
-    const auto* number = found == fields.end() ? nullptr : found->second.as<NSNumber>();
+    const auto* number = internal::valueUnder<NSNumber>(fields, name);
     if (!number || !number->isInteger() || !std::in_range<Integer>(number->int64Value()))
         return false;
     result = static_cast<Integer>(number->int64Value());
@@ -27,9 +27,7 @@ bool read(const PropertyList::Dictionary& fields, std::string_view name, Integer
 }
 
 std::optional<CMTime> timeIn(const PropertyList::Dictionary& range, std::string_view name) {
-    const auto found = range.find(name);
-    const auto* fields =
-        found == range.end() ? nullptr : found->second.as<PropertyList::Dictionary>();
+    const auto* fields = internal::valueUnder<PropertyList::Dictionary>(range, name);
     CMTime time;
     const bool isWhole = fields && read(*fields, "value", time.value) &&
                          read(*fields, "timescale", time.timescale) &&

@@ -64,10 +64,9 @@ std::string strip(std::string_view s) { return std::string(trimmed(s, CharacterS
 bool isValidMessage(std::string_view s) noexcept { return !s.empty(); }
 
 std::string minPadding(std::string_view s, std::int64_t length) {
-    const std::size_t present = utf16Length(s);
     std::string result(s);
-    if (length > 0 && present < unsignedCount(length))
-        result.append(unsignedCount(length) - present, ' ');
+    const std::size_t present = utf16Length(s);
+    result.append(std::max(unsignedCount(length), present) - present, ' ');
     return result;
 }
 

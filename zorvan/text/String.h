@@ -21,8 +21,7 @@ namespace zorvan {
 /// equivalent.
 ///
 /// An offset outside the text stops the program with "String index is out of bounds" and what was
-/// asked for, except in the
-/// operations whose name begins with "safe".
+/// asked for, except in the operations whose name begins with "safe".
 
 /// \name Blank and empty
 /// @{

@@ -6,7 +6,6 @@
 #include <zorvan/text/internal/decimalInteger.h>
 
 #include <charconv>
-#include <clocale>
 #include <cstdlib>
 #include <locale.h>
 

@@ -1,6 +1,5 @@
 #include <tests/Testing.h>
 
-#include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/dispatch/concurrentPerform.h>
 
 #include <mutex>
@@ -20,21 +19,6 @@ TEST(ConcurrentPerform, RunsEveryIterationOnce) {
     }
 }
 
-TEST(ConcurrentPerform, PassesAnExceptionOnAndEndsFirst) {
-    std::atomic<int> running = 0;
-    EXPECT_THROW(concurrentPerform(1000,
-                                   [&](std::int64_t i) {
-                                       ++running;
-                                       if (i == 500) {
-                                           --running;
-                                           throw std::out_of_range("500");
-                                       }
-                                       --running;
-                                   }),
-                 std::out_of_range);
-    EXPECT_EQ(running, 0);
-}
-
 TEST(ConcurrentPerform, NestedLoopsUnderALockNeitherDeadlockNorOversubscribe) {
     std::mutex held;
     std::mutex guard;
@@ -50,29 +34,6 @@ TEST(ConcurrentPerform, NestedLoopsUnderALockNeitherDeadlockNorOversubscribe) {
     });
     EXPECT_EQ(sum, 2500);
     EXPECT_LE(threads.size(), std::max(2U, std::thread::hardware_concurrency()));
-}
-
-TEST(ConcurrentPerform, BodiesMayUseASerialQueue) {
-    const auto queue = DispatchQueue::create("results");
-    std::set<std::int64_t> results;
-    concurrentPerform(2000, [&](std::int64_t i) { queue->sync([&] { results.insert(i); }); });
-    EXPECT_EQ(results.size(), 2000U);
-}
-
-TEST(ConcurrentPerform, QueuesMayRunLoopsAtTheSameTime) {
-    std::atomic<int> sum = 0;
-    const auto queue = DispatchQueue::create("outer", DispatchQueue::Attributes::concurrent);
-    std::atomic<int> left = 20;
-    for (int i = 0; i < 20; ++i) {
-        queue->async([&] {
-            concurrentPerform(1000, [&](std::int64_t) { ++sum; });
-            if (--left == 0)
-                left.notify_all();
-        });
-    }
-    for (int now = left; now != 0; now = left)
-        left.wait(now);
-    EXPECT_EQ(sum, 20'000);
 }
 
 } // namespace

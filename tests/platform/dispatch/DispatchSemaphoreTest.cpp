@@ -22,25 +22,4 @@ TEST(DispatchSemaphore, CountsSignals) {
                  "^A semaphore cannot start with the count -1, which must be at least 0.\n$");
 }
 
-TEST(DispatchSemaphore, EverySignalLetsOneThreadOn) {
-    const auto semaphore = DispatchSemaphore::create(0);
-    std::atomic<int> through = 0;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.emplace_back([&, i] {
-            for (int turn = 0; turn < 500; ++turn) {
-                if (i % 2 == 0)
-                    semaphore->signal();
-                else
-                    semaphore->wait();
-                ++through;
-            }
-        });
-    }
-    for (auto& thread : threads)
-        thread.join();
-    EXPECT_EQ(through, 4000);
-    EXPECT_FALSE(semaphore->wait(0s));
-}
-
 } // namespace

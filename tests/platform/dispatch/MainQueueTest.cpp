@@ -71,28 +71,16 @@ TEST(MainQueue, RunEndsAtTheDeadlineEvenWhenWorkNeverEnds) {
 }
 
 TEST(MainQueue, SyncFromElsewhereRunsHereAndBringsResultAndException) {
-    bool ranOnMain = false;
-    int result = 0;
-    std::string error;
     EXPECT_TRUE(NSThread::isMainThread());
-    std::thread other([&] {
+    std::thread other([] {
         EXPECT_FALSE(NSThread::isMainThread());
-        result = DispatchQueue::main()->sync([&] {
-            ranOnMain = NSThread::isMainThread();
-            return 42;
-        });
-        try {
-            DispatchQueue::main()->sync([] { throw std::runtime_error("refused"); });
-        } catch (const std::runtime_error& e) {
-            error = e.what();
-        }
+        EXPECT_TRUE(DispatchQueue::main()->sync([] { return NSThread::isMainThread(); }));
+        EXPECT_THROW(DispatchQueue::main()->sync([] { throw std::runtime_error("no"); }),
+                     std::runtime_error);
         MainQueue::stop();
     });
     MainQueue::run();
     other.join();
-    EXPECT_TRUE(ranOnMain);
-    EXPECT_EQ(result, 42);
-    EXPECT_EQ(error, "refused");
 }
 
 TEST(MainQueue, DescriptorIsReadableExactlyWhileWorkIsQueued) {
@@ -106,19 +94,15 @@ TEST(MainQueue, DescriptorIsReadableExactlyWhileWorkIsQueued) {
     EXPECT_TRUE(isReadable(descriptor, 0ms)) << "a block has queued another";
     EXPECT_EQ(MainQueue::drain(), 1U);
     EXPECT_FALSE(isReadable(descriptor, 0ms));
-}
-
-TEST(MainQueue, AForeignEventLoopServesItThroughTheDescriptor) {
+    // So an event loop of any kind can serve the queue.
     int served = 0;
     std::thread other([&] {
         for (int i = 0; i < 500; ++i)
             DispatchQueue::main()->sync([&] { ++served; });
         DispatchQueue::main()->asyncAfter(20ms, [&] { served = -served; });
     });
-    while (served >= 0) {
-        ASSERT_TRUE(isReadable(MainQueue::fileDescriptor(), 10'000ms)) << served;
-        MainQueue::drain();
-    }
+    for (; served >= 0; MainQueue::drain())
+        ASSERT_TRUE(isReadable(descriptor, 10'000ms)) << served;
     other.join();
     EXPECT_EQ(served, -500);
 }

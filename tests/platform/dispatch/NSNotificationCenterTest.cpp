@@ -5,16 +5,13 @@
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 #include <zorvan/platform/dispatch/NSThread.h>
 
+#include <deque>
 #include <new>
 
 namespace {
 
 const NSNotificationName opened = "Opened";
 const NSNotificationName closed = "Closed";
-
-struct Edition {
-    int rows;
-};
 
 class NSNotificationCenterTest : public testing::Test {
 protected:
@@ -38,59 +35,25 @@ protected:
 
 TEST(NSNotificationName, IsItsText) {
     EXPECT_EQ(NSNotificationName(std::string("Opened")), opened);
-    EXPECT_NE(opened, closed);
     EXPECT_GT(opened, closed);
-    EXPECT_EQ(opened.rawValue(), "Opened");
     EXPECT_EQ((std::unordered_set<NSNotificationName>{opened, closed, "Opened"}).size(), 2U);
 }
 
 TEST_F(NSNotificationCenterTest, HandsOverTheNotification) {
-    const auto edition = std::make_shared<const Edition>(Edition{7});
     int told = 0;
     center->addObserver(opened, nullptr, nullptr, [&](const Notification& note) {
         ++told;
         EXPECT_EQ(note.name, opened);
         EXPECT_EQ(note.object, one);
-        ASSERT_TRUE(note.value<Edition>("Edition"));
-        EXPECT_EQ(note.value<Edition>("Edition")->rows, 3);
-        EXPECT_EQ(*note.value<std::shared_ptr<const Edition>>("Shared"), edition);
-        EXPECT_FALSE(note.value<int>("Edition")) << "of another type";
-        EXPECT_FALSE(note.value<Edition>("Other"));
+        EXPECT_EQ(*note.value<int>("n"), 3);
+        EXPECT_FALSE(note.value<char>("n")) << "of another type";
+        EXPECT_FALSE(note.value<int>("other"));
     });
-    center->post(opened, one, {{{"Edition", Edition{3}}, {"Shared", edition}}});
-    center->post(Notification(opened, one, {{{"Edition", Edition{3}}, {"Shared", edition}}}));
+    center->post(opened, one, {{{"n", 3}}});
+    center->post(Notification(opened, one, {{{"n", 3}}}));
     EXPECT_EQ(told, 2);
     const Notification bare(opened);
-    EXPECT_FALSE(bare.value<int>("Edition"));
-    EXPECT_FALSE(bare.userInfo.has_value());
-}
-
-TEST_F(NSNotificationCenterTest, ARemovedObserverIsToldNoMore) {
-    const auto a = observe(opened, nullptr, 'a');
-    const auto b = observe(opened, one, 'b');
-    center->removeObserver(a);
-    EXPECT_EQ(told(opened, one), "b");
-    center->removeObserver(a);
-    center->removeObserver(nullptr);
-    NSNotificationCenter::create()->removeObserver(b);
-    EXPECT_EQ(told(opened, one), "b");
-    center->removeObserver(b);
-    EXPECT_EQ(told(opened, one), "");
-}
-
-TEST_F(NSNotificationCenterTest, RemovalReleasesTheBlockAndTheCenterKeepsTheRegistration) {
-    auto held = std::make_shared<int>(0);
-    const std::weak_ptr<int> watched = held;
-    auto token = center->addObserver(opened, nullptr, nullptr, [held](const Notification&) {});
-    held = nullptr;
-    center->post(opened);
-    const std::weak_ptr<NotificationObserver> registration = token;
-    token = nullptr;
-    EXPECT_FALSE(registration.expired());
-    EXPECT_FALSE(watched.expired());
-    center->removeObserver(registration.lock());
-    EXPECT_TRUE(registration.expired());
-    EXPECT_TRUE(watched.expired());
+    EXPECT_FALSE(bare.value<int>("n"));
 }
 
 TEST_F(NSNotificationCenterTest, ObserversMayRemoveAndAddWhileBeingTold) {
@@ -114,26 +77,21 @@ TEST_F(NSNotificationCenterTest, ObserversMayRemoveAndAddWhileBeingTold) {
         seen += ')';
     });
     observe(closed, nullptr, 'o');
-    seen.clear();
-    center->post(closed);
-    EXPECT_EQ(seen, "(c)o");
+    EXPECT_EQ(told(closed), "(c)o");
 }
 
 TEST_F(NSNotificationCenterTest, AnObserverMayDropTheCenter) {
     for (const int postsBefore : {0, 1}) {
         auto dropped = NSNotificationCenter::create();
-        int posts = 0;
+        int calls = 0;
         for (int i = 0; i < 2; ++i)
             dropped->addObserver(opened, nullptr, nullptr, [&](const Notification&) {
-                seen += 't';
-                if (posts == postsBefore)
+                if (++calls > 2 * postsBefore)
                     dropped = nullptr;
             });
-        for (; posts < postsBefore; ++posts)
+        for (int post = 0; post <= postsBefore; ++post)
             dropped->post(opened);
-        seen.clear();
-        dropped->post(opened);
-        EXPECT_EQ(seen, "tt") << postsBefore;
+        EXPECT_EQ(calls, 2 + 2 * postsBefore);
     }
 }
 
@@ -188,40 +146,37 @@ TEST_F(NSNotificationCenterTest, AnObjectAtTheAddressOfAGoneSenderIsNotTakenForI
 }
 
 TEST_F(NSNotificationCenterTest, HundredsOfNamesAndSendersAreToldApart) {
-    std::vector<std::shared_ptr<NotificationObserver>> tokens;
-    std::vector<std::pair<NSNotificationName, std::shared_ptr<int>>> pairs;
-    std::vector<int> calls(900);
-    for (std::size_t i = 0; i < 900; ++i) {
-        const auto sender = i % 3 ? std::make_shared<int>() : nullptr;
-        pairs.emplace_back("Name" + std::to_string(i / 2), sender);
-        tokens.push_back(center->addObserver(pairs.back().first, sender, nullptr,
-                                             [&, i](const Notification&) { ++calls[i]; }));
-    }
-    const auto postEach = [&] {
-        for (int twice = 0; twice < 2; ++twice)
-            for (const auto& [name, sender] : pairs)
-                center->post(name, sender);
+    struct Entry {
+        NSNotificationName name;
+        std::shared_ptr<int> sender;
+        int calls = 0;
+        std::shared_ptr<NotificationObserver> token = {};
     };
-    postEach();
-    for (std::size_t i = 0; i < 900; ++i) {
-        EXPECT_EQ(calls[i], i % 3 ? 2 : 4) << "of its sender alone, or of its name: " << i;
-        if (i % 5)
-            center->removeObserver(tokens[i]);
+    std::deque<Entry> entries;
+    for (int i = 0; i < 900; ++i) {
+        Entry& entry = entries.emplace_back(
+            Entry{"Name" + std::to_string(i / 2), i % 3 ? std::make_shared<int>() : nullptr});
+        entry.token = center->addObserver(entry.name, entry.sender, nullptr,
+                                          [&](const Notification&) { ++entry.calls; });
     }
-    calls.assign(900, 0);
-    postEach();
-    for (std::size_t i = 0; i < 900; ++i)
-        EXPECT_EQ(calls[i], i % 5 ? 0 : i % 3 ? 2 : 4) << i;
+    for (const bool areAllThere : {true, false}) {
+        for (int twice = 0; twice < 2; ++twice)
+            for (const Entry& entry : entries)
+                center->post(entry.name, entry.sender);
+        for (std::size_t i = 0; i < 900; ++i) {
+            const bool isThere = areAllThere || i % 5 == 0;
+            EXPECT_EQ(std::exchange(entries[i].calls, 0), !isThere ? 0 : i % 3 ? 2 : 4) << i;
+            if (i % 5)
+                center->removeObserver(entries[i].token);
+        }
+    }
 }
 
 TEST_F(NSNotificationCenterTest, AQueueIsRespectedAndNotWaitedFor) {
-    std::thread::id ranOn;
-    const auto token = center->addObserver(opened, nullptr, NSOperationQueue::main(),
-                                           [&](const Notification& note) {
-                                               EXPECT_TRUE(NSThread::isMainThread());
-                                               EXPECT_EQ(*note.value<int>("n"), 5);
-                                               seen += 'm';
-                                           });
+    const auto mark = [&](const Notification& note) {
+        seen += NSThread::isMainThread() && *note.value<int>("n") == 5 ? 'm' : '?';
+    };
+    const auto token = center->addObserver(opened, nullptr, NSOperationQueue::main(), mark);
     std::thread([&] { center->post(opened, nullptr, {{{"n", 5}}}); }).join();
     EXPECT_EQ(seen, "");
     MainQueue::drain();
@@ -244,6 +199,8 @@ TEST_F(NSNotificationCenterTest, RandomRegistrationsMatchAPlainList) {
     const std::vector<std::optional<NSNotificationName>> names{opened, closed, std::nullopt};
     const std::vector<std::shared_ptr<int>> senders{one, two, nullptr};
     std::vector<Entry> model;
+    const auto elsewhere = NSNotificationCenter::create();
+    center->removeObserver(nullptr);
     for (int step = 0; step < 3000; ++step) {
         const auto name = names[random() % 3];
         const auto sender = senders[random() % 3];
@@ -252,7 +209,9 @@ TEST_F(NSNotificationCenterTest, RandomRegistrationsMatchAPlainList) {
             model.push_back({name, sender, mark, observe(name, sender, mark)});
         } else if (!model.empty()) {
             const auto victim = model.begin() + static_cast<long>(random() % model.size());
-            center->removeObserver(victim->token);
+            elsewhere->removeObserver(victim->token);
+            for (int twice = 0; twice < 2; ++twice)
+                center->removeObserver(victim->token);
             model.erase(victim);
         }
         const NSNotificationName posted = names[random() % 3].value_or("Other");
@@ -274,13 +233,13 @@ TEST_F(NSNotificationCenterTest, ThreadsMayPostWhileOthersRegisterAndRemove) {
     const std::weak_ptr<NotificationObserver> steady =
         center->addObserver(opened, nullptr, nullptr, [&, held](const Notification&) { ++calls; });
     held = nullptr;
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> posters, others;
     for (int t = 0; t < 2; ++t) {
-        threads.emplace_back([&] {
+        posters.emplace_back([&] {
             for (int i = 0; i < 3000; ++i)
                 center->post(opened, one);
         });
-        threads.emplace_back([&, t] {
+        others.emplace_back([&, t] {
             const NSNotificationName ownName = "Own" + std::to_string(t);
             while (!stop) {
                 int mine = 0;
@@ -297,21 +256,18 @@ TEST_F(NSNotificationCenterTest, ThreadsMayPostWhileOthersRegisterAndRemove) {
             }
         });
     }
-    threads[0].join();
-    threads[2].join();
+    posters.clear();
     stop = true;
-    threads[1].join();
-    threads[3].join();
+    others.clear();
     EXPECT_EQ(calls, 6000);
 
     // So often that the center has to count the posts afresh.
-    const auto postOften = [&] {
-        for (int i = 0; i < 50'000; ++i)
-            center->post(opened, one);
-    };
-    std::thread other(postOften);
-    postOften();
-    other.join();
+    for (int t = 0; t < 2; ++t)
+        posters.emplace_back([&] {
+            for (int i = 0; i < 50'000; ++i)
+                center->post(opened, one);
+        });
+    posters.clear();
     EXPECT_EQ(calls, 106'000);
     EXPECT_FALSE(watched.expired());
     center->removeObserver(steady.lock());

@@ -21,12 +21,6 @@ int write(const fs::path& path, const std::string& text) {
     return internal::writeFile(path, std::as_bytes(std::span(text))).value();
 }
 
-mode_t mode(const fs::path& path) {
-    struct stat status {};
-    EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
-    return status.st_mode & 07777;
-}
-
 } // namespace
 
 TEST(WriteFile, WritesFilesAndRefusesTheRest) {
@@ -34,7 +28,7 @@ TEST(WriteFile, WritesFilesAndRefusesTheRest) {
     const fs::path at = folder.path();
     const mode_t mask = umask(027);
     EXPECT_EQ(write(at / "new", "new"), 0);
-    EXPECT_EQ(mode(at / "new"), 0640u);
+    EXPECT_EQ(fs::status(at / "new").permissions(), fs::perms(0640));
     umask(mask);
 
     folder.file("old", "a longer text than the new one");
@@ -42,7 +36,7 @@ TEST(WriteFile, WritesFilesAndRefusesTheRest) {
     fs::create_hard_link(at / "old", at / "other name");
     EXPECT_EQ(write(at / "old", "new"), 0);
     EXPECT_EQ(text(at / "old"), "new");
-    EXPECT_EQ(mode(at / "old"), 0604u);
+    EXPECT_EQ(fs::status(at / "old").permissions(), fs::perms(0604));
     EXPECT_EQ(text(at / "other name"), "a longer text than the new one");
 
     folder.file("sub/target", "old");
@@ -73,8 +67,8 @@ TEST(WriteFile, TakesBareNames) {
     TemporaryFolder folder;
     const fs::path before = fs::current_path();
     fs::current_path(folder.path());
-    EXPECT_EQ(write("name", "one"), 0);
-    EXPECT_EQ(write("name", "two"), 0);
+    for (const char* content : {"one", "two"})
+        EXPECT_EQ(write("name", content), 0);
     fs::current_path(before);
     EXPECT_EQ(text(folder.path() / "name"), "two");
     EXPECT_EQ(folder.count(), 1);
@@ -162,11 +156,10 @@ TEST(Scratch, BelievesNoListThatAnotherCouldHaveWritten) {
         ""};
     for (const bool isOpenToOthers : {false, true}) {
         TemporaryFolder folder;
-        folder.file("in/document");
-        folder.file("in/." + scratch);
-        folder.file("in/" + scratch + ".jpg");
-        folder.file("in/" + scratch + "x");
         folder.file(scratch);
+        for (const std::string& name :
+             {std::string("document"), "." + scratch, scratch + ".jpg", scratch + "x"})
+            folder.file("in/" + name);
         std::string list;
         for (const std::string& name : names)
             list += name + '\0';
@@ -174,25 +167,25 @@ TEST(Scratch, BelievesNoListThatAnotherCouldHaveWritten) {
         folder.file(listName, list + scratch); // the last one was not written to its end
         folder.setMode(listName, isOpenToOthers ? 0622 : 0600);
         internal::removeUnfinished(folder.path() / "in");
-        EXPECT_TRUE(fs::exists(folder.path() / "in/document") &&
-                    fs::exists(folder.url(scratch).path()));
-        EXPECT_TRUE(fs::exists(folder.path() / ("in/" + scratch + "x")));
-        EXPECT_EQ(fs::exists(folder.path() / ("in/." + scratch)), isOpenToOthers);
-        EXPECT_EQ(fs::exists(folder.path() / ("in/" + scratch + ".jpg")), isOpenToOthers);
+        const auto isThere = [&](const std::string& name) {
+            return fs::exists(folder.path() / name);
+        };
+        EXPECT_TRUE(isThere("in/document") && isThere(scratch) && isThere("in/" + scratch + "x"));
+        EXPECT_EQ(isThere("in/." + scratch), isOpenToOthers);
+        EXPECT_EQ(isThere("in/" + scratch + ".jpg"), isOpenToOthers);
     }
 }
 
 TEST(Scratch, ManyThreadsLeaveNothing) {
     TemporaryFolder folder(TemporaryFolder::fastParent());
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([&folder, t] {
             const fs::path path = folder.path() / (t % 2 == 0 ? "shared" : std::to_string(t));
             for (int i = 0; i < 200; ++i)
                 ASSERT_EQ(write(path, std::string(static_cast<std::size_t>(t + 1), 'x')), 0);
         });
-    for (std::thread& thread : threads)
-        thread.join();
+    threads.clear();
     EXPECT_EQ(folder.count(), 3);
 }
 

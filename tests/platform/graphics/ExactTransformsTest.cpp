@@ -3,8 +3,6 @@
 
 #include <zorvan/platform/graphics/ExactTransforms.h>
 
-#include <bit>
-
 namespace {
 
 /// Where the pixel of the result at (x, y) stands in a source of w x h pixels.
@@ -94,10 +92,11 @@ TEST(Bitmap, IsTransparentEvenOnStorageThatWasInUseBefore) {
 
 TEST(Bitmap, SizesThatNoBitmapHasAreRefused) {
     constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
-    const std::pair<std::int64_t, std::int64_t> refused[] = {
-        {0, 1},       {1, 0},    {-1, 5},    {5, -1},
-        {most, most}, {most, 1}, {-most, 1}, {1 << 15, (1 << 14) + 1}};
-    for (const auto& [w, h] : refused)
+    for (const auto& [w, h] : {std::pair<std::int64_t, std::int64_t>(0, 1),
+                               {1, 0},
+                               {-1, 5},
+                               {most, most},
+                               {1 << 15, (1 << 14) + 1}})
         EXPECT_FALSE(Bitmap::make(w, h)) << w << " x " << h;
 }
 

@@ -8,12 +8,14 @@ namespace zorvan::imageio {
 namespace {
 
 TEST(AreaDownscaler, EqualsTheExactAverage) {
-    constexpr std::array<int, 4> sizes[] = {{1, 1, 1, 1},      {7, 5, 7, 5},     {7, 5, 1, 1},
-                                            {100, 80, 33, 27}, {64, 64, 32, 32}, {101, 3, 50, 3},
-                                            {3, 101, 3, 50},   {5, 700, 2, 1},   {97, 89, 96, 88}};
+    constexpr std::array<int, 4> sizes[] = {
+        {1, 1, 1, 1},    {7, 5, 7, 5},    {7, 5, 1, 1},   {100, 80, 33, 27}, {64, 64, 32, 32},
+        {101, 3, 50, 3}, {3, 101, 3, 50}, {5, 700, 2, 1}, {97, 89, 96, 88},  {77, 701, 33, 2}};
     for (const auto& [width, height, toWidth, toHeight] : sizes) {
         SCOPED_TRACE(testing::Message() << width << " x " << height);
-        const Bitmap source = noiseBitmap(width, height);
+        Bitmap source = noiseBitmap(width, height);
+        if (height == 701) // whose sums are the largest there are
+            std::fill_n(source.data(), source.byteCount(), std::uint8_t{255});
         std::optional<Bitmap> result = Bitmap::make(toWidth, toHeight);
         areaDownscale(source, *result, {0, toHeight});
         const Difference d = difference(*result, referenceDownscale(source, toWidth, toHeight));
@@ -35,14 +37,6 @@ TEST(AreaDownscaler, BandsOnTwoThreadsGiveTheSamePicture) {
         upper.join();
         EXPECT_EQ(difference(*whole, *banded).largest, 0) << height;
     }
-}
-
-TEST(AreaDownscaler, KeepsWhiteWhite) {
-    std::optional<Bitmap> white = Bitmap::make(1000, 999), result = Bitmap::make(77, 33);
-    std::fill_n(white->data(), white->byteCount(), std::uint8_t{255});
-    areaDownscale(*white, *result, {0, 33});
-    EXPECT_EQ(std::count(result->data(), result->data() + result->byteCount(), 255),
-              result->byteCount());
 }
 
 } // namespace

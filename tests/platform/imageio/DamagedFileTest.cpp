@@ -13,7 +13,12 @@ TEST(DamagedFile, CutAnywhereItIsAnErrorAndChangedItNeverCrashes) {
             Data bytes = whole;
             bytes.resize(whole.size() * static_cast<std::size_t>(cut) / 40);
             SCOPED_TRACE(testing::Message() << typeIdentifier(format) << ' ' << bytes.size());
-            ImageReader::open(bytes)->properties(0);
+            const auto properties = ImageReader::open(bytes)->properties(0);
+            if (cut == 39 && format != FileFormat::tiff) { // which may have its head at the end
+                ASSERT_TRUE(properties);
+                EXPECT_EQ(number(*properties, "PixelWidth"), 150);
+                EXPECT_EQ(number(*properties, "Orientation"), 6);
+            }
             for (const std::int64_t limit : {0, 10}) {
                 const std::string error = errorOf(bytes, {.maximumPixelSize = limit});
                 EXPECT_NE(error, "");
@@ -24,34 +29,18 @@ TEST(DamagedFile, CutAnywhereItIsAnErrorAndChangedItNeverCrashes) {
     }
 }
 
-TEST(DamagedFile, TheHeadOfACutFileStillTellsItsSize) {
-    const Bitmap original = pattern(150, 100);
-    for (const FileFormat format : formats) {
-        if (format == FileFormat::tiff)
-            continue; // may have its head at the end
-        Data bytes = encoded(format, original, {{"Orientation", 6}});
-        bytes.resize(bytes.size() - 40);
-        const auto properties = propertiesOf(bytes);
-        EXPECT_EQ(number(properties, "PixelWidth"), 150) << typeIdentifier(format);
-        EXPECT_EQ(number(properties, "Orientation"), 6) << typeIdentifier(format);
-    }
-}
-
 TEST(DamagedFile, ContentDecidesNotTheName) {
     const TemporaryFolder folder;
     const auto store = [&](const char* name, const Data& bytes) {
         folder.file(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
         return folder.url(name).path();
     };
-    const Bitmap picture = pattern(12, 8);
-    const auto png = ImageReader::open(store("really-a.jpg", encoded(FileFormat::png, picture)));
-    EXPECT_EQ(png->format(), FileFormat::png);
-    EXPECT_TRUE(png->decode(0, {}));
+    const Data png = encoded(FileFormat::png, pattern(12, 8));
+    EXPECT_TRUE(ImageReader::open(store("really-a.jpg", png))->decode(0, {}));
     ASSERT_EQ(mkfifo(folder.url("pipe.png").path().c_str(), 0600), 0);
     const std::pair<std::string, std::string> table[] = {
         {store("text.png", bytesOf("hello, world")), "not a picture"},
         {store("empty.png", {}), "the file is empty"},
-        {store("one.png", bytesOf("x")), "not a picture"},
         {store("start.png", bytesOf("\x89PN")), "the file is cut short"},
         {folder.path() / "missing.png", "there is no such file"},
         {folder.path() / "pipe.png", "not a regular file"},
@@ -89,7 +78,11 @@ TEST(DamagedFile, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
     const std::size_t entry = positionOf(tiff, std::string_view("\x01\x01\x03\0\x01\0\0\0", 8));
     tiff[entry + 2] = std::byte{4};
     setBig32(tiff, entry + 8, 0x7F7F7F7F);
-    std::vector<Data> files = {png, wide, jpeg, tiff};
+    EXPECT_EQ(
+        decoded(encoded(FileFormat::png, pattern(1'000'000, 1)), {.maximumPixelSize = 9}).width(),
+        9);
+    std::vector<Data> files = {png, wide, jpeg, tiff,
+                               encoded(FileFormat::png, pattern(1'000'001, 1))};
 #ifdef ZORVAN_WITH_HEIC
     Data heic = encoded(FileFormat::heic, picture);
     const std::size_t size = positionOf(heic, "ispe") + 8;

@@ -86,8 +86,9 @@ TEST(Metadata, ValuesOfAnotherKindThanTheirFieldsAreLeftOut) {
     const PropertyList::Dictionary gps = {
         {"Latitude", -1.0}, {"Longitude", infinity}, {"TimeStamp", "1:2:3"}, {"AltitudeRef", 256}};
     for (const FileFormat format : formats) {
-        const auto read =
-            propertiesOf(encoded(format, pattern(9, 9), {{"{Exif}", exif}, {"{GPS}", gps}}));
+        const auto read = propertiesOf(
+            encoded(format, pattern(9, 9), {{"Orientation", 9}, {"{Exif}", exif}, {"{GPS}", gps}}));
+        EXPECT_EQ(number(read, "Orientation"), format == FileFormat::tiff ? 1 : -1);
         EXPECT_EQ(read.count("{GPS}"), 0U) << typeIdentifier(format);
         EXPECT_EQ(read.at("{Exif}"), PropertyList(PropertyList::Dictionary{{"FocalLength", 50}}));
     }
@@ -110,22 +111,9 @@ TEST(Metadata, ADirectoryOfATiffIsReadInEveryForm) {
                 addExifProperties(exifBlockFrom(*source, form, {.exif = 16}), read);
                 const bool isWhole = length == file.size();
                 EXPECT_EQ(text(read, "{Exif}", "LensModel"), isWhole ? "some lens" : "(none)");
-                if (isWhole) {
-                    EXPECT_EQ(number(read, "{Exif}", "Flash"), 16);
-                }
+                EXPECT_TRUE(!isWhole || number(read, "{Exif}", "Flash") == 16);
             }
         }
-}
-
-TEST(Metadata, NothingToSayWritesNothing) {
-    for (const FileFormat format : formats) {
-        const auto read = propertiesOf(encoded(format, pattern(21, 9)));
-        EXPECT_EQ(read.count("{Exif}"), 0U) << typeIdentifier(format);
-        EXPECT_EQ(number(read, "PixelWidth"), 21);
-        EXPECT_EQ(number(read, "PixelHeight"), 9);
-    }
-    EXPECT_EQ(encoded(FileFormat::png, pattern(4, 4)),
-              encoded(FileFormat::png, pattern(4, 4), {{"Orientation", 9}}));
 }
 
 TEST(Metadata, LongTextsAreShortenedNotRefused) {
@@ -136,53 +124,35 @@ TEST(Metadata, LongTextsAreShortenedNotRefused) {
         FileFormat::jpeg, pattern(8, 8),
         {{"{TIFF}", PropertyList::Dictionary{{"ImageDescription", longText}, {"Model", "M"}}}}));
     const std::string kept = text(read, "{TIFF}", "ImageDescription");
-    EXPECT_GT(kept.size(), 1000U);
-    EXPECT_TRUE(longText.starts_with(kept));
+    EXPECT_TRUE(kept.size() > 1000 && longText.starts_with(kept));
     EXPECT_EQ(text(read, "{TIFF}", "Model"), "M");
 }
 
 /// A block in either byte order with the orientation as its only entry.
-Data orientationBlock(bool little, int type, int value) {
-    Data block = bytesOf(little ? "II" : "MM");
-    const int width = type == 3 ? 2 : 4;
-    const std::pair<int, int> numbers[] = {{42, 2},        {8, 4},         {1, 2},
-                                           {0x112, 2},     {type, 2},      {1, 4},
-                                           {value, width}, {0, 4 - width}, {0, 4}};
-    for (const auto& [number, size] : numbers)
-        appendNumber(block, static_cast<std::uint64_t>(number), static_cast<std::size_t>(size),
-                     !little);
-    return block;
+Data orientationBlock(bool little, TiffEntry::Type type, int value) {
+    TiffEntry entry = {0x112, type, 1, {}};
+    appendNumber(entry.value, static_cast<std::uint64_t>(value),
+                 type == TiffEntry::shortNumber ? 2 : 4, !little);
+    return exifBlockOf({entry}, {}, {}, !little);
 }
 
 TEST(Metadata, OrientationIsReadInEveryForm) {
     for (const bool little : {false, true})
-        for (const int type : {3, 4}) {
+        for (const auto type : {TiffEntry::shortNumber, TiffEntry::longNumber}) {
             for (int value = 1; value <= 8; ++value)
                 EXPECT_EQ(exifOrientation(orientationBlock(little, type, value)), value);
             for (const int value : {0, 9, 255, 257, 65535})
                 EXPECT_FALSE(exifOrientation(orientationBlock(little, type, value)));
         }
-    const Data block = orientationBlock(true, 3, 6);
+    const Data block = orientationBlock(true, TiffEntry::shortNumber, 6);
     for (std::size_t length = 0; length < 22; ++length)
         EXPECT_FALSE(exifOrientation(Bytes(block).first(length))) << length;
-    EXPECT_EQ(exifOrientation(Bytes(block).first(22)),
-              6); // broken behind the entry
-}
-
-TEST(Metadata, ABrokenExifBlockDoesNotHideTheSize) {
-    Data bytes = encoded(FileFormat::jpeg, pattern(30, 20), {{"Orientation", 6}});
-    const std::size_t block = positionOf(bytes, std::string_view("II*\0", 4));
-    bytes[block + 4] = std::byte{0xF0};
-    bytes[block + 5] = std::byte{0xFF};
-    const auto properties = propertiesOf(bytes);
-    EXPECT_EQ(number(properties, "PixelWidth"), 30);
-    EXPECT_EQ(number(properties, "Orientation"), -1);
-    EXPECT_EQ(decoded(bytes).width(), 30);
+    EXPECT_EQ(exifOrientation(Bytes(block).first(22)), 6); // broken behind the entry
 }
 
 TEST(Metadata, TheThumbnailInsideExifIsDecoded) {
     const Data thumbnail = encoded(FileFormat::jpeg, pattern(16, 12));
-    Data block = orientationBlock(true, 3, 6);
+    Data block = orientationBlock(true, TiffEntry::shortNumber, 6);
     block.erase(block.end() - 4, block.end()); // the place of the next directory
     appendNumber(block, block.size() + 4, 4, false);
     std::array<TiffEntry, 3> entries = {{{0x103, TiffEntry::shortNumber, 1, {}},
@@ -193,19 +163,14 @@ TEST(Metadata, TheThumbnailInsideExifIsDecoded) {
     appendNumber(entries[2].value, thumbnail.size(), 4, false);
     appendTiffDirectory(block, entries, {});
     block.insert(block.end(), thumbnail.begin(), thumbnail.end());
-    Data segment = bytesOf("\xFF\xE1");
-    appendNumber(segment, 2 + 6 + block.size(), 2, true);
-    const Data signed_ = withExifSignature(block);
-    segment.insert(segment.end(), signed_.begin(), signed_.end());
-    Data bytes = encoded(FileFormat::jpeg, pattern(64, 48));
-    bytes.insert(bytes.begin() + 2, segment.begin(), segment.end());
+    const Data picture = encoded(FileFormat::jpeg, pattern(64, 48));
+    const Data bytes = withSegment(picture, 0xE1, withExifSignature(block));
     const auto reader = ImageReader::open(bytes);
     const auto found = reader->embeddedThumbnail(0);
     ASSERT_TRUE(found) << reader->error();
-    EXPECT_EQ(found->width(), 16);
     EXPECT_LE(difference(*found, pattern(16, 12)).mean, 6);
     EXPECT_EQ(number(propertiesOf(bytes), "Orientation"), 6);
-    EXPECT_FALSE(ImageReader::open(encoded(FileFormat::jpeg, pattern(9, 9)))->embeddedThumbnail(0));
+    EXPECT_FALSE(ImageReader::open(picture)->embeddedThumbnail(0));
 }
 
 TEST(Metadata, IptcFieldsAreReadFromPhotoshopResources) {
@@ -217,19 +182,19 @@ TEST(Metadata, IptcFieldsAreReadFromPhotoshopResources) {
                                "Caption"
                                "\x1C\x02\x19\0\x03one"
                                "\x1C\x02\x19\0\x05three"sv);
-    PropertyList::Dictionary properties;
-    addPhotoshopProperties(block, properties);
-    EXPECT_EQ(text(properties, "{IPTC}", "Caption/Abstract"), "Caption");
-    const auto* iptc = properties.at("{IPTC}").as<PropertyList::Dictionary>();
-    EXPECT_EQ(iptc->at("Keywords"), PropertyList(PropertyList::Array{"one", "three"}));
+    // Before a segment as long as one may be.
+    const Data picture =
+        withSegment(encoded(FileFormat::jpeg, pattern(9, 9)), 0xE5, Data(0xFFFD, std::byte{0xAB}));
+    EXPECT_EQ(decoded(picture).width(), 9);
     for (std::size_t length = 0; length < block.size(); ++length)
-        addPhotoshopProperties(Bytes(block).first(length), properties);
-    Data segment = bytesOf("\xFF\xED\0"sv);
-    segment.push_back(std::byte(2 + block.size()));
-    segment.insert(segment.end(), block.begin(), block.end());
-    Data picture = encoded(FileFormat::jpeg, pattern(9, 9));
-    picture.insert(picture.begin() + 2, segment.begin(), segment.end());
-    EXPECT_EQ(text(propertiesOf(picture), "{IPTC}", "Caption/Abstract"), "Caption");
+        EXPECT_FALSE(propertiesOf(withSegment(picture, 0xED, Bytes(block).first(length)))
+                         .contains("{IPTC}"));
+    const PropertyList::Dictionary iptc = {{"Caption/Abstract", "Caption"},
+                                           {"Keywords", PropertyList::Array{"one", "three"}}};
+    EXPECT_EQ(propertiesOf(withSegment(picture, 0xED, block)).at("{IPTC}"), PropertyList(iptc));
+    PropertyList::Dictionary direct;
+    addPhotoshopProperties(block, direct);
+    EXPECT_EQ(direct.at("{IPTC}"), PropertyList(iptc));
 }
 
 } // namespace

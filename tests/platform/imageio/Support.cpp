@@ -1,7 +1,7 @@
 #include "Support.h"
+#include <tests/files/TemporaryFolder.h>
 
 #include <zorvan/platform/foundation/internal/valueUnder.h>
-#include <zorvan/platform/imageio/internal/Outline.h>
 
 #include <gtest/gtest.h>
 
@@ -12,6 +12,8 @@
 #include <utility>
 
 namespace zorvan::imageio {
+
+using zorvan::internal::valueUnder;
 
 Bitmap pattern(std::int64_t width, std::int64_t height, bool alpha) {
     std::optional<Bitmap> bitmap = Bitmap::make(width, height);
@@ -52,6 +54,10 @@ Difference difference(const Bitmap& a, const Bitmap& b) {
     }
     result.mean /= static_cast<double>(a.byteCount());
     return result;
+}
+
+Data sample(const std::string& name) {
+    return bytesOf(::text(std::string(ZORVAN_IMAGE_SAMPLES "/") + name));
 }
 
 Data encoded(FileFormat format, const Bitmap& bitmap, PropertyList::Dictionary properties) {
@@ -98,21 +104,30 @@ void readDamaged(const Data& bytes, int rounds) {
 }
 
 double number(const PropertyList::Dictionary& properties, std::string_view key) {
-    const auto* number = zorvan::internal::valueUnder<NSNumber>(properties, key);
+    const auto* number = valueUnder<NSNumber>(properties, key);
     return number ? number->doubleValue() : -1;
 }
 
 double number(const PropertyList::Dictionary& properties, std::string_view section,
               std::string_view key) {
-    const auto* inner = findSection(properties, section);
+    const auto* inner = valueUnder<PropertyList::Dictionary>(properties, section);
     return inner ? number(*inner, key) : -1;
 }
 
 std::string text(const PropertyList::Dictionary& properties, std::string_view section,
                  std::string_view key) {
-    const auto* inner = findSection(properties, section);
-    const std::string* text = inner ? findText(*inner, key) : nullptr;
+    const auto* inner = valueUnder<PropertyList::Dictionary>(properties, section);
+    const auto* text = inner ? valueUnder<std::string>(*inner, key) : nullptr;
     return text ? *text : "(none)";
+}
+
+Data withSegment(Data jpeg, int marker, Bytes content) {
+    const std::size_t length = content.size() + 2;
+    Data segment = {std::byte{0xFF}, static_cast<std::byte>(marker),
+                    static_cast<std::byte>(length >> 8), static_cast<std::byte>(length)};
+    segment.insert(segment.end(), content.begin(), content.end());
+    jpeg.insert(jpeg.begin() + 2, segment.begin(), segment.end());
+    return jpeg;
 }
 
 std::size_t positionOf(const Data& bytes, std::string_view text) {

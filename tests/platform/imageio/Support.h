@@ -4,6 +4,7 @@
 
 #include <zorvan/platform/imageio/ImageReader.h>
 #include <zorvan/platform/imageio/ImageWriter.h>
+#include <zorvan/platform/imageio/internal/ByteOrder.h>
 
 #include <array>
 #include <cstdint>
@@ -21,24 +22,25 @@ inline constexpr std::array formats = {FileFormat::png, FileFormat::jpeg, FileFo
 #endif
 };
 
-/// A picture without any symmetry: a different colour in each corner and a
-/// gradient between them. With alpha, it fades out towards the right.
+/// A different colour in each corner, gradients between them. With alpha, it fades out to the
+/// right.
 Bitmap pattern(std::int64_t width, std::int64_t height, bool alpha = false);
 
 Pixel pixelAt(const Bitmap& bitmap, std::int64_t x, std::int64_t y);
 
-/// Every component is within one of the pixel that `wanted` gives for its
-/// column and row.
+/// Every component is within one of the pixel that `wanted` gives for its column and row.
 void expectPixels(const Bitmap& bitmap,
                   const std::function<Pixel(std::int64_t x, std::int64_t y)>& wanted);
 
-/// The mean and the largest difference of two pictures' components; infinite
-/// when the sizes differ.
+/// The mean and the largest difference of components; infinite when the sizes differ.
 struct Difference {
     double mean;
     int largest;
 };
 Difference difference(const Bitmap& a, const Bitmap& b);
+
+/// A kept file, whose name tells what is special about it.
+Data sample(const std::string& name);
 
 Data encoded(FileFormat format, const Bitmap& bitmap, PropertyList::Dictionary properties = {});
 
@@ -51,13 +53,15 @@ void readDamaged(const Data& bytes, int rounds);
 
 PropertyList::Dictionary propertiesOf(const Data& bytes);
 
-/// The number under that key; -1 when there is none. A section name may stand
-/// before it.
+/// The number under that key, in that section; -1 when there is none.
 double number(const PropertyList::Dictionary& properties, std::string_view key);
 double number(const PropertyList::Dictionary& properties, std::string_view section,
               std::string_view key);
 std::string text(const PropertyList::Dictionary& properties, std::string_view section,
                  std::string_view key);
+
+/// With a segment of that kind behind the first marker.
+Data withSegment(Data jpeg, int marker, Bytes content);
 
 /// Where a text stands in the bytes; it has to.
 std::size_t positionOf(const Data& bytes, std::string_view text);

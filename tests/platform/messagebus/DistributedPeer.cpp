@@ -1,13 +1,11 @@
 // A process of its own that posts and observes as it is told on standard input, one command a line:
 //
-//   observe NAME [SENDER]    prints "observing", and from then on each notification
-//   occupy NAME COUNT        observes in the background, and holds the main thread up until told
-//   COUNT
-//                            times; then prints "free"
-//   ignore                   ends the last observation and prints "ignoring"
-//   post NAME SENDER COUNT   posts COUNT notifications numbered from 0, then prints "posted"
-//   flood NAME SENDER        posts without end
-//   large NAME SENDER SIZE   posts one with that many bytes
+//   observe NAME [SENDER]           prints "observing", and from then on each notification
+//   occupy NAME COUNT               observes in the background, and holds the main thread up until
+//                                   told COUNT times; then prints "free"
+//   ignore                          ends the last observation and prints "ignoring"
+//   post NAME SENDER COUNT [SIZE]   posts COUNT notifications of that many bytes, numbered from 0,
+//                                   then prints "posted"
 //
 // What the library has to say is printed as "log", its category and its level. SENDER "-" stands
 // for none. A notification is printed as NAME SENDER NUMBER and the size of its bytes.
@@ -34,7 +32,8 @@ NSDistributedNotificationCenter& center() {
 
 std::vector<std::shared_ptr<NotificationObserver>> observers;
 
-void say(const std::string& line) { std::cout << line << std::endl; }
+// In one piece: several threads have something to say.
+void say(const std::string& line) { std::cout << line + "\n" << std::flush; }
 
 void report(const Notification& notification) {
     const std::string* sender = NSDistributedNotificationCenter::sender(notification);
@@ -45,12 +44,6 @@ void report(const Notification& notification) {
          << (number ? number->as<NSNumber>()->int64Value() : -1) << ' '
          << (bytes ? bytes->as<Data>()->size() : 0);
     say(line.str());
-}
-
-void post(const std::string& name, const std::string& sender, std::int64_t number,
-          std::size_t size) {
-    center().post(name, sender == "-" ? std::nullopt : std::optional(sender),
-                  PropertyList::Dictionary{{"number", number}, {"bytes", Data(size)}});
 }
 
 void occupy(const std::string& name, int count) {
@@ -87,14 +80,12 @@ void obey(const std::string& line) {
         observers.pop_back();
         say("ignoring");
     } else if (command == "post") {
+        std::size_t size = 0;
+        words >> size;
         for (std::int64_t i = 0; i < count; ++i)
-            post(name, sender, i, 0);
+            center().post(name, sender == "-" ? std::nullopt : std::optional(sender),
+                          PropertyList::Dictionary{{"number", i}, {"bytes", Data(size)}});
         say("posted");
-    } else if (command == "flood") {
-        for (std::int64_t i = 0;; ++i)
-            post(name, sender, i, 100);
-    } else if (command == "large") {
-        post(name, sender, 0, static_cast<std::size_t>(count));
     }
 }
 

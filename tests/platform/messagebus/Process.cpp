@@ -63,11 +63,11 @@ std::optional<std::string> Process::hear(std::chrono::milliseconds timeout) {
     }
 }
 
-std::vector<std::string> Process::hearAll(std::chrono::milliseconds silence) {
-    std::vector<std::string> lines;
-    while (auto line = hear(silence))
-        lines.push_back(std::move(*line));
-    return lines;
+bool Process::isSilent(std::chrono::milliseconds time) {
+    bool wasSilent = true;
+    while (hear(time))
+        wasSilent = false;
+    return wasSilent;
 }
 
 void Process::kill(int signal) {

@@ -21,8 +21,8 @@ public:
     void tell(const std::string& line);
     /// The next line, without its end; absent when none comes within the time.
     std::optional<std::string> hear(std::chrono::milliseconds timeout = std::chrono::seconds(20));
-    /// The lines that come until none does for that long.
-    std::vector<std::string> hearAll(std::chrono::milliseconds silence);
+    /// Whether no line comes for that long; those that do are dropped.
+    bool isSilent(std::chrono::milliseconds time);
     void kill(int signal);
     /// Kills it and waits for its end.
     void end();

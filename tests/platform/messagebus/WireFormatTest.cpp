@@ -45,25 +45,17 @@ TEST(WireFormat, RefusesWhatItCouldNotSend) {
     EXPECT_THROW(encode({"N", {}, PropertyList::Dictionary{{"k", many}}}), std::length_error);
 }
 
-TEST(WireFormat, RefusesEveryMessageCutShortOrDrawnOut) {
-    Data bytes = encode(sample());
-    for (std::size_t size = 0; size < bytes.size(); ++size)
-        EXPECT_FALSE(decodeNotification(std::span(bytes).first(size))) << size;
-    bytes.push_back(std::byte{0});
-    EXPECT_FALSE(decodeNotification(bytes));
-    bytes.pop_back();
-    bytes[0] = std::byte{1};
-    EXPECT_FALSE(decodeNotification(bytes)) << "of another version";
-}
-
+// Whole or cut short, drawn out, of another version: there is one form of each notification.
 TEST(WireFormat, WhateverItAcceptsItWouldSendAlike) {
     const Data good = encode(sample());
     std::mt19937 random(4);
     int accepted = 0;
     for (int i = 0; i < 20'000; ++i) {
         Data bytes = good;
-        for (unsigned change = 0; change <= random() % 3; ++change)
+        for (unsigned change = random() % 4; change > 0; --change)
             bytes[random() % bytes.size()] = static_cast<std::byte>(random());
+        if (random() % 4 == 0)
+            bytes.resize(random() % (bytes.size() + 2));
         if (const auto read = decodeNotification(bytes)) {
             ++accepted;
             ASSERT_EQ(encode(*read), bytes);

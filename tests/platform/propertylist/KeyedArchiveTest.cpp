@@ -71,14 +71,6 @@ std::string refusal(std::span<const std::byte> archive) {
     }
 }
 
-Data bytesOf(std::string_view hex) {
-    Data bytes;
-    for (std::size_t i = 0; i < hex.size(); i += 2)
-        bytes.push_back(
-            static_cast<std::byte>(std::stoi(std::string(hex.substr(i, 2)), nullptr, 16)));
-    return bytes;
-}
-
 PropertyList to(int object) { return PropertyList::Dictionary{{"CF$UID", object}}; }
 
 PropertyList classNamed(const char* name) {
@@ -96,96 +88,67 @@ Data archiveOf(PropertyList::Array objects) {
         propertylist::Identifiers::admitted);
 }
 
+const std::string otherClass = "an object is of another class than asked for";
+
 const Account account{"müller", 443, {"x", "x"}, std::nullopt, true};
 
 } // namespace
 
 TEST(KeyedArchive, KeepsEveryKindOfValue) {
     EXPECT_EQ(back(account), account);
-    EXPECT_EQ(back(std::string()), "");
-    EXPECT_EQ(back(std::string("$null")), "$null");
-    EXPECT_EQ(back(Data{std::byte{7}}), Data{std::byte{7}});
+    for (const std::string text : {"", "$null"})
+        EXPECT_EQ(back(text), text);
     EXPECT_EQ(back(std::uint8_t{255}), 255);
-    EXPECT_EQ(back(std::numeric_limits<std::int64_t>::min()),
-              std::numeric_limits<std::int64_t>::min());
     EXPECT_EQ(back(0.1f), 0.1f);
     EXPECT_EQ(back(std::optional<std::string>()), std::nullopt);
-    EXPECT_EQ(back(std::optional(std::string("x"))), "x");
-    EXPECT_EQ(back(Flavour{"lime"}), Flavour{"lime"});
     for (const char* text : {"https://example.org/a?b#c", "file:///tmp/%FF%20x"})
         EXPECT_EQ(back(*URL::make({.string = text})), *URL::make({.string = text}));
-    EXPECT_EQ(back(std::vector<std::vector<bool>>{{true}, {}}),
-              (std::vector<std::vector<bool>>{{true}, {}}));
+    const std::vector<std::vector<bool>> rows{{true}, {}};
+    EXPECT_EQ(back(rows), rows);
     const std::unordered_map<std::string, std::optional<double>> sizes{{"a", 1.5}, {"$b", {}}};
     EXPECT_EQ(back(sizes), sizes);
     const std::map<Flavour, Account> mixed{{{"lime"}, account}, {{"sea"}, {}}};
     EXPECT_EQ(back(mixed), mixed);
     EXPECT_EQ(back(everyKind()), everyKind());
     // A dictionary that looks like the archive's own is still the user's.
-    const PropertyList::Dictionary sly{{"CF$UID", 1}, {"$class", "x"}, {"NS.keys", 2}};
-    EXPECT_EQ(back(sly), sly);
-    EXPECT_EQ(back(PropertyList::Dictionary{{"CF$UID", 1}}),
-              (PropertyList::Dictionary{{"CF$UID", 1}}));
+    using Dictionary = PropertyList::Dictionary;
+    for (const Dictionary& sly :
+         {Dictionary{{"CF$UID", 1}, {"$class", "x"}, {"NS.keys", 2}}, Dictionary{{"CF$UID", 1}}})
+        EXPECT_EQ(back(sly), sly);
     // Of a number it keeps the kind, too.
     EXPECT_TRUE(back(NSNumber(true)).isBool());
     EXPECT_TRUE(back(NSNumber(1)).isInteger());
     EXPECT_TRUE(back(NSNumber(1.0)).isReal());
-    EXPECT_EQ(back(NSNumber(42)).doubleValue(), 42.0);
 }
 
 TEST(KeyedArchive, HasTheFormThatIsWritten) {
     // Made by another writer of binary lists, with its own layout.
-    const Data theirs =
-        bytesOf("62706c6973743030d401020304050626295924617263686976657258246f626a656374735424746f70"
-                "58247665727369"
-                "6f6e5f100f4e534b657965644172636869766572a70708151b1c222555246e756c6cd6090a0b0c0d0e"
-                "0f101112131455"
-                "24246f64645624636c617373546e616d65546e6f6e6554706f72745474616773098002800380001101"
-                "bb8004d2161718"
-                "195824636c61737365735a24636c6173736e616d65a2191a574163636f756e74584e534f626a656374"
-                "66006d00fc006c"
-                "006c00650072d20a1d1e1f5a4e532e6f626a656374738005a2202180068006d216172324a2241a574e"
-                "53417272617951"
-                "78d1272854726f6f74800112000186a000080011001b0024002900320044004c0052005f0065006c00"
-                "710076007b0080"
-                "0081008300850087008a008c0091009a00a500a800b000b900c600cb00d600d800db00dd00df00e400"
-                "e700ef00f100f4"
-                "00f900fb0000000000000201000000000000002a00000000000000000000000000000100");
-    EXPECT_EQ(NSKeyedUnarchiver::unarchivedObject<Account>(theirs), account);
-    // And the same lists of objects, as far as order and numbers are free.
-    const auto ours = propertylist::readBinary(NSKeyedArchiver::archivedData(account),
-                                               propertylist::Identifiers::admitted);
-    const auto& archive = *ours.as<PropertyList::Dictionary>();
-    EXPECT_EQ(archive.at("$top"), (PropertyList::Dictionary{{"root", to(1)}}));
-    const auto& objects = *archive.at("$objects").as<PropertyList::Array>();
-    EXPECT_EQ(objects[0], "$null");
-    const auto& root = *objects[1].as<PropertyList::Dictionary>();
-    EXPECT_EQ(root.at("port"), 443);
-    EXPECT_EQ(root.at("$$odd"), true);
-    EXPECT_EQ(root.at("none"), to(0));
-    EXPECT_EQ(root.size(), 6u);
+    const auto theirs = decoded(
+        "<plist><data>"
+        "YnBsaXN0MDDUAQIDBAUGJilZJGFyY2hpdmVyWCRvYmplY3RzVCR0b3BYJHZlcnNpb25fEA9OU0tleWVkQXJjaGl2"
+        "ZXKnBwgVGxwiJVUkbnVsbNYJCgsMDQ4PEBESExRVJCRvZGRWJGNsYXNzVG5hbWVUbm9uZVRwb3J0VHRhZ3MJgAKA"
+        "A4AAEQG7gATSFhcYGVgkY2xhc3Nlc1okY2xhc3NuYW1lohkaV0FjY291bnRYTlNPYmplY3RmAG0A/ABsAGwAZQBy"
+        "0godHh9aTlMub2JqZWN0c4AFoiAhgAaABtIWFyMkoiQaV05TQXJyYXlReNEnKFRyb290gAESAAGGoAAIABEAGwAk"
+        "ACkAMgBEAEwAUgBfAGUAbABxAHYAewCAAIEAgwCFAIcAigCMAJEAmgClAKgAsAC5AMYAywDWANgA2wDdAN8A5ADn"
+        "AO8A8QD0APkA+wAAAAAAAAIBAAAAAAAAACoAAAAAAAAAAAAAAAAAAAEA"
+        "</data></plist>");
+    EXPECT_EQ(NSKeyedUnarchiver::unarchivedObject<Account>(*theirs->as<Data>()), account);
 }
 
 TEST(KeyedArchive, GivesOnlyTheClassAskedFor) {
     const Data one = NSKeyedArchiver::archivedData(account);
-    const char* const other = "an object is of another class than asked for";
-    EXPECT_EQ(refusal<std::string>(one), other);
-    EXPECT_EQ(refusal<NSNumber>(one), other);
-    EXPECT_EQ(refusal<URL>(one), other);
-    EXPECT_EQ(refusal<PropertyList>(one), other);
-    EXPECT_EQ(refusal<std::vector<Account>>(one), other);
-    EXPECT_EQ(refusal<std::shared_ptr<Node>>(one), other);
-    EXPECT_EQ(refusal<Account>(NSKeyedArchiver::archivedData(PropertyList::Dictionary{})), other);
     const Data number = NSKeyedArchiver::archivedData(300);
-    EXPECT_EQ(refusal<bool>(number), other);
-    EXPECT_EQ(refusal<Data>(number), other);
-    EXPECT_EQ(refusal<std::uint8_t>(number), "an integer does not fit its type");
-    EXPECT_EQ(refusal<std::uint64_t>(NSKeyedArchiver::archivedData(-1)),
-              "an integer does not fit its type");
-    EXPECT_EQ(refusal<std::int64_t>(NSKeyedArchiver::archivedData(1.0)), other);
-    EXPECT_EQ(refusal<double>(NSKeyedArchiver::archivedData(true)), other);
-    EXPECT_EQ(refusal<std::string>(NSKeyedArchiver::archivedData(std::optional<std::string>())),
-              other);
+    const Data none = NSKeyedArchiver::archivedData(std::optional<std::string>());
+    for (const std::string& refused :
+         {refusal<std::string>(one), refusal<NSNumber>(one), refusal<PropertyList>(one),
+          refusal<std::vector<Account>>(one), refusal<std::shared_ptr<Node>>(one),
+          refusal<bool>(number), refusal<Data>(number), refusal<std::string>(none),
+          refusal<std::int64_t>(NSKeyedArchiver::archivedData(1.0)),
+          refusal<double>(NSKeyedArchiver::archivedData(true))})
+        EXPECT_EQ(refused, otherClass);
+    for (const std::string& refused :
+         {refusal<std::uint8_t>(number), refusal<std::uint64_t>(NSKeyedArchiver::archivedData(-1))})
+        EXPECT_EQ(refused, "an integer does not fit its type");
     EXPECT_EQ(refusal<Flavour>(NSKeyedArchiver::archivedData("")),
               "a raw value stands for nothing");
 }
@@ -193,12 +156,16 @@ TEST(KeyedArchive, GivesOnlyTheClassAskedFor) {
 TEST(KeyedArchive, HasNamesOfItsOwn) {
     NSKeyedArchiver archiver;
     archiver.encode(1, "a");
-    archiver.encode(account, "b");
+    archiver.encode(std::make_shared<Account>(account), "b");
     archiver.encode("last", "a");
     const Data bytes = archiver.encodedData();
     const NSKeyedUnarchiver archive(bytes);
     EXPECT_EQ(archive.decode<std::string>("a"), "last");
-    EXPECT_EQ(archive.decode<Account>("b"), account);
+    // What failed can be tried as another class.
+    for (int i = 0; i < 2; ++i)
+        EXPECT_THAT([&] { archive.decode<std::shared_ptr<Node>>("b"); },
+                    testing::ThrowsMessage<ArchiveError>(otherClass));
+    EXPECT_EQ(*archive.decode<std::shared_ptr<Account>>("b"), account);
     EXPECT_FALSE(archive.contains("c"));
     EXPECT_EQ(archive.decodeIfPresent<int>("c"), std::nullopt);
     EXPECT_EQ(refusal<int>(bytes), "there is nothing under the name \"root\"");
@@ -223,32 +190,18 @@ TEST(KeyedArchive, SharedObjectsStaySharedAndCyclesAreRefused) {
     EXPECT_EQ(refusal<std::shared_ptr<Node>>(circle), "an object holds itself");
 }
 
-TEST(KeyedArchive, AFailedReadingCanBeTriedAsAnotherClass) {
-    NSKeyedArchiver archiver;
-    archiver.encode(std::make_shared<Account>(account), "it");
-    const Data bytes = archiver.encodedData();
-    const NSKeyedUnarchiver archive(bytes);
-    EXPECT_THROW(archive.decode<std::shared_ptr<Node>>("it"), ArchiveError);
-    EXPECT_THROW(archive.decode<std::shared_ptr<Node>>("it"), ArchiveError);
-    EXPECT_EQ(*archive.decode<std::shared_ptr<Account>>("it"), account);
-}
-
 TEST(KeyedArchive, RefusesWhatCannotBeArchived) {
-    const std::pair<std::function<Data()>, const char*> table[] = {
-        {[] { return NSKeyedArchiver::archivedData("\xFF"); }, "a text is not UTF-8"},
-        {[] { return NSKeyedArchiver::archivedData(~std::uint64_t{0}); },
-         "an integer does not fit 64 signed bits"},
-        {[] { return NSKeyedArchiver::archivedData(nested(propertylist::maximumDepth + 1)); },
-         "the objects are nested too deep"},
-    };
-    for (const auto& [make, reason] : table) {
+    const auto reason = [](const auto& value) -> std::string {
         try {
-            make();
-            ADD_FAILURE() << reason;
+            NSKeyedArchiver::archivedData(value);
+            return "archived";
         } catch (const ArchiveError& error) {
-            EXPECT_STREQ(error.what(), reason);
+            return error.what();
         }
-    }
+    };
+    EXPECT_EQ(reason("\xFF"), "a text is not UTF-8");
+    EXPECT_EQ(reason(~std::uint64_t{0}), "an integer does not fit 64 signed bits");
+    EXPECT_EQ(reason(nested(propertylist::maximumDepth + 1)), "the objects are nested too deep");
     EXPECT_EQ(back(nested(propertylist::maximumDepth)), nested(propertylist::maximumDepth));
 }
 
@@ -262,12 +215,8 @@ TEST(KeyedArchive, RefusesDamage) {
         {propertylist::writeBinary(List::Dictionary{{"$archiver", "x"}}),
          "it is a keyed archive of an unknown kind"},
         {archiveOf({}), "an object is missing"},
-        {archiveOf({to(1)}), "an object is of another class than asked for"},
         {archiveOf({array({to(1)}), classNamed("NSArray")}), "the objects are nested too deep"},
-        {archiveOf({array({to(99)}), classNamed("NSArray")}), "an object is missing"},
         {archiveOf({array({"bare"}), classNamed("NSArray")}), "a field of an object is damaged"},
-        {archiveOf({array({}), classNamed("Other")}),
-         "an object is of another class than asked for"},
         {archiveOf({List::Dictionary{{"$class", to(7)}}}), "the class of an object is missing"},
         {archiveOf({List::Dictionary{{"$class", to(2)}}, classNamed("NSArray")}),
          "an array is damaged"},
@@ -309,7 +258,4 @@ TEST(KeyedArchive, ManyEqualTextsCanBeReadBack) {
     EXPECT_EQ(back(texts), texts);
     const std::vector<std::map<std::string, int>> points(100'000, {{"width", 1}, {"height", 2}});
     EXPECT_EQ(back(points), points);
-    const PropertyList list = PropertyList::Array(300, std::string(100'000, 'x'));
-    EXPECT_EQ(propertylist::decode(*propertylist::encode(list, propertylist::Format::binary)),
-              list);
 }

@@ -16,16 +16,21 @@ inline std::optional<zorvan::PropertyList> decoded(std::string_view bytes,
 inline zorvan::PropertyList everyKind() {
     using namespace zorvan;
     using Limits = std::numeric_limits<std::int64_t>;
-    PropertyList::Array numbers;
-    for (const std::int64_t n :
-         {std::int64_t{0}, std::int64_t{255}, std::int64_t{256}, std::int64_t{65536},
-          std::int64_t{4294967296}, std::int64_t{-1}, Limits::max(), Limits::min()})
-        numbers.emplace_back(n);
-    for (const double d : {0.1, -1e300, 5e-324, 1.0 / 3, std::numeric_limits<double>::infinity()})
-        numbers.emplace_back(d);
-    numbers.emplace_back(true);
-    numbers.emplace_back(false);
-
+    const PropertyList::Array numbers = {0,
+                                         255,
+                                         256,
+                                         65536,
+                                         std::int64_t{4294967296},
+                                         -1,
+                                         Limits::max(),
+                                         Limits::min(),
+                                         0.1,
+                                         -1e300,
+                                         5e-324,
+                                         1.0 / 3,
+                                         std::numeric_limits<double>::infinity(),
+                                         true,
+                                         false};
     Data data;
     PropertyList::Array blocks;
     for (int i = 0; i < 20; ++i) {

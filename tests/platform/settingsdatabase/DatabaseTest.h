@@ -23,6 +23,10 @@ protected:
         for (const char* ending : {"", "-wal", "-shm"})
             fs::remove(path_ + ending);
     }
+    /// Lets another process do it.
+    void elsewhere(const std::function<bool(SettingsDatabase&)>& action) const {
+        EXPECT_TRUE(inChild([&] { return action(*SettingsDatabase::open(path_)); }));
+    }
     static std::int64_t integer(SettingsDatabase& database, std::string_view key) {
         const auto value = database.value(key);
         const auto* number = value ? value->as<NSNumber>() : nullptr;

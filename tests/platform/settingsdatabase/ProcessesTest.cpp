@@ -1,70 +1,28 @@
 #include "DatabaseTest.h"
 
 #include <sched.h>
-#include <sys/file.h>
 #include <sys/mount.h>
 
 namespace {
 
 using Processes = DatabaseTest;
 
-/// Takes steps with a process on the other side.
-class Steps {
-public:
-    Steps() {
-        if (pipe(there_) != 0 || pipe(back_) != 0)
-            throw std::runtime_error("no pipe");
-    }
-    void go() { pass(there_[1]); }
-    bool awaitGo() { return await(there_[0]); }
-    void done() { pass(back_[1]); }
-    bool awaitDone() { return await(back_[0]); }
-
-private:
-    static void pass(int end) {
-        if (write(end, "x", 1) != 1)
-            throw std::runtime_error("the other side is gone");
-    }
-    static bool await(int end) {
-        char c;
-        return read(end, &c, 1) == 1;
-    }
-    int there_[2], back_[2];
-};
-
 } // namespace
 
 TEST_F(Processes, NoticeEachOthersWrites) {
-    Steps steps;
-    Child other([&] {
-        const auto database = open();
-        database->set("shared", 1);
-        steps.done();
-        steps.awaitGo();
-        const bool seen = integer(*database, "shared") == 2 && integer(*database, "new") == 5;
-        database->remove("new");
-        database->set("shared", 3);
-        steps.done();
-        steps.awaitGo();
-        const bool cleared = database->contents().empty();
-        database->set("after", 9);
-        steps.done();
-        return seen && cleared;
-    });
-    ASSERT_TRUE(steps.awaitDone());
     const auto database = open();
-    EXPECT_EQ(integer(*database, "shared"), 1);
-    database->set("shared", 2);
-    database->set("new", 5);
-    steps.go();
-    ASSERT_TRUE(steps.awaitDone());
-    EXPECT_EQ(integer(*database, "shared"), 3);
+    database->set("shared", 1);
+    elsewhere([](SettingsDatabase& other) {
+        return integer(other, "shared") == 1 && other.set("shared", 2) && other.set("new", 5);
+    });
+    EXPECT_EQ(integer(*database, "shared"), 2);
+    EXPECT_EQ(integer(*database, "new"), 5);
+    elsewhere([](SettingsDatabase& other) { return other.remove("new"); });
     EXPECT_FALSE(database->value("new"));
-    database->removeAll();
-    steps.go();
-    ASSERT_TRUE(steps.awaitDone());
+    elsewhere([](SettingsDatabase& other) { return other.removeAll() && other.set("after", 9); });
     EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"after", 9}}));
-    EXPECT_TRUE(other.end());
+    EXPECT_TRUE(database->removeAll());
+    elsewhere([](SettingsDatabase& other) { return other.contents().empty(); });
 }
 
 // Also while the thread that follows the database is about to open it again after the fork.
@@ -88,50 +46,26 @@ TEST_F(Processes, FollowWritersWhereTheyMayOnlyRead) {
     };
     if (!inChild(lockUp))
         GTEST_SKIP() << "no mounts of one's own";
-    Steps steps;
+    Signal begun, hasRead, written;
     Child reader([&] {
-        steps.awaitGo();
+        begun.await();
         lockUp();
         const auto database = open();
-        const bool readsFirst = integer(*database, "k") == 1;
-        steps.done();
-        steps.awaitGo();
-        const bool readsSecond = integer(*database, "k") == 2;
-        return readsFirst && readsSecond && !database->set("k", 3);
+        const bool readsFirst = integer(*database, "k") == 1 && hasRead.give();
+        written.await();
+        return readsFirst && integer(*database, "k") == 2 && !database->set("k", 3);
     });
     const auto database = open();
     database->set("k", 1);
-    steps.go();
-    ASSERT_TRUE(steps.awaitDone());
+    begun.give();
+    ASSERT_TRUE(hasRead.await());
     database->set("k", 2);
-    steps.go();
+    written.give();
     EXPECT_TRUE(reader.end());
 }
 
-// Two processes count with a lock of their own around reading and writing.
-TEST_F(Processes, CountTogether) {
-    const std::string lockPath = folder_.path() / "lock";
-    constexpr int each = 500;
-    const auto count = [&] {
-        const auto database = open();
-        const int lock = ::open(lockPath.c_str(), O_RDWR | O_CREAT, 0600);
-        for (int i = 0; i < each; ++i) {
-            flock(lock, LOCK_EX);
-            const std::int64_t before = integer(*database, "count");
-            const bool stored = database->set("count", before < 0 ? 1 : before + 1);
-            flock(lock, LOCK_UN);
-            if (!stored)
-                return false;
-        }
-        return true;
-    };
-    Child one(count), two(count);
-    EXPECT_TRUE(one.end());
-    EXPECT_TRUE(two.end());
-    EXPECT_EQ(integer(*open(), "count"), 2 * each);
-}
-
-// Without a lock one of them wins each key, but every process must come to the same in the end.
+// Also while the other moves the log into the database. One of them wins each key, but every
+// process must come to the same in the end.
 TEST_F(Processes, AgreeInTheEnd) {
     const auto write = [&](unsigned seed) {
         const auto database = open();
@@ -143,10 +77,10 @@ TEST_F(Processes, AgreeInTheEnd) {
                                 : kind < 9
                                     ? database->remove(key)
                                     : database->set(key, static_cast<int>(seed) * 10'000 + i);
-            if (!stored)
+            if (!stored || (i % 5 == 0 && !database->synchronize()))
                 return false;
         }
-        return true;
+        return told_.empty();
     };
     Child one([&] { return write(1); }), two([&] { return write(2); });
     auto watcher = open(); // what it opened must not go along into the children
@@ -160,51 +94,23 @@ TEST_F(Processes, AgreeInTheEnd) {
 // As a program does that goes into the background: the parent ends, others come and go, and what
 // all share begins anew.
 TEST_F(Processes, GoOnInAForkWhoseParentHasEnded) {
-    Steps steps;
+    Signal go, done;
     ASSERT_TRUE(inChild([&] {
         const auto database = open();
         database->set("k", 1);
         if (::fork() != 0)
             return true;
-        steps.awaitGo();
+        go.await();
         bool isGood = integer(*database, "k") == 2 && database->set("own", 3);
         for (int i = 0; i < 100; ++i)
             isGood = database->set("own", i) && integer(*database, "own") == i && isGood;
-        if (isGood)
-            steps.done();
-        return isGood;
+        return isGood && done.give();
     }));
     EXPECT_TRUE(inChild([&] { return open()->set("k", 2); }));
     const auto other = open();
-    steps.go();
-    ASSERT_TRUE(steps.awaitDone());
+    go.give();
+    ASSERT_TRUE(done.await());
     EXPECT_EQ(integer(*other, "own"), 99);
-}
-
-TEST_F(Processes, ShareWithAFork) {
-    const auto database = open();
-    database->set("k", 1);
-    EXPECT_TRUE(inChild([&] { return integer(*database, "k") == 1 && database->set("k", 2); }));
-    EXPECT_EQ(integer(*database, "k"), 2);
-    EXPECT_TRUE(database->set("k", 3));
-}
-
-// While another process moves the log into the database.
-TEST_F(Processes, WaitForEachOtherToSynchronize) {
-    const auto synchronize = [&](int number) {
-        const auto database = open();
-        bool isGood = true;
-        for (int i = 0; i < 60; ++i)
-            isGood = database->set("k" + std::to_string(number),
-                                   std::string(20'000, 'x') + std::to_string(i)) &&
-                     database->synchronize() && isGood;
-        return isGood && told_.empty();
-    };
-    Child one([&] { return synchronize(1); }), two([&] { return synchronize(2); }),
-        three([&] { return synchronize(3); });
-    EXPECT_TRUE(one.end());
-    EXPECT_TRUE(two.end());
-    EXPECT_TRUE(three.end());
 }
 
 // Where nothing can be stored, what is being decoded is looked through at the same time.

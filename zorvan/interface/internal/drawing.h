@@ -1,10 +1,8 @@
 #pragma once
 
 #include <zorvan/colour/NSColor.h>
-#include <zorvan/media/NSImage.h>
 #include <zorvan/numbers-geometry/CGRect.h>
 #include <zorvan/numbers-geometry/CGSize.h>
-#include <zorvan/platform/appkit/Canvas.h>
 #include <zorvan/platform/textservices/NSAttributedString.h>
 
 namespace zorvan {
@@ -24,31 +22,12 @@ inline constexpr NSColor outline = grey(0, 0.16);
 
 } // namespace Palette
 
-/// While it lives, colours, paths, pictures and text draw on the canvas.
-class Drawing {
-public:
-    explicit Drawing(Canvas& canvas);
-    ~Drawing();
-    Drawing(const Drawing&) = delete;
-    Drawing& operator=(const Drawing&) = delete;
-};
-
-// On the current graphics context.
-
-void fillRounded(const CGRect& rect, double radius, const NSColor& color);
-/// A line of that width just inside the edge.
-void outlineRounded(const CGRect& rect, double radius, const NSColor& color, double width = 1);
-
 /// Text without font or colour gets these.
 NSAttributedString withDefaults(const NSAttributedString& text, const NSColor& color);
 /// As large as whole points.
 CGSize textSize(const NSAttributedString& text);
-/// One line, in the middle, shortened to the width; where it was drawn.
+/// Draws one line in the middle, shortened to the width, in the current graphics context; where it
+/// was drawn.
 CGRect drawText(const NSAttributedString& text, const CGRect& in);
-
-/// Draws a template in the colour, any other picture as it is; faint when not enabled.
-void drawInside(const NSImage& image, const CGRect& rect, const NSColor& ink, bool isEnabled);
-/// In the middle, at the size or as large as fits.
-CGRect centredRect(CGSize size, const CGRect& in);
 
 } // namespace zorvan

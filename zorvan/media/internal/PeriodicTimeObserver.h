@@ -3,7 +3,6 @@
 #include <zorvan/media/AVPlayer.h>
 #include <zorvan/platform/avfoundation/PlaybackClock.h>
 
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <mutex>

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <optional>
 
 namespace zorvan {
 
@@ -73,34 +72,30 @@ void Canvas::fill(const CGRect& rect, Colour colour) {
 
 void Canvas::drawText(std::string_view text, const CGRect& rect, Colour colour) {
     const CGRect visible = rect.intersection(clip_);
-    const CGRect box = toPixels(rect);
-    const std::int64_t width = roundInt(box.width()), height = roundInt(box.height());
-    std::optional<Bitmap> cell =
-        text.empty() || visible.isNull() ? std::nullopt : Bitmap::make(width, height);
+    const PixelEdges shown = text.empty() || visible.isNull() ? PixelEdges{} : pixelEdges(visible);
+    // Drawn aside over what is there, so that only the part inside the clip is brought back.
+    auto cell = Bitmap::make(shown.right - shown.left, shown.bottom - shown.top);
     if (!cell)
         return;
-    const std::int64_t left = roundInt(box.minX()), top = roundInt(box.minY());
-    const auto forEachRow = [&, shown = pixelEdges(visible)](auto copy) {
-        const std::int64_t from = std::max(shown.left, left);
-        const std::int64_t to = std::min(shown.right, left + width);
-        for (std::int64_t y = std::max(shown.top, top); y < std::min(shown.bottom, top + height);
-             ++y)
-            if (from < to)
-                copy(bitmap_->row(y) + from * 4, cell->row(y - top) + (from - left) * 4,
-                     static_cast<std::size_t>((to - from) * 4));
+    const auto rowBytes = static_cast<std::size_t>(cell->bytesPerRow());
+    const auto screen = [&](std::int64_t y) {
+        return bitmap_->row(shown.top + y) + shown.left * 4;
     };
-    // Drawn aside over what is there, so that only the part inside the clip is brought back.
-    forEachRow([](std::uint8_t* screen, std::uint8_t* aside, std::size_t bytes) {
-        std::memcpy(aside, screen, bytes);
-    });
+    for (std::int64_t y = 0; y < cell->height(); ++y)
+        std::memcpy(cell->row(y), screen(y), rowBytes);
+    const CGRect box = toPixels(rect);
+    const std::int64_t width = roundInt(box.width()), height = roundInt(box.height());
     const double size = std::min(13 * scale_, box.height());
     const std::int64_t margin =
         std::max<std::int64_t>(roundInt((box.height() - size * 1.3) / 2), 0);
-    drawTextLine(*cell, text, {.x = 0, .y = margin, .width = width, .height = height - margin},
+    drawTextLine(*cell, text,
+                 {.x = roundInt(box.minX()) - shown.left,
+                  .y = roundInt(box.minY()) - shown.top + margin,
+                  .width = width,
+                  .height = height - margin},
                  {.size = size, .color = {colour.r, colour.g, colour.b, 255}});
-    forEachRow([](std::uint8_t* screen, std::uint8_t* aside, std::size_t bytes) {
-        std::memcpy(screen, aside, bytes);
-    });
+    for (std::int64_t y = 0; y < cell->height(); ++y)
+        std::memcpy(screen(y), cell->row(y), rowBytes);
 }
 
 } // namespace zorvan

@@ -15,10 +15,7 @@ std::vector<NSAnimationContext>& contexts() {
 
 } // namespace
 
-void NSAnimationContext::beginGrouping() {
-    const NSAnimationContext copy = contexts().back();
-    contexts().push_back(copy);
-}
+void NSAnimationContext::beginGrouping() { contexts().push_back(contexts().back()); }
 
 void NSAnimationContext::endGrouping() {
     if (contexts().size() == 1)

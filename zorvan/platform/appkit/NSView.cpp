@@ -17,8 +17,6 @@ NSView::~NSView() {
         view->moveTo(nullptr, nullptr);
 }
 
-// Place
-
 void NSView::setFrame(const CGRect& frame) {
     const CGRect before = std::exchange(frame_, {frame.origin, constrained(frame.size)});
     if (frame_ == before)
@@ -58,8 +56,6 @@ void NSView::followConstraints() {
     setFrame(frame_);
     setNeedsLayout(true);
 }
-
-// The tree
 
 void NSView::addSubview(const std::shared_ptr<NSView>& view) {
     for (const NSView* holder = this; holder; holder = holder->superview_.lock().get())
@@ -103,24 +99,20 @@ void NSView::moveTo(const std::shared_ptr<NSWindow>& window,
 
 void NSView::willMoveAll(const std::shared_ptr<NSWindow>& window) {
     viewWillMove(window);
-    const auto views = subviews_;
-    for (const auto& view : views)
+    for (const auto& view : std::vector(subviews_))
         view->willMoveAll(window);
 }
 
 void NSView::didMoveAll(const std::shared_ptr<NSWindow>& window) {
     window_ = window;
     isInWindow_ = window != nullptr;
-    const auto views = subviews_;
-    for (const auto& view : views)
+    for (const auto& view : std::vector(subviews_))
         if (view->superview_.lock().get() == this)
             view->didMoveAll(window);
     viewDidMoveToWindow();
     if (window)
         updateTrackingAreas();
 }
-
-void NSView::viewWillMove(const std::shared_ptr<NSWindow>&) {}
 
 CGPoint NSView::convertToBase(CGPoint point) const {
     const CGRect shown = bounds();
@@ -160,8 +152,6 @@ std::shared_ptr<NSView> NSView::hitTest(CGPoint point) {
             return hit;
     return shared_from_this();
 }
-
-// Drawing
 
 void NSView::setHidden(bool hidden) {
     if (hidden == isHidden_)
@@ -204,8 +194,7 @@ void NSView::layoutSubtreeIfNeeded() {
         needsLayout_ = false;
         layout();
     }
-    const auto views = subviews_;
-    for (const auto& view : views)
+    for (const auto& view : std::vector(subviews_))
         view->layoutSubtreeIfNeeded();
 }
 
@@ -221,8 +210,6 @@ std::optional<Bitmap> NSView::render(double scale) const {
     return bitmap;
 }
 
-void NSView::draw(Canvas&) const {}
-
 void NSView::drawAll(Canvas& canvas) const {
     draw(canvas);
     for (const auto& view : subviews_) {
@@ -233,8 +220,6 @@ void NSView::drawAll(Canvas& canvas) const {
             view->drawAll(inner);
     }
 }
-
-// Events
 
 void NSView::handOn(void (NSView::*event)(const NSEvent&), const NSEvent& with) {
     if (const auto holder = superview())
@@ -248,10 +233,6 @@ bool NSView::performKeyEquivalent(const NSEvent& with) {
     });
 }
 
-void NSView::mouseMoved(const NSEvent&) {}
-void NSView::mouseEntered(const NSEvent&) {}
-void NSView::mouseExited(const NSEvent&) {}
-
 void NSView::addTrackingArea(const std::shared_ptr<NSTrackingArea>& area) {
     trackingAreas_.push_back(area);
 }
@@ -260,8 +241,6 @@ void NSView::removeTrackingArea(const std::shared_ptr<NSTrackingArea>& area) {
     const std::shared_ptr<NSTrackingArea> keptAlive = area;
     std::erase(trackingAreas_, keptAlive);
 }
-
-// What a host shows besides
 
 void NSView::setShowsFocusRing(bool shows) {
     showsFocusRing_ = shows;
@@ -272,11 +251,6 @@ std::shared_ptr<NSMenu> NSView::menu(const NSEvent& forEvent) {
     const auto holder = superview();
     return menu_ || !holder ? menu_ : holder->menu(forEvent);
 }
-
-std::vector<URL> NSView::draggedURLs(CGPoint) const { return {}; }
-std::shared_ptr<const Bitmap> NSView::draggedPicture(CGPoint) const { return nullptr; }
-bool NSView::acceptsDrop(const std::vector<URL>&) const { return false; }
-void NSView::urlsDropped(const std::vector<URL>&, CGPoint) {}
 
 NSAccessibilityRole NSView::accessibilityRole() const {
     return accessibilityRole_ ? *accessibilityRole_ : ownAccessibilityRole();

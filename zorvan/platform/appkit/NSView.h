@@ -92,7 +92,7 @@ public:
     std::shared_ptr<NSWindow> window() const noexcept { return window_.lock(); }
     /// Called before the view comes into a window, goes into another, or (null) leaves its one.
     /// Whatever overrides this or the next one calls it first.
-    virtual void viewWillMove(const std::shared_ptr<NSWindow>& toWindow);
+    virtual void viewWillMove(const std::shared_ptr<NSWindow>& /*toWindow*/) {}
     /// Called once `window` says so, for the views inside first.
     virtual void viewDidMoveToWindow() {}
 
@@ -137,7 +137,7 @@ public:
     std::optional<Bitmap> render(double scale = 1) const;
 
     /// Draws the view's own part; subviews come after, above it.
-    virtual void draw(Canvas& canvas) const;
+    virtual void draw(Canvas& /*canvas*/) const {}
 
     /// Events of the mouse's buttons, of the wheel and of keys go on to the superview unless
     /// overridden.
@@ -166,9 +166,9 @@ public:
     virtual bool performKeyEquivalent(const NSEvent& with);
     /// Goes to the owner of a tracking area, and no further.
     /// @{
-    virtual void mouseMoved(const NSEvent& with);
-    virtual void mouseEntered(const NSEvent& with);
-    virtual void mouseExited(const NSEvent& with);
+    virtual void mouseMoved(const NSEvent& /*with*/) {}
+    virtual void mouseEntered(const NSEvent& /*with*/) {}
+    virtual void mouseExited(const NSEvent& /*with*/) {}
     /// @}
 
     /// Where the owner of each area is told of the mouse.
@@ -225,15 +225,15 @@ public:
     /// The files, or other addresses, that a drag from a point of the view carries; none unless
     /// overridden. Asked when the mouse, which was pressed there, has begun to move; where there is
     /// something to carry, the view is told no more of that press.
-    virtual std::vector<URL> draggedURLs(CGPoint from) const;
+    virtual std::vector<URL> draggedURLs(CGPoint /*from*/) const { return {}; }
     /// The picture that such a drag carries, for whoever wants pixels rather than a file; null
     /// unless overridden.
-    virtual std::shared_ptr<const Bitmap> draggedPicture(CGPoint from) const;
+    virtual std::shared_ptr<const Bitmap> draggedPicture(CGPoint /*from*/) const { return nullptr; }
     /// Whether what is dragged over the view may be dropped there; if not, the view around it is
     /// asked. False unless overridden.
-    virtual bool acceptsDrop(const std::vector<URL>& urls) const;
+    virtual bool acceptsDrop(const std::vector<URL>& /*urls*/) const { return false; }
     /// What the view accepts was dropped at a point of it. Does nothing unless overridden.
-    virtual void urlsDropped(const std::vector<URL>& urls, CGPoint at);
+    virtual void urlsDropped(const std::vector<URL>& /*urls*/, CGPoint /*at*/) {}
 
     /// What a screen reader says of the view: controls know it of themselves, and what is set goes
     /// before that. `group` when nobody says otherwise.

@@ -26,77 +26,67 @@ namespace zorvan::avfoundation {
 class FileBytes {
 public:
     /// Empty when the path leads to no regular file that can be read.
-    static std::unique_ptr<FileBytes> open(const std::string& path);
-    ~FileBytes();
+    static std::unique_ptr<FileBytes> open(const std::string& path) {
+        // Without O_NONBLOCK the opening of a pipe would wait for somebody to write.
+        internal::FileDescriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        struct stat status {};
+        if (fstat(opened.get(), &status) != 0 || !S_ISREG(status.st_mode))
+            return nullptr;
+        return std::unique_ptr<FileBytes>(new FileBytes(std::move(opened), status.st_size));
+    }
     FileBytes(const FileBytes&) = delete;
+    ~FileBytes() {
+        if (context_)
+            av_freep(&context_->buffer);
+        avio_context_free(&context_);
+    }
 
     AVIOContext* context() const noexcept { return context_; }
 
 private:
     FileBytes(internal::FileDescriptor file, std::int64_t size)
-        : file_(std::move(file)), size_(size) {}
-    static int read(void* self, std::uint8_t* buffer, int size);
-    static std::int64_t seek(void* self, std::int64_t offset, int whence);
+        : file_(std::move(file)), size_(size) {
+        constexpr int bufferSize = 1 << 15;
+        auto* const buffer = static_cast<unsigned char*>(av_malloc(bufferSize));
+        if (buffer)
+            context_ = avio_alloc_context(buffer, bufferSize, 0, this, &read, nullptr, &seek);
+        if (!context_) {
+            av_free(buffer);
+            throw std::bad_alloc();
+        }
+    }
+
+    static int read(void* self, std::uint8_t* buffer, int size) {
+        auto& file = *static_cast<FileBytes*>(self);
+        ssize_t count = 0;
+        do
+            count = pread(file.file_.get(), buffer, static_cast<std::size_t>(size), file.position_);
+        while (count < 0 && errno == EINTR);
+        if (count < 0)
+            return AVERROR(errno);
+        file.position_ += count;
+        return count == 0 ? AVERROR_EOF : static_cast<int>(count);
+    }
+
+    static std::int64_t seek(void* self, std::int64_t offset, int whence) {
+        auto& file = *static_cast<FileBytes*>(self);
+        const int from = whence & ~AVSEEK_FORCE;
+        if (whence == AVSEEK_SIZE)
+            return file.size_;
+        const std::int64_t base = from == SEEK_CUR   ? file.position_
+                                  : from == SEEK_END ? file.size_
+                                                     : 0;
+        std::int64_t target = 0;
+        if (__builtin_add_overflow(base, offset, &target) || target < 0)
+            return AVERROR(EINVAL);
+        return file.position_ = target;
+    }
 
     const internal::FileDescriptor file_;
     const std::int64_t size_;
     std::int64_t position_ = 0;
     AVIOContext* context_ = nullptr;
 };
-
-std::unique_ptr<FileBytes> FileBytes::open(const std::string& path) {
-    // Without O_NONBLOCK the opening of a pipe would wait for somebody to write.
-    internal::FileDescriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status {};
-    if (fstat(opened.get(), &status) != 0 || !S_ISREG(status.st_mode))
-        return nullptr;
-    std::unique_ptr<FileBytes> file(new FileBytes(std::move(opened), status.st_size));
-    constexpr int bufferSize = 1 << 15;
-    auto* const buffer = static_cast<unsigned char*>(av_malloc(bufferSize));
-    if (buffer)
-        file->context_ = avio_alloc_context(buffer, bufferSize, 0, file.get(), &FileBytes::read,
-                                            nullptr, &FileBytes::seek);
-    if (!file->context_) {
-        av_free(buffer);
-        throw std::bad_alloc();
-    }
-    return file;
-}
-
-FileBytes::~FileBytes() {
-    if (context_)
-        av_freep(&context_->buffer);
-    avio_context_free(&context_);
-}
-
-int FileBytes::read(void* self, std::uint8_t* buffer, int size) {
-    auto& file = *static_cast<FileBytes*>(self);
-    ssize_t count = 0;
-    do
-        count = pread(file.file_.get(), buffer, static_cast<std::size_t>(size), file.position_);
-    while (count < 0 && errno == EINTR);
-    if (count < 0)
-        return AVERROR(errno);
-    if (count == 0)
-        return AVERROR_EOF;
-    file.position_ += count;
-    return static_cast<int>(count);
-}
-
-std::int64_t FileBytes::seek(void* self, std::int64_t offset, int whence) {
-    auto& file = *static_cast<FileBytes*>(self);
-    if (whence == AVSEEK_SIZE)
-        return file.size_;
-    std::int64_t base = 0;
-    if ((whence & ~AVSEEK_FORCE) == SEEK_CUR)
-        base = file.position_;
-    else if ((whence & ~AVSEEK_FORCE) == SEEK_END)
-        base = file.size_;
-    std::int64_t target = 0;
-    if (__builtin_add_overflow(base, offset, &target) || target < 0)
-        return AVERROR(EINVAL);
-    return file.position_ = target;
-}
 
 MovieInput::MovieInput() noexcept = default;
 MovieInput::~MovieInput() = default;

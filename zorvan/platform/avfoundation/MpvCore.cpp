@@ -8,12 +8,7 @@
 namespace zorvan::avfoundation {
 namespace {
 
-struct Option {
-    const char* name;
-    const char* value;
-};
-
-constexpr Option options[] = {
+constexpr std::pair<const char*, const char*> options[] = {
     // Pictures are asked for, sound may have nowhere to go.
     {"vo", "libmpv"},
     {"audio-fallback-to-null", "yes"},
@@ -83,8 +78,8 @@ bool MpvCore::start() {
         return false;
     // Options of parts that this build of libmpv was made without are unknown to it, and not
     // needed.
-    for (const Option& option : options)
-        mpv_set_option_string(handle_.get(), option.name, option.value);
+    for (const auto& [name, value] : options)
+        mpv_set_option_string(handle_.get(), name, value);
     restrictDemuxer(handle_.get());
     if (mpv_initialize(handle_.get()) < 0)
         return false;

@@ -77,7 +77,8 @@ private:
     void fail();
     void endPlaying();
     void setStatus(Status status);
-    void setClock(double seconds, bool isJump);
+    /// To where it has come when `seconds` is absent.
+    void setClock(std::optional<double> seconds, bool isJump);
     /// Under the lock; those it drops are told later, without it.
     void dropWaiting();
     void tellDropped();
@@ -139,7 +140,6 @@ MpvPlayer::~MpvPlayer() {
     }
     if (thread_.joinable())
         thread_.join();
-    core_.reset();
 }
 
 void MpvPlayer::setRate(double rate) {
@@ -344,35 +344,24 @@ void MpvPlayer::applyRate() {
     if (rate > 0)
         core_->setNumber("speed", rate);
     core_->setFlag("pause", rate <= 0);
-    double seconds = 0;
-    {
-        const Lock lock(mutex_);
-        if (rate == clock_.rate)
-            return;
-        seconds = clock_.secondsAt(Clock::now());
-    }
-    setClock(seconds, true);
+    if (rate != clock().rate)
+        setClock(std::nullopt, true);
 }
 
 /// The end was reached, or is where playing was to begin.
 void MpvPlayer::endPlaying() {
-    double seconds = 0;
     {
         const Lock lock(mutex_);
         if (!waiting_.empty() || rate_ == 0)
             return;
         rate_ = 0;
-        seconds = clock_.secondsAt(Clock::now());
     }
-    setClock(seconds, true);
+    setClock(std::nullopt, true);
 }
 
 void MpvPlayer::drawIfAsked() {
-    {
-        const Lock lock(mutex_);
-        if (!isPictureAsked_)
-            return;
-    }
+    if (!locked(isPictureAsked_))
+        return;
     auto bitmap = width_ > 0 && height_ > 0 ? core_->draw(width_, height_) : std::nullopt;
     if (bitmap && turn_ != 0)
         bitmap = oriented(*bitmap, orientationOfTurn(turn_));
@@ -405,13 +394,15 @@ void MpvPlayer::setStatus(Status status) {
         listener->statusDidChange(status);
 }
 
-void MpvPlayer::setClock(double seconds, bool isJump) {
+void MpvPlayer::setClock(std::optional<double> seconds, bool isJump) {
     PlaybackClock clock;
     {
         const Lock lock(mutex_);
         if (!waiting_.empty()) // the clock stands where the seek is to land
             return;
-        clock = clock_ = {seconds, status_ == Status::ready ? rate_ : 0, Clock::now()};
+        const PlaybackClock::TimePoint now = Clock::now();
+        clock = clock_ = {seconds.value_or(clock_.secondsAt(now)),
+                          status_ == Status::ready ? rate_ : 0, now};
     }
     if (const auto listener = listener_.lock())
         listener->clockDidChange(clock, isJump);

@@ -22,24 +22,18 @@ constexpr double sameTime = 1e-5;
 void OperationRunner::start(Operation operation, TimePoint now) {
     operation_ = std::move(operation);
     isCorrecting_ = false;
-    switch (operation_.kind) {
-    case Operation::Kind::open:
+    if (operation_.kind == Operation::Kind::open) {
         awaitLanding(now);
         sawSeek_ = true; // opening restarts without a seek
         return;
-    case Operation::Kind::exactSeek:
-    case Operation::Kind::quickSeek:
-        core_.setFlag("pause", true);
-        seek(now);
-        return;
-    case Operation::Kind::step:
-        core_.setFlag("pause", true);
-        remainingSteps_ = operation_.steps < 0 ? 0 - static_cast<std::uint64_t>(operation_.steps)
-                                               : static_cast<std::uint64_t>(operation_.steps);
-        isFirstTime_ = true;
-        askTime(now);
-        return;
     }
+    core_.setFlag("pause", true);
+    if (operation_.kind != Operation::Kind::step)
+        return seek(now);
+    const auto steps = static_cast<std::uint64_t>(operation_.steps);
+    remainingSteps_ = operation_.steps < 0 ? 0 - steps : steps;
+    isFirstTime_ = true;
+    askTime(now);
 }
 
 void OperationRunner::seek(TimePoint now) {

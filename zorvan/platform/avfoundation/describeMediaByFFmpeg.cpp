@@ -90,55 +90,43 @@ bool isSameWord(std::string_view given, std::string_view lower) {
                       [](char g, char l) { return internal::lowered(g) == l; });
 }
 
-/// How the names that FFmpeg gives to metadata are told as identifiers, by the container they came
+/// How the name that FFmpeg gives to metadata is told as an identifier, by the container it came
 /// from. FFmpeg does not tell all places apart: what it calls "location" in an ISO file is taken
 /// for user data, "date" there for the text of a media library.
-class MetadataNames {
-public:
-    explicit MetadataNames(const AVFormatContext& input) : container_(input.iformat->name) {
-        container_ = container_.substr(0, container_.find(','));
-        const AVDictionaryEntry* const brand =
-            av_dict_get(input.metadata, "major_brand", nullptr, 0);
-        // A QuickTime file need not state a brand.
-        isQuickTime_ = !brand || std::string_view(brand->value) == "qt  ";
-    }
-
-    std::string identifier(std::string_view name) const {
-        if (name == "creation_time")
+std::string identifier(const AVFormatContext& input, std::string_view name) {
+    const std::string_view names = input.iformat->name;
+    const std::string_view container = names.substr(0, names.find(','));
+    if (name == "creation_time")
+        return std::string(containerDateIdentifier);
+    if (container != "mov") {
+        if (isSameWord(name, "location"))
+            return "common/location";
+        if (isSameWord(name, "date"))
             return std::string(containerDateIdentifier);
-        if (container_ != "mov") {
-            if (isSameWord(name, "location"))
-                return "common/location";
-            if (isSameWord(name, "date"))
-                return std::string(containerDateIdentifier);
-            return std::string(container_) + '/' + std::string(name);
-        }
-        if (name.starts_with("com."))
-            return "mdta/" + std::string(name);
-        if (name == "location")
-            return isQuickTime_ ? "udta/%A9xyz" : "uiso/%A9xyz";
-        if (name == "date")
-            return isQuickTime_ ? "udta/%A9day" : "itsk/%A9day";
-        return (isQuickTime_ ? "udta/" : "uiso/") + std::string(name);
+        return std::string(container) + '/' + std::string(name);
     }
+    if (name.starts_with("com."))
+        return "mdta/" + std::string(name);
+    // A QuickTime file need not state a brand.
+    const AVDictionaryEntry* const brand = av_dict_get(input.metadata, "major_brand", nullptr, 0);
+    const bool isQuickTime = !brand || std::string_view(brand->value) == "qt  ";
+    if (name == "date")
+        return isQuickTime ? "udta/%A9day" : "itsk/%A9day";
+    const std::string place = isQuickTime ? "udta/" : "uiso/";
+    return place + (name == "location" ? "%A9xyz" : std::string(name));
+}
 
-    /// Whether it tells of the format of the file rather than of what is in it.
-    static bool isOfFileFormat(std::string_view name) noexcept {
-        return name == "major_brand" || name == "minor_version" || name == "compatible_brands";
-    }
-
-private:
-    std::string_view container_;
-    bool isQuickTime_ = false;
-};
+/// Whether it tells of the format of the file rather than of what is in it.
+bool isOfFileFormat(std::string_view name) noexcept {
+    return name == "major_brand" || name == "minor_version" || name == "compatible_brands";
+}
 
 std::vector<MediaMetadata> metadata(const AVFormatContext& input) {
-    const MetadataNames names(input);
     std::vector<MediaMetadata> entries;
     const AVDictionaryEntry* entry = nullptr;
     while ((entry = av_dict_get(input.metadata, "", entry, AV_DICT_IGNORE_SUFFIX)))
-        if (!MetadataNames::isOfFileFormat(entry->key))
-            entries.push_back({names.identifier(entry->key), entry->value});
+        if (!isOfFileFormat(entry->key))
+            entries.push_back({identifier(input, entry->key), entry->value});
     // The date of the container itself is that of its last rewriting; what people or cameras wrote
     // goes before it.
     std::stable_partition(entries.begin(), entries.end(), [](const MediaMetadata& e) {

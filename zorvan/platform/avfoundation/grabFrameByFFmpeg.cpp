@@ -151,10 +151,9 @@ Frame find(double seconds, FrameReader& reader, bool isExact) {
     for (const double back : stepsBack) {
         reader.seek(seconds - back);
         const bool isLast = !(seconds - back > 0);
-        if (Frame frame = pictureBy(seconds, reader, isExact, isLast))
+        Frame frame = pictureBy(seconds, reader, isExact, isLast);
+        if (frame || isLast)
             return frame;
-        if (isLast)
-            return nullptr;
     }
     return nullptr;
 }

@@ -40,8 +40,7 @@ std::optional<Data> bookmarkData(const URL& url, NSURLBookmarkCreationOptions op
 /// 1. at its path, when the file there is the same one;
 /// 2. by its handle, where the system lets the process open files by it (that is root's right);
 /// 3. by its number, in the folder where it was, then in what is below each of the folders around
-/// that
-///    one, within the volume: up to 200,000 names are looked at, none of them opened;
+///    that one, within the volume: up to 200,000 names are looked at, none of them opened;
 /// 4. at its path, when another file stands there now, as after a save that replaced it.
 ///
 /// Absent when none of it leads to a file, and when the bytes are no bookmark; `*problem` then is

@@ -1,5 +1,6 @@
 #include <zorvan/platform/bundles/internal/KeyFile.h>
 
+#include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/foundation/internal/forEachPart.h>
 #include <zorvan/platform/foundation/internal/readRegularFile.h>
 
@@ -7,18 +8,6 @@
 #include <system_error>
 
 namespace zorvan::desktop {
-
-namespace {
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view space = " \t\r";
-    const std::size_t first = text.find_first_not_of(space);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(space) - first + 1);
-}
-
-} // namespace
 
 std::optional<KeyFile> KeyFile::read(const std::string& path) {
     constexpr std::size_t largest = std::size_t{1} << 20;
@@ -29,15 +18,13 @@ std::optional<KeyFile> KeyFile::read(const std::string& path) {
     KeyFile file;
     Group* group = nullptr;
     internal::forEachPart(*bytes, '\n', [&](std::string_view line) {
-        const std::string_view text = trimmed(line);
-        if (text.starts_with('[') && text.ends_with(']')) {
-            group = &file.groups_[std::string(text.substr(1, text.size() - 2))];
-            return;
-        }
+        const std::string_view text = internal::withoutSpace(line);
         const std::size_t equals = text.find('=');
-        if (group && equals != std::string_view::npos && !text.starts_with('#'))
-            group->try_emplace(std::string(trimmed(text.substr(0, equals))),
-                               trimmed(text.substr(equals + 1)));
+        if (text.starts_with('[') && text.ends_with(']'))
+            group = &file.groups_[std::string(text.substr(1, text.size() - 2))];
+        else if (group && equals != std::string_view::npos && !text.starts_with('#'))
+            group->try_emplace(std::string(internal::withoutSpace(text.substr(0, equals))),
+                               internal::withoutSpace(text.substr(equals + 1)));
     });
     return file;
 }

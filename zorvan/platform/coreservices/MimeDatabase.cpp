@@ -17,13 +17,6 @@ std::string readFile(const std::string& path) {
     return internal::readRegularFile(path, maximumFileSize).value_or("");
 }
 
-std::vector<std::string> standardDirectories() {
-    std::vector<std::string> directories;
-    for (const std::filesystem::path& data : internal::dataFolders())
-        directories.push_back(data / "mime");
-    return directories;
-}
-
 /// A MIME type is a file name under the database's directory, so it must not lead out of it.
 bool isSoundType(std::string_view type) {
     const std::size_t slash = type.find('/');
@@ -65,7 +58,12 @@ std::string withoutEntities(std::string_view text) {
 } // namespace
 
 const MimeDatabase& MimeDatabase::shared() {
-    static const MimeDatabase database(standardDirectories());
+    static const MimeDatabase database = [] {
+        std::vector<std::string> directories;
+        for (const std::filesystem::path& data : internal::dataFolders())
+            directories.push_back(data / "mime");
+        return MimeDatabase(std::move(directories));
+    }();
     return database;
 }
 

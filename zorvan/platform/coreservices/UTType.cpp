@@ -64,11 +64,6 @@ bool mimeTypeConforms(std::string_view mimeType, std::string_view other) {
     return false;
 }
 
-std::optional<std::string> typeOfForeignExtension(std::string_view extension) {
-    const auto mimeType = MimeDatabase::shared().typeOfExtension(lowered(extension));
-    return mimeType ? std::optional(identifierOfMimeType(*mimeType)) : std::nullopt;
-}
-
 std::optional<std::string> typeOfMimeType(std::string_view tag) {
     const std::string mimeType = lowered(tag);
     if (typeWithMimeType(mimeType) || MimeDatabase::shared().contains(mimeType))
@@ -141,7 +136,8 @@ std::optional<std::string> UTTypeCreatePreferredIdentifierForTag(std::string_vie
         return std::nullopt;
     if (const auto named = typeWithExtension(tag))
         return std::string(typeDeclarations()[*named].identifier);
-    return typeOfForeignExtension(tag);
+    const auto mimeType = MimeDatabase::shared().typeOfExtension(lowered(tag));
+    return mimeType ? std::optional(identifierOfMimeType(*mimeType)) : std::nullopt;
 }
 
 bool UTTypeConformsTo(std::string_view identifier, std::string_view other) {

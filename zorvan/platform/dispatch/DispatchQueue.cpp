@@ -9,8 +9,6 @@ namespace zorvan {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 class ConcurrentQueue final : public DispatchQueue {
 public:
     explicit ConcurrentQueue(std::string label) : DispatchQueue(std::move(label)) {}
@@ -41,8 +39,8 @@ const std::shared_ptr<DispatchQueue>& DispatchQueue::global() {
     return *queue;
 }
 
-void DispatchQueue::asyncAfter(Clock::time_point deadline, Block block) {
-    if (deadline <= Clock::now())
+void DispatchQueue::asyncAfter(std::chrono::steady_clock::time_point deadline, Block block) {
+    if (deadline <= std::chrono::steady_clock::now())
         return async(std::move(block));
     internal::Timer::shared().schedule(
         deadline, [self = shared_from_this(), block = std::move(block)]() mutable {
@@ -51,10 +49,7 @@ void DispatchQueue::asyncAfter(Clock::time_point deadline, Block block) {
 }
 
 void DispatchQueue::asyncAfter(std::chrono::nanoseconds delay, Block block) {
-    const auto now = Clock::now();
-    const bool beyondTheEndOfTime = delay > Clock::time_point::max() - now;
-    const auto positive = std::max(delay, std::chrono::nanoseconds::zero());
-    asyncAfter(beyondTheEndOfTime ? Clock::time_point::max() : now + positive, std::move(block));
+    asyncAfter(internal::Timer::after(delay), std::move(block));
 }
 
 } // namespace zorvan

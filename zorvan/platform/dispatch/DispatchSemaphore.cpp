@@ -1,9 +1,9 @@
 #include <zorvan/platform/dispatch/DispatchSemaphore.h>
 
+#include <zorvan/platform/dispatch/internal/Timer.h>
 #include <zorvan/platform/dispatch/internal/WorkerPool.h>
 #include <zorvan/platform/foundation/fatalError.h>
 
-#include <algorithm>
 #include <string>
 
 namespace zorvan {
@@ -57,10 +57,7 @@ bool DispatchSemaphore::wait(Clock::time_point deadline) {
 }
 
 bool DispatchSemaphore::wait(std::chrono::nanoseconds timeout) {
-    const auto now = Clock::now();
-    const auto positive = std::max(timeout, std::chrono::nanoseconds::zero());
-    return wait(positive > Clock::time_point::max() - now ? Clock::time_point::max()
-                                                          : now + positive);
+    return wait(internal::Timer::after(timeout));
 }
 
 } // namespace zorvan

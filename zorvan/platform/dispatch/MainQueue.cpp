@@ -18,8 +18,6 @@ namespace internal {
 
 namespace {
 
-void runBlock(Block& block) noexcept { block(); }
-
 void requireMainThread() {
     if (!NSThread::isMainThread())
         fatalError("The main queue can only be drained on the main thread.");

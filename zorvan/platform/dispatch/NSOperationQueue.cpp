@@ -39,8 +39,8 @@ std::shared_ptr<NSOperationQueue> NSOperationQueue::create() {
 }
 
 const std::shared_ptr<NSOperationQueue>& NSOperationQueue::main() {
-    static const auto* const queue = new std::shared_ptr<NSOperationQueue>(
-        std::shared_ptr<NSOperationQueue>(new NSOperationQueue(Kind::main)));
+    static const auto* const queue =
+        new std::shared_ptr<NSOperationQueue>(new NSOperationQueue(Kind::main));
     return *queue;
 }
 

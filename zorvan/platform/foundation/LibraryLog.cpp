@@ -48,10 +48,6 @@ bool tellHandler(const LibraryLog::Entry& entry) noexcept try {
     return false;
 }
 
-void writeToStandardError(std::string_view message) noexcept {
-    std::fprintf(stderr, "%.*s\n", static_cast<int>(message.size()), message.data());
-}
-
 } // namespace
 
 void LibraryLog::setHandler(Handler handler) {
@@ -62,7 +58,8 @@ void LibraryLog::setHandler(Handler handler) {
 
 void LibraryLog::write(const Entry& entry) noexcept {
     if (!tellHandler(entry) && entry.level != Level::information)
-        writeToStandardError(entry.message);
+        std::fprintf(stderr, "%.*s\n", static_cast<int>(entry.message.size()),
+                     entry.message.data());
 }
 
 } // namespace zorvan

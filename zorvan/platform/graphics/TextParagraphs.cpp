@@ -1,5 +1,7 @@
 #include <zorvan/platform/graphics/internal/TextParagraphs.h>
 
+#include <zorvan/platform/foundation/internal/UTF8.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -95,15 +97,6 @@ private:
     double alpha_;
 };
 
-/// How much of UTF-8 text fits into a length without cutting a character.
-std::size_t lengthOfWhole(std::string_view text, std::size_t most) noexcept {
-    if (text.size() <= most)
-        return text.size();
-    while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0) == 0x80)
-        --most;
-    return most;
-}
-
 } // namespace
 
 TextParagraph::TextParagraph(const NSAttributedString& text, NSRange range) {
@@ -113,7 +106,7 @@ TextParagraph::TextParagraph(const NSAttributedString& text, NSRange range) {
         std::string piece = part.attributedSubstring(run.range).string();
         // Pango's texts end at a zero byte.
         std::replace(piece.begin(), piece.end(), '\0', ' ');
-        piece.resize(lengthOfWhole(piece, maximumByteCount - text_.size()));
+        piece.resize(internal::utf8PrefixLength(piece, maximumByteCount - text_.size()));
         spans_.push_back({text_.size(), text_.size() + piece.size(), run.attributes});
         text_ += piece;
         const auto* font = attribute<TextFont>(run.attributes, AttributeName::font);
@@ -143,7 +136,7 @@ TextLayout TextParagraph::layout(PangoContext* context, double width, double alp
     const std::size_t from = part.from;
     TextLayout layout(pango_layout_new(context));
     std::string shown = text_.substr(from);
-    shown.resize(lengthOfWhole(shown, part.count));
+    shown.resize(internal::utf8PrefixLength(shown, part.count));
     const AttributeList list(pango_attr_list_new());
     if (spans_.empty())
         AttributeWriter(list.get(), 0, G_MAXUINT, alpha).writeFont(TextFont(), 0);

@@ -2,6 +2,7 @@
 
 #include <zorvan/numbers-geometry/CGRect.h>
 #include <zorvan/platform/foundation/internal/Release.h>
+#include <zorvan/platform/graphics/ExactTransforms.h>
 #include <zorvan/platform/graphics/parallelRows.h>
 
 #include <algorithm>
@@ -35,15 +36,7 @@ PixmanImage wrapped(ConstPixelView pixels, BitmapLayout layout) {
     return image;
 }
 
-/// A part of a picture; `x` and `y` are where it begins there.
-struct Tile {
-    std::int64_t x;
-    std::int64_t y;
-    std::int64_t width;
-    std::int64_t height;
-};
-
-ConstPixelView part(ConstPixelView whole, const Tile& tile) noexcept {
+ConstPixelView part(ConstPixelView whole, const PixelRect& tile) noexcept {
     return whole.window(tile.x, tile.y, tile.width, tile.height);
 }
 
@@ -56,15 +49,15 @@ void forEachTile(PixelView target, Draw draw) {
         for (std::int64_t i = first; i < last; ++i) {
             const std::int64_t x = i % across * tileSide;
             const std::int64_t y = i / across * tileSide;
-            draw(Tile{x, y, std::min(tileSide, target.width - x),
-                      std::min(tileSide, target.height - y)});
+            draw(PixelRect{x, y, std::min(tileSide, target.width - x),
+                           std::min(tileSide, target.height - y)});
         }
     });
 }
 
 /// Lays what the mask lets through, or all, over a target of the tile's size.
 void lay(const PixmanImage& source, const PixmanImage& mask, const PixmanImage& target,
-         const Tile& tile) {
+         const PixelRect& tile) {
     pixman_image_composite32(PIXMAN_OP_OVER, source.get(), mask.get(), target.get(), 0, 0, 0, 0, 0,
                              0, static_cast<int>(tile.width), static_cast<int>(tile.height));
 }
@@ -83,7 +76,7 @@ public:
           gradientX_(std::hypot(inverse_.a, inverse_.c)),
           gradientY_(std::hypot(inverse_.b, inverse_.d)) {}
 
-    void draw(const Tile& tile) const {
+    void draw(const PixelRect& tile) const {
         const Coverage covered = coverageOf(tile);
         if (covered == Coverage::none)
             return;
@@ -101,7 +94,7 @@ public:
 private:
     enum class Coverage { none, partial, full };
     struct Window {
-        Tile tile;
+        PixelRect tile;
         bool isTooLarge;
     };
 
@@ -114,7 +107,7 @@ private:
     }
 
     /// Distances are linear, so the corners of the tile have the smallest and the largest.
-    Coverage coverageOf(const Tile& tile) const noexcept {
+    Coverage coverageOf(const PixelRect& tile) const noexcept {
         const std::int64_t right = tile.x + tile.width - 1;
         const std::int64_t bottom = tile.y + tile.height - 1;
         const std::array corners{distances(tile.x, tile.y), distances(right, tile.y),
@@ -131,7 +124,7 @@ private:
         return result;
     }
 
-    PixmanImage maskOf(const Tile& tile) const {
+    PixmanImage maskOf(const PixelRect& tile) const {
         PixmanImage mask(pixman_image_create_bits(PIXMAN_a8, static_cast<int>(tile.width),
                                                   static_cast<int>(tile.height), nullptr, 0));
         if (!mask)
@@ -148,7 +141,7 @@ private:
     }
 
     /// What of the source shows in the tile, with the neighbours that interpolation asks for.
-    Window windowOf(const Tile& tile) const {
+    Window windowOf(const PixelRect& tile) const {
         const CGRect bounds =
             CGRect(static_cast<double>(tile.x), static_cast<double>(tile.y),
                    static_cast<double>(tile.width), static_cast<double>(tile.height))
@@ -165,7 +158,7 @@ private:
     }
 
     /// A tile of one pixel that still shows too much is a sliver of the picture that is not seen.
-    void drawQuarters(const Tile& tile) const {
+    void drawQuarters(const PixelRect& tile) const {
         const std::int64_t half = std::max(tile.width, tile.height) / 2;
         if (half < 1)
             return;
@@ -175,7 +168,7 @@ private:
                       std::min(half, tile.height - y)});
     }
 
-    void setTransform(pixman_image_t* image, const Tile& tile, const Tile& window) const {
+    void setTransform(pixman_image_t* image, const PixelRect& tile, const PixelRect& window) const {
         const CGPoint origin =
             CGPoint(static_cast<double>(tile.x), static_cast<double>(tile.y)).applying(inverse_);
         const pixman_f_transform real{
@@ -198,7 +191,7 @@ private:
 } // namespace
 
 void compositeOver(ConstPixelView source, PixelView target, BitmapLayout layout) {
-    forEachTile(target, [&](const Tile& tile) {
+    forEachTile(target, [&](const PixelRect& tile) {
         lay(wrapped(part(source, tile), layout), nullptr, wrapped(part(target, tile), layout),
             tile);
     });
@@ -207,7 +200,7 @@ void compositeOver(ConstPixelView source, PixelView target, BitmapLayout layout)
 void compositeTransformed(ConstPixelView source, const CGAffineTransform& transform,
                           PixelView target, BitmapLayout layout) {
     const TransformedDraw drawing(source, transform, target, layout);
-    forEachTile(target, [&](const Tile& tile) { drawing.draw(tile); });
+    forEachTile(target, [&](const PixelRect& tile) { drawing.draw(tile); });
 }
 
 } // namespace zorvan

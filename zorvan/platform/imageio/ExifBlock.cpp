@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 
 #include <libexif/exif-data.h>
 #include <libexif/exif-utils.h>
@@ -288,9 +289,11 @@ void addExifProperties(Bytes block, PropertyList::Dictionary& properties) {
 PropertyList::Dictionary propertiesOf(Outline outline, Bytes exif,
                                       PropertyList::Dictionary sections) {
     addExifProperties(exif, sections);
-    const PropertyList::Dictionary* tiff = findSection(sections, "{TIFF}");
+    const auto* tiff = internal::valueUnder<PropertyList::Dictionary>(sections, "{TIFF}");
     if (tiff && !outline.dpi)
         outline.dpi = resolutionIn(*tiff);
+    if (tiff && outline.orientation)
+        section(sections, "{TIFF}").insert_or_assign("Orientation", *outline.orientation);
     PropertyList::Dictionary result = propertiesOf(outline);
     result.merge(sections);
     return result;

@@ -154,10 +154,10 @@ private:
 
 Bitmap readOnCanvas(GifFile& file, const DecodeOptions& options) {
     const PixelSize canvas = file.canvas();
-    checkSize(canvas);
     checkSize(file.size());
     if (file.size().width > file.mostPixels() / file.size().height)
         throw Failure{reason::cutShort};
+    checkCanvas(canvas, file.mostPixels());
     PictureSink sink(canvas, wantedSize(canvas, options));
     Rows rows(file);
     const auto palette = file.palette();

@@ -316,17 +316,12 @@ private:
     PropertyList::Dictionary readProperties(std::int64_t index) override {
         const HeifPicture& shown = picture(index);
         const Data exif = exifOf(shown);
-        const std::optional<int> orientation = orientationOf(shown, exif);
-        PropertyList::Dictionary result =
-            propertiesOf({.size = {shown.crop.width, shown.crop.height},
-                          .depth = shown.depth,
-                          .colorModel = shown.monochrome ? "Gray" : "RGB",
-                          .hasAlpha = shown.hasAlpha,
-                          .orientation = orientation},
-                         exif);
-        if (orientation && findSection(result, "{TIFF}"))
-            section(result, "{TIFF}").insert_or_assign("Orientation", *orientation);
-        return result;
+        return propertiesOf({.size = {shown.crop.width, shown.crop.height},
+                             .depth = shown.depth,
+                             .colorModel = shown.monochrome ? "Gray" : "RGB",
+                             .hasAlpha = shown.hasAlpha,
+                             .orientation = orientationOf(shown, exif)},
+                            exif);
     }
 
     void refuseCutFile() {

@@ -6,8 +6,8 @@
 #include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
-#include <array>
 #include <memory>
+#include <string_view>
 
 #include <libheif/heif.h>
 
@@ -69,21 +69,18 @@ void mendStatedSizes(Data& bytes, const Bitmap& bitmap) {
     const auto fits = [](std::int64_t coded, std::int64_t side) {
         return coded >= side && coded < side + largestPadding;
     };
-    constexpr std::array<std::byte, 4> name = {std::byte{'i'}, std::byte{'s'}, std::byte{'p'},
-                                               std::byte{'e'}};
     // The boxes that state sizes stand before the coded data.
     constexpr std::size_t searched = 4096;
-    const auto end = bytes.begin() + static_cast<std::ptrdiff_t>(std::min(bytes.size(), searched));
-    for (auto at = std::search(bytes.begin(), end, name.begin(), name.end()); at != end;
-         at = std::search(at + 1, end, name.begin(), name.end())) {
-        const auto width = static_cast<std::size_t>(at - bytes.begin()) + 8;
+    const std::string_view head = textOf(bytes).substr(0, searched);
+    for (std::size_t at = head.find("ispe"); at != head.npos; at = head.find("ispe", at + 1)) {
+        const std::size_t width = at + 8;
         if (width + 8 > bytes.size())
             return;
         const std::int64_t first = big32(bytes, width);
         const std::int64_t second = big32(bytes, width + 4);
         const bool right = fits(first, bitmap.width()) && fits(second, bitmap.height());
         if (!right && fits(second, bitmap.width()) && fits(first, bitmap.height()))
-            std::swap_ranges(at + 8, at + 12, at + 12);
+            std::swap_ranges(&bytes[width], &bytes[width + 4], &bytes[width + 4]);
     }
 }
 

@@ -81,60 +81,42 @@ bool isStartOfPicture(Bytes head) {
     return false;
 }
 
-// What makes the readers that are loaded by their first use; null when they cannot be.
-
-MakeReader* heifReader() {
-    static const auto make = ZORVAN_FUNCTION(ZORVAN_HEIF_PICTURES, zorvanMakeHeifReader);
-    return make;
-}
-
-MakeReader* jpegXLReader() {
-    static const auto make = ZORVAN_FUNCTION(ZORVAN_JXL_PICTURES, zorvanMakeJpegXLReader);
-    return make;
-}
-
-MakeReader* tiffReader() {
-    static const auto make = ZORVAN_FUNCTION(ZORVAN_TIFF_PICTURES, zorvanMakeTiffReader);
-    return make;
-}
-
-MakeReader* webPReader() {
-    static const auto make = ZORVAN_FUNCTION(ZORVAN_WEBP_PICTURES, zorvanMakeWebPReader);
-    return make;
-}
-
-MakeReader* gifReader() {
-    static const auto make = ZORVAN_FUNCTION(ZORVAN_GIF_PICTURES, zorvanMakeGifReader);
-    return make;
-}
-
-template <MakeReader make>
-MakeReader* builtIn() {
-    return make;
-}
-
 struct Kind {
     FileFormat format;
     bool (*matches)(Bytes head);
-    MakeReader* (*reader)();
+    MakeReader* builtIn = nullptr;
+    /// Of the readers that are loaded by their first use; null when they cannot be.
+    MakeReader* (*find)() = nullptr;
 };
+
+MakeReader* heifReader() { return ZORVAN_FUNCTION(ZORVAN_HEIF_PICTURES, zorvanMakeHeifReader); }
+MakeReader* jxlReader() { return ZORVAN_FUNCTION(ZORVAN_JXL_PICTURES, zorvanMakeJpegXLReader); }
+MakeReader* tiffReader() { return ZORVAN_FUNCTION(ZORVAN_TIFF_PICTURES, zorvanMakeTiffReader); }
+MakeReader* webPReader() { return ZORVAN_FUNCTION(ZORVAN_WEBP_PICTURES, zorvanMakeWebPReader); }
+MakeReader* gifReader() { return ZORVAN_FUNCTION(ZORVAN_GIF_PICTURES, zorvanMakeGifReader); }
+
+template <MakeReader* (*find)()>
+MakeReader* once() {
+    static MakeReader* const found = find();
+    return found;
+}
 
 /// In the order in which they are asked.
 constexpr std::array kinds = {
-    Kind{FileFormat::jpeg, isJpeg, builtIn<makeJpegReader>},
-    Kind{FileFormat::png, isPng, builtIn<makePngReader>},
-    Kind{FileFormat::tiff, isTiff, tiffReader},
-    Kind{FileFormat::avif, isAvif, heifReader},
-    Kind{FileFormat::heic, isHeif, heifReader},
-    Kind{FileFormat::webp, isWebP, webPReader},
-    Kind{FileFormat::gif, isGif, gifReader},
-    Kind{FileFormat::bmp, isBmp, builtIn<makeBmpReader>},
-    Kind{FileFormat::jpegXL, isJpegXL, jpegXLReader},
-    Kind{FileFormat::svg, isSvg, builtIn<makeSvgReader>},
+    Kind{FileFormat::jpeg, isJpeg, makeJpegReader},
+    Kind{FileFormat::png, isPng, makePngReader},
+    Kind{FileFormat::tiff, isTiff, nullptr, once<tiffReader>},
+    Kind{FileFormat::avif, isAvif, nullptr, once<heifReader>},
+    Kind{FileFormat::heic, isHeif, nullptr, once<heifReader>},
+    Kind{FileFormat::webp, isWebP, nullptr, once<webPReader>},
+    Kind{FileFormat::gif, isGif, nullptr, once<gifReader>},
+    Kind{FileFormat::bmp, isBmp, makeBmpReader},
+    Kind{FileFormat::jpegXL, isJpegXL, nullptr, once<jxlReader>},
+    Kind{FileFormat::svg, isSvg, makeSvgReader},
 };
 
 std::unique_ptr<ImageReader> readerOf(const Kind& kind, std::unique_ptr<ByteSource> source) {
-    MakeReader* const make = kind.reader();
+    MakeReader* const make = kind.builtIn ? kind.builtIn : kind.find();
     if (!make)
         return std::make_unique<UnreadableFile>(reason::noDecoder);
     std::unique_ptr<ImageReader> reader;

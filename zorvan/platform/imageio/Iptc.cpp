@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/imageio/internal/Outline.h>
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -41,18 +42,17 @@ constexpr std::array<Field, 20> fields = {{
 }};
 
 void addField(int number, Bytes value, PropertyList::Dictionary& into) {
-    for (const Field& field : fields) {
-        if (field.number != number)
-            continue;
-        std::string text = textFrom(textOf(value));
-        if (!field.repeats) {
-            into.insert_or_assign(std::string(field.key), PropertyList(std::move(text)));
-            return;
-        }
-        PropertyList& list =
-            into.try_emplace(std::string(field.key), PropertyList::Array()).first->second;
-        list.as<PropertyList::Array>()->emplace_back(std::move(text));
+    const auto field = std::ranges::find(fields, number, &Field::number);
+    if (field == fields.end())
+        return;
+    const std::string key(field->key);
+    std::string text = textFrom(textOf(value));
+    if (!field->repeats) {
+        into.insert_or_assign(key, PropertyList(std::move(text)));
+        return;
     }
+    PropertyList& list = into.try_emplace(key, PropertyList::Array()).first->second;
+    list.as<PropertyList::Array>()->emplace_back(std::move(text));
 }
 
 } // namespace

@@ -10,6 +10,8 @@
 namespace zorvan::imageio {
 namespace {
 
+using namespace std::string_view_literals;
+
 enum Marker : int {
     sof0 = 0xC0,
     sof2 = 0xC2,
@@ -103,7 +105,6 @@ void readFrameHeader(const Data& data, JpegHeader& header, int marker) {
 }
 
 void readJfif(const Data& data, JpegHeader& header) {
-    using namespace std::string_view_literals;
     if (!textOf(data).starts_with("JFIF\0"sv) || data.size() < 12)
         return;
     header.jfif = {std::to_integer<int>(data[5]), std::to_integer<int>(data[6]),
@@ -111,7 +112,6 @@ void readJfif(const Data& data, JpegHeader& header) {
 }
 
 void readExif(const Data& data, JpegHeader& header) {
-    using namespace std::string_view_literals;
     if (!header.exif.empty() || !textOf(data).starts_with("Exif\0"sv))
         return;
     const Bytes block = withoutExifSignature(data);
@@ -119,7 +119,7 @@ void readExif(const Data& data, JpegHeader& header) {
 }
 
 void readPhotoshop(const Data& data, JpegHeader& header) {
-    constexpr std::string_view signature("Photoshop 3.0\0", 14);
+    constexpr std::string_view signature = "Photoshop 3.0\0"sv;
     const bool fits = header.photoshop.size() + data.size() <= maximumMetadataSize;
     if (textOf(data).starts_with(signature) && fits)
         header.photoshop.insert(header.photoshop.end(), data.begin() + signature.size(),

@@ -180,18 +180,12 @@ private:
 
     PropertyList::Dictionary readProperties(std::int64_t) override {
         const Header& head = header();
-        PropertyList::Dictionary result =
-            propertiesOf({.size = head.size(),
-                          .depth = static_cast<int>(head.info.bits_per_sample),
-                          .colorModel = head.info.num_color_channels == 1 ? "Gray" : "RGB",
-                          .hasAlpha = head.hasAlpha(),
-                          .orientation = head.info.orientation},
-                         exif());
-        // The file's own turn is binding, whatever Exif says.
-        if (findSection(result, "{TIFF}"))
-            section(result, "{TIFF}")
-                .insert_or_assign("Orientation", static_cast<int>(head.info.orientation));
-        return result;
+        return propertiesOf({.size = head.size(),
+                             .depth = static_cast<int>(head.info.bits_per_sample),
+                             .colorModel = head.info.num_color_channels == 1 ? "Gray" : "RGB",
+                             .hasAlpha = head.hasAlpha(),
+                             .orientation = head.info.orientation},
+                            exif());
     }
 
     std::optional<int> readOrientation(std::int64_t) override { return header().info.orientation; }

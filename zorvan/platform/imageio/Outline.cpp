@@ -1,6 +1,7 @@
 #include <zorvan/platform/imageio/internal/Outline.h>
 
 #include <zorvan/platform/foundation/internal/UTF8.h>
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 
 #include <string>
 
@@ -45,21 +46,9 @@ PropertyList::Dictionary& section(PropertyList::Dictionary& properties, std::str
     return *place->second.as<PropertyList::Dictionary>();
 }
 
-const PropertyList::Dictionary* findSection(const PropertyList::Dictionary& properties,
-                                            std::string_view name) {
-    const auto found = properties.find(name);
-    return found == properties.end() ? nullptr : found->second.as<PropertyList::Dictionary>();
-}
-
 std::optional<double> findNumber(const PropertyList::Dictionary& properties, std::string_view key) {
-    const auto found = properties.find(key);
-    const NSNumber* number = found == properties.end() ? nullptr : found->second.as<NSNumber>();
+    const auto* number = zorvan::internal::valueUnder<NSNumber>(properties, key);
     return number ? std::optional(number->doubleValue()) : std::nullopt;
-}
-
-const std::string* findText(const PropertyList::Dictionary& properties, std::string_view key) {
-    const auto found = properties.find(key);
-    return found == properties.end() ? nullptr : found->second.as<std::string>();
 }
 
 std::string textFrom(std::string_view bytes) {

@@ -22,6 +22,13 @@ void checkSize(PixelSize size) {
         throw Failure{reason::tooLarge};
 }
 
+void checkCanvas(PixelSize canvas, std::int64_t mostPixels) {
+    constexpr std::int64_t mostEmptyPixels = std::int64_t{1} << 24; // whatever the file says
+    checkSize(canvas);
+    if (canvas.width > std::max(mostPixels, mostEmptyPixels) / canvas.height)
+        throw Failure{reason::tooLarge};
+}
+
 Bitmap bitmapOf(PixelSize size) {
     std::optional<Bitmap> bitmap = Bitmap::make(size.width, size.height);
     if (!bitmap)

@@ -1,5 +1,6 @@
 #include <zorvan/platform/imageio/internal/PngHeader.h>
 
+#include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/imageio/internal/ByteOrder.h>
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
 #include <zorvan/platform/imageio/internal/FormatReader.h>
@@ -51,28 +52,20 @@ void addText(std::string_view keyword, std::string_view value, PngHeader& header
         header.entries.insert_or_assign(std::string(key), PropertyList(textFrom(value)));
 }
 
-std::optional<std::uint8_t> hexDigit(char c) {
-    if (c >= '0' && c <= '9')
-        return static_cast<std::uint8_t>(c - '0');
-    const char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? std::optional(static_cast<std::uint8_t>(lower - 'a' + 10))
-                                        : std::nullopt;
-}
-
 /// What some programs keep as text: a line with a name, one with a length, then lines of
 /// hexadecimal digits.
 Data rawProfile(std::string_view text) {
     for (int line = 0; line < 3; ++line) // the first is empty
         text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
     Data result;
-    std::optional<std::uint8_t> high;
+    int high = -1;
     for (const char c : text) {
-        const std::optional<std::uint8_t> digit = hexDigit(c);
-        if (!digit)
+        const int digit = internal::hexDigit(c);
+        if (digit < 0)
             continue;
-        if (high)
-            result.push_back(static_cast<std::byte>(*high << 4 | *digit));
-        high = high ? std::nullopt : digit;
+        if (high >= 0)
+            result.push_back(static_cast<std::byte>(high << 4 | digit));
+        high = high >= 0 ? -1 : digit;
     }
     return result;
 }

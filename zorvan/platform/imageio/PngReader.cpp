@@ -40,7 +40,6 @@ public:
             png_set_read_fn(png(), this, read);
             png_set_user_limits(png(), maximumSide, maximumSide);
             png_set_chunk_malloc_max(png(), maximumChunk);
-            png_set_chunk_cache_max(png(), 200);
             // The metadata is read elsewhere; here it would only cost memory.
             png_set_keep_unknown_chunks(png(), PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
             png_read_info(png(), info());

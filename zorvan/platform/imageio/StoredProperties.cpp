@@ -1,6 +1,8 @@
 #include <zorvan/platform/imageio/internal/StoredProperties.h>
 
+#include <zorvan/platform/foundation/internal/UTF8.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 
 #include <algorithm>
 #include <array>
@@ -13,6 +15,9 @@
 
 namespace zorvan::imageio {
 namespace {
+
+using internal::valueUnder;
+using Section = PropertyList::Dictionary;
 
 // The fields that are written: how, when and where a picture was taken. What describes the coded
 // picture or its camera's own notes is left out.
@@ -142,14 +147,9 @@ constexpr std::size_t maximumTextLength = 6000;
 constexpr std::size_t maximumExifTextLength = 500;
 constexpr std::size_t maximumValues = 16;
 
-std::string shortened(std::string_view text, std::size_t maximumLength) {
+std::string_view shortened(std::string_view text, std::size_t maximumLength) {
     text = text.substr(0, text.find('\0'));
-    if (text.size() <= maximumLength)
-        return std::string(text);
-    std::size_t length = maximumLength;
-    while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
-        --length;
-    return std::string(text.substr(0, length));
+    return text.substr(0, internal::utf8PrefixLength(text, maximumLength));
 }
 
 void appendText(Data& out, std::string_view text) {
@@ -328,8 +328,8 @@ constexpr std::uint16_t orientationTag = 0x0112;
 /// The caption of a record of IPTC's, as the description of a picture without one. Its tag is the
 /// lowest, so it stands first.
 void addCaption(const PropertyList::Dictionary& properties, std::vector<TiffEntry>& texts) {
-    const PropertyList::Dictionary* iptc = findSection(properties, "{IPTC}");
-    const std::string* caption = iptc ? findText(*iptc, "Caption/Abstract") : nullptr;
+    const auto* iptc = valueUnder<Section>(properties, "{IPTC}");
+    const auto* caption = iptc ? valueUnder<std::string>(*iptc, "Caption/Abstract") : nullptr;
     const bool hasOther = !texts.empty() && texts.front().tag == descriptionTag;
     Data value;
     if (caption && !hasOther && appendEndedText(value, *caption, maximumTextLength))
@@ -345,24 +345,18 @@ std::optional<int> orientationIn(const PropertyList::Dictionary* dictionary) {
     return std::nullopt;
 }
 
-TiffEntry orientationEntry(int orientation) {
-    Data value;
-    append(value, static_cast<std::uint64_t>(orientation), 2);
-    return entryOf(orientationTag, TiffEntry::shortNumber, std::move(value));
-}
-
 } // namespace
 
 StoredProperties storedProperties(const PropertyList::Dictionary& properties) {
-    const PropertyList::Dictionary* tiff = findSection(properties, "{TIFF}");
+    const auto* tiff = valueUnder<Section>(properties, "{TIFF}");
     StoredProperties result = {.orientation = orientationIn(&properties)};
     if (!result.orientation)
         result.orientation = orientationIn(tiff);
     if (tiff)
         result.texts = entriesOf(*tiff, tiffFields, maximumTextLength);
-    if (const auto* exif = findSection(properties, "{Exif}"))
+    if (const auto* exif = valueUnder<Section>(properties, "{Exif}"))
         result.exif = entriesOf(*exif, exifFields, maximumExifTextLength);
-    if (const auto* gps = findSection(properties, "{GPS}"))
+    if (const auto* gps = valueUnder<Section>(properties, "{GPS}"))
         result.gps = entriesOf(*gps, gpsFields, maximumExifTextLength);
     addCaption(properties, result.texts);
     const std::optional<double> x = findNumber(properties, "DPIWidth");
@@ -377,8 +371,11 @@ Data exifBlock(const StoredProperties& properties) {
     if (properties.saysNothing())
         return {};
     std::vector<TiffEntry> first = properties.texts;
-    if (properties.orientation)
-        first.push_back(orientationEntry(*properties.orientation));
+    if (properties.orientation) {
+        Data value;
+        append(value, static_cast<std::uint64_t>(*properties.orientation), 2);
+        first.push_back(entryOf(orientationTag, TiffEntry::shortNumber, std::move(value)));
+    }
     return exifBlockOf(std::move(first), properties.exif, properties.gps, false);
 }
 

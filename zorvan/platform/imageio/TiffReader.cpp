@@ -332,7 +332,6 @@ private:
         return readPage(file(), {});
     }
 
-    /// It follows its page in the chain of pages, or hangs below it.
     void selectReducedVersion(const TiffFile::Page& page) {
         if (page.reducedDirectory)
             return file().select(*page.reducedDirectory);

@@ -66,11 +66,6 @@ bool isKnown(int compression) {
     return std::find(known.begin(), known.end(), compression) != known.end();
 }
 
-bool hasPredictor(int compression) {
-    return compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE ||
-           compression == COMPRESSION_DEFLATE;
-}
-
 void setProperties(TIFF* tiff, const StoredProperties& properties) {
     TIFFSetField(tiff, TIFFTAG_ORIENTATION, properties.orientation.value_or(ORIENTATION_TOPLEFT));
     for (const TiffEntry& text : properties.texts)
@@ -92,7 +87,7 @@ void setLayout(TIFF* tiff, const Bitmap& bitmap, bool opaque, int compression) {
     TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
     TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
     TIFFSetField(tiff, TIFFTAG_COMPRESSION, compression);
-    if (hasPredictor(compression))
+    if (compression != COMPRESSION_NONE && compression != COMPRESSION_PACKBITS)
         TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
     const std::int64_t rows = std::clamp<std::int64_t>(stripSize / rowSize, 1, bitmap.height());
     TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, static_cast<std::uint32_t>(rows));

@@ -163,6 +163,8 @@ private:
         const Data bytes = source().bytes(head.frame->start, head.frame->length);
         if (size == head.size)
             return decoded(bytes, size, wanted);
+        constexpr std::uint64_t canvasPixelsOfByte = 4096;
+        checkCanvas(head.size, static_cast<std::int64_t>(source().size() * canvasPixelsOfByte));
         return onCanvas(decoded(bytes, size, size), *head.frame, head.size, wanted);
     }
 };

@@ -8,8 +8,8 @@ namespace zorvan {
 
 const std::shared_ptr<NSDistributedNotificationCenter>&
 NSDistributedNotificationCenter::defaultCenter() {
-    static const auto* const center = new std::shared_ptr<NSDistributedNotificationCenter>(
-        std::shared_ptr<NSDistributedNotificationCenter>(new NSDistributedNotificationCenter));
+    static const auto* const center =
+        new std::shared_ptr<NSDistributedNotificationCenter>(new NSDistributedNotificationCenter);
     return *center;
 }
 

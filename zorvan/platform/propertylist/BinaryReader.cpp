@@ -137,19 +137,15 @@ private:
         if (head.detail > 4)
             throw Refusal("an integer does not fit 64 bits");
         const std::size_t size = std::size_t{1} << head.detail;
-        Bytes digits = content(head.content, 1, size);
+        const Bytes digits = content(head.content, 1, size);
         if (size < 8)
             return static_cast<std::int64_t>(number(digits)); // the short ones have no sign
-        std::uint64_t above = 0;
-        if (size == 16) {
-            above = number(digits.first(8));
-            digits = digits.last(8);
-        }
-        const std::uint64_t bits = number(digits);
+        const std::uint64_t above = number(digits.first(size - 8));
+        const std::uint64_t bits = number(digits.last(8));
         if (size == 16 && above == 0)
             return bits;
         const auto value = static_cast<std::int64_t>(bits);
-        if (size == 16 && above != (value < 0 ? ~std::uint64_t{0} : 0))
+        if (size == 16 && (above != ~std::uint64_t{0} || value >= 0))
             throw Refusal("an integer does not fit 64 bits");
         return value;
     }
@@ -182,9 +178,7 @@ private:
 
     std::string utf8(Head& head) {
         const Bytes raw = text(head, 1);
-        std::string characters(raw.size(), '\0');
-        std::transform(raw.begin(), raw.end(), characters.begin(),
-                       [](std::byte byte) { return std::to_integer<char>(byte); });
+        std::string characters(reinterpret_cast<const char*>(raw.data()), raw.size());
         if (!isUTF8(characters))
             throw Refusal("a text is damaged");
         return characters;

@@ -1,5 +1,6 @@
 #include <zorvan/platform/propertylist/NSKeyedUnarchiver.h>
 
+#include <zorvan/platform/foundation/internal/valueUnder.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/propertylist/internal/ArchiveForm.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
@@ -33,6 +34,7 @@ struct NSKeyedUnarchiver::Archive {
 namespace {
 
 constexpr std::size_t minimumBudget = 1 << 20;
+constexpr const char* otherClass = "an object is of another class than asked for";
 
 template <class Kind>
 Kind takeEntry(PropertyList::Dictionary& dictionary, std::string_view key) {
@@ -43,10 +45,13 @@ Kind takeEntry(PropertyList::Dictionary& dictionary, std::string_view key) {
     return std::move(*value);
 }
 
+/// What stands for an object; an object of another kind is of another class.
 template <class Kind>
-const Kind* entryOf(const PropertyList::Dictionary& dictionary, std::string_view key) {
-    const auto entry = dictionary.find(key);
-    return entry == dictionary.end() ? nullptr : entry->second.as<Kind>();
+const Kind& valueOf(const PropertyList& object) {
+    const auto* value = object.as<Kind>();
+    if (!value)
+        throw ArchiveError(otherClass);
+    return *value;
 }
 
 PropertyList::Dictionary readArchive(std::span<const std::byte> bytes) {
@@ -65,7 +70,7 @@ PropertyList::Dictionary readArchive(std::span<const std::byte> bytes) {
 NSKeyedUnarchiver::NSKeyedUnarchiver(std::span<const std::byte> bytes)
     : archive_(std::make_shared<Archive>()), depth_(0) {
     PropertyList::Dictionary archive = readArchive(bytes);
-    const auto* version = entryOf<NSNumber>(archive, "$version");
+    const auto* version = valueUnder<NSNumber>(archive, "$version");
     if (takeEntry<std::string>(archive, "$archiver") != archiverName || !version ||
         *version != NSNumber(archiveVersion))
         refuse("it is a keyed archive of an unknown kind");
@@ -89,7 +94,7 @@ bool NSKeyedUnarchiver::contains(std::string_view key) const {
 
 void NSKeyedUnarchiver::refuse(const char* reason) { throw ArchiveError(reason); }
 
-void NSKeyedUnarchiver::refuseClass() { refuse("an object is of another class than asked for"); }
+void NSKeyedUnarchiver::refuseClass() { refuse(otherClass); }
 
 const PropertyList& NSKeyedUnarchiver::field(std::string_view key) const {
     const auto entry = fields_->find(archivedKey(key));
@@ -116,31 +121,21 @@ NSKeyedUnarchiver::Object NSKeyedUnarchiver::object(const PropertyList& stored) 
 }
 
 const NSNumber& NSKeyedUnarchiver::numberOf(const Object& object) const {
-    const auto* number = object.value->as<NSNumber>();
-    if (!number)
-        refuseClass();
-    return *number;
+    return valueOf<NSNumber>(*object.value);
 }
 
 std::string NSKeyedUnarchiver::read(const Object& object, Of<std::string>) const {
-    const auto* text = object.value->as<std::string>();
-    if (!text || object.isNull)
+    if (object.isNull)
         refuseClass();
-    return *text;
+    return valueOf<std::string>(*object.value);
 }
 
 Data NSKeyedUnarchiver::read(const Object& object, Of<Data>) const {
-    const auto* data = object.value->as<Data>();
-    if (!data)
-        refuseClass();
-    return *data;
+    return valueOf<Data>(*object.value);
 }
 
 Date NSKeyedUnarchiver::read(const Object& object, Of<Date>) const {
-    const auto* date = object.value->as<Date>();
-    if (!date)
-        refuseClass();
-    return *date;
+    return valueOf<Date>(*object.value);
 }
 
 URL NSKeyedUnarchiver::read(const Object& object, Of<URL>) const {
@@ -165,7 +160,7 @@ PropertyList NSKeyedUnarchiver::read(const Object& object, Of<PropertyList>) con
 
 const PropertyList::Array& NSKeyedUnarchiver::arrayOf(const Object& object) const {
     const auto* values =
-        entryOf<PropertyList::Array>(*fieldsOf(object, arrayClass).fields_, contentsKey);
+        valueUnder<PropertyList::Array>(*fieldsOf(object, arrayClass).fields_, contentsKey);
     if (!values)
         refuse("an array is damaged");
     return *values;
@@ -173,8 +168,8 @@ const PropertyList::Array& NSKeyedUnarchiver::arrayOf(const Object& object) cons
 
 NSKeyedUnarchiver::Contents NSKeyedUnarchiver::contentsOf(const Object& object) const {
     const PropertyList::Dictionary& fields = *fieldsOf(object, dictionaryClass).fields_;
-    const auto* keys = entryOf<PropertyList::Array>(fields, keysKey);
-    const auto* values = entryOf<PropertyList::Array>(fields, contentsKey);
+    const auto* keys = valueUnder<PropertyList::Array>(fields, keysKey);
+    const auto* values = valueUnder<PropertyList::Array>(fields, contentsKey);
     if (!keys || !values || keys->size() != values->size())
         refuse("a dictionary is damaged");
     return {keys, values};
@@ -182,18 +177,18 @@ NSKeyedUnarchiver::Contents NSKeyedUnarchiver::contentsOf(const Object& object) 
 
 NSKeyedUnarchiver NSKeyedUnarchiver::fieldsOf(const Object& object,
                                               std::string_view className) const {
-    const auto* fields = object.value->as<PropertyList::Dictionary>();
-    const auto tag = fields ? fields->find(classKey) : PropertyList::Dictionary::const_iterator();
-    if (!fields || tag == fields->end())
+    const auto& fields = valueOf<PropertyList::Dictionary>(*object.value);
+    const auto tag = fields.find(classKey);
+    if (tag == fields.end())
         refuseClass();
     const auto number = propertylist::identifierIn(tag->second);
     if (!number || *number >= archive_->objects.size())
         refuse("the class of an object is missing");
     const auto* described = archive_->objects[*number].as<PropertyList::Dictionary>();
-    const auto* name = described ? entryOf<std::string>(*described, classNameKey) : nullptr;
+    const auto* name = described ? valueUnder<std::string>(*described, classNameKey) : nullptr;
     if (!name || *name != className)
         refuseClass();
-    return NSKeyedUnarchiver(archive_, *fields, depth_ + 1);
+    return NSKeyedUnarchiver(archive_, fields, depth_ + 1);
 }
 
 NSKeyedUnarchiver NSKeyedUnarchiver::deeper() const {

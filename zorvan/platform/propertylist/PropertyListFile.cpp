@@ -1,17 +1,12 @@
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 
-#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/readRegularFile.h>
 #include <zorvan/platform/foundation/internal/writeFile.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
-#include <string_view>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 
 namespace zorvan::propertylist {
 
@@ -20,28 +15,6 @@ namespace {
 void explain(std::string* reason, std::string text) {
     if (reason)
         *reason = std::move(text);
-}
-
-void explainSystem(std::string* reason) { explain(reason, std::system_category().message(errno)); }
-
-using File = internal::FileDescriptor;
-
-/// Up to `size` bytes; fewer when the file turns out to be shorter. Absent after an error.
-std::optional<Data> readUpTo(const File& file, std::size_t size) {
-    Data bytes(size);
-    std::size_t filled = 0;
-    while (filled < size) {
-        const ssize_t count = ::read(file.get(), bytes.data() + filled, size - filled);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return std::nullopt;
-        if (count == 0)
-            break;
-        filled += static_cast<std::size_t>(count);
-    }
-    bytes.resize(filled);
-    return bytes;
 }
 
 } // namespace
@@ -68,27 +41,13 @@ std::optional<Data> encode(const PropertyList& list, Format format, std::string*
 }
 
 std::optional<PropertyList> readFile(const std::string& path, std::string* reason) {
-    // Without O_NONBLOCK a named pipe would hold the caller up before it can be told apart.
-    const File file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status {};
-    if (!file || ::fstat(file.get(), &status) != 0) {
-        explainSystem(reason);
-        return std::nullopt;
-    }
-    if (!S_ISREG(status.st_mode)) {
-        explain(reason, "it is no regular file");
-        return std::nullopt;
-    }
-    if (status.st_size < 0 || static_cast<std::uintmax_t>(status.st_size) > maximumFileSize) {
-        explain(reason, "the file is too large");
-        return std::nullopt;
-    }
-    const std::optional<Data> bytes = readUpTo(file, static_cast<std::size_t>(status.st_size));
-    if (!bytes) {
-        explainSystem(reason);
-        return std::nullopt;
-    }
-    return decode(*bytes, reason);
+    const std::optional<std::string> bytes = internal::readRegularFile(path, maximumFileSize);
+    if (bytes)
+        return decode(std::as_bytes(std::span(*bytes)), reason);
+    explain(reason, errno == EINVAL  ? "it is no regular file"
+                    : errno == EFBIG ? "the file is too large"
+                                     : std::system_category().message(errno));
+    return std::nullopt;
 }
 
 bool writeFile(const PropertyList& list, Format format, const std::string& path,

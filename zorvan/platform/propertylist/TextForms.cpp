@@ -5,7 +5,6 @@
 #include <charconv>
 #include <chrono>
 #include <cmath>
-#include <limits>
 #include <system_error>
 
 namespace zorvan::propertylist {
@@ -50,20 +49,6 @@ SplitDate split(Date date) {
     const std::chrono::seconds toward = std::chrono::duration_cast<std::chrono::seconds>(time);
     return {Seconds(toward - std::chrono::seconds(time % second < Date::duration::zero() ? 1 : 0)),
             rest};
-}
-
-/// Takes the digits of a field from the front of the text.
-std::optional<int> takeNumber(std::string_view& text, std::size_t digits) {
-    if (text.size() < digits)
-        return std::nullopt;
-    int number = 0;
-    for (const char c : text.substr(0, digits)) {
-        if (c < '0' || c > '9')
-            return std::nullopt;
-        number = number * 10 + (c - '0');
-    }
-    text.remove_prefix(digits);
-    return number;
 }
 
 void appendNumber(std::string& text, std::int64_t number, std::size_t width) {
@@ -165,19 +150,22 @@ std::optional<Date> decodeDate(std::string_view text) {
     const bool beforeChrist = text.starts_with('-');
     if (beforeChrist)
         text.remove_prefix(1);
-    std::array<int, 6> fields{};
+    std::array<unsigned, 6> fields{};
     constexpr std::string_view separators = "--T::Z";
     for (std::size_t i = 0; i < fields.size(); ++i) {
-        const std::optional<int> number = takeNumber(text, i == 0 ? 4 : 2);
+        // With fewer digits the text is at its end, and has no separator.
+        const std::size_t digits = std::min<std::size_t>(i == 0 ? 4 : 2, text.size());
+        const auto number = parsedWhole<unsigned>(text.substr(0, digits));
+        text.remove_prefix(digits);
         if (!number || !text.starts_with(separators[i]))
             return std::nullopt;
         fields[i] = *number;
         text.remove_prefix(1);
     }
     const auto [year, month, day, hour, minute, second] = fields;
-    const year_month_day date(std::chrono::year(beforeChrist ? -year : year),
-                              std::chrono::month(static_cast<unsigned>(month)),
-                              std::chrono::day(static_cast<unsigned>(day)));
+    const int signedYear = static_cast<int>(year);
+    const year_month_day date(std::chrono::year(beforeChrist ? -signedYear : signedYear),
+                              std::chrono::month(month), std::chrono::day(day));
     if (!text.empty() || !date.ok() || hour > 23 || minute > 59 || second > 59)
         return std::nullopt;
     return clamped(sys_days(date) + std::chrono::hours(hour) + std::chrono::minutes(minute) +

@@ -1,4 +1,5 @@
 #include <zorvan/platform/foundation/internal/Release.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
@@ -17,14 +18,6 @@ namespace zorvan::propertylist {
 
 namespace {
 
-std::string_view withoutSpace(std::string_view text) {
-    constexpr std::string_view space = " \t\n\r";
-    const std::size_t first = text.find_first_not_of(space);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(space) - first + 1);
-}
-
 template <class Value>
 PropertyList readable(std::optional<Value> value, const char* refusal) {
     if (!value)
@@ -38,7 +31,7 @@ PropertyList leafValue(std::string_view name, std::string text) {
         return text;
     if (name == "data")
         return readable(decodeBase64(text), "data is not in base 64");
-    const std::string_view content = withoutSpace(text);
+    const std::string_view content = internal::withoutSpace(text);
     if (name == "integer")
         return readable(decodeInteger(content), "an integer cannot be read");
     if (name == "real")
@@ -49,8 +42,6 @@ PropertyList leafValue(std::string_view name, std::string text) {
         throw Refusal("there is text where none belongs");
     return name == "true";
 }
-
-bool isContainer(std::string_view name) { return name == "array" || name == "dict"; }
 
 bool isLeaf(std::string_view name) {
     constexpr std::string_view names[] = {"string", "data", "integer", "real",
@@ -74,7 +65,7 @@ public:
             beginLeaf(name);
             return;
         }
-        if (!isContainer(name))
+        if (name != "array" && name != "dict")
             throw Refusal("there is an unknown element");
         requirePlace();
         if (open_.size() + 1 > maximumDepth)
@@ -102,7 +93,7 @@ public:
     void characters(std::string_view text) {
         if (!leaf_.empty())
             text_ += text;
-        else if (!withoutSpace(text).empty())
+        else if (!internal::withoutSpace(text).empty())
             throw Refusal("there is text where none belongs");
     }
 

@@ -2,12 +2,19 @@
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace zorvan::propertylist {
 
 namespace {
+
+// A bare carriage return would be read as a line feed.
+constexpr std::pair<char32_t, const char*> entities[] = {
+    {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'\r', "&#13;"}};
 
 class XMLWriter {
 public:
@@ -90,25 +97,15 @@ private:
             const std::optional<char32_t> scalar = reader.next();
             if (!scalar)
                 throw Refusal("a text is not UTF-8");
-            switch (*scalar) {
-            case '&':
-                result += "&amp;";
-                break;
-            case '<':
-                result += "&lt;";
-                break;
-            case '>':
-                result += "&gt;";
-                break;
-            case '\r':
-                result += "&#13;";
-                break; // bare, a reader would turn it into a line feed
-            default:
-                if ((*scalar < 0x20 && *scalar != '\t' && *scalar != '\n') || *scalar == 0xFFFE ||
-                    *scalar == 0xFFFF)
-                    throw Refusal("a text has a character that XML cannot hold");
+            const auto* const entity =
+                std::ranges::find(entities, *scalar, &std::pair<char32_t, const char*>::first);
+            if (entity != std::end(entities))
+                result += entity->second;
+            else if ((*scalar < 0x20 && *scalar != '\t' && *scalar != '\n') || *scalar == 0xFFFE ||
+                     *scalar == 0xFFFF)
+                throw Refusal("a text has a character that XML cannot hold");
+            else
                 appendUTF8(result, *scalar);
-            }
         }
         return result;
     }

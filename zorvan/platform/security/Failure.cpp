@@ -5,49 +5,31 @@
 #include <cerrno>
 #include <new>
 #include <system_error>
+#include <utility>
 
 namespace zorvan::security {
 
 namespace {
 
-OSStatus statusOf(const privatestore::DatabaseFailure& failure) {
-    using Reason = privatestore::DatabaseFailure::Reason;
-    switch (failure.reason) {
-    case Reason::duplicate:
-        return errSecDuplicateItem;
-    case Reason::noRoom:
-        return errSecDiskFull;
-    case Reason::noMemory:
-        return errSecAllocate;
-    case Reason::tooLarge:
-        return errSecDataTooLarge;
-    case Reason::inputOutput:
-        return errSecIO;
-    case Reason::notPermitted:
-        return errSecAuthFailed;
-    case Reason::notOpened:
-    case Reason::damage:
-    case Reason::newer:
-    case Reason::other:
-        break;
-    }
-    return errSecNotAvailable;
-}
+using Reason = privatestore::DatabaseFailure::Reason;
 
-OSStatus statusOf(const std::system_error& failure) {
-    switch (failure.code().value()) {
-    case ENOSPC:
-    case EDQUOT:
-        return errSecDiskFull;
-    case ELOOP:
-    case EACCES:
-    case EPERM:
-        return errSecAuthFailed;
-    case ETIMEDOUT:
-        return errSecNotAvailable;
-    default:
-        return errSecIO;
-    }
+constexpr std::pair<Reason, OSStatus> ofReasons[] = {
+    {Reason::duplicate, errSecDuplicateItem}, {Reason::noRoom, errSecDiskFull},
+    {Reason::noMemory, errSecAllocate},       {Reason::tooLarge, errSecDataTooLarge},
+    {Reason::inputOutput, errSecIO},          {Reason::notPermitted, errSecAuthFailed},
+};
+
+constexpr std::pair<int, OSStatus> ofErrors[] = {
+    {ENOSPC, errSecDiskFull},   {EDQUOT, errSecDiskFull},  {ELOOP, errSecAuthFailed},
+    {EACCES, errSecAuthFailed}, {EPERM, errSecAuthFailed}, {ETIMEDOUT, errSecNotAvailable},
+};
+
+template <class Statuses, class Cause>
+OSStatus statusIn(const Statuses& statuses, Cause cause, OSStatus ofOthers) {
+    for (const auto& [known, status] : statuses)
+        if (known == cause)
+            return status;
+    return ofOthers;
 }
 
 } // namespace
@@ -60,9 +42,9 @@ OSStatus statusOfException() {
     } catch (const privatestore::Refusal&) {
         return errSecAuthFailed;
     } catch (const privatestore::DatabaseFailure& failure) {
-        return statusOf(failure);
+        return statusIn(ofReasons, failure.reason, errSecNotAvailable);
     } catch (const std::system_error& failure) {
-        return statusOf(failure);
+        return statusIn(ofErrors, failure.code().value(), errSecIO);
     } catch (const std::bad_alloc&) {
         return errSecAllocate;
     }

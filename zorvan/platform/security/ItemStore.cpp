@@ -18,18 +18,10 @@ namespace {
 using privatestore::PrivateFolder;
 using privatestore::Statement;
 
-/// In the order in which `rowOf` reads them.
-const std::string& columns() {
-    static const std::string& names = []() -> const std::string& {
-        // Never destroyed, since it may be used while the program ends.
-        auto& list = *new std::string(
-            "reference, synchronizable, created, modified, revision, sealing_key, sealed");
-        for (const TextColumn& column : textColumns)
-            list += std::string(", ") + column.column;
-        return list;
-    }();
-    return names;
-}
+// The columns in the order in which `rowOf` reads them, those of texts last.
+constexpr const char* selection =
+    "SELECT reference, synchronizable, created, modified, revision, sealing_key, sealed, service, "
+    "account, access_group, label, generic, accessible FROM items";
 constexpr int fixedColumns = 7;
 
 constexpr std::int64_t lastRevision = std::numeric_limits<std::int64_t>::max() - 1;
@@ -329,8 +321,7 @@ ItemStore::Opening ItemStore::open(const SecureItem& item) {
 }
 
 std::vector<SecureItem> ItemStore::matching(const ItemQuery& query) {
-    Statement statement =
-        database_->statement("SELECT " + columns() + " FROM items" + conditionsOf(query));
+    Statement statement = database_->statement(selection + conditionsOf(query));
     bindConditions(statement, query);
     std::vector<SecureItem> rows;
     while (statement.step())

@@ -133,7 +133,8 @@ std::optional<KeyFileStamp> stampOfKeyFile(const PrivateFolder& folder) {
     const auto status = folder.statusOfAny(keyFile);
     if (!status)
         return std::nullopt;
-    return KeyFileStamp{status->st_dev, status->st_ino, status->st_ctim};
+    return KeyFileStamp{status->st_dev, status->st_ino, status->st_ctim.tv_sec,
+                        status->st_ctim.tv_nsec};
 }
 
 std::optional<SealingKey> readKeyFile(const PrivateFolder& folder) {

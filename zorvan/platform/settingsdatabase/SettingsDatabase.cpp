@@ -5,13 +5,23 @@
 #include <zorvan/platform/settingsdatabase/internal/SettingsCore.h>
 #include <zorvan/platform/settingsdatabase/internal/SettingsProcess.h>
 
-#include <map>
 #include <mutex>
 #include <utility>
 
 namespace zorvan {
 
 using internal::OpenDatabases;
+
+namespace {
+
+/// A result, when what went wrong has been told.
+template <class Core, class Result>
+Result told(Core& core, Result result) {
+    core.tell();
+    return result;
+}
+
+} // namespace
 
 SettingsDatabase::SettingsDatabase(std::string path)
     : core_(std::make_shared<Core>(std::move(path))) {}
@@ -77,11 +87,7 @@ SettingsDatabase::Value SettingsDatabase::value(std::string_view key) {
     return core_->value(key);
 }
 
-PropertyList::Dictionary SettingsDatabase::contents() {
-    PropertyList::Dictionary all = core_->contents();
-    core_->tell();
-    return all;
-}
+PropertyList::Dictionary SettingsDatabase::contents() { return told(*core_, core_->contents()); }
 
 bool SettingsDatabase::set(std::string_view key, PropertyList value) {
     std::vector<Change> change;
@@ -99,21 +105,13 @@ bool SettingsDatabase::apply(std::vector<Change> changes) {
         shared.emplace_back(std::move(key),
                             value ? std::make_shared<const PropertyList>(std::move(*value))
                                   : Value());
-    const bool isStored = core_->write(std::move(shared));
-    core_->tell();
-    return isStored;
+    return told(*core_, core_->write(std::move(shared)));
 }
 
-bool SettingsDatabase::removeAll() {
-    const bool isStored = core_->removeAll();
-    core_->tell();
-    return isStored;
-}
+bool SettingsDatabase::removeAll() { return told(*core_, core_->removeAll()); }
 
 SettingsDatabase::Outcome SettingsDatabase::transact(const std::function<void()>& function) {
-    const Outcome outcome = core_->transact(function);
-    core_->tell();
-    return outcome;
+    return told(*core_, core_->transact(function));
 }
 
 std::shared_ptr<const void> SettingsDatabase::follow(Follower follower) {
@@ -124,11 +122,7 @@ std::shared_ptr<const void> SettingsDatabase::follow(Follower follower) {
             }};
 }
 
-bool SettingsDatabase::synchronize() {
-    const bool isStored = core_->synchronize();
-    core_->tell();
-    return isStored;
-}
+bool SettingsDatabase::synchronize() { return told(*core_, core_->synchronize()); }
 
 std::optional<std::string> SettingsDatabase::problem() { return core_->problem(); }
 

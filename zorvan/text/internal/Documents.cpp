@@ -14,6 +14,11 @@ bool isSet(const AttributeDictionary& attributes, std::string_view name) noexcep
     return value && *value;
 }
 
+TextAlignment alignmentOf(const AttributeDictionary& attributes) noexcept {
+    const auto* alignment = attribute<TextAlignment>(attributes, AttributeName::alignment);
+    return alignment ? *alignment : TextAlignment::left;
+}
+
 std::int64_t superscriptLevel(const AttributeDictionary& attributes) noexcept {
     const auto* level = attribute<std::int64_t>(attributes, AttributeName::superscript);
     return level ? *level : 0;

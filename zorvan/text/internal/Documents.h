@@ -22,6 +22,8 @@ constexpr std::size_t paragraphAfter(std::u16string_view units, std::size_t end)
 
 /// Whether a truth value is there and set.
 bool isSet(const AttributeDictionary& attributes, std::string_view name) noexcept;
+/// Of the paragraph, at the left where nothing is said.
+TextAlignment alignmentOf(const AttributeDictionary& attributes) noexcept;
 /// Above 0 a superscript, below a subscript.
 std::int64_t superscriptLevel(const AttributeDictionary& attributes) noexcept;
 

@@ -5,37 +5,27 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <utility>
 
 namespace zorvan::internal {
 
 namespace {
 
-/// A code point that HTML cannot hold stands as U+FFFD.
-std::string_view escaped(char c) noexcept {
-    switch (c) {
-    case '&':
-        return "&amp;";
-    case '<':
-        return "&lt;";
-    case '>':
-        return "&gt;";
-    case '"':
-        return "&quot;";
-    case '\'':
-        return "&#39;";
-    default:
-        return {};
-    }
-}
+constexpr std::pair<char, std::string_view> entities[] = {
+    {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
 
+/// A code point that HTML cannot hold stands as U+FFFD.
 std::string escapedText(std::u16string_view units) {
     std::string result;
     for (const char c : utf8FromUTF16(units)) {
         const bool isControl = (static_cast<unsigned char>(c) < 0x20 && c != '\t') || c == 0x7F;
+        const auto* const entity =
+            std::ranges::find(entities, c, &std::pair<char, std::string_view>::first);
         if (isControl)
             result += "\xEF\xBF\xBD";
-        else if (const std::string_view entity = escaped(c); !entity.empty())
-            result += entity;
+        else if (entity != std::end(entities))
+            result += entity->second;
         else
             result += c;
     }
@@ -51,14 +41,11 @@ std::string cssColor(const TextColor& color) {
 }
 
 /// A family name within quotes, where a backslash escapes by code.
-std::string cssString(std::string_view text) {
-    std::string result = "'";
-    for (const char c : text) {
-        if (c == '\'' || c == '\\' || static_cast<unsigned char>(c) < 0x20)
-            continue;
-        result += c;
-    }
-    return result + "'";
+std::string cssString(std::string text) {
+    std::erase_if(text, [](char c) {
+        return c == '\'' || c == '\\' || static_cast<unsigned char>(c) < 0x20;
+    });
+    return std::string("'") + text + "'";
 }
 
 std::string cssFont(const TextFont& font) {
@@ -94,12 +81,10 @@ std::string_view scriptElement(const AttributeDictionary& attributes) {
     return level > 0 ? "sup" : level < 0 ? "sub" : "";
 }
 
-std::string paragraphStart(const AttributeDictionary* attributes) {
-    const TextAlignment* alignment =
-        attributes ? attribute<TextAlignment>(*attributes, AttributeName::alignment) : nullptr;
-    if (!alignment || *alignment == TextAlignment::left)
+std::string_view paragraphStart(const AttributeDictionary& attributes) {
+    switch (alignmentOf(attributes)) {
+    case TextAlignment::left:
         return "<p>";
-    switch (*alignment) {
     case TextAlignment::right:
         return "<p style=\"text-align:right\">";
     case TextAlignment::center:
@@ -140,7 +125,7 @@ std::string runContent(std::u16string_view units, const AttributeDictionary& att
 /// The paragraph of `range`, whose first run is `run`; that moves to the run its end lies in.
 std::string paragraph(const NSAttributedString& text, NSRange range, std::size_t& run) {
     const auto& runs = text.runs();
-    std::string result = paragraphStart(run < runs.size() ? &runs[run].attributes : nullptr);
+    std::string result(paragraphStart(runs[run].attributes));
     if (range.length == 0)
         result += "<br>";
     for (std::size_t start = range.location; start < range.end();) {

@@ -3,8 +3,8 @@
 #include <zorvan/platform/textservices/Unicode.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -35,12 +35,7 @@ private:
     std::map<T, std::size_t> indexes_;
 };
 
-struct ByteColor {
-    int red;
-    int green;
-    int blue;
-    friend auto operator<=>(const ByteColor&, const ByteColor&) = default;
-};
+using ByteColor = std::array<int, 3>;
 
 /// RTF has opaque colours only.
 ByteColor byteColor(const TextColor& color) noexcept {
@@ -48,23 +43,16 @@ ByteColor byteColor(const TextColor& color) noexcept {
 }
 
 void appendUnit(std::string& out, char16_t unit) {
-    switch (unit) {
-    case u'\\':
-    case u'{':
-    case u'}':
-        out += '\\';
-        out += static_cast<char>(unit);
-        return;
-    case u'\t':
+    if (unit == u'\t') {
         out += "\\tab ";
         return;
-    case u'\u2028':
+    }
+    if (unit == u'\u2028') {
         out += "\\line ";
         return;
-    default:
-        break;
     }
     if (unit >= 0x20 && unit < 0x7F) {
+        out += std::u16string_view(u"\\{}").find(unit) == std::u16string_view::npos ? "" : "\\";
         out += static_cast<char>(unit);
         return;
     }
@@ -120,8 +108,7 @@ private:
     }
 
     static std::string paragraphFormat(const AttributeDictionary& attributes) {
-        const auto* alignment = attribute<TextAlignment>(attributes, AttributeName::alignment);
-        switch (alignment ? *alignment : TextAlignment::left) {
+        switch (alignmentOf(attributes)) {
         case TextAlignment::right:
             return "\\pard\\qr ";
         case TextAlignment::center:

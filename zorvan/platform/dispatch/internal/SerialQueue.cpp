@@ -11,8 +11,6 @@ namespace {
 // So that one busy queue does not keep a worker from the others for ever.
 constexpr int blocksInARow = 64;
 
-void run(Block& block) noexcept { block(); }
-
 /// While it lives, the calling thread runs a block of the queue. Nests.
 class CurrentQueue {
 public:
@@ -71,7 +69,7 @@ void SerialQueue::drain() {
         }
         if (Turn** turn = std::get_if<Turn*>(&item))
             return (*turn)->give();
-        run(std::get<Block>(item));
+        runBlock(std::get<Block>(item));
     }
     schedule();
 }

@@ -10,6 +10,12 @@ Timer& Timer::shared() {
     return *timer;
 }
 
+Timer::Clock::time_point Timer::after(std::chrono::nanoseconds delay) noexcept {
+    const auto now = Clock::now();
+    const auto positive = std::max(delay, std::chrono::nanoseconds::zero());
+    return positive > Clock::time_point::max() - now ? Clock::time_point::max() : now + positive;
+}
+
 void Timer::schedule(Clock::time_point deadline, Block block) {
     const std::lock_guard lock(mutex_);
     if (!started_) {

@@ -17,6 +17,9 @@ public:
 
     static Timer& shared();
 
+    /// The moment after a delay, at the end of time at the latest and now at the earliest.
+    static Clock::time_point after(std::chrono::nanoseconds delay) noexcept;
+
     /// Blocks with the same deadline run in the order in which they were scheduled.
     void schedule(Clock::time_point deadline, Block block);
 

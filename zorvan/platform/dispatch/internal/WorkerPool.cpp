@@ -19,8 +19,6 @@ constexpr auto idleLifetime = std::chrono::seconds(5);
 
 thread_local bool isWorker = false;
 
-void run(Block& job) noexcept { job(); }
-
 } // namespace
 
 WorkerPool& WorkerPool::shared() {
@@ -102,7 +100,7 @@ void WorkerPool::runJobs(std::unique_lock<std::mutex>& lock) {
         ++running_;
         ++started_;
         lock.unlock();
-        run(job);
+        runBlock(job);
         job = nullptr;
         lock.lock();
         --running_;

@@ -10,6 +10,9 @@
 
 namespace zorvan::internal {
 
+/// An exception that leaves the block ends the program.
+inline void runBlock(const Block& block) noexcept { block(); }
+
 /// The threads that run the blocks of every queue but the main one.
 ///
 /// As many blocks run at a time as the machine has cores. A worker that waits for another block

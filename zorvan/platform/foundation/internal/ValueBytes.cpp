@@ -10,15 +10,12 @@ namespace zorvan::internal {
 
 namespace {
 
-using Nanoseconds = std::chrono::duration<std::int64_t, std::nano>;
-
 std::uint64_t bitsOf(Date date) {
-    const auto sinceEpoch = std::chrono::duration_cast<Nanoseconds>(date.time_since_epoch());
-    return static_cast<std::uint64_t>(sinceEpoch.count());
+    return static_cast<std::uint64_t>(date.time_since_epoch() / std::chrono::nanoseconds(1));
 }
 
 Date dateOf(std::uint64_t bits) {
-    const Nanoseconds sinceEpoch(static_cast<std::int64_t>(bits));
+    const std::chrono::nanoseconds sinceEpoch(static_cast<std::int64_t>(bits));
     return Date(std::chrono::duration_cast<Date::duration>(sinceEpoch));
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 namespace zorvan::internal {
 
 // Characters of ASCII, whatever the locale; no other byte is any of these.
@@ -16,6 +18,13 @@ constexpr bool isSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= 
 /// A letter in lower case; any other character as it is.
 constexpr char lowered(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+/// A text without the blanks, tabs and line ends around it.
+constexpr std::string_view withoutSpace(std::string_view text) noexcept {
+    constexpr std::string_view space = " \t\n\r";
+    text = text.substr(0, text.find_last_not_of(space) + 1);
+    return text.empty() ? text : text.substr(text.find_first_not_of(space));
 }
 
 /// The value of a hexadecimal digit of either case; -1 when it is none.

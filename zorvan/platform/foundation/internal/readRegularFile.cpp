@@ -6,16 +6,30 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <utility>
 #include <vector>
 
 namespace zorvan::internal {
+
+namespace {
+
+std::nullopt_t refused(int error) noexcept {
+    errno = error;
+    return std::nullopt;
+}
+
+} // namespace
 
 std::optional<std::string> readRegularFile(const std::string& path, std::size_t most) {
     // Without O_NONBLOCK the opening of a pipe would wait for somebody to write.
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat status {};
-    if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (!file || ::fstat(file.get(), &status) != 0)
         return std::nullopt;
+    if (!S_ISREG(status.st_mode))
+        return refused(EINVAL);
+    if (std::cmp_greater(status.st_size, most))
+        return refused(EFBIG);
     std::string text;
     // To the end, whatever the size said: files of some file systems say 0.
     for (std::vector<char> chunk(std::clamp<std::size_t>(most, 1, 65536));;) {
@@ -28,7 +42,7 @@ std::optional<std::string> readRegularFile(const std::string& path, std::size_t 
             return text;
         text.append(chunk.data(), static_cast<std::size_t>(count));
         if (text.size() > most)
-            return std::nullopt;
+            return refused(EFBIG);
     }
 }
 

@@ -6,11 +6,13 @@
 
 namespace zorvan::internal {
 
-/// What stands under the key; null when that is nothing, or nothing of that kind.
+/// What stands under the key, as `PropertyList::as` gives it; null or absent when that is nothing,
+/// or nothing of that kind.
 template <class Kind>
-const Kind* valueUnder(const PropertyList::Dictionary& dictionary, std::string_view key) {
+auto valueUnder(const PropertyList::Dictionary& dictionary, std::string_view key) {
     const auto entry = dictionary.find(key);
-    return entry == dictionary.end() ? nullptr : entry->second.as<Kind>();
+    using Value = decltype(entry->second.template as<Kind>());
+    return entry == dictionary.end() ? Value() : entry->second.template as<Kind>();
 }
 
 } // namespace zorvan::internal

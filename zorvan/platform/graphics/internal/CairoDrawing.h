@@ -17,9 +17,7 @@ using Cairo = std::unique_ptr<cairo_t, Release<cairo_destroy>>;
 /// How the components stand while Cairo draws, which knows blue, green, red, alpha in memory only.
 enum class ChannelOrder {
     /// Red and blue have changed places in sources and target alike. No pixel is touched for that,
-    /// and the result is the same, because every operation of Cairo's that is used treats all
-    /// colours
-    /// alike.
+    /// as every operation of Cairo's that is used treats all colours alike.
     swapped,
     /// As Cairo knows them. The pixels are turned around in place before and after.
     cairo,

@@ -20,7 +20,7 @@ std::optional<int> exifOrientation(Bytes block) noexcept;
 void addExifProperties(Bytes block, PropertyList::Dictionary& properties);
 
 /// The properties of a picture: its outline, what its Exif block says, also of the resolution where
-/// the outline does not, and further dictionaries.
+/// the outline does not, and further dictionaries. The outline's orientation holds against Exif's.
 PropertyList::Dictionary propertiesOf(Outline outline, Bytes exif,
                                       PropertyList::Dictionary sections = {});
 

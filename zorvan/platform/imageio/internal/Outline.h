@@ -29,15 +29,8 @@ PropertyList::Dictionary propertiesOf(const Outline& outline);
 /// The sub-dictionary of that name, made when there is none.
 PropertyList::Dictionary& section(PropertyList::Dictionary& properties, std::string_view name);
 
-/// The sub-dictionary of that name, or null.
-const PropertyList::Dictionary* findSection(const PropertyList::Dictionary& properties,
-                                            std::string_view name);
-
 /// The number under that key, when there is one.
 std::optional<double> findNumber(const PropertyList::Dictionary& properties, std::string_view key);
-
-/// The text under that key, or null.
-const std::string* findText(const PropertyList::Dictionary& properties, std::string_view key);
 
 /// Text from a file: up to the first zero, without blanks at its ends; bytes that are no UTF-8 are
 /// taken for Latin-1.

@@ -20,6 +20,9 @@ struct PixelSize {
 
 /// Throws when a picture of this size is refused: before anything is allocated for it.
 void checkSize(PixelSize size);
+/// The same for a canvas on which a picture stands, of a file that has something to say of
+/// `mostPixels`: the rest of it would cost memory for next to no bytes.
+void checkCanvas(PixelSize canvas, std::int64_t mostPixels);
 
 /// A transparent bitmap of that size. Throws when there is no memory for it.
 Bitmap bitmapOf(PixelSize size);

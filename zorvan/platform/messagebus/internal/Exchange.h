@@ -8,7 +8,6 @@
 #include <map>
 #include <mutex>
 #include <string>
-#include <string_view>
 #include <unordered_map>
 
 namespace zorvan {

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string_view>
-#include <utility>
 
 // A message is a version byte, the name, then the object and the user information, each led by a
 // byte that says whether it is there.

@@ -20,28 +20,15 @@ int primary(int code) { return code & 0xFF; }
 
 DatabaseFailure::Reason reasonOf(int code) {
     using Reason = DatabaseFailure::Reason;
-    switch (primary(code)) {
-    case SQLITE_CONSTRAINT:
-        return Reason::duplicate;
-    case SQLITE_FULL:
-        return Reason::noRoom;
-    case SQLITE_NOMEM:
-        return Reason::noMemory;
-    case SQLITE_TOOBIG:
-        return Reason::tooLarge;
-    case SQLITE_IOERR:
-        return Reason::inputOutput;
-    case SQLITE_PERM:
-    case SQLITE_READONLY:
-        return Reason::notPermitted;
-    case SQLITE_CANTOPEN:
-        return Reason::notOpened;
-    case SQLITE_CORRUPT:
-    case SQLITE_NOTADB:
-        return Reason::damage;
-    default:
-        return Reason::other;
-    }
+    static constexpr std::pair<int, Reason> reasons[] = {
+        {SQLITE_CONSTRAINT, Reason::duplicate},  {SQLITE_FULL, Reason::noRoom},
+        {SQLITE_NOMEM, Reason::noMemory},        {SQLITE_TOOBIG, Reason::tooLarge},
+        {SQLITE_IOERR, Reason::inputOutput},     {SQLITE_PERM, Reason::notPermitted},
+        {SQLITE_READONLY, Reason::notPermitted}, {SQLITE_CANTOPEN, Reason::notOpened},
+        {SQLITE_CORRUPT, Reason::damage},        {SQLITE_NOTADB, Reason::damage},
+    };
+    const auto* found = std::ranges::find(reasons, primary(code), &std::pair<int, Reason>::first);
+    return found == std::end(reasons) ? Reason::other : found->second;
 }
 
 /// Whether the last that went wrong with a file was that the disk did not give what it has.
@@ -125,18 +112,7 @@ bool Statement::step() {
 }
 
 Statement::Kind Statement::kind(int column) const {
-    switch (sqlite3_column_type(statement_, column)) {
-    case SQLITE_INTEGER:
-        return Kind::integer;
-    case SQLITE_FLOAT:
-        return Kind::real;
-    case SQLITE_TEXT:
-        return Kind::text;
-    case SQLITE_BLOB:
-        return Kind::bytes;
-    default:
-        return Kind::null;
-    }
+    return static_cast<Kind>(sqlite3_column_type(statement_, column));
 }
 
 std::int64_t Statement::integer(int column) const {

@@ -64,7 +64,7 @@ public:
     /// Whether there is another row.
     bool step();
 
-    enum class Kind { null, integer, real, text, bytes };
+    enum class Kind { integer = 1, real, text, bytes, null }; // numbered as the engine does
     Kind kind(int column) const;
     std::int64_t integer(int column) const;
     double real(int column) const;

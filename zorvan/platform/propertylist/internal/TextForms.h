@@ -4,7 +4,6 @@
 #include <zorvan/platform/foundation/NSNumber.h>
 #include <zorvan/platform/foundation/internal/UTF8.h>
 
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>

@@ -6,20 +6,13 @@
 #include <ctime>
 #include <optional>
 #include <sys/types.h>
+#include <tuple>
 
 namespace zorvan::security {
 
 /// What changes whenever the key file does, or who owns it, or who may use it. Absent when there is
 /// none.
-struct KeyFileStamp {
-    dev_t device;
-    ino_t node;
-    timespec changed;
-    friend bool operator==(const KeyFileStamp& a, const KeyFileStamp& b) {
-        return a.device == b.device && a.node == b.node && a.changed.tv_sec == b.changed.tv_sec &&
-               a.changed.tv_nsec == b.changed.tv_nsec;
-    }
-};
+using KeyFileStamp = std::tuple<dev_t, ino_t, std::time_t, long>;
 std::optional<KeyFileStamp> stampOfKeyFile(const privatestore::PrivateFolder& folder);
 
 /// The key in the file "key" of a folder; absent when there is none. Throws what the folder does,

@@ -1,7 +1,8 @@
 #include <zorvan/platform/settingsdatabase/internal/FileWatch.h>
 
+#include <zorvan/platform/foundation/internal/placeItem.h>
+
 #include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <cstddef>
 #include <cstring>
@@ -25,11 +26,6 @@ constexpr std::uint32_t mask = IN_MODIFY | IN_ATTRIB | IN_CLOSE_WRITE | IN_CREAT
 /// is ended before it does is found out by looking again this long after the last event.
 constexpr int lookAgainMilliseconds[] = {2, 8, 25};
 constexpr std::size_t looks = std::size(lookAgainMilliseconds);
-
-std::string around(const std::string& folder) {
-    const std::size_t slash = folder.rfind('/');
-    return slash == 0 || slash == std::string::npos ? "/" : folder.substr(0, slash);
-}
 
 } // namespace
 
@@ -62,7 +58,7 @@ FileWatch::Number FileWatch::start(const std::string& path, Handler handler) {
     if (!begin())
         return 0;
     File& file = files_[++last_];
-    file.folder = around(path);
+    file.folder = folderOf(path);
     file.name = path.substr(path.rfind('/') + 1);
     file.handler = std::move(handler);
     place(file);
@@ -99,7 +95,7 @@ void FileWatch::place(File& file) {
         file.watch = ::inotify_add_watch(events_, folder.c_str(), mask);
         if (file.watch >= 0 || folder == "/")
             break;
-        folder = around(folder);
+        folder = folderOf(folder);
     }
     file.isInFolder = folder == file.folder;
     if (before != file.watch)

@@ -210,7 +210,8 @@ bool SettingsDatabase::Core::makeWritable(bool atOnce) {
         note(std::string("this process is a fork of the one that opened it") + keptInMemory);
         return false;
     }
-    reopenIfReplaced();
+    if (file_ && !file_->isInPlace())
+        reopen();
     if (file_ && file_->isWritable())
         return true;
     if (atOnce || !lastAttempt_ || Clock::now() - *lastAttempt_ >= betweenAttempts)
@@ -218,11 +219,6 @@ bool SettingsDatabase::Core::makeWritable(bool atOnce) {
     if (file_ && !file_->isWritable())
         note(std::string("it cannot be written") + keptInMemory);
     return file_ && file_->isWritable();
-}
-
-void SettingsDatabase::Core::reopenIfReplaced() {
-    if (file_ && !file_->isInPlace())
-        reopen();
 }
 
 // Writing.

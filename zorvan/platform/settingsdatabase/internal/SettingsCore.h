@@ -103,7 +103,6 @@ private:
     /// Something happened to the file.
     void lookAt(bool isPlaced);
     bool makeWritable(bool atOnce);
-    void reopenIfReplaced();
     bool store(const Changes& changes);
     void storeAll(const Changes& changes, bool isBegun, std::vector<std::int64_t>& rows);
     void writeAll(const Changes& changes, bool isBegun, std::vector<std::int64_t>& rows);

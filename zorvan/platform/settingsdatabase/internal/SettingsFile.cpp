@@ -16,12 +16,10 @@ namespace zorvan::internal {
 
 namespace {
 
-using privatestore::Database;
 using privatestore::DatabaseFailure;
 using privatestore::PrivateFolder;
 using privatestore::Refusal;
 using privatestore::Statement;
-using Transaction = Database::Transaction;
 
 // "Zset". What `file` shows of the database, and how it is told from those of others.
 constexpr std::int64_t applicationID = 0x5A736574;
@@ -126,8 +124,8 @@ std::string setAsideIn(const Place& place) {
 } // namespace
 
 SettingsFile::SettingsFile(const PrivateFolder& folder, const std::string& name, Access access)
-    : path_(folder.path(name)), writable_(access == Access::readWrite),
-      database_(folder, name, access, longestRow) {
+    : Database(folder, name, access, longestRow), path_(folder.path(name)),
+      writable_(access == Access::readWrite) {
     struct statx birth {};
     if (::statx(AT_FDCWD, path_.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BTIME, &birth) == 0 &&
         (birth.stx_mask & STATX_BTIME) != 0) {
@@ -137,53 +135,53 @@ SettingsFile::SettingsFile(const PrivateFolder& folder, const std::string& name,
     checkOrigin();
     if (writable_)
         prepare();
-    for (const char* statement : {readPurged, readRows}) // fails now for what is damaged
-        database_.statement(statement);
-    database_.setCheckpointOnClose(writable_); // now that the file is ours to change
+    for (const char* query : {readPurged, readRows}) // fails now for what is damaged
+        statement(query);
+    setCheckpointOnClose(writable_); // now that the file is ours to change
     if (access != Access::immutable)
-        stamp_ = database_.stampAddress();
+        stamp_ = Database::stampAddress();
 }
 
 void SettingsFile::checkOrigin() {
-    const std::int64_t application = database_.integer("PRAGMA application_id");
-    const std::int64_t version = database_.integer(versionQuery);
-    const std::int64_t objects = database_.integer("SELECT count(*) FROM sqlite_schema");
+    const std::int64_t application = integer("PRAGMA application_id");
+    const std::int64_t version = integer(versionQuery);
+    const std::int64_t objects = integer("SELECT count(*) FROM sqlite_schema");
     if (application == 0 && version == 0 && objects == 0 && writable_)
         return; // new
     if (application != applicationID)
         throw Refusal("it is no database of settings");
     if (version > formatVersion)
         throw Refusal("it was written by a newer version");
-    if (version < 1 || objects != 1 || !database_.holdsJust(schema))
+    if (version < 1 || objects != 1 || !holdsJust(schema))
         throw Refusal("it is no database of settings");
 }
 
 void SettingsFile::prepare() {
     // A killed process loses nothing in this mode. A power failure may undo the last commits, never
     // half of one, and never those before the last checkpoint.
-    database_.startLog();
-    database_.execute("PRAGMA synchronous = NORMAL");
-    if (database_.integer(versionQuery) == formatVersion)
+    startLog();
+    execute("PRAGMA synchronous = NORMAL");
+    if (integer(versionQuery) == formatVersion)
         return;
-    Transaction transaction(database_);
+    Transaction transaction(*this);
     // Another process may have been faster.
-    if (database_.integer(versionQuery) == 0) {
-        database_.execute(schema);
-        database_.execute("INSERT INTO settings VALUES (0, NULL, 0)");
-        database_.execute("PRAGMA application_id = " + std::to_string(applicationID));
-        database_.execute("PRAGMA user_version = " + std::to_string(formatVersion));
+    if (integer(versionQuery) == 0) {
+        execute(schema);
+        execute("INSERT INTO settings VALUES (0, NULL, 0)");
+        execute("PRAGMA application_id = " + std::to_string(applicationID));
+        execute("PRAGMA user_version = " + std::to_string(formatVersion));
     }
     transaction.commit();
 }
 
 bool SettingsFile::isInPlace() const noexcept {
     struct stat status {};
-    return ::lstat(path_.c_str(), &status) == 0 && database_.isOf(status);
+    return ::lstat(path_.c_str(), &status) == 0 && isOf(status);
 }
 
 bool SettingsFile::isReplaced() const noexcept {
     struct stat status {};
-    return ::lstat(path_.c_str(), &status) == 0 && !database_.isOf(status);
+    return ::lstat(path_.c_str(), &status) == 0 && !isOf(status);
 }
 
 void SettingsFile::signal() const noexcept {
@@ -193,13 +191,13 @@ void SettingsFile::signal() const noexcept {
 void SettingsFile::readAbove(std::int64_t id, const std::function<void()>& startOver,
                              const RowReader& reader) {
     // One transaction, so that both answers are of the same moment.
-    Transaction transaction(database_, Transaction::Kind::reading);
-    database_.requireVersion(formatVersion);
-    const bool isTooOld = database_.integer(readPurged) > id;
+    Transaction transaction(*this, Transaction::Kind::reading);
+    requireVersion(formatVersion);
+    const bool isTooOld = integer(readPurged) > id;
     if (isTooOld)
         startOver();
     {
-        Statement rows = database_.statement(readRows);
+        Statement rows = statement(readRows);
         rows.bind(isTooOld ? std::int64_t{0} : id);
         while (rows.step()) {
             const std::int64_t row = rows.integer(0);
@@ -218,46 +216,46 @@ std::int64_t SettingsFile::write(std::int64_t previous, std::string_view key,
         throw UnstorableValue("the key is larger than 256 MiB");
     Data bytes;
     if (previous != 0) {
-        Statement statement = database_.statement(replacement);
-        bindSetting(statement.bindText(key), value, bytes);
-        if (statement.bind(previous).step()) {
-            const std::int64_t id = statement.integer(0);
-            statement.step(); // the commit happens with the last step
+        Statement update = statement(replacement);
+        bindSetting(update.bindText(key), value, bytes);
+        if (update.bind(previous).step()) {
+            const std::int64_t id = update.integer(0);
+            update.step(); // the commit happens with the last step
             return id;
         }
     }
-    Statement statement = database_.statement(insertion);
-    bindSetting(statement.bindText(key), value, bytes);
-    statement.step();
-    return database_.lastInserted();
+    Statement insert = statement(insertion);
+    bindSetting(insert.bindText(key), value, bytes);
+    insert.step();
+    return lastInserted();
 }
 
 std::int64_t SettingsFile::removeAll() {
-    Transaction transaction(database_);
-    const std::int64_t mark = database_.integer("SELECT max(id) + 1 FROM settings");
+    Transaction transaction(*this);
+    const std::int64_t mark = integer("SELECT max(id) + 1 FROM settings");
     const std::string number = std::to_string(mark);
-    database_.execute("DELETE FROM settings WHERE id > 0");
-    database_.execute("INSERT INTO settings VALUES (" + number + ", NULL, NULL)");
-    database_.execute("UPDATE settings SET value = " + number + " WHERE id = 0");
+    execute("DELETE FROM settings WHERE id > 0");
+    execute("INSERT INTO settings VALUES (" + number + ", NULL, NULL)");
+    execute("UPDATE settings SET value = " + number + " WHERE id = 0");
     transaction.commit();
     return mark;
 }
 
 void SettingsFile::compact(const std::vector<std::int64_t>& waste) {
-    Transaction transaction(database_);
+    Transaction transaction(*this);
     for (const std::int64_t id : waste)
-        database_.statement("DELETE FROM settings WHERE id = ?1").bind(id).step();
+        statement("DELETE FROM settings WHERE id = ?1").bind(id).step();
     // The last row stays whatever it is, for it says how far the identifiers have come.
-    database_.execute("DELETE FROM settings WHERE id > 0 AND (key IS NULL OR value IS NULL) "
-                      "AND id < (SELECT max(id) FROM settings)");
-    database_.execute("UPDATE settings SET value = (SELECT max(id) FROM settings) WHERE id = 0");
+    execute("DELETE FROM settings WHERE id > 0 AND (key IS NULL OR value IS NULL) "
+            "AND id < (SELECT max(id) FROM settings)");
+    execute("UPDATE settings SET value = (SELECT max(id) FROM settings) WHERE id = 0");
     transaction.commit();
 }
 
 std::string SettingsFile::setAside(std::unique_ptr<SettingsFile> damaged) {
     const Place place(damaged->path_);
     const bool isInPlace = damaged->isInPlace();
-    damaged->database_.setCheckpointOnClose(false);
+    damaged->setCheckpointOnClose(false);
     damaged.reset();
     return isInPlace ? setAsideIn(place) : std::string();
 }

@@ -22,7 +22,7 @@ namespace zorvan::internal {
 /// with the highest identifier counts and the others are waste.
 ///
 /// Everything throws `DatabaseFailure`.
-class SettingsFile {
+class SettingsFile : public privatestore::Database {
 public:
     /// Device, number, and the birth where the volume has it: numbers are used again.
     using Identity = std::tuple<dev_t, ino_t, std::int64_t, std::uint32_t>;
@@ -53,7 +53,7 @@ public:
     bool isReplaced() const noexcept;
     /// Tells this file from others.
     Identity identity() const noexcept {
-        return {database_.device(), database_.node(), bornSeconds_, bornNanoseconds_};
+        return {device(), node(), bornSeconds_, bornNanoseconds_};
     }
 
     /// Rows above an identifier, in their order. Calls `startOver` first, and gives all rows, when
@@ -73,23 +73,14 @@ public:
     /// there is now reads everything.
     void compact(const std::vector<std::int64_t>& waste);
 
-    void begin() { database_.begin(); }
-    void commit() { database_.commit(); }
-    void rollBack() noexcept { database_.rollBack(); }
-    bool isTransacting() const noexcept { return database_.isTransacting(); }
     /// Shows those who watch the file that something was committed. The engine's own writing comes
     /// before a commit can be seen.
     void signal() const noexcept;
-    /// Has closing leave the log where it is, which is quick.
-    void leaveLog() { database_.setCheckpointOnClose(false); }
-    void checkpoint() { database_.checkpoint(); }
 
     /// Where the stamp of the content is; null when there is no way to tell.
     const void* stampAddress() const noexcept { return stamp_; }
 
 private:
-    using Access = privatestore::Database::Access;
-
     SettingsFile(const privatestore::PrivateFolder& folder, const std::string& name, Access access);
     void prepare();
     void checkOrigin();
@@ -98,7 +89,6 @@ private:
     bool writable_;
     std::int64_t bornSeconds_ = 0;
     std::uint32_t bornNanoseconds_ = 0;
-    privatestore::Database database_;
     const void* stamp_ = nullptr;
 };
 

@@ -108,7 +108,7 @@ void SettingsDatabase::Core::lookAt(bool isPlaced) {
         catchUp();
         // What was taken away is missed by nobody until something else is in its place.
         if (isPlaced && file_ && file_->isReplaced())
-            reopenIfReplaced();
+            reopen();
         else if (isPlaced && !file_)
             makeWritable(false);
     }

@@ -135,7 +135,7 @@ void SettingsDatabase::Core::letGoForFork() {
 void SettingsDatabase::Core::prepareFork() {
     if (!isForkedWithin_) {
         if (file_ && isOwnProcess())
-            file_->leaveLog();
+            file_->setCheckpointOnClose(false); // which is quick
         park();
     }
     holding_.lock();

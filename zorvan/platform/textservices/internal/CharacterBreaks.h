@@ -98,25 +98,22 @@ constexpr BreakState stateAfterMark(BreakState state, BreakClass mark) noexcept 
 
 /// Whether a code point that is neither control nor mark joins the character before it.
 constexpr bool joins(BreakState state, BreakClass c) noexcept {
-    switch (state) {
-    case BreakState::prepend:
-        return true;
-    case BreakState::hangulL:
-        return c == BreakClass::hangulL || c == BreakClass::hangulV || c == BreakClass::hangulLV ||
-               c == BreakClass::hangulLVT;
-    case BreakState::hangulV:
-        return c == BreakClass::hangulV || c == BreakClass::hangulT;
-    case BreakState::hangulT:
-        return c == BreakClass::hangulT;
-    case BreakState::pictographJoiner:
-        return c == BreakClass::pictograph;
-    case BreakState::regionalIndicator:
-        return c == BreakClass::regionalIndicator;
-    case BreakState::linkedConsonant:
-        return c == BreakClass::consonant;
-    default:
-        return false;
-    }
+    constexpr std::pair<BreakState, BreakClass> joining[] = {
+        {BreakState::hangulL, BreakClass::hangulL},
+        {BreakState::hangulL, BreakClass::hangulV},
+        {BreakState::hangulL, BreakClass::hangulLV},
+        {BreakState::hangulL, BreakClass::hangulLVT},
+        {BreakState::hangulV, BreakClass::hangulV},
+        {BreakState::hangulV, BreakClass::hangulT},
+        {BreakState::hangulT, BreakClass::hangulT},
+        {BreakState::pictographJoiner, BreakClass::pictograph},
+        {BreakState::regionalIndicator, BreakClass::regionalIndicator},
+        {BreakState::linkedConsonant, BreakClass::consonant},
+    };
+    for (const auto& [before, joined] : joining)
+        if (before == state && joined == c)
+            return true;
+    return state == BreakState::prepend;
 }
 
 constexpr BreakStep computeStep(BreakState state, BreakClass c) noexcept {

@@ -26,25 +26,12 @@ constexpr std::array<std::string_view, 6> schemesOfHosts = {"http", "https", "ft
 
 bool isAsciiAlphanumeric(char c) noexcept { return isLetter(c) || isDigit(c); }
 
-struct CodePoint {
-    UChar32 value; // negative for ill-formed bytes
-    std::size_t end;
-};
-
-CodePoint codePointAt(std::string_view text, std::size_t offset) noexcept {
-    const UChar32 c = nextCodePoint(text, offset);
-    return {c, offset};
-}
-
 /// The end of the code points from `start` on that belong.
 template <class Belongs>
 std::size_t endOfRun(std::string_view text, std::size_t start, Belongs belongs) noexcept {
-    while (start < text.size()) {
-        const auto [c, end] = codePointAt(text, start);
-        if (!belongs(c))
+    for (std::size_t next = start; next < text.size(); start = next)
+        if (!belongs(nextCodePoint(text, next)))
             break;
-        start = end;
-    }
     return start;
 }
 
@@ -104,7 +91,8 @@ bool isTopLevelDomain(std::string_view label) {
 std::optional<NSTextCheckingResult> LinkScanner::next() {
     bool afterWord = position_ > 0; // what touches the link before begins no other
     while (position_ < text_.size()) {
-        const auto [c, end] = codePointAt(text_, position_);
+        std::size_t end = position_;
+        const UChar32 c = nextCodePoint(text_, end);
         if (!afterWord && (isWordPart(c) || c == '_'))
             if (auto match = matchAt(position_)) {
                 position_ = match->offset + match->length;
