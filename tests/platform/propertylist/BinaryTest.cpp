@@ -115,8 +115,8 @@ TEST(Binary, SharesEqualTexts) {
 
 // Near the start of 2001, where reals are finer than dates.
 TEST(Binary, KeepsDatesToTheNanosecond) {
-    const Date date = Date(std::chrono::sys_days(std::chrono::year(2001) / 1 / 1)) +
-                      std::chrono::nanoseconds(806'539'898'841'823);
+    const Date date =
+        std::chrono::sys_days(std::chrono::year(2001) / 1 / 1) + 806'539'898'841'823ns;
     EXPECT_EQ(propertylist::decode(*propertylist::encode(date, Format::binary)),
               PropertyList(date));
 }
