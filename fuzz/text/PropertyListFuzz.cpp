@@ -18,8 +18,8 @@ void check(std::span<const std::byte> bytes) {
     if (!list)
         return;
     // Dates lose their last digits on the way, but no more of them the second time.
-    const Data once = encoded(*propertylist::decode(encoded(*list)));
-    require(encoded(*propertylist::decode(once)) == once);
+    const Data once = encoded(propertylist::decode(encoded(*list)).value());
+    require(encoded(propertylist::decode(once).value()) == once);
 }
 
 /// The bytes as the objects and the table of a binary list, with the frame that they need: found by

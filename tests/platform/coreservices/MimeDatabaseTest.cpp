@@ -76,7 +76,6 @@ TEST_F(MimeDatabaseTest, GivesIdentifiersAndConformance) {
                 type("jfif") == "public.jpeg" &&
                 type("abc") == "org.freedesktop.mime.audio.a-b-c" &&
                 UTTypeConformsTo(type("tga"), kUTTypeImage) &&
-                UTTypeConformsTo(type("tga"), kUTTypeItem) &&
                 !UTTypeConformsTo(type("tga"), kUTTypeJPEG) &&
                 UTTypeConformsTo(type("abc"), kUTTypeAudio) &&
                 UTTypeConformsTo(type("odx"), kUTTypeArchive) &&

@@ -39,9 +39,7 @@ TEST(UTType, KnowsWhatConformsToWhat) {
         {"public.rtf", {}, {"public.plain-text"}},
         {"com.adobe.pdf", {"public.composite-content"}, {"public.image"}},
         {"public.mp3", {"public.audio"}, {"public.movie"}},
-        {"public.symlink", {"com.apple.resolvable"}, {}},
         {"com.apple.rtfd", {"com.apple.package"}, {"public.data"}},
-        {"com.apple.application-bundle", {"public.executable"}, {}},
         {"unheard.of", {"Unheard.Of"}, {"public.item"}},
         {"", {""}, {"public.item"}},
     };

@@ -113,6 +113,14 @@ TEST(Binary, SharesEqualTexts) {
     EXPECT_EQ(propertylist::decode(*written), PropertyList(rows));
 }
 
+// Near the start of 2001, where reals are finer than dates.
+TEST(Binary, KeepsDatesToTheNanosecond) {
+    const Date date =
+        std::chrono::sys_days(std::chrono::year(2001) / 1 / 1) + 806'539'898'841'823ns;
+    EXPECT_EQ(propertylist::decode(*propertylist::encode(date, Format::binary)),
+              PropertyList(date));
+}
+
 TEST(Binary, SurvivesDamage) {
     const Data whole = *propertylist::encode(everyKind(), Format::binary);
     std::mt19937 random(1);

@@ -200,7 +200,7 @@ std::optional<Date> dateFromReference(double seconds) {
     if (start == Date::max() || start == Date::min())
         return start;
     const std::chrono::duration<double> fraction(seconds - whole);
-    return start + std::chrono::duration_cast<Date::duration>(fraction);
+    return start + std::chrono::round<Date::duration>(fraction);
 }
 
 double secondsFromReference(Date date) {
