@@ -78,8 +78,9 @@ private:
     std::string problem_;
 };
 
+/// A value that stands in `depth` others.
 Library converted(const JSON& value, std::size_t depth) {
-    if (depth > JSON::maximumDepth)
+    if (depth == JSON::maximumDepth && (value.as<JSON::Array>() || value.as<JSON::Object>()))
         throw JSONError("the value is too deep");
     if (const auto* truth = value.as<bool>())
         return *truth;

@@ -57,7 +57,7 @@ Date JSONCoding<Date>::decode(const JSON& json) {
     const double seconds = detail::real(json);
     if (!(seconds > -limit && seconds < limit - 1e9))
         throw JSONError("a date is out of range");
-    return reference + std::chrono::duration_cast<Date::duration>(Seconds(seconds));
+    return reference + std::chrono::round<Date::duration>(Seconds(seconds));
 }
 
 JSON JSONCoding<Data>::encode(const Data& value) { return propertylist::encodeBase64(value); }
