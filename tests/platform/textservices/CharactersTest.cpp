@@ -4,6 +4,7 @@
 #include <zorvan/platform/textservices/Characters.h>
 #include <zorvan/platform/textservices/Unicode.h>
 
+#include <sstream>
 #include <unicode/ubrk.h>
 #include <unicode/unistr.h>
 
@@ -53,6 +54,30 @@ std::vector<std::string> charactersByICU(const std::u16string& units) {
 }
 
 } // namespace
+
+// Unicode's own word, besides that of ICU's tables. The file may be of an older version, whose rows
+// a newer one keeps to.
+TEST(Characters, FollowUnicodesOwnTestData) {
+    std::ifstream file("/usr/share/unicode/auxiliary/GraphemeBreakTest.txt");
+    int rows = 0;
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream row(line.substr(0, line.find('#')));
+        std::vector<std::string> expected;
+        for (std::string token; row >> token;)
+            if (token == "÷")
+                expected.emplace_back();
+            else if (token != "×")
+                expected.back() += utf8(static_cast<char32_t>(std::stoul(token, nullptr, 16)));
+        if (expected.empty())
+            continue;
+        expected.pop_back();
+        EXPECT_EQ(charactersOf(std::accumulate(expected.begin(), expected.end(), std::string())),
+                  expected)
+            << line;
+        ++rows;
+    }
+    EXPECT_GT(rows, 600) << "of the package unicode-data";
+}
 
 TEST(Characters, AgreeWithICUOnRandomText) {
     // One code point or more of every class that the rules tell apart, and some plain ones.
