@@ -22,6 +22,16 @@ using privatestore::Statement;
 constexpr const char* selection =
     "SELECT reference, synchronizable, created, modified, revision, sealing_key, sealed, service, "
     "account, access_group, label, generic, accessible FROM items";
+static_assert([] {
+    std::string_view rest = selection;
+    for (const TextColumn& column : textColumns) {
+        const std::size_t place = rest.find(column.column);
+        if (place == rest.npos)
+            return false;
+        rest.remove_prefix(place);
+    }
+    return true;
+}());
 constexpr int fixedColumns = 7;
 
 constexpr std::int64_t lastRevision = std::numeric_limits<std::int64_t>::max() - 1;
