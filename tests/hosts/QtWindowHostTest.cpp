@@ -205,7 +205,12 @@ TEST_F(QtWindowHostTest, TheKeyboardReachesEverything) {
     window->makeFirstResponder(field);
     press(Qt::Key_Tab);
     EXPECT_EQ(window->firstResponder(), probe) << "before the button";
+    window->makeFirstResponder(button);
+    EXPECT_TRUE(widgetFor(*button)->hasFocus());
+    window->makeFirstResponder(nullptr);
+    EXPECT_FALSE(widgetFor(*button)->hasFocus());
     window->makeFirstResponder(probe);
+    EXPECT_TRUE(widgetFor(*probe)->hasFocus());
     probe->setHidden(true);
     EXPECT_NE(window->firstResponder(), probe) << "out of sight";
 }

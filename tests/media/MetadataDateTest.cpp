@@ -46,6 +46,8 @@ TEST(MetadataDate, OtherValues) {
     EXPECT_EQ((AVMetadataItem{"x", date}).dateValue(), date);
     const AVMetadataItem bytes{"x", Data{std::byte{0xFF}}};
     EXPECT_EQ(bytes.dataValue(), Data{std::byte{0xFF}});
+    EXPECT_EQ(bytes.stringValue(), std::nullopt);
+    EXPECT_EQ((AVMetadataItem{"x", "text"}).stringValue(), "text");
 }
 
 } // namespace

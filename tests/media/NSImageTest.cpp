@@ -11,6 +11,7 @@
 #include <zorvan/media/NSImage.h>
 #include <zorvan/platform/appkit/Canvas.h>
 #include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/graphics/TextDrawing.h>
 
 namespace {
 
@@ -61,6 +62,16 @@ TEST(NSGraphicsContext, DrawsWhereAViewDoesWithItsCompositingOperation) {
             return !isInView ? 0 : isRed ? red : blue;
         });
     }
+}
+
+TEST(Canvas, DrawsTextWhereItsCellIs) {
+    Bitmap bitmap = Bitmap::make(120, 60).value(), expected = Bitmap::make(120, 60).value();
+    Canvas(bitmap, 2).drawText("Hxg", CGRect(7, 6, 50, 20), {10, 20, 30});
+    // As high as 13 points, in the middle of the cell's height.
+    drawTextLine(expected, "Hxg", {.x = 14, .y = 8 + 3, .width = 100, .height = 40 - 3},
+                 {.size = 26, .color = {10, 20, 30, 255}});
+    expectPixels(*CGImage::create(std::move(bitmap)),
+                 [&](auto x, auto y) { return pixelAt(expected, x, y); });
 }
 
 TEST(NSImage, ChoosesTheRepresentationForTheScale) {

@@ -50,7 +50,9 @@ TEST(Segment, ComparesInBothDirections) {
 }
 
 TEST(Segment, MeetsHorizontalLines) {
-    EXPECT_EQ(Segment({0, 0}, {4, 2}).intersects({.horizontal = 2.1}), std::nullopt);
+    EXPECT_EQ(Segment({1, 0}, {5, 2}).intersects({.horizontal = 1.5}), CGPoint(4, 1.5));
+    for (const double outside : {-0.1, 2.1})
+        EXPECT_EQ(Segment({0, 0}, {4, 2}).intersects({.horizontal = outside}), std::nullopt);
     EXPECT_EQ(Segment({3, 2}, {3, 0}).intersects({.horizontal = 2.000005}), CGPoint(3, 2.000005));
     EXPECT_EQ(Segment({1, 2}, {5, 2}).intersects({.horizontal = 2}), CGPoint(1, 2));
 }

@@ -115,6 +115,20 @@ TEST(AttributedText, RTFIsReadBack) {
               "link {x} \\ &eacute;", "<sup>2</sup>"});
 }
 
+TEST(AttributedText, ParagraphsAreAligned) {
+    const std::tuple<TextAlignment, const char*, const char*> table[] = {
+        {TextAlignment::left, "\\pard\\ql ", "<p>x"},
+        {TextAlignment::right, "\\pard\\qr ", "<p style=\"text-align:right\">x"},
+        {TextAlignment::center, "\\pard\\qc ", "<p style=\"text-align:center\">x"},
+        {TextAlignment::justified, "\\pard\\qj ", "<p style=\"text-align:justify\">x"},
+    };
+    for (const auto& [alignment, inRTF, inHTML] : table) {
+        const auto text = format({{AttributeName::alignment, alignment}}, "x");
+        expectIn(rtfText(text), {inRTF});
+        expectIn(*htmlDocument(text), {inHTML});
+    }
+}
+
 TEST(AttributedText, RTFBracesBalance) {
     for (const std::string_view text :
          {"", "}}}", "{\\rtf1", "a\r\nb\tc\u2028d", "\x01\x7F\xFF", "\\'e9"}) {

@@ -8,6 +8,7 @@
 #include <zorvan/platform/foundation/internal/NewFile.h>
 #include <zorvan/platform/foundation/internal/Scratch.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
+#include <zorvan/platform/foundation/internal/readRegularFile.h>
 #include <zorvan/platform/foundation/internal/writeFile.h>
 
 #include <sys/xattr.h>
@@ -61,6 +62,27 @@ TEST(WriteFile, WritesFilesAndRefusesTheRest) {
         EXPECT_EQ(write(at / name, "x"), error) << name;
     EXPECT_TRUE(fs::is_fifo(at / "pipe") && fs::is_character_file("/dev/null"));
     EXPECT_EQ(folder.count(), count);
+}
+
+TEST(ReadRegularFile, TakesNoMoreThanItMay) {
+    TemporaryFolder folder;
+    folder.file("five", "12345");
+    ASSERT_EQ(mkfifo((folder.path() / "pipe").c_str(), 0600), 0);
+    const auto error = [&](const fs::path& path, std::size_t most) {
+        errno = 0;
+        return internal::readRegularFile(folder.path() / path, most) ? 0 : errno;
+    };
+    EXPECT_EQ(internal::readRegularFile(folder.path() / "five", 5), "12345");
+    const std::tuple<const char*, std::size_t, int> table[] = {
+        {"five", 4, EFBIG},
+        {"pipe", 99, EINVAL},
+        {"missing", 99, ENOENT},
+        {".", 99, EINVAL},
+        {"/proc/self/status", 1 << 20, 0},
+        {"/proc/self/status", 99, EFBIG}, // says that it has no bytes
+    };
+    for (const auto& [path, most, wanted] : table)
+        EXPECT_EQ(error(path, most), wanted) << path << " of " << most;
 }
 
 TEST(WriteFile, TakesBareNames) {
