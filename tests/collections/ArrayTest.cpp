@@ -55,6 +55,7 @@ TEST(Array, CutsAndKeepsEnds) {
     const auto [first, second] = split(std::vector{1, 2, 3});
     EXPECT_EQ(first, std::vector<int>{1});
     EXPECT_EQ(second, (std::vector<int>{2, 3}));
+    EXPECT_EQ(safe(list, 0), 1);
     EXPECT_EQ(safe(list, -1), std::nullopt);
     EXPECT_EQ(safe(list, 3), std::nullopt);
     EXPECT_EQ(popFirst(list), 1);

@@ -58,6 +58,11 @@ TEST(XYZ, FollowsTheFormulasToTheLastDigits) {
     }
 }
 
+TEST(ColourModels, AreBlackAtFirst) {
+    EXPECT_EQ(XYZ(), XYZ(RGB(0, 0, 0)));
+    EXPECT_EQ(LAB(), LAB(0, 0, 0));
+}
+
 TEST(XYZ, CurveHoldsFarBeyondColours) {
     for (const double y : {0.8856, 0.88561, 1.0, 99.999e6, 100.001e6, 1e300}) {
         const double expected = 116 * curve(y / 100) - 16;

@@ -121,6 +121,16 @@ TEST(Triangle, TurnsAsIntegersTell) {
     EXPECT_THAT(seen, testing::Each(testing::Gt(2)));
 }
 
+TEST(Triangle, IsNearOnlyWhenAllCornersAre) {
+    const Triangle t({0, 0}, {4, 0}, {0, 4});
+    const CGPoint step(0.5, 0);
+    for (const Triangle& moved : {Triangle(t.a + step, t.b, t.c), Triangle(t.a, t.b + step, t.c),
+                                  Triangle(t.a, t.b, t.c + step)}) {
+        EXPECT_TRUE(t.overlap(moved, 0.5));
+        EXPECT_FALSE(t.overlap(moved, 0.4) || t.isSimilarTo(moved, 1));
+    }
+}
+
 TEST(Triangle, ClassifiesTurns) {
     using State = Triangle::CollinearityState;
     EXPECT_EQ(Triangle({0, 0}, {1e-7, 0}, {0, -1e-7}).collinearity(6), State::point);
@@ -180,5 +190,6 @@ TEST(Directions, TurnAndToggle) {
     EXPECT_EQ(HOrientation::make({.rawValue = 2}), std::nullopt);
     EXPECT_EQ(VOrientation::make({.rawValue = -1}), std::nullopt);
     EXPECT_EQ(Orientation::left.rawValue(), 3);
+    EXPECT_EQ(Orientation::Case(Orientation::left), Orientation::Case::left);
     EXPECT_EQ(CardinalDirection::make({.rawValue = 3}), CardinalDirection::south);
 }

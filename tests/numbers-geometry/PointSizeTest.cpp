@@ -29,11 +29,14 @@ void expectArithmetic(const Record& a, const Record& b, const Record& sum, const
     EXPECT_EQ(c -= 2, a);
     EXPECT_EQ(c *= 2, a + a);
     EXPECT_EQ(c /= 2, a);
+    EXPECT_EQ(2 + a, +twoMore);
+    EXPECT_EQ(2 - twoMore, -a);
 }
 
 TEST(Records, AreChangedInPlaceAsTheyAreAdded) {
     expectArithmetic<CGPoint>({1, 2}, {3, 5}, {4, 7}, {3, 4});
     expectArithmetic<CGSize>({1, 2}, {3, 5}, {4, 7}, {3, 4});
+    EXPECT_EQ(2 * CGSize(1, 2), CGSize(2, 4));
     expectArithmetic<Triangle>({{1, 2}, {3, 4}, {5, 6}}, {{1, 0}, {0, 1}, {2, 3}},
                                {{2, 2}, {3, 5}, {7, 9}}, {{3, 4}, {5, 6}, {7, 8}});
 }

@@ -102,7 +102,7 @@ TEST(RealNumber, ApproximatesByFractions) {
         {M_PI, 1e-3, {333, 106}},    {M_PI, 1e-6, {355, 113}},     {M_PI, 0, {103993, 33102}},
         {M_PI, -1, {103993, 33102}}, {M_PI, NAN, {103993, 33102}}, {-0.5, 1e-6, {-1, 2}},
         {3.0, 1e-6, {3, 1}},         {NAN, 1e-6, {0, 1}},          {-INFINITY, 1e-6, {0, 1}},
-        {1e300, 1e-6, {largest, 1}},
+        {1e300, 1e-6, {largest, 1}}, {1.5, 0.5, {1, 1}},
     };
     for (const auto& [x, threshold, wanted] : table)
         EXPECT_EQ(fraction(x, threshold), wanted) << x << " within " << threshold;

@@ -28,8 +28,13 @@ TEST(CGRect, AccessorsReadTheStandardisedRectangle) {
     EXPECT_EQ(inexact.topRight(), inexact.standardized().topRight());
     EXPECT_EQ(CGRect({.width = std::int64_t{-2}, .height = 3}).area(), -6);
     EXPECT_EQ(CGRect(0, 0, -3.5, 2.4).roundIntWidthHeight(), std::pair(4L, 2L));
-    EXPECT_EQ(CGRect(5, 8, 2, -4).xwRatio(), 2.5);
-    EXPECT_EQ(CGRect(5, 8, 2, -4).hyRatio(), 0.5);
+    const CGRect ratios(5, 8, 2, -4);
+    EXPECT_THAT(
+        (std::array{ratios.whRatio(), ratios.xwRatio(), ratios.yhRatio(), ratios.xyRatio()}),
+        testing::ElementsAre(0.5, 2.5, 2, 0.625));
+    EXPECT_THAT(
+        (std::array{ratios.hwRatio(), ratios.wxRatio(), ratios.hyRatio(), ratios.yxRatio()}),
+        testing::ElementsAre(2, 0.4, 0.5, 1.6));
     EXPECT_FALSE(std::signbit(CGRect(0, 0, -0.0, 1).width()));
 }
 
@@ -105,6 +110,9 @@ TEST(CGRect, MutatingFormsDoWhatTheCopyingOnesReturn) {
         r.expand(point);
         EXPECT_EQ(r, expanded);
     }
+    r = CGRect(5, 5, -4, 2);
+    r.expand({5, 5});
+    EXPECT_EQ(r, CGRect(5, 5, -4, 2)) << "no edge moves to where it is";
 }
 
 TEST(CGRect, DraggedHandleEndsUnderThePoint) {

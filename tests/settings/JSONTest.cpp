@@ -36,6 +36,7 @@ std::string refusal(std::string_view text) {
 TEST(JSONCoding, KeepsWhatItKnows) {
     keeps(std::numeric_limits<std::int64_t>::min(), "-9223372036854775808");
     keeps(std::numeric_limits<std::uint64_t>::max(), "18446744073709551615");
+    keeps(std::uint64_t{5}, "5");
     keeps(std::string("\n\u00e9"), "\"\\n\u00e9\"");
     keeps(std::chrono::sys_days(std::chrono::year(2001) / 1 / 1) +
               std::chrono::nanoseconds(536'824'197),

@@ -29,6 +29,13 @@ TEST(BundleVersion, ParsesAnything) {
     EXPECT_EQ(BundleVersion(INT64_MIN, 1, 0).description(), "-9223372036854775808.1.0");
 }
 
+TEST(BundleVersion, IsReplacedAsAWhole) {
+    BundleVersion version = BundleVersion::zero;
+    EXPECT_EQ(version = BundleVersion(1, 2, 3), BundleVersion(1, 2, 3));
+    const BundleVersion& itself = version;
+    EXPECT_EQ(version = itself, BundleVersion(1, 2, 3));
+}
+
 TEST(BundleVersion, HashesItsPartsAndKnowsTheMainBundle) {
     std::vector<std::int64_t> fed;
     BundleVersion(4, 5, 6).hash([&](std::int64_t component) { fed.push_back(component); });
