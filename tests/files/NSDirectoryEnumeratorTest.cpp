@@ -112,25 +112,3 @@ TEST(NSDirectoryEnumerator, SurvivesATreeThatMovesMeanwhile) {
     EXPECT_EQ(others, 20);
     EXPECT_TRUE(fs::exists(folder.path() / "elsewhere/d"));
 }
-
-TEST(NSDirectoryEnumerator, AgreesWithTheStandardWalkOnRandomTrees) {
-    std::mt19937 random(11);
-    for (int round = 0; round < 10; ++round) {
-        TemporaryFolder folder(TemporaryFolder::fastParent());
-        std::vector<std::string> folders{""};
-        for (int i = 0; i < 300; ++i) {
-            const std::string parent = folders[random() % folders.size()];
-            const std::string name = parent + "n" + std::to_string(i);
-            if (random() % 2) {
-                folder.file(name);
-            } else {
-                folder.folder(name);
-                folders.push_back(name + "/");
-            }
-        }
-        std::set<std::string> expected;
-        for (const auto& entry : fs::recursive_directory_iterator(folder.path()))
-            expected.insert(fs::relative(entry.path(), folder.path()));
-        EXPECT_THAT(all(folder), UnorderedElementsAreArray(expected));
-    }
-}

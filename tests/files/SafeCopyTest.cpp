@@ -1,6 +1,5 @@
 // The safe copy: what it copies, and what is left when it is stopped.
 
-#include "SmallDisk.h"
 #include "TemporaryFolder.h"
 #include "TracedProcess.h"
 #include <tests/Testing.h>
@@ -255,32 +254,6 @@ TEST(SafeCopy, LeavesTheOldOrTheNewWhenAnyCallFails) {
         strikeEverywhere(row, TracedProcess::Fate::fails);
 }
 #endif
-
-TEST(SafeCopy, KeepsTheOldFileWhenTheDiskIsFull) {
-    TemporaryFolder folder;
-    folder.file("large", std::string(900'000, 'n'));
-    folder.folder("disk");
-    // Where no disk can be mounted, the size that files may have is the limit instead.
-    for (const bool isDisk : {true, false})
-        for (const bool isFolder : {false, true}) {
-            const pid_t child = startChild([&] {
-                const bool isMounted = isDisk && mountSmallDisk(folder.path() / "disk");
-                folder.file("disk/old", std::string(400'000, 'o'));
-                folder.file("disk/old folder/x", "old");
-                const auto before = contents(folder.path() / "disk");
-                const rlimit limit{500'000, 500'000};
-                signal(SIGXFSZ, SIG_IGN);
-                if (!isMounted)
-                    setrlimit(RLIMIT_FSIZE, &limit);
-                const int full = isMounted ? ENOSPC : EFBIG;
-                const char* destination = isFolder ? "disk/old folder" : "disk/old";
-                EXPECT_EQ(copyError(folder.url("large"), folder.url(destination)), full);
-                EXPECT_EQ(copyError(folder.url("large"), folder.url("disk/new")), full);
-                EXPECT_TRUE(contents(folder.path() / "disk") == before);
-            });
-            EXPECT_EQ(exitStatus(child), 0);
-        }
-}
 
 // Copying what one is reading would wait for itself; for others it waits.
 TEST(SafeCopy, LetsItsOwnReaderThrough) {

@@ -2,9 +2,8 @@
 // a clock that is set. The store says so, keeps what it had, and goes on as soon as it can.
 
 #include "ClockOffset.h"
+#include "SmallDisk.h"
 #include "Stores.h"
-
-#include <tests/files/SmallDisk.h>
 #include <tests/files/TracedProcess.h>
 
 #include <sys/mman.h>
