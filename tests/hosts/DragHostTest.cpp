@@ -78,11 +78,13 @@ protected:
         QWindow* const screen = top().windowHandle();
         QTest::mousePress(screen, Qt::LeftButton, {}, pressed);
         bool isDone = false;
-        whenDragging([=, &isDone] {
+        whenDragging([&] {
             if (meanwhile)
                 meanwhile();
             QTest::mouseMove(screen, (pressed + released) / 2);
+            const QImage before = host->widget().grab().toImage();
             QTest::mouseMove(screen, released);
+            marksPlace = host->widget().grab().toImage() != before;
             QTest::mouseRelease(screen, Qt::LeftButton, {}, released);
             isDone = true;
         });
@@ -94,6 +96,25 @@ protected:
         while (!isDone)
             settle();
         settle();
+    }
+    /// What a program that would rather move a file is told of, before the drop and by it.
+    Qt::DropActions droppedFromElsewhere(const NSView& to, QPoint end) {
+        const QPoint released = inWindow(to, end);
+        QWindow* const screen = top().windowHandle();
+        auto* const data = new QMimeData;
+        data->setUrls({QUrl("file:///pictures/other.png")});
+        auto* const drag = new QDrag(qApp);
+        drag->setMimeData(data);
+        Qt::DropActions told;
+        QObject::connect(drag, &QDrag::actionChanged,
+                         [&](Qt::DropAction action) { told |= action; });
+        whenDragging([&] {
+            QTest::mouseMove(screen, released);
+            QTest::mouseRelease(screen, Qt::LeftButton, {}, released);
+        });
+        told |= drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
+        settle();
+        return told;
     }
     /// When Qt has given the mouse the shape of a drag, or it is clear that there is none.
     static void whenDragging(const std::function<void()>& act, int turns = 100) {
@@ -109,6 +130,9 @@ protected:
         to.addSubview(view);
         return view;
     }
+
+    /// Whether the window looked another way at the end of a drag than half-way.
+    bool marksPlace = false;
 };
 
 TEST_F(DragHostTest, ViewsGiveAndTakeFiles) {
@@ -123,6 +147,8 @@ TEST_F(DragHostTest, ViewsGiveAndTakeFiles) {
     };
     EXPECT_EQ(dropped(*taker), "own.png ");
     EXPECT_EQ(taker->droppedAt, CGPoint(100, 170));
+    EXPECT_EQ(droppedFromElsewhere(*taker, {100, 30}), Qt::CopyAction) << "it stays there as well";
+    EXPECT_EQ(std::exchange(taker->dropped, {}), "other.png ");
     EXPECT_EQ(giver->drags, 0);
     inner->accepts = false;
     EXPECT_EQ(dropped(*inner), "own.png ") << "for the one in it";
@@ -228,6 +254,7 @@ protected:
         source->told.clear();
         drag(*beside, {20, 50}, view, toFromBeside);
         EXPECT_EQ(source->told, fromBeside);
+        EXPECT_TRUE(marksPlace) << "before it is dropped there";
     }
     /// In the middle of a row, or so far below it.
     static QPoint row(int row, int below = 0) { return {80, row * 24 + 12 + below}; }
@@ -249,6 +276,7 @@ TEST_F(ItemDragTest, RowsOfATable) {
          {{0}, row(4), row(2), ""}},
         [&](const IndexSet& rows) { table->selectOnlyRows(rows); }, row(1, -6), "own.png >1");
     EXPECT_EQ(table->selectedRowIndexes(), IndexSet({2, 3, 4})) << "such a drag selects";
+    EXPECT_EQ(droppedFromElsewhere(*table, row(1, -6)), Qt::CopyAction);
     source->givesFiles = true;
     table->selectOnlyRows({0, 1});
     drag(*table, row(1), *beside, {100, 100});

@@ -6,6 +6,7 @@
 #include <zorvan/interface/DynamicTouchBar.h>
 #include <zorvan/interface/NSButton.h>
 #include <zorvan/interface/NSMenuToolbarItem.h>
+#include <zorvan/media/NSImage.h>
 
 #include <QLabel>
 #include <QToolButton>
@@ -32,6 +33,7 @@ protected:
             settings.displayName = "More";
             settings.menu = NSMenu::create();
             settings.menu->addItem(NSMenuItem::create("Inside", does("m")));
+            settings.menu->item(0)->setImage(NSImage::systemSymbol("star", "star"));
         }});
         field = bar->addItem({.createSearchField = [this](SearchFieldSettings& settings) {
             settings.placeholderString = "Search";
@@ -87,6 +89,7 @@ TEST_F(ToolbarHostTest, ItemsAreTheWidgetsOfTheirKindFromTheLeadingEdge) {
     group->setSelectedIndex(0);
     EXPECT_TRUE(toolNamed("Name")->isChecked());
     EXPECT_EQ(linesOf(*toolNamed("More")->menu()), QStringList("Inside"));
+    EXPECT_FALSE(toolNamed("More")->menu()->actions()[0]->icon().isNull());
     toolNamed("More")->menu()->actions()[0]->trigger();
     EXPECT_EQ(done, "oom");
     EXPECT_EQ(trash().accessibleName(), "Delete");
@@ -103,6 +106,7 @@ TEST_F(ToolbarHostTest, ItemsAreTheWidgetsOfTheirKindFromTheLeadingEdge) {
 
 TEST_F(ToolbarHostTest, EveryToolIsReachedInANarrowWindow) {
     window->setContentMinSize({60, 60});
+    content->addSubview(NSButton::create({.title = "Elsewhere"}));
     top().resize(120, 200);
     QToolButton* const overflow = toolNamed("More tools");
     ASSERT_TRUE(overflow && overflow->isVisible());

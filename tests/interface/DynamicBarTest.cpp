@@ -434,6 +434,12 @@ TEST_F(DynamicBarTest, HoldsTheViewsOfTouchBarsInTheWindow) {
     EXPECT_EQ(left->convertToBase({}), CGPoint(0, 100)) << "above the content";
     EXPECT_EQ(right->convertToBase({}), CGPoint(60, 100));
     EXPECT_EQ(left->frame().size, CGSize(60, 30));
+    bar->addItemSet();
+    DynamicBarTest::add("t")->item()->setView(NSView::create({0, 0, 10, 25}));
+    bar->reloadDisplayedItems();
+    window->layoutIfNeeded();
+    EXPECT_EQ(built()->view()->convertToBase({}), CGPoint(0, 100));
+    EXPECT_EQ(left->convertToBase({}), CGPoint(0, 125)) << "above the toolbar";
     touchBar->itemSets()[0]->items()[0]->setRemovedFromBar(true);
     touchBar->reloadDisplayedItems();
     window->layoutIfNeeded();

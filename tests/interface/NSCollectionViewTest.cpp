@@ -156,6 +156,20 @@ TEST(NSCollectionView, PlacesItemsAndTheirViews) {
     EXPECT_EQ(item->frame(), CGRect(240, 0, 50, 50)) << "with the item";
 }
 
+TEST(NSCollectionView, PassesOverDecorationAndWhatALayoutGivesTooMuch) {
+    struct Layout : NSCollectionViewFlowLayout {
+        std::vector<NSCollectionViewLayoutAttributes>
+        layoutAttributesForElements(const CGRect& in) const override {
+            return {{in, {}},
+                    {frameOfItem({0, 0}), IndexPath{0, 0}},
+                    {frameOfItem({1, 0}), IndexPath{1, 0}}};
+        }
+    };
+    Fixture shown(2);
+    shown.view->setCollectionViewLayout(std::make_shared<Layout>());
+    EXPECT_THAT(shown.view->indexPathsForItems({10, 10, 20, 20}), ElementsAre(IndexPath{0, 0}));
+}
+
 TEST(NSCollectionView, ShowsManagedListEditions) {
     const IndexSet first{0, 1}, middle{1, 2}, ends{0, 2};
     const auto list = ManagedList<int>::create({0, 1, 2, 3});

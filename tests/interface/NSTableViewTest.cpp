@@ -6,6 +6,7 @@
 #include <zorvan/interface/ManagedListViewReloader.h>
 #include <zorvan/interface/NSTableViewObserver.h>
 #include <zorvan/interface/NSWindow.h>
+#include <zorvan/platform/appkit/NSAnimationContext.h>
 
 using Calls = std::vector<std::string>;
 using Options = NSTableView::AnimationOptions;
@@ -57,6 +58,11 @@ struct Recorder : NSTableViewObserver {
     void cellsReloaded(const IndexSet& rows, const IndexSet& columns) override {
         calls.push_back("cells " + rows.description() + " " + columns.description());
     }
+    void rowHeightsDidChange(const IndexSet& rows) override {
+        const NSAnimationContext& context = NSAnimationContext::currentContext();
+        const bool isAtOnce = context.duration() == 0 && !context.allowsImplicitAnimation();
+        calls.push_back("heights " + rows.description() + (isAtOnce ? " at once" : ""));
+    }
     void reloaded() override { calls.emplace_back("reload"); }
     void selectionDidChange() override { calls.emplace_back("select"); }
     void columnDidChange(std::int64_t at) override {
@@ -102,6 +108,7 @@ TEST(NSTableView, ShowsEditionsByTheCallsThatFit) {
         {Edition::Replace{1}, {0, 9, 2}, {"cells {1} {0...1}"}},
         {Edition::Remove{{0, 2}}, {1}, {"begin", "remove {0, 2} 32", "end"}},
         {Edition::Move{{0, 1}, 3}, {2, 0, 1}, {"begin", "move 0 2", "move 0 2", "end"}},
+        {Edition::Move{{1, 2}, 0}, {1, 2, 0}, {"begin", "move 1 0", "move 2 1", "end"}},
         {Edition::Select{{1}}, {0, 1, 2}, {"select"}},
         {Edition::Reload{{0}}, {7, 8}, {"reload", "select"}},
     };
@@ -197,6 +204,16 @@ TEST(NSTableView, AsksForHeightsOncePerChange) {
     shown.source->items.resize(2 * count);
     shown.table->insertRows(odd, Options::effectNone);
     EXPECT_LE(shown.source->heightsAsked, 2 * count);
+}
+
+TEST(NSTableView, ChangesTheHeightsOfItsRowsInTheAnimationThatThereIsOrAtOnce) {
+    Fixture shown({0, 1});
+    NSAnimationContext::beginGrouping();
+    NSAnimationContext::currentContext().setAllowsImplicitAnimation(true);
+    shown.table->resizeRowHeights();
+    shown.table->noteHeightOfAllRowsChanged();
+    NSAnimationContext::endGrouping();
+    EXPECT_EQ(shown.calls, (Calls{"heights {0...1} at once", "heights {0...1}"}));
 }
 
 TEST(NSTableView, RemembersWhatItIsSortedBy) {
@@ -352,6 +369,9 @@ TEST(NSTableView, DrawsWhatIsScrolledIntoSightAndNothingElse) {
     EXPECT_EQ(darkest(40, 80, 440, 120), 0);
     EXPECT_LT(darkest(40, 40, 240, 80), 120);  // the text of the first row, in the first column
     EXPECT_LT(darkest(240, 40, 440, 80), 120); // and in the second
+    // Behind the texts every second row, from the second on, is a little darker.
+    EXPECT_LT(darkest(420, 40, 440, 80), 255);
+    EXPECT_EQ(darkest(420, 160, 440, 200), 255);
     // Around the scroll view all is white, though the table is taller than it.
     for (const auto& [left, top, right, bottom] :
          {std::tuple(0, 0, 480, 40), {0, 240, 480, 280}, {0, 0, 40, 280}, {440, 0, 480, 280}})

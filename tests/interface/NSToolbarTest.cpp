@@ -115,6 +115,7 @@ TEST(NSToolbar, HoldsTheViewsOfItsItemsInTheWindow) {
     EXPECT_EQ(untouched.toolbar->itemIdentifiers(), (Identifiers{"x", "y"}));
     shown.window->setToolbar(untouched.toolbar);
     EXPECT_EQ(untouched.window->toolbar(), nullptr);
+    EXPECT_EQ(shown.toolbar->window(), nullptr) << "another has taken its place";
     EXPECT_EQ(untouched.toolbar->items().size(), 2u);
     EXPECT_DEATH(untouched.toolbar->removeItem(2), "^A toolbar has no item to remove there.\n$");
     EXPECT_DEATH(untouched.toolbar->insertItem("a", -1),
@@ -172,6 +173,24 @@ TEST(NSSplitView, KeepsLeastLengths) {
     EXPECT_EQ(split->minimumLength(7), 0) << "no such subview";
 }
 
+TEST(NSSplitView, IsHitALittleBesideItsDividersToo) {
+    for (const bool isVertical : {true, false}) {
+        const auto split = NSSplitView::create({20, 10, 101, 101});
+        split->setVertical(isVertical);
+        split->setBoundsOrigin({7, 5});
+        for (int i = 0; i < 2; ++i)
+            split->addSubview(NSView::create());
+        split->setPosition(60, 0);
+        split->layoutSubtreeIfNeeded();
+        const auto isHit = [&](double along) {
+            return split->hitTest(isVertical ? CGPoint(20 + along, 40)
+                                             : CGPoint(40, 111 - along)) == split;
+        };
+        EXPECT_TRUE(isHit(57.5) && isHit(60.5) && isHit(63.5));
+        EXPECT_FALSE(isHit(57) || isHit(64)) << "a subview";
+    }
+}
+
 TEST(NSToolbarItem, ActsWhenItIsPressed) {
     Identifiers acts;
     const auto item = NSToolbarItem::create("i");
@@ -196,7 +215,12 @@ TEST(NSMenu, IsOpenedByItsHostAndPerformsActions) {
     NSMenu::setHost({});
     menu->popUp();
     EXPECT_EQ(acts, 1);
-    menu->addItem(NSMenuItem::create("one", Selector("act", [&] { ++acts; })));
+    const auto target = std::make_shared<int>();
+    const auto star = NSImage::systemSymbol("star", "star");
+    menu->addItem(NSMenuItem::create("one", Selector("act", [&] { ++acts; }), target));
+    EXPECT_EQ(menu->item(0)->target(), target);
+    menu->item(0)->setImage(star);
+    EXPECT_EQ(menu->item(0)->image(), star);
     menu->addItem(NSMenuItem::separatorItem());
     menu->addItem(NSMenuItem::create("nothing"));
     EXPECT_TRUE(menu->performActionForItem(0));

@@ -80,6 +80,8 @@ TEST(TintedButtonCoding, ReplacesTheCellAndKeepsWhatWasSet) {
     EXPECT_EQ(decoded->frame(), CGRect(1, 2, 70, 30));
     EXPECT_EQ(decoded->imagePosition(), NSCellImagePosition::imageAbove);
     EXPECT_FALSE(decoded->isEnabled() || decoded->textTintColor());
+    const auto cell = TintedButtonCell::create(TintedButtonCell::Coder{plainButton->encode()});
+    EXPECT_EQ(cell->encode(), decoded->tintedButtonCell()->encode());
 
     const Selector go("go", [] {});
     EXPECT_EQ(TintedButton::create({.title = "Go", .action = go})->action(), go);

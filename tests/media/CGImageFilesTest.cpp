@@ -257,4 +257,14 @@ TEST(CGImageThumbnails, AreNoLargerThanAskedAndNeverEnlarged) {
     EXPECT_EQ(made->width(), 300);
 }
 
+TEST(CGImageThumbnails, AreThoseOfTheFileUnlessTheyAreToBeMade) {
+    const URL url({.fileURLWithPath = SAMPLES "/embedded-thumbnail.jpg"}); // 120 x 80 of 360 x 240
+    const auto sizeOf = [](const CGImage::Pointer& made) { return made ? made->size() : CGSize(); };
+    EXPECT_EQ(sizeOf(CGImage::thumbnail(url)), CGSize(120, 80));
+    EXPECT_EQ(
+        sizeOf(ImageThumbailer{.maximumPixelSize = 60, .alwaysCreateImage = false}.thumbnail(url)),
+        CGSize(60, 40));
+    EXPECT_EQ(sizeOf(ImageThumbailer{.maximumPixelSize = 240}.thumbnail(url)), CGSize(240, 160));
+}
+
 } // namespace

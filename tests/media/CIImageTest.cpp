@@ -46,6 +46,11 @@ TEST(CIImage, BlendsByTheFixedMatrices) {
     const auto image = CIImage::create(plain(3, 3, 0xFF4080C8));
     EXPECT_EQ(pixelAt(*drawn(image->withAlphaBlending(0)), 1, 1), 0x80204064);
     EXPECT_EQ(pixelAt(*drawn(image->withColorBlending(1)), 1, 1), 0xFF204064);
+    // In a picture of more than the image, at its place.
+    const auto more =
+        CIContext::create()->createCGImage(image->withColorBlending(1), CGRect(-4, -2, 9, 6));
+    expectPixels(
+        *more, [](auto x, auto y) { return x >= 4 && x < 7 && y >= 1 && y < 4 ? 0xFF204064 : 0u; });
 }
 
 CIFilter::Pointer matrix(const CIVector& red, const CIVector& green, const CIVector& blue,

@@ -66,6 +66,16 @@ constexpr Golden goldens[] = {
          c.addRect(frame.insetBy(10, 8));
          c.fillPath(CGPathFillRule::evenOdd);
      }},
+    {"arcs",
+     [](CGContext& c) {
+         c.scaleBy(2, 1.5);
+         c.setFillColor(CGColor::orange);
+         c.moveTo(14, 14);
+         c.addArc({14, 14}, 10, 0.5, 4, true); // a slice
+         c.fillPath();
+         c.addArc({20, 20}, 9, 0.2, 2.5); // an open arc
+         c.strokePath();
+     }},
     {"stroke-under-slant",
      [](CGContext& c) {
          c.translateBy(32, 24);

@@ -44,6 +44,17 @@ TEST(NSGraphicsContext, IsKeptForEachThreadAndNests) {
     EXPECT_DEATH(NSBezierPath::create()->line({1, 1}), "The path has no current point.");
 }
 
+TEST(NSBezierPath, GoesOnFromWhereItIs) {
+    const auto path = NSBezierPath::create();
+    EXPECT_EQ(path->currentPoint(), CGPoint());
+    path->move({8, 8});
+    path->relativeLine({4, 2});
+    EXPECT_EQ(path->currentPoint(), CGPoint(12, 10));
+    path->relativeMove({-2, 5});
+    path->line({11, 11});
+    EXPECT_EQ(path->bounds(), CGRect(8, 8, 4, 7));
+}
+
 TEST(NSGraphicsContext, DrawsWhereAViewDoesWithItsCompositingOperation) {
     for (const bool isFlipped : {false, true}) {
         Bitmap bitmap = Bitmap::make(40, 40).value();

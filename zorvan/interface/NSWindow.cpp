@@ -137,7 +137,6 @@ void NSWindow::setBar(Held<Bar> NSWindow::*place, std::shared_ptr<Bar> bar) {
         rootView_->addSubview(held.view);
         held.bar->comeInto(keptAlive);
     }
-    placeViews();
     barDidChange(isToolbar ? &NSWindowObserver::toolbarDidChange
                            : &NSWindowObserver::touchBarDidChange);
 }

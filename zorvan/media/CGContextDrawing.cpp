@@ -108,8 +108,6 @@ void CGContext::addArc(CGPoint center, double radius, double startAngle, double 
                        bool clockwise) {
     CGPath arc;
     arc.addArc(center, radius, startAngle, endAngle, clockwise);
-    if (arc.isEmpty())
-        return;
     const CGPath placed = arc.applying(toPixels());
     for (const auto& [type, points] : placed.elements())
         if (type == CGPath::ElementType::addCurveToPoint)

@@ -125,8 +125,11 @@ TEST(GtkListModel, TellsOnlyOfTheRowsThatChange) {
         toldOf([&] { list->setFilter([](const Thing& t) { return t.self != 3 && t.self != 6; }); }),
         ElementsAre(Told{3, 4, 2}));
     const IndexSet changed{1, 2, 5, 99};
+    const Row before = rowAt(model.get(), 1), beside = rowAt(model.get(), 3);
     EXPECT_THAT(toldOf([&] { GtkListModel<Thing>::itemsDidChange(model.get(), changed); }),
                 ElementsAre(Told{1, 2, 2}, Told{5, 1, 1}));
+    EXPECT_NE(rowAt(model.get(), 1), before) << "an object of what is there now";
+    EXPECT_EQ(rowAt(model.get(), 3), beside);
 }
 
 TEST(GtkListModel, SelectsBothWays) {
@@ -196,6 +199,14 @@ TEST(GtkModels, PicturesAreSharedWithTextures) {
         EXPECT_TRUE(watched.expired());
     }
     EXPECT_EQ(toGdkTexture(nullptr), nullptr);
+}
+
+TEST(GtkModels, AFactoryOfTextsMakesItsLabelsAndFillsThem) {
+    const auto factory = owned(GtkListModel<int>::textFactory([](int) { return std::string(); }));
+    for (const char* step : {"setup", "bind"}) {
+        const guint signal = g_signal_lookup(step, G_OBJECT_TYPE(factory.get()));
+        EXPECT_TRUE(g_signal_has_handler_pending(factory.get(), signal, 0, FALSE)) << step;
+    }
 }
 
 TEST(GtkModels, TheMainQueueRunsOnTheLoopOfGLib) {

@@ -177,7 +177,10 @@ protected:
                   });
     }
 
-    void dragEnterEvent(QDragEnterEvent* event) override { event->setAccepted(takes(*event)); }
+    void dragEnterEvent(QDragEnterEvent* event) override {
+        leaveOriginal(*event);
+        event->setAccepted(takes(*event));
+    }
 
     void dragMoveEvent(QDragMoveEvent* event) override {
         const QPoint at = event->position().toPoint();
@@ -193,6 +196,7 @@ protected:
     /// Told once Qt has done with the drop, since whoever is told may close the window.
     void dropEvent(QDropEvent* event) override {
         endDrop();
+        leaveOriginal(*event);
         event->accept();
         const auto tell = [this, keptAlive = view_, isOwn = isSource_,
                            urls = urlsOf(*event->mimeData()),
@@ -242,6 +246,12 @@ protected:
     Model model_;
 
 private:
+    /// What comes from elsewhere stays there too, even if its program would rather move it.
+    void leaveOriginal(QDropEvent& event) const {
+        if (!isSource_)
+            event.setDropAction(Qt::CopyAction);
+    }
+
     bool takes(const QDropEvent& event) const {
         if (isSource_)
             return movesSelection_;

@@ -109,12 +109,15 @@ struct Place {
     Cell* cell = nullptr; // null for a space
 };
 
-void orderFocus(const QWidget& cell, QWidget*& last) {
+/// Lets Tab go from each to the next, and from the last to `behind`, which goes along with each of
+/// them: to Qt, what is first of all follows the last already, until more is made behind that.
+void orderFocus(const QWidget& cell, QWidget*& last, QWidget* behind) {
     for (QWidget* const widget : cell.findChildren<QWidget*>()) {
         if (widget->focusPolicy() == Qt::NoFocus)
             continue;
         if (last)
             QWidget::setTabOrder(last, widget);
+        QWidget::setTabOrder(widget, behind);
         last = widget;
     }
 }
@@ -161,9 +164,7 @@ public:
         QWidget* last = nullptr;
         for (const Place& place : places_)
             if (place.cell)
-                orderFocus(*place.cell, last);
-        if (last)
-            setTabOrder(last, more_);
+                orderFocus(*place.cell, last, more_);
         updateGeometry();
         placeItems();
     }

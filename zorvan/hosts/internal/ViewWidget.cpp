@@ -93,6 +93,7 @@ bool ViewWidget::beginDrag(const QMouseEvent& event) {
     return true;
 }
 
+/// What is dropped stays where it is too, even if its program would rather move it.
 void ViewWidget::dragEnterEvent(QDragEnterEvent* event) {
     const std::vector<URL> urls = urlsOf(*event->mimeData());
     event->setDropAction(Qt::CopyAction);
@@ -101,6 +102,7 @@ void ViewWidget::dragEnterEvent(QDragEnterEvent* event) {
 
 /// Told once Qt has done with the drop, since whoever is told may close the window.
 void ViewWidget::dropEvent(QDropEvent* event) {
+    event->setDropAction(Qt::CopyAction);
     event->accept();
     const auto tell = [view = view_, urls = urlsOf(*event->mimeData()),
                        at = toView(*view_, event->position())]() noexcept {
