@@ -6,7 +6,6 @@
 #include <zorvan/platform/graphics/AreaDownscaler.h>
 
 #include <numbers>
-#include <sys/resource.h>
 
 namespace {
 
@@ -221,27 +220,6 @@ TEST(CGImageDeathTest, WhatLeavesTheRangeOfByteCountsStops) {
         "^The byte offset of pixel \\(2305843009213693951, 1\\) is outside the signed 64-bit "
         "range.\n$");
     EXPECT_DEATH((void)byteOffset(20, 32, 0, 0, 0), "without bits");
-}
-
-TEST(CGImage, ManyRedrawsDoNotAccumulateMemory) {
-    const auto image = noise(1500, 1000); // 6 MB, more than a block that is kept
-    const auto kilobytesAfterRedraws = [&](int count) {
-        for (int i = 0; i < count; ++i) {
-            (void)image->oriented(std::int64_t{6});
-            (void)image->applying(CGAffineTransform({.rotationAngle = 0.1}));
-            (void)image->cropping({.dx = 3, .dy = 4});
-        }
-        rusage usage{};
-        getrusage(RUSAGE_SELF, &usage);
-        return usage.ru_maxrss;
-    };
-    const long before = kilobytesAfterRedraws(3);
-#ifdef __SANITIZE_ADDRESS__
-    constexpr long quarantine = 256 * 1024; // freed memory that the sanitizer holds back
-#else
-    constexpr long quarantine = 0;
-#endif
-    EXPECT_LT(kilobytesAfterRedraws(60) - before, 16 * 1024 + quarantine);
 }
 
 } // namespace

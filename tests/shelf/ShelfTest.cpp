@@ -93,25 +93,6 @@ TEST_F(Shelf, HelpsAndRefusesNonsense) {
     }
 }
 
-TEST_F(Shelf, SaysThatACodecIsMissing) {
-    const Names withoutPlugins{"env", "LIBHEIF_PLUGIN_PATH=" + folder.path().string()};
-    picture("a.jpg");
-    const Outcome writing = shelf({at("a.jpg"), "--format", "heic"}, withoutPlugins);
-    const Outcome reading = shelf({SAMPLES "/plain.heic"}, withoutPlugins);
-    // Where HEIC's codecs are part of libheif, they cannot be missing.
-    const bool isPlugin =
-        std::ranges::any_of(fs::directory_iterator("/usr/lib"), [](const auto& entry) {
-            return fs::exists(entry.path() / "libheif/plugins/libheif-x265.so");
-        });
-    EXPECT_EQ(writing.status, isPlugin ? 2 : 0);
-    EXPECT_EQ(writing.errors.starts_with("shelf: the encoder for heif is not installed\n"),
-              isPlugin)
-        << writing.errors;
-    const std::string said = reading.output + reading.errors;
-    EXPECT_EQ(said.find("the decoder for this format is not installed") != said.npos, isPlugin)
-        << said;
-}
-
 TEST_F(Shelf, ListsWhatItsOptionsSay) {
     for (const char* name : {"img10.jpg", "IMG9.png", "sub/a.jpg", ".hidden.jpg", "doc.rtfd/b.jpg"})
         picture(name);
@@ -198,25 +179,6 @@ TEST_F(Shelf, ShowsMoviesAmongThePictures) {
     EXPECT_FALSE(redAt(17, 40) || redAt(62, 40) || redAt(40, 40));
     EXPECT_EQ(shelf({at("a.mp4"), "--export", at("out"), "-q", "--format", "png"}).status, 0);
     EXPECT_EQ(sizeOf("out/a.png"), CGSize(80, 160));
-}
-
-TEST_F(Shelf, SeveralExportsAtOnceNeverOverwrite) {
-    Names arguments{"--export", at("out/deep"), "-q"};
-    for (int i = 0; i < 10; ++i) {
-        picture("in" + std::to_string(i) + "/a.jpg", 20 + i, 20);
-        arguments.push_back(at("in" + std::to_string(i)));
-    }
-    {
-        std::vector<std::jthread> runs;
-        for (int process = 0; process < 4; ++process)
-            runs.emplace_back([&] { expectErrors(arguments, 0, ""); });
-    }
-    std::map<double, int> widths;
-    for (const auto& file : fs::directory_iterator(at("out/deep")))
-        ++widths[sizeOf(file.path().lexically_relative(folder.path())).width];
-    EXPECT_EQ(widths.size(), 10u);
-    for (const auto& [width, count] : widths)
-        EXPECT_EQ(count, 4) << width;
 }
 
 TEST_F(Shelf, MakesSheetsInEachFormat) {

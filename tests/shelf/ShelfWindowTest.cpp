@@ -2,7 +2,6 @@
 
 #include "window/ShelfWindow.h"
 #include <tests/Outcome.h>
-#include <tests/Variable.h>
 #include <tests/hosts/HostTest.h>
 
 #include <zorvan/files/NSPasteboard.h>
@@ -316,25 +315,6 @@ TEST_F(ShelfWindowTest, MovesToTheTrashAfterAsking) {
         EXPECT_TRUE(comes([&] { return (large.file() ? large.file()->title : "") == next; }));
     }
     EXPECT_EQ(titles(), Names{});
-}
-
-TEST_F(ShelfWindowTest, SaysWhatCouldNotBeMovedToTheTrash) {
-    open({"gone.png", "kept.png"});
-    folder.file("file");
-    const auto expectLeft = [&](std::size_t count, const std::string& said) {
-        press(Qt::Key_A, Qt::ControlModifier);
-        press(Qt::Key_Delete);
-        answer("Move to Trash");
-        EXPECT_TRUE(comes([&] { return answer("Close") == said; })) << said;
-        EXPECT_EQ(titles().size(), count);
-        EXPECT_EQ(fs::exists(folder.path() / "kept.png"), count == 2);
-    };
-    {
-        const Variable noFolder("XDG_DATA_HOME", (folder.path() / "file").c_str());
-        expectLeft(2, "2 pictures could not be moved to the trash.");
-    }
-    fs::remove(folder.path() / "gone.png");
-    expectLeft(1, "1 picture could not be moved to the trash.");
 }
 
 TEST_F(ShelfWindowTest, ExportsAndCancels) {

@@ -9,22 +9,6 @@ using Processes = DatabaseTest;
 
 } // namespace
 
-TEST_F(Processes, NoticeEachOthersWrites) {
-    const auto database = open();
-    database->set("shared", 1);
-    elsewhere([](SettingsDatabase& other) {
-        return integer(other, "shared") == 1 && other.set("shared", 2) && other.set("new", 5);
-    });
-    EXPECT_EQ(integer(*database, "shared"), 2);
-    EXPECT_EQ(integer(*database, "new"), 5);
-    elsewhere([](SettingsDatabase& other) { return other.remove("new"); });
-    EXPECT_FALSE(database->value("new"));
-    elsewhere([](SettingsDatabase& other) { return other.removeAll() && other.set("after", 9); });
-    EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"after", 9}}));
-    EXPECT_TRUE(database->removeAll());
-    elsewhere([](SettingsDatabase& other) { return other.contents().empty(); });
-}
-
 // Also while the thread that follows the database is about to open it again after the fork.
 TEST_F(Processes, ReadWhatWasWrittenBefore) {
     const auto database = open();

@@ -1,6 +1,5 @@
 #include <tests/Testing.h>
 #include <tests/randomText.h>
-#include <tests/trials/MemoryFailure.h>
 
 #include <zorvan/platform/textservices/Collation.h>
 #include <zorvan/platform/textservices/NumberFormat.h>
@@ -106,19 +105,4 @@ TEST(Collation, CurrentLocaleChangesInEveryThread) {
     other.join();
     EXPECT_EQ(compareNames("Öl", "Zebra"), orderedDescending);
     Locale::setCurrent(before);
-}
-
-TEST(Collation, ComparingAllocatesNothing) {
-    const std::string_view names[] = {"Photo 0012 of the holiday.jpeg",
-                                      "photo 12 of the Journey.jpeg", "Été 2021 – plage.jpeg",
-                                      "Über uns", "東京タワー 10"};
-    const auto compareAll = [&] {
-        for (const auto a : names)
-            for (const auto b : names)
-                (void)compareNames(a, b);
-    };
-    compareAll();
-    const MemoryFailure failure(0);
-    compareAll();
-    EXPECT_FALSE(MemoryFailure::hasCome());
 }
