@@ -58,11 +58,15 @@ TEST(Heic, ASizeStatedAfterTheTurnIsTakenForTheOneBefore) {
     expectStored(bytes, original, 6);
 }
 
-TEST(Heic, ASizeStatedSmallerThanCodedIsACrop) {
+// Some versions of the codec's library refuse that.
+TEST(Heic, ASizeStatedSmallerThanCodedIsACropOrDamage) {
     const Bitmap original = pattern(80, 64);
     Data bytes = encoded(FileFormat::heic, original);
     bytes[positionOf(bytes, "ispe") + 11] = std::byte{72};
-    EXPECT_LE(difference(decoded(bytes), cropped(original, {0, 0, 72, 64}).value()).mean, 7);
+    if (const std::string error = errorOf(bytes); !error.empty())
+        EXPECT_EQ(error, "the file is damaged");
+    else
+        EXPECT_LE(difference(decoded(bytes), cropped(original, {0, 0, 72, 64}).value()).mean, 7);
 }
 
 TEST(HeifTransforms, ACropOfAnUprightOrMirroredPictureIsCountedFromItsCorner) {
