@@ -118,6 +118,9 @@ TEST(AVPlayer, StepsBothWaysAndStopsAtTheEnds) {
         EXPECT_EQ(shownNumber(*player), number) << count;
         EXPECT_NEAR(player->currentTime().seconds(), number / 25.0, 1e-6) << count;
     }
+    player->step({.byCount = 30}, [](bool) {});
+    EXPECT_TRUE(stepBy(*player, 2)); // which waits for the first
+    EXPECT_EQ(shownNumber(*player), 34);
     EXPECT_TRUE(stepBy(*player, std::numeric_limits<std::int64_t>::max()));
     EXPECT_EQ(shownNumber(*player), 99);
     EXPECT_TRUE(stepBy(*player, -1));

@@ -80,6 +80,12 @@ TEST(TextDrawing, StaysInsideAPath) {
     EXPECT_EQ(inkOf(beyond).count, 0);
     const Ink ink = inkOf([&](CGContext& c) { c.drawString(words, disc, attributes(8)); });
     EXPECT_GT(ink.right - ink.left, 60);
+    // Its upper part takes letters of that size, but no line of them.
+    CGPath parts;
+    parts.addRect(CGRect(0, 80, 90, 12.3));
+    parts.addRect(CGRect(0, 0, 90, 70));
+    const Ink low = inkOf([&](CGContext& c) { c.drawString(words, parts, attributes(12)); });
+    EXPECT_TRUE(low.count > 0 && low.top < 70);
     // A path that has no room for a line.
     CGPath sliver;
     sliver.addRect(CGRect(0, 0, 3, 90));

@@ -109,8 +109,10 @@ TEST(MainQueue, DescriptorIsReadableExactlyWhileWorkIsQueued) {
 
 TEST(MainQueueDeathTest, StopsOffTheMainThread) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(std::thread([] { MainQueue::drain(); }).join(),
-                 "^The main queue can only be drained on the main thread.\n$");
+    for (const auto work :
+         {+[] { MainQueue::drain(); }, +[] { MainQueue::runUntil(Clock::now()); }})
+        EXPECT_DEATH(std::thread(work).join(),
+                     "^The main queue can only be drained on the main thread.\n$");
     EXPECT_DEATH(
         {
             DispatchQueue::main()->async([] { throw std::runtime_error("unheard"); });

@@ -111,6 +111,10 @@ TEST(WriteFile, KeepsTheAccessList) {
     EXPECT_EQ(getxattr(path.c_str(), "system.posix_acl_access", kept, sizeof kept),
               ssize_t{sizeof list});
     EXPECT_THAT(kept, testing::ElementsAreArray(list));
+    folder.file("plain"); // and keeps having none
+    EXPECT_EQ(internal::replaceItem(folder.path() / "plain", path), 0);
+    EXPECT_EQ(getxattr((folder.path() / "plain").c_str(), "system.posix_acl_access", nullptr, 0),
+              -1);
 }
 
 // Strikes at each system call in turn. The file has the old bytes or the new ones, and the next
@@ -222,6 +226,7 @@ TEST(ReplaceItem, TakesTwoStepsWhereItMust) {
     EXPECT_EQ(replace("old", "new"), 0);
     EXPECT_EQ(text(at / "old/y"), "new");
     EXPECT_EQ(text(at / "new/x"), "old");
+    EXPECT_EQ(replace("missing", "new"), ENOENT);
     EXPECT_EQ(replace("old", "missing"), ENOENT);
     EXPECT_EQ(text(at / "old/y"), "new") << "the old one is back";
     EXPECT_EQ(folder.count(), 2);

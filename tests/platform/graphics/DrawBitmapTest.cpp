@@ -82,23 +82,28 @@ TEST(DrawBitmap, ASlantedPictureShowsItsOwnPixelsAcrossTiles) {
             pixel[1] = static_cast<std::uint8_t>(y * 255 / 700);
             pixel[3] = 255;
         }
-    CGAffineTransform t({.translationX = 300, .y = 40});
-    t.rotate(0.35);
-    const Bitmap result = drawn(ramp, t, 1100, 1000);
-    std::int64_t wrong = 0, inside = 0;
-    for (std::int64_t y = 0; y < 1000; ++y)
-        for (std::int64_t x = 0; x < 1100; ++x) {
-            const CGPoint p = CGPoint(static_cast<double>(x) + 0.5, static_cast<double>(y) + 0.5)
-                                  .applying(t.inverted());
-            if (p.x < 2 || p.y < 2 || p.x > 898 || p.y > 698)
-                continue;
-            ++inside;
-            const std::uint8_t* const pixel = result.row(y) + x * 4;
-            wrong += pixel[3] != 255 || std::abs(pixel[0] - p.x * 255 / 900) > 2 ||
-                     std::abs(pixel[1] - p.y * 255 / 700) > 2;
-        }
-    EXPECT_GT(inside, 500000);
-    EXPECT_EQ(wrong, 0);
+    for (const auto& [scale, least, most] : {std::tuple(1.0, 500'000, 2), {0.05, 1'000, 3}}) {
+        CGAffineTransform t({.translationX = 300, .y = 40});
+        t.rotate(0.35);
+        t = t.scaledBy(scale, scale);
+        const Bitmap result = drawn(ramp, t, 1100, 1000);
+        const CGRect whole = CGRect(0, 0, 900, 700).insetBy(2 / scale, 2 / scale);
+        std::int64_t wrong = 0, inside = 0;
+        for (std::int64_t y = 0; y < 1000; ++y)
+            for (std::int64_t x = 0; x < 1100; ++x) {
+                const CGPoint p =
+                    CGPoint(static_cast<double>(x) + 0.5, static_cast<double>(y) + 0.5)
+                        .applying(t.inverted());
+                if (!whole.contains(p))
+                    continue;
+                ++inside;
+                const std::uint8_t* const pixel = result.row(y) + x * 4;
+                wrong += pixel[3] != 255 || std::abs(pixel[0] - p.x * 255 / 900) > most ||
+                         std::abs(pixel[1] - p.y * 255 / 700) > most;
+            }
+        EXPECT_GT(inside, least);
+        EXPECT_EQ(wrong, 0) << scale;
+    }
 }
 
 TEST(DrawBitmap, APictureWiderThanFixedPointNumbersReachIsDrawn) {

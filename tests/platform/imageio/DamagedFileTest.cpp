@@ -1,5 +1,6 @@
 #include "Support.h"
 #include <tests/Testing.h>
+#include <tests/files/ChildProcess.h>
 #include <tests/files/TemporaryFolder.h>
 
 namespace zorvan::imageio {
@@ -56,6 +57,11 @@ TEST(DamagedFile, ContentDecidesNotTheName) {
         EXPECT_FALSE(reader->embeddedThumbnail(0));
         EXPECT_EQ(reader->error(), error) << path;
     }
+    folder.setMode("text.png", 0);
+    asOrdinaryUser([&] {
+        EXPECT_EQ(ImageReader::open(folder.path() / "text.png")->error(),
+                  "the file may not be read");
+    });
 }
 
 void setBig32(Data& bytes, std::size_t at, std::uint32_t value) {

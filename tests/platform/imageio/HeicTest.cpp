@@ -1,6 +1,7 @@
 #include "Support.h"
 #include <tests/Testing.h>
 
+#include <zorvan/platform/graphics/ExactTransforms.h>
 #include <zorvan/platform/imageio/internal/HeifTransforms.h>
 
 namespace zorvan::imageio {
@@ -55,6 +56,26 @@ TEST(Heic, ASizeStatedAfterTheTurnIsTakenForTheOneBefore) {
     const std::size_t size = positionOf(bytes, "ispe") + 8;
     std::swap_ranges(&bytes[size], &bytes[size + 4], &bytes[size + 4]);
     expectStored(bytes, original, 6);
+}
+
+// Some versions of the codec's library refuse that.
+TEST(Heic, ASizeStatedSmallerThanCodedIsACropOrDamage) {
+    const Bitmap original = pattern(80, 64);
+    Data bytes = encoded(FileFormat::heic, original);
+    bytes[positionOf(bytes, "ispe") + 11] = std::byte{72};
+    if (const std::string error = errorOf(bytes); !error.empty())
+        EXPECT_EQ(error, "the file is damaged");
+    else
+        EXPECT_LE(difference(decoded(bytes), cropped(original, {0, 0, 72, 64}).value()).mean, 7);
+}
+
+TEST(HeifTransforms, ACropOfAnUprightOrMirroredPictureIsCountedFromItsCorner) {
+    HeifTransforms transforms({40, 30});
+    transforms.keep({4, 3, 30, 20});
+    EXPECT_EQ(transforms.crop(), (PixelRect{4, 3, 30, 20}));
+    transforms.mirror(true);
+    transforms.keep({1, 2, 9, 8});
+    EXPECT_EQ(transforms.crop(), (PixelRect{24, 5, 9, 8}));
 }
 
 TEST(HeifTransforms, ACropAfterATurnIsCountedInTheTurnedPicture) {

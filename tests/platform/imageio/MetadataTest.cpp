@@ -128,6 +128,21 @@ TEST(Metadata, LongTextsAreShortenedNotRefused) {
     EXPECT_EQ(text(read, "{TIFF}", "Model"), "M");
 }
 
+TEST(Metadata, NumbersOfEverySizeAndSignAreReadOneAfterAnother) {
+    for (const bool bigEndian : {false, true})
+        for (const auto& [type, width] : {std::pair(6, 1), {8, 2}, {9, 4}}) { // signed ones
+            TiffEntry entry = {0x9214, static_cast<std::uint16_t>(type), 3, {}};
+            for (const int value : {-2, 3, -100})
+                appendNumber(entry.value, static_cast<std::uint64_t>(value),
+                             static_cast<std::size_t>(width), bigEndian);
+            PropertyList::Dictionary read;
+            addExifProperties(exifBlockOf({}, {&entry, 1}, {}, bigEndian), read);
+            EXPECT_EQ(read.at("{Exif}"), PropertyList(PropertyList::Dictionary{
+                                             {"SubjectArea", PropertyList::Array{-2, 3, -100}}}))
+                << type;
+        }
+}
+
 /// A block in either byte order with the orientation as its only entry.
 Data orientationBlock(bool little, TiffEntry::Type type, int value) {
     TiffEntry entry = {0x112, type, 1, {}};

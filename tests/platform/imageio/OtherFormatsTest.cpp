@@ -194,6 +194,14 @@ TEST(OtherFormats, AJpegXLIsTurnedByItsOwnWord) {
     EXPECT_EQ(number(properties, "Orientation"), 6);
     EXPECT_EQ(number(properties, "{TIFF}", "Orientation"), 6);
     EXPECT_EQ(number(properties, "{GPS}", "Latitude"), 33.5);
+    Data far = sample("turned.jxl"); // whose block stands behind as many bytes
+    const std::size_t box = positionOf(far, "Exif") - 4;
+    far.insert(far.begin() + static_cast<std::ptrdiff_t>(box) + 12, 200'000, {});
+    for (const std::size_t i : {1u, 2u, 3u}) {
+        far[box + i] = static_cast<std::byte>((200'000 + 0x68) >> (24 - 8 * i));
+        far[box + 8 + i] = static_cast<std::byte>(200'000 >> (24 - 8 * i));
+    }
+    EXPECT_EQ(number(propertiesOf(far), "{GPS}", "Latitude"), 33.5);
     const Data bare = sample("quarters.jxl"); // without boxes
     EXPECT_EQ(ImageReader::open(bare)->format(), FileFormat::jpegXL);
     EXPECT_EQ(decoded(bare).width(), width);
@@ -220,6 +228,10 @@ TEST(OtherFormats, AnAvifIsReadWhereThereIsADecoder) {
             EXPECT_NEAR(pixelAt(picture, x, y)[c], wanted[c], 8) << x << ',' << y << ' ' << c;
     }
     EXPECT_EQ(decoded(bytes, {.maximumPixelSize = 6}).height(), 4);
+    // The same numbers by another matrix, which the codec's library may take into account already.
+    Data other = bytes;
+    other[positionOf(other, "nclx") + 9] = std::byte{1};
+    EXPECT_NEAR(pixelAt(decoded(other), 4, 12)[1], 32, 8);
 }
 #endif
 

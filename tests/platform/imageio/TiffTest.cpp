@@ -204,17 +204,28 @@ TEST(Tiff, EveryLayoutDecodes) {
     }
 }
 
+TEST(Tiff, TilesMayFillTheRows) {
+    const Data bytes = written([](TIFF* tiff) {
+        setFields(tiff,
+                  {.photometric = PHOTOMETRIC_MINISBLACK, .bits = 8, .samples = 1, .tiled = true});
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 32);
+        std::vector<std::uint8_t> tile(256, 90);
+        for (std::uint32_t i = 0; i < 4; ++i)
+            TIFFWriteEncodedTile(tiff, i, tile.data(), 256);
+    });
+    EXPECT_EQ(pixelAt(decoded(bytes), 31, 20), (Pixel{90, 90, 90, 255}));
+}
+
 TEST(Tiff, JpegInsideAndOtherColourSpacesDecode) {
     // A flat grey is the same in each of them, whatever the subsampling.
     for (const auto& [colours, compression] : {std::pair(PHOTOMETRIC_YCBCR, COMPRESSION_JPEG),
                                                {PHOTOMETRIC_RGB, COMPRESSION_JPEG},
-                                               {PHOTOMETRIC_YCBCR, COMPRESSION_NONE}}) {
+                                               {PHOTOMETRIC_YCBCR, COMPRESSION_LZW}}) {
         SCOPED_TRACE(testing::Message() << colours << ' ' << compression);
         const Kind kind = {colours, 8, 3, SAMPLEFORMAT_UINT, compression, false, false, -1, 16};
-        const bool isPlain = colours == PHOTOMETRIC_YCBCR && compression == COMPRESSION_NONE;
-        const Data bytes = written([&](TIFF* tiff) {
+        Data bytes = written([&, compression = compression](TIFF* tiff) {
             setFields(tiff, kind);
-            if (isPlain)
+            if (compression != COMPRESSION_JPEG)
                 TIFFSetField(tiff, TIFFTAG_YCBCRSUBSAMPLING, 1, 1);
             std::vector<std::uint8_t> strip(std::size_t{width} * 3 * 16, 128);
             for (std::uint32_t i = 0; i < TIFFNumberOfStrips(tiff); ++i)
@@ -223,6 +234,8 @@ TEST(Tiff, JpegInsideAndOtherColourSpacesDecode) {
         const Pixel got = pixelAt(decoded(bytes), width - 1, height - 1);
         for (std::size_t c = 0; c < 3; ++c)
             EXPECT_NEAR(got[c], 128, 2);
+        std::fill_n(&bytes[8], 8, std::byte{0xFF}); // the start of the first strip
+        EXPECT_EQ(errorOf(bytes), "the file is damaged");
     }
 }
 

@@ -113,6 +113,13 @@ TEST(Binary, SharesEqualTexts) {
     const auto written = propertylist::encode(rows, Format::binary);
     EXPECT_LT(written->size(), 12000u);
     EXPECT_EQ(propertylist::decode(*written), PropertyList(rows));
+    // More texts than a byte refers to: all different, or too long to share.
+    PropertyList::Array different, repeated(400, PropertyList(std::string(1 << 13, 'x')));
+    for (int i = 0; i < 300; ++i)
+        different.emplace_back(std::to_string(i));
+    for (const PropertyList::Array& texts : {different, repeated})
+        EXPECT_TRUE(propertylist::decode(*propertylist::encode(texts, Format::binary)) ==
+                    PropertyList(texts));
 }
 
 // Near the start of 2001, where reals are finer than dates.

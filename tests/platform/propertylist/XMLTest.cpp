@@ -77,6 +77,8 @@ TEST(XML, SaysWhatIsWrong) {
         {plist("<date>2001-02-03T24:00:00Z</date>"), "a date cannot be read"},
         {plist("<date>2001-02-03T04:05:6</date>"), "a date cannot be read"},
         {plist("<data>AAE=C</data>"), "data is not in base 64"},
+        {plist("<data>AAEC=</data>"), "data is not in base 64"},
+        {plist("<data>AAE==</data>"), "data is not in base 64"},
         {plist("<data>A</data>"), "data is not in base 64"},
         {plist("<string>\xFF</string>"), "not well-formed (invalid token)"},
         {plist(repeated("<array>", 513) + repeated("</array>", 513)), "the list is too deep"},

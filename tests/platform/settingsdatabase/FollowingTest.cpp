@@ -130,6 +130,29 @@ TEST_F(Following, TellsOfAWriterThatShowsNothing) {
     writer.end();
 }
 
+TEST_F(Following, SeesAFolderThatComesWhole) {
+    const fs::path inner = folder_.path() / "inner", other = folder_.path() / "other";
+    ASSERT_TRUE(inChild([&] { return SettingsDatabase::open(other / "a.settings")->set("a", 1); }));
+    const auto database = open();
+    const auto following = follow(*database);
+    fs::rename(inner, folder_.path() / "aside");
+    fs::rename(other, inner);
+    EXPECT_THAT(told(1), ElementsAre("a - 1"));
+}
+
+TEST_F(Following, GoesOnInAChildFromItsFirstUse) {
+    const auto database = open();
+    database->set("a", 1);
+    const auto following = follow(*database);
+    const Signal begun;
+    Child child([&] {
+        return integer(*database, "a") == 1 && begun.give() && becomes({{"a", " 2"}});
+    });
+    ASSERT_TRUE(begun.await());
+    database->set("a", 2);
+    EXPECT_TRUE(child.end());
+}
+
 TEST_F(Following, GoesOnWhenTheStoreIsRemovedOrReplaced) {
     const auto database = open();
     database->set("a", 1);

@@ -34,10 +34,12 @@ TEST(NSRegularExpression, ReadsOptions) {
         std::size_t plain, withOptions;
     } cases[] = {
         {Options::caseInsensitive, "É", "éÉ", 1, 2},
-        {Options::allowCommentsAndWhitespace, "a b # c", "ab", 0, 1},
-        {Options::ignoreMetacharacters, "a.", "ab a.", 2, 1},
-        {Options::dotMatchesLineSeparators, "a.b", "a\nb", 0, 1},
-        {Options::useUnixLineSeparators, "a.b", "a\rb", 0, 1},
+        // None lets the case differ as well.
+        {Options::allowCommentsAndWhitespace, "a b # c", "ab AB", 0, 1},
+        {Options::ignoreMetacharacters, "a.", "ab a. A.", 2, 1},
+        {Options::dotMatchesLineSeparators, "a.b", "a\nb A\nB", 0, 1},
+        {Options::anchorsMatchLines, "^b", "a\nb\nB", 0, 1},
+        {Options::useUnixLineSeparators, "a.b", "a\rb A\rB", 0, 1},
         {Options::useUnicodeWordBoundaries, R"(\b3.5\b)", "x 3.5.1", 1, 0},
         {Options::caseInsensitive | Options::anchorsMatchLines, "^B", "a\nb", 0, 1},
     };

@@ -45,9 +45,7 @@ private:
 
     /// Connects to those that are new; under the lock.
     void meetPeers() {
-        const auto& names = directory_.names();
-        std::erase_if(peers_, [&](const auto& peer) { return !names.contains(peer.first); });
-        for (const std::string& name : names) {
+        for (const std::string& name : directory_.names()) {
             if (peers_.contains(name))
                 continue;
             if (FileDescriptor socket = directory_.connect(name))
@@ -55,7 +53,7 @@ private:
         }
     }
 
-    /// True when something is left to write; under the lock.
+    /// Also finds out who has ended. True when something is left to write; under the lock.
     bool flush() {
         bool hasMore = false;
         for (auto peer = peers_.begin(); peer != peers_.end();) {
