@@ -49,23 +49,6 @@ TEST(CGContext, TransformsHappenBeforeWhatWasThere) {
     EXPECT_EQ(placed(), CGPoint(12, 23));
 }
 
-TEST(CGContext, LaysAPictureOverWhatIsThere) {
-    for (const bool isARGB : {false, true}) {
-        const auto context = isARGB ? CGContext::argb(4, 4) : CGContext::rgba(4, 4);
-        context->draw(*plain(4, 4, 0xFF0000C8), CGRect(0, 0, 4, 4));
-        context->draw(*plain(2, 4, 0x80004000), CGRect(0, 0, 2, 4)); // half covered
-        context->draw(*plain(1, 4, 0), CGRect(2, 0, 1, 4));
-        context->draw(*plain(1, 1, 0xFF00FF00), CGRect(4, 4, -1, -1)); // the top right
-        const auto image = context->makeImage()->rgbaDrawnCopy();
-        EXPECT_EQ(pixelAt(*image, 2, 2), 0xFF0000C8);
-        EXPECT_EQ(pixelAt(*image, 3, 0), 0xFF00FF00);
-        const std::uint32_t mixed = pixelAt(*image, 1, 1);
-        EXPECT_EQ(mixed >> 24, 0xFFu);
-        EXPECT_NEAR(mixed & 0xFF, 200 * 127 / 255.0, 1);
-        EXPECT_EQ(mixed >> 8 & 0xFF, 0x40u);
-    }
-}
-
 TEST(CGContext, AnImageStaysAsItWas) {
     const auto context = CGContext::rgba(8, 8);
     context->draw(*plain(8, 8, 0xFF0000FF), CGRect(0, 0, 8, 8));

@@ -79,9 +79,6 @@ TEST_F(Shelf, HelpsAndRefusesNonsense) {
         {{".", "--size", "0"}, "shelf: --size takes a number from 1 to 65535, not '0'\n"},
         {{".", "--cell=12x"}, "shelf: --cell takes a number from 1 to 4096, not '12x'\n"},
         {{".", "--format", "bmp"}, "shelf: --format takes png, jpg, tiff or heic, not 'bmp'\n"},
-        {{".", "-o", "sheet"}, "shelf: --output takes png, jpg, tiff or heic, not ''\n"},
-        {{".", "--screenshot", "a.png"}, "shelf: unknown option '--screenshot'\n"},
-        {{".", "--quiet=yes"}, "shelf: --quiet takes no value\n"},
         {{".", "--quick", "-o", "a.png"}, "--quick is for a list alone"},
         {{".", "--json", "--quiet"}, "exclude each other"},
     };
@@ -110,26 +107,6 @@ TEST_F(Shelf, ListsWhatItsOptionsSay) {
     // Given by name, a file needs no extension, and counts once.
     fs::rename(at("IMG9.png"), at("bare"));
     EXPECT_EQ(listed({at("sub"), at("bare"), at("sub/a.jpg")}), (Names{"sub/a.jpg", "bare"}));
-}
-
-TEST_F(Shelf, PrintsAnAlignedTable) {
-    picture("日本.jpg", 300, 20);
-    picture("with a\nbreak.png", 4, 4);
-    picture(std::string(90, 'n') + ".jpg");
-    folder.file("caf\xE9.jpg", "not a picture at all");
-    const Outcome outcome = shelf({folder.path()});
-    const auto lines = linesOf(outcome.output);
-    ASSERT_EQ(lines.size(), 7u) << outcome.output;
-    EXPECT_TRUE(lines[0].starts_with("Name "));
-    const std::size_t column = displayWidth(lines[0].substr(0, lines[0].find("Type")));
-    for (std::size_t i = 1; i <= 4; ++i)
-        EXPECT_EQ(displayWidth(lines[i].substr(0, lines[i].find("public."))), column) << lines[i];
-    for (const char* part : {"with a\\nbreak.png", "caf\\xE9.jpg", "unreadable: ", "300 x 20"})
-        EXPECT_NE(outcome.output.find(part), std::string::npos) << part;
-    EXPECT_EQ(lines[6], "4 files, 1 unreadable");
-    EXPECT_EQ(outcome.errors, "");
-    ASSERT_EQ(mkfifo(at("pipe.jpg").c_str(), 0600), 0);
-    EXPECT_NE(shelf({folder.path()}).output.find("not a regular file"), std::string::npos);
 }
 
 TEST_F(Shelf, PrintsJSONForMachines) {

@@ -202,19 +202,6 @@ TEST(Scratch, BelievesNoListThatAnotherCouldHaveWritten) {
     }
 }
 
-TEST(Scratch, ManyThreadsLeaveNothing) {
-    TemporaryFolder folder(TemporaryFolder::fastParent());
-    std::vector<std::jthread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&folder, t] {
-            const fs::path path = folder.path() / (t % 2 == 0 ? "shared" : std::to_string(t));
-            for (int i = 0; i < 200; ++i)
-                ASSERT_EQ(write(path, std::string(static_cast<std::size_t>(t + 1), 'x')), 0);
-        });
-    threads.clear();
-    EXPECT_EQ(folder.count(), 3);
-}
-
 TEST(ReplaceItem, TakesTwoStepsWhereItMust) {
     TemporaryFolder folder;
     const fs::path at = folder.path();

@@ -32,21 +32,10 @@ protected:
 
 } // namespace
 
-TEST_F(SecItemTest, AnItemComesAndGoes) {
-    EXPECT_EQ(get(item("a")), absent);
+TEST_F(SecItemTest, EveryAttributeNamedHasToBeEqual) {
     EXPECT_EQ(SecItemDelete(item("a")), errSecItemNotFound);
     EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytesOf("x")}}), errSecItemNotFound);
-    EXPECT_FALSE(fs::exists(folder())); // looking makes nothing
-    EXPECT_EQ(add("a", "one"), errSecSuccess);
-    EXPECT_EQ(add("a", "two"), errSecDuplicateItem);
-    EXPECT_EQ(get(item("a")), "one");
-    EXPECT_EQ(SecItemUpdate(item("a"), {{kSecValueData, bytesOf("")}}), errSecSuccess);
-    EXPECT_EQ(get(item("a")), "");
-    EXPECT_EQ(SecItemDelete(item("a")), errSecSuccess);
-    EXPECT_EQ(get(item("a")), absent);
-}
-
-TEST_F(SecItemTest, EveryAttributeNamedHasToBeEqual) {
+    EXPECT_FALSE(fs::exists(folder())) << "looking makes nothing";
     const std::string odd("c\0d", 3);
     ASSERT_EQ(add("a", "1", {{kSecAttrLabel, "L"}, {kSecAttrGeneric, Data{std::byte{255}}}}),
               errSecSuccess);
