@@ -131,13 +131,20 @@ TEST_F(Following, TellsOfAWriterThatShowsNothing) {
 }
 
 TEST_F(Following, SeesAFolderThatComesWhole) {
-    const fs::path inner = folder_.path() / "inner", other = folder_.path() / "other";
-    ASSERT_TRUE(inChild([&] { return SettingsDatabase::open(other / "a.settings")->set("a", 1); }));
+    const fs::path at = folder_.path();
+    for (const int number : {1, 2})
+        ASSERT_TRUE(inChild([&] {
+            return SettingsDatabase::open(at / std::to_string(number) / "a.settings")
+                ->set("a", number);
+        }));
     const auto database = open();
     const auto following = follow(*database);
-    fs::rename(inner, folder_.path() / "aside");
-    fs::rename(other, inner);
+    fs::rename(at / "inner", at / "aside");
+    fs::rename(at / "1", at / "inner");
     EXPECT_THAT(told(1), ElementsAre("a - 1"));
+    fs::remove_all(at / "inner");
+    fs::rename(at / "2", at / "inner");
+    EXPECT_THAT(told(1), ElementsAre("a 1 2"));
 }
 
 TEST_F(Following, GoesOnInAChildFromItsFirstUse) {

@@ -126,10 +126,10 @@ TEST(Characters, KeepIllFormedBytes) {
 TEST(Characters, WalkOverRandomBytesTheSameBothWays) {
     // Long runs of ASCII take the fast paths; the rest cuts them at every distance.
     const std::string digits(70, '7');
-    const std::string_view upToLineFeed = std::string_view(digits).substr(7); // which ends a block
+    const std::string_view restOfBlock = std::string_view(digits).substr(7); // after a first byte
     const std::array<std::string_view, 11> pieces = {
         "\r",       "\n",   "\r\n", "plain text", "\xCC\x81", "\xE2\x82", "\xF0\x9F\x87\xA6",
-        "\xD8\x80", digits, "\xFF", upToLineFeed};
+        "\xD8\x80", digits, "\xFF", restOfBlock};
     std::mt19937 random(11);
     for (int round = 0; round < 3000; ++round)
         expectConsistent(randomText(random, pieces, 11));

@@ -21,6 +21,8 @@ namespace {
 
 constexpr std::uint32_t mask = IN_MODIFY | IN_ATTRIB | IN_CLOSE_WRITE | IN_CREATE | IN_MOVED_TO |
                                IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+/// Of the folder around, which others may watch for more.
+constexpr std::uint32_t maskAround = IN_CREATE | IN_MOVED_TO | IN_ONLYDIR | IN_MASK_ADD;
 
 /// What is written to the log is seen by others a moment later. Writers show that moment; one that
 /// is ended before it does is found out by looking again this long after the last event.
@@ -74,10 +76,11 @@ void FileWatch::stop(Number number) {
     const auto found = files_.find(number);
     if (found == files_.end())
         return;
-    const int watch = found->second.watch;
+    const int watches[] = {found->second.watch, found->second.around};
     ended = std::move(found->second.handler);
     files_.erase(found);
-    release(watch);
+    for (const int watch : watches)
+        release(watch);
 }
 
 void FileWatch::forgetInChild() {
@@ -89,7 +92,7 @@ void FileWatch::forgetInChild() {
 
 /// Watches the folder, or the nearest around it that is there, in which it will come up.
 void FileWatch::place(File& file) {
-    const int before = file.watch;
+    const int before[] = {file.watch, file.around};
     std::string folder = file.folder;
     for (;;) {
         file.watch = ::inotify_add_watch(events_, folder.c_str(), mask);
@@ -98,13 +101,16 @@ void FileWatch::place(File& file) {
         folder = folderOf(folder);
     }
     file.isInFolder = folder == file.folder;
-    if (before != file.watch)
-        release(before);
+    // While a file in it is open, the system does not tell that the folder was removed.
+    file.around =
+        file.isInFolder ? ::inotify_add_watch(events_, folderOf(folder).c_str(), maskAround) : -1;
+    for (const int watch : before)
+        release(watch);
 }
 
 void FileWatch::release(int watch) {
     for (const auto& [number, file] : files_)
-        if (file.watch == watch)
+        if (file.watch == watch || file.around == watch)
             return;
     if (watch >= 0)
         ::inotify_rm_watch(events_, watch);
@@ -114,14 +120,16 @@ std::optional<bool> FileWatch::isPlacedBy(File& file, int watch, std::uint32_t w
                                           std::string_view name) {
     if (what & IN_Q_OVERFLOW)
         return true;
-    if (file.watch != watch)
+    const bool isOtherFolder = file.around == watch && (what & (IN_CREATE | IN_MOVED_TO)) != 0 &&
+                               file.folder.ends_with('/' + std::string(name));
+    if (file.watch != watch && !isOtherFolder)
         return std::nullopt;
     if (what & (IN_DELETE_SELF | IN_MOVE_SELF))
         ::inotify_rm_watch(events_, watch); // it would go along with the folder
     const bool isGone = (what & (IN_IGNORED | IN_DELETE_SELF | IN_MOVE_SELF)) != 0;
     if (isGone)
         file.watch = -1;
-    if (isGone || !file.isInFolder) {
+    if (isGone || isOtherFolder || !file.isInFolder) {
         place(file);
         // Between the failure to watch the folder and the watch around it, it may have come.
         if (!file.isInFolder)

@@ -39,7 +39,8 @@ private:
     struct File {
         std::string folder, name;
         Handler handler;
-        int watch = -1; // of the folder, or of the nearest one around it that is there
+        int watch = -1;  // of the folder, or of the nearest one around it that is there
+        int around = -1; // of the one around the folder
         bool isInFolder = false;
     };
     using Files = std::map<Number, File>;
