@@ -25,7 +25,7 @@ for name in "$@"; do
     seeds=
     [ ! -d "$root/fuzz/corpus/$name" ] || seeds=$root/fuzz/corpus/$name
     # Whole pictures to start from, for the targets that read pictures.
-    case $name in *image* | *decode*) seeds="$root/examples/samples $root/tests/platform/imageio/samples" ;; esac
+    case $name in *image* | *decode*) seeds="$seeds $root/examples/samples $root/tests/platform/imageio/samples" ;; esac
     findings=0
     # shellcheck disable=SC2086 # no word at all when empty
     "$fuzzers/$name" "$corpus" $seeds -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \

@@ -5,7 +5,7 @@
 #include <zorvan/platform/imageio/internal/ByteSource.h>
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
 #include <zorvan/platform/imageio/internal/FormatReader.h>
-#include <zorvan/platform/imageio/internal/HeifBoxes.h>
+#include <zorvan/platform/imageio/internal/HeifTiles.h>
 #include <zorvan/platform/imageio/internal/Iptc.h>
 #include <zorvan/platform/imageio/internal/JpegHeader.h>
 #include <zorvan/platform/imageio/internal/PngHeader.h>
@@ -23,6 +23,12 @@ void attempt(const Data& bytes, const Read& read) {
     } catch (const Failure&) {
         // what a broken file comes down to
     }
+}
+
+void readHeif(ByteSource& source) {
+    const HeifMeta meta(source);
+    for (const HeifPicture& picture : heifFileOf(meta, source.size()).pictures)
+        HeifTiles(meta, source, picture.item).file(0, 0);
 }
 
 } // namespace
@@ -50,6 +56,6 @@ void tryOut(std::span<const std::uint8_t> input) {
         attempt(bytes, [](ByteSource& source) { readPngHeader(source); });
         break;
     default:
-        attempt(bytes, [](ByteSource& source) { readHeifBoxes(source); });
+        attempt(bytes, readHeif);
     }
 }

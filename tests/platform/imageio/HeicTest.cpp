@@ -2,6 +2,8 @@
 #include <tests/Testing.h>
 
 #include <zorvan/platform/graphics/ExactTransforms.h>
+#include <zorvan/platform/imageio/internal/BoxWriter.h>
+#include <zorvan/platform/imageio/internal/HeifMeta.h>
 #include <zorvan/platform/imageio/internal/HeifTransforms.h>
 
 namespace zorvan::imageio {
@@ -58,15 +60,153 @@ TEST(Heic, ASizeStatedAfterTheTurnIsTakenForTheOneBefore) {
     expectStored(bytes, original, 6);
 }
 
-// Some versions of the codec's library refuse that.
-TEST(Heic, ASizeStatedSmallerThanCodedIsACropOrDamage) {
-    const Bitmap original = pattern(80, 64);
-    Data bytes = encoded(FileFormat::heic, original);
-    bytes[positionOf(bytes, "ispe") + 11] = std::byte{72};
-    if (const std::string error = errorOf(bytes); !error.empty())
-        EXPECT_EQ(error, "the file is damaged");
-    else
-        EXPECT_LE(difference(decoded(bytes), cropped(original, {0, 0, 72, 64}).value()).mean, 7);
+/// Of the only picture of a file.
+Data codedIn(const Data& file) {
+    const auto source = sourceOver(file);
+    const HeifMeta meta(*source);
+    const HeifPicture::Extent extent = meta.find(meta.primary())->extents[0];
+    return source->bytes(extent.offset, extent.length);
+}
+
+void writeProperties(BoxWriter& out, std::size_t tiles, PixelSize size, const PixelRect& crop,
+                     const std::vector<HeifBox>& coding) {
+    out.box("ipco", [&] {
+        out.fullBox("ispe", 0, [&] {
+            out.number(static_cast<std::uint64_t>(size.width), 4);
+            out.number(static_cast<std::uint64_t>(size.height), 4);
+        });
+        out.box("clap", [&] {
+            const std::int64_t x = 2 * crop.x + crop.width - size.width;
+            const std::int64_t y = 2 * crop.y + crop.height - size.height;
+            constexpr std::int64_t whole = 1, half = 2;
+            for (const std::int64_t number :
+                 {crop.width, whole, crop.height, whole, x, half, y, half})
+                out.number(static_cast<std::uint64_t>(number), 4);
+        });
+        for (const HeifBox& property : coding)
+            out.box(property.type, [&] { out.write(property.content); });
+    });
+    out.fullBox("ipma", 0, [&] {
+        out.number(tiles + 1, 4);
+        for (std::size_t i = 0; i <= tiles; ++i) {
+            const std::size_t first = i == 0 ? 1 : 3, count = i == 0 ? 2 : coding.size();
+            out.number(i + 1, 2);
+            out.number(count, 1);
+            for (std::size_t k = 0; k < count; ++k)
+                out.number(first + k, 1);
+        }
+    });
+}
+
+/// A file whose picture is laid out in the pictures of others.
+Data tiled(const std::vector<Data>& files, std::size_t columns, PixelSize size,
+           const PixelRect& crop) {
+    BoxWriter grid, out;
+    for (const std::size_t number : {std::size_t{0}, files.size() / columns - 1, columns - 1})
+        grid.number(number, number == 0 ? 2 : 1);
+    grid.number(static_cast<std::uint64_t>(size.width), 2);
+    grid.number(static_cast<std::uint64_t>(size.height), 2);
+    std::vector<Data> items = {grid.bytes()};
+    std::ranges::transform(files, std::back_inserter(items), codedIn);
+    const auto first = sourceOver(files[0]);
+    const HeifMeta coded(*first);
+    out.box("ftyp", [&] { out.text("heic\0\0\0\0heic"); });
+    out.fullBox("meta", 0, [&] {
+        out.fullBox("pitm", 0, [&] { out.number(1, 2); });
+        out.box("idat",
+                [&] { std::ranges::for_each(items, [&](auto& item) { out.write(item); }); });
+        out.fullBox("iloc", 1, [&] {
+            out.number(0x4400, 2);
+            out.number(items.size(), 2);
+            for (std::size_t i = 0, at = 0; i < items.size(); at += items[i++].size())
+                for (const auto& [number, width] :
+                     {std::pair(i + 1, 2u), {1, 2}, {0, 2}, {1, 2}, {at, 4}, {items[i].size(), 4}})
+                    out.number(number, width);
+        });
+        out.fullBox("iinf", 0, [&] {
+            out.number(items.size(), 2);
+            for (std::size_t i = 0; i < items.size(); ++i)
+                out.fullBox("infe", 2, [&] {
+                    out.number(i + 1, 2);
+                    out.number(0, 2);
+                    out.text(i == 0 ? "grid" : "hvc1");
+                });
+        });
+        out.fullBox("iref", 0, [&] {
+            out.box("dimg", [&] {
+                out.number(1, 2);
+                out.number(files.size(), 2);
+                for (std::size_t i = 0; i < files.size(); ++i)
+                    out.number(i + 2, 2);
+            });
+        });
+        out.box("iprp", [&] {
+            writeProperties(out, files.size(), size, crop,
+                            coded.propertiesOf(*coded.find(coded.primary())));
+        });
+    });
+    return out.bytes();
+}
+
+/// Three rows of three tiles of 128 by 96.
+Data nineTiles(const Bitmap& whole, PixelSize size, const PixelRect& crop) {
+    std::vector<Data> files;
+    for (std::int64_t i = 0; i < 9; ++i)
+        files.push_back(
+            encoded(FileFormat::heic, cropped(whole, {i % 3 * 128, i / 3 * 96, 128, 96}).value()));
+    return tiled(files, 3, size, crop);
+}
+
+TEST(Heic, TilesMakeUpThePictureAndMayReachBeyondIt) {
+    const Bitmap whole = pattern(384, 288);
+    for (const PixelRect& crop : {PixelRect{0, 0, 300, 200}, {130, 40, 120, 160}, {7, 100, 9, 3}}) {
+        const Data bytes = nineTiles(whole, {300, 200}, crop);
+        const Bitmap wanted = cropped(whole, crop).value();
+        EXPECT_EQ(number(propertiesOf(bytes), "PixelWidth"), crop.width);
+        EXPECT_LE(difference(decoded(bytes), wanted).mean, 7);
+        const Bitmap small = decoded(bytes, {.maximumPixelSize = 8});
+        EXPECT_LE(difference(small, referenceDownscale(wanted, small.width(), small.height())).mean,
+                  7);
+    }
+}
+
+TEST(Heic, WhatTilesDoNotMakeUpIsRefused) {
+    const Data good = nineTiles(pattern(384, 288), {300, 200}, {0, 0, 300, 200});
+    const std::size_t grid = positionOf(good, "idat") + 4, type = positionOf(good, "grid");
+    const std::size_t stated = positionOf(good, "ispe") + 8, parts = positionOf(good, "dimg") + 8;
+    const std::size_t tile = positionOf(good, "pixi") - 12; // the size of tiles
+    constexpr const char *damaged = "the file is damaged", *tooLarge = "the picture is too large",
+                         *unsupported = "this variety of the format is not supported";
+    using Changes = std::vector<std::pair<std::size_t, int>>;
+    const std::pair<Changes, const char*> table[] = {
+        {{}, ""},
+        {{{grid + 3, 3}}, damaged},                       // four columns
+        {{{grid + 5, 0x2D}}, damaged},                    // other than stated
+        {{{grid + 4, 2}, {stated + 2, 2}}, damaged},      // wider than its tiles
+        {{{grid + 6, 2}, {stated + 6, 2}}, damaged},      // and higher
+        {{{parts + 1, 1}}, damaged},                      // a tile is the picture
+        {{{parts + 1, 99}}, damaged},                     // there is no such tile
+        {{{tile + 3, 64}}, damaged},                      // too few of them
+        {{{tile + 3, 192}}, damaged},                     // larger than coded
+        {{{tile + 1, 1}}, tooLarge},                      // gigantic tiles
+        {{{positionOf(good, "hvc1"), 'x'}}, unsupported}, // in no known coding
+        {{{type, 'i'}, {type + 1, 'o'}, {type + 2, 'v'}, {type + 3, 'l'}}, unsupported},
+    };
+    for (const auto& [changes, error] : table) {
+        Data bytes = good;
+        for (const auto& [at, value] : changes)
+            bytes[at] = static_cast<std::byte>(value);
+        EXPECT_EQ(errorOf(bytes), error) << &error - &table[0].second;
+    }
+    Data gigantic = encoded(FileFormat::heic, pattern(128, 96));
+    gigantic[positionOf(gigantic, "ispe") + 8] = std::byte{0x7F};
+    EXPECT_EQ(errorOf(gigantic), tooLarge);
+    Data itself =
+        tiled({encoded(FileFormat::heic, pattern(128, 96))}, 1, {128, 96}, {0, 0, 128, 96});
+    std::ranges::copy(bytesOf("iden"), &itself[positionOf(itself, "grid")]);
+    EXPECT_EQ(errorOf(itself), "");
+    itself[positionOf(itself, "dimg") + 9] = std::byte{1};
+    EXPECT_EQ(errorOf(itself), unsupported);
 }
 
 TEST(HeifTransforms, ACropOfAnUprightOrMirroredPictureIsCountedFromItsCorner) {

@@ -7,9 +7,13 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <fstream>
 #include <limits>
 #include <random>
 #include <utility>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace zorvan::imageio {
 
@@ -86,6 +90,19 @@ std::string errorOf(const Data& bytes, DecodeOptions options) {
     const bool isPicture = reader->decode(0, options).has_value();
     EXPECT_EQ(reader->error().empty(), isPicture);
     return reader->error();
+}
+
+std::string errorWithin(std::uint64_t more, const Data& bytes) {
+    std::uint64_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    rlimit before = {};
+    getrlimit(RLIMIT_AS, &before);
+    const rlimit limit = {pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE)) + more,
+                          before.rlim_max};
+    setrlimit(RLIMIT_AS, &limit);
+    const std::string error = errorOf(bytes);
+    setrlimit(RLIMIT_AS, &before);
+    return error;
 }
 
 void readDamaged(const Data& bytes, int rounds) {

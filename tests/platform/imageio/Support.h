@@ -48,6 +48,8 @@ Data encoded(FileFormat format, const Bitmap& bitmap, PropertyList::Dictionary p
 Bitmap decoded(const Data& bytes, DecodeOptions options = {});
 /// Why the first picture cannot be decoded; empty when it can.
 std::string errorOf(const Data& bytes, DecodeOptions options = {});
+/// The same with so much more address space, and none beyond it.
+std::string errorWithin(std::uint64_t more, const Data& bytes);
 /// Reads all there is, so many times and each time with other bytes changed.
 void readDamaged(const Data& bytes, int rounds);
 

@@ -239,6 +239,23 @@ TEST(Tiff, JpegInsideAndOtherColourSpacesDecode) {
     }
 }
 
+TEST(Tiff, ABlankPageInNextToNothingIsReadAndTakesNoMemoryUnlessAllOfItIsThere) {
+    constexpr std::uint32_t side = 8000;
+    Data bytes = written([](TIFF* tiff) {
+        setFields(tiff, {PHOTOMETRIC_MINISWHITE, 1, 1, SAMPLEFORMAT_UINT, COMPRESSION_LZW, false,
+                         false, -1, side / 2});
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, side);
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, side);
+        std::vector<std::uint8_t> row(side / 8);
+        for (std::uint32_t y = 0; y < side; ++y)
+            TIFFWriteScanline(tiff, row.data(), y);
+    });
+    EXPECT_LT(bytes.size(), 10'000);
+    EXPECT_EQ(pixelAt(decoded(bytes), side - 1, side - 1), (Pixel{255, 255, 255, 255}));
+    std::fill_n(&bytes[bytes.size() / 2], 100, std::byte{0xFF}); // in the second strip
+    EXPECT_EQ(errorWithin(std::uint64_t{128} << 20, bytes), "the file is damaged");
+}
+
 TEST(Tiff, AReducedVersionIsTheThumbnailAndNoPage) {
     const auto page = [](TIFF* tiff, std::uint32_t kind) {
         setFields(tiff, {PHOTOMETRIC_RGB, 8, 3});

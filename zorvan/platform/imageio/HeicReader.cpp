@@ -2,6 +2,7 @@
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/HeifBoxes.h>
+#include <zorvan/platform/imageio/internal/HeifTiles.h>
 #include <zorvan/platform/imageio/internal/HeifTransforms.h>
 #include <zorvan/platform/imageio/internal/Outline.h>
 #include <zorvan/platform/imageio/internal/PictureSink.h>
@@ -11,10 +12,16 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstring>
+#include <future>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <system_error>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include <libheif/heif.h>
 
@@ -43,80 +50,35 @@ void check(const heif_error& error) {
     }
 }
 
-/// libheif reading from a source of ours. It refuses pictures whose size is not the one stated, so
-/// a size that is stated with its sides exchanged is read as it should be.
-class Context {
+/// The only picture of a file, which must outlive it.
+class CodedPicture {
 public:
-    Context(ByteSource& source, const HeifPicture& picture)
-        : source_(source), turnedSizeAt_(picture.turnedSizeAt), context_(heif_context_alloc()) {
+    explicit CodedPicture(const Data& file) : context_(heif_context_alloc()) {
         if (!context_)
             throw Failure{reason::noMemory};
-        reader_.reader_api_version = 1;
-        reader_.get_position = position;
-        reader_.read = read;
-        reader_.seek = seek;
-        reader_.wait_for_file_size = wait;
-        check(heif_context_read_from_reader(context_.get(), &reader_, this, nullptr));
+        check(heif_context_read_from_memory_without_copy(context_.get(), file.data(), file.size(),
+                                                         nullptr));
+        heif_image_handle* handle = nullptr;
+        check(heif_context_get_primary_image_handle(context_.get(), &handle));
+        handle_.reset(handle);
     }
 
-    Handle handle(std::uint32_t item) {
-        heif_image_handle* handle = nullptr;
-        check(heif_context_get_image_handle(context_.get(), item, &handle));
-        return Handle(handle);
-    }
+    const heif_image_handle* handle() const { return handle_.get(); }
+    bool isPremultiplied() const { return heif_image_handle_is_premultiplied_alpha(handle()) != 0; }
 
 private:
-    static Context& of(void* user) { return *static_cast<Context*>(user); }
-    static std::int64_t position(void* user) {
-        return static_cast<std::int64_t>(of(user).position_);
-    }
-    static int read(void* out, std::size_t size, void* user) {
-        Context& context = of(user);
-        const std::size_t count = context.source_.read(context.position_, out, size);
-        context.mendSize(static_cast<std::byte*>(out), count);
-        context.position_ += count;
-        return count == size ? 0 : 1;
-    }
-    static int seek(std::int64_t position, void* user) {
-        of(user).position_ = static_cast<std::uint64_t>(position);
-        return 0;
-    }
-    static heif_reader_grow_status wait(std::int64_t size, void* user) {
-        const bool there = size <= static_cast<std::int64_t>(of(user).source_.size());
-        return there ? heif_reader_grow_status_size_reached
-                     : heif_reader_grow_status_size_beyond_eof;
-    }
-
-    /// Exchanges the sides, as far as they are among the bytes at the position.
-    void mendSize(std::byte* bytes, std::size_t count) {
-        constexpr std::size_t sideLength = 4;
-        std::array<std::byte, 2 * sideLength> sides = {};
-        if (!turnedSizeAt_ ||
-            source_.read(*turnedSizeAt_, sides.data(), sides.size()) < sides.size())
-            return;
-        std::rotate(sides.begin(), sides.begin() + sideLength, sides.end());
-        for (std::size_t i = 0; i < sides.size(); ++i) {
-            const std::uint64_t place = *turnedSizeAt_ + i;
-            if (place >= position_ && place - position_ < count)
-                bytes[place - position_] = sides[i];
-        }
-    }
-
-    ByteSource& source_;
-    const std::optional<std::uint64_t> turnedSizeAt_;
-    std::uint64_t position_ = 0;
-    heif_reader reader_ = {};
     std::unique_ptr<heif_context, Release<heif_context_free>> context_;
+    Handle handle_ = {};
 };
 
-Image decoded(const heif_image_handle* handle, heif_colorspace space, heif_chroma chroma) {
+Image decoded(const CodedPicture& picture, heif_colorspace space, heif_chroma chroma) {
     const Options options(heif_decoding_options_alloc());
     if (!options)
         throw Failure{reason::noMemory};
     options->ignore_transformations = 1;
     options->convert_hdr_to_8bit = chroma == heif_chroma_interleaved_RGBA;
     heif_image* image = nullptr;
-    check(heif_decode_image(handle, &image, space, chroma, options.get()));
+    check(heif_decode_image(picture.handle(), &image, space, chroma, options.get()));
     return Image(image);
 }
 
@@ -256,25 +218,106 @@ void copyInterleaved(const heif_image* image, const PixelRect& crop, bool premul
     }
 }
 
-bool isPremultiplied(const heif_image_handle* handle) {
-    return heif_image_handle_is_premultiplied_alpha(handle) != 0;
-}
-
 /// Takes the planes as the codec leaves them and turns them into pixels row by row, which spares
 /// two copies of the whole picture. False when they are of a kind that only the library knows.
-bool convertAsCoded(const heif_image_handle* handle, PixelSize coded, int chroma,
-                    const PixelRect& crop, PictureSink& sink) {
+bool convertAsCoded(const CodedPicture& picture, PixelSize coded, int chroma, const PixelRect& crop,
+                    PictureSink& sink) {
     constexpr std::array<heif_chroma, 4> kinds = {heif_chroma_monochrome, heif_chroma_420,
                                                   heif_chroma_422, heif_chroma_444};
     const Image image =
-        decoded(handle, chroma == 0 ? heif_colorspace_monochrome : heif_colorspace_YCbCr,
+        decoded(picture, chroma == 0 ? heif_colorspace_monochrome : heif_colorspace_YCbCr,
                 kinds[static_cast<std::size_t>(chroma)]);
     const std::optional<YCbCrMatrix> matrix = matrixOf(image.get());
     const Planes planes(image.get());
     if (!matrix || !planes.fit(coded))
         return false;
-    convertPlanes(planes, *matrix, crop, isPremultiplied(handle), sink);
+    convertPlanes(planes, *matrix, crop, picture.isPremultiplied(), sink);
     return true;
+}
+
+/// How the tiles of a picture are coded.
+struct Coding {
+    PixelSize size;
+    std::optional<int> chroma;
+};
+
+/// The part of a file's only picture.
+void decodePart(const Data& file, const Coding& coding, const PixelRect& part, PictureSink& sink) {
+    const CodedPicture picture(file);
+    if (coding.chroma && convertAsCoded(picture, coding.size, *coding.chroma, part, sink))
+        return;
+    const Image image = decoded(picture, heif_colorspace_RGB, heif_chroma_interleaved_RGBA);
+    copyInterleaved(image.get(), part, picture.isPremultiplied(), sink);
+}
+
+/// The tiles from one column to before another, decoded by as many threads as there are processors.
+class TileRow {
+public:
+    TileRow(const HeifTiles& tiles, const Coding& coding, std::int64_t row, std::int64_t first,
+            std::int64_t end)
+        : tiles_(tiles), coding_(coding), row_(row), first_(first), end_(end), next_(first),
+          bitmaps_(static_cast<std::size_t>(end - first)) {
+        const std::int64_t threads = std::thread::hardware_concurrency();
+        std::vector<std::future<void>> helpers;
+        try {
+            for (std::int64_t i = 1; i < std::min(threads, end - first); ++i)
+                helpers.push_back(std::async(std::launch::async, [this] { decodeTiles(); }));
+        } catch (const std::system_error&) {
+            // There are no more threads to be had; those that there are decode all the same.
+        }
+        decodeTiles();
+        for (std::future<void>& helper : helpers)
+            helper.get();
+    }
+
+    /// Copies what the tiles have of a row of theirs from `x` on, a column of the whole picture.
+    void copyRow(std::int64_t y, std::int64_t x, std::int64_t width, std::uint8_t* out) const {
+        for (std::int64_t end = x + width; x < end;) {
+            const std::int64_t column = x / coding_.size.width;
+            const std::int64_t start = x % coding_.size.width;
+            const std::int64_t count = std::min(coding_.size.width - start, end - x);
+            const Bitmap& tile = *bitmaps_[static_cast<std::size_t>(column - first_)];
+            out = std::copy_n(tile.row(y) + start * 4, count * 4, out);
+            x += count;
+        }
+    }
+
+private:
+    void decodeTiles() {
+        for (std::int64_t column = next_++; column < end_; column = next_++) {
+            PictureSink sink(coding_.size, coding_.size);
+            decodePart(fileOf(column), coding_, {0, 0, coding_.size.width, coding_.size.height},
+                       sink);
+            bitmaps_[static_cast<std::size_t>(column - first_)] = sink.take();
+        }
+    }
+
+    /// The bytes of a picture are for one thread at a time.
+    Data fileOf(std::int64_t column) {
+        const std::lock_guard lock(reading_);
+        return tiles_.file(column, row_);
+    }
+
+    const HeifTiles& tiles_;
+    const Coding coding_;
+    const std::int64_t row_, first_, end_;
+    std::atomic<std::int64_t> next_;
+    std::mutex reading_ = {};
+    std::vector<std::optional<Bitmap>> bitmaps_;
+};
+
+void decodeRows(const HeifTiles& tiles, const Coding& coding, const PixelRect& part,
+                PictureSink& sink) {
+    const auto [width, height] = coding.size;
+    const std::int64_t end = (part.x + part.width + width - 1) / width;
+    for (std::int64_t y = part.y; y < part.y + part.height;) {
+        const TileRow row(tiles, coding, y / height, part.x / width, end);
+        const std::int64_t last = std::min((y / height + 1) * height, part.y + part.height);
+        for (; y < last; ++y) {
+            row.copyRow(y % height, part.x, part.width, sink.row());
+            sink.commit();
+        }
+    }
 }
 
 /// HEIC and AVIF, which differ in the codec only.
@@ -283,9 +326,15 @@ public:
     using FormatReader::FormatReader;
 
 private:
+    const HeifMeta& meta() {
+        if (!meta_)
+            meta_.emplace(source());
+        return *meta_;
+    }
+
     const HeifFile& file() {
         if (!file_)
-            file_ = readHeifBoxes(source());
+            file_ = heifFileOf(meta(), source().size());
         return *file_;
     }
 
@@ -332,21 +381,22 @@ private:
     Bitmap readPicture(std::int64_t index, const DecodeOptions& options) override {
         const HeifPicture& shown = picture(index);
         refuseCutFile();
-        checkSize(shown.coded);
-        Context context(source(), shown);
-        return decode(context.handle(shown.item).get(), shown.coded, shown.chroma, shown.crop,
-                      options);
+        const HeifTiles tiles(meta(), source(), shown.item);
+        if (tiles.size() != shown.coded)
+            throw Failure{reason::damaged};
+        return decode(tiles, shown.chroma, shown.crop, options);
     }
 
-    static Bitmap decode(const heif_image_handle* handle, PixelSize coded,
-                         std::optional<int> chroma, PixelRect crop, const DecodeOptions& options) {
-        checkSize(coded);
-        const PixelSize shown = {crop.width, crop.height};
+    static Bitmap decode(const HeifTiles& tiles, std::optional<int> chroma, const PixelRect& part,
+                         const DecodeOptions& options) {
+        checkSize(tiles.size());
+        const PixelSize shown = {part.width, part.height};
         PictureSink sink(shown, wantedSize(shown, options));
-        if (chroma && convertAsCoded(handle, coded, *chroma, crop, sink))
-            return sink.take();
-        const Image image = decoded(handle, heif_colorspace_RGB, heif_chroma_interleaved_RGBA);
-        copyInterleaved(image.get(), crop, isPremultiplied(handle), sink);
+        const Coding coding = {tiles.tileSize(), chroma};
+        if (tiles.isOne())
+            decodePart(tiles.file(0, 0), coding, part, sink);
+        else
+            decodeRows(tiles, coding, part, sink);
         return sink.take();
     }
 
@@ -355,16 +405,11 @@ private:
         if (!shown.thumbnail)
             throw Failure{reason::noThumbnail};
         refuseCutFile();
-        Context context(source(), shown);
-        const Handle picture = context.handle(shown.item);
-        heif_image_handle* thumbnail = nullptr;
-        check(heif_image_handle_get_thumbnail(picture.get(), *shown.thumbnail, &thumbnail));
-        const Handle owner(thumbnail);
-        const PixelSize size = {heif_image_handle_get_ispe_width(thumbnail),
-                                heif_image_handle_get_ispe_height(thumbnail)};
-        return decode(thumbnail, size, shown.chroma, {0, 0, size.width, size.height}, {});
+        const HeifTiles tiles(meta(), source(), *shown.thumbnail);
+        return decode(tiles, shown.chroma, {0, 0, tiles.size().width, tiles.size().height}, {});
     }
 
+    std::optional<HeifMeta> meta_ = {};
     std::optional<HeifFile> file_ = {};
 };
 

@@ -3,7 +3,6 @@
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/HeifMeta.h>
 #include <zorvan/platform/imageio/internal/HeifTransforms.h>
-#include <zorvan/platform/imageio/internal/HevcSequence.h>
 
 #include <algorithm>
 #include <array>
@@ -13,8 +12,6 @@
 
 namespace zorvan::imageio {
 namespace {
-
-constexpr int maximumTopLevelBoxes = 1000;
 
 double fraction(HeifCursor& cursor, bool isSigned) {
     const std::uint32_t numerator = cursor.u32();
@@ -64,11 +61,7 @@ void readAv1Description(int bits, HeifPicture& picture) {
 }
 
 void readDescription(const HeifBox& property, HeifPicture& picture) {
-    if (property.type == "ispe") {
-        HeifFullBox box(property.content);
-        picture.coded.width = box.cursor.u32();
-        picture.coded.height = box.cursor.u32();
-    } else if (property.type == "pixi") {
+    if (property.type == "pixi") {
         HeifFullBox box(property.content);
         picture.monochrome = box.cursor.u8() == 1;
         picture.depth = box.cursor.u8();
@@ -81,29 +74,11 @@ void readDescription(const HeifBox& property, HeifPicture& picture) {
     }
 }
 
-/// Some encoders state the size that a quarter turn leads to, where the size before it belongs.
-void mendTurnedSize(const HeifMeta& meta, const std::vector<HeifBox>& properties,
-                    HeifPicture& picture) {
-    const PixelSize turned = {picture.coded.height, picture.coded.width};
-    const auto isTurned = [&](const HeifBox& property) {
-        return property.type == "hvcC" && hevcPictureSize(property.content) == turned;
-    };
-    if (turned == picture.coded || std::ranges::none_of(properties, isTurned))
-        return;
-    picture.coded = turned;
-    for (const HeifBox& property : properties)
-        if (property.type == "ispe")
-            picture.turnedSizeAt = meta.offsetOf(property.content) + 4;
-}
-
 HeifPicture describe(const HeifMeta& meta, std::uint32_t id, const HeifItem& item) {
-    HeifPicture picture = {.item = id, .coded = {}, .crop = {}};
     const std::vector<HeifBox> properties = meta.propertiesOf(item);
+    HeifPicture picture = {.item = id, .coded = codedSize(properties), .crop = {}};
     for (const HeifBox& property : properties)
         readDescription(property, picture);
-    if (picture.coded.width < 1 || picture.coded.height < 1)
-        throw Failure{reason::damaged};
-    mendTurnedSize(meta, properties, picture);
     HeifTransforms transforms(picture.coded);
     bool turned = false;
     for (const HeifBox& property : properties)
@@ -112,21 +87,6 @@ HeifPicture describe(const HeifMeta& meta, std::uint32_t id, const HeifItem& ite
     if (turned)
         picture.orientation = transforms.orientation();
     return picture;
-}
-
-bool isAlpha(const HeifMeta& meta, std::uint32_t id) {
-    const HeifItem* item = meta.find(id);
-    if (!item)
-        return false;
-    for (const HeifBox& property : meta.propertiesOf(*item)) {
-        if (property.type != "auxC" || property.content.size() < 4)
-            continue;
-        const std::string_view kind = textOf(property.content.subspan(4));
-        if (kind.starts_with("urn:mpeg:hevc:2015:auxid:1") ||
-            kind.starts_with("urn:mpeg:mpegB:cicp:systems:auxiliary:alpha"))
-            return true;
-    }
-    return false;
 }
 
 /// The tiles of a grid are coded alike, and only they say how.
@@ -140,6 +100,7 @@ void readTileDescription(const HeifMeta& meta, std::uint32_t tile, HeifPicture& 
 }
 
 void addRelated(const HeifMeta& meta, HeifPicture& picture) {
+    picture.hasAlpha = meta.alphaOf(picture.item).has_value();
     for (const HeifReference& reference : meta.references()) {
         if (reference.type == "dimg" && reference.from == picture.item)
             readTileDescription(meta, reference.to, picture);
@@ -148,8 +109,6 @@ void addRelated(const HeifMeta& meta, HeifPicture& picture) {
         const HeifItem* from = meta.find(reference.from);
         if (reference.type == "thmb" && !picture.thumbnail)
             picture.thumbnail = reference.from;
-        else if (reference.type == "auxl" && isAlpha(meta, reference.from))
-            picture.hasAlpha = true;
         else if (reference.type == "cdsc" && from && from->type == "Exif" &&
                  from->extents.size() == 1)
             picture.exif = from->extents[0];
@@ -170,35 +129,6 @@ bool standsAlone(const HeifMeta& meta, std::uint32_t id, const HeifItem& item) {
         const bool isPart = reference.type == "thmb" || reference.type == "auxl";
         return (isPart && reference.from == id) || (reference.type == "dimg" && reference.to == id);
     });
-}
-
-/// Where the content of the "meta" box is.
-HeifPicture::Extent findMeta(ByteSource& source) {
-    std::uint64_t position = 0;
-    bool hasMovie = false;
-    for (int i = 0; i < maximumTopLevelBoxes; ++i) {
-        std::array<std::byte, 16> head = {};
-        if (source.read(position, head.data(), head.size()) < 8)
-            throw Failure{hasMovie ? reason::unsupported : reason::cutShort};
-        std::uint64_t length = big32(head, 0);
-        std::uint64_t headLength = 8;
-        if (length == 1) {
-            length = bigEndian(head, 8, 8);
-            headLength = 16;
-        } else if (length == 0) {
-            length = source.size() - position;
-        }
-        if (length < headLength)
-            throw Failure{reason::damaged};
-        const std::string_view type = textOf(head).substr(4, 4);
-        if (type == "meta")
-            return {position + headLength, length - headLength};
-        hasMovie = hasMovie || type == "moov";
-        if (length > source.size() - position)
-            throw Failure{reason::cutShort};
-        position += length;
-    }
-    throw Failure{reason::damaged};
 }
 
 bool liesWithin(const HeifPicture::Extent& extent, std::uint64_t size) {
@@ -228,18 +158,11 @@ bool isAvif(Bytes head) noexcept {
     return namesBrand(head, {"avif"}) && !namesBrand(head, {"heic", "heix", "heim", "heis"});
 }
 
-HeifFile readHeifBoxes(ByteSource& source) {
-    const HeifPicture::Extent place = findMeta(source);
-    if (place.length > maximumMetadataSize)
-        throw Failure{reason::tooLarge};
-    const Data content = source.bytes(place.offset, place.length);
-    if (content.size() < place.length)
-        throw Failure{reason::cutShort};
-    const HeifMeta meta(content, place.offset);
+HeifFile heifFileOf(const HeifMeta& meta, std::uint64_t size) {
     HeifFile file;
     for (const auto& [id, item] : meta.items()) {
         for (const HeifPicture::Extent& extent : item.extents)
-            file.isComplete = file.isComplete && liesWithin(extent, source.size());
+            file.isComplete = file.isComplete && liesWithin(extent, size);
         if (id != meta.primary() && !standsAlone(meta, id, item))
             continue;
         HeifPicture picture = describe(meta, id, item);

@@ -1,12 +1,18 @@
 #include <zorvan/platform/imageio/internal/HeifMeta.h>
 
 #include <zorvan/platform/imageio/internal/FormatReader.h>
+#include <zorvan/platform/imageio/internal/HevcSequence.h>
+
+#include <algorithm>
+#include <array>
 
 namespace zorvan::imageio {
 
 namespace {
 
-constexpr std::size_t maximumItems = 100'000;
+constexpr int maximumTopLevelBoxes = 1000;
+/// Of items, of references and of properties each: what is looked up in them takes the square.
+constexpr std::size_t maximumItems = 20'000;
 
 HeifBox nextBox(HeifCursor& cursor) {
     std::uint64_t length = cursor.u32();
@@ -23,6 +29,35 @@ HeifBox nextBox(HeifCursor& cursor) {
     return {type, cursor.take(static_cast<std::size_t>(length - head))};
 }
 
+/// Where the content of the "meta" box is.
+HeifPicture::Extent findMeta(ByteSource& source) {
+    std::uint64_t position = 0;
+    bool hasMovie = false;
+    for (int i = 0; i < maximumTopLevelBoxes; ++i) {
+        std::array<std::byte, 16> head = {};
+        if (source.read(position, head.data(), head.size()) < 8)
+            throw Failure{hasMovie ? reason::unsupported : reason::cutShort};
+        std::uint64_t length = big32(head, 0);
+        std::uint64_t headLength = 8;
+        if (length == 1) {
+            length = bigEndian(head, 8, 8);
+            headLength = 16;
+        } else if (length == 0) {
+            length = source.size() - position;
+        }
+        if (length < headLength)
+            throw Failure{reason::damaged};
+        const std::string_view type = textOf(head).substr(4, 4);
+        if (type == "meta")
+            return {position + headLength, length - headLength};
+        hasMovie = hasMovie || type == "moov";
+        if (length > source.size() - position)
+            throw Failure{reason::cutShort};
+        position += length;
+    }
+    throw Failure{reason::damaged};
+}
+
 } // namespace
 
 Bytes HeifCursor::take(std::size_t count) {
@@ -33,9 +68,19 @@ Bytes HeifCursor::take(std::size_t count) {
     return taken;
 }
 
-HeifMeta::HeifMeta(Bytes content, std::uint64_t contentOffset)
-    : begin_(content.data()), start_(contentOffset) {
-    HeifFullBox meta(content);
+HeifMeta::HeifMeta(ByteSource& source) {
+    const HeifPicture::Extent place = findMeta(source);
+    if (place.length > maximumMetadataSize)
+        throw Failure{reason::tooLarge};
+    start_ = place.offset;
+    content_ = source.bytes(place.offset, place.length);
+    if (content_.size() < place.length)
+        throw Failure{reason::cutShort};
+    readBoxes();
+}
+
+void HeifMeta::readBoxes() {
+    HeifFullBox meta(content_);
     while (!meta.cursor.atEnd()) {
         const HeifBox box = nextBox(meta.cursor);
         if (box.type == "pitm")
@@ -49,7 +94,7 @@ HeifMeta::HeifMeta(Bytes content, std::uint64_t contentOffset)
         else if (box.type == "iloc")
             locations_ = box.content;
         else if (box.type == "idat")
-            dataOffset_ = offsetOf(box.content);
+            dataOffset_ = start_ + static_cast<std::uint64_t>(box.content.data() - content_.data());
     }
     readLocations();
 }
@@ -65,6 +110,36 @@ std::vector<HeifBox> HeifMeta::propertiesOf(const HeifItem& item) const {
         if (index >= 1 && index <= properties_.size())
             result.push_back(properties_[index - 1]);
     return result;
+}
+
+std::vector<std::uint32_t> HeifMeta::partsOf(std::uint32_t id) const {
+    std::vector<std::uint32_t> result;
+    for (const HeifReference& reference : references_)
+        if (reference.type == "dimg" && reference.from == id)
+            result.push_back(reference.to);
+    return result;
+}
+
+std::optional<std::uint32_t> HeifMeta::alphaOf(std::uint32_t id) const {
+    for (const HeifReference& reference : references_)
+        if (reference.type == "auxl" && reference.to == id && isAlpha(reference.from))
+            return reference.from;
+    return std::nullopt;
+}
+
+bool HeifMeta::isAlpha(std::uint32_t id) const {
+    const HeifItem* item = find(id);
+    if (!item)
+        return false;
+    for (const HeifBox& property : propertiesOf(*item)) {
+        if (property.type != "auxC" || property.content.size() < 4)
+            continue;
+        const std::string_view kind = textOf(property.content.subspan(4));
+        if (kind.starts_with("urn:mpeg:hevc:2015:auxid:1") ||
+            kind.starts_with("urn:mpeg:mpegB:cicp:systems:auxiliary:alpha"))
+            return true;
+    }
+    return false;
 }
 
 HeifItem& HeifMeta::item(std::uint32_t id) {
@@ -158,6 +233,25 @@ void HeifMeta::readLocations() {
                 owner.extents.push_back({base + offset, length});
         }
     }
+}
+
+/// Some encoders state the size that a quarter turn leads to, where the size before it belongs.
+PixelSize codedSize(const std::vector<HeifBox>& properties) {
+    PixelSize stated;
+    for (const HeifBox& property : properties) {
+        if (property.type != "ispe")
+            continue;
+        HeifFullBox box(property.content);
+        stated.width = box.cursor.u32();
+        stated.height = box.cursor.u32();
+    }
+    if (stated.width < 1 || stated.height < 1)
+        throw Failure{reason::damaged};
+    const PixelSize turned = {stated.height, stated.width};
+    const bool isTurned = std::ranges::any_of(properties, [&](const HeifBox& property) {
+        return property.type == "hvcC" && hevcPictureSize(property.content) == turned;
+    });
+    return isTurned ? turned : stated;
 }
 
 } // namespace zorvan::imageio

@@ -197,6 +197,10 @@ private:
         const PixelSize stored = {info.image_width, info.image_height};
         checkSize(stored);
         const PixelSize target = wantedSize(stored, options);
+        // The codec makes up what is missing. Of what is there, a bit says 64 pixels, or 128 when
+        // each colour is coarse in another direction.
+        constexpr std::uint64_t mostPixelsOfByte = 4096;
+        checkCanvas(target, static_cast<std::int64_t>(mostPixelsOfByte * source().size()));
         const bool inks = info.jpeg_color_space == JCS_CMYK || info.jpeg_color_space == JCS_YCCK;
         info.out_color_space = inks ? JCS_CMYK : JCS_EXT_RGBA;
         chooseScale(info, stored, target);

@@ -22,10 +22,14 @@ void checkSize(PixelSize size) {
         throw Failure{reason::tooLarge};
 }
 
+bool isOutOfProportion(PixelSize size, std::int64_t mostPixels) noexcept {
+    constexpr std::int64_t alwaysFit = std::int64_t{1} << 24;
+    return size.width > std::max(mostPixels, alwaysFit) / size.height;
+}
+
 void checkCanvas(PixelSize canvas, std::int64_t mostPixels) {
-    constexpr std::int64_t mostEmptyPixels = std::int64_t{1} << 24; // whatever the file says
     checkSize(canvas);
-    if (canvas.width > std::max(mostPixels, mostEmptyPixels) / canvas.height)
+    if (isOutOfProportion(canvas, mostPixels))
         throw Failure{reason::tooLarge};
 }
 
@@ -44,14 +48,19 @@ PixelSize wantedSize(PixelSize stored, const DecodeOptions& options) noexcept {
     return {scaledSide(stored.width, limit, longer), scaledSide(stored.height, limit, longer)};
 }
 
-PictureSink::PictureSink(PixelSize source, PixelSize target) : bitmap_(bitmapOf(target)) {
-    if (source == target)
-        return;
-    scaler_.emplace(bitmap_, source.width, source.height);
-    buffer_.resize(static_cast<std::size_t>(source.width) * 4);
+std::uint8_t* PictureSink::row() {
+    if (!bitmap_)
+        begin();
+    return scaler_ ? buffer_.data() : bitmap_->row(next_);
 }
 
-std::uint8_t* PictureSink::row() noexcept { return scaler_ ? buffer_.data() : bitmap_.row(next_); }
+void PictureSink::begin() {
+    bitmap_ = bitmapOf(target_);
+    if (source_ == target_)
+        return;
+    scaler_.emplace(*bitmap_, source_.width, source_.height);
+    buffer_.resize(static_cast<std::size_t>(source_.width) * 4);
+}
 
 void PictureSink::commit() noexcept {
     ++next_;
@@ -59,7 +68,7 @@ void PictureSink::commit() noexcept {
         scaler_->push(buffer_.data());
 }
 
-void PictureSink::put(const Bitmap& picture) noexcept {
+void PictureSink::put(const Bitmap& picture) {
     for (std::int64_t y = 0; y < picture.height(); ++y) {
         std::copy_n(picture.row(y), picture.bytesPerRow(), row());
         commit();

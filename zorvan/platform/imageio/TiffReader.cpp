@@ -20,7 +20,18 @@ namespace {
 
 /// A strip that decodes to more is read row by row.
 constexpr std::int64_t largestWholeStrip = 4 << 20;
-constexpr std::int64_t largestBand = std::int64_t{1} << 30;
+
+/// What the file has something to say of, in the compression of most pictures: so many pixels, and
+/// so many bytes of a strip.
+std::int64_t usualExpansion(const TiffFile& file) {
+    constexpr std::uint64_t ofByte = 4096;
+    return static_cast<std::int64_t>(ofByte * file.source().size());
+}
+
+/// What a strip or a row of tiles may decode to, in bytes.
+std::int64_t largestBand(const TiffFile& file) {
+    return std::clamp(usualExpansion(file), std::int64_t{1} << 26, std::int64_t{1} << 30);
+}
 
 /// The rows of samples that one strip, or one row of tiles, holds: a plane for each sample, or one.
 class Band {
@@ -28,7 +39,7 @@ public:
     Band(const TiffFile& file, const TiffLayout& layout, std::int64_t rowSize, std::int64_t rows)
         : file_(file), layout_(layout), planeCount_(layout.planar ? layout.sampleCount : 1),
           rowSize_(rowSize), rowCount_(rows) {
-        if (rowSize <= 0 || rows <= 0 || rowSize > largestBand / rows / planeCount_)
+        if (rowSize <= 0 || rows <= 0 || rowSize > largestBand(file) / rows / planeCount_)
             throw Failure{reason::tooLarge};
         planes_.resize(static_cast<std::size_t>(planeCount_));
         pointers_.resize(planes_.size());
@@ -119,7 +130,7 @@ void readTiled(const TiffFile& file, const TiffLayout& layout, PictureSink& sink
     if (tileWidth < 1 || tileHeight < 1 || tileRowSize * 8 != samplesInRow * layout.bits)
         throw Failure{reason::damaged};
     const std::int64_t tilesAcross = (layout.size.width + tileWidth - 1) / tileWidth;
-    if (tileRowSize > largestBand / tilesAcross)
+    if (tileRowSize > largestBand(file) / tilesAcross)
         throw Failure{reason::tooLarge};
     readBands(file, layout, tileRowSize * tilesAcross, tileHeight, sink);
 }
@@ -168,6 +179,8 @@ void readThroughLibrary(const TiffFile& file, const TiffLayout& layout, PictureS
     const auto rowsPerPiece = file.fieldOrDefault<std::uint32_t>(
         layout.tiled ? TIFFTAG_TILELENGTH : TIFFTAG_ROWSPERSTRIP, 0xFFFFFFFF);
     const std::int64_t rows = std::clamp<std::int64_t>(rowsPerPiece, 1, layout.size.height);
+    if (isOutOfProportion({layout.size.width, rows}, usualExpansion(file)))
+        throw Failure{reason::tooLarge};
     std::vector<std::uint32_t> raster(static_cast<std::size_t>(layout.size.width * rows));
     for (std::int64_t y = 0; y < layout.size.height; y += rows) {
         const std::int64_t count = std::min(rows, layout.size.height - y);
@@ -189,16 +202,27 @@ void readThroughLibrary(const TiffFile& file, const TiffLayout& layout, PictureS
     }
 }
 
-Bitmap readPage(const TiffFile& file, const DecodeOptions& options) {
-    const TiffLayout layout = layoutOf(file);
-    checkSize(layout.size);
-    PictureSink sink(layout.size, wantedSize(layout.size, options));
+void readRows(const TiffFile& file, const TiffLayout& layout, PictureSink& sink) {
     if (!layout.isPlain())
         readThroughLibrary(file, layout, sink);
     else if (layout.tiled)
         readTiled(file, layout, sink);
     else
         readStrips(file, layout, sink);
+}
+
+Bitmap readPage(const TiffFile& file, const DecodeOptions& options) {
+    const TiffLayout layout = layoutOf(file);
+    checkSize(layout.size);
+    const PixelSize wanted = wantedSize(layout.size, options);
+    if (isOutOfProportion(wanted, usualExpansion(file))) {
+        // A blank page is coded in next to nothing, so this is no reason to refuse it. But it is
+        // read to its end before there is memory for it.
+        PictureSink trial(layout.size, {1, 1});
+        readRows(file, layout, trial);
+    }
+    PictureSink sink(layout.size, wanted);
+    readRows(file, layout, sink);
     return sink.take();
 }
 

@@ -11,11 +11,10 @@
 namespace zorvan::imageio {
 
 // Why there is a reader of boxes beside libheif: its version 1.15, Debian 12's, tells neither the
-// turns and crops of a picture nor whether all of its data is there without decoding it, and it
-// applies them itself unless it is asked for the picture as coded. Version 1.19, Debian 13's, tells
-// the turns and crops (`heif_item_get_transformation_properties`): once Debian 12 is left behind,
-// what is read here shrinks to where the data lies, the sizes that encoders state wrongly and the
-// place of Exif.
+// turns and crops of a picture nor whether all of its data is there without decoding it, and what a
+// file says of its tiles it believes: it leaves what they do not cover as the memory was, and
+// follows a picture that is made of itself until the stack ends. So the boxes are read here, and
+// libheif is given the coded pictures, one by one (HeifTiles).
 
 /// Whether a file that begins so is of the HEIF family, with pictures in HEVC or AV1.
 bool isHeif(Bytes head) noexcept;
@@ -27,8 +26,6 @@ struct HeifPicture {
     std::uint32_t item = 0;
     /// The size of the coded picture.
     PixelSize coded;
-    /// Where the file states that size with width and height exchanged; absent when it is right.
-    std::optional<std::uint64_t> turnedSizeAt = {};
     /// The part of the coded picture that is to be shown, in its own coordinates.
     PixelRect crop;
     /// The EXIF value that turns that part as the file's own rotations and mirrors do; absent when
@@ -57,7 +54,8 @@ struct HeifFile {
     bool isComplete = true;
 };
 
-/// Reads the boxes that describe the pictures, not the pictures. Throws Failure.
-HeifFile readHeifBoxes(ByteSource& source);
+class HeifMeta;
+/// What a file of that size says about its pictures. Throws Failure.
+HeifFile heifFileOf(const HeifMeta& meta, std::uint64_t size);
 
 } // namespace zorvan::imageio

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -57,16 +58,13 @@ struct HeifReference {
     std::uint32_t to;
 };
 
-/// The boxes inside "meta", taken apart. Throws Failure.
+/// The boxes inside the "meta" of a file, taken apart.
 class HeifMeta {
 public:
-    /// The content must outlive it.
-    HeifMeta(Bytes content, std::uint64_t contentOffset);
-
-    /// Where in the file a part of the boxes is.
-    std::uint64_t offsetOf(Bytes part) const {
-        return start_ + static_cast<std::uint64_t>(part.data() - begin_);
-    }
+    /// Throws Failure.
+    explicit HeifMeta(ByteSource& source);
+    HeifMeta(const HeifMeta&) = delete;
+    HeifMeta& operator=(const HeifMeta&) = delete;
 
     std::uint32_t primary() const { return primary_; }
     const std::map<std::uint32_t, HeifItem>& items() const { return items_; }
@@ -75,8 +73,14 @@ public:
     const HeifItem* find(std::uint32_t id) const;
     /// The properties of an item, in the order of application.
     std::vector<HeifBox> propertiesOf(const HeifItem& item) const;
+    /// What the item is made of.
+    std::vector<std::uint32_t> partsOf(std::uint32_t id) const;
+    /// The item that is the alpha of this one.
+    std::optional<std::uint32_t> alphaOf(std::uint32_t id) const;
 
 private:
+    void readBoxes();
+    bool isAlpha(std::uint32_t id) const;
     HeifItem& item(std::uint32_t id);
     void readPrimary(Bytes content);
     void readItems(Bytes content);
@@ -85,8 +89,8 @@ private:
     void readAssociations(Bytes content);
     void readLocations();
 
-    const std::byte* begin_;
-    std::uint64_t start_;
+    std::uint64_t start_ = 0;
+    Data content_ = {};
     std::uint64_t dataOffset_ = 0;
     std::uint32_t primary_ = 0;
     std::map<std::uint32_t, HeifItem> items_ = {};
@@ -94,5 +98,9 @@ private:
     std::vector<HeifBox> properties_ = {};
     Bytes locations_ = {};
 };
+
+/// The size before any turn that the properties of a picture state. Throws Failure when they state
+/// none.
+PixelSize codedSize(const std::vector<HeifBox>& properties);
 
 } // namespace zorvan::imageio

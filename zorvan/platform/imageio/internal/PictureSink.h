@@ -20,8 +20,10 @@ struct PixelSize {
 
 /// Throws when a picture of this size is refused: before anything is allocated for it.
 void checkSize(PixelSize size);
-/// The same for a canvas on which a picture stands, of a file that has something to say of
-/// `mostPixels`: the rest of it would cost memory for next to no bytes.
+/// Whether that many pixels, of a file that has something to say of `mostPixels`, would cost memory
+/// for next to no bytes. Pictures of up to 2^24 pixels never do.
+bool isOutOfProportion(PixelSize size, std::int64_t mostPixels) noexcept;
+/// Throws as well when it is out of proportion.
 void checkCanvas(PixelSize canvas, std::int64_t mostPixels);
 
 /// A transparent bitmap of that size. Throws when there is no memory for it.
@@ -31,19 +33,21 @@ Bitmap bitmapOf(PixelSize size);
 PixelSize wantedSize(PixelSize stored, const DecodeOptions& options) noexcept;
 
 /// Takes the rows of a picture from a codec, the top one first, and makes the bitmap that was asked
-/// for: row by row, so that a picture that is to be small is never whole in memory.
+/// for: row by row, so that a picture that is to be small is never whole in memory. The bitmap is
+/// made for the first row.
 class PictureSink {
 public:
     /// `source` is the size of what the codec gives; no side of `target` is longer.
-    PictureSink(PixelSize source, PixelSize target);
+    PictureSink(PixelSize source, PixelSize target) noexcept : source_(source), target_(target) {}
     PictureSink(PictureSink&&) = delete;
 
     /// Where the codec puts the next row: room for the source's width in RGBA, premultiplied.
-    std::uint8_t* row() noexcept;
+    /// Throws when there is no memory for the bitmap.
+    std::uint8_t* row();
     /// The row is there.
     void commit() noexcept;
     /// All rows, of a picture of the source's size.
-    void put(const Bitmap& picture) noexcept;
+    void put(const Bitmap& picture);
     /// All rows, of a canvas of the source's size on which a picture stands somewhere and which is
     /// transparent elsewhere. `nextRow(out, count)` gives the first pixels of the picture's rows.
     template <class NextRow>
@@ -58,10 +62,13 @@ public:
         }
     }
     /// After the last row.
-    Bitmap take() { return std::move(bitmap_); }
+    Bitmap take() { return std::move(*bitmap_); }
 
 private:
-    Bitmap bitmap_;
+    void begin();
+
+    const PixelSize source_, target_;
+    std::optional<Bitmap> bitmap_;
     std::optional<AreaDownscaler> scaler_;
     std::vector<std::uint8_t> buffer_;
     std::int64_t next_ = 0;
