@@ -201,6 +201,9 @@ TEST(Heic, WhatTilesDoNotMakeUpIsRefused) {
     Data gigantic = encoded(FileFormat::heic, pattern(128, 96));
     gigantic[positionOf(gigantic, "ispe") + 8] = std::byte{0x7F};
     EXPECT_EQ(errorOf(gigantic), tooLarge);
+    Data apart = encoded(FileFormat::heic, pattern(80, 64, true));
+    apart[textOf(apart).rfind("ispe") + 11] = std::byte{96}; // the alpha's
+    EXPECT_EQ(errorOf(apart), unsupported);
     Data itself =
         tiled({encoded(FileFormat::heic, pattern(128, 96))}, 1, {128, 96}, {0, 0, 128, 96});
     std::ranges::copy(bytesOf("iden"), &itself[positionOf(itself, "grid")]);
