@@ -60,7 +60,6 @@ TEST(Heic, ASizeStatedAfterTheTurnIsTakenForTheOneBefore) {
     expectStored(bytes, original, 6);
 }
 
-/// Of the only picture of a file.
 Data codedIn(const Data& file) {
     const auto source = sourceOver(file);
     const HeifMeta meta(*source);
@@ -102,15 +101,14 @@ void writeProperties(BoxWriter& out, std::size_t tiles, PixelSize size, const Pi
 Data tiled(const std::vector<Data>& files, std::size_t columns, PixelSize size,
            const PixelRect& crop) {
     BoxWriter grid, out;
-    for (const std::size_t number : {std::size_t{0}, files.size() / columns - 1, columns - 1})
-        grid.number(number, number == 0 ? 2 : 1);
+    grid.number((files.size() / columns - 1) << 8 | (columns - 1), 4);
     grid.number(static_cast<std::uint64_t>(size.width), 2);
     grid.number(static_cast<std::uint64_t>(size.height), 2);
     std::vector<Data> items = {grid.bytes()};
     std::ranges::transform(files, std::back_inserter(items), codedIn);
     const auto first = sourceOver(files[0]);
     const HeifMeta coded(*first);
-    out.box("ftyp", [&] { out.text("heic\0\0\0\0heic"); });
+    out.box("ftyp", [&] { out.text("heic"); });
     out.fullBox("meta", 0, [&] {
         out.fullBox("pitm", 0, [&] { out.number(1, 2); });
         out.box("idat",
@@ -210,6 +208,19 @@ TEST(Heic, WhatTilesDoNotMakeUpIsRefused) {
     EXPECT_EQ(errorOf(itself), "");
     itself[positionOf(itself, "dimg") + 9] = std::byte{1};
     EXPECT_EQ(errorOf(itself), unsupported);
+}
+
+TEST(Heic, PiecesThatTakeNoBytesTakeNoMemory) {
+    BoxWriter out;
+    out.box("ftyp", [&] { out.text("heic"); });
+    out.fullBox("meta", 0, [&] {
+        out.fullBox("iloc", 0, [&] {
+            out.number(1000, 4); // bytes of a place, and items
+            for (std::size_t i = 0; i < 1000; ++i)
+                out.number(0x1'0000'FFFF, 6); // item 1, in this file, in 65,535 pieces
+        });
+    });
+    EXPECT_EQ(errorWithin(std::uint64_t{64} << 20, out.bytes()), "the file is damaged");
 }
 
 TEST(HeifTransforms, ACropOfAnUprightOrMirroredPictureIsCountedFromItsCorner) {

@@ -11,8 +11,10 @@ namespace zorvan::imageio {
 namespace {
 
 constexpr int maximumTopLevelBoxes = 1000;
-/// Of items, of references and of properties each: what is looked up in them takes the square.
+/// Of items, of references, of properties and of extents each: what is looked up in them takes the
+/// square.
 constexpr std::size_t maximumItems = 20'000;
+constexpr std::size_t maximumPropertiesOfItem = 255;
 
 HeifBox nextBox(HeifCursor& cursor) {
     std::uint64_t length = cursor.u32();
@@ -206,8 +208,11 @@ void HeifMeta::readAssociations(Bytes content) {
     const std::uint32_t indexMask = width == 2 ? 0x7FFF : 0x7F; // the top bit: essential
     for (std::uint32_t entries = box.cursor.u32(); entries > 0; --entries) {
         HeifItem& owner = item(box.cursor.id(box.version < 1 ? 2 : 4));
-        for (int count = box.cursor.u8(); count > 0; --count)
+        for (int count = box.cursor.u8(); count > 0; --count) {
+            if (owner.properties.size() >= maximumPropertiesOfItem)
+                throw Failure{reason::damaged};
             owner.properties.push_back(box.cursor.id(width) & indexMask);
+        }
     }
 }
 
@@ -219,6 +224,7 @@ void HeifMeta::readLocations() {
     const int sizes = cursor.u16();
     const auto width = [&](int shift) { return static_cast<std::size_t>(sizes >> shift & 15); };
     const std::size_t indexWidth = box.version == 0 ? 0 : width(0);
+    std::size_t extentCount = 0; // they may take no bytes at all
     std::uint32_t count = cursor.id(box.version < 2 ? 2 : 4);
     for (; count > 0; --count) {
         HeifItem& owner = item(cursor.id(box.version < 2 ? 2 : 4));
@@ -226,6 +232,8 @@ void HeifMeta::readLocations() {
         cursor.take(2);
         const std::uint64_t base = cursor.number(width(4)) + (method == 1 ? dataOffset_ : 0);
         for (int extents = cursor.u16(); extents > 0; --extents) {
+            if (++extentCount > maximumItems)
+                throw Failure{reason::damaged};
             cursor.take(indexWidth);
             const std::uint64_t offset = cursor.number(width(12));
             const std::uint64_t length = cursor.number(width(8));
@@ -248,9 +256,8 @@ PixelSize codedSize(const std::vector<HeifBox>& properties) {
     if (stated.width < 1 || stated.height < 1)
         throw Failure{reason::damaged};
     const PixelSize turned = {stated.height, stated.width};
-    const bool isTurned = std::ranges::any_of(properties, [&](const HeifBox& property) {
-        return property.type == "hvcC" && hevcPictureSize(property.content) == turned;
-    });
+    const auto coding = std::ranges::find(properties, "hvcC", &HeifBox::type);
+    const bool isTurned = coding != properties.end() && hevcPictureSize(coding->content) == turned;
     return isTurned ? turned : stated;
 }
 
