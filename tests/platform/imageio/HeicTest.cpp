@@ -186,7 +186,7 @@ TEST(Heic, WhatTilesDoNotMakeUpIsRefused) {
         {{{parts + 1, 99}}, damaged},                     // there is no such tile
         {{{tile + 3, 64}}, damaged},                      // too few of them
         {{{tile + 3, 192}}, damaged},                     // larger than coded
-        {{{tile + 1, 1}}, tooLarge},                      // gigantic tiles
+        {{{tile, 1}}, tooLarge},                          // gigantic tiles
         {{{positionOf(good, "hvc1"), 'x'}}, unsupported}, // in no known coding
         {{{type, 'i'}, {type + 1, 'o'}, {type + 2, 'v'}, {type + 3, 'l'}}, unsupported},
     };
@@ -199,9 +199,6 @@ TEST(Heic, WhatTilesDoNotMakeUpIsRefused) {
     Data gigantic = encoded(FileFormat::heic, pattern(128, 96));
     gigantic[positionOf(gigantic, "ispe") + 8] = std::byte{0x7F};
     EXPECT_EQ(errorOf(gigantic), tooLarge);
-    Data apart = encoded(FileFormat::heic, pattern(80, 64, true));
-    apart[textOf(apart).rfind("ispe") + 11] = std::byte{96}; // the alpha's
-    EXPECT_EQ(errorOf(apart), unsupported);
     Data itself =
         tiled({encoded(FileFormat::heic, pattern(128, 96))}, 1, {128, 96}, {0, 0, 128, 96});
     std::ranges::copy(bytesOf("iden"), &itself[positionOf(itself, "grid")]);
