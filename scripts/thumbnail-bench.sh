@@ -14,6 +14,19 @@ if [ ! -f large.heic ]; then
     heif-enc -q 80 -o unfinished.heic large.png >making-heic.log 2>&1
     mv unfinished.heic large.heic
 fi
+if [ ! -f tiled.heic ]; then
+    mkdir -p tiles
+    vips embed large.png tiles/whole.v 0 0 4096 3072 --extend copy
+    for y in 0 1 2 3 4 5; do
+        for x in 0 1 2 3 4 5 6 7; do
+            vips crop tiles/whole.v tiles/one.png $((x * 512)) $((y * 512)) 512 512
+            heif-enc -q 80 -o "tiles/$y-$x.heic" tiles/one.png >>making-heic.log 2>&1
+        done
+    done
+    "$root/scripts/tiled-heic.py" unfinished.heic 4000 3000 8 tiles/?-?.heic
+    rm -r tiles
+    mv unfinished.heic tiled.heic
+fi
 
 run() { # PROGRAM PICTURE
     set -- "$1" "$2" /usr/bin/time -f %M -a -o "$1.memory"
@@ -41,7 +54,7 @@ median() { # FILE
 
 printf '%-11s %10s %10s %10s %10s %10s %9s %9s %9s\n' picture 'shelf ms' 'vips ms' 'gm ms' 'to vips' 'to gm' \
     'shelf MB' 'vips MB' 'gm MB'
-for picture in large.jpg large.png large.tiff large.heic; do
+for picture in large.jpg large.png large.tiff large.heic tiled.heic; do
     rm -f ./*.time ./*.memory ./*.refused
     round=0
     while [ "$round" -lt "$rounds" ]; do
