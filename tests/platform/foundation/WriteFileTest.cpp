@@ -199,6 +199,12 @@ TEST(Scratch, BelievesNoListThatAnotherCouldHaveWritten) {
         EXPECT_TRUE(isThere("in/document") && isThere(scratch) && isThere("in/" + scratch + "x"));
         EXPECT_EQ(isThere("in/." + scratch), isOpenToOthers);
         EXPECT_EQ(isThere("in/" + scratch + ".jpg"), isOpenToOthers);
+        // Nor does it wait for a lock that another could hold.
+        folder.file(listName);
+        folder.setMode(listName, isOpenToOthers ? 0622 : 0644);
+        const internal::FileDescriptor held(open((folder.path() / listName).c_str(), O_RDONLY));
+        EXPECT_TRUE(internal::lockDescriptor(held.get(), LOCK_EX));
+        EXPECT_EQ(write(folder.path() / "in/document", "new"), 0);
     }
 }
 

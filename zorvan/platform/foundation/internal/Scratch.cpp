@@ -23,13 +23,17 @@ std::string listIn(const std::string& folder) {
     return folder + "/.zorvan-unfinished-" + std::to_string(::geteuid());
 }
 
-/// Whether an open file is what has the name, and a list that this user alone could have written.
+/// Whether an open file is a list that this user alone could have written.
+bool isOwnList(const struct stat& file) noexcept {
+    return S_ISREG(file.st_mode) && file.st_uid == ::geteuid() && (file.st_mode & 0022) == 0;
+}
+
+/// Whether an open file is what has the name, and such a list.
 bool isListAt(const FileDescriptor& file, const std::string& path) noexcept {
     struct stat status {
     }, named{};
     return ::fstat(file.get(), &status) == 0 && ::lstat(path.c_str(), &named) == 0 &&
-           status.st_dev == named.st_dev && status.st_ino == named.st_ino &&
-           S_ISREG(status.st_mode) && status.st_uid == ::geteuid() && (status.st_mode & 0022) == 0;
+           status.st_dev == named.st_dev && status.st_ino == named.st_ino && isOwnList(status);
 }
 
 bool isUUID(std::string_view text) noexcept {
@@ -84,6 +88,16 @@ void finishList(const FileDescriptor& list, const std::string& folder) noexcept 
     }
 }
 
+/// Gets the shared lock of a list. Waits for those who remove what is written down, but not where
+/// others may open the list too, who could keep their lock for ever.
+bool lockOwnList(const FileDescriptor& list) noexcept {
+    struct stat status {};
+    if (::fstat(list.get(), &status) != 0 || !isOwnList(status))
+        return false;
+    const bool isPrivate = (status.st_mode & 0077) == 0;
+    return lockDescriptor(list.get(), isPrivate ? LOCK_SH : LOCK_SH | LOCK_NB);
+}
+
 /// The list of a folder with a shared lock on it; none where that cannot be had.
 FileDescriptor joinedList(const std::string& folder) {
     const std::string path = listIn(folder);
@@ -91,7 +105,7 @@ FileDescriptor joinedList(const std::string& folder) {
     for (int i = 0; i < tries; ++i) {
         removeUnfinished(folder);
         FileDescriptor list(::open(path.c_str(), listFlags | O_CREAT, 0600));
-        if (!list || !lockDescriptor(list.get(), LOCK_SH))
+        if (!list || !lockOwnList(list))
             break;
         if (isListAt(list, path))
             return list;

@@ -12,8 +12,8 @@ namespace zorvan::internal {
 /// beforehand, in a hidden file of their folder, ".zorvan-unfinished-" and the number of the user,
 /// on which each process keeps a shared lock (`flock`) while it is at work there. Whoever can have
 /// that lock alone knows that all that is written down is nobody's any more, and removes it. The
-/// last one to leave removes the file. Where no such file can be made or locked, an item that is
-/// left stays.
+/// last one to leave removes the file. Where no such file can be made or locked, or somebody else
+/// has made it, nobody waits for it, and an item that is left stays.
 class Scratch {
 public:
     /// The name must be one of `makeUUIDString`, after a dot if you like, and with any extension.
