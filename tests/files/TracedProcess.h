@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstddef>
 #include <fcntl.h>
+#include <functional>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
 #include <sys/user.h>
@@ -18,6 +19,7 @@ public:
     enum class Fate {
         killed, // instead of the call
         fails,  // without being made
+        meets,  // a deed of this process just before it
     };
     enum class End {
         hadFewerCalls, // and so came to its own end
@@ -26,6 +28,8 @@ public:
 
     TracedProcess(std::size_t fatefulCall, Fate fate, int error = EIO)
         : left_(fatefulCall), fate_(fate), error_(error) {}
+    TracedProcess(std::size_t fatefulCall, std::function<void()> deed)
+        : left_(fatefulCall), fate_(Fate::meets), error_(0), deed_(std::move(deed)) {}
 
     /// Called within the work: the calls from here on are none of those that count.
     static void goOnUnharmed() { (void)!write(-1, nullptr, 0); }
@@ -91,10 +95,11 @@ private:
     }
 
     void strike(long call) {
-        if (fate_ == Fate::killed) {
+        if (fate_ == Fate::killed)
+            deed_ = [this] { kill(child_, SIGKILL); };
+        if (deed_) {
             end_ = End::wasStruck;
-            kill(child_, SIGKILL);
-            return;
+            return deed_();
         }
 #if defined(__x86_64__)
         user_regs_struct registers{};
@@ -120,6 +125,7 @@ private:
     std::size_t left_;
     Fate fate_;
     int error_;
+    std::function<void()> deed_;
     End end_ = End::hadFewerCalls;
     pid_t child_ = 0;
     int exitStatus_ = -1;

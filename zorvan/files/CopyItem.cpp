@@ -136,7 +136,7 @@ void copyLink(const Place& from, const struct stat& status, const Place& to) {
 void copySpecial(const struct stat& status, const Place& to) {
     if (::mknodat(to.folder, to.name, (status.st_mode & S_IFMT) | 0600, status.st_rdev) != 0)
         fail("cannot make", to);
-    if (::fchmodat(to.folder, to.name, status.st_mode & 0777, 0) != 0)
+    if (::fchmodat(to.folder, to.name, status.st_mode & 0777, AT_SYMLINK_NOFOLLOW) != 0)
         fail("cannot set the mode of", to);
     copyDates(status, to);
 }

@@ -139,6 +139,30 @@ TEST(WriteFile, LeavesNothingBehindWhenKilledAtAnyStep) {
     }
 }
 
+// Another user of the folder puts a private file, or a link to it, in the place of the new one.
+TEST(WriteFile, GivesTheOldPermissionsToNoOtherFile) {
+    for (const bool isLink : {true, false}) {
+        auto end = TracedProcess::End::wasStruck;
+        for (std::size_t call = 0; end == TracedProcess::End::wasStruck; ++call) {
+            TemporaryFolder folder(TemporaryFolder::fastParent());
+            const fs::path secret = folder.path() / "secret";
+            folder.file("file");
+            folder.file("secret", "private");
+            folder.setMode("secret", 0600);
+            TracedProcess process(call, [&] {
+                for (const fs::path& path : fs::directory_iterator(folder.path()))
+                    if (path.filename().string().size() == 37 && fs::remove(path))
+                        isLink ? fs::create_symlink(secret, path) : fs::rename(secret, path);
+            });
+            end = process.run([&] { write(folder.path() / "file", "new"); });
+            for (const auto& entry : fs::directory_iterator(folder.path()))
+                ASSERT_TRUE(text(entry) != "private" ||
+                            entry.status().permissions() == fs::perms(0600))
+                    << entry << " at call " << call;
+        }
+    }
+}
+
 TEST(Scratch, IsClearedOnceItsProcessHasEnded) {
     TemporaryFolder folder;
     int ready[2], stop[2];

@@ -60,10 +60,10 @@ int NewFile::place(const std::string& path) {
 
 int NewFile::replace(const std::string& path) {
     if (scratch_)
-        return replaceItem(path, scratch_->path());
+        return replaceItem(path, scratch_->path(), file_.get());
     const Scratch name = Scratch::beside(path);
     const int error = linked(file_, name.path());
-    return error == 0 ? replaceItem(path, name.path()) : error;
+    return error == 0 ? replaceItem(path, name.path(), file_.get()) : error;
 }
 
 } // namespace zorvan::internal

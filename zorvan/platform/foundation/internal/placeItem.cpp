@@ -25,27 +25,36 @@ bool isUnknownFlag(int error) noexcept { return error == EINVAL || error == ENOS
 
 /// Gives an item the access list of another, or none. Before the mode: with a list, the bits of the
 /// group are only the most that the list can give.
-int adoptAccessList(const std::string& path, const std::string& model) {
+int adoptAccessList(int item, const std::string& model) {
     constexpr const char* accessList = "system.posix_acl_access";
     const ssize_t size = ::lgetxattr(model.c_str(), accessList, nullptr, 0);
     if (size <= 0) {
-        ::lremovexattr(path.c_str(), accessList);
+        ::fremovexattr(item, accessList);
         return 0;
     }
     std::vector<char> list(static_cast<std::size_t>(size));
     const bool isAdopted =
         ::lgetxattr(model.c_str(), accessList, list.data(), list.size()) == size &&
-        ::lsetxattr(path.c_str(), accessList, list.data(), list.size(), 0) == 0;
+        ::fsetxattr(item, accessList, list.data(), list.size(), 0) == 0;
     return isAdopted ? 0 : errno;
 }
 
 /// Who may do what with a file stays as it was when its content changes. An owner that cannot be
 /// kept takes the set-user and set-group bits with him.
-int adoptPermissions(const std::string& path, const std::string& model, const struct stat& status) {
-    const bool keepsOwner = ::lchown(path.c_str(), status.st_uid, status.st_gid) == 0;
-    if (const int error = adoptAccessList(path, model))
+int adoptPermissions(int item, const std::string& model, const struct stat& status) {
+    const bool keepsOwner = ::fchown(item, status.st_uid, status.st_gid) == 0;
+    if (const int error = adoptAccessList(item, model))
         return error;
-    return ::chmod(path.c_str(), status.st_mode & (keepsOwner ? 07777 : 01777)) == 0 ? 0 : errno;
+    return ::fchmod(item, status.st_mode & (keepsOwner ? 07777 : 01777)) == 0 ? 0 : errno;
+}
+
+/// Opens a file or folder that is the user's own, though its mode forbid it; no link is followed.
+int openItself(const std::string& path) noexcept {
+    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    const int item = ::open(path.c_str(), flags);
+    const bool isOpenedUp = item < 0 && errno == EACCES &&
+                            ::fchmodat(AT_FDCWD, path.c_str(), 0700, AT_SYMLINK_NOFOLLOW) == 0;
+    return isOpenedUp ? ::open(path.c_str(), flags) : item;
 }
 
 /// Makes an empty item of the same kind, unless something has the name.
@@ -92,17 +101,20 @@ int placeItemByName(const std::string& from, const std::string& to) noexcept {
     return error;
 }
 
-int replaceItem(const std::string& original, const std::string& replacement) {
+int replaceItem(const std::string& original, const std::string& replacement, int opened) {
     struct stat old {
     }, replacing{};
     if (::lstat(original.c_str(), &old) != 0) // it went meanwhile
         return errno == ENOENT ? placeItem(replacement, original) : errno;
     if (::lstat(replacement.c_str(), &replacing) != 0)
         return errno;
-    const bool isSameKind = (old.st_mode & S_IFMT) == (replacing.st_mode & S_IFMT);
-    if (isSameKind && !S_ISLNK(old.st_mode))
-        if (const int error = adoptPermissions(replacement, original, old))
+    const mode_t kind = old.st_mode & S_IFMT;
+    if (kind == (replacing.st_mode & S_IFMT) && (kind == S_IFREG || kind == S_IFDIR)) {
+        const FileDescriptor item(opened < 0 ? openItself(replacement)
+                                             : ::fcntl(opened, F_DUPFD_CLOEXEC, 0));
+        if (const int error = item ? adoptPermissions(item.get(), original, old) : errno)
             return error;
+    }
     const bool hasFolder = S_ISDIR(old.st_mode) || S_ISDIR(replacing.st_mode);
     const int error =
         hasFolder ? exchange(original, replacement) : renamed(replacement, original, 0);

@@ -19,8 +19,10 @@ int placeItemByName(const std::string& from, const std::string& to) noexcept;
 
 /// Puts an item in the place of another, and waits until its name is on the disk. What was at
 /// `original` is removed, or is at `replacement` when a folder is involved. Of two files, and of
-/// two folders, the mode, the access list and as far as allowed the owner of the first stay.
-int replaceItem(const std::string& original, const std::string& replacement);
+/// two folders, the mode, the access list and as far as allowed the owner of the first stay: given
+/// to what is open as `opened`, if anything is, whatever another user has put at `replacement`
+/// meanwhile. A link that is found there is not followed.
+int replaceItem(const std::string& original, const std::string& replacement, int opened = -1);
 
 /// `replaceItem` with a folder where the volume cannot exchange two items. The old one is renamed
 /// first, to its name with ".old-" and a UUID; for a moment nothing has its name, and a process

@@ -17,7 +17,7 @@ void removeOrOpenUp(int parent, const char* name) noexcept {
     if (::unlinkat(parent, name, AT_REMOVEDIR) == 0)
         return;
     if (::faccessat(parent, name, R_OK | W_OK | X_OK, AT_EACCESS) != 0)
-        ::fchmodat(parent, name, 0700, 0);
+        ::fchmodat(parent, name, 0700, AT_SYMLINK_NOFOLLOW);
 }
 
 void removeContents(const std::string& path) {
