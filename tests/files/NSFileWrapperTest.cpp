@@ -37,6 +37,8 @@ TEST(NSFileWrapper, ReadsAFolderOrMakesOne) {
     const auto lost = NSFileWrapper::create({.url = folder.url("doc")});
     fs::remove(folder.path() / "doc/text");
     EXPECT_THROW(lost->fileWrappers().at("text")->regularFileContents(), fs::filesystem_error);
+    fs::rename(folder.path() / "doc/pipe", folder.path() / "doc/text");
+    EXPECT_THROW(lost->fileWrappers().at("text")->regularFileContents(), fs::filesystem_error);
     for (const URL& url : {folder.url("doc/sub/inner"), folder.url("doc/sub/inner/x"),
                            *URL::make({.string = "http://a.org/x"})})
         EXPECT_THROW(NSFileWrapper::create({.url = url}), fs::filesystem_error);

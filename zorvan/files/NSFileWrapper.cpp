@@ -15,6 +15,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <span>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zorvan {
@@ -25,7 +26,14 @@ using internal::FileDescriptor;
 namespace {
 
 Data bytesOf(const std::string& path) {
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+    // Not blocking, should a pipe have taken its name meanwhile.
+    const FileDescriptor file(
+        ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
+    struct stat status {};
+    if (!file || ::fstat(file.get(), &status) != 0)
+        throwFileError("cannot read", path, errno);
+    if (!S_ISREG(status.st_mode))
+        throwFileError("cannot read", path, EINVAL);
     Data bytes;
     Data chunk(std::size_t{1} << 16);
     for (;;) {

@@ -73,7 +73,7 @@ public:
     const Children& fileWrappers() const;
 
     /// What a file holds; absent when this is no file. Throws when the file it was read from can no
-    /// longer be read.
+    /// longer be read, or is none any more.
     std::optional<Data> regularFileContents() const;
 
     /// Where a link leads, as it is written in it; absent when this is no link.
