@@ -99,9 +99,11 @@ TEST(NSFileWrapperDeathTest, StopsAtBrokenContracts) {
     EXPECT_DEATH(file->addFileWrapper(inner), noDirectory);
     EXPECT_DEATH((void)file->fileWrappers(), noDirectory);
     for (const std::string name : {"", ".", "..", "a/b"}) {
+        const std::string noName =
+            "^\"" + name + "\" is no file name that a file wrapper can have in a directory.\n$";
         file->setPreferredFilename(name);
-        EXPECT_DEATH(outer->addFileWrapper(file),
-                     "^\"" + name +
-                         "\" is no file name that a file wrapper can have in a directory.\n$");
+        EXPECT_DEATH(outer->addFileWrapper(file), noName);
+        const NSFileWrapper::Children children{{name, file}};
+        EXPECT_DEATH(NSFileWrapper::create({.directoryWithFileWrappers = children}), noName);
     }
 }

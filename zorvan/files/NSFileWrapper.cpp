@@ -63,9 +63,10 @@ std::string inMessage(const std::string& name) {
     return '"' + internal::percentEscaped(name, [](char c) { return c < 0 || c >= ' '; }) + '"';
 }
 
-bool isFileName(const std::string& name) {
-    return !name.empty() && name != "." && name != ".." &&
-           name.find_first_of(std::string_view("/\0", 2)) == std::string::npos;
+void expectFileName(const std::string& name) {
+    if (!isFileName(name))
+        fatalError(inMessage(name) +
+                   " is no file name that a file wrapper can have in a directory.");
 }
 
 } // namespace
@@ -88,6 +89,8 @@ std::shared_ptr<NSFileWrapper> NSFileWrapper::create(RegularFile file) {
 }
 
 std::shared_ptr<NSFileWrapper> NSFileWrapper::create(Directory directory) {
+    for (const auto& [name, child] : directory.directoryWithFileWrappers.value)
+        expectFileName(name);
     return of(std::move(directory.directoryWithFileWrappers.value));
 }
 
@@ -156,9 +159,7 @@ bool NSFileWrapper::holds(const NSFileWrapper& other) const {
 
 std::string NSFileWrapper::addFileWrapper(const std::shared_ptr<NSFileWrapper>& child) {
     Children& siblings = children();
-    if (!isFileName(child->preferredFilename_))
-        fatalError(inMessage(child->preferredFilename_) +
-                   " is no file name that a file wrapper can have in a directory.");
+    expectFileName(child->preferredFilename_);
     if (child->holds(*this))
         fatalError("The file wrapper " + inMessage(child->preferredFilename_) +
                    " cannot be added to what it holds, or to itself.");

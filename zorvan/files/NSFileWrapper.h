@@ -46,7 +46,8 @@ public:
     /// empty. Throws, also when a file is in the way.
     static std::shared_ptr<NSFileWrapper> create(const Place& place);
 
-    /// A file, folder or link in memory alone, without a name.
+    /// A file, folder or link in memory alone, without a name. Stops the program when a name of
+    /// what the folder holds is empty or no name of a file.
     /// @{
     static std::shared_ptr<NSFileWrapper> create(RegularFile file);
     static std::shared_ptr<NSFileWrapper> create(Directory directory);

@@ -6,6 +6,12 @@
 
 namespace zorvan::files {
 
+/// Whether a folder can hold an item of that name.
+inline bool isFileName(std::string_view name) noexcept {
+    return !name.empty() && name != "." && name != ".." &&
+           name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
+
 /// The extension of a file name, by the rule of `URL::pathExtension()`, without making a URL.
 inline std::string_view pathExtensionOfName(std::string_view name) noexcept {
     const std::size_t dot = name.rfind('.');
