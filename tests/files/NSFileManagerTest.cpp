@@ -27,18 +27,23 @@ TEST(NSFileManager, NamesTemporaryFiles) {
 TEST(NSFileManager, MakesAFolderForTheTemporaryFilesOfABundle) {
     TemporaryFolder folder;
     const Variable variable("TMPDIR", folder.url("deep/tmp").path().c_str());
-    folder.file("named/Info.plist", "<plist><dict><key>CFBundleIdentifier</key>"
-                                    "<string>org.example.a</string></dict></plist>");
-    folder.folder("plain");
-    const auto named = NSBundle::create(folder.url("named").path());
-    const auto plain = NSBundle::create(folder.url("plain").path());
-
-    const URL url = manager().temporaryURL({.pathExt = "jpg", .bundle = named});
-    EXPECT_EQ(parent(url), folder.url("deep/tmp/org.example.a").path());
-    EXPECT_EQ(manager().temporaryURL({.for_ = url, .bundle = named}).pathExtension(), "jpg");
-    EXPECT_EQ(fs::status(parent(url)).permissions(), fs::perms::owner_all);
-    const std::string a = parent(manager().temporaryURL({.pathExt = "", .bundle = plain}));
-    EXPECT_NE(a, parent(manager().temporaryURL({.pathExt = "", .bundle = plain})));
+    const auto nameFor = [&](const std::string& identifier) {
+        folder.file("a/Info.plist", "<plist><dict><key>CFBundleIdentifier</key><string>" +
+                                        identifier + "</string></dict></plist>");
+        const auto bundle = NSBundle::create(folder.url("a").path());
+        const URL first = manager().temporaryURL({.pathExt = "jpg", .bundle = bundle});
+        const URL url = manager().temporaryURL({.for_ = first, .bundle = bundle});
+        EXPECT_EQ(url.pathExtension(), "jpg");
+        EXPECT_EQ(fs::status(parent(url)).permissions(), fs::perms::owner_all) << identifier;
+        EXPECT_EQ(fs::path(parent(url)).parent_path(), folder.path() / "deep/tmp");
+        return fs::path(parent(url)).filename().string();
+    };
+    EXPECT_EQ(nameFor("org.example.a"), "org.example.a");
+    // Names that lead elsewhere, or that another user may have something under.
+    folder.make({"deep/tmp/shared/", "deep/tmp/link -> org.example.a"});
+    folder.setMode("deep/tmp/shared", 0777);
+    for (const char* identifier : {"", "..", "../out", "shared", "link"})
+        EXPECT_EQ(nameFor(identifier).size(), 36u) << identifier;
 }
 
 TEST(NSFileManager, KnowsTheFoldersOfTheProgram) {

@@ -98,8 +98,10 @@ public:
     /// The same with the path extension of `for_`.
     URL temporaryURL(Model argument) const;
 
-    /// The same in a folder that is named by the bundle's identifier, or by a UUID when it has
-    /// none. The folder is created, for the user alone; when that fails, so will making the file.
+    /// The same in a folder that is named by the bundle's identifier, and created for the user
+    /// alone. It is named by a UUID when the bundle has no identifier, or one that is no name of a
+    /// file, and when somebody else has that name already or may write to the folder. When creating
+    /// it fails, so will making the file.
     /// @{
     URL temporaryURL(const PathExtensionInBundle& argument) const;
     URL temporaryURL(const ModelInBundle& argument) const;

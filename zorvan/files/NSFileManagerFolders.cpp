@@ -2,6 +2,7 @@
 
 #include <zorvan/files/NSFileManager.h>
 
+#include <zorvan/files/internal/fileNames.h>
 #include <zorvan/files/internal/filePath.h>
 #include <zorvan/platform/foundation/NSUserName.h>
 #include <zorvan/platform/foundation/UUID.h>
@@ -10,6 +11,8 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace zorvan {
 
@@ -32,10 +35,21 @@ std::optional<std::string> mainBundleName() {
     return text ? std::optional(*text) : std::nullopt;
 }
 
+/// Whether a folder, not by way of a link, is this user's, and no one else may write to it.
+bool isOwnFolder(const std::string& path) noexcept {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == ::geteuid() && (status.st_mode & 0022) == 0;
+}
+
 URL temporaryDirectory(const NSBundle& bundle) {
-    const auto identifier = bundle.bundleIdentifier();
-    const URL folder =
-        temporaryDirectory().appendingPathComponent(identifier ? *identifier : makeUUIDString());
+    const std::string identifier = bundle.bundleIdentifier().value_or("");
+    if (isFileName(identifier)) {
+        const URL folder = temporaryDirectory().appendingPathComponent(identifier);
+        if (makePrivateFolder(folder.path()) == 0 || isOwnFolder(folder.path()))
+            return folder;
+    }
+    const URL folder = temporaryDirectory().appendingPathComponent(makeUUIDString());
     makePrivateFolder(folder.path());
     return folder;
 }
