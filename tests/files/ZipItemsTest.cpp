@@ -1,12 +1,13 @@
 // Archives, judged by two readers that are not the library's writer: unzip and Python.
 
-#include "ChildProcess.h"
 #include "TemporaryFolder.h"
+#include "TracedProcess.h"
 #include <tests/Testing.h>
 #include <tests/Variable.h>
 #include <tests/outputOf.h>
 
 #include <zorvan/files/NSFileManager.h>
+#include <zorvan/platform/archives/ZipArchive.h>
 
 namespace {
 
@@ -91,6 +92,24 @@ TEST_F(ZipItems, IsEmptyOrAbsent) {
     EXPECT_TRUE(fs::is_empty(folder.path() / "tmp"));
     const Variable noPlace("TMPDIR", (folder.path() / "file").c_str());
     EXPECT_FALSE(zip({folder.url("file")}));
+}
+
+// Another user puts a link in the place of a folder, at each moment there is.
+TEST_F(ZipItems, HoldsNothingThatALinkLeadsTo) {
+    fs::copy_file("/proc/self/exe", folder.path() / "file");
+    auto end = TracedProcess::End::wasStruck;
+    for (std::size_t call = 0; end == TracedProcess::End::wasStruck; ++call) {
+        TemporaryFolder inner(TemporaryFolder::fastParent());
+        inner.file("sub/file");
+        const auto size = [&] { return zipArchiveOfFolder(inner.path()).value_or(Data()).size(); };
+        EXPECT_GT(size(), 22u);
+        TracedProcess process(call, [&] {
+            fs::rename(inner.path() / "sub", inner.path() / "aside");
+            inner.link("sub", folder.path());
+        });
+        end = process.run([&] { EXPECT_LT(size(), 1000u); });
+        ASSERT_EQ(process.exitStatus(), 0) << "at call " << call;
+    }
 }
 
 TEST_F(ZipItems, HoldsFilesOfMoreThanFourGigabytes) {

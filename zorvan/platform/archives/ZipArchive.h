@@ -15,7 +15,8 @@ namespace zorvan {
 /// two hexadecimal digits. Pipes, sockets and devices are left out. Files, and the archive, may be
 /// larger than 4 GiB; no file is held in memory.
 ///
-/// Absent when something cannot be read, or when memory does not suffice for the archive.
+/// Absent when something cannot be read, or when memory does not suffice for the archive. No link
+/// is followed, and be it one that takes the place of a folder meanwhile.
 std::optional<Data> zipArchiveOfFolder(const std::string& path);
 
 } // namespace zorvan

@@ -4,7 +4,6 @@
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/foundation/internal/UTF8.h>
-#include <zorvan/platform/foundation/internal/openByPath.h>
 #include <zorvan/platform/foundation/internal/percentEscapes.h>
 
 #include <archive.h>
@@ -20,6 +19,7 @@
 #include <new>
 #include <string_view>
 #include <sys/stat.h>
+#include <utility>
 #include <vector>
 
 namespace zorvan::internal {
@@ -27,6 +27,7 @@ namespace zorvan::internal {
 namespace {
 
 constexpr std::size_t bufferSize = std::size_t{1} << 18;
+constexpr int folderFlags = O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 /// Lets this thread's character set be UTF-8, which is how the archive library knows in which
 /// encoding it is given names.
@@ -92,8 +93,8 @@ la_ssize_t append(archive* writer, void* data, const void* bytes, std::size_t si
 class ZipWriter {
 public:
     ZipWriter(const std::string& folder, Data& data)
-        : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
-          writer_(archive_write_new()), entry_(archive_entry_new()) {
+        : folder_(::open(folder.c_str(), folderFlags)), writer_(archive_write_new()),
+          entry_(archive_entry_new()) {
         if (!writer_ || !entry_)
             throw std::bad_alloc();
         // No padding to a block at the end: it is no tape.
@@ -103,8 +104,11 @@ public:
     }
 
     bool add(const std::string& path) {
+        if (!goToFolderOf(path))
+            return false;
+        const char* const name = path.c_str() + folderPath_.size();
         // A link is opened as such.
-        const FileDescriptor item(openByPath(folder_.get(), path, O_PATH | O_NOFOLLOW | O_CLOEXEC));
+        const FileDescriptor item(::openat(folder_.get(), name, O_PATH | O_NOFOLLOW | O_CLOEXEC));
         struct stat status {};
         if (!item || ::fstat(item.get(), &status) != 0)
             return false;
@@ -113,7 +117,7 @@ public:
         archive_entry_set_mode(entry_.get(), status.st_mode);
         archive_entry_set_mtime(entry_.get(), status.st_mtim.tv_sec, status.st_mtim.tv_nsec);
         if (S_ISREG(status.st_mode))
-            return addFile(path);
+            return addFile(name);
         if (S_ISLNK(status.st_mode))
             return addLink(item.get());
         return !S_ISDIR(status.st_mode) || writeHeader();
@@ -122,6 +126,33 @@ public:
     bool finish() { return isSound_ && archive_write_close(writer_.get()) == ARCHIVE_OK; }
 
 private:
+    using Identity = std::pair<dev_t, ino_t>;
+
+    Identity go(const std::string& step) {
+        folder_ = FileDescriptor(::openat(folder_.get(), step.c_str(), folderFlags));
+        struct stat status {};
+        ::fstat(folder_.get(), &status);
+        return {status.st_dev, status.st_ino};
+    }
+
+    /// Goes from the folder of the last item to that of another. No link is followed, for one may
+    /// have taken the place of a folder since that was listed.
+    bool goToFolderOf(const std::string& path) {
+        while (!path.starts_with(folderPath_)) {
+            folderPath_.erase(folderPath_.rfind('/', folderPath_.size() - 2) + 1);
+            folders_.pop_back();
+            if (go("..") != folders_.back()) // it was moved
+                return false;
+        }
+        std::size_t end = 0;
+        while (folder_ && (end = path.find('/', folderPath_.size())) != path.npos) {
+            const std::string name = path.substr(folderPath_.size(), end - folderPath_.size());
+            folders_.push_back(go(name));
+            folderPath_ += name + '/';
+        }
+        return bool(folder_);
+    }
+
     bool writeHeader() {
         return isSound_ && archive_write_header(writer_.get(), entry_.get()) == ARCHIVE_OK;
     }
@@ -136,9 +167,9 @@ private:
         return writeHeader();
     }
 
-    bool addFile(const std::string& path) {
+    bool addFile(const char* name) {
         const FileDescriptor file(
-            openByPath(folder_.get(), path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+            ::openat(folder_.get(), name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         struct stat status {};
         if (!file || ::fstat(file.get(), &status) != 0)
             return false;
@@ -157,7 +188,9 @@ private:
         }
     }
 
-    FileDescriptor folder_;
+    FileDescriptor folder_;                     // that the last item stood in
+    std::string folderPath_;                    // of that one, with a slash at the end
+    std::vector<Identity> folders_ = {go(".")}; // those from the first to that one
     std::unique_ptr<archive, Release<::archive_write_free>> writer_;
     std::unique_ptr<archive_entry, Release<::archive_entry_free>> entry_;
     std::vector<std::byte> buffer_ = std::vector<std::byte>(bufferSize);
