@@ -5,11 +5,7 @@
 #include <zorvan/files/NSFileManager.h>
 
 namespace {
-
 const NSFileManager& manager() { return *NSFileManager::defaultManager(); }
-
-std::string text(const URL& url) { return ::text(url.path()); }
-
 } // namespace
 
 TEST(AvailableNames, NumbersTakenNamesFromZero) {
@@ -41,22 +37,19 @@ TEST(AvailableNames, AreTakenInTheSameStep) {
     EXPECT_EQ(manager().moveItemToAvailableURL(far.url("item"), folder.url("a.txt")),
               folder.url("a (3).txt"));
     EXPECT_TRUE(fs::is_empty(far.path()));
-    EXPECT_EQ(text(folder.url("a (1).txt")), "ccc");
+    EXPECT_EQ(text(folder.path() / "a (1).txt"), "ccc");
     EXPECT_TRUE(fs::is_directory(folder.path() / "a (2).txt"));
-    EXPECT_EQ(text(folder.url("a (3).txt/inner")), "moved");
+    EXPECT_EQ(text(folder.path() / "a (3).txt/inner"), "moved");
     EXPECT_EQ(folder.count(), 5);
 
-    const URL missing = folder.url("missing/x");
-    const URL web = *URL::make({.string = "http://a.org/x"});
-    for (const URL& url : {missing, web}) {
+    const URL taken = folder.url("a.txt");
+    for (const URL& url : {folder.url("missing/x"), *URL::make({.string = "http://a.org/x"})}) {
         EXPECT_THROW(manager().createAvailableFile(url), fs::filesystem_error);
         EXPECT_THROW(manager().createAvailableDirectory(url), fs::filesystem_error);
-        EXPECT_THROW(manager().moveItemToAvailableURL(folder.url("a.txt"), url),
-                     fs::filesystem_error);
-        EXPECT_THROW(manager().moveItemToAvailableURL(url, folder.url("a.txt")),
-                     fs::filesystem_error);
+        EXPECT_THROW(manager().moveItemToAvailableURL(taken, url), fs::filesystem_error);
+        EXPECT_THROW(manager().moveItemToAvailableURL(url, taken), fs::filesystem_error);
     }
-    EXPECT_EQ(text(folder.url("a.txt")), "x");
+    EXPECT_EQ(text(folder.path() / "a.txt"), "x");
 }
 
 // Each process puts its mark in what it created; a mark that is missing was overwritten.
@@ -82,7 +75,7 @@ TEST(AvailableNames, AreNeverTakenTwiceByTwoProcesses) {
     std::set<std::string> marks;
     for (const auto& entry : fs::recursive_directory_iterator(folder.path() / "out"))
         if (entry.is_regular_file()) {
-            EXPECT_TRUE(marks.insert(text(URL({.fileURLWithPath = entry.path()}))).second);
+            EXPECT_TRUE(marks.insert(text(entry.path())).second);
         }
     EXPECT_EQ(marks.size(), std::size_t{2 * 3 * rounds});
     for (const std::string& mark : marks)

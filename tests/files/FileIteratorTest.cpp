@@ -111,8 +111,7 @@ TEST_F(FileIteratorTest, PassesOverWhatVanishesAfterBeingListed) {
         const auto iterator = FileIterator::create({folder.url("in")});
         iterator->setSkipAlias(true);
         names.erase(folder.relative(*iterator->next()));
-        const std::string changed = *names.begin();
-        names.erase(changed);
+        const std::string changed = names.extract(names.begin()).value();
         fs::remove(folder.path() / changed);
         if (now != "nothing")
             folder.make({changed + now});

@@ -97,17 +97,17 @@ TEST_F(ZipItems, IsEmptyOrAbsent) {
 // Another user puts a link in the place of a folder, at each moment there is.
 TEST_F(ZipItems, HoldsNothingThatALinkLeadsTo) {
     fs::copy_file("/proc/self/exe", folder.path() / "file");
+    ASSERT_TRUE(zip({})); // so that the library is loaded
     auto end = TracedProcess::End::wasStruck;
     for (std::size_t call = 0; end == TracedProcess::End::wasStruck; ++call) {
         TemporaryFolder inner(TemporaryFolder::fastParent());
         inner.file("sub/file");
-        const auto size = [&] { return zipArchiveOfFolder(inner.path()).value_or(Data()).size(); };
-        EXPECT_GT(size(), 22u);
         TracedProcess process(call, [&] {
             fs::rename(inner.path() / "sub", inner.path() / "aside");
             inner.link("sub", folder.path());
         });
-        end = process.run([&] { EXPECT_LT(size(), 1000u); });
+        end = process.run(
+            [&] { EXPECT_LT(zipArchiveOfFolder(inner.path()).value_or(Data()).size(), 1000u); });
         ASSERT_EQ(process.exitStatus(), 0) << "at call " << call;
     }
 }

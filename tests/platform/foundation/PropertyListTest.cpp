@@ -32,5 +32,4 @@ TEST(PropertyList, GivesItselfAwayWhenItIsAboutToGo) {
     ASSERT_TRUE(list);
     EXPECT_EQ(list->front(), PropertyList(text));
     EXPECT_EQ(made().as<std::string>(), std::nullopt);
-    EXPECT_EQ(PropertyList(7).as<std::int64_t>(), 7);
 }

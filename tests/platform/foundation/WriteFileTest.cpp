@@ -40,20 +40,22 @@ TEST(WriteFile, WritesFilesAndRefusesTheRest) {
     EXPECT_EQ(fs::status(at / "old").permissions(), fs::perms(0604));
     EXPECT_EQ(text(at / "other name"), "a longer text than the new one");
 
-    folder.file("sub/target", "old");
-    folder.link("sub/second", "target");
-    folder.link("first", "sub/second");
-    folder.link("dangling", "sub/made");
+    folder.make(
+        {"sub/target", "sub/second -> target", "first -> sub/second", "dangling -> sub/made"});
     for (const char* link : {"first", "dangling"})
         EXPECT_EQ(write(at / link, link), 0);
     EXPECT_EQ(fs::read_symlink(at / "first"), "sub/second");
     EXPECT_EQ(text(at / "sub/target"), "first");
     EXPECT_EQ(text(at / "sub/made"), "dangling");
 
-    folder.folder("folder");
+    const fs::path before = fs::current_path();
+    fs::current_path(at);
+    EXPECT_EQ(write("bare name", "one") + write("bare name", "two"), 0);
+    fs::current_path(before);
+    EXPECT_EQ(text(at / "bare name"), "two");
+
+    folder.make({"folder/", "to pipe -> pipe", "circle -> circle"});
     ASSERT_EQ(mkfifo((at / "pipe").c_str(), 0600), 0);
-    folder.link("to pipe", "pipe");
-    folder.link("circle", "circle");
     const std::ptrdiff_t count = folder.count();
     const std::pair<const char*, int> refused[] = {
         {"folder", EISDIR}, {"pipe", EINVAL},      {"to pipe", EINVAL}, {"/dev/null", EINVAL},
@@ -83,17 +85,6 @@ TEST(ReadRegularFile, TakesNoMoreThanItMay) {
     };
     for (const auto& [path, most, wanted] : table)
         EXPECT_EQ(error(path, most), wanted) << path << " of " << most;
-}
-
-TEST(WriteFile, TakesBareNames) {
-    TemporaryFolder folder;
-    const fs::path before = fs::current_path();
-    fs::current_path(folder.path());
-    for (const char* content : {"one", "two"})
-        EXPECT_EQ(write("name", content), 0);
-    fs::current_path(before);
-    EXPECT_EQ(text(folder.path() / "name"), "two");
-    EXPECT_EQ(folder.count(), 1);
 }
 
 TEST(WriteFile, KeepsTheAccessList) {
@@ -139,27 +130,23 @@ TEST(WriteFile, LeavesNothingBehindWhenKilledAtAnyStep) {
     }
 }
 
-// Another user of the folder puts a private file, or a link to it, in the place of the new one.
+// Another user of the folder puts a private file in the place of the new one.
 TEST(WriteFile, GivesTheOldPermissionsToNoOtherFile) {
-    for (const bool isLink : {true, false}) {
-        auto end = TracedProcess::End::wasStruck;
-        for (std::size_t call = 0; end == TracedProcess::End::wasStruck; ++call) {
-            TemporaryFolder folder(TemporaryFolder::fastParent());
-            const fs::path secret = folder.path() / "secret";
-            folder.file("file");
-            folder.file("secret", "private");
-            folder.setMode("secret", 0600);
-            TracedProcess process(call, [&] {
-                for (const fs::path& path : fs::directory_iterator(folder.path()))
-                    if (path.filename().string().size() == 37 && fs::remove(path))
-                        isLink ? fs::create_symlink(secret, path) : fs::rename(secret, path);
-            });
-            end = process.run([&] { write(folder.path() / "file", "new"); });
-            for (const auto& entry : fs::directory_iterator(folder.path()))
-                ASSERT_TRUE(text(entry) != "private" ||
-                            entry.status().permissions() == fs::perms(0600))
-                    << entry << " at call " << call;
-        }
+    auto end = TracedProcess::End::wasStruck;
+    for (std::size_t call = 0; end == TracedProcess::End::wasStruck; ++call) {
+        TemporaryFolder folder(TemporaryFolder::fastParent());
+        folder.file("file");
+        folder.file("secret", "private");
+        folder.setMode("secret", 0600);
+        TracedProcess process(call, [&] {
+            for (const fs::path& path : fs::directory_iterator(folder.path()))
+                if (path.filename().string().size() == 37) // a dot and a UUID
+                    fs::rename(folder.path() / "secret", path);
+        });
+        end = process.run([&] { write(folder.path() / "file", "new"); });
+        for (const auto& entry : fs::directory_iterator(folder.path()))
+            ASSERT_TRUE(text(entry) != "private" || entry.status().permissions() == fs::perms(0600))
+                << entry << " at call " << call;
     }
 }
 
@@ -207,9 +194,8 @@ TEST(Scratch, BelievesNoListThatAnotherCouldHaveWritten) {
     for (const bool isOpenToOthers : {false, true}) {
         TemporaryFolder folder;
         folder.file(scratch);
-        for (const std::string& name :
-             {std::string("document"), "." + scratch, scratch + ".jpg", scratch + "x"})
-            folder.file("in/" + name);
+        folder.make(
+            {"in/document", "in/." + scratch, "in/" + scratch + ".jpg", "in/" + scratch + "x"});
         std::string list;
         for (const std::string& name : names)
             list += name + '\0';
