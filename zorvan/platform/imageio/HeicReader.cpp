@@ -158,9 +158,9 @@ private:
         return decode(tiles, shown.chroma, shown.crop, options);
     }
 
-    static Bitmap decode(const HeifTiles& tiles, std::optional<int> chroma, const PixelRect& part,
-                         const DecodeOptions& options) {
-        checkSize(tiles.size());
+    Bitmap decode(const HeifTiles& tiles, std::optional<int> chroma, const PixelRect& part,
+                  const DecodeOptions& options) {
+        checkCanvas(tiles.size(), usualPixels(source().size()));
         const PixelSize shown = {part.width, part.height};
         PictureSink sink(shown, wantedSize(shown, options));
         const Coding coding = {tiles.tileSize(), chroma};
