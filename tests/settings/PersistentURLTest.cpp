@@ -118,7 +118,8 @@ TEST(BookmarkRecord, RefusesWhatIsNone) {
     EXPECT_EQ(record.encoded(), whole);
     for (std::size_t size = 0; size < whole.size(); ++size)
         EXPECT_FALSE(internal::BookmarkRecord::decoded(std::span(whole).first(size))) << size;
-    for (const std::string& path : {std::string(), std::string("a"), std::string("/a\0b", 4)}) {
+    for (const std::string& path :
+         {std::string(), std::string("a"), std::string("/a\0b", 4), std::string(PATH_MAX, '/')}) {
         record.path = path;
         EXPECT_FALSE(internal::BookmarkRecord::decoded(record.encoded()));
     }

@@ -86,6 +86,12 @@ TEST(OtherFormats, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
     for (const Data& bytes : {gif, bmp, svg})
         EXPECT_EQ(errorOf(bytes), "the picture is too large") << bytes.size();
     EXPECT_EQ(decoded(svg, {.maximumPixelSize = 10}).width(), 10); // drawn, not shrunk
+    // A chain of references, longer than a stack is deep.
+    std::string chain = "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'><defs>";
+    for (int i = 1; i < 5000; ++i)
+        chain +=
+            "<g id='a" + std::to_string(i) + "'><use href='#a" + std::to_string(i - 1) + "'/></g>";
+    EXPECT_EQ(errorOf(bytesOf(chain + "</defs><use href='#a4999'/></svg>")), "");
     // Sizes within the bound that the file has not the bytes for.
     gif = sample("plain.gif");
     const std::size_t description = positionOf(gif, std::string_view(",\0\0\0\0\x18\0", 7));
@@ -105,6 +111,10 @@ TEST(OtherFormats, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
     const std::size_t frame = positionOf(jpeg, std::string_view("\xFF\xC0\0\x11\x08", 5)) + 5;
     for (std::byte* side : {&gif[7], &gif[9], &webp[25], &webp[28], &jpeg[frame], &jpeg[frame + 2]})
         *side = std::byte{0x50};
+    Data progressive = sample("ycc-progressive.jpg"); // whole in memory, however small it is to be
+    const std::size_t sides = positionOf(progressive, "\xFF\xC2") + 5;
+    progressive[sides] = progressive[sides + 2] = std::byte{0x50};
+    EXPECT_EQ(errorOf(progressive, {.maximumPixelSize = 9}), "the picture is too large");
     for (const Data& bytes : {gif, webp, jpeg})
         EXPECT_EQ(errorWithin(std::uint64_t{256} << 20, bytes), "the picture is too large");
 }

@@ -240,7 +240,7 @@ TEST(Tiff, JpegInsideAndOtherColourSpacesDecode) {
 }
 
 TEST(Tiff, ABlankPageInNextToNothingIsReadAndTakesNoMemoryUnlessAllOfItIsThere) {
-    constexpr std::uint32_t side = 8000;
+    constexpr std::uint32_t side = 8400;
     Data bytes = written([](TIFF* tiff) {
         setFields(tiff, {PHOTOMETRIC_MINISWHITE, 1, 1, SAMPLEFORMAT_UINT, COMPRESSION_LZW, false,
                          false, -1, side / 2});
@@ -250,7 +250,7 @@ TEST(Tiff, ABlankPageInNextToNothingIsReadAndTakesNoMemoryUnlessAllOfItIsThere) 
         for (std::uint32_t y = 0; y < side; ++y)
             TIFFWriteScanline(tiff, row.data(), y);
     });
-    EXPECT_LT(bytes.size(), 10'000);
+    EXPECT_LT(bytes.size(), 15'000);
     EXPECT_EQ(pixelAt(decoded(bytes), side - 1, side - 1), (Pixel{255, 255, 255, 255}));
     std::fill_n(&bytes[bytes.size() / 2], 100, std::byte{0xFF}); // in the second strip
     EXPECT_EQ(errorWithin(std::uint64_t{128} << 20, bytes), "the file is damaged");

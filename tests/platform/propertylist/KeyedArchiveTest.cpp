@@ -236,8 +236,12 @@ TEST(KeyedArchive, RefusesDamage) {
                                                {"NS.objects", List::Array{to(i + 1), to(i + 1)}}});
     doubling.emplace_back(1);
     doubling.emplace_back(classNamed("NSArray"));
-    EXPECT_EQ(refusal<PropertyList>(archiveOf(doubling)),
-              "the archive unfolds to far more than its size");
+    // The same numbers many times over.
+    const List::Array square = {array(List::Array(2000, to(3))), classNamed("NSArray"),
+                                array(List::Array(2000, 1))};
+    for (const List::Array& objects : {doubling, square})
+        EXPECT_EQ(refusal<PropertyList>(archiveOf(objects)),
+                  "the archive unfolds to far more than its size");
 }
 
 TEST(KeyedArchive, FlippedBytesNeverDoHarm) {

@@ -76,6 +76,8 @@ TEST(XML, SaysWhatIsWrong) {
         {plist("<string>\xFF</string>"), "not well-formed (invalid token)"},
         {"<!DOCTYPE plist [<!ENTITY a 'aaaa'>]>" + plist("<string>&a;</string>"),
          "it has entities of its own"},
+        {"<!DOCTYPE plist [<!ATTLIST true a CDATA 'b'>]>" + plist("<true/>"),
+         "it has attributes of its own"},
     };
     for (const auto& [document, wanted] : table) {
         std::string reason;

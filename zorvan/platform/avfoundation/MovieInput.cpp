@@ -1,6 +1,7 @@
 #include <zorvan/platform/avfoundation/internal/MovieInput.h>
 
 #include <zorvan/platform/avfoundation/internal/containers.h>
+#include <zorvan/platform/avfoundation/internal/sampleCounts.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 
 #include <algorithm>
@@ -25,12 +26,14 @@ namespace zorvan::avfoundation {
 /// names that a container holds lead nowhere.
 class FileBytes {
 public:
-    /// Empty when the path leads to no regular file that can be read.
+    /// Empty when the path leads to no regular file that can be read, or to a movie that would take
+    /// far more memory than it has bytes.
     static std::unique_ptr<FileBytes> open(const std::string& path) {
         // Without O_NONBLOCK the opening of a pipe would wait for somebody to write.
         internal::FileDescriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
         struct stat status {};
-        if (fstat(opened.get(), &status) != 0 || !S_ISREG(status.st_mode))
+        if (fstat(opened.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
+            !samplesFit(opened.get(), status.st_size))
             return nullptr;
         return std::unique_ptr<FileBytes>(new FileBytes(std::move(opened), status.st_size));
     }

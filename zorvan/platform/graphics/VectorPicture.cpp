@@ -6,8 +6,11 @@
 #include <algorithm>
 #include <cstring>
 #include <dlfcn.h>
+#include <functional>
 #include <librsvg/rsvg.h>
+#include <pthread.h>
 #include <string_view>
+#include <sys/mman.h>
 
 namespace zorvan {
 
@@ -57,6 +60,42 @@ private:
     }
 };
 
+/// Runs it on a thread with a stack of so many bytes, of which what is used takes memory. False,
+/// without having run it, when there is no such thread to be had.
+bool runOnStack(std::size_t byteCount, const std::function<void()>& work) {
+    void* const stack = ::mmap(nullptr, byteCount, PROT_READ | PROT_WRITE,
+                               MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_STACK, -1, 0);
+    if (stack == MAP_FAILED)
+        return false;
+    constexpr std::size_t guard = 1 << 16; // below which it must not grow
+    pthread_attr_t attributes;
+    pthread_t thread = {};
+    ::pthread_attr_init(&attributes);
+    ::pthread_attr_setstack(&attributes, stack, byteCount);
+    const auto run = [](void* given) -> void* {
+        (*static_cast<const std::function<void()>*>(given))();
+        return nullptr;
+    };
+    const bool runs =
+        ::mprotect(stack, guard, PROT_NONE) == 0 &&
+        ::pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)) == 0;
+    if (runs)
+        ::pthread_join(thread, nullptr);
+    ::pthread_attr_destroy(&attributes);
+    ::munmap(stack, byteCount);
+    return runs;
+}
+
+/// librsvg follows each reference on the stack, however long the chain: up to 12 KiB of it for some
+/// fifteen bytes of the document. A small document needs no more than any thread has.
+bool runWithRoom(std::size_t documentSize, const std::function<void()>& work) {
+    constexpr std::size_t small = 2 << 10, stackOfByte = 1024, least = 8 << 20;
+    if (documentSize > small)
+        return runOnStack(least + documentSize * stackOfByte / 4096 * 4096, work);
+    work();
+    return true;
+}
+
 CGSize sizeOf(const Rsvg& rsvg, RsvgHandle* handle) {
     double width = 0, height = 0;
     if (rsvg.size(handle, &width, &height))
@@ -104,7 +143,7 @@ std::shared_ptr<const VectorPicture> VectorPicture::create(std::span<const std::
     const CGSize size = handle ? sizeOf(*rsvg, handle.get()) : CGSize();
     if (!(size.width > 0 && size.height > 0))
         return nullptr;
-    return std::shared_ptr<const VectorPicture>(new VectorPicture(handle, size));
+    return std::shared_ptr<const VectorPicture>(new VectorPicture(handle, size, bytes.size()));
 }
 
 std::shared_ptr<const VectorPicture> VectorPicture::create(const std::string& path) {
@@ -130,7 +169,9 @@ std::optional<Bitmap> VectorPicture::drawn(std::int64_t width, std::int64_t heig
         rsvg.createContext(surface.get()), rsvg.destroyContext);
     const RsvgRectangle all{0, 0, static_cast<double>(width), static_cast<double>(height)};
     auto* const handle = static_cast<RsvgHandle*>(handle_.get());
-    if (!rsvg.render(handle, cairo.get(), &all, nullptr))
+    gboolean isDrawn = FALSE;
+    const auto render = [&] { isDrawn = rsvg.render(handle, cairo.get(), &all, nullptr); };
+    if (!runWithRoom(byteCount_, render) || !isDrawn)
         return std::nullopt;
     turnIntoRgba(*bitmap);
     return bitmap;

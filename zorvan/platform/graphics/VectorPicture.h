@@ -36,11 +36,12 @@ public:
     std::optional<Bitmap> drawn(std::int64_t width, std::int64_t height) const;
 
 private:
-    VectorPicture(std::shared_ptr<void> handle, CGSize size) noexcept
-        : handle_(std::move(handle)), size_(size) {}
+    VectorPicture(std::shared_ptr<void> handle, CGSize size, std::size_t byteCount) noexcept
+        : handle_(std::move(handle)), size_(size), byteCount_(byteCount) {}
 
     std::shared_ptr<void> handle_;
     CGSize size_;
+    std::size_t byteCount_; // of the document
 };
 
 } // namespace zorvan

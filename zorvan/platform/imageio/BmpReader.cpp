@@ -281,6 +281,8 @@ private:
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
         checkSize(header().size);
         checkLength();
+        if (header().isRunLength())
+            checkCanvas(header().size, usualPixels(source().size()));
         PictureSink sink(header().size, wantedSize(header().size, options));
         if (header().isRunLength())
             readRuns(sink);

@@ -155,12 +155,12 @@ private:
         const HeifTiles tiles(meta(), source(), shown.item);
         if (tiles.size() != shown.coded)
             throw Failure{reason::damaged};
-        return decode(tiles, shown.chroma, shown.crop, options);
+        return decodeTiles(tiles, shown.chroma, shown.crop, options);
     }
 
-    static Bitmap decode(const HeifTiles& tiles, std::optional<int> chroma, const PixelRect& part,
-                         const DecodeOptions& options) {
-        checkSize(tiles.size());
+    Bitmap decodeTiles(const HeifTiles& tiles, std::optional<int> chroma, const PixelRect& part,
+                       const DecodeOptions& options) {
+        checkCanvas(tiles.size(), usualPixels(source().size()));
         const PixelSize shown = {part.width, part.height};
         PictureSink sink(shown, wantedSize(shown, options));
         const Coding coding = {tiles.tileSize(), chroma};
@@ -177,7 +177,8 @@ private:
             throw Failure{reason::noThumbnail};
         refuseCutFile();
         const HeifTiles tiles(meta(), source(), *shown.thumbnail);
-        return decode(tiles, shown.chroma, {0, 0, tiles.size().width, tiles.size().height}, {});
+        return decodeTiles(tiles, shown.chroma, {0, 0, tiles.size().width, tiles.size().height},
+                           {});
     }
 
     std::optional<HeifMeta> meta_ = {};

@@ -14,12 +14,13 @@ namespace zorvan::imageio {
 namespace {
 
 /// Those that tell how the picture is coded, not what is to be done with it afterwards; of each
-/// kind the first.
+/// kind the first, and none that is far too long for that.
 std::vector<HeifBox> describingCoding(const std::vector<HeifBox>& properties) {
+    constexpr std::size_t largestProperty = 1 << 16;
     std::vector<HeifBox> result;
     for (const std::string_view kind : {"hvcC", "av1C", "colr", "pixi", "auxC"}) {
         const auto found = std::ranges::find_if(properties, [kind](const HeifBox& property) {
-            return property.type == kind &&
+            return property.type == kind && property.content.size() <= largestProperty &&
                    (kind != "colr" || textOf(property.content).starts_with("nclx"));
         });
         if (found != properties.end())
@@ -77,7 +78,19 @@ HeifTiles::Layout HeifTiles::gridOf(std::uint32_t id, const HeifItem& grid,
     if (!areAlike || tileSize.width * columns < size.width || tileSize.height * rows < size.height)
         throw Failure{reason::damaged};
     checkSize({tileSize.width * columns, tileSize.height * rows});
+    checkOwnBytes(tiles);
     return {.item = id, .size = size, .tileSize = tileSize, .columns = columns, .tiles = tiles};
+}
+
+/// Throws when tiles share their bytes: few of them could be decoded thousands of times.
+void HeifTiles::checkOwnBytes(const std::vector<std::uint32_t>& tiles) const {
+    std::uint64_t left = source_.size();
+    for (const std::uint32_t tile : tiles)
+        for (const HeifPicture::Extent& extent : meta_.find(tile)->extents) {
+            if (extent.length > left)
+                throw Failure{reason::damaged};
+            left -= extent.length;
+        }
 }
 
 PixelSize HeifTiles::sizeOf(std::uint32_t item) const {

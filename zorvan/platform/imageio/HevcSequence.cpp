@@ -110,12 +110,15 @@ std::optional<PixelSize> hevcPictureSize(Bytes configuration) {
     if (configuration.size() < headLength)
         return std::nullopt;
     const std::uint64_t arrays = bigEndian(configuration, headLength - 1, 1);
+    int unitsLeft = 64; // they may be empty
     std::size_t at = headLength;
     for (std::uint64_t array = 0; array < arrays && at + 3 <= configuration.size(); ++array) {
         const std::uint64_t kind = bigEndian(configuration, at, 1) & 0x3F;
         const int units = big16(configuration, at + 1);
         at += 3;
         for (int unit = 0; unit < units; ++unit) {
+            if (--unitsLeft < 0)
+                return std::nullopt;
             const std::size_t length = big16(configuration, at);
             if (configuration.size() < 2 + length || at > configuration.size() - 2 - length)
                 return std::nullopt;

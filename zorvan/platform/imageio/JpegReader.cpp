@@ -145,7 +145,10 @@ private:
     /// busy for hours.
     void checkScans() {
         constexpr int maximumScans = 200;
-        if (info_.input_scan_number > maximumScans)
+        constexpr std::int64_t mostPixels = std::int64_t{1} << 33; // of all scans
+        const std::int64_t area = std::int64_t{info_.image_width} * info_.image_height;
+        if (info_.input_scan_number > maximumScans ||
+            area > mostPixels / std::max(1, info_.input_scan_number))
             std::longjmp(failure, 1);
     }
 
@@ -198,9 +201,9 @@ private:
         checkSize(stored);
         const PixelSize target = wantedSize(stored, options);
         // The codec makes up what is missing. Of what is there, a bit says 64 pixels, or 128 when
-        // each colour is coarse in another direction.
-        constexpr std::uint64_t mostPixelsOfByte = 4096;
-        checkCanvas(target, static_cast<std::int64_t>(mostPixelsOfByte * source().size()));
+        // each colour is coarse in another direction. In several scans the picture has to be whole.
+        checkCanvas(jpeg_has_multiple_scans(&info) != 0 ? stored : target,
+                    usualPixels(source().size()));
         const bool inks = info.jpeg_color_space == JCS_CMYK || info.jpeg_color_space == JCS_YCCK;
         info.out_color_space = inks ? JCS_CMYK : JCS_EXT_RGBA;
         chooseScale(info, stored, target);

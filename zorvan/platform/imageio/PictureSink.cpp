@@ -23,7 +23,7 @@ void checkSize(PixelSize size) {
 }
 
 bool isOutOfProportion(PixelSize size, std::int64_t mostPixels) noexcept {
-    constexpr std::int64_t alwaysFit = std::int64_t{1} << 24;
+    constexpr std::int64_t alwaysFit = std::int64_t{1} << 26;
     return size.width > std::max(mostPixels, alwaysFit) / size.height;
 }
 

@@ -96,8 +96,8 @@ void readText(Bytes chunk, PngHeader& header) {
         readKeyedText(*keyword, data, header);
 }
 
-/// Empty when it is damaged or takes more than metadata may.
-std::string inflated(std::string_view compressed) {
+/// Empty when it is damaged, or takes more than all metadata may together.
+std::string inflated(std::string_view compressed, PngHeader& header) {
     z_stream stream = {};
     if (inflateInit(&stream) != Z_OK)
         throw Failure{reason::noMemory};
@@ -107,11 +107,12 @@ std::string inflated(std::string_view compressed) {
     std::string result;
     std::array<char, 16'384> piece;
     int status = Z_OK;
-    while (status == Z_OK && result.size() <= maximumMetadataSize) {
+    while (status == Z_OK && header.inflatedSize <= maximumMetadataSize) {
         stream.next_out = reinterpret_cast<Bytef*>(piece.data());
         stream.avail_out = static_cast<uInt>(piece.size());
         status = inflate(&stream, Z_NO_FLUSH);
         result.append(piece.data(), piece.size() - stream.avail_out);
+        header.inflatedSize += piece.size() - stream.avail_out;
     }
     return status == Z_STREAM_END ? result : std::string();
 }
@@ -121,7 +122,7 @@ void readCompressedText(Bytes chunk, PngHeader& header) {
     std::string_view data = textOf(chunk);
     const auto keyword = takeWord(data);
     if (keyword && data.size() > 1 && data[0] == 0)
-        readKeyedText(*keyword, inflated(data.substr(1)), header);
+        readKeyedText(*keyword, inflated(data.substr(1), header), header);
 }
 
 /// Keyword, two bytes about compression, language, translated keyword, text.
@@ -133,7 +134,7 @@ void readInternationalText(Bytes chunk, PngHeader& header) {
     const bool isCompressed = data[0] != 0;
     data.remove_prefix(2);
     if (takeWord(data) && takeWord(data))
-        readKeyedText(*keyword, isCompressed ? inflated(data) : std::string(data), header);
+        readKeyedText(*keyword, isCompressed ? inflated(data, header) : std::string(data), header);
 }
 
 void readGamma(Bytes data, PngHeader& header) {

@@ -120,6 +120,9 @@ private:
             passes = png_set_interlace_handling(png);
             png_start_read_image(png);
         });
+        // The passes fill in each other's gaps, so the picture has to be whole in memory.
+        if (passes > 1)
+            checkCanvas(size, usualPixels(source().size()));
         PictureSink sink(size, wantedSize(size, options));
         if (passes == 1)
             readRows(decoder, sink, size, alpha);
@@ -140,7 +143,6 @@ private:
         });
     }
 
-    /// The passes fill in each other's gaps, so the picture has to be whole in memory.
     static void readInterlaced(Decoder& decoder, PictureSink& sink, PixelSize size, int passes,
                                bool alpha) {
         Bitmap whole = bitmapOf(size);

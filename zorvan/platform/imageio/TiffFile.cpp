@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 
+#include <array>
 #include <cstdio>
 #include <new>
 
@@ -11,6 +12,69 @@ namespace {
 constexpr std::size_t maximumPages = 10'000;
 
 int silence(TIFF*, void*, const char*, const char*, va_list) { return 1; }
+
+/// Looks at the directories before libtiff does, whose time grows with the square of a directory's
+/// entries, and which reads the values of all that it does not know, however often they are the
+/// same bytes. Throws Failure.
+class DirectoryCheck {
+public:
+    DirectoryCheck(ByteSource& source, const TiffForm& form) : source_(source), form_(form) {}
+
+    /// Those of the file, one after the other.
+    void checkChain() {
+        for (std::uint64_t at = number(form_.wide ? 8 : 4, placeWidth()); at != 0;)
+            at = check(at);
+    }
+
+    /// The one at that place; gives the place of the next, 0 when there is none.
+    std::uint64_t check(std::uint64_t at) {
+        constexpr std::uint64_t mostEntries = 1000;
+        const std::size_t countWidth = form_.wide ? 8 : 2;
+        const std::uint64_t count = number(at, countWidth);
+        const std::uint64_t size = countWidth + count * entrySize() + placeWidth();
+        // Directories that lie in each other would be read again and again.
+        if (count > mostEntries || size > left_)
+            throw Failure{reason::damaged};
+        left_ -= size;
+        checkValues(source_.bytes(at + countWidth, count * entrySize()));
+        return number(at + countWidth + count * entrySize(), placeWidth());
+    }
+
+private:
+    void checkValues(const Data& entries) const {
+        std::uint64_t left = source_.size();
+        for (std::size_t at = 0; at < entries.size(); at += entrySize()) {
+            const std::uint64_t type = numberAt(entries, at + 2, 2, form_.bigEndian);
+            const std::uint64_t count = numberAt(entries, at + 4, placeWidth(), form_.bigEndian);
+            const std::uint64_t width = type > TiffEntry::ieeeDouble ? 8 : sizeOfType(type);
+            if (width > 0 && count > left / width)
+                throw Failure{count > source_.size() / width ? reason::cutShort : reason::damaged};
+            left -= count * width;
+        }
+    }
+
+    std::size_t placeWidth() const { return form_.wide ? 8 : 4; }
+    std::size_t entrySize() const { return form_.wide ? 20 : 12; }
+
+    /// 0 past the end of the file, where libtiff finds that it is cut short.
+    std::uint64_t number(std::uint64_t at, std::size_t width) const {
+        std::array<std::byte, 8> bytes = {};
+        const bool isThere = source_.fill(at, std::span(bytes).first(width));
+        return isThere ? numberAt(bytes, 0, width, form_.bigEndian) : 0;
+    }
+
+    ByteSource& source_;
+    TiffForm form_;
+    std::uint64_t left_ = source_.size(); // for all directories together
+};
+
+void checkDirectories(ByteSource& source) {
+    std::array<std::byte, 4> head = {};
+    source.fill(0, head);
+    const bool bigEndian = head[0] == std::byte{'M'};
+    const bool wide = numberAt(head, 2, 2, bigEndian) == 43;
+    DirectoryCheck(source, {.bigEndian = bigEndian, .wide = wide}).checkChain();
+}
 
 } // namespace
 
@@ -32,6 +96,7 @@ toff_t soughtPlace(toff_t offset, int whence, std::uint64_t position, std::uint6
 }
 
 TiffFile::TiffFile(ByteSource& source) : source_(source) {
+    checkDirectories(source_);
     constexpr tmsize_t maximumAllocation = tmsize_t{1} << 30;
     const TiffAccess access = {
         read, [](thandle_t, void*, tmsize_t) { return tmsize_t{0}; }, seek,
@@ -85,6 +150,7 @@ void TiffFile::select(tdir_t directory) {
 
 void TiffFile::selectAt(std::uint64_t offset) {
     reachedEnd_ = false;
+    DirectoryCheck(source_, form()).check(offset);
     if (TIFFSetSubDirectory(get(), offset) != 1)
         fail();
 }

@@ -21,16 +21,11 @@ namespace {
 /// A strip that decodes to more is read row by row.
 constexpr std::int64_t largestWholeStrip = 4 << 20;
 
-/// What the file has something to say of, in the compression of most pictures: so many pixels, and
-/// so many bytes of a strip.
-std::int64_t usualExpansion(const TiffFile& file) {
-    constexpr std::uint64_t ofByte = 4096;
-    return static_cast<std::int64_t>(ofByte * file.source().size());
-}
+std::int64_t usualPixelsOf(const TiffFile& file) { return usualPixels(file.source().size()); }
 
 /// What a strip or a row of tiles may decode to, in bytes.
 std::int64_t largestBand(const TiffFile& file) {
-    return std::clamp(usualExpansion(file), std::int64_t{1} << 26, std::int64_t{1} << 30);
+    return std::clamp(usualPixelsOf(file), std::int64_t{1} << 26, std::int64_t{1} << 30);
 }
 
 /// The rows of samples that one strip, or one row of tiles, holds: a plane for each sample, or one.
@@ -130,7 +125,10 @@ void readTiled(const TiffFile& file, const TiffLayout& layout, PictureSink& sink
     if (tileWidth < 1 || tileHeight < 1 || tileRowSize * 8 != samplesInRow * layout.bits)
         throw Failure{reason::damaged};
     const std::int64_t tilesAcross = (layout.size.width + tileWidth - 1) / tileWidth;
-    if (tileRowSize > largestBand(file) / tilesAcross)
+    const std::int64_t tilesDown = (layout.size.height + tileHeight - 1) / tileHeight;
+    const PixelSize covered = {tileWidth * tilesAcross, tileHeight * tilesDown};
+    if (tileRowSize > largestBand(file) / tilesAcross ||
+        isOutOfProportion(covered, 4 * layout.size.width * layout.size.height))
         throw Failure{reason::tooLarge};
     readBands(file, layout, tileRowSize * tilesAcross, tileHeight, sink);
 }
@@ -158,8 +156,12 @@ void readStrips(const TiffFile& file, const TiffLayout& layout, PictureSink& sin
         throw Failure{reason::damaged};
     const auto rowsPerStrip = file.fieldOrDefault<std::uint32_t>(TIFFTAG_ROWSPERSTRIP, 0xFFFFFFFF);
     const std::int64_t rows = std::min<std::int64_t>(rowsPerStrip, layout.size.height);
+    // Strips may share their bytes, and samples be many.
+    constexpr std::int64_t alwaysBearable = std::int64_t{1} << 32;
     if (rows < 1)
         throw Failure{reason::damaged};
+    if (rowSize > std::max(alwaysBearable, usualPixelsOf(file)) / layout.size.height)
+        throw Failure{reason::tooLarge};
     if (!layout.planar && rowSize > largestWholeStrip / rows)
         return readRowByRow(file, layout, sink);
     readBands(file, layout, rowSize, rows, sink);
@@ -179,7 +181,7 @@ void readThroughLibrary(const TiffFile& file, const TiffLayout& layout, PictureS
     const auto rowsPerPiece = file.fieldOrDefault<std::uint32_t>(
         layout.tiled ? TIFFTAG_TILELENGTH : TIFFTAG_ROWSPERSTRIP, 0xFFFFFFFF);
     const std::int64_t rows = std::clamp<std::int64_t>(rowsPerPiece, 1, layout.size.height);
-    if (isOutOfProportion({layout.size.width, rows}, usualExpansion(file)))
+    if (isOutOfProportion({layout.size.width, rows}, usualPixelsOf(file)))
         throw Failure{reason::tooLarge};
     std::vector<std::uint32_t> raster(static_cast<std::size_t>(layout.size.width * rows));
     for (std::int64_t y = 0; y < layout.size.height; y += rows) {
@@ -215,7 +217,7 @@ Bitmap readPage(const TiffFile& file, const DecodeOptions& options) {
     const TiffLayout layout = layoutOf(file);
     checkSize(layout.size);
     const PixelSize wanted = wantedSize(layout.size, options);
-    if (isOutOfProportion(wanted, usualExpansion(file))) {
+    if (isOutOfProportion(wanted, usualPixelsOf(file))) {
         // A blank page is coded in next to nothing, so this is no reason to refuse it. But it is
         // read to its end before there is memory for it.
         PictureSink trial(layout.size, {1, 1});

@@ -155,6 +155,7 @@ private:
         checkSize(head.size);
         if (!head.isComplete)
             throw Failure{reason::cutShort};
+        checkCanvas(head.size, usualPixels(source().size()));
         const PixelSize wanted = wantedSize(head.size, options);
         if (!head.frame)
             return decoded(wholeFile(source()), head.size, wanted);
@@ -163,8 +164,6 @@ private:
         const Data bytes = source().bytes(head.frame->start, head.frame->length);
         if (size == head.size)
             return decoded(bytes, size, wanted);
-        constexpr std::uint64_t canvasPixelsOfByte = 4096;
-        checkCanvas(head.size, static_cast<std::int64_t>(source().size() * canvasPixelsOfByte));
         return onCanvas(decoded(bytes, size, size), *head.frame, head.size, wanted);
     }
 };

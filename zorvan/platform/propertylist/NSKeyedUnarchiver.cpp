@@ -14,7 +14,8 @@ struct NSKeyedUnarchiver::Archive {
     PropertyList::Dictionary top;
     PropertyList::Array objects;
     std::vector<bool> isVisited; // by number
-    /// What may still be read again of objects that several others refer to.
+    /// What may still be read again of objects that several others refer to, and of the numbers
+    /// that stand within them.
     std::size_t budget;
     /// The objects that pointers share; null while one is being made.
     std::map<std::pair<std::size_t, std::type_index>, std::shared_ptr<void>> shared;
@@ -109,6 +110,7 @@ NSKeyedUnarchiver::Object NSKeyedUnarchiver::object(const PropertyList& stored) 
         // Only numbers stand by themselves.
         if (!stored.as<NSNumber>())
             refuse("a field of an object is damaged");
+        archive_->payFor(stored);
         return {&stored, 0, false};
     }
     if (*number >= archive_->objects.size())

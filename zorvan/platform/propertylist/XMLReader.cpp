@@ -186,6 +186,11 @@ public:
                 static_cast<Parser*>(self)->guard(
                     [](Document&) { throw Refusal("it has entities of its own"); });
             });
+        XML_SetAttlistDeclHandler(parser_.get(), [](void* self, const XML_Char*, const XML_Char*,
+                                                    const XML_Char*, const XML_Char*, int) {
+            static_cast<Parser*>(self)->guard(
+                [](Document&) { throw Refusal("it has attributes of its own"); });
+        });
     }
 
     PropertyList parse(std::span<const std::byte> bytes) {

@@ -88,7 +88,9 @@ private:
         text_ += after;
     }
 
-    void indent(std::size_t depth) { text_.append(depth, '\t'); }
+    /// What lies deeper than anybody would read is not indented further: it would be most of the
+    /// text.
+    void indent(std::size_t depth) { text_.append(std::min<std::size_t>(depth, 32), '\t'); }
 
     static std::string escaped(std::string_view text) {
         std::string result;

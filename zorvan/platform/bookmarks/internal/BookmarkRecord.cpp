@@ -1,5 +1,6 @@
 #include <zorvan/platform/bookmarks/internal/BookmarkRecord.h>
 
+#include <climits>
 #include <string_view>
 
 namespace zorvan::internal {
@@ -76,7 +77,8 @@ std::optional<BookmarkRecord> BookmarkRecord::decoded(std::span<const std::byte>
     const auto handle = reader.take(reader.number(2));
     record.handle.bytes.assign(handle.begin(), handle.end());
     record.path = reader.text(reader.number(4));
-    const bool isPath = record.path.starts_with('/') && record.path.find('\0') == std::string::npos;
+    const bool isPath = record.path.starts_with('/') && record.path.size() < PATH_MAX &&
+                        record.path.find('\0') == std::string::npos;
     return reader.isWhole() && isPath ? std::optional(std::move(record)) : std::nullopt;
 }
 

@@ -20,8 +20,13 @@ struct PixelSize {
 
 /// Throws when a picture of this size is refused: before anything is allocated for it.
 void checkSize(PixelSize size);
+/// What so many bytes of a file have something to say of, as pictures are mostly coded.
+constexpr std::int64_t usualPixels(std::uint64_t byteCount) noexcept {
+    return static_cast<std::int64_t>(byteCount * 4096);
+}
+
 /// Whether that many pixels, of a file that has something to say of `mostPixels`, would cost memory
-/// for next to no bytes. Pictures of up to 2^24 pixels never do.
+/// for next to no bytes. Pictures of up to 2^26 pixels never do: they may be of one colour.
 bool isOutOfProportion(PixelSize size, std::int64_t mostPixels) noexcept;
 /// Throws as well when it is out of proportion.
 void checkCanvas(PixelSize canvas, std::int64_t mostPixels);

@@ -14,6 +14,8 @@ struct PngHeader {
     int colorType = 0;
     bool hasTransparentColour = false;
     std::optional<Outline::Resolution> dpi = {};
+    /// How many bytes compressed texts have come to.
+    std::uint64_t inflatedSize = 0;
     /// The Exif block; empty when there is none.
     Data exif = {};
     /// The entries of "{PNG}".

@@ -18,7 +18,8 @@ struct TiffEntry {
         longNumber = 4,
         ratio = 5,
         undefined = 7,
-        signedRatio = 10
+        signedRatio = 10,
+        ieeeDouble = 12
     };
 
     std::uint16_t tag;
