@@ -256,6 +256,25 @@ TEST(Tiff, ABlankPageInNextToNothingIsReadAndTakesNoMemoryUnlessAllOfItIsThere) 
     EXPECT_EQ(errorWithin(std::uint64_t{128} << 20, bytes), "the file is damaged");
 }
 
+TEST(Tiff, ADamagedDirectoryEndsThePagesAndADamagedFirstOneTheFile) {
+    Data bytes = written([](TIFF* tiff) {
+        for (int page = 0; page < 3; ++page) {
+            setFields(tiff, {PHOTOMETRIC_RGB, 8, 3});
+            writePixels(tiff, {PHOTOMETRIC_RGB, 8, 3});
+            TIFFWriteDirectory(tiff);
+        }
+    });
+    const std::size_t first = littleEndian(bytes, 4, 4);
+    const std::size_t end = first + 2 + littleEndian(bytes, first, 2) * 12;
+    const std::size_t second = littleEndian(bytes, end, 4);
+    EXPECT_EQ(ImageReader::open(bytes)->count(), 3);
+    bytes[second + 1] = std::byte{4}; // more than a thousand entries
+    EXPECT_EQ(ImageReader::open(bytes)->count(), 1);
+    EXPECT_EQ(decoded(bytes).width(), width);
+    bytes[first + 2 + 12 + 6] = std::byte{1}; // an entry of 65,536 values
+    EXPECT_EQ(errorOf(bytes), "the file is cut short");
+}
+
 TEST(Tiff, AReducedVersionIsTheThumbnailAndNoPage) {
     const auto page = [](TIFF* tiff, std::uint32_t kind) {
         setFields(tiff, {PHOTOMETRIC_RGB, 8, 3});

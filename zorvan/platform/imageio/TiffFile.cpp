@@ -20,10 +20,18 @@ class DirectoryCheck {
 public:
     DirectoryCheck(ByteSource& source, const TiffForm& form) : source_(source), form_(form) {}
 
-    /// Those of the file, one after the other.
-    void checkChain() {
-        for (std::uint64_t at = number(form_.wide ? 8 : 4, placeWidth()); at != 0;)
-            at = check(at);
+    /// How many of the file's are sound, one after the other. Throws when not even the first is.
+    int countChain() {
+        int count = 0;
+        for (std::uint64_t at = number(form_.wide ? 8 : 4, placeWidth()); at != 0; ++count)
+            try {
+                at = check(at);
+            } catch (const Failure&) {
+                if (count == 0)
+                    throw;
+                break;
+            }
+        return count;
     }
 
     /// The one at that place; gives the place of the next, 0 when there is none.
@@ -68,12 +76,12 @@ private:
     std::uint64_t left_ = source_.size(); // for all directories together
 };
 
-void checkDirectories(ByteSource& source) {
+int countDirectories(ByteSource& source) {
     std::array<std::byte, 4> head = {};
     source.fill(0, head);
     const bool bigEndian = head[0] == std::byte{'M'};
     const bool wide = numberAt(head, 2, 2, bigEndian) == 43;
-    DirectoryCheck(source, {.bigEndian = bigEndian, .wide = wide}).checkChain();
+    return DirectoryCheck(source, {.bigEndian = bigEndian, .wide = wide}).countChain();
 }
 
 } // namespace
@@ -96,7 +104,7 @@ toff_t soughtPlace(toff_t offset, int whence, std::uint64_t position, std::uint6
 }
 
 TiffFile::TiffFile(ByteSource& source) : source_(source) {
-    checkDirectories(source_);
+    const int directoryCount = countDirectories(source_);
     constexpr tmsize_t maximumAllocation = tmsize_t{1} << 30;
     const TiffAccess access = {
         read, [](thandle_t, void*, tmsize_t) { return tmsize_t{0}; }, seek,
@@ -105,7 +113,7 @@ TiffFile::TiffFile(ByteSource& source) : source_(source) {
     tiff_ = openTiff("rmO", this, access, maximumAllocation);
     if (!tiff_)
         fail();
-    findPages();
+    findPages(directoryCount);
 }
 
 tmsize_t TiffFile::read(thandle_t handle, void* out, tmsize_t size) {
@@ -127,7 +135,8 @@ toff_t TiffFile::seek(thandle_t handle, toff_t offset, int whence) {
 }
 
 /// A reduced version follows its page in the chain, or hangs below it.
-void TiffFile::findPages() {
+void TiffFile::findPages(int directoryCount) {
+    int next = 0;
     do {
         const tdir_t directory = TIFFCurrentDirectory(get());
         const auto kind = fieldOrDefault<std::uint32_t>(TIFFTAG_SUBFILETYPE, 0);
@@ -137,7 +146,8 @@ void TiffFile::findPages() {
             pages_.push_back({directory});
         else if (!pages_.back().reducedDirectory)
             pages_.back().reducedDirectory = directory;
-    } while (pages_.size() < maximumPages && TIFFReadDirectory(get()) == 1);
+    } while (++next < directoryCount && pages_.size() < maximumPages &&
+             TIFFReadDirectory(get()) == 1);
     if (pages_.empty())
         throw Failure{reason::damaged};
 }

@@ -75,7 +75,7 @@ private:
     static tmsize_t read(thandle_t handle, void* out, tmsize_t size);
     static toff_t seek(thandle_t handle, toff_t offset, int whence);
 
-    void findPages();
+    void findPages(int directoryCount);
 
     ByteSource& source_;
     std::uint64_t position_ = 0;
