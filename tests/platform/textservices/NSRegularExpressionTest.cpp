@@ -63,7 +63,7 @@ TEST(NSRegularExpression, SaysWhyAPatternDoesNotCompile) {
 
 TEST(NSRegularExpression, GivesUpARunawaySearch) {
     for (const auto& [pattern, letters] :
-         {std::pair("(a+)+b", 60), {R"((a+)\1b)", 8'000}, {"(?>.*)b", 500'000}}) // steps, and time
+         {std::pair("(a+)+b", 60u), {R"((a+)\1b)", 8'000}, {"(?>.*)b", 500'000}}) // steps, and time
         EXPECT_EQ(failure(pattern, std::string(letters, 'a')), "search takes too long") << pattern;
     EXPECT_EQ(failure("(?:(a|b)*)c", std::string(10'000'000, 'a')), "search needs too much memory");
     // The matches before do not start the count anew.
