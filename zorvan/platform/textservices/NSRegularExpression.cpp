@@ -17,7 +17,7 @@ namespace zorvan {
 
 namespace {
 
-constexpr std::int32_t stackLimit = 32 << 20;
+constexpr std::int32_t stackLimit = 32 << 20; // in bytes, of which ICU takes two for each
 // ICU counts in units of 10,000 saved steps.
 constexpr std::size_t baseStepLimit = 2000;
 constexpr std::size_t bytesPerStepUnit = 100;

@@ -51,7 +51,7 @@ public:
     /// are not UTF-8 match as U+FFFD and are kept as they are in what is captured.
     ///
     /// A search is bounded: it may save 20 million steps to come back to, and 100 more for each
-    /// byte of the text, hold 32 MB of them, and have the processor for two seconds, and a
+    /// byte of the text, hold 64 MB of them, and have the processor for two seconds, and a
     /// microsecond more for each byte. Past that it is given up: it throws
     /// `RegularExpressionError`, or, with a place for the reason, says why there and gives the
     /// matches found until then. The time is looked at after every 10,000 steps saved, and at every
