@@ -92,13 +92,22 @@ TEST_F(BundleTest, HasAnIcon) {
     write("tool.bundle/face.png");
     EXPECT_EQ(icon(16), "tool.bundle/face.png");
 
-    // A theme that inherits from itself, written in a hundred thousand ways.
-    std::string index = "[Icon Theme]\nInherits=hicolor";
-    for (int way = 0; way < 100'000; ++way) {
-        index += ",hicolor";
-        for (int bits = way; bits > 0; bits /= 2)
-            index += bits % 2 ? "/." : "/";
-    }
-    write(theme + "index.theme", index.substr(0, (1 << 20) - 1));
-    EXPECT_EQ(desktop::iconNamed("missing", 16), std::nullopt);
+    // Neither a chain of themes nor a list of folders is followed to an end that is far.
+    setenv("XDG_CONFIG_HOME", path("settings").c_str(), 1);
+    write("settings/gtk-4.0/settings.ini", "[Settings]\ngtk-icon-theme-name=0\n");
+    std::string folders = "a";
+    for (int i = 0; i < 2048; ++i)
+        folders += ",none";
+    for (int i = 0; i < 100; ++i, folders = "a")
+        write("shared/icons/" + std::to_string(i) + "/index.theme",
+              "[Icon Theme]\nDirectories=" + folders + ",far\nInherits=./0,hicolor," +
+                  std::to_string(i + 1) + "\n");
+    for (const char* icon : {"0/a/near", "60/a/deep", "64/a/deeper", "0/far/last"})
+        write(std::string("shared/icons/") + icon + ".png");
+    for (const auto& [name, isFound] : {std::pair("near", true),
+                                        {"deep", true},
+                                        {"pen", true},
+                                        {"deeper", false},
+                                        {"last", false}})
+        EXPECT_EQ(desktop::iconNamed(name, 16).has_value(), isFound) << name;
 }

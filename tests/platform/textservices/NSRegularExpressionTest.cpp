@@ -23,8 +23,10 @@ TEST(NSRegularExpression, CapturesGroups) {
     EXPECT_EQ(pairs.captures("a=1, béta=, c=22"), (Matches{{"a", "1"}, {"béta", ""}, {"c", "22"}}));
     EXPECT_EQ(NSRegularExpression("a", Options::none).captures("aa"), (Matches{{}, {}}));
     EXPECT_EQ(NSRegularExpression("", Options::none).captures("a"), (Matches{{}, {}}));
-    EXPECT_EQ(NSRegularExpression("(.)", Options::none).captures("\xFF\xE2\x82"),
-              (Matches{{"\xFF"}, {"\xE2\x82"}}));
+    EXPECT_EQ(
+        NSRegularExpression(R"((?=.*(.)\z)(.))", Options::none).captures("é\xFF😀\xE2\x82"),
+        (Matches{
+            {"\xE2\x82", "é"}, {"\xE2\x82", "\xFF"}, {"\xE2\x82", "😀"}, {"\xE2\x82", "\xE2\x82"}}));
 }
 
 TEST(NSRegularExpression, ReadsOptions) {
@@ -60,7 +62,9 @@ TEST(NSRegularExpression, SaysWhyAPatternDoesNotCompile) {
 }
 
 TEST(NSRegularExpression, GivesUpARunawaySearch) {
-    EXPECT_EQ(failure("(a+)+b", std::string(60, 'a')), "search takes too long");
+    for (const auto& [pattern, letters] :
+         {std::pair("(a+)+b", 60u), {R"((a+)\1b)", 8'000}, {"(?>.*)b", 500'000}}) // steps, and time
+        EXPECT_EQ(failure(pattern, std::string(letters, 'a')), "search takes too long") << pattern;
     EXPECT_EQ(failure("(?:(a|b)*)c", std::string(10'000'000, 'a')), "search needs too much memory");
     // The matches before do not start the count anew.
     std::string text;

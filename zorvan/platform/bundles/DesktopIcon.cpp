@@ -22,6 +22,9 @@ namespace fs = std::filesystem;
 /// Where applications install their icons.
 constexpr std::string_view sharedTheme = "hicolor";
 
+/// How many themes a chosen one may lead to.
+constexpr std::size_t mostThemes = 64;
+
 URL fileURL(const fs::path& path) { return URL({.fileURLWithPath = path.string()}); }
 
 std::optional<URL> fileAt(std::string_view path) {
@@ -108,8 +111,9 @@ public:
             return file;
         for (const std::string& parent : theme->parents()) {
             // The shared theme comes after all others, wherever it is named.
-            std::optional<fs::path> file = parent == sharedTheme ? std::nullopt : find(parent);
-            if (file)
+            if (parent == sharedTheme || seen_.size() >= mostThemes)
+                continue;
+            if (std::optional<fs::path> file = find(parent))
                 return file;
         }
         return std::nullopt;

@@ -14,6 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* section = "Icon Theme";
+constexpr std::size_t mostFolders = 2048;
 
 /// Whether a name that a file gives stays below the folder it is looked for in.
 bool staysInside(std::string_view name) {
@@ -59,7 +60,8 @@ IconTheme::SizeFolder IconTheme::described(const KeyFile& index, const std::stri
 void IconTheme::takeIndex(const KeyFile& index) {
     for (const char* key : {"Directories", "ScaledDirectories"})
         for (const std::string& folder : listed(index, key))
-            folders_.push_back(described(index, folder));
+            if (folders_.size() < mostFolders)
+                folders_.push_back(described(index, folder));
     parents_ = listed(index, "Inherits");
 }
 

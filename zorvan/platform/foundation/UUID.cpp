@@ -1,16 +1,11 @@
 #include <zorvan/platform/foundation/UUID.h>
 
-#include <zorvan/platform/foundation/fatalError.h>
-
-#include <array>
-#include <sys/random.h>
+#include <zorvan/platform/foundation/internal/randomBytes.h>
 
 namespace zorvan {
 
 std::string makeUUIDString() {
-    std::array<unsigned char, 16> bytes{};
-    if (getrandom(bytes.data(), bytes.size(), 0) != static_cast<ssize_t>(bytes.size()))
-        fatalError("The kernel gives no random bytes.");
+    auto bytes = internal::randomBytes();
     bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40); // version 4
     bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80); // RFC 4122 variant
 

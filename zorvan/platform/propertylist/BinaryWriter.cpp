@@ -1,3 +1,4 @@
+#include <zorvan/platform/foundation/internal/KeyedHash.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
@@ -75,7 +76,9 @@ private:
     }
 
     void countText(const std::string& text) {
-        if (texts_.try_emplace(text, unwritten).second || !canShare(text))
+        const auto [place, isNew] = texts_.try_emplace(text, unwritten);
+        met_.push_back(&place->second);
+        if (isNew || !canShare(text))
             ++objectCount_;
     }
 
@@ -164,7 +167,7 @@ private:
     }
 
     std::uint64_t writeText(const std::string& text) {
-        std::uint64_t& object = texts_.find(text)->second;
+        std::uint64_t& object = *met_[written_++];
         if (object != unwritten && canShare(text))
             return object;
         object = begin();
@@ -243,7 +246,10 @@ private:
     static constexpr std::uint64_t unwritten = std::numeric_limits<std::uint64_t>::max();
 
     Identifiers identifiers_;
-    std::unordered_map<std::string_view, std::uint64_t> texts_;
+    std::unordered_map<std::string_view, std::uint64_t, internal::KeyedHash>
+        texts_;                       // their objects
+    std::vector<std::uint64_t*> met_; // of each text in order, what the first pass found
+    std::size_t written_ = 0;         // of these, by the second pass
     std::size_t textBudget_ = minimumTextBudget;
     std::uint64_t objectCount_ = 0;
     unsigned referenceSize_ = 1;

@@ -1,18 +1,19 @@
 #include <zorvan/platform/textservices/Characters.h>
 
-#include <zorvan/platform/foundation/internal/UTF8.h>
 #include <zorvan/platform/textservices/internal/CharacterBreaks.h>
 #include <zorvan/platform/textservices/internal/CodePoints.h>
 
-#include <unicode/bytestream.h>
-#include <unicode/normalizer2.h>
-#include <unicode/stringpiece.h>
+#include <unicode/uchar.h>
+#include <unicode/unorm2.h>
+#include <unicode/utf16.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <span>
 #include <vector>
 
 namespace zorvan {
@@ -160,6 +161,61 @@ bool isAscii(std::string_view text) noexcept {
                        [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
+/// Decomposes code points and puts their marks in canonical order. ICU's normalizer does the same,
+/// but inserts mark by mark, which takes the square of the time where there are many.
+class CanonicalOrder {
+public:
+    explicit CanonicalOrder(std::size_t expected) { parts_.reserve(expected); }
+
+    void add(UChar32 c) {
+        std::array<char16_t, 32> units;
+        const std::int32_t length = unorm2_getDecomposition(
+            normalizer_, c, units.data(), static_cast<std::int32_t>(units.size()), &status_);
+        if (length < 0)
+            append(c);
+        for (std::int32_t i = 0; i < length;) {
+            UChar32 part;
+            U16_NEXT_UNSAFE(units, i, part);
+            append(part);
+        }
+    }
+
+    std::string spelling() {
+        orderMarks();
+        std::string result;
+        for (const Part part : parts_)
+            internal::appendCodePoint(result, static_cast<UChar32>(part >> 8));
+        return result;
+    }
+
+private:
+    using Part = std::uint32_t; // a code point, and below it in 8 bits its combining class
+
+    static constexpr std::uint8_t combiningClass(Part part) {
+        return static_cast<std::uint8_t>(part);
+    }
+
+    void append(UChar32 c) {
+        const Part part = static_cast<Part>(c) << 8 | u_getCombiningClass(c);
+        if (combiningClass(part) != 0)
+            return parts_.push_back(part);
+        orderMarks();
+        parts_.push_back(part);
+        marks_ = parts_.size();
+    }
+
+    void orderMarks() {
+        const std::span marks = std::span(parts_).subspan(marks_);
+        if (!std::ranges::is_sorted(marks, {}, combiningClass))
+            std::ranges::stable_sort(marks, {}, combiningClass);
+    }
+
+    UErrorCode status_ = U_ZERO_ERROR;
+    const UNormalizer2* const normalizer_ = unorm2_getNFDInstance(&status_);
+    std::vector<Part> parts_;
+    std::size_t marks_ = 0; // where those behind the last starter begin
+};
+
 } // namespace
 
 std::size_t characterCount(std::string_view text) noexcept {
@@ -190,17 +246,16 @@ CharacterPosition retreatCharacters(std::string_view text, std::size_t count) {
 }
 
 std::string canonicalCharacter(std::string_view character) {
-    constexpr std::size_t longest = std::numeric_limits<std::int32_t>::max();
-    if (isAscii(character) || character.size() > longest || !internal::isUTF8(character))
+    if (isAscii(character))
         return std::string(character);
-    UErrorCode status = U_ZERO_ERROR;
-    const auto* decomposition = icu::Normalizer2::getNFDInstance(status);
-    std::string result;
-    icu::StringByteSink<std::string> sink(&result);
-    decomposition->normalizeUTF8(
-        0, icu::StringPiece(character.data(), static_cast<std::int32_t>(character.size())), sink,
-        nullptr, status);
-    return U_SUCCESS(status) ? result : std::string(character);
+    CanonicalOrder order(character.size());
+    for (std::size_t offset = 0; offset < character.size();) {
+        const UChar32 c = nextCodePoint(character, offset);
+        if (c < 0)
+            return std::string(character);
+        order.add(c);
+    }
+    return order.spelling();
 }
 
 bool charactersAreEqual(std::string_view a, std::string_view b) {

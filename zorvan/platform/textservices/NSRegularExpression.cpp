@@ -1,12 +1,14 @@
 #include <zorvan/platform/textservices/NSRegularExpression.h>
 
 #include <zorvan/platform/textservices/Unicode.h>
+#include <zorvan/platform/textservices/internal/CodePoints.h>
 
 #include <unicode/localpointer.h>
 #include <unicode/uregex.h>
-#include <unicode/utext.h>
 
 #include <algorithm>
+#include <chrono>
+#include <ctime>
 #include <limits>
 #include <list>
 #include <utility>
@@ -15,10 +17,10 @@ namespace zorvan {
 
 namespace {
 
-constexpr std::int32_t stackLimit = 32 << 20;
+constexpr std::int32_t stackLimit = 32 << 20; // in bytes, of which ICU takes two for each
 // ICU counts in units of 10,000 saved steps.
-constexpr std::size_t baseTimeLimit = 2000;
-constexpr std::size_t bytesPerTimeUnit = 100;
+constexpr std::size_t baseStepLimit = 2000;
+constexpr std::size_t bytesPerStepUnit = 100;
 
 constexpr std::pair<NSRegularExpression::Options, std::uint32_t> flags[] = {
     {NSRegularExpression::Options::caseInsensitive, UREGEX_CASE_INSENSITIVE},
@@ -55,6 +57,7 @@ constexpr std::pair<UErrorCode, const char*> reasons[] = {
     {U_REGEX_INVALID_CAPTURE_GROUP_NAME, "invalid group name"},
     {U_REGEX_STACK_OVERFLOW, "search needs too much memory"},
     {U_REGEX_TIME_OUT, "search takes too long"},
+    {U_REGEX_STOPPED_BY_CALLER, "search takes too long"},
 };
 
 const char* reason(UErrorCode status) {
@@ -77,20 +80,109 @@ void check(UErrorCode status) {
         throw RegularExpressionError(reason(status));
 }
 
-std::string group(URegularExpression* matcher, std::int32_t number, std::string_view text) {
-    UErrorCode status = U_ZERO_ERROR;
-    const std::int64_t start = uregex_start64(matcher, number, &status);
-    const std::int64_t end = uregex_end64(matcher, number, &status);
-    if (U_FAILURE(status) || start < 0)
-        return {};
-    return std::string(
-        text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(end - start)));
+bool isGivenUp(UErrorCode status) {
+    return status == U_REGEX_TIME_OUT || status == U_REGEX_STOPPED_BY_CALLER ||
+           status == U_REGEX_STACK_OVERFLOW;
 }
 
-std::int32_t timeLimit(std::size_t bytes) {
+std::int32_t stepLimit(std::size_t bytes) {
     constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(baseTimeLimit + bytes / bytesPerTimeUnit, most));
+    return static_cast<std::int32_t>(std::min(baseStepLimit + bytes / bytesPerStepUnit, most));
 }
+
+/// The text of a search in UTF-16, in which ICU is quickest, and compares what a group has captured
+/// in a fraction of the time. Knows the way back to the bytes.
+class SearchedText {
+public:
+    explicit SearchedText(std::string_view text) : text_(text), units_(utf16FromUTF8(text)) {}
+
+    void give(URegularExpression* matcher, UErrorCode& status) const {
+        if (units_.size() > std::numeric_limits<std::int32_t>::max())
+            status = U_REGEX_STACK_OVERFLOW;
+        else
+            uregex_setText(matcher, units_.data(), static_cast<std::int32_t>(units_.size()),
+                           &status);
+    }
+
+    std::string group(URegularExpression* matcher, std::int32_t number) {
+        UErrorCode status = U_ZERO_ERROR;
+        const std::int32_t start = uregex_start(matcher, number, &status);
+        const std::int32_t end = uregex_end(matcher, number, &status);
+        if (U_FAILURE(status) || start < 0)
+            return {};
+        const std::size_t first = offsetOf(start);
+        return std::string(text_.substr(first, offsetOf(end) - first));
+    }
+
+private:
+    static int unitsIn(std::int32_t codePoint) { return codePoint > 0xFFFF ? 2 : 1; }
+
+    /// Goes there from where it was asked about last: ICU has gone as far.
+    std::size_t offsetOf(std::int32_t unit) {
+        while (unit_ < unit)
+            unit_ += unitsIn(internal::nextCodePoint(text_, offset_));
+        while (unit_ > unit)
+            unit_ -= unitsIn(internal::previousCodePoint(text_, offset_));
+        return offset_;
+    }
+
+    std::string_view text_;
+    std::u16string units_;
+    std::int32_t unit_ = 0;
+    std::size_t offset_ = 0;
+};
+
+/// Bounds the time of a search: a step may take time with the length of the text, and so may what
+/// is no step.
+class TimeLimit {
+public:
+    explicit TimeLimit(std::size_t bytes)
+        : allowed_(std::chrono::seconds(2) + std::chrono::microseconds(bytes)) {}
+
+    void watch(URegularExpression* matcher, UErrorCode& status) {
+        uregex_setMatchCallback(matcher, goesOnMatching, this, &status);
+        uregex_setFindProgressCallback(matcher, goesOnFinding, this, &status);
+    }
+
+private:
+    using Time = std::chrono::nanoseconds;
+
+    static Time now(clockid_t clock) {
+        timespec time{};
+        ::clock_gettime(clock, &time);
+        return std::chrono::seconds(time.tv_sec) + Time(time.tv_nsec);
+    }
+
+    static TimeLimit& of(const void* context) {
+        return *const_cast<TimeLimit*>(static_cast<const TimeLimit*>(context));
+    }
+
+    static UBool goesOnMatching(const void* context, std::int32_t) {
+        return of(context).isTimeLeft();
+    }
+
+    static UBool goesOnFinding(const void* context, std::int64_t) { // at each place of the text
+        TimeLimit& limit = of(context);
+        return ++limit.places_ % 64 != 0 || limit.isTimeLeft();
+    }
+
+    /// The thread's own time is dear to read: not before it can be up, by the clock on the wall.
+    bool isTimeLeft() {
+        const Time wall = now(CLOCK_MONOTONIC_COARSE);
+        if (wall < nextLook_)
+            return true;
+        const Time own = now(CLOCK_THREAD_CPUTIME_ID);
+        if (nextLook_ == Time())
+            end_ = own + allowed_;
+        nextLook_ = wall + (end_ - own);
+        return own < end_;
+    }
+
+    const Time allowed_;
+    unsigned places_ = 0;
+    Time end_{};
+    Time nextLook_{};
+};
 
 } // namespace
 
@@ -139,17 +231,16 @@ NSRegularExpression NSRegularExpression::cached(std::string_view pattern, Option
 std::vector<std::vector<std::string>> NSRegularExpression::captures(std::string_view text,
                                                                     std::string* givenUp) const {
     UErrorCode status = U_ZERO_ERROR;
-    UText source = UTEXT_INITIALIZER;
-    utext_openUTF8(&source, text.data(), static_cast<std::int64_t>(text.size()), &status);
-    const icu::LocalUTextPointer closesSource(&source);
+    SearchedText searched(text);
+    TimeLimit limit(text.size());
     // A clone shares the compiled pattern; the stack that a long search may have filled goes with
     // it.
     const icu::LocalURegularExpressionPointer matcher(
         uregex_clone(compiled_->pattern.getAlias(), &status));
     uregex_setStackLimit(matcher.getAlias(), stackLimit, &status);
-    uregex_setTimeLimit(matcher.getAlias(), timeLimit(text.size()), &status);
-    uregex_setUText(matcher.getAlias(), &source, &status);
-    check(status);
+    uregex_setTimeLimit(matcher.getAlias(), stepLimit(text.size()), &status);
+    limit.watch(matcher.getAlias(), status);
+    searched.give(matcher.getAlias(), status);
 
     const std::int32_t groups = uregex_groupCount(matcher.getAlias(), &status);
     std::vector<std::vector<std::string>> matches;
@@ -157,9 +248,9 @@ std::vector<std::vector<std::string>> NSRegularExpression::captures(std::string_
         std::vector<std::string>& captured = matches.emplace_back();
         captured.reserve(static_cast<std::size_t>(groups));
         for (std::int32_t i = 1; i <= groups; ++i)
-            captured.push_back(group(matcher.getAlias(), i, text));
+            captured.push_back(searched.group(matcher.getAlias(), i));
     }
-    if (givenUp && (status == U_REGEX_TIME_OUT || status == U_REGEX_STACK_OVERFLOW))
+    if (givenUp && isGivenUp(status))
         *givenUp = reason(status);
     else
         check(status);

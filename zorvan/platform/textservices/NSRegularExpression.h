@@ -51,9 +51,13 @@ public:
     /// are not UTF-8 match as U+FFFD and are kept as they are in what is captured.
     ///
     /// A search is bounded: it may save 20 million steps to come back to, and 100 more for each
-    /// byte of the text, and hold 32 MB of them. Past that it is given up: it throws
+    /// byte of the text, hold 64 MB of them, and have the processor for two seconds, and a
+    /// microsecond more for each byte. Past that it is given up: it throws
     /// `RegularExpressionError`, or, with a place for the reason, says why there and gives the
-    /// matches found until then.
+    /// matches found until then. The time is looked at after every 10,000 steps saved, and at every
+    /// 64th place where a match might begin. A pattern that reads far at each of many steps on its
+    /// way back, such as "(a+)\1b", goes on for longer: at one place, for up to the square of the
+    /// text, which is seconds for 100 KB of "a" and minutes for 1 MB.
     std::vector<std::vector<std::string>> captures(std::string_view text,
                                                    std::string* givenUp = nullptr) const;
 

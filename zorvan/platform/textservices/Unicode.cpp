@@ -109,10 +109,7 @@ std::string utf8FromUTF16(std::u16string_view text) {
         U16_NEXT(text.data(), offset, text.size(), c);
         if (U_IS_SURROGATE(c))
             c = replacement;
-        std::uint8_t bytes[U8_MAX_LENGTH];
-        std::size_t count = 0;
-        U8_APPEND_UNSAFE(bytes, count, c);
-        result.append(reinterpret_cast<const char*>(bytes), count);
+        internal::appendCodePoint(result, c);
     }
     return result;
 }

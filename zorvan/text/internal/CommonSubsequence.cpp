@@ -1,5 +1,6 @@
 #include <zorvan/text/internal/CommonSubsequence.h>
 
+#include <zorvan/platform/foundation/internal/KeyedHash.h>
 #include <zorvan/platform/textservices/Characters.h>
 
 #include <algorithm>
@@ -61,7 +62,7 @@ private:
 
     static constexpr std::uint32_t unknown = UINT32_MAX;
     std::vector<std::uint32_t> ascii_ = std::vector<std::uint32_t>(128, unknown);
-    std::unordered_map<std::string, std::uint32_t> others_;
+    std::unordered_map<std::string, std::uint32_t, KeyedHash> others_;
     std::uint32_t next_ = 0;
 };
 

@@ -6,6 +6,7 @@
 #include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/foundation/internal/percentEscapes.h>
 #include <zorvan/platform/messagebus/internal/Transport.h>
+#include <zorvan/platform/messagebus/internal/WireFormat.h>
 
 #include <algorithm>
 #include <array>
@@ -178,7 +179,7 @@ private:
         std::size_t size = 0;
         if (sd_bus_message_has_signature(message, signature) > 0 &&
             sd_bus_message_read(message, "s", &key) > 0 &&
-            sd_bus_message_read_array(message, 'y', &bytes, &size) > 0) {
+            sd_bus_message_read_array(message, 'y', &bytes, &size) > 0 && size <= maxWireSize) {
             const auto* const first = static_cast<const std::byte*>(bytes);
             static_cast<BusTransport*>(self)->received_.emplace_back(first, first + size);
         }

@@ -1,9 +1,9 @@
 #include <zorvan/platform/settingsdatabase/internal/SettingRows.h>
 
+#include <zorvan/platform/foundation/internal/KeyedHash.h>
 #include <zorvan/platform/settingsdatabase/internal/StoredValue.h>
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 namespace zorvan::internal {
@@ -12,9 +12,7 @@ namespace {
 
 constexpr std::size_t leastSlots = 64;
 
-std::uint32_t hashOf(std::string_view key) {
-    return static_cast<std::uint32_t>(std::hash<std::string_view>()(key));
-}
+std::uint32_t hashOf(std::string_view key) { return static_cast<std::uint32_t>(KeyedHash()(key)); }
 
 bool isRemoval(const SettingContent& content) {
     return std::holds_alternative<std::monostate>(content);

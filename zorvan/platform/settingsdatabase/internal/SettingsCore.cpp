@@ -1,5 +1,6 @@
 #include <zorvan/platform/settingsdatabase/internal/SettingsCore.h>
 
+#include <zorvan/platform/foundation/internal/KeyedHash.h>
 #include <zorvan/platform/settingsdatabase/internal/StoredValue.h>
 
 #include <algorithm>
@@ -308,7 +309,7 @@ void SettingsDatabase::Core::writeAll(const Changes& changes, bool isBegun,
         writeOne(changes.front(), memory_.row(changes.front().first));
         return;
     }
-    std::unordered_map<std::string_view, std::int64_t> written;
+    std::unordered_map<std::string_view, std::int64_t, internal::KeyedHash> written;
     written.reserve(changes.size());
     if (!isBegun)
         file_->begin();

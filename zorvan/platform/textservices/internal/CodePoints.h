@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <unicode/utf8.h>
 
@@ -28,6 +29,14 @@ inline std::int32_t previousCodePoint(std::string_view text, std::size_t& offset
     U8_PREV(text.data() + start, 0, place, codePoint);
     offset = start + static_cast<std::size_t>(place);
     return codePoint;
+}
+
+/// Adds the code point, which is no surrogate.
+inline void appendCodePoint(std::string& text, std::int32_t codePoint) {
+    std::uint8_t bytes[U8_MAX_LENGTH];
+    std::size_t count = 0;
+    U8_APPEND_UNSAFE(bytes, count, codePoint);
+    text.append(reinterpret_cast<const char*>(bytes), count);
 }
 
 } // namespace zorvan::internal
