@@ -175,6 +175,14 @@ TEST(Png, ExifKeptAsTextTurnsThePictureToo) {
     }
     const Data comment = withText(PNG_TEXT_COMPRESSION_zTXt, "Comment", "well");
     EXPECT_EQ(text(propertiesOf(comment), "{PNG}", "Comment"), "well");
+    // What all of them come to is bounded.
+    const Data filler = withText(PNG_TEXT_COMPRESSION_zTXt, "Filler", std::string(9 << 20, 'x'));
+    const auto from = filler.begin() + static_cast<std::ptrdiff_t>(positionOf(filler, "zTXt") - 4);
+    const auto to = filler.begin() + static_cast<std::ptrdiff_t>(positionOf(filler, "IDAT") - 4);
+    Data many = comment;
+    for (int i = 0; i < 2; ++i)
+        many.insert(many.begin() + 33, from, to);
+    EXPECT_EQ(text(propertiesOf(many), "{PNG}", "Comment"), "");
 }
 
 TEST(Png, AResolutionCutShortHasNoUnit) {
