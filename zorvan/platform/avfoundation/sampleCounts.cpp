@@ -1,6 +1,5 @@
 #include <zorvan/platform/avfoundation/internal/sampleCounts.h>
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -29,49 +28,54 @@ public:
     }
 
 private:
+    using Bytes = std::array<char, 16>;
+
     void walk(std::int64_t at, std::int64_t end, int depth) {
         constexpr int mostBoxes = 100'000, mostDepth = 8;
         while (end - at >= 8 && depth < mostDepth && ++boxes_ < mostBoxes) {
-            std::int64_t length = static_cast<std::int64_t>(number(at));
+            const Bytes start = read(at);
+            std::int64_t length = static_cast<std::int64_t>(number(start, 0));
             std::int64_t head = 8;
             if (length == 1) {
-                length = static_cast<std::int64_t>(number(at + 8) << 32 | number(at + 12));
+                length = static_cast<std::int64_t>(number(start, 8) << 32 | number(start, 12));
                 head = 16;
             }
             if (length == 0 || length > end - at)
                 length = end - at; // cut short, which FFmpeg bears
             if (length < head)
                 return;
-            look(type(at + 4), at + head, at + length, depth);
+            look({start.data() + 4, 4}, at + head, at + length, depth);
             at += length;
         }
     }
 
-    void look(const std::array<char, 4>& name, std::int64_t at, std::int64_t end, int depth) {
-        const std::string_view type(name.data(), name.size());
+    void look(std::string_view type, std::int64_t at, std::int64_t end, int depth) {
         // Which fields follow for each sample.
         constexpr std::uint64_t ofEachSample = 0xF00;
         if (isOneOf(type, "moovtrakmdiaminfstblmooftraf"))
-            walk(at, end, depth + 1);
-        else if (type == "stsz" && number(at + 4) != 0)
-            count_ += number(at + 8);
-        else if (type == "trun" && (number(at) & ofEachSample) == 0)
-            count_ += number(at + 4);
+            return walk(at, end, depth + 1);
+        if (type != "stsz" && type != "trun")
+            return;
+        const Bytes table = read(at);
+        if (type == "stsz" && number(table, 4) != 0)
+            count_ += number(table, 8);
+        else if (type == "trun" && (number(table, 0) & ofEachSample) == 0)
+            count_ += number(table, 4);
     }
 
-    /// Of four bytes; 0 past the end.
-    std::uint64_t number(std::int64_t at) const {
-        std::uint64_t value = 0;
-        for (const char byte : type(at))
-            value = value << 8 | static_cast<std::uint8_t>(byte);
-        return value;
-    }
-
-    std::array<char, 4> type(std::int64_t at) const {
-        std::array<char, 4> bytes = {};
-        if (::pread(file_, bytes.data(), bytes.size(), at) != 4)
+    /// 0 past the end.
+    Bytes read(std::int64_t at) const {
+        Bytes bytes = {};
+        if (::pread(file_, bytes.data(), bytes.size(), at) < 0)
             bytes = {};
         return bytes;
+    }
+
+    static std::uint64_t number(const Bytes& bytes, std::size_t offset) {
+        std::uint64_t value = 0;
+        for (const char byte : std::string_view(bytes.data() + offset, 4))
+            value = value << 8 | static_cast<std::uint8_t>(byte);
+        return value;
     }
 
     const int file_;

@@ -62,7 +62,7 @@ private:
 
 /// Runs it on a thread with a stack of so many bytes, of which what is used takes memory. False,
 /// without having run it, when there is no such thread to be had.
-bool runOnStack(std::size_t byteCount, const std::function<void()>& work) {
+bool runOnStack(std::size_t byteCount, std::function<void()> work) {
     void* const stack = ::mmap(nullptr, byteCount, PROT_READ | PROT_WRITE,
                                MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_STACK, -1, 0);
     if (stack == MAP_FAILED)
@@ -73,12 +73,11 @@ bool runOnStack(std::size_t byteCount, const std::function<void()>& work) {
     ::pthread_attr_init(&attributes);
     ::pthread_attr_setstack(&attributes, stack, byteCount);
     const auto run = [](void* given) -> void* {
-        (*static_cast<const std::function<void()>*>(given))();
+        (*static_cast<std::function<void()>*>(given))();
         return nullptr;
     };
-    const bool runs =
-        ::mprotect(stack, guard, PROT_NONE) == 0 &&
-        ::pthread_create(&thread, &attributes, run, const_cast<std::function<void()>*>(&work)) == 0;
+    const bool runs = ::mprotect(stack, guard, PROT_NONE) == 0 &&
+                      ::pthread_create(&thread, &attributes, run, &work) == 0;
     if (runs)
         ::pthread_join(thread, nullptr);
     ::pthread_attr_destroy(&attributes);
