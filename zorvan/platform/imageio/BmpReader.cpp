@@ -282,7 +282,7 @@ private:
         checkSize(header().size);
         checkLength();
         if (header().isRunLength())
-            checkCanvas(header().size, usualPixels(source().size()));
+            checkProportion(header().size, usualPixels(source().size()));
         PictureSink sink(header().size, wantedSize(header().size, options));
         if (header().isRunLength())
             readRuns(sink);

@@ -157,7 +157,7 @@ Bitmap readOnCanvas(GifFile& file, const DecodeOptions& options) {
     checkSize(file.size());
     if (file.size().width > file.mostPixels() / file.size().height)
         throw Failure{reason::cutShort};
-    checkCanvas(canvas, file.mostPixels());
+    checkProportion(canvas, file.mostPixels());
     PictureSink sink(canvas, wantedSize(canvas, options));
     Rows rows(file);
     const auto palette = file.palette();

@@ -160,7 +160,7 @@ private:
 
     Bitmap decodeTiles(const HeifTiles& tiles, std::optional<int> chroma, const PixelRect& part,
                        const DecodeOptions& options) {
-        checkCanvas(tiles.size(), usualPixels(source().size()));
+        checkProportion(tiles.size(), usualPixels(source().size()));
         const PixelSize shown = {part.width, part.height};
         PictureSink sink(shown, wantedSize(shown, options));
         const Coding coding = {tiles.tileSize(), chroma};

@@ -58,7 +58,8 @@ HeifTiles::Layout HeifTiles::layoutOf(std::uint32_t id) const {
         return gridOf(id, *item, parts);
     // The picture itself, which differs from it at most in its turns and crops.
     const std::uint32_t coded = item->type == "iden" && parts.size() == 1 ? parts[0] : id;
-    return {.item = id, .size = sizeOf(coded), .tileSize = sizeOf(coded), .tiles = {coded}};
+    const PixelSize size = sizeOf(coded);
+    return {.item = id, .size = size, .tileSize = size, .tiles = {coded}};
 }
 
 HeifTiles::Layout HeifTiles::gridOf(std::uint32_t id, const HeifItem& grid,

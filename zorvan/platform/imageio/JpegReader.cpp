@@ -202,8 +202,8 @@ private:
         const PixelSize target = wantedSize(stored, options);
         // The codec makes up what is missing. Of what is there, a bit says 64 pixels, or 128 when
         // each colour is coarse in another direction. In several scans the picture has to be whole.
-        checkCanvas(jpeg_has_multiple_scans(&info) != 0 ? stored : target,
-                    usualPixels(source().size()));
+        checkProportion(jpeg_has_multiple_scans(&info) != 0 ? stored : target,
+                        usualPixels(source().size()));
         const bool inks = info.jpeg_color_space == JCS_CMYK || info.jpeg_color_space == JCS_YCCK;
         info.out_color_space = inks ? JCS_CMYK : JCS_EXT_RGBA;
         chooseScale(info, stored, target);

@@ -193,7 +193,7 @@ private:
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
         const Header& head = header();
         const PixelSize size = head.size();
-        checkCanvas(size, usualPixels(source().size()));
+        checkProportion(size, usualPixels(source().size()));
         if (size.width > maximumPixels / size.height)
             throw Failure{reason::tooLarge};
         Bitmap whole = decoded(wholeFile(source()), head);

@@ -27,9 +27,9 @@ bool isOutOfProportion(PixelSize size, std::int64_t mostPixels) noexcept {
     return size.width > std::max(mostPixels, alwaysFit) / size.height;
 }
 
-void checkCanvas(PixelSize canvas, std::int64_t mostPixels) {
-    checkSize(canvas);
-    if (isOutOfProportion(canvas, mostPixels))
+void checkProportion(PixelSize size, std::int64_t mostPixels) {
+    checkSize(size);
+    if (isOutOfProportion(size, mostPixels))
         throw Failure{reason::tooLarge};
 }
 

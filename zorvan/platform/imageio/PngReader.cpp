@@ -122,7 +122,7 @@ private:
         });
         // The passes fill in each other's gaps, so the picture has to be whole in memory.
         if (passes > 1)
-            checkCanvas(size, usualPixels(source().size()));
+            checkProportion(size, usualPixels(source().size()));
         PictureSink sink(size, wantedSize(size, options));
         if (passes == 1)
             readRows(decoder, sink, size, alpha);

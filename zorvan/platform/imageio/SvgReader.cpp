@@ -41,7 +41,7 @@ private:
     /// Drawn at the size that is wanted, so the picture's own need not be one of a bitmap.
     Bitmap readPicture(std::int64_t, const DecodeOptions& options) override {
         const PixelSize wanted = wantedSize(size(), options);
-        checkCanvas(wanted, usualPixels(source().size()));
+        checkProportion(wanted, usualPixels(source().size()));
         std::optional<Bitmap> drawn = header()->drawn(wanted.width, wanted.height);
         if (!drawn)
             throw Failure{reason::tooLarge};

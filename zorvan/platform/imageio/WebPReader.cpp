@@ -155,7 +155,7 @@ private:
         checkSize(head.size);
         if (!head.isComplete)
             throw Failure{reason::cutShort};
-        checkCanvas(head.size, usualPixels(source().size()));
+        checkProportion(head.size, usualPixels(source().size()));
         const PixelSize wanted = wantedSize(head.size, options);
         if (!head.frame)
             return decoded(wholeFile(source()), head.size, wanted);

@@ -28,8 +28,8 @@ constexpr std::int64_t usualPixels(std::uint64_t byteCount) noexcept {
 /// Whether that many pixels, of a file that has something to say of `mostPixels`, would cost memory
 /// for next to no bytes. Pictures of up to 2^26 pixels never do: they may be of one colour.
 bool isOutOfProportion(PixelSize size, std::int64_t mostPixels) noexcept;
-/// Throws as well when it is out of proportion.
-void checkCanvas(PixelSize canvas, std::int64_t mostPixels);
+/// Throws then, and as `checkSize` does.
+void checkProportion(PixelSize size, std::int64_t mostPixels);
 
 /// A transparent bitmap of that size. Throws when there is no memory for it.
 Bitmap bitmapOf(PixelSize size);
