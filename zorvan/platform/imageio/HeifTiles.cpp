@@ -13,6 +13,19 @@
 namespace zorvan::imageio {
 namespace {
 
+/// Whether the box describes colours, in numbers that are none of the reserved: libheif loses
+/// memory over others.
+bool describesColours(Bytes colr) {
+    constexpr std::size_t size = 11;
+    const auto isKnown = [colr](std::size_t place, int first, int last) {
+        constexpr int reserved = 3;
+        const int number = big16(colr, place);
+        return number >= first && number <= last && number != reserved;
+    };
+    return colr.size() >= size && textOf(colr).starts_with("nclx") &&
+           (isKnown(4, 1, 12) || isKnown(4, 22, 22)) && isKnown(6, 1, 18) && isKnown(8, 0, 14);
+}
+
 /// Those that tell how the picture is coded, not what is to be done with it afterwards; of each
 /// kind the first, and none that is far too long for that.
 std::vector<HeifBox> describingCoding(const std::vector<HeifBox>& properties) {
@@ -21,7 +34,7 @@ std::vector<HeifBox> describingCoding(const std::vector<HeifBox>& properties) {
     for (const std::string_view kind : {"hvcC", "av1C", "colr", "pixi", "auxC"}) {
         const auto found = std::ranges::find_if(properties, [kind](const HeifBox& property) {
             return property.type == kind && property.content.size() <= largestProperty &&
-                   (kind != "colr" || textOf(property.content).starts_with("nclx"));
+                   (kind != "colr" || describesColours(property.content));
         });
         if (found != properties.end())
             result.push_back(*found);
