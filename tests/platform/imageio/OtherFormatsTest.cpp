@@ -203,6 +203,18 @@ TEST(OtherFormats, AJpegXLIsTurnedByItsOwnWord) {
     EXPECT_EQ(ImageReader::open(bare)->format(), FileFormat::jpegXL);
     EXPECT_EQ(decoded(bare).width(), width);
 }
+
+TEST(OtherFormats, AJpegXLOfLayersWithoutNumberIsRefusedInBoundedTime) {
+    Data file = sample("layered.jxl"); // 512 by 512, black, twice
+    EXPECT_EQ(pixelAt(decoded(file), 511, 511), (Pixel{0, 0, 0, 255}));
+    constexpr std::ptrdiff_t begin = 10, end = 38, count = 100'000;
+    const Data layer(file.begin() + begin, file.begin() + end);
+    Data layers;
+    for (std::ptrdiff_t i = 0; i < count; ++i)
+        layers.insert(layers.end(), layer.begin(), layer.end());
+    file.insert(file.begin() + end, layers.begin(), layers.end());
+    EXPECT_EQ(errorOf(file), "the picture is too large");
+}
 #endif
 
 #ifdef ZORVAN_WITH_HEIC

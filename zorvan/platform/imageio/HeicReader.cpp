@@ -1,3 +1,4 @@
+#include <zorvan/platform/dispatch/concurrentPerform.h>
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/HeifBoxes.h>
@@ -8,37 +9,23 @@
 #include <zorvan/platform/imageio/internal/loadedPictures.h>
 
 #include <algorithm>
-#include <atomic>
-#include <future>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <system_error>
-#include <thread>
 #include <utility>
 #include <vector>
 
 namespace zorvan::imageio {
 namespace {
 
-/// The tiles from one column to before another, decoded by as many threads as there are processors.
+/// The tiles from one column to before another, decoded by all processors.
 class TileRow {
 public:
     TileRow(const HeifTiles& tiles, const Coding& coding, std::int64_t row, std::int64_t first,
             std::int64_t end)
-        : tiles_(tiles), coding_(coding), row_(row), first_(first), end_(end), next_(first),
+        : tiles_(tiles), coding_(coding), row_(row), first_(first),
           bitmaps_(static_cast<std::size_t>(end - first)) {
-        const std::int64_t threads = std::thread::hardware_concurrency();
-        std::vector<std::future<void>> helpers;
-        try {
-            for (std::int64_t i = 1; i < std::min(threads, end - first); ++i)
-                helpers.push_back(std::async(std::launch::async, [this] { decodeTiles(); }));
-        } catch (const std::system_error&) {
-            // There are no more threads to be had; those that there are decode all the same.
-        }
-        decodeTiles();
-        for (std::future<void>& helper : helpers)
-            helper.get();
+        concurrentPerform(end - first, [this](std::int64_t i) { decodeTile(first_ + i); });
     }
 
     /// Copies what the tiles have of a row of theirs from `x` on, a column of the whole picture.
@@ -54,13 +41,10 @@ public:
     }
 
 private:
-    void decodeTiles() {
-        for (std::int64_t column = next_++; column < end_; column = next_++) {
-            PictureSink sink(coding_.size, coding_.size);
-            decodePart(fileOf(column), coding_, {0, 0, coding_.size.width, coding_.size.height},
-                       sink);
-            bitmaps_[static_cast<std::size_t>(column - first_)] = sink.take();
-        }
+    void decodeTile(std::int64_t column) {
+        PictureSink sink(coding_.size, coding_.size);
+        decodePart(fileOf(column), coding_, {0, 0, coding_.size.width, coding_.size.height}, sink);
+        bitmaps_[static_cast<std::size_t>(column - first_)] = sink.take();
     }
 
     /// The bytes of a picture are for one thread at a time.
@@ -71,8 +55,7 @@ private:
 
     const HeifTiles& tiles_;
     const Coding coding_;
-    const std::int64_t row_, first_, end_;
-    std::atomic<std::int64_t> next_;
+    const std::int64_t row_, first_;
     std::mutex reading_ = {};
     std::vector<std::optional<Bitmap>> bitmaps_;
 };

@@ -1,11 +1,18 @@
+#include <zorvan/platform/dispatch/concurrentPerform.h>
 #include <zorvan/platform/foundation/internal/Release.h>
+#include <zorvan/platform/foundation/internal/timeOf.h>
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
 #include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/Outline.h>
 #include <zorvan/platform/imageio/internal/PictureSink.h>
 #include <zorvan/platform/imageio/internal/PixelRows.h>
 
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <new>
 #include <string_view>
+#include <thread>
 
 #include <jxl/decode.h>
 
@@ -24,11 +31,55 @@ struct Header {
     bool hasAlpha() const { return info.alpha_bits > 0; }
 };
 
+/// Spreads what the decoder does over the processors, and ends it when it takes far longer than any
+/// picture of that size: a file may hold layers without number, all under one picture.
+class BoundedWork {
+public:
+    explicit BoundedWork(PixelSize size)
+        : allowed_(std::chrono::seconds(2) +
+                   std::chrono::microseconds(2) * size.width * size.height) {}
+
+    bool isOver() const noexcept { return spent_.load() > allowed_.count(); }
+
+    static JxlParallelRetCode perform(void* self, void* work, JxlParallelRunInit begin,
+                                      JxlParallelRunFunction doPart, std::uint32_t first,
+                                      std::uint32_t end) noexcept {
+        const std::uint32_t processors = std::thread::hardware_concurrency();
+        const std::uint32_t threads = std::clamp(end - first, 1U, std::max(processors, 1U));
+        if (const JxlParallelRetCode code = begin(work, threads))
+            return code;
+        BoundedWork& bounds = *static_cast<BoundedWork*>(self);
+        std::atomic<std::uint64_t> next = first;
+        try {
+            concurrentPerform(threads, [&](std::int64_t thread) {
+                for (std::uint64_t i = next++; i < end && !bounds.isOver(); i = next++) {
+                    const std::chrono::nanoseconds start = ownTime();
+                    doPart(work, static_cast<std::uint32_t>(i), static_cast<std::size_t>(thread));
+                    bounds.spent_ += (ownTime() - start).count();
+                }
+            });
+        } catch (const std::bad_alloc&) {
+            return JXL_PARALLEL_RET_RUNNER_ERROR;
+        }
+        return bounds.isOver() ? JXL_PARALLEL_RET_RUNNER_ERROR : 0;
+    }
+
+private:
+    static std::chrono::nanoseconds ownTime() noexcept {
+        return internal::timeOf(CLOCK_THREAD_CPUTIME_ID);
+    }
+
+    const std::chrono::nanoseconds allowed_;
+    std::atomic<std::int64_t> spent_ = 0;
+};
+
 class Decoder {
 public:
-    Decoder(const Data& file, int events) : decoder_(JxlDecoderCreate(nullptr)) {
+    Decoder(const Data& file, int events, PixelSize size = {})
+        : work_(size), decoder_(JxlDecoderCreate(nullptr)) {
         if (!decoder_)
             throw Failure{reason::noMemory};
+        check(JxlDecoderSetParallelRunner(get(), BoundedWork::perform, &work_));
         check(JxlDecoderSubscribeEvents(get(), events));
         check(JxlDecoderSetKeepOrientation(get(), JXL_TRUE));
         check(JxlDecoderSetDecompressBoxes(get(), JXL_TRUE));
@@ -48,13 +99,14 @@ public:
     JxlDecoderStatus next() {
         const JxlDecoderStatus status = JxlDecoderProcessInput(get());
         if (status == JXL_DEC_ERROR)
-            throw Failure{reason::damaged};
+            throw Failure{work_.isOver() ? reason::tooLarge : reason::damaged};
         if (status == JXL_DEC_NEED_MORE_INPUT)
             throw Failure{reason::cutShort};
         return status;
     }
 
 private:
+    BoundedWork work_;
     std::unique_ptr<JxlDecoder, Release<JxlDecoderDestroy>> decoder_;
 };
 
@@ -147,7 +199,7 @@ void askForScreenColours(Decoder& decoder) {
 Bitmap decoded(const Data& file, const Header& header) {
     constexpr JxlPixelFormat format = {4, JXL_TYPE_UINT8, JXL_NATIVE_ENDIAN, 0};
     Bitmap bitmap = bitmapOf(header.size());
-    Decoder decoder(file, JXL_DEC_COLOR_ENCODING | JXL_DEC_FULL_IMAGE);
+    Decoder decoder(file, JXL_DEC_COLOR_ENCODING | JXL_DEC_FULL_IMAGE, header.size());
     for (;;) {
         switch (decoder.next()) {
         case JXL_DEC_COLOR_ENCODING:

@@ -1,5 +1,6 @@
 #include <zorvan/platform/textservices/NSRegularExpression.h>
 
+#include <zorvan/platform/foundation/internal/timeOf.h>
 #include <zorvan/platform/textservices/Unicode.h>
 #include <zorvan/platform/textservices/internal/CodePoints.h>
 
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <ctime>
 #include <limits>
 #include <list>
 #include <utility>
@@ -147,12 +147,6 @@ public:
 private:
     using Time = std::chrono::nanoseconds;
 
-    static Time now(clockid_t clock) {
-        timespec time{};
-        ::clock_gettime(clock, &time);
-        return std::chrono::seconds(time.tv_sec) + Time(time.tv_nsec);
-    }
-
     static TimeLimit& of(const void* context) {
         return *const_cast<TimeLimit*>(static_cast<const TimeLimit*>(context));
     }
@@ -168,10 +162,10 @@ private:
 
     /// The thread's own time is dear to read: not before it can be up, by the clock on the wall.
     bool isTimeLeft() {
-        const Time wall = now(CLOCK_MONOTONIC_COARSE);
+        const Time wall = internal::timeOf(CLOCK_MONOTONIC_COARSE);
         if (wall < nextLook_)
             return true;
-        const Time own = now(CLOCK_THREAD_CPUTIME_ID);
+        const Time own = internal::timeOf(CLOCK_THREAD_CPUTIME_ID);
         if (nextLook_ == Time())
             end_ = own + allowed_;
         nextLook_ = wall + (end_ - own);
