@@ -1,6 +1,7 @@
 #include "Support.h"
 #include <tests/Testing.h>
 
+#include <dlfcn.h>
 #include <sys/resource.h>
 
 #ifdef ZORVAN_WITH_HEIC
@@ -182,6 +183,24 @@ TEST(OtherFormats, EveryFormOfABmpDecodes) {
         unknown[at] = static_cast<std::byte>(value);
         EXPECT_EQ(errorOf(unknown), "this variety of the format is not supported");
     }
+}
+
+TEST(OtherFormats, AnSvgThatUsesItselfWithoutEndIsRefusedInBoundedTime) {
+    void* const library = ::dlopen("librsvg-2.so.2", RTLD_NOW);
+    if (!library || !::dlsym(library, "rsvg_handle_set_cancellable_for_rendering"))
+        GTEST_SKIP() << "librsvg before 2.60 ends no drawing";
+    std::string nested =
+        "<svg xmlns='http://www.w3.org/2000/svg' width='64' height='64'><defs><filter id='f'>"
+        "<feTurbulence baseFrequency='.9' numOctaves='10'/></filter>"
+        "<rect id='a0' width='64' height='64' filter='url(#f)'/>";
+    for (int i = 1; i < 6; ++i) {
+        nested += "<g id='a" + std::to_string(i) + "'>";
+        for (int use = 0; use < 12; ++use)
+            nested += "<use href='#a" + std::to_string(i - 1) + "'/>";
+        nested += "</g>";
+    }
+    EXPECT_EQ(errorOf(bytesOf(nested + "</defs><use href='#a5'/></svg>")),
+              "the picture is too large");
 }
 
 #ifdef ZORVAN_JPEG_XL

@@ -2,11 +2,15 @@
 
 #include <zorvan/platform/foundation/LibraryLog.h>
 #include <zorvan/platform/foundation/internal/readRegularFile.h>
+#include <zorvan/platform/foundation/internal/timeOf.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <dlfcn.h>
 #include <functional>
+#include <future>
+#include <gio/gio.h>
 #include <librsvg/rsvg.h>
 #include <pthread.h>
 #include <string_view>
@@ -28,6 +32,10 @@ struct Rsvg {
     decltype(&cairo_surface_destroy) destroySurface = nullptr;
     decltype(&cairo_create) createContext = nullptr;
     decltype(&cairo_destroy) destroyContext = nullptr;
+    decltype(&g_cancellable_new) newStop = nullptr;
+    decltype(&g_cancellable_cancel) stop = nullptr;
+    /// From librsvg 2.60 on; null before.
+    void (*setStop)(RsvgHandle* handle, GCancellable* stop) = nullptr;
 
     /// Null when the machine has none.
     static const Rsvg* shared() {
@@ -55,14 +63,39 @@ private:
                             find(rsvg.createSurface, "cairo_image_surface_create_for_data") &&
                             find(rsvg.destroySurface, "cairo_surface_destroy") &&
                             find(rsvg.createContext, "cairo_create") &&
-                            find(rsvg.destroyContext, "cairo_destroy");
+                            find(rsvg.destroyContext, "cairo_destroy") &&
+                            find(rsvg.newStop, "g_cancellable_new") &&
+                            find(rsvg.stop, "g_cancellable_cancel");
+        find(rsvg.setStop, "rsvg_handle_set_cancellable_for_rendering");
         return hasAll ? std::optional(rsvg) : std::nullopt;
     }
 };
 
+/// How much of a processor some work may take, and what ends it then; nothing does when that is
+/// empty.
+struct TimeLimit {
+    std::chrono::nanoseconds time;
+    std::function<void()> stop;
+};
+
+void watch(pthread_t thread, const std::future<void>& end, const TimeLimit& limit) {
+    using namespace std::chrono_literals;
+    clockid_t clock = {};
+    if (!limit.stop || ::pthread_getcpuclockid(thread, &clock) != 0)
+        return;
+    for (std::chrono::nanoseconds left = limit.time; left > 0s;
+         left = limit.time - internal::timeOf(clock))
+        if (end.wait_for(std::max<std::chrono::nanoseconds>(left, 1ms)) ==
+            std::future_status::ready)
+            return;
+    limit.stop();
+}
+
 /// Runs it on a thread with a stack of so many bytes, of which what is used takes memory. False,
 /// without having run it, when there is no such thread to be had.
-bool runOnStack(std::size_t byteCount, std::function<void()> work) {
+bool runOnStack(std::size_t byteCount, const std::function<void()>& work, const TimeLimit& limit) {
+    std::packaged_task<void()> task(work);
+    const std::future<void> end = task.get_future();
     void* const stack = ::mmap(nullptr, byteCount, PROT_READ | PROT_WRITE,
                                MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_STACK, -1, 0);
     if (stack == MAP_FAILED)
@@ -73,13 +106,15 @@ bool runOnStack(std::size_t byteCount, std::function<void()> work) {
     ::pthread_attr_init(&attributes);
     ::pthread_attr_setstack(&attributes, stack, byteCount);
     const auto run = [](void* given) -> void* {
-        (*static_cast<std::function<void()>*>(given))();
+        (*static_cast<std::packaged_task<void()>*>(given))();
         return nullptr;
     };
     const bool runs = ::mprotect(stack, guard, PROT_NONE) == 0 &&
-                      ::pthread_create(&thread, &attributes, run, &work) == 0;
-    if (runs)
+                      ::pthread_create(&thread, &attributes, run, &task) == 0;
+    if (runs) {
+        watch(thread, end, limit);
         ::pthread_join(thread, nullptr);
+    }
     ::pthread_attr_destroy(&attributes);
     ::munmap(stack, byteCount);
     return runs;
@@ -87,12 +122,29 @@ bool runOnStack(std::size_t byteCount, std::function<void()> work) {
 
 /// librsvg follows each reference on the stack, however long the chain: up to 12 KiB of it for some
 /// fifteen bytes of the document. A small document needs no more than any thread has.
-bool runWithRoom(std::size_t documentSize, const std::function<void()>& work) {
+bool runWithRoom(std::size_t documentSize, const std::function<void()>& work,
+                 const TimeLimit& limit) {
     constexpr std::size_t small = 2 << 10, stackOfByte = 1024, least = 8 << 20;
-    if (documentSize > small)
-        return runOnStack(least + documentSize * stackOfByte / 4096 * 4096, work);
+    if (documentSize > small || limit.stop)
+        return runOnStack(least + documentSize * stackOfByte / 4096 * 4096, work, limit);
     work();
     return true;
+}
+
+/// Ends the next drawing with that handle when it is cancelled; null where librsvg has no such
+/// thing.
+std::shared_ptr<GCancellable> makeStop(const Rsvg& rsvg, RsvgHandle* handle) {
+    if (!rsvg.setStop)
+        return nullptr;
+    const std::shared_ptr<GCancellable> stop(rsvg.newStop(), rsvg.release);
+    rsvg.setStop(handle, stop.get());
+    return stop;
+}
+
+/// Far more than drawings take of that many pixels, and documents of that many bytes.
+std::chrono::nanoseconds longest(std::int64_t pixels, std::size_t documentSize) {
+    return std::chrono::seconds(2) + std::chrono::microseconds(2) * pixels +
+           std::chrono::microseconds(2) * documentSize;
 }
 
 CGSize sizeOf(const Rsvg& rsvg, RsvgHandle* handle) {
@@ -170,7 +222,10 @@ std::optional<Bitmap> VectorPicture::drawn(std::int64_t width, std::int64_t heig
     auto* const handle = static_cast<RsvgHandle*>(handle_.get());
     gboolean isDrawn = FALSE;
     const auto render = [&] { isDrawn = rsvg.render(handle, cairo.get(), &all, nullptr); };
-    if (!runWithRoom(byteCount_, render) || !isDrawn)
+    TimeLimit limit{longest(width * height, byteCount_), {}};
+    if (const std::shared_ptr<GCancellable> stop = makeStop(rsvg, handle))
+        limit.stop = [&rsvg, stop] { rsvg.stop(stop.get()); };
+    if (!runWithRoom(byteCount_, render, limit) || !isDrawn)
         return std::nullopt;
     turnIntoRgba(*bitmap);
     return bitmap;

@@ -32,7 +32,8 @@ public:
     CGSize size() const noexcept { return size_; }
 
     /// Fitted into the bitmap, centred, on a transparent ground. Absent when the bitmap cannot be
-    /// made or the picture cannot be drawn.
+    /// made or the picture cannot be drawn; with librsvg 2.60 and later also when it takes two
+    /// seconds of a processor and two more for every million pixels and bytes.
     std::optional<Bitmap> drawn(std::int64_t width, std::int64_t height) const;
 
 private:
