@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <new>
 #include <string_view>
 #include <thread>
 
@@ -58,7 +57,7 @@ public:
                     bounds.spent_ += (ownTime() - start).count();
                 }
             });
-        } catch (const std::bad_alloc&) {
+        } catch (...) { // for want of memory
             return JXL_PARALLEL_RET_RUNNER_ERROR;
         }
         return bounds.isOver() ? JXL_PARALLEL_RET_RUNNER_ERROR : 0;
