@@ -184,15 +184,6 @@ TEST(AVAsset, PassesOverPlacesThatCannotBeRead) {
     EXPECT_FALSE(assetOf({})->parseLocationFromMetadata());
 }
 
-TEST(AVAsset, RefusesTablesThatCountMoreSamplesThanTheFileHasBytes) {
-    testmovies::numbers("counts", {.count = 10});
-    std::string bytes = testmovies::read("counts.mp4");
-    const std::size_t table = bytes.find("stsz") + 8;
-    bytes.replace(table, 8, std::string("\0\0\0\1\0\xFF\0\0", 8)); // 16 million of one byte each
-    testmovies::write("counts.mp4", bytes);
-    EXPECT_FALSE(AVAsset::create(testmovies::url("counts.mp4"))->isReadable());
-}
-
 TEST(AVAsset, LeavesNoFileOpen) {
     const auto count = [] {
         return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});

@@ -19,11 +19,14 @@ AVPlayerItem::Status play(const URL& url) {
 TEST(DamagedMovies, WhatIsNoMovieFails) {
     testmovies::numbers("good", {.count = 10});
     const std::string good = testmovies::path("good.mp4");
+    std::string counting = testmovies::read("good.mp4"); // 16 million samples of one byte each
+    counting.replace(counting.find("stsz") + 8, 8, std::string("\0\0\0\1\0\xFF\0\0", 8));
     std::vector<std::string> names{"pipe.mp4", "folder.mp4", "missing.mp4"};
     ASSERT_EQ(mkfifo(testmovies::path("pipe.mp4").c_str(), 0600), 0);
     ASSERT_EQ(mkdir(testmovies::path("folder.mp4").c_str(), 0700), 0);
     for (const auto& [name, content] : std::map<std::string, std::string>{
              {"empty.mp4", ""},
+             {"counting.mp4", counting},
              {"text.mp4", "Dear reader, this is no movie.\n"},
              {"header.mp4", testmovies::read("good.mp4").substr(0, 40)},
              {"playlist.m3u8",
