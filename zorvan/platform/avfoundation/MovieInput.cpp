@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <new>
 #include <span>
+#include <string_view>
 #include <utility>
 
 #include <fcntl.h>
@@ -26,14 +27,12 @@ namespace zorvan::avfoundation {
 /// names that a container holds lead nowhere.
 class FileBytes {
 public:
-    /// Empty when the path leads to no regular file that can be read, or to a movie that would take
-    /// far more memory than it has bytes.
+    /// Empty when the path leads to no regular file that can be read.
     static std::unique_ptr<FileBytes> open(const std::string& path) {
         // Without O_NONBLOCK the opening of a pipe would wait for somebody to write.
         internal::FileDescriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
         struct stat status {};
-        if (fstat(opened.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
-            !samplesFit(opened.get(), status.st_size))
+        if (fstat(opened.get(), &status) != 0 || !S_ISREG(status.st_mode))
             return nullptr;
         return std::unique_ptr<FileBytes>(new FileBytes(std::move(opened), status.st_size));
     }
@@ -45,6 +44,15 @@ public:
     }
 
     AVIOContext* context() const noexcept { return context_; }
+    /// By its bytes. Null when FFmpeg knows none, and for a movie whose index would take far more
+    /// memory than it has bytes.
+    const AVInputFormat* format() const {
+        const AVInputFormat* format = nullptr;
+        if (av_probe_input_buffer2(context_, &format, nullptr, nullptr, 0, 0) < 0)
+            return nullptr;
+        const bool isInBoxes = std::string_view(format->name).starts_with("mov,");
+        return isInBoxes && !samplesFit(file_.get(), size_) ? nullptr : format;
+    }
 
 private:
     FileBytes(internal::FileDescriptor file, std::int64_t size)
@@ -119,6 +127,9 @@ std::unique_ptr<MovieInput> MovieInput::open(const std::string& path, bool mayDe
     input->file_ = FileBytes::open(path);
     if (!input->file_)
         return nullptr;
+    const AVInputFormat* const format = input->file_->format();
+    if (!format)
+        return nullptr;
     AVFormatContext* context = avformat_alloc_context();
     if (!context)
         throw std::bad_alloc();
@@ -130,7 +141,7 @@ std::unique_ptr<MovieInput> MovieInput::open(const std::string& path, bool mayDe
     if (!mayDecode)
         context->codec_whitelist = av_strdup("none");
     // On failure it frees the context.
-    if (avformat_open_input(&context, nullptr, nullptr, nullptr) < 0)
+    if (avformat_open_input(&context, nullptr, format, nullptr) < 0)
         return nullptr;
     input->context_.reset(context);
     return input;

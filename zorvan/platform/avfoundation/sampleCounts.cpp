@@ -1,12 +1,26 @@
+#include <zorvan/platform/avfoundation/internal/ByteSource.h>
 #include <zorvan/platform/avfoundation/internal/sampleCounts.h>
 
+#include <algorithm>
 #include <array>
+#include <limits>
+#include <string>
 #include <string_view>
+#include <utility>
 
-#include <unistd.h>
+#include <zlib.h>
 
 namespace zorvan::avfoundation {
 namespace {
+
+using Bytes = std::array<char, 16>;
+
+std::uint32_t number(const Bytes& bytes, std::size_t offset) {
+    std::uint32_t value = 0;
+    for (const char byte : std::string_view(bytes.data() + offset, 4))
+        value = value << 8 | static_cast<std::uint8_t>(byte);
+    return value;
+}
 
 constexpr bool isOneOf(std::string_view type, std::string_view types) {
     for (; !types.empty(); types.remove_prefix(4))
@@ -15,83 +29,216 @@ constexpr bool isOneOf(std::string_view type, std::string_view types) {
     return false;
 }
 
-/// Walks over the boxes and adds up what they count.
-class SampleCount {
+/// Tables that begin with the count of their entries, and the others that matter.
+constexpr std::string_view timesAndPlaces = "sttscttsstscstcoco64stssstps";
+constexpr std::string_view otherTables = "stszstz2trunelsthdlr";
+
+/// What the tables of a track count; real numbers, since their products go beyond integers.
+struct Track {
+    double samples = 0, chunks = 0, mostOfChunk = 0, edits = 0;
+    bool isSound = false, hasUnitTimes = false, isOtherwise = false;
+
+    /// How many entries FFmpeg makes of it: for each edit one for each sample. Sound whose samples
+    /// last one unit of time each it takes in pieces of chunks instead, of 160 samples or more.
+    double entries() const {
+        const bool isInPieces = isSound && hasUnitTimes && !isOtherwise;
+        const double pieces = chunks * (mostOfChunk / 160 + 1);
+        return (pieces + (isInPieces ? 0 : samples)) * std::max(edits, 1.0);
+    }
+};
+
+/// Walks over the boxes as FFmpeg does, and adds up the entries that it makes.
+class EntryCount {
 public:
-    SampleCount(int file, std::int64_t size) : file_(file), size_(size) {}
+    EntryCount(int file, std::int64_t size) : file_(file, size) {}
 
     bool fits() {
-        // Old codecs of speech count single values of sound, and take a part of a byte for each.
-        constexpr std::uint64_t mostOfByte = 32;
-        walk(0, size_, 0);
-        return count_ <= mostOfByte * static_cast<std::uint64_t>(size_);
+        walk(0, file_.size(), 0);
+        return isWithin();
     }
 
 private:
-    using Bytes = std::array<char, 16>;
+    bool isWithin() const { return count_ <= static_cast<double>(file_.size()); }
+    void refuse() { count_ = std::numeric_limits<double>::infinity(); }
 
     void walk(std::int64_t at, std::int64_t end, int depth) {
-        constexpr int mostBoxes = 100'000, mostDepth = 8;
-        while (end - at >= 8 && depth < mostDepth && ++boxes_ < mostBoxes) {
-            const Bytes start = read(at);
-            std::int64_t length = static_cast<std::int64_t>(number(start, 0));
-            std::int64_t head = 8;
-            if (length == 1) {
-                length = static_cast<std::int64_t>(number(start, 8) << 32 | number(start, 12));
-                head = 16;
-            }
-            if (length == 0 || length > end - at)
-                length = end - at; // cut short, which FFmpeg bears
+        constexpr int mostDepth = 12; // FFmpeg opens no movie that is deeper
+        if (depth > mostDepth)
+            return refuse();
+        while (end - at >= 8 && isWithin()) {
+            const Bytes start = source_->at(at);
+            const bool isLong = number(start, 0) == 1;
+            const std::uint64_t head = isLong ? 16 : 8, rest = static_cast<std::uint64_t>(end - at);
+            std::uint64_t length = isLong
+                                       ? std::uint64_t{number(start, 8)} << 32 | number(start, 12)
+                                       : number(start, 0);
+            if (length == 0 || length > rest)
+                length = rest; // cut short, which FFmpeg bears
             if (length < head)
                 return;
-            look({start.data() + 4, 4}, at + head, at + length, depth);
-            at += length;
+            const std::int64_t next = at + static_cast<std::int64_t>(length);
+            look({start.data() + 4, 4}, at + static_cast<std::int64_t>(head), next, depth + 1);
+            at = next;
         }
     }
 
-    void look(std::string_view type, std::int64_t at, std::int64_t end, int depth) {
-        // Which fields follow for each sample.
-        constexpr std::uint64_t ofEachSample = 0xF00;
-        if (isOneOf(type, "moovtrakmdiaminfstblmooftraf"))
-            return walk(at, end, depth + 1);
-        if (type != "stsz" && type != "trun")
-            return;
-        const Bytes table = read(at);
-        if (type == "stsz" && number(table, 4) != 0)
-            count_ += number(table, 8);
-        else if (type == "trun" && (number(table, 0) & ofEachSample) == 0)
+    /// `at` is where the content of the box begins.
+    void look(std::string_view box, std::int64_t at, std::int64_t end, int depth) {
+        if (isOneOf(box, "mdiaminfstbledtsudtadinftrefwavesinfschiilstmvexmooftraf"))
+            walk(at, end, depth);
+        else if (box == "moov" || (isOneOf(box, "freehoov") && isHead(at)))
+            walkHead(at, end, depth);
+        else if (box == "cmov")
+            unfold(at, end, depth);
+        else if (box == "trak")
+            walkTrack(at, end, depth);
+        else if (box == "meta")
+            walkMetadata(at, end, depth);
+        else if (box == "stsd")
+            walkFormats(at, depth);
+        else if (box == "mdat")
+            track_.isOtherwise = true; // FFmpeg reads no further in the box around it
+        else if (isOneOf(box, timesAndPlaces))
+            addTable(box, at);
+        else if (isOneOf(box, otherTables))
+            addOther(box, at, end);
+    }
+
+    /// FFmpeg also takes the head of a movie from where one was given up.
+    bool isHead(std::int64_t at) {
+        const Bytes start = source_->at(at);
+        return isOneOf({start.data() + 4, 4}, "mvhdcmov");
+    }
+
+    void walkHead(std::int64_t at, std::int64_t end, int depth) {
+        if (isInTrack_)
+            return refuse();
+        walk(at, end, depth);
+    }
+
+    void walkTrack(std::int64_t at, std::int64_t end, int depth) {
+        if (std::exchange(isInTrack_, true))
+            return refuse();
+        track_ = {};
+        walk(at, end, depth);
+        count_ += track_.entries();
+        isInTrack_ = false;
+    }
+
+    /// There may be fields before the first box, which FFmpeg looks for.
+    void walkMetadata(std::int64_t at, std::int64_t end, int depth) {
+        for (; end - at > 8; at += 4)
+            if (std::string_view(source_->at(at).data(), 4) == "hdlr")
+                return walk(at - 4, end, depth);
+    }
+
+    /// Behind the fields of each format are boxes. As it is not known here whether they are those
+    /// of sound, in one of its versions, of video, or of neither, all are tried.
+    void walkFormats(std::int64_t at, int depth) {
+        constexpr std::int64_t most = 0x7FFFE; // beyond, FFmpeg may lose its place
+        if (std::exchange(isInFormats_, true))
+            return refuse();
+        const Track before = track_;
+        const std::uint32_t count = number(source_->at(at), 4);
+        std::int64_t format = at + 8;
+        for (std::uint32_t i = 0; i < count && rest(format) >= 16 && isWithin(); ++i, ++count_) {
+            const std::int64_t size = number(source_->at(format), 0);
+            if (size < 8 || size > most)
+                return refuse();
+            const std::int64_t next = format + std::min(size, rest(format));
+            for (const int fields : {0, 20, 36, 56, 70, 70 + paletteSize(format + 16 + 70)})
+                walk(format + 16 + fields, next, depth);
+            format = next;
+        }
+        track_.isSound = before.isSound;
+        track_.hasUnitTimes = before.hasUnitTimes;
+        isInFormats_ = false;
+    }
+
+    int paletteSize(std::int64_t at) {
+        const Bytes palette = source_->at(at);
+        const std::uint32_t first = number(palette, 0), last = number(palette, 4) & 0xFFFF;
+        const bool isWithColours = first <= last && last <= 255;
+        return 8 + (isWithColours ? 8 * static_cast<int>(last - first + 1) : 0);
+    }
+
+    void addTable(std::string_view box, std::int64_t at) {
+        const Bytes table = source_->at(at);
+        // FFmpeg reads on beyond the box, up to the end of the file.
+        const std::int64_t count = std::min<std::int64_t>(number(table, 4), rest(at) / 4);
+        count_ += static_cast<double>(count);
+        if (box == "stts" && count == 1 && number(table, 12) == 1)
+            track_.hasUnitTimes = true;
+        else if (box == "stts" || box == "ctts")
+            track_.isOtherwise = true;
+        else if (box == "stco" || box == "co64")
+            track_.chunks += static_cast<double>(count);
+        else if (box == "stsc" && isWithin())
+            for (std::int64_t i = 0; i < count; ++i)
+                track_.mostOfChunk =
+                    std::max<double>(track_.mostOfChunk, number(source_->at(at + 8 + 12 * i), 4));
+    }
+
+    void addOther(std::string_view box, std::int64_t at, std::int64_t end) {
+        const Bytes table = source_->at(at);
+        if (box == "trun")
             count_ += number(table, 4);
+        else if (box == "elst")
+            track_.edits += static_cast<double>((end - at - 8) / (table[0] == 1 ? 20 : 12));
+        else if (box == "hdlr")
+            addHandler({table.data() + 8, 4});
+        else
+            addSamples(table, box == "stz2", rest(at));
     }
 
-    /// 0 past the end.
-    Bytes read(std::int64_t at) const {
-        Bytes bytes = {};
-        if (::pread(file_, bytes.data(), bytes.size(), at) < 0)
-            bytes = {};
-        return bytes;
+    void addSamples(const Bytes& table, bool isCompact, std::int64_t rest) {
+        const bool isListed = isCompact || number(table, 4) == 0;
+        const double count = number(table, 8), bits = isCompact ? table[7] : 32;
+        // FFmpeg takes no list that goes beyond the end of the file.
+        if (!isListed || count * bits / 8 <= static_cast<double>(rest))
+            track_.samples += count;
     }
 
-    static std::uint64_t number(const Bytes& bytes, std::size_t offset) {
-        std::uint64_t value = 0;
-        for (const char byte : std::string_view(bytes.data() + offset, 4))
-            value = value << 8 | static_cast<std::uint8_t>(byte);
-        return value;
+    void addHandler(std::string_view handler) {
+        track_.isSound |= handler == "soun";
+        track_.isOtherwise |= isOneOf(handler, "videsubpclcp");
     }
 
-    const int file_;
-    const std::int64_t size_;
-    std::uint64_t count_ = 0;
-    int boxes_ = 0;
+    /// The head of a movie that zlib has folded: once a file, and at most 64 MB.
+    void unfold(std::int64_t at, std::int64_t end, int depth) {
+        constexpr std::int64_t most = 64 << 20, mostOfByte = 1032, head = 24;
+        const std::int64_t foldedSize = end - at - head;
+        const std::int64_t size = number(source_->at(at + head - 4), 0);
+        if (std::exchange(isUnfolded_, true) || isInTrack_ || foldedSize < 0 || foldedSize > most ||
+            size > std::min(most, foldedSize * mostOfByte))
+            return refuse();
+        std::string folded(static_cast<std::size_t>(foldedSize), '\0');
+        std::string bytes(static_cast<std::size_t>(size), '\0');
+        source_->copy(at + head, folded.data(), folded.size());
+        uLongf length = bytes.size();
+        if (uncompress(reinterpret_cast<Bytef*>(bytes.data()), &length,
+                       reinterpret_cast<const Bytef*>(folded.data()), folded.size()) != Z_OK)
+            return refuse();
+        bytes.resize(length);
+        ByteSource unfolded(std::move(bytes));
+        ByteSource* const outer = std::exchange(source_, &unfolded);
+        walk(0, unfolded.size(), depth);
+        source_ = outer;
+    }
+
+    std::int64_t rest(std::int64_t at) const {
+        return std::max<std::int64_t>(source_->size() - at, 0);
+    }
+
+    ByteSource file_;
+    ByteSource* source_ = &file_;
+    Track track_;
+    bool isInTrack_ = false, isInFormats_ = false, isUnfolded_ = false;
+    double count_ = 0;
 };
 
 } // namespace
 
-bool samplesFit(int file, std::int64_t size) noexcept {
-    std::array<char, 4> type = {};
-    const bool isRead = ::pread(file, type.data(), type.size(), 4) == 4;
-    const bool isInBoxes =
-        isRead && isOneOf({type.data(), type.size()}, "ftypstypmoovmdatfreeskipwidepnotmoof");
-    return !isInBoxes || SampleCount(file, size).fits();
-}
+bool samplesFit(int file, std::int64_t size) { return EntryCount(file, size).fits(); }
 
 } // namespace zorvan::avfoundation

@@ -4,9 +4,9 @@
 
 namespace zorvan::avfoundation {
 
-/// Whether the tables of a movie in the boxes of MP4 and QuickTime count no more samples than the
-/// bytes of the file can hold; true as well of a file in another form. FFmpeg makes an entry of its
-/// index for each sample that a table speaks of, so that a few hundred bytes would take gigabytes.
-bool samplesFit(int file, std::int64_t size) noexcept;
+/// Whether the tables of a movie in the boxes of MP4 and QuickTime have FFmpeg make no more entries
+/// of its index than the file has bytes. FFmpeg makes one for each sample that a table speaks of, so
+/// that a few hundred bytes could take gigabytes. `file` is of a movie that FFmpeg reads so.
+bool samplesFit(int file, std::int64_t size);
 
 } // namespace zorvan::avfoundation
