@@ -5,15 +5,23 @@
 
 #include <cerrno>
 #include <string>
+#include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 
 namespace zorvan::files {
 
-/// The path of a file URL. Throws `std::filesystem::filesystem_error` for another URL.
+inline bool hasNUL(std::string_view path) noexcept {
+    return path.find('\0') != std::string_view::npos;
+}
+
+/// The path of a file URL. Throws `std::filesystem::filesystem_error` for another URL, and for a
+/// path with a NUL, at which the system would cut it.
 inline const std::string& filePath(const URL& url) {
     if (!url.isFileURL())
         throwFileError("not a file:", url.absoluteString(), EINVAL);
+    if (hasNUL(url.path()))
+        throwFileError("no path of a file:", url.absoluteString(), EINVAL);
     return url.path();
 }
 const std::string& filePath(URL&&) = delete;
@@ -21,7 +29,7 @@ const std::string& filePath(URL&&) = delete;
 /// Whether an item, and be it a link that leads nowhere, has the name.
 inline bool isTaken(const std::string& path) {
     struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0;
+    return !hasNUL(path) && ::lstat(path.c_str(), &status) == 0;
 }
 
 /// Makes a folder that is the user's alone, and those on the way to it that are missing. Returns 0
