@@ -1,5 +1,6 @@
 #include "ChildProcess.h"
 #include "TemporaryFolder.h"
+#include "TracedProcess.h"
 #include <tests/Testing.h>
 
 #include <zorvan/files/NSFileManager.h>
@@ -123,6 +124,18 @@ TEST(AvailableNames, APathWithANULIsRefusedAndNeverCut) {
     }
     EXPECT_EQ(folder.count(), 2);
     EXPECT_EQ(text(folder.path() / "report.sh"), "x");
+}
+
+TEST(AvailableNames, TheThousandthTakesFewCalls) {
+    const TemporaryFolder folder(TemporaryFolder::fastParent());
+    folder.file("a.b");
+    for (int i = 0; i < 999; ++i)
+        folder.file("a (" + std::to_string(i) + ").b");
+    TracedProcess process(200, [] {});
+    EXPECT_EQ(process.run([&] { manager().createAvailableFile(folder.url("a.b")); }),
+              TracedProcess::End::hadFewerCalls);
+    EXPECT_EQ(process.exitStatus(), 0);
+    EXPECT_TRUE(fs::exists(folder.path() / "a (999).b"));
 }
 
 // Each process puts its mark in what it created; a mark that is missing was overwritten.

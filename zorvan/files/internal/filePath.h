@@ -19,9 +19,9 @@ inline bool hasNUL(std::string_view path) noexcept {
 /// path with a NUL, at which the system would cut it.
 inline const std::string& filePath(const URL& url) {
     if (!url.isFileURL())
-        throwFileError("not a file:", url.absoluteString(), EINVAL);
+        throwFileError("not a file", url.absoluteString(), EINVAL);
     if (hasNUL(url.path()))
-        throwFileError("no path of a file:", url.absoluteString(), EINVAL);
+        throwFileError("no path of a file", url.absoluteString(), EINVAL);
     return url.path();
 }
 const std::string& filePath(URL&&) = delete;
