@@ -103,7 +103,7 @@ private:
     std::string suffix_; // "?query#fragment"
     bool isFile_ = false;
 
-    friend struct std::hash<URL>;
+    friend struct std::hash<URL>; ///< Of all the texts.
 };
 
 } // namespace zorvan
