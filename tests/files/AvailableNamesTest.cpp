@@ -103,6 +103,7 @@ TEST(AvailableNames, APathWithANULIsRefusedAndNeverCut) {
     folder.make({"report.sh", "source"});
     const URL url = folder.url(std::string("report.sh\0.jpg", 14));
     const URL source = folder.url("source");
+    EXPECT_FALSE(manager().contentExists(url).exist);
     EXPECT_EQ(manager().availableItemURL(url), url);
     const std::function<void()> calls[] = {
         [&] { manager().createAvailableFile(url); },
