@@ -93,6 +93,13 @@ TEST(OtherFormats, SizesBeyondTheBoundAreRefusedBeforeAllocation) {
         chain +=
             "<g id='a" + std::to_string(i) + "'><use href='#a" + std::to_string(i - 1) + "'/></g>";
     errorOf(bytesOf(chain + "</defs><use href='#a4999'/></svg>")); // later versions refuse it
+    for (const auto& [value, error] : {std::pair("#F00", ""),
+                                       {"<g/>", "the file is damaged"},
+                                       {"&#60;g/>", "the file is damaged"}})
+        EXPECT_EQ(errorOf(bytesOf("<!DOCTYPE svg [<!ENTITY e \"" + std::string(value) +
+                                  "\">]><svg xmlns='http://www.w3.org/2000/svg' width='9' "
+                                  "height='9'><desc>&e;</desc></svg>")),
+                  error);
     // Sizes within the bound that the file has not the bytes for.
     gif = sample("plain.gif");
     const std::size_t description = positionOf(gif, std::string_view(",\0\0\0\0\x18\0", 7));

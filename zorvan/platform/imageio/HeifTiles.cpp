@@ -139,10 +139,13 @@ Data HeifTiles::bytesOf(const HeifItem& item) const {
     for (const HeifPicture::Extent& extent : item.extents) {
         if (extent.length > most - bytes.size())
             throw Failure{reason::tooLarge};
-        const Data piece = source_.bytes(extent.offset, extent.length);
+        Data piece = source_.bytes(extent.offset, extent.length);
         if (piece.size() < extent.length)
             throw Failure{reason::cutShort};
-        bytes.insert(bytes.end(), piece.begin(), piece.end());
+        if (bytes.empty())
+            bytes = std::move(piece);
+        else
+            bytes.insert(bytes.end(), piece.begin(), piece.end());
     }
     return bytes;
 }

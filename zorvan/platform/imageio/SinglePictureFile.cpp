@@ -2,6 +2,8 @@
 
 #include <zorvan/platform/imageio/internal/BoxWriter.h>
 
+#include <utility>
+
 namespace zorvan::imageio {
 namespace {
 
@@ -98,7 +100,7 @@ Data headOf(const std::vector<CodedPicture>& pictures, bool isPremultiplied, std
             });
         writeProperties(out, pictures);
     });
-    return out.bytes();
+    return std::move(out).bytes();
 }
 
 } // namespace
@@ -112,7 +114,7 @@ Data singlePictureFile(const std::vector<CodedPicture>& pictures, bool isPremult
         for (const CodedPicture& picture : pictures)
             out.write(picture.data);
     });
-    return out.bytes();
+    return std::move(out).bytes();
 }
 
 } // namespace zorvan::imageio
