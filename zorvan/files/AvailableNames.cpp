@@ -21,9 +21,6 @@ using namespace files;
 
 namespace {
 
-/// The longest name, in bytes, that the file systems of this system take.
-constexpr std::size_t longestName = NAME_MAX;
-
 /// The names in a folder that end with a number and the extension, as a numbered name of the name
 /// does; none when the folder cannot be listed.
 std::unordered_set<std::string> numberedNames(const std::string& folder, std::string_view name) {
@@ -65,7 +62,7 @@ private:
 };
 
 /// The first of the names that `take` gives no EEXIST for: the URL itself, then the numbered ones,
-/// of the longest size in bytes. `take` gets paths of files; a URL that has none throws.
+/// of that size in bytes at most. The URL must be a file's.
 template <class Take>
 URL firstAvailable(const URL& url, std::size_t longest, Take take) {
     const URL directory = url.deletingLastPathComponent();
@@ -79,11 +76,11 @@ URL firstAvailable(const URL& url, std::size_t longest, Take take) {
     return candidate;
 }
 
-/// Takes the name that it gives.
+/// Takes the name that it gives, which fits the file system. Throws for what is no path of a file.
 template <class Take>
 URL takeFirstAvailable(const URL& url, Take take) {
-    filePath(url); // throws when it is none
-    return firstAvailable(url, longestName, take);
+    filePath(url);
+    return firstAvailable(url, NAME_MAX, take);
 }
 
 } // namespace
