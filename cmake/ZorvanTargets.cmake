@@ -67,14 +67,14 @@ function(zorvan_install_exports)
 endfunction()
 
 # zorvan_library(<Component> [APART|LOADED] [CLOSED] SOURCES <file>... [USES <Component>...]
-#                [NEEDS <pkg-config module>...])
+#                [SHOWS <pkg-config module>...] [NEEDS <pkg-config module>...])
 #
 # Makes the library Zorvan::<Component>, one of those that Zorvan::Zorvan stands for unless it is APART, or LOADED by
 # its first use. No other library has a use for the namespace `internal` of one that is CLOSED.
-# USES names the components of this library that its headers include; NEEDS names third-party modules, which
-# stay private to the .cpp files.
+# USES names the components of this library that its headers include; SHOWS names the toolkit whose headers they
+# include; NEEDS names third-party modules, which stay private to the .cpp files.
 function(zorvan_library component)
-  cmake_parse_arguments(arg "APART;LOADED;CLOSED" "" "SOURCES;USES;NEEDS" ${ARGN})
+  cmake_parse_arguments(arg "APART;LOADED;CLOSED" "" "SOURCES;USES;SHOWS;NEEDS" ${ARGN})
   set(exports OPEN)
   if(arg_LOADED)
     set(exports LOADED)
@@ -103,7 +103,7 @@ function(zorvan_library component)
   list(TRANSFORM arg_USES PREPEND Zorvan:: OUTPUT_VARIABLE used)
   target_link_libraries(${component} PUBLIC ${used}
                         PRIVATE $<BUILD_INTERFACE:zorvan_build_flags> Threads::Threads)
-  foreach(module ${arg_NEEDS})
+  foreach(module ${arg_SHOWS} ${arg_NEEDS})
     string(MAKE_C_IDENTIFIER ${module} name)
     pkg_check_modules(${name} REQUIRED IMPORTED_TARGET ${module})
     target_link_libraries(${component} PRIVATE PkgConfig::${name})
@@ -111,6 +111,7 @@ function(zorvan_library component)
   endforeach()
   set_property(TARGET ${component} PROPERTY ZORVAN_USES ${arg_USES})
   set_property(TARGET ${component} PROPERTY ZORVAN_NEEDS ${arg_NEEDS})
+  set_property(TARGET ${component} PROPERTY ZORVAN_SHOWS ${arg_SHOWS})
   zorvan_install_library(${component})
   set_property(GLOBAL APPEND PROPERTY ZORVAN_ALL_LIBRARIES ${component})
   if(NOT arg_APART AND NOT arg_LOADED)
@@ -159,14 +160,15 @@ function(zorvan_write_pkg_config component)
   zorvan_library_name(${component} library)
   zorvan_toolkit_of(${component} toolkit)
   get_property(required TARGET ${component} PROPERTY ZORVAN_USES)
-  set(modules "")
+  get_property(modules TARGET ${component} PROPERTY ZORVAN_SHOWS)
   if(NOT BUILD_SHARED_LIBS)
     get_target_property(linked ${component} LINK_LIBRARIES)
     list(FILTER linked INCLUDE REGEX "^Zorvan::")
     list(TRANSFORM linked REPLACE "^Zorvan::" "")
     list(APPEND required ${linked})
     list(REMOVE_DUPLICATES required)
-    get_property(modules TARGET ${component} PROPERTY ZORVAN_NEEDS)
+    get_property(needed TARGET ${component} PROPERTY ZORVAN_NEEDS)
+    list(APPEND modules ${needed})
   endif()
   zorvan_names(names ${required})
   list(JOIN modules " " modules)

@@ -1,6 +1,7 @@
 // A list filtered as you type
 //
-// What is selected stays selected, and comes back into sight with the filter gone.
+// What is selected and stays in sight stays selected. What goes out of sight is selected no more, also when it comes
+// back.
 //
 // Link Zorvan::Collections, Zorvan::Interface, Zorvan::Text.
 

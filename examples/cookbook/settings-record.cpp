@@ -1,6 +1,9 @@
 // A record of your own in the settings
 //
-// A field that came later reads as what a new record has, so old settings stay readable.
+// A field that came later reads as what a new record has, so old settings stay readable. JSON is UTF-8, and the path of
+// a file is any bytes: a list with a path that is not UTF-8 has no stored form. `modify` is false then and leaves the
+// list as it was; an assignment would remove it. To keep such paths too, store `URL::absoluteString()`, which escapes
+// them.
 //
 // Link Zorvan::Settings.
 

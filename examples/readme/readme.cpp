@@ -8,13 +8,8 @@ int main(int, char** arguments) {
     photos->setAllowedTypes({{UTIType::image()}});
     for (const URL& photo : *photos)
         // Decoded at the small size, and upright however the camera was held; none of a broken file.
-        if (const auto small = ImageThumbailer{.maximumPixelSize = 256}.thumbnail(photo)) {
-            // "lake.png", or "lake (0).png" when there is one already.
-            const auto url = NSFileManager::defaultManager()->availableItemURL(
-                lastPathTitle(photo) + ".png", thumbnails);
-            const auto file = CGImageDestination::create(url, "public.png", 1);
-            file->addImage(small);
-            if (!file->finalize())
-                return 1;
-        }
+        if (const auto small = ImageThumbailer{.maximumPixelSize = 256}.thumbnail(photo))
+            // "lake.png", or "lake (0).png" when there is one already; throws when it cannot be written.
+            NSFileManager::defaultManager()->createAvailableFile(
+                thumbnails.appendingPathComponent(lastPathTitle(photo) + ".png"), small->pngData().value());
 }

@@ -1,8 +1,12 @@
 #include "ChildProcess.h"
 #include "TemporaryFolder.h"
+#include "TracedProcess.h"
 #include <tests/Testing.h>
 
 #include <zorvan/files/NSFileManager.h>
+#include <zorvan/files/NSFileWrapper.h>
+
+#include <functional>
 
 namespace {
 const NSFileManager& manager() { return *NSFileManager::defaultManager(); }
@@ -50,6 +54,89 @@ TEST(AvailableNames, AreTakenInTheSameStep) {
         EXPECT_THROW(manager().moveItemToAvailableURL(url, taken), fs::filesystem_error);
     }
     EXPECT_EQ(text(folder.path() / "a.txt"), "x");
+}
+
+TEST(AvailableNames, ANumberedNameThatIsTakenFitsTheFileSystem) {
+    const std::string accents = [] {
+        std::string text;
+        for (int i = 0; i < 125; ++i)
+            text += "\u00E9";
+        return text;
+    }();
+    const std::pair<std::string, std::string> table[] = {
+        {std::string(255, 'n'), std::string(251, 'n') + " (0)"},
+        {std::string(251, 'n') + ".jpg", std::string(247, 'n') + " (0).jpg"},
+        {accents + ".jpg", accents.substr(0, 246) + " (0).jpg"},
+        {std::string(250, '\xE9') + ".jpg", std::string(247, '\xE9') + " (0).jpg"},
+    };
+    for (const auto& [name, numbered] : table) {
+        TemporaryFolder folder;
+        folder.file(name);
+        folder.file("moved");
+        const URL url = folder.url(name);
+        EXPECT_EQ(folder.relative(manager().createAvailableFile(url)), numbered);
+        EXPECT_EQ(manager().createAvailableDirectory(url).lastPathComponent().size(),
+                  numbered.size());
+        EXPECT_EQ(manager().moveItemToAvailableURL(folder.url("moved"), url).pathExtension(),
+                  url.pathExtension());
+        EXPECT_EQ(folder.count(), 4);
+    }
+}
+
+// Past the first few, the folder says which numbers are taken; the first free one is found still.
+TEST(AvailableNames, AHoleAmongManyIsFilled) {
+    TemporaryFolder folder;
+    folder.file("a.b");
+    for (int i = 0; i < 40; ++i)
+        if (i != 25)
+            folder.file("a (" + std::to_string(i) + ").b");
+    for (const char* other : {"a (25)", "a (25).c", "b (25).b", "a (025).b"})
+        folder.file(other);
+    for (const char* next : {"a (25).b", "a (40).b"}) {
+        EXPECT_EQ(folder.relative(manager().availableItemURL(folder.url("a.b"))), next);
+        EXPECT_EQ(folder.relative(manager().createAvailableFile(folder.url("a.b"))), next);
+    }
+}
+
+TEST(AvailableNames, APathWithANULIsRefusedAndNeverCut) {
+    TemporaryFolder folder;
+    folder.make({"report.sh", "source"});
+    const URL url = folder.url(std::string("report.sh\0.jpg", 14));
+    const URL source = folder.url("source");
+    EXPECT_FALSE(manager().contentExists(url).exist);
+    EXPECT_EQ(manager().availableItemURL(url), url);
+    const std::function<void()> calls[] = {
+        [&] { manager().createAvailableFile(url); },
+        [&] { manager().createAvailableDirectory(url); },
+        [&] { manager().moveItemToAvailableURL(source, url); },
+        [&] { manager().moveItemToAvailableURL(url, source); },
+        [&] { manager().overwritingCopy(source, url); },
+        [&] { manager().overwritingCopy(url, source); },
+        [&] { manager().createDirectory(url); },
+        [&] { NSFileWrapper::create({.url = url}); },
+    };
+    for (const auto& call : calls) {
+        try {
+            call();
+            ADD_FAILURE() << &call - calls;
+        } catch (const fs::filesystem_error& error) {
+            EXPECT_EQ(error.code(), std::errc::invalid_argument) << error.what();
+        }
+    }
+    EXPECT_EQ(folder.count(), 2);
+    EXPECT_EQ(text(folder.path() / "report.sh"), "x");
+}
+
+TEST(AvailableNames, TheThousandthTakesFewCalls) {
+    const TemporaryFolder folder(TemporaryFolder::fastParent());
+    folder.file("a.b");
+    for (int i = 0; i < 999; ++i)
+        folder.file("a (" + std::to_string(i) + ").b");
+    TracedProcess process(200, [] {});
+    EXPECT_EQ(process.run([&] { manager().createAvailableFile(folder.url("a.b")); }),
+              TracedProcess::End::hadFewerCalls);
+    EXPECT_EQ(process.exitStatus(), 0);
+    EXPECT_TRUE(fs::exists(folder.path() / "a (999).b"));
 }
 
 // Each process puts its mark in what it created; a mark that is missing was overwritten.

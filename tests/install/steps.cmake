@@ -210,6 +210,16 @@ elseif(STEP STREQUAL pkg-config)
   must_run(${COMPILER} -std=c++20 ${here}/every-family/every-family.cpp ${flags}
            -o ${WORK}/pkg-config/every-family)
   must_run(${WORK}/pkg-config/every-family)
+  # The models of a toolkit bring along where its headers are.
+  foreach(header qt-models/QtListModel.h gtk-models/GtkListModel.h)
+    get_filename_component(models ${header} DIRECTORY)
+    if(EXISTS ${prefix}/${LIBDIR}/pkgconfig/zorvan-${models}.pc)
+      must_run(pkg-config --cflags zorvan-${models})
+      separate_arguments(flags UNIX_COMMAND "${output}")
+      string(REPLACE "-" "" header ${header})
+      must_run(${COMPILER} -std=c++20 -fPIC -fsyntax-only ${flags} -x c++ ${prefix}/include/zorvan/hosts/${header})
+    endif()
+  endforeach()
 
 elseif(STEP STREQUAL readme)
   # The example that README.md shows is the one that is built here.

@@ -66,6 +66,25 @@ TEST_F(Travelling, ModifiesInOneStep) {
     EXPECT_THAT(store().value(files), ElementsAre("f"));
 }
 
+TEST_F(Travelling, AValueWithoutAStoredFormLeavesWhatWas) {
+    const OptionalUserDefaultsKey<JSONCodableUDC<double>> zoom{{.name = "zoom"}};
+    store()[files] = Texts{"a.pdf"};
+    store()[zoom] = 2.0;
+    told();
+    EXPECT_FALSE(store().modify(files, [](auto& names) { names.push_back("caf\xE9.pdf"); }));
+    EXPECT_FALSE(store().modify(zoom, [](auto& value) { *value /= 0; }));
+    EXPECT_TRUE(store().transact([&] {
+        EXPECT_FALSE(store().modify(files, [](auto& names) { names = {"\xFF"}; }));
+        store()[count] = 1;
+    }));
+    EXPECT_THAT(told(), ElementsAre("count"));
+    reopen();
+    EXPECT_THAT(store().value(files), ElementsAre("a.pdf"));
+    EXPECT_EQ(store().value(zoom), 2.0);
+    EXPECT_TRUE(store().modify(zoom, [](auto& value) { value.reset(); }));
+    EXPECT_FALSE(store().hasValue(zoom));
+}
+
 TEST_F(Travelling, IsFollowedOnTheMainQueue) {
     std::size_t atFirst = 0;
     auto observation = store().follow([&](const Texts& keys) {

@@ -10,7 +10,10 @@
 #include <zorvan/platform/foundation/internal/removeItem.h>
 
 #include <cerrno>
+#include <climits>
+#include <filesystem>
 #include <sys/stat.h>
+#include <unordered_set>
 
 namespace zorvan {
 
@@ -18,20 +21,66 @@ using namespace files;
 
 namespace {
 
-/// The first of the names that `take` gives no EEXIST for: the URL itself, then the numbered ones.
+/// The names in a folder that end with a number and the extension, as a numbered name of the name
+/// does; none when the folder cannot be listed.
+std::unordered_set<std::string> numberedNames(const std::string& folder, std::string_view name) {
+    const std::string_view extension = pathExtensionOfName(name);
+    const std::string end = extension.empty() ? ")" : ")." + std::string(extension);
+    std::unordered_set<std::string> names;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), none; !error && entry != none;
+         entry.increment(error))
+        if (std::string found = entry->path().filename().string(); found.ends_with(end))
+            names.insert(std::move(found));
+    return names;
+}
+
+/// The numbered names of a name in a folder, one after the other. After some of them it leaves out
+/// those that the folder has, so that the thousandth name does not take a thousand attempts.
+class NumberedNames {
+public:
+    NumberedNames(std::string folder, std::string_view name, std::size_t longest)
+        : folder_(std::move(folder)), name_(name), longest_(longest) {}
+
+    std::string next() {
+        constexpr std::int64_t blindAttempts = 10;
+        if (number_ == blindAttempts)
+            taken_ = numberedNames(folder_, name_);
+        std::string name;
+        do {
+            name = numberedName(name_, number_++, longest_);
+        } while (taken_.contains(name));
+        return name;
+    }
+
+private:
+    const std::string folder_;
+    const std::string name_;
+    const std::size_t longest_;
+    std::int64_t number_ = 0;
+    std::unordered_set<std::string> taken_;
+};
+
+/// The first of the names that `take` gives no EEXIST for: the URL itself, then the numbered ones,
+/// of that size in bytes at most. The URL must be a file's.
 template <class Take>
-URL firstAvailable(const URL& url, Take take) {
-    const std::string name(url.lastPathComponent());
+URL firstAvailable(const URL& url, std::size_t longest, Take take) {
     const URL directory = url.deletingLastPathComponent();
+    NumberedNames names(directory.path(), url.lastPathComponent(), longest);
     URL candidate = url;
-    for (std::int64_t n = 0;; ++n) {
-        const int error = take(filePath(candidate));
-        if (error == 0)
-            return candidate;
+    while (const int error = take(candidate.path())) {
         if (error != EEXIST)
             throwFileError("cannot create", candidate.path(), error);
-        candidate = directory.appendingPathComponent(numberedName(name, n));
+        candidate = directory.appendingPathComponent(names.next());
     }
+    return candidate;
+}
+
+/// Takes the name that it gives, which fits the file system. Throws for what is no path of a file.
+template <class Take>
+URL takeFirstAvailable(const URL& url, Take take) {
+    filePath(url);
+    return firstAvailable(url, NAME_MAX, take);
 }
 
 } // namespace
@@ -39,7 +88,8 @@ URL firstAvailable(const URL& url, Take take) {
 URL NSFileManager::availableItemURL(const URL& url) const {
     if (!url.isFileURL())
         return url;
-    return firstAvailable(url, [](const std::string& path) { return isTaken(path) ? EEXIST : 0; });
+    return firstAvailable(url, std::string::npos,
+                          [](const std::string& path) { return isTaken(path) ? EEXIST : 0; });
 }
 
 URL NSFileManager::availableItemURL(std::string_view name, const URL& directory) const {
@@ -53,18 +103,18 @@ URL NSFileManager::createAvailableFile(const URL& url, std::span<const std::byte
         error = file.write(contents);
     if (error != 0)
         throwFileError("cannot create", url.path(), error);
-    return firstAvailable(url, [&](const std::string& path) { return file.place(path); });
+    return takeFirstAvailable(url, [&](const std::string& path) { return file.place(path); });
 }
 
 URL NSFileManager::createAvailableDirectory(const URL& url) const {
-    return firstAvailable(
+    return takeFirstAvailable(
         url, [](const std::string& path) { return ::mkdir(path.c_str(), 0777) == 0 ? 0 : errno; });
 }
 
 URL NSFileManager::moveItemToAvailableURL(const URL& item, const URL& url) const {
     const std::string& from = filePath(item);
     std::optional<UnplacedCopy> copy;
-    const URL place = firstAvailable(url, [&](const std::string& path) {
+    const URL place = takeFirstAvailable(url, [&](const std::string& path) {
         const int error = copy ? EXDEV : internal::placeItem(from, path);
         if (error != EXDEV)
             return error;

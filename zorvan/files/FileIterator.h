@@ -29,6 +29,9 @@ namespace zorvan {
 ///     iterator->setAllowedTypes({{UTIType::image()}});
 ///     for (const URL& url : *iterator) ...
 ///
+/// Keep the pointer in a variable, as above: in C++20 a loop right over what `create` returns
+/// outlives what it goes through.
+///
 /// The object is its own iterator: going through it twice, or from two places, moves the same state
 /// on. After the end it starts again from the first root. Options may change at any time and hold
 /// from the next file on; those of the enumerator (hidden files, sub-folders, packages) from the

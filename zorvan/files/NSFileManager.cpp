@@ -25,7 +25,8 @@ const std::shared_ptr<NSFileManager>& NSFileManager::defaultManager() {
 
 NSFileManager::Content NSFileManager::contentExists(const URL& url) const {
     struct stat status {};
-    if (!url.isFileURL() || ::stat(url.path().c_str(), &status) != 0)
+    if (!url.isFileURL() || internal::hasNUL(url.path()) ||
+        ::stat(url.path().c_str(), &status) != 0)
         return {};
     return {.exist = true, .isDir = S_ISDIR(status.st_mode)};
 }

@@ -18,7 +18,8 @@ namespace zorvan {
 /// What applications do with files around their documents. Has no state; safe from every thread.
 ///
 /// Where a call says that it throws, it throws `std::filesystem::filesystem_error` with the error
-/// of the system; a URL that is not a file's is `std::errc::invalid_argument`.
+/// of the system; a URL that is not a file's, or whose path holds a NUL, is
+/// `std::errc::invalid_argument`.
 class NSFileManager {
 public:
     /// What stands at a place.
@@ -111,16 +112,19 @@ public:
     /// "photo (1).jpg" and so on beside it. A symbolic link takes its name even when it leads
     /// nowhere.
     ///
-    /// Another process may take the name before you do. The calls below take it in the same step.
+    /// Another process may take the name before you do, and a numbered name may be longer than the
+    /// 255 bytes that a name can have. The calls below take the name in the same step, and make
+    /// it fit.
     URL availableItemURL(const URL& url) const;
 
     /// The same for a name in a directory.
     URL availableItemURL(std::string_view name, const URL& directory) const;
 
     /// Creates a file, or a folder, at the first of the names of `availableItemURL` that is free,
-    /// and gives its URL. However many processes call it at once, each gets a name of its own, and
-    /// nothing that exists is touched. The file appears in one step, with all its bytes; the disk
-    /// is not waited for. Throws.
+    /// and gives its URL. Where the number makes a name too long, its title loses as many
+    /// characters as that takes. However many processes call it at once, each gets a name of its
+    /// own, and nothing that exists is touched. The file appears in one step, with all its bytes;
+    /// the disk is not waited for. Throws.
     /// @{
     URL createAvailableFile(const URL& url, std::span<const std::byte> contents = {}) const;
     URL createAvailableDirectory(const URL& url) const;

@@ -80,8 +80,8 @@ public:
     const Requests& requests() const noexcept { return requests_; }
 
     /// Asks for the value: `completion` is called once, on the main thread, when it is there,
-    /// unless the returned request is cancelled. When it is there already, calls `completion` at
-    /// once, on the calling thread, and returns null.
+    /// unless the returned request is cancelled; dropping that does not cancel it. When it is there
+    /// already, calls `completion` at once, on the calling thread, and returns null.
     ///
     /// While the value is not loaded, stops the program when called off the main thread.
     /// @{

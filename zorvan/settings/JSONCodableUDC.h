@@ -27,8 +27,10 @@ using JSONArithmetic =
 } // namespace detail
 
 /// Stored as the bytes of a JSON text; `JSONCoding<T>` says how. Anything else that is stored reads
-/// as absent. A value that has no JSON form, such as a number that is not finite, removes the key.
-/// Whatever `std::exception` a coding throws counts as that, but for a lack of memory.
+/// as absent. A value that has no JSON form removes the key: one with a number that is not finite,
+/// or with a text that is not UTF-8, as the path of a file may be, anywhere in it.
+/// `NSUserDefaults::modify` leaves what is stored instead, and is false. Whatever `std::exception`
+/// a coding throws counts as that, but for a lack of memory.
 ///
 /// What is stored and cannot be read, such as a record of another version, is not lost to the next
 /// value: see `NSUserDefaults::setUnreadableAside`.
@@ -57,6 +59,8 @@ public:
             to.setUnreadableAside(key);
         to.setObject(value ? encoded(*value) : std::nullopt, key);
     }
+
+    bool hasStoredForm(const T& value) const { return encoded(value).has_value(); }
     /// @}
 
 private:

@@ -189,7 +189,9 @@ public:
     /// something may have changed.
     bool transact(const std::function<void()>& function);
     /// Reads the key's value as `value` does, has the function change it, and writes it, in one
-    /// transaction; see `transact`.
+    /// transaction; see `transact`. False as well when the changed value has no stored form, such
+    /// as a text that is not UTF-8 in a `JSONCodableUDC`: nothing is written and posted then, and
+    /// what is stored stays.
     ///
     /// ```cpp
     /// store.modify(recentFiles, [&](auto& files) { files.push_back(name); });
@@ -197,7 +199,15 @@ public:
     template <GenericUserDefaultsKey Key,
               std::invocable<typename SettingReference<Key>::Value&> Change>
     bool modify(const Key& key, Change&& change) {
-        return transact([&] { (*this)[key].modify(std::forward<Change>(change)); });
+        bool hasForm = false;
+        const bool isStored = transact([&] {
+            auto changed = value(key);
+            std::forward<Change>(change)(changed);
+            hasForm = detail::hasStoredForm(detail::coderOf(key), changed);
+            if (hasForm)
+                (*this)[key] = changed;
+        });
+        return isStored && hasForm;
     }
 
     /// Writes the key's default into the store unless something is there.

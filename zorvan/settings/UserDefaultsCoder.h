@@ -16,6 +16,8 @@ class NSUserDefaults;
 /// - `decode(from, key)` is absent when nothing usable is stored.
 /// - `encode(value, to, key)` writes the stored form; an absent value removes the key, unless the
 ///   coder says otherwise. It reports nothing and posts nothing.
+/// - `hasStoredForm(value)`, which only coders have that cannot store every value of their type, is
+///   false for a value that they cannot store. `NSUserDefaults::modify` does not write that one.
 template <class C>
 concept UserDefaultsCoder = std::default_initializable<C> &&
     requires(const C& coder, NSUserDefaults& store, std::string_view key,
@@ -25,6 +27,14 @@ concept UserDefaultsCoder = std::default_initializable<C> &&
 };
 
 namespace detail {
+
+template <class C>
+bool hasStoredForm(const C& coder, const std::optional<typename C::CodableType>& value) {
+    if constexpr (requires { coder.hasStoredForm(*value); })
+        return !value || coder.hasStoredForm(*value);
+    else
+        return true;
+}
 
 /// The sum or difference, or the nearest number there is.
 template <class T>

@@ -2,7 +2,9 @@
 
 #include <zorvan/platform/foundation/URL.h>
 
+#include <set>
 #include <sstream>
+#include <unordered_set>
 
 // What a temporary URL gives does not end with it.
 static_assert(std::is_same_v<decltype(URL::root().lastPathComponent()), std::string>);
@@ -43,6 +45,24 @@ TEST(URL, NamesItsParts) {
     }
     EXPECT_EQ(file("/a/b").pathComponents(), (std::vector<std::string>{"/", "a", "b"}));
     EXPECT_EQ(file("/a").appendingPathComponent("b").appendingPathExtension("c").path(), "/a/b.c");
+}
+
+TEST(URL, IsHashedByAllOfIt) {
+    const std::unordered_set<URL> urls = {
+        file("/a"),
+        file("/a/../a/"),
+        *URL::make({.string = "file:///%61"}),
+        *URL::make({.string = "http://a.org/a"}),
+        *URL::make({.string = "http://a.org/a?b"}),
+        *URL::make({.string = "http://a.org/a#b"}),
+        *URL::make({.string = "http://b.org/a"}),
+    };
+    EXPECT_EQ(urls.size(), 5);
+    EXPECT_TRUE(urls.contains(file("//a")));
+    const std::hash<URL> hash;
+    EXPECT_EQ(std::set<std::size_t>({hash(file("/a")), hash(file("/b")), hash(file("/"))}).size(),
+              3);
+    static_assert(noexcept(hash(std::declval<const URL&>())));
 }
 
 TEST(URL, EscapesAndReadsBack) {

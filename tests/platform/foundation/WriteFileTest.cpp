@@ -57,9 +57,14 @@ TEST(WriteFile, WritesFilesAndRefusesTheRest) {
     folder.make({"folder/", "to pipe -> pipe", "circle -> circle"});
     ASSERT_EQ(mkfifo((at / "pipe").c_str(), 0600), 0);
     const std::ptrdiff_t count = folder.count();
-    const std::pair<const char*, int> refused[] = {
-        {"folder", EISDIR}, {"pipe", EINVAL},      {"to pipe", EINVAL}, {"/dev/null", EINVAL},
-        {"circle", ELOOP},  {"missing/x", ENOENT}, {"old/x", ENOTDIR}};
+    const std::pair<std::string, int> refused[] = {{std::string("old\0.jpg", 8), EINVAL},
+                                                   {"folder", EISDIR},
+                                                   {"pipe", EINVAL},
+                                                   {"to pipe", EINVAL},
+                                                   {"/dev/null", EINVAL},
+                                                   {"circle", ELOOP},
+                                                   {"missing/x", ENOENT},
+                                                   {"old/x", ENOTDIR}};
     for (const auto& [name, error] : refused)
         EXPECT_EQ(write(at / name, "x"), error) << name;
     EXPECT_TRUE(fs::is_fifo(at / "pipe") && fs::is_character_file("/dev/null"));
@@ -75,8 +80,9 @@ TEST(ReadRegularFile, TakesNoMoreThanItMay) {
         return internal::readRegularFile(folder.path() / path, most) ? 0 : errno;
     };
     EXPECT_EQ(internal::readRegularFile(folder.path() / "five", 5), "12345");
-    const std::tuple<const char*, std::size_t, int> table[] = {
+    const std::tuple<std::string, std::size_t, int> table[] = {
         {"five", 4, EFBIG},
+        {std::string("five\0.jpg", 9), 99, EINVAL},
         {"pipe", 99, EINVAL},
         {"missing", 99, ENOENT},
         {".", 99, EINVAL},

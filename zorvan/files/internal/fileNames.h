@@ -1,5 +1,9 @@
 #pragma once
 
+#include <zorvan/platform/foundation/internal/UTF8.h>
+
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -20,12 +24,18 @@ inline std::string_view pathExtensionOfName(std::string_view name) noexcept {
     return name.substr(dot + 1);
 }
 
-/// "photo (3).jpg" of "photo.jpg" and 3.
-inline std::string numberedName(std::string_view name, std::int64_t number) {
+/// "photo (3).jpg" of "photo.jpg" and 3. With a longest size in bytes, the title loses as many
+/// characters at its end as it takes; the number and the extension stay.
+inline std::string numberedName(std::string_view name, std::int64_t number,
+                                std::size_t longest = std::string_view::npos) {
     const std::string_view extension = pathExtensionOfName(name);
-    const std::string end = extension.empty() ? "" : '.' + std::string(extension);
-    name.remove_suffix(end.size());
-    return std::string(name) + " (" + std::to_string(number) + ")" + end;
+    std::string end = " (" + std::to_string(number) + ")";
+    if (!extension.empty()) {
+        name.remove_suffix(extension.size() + 1);
+        end.append(".").append(extension);
+    }
+    const std::size_t room = longest - std::min(longest, end.size());
+    return std::string(name.substr(0, internal::utf8PrefixLength(name, room))) + end;
 }
 
 } // namespace zorvan::files

@@ -2,6 +2,7 @@
 
 #include <zorvan/files/internal/CopyItem.h>
 #include <zorvan/platform/foundation/URL.h>
+#include <zorvan/platform/foundation/internal/hasNUL.h>
 
 #include <cerrno>
 #include <string>
@@ -10,10 +11,13 @@
 
 namespace zorvan::files {
 
-/// The path of a file URL. Throws `std::filesystem::filesystem_error` for another URL.
+/// The path of a file URL. Throws `std::filesystem::filesystem_error` for another URL, and for a
+/// path with a NUL, at which the system would cut it.
 inline const std::string& filePath(const URL& url) {
     if (!url.isFileURL())
-        throwFileError("not a file:", url.absoluteString(), EINVAL);
+        throwFileError("not a file", url.absoluteString(), EINVAL);
+    if (internal::hasNUL(url.path()))
+        throwFileError("no path of a file", url.absoluteString(), EINVAL);
     return url.path();
 }
 const std::string& filePath(URL&&) = delete;
@@ -21,7 +25,7 @@ const std::string& filePath(URL&&) = delete;
 /// Whether an item, and be it a link that leads nowhere, has the name.
 inline bool isTaken(const std::string& path) {
     struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0;
+    return !internal::hasNUL(path) && ::lstat(path.c_str(), &status) == 0;
 }
 
 /// Makes a folder that is the user's alone, and those on the way to it that are missing. Returns 0

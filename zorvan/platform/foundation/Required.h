@@ -6,11 +6,12 @@
 
 namespace zorvan {
 
-/// A field of an argument record that the caller must name.
-///
-/// It has no default constructor, so a record that holds one cannot be made without it. That is
-/// what tells overloads apart: `CGRect({.size = s})` cannot mean the record with a required
-/// `center`.
+#if __cplusplus < 202002L
+#error "Zorvan needs C++20: -std=c++20"
+#endif
+
+/// A field of an argument record that the caller must name: with no default constructor, it tells
+/// overloads apart. `CGRect({.size = s})` cannot mean the record with a required `center`.
 template <class T>
 struct Required {
     T value; ///< What was given.

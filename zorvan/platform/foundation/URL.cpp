@@ -233,3 +233,9 @@ URL URL::resolvingSymlinksInPath() const {
 }
 
 } // namespace zorvan
+
+std::size_t std::hash<zorvan::URL>::operator()(const zorvan::URL& url) const noexcept {
+    constexpr std::size_t odd = 1099511628211u; // so that the order of the parts counts
+    const std::hash<std::string> ofText;
+    return (ofText(url.prefix_) * odd + ofText(url.path_)) * odd + ofText(url.suffix_);
+}

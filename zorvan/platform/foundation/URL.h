@@ -3,6 +3,8 @@
 #include <zorvan/platform/foundation/Required.h>
 
 #include <compare>
+#include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -100,6 +102,14 @@ private:
     std::string path_;
     std::string suffix_; // "?query#fragment"
     bool isFile_ = false;
+
+    friend struct std::hash<URL>; ///< Of all the texts.
 };
 
 } // namespace zorvan
+
+/// Agrees with equality.
+template <>
+struct std::hash<zorvan::URL> {
+    std::size_t operator()(const zorvan::URL& url) const noexcept;
+};

@@ -74,9 +74,18 @@ void readDescription(const HeifBox& property, HeifPicture& picture) {
     }
 }
 
-HeifPicture describe(const HeifMeta& meta, std::uint32_t id, const HeifItem& item) {
-    const std::vector<HeifBox> properties = meta.propertiesOf(item);
-    HeifPicture picture = {.item = id, .coded = codedSize(properties), .crop = {}};
+HeifPicture describe(const HeifMeta& meta, std::uint32_t id) {
+    PixelSize coded;
+    std::vector<HeifBox> properties; // of what it is made from first
+    for (const std::uint32_t source : meta.sourcesOf(id)) {
+        const HeifItem* item = meta.find(source);
+        if (!item)
+            throw Failure{reason::damaged};
+        const std::vector<HeifBox> own = meta.propertiesOf(*item);
+        properties.insert(properties.begin(), own.begin(), own.end());
+        coded = codedSize(own);
+    }
+    HeifPicture picture = {.item = id, .coded = coded, .crop = {}};
     for (const HeifBox& property : properties)
         readDescription(property, picture);
     HeifTransforms transforms(picture.coded);
@@ -101,8 +110,9 @@ void readTileDescription(const HeifMeta& meta, std::uint32_t tile, HeifPicture& 
 
 void addRelated(const HeifMeta& meta, HeifPicture& picture) {
     picture.hasAlpha = meta.alphaOf(picture.item).has_value();
+    const std::uint32_t made = meta.sourcesOf(picture.item).back();
     for (const HeifReference& reference : meta.references()) {
-        if (reference.type == "dimg" && reference.from == picture.item)
+        if (reference.type == "dimg" && reference.from == made)
             readTileDescription(meta, reference.to, picture);
         if (reference.to != picture.item)
             continue;
@@ -158,6 +168,12 @@ bool isAvif(Bytes head) noexcept {
     return namesBrand(head, {"avif"}) && !namesBrand(head, {"heic", "heix", "heim", "heis"});
 }
 
+HeifPicture heifPictureOf(const HeifMeta& meta, std::uint32_t item) {
+    HeifPicture picture = describe(meta, item);
+    addRelated(meta, picture);
+    return picture;
+}
+
 HeifFile heifFileOf(const HeifMeta& meta, std::uint64_t size) {
     HeifFile file;
     for (const auto& [id, item] : meta.items()) {
@@ -165,10 +181,9 @@ HeifFile heifFileOf(const HeifMeta& meta, std::uint64_t size) {
             file.isComplete = file.isComplete && liesWithin(extent, size);
         if (id != meta.primary() && !standsAlone(meta, id, item))
             continue;
-        HeifPicture picture = describe(meta, id, item);
-        addRelated(meta, picture);
         const bool primary = id == meta.primary();
-        file.pictures.insert(primary ? file.pictures.begin() : file.pictures.end(), picture);
+        file.pictures.insert(primary ? file.pictures.begin() : file.pictures.end(),
+                             heifPictureOf(meta, id));
     }
     if (file.pictures.empty())
         throw Failure{reason::damaged};

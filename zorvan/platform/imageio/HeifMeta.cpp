@@ -122,6 +122,19 @@ std::vector<std::uint32_t> HeifMeta::partsOf(std::uint32_t id) const {
     return result;
 }
 
+std::vector<std::uint32_t> HeifMeta::sourcesOf(std::uint32_t id) const {
+    constexpr std::size_t most = 8; // or it is made of itself
+    std::vector<std::uint32_t> ids = {id};
+    while (ids.size() < most) {
+        const HeifItem* item = find(ids.back());
+        const std::vector<std::uint32_t> parts = partsOf(ids.back());
+        if (!item || item->type != "iden" || parts.size() != 1)
+            break;
+        ids.push_back(parts[0]);
+    }
+    return ids;
+}
+
 std::optional<std::uint32_t> HeifMeta::alphaOf(std::uint32_t id) const {
     for (const HeifReference& reference : references_)
         if (reference.type == "auxl" && reference.to == id && isAlpha(reference.from))

@@ -1,6 +1,7 @@
 #include <zorvan/platform/foundation/internal/readRegularFile.h>
 
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/hasNUL.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -21,6 +22,8 @@ std::nullopt_t refused(int error) noexcept {
 } // namespace
 
 std::optional<std::string> readRegularFile(const std::string& path, std::size_t most) {
+    if (hasNUL(path))
+        return refused(EINVAL);
     // Without O_NONBLOCK the opening of a pipe would wait for somebody to write.
     const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat status {};

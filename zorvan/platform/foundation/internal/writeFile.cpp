@@ -1,6 +1,7 @@
 #include <zorvan/platform/foundation/internal/writeFile.h>
 
 #include <zorvan/platform/foundation/internal/NewFile.h>
+#include <zorvan/platform/foundation/internal/hasNUL.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
 
 #include <array>
@@ -35,6 +36,8 @@ int putInPlace(NewFile& file, const std::string& path) {
 }
 
 int written(const std::string& path, std::span<const std::byte> bytes) {
+    if (hasNUL(path))
+        return EINVAL;
     struct stat old {};
     const bool isThere = ::stat(path.c_str(), &old) == 0;
     if (!isThere && errno != ENOENT)

@@ -17,7 +17,7 @@ namespace zorvan::internal {
 /// - The mode, the access list and as far as allowed the owner of an old file stay. A new one gets
 ///   what the process and the folder give.
 /// - What is there and no regular file is refused: a folder (EISDIR), a pipe, socket or device
-///   (EINVAL).
+///   (EINVAL). So is a path with a NUL (EINVAL).
 /// - A process that is killed leaves nothing behind that the next call in that folder does not
 ///   remove (`Scratch`).
 std::error_code writeFile(const std::string& path, std::span<const std::byte> bytes);
