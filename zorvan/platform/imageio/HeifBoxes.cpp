@@ -101,11 +101,9 @@ void readTileDescription(const HeifMeta& meta, std::uint32_t tile, HeifPicture& 
 
 void addRelated(const HeifMeta& meta, HeifPicture& picture) {
     picture.hasAlpha = meta.alphaOf(picture.item).has_value();
-    for (const HeifReference& reference : meta.references()) {
-        if (reference.type == "dimg" && reference.from == picture.item)
-            readTileDescription(meta, reference.to, picture);
-        if (reference.to != picture.item)
-            continue;
+    for (const std::uint32_t part : meta.partsOf(picture.item))
+        readTileDescription(meta, part, picture);
+    for (const HeifReference& reference : meta.referencesTo(picture.item)) {
         const HeifItem* from = meta.find(reference.from);
         if (reference.type == "thmb" && !picture.thumbnail)
             picture.thumbnail = reference.from;
@@ -125,10 +123,14 @@ bool isPictureType(std::string_view type) {
 bool standsAlone(const HeifMeta& meta, std::uint32_t id, const HeifItem& item) {
     if (item.hidden || !isPictureType(item.type))
         return false;
-    return std::ranges::none_of(meta.references(), [&](const HeifReference& reference) {
-        const bool isPart = reference.type == "thmb" || reference.type == "auxl";
-        return (isPart && reference.from == id) || (reference.type == "dimg" && reference.to == id);
-    });
+    const auto servesAnother = [](const HeifReference& reference) {
+        return reference.type == "thmb" || reference.type == "auxl";
+    };
+    const auto makesUpAnother = [](const HeifReference& reference) {
+        return reference.type == "dimg";
+    };
+    return std::ranges::none_of(meta.referencesFrom(id), servesAnother) &&
+           std::ranges::none_of(meta.referencesTo(id), makesUpAnother);
 }
 
 bool liesWithin(const HeifPicture::Extent& extent, std::uint64_t size) {
