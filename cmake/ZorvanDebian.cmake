@@ -117,13 +117,18 @@ zorvan_debian_package(documents libzorvan-doc SECTION doc
   SUMMARY "toolkit library for desktop applications - documents"
   TEXT "The guide of each family, the conventions and the architecture.")
 set(CPACK_DEBIAN_DOCUMENTS_PACKAGE_ARCHITECTURE all)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzorvan-doc COMPONENT documents)
-install(FILES ${PROJECT_SOURCE_DIR}/README.md
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzorvan-doc COMPONENT documents)
+set(documents ${CMAKE_INSTALL_DATADIR}/doc/libzorvan-doc)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples DESTINATION ${documents}
+        COMPONENT documents PATTERN __pycache__ EXCLUDE)
+# With all that they refer to.
+foreach(file README.md CHANGELOG.md CONTRIBUTING.md packages.txt cmake/ZorvanTargets.cmake
+             tests/interface/golden/tinted-buttons@2x.png)
+  cmake_path(GET file PARENT_PATH folder)
+  install(FILES ${PROJECT_SOURCE_DIR}/${file} DESTINATION ${documents}/${folder} COMPONENT documents)
+endforeach()
 # What each library is linked with, which `./run package` writes before it packs.
 install(FILES ${PROJECT_BINARY_DIR}/zorvan.spdx.json
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzorvan-doc COMPONENT documents OPTIONAL)
+        DESTINATION ${documents} COMPONENT documents OPTIONAL)
 zorvan_debian_package(shelf zorvan-shelf SECTION graphics
   SUMMARY "contact sheets and smaller copies of pictures"
   TEXT "Lists pictures and movies, and writes contact sheets of them."

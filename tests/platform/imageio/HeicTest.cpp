@@ -178,6 +178,7 @@ TEST(Heic, WhatTilesDoNotMakeUpIsRefused) {
     using Changes = std::vector<std::pair<std::size_t, int>>;
     const std::pair<Changes, const char*> table[] = {
         {{}, ""},
+        {{{parts + 3, 2}, {parts + 5, 2}}, ""},           // a tile thrice
         {{{grid + 3, 3}}, damaged},                       // four columns
         {{{grid + 5, 0x2D}}, damaged},                    // other than stated
         {{{grid + 4, 2}, {stated + 2, 2}}, damaged},      // wider than its tiles
@@ -199,10 +200,10 @@ TEST(Heic, WhatTilesDoNotMakeUpIsRefused) {
     Data gigantic = encoded(FileFormat::heic, pattern(128, 96));
     gigantic[positionOf(gigantic, "ispe") + 8] = std::byte{0x7F};
     EXPECT_EQ(errorOf(gigantic), tooLarge);
-    Data itself =
-        tiled({encoded(FileFormat::heic, pattern(128, 96))}, 1, {128, 96}, {0, 0, 128, 96});
+    Data itself = tiled({encoded(FileFormat::heic, pattern(128, 96), {{"Orientation", 6}})}, 1,
+                        {96, 128}, {0, 0, 96, 128});
     std::ranges::copy(bytesOf("iden"), &itself[positionOf(itself, "grid")]);
-    EXPECT_EQ(errorOf(itself), "");
+    expectStored(itself, pattern(128, 96), 6);
     itself[positionOf(itself, "dimg") + 9] = std::byte{1};
     EXPECT_EQ(errorOf(itself), unsupported);
 }

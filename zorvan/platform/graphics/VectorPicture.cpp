@@ -91,13 +91,21 @@ void watch(pthread_t thread, const std::future<void>& end, const TimeLimit& limi
     limit.stop();
 }
 
-/// Runs it on a thread with a stack of so many bytes, of which what is used takes memory. False,
-/// without having run it, when there is no such thread to be had.
+constexpr std::size_t leastStack = 8 << 20, pageSize = 4096;
+
+/// Runs it on a thread with a stack of so many bytes, of which what is used takes memory, or of
+/// fewer where the process may not have so many. False, without having run it, when there is no
+/// thread to be had.
 bool runOnStack(std::size_t byteCount, const std::function<void()>& work, const TimeLimit& limit) {
     std::packaged_task<void()> task(work);
     const std::future<void> end = task.get_future();
-    void* const stack = ::mmap(nullptr, byteCount, PROT_READ | PROT_WRITE,
-                               MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_STACK, -1, 0);
+    const auto map = [&byteCount] {
+        return ::mmap(nullptr, byteCount, PROT_READ | PROT_WRITE,
+                      MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE | MAP_STACK, -1, 0);
+    };
+    void* stack = map();
+    for (; stack == MAP_FAILED && byteCount > leastStack; stack = map())
+        byteCount = std::max(leastStack, byteCount / 2 / pageSize * pageSize);
     if (stack == MAP_FAILED)
         return false;
     constexpr std::size_t guard = 1 << 16; // below which it must not grow
@@ -120,13 +128,15 @@ bool runOnStack(std::size_t byteCount, const std::function<void()>& work, const 
     return runs;
 }
 
-/// librsvg follows each reference on the stack, however long the chain: up to 12 KiB of it for some
-/// fifteen bytes of the document. A small document needs no more than any thread has.
+/// librsvg follows each reference on the stack, some 6 to 12 KiB of it for each element on the way.
+/// From 2.60 on it refuses long chains by itself; before, this is room for more than a hundred
+/// thousand elements. A very small document needs no more than any thread has.
 bool runWithRoom(std::size_t documentSize, const std::function<void()>& work,
                  const TimeLimit& limit) {
-    constexpr std::size_t small = 2 << 10, stackOfByte = 1024, least = 8 << 20;
+    constexpr std::size_t small = 512, usual = 1 << 30, stackOfByte = 2048;
     if (documentSize > small || limit.stop)
-        return runOnStack(least + documentSize * stackOfByte / 4096 * 4096, work, limit);
+        return runOnStack(std::max(usual, documentSize * stackOfByte / pageSize * pageSize), work,
+                          limit);
     work();
     return true;
 }
@@ -170,18 +180,37 @@ void turnIntoRgba(Bitmap& bitmap) {
     }
 }
 
-bool looksLikeSVG(std::span<const std::byte> bytes) {
+bool looksLikeSVG(std::string_view text) {
     constexpr std::size_t head = 4096; // comments and declarations may come before
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()),
-                                std::min(bytes.size(), head));
-    return text.find("<svg") != std::string_view::npos ||
-           text.find(":svg") != std::string_view::npos;
+    const std::string_view start = text.substr(0, head);
+    // What is compressed, in part or whole, has no length that its bytes bound.
+    return !text.starts_with("\x1F\x8B") &&
+           (start.find("<svg") != start.npos || start.find(":svg") != start.npos);
+}
+
+/// Whether an entity holds elements, or might by way of another: a document of few bytes would nest
+/// without bounds.
+bool hasEntitiesOfElements(std::string_view text) {
+    constexpr std::string_view declaration = "<!ENTITY";
+    for (std::size_t at = text.find(declaration); at != text.npos;
+         at = text.find(declaration, at)) {
+        at = text.find_first_of("%\"'>", at + declaration.size());
+        if (at == text.npos || text[at] == '%')
+            return true;
+        const std::size_t end = text.find(text[at], at + 1);
+        const std::string_view value = text.substr(at, end - at);
+        if (value.find('<') != value.npos || value.find("&#") != value.npos)
+            return true;
+    }
+    return false;
 }
 
 } // namespace
 
 std::shared_ptr<const VectorPicture> VectorPicture::create(std::span<const std::byte> bytes) {
-    const bool isCandidate = bytes.size() <= maximumByteCount && looksLikeSVG(bytes);
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const bool isCandidate =
+        bytes.size() <= maximumByteCount && looksLikeSVG(text) && !hasEntitiesOfElements(text);
     const Rsvg* const rsvg = isCandidate ? Rsvg::shared() : nullptr;
     if (!rsvg)
         return nullptr;

@@ -160,8 +160,8 @@ private:
             throw Failure{reason::noThumbnail};
         refuseCutFile();
         const HeifTiles tiles(meta(), source(), *shown.thumbnail);
-        return decodeTiles(tiles, shown.chroma, {0, 0, tiles.size().width, tiles.size().height},
-                           {});
+        return decodeTiles(tiles, heifPictureOf(meta(), *shown.thumbnail).chroma,
+                           {0, 0, tiles.size().width, tiles.size().height}, {});
     }
 
     std::optional<HeifMeta> meta_ = {};

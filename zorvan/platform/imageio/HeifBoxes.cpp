@@ -74,9 +74,18 @@ void readDescription(const HeifBox& property, HeifPicture& picture) {
     }
 }
 
-HeifPicture describe(const HeifMeta& meta, std::uint32_t id, const HeifItem& item) {
-    const std::vector<HeifBox> properties = meta.propertiesOf(item);
-    HeifPicture picture = {.item = id, .coded = codedSize(properties), .crop = {}};
+HeifPicture describe(const HeifMeta& meta, std::uint32_t id) {
+    PixelSize coded;
+    std::vector<HeifBox> properties; // of what it is made from first
+    for (const std::uint32_t source : meta.sourcesOf(id)) {
+        const HeifItem* item = meta.find(source);
+        if (!item)
+            throw Failure{reason::damaged};
+        const std::vector<HeifBox> own = meta.propertiesOf(*item);
+        properties.insert(properties.begin(), own.begin(), own.end());
+        coded = codedSize(own);
+    }
+    HeifPicture picture = {.item = id, .coded = coded, .crop = {}};
     for (const HeifBox& property : properties)
         readDescription(property, picture);
     HeifTransforms transforms(picture.coded);
@@ -90,8 +99,10 @@ HeifPicture describe(const HeifMeta& meta, std::uint32_t id, const HeifItem& ite
 }
 
 /// The tiles of a grid are coded alike, and only they say how.
-void readTileDescription(const HeifMeta& meta, std::uint32_t tile, HeifPicture& picture) {
-    const HeifItem* item = meta.find(tile);
+void readTileDescription(const HeifMeta& meta, std::uint32_t grid, HeifPicture& picture) {
+    const std::span<const HeifReference> parts = meta.referencesFrom(grid);
+    const auto tile = std::ranges::find(parts, "dimg", &HeifReference::type);
+    const HeifItem* item = tile == parts.end() ? nullptr : meta.find(tile->to);
     if (!item || picture.chroma)
         return;
     for (const HeifBox& property : meta.propertiesOf(*item))
@@ -101,8 +112,7 @@ void readTileDescription(const HeifMeta& meta, std::uint32_t tile, HeifPicture& 
 
 void addRelated(const HeifMeta& meta, HeifPicture& picture) {
     picture.hasAlpha = meta.alphaOf(picture.item).has_value();
-    for (const std::uint32_t part : meta.partsOf(picture.item))
-        readTileDescription(meta, part, picture);
+    readTileDescription(meta, meta.sourcesOf(picture.item).back(), picture);
     for (const HeifReference& reference : meta.referencesTo(picture.item)) {
         const HeifItem* from = meta.find(reference.from);
         if (reference.type == "thmb" && !picture.thumbnail)
@@ -160,6 +170,12 @@ bool isAvif(Bytes head) noexcept {
     return namesBrand(head, {"avif"}) && !namesBrand(head, {"heic", "heix", "heim", "heis"});
 }
 
+HeifPicture heifPictureOf(const HeifMeta& meta, std::uint32_t item) {
+    HeifPicture picture = describe(meta, item);
+    addRelated(meta, picture);
+    return picture;
+}
+
 HeifFile heifFileOf(const HeifMeta& meta, std::uint64_t size) {
     HeifFile file;
     for (const auto& [id, item] : meta.items()) {
@@ -167,10 +183,9 @@ HeifFile heifFileOf(const HeifMeta& meta, std::uint64_t size) {
             file.isComplete = file.isComplete && liesWithin(extent, size);
         if (id != meta.primary() && !standsAlone(meta, id, item))
             continue;
-        HeifPicture picture = describe(meta, id, item);
-        addRelated(meta, picture);
         const bool primary = id == meta.primary();
-        file.pictures.insert(primary ? file.pictures.begin() : file.pictures.end(), picture);
+        file.pictures.insert(primary ? file.pictures.begin() : file.pictures.end(),
+                             heifPictureOf(meta, id));
     }
     if (file.pictures.empty())
         throw Failure{reason::damaged};

@@ -145,6 +145,21 @@ std::vector<std::uint32_t> HeifMeta::partsOf(std::uint32_t id) const {
     return result;
 }
 
+std::vector<std::uint32_t> HeifMeta::sourcesOf(std::uint32_t id) const {
+    constexpr std::size_t most = 8; // or it is made of itself
+    std::vector<std::uint32_t> ids = {id};
+    while (ids.size() < most) {
+        const HeifItem* item = find(ids.back());
+        if (!item || item->type != "iden")
+            break;
+        const std::vector<std::uint32_t> parts = partsOf(ids.back());
+        if (parts.size() != 1)
+            break;
+        ids.push_back(parts[0]);
+    }
+    return ids;
+}
+
 std::optional<std::uint32_t> HeifMeta::alphaOf(std::uint32_t id) const {
     for (const HeifReference& reference : referencesTo(id))
         if (reference.type == "auxl" && isAlpha(reference.from))

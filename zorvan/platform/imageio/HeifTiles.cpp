@@ -13,33 +13,44 @@
 namespace zorvan::imageio {
 namespace {
 
-/// Whether the box describes colours, in numbers that are none of the reserved: libheif loses
-/// memory over others.
-bool describesColours(Bytes colr) {
-    constexpr std::size_t size = 11;
-    const auto isKnown = [colr](std::size_t place, int first, int last) {
-        constexpr int reserved = 3;
-        const int number = big16(colr, place);
-        return number >= first && number <= last && number != reserved;
-    };
-    return colr.size() >= size && textOf(colr).starts_with("nclx") &&
-           (isKnown(4, 1, 12) || isKnown(4, 22, 22)) && isKnown(6, 1, 18) && isKnown(8, 0, 14);
-}
-
 /// Those that tell how the picture is coded, not what is to be done with it afterwards; of each
 /// kind the first, and none that is far too long for that.
 std::vector<HeifBox> describingCoding(const std::vector<HeifBox>& properties) {
     constexpr std::size_t largestProperty = 1 << 16;
     std::vector<HeifBox> result;
-    for (const std::string_view kind : {"hvcC", "av1C", "colr", "pixi", "auxC"}) {
+    for (const std::string_view kind : {"hvcC", "av1C", "pixi", "auxC"}) {
         const auto found = std::ranges::find_if(properties, [kind](const HeifBox& property) {
-            return property.type == kind && property.content.size() <= largestProperty &&
-                   (kind != "colr" || describesColours(property.content));
+            return property.type == kind && property.content.size() <= largestProperty;
         });
         if (found != properties.end())
             result.push_back(*found);
     }
     return result;
+}
+
+/// The description of the colours, empty when there is none. Of its numbers those that are reserved
+/// are told as unspecified: libheif loses memory, and the others, over them.
+Data describingColours(const std::vector<HeifBox>& properties) {
+    constexpr std::size_t size = 11;
+    const auto found = std::ranges::find_if(properties, [](const HeifBox& property) {
+        return property.type == "colr" && property.content.size() >= size &&
+               textOf(property.content).starts_with("nclx");
+    });
+    if (found == properties.end())
+        return {};
+    Data colours(found->content.begin(), found->content.begin() + size);
+    const auto keep = [&colours](std::size_t place, int first, int last) {
+        constexpr int reserved = 3;
+        const int number = big16(colours, place);
+        if (number >= first && number <= last && number != reserved)
+            return;
+        colours[place] = std::byte{0};
+        colours[place + 1] = std::byte{2};
+    };
+    keep(4, 1, 12);
+    keep(6, 1, 18);
+    keep(8, 0, 14);
+    return colours;
 }
 
 } // namespace
@@ -63,16 +74,14 @@ HeifTiles::HeifTiles(const HeifMeta& meta, ByteSource& source, std::uint32_t ite
 }
 
 HeifTiles::Layout HeifTiles::layoutOf(std::uint32_t id) const {
-    const HeifItem* item = meta_.find(id);
+    const std::uint32_t made = meta_.sourcesOf(id).back();
+    const HeifItem* item = meta_.find(made);
     if (!item)
         throw Failure{reason::damaged};
-    const std::vector<std::uint32_t> parts = meta_.partsOf(id);
     if (item->type == "grid")
-        return gridOf(id, *item, parts);
-    // The picture itself, which differs from it at most in its turns and crops.
-    const std::uint32_t coded = item->type == "iden" && parts.size() == 1 ? parts[0] : id;
-    const PixelSize size = sizeOf(coded);
-    return {.item = id, .size = size, .tileSize = size, .tiles = {coded}};
+        return gridOf(made, *item, meta_.partsOf(made));
+    const PixelSize size = sizeOf(made);
+    return {.item = made, .size = size, .tileSize = size, .tiles = {made}};
 }
 
 HeifTiles::Layout HeifTiles::gridOf(std::uint32_t id, const HeifItem& grid,
@@ -92,17 +101,19 @@ HeifTiles::Layout HeifTiles::gridOf(std::uint32_t id, const HeifItem& grid,
     if (!areAlike || tileSize.width * columns < size.width || tileSize.height * rows < size.height)
         throw Failure{reason::damaged};
     checkSize({tileSize.width * columns, tileSize.height * rows});
-    checkOwnBytes(tiles);
+    checkBytes(tiles);
     return {.item = id, .size = size, .tileSize = tileSize, .columns = columns, .tiles = tiles};
 }
 
-/// Throws when tiles share their bytes: few of them could be decoded thousands of times.
-void HeifTiles::checkOwnBytes(const std::vector<std::uint32_t>& tiles) const {
-    std::uint64_t left = source_.size();
+/// Throws when tiles share far more bytes than equal tiles of a picture do: a large one could be
+/// decoded thousands of times.
+void HeifTiles::checkBytes(const std::vector<std::uint32_t>& tiles) const {
+    constexpr std::uint64_t mostShared = 64 << 20;
+    std::uint64_t left = source_.size() + mostShared;
     for (const std::uint32_t tile : tiles)
         for (const HeifPicture::Extent& extent : meta_.find(tile)->extents) {
             if (extent.length > left)
-                throw Failure{reason::damaged};
+                throw Failure{reason::tooLarge};
             left -= extent.length;
         }
 }
@@ -128,10 +139,13 @@ Data HeifTiles::bytesOf(const HeifItem& item) const {
     for (const HeifPicture::Extent& extent : item.extents) {
         if (extent.length > most - bytes.size())
             throw Failure{reason::tooLarge};
-        const Data piece = source_.bytes(extent.offset, extent.length);
+        Data piece = source_.bytes(extent.offset, extent.length);
         if (piece.size() < extent.length)
             throw Failure{reason::cutShort};
-        bytes.insert(bytes.end(), piece.begin(), piece.end());
+        if (bytes.empty())
+            bytes = std::move(piece);
+        else
+            bytes.insert(bytes.end(), piece.begin(), piece.end());
     }
     return bytes;
 }
@@ -148,6 +162,7 @@ Data HeifTiles::file(std::int64_t column, std::int64_t row) const {
         pictures.push_back({.type = item.type,
                             .size = layout.tileSize,
                             .properties = describingCoding(properties),
+                            .colours = describingColours(properties),
                             .data = bytesOf(item)});
     };
     add(colour_);

@@ -1,4 +1,3 @@
-#include <zorvan/platform/dispatch/concurrentPerform.h>
 #include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/foundation/internal/timeOf.h>
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
@@ -8,10 +7,8 @@
 #include <zorvan/platform/imageio/internal/PixelRows.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <string_view>
-#include <thread>
 
 #include <jxl/decode.h>
 
@@ -30,61 +27,19 @@ struct Header {
     bool hasAlpha() const { return info.alpha_bits > 0; }
 };
 
-/// Spreads what the decoder does over the processors, and ends it when it takes far longer than any
-/// picture of that size: a file may hold layers without number, all under one picture.
-class BoundedWork {
-public:
-    explicit BoundedWork(PixelSize size)
-        : allowed_(std::chrono::seconds(2) +
-                   std::chrono::microseconds(2) * size.width * size.height) {}
-
-    bool isOver() const noexcept { return spent_.load() > allowed_.count(); }
-
-    static JxlParallelRetCode perform(void* self, void* work, JxlParallelRunInit begin,
-                                      JxlParallelRunFunction doPart, std::uint32_t first,
-                                      std::uint32_t end) noexcept {
-        const std::uint32_t processors = std::thread::hardware_concurrency();
-        const std::uint32_t threads = std::clamp(end - first, 1U, std::max(processors, 1U));
-        if (const JxlParallelRetCode code = begin(work, threads))
-            return code;
-        BoundedWork& bounds = *static_cast<BoundedWork*>(self);
-        std::atomic<std::uint64_t> next = first;
-        try {
-            concurrentPerform(threads, [&](std::int64_t thread) {
-                for (std::uint64_t i = next++; i < end && !bounds.isOver(); i = next++) {
-                    const std::chrono::nanoseconds start = ownTime();
-                    doPart(work, static_cast<std::uint32_t>(i), static_cast<std::size_t>(thread));
-                    bounds.spent_ += (ownTime() - start).count();
-                }
-            });
-        } catch (...) { // for want of memory
-            return JXL_PARALLEL_RET_RUNNER_ERROR;
-        }
-        return bounds.isOver() ? JXL_PARALLEL_RET_RUNNER_ERROR : 0;
-    }
-
-private:
-    static std::chrono::nanoseconds ownTime() noexcept {
-        return internal::timeOf(CLOCK_THREAD_CPUTIME_ID);
-    }
-
-    const std::chrono::nanoseconds allowed_;
-    std::atomic<std::int64_t> spent_ = 0;
-};
-
+/// The codec is given the file in pieces: between two of them the time is looked at, since a file
+/// may hold layers without number, all under one picture.
 class Decoder {
 public:
     Decoder(const Data& file, int events, PixelSize size = {})
-        : work_(size), decoder_(JxlDecoderCreate(nullptr)) {
+        : decoder_(JxlDecoderCreate(nullptr)), file_(file),
+          timeToEnd_(ownTime() + std::chrono::seconds(2) +
+                     std::chrono::microseconds(2) * size.width * size.height) {
         if (!decoder_)
             throw Failure{reason::noMemory};
-        check(JxlDecoderSetParallelRunner(get(), BoundedWork::perform, &work_));
         check(JxlDecoderSubscribeEvents(get(), events));
         check(JxlDecoderSetKeepOrientation(get(), JXL_TRUE));
         check(JxlDecoderSetDecompressBoxes(get(), JXL_TRUE));
-        check(JxlDecoderSetInput(get(), reinterpret_cast<const std::uint8_t*>(file.data()),
-                                 file.size()));
-        JxlDecoderCloseInput(get());
     }
 
     JxlDecoder* get() const noexcept { return decoder_.get(); }
@@ -96,17 +51,41 @@ public:
 
     /// The next event. Throws when the file is at fault.
     JxlDecoderStatus next() {
-        const JxlDecoderStatus status = JxlDecoderProcessInput(get());
-        if (status == JXL_DEC_ERROR)
-            throw Failure{work_.isOver() ? reason::tooLarge : reason::damaged};
-        if (status == JXL_DEC_NEED_MORE_INPUT)
-            throw Failure{reason::cutShort};
-        return status;
+        for (;;) {
+            const JxlDecoderStatus status = JxlDecoderProcessInput(get());
+            if (status == JXL_DEC_ERROR)
+                throw Failure{reason::damaged};
+            if (status != JXL_DEC_NEED_MORE_INPUT)
+                return status;
+            if (given_ == file_.size())
+                throw Failure{reason::cutShort};
+            if (ownTime() > timeToEnd_)
+                throw Failure{reason::tooLarge};
+            giveMore();
+        }
     }
 
 private:
-    BoundedWork work_;
+    static std::chrono::nanoseconds ownTime() noexcept {
+        return internal::timeOf(CLOCK_THREAD_CPUTIME_ID);
+    }
+
+    /// The next piece, behind what is left of the one before: the more is left, the larger.
+    void giveMore() {
+        constexpr std::size_t least = 4 << 10;
+        const std::size_t left = JxlDecoderReleaseInput(get());
+        const std::size_t start = given_ - left;
+        given_ += std::min(std::max(least, left), file_.size() - given_);
+        check(JxlDecoderSetInput(get(), reinterpret_cast<const std::uint8_t*>(file_.data()) + start,
+                                 given_ - start));
+        if (given_ == file_.size())
+            JxlDecoderCloseInput(get());
+    }
+
     std::unique_ptr<JxlDecoder, Release<JxlDecoderDestroy>> decoder_;
+    const Data& file_;
+    std::size_t given_ = 0;
+    const std::chrono::nanoseconds timeToEnd_;
 };
 
 /// Collects the Exif box; others are passed over.

@@ -2,6 +2,8 @@
 
 #include <zorvan/platform/imageio/internal/BoxWriter.h>
 
+#include <utility>
+
 namespace zorvan::imageio {
 namespace {
 
@@ -28,13 +30,17 @@ void writeProperties(BoxWriter& out, const std::vector<CodedPicture>& pictures) 
                 });
                 for (const HeifBox& property : picture.properties)
                     out.box(property.type, [&] { out.write(property.content); });
+                if (!picture.colours.empty())
+                    out.box("colr", [&] { out.write(picture.colours); });
             }
         });
         out.fullBox("ipma", 0, [&] {
             out.number(pictures.size(), 4);
             std::size_t next = 1;
             for (std::size_t i = 0; i < pictures.size(); ++i) {
-                const std::size_t count = pictures[i].properties.size() + 1;
+                const CodedPicture& picture = pictures[i];
+                const std::size_t count =
+                    picture.properties.size() + (picture.colours.empty() ? 1 : 2);
                 out.number(i + 1, 2);
                 out.number(count, 1);
                 for (std::size_t end = next + count; next < end; ++next)
@@ -94,7 +100,7 @@ Data headOf(const std::vector<CodedPicture>& pictures, bool isPremultiplied, std
             });
         writeProperties(out, pictures);
     });
-    return out.bytes();
+    return std::move(out).bytes();
 }
 
 } // namespace
@@ -108,7 +114,7 @@ Data singlePictureFile(const std::vector<CodedPicture>& pictures, bool isPremult
         for (const CodedPicture& picture : pictures)
             out.write(picture.data);
     });
-    return out.bytes();
+    return std::move(out).bytes();
 }
 
 } // namespace zorvan::imageio

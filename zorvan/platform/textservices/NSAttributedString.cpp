@@ -99,6 +99,18 @@ void NSAttributedString::mergeRuns() {
     runs_ = std::move(merged);
 }
 
+/// The same for the runs from one to before another, whose lengths stay, and their neighbours.
+void NSAttributedString::mergeRuns(std::size_t first, std::size_t last) {
+    auto kept = runs_.begin() + static_cast<std::ptrdiff_t>(std::max<std::size_t>(first, 1) - 1);
+    const auto end = runs_.begin() + static_cast<std::ptrdiff_t>(std::min(last + 1, runs_.size()));
+    for (auto run = kept + 1; run < end; ++run)
+        if (kept->attributes == run->attributes)
+            kept->range.length += run->range.length;
+        else if (++kept != run)
+            *kept = std::move(*run);
+    runs_.erase(kept + 1, end);
+}
+
 void NSAttributedString::replace(NSRange range, const NSAttributedString& replacement) {
     require(range);
     std::vector<Run> inserted = replacement.runs_; // a copy: the replacement may be this text
@@ -121,7 +133,7 @@ void NSAttributedString::editAttributes(NSRange range, Edit edit) {
     const std::size_t last = splitAt(range.end());
     for (std::size_t i = first; i < last; ++i)
         edit(runs_[i].attributes);
-    mergeRuns();
+    mergeRuns(first, last);
 }
 
 void NSMutableAttributedString::append(const NSAttributedString& text) {

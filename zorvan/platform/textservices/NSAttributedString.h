@@ -82,6 +82,7 @@ private:
     void require(NSRange range) const;
     std::size_t splitAt(std::size_t location);
     void mergeRuns();
+    void mergeRuns(std::size_t first, std::size_t last);
 
     friend class NSMutableAttributedString;
 

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace zorvan::imageio {
 
@@ -40,7 +41,8 @@ public:
             fill();
         });
     }
-    const Data& bytes() const { return bytes_; }
+    const Data& bytes() const& { return bytes_; }
+    Data bytes() && { return std::move(bytes_); }
 
 private:
     static constexpr std::size_t lengthWidth = 4;

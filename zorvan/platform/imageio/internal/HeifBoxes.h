@@ -55,6 +55,8 @@ struct HeifFile {
 };
 
 class HeifMeta;
+/// Throws Failure.
+HeifPicture heifPictureOf(const HeifMeta& meta, std::uint32_t item);
 /// What a file of that size says about its pictures. Throws Failure.
 HeifFile heifFileOf(const HeifMeta& meta, std::uint64_t size);
 

@@ -79,6 +79,9 @@ public:
     std::vector<HeifBox> propertiesOf(const HeifItem& item) const;
     /// What the item is made of.
     std::vector<std::uint32_t> partsOf(std::uint32_t id) const;
+    /// The item, and below it what it is the same as but for turns and crops: the last is a coded
+    /// picture, or made up of such.
+    std::vector<std::uint32_t> sourcesOf(std::uint32_t id) const;
     /// The item that is the alpha of this one.
     std::optional<std::uint32_t> alphaOf(std::uint32_t id) const;
 

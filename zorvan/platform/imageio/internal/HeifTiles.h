@@ -40,7 +40,7 @@ private:
     Layout layoutOf(std::uint32_t item) const;
     Layout gridOf(std::uint32_t id, const HeifItem& grid,
                   const std::vector<std::uint32_t>& tiles) const;
-    void checkOwnBytes(const std::vector<std::uint32_t>& tiles) const;
+    void checkBytes(const std::vector<std::uint32_t>& tiles) const;
     PixelSize sizeOf(std::uint32_t item) const;
     const HeifItem& coded(std::uint32_t item) const;
     Data bytesOf(const HeifItem& item) const;

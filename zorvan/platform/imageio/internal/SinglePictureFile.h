@@ -7,11 +7,13 @@
 
 namespace zorvan::imageio {
 
-/// A picture as a codec wrote it. Its properties tell how it is coded, and not its size.
+/// A picture as a codec wrote it. Its properties tell how it is coded, but not its size, nor its
+/// colours, whose description is empty where there is none.
 struct CodedPicture {
     std::string_view type;
     PixelSize size;
     std::vector<HeifBox> properties;
+    Data colours;
     Data data;
 };
 
