@@ -2,6 +2,8 @@
 #include <tests/Testing.h>
 #include <tests/files/TemporaryFolder.h>
 
+#include <zorvan/platform/imageio/internal/TiffEntries.h>
+
 #include <tiffio.h>
 
 namespace zorvan::imageio {
@@ -256,43 +258,70 @@ TEST(Tiff, ABlankPageInNextToNothingIsReadAndTakesNoMemoryUnlessAllOfItIsThere) 
     EXPECT_EQ(errorWithin(std::uint64_t{128} << 20, bytes), "the file is damaged");
 }
 
-TEST(Tiff, ADamagedDirectoryEndsThePagesAndADamagedFirstOneTheFile) {
+TEST(Tiff, TagsThatCannotBeReadAreLeftOutUnlessThereIsTooMuchToRead) {
+    constexpr std::uint32_t megabyte = 1 << 20, beyond = 0x7FFFFFFF;
+    const auto errorWith = [](TiffEntry tag, int tagCount) {
+        std::vector<TiffEntry> entries;
+        appendNumber(tag.value, 8, 4, false); // where it is; and 8 by 8 pixels of 8 bits
+        for (const std::uint16_t needed : std::array<std::uint16_t, 5>{256, 257, 258, 273, 278})
+            entries.push_back({needed, TiffEntry::longNumber, 1, tag.value});
+        for (; tagCount > 0; --tagCount, ++tag.tag)
+            entries.push_back(tag);
+        Data bytes = bytesOf(std::string_view("II*\0\b\0\0\0", 8));
+        appendTiffDirectory(bytes, entries, {});
+        bytes.resize(bytes.size() + megabyte);
+        return errorOf(bytes);
+    };
+    for (const TiffEntry& tag : {TiffEntry{TIFFTAG_ICCPROFILE, 7, 2 * megabyte, {}},
+                                 {TIFFTAG_COPYRIGHT, 2, beyond, {}},
+                                 {50000, 99, beyond, {}},
+                                 {50000, 7, beyond, {}},
+                                 {50000, 7, megabyte, {}}})
+        EXPECT_EQ(errorWith(tag, 10), "") << tag.tag << ' ' << tag.count;
+    for (const std::uint32_t count : {megabyte, beyond})
+        EXPECT_EQ(errorWith({50000, 7, count, {}}, 900), "the file is damaged");
+}
+
+void writePage(TIFF* tiff, std::uint32_t kind) {
+    setFields(tiff, {PHOTOMETRIC_RGB, 8, 3});
+    TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, kind);
+    writePixels(tiff, {PHOTOMETRIC_RGB, 8, 3});
+    TIFFWriteDirectory(tiff);
+}
+
+TEST(Tiff, ADirectoryThatCannotBeReadHidesNoOther) {
     Data bytes = written([](TIFF* tiff) {
-        for (int page = 0; page < 3; ++page) {
-            setFields(tiff, {PHOTOMETRIC_RGB, 8, 3});
-            writePixels(tiff, {PHOTOMETRIC_RGB, 8, 3});
-            TIFFWriteDirectory(tiff);
-        }
+        for (int page = 0; page < 3; ++page)
+            writePage(tiff, 0);
     });
+    const auto link = [&](std::size_t at) { return at + 2 + littleEndian(bytes, at, 2) * 12; };
     const std::size_t first = littleEndian(bytes, 4, 4);
-    const std::size_t end = first + 2 + littleEndian(bytes, first, 2) * 12;
-    const std::size_t second = littleEndian(bytes, end, 4);
+    const std::size_t second = littleEndian(bytes, link(first), 4);
+    std::copy_n(&bytes[4], 4, &bytes[link(littleEndian(bytes, link(second), 4))]); // without end
     EXPECT_EQ(ImageReader::open(bytes)->count(), 3);
-    bytes[second + 1] = std::byte{4}; // more than a thousand entries
+    for (const std::size_t unsound : {second, first}) {
+        Data damaged = bytes;
+        damaged[unsound + 2 + 12] = std::byte{99}; // no width
+        const auto reader = ImageReader::open(damaged);
+        EXPECT_EQ(reader->count(), 2);
+        EXPECT_TRUE(reader->decode(1, {})) << reader->error();
+    }
+    bytes[second + 1] = std::byte{4}; // more than a thousand entries, and no link behind them
     EXPECT_EQ(ImageReader::open(bytes)->count(), 1);
-    EXPECT_EQ(decoded(bytes).width(), width);
-    bytes[first + 2 + 12 + 6] = std::byte{1}; // an entry of 65,536 values
-    EXPECT_EQ(errorOf(bytes), "the file is cut short");
 }
 
 TEST(Tiff, AReducedVersionIsTheThumbnailAndNoPage) {
-    const auto page = [](TIFF* tiff, std::uint32_t kind) {
-        setFields(tiff, {PHOTOMETRIC_RGB, 8, 3});
-        TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, kind);
-        writePixels(tiff, {PHOTOMETRIC_RGB, 8, 3});
-        TIFFWriteDirectory(tiff);
-    };
-    const Data inChain = written([&](TIFF* tiff) {
-        page(tiff, 0);
-        page(tiff, FILETYPE_REDUCEDIMAGE);
-        page(tiff, 0);
+    const Data inChain = written([](TIFF* tiff) {
+        writePage(tiff, 0);
+        writePage(tiff, FILETYPE_REDUCEDIMAGE);
+        writePage(tiff, 0);
     });
-    const Data below = written([&](TIFF* tiff) {
+    const Data below = written([](TIFF* tiff) {
         const std::array<std::uint64_t, 1> none = {0};
         TIFFSetField(tiff, TIFFTAG_SUBIFD, 1, none.data());
-        page(tiff, 0);
-        page(tiff, FILETYPE_REDUCEDIMAGE);
-        page(tiff, 0);
+        writePage(tiff, 0);
+        writePage(tiff, FILETYPE_REDUCEDIMAGE);
+        writePage(tiff, 0);
     });
     for (const Data& bytes : {inChain, below}) {
         const auto reader = ImageReader::open(bytes);

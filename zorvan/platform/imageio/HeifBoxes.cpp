@@ -99,8 +99,10 @@ HeifPicture describe(const HeifMeta& meta, std::uint32_t id) {
 }
 
 /// The tiles of a grid are coded alike, and only they say how.
-void readTileDescription(const HeifMeta& meta, std::uint32_t tile, HeifPicture& picture) {
-    const HeifItem* item = meta.find(tile);
+void readTileDescription(const HeifMeta& meta, std::uint32_t grid, HeifPicture& picture) {
+    const std::span<const HeifReference> parts = meta.referencesFrom(grid);
+    const auto tile = std::ranges::find(parts, "dimg", &HeifReference::type);
+    const HeifItem* item = tile == parts.end() ? nullptr : meta.find(tile->to);
     if (!item || picture.chroma)
         return;
     for (const HeifBox& property : meta.propertiesOf(*item))
@@ -110,12 +112,8 @@ void readTileDescription(const HeifMeta& meta, std::uint32_t tile, HeifPicture& 
 
 void addRelated(const HeifMeta& meta, HeifPicture& picture) {
     picture.hasAlpha = meta.alphaOf(picture.item).has_value();
-    const std::uint32_t made = meta.sourcesOf(picture.item).back();
-    for (const HeifReference& reference : meta.references()) {
-        if (reference.type == "dimg" && reference.from == made)
-            readTileDescription(meta, reference.to, picture);
-        if (reference.to != picture.item)
-            continue;
+    readTileDescription(meta, meta.sourcesOf(picture.item).back(), picture);
+    for (const HeifReference& reference : meta.referencesTo(picture.item)) {
         const HeifItem* from = meta.find(reference.from);
         if (reference.type == "thmb" && !picture.thumbnail)
             picture.thumbnail = reference.from;
@@ -135,10 +133,14 @@ bool isPictureType(std::string_view type) {
 bool standsAlone(const HeifMeta& meta, std::uint32_t id, const HeifItem& item) {
     if (item.hidden || !isPictureType(item.type))
         return false;
-    return std::ranges::none_of(meta.references(), [&](const HeifReference& reference) {
-        const bool isPart = reference.type == "thmb" || reference.type == "auxl";
-        return (isPart && reference.from == id) || (reference.type == "dimg" && reference.to == id);
-    });
+    const auto servesAnother = [](const HeifReference& reference) {
+        return reference.type == "thmb" || reference.type == "auxl";
+    };
+    const auto makesUpAnother = [](const HeifReference& reference) {
+        return reference.type == "dimg";
+    };
+    return std::ranges::none_of(meta.referencesFrom(id), servesAnother) &&
+           std::ranges::none_of(meta.referencesTo(id), makesUpAnother);
 }
 
 bool liesWithin(const HeifPicture::Extent& extent, std::uint64_t size) {

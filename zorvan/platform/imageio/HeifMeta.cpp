@@ -60,6 +60,14 @@ HeifPicture::Extent findMeta(ByteSource& source) {
     throw Failure{reason::damaged};
 }
 
+/// Those that have the item at that end, by which they are ordered.
+std::span<const HeifReference> referencesOf(std::uint32_t id,
+                                            const std::vector<HeifReference>& ordered,
+                                            std::uint32_t HeifReference::*end) {
+    return {std::ranges::lower_bound(ordered, id, {}, end),
+            std::ranges::upper_bound(ordered, id, {}, end)};
+}
+
 } // namespace
 
 Bytes HeifCursor::take(std::size_t count) {
@@ -79,6 +87,7 @@ HeifMeta::HeifMeta(ByteSource& source) {
     if (content_.size() < place.length)
         throw Failure{reason::cutShort};
     readBoxes();
+    orderReferences();
 }
 
 void HeifMeta::readBoxes() {
@@ -101,9 +110,23 @@ void HeifMeta::readBoxes() {
     readLocations();
 }
 
+void HeifMeta::orderReferences() {
+    std::ranges::stable_sort(references_, {}, &HeifReference::from);
+    referencesByTarget_ = references_;
+    std::ranges::stable_sort(referencesByTarget_, {}, &HeifReference::to);
+}
+
 const HeifItem* HeifMeta::find(std::uint32_t id) const {
     const auto found = items_.find(id);
     return found == items_.end() ? nullptr : &found->second;
+}
+
+std::span<const HeifReference> HeifMeta::referencesFrom(std::uint32_t id) const {
+    return referencesOf(id, references_, &HeifReference::from);
+}
+
+std::span<const HeifReference> HeifMeta::referencesTo(std::uint32_t id) const {
+    return referencesOf(id, referencesByTarget_, &HeifReference::to);
 }
 
 std::vector<HeifBox> HeifMeta::propertiesOf(const HeifItem& item) const {
@@ -116,8 +139,8 @@ std::vector<HeifBox> HeifMeta::propertiesOf(const HeifItem& item) const {
 
 std::vector<std::uint32_t> HeifMeta::partsOf(std::uint32_t id) const {
     std::vector<std::uint32_t> result;
-    for (const HeifReference& reference : references_)
-        if (reference.type == "dimg" && reference.from == id)
+    for (const HeifReference& reference : referencesFrom(id))
+        if (reference.type == "dimg")
             result.push_back(reference.to);
     return result;
 }
@@ -127,8 +150,10 @@ std::vector<std::uint32_t> HeifMeta::sourcesOf(std::uint32_t id) const {
     std::vector<std::uint32_t> ids = {id};
     while (ids.size() < most) {
         const HeifItem* item = find(ids.back());
+        if (!item || item->type != "iden")
+            break;
         const std::vector<std::uint32_t> parts = partsOf(ids.back());
-        if (!item || item->type != "iden" || parts.size() != 1)
+        if (parts.size() != 1)
             break;
         ids.push_back(parts[0]);
     }
@@ -136,8 +161,8 @@ std::vector<std::uint32_t> HeifMeta::sourcesOf(std::uint32_t id) const {
 }
 
 std::optional<std::uint32_t> HeifMeta::alphaOf(std::uint32_t id) const {
-    for (const HeifReference& reference : references_)
-        if (reference.type == "auxl" && reference.to == id && isAlpha(reference.from))
+    for (const HeifReference& reference : referencesTo(id))
+        if (reference.type == "auxl" && isAlpha(reference.from))
             return reference.from;
     return std::nullopt;
 }

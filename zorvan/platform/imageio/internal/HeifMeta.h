@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -69,6 +70,9 @@ public:
     std::uint32_t primary() const { return primary_; }
     const std::map<std::uint32_t, HeifItem>& items() const { return items_; }
     const std::vector<HeifReference>& references() const { return references_; }
+    /// Those of one item, each kind in the order of the file.
+    std::span<const HeifReference> referencesFrom(std::uint32_t id) const;
+    std::span<const HeifReference> referencesTo(std::uint32_t id) const;
     /// Null when there is none.
     const HeifItem* find(std::uint32_t id) const;
     /// The properties of an item, in the order of application.
@@ -83,6 +87,7 @@ public:
 
 private:
     void readBoxes();
+    void orderReferences();
     bool isAlpha(std::uint32_t id) const;
     HeifItem& item(std::uint32_t id);
     void readPrimary(Bytes content);
@@ -97,7 +102,8 @@ private:
     std::uint64_t dataOffset_ = 0;
     std::uint32_t primary_ = 0;
     std::map<std::uint32_t, HeifItem> items_ = {};
-    std::vector<HeifReference> references_ = {};
+    std::vector<HeifReference> references_ = {}; // in the order of the items they are from
+    std::vector<HeifReference> referencesByTarget_ = {};
     std::vector<HeifBox> properties_ = {};
     Bytes locations_ = {};
 };

@@ -32,7 +32,7 @@ toff_t soughtPlace(toff_t offset, int whence, std::uint64_t position, std::uint6
 /// libtiff reading from a source of ours.
 class TiffFile {
 public:
-    /// Throws Failure when the first page cannot be read.
+    /// Throws Failure when no page can be read.
     explicit TiffFile(ByteSource& source);
     TiffFile(const TiffFile&) = delete;
     TiffFile& operator=(const TiffFile&) = delete;
@@ -43,15 +43,17 @@ public:
         return {.bigEndian = TIFFIsBigEndian(get()) != 0, .wide = TIFFIsBigTIFF(get()) != 0};
     }
 
+    /// Where in the file its directories are.
     struct Page {
-        tdir_t directory;
+        std::uint64_t directory;
         /// A reduced version of the page in the main chain.
-        std::optional<tdir_t> reducedDirectory = {};
+        std::optional<std::uint64_t> reducedDirectory = {};
     };
     const std::vector<Page>& pages() const noexcept { return pages_; }
 
-    /// Makes the directory the current one. Throws Failure.
-    void select(tdir_t directory);
+    /// Makes a page's directory the current one. Throws Failure.
+    void select(std::uint64_t directory);
+    /// The same for one outside the chain of the pages.
     void selectAt(std::uint64_t offset);
 
     /// Throws what the failure of a call on the current directory comes down to.
@@ -75,7 +77,8 @@ private:
     static tmsize_t read(thandle_t handle, void* out, tmsize_t size);
     static toff_t seek(thandle_t handle, toff_t offset, int whence);
 
-    void findPages(int directoryCount);
+    void findPages(const std::vector<std::uint64_t>& directories);
+    bool makeCurrent(std::uint64_t directory);
 
     ByteSource& source_;
     std::uint64_t position_ = 0;
