@@ -7,7 +7,7 @@ from pathlib import Path
 
 root = Path(__file__).resolve().parent.parent
 page = root / "docs/headers.md"
-keywords = {"APART", "LOADED", "CLOSED", "SOURCES", "USES", "NEEDS"}
+keywords = {"APART", "LOADED", "CLOSED", "SOURCES", "USES", "SHOWS", "NEEDS"}
 
 
 def libraries():

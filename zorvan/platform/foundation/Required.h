@@ -4,11 +4,11 @@
 #include <type_traits>
 #include <utility>
 
-namespace zorvan {
-
 #if __cplusplus < 202002L
 #error "Zorvan needs C++20: -std=c++20"
 #endif
+
+namespace zorvan {
 
 /// A field of an argument record that the caller must name: with no default constructor, it tells
 /// overloads apart. `CGRect({.size = s})` cannot mean the record with a required `center`.
