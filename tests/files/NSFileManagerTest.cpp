@@ -39,10 +39,13 @@ TEST(NSFileManager, MakesAFolderForTheTemporaryFilesOfABundle) {
         return fs::path(parent(url)).filename().string();
     };
     EXPECT_EQ(nameFor("org.example.a"), "org.example.a");
-    // Names that lead elsewhere, or that another user may have something under.
-    folder.make({"deep/tmp/shared/", "deep/tmp/link -> org.example.a"});
-    folder.setMode("deep/tmp/shared", 0777);
-    for (const char* identifier : {"", "..", "../out", "shared", "link"})
+    // Made by the program itself under another mask.
+    folder.folder("deep/tmp/shared");
+    folder.setMode("deep/tmp/shared", 0775);
+    EXPECT_EQ(nameFor("shared"), "shared");
+    // Names that lead elsewhere, or that something else has.
+    folder.make({"deep/tmp/file", "deep/tmp/link -> org.example.a"});
+    for (const char* identifier : {"", "..", "../out", "file", "link"})
         EXPECT_EQ(nameFor(identifier).size(), 36u) << identifier;
 }
 

@@ -1,8 +1,16 @@
+#include "ChildProcess.h"
 #include "TemporaryFolder.h"
 #include <tests/Testing.h>
 #include <tests/bytesOf.h>
 
+#include <zorvan/files/NSFileManager.h>
 #include <zorvan/files/NSFileWrapper.h>
+#include <zorvan/files/URL.h>
+#include <zorvan/platform/archives/ZipArchive.h>
+
+#include <csignal>
+#include <fcntl.h>
+#include <functional>
 
 namespace {
 
@@ -79,6 +87,56 @@ TEST(NSFileWrapper, WritesWhatWasReadAndChanged) {
     EXPECT_THROW(wrapper->write(folder.url("new")), fs::filesystem_error);
     EXPECT_TRUE(fs::exists(folder.path() / "new/run"));
     EXPECT_EQ(folder.count(), 3);
+}
+
+// Whoever opens a file that another program has on lease waits until that one is done with it.
+TEST(LeasedFiles, AreWaitedFor) {
+    TemporaryFolder folder;
+    folder.make({"doc/text"});
+    const URL file = folder.url("doc/text");
+    const auto wrapper = NSFileWrapper::create({.url = folder.url("doc")});
+    const std::pair<const char*, std::function<bool()>> table[] = {
+        {"wrapper",
+         [&] {
+             return wrapper->fileWrappers().at("text")->regularFileContents() == bytesOf("new");
+         }},
+        {"copy",
+         [&] {
+             NSFileManager::defaultManager()->overwritingCopy(file, folder.url("copy"));
+             return text(folder.path() / "copy") == "new";
+         }},
+        {"archive", [&] { return zipArchiveOfFolder(folder.url("doc").path()).has_value(); }},
+        {"coordinated",
+         [&] {
+             return readSecuredFileWithCoordinator(file, [](const URL&) { return true; })
+                 .has_value();
+         }},
+    };
+    for (const auto& [name, read] : table) {
+        folder.file("doc/text", "old");
+        int ready[2];
+        ASSERT_EQ(pipe(ready), 0);
+        const pid_t child = startChild([&] {
+            sigset_t wanted;
+            sigemptyset(&wanted);
+            sigaddset(&wanted, SIGIO);
+            sigprocmask(SIG_BLOCK, &wanted, nullptr);
+            const int leased = open(file.path().c_str(), O_RDWR);
+            EXPECT_EQ(fcntl(leased, F_SETLEASE, F_WRLCK), 0);
+            EXPECT_EQ(write(ready[1], "", 1), 1);
+            int signal = 0;
+            sigwait(&wanted, &signal);
+            EXPECT_EQ(pwrite(leased, "new", 3, 0), 3);
+            fcntl(leased, F_SETLEASE, F_UNLCK);
+        });
+        char byte = 0;
+        EXPECT_EQ(::read(ready[0], &byte, 1), 1);
+        EXPECT_TRUE(read()) << name;
+        kill(child, SIGIO);
+        EXPECT_EQ(exitStatus(child), 0) << "no leases are to be had here";
+        close(ready[0]);
+        close(ready[1]);
+    }
 }
 
 TEST(NSFileWrapperDeathTest, StopsAtBrokenContracts) {

@@ -142,6 +142,28 @@ TEST(SafeCopy, ReplacesFoldersThatMayNotBeWritten) {
     });
 }
 
+#if defined(__x86_64__)
+// The C library sets the mode of what it does not open, and of no link, by way of "/proc".
+TEST(SafeCopy, NeedsNoProc) {
+    asOrdinaryUser([] {
+        TemporaryFolder folder;
+        folder.make({"tmp/", "a/closed/x", "b/closed/y"});
+        ASSERT_EQ(mkfifo((folder.path() / "a/pipe").c_str(), 0640), 0);
+        const Variable place("TMPDIR", folder.url("tmp").path().c_str());
+        for (const char* name : {"a/closed", "b/closed"})
+            folder.setMode(name, 0500);
+        constexpr unsigned fchmodat2 = 452;
+        refuseCall(fchmodat2, ENOSYS);
+        refuseCall(SYS_chmod, ENOENT);
+        manager().overwritingCopy(folder.url("a"), folder.url("b"));
+        EXPECT_TRUE(fs::is_fifo(folder.path() / "b/pipe"));
+        EXPECT_EQ(mode(folder.path() / "b/pipe"), fs::perms(0640));
+        EXPECT_EQ(folder.count(), 3) << "something is left over";
+        EXPECT_TRUE(fs::is_empty(folder.path() / "tmp"));
+    });
+}
+#endif
+
 TEST(SafeCopy, CopiesHolesAndOddSizes) {
     TemporaryFolder folder;
     constexpr std::uintmax_t megabyte = 1 << 20;

@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/foundation/internal/DirectoryWalk.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/openForReading.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
 
 #include <cerrno>
@@ -106,12 +107,11 @@ void copyFile(int from, const struct stat& status, int to, const Place& place, b
     copyAttributes(from, status, to, place);
 }
 
-/// Opens a file to be copied; not blocking, should a pipe have taken its name meanwhile.
+/// Opens a file to be copied, unless something else has taken its name meanwhile.
 FileDescriptor openedFile(const Place& place, struct stat& status) {
-    FileDescriptor file = opened(place, O_RDONLY | O_NONBLOCK);
-    status = statusOf(file.get(), place);
-    if (!S_ISREG(status.st_mode))
-        throwFileError("cannot copy", place.path, EINVAL);
+    FileDescriptor file = internal::openRegularFile(place.folder, place.name, status, O_NOFOLLOW);
+    if (!file)
+        fail("cannot open", place);
     return file;
 }
 
@@ -134,9 +134,11 @@ void copyLink(const Place& from, const struct stat& status, const Place& to) {
 
 /// Pipes, sockets, devices. Only the superuser makes devices.
 void copySpecial(const struct stat& status, const Place& to) {
-    if (::mknodat(to.folder, to.name, (status.st_mode & S_IFMT) | 0600, status.st_rdev) != 0)
+    const mode_t mode = status.st_mode & 0777;
+    if (::mknodat(to.folder, to.name, (status.st_mode & S_IFMT) | mode, status.st_rdev) != 0)
         fail("cannot make", to);
-    if (::fchmodat(to.folder, to.name, status.st_mode & 0777, AT_SYMLINK_NOFOLLOW) != 0)
+    // What the process's mask has taken away stays away where "/proc" is not there.
+    if (::fchmodat(to.folder, to.name, mode, AT_SYMLINK_NOFOLLOW) != 0 && errno != EOPNOTSUPP)
         fail("cannot set the mode of", to);
     copyDates(status, to);
 }

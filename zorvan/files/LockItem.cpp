@@ -1,6 +1,6 @@
 #include <zorvan/files/internal/LockItem.h>
 
-#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/openForReading.h>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -42,7 +42,7 @@ bool isStillNamed(const struct stat& item, const std::string& path, int flags) n
 
 FileDescriptor lockForReading(const std::string& path) {
     for (;;) {
-        FileDescriptor item(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        FileDescriptor item = internal::openForReading(AT_FDCWD, path.c_str());
         struct stat status {};
         if (!item || ::fstat(item.get(), &status) != 0)
             return {};
@@ -64,7 +64,7 @@ void unlockAfterReading(FileDescriptor item) noexcept {
 
 LockForReplacing::LockForReplacing(const std::string& path) {
     for (;;) {
-        FileDescriptor item(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+        FileDescriptor item = internal::openForReading(AT_FDCWD, path.c_str(), O_NOFOLLOW);
         struct stat status {};
         if (!item || ::fstat(item.get(), &status) != 0)
             return;

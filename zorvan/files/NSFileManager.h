@@ -100,8 +100,9 @@ public:
     URL temporaryURL(Model argument) const;
 
     /// The same in a folder that is named by the bundle's identifier, and created for the user
-    /// alone. It is named by a UUID when the bundle has no identifier, or one that is no name of a
-    /// file, and when somebody else has that name already or may write to the folder. When creating
+    /// alone; where it is the user's already and others may write to it, they may not any more. It
+    /// is named by a UUID when the bundle has no identifier, or one that is no name of a file, and
+    /// when what has that name already is no folder of the user's that can be opened. When creating
     /// it fails, so will making the file.
     /// @{
     URL temporaryURL(const PathExtensionInBundle& argument) const;

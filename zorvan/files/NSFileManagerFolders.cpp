@@ -6,10 +6,12 @@
 #include <zorvan/files/internal/filePath.h>
 #include <zorvan/platform/foundation/NSUserName.h>
 #include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/desktopFolders.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -35,18 +37,21 @@ std::optional<std::string> mainBundleName() {
     return text ? std::optional(*text) : std::nullopt;
 }
 
-/// Whether a folder, not by way of a link, is this user's, and no one else may write to it.
-bool isOwnFolder(const std::string& path) noexcept {
+/// Whether a folder, not by way of a link, is this user's, and no one else may write to it, be it
+/// only from now on.
+bool isMadeOwn(const std::string& path) noexcept {
+    const internal::FileDescriptor folder(
+        ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
-    return ::lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
-           status.st_uid == ::geteuid() && (status.st_mode & 0022) == 0;
+    return ::fstat(folder.get(), &status) == 0 && status.st_uid == ::geteuid() &&
+           ((status.st_mode & 0022) == 0 || ::fchmod(folder.get(), 0700) == 0);
 }
 
 URL temporaryDirectory(const NSBundle& bundle) {
     const std::string identifier = bundle.bundleIdentifier().value_or("");
     if (isFileName(identifier)) {
         const URL folder = temporaryDirectory().appendingPathComponent(identifier);
-        if (makePrivateFolder(folder.path()) == 0 || isOwnFolder(folder.path()))
+        if (makePrivateFolder(folder.path()) == 0 || isMadeOwn(folder.path()))
             return folder;
     }
     const URL folder = temporaryDirectory().appendingPathComponent(makeUUIDString());

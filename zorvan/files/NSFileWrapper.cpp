@@ -5,8 +5,8 @@
 #include <zorvan/files/internal/fileNames.h>
 #include <zorvan/files/internal/filePath.h>
 #include <zorvan/platform/foundation/fatalError.h>
-#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/Scratch.h>
+#include <zorvan/platform/foundation/internal/openForReading.h>
 #include <zorvan/platform/foundation/internal/percentEscapes.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
 
@@ -15,7 +15,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <span>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zorvan {
@@ -26,14 +25,11 @@ using internal::FileDescriptor;
 namespace {
 
 Data bytesOf(const std::string& path) {
-    // Not blocking, should a pipe have taken its name meanwhile.
-    const FileDescriptor file(
-        ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
     struct stat status {};
-    if (!file || ::fstat(file.get(), &status) != 0)
+    const FileDescriptor file =
+        internal::openRegularFile(AT_FDCWD, path.c_str(), status, O_NOFOLLOW);
+    if (!file)
         throwFileError("cannot read", path, errno);
-    if (!S_ISREG(status.st_mode))
-        throwFileError("cannot read", path, EINVAL);
     Data bytes;
     Data chunk(std::size_t{1} << 16);
     for (;;) {

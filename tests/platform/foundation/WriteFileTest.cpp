@@ -11,6 +11,7 @@
 #include <zorvan/platform/foundation/internal/readRegularFile.h>
 #include <zorvan/platform/foundation/internal/writeFile.h>
 
+#include <sys/fsuid.h>
 #include <sys/xattr.h>
 
 using internal::NewFile, internal::Scratch;
@@ -190,6 +191,25 @@ TEST(Scratch, IsClearedOnceItsProcessHasEnded) {
     EXPECT_EQ(folder.count(), 0) << "the next one to come clears";
     for (const int descriptor : {ready[0], ready[1], stop[0], stop[1]})
         close(descriptor);
+}
+
+TEST(Scratch, LeavesNoListWhereItIsNotBelieved) {
+    for (const bool isForeign : {false, true}) {
+        TemporaryFolder folder;
+        folder.setMode(".", 0777);
+        if (isForeign && geteuid() != 0)
+            break; // only the superuser makes what is not his
+        const pid_t child = startChild([&] {
+            if (isForeign)
+                setfsuid(65534);
+            else
+                refuseCall(SYS_flock, ENOLCK);
+            const Scratch scratch = Scratch::beside(folder.url("x").path());
+            EXPECT_EQ(folder.count(), 0);
+        });
+        EXPECT_EQ(exitStatus(child), 0) << isForeign;
+        EXPECT_EQ(folder.count(), 0) << isForeign;
+    }
 }
 
 TEST(Scratch, BelievesNoListThatAnotherCouldHaveWritten) {

@@ -244,6 +244,20 @@ TEST(KeyedArchive, RefusesDamage) {
                   "the archive unfolds to far more than its size");
 }
 
+TEST(KeyedArchive, GivesAValueAsOftenAsItIsAskedFor) {
+    const std::vector<int> list(10000, 1);
+    const std::string text(1 << 20, 'x');
+    const NSKeyedUnarchiver lists(NSKeyedArchiver::archivedData(list));
+    const NSKeyedUnarchiver texts(NSKeyedArchiver::archivedData(text));
+    const NSKeyedUnarchiver numbers(NSKeyedArchiver::archivedData(7));
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_EQ(lists.decode<std::vector<int>>("root"), list);
+        ASSERT_EQ(texts.decode<std::string>("root"), text);
+    }
+    for (int i = 0; i < 1'200'000; ++i)
+        ASSERT_EQ(numbers.decode<int>("root"), 7);
+}
+
 TEST(KeyedArchive, FlippedBytesNeverDoHarm) {
     const Data whole =
         NSKeyedArchiver::archivedData(std::map<std::string, Account>{{"a", account}});

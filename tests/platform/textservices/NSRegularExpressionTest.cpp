@@ -27,6 +27,9 @@ TEST(NSRegularExpression, CapturesGroups) {
         NSRegularExpression(R"((?=.*(.)\z)(.))", Options::none).captures("é\xFF😀\xE2\x82"),
         (Matches{
             {"\xE2\x82", "é"}, {"\xE2\x82", "\xFF"}, {"\xE2\x82", "😀"}, {"\xE2\x82", "\xE2\x82"}}));
+    for (const std::string middle : {"b", "\xFF", "é", "😀", "\xE2\x82"})
+        EXPECT_EQ(NSRegularExpression("((a)(.(c)))", Options::none).captures("_a" + middle + "c."),
+                  (Matches{{"a" + middle + "c", "a", middle + "c", "c"}}));
 }
 
 TEST(NSRegularExpression, ReadsOptions) {

@@ -4,6 +4,7 @@
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/foundation/internal/UTF8.h>
+#include <zorvan/platform/foundation/internal/openForReading.h>
 #include <zorvan/platform/foundation/internal/percentEscapes.h>
 
 #include <archive.h>
@@ -168,10 +169,9 @@ private:
     }
 
     bool addFile(const char* name) {
-        const FileDescriptor file(
-            ::openat(folder_.get(), name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         struct stat status {};
-        if (!file || ::fstat(file.get(), &status) != 0)
+        const FileDescriptor file = openRegularFile(folder_.get(), name, status, O_NOFOLLOW);
+        if (!file)
             return false;
         archive_entry_set_size(entry_.get(), status.st_size);
         if (!writeHeader())

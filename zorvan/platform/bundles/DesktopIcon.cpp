@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 /// Where applications install their icons.
 constexpr std::string_view sharedTheme = "hicolor";
 
-/// How many themes a chosen one may lead to.
+/// How many names of themes are looked for, that of the chosen one among them.
 constexpr std::size_t mostThemes = 64;
 
 URL fileURL(const fs::path& path) { return URL({.fileURLWithPath = path.string()}); }

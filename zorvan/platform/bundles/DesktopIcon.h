@@ -1,7 +1,7 @@
 #pragma once
 
-#include <zorvan/platform/foundation/URL.h>
 #include <zorvan/platform/bundles/NSBundle.h>
+#include <zorvan/platform/foundation/URL.h>
 
 #include <cstdint>
 #include <optional>
@@ -13,8 +13,9 @@ namespace zorvan::desktop {
 /// The icon with that name, for a size in points and so many pixels to a point: in the theme that
 /// the user has chosen, in those that it inherits from, in "hicolor", where applications install
 /// theirs, else without a theme. In a theme, of the first folder that has icons of the size, else
-/// of the one that has the nearest. Absent when there is none. Of the themes that the chosen one
-/// leads to, the first 64 are looked into, and of the folders of a theme the first 2,048.
+/// of the one that has the nearest. Absent when there is none. Of the chosen theme
+/// and those that it leads to, each with its own before the next, the first 64 names are looked
+/// for, and of the folders of a theme the first 2,048.
 ///
 /// The choice is "gtk-icon-theme-name" of "gtk-4.0/settings.ini" or "gtk-3.0/settings.ini", or
 /// "Theme" of "kdeglobals", below `$XDG_CONFIG_HOME` and each of `$XDG_CONFIG_DIRS`. Themes are

@@ -14,8 +14,9 @@ struct NSKeyedUnarchiver::Archive {
     PropertyList::Dictionary top;
     PropertyList::Array objects;
     std::vector<bool> isVisited; // by number
-    /// What may still be read again of objects that several others refer to, and of the numbers
-    /// that stand within them.
+    std::size_t fullBudget;
+    /// What one value of the top may still have of objects that were read before, and of the
+    /// numbers that stand within it. How often the program asks for it is its own affair.
     std::size_t budget;
     /// The objects that pointers share; null while one is being made.
     std::map<std::pair<std::size_t, std::type_index>, std::shared_ptr<void>> shared;
@@ -78,7 +79,7 @@ NSKeyedUnarchiver::NSKeyedUnarchiver(std::span<const std::byte> bytes)
     archive_->top = takeEntry<PropertyList::Dictionary>(archive, "$top");
     archive_->objects = takeEntry<PropertyList::Array>(archive, "$objects");
     archive_->isVisited.resize(archive_->objects.size());
-    archive_->budget = bytes.size() * 16 + minimumBudget;
+    archive_->fullBudget = archive_->budget = bytes.size() * 16 + minimumBudget;
     fields_ = &archive_->top;
 }
 
@@ -98,6 +99,8 @@ void NSKeyedUnarchiver::refuse(const char* reason) { throw ArchiveError(reason);
 void NSKeyedUnarchiver::refuseClass() { refuse(otherClass); }
 
 const PropertyList& NSKeyedUnarchiver::field(std::string_view key) const {
+    if (depth_ == 0)
+        archive_->budget = archive_->fullBudget;
     const auto entry = fields_->find(archivedKey(key));
     if (entry == fields_->end())
         throw ArchiveError("there is nothing under the name \"" + std::string(key) + '"');

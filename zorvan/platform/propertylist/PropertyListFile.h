@@ -28,7 +28,7 @@ inline constexpr std::size_t maximumFileSize = std::size_t{256} << 20;
 /// Safe on any bytes. What is made of them stays in proportion to their number: a binary list may
 /// refer to one object from many places, and one that would unfold to more than two objects per
 /// byte, or to much more text than there are bytes, is refused, like one that holds itself.
-/// Entities of its own are refused in XML.
+/// An XML list that declares entities or attributes of its own is refused.
 ///
 /// Integers must fit 64 bits, signed or not. Dates beyond the range of `Date` become its nearest
 /// end. Of a key that stands twice in a dictionary, the last one counts. A lone surrogate becomes

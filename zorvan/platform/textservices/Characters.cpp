@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <span>
 #include <vector>
 
@@ -165,7 +166,13 @@ bool isAscii(std::string_view text) noexcept {
 /// but inserts mark by mark, which takes the square of the time where there are many.
 class CanonicalOrder {
 public:
-    explicit CanonicalOrder(std::size_t expected) { parts_.reserve(expected); }
+    explicit CanonicalOrder(std::size_t expected) {
+        // ICU keeps it for good that its first use found no memory, and would find every two
+        // characters equal.
+        if (U_FAILURE(status_))
+            throw std::bad_alloc();
+        parts_.reserve(expected);
+    }
 
     void add(UChar32 c) {
         std::array<char16_t, 32> units;

@@ -33,7 +33,8 @@ struct CharacterPosition {
 [[nodiscard]] CharacterPosition retreatCharacters(std::string_view text, std::size_t count);
 
 /// Whether two characters are canonically equivalent: precomposed "é" equals "e" followed by a
-/// combining acute. Ill-formed bytes equal only the same bytes.
+/// combining acute. Ill-formed bytes equal only the same bytes. This and what compares characters
+/// below throw `std::bad_alloc` from then on when memory did not suffice for the first such use.
 [[nodiscard]] bool charactersAreEqual(std::string_view a, std::string_view b);
 
 /// A spelling that two characters share exactly when they are equal.

@@ -94,10 +94,12 @@ std::int32_t stepLimit(std::size_t bytes) {
 /// in a fraction of the time. Knows the way back to the bytes.
 class SearchedText {
 public:
-    explicit SearchedText(std::string_view text) : text_(text), units_(utf16FromUTF8(text)) {}
+    explicit SearchedText(std::string_view text)
+        : text_(text), isTooLong_(text.size() > mostUnits && utf16Length(text) > mostUnits),
+          units_(isTooLong_ ? std::u16string() : utf16FromUTF8(text)) {}
 
     void give(URegularExpression* matcher, UErrorCode& status) const {
-        if (units_.size() > std::numeric_limits<std::int32_t>::max())
+        if (isTooLong_)
             status = U_REGEX_STACK_OVERFLOW;
         else
             uregex_setText(matcher, units_.data(), static_cast<std::int32_t>(units_.size()),
@@ -115,10 +117,15 @@ public:
     }
 
 private:
+    static constexpr std::size_t mostUnits = std::numeric_limits<std::int32_t>::max();
+
     static int unitsIn(std::int32_t codePoint) { return codePoint > 0xFFFF ? 2 : 1; }
 
-    /// Goes there from where it was asked about last: ICU has gone as far.
+    /// Goes there from where it was asked about last: ICU has gone as far. Of groups within each
+    /// other it goes back and forth, but not where each unit is a byte.
     std::size_t offsetOf(std::int32_t unit) {
+        if (units_.size() == text_.size())
+            return static_cast<std::size_t>(unit);
         while (unit_ < unit)
             unit_ += unitsIn(internal::nextCodePoint(text_, offset_));
         while (unit_ > unit)
@@ -127,6 +134,7 @@ private:
     }
 
     std::string_view text_;
+    bool isTooLong_;
     std::u16string units_;
     std::int32_t unit_ = 0;
     std::size_t offset_ = 0;

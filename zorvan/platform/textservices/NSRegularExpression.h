@@ -48,7 +48,9 @@ public:
 
     /// Finds every match in `text`, in order, and gives the groups 1 to n of each. A group that
     /// took no part is empty text; a match of a pattern without groups is an empty list. Bytes that
-    /// are not UTF-8 match as U+FFFD and are kept as they are in what is captured.
+    /// are not UTF-8 match as U+FFFD and are kept as they are in what is captured. The text is
+    /// copied as UTF-16, with two bytes for each of its own at most; one of 2^31 units or more is
+    /// given up as needing too much memory.
     ///
     /// A search is bounded: it may save 20 million steps to come back to, and 100 more for each
     /// byte of the text, hold 64 MB of them, and have the processor for two seconds, and a

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <exception>
 #include <fcntl.h>
@@ -88,14 +89,15 @@ void finishList(const FileDescriptor& list, const std::string& folder) noexcept 
     }
 }
 
-/// Gets the shared lock of a list. Waits for those who remove what is written down, but not where
-/// others may open the list too, who could keep their lock for ever.
-bool lockOwnList(const FileDescriptor& list) noexcept {
+/// Gets the shared lock of a list, or an error number: `EWOULDBLOCK` when another has it. Waits for
+/// those who remove what is written down, but not where others may open the list too, who could
+/// keep their lock for ever.
+int lockOwnList(const FileDescriptor& list) noexcept {
     struct stat status {};
     if (::fstat(list.get(), &status) != 0 || !isOwnList(status))
-        return false;
+        return EPERM;
     const bool isPrivate = (status.st_mode & 0077) == 0;
-    return lockDescriptor(list.get(), isPrivate ? LOCK_SH : LOCK_SH | LOCK_NB);
+    return lockDescriptor(list.get(), isPrivate ? LOCK_SH : LOCK_SH | LOCK_NB) ? 0 : errno;
 }
 
 /// The list of a folder with a shared lock on it; none where that cannot be had.
@@ -104,8 +106,16 @@ FileDescriptor joinedList(const std::string& folder) {
     constexpr int tries = 1000; // each one fails only when another process removes the list
     for (int i = 0; i < tries; ++i) {
         removeUnfinished(folder);
-        FileDescriptor list(::open(path.c_str(), listFlags | O_CREAT, 0600));
-        if (!list || !lockOwnList(list))
+        FileDescriptor list(::open(path.c_str(), listFlags | O_CREAT | O_EXCL, 0600));
+        const bool isNew(list);
+        if (!isNew)
+            list = FileDescriptor(::open(path.c_str(), listFlags | O_CREAT, 0600));
+        const int error = lockOwnList(list);
+        // Where files are open to others whatever mode they are made with, or are not locked,
+        // nobody takes it for a list, and so nobody would remove it.
+        if (isNew && error != 0 && error != EWOULDBLOCK)
+            ::unlink(path.c_str());
+        if (error != 0)
             break;
         if (isListAt(list, path))
             return list;

@@ -1,12 +1,12 @@
 #include <zorvan/platform/foundation/internal/readRegularFile.h>
 
-#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/hasNUL.h>
+#include <zorvan/platform/foundation/internal/openForReading.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -24,13 +24,10 @@ std::nullopt_t refused(int error) noexcept {
 std::optional<std::string> readRegularFile(const std::string& path, std::size_t most) {
     if (hasNUL(path))
         return refused(EINVAL);
-    // Without O_NONBLOCK the opening of a pipe would wait for somebody to write.
-    const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat status {};
-    if (!file || ::fstat(file.get(), &status) != 0)
+    const FileDescriptor file = openRegularFile(AT_FDCWD, path.c_str(), status);
+    if (!file)
         return std::nullopt;
-    if (!S_ISREG(status.st_mode))
-        return refused(EINVAL);
     if (std::cmp_greater(status.st_size, most))
         return refused(EFBIG);
     std::string text;

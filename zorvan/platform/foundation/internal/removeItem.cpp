@@ -12,12 +12,20 @@ namespace zorvan::internal {
 
 namespace {
 
+/// By its descriptor, where it can be had: by its name there is a way only where "/proc" is.
+void openUp(int parent, const char* name) noexcept {
+    const FileDescriptor folder(
+        ::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!folder || ::fchmod(folder.get(), 0700) != 0)
+        ::fchmodat(parent, name, 0700, AT_SYMLINK_NOFOLLOW);
+}
+
 /// Removes a folder that is empty, and makes sure that what another holds can be removed.
 void removeOrOpenUp(int parent, const char* name) noexcept {
     if (::unlinkat(parent, name, AT_REMOVEDIR) == 0)
         return;
     if (::faccessat(parent, name, R_OK | W_OK | X_OK, AT_EACCESS) != 0)
-        ::fchmodat(parent, name, 0700, AT_SYMLINK_NOFOLLOW);
+        openUp(parent, name);
 }
 
 void removeContents(const std::string& path) {
