@@ -4,7 +4,6 @@
 #include <zorvan/settings/KeyedDecodingContainerError.h>
 
 #include <concepts>
-#include <map>
 #include <new>
 #include <string>
 #include <string_view>
@@ -54,15 +53,11 @@ requires KeyedDecodingContainer<std::remove_cvref_t<Container>>
 /// `KeyedDecodingContainerError::unexpectedRawRepresentableKeyValue` when one of them is the raw
 /// value of none. What is no dictionary with text keys is decoded as an array of each key and its
 /// value in turn, and the errors of that attempt pass through, whatever they are.
-///
-/// Where any text is the raw text of a K, whoever wrote the values may choose keys that all have
-/// one hash, which takes the square of the time: give such a K a `std::hash` that cannot be
-/// foreseen.
 template <StringRawRepresentable K, class V, KeyedDecodingContainer Container>
 std::unordered_map<K, V> decodeRawKeyedDict(const Container& container, std::string_view forKey) {
-    std::map<std::string, V> texts; // not hashed, for whoever wrote them chose them
+    std::unordered_map<std::string, V> texts;
     try {
-        texts = container.template decode<std::map<std::string, V>>(forKey);
+        texts = container.template decode<std::unordered_map<std::string, V>>(forKey);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (...) { // whatever a V of the application throws
