@@ -2,7 +2,7 @@
 
 #include <zorvan/platform/avfoundation/internal/containers.h>
 #include <zorvan/platform/avfoundation/internal/sampleCounts.h>
-#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/openForReading.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -29,10 +29,9 @@ class FileBytes {
 public:
     /// Empty when the path leads to no regular file that can be read.
     static std::unique_ptr<FileBytes> open(const std::string& path) {
-        // Without O_NONBLOCK the opening of a pipe would wait for somebody to write.
-        internal::FileDescriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
         struct stat status {};
-        if (fstat(opened.get(), &status) != 0 || !S_ISREG(status.st_mode))
+        internal::FileDescriptor opened = internal::openRegularFile(AT_FDCWD, path.c_str(), status);
+        if (!opened)
             return nullptr;
         return std::unique_ptr<FileBytes>(new FileBytes(std::move(opened), status.st_size));
     }

@@ -1,6 +1,6 @@
 #include <zorvan/platform/imageio/internal/ByteSource.h>
 
-#include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/openForReading.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -89,8 +89,7 @@ std::unique_ptr<ByteSource> sourceOver(Data bytes) {
 }
 
 OpenedFile sourceOfFile(const std::string& path) {
-    // Without O_NONBLOCK a named pipe in a folder of pictures would hang the open.
-    internal::FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    internal::FileDescriptor file = internal::openForReading(AT_FDCWD, path.c_str());
     if (!file) {
         const int reason = errno;
         if (reason == ENOENT)
