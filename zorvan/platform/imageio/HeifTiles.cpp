@@ -139,13 +139,10 @@ Data HeifTiles::bytesOf(const HeifItem& item) const {
     for (const HeifPicture::Extent& extent : item.extents) {
         if (extent.length > most - bytes.size())
             throw Failure{reason::tooLarge};
-        Data piece = source_.bytes(extent.offset, extent.length);
+        const Data piece = source_.bytes(extent.offset, extent.length);
         if (piece.size() < extent.length)
             throw Failure{reason::cutShort};
-        if (bytes.empty())
-            bytes = std::move(piece);
-        else
-            bytes.insert(bytes.end(), piece.begin(), piece.end());
+        bytes.insert(bytes.end(), piece.begin(), piece.end());
     }
     return bytes;
 }
