@@ -5,6 +5,7 @@
 #include <zorvan/files/internal/CopyItem.h>
 #include <zorvan/files/internal/fileNames.h>
 #include <zorvan/files/internal/filePath.h>
+#include <zorvan/platform/foundation/internal/KeyedHash.h>
 #include <zorvan/platform/foundation/internal/NewFile.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
 #include <zorvan/platform/foundation/internal/removeItem.h>
@@ -21,12 +22,14 @@ using namespace files;
 
 namespace {
 
+using Names = std::unordered_set<std::string, internal::KeyedHash>;
+
 /// The names in a folder that end with a number and the extension, as a numbered name of the name
 /// does; none when the folder cannot be listed.
-std::unordered_set<std::string> numberedNames(const std::string& folder, std::string_view name) {
+Names numberedNames(const std::string& folder, std::string_view name) {
     const std::string_view extension = pathExtensionOfName(name);
     const std::string end = extension.empty() ? ")" : ")." + std::string(extension);
-    std::unordered_set<std::string> names;
+    Names names;
     std::error_code error;
     for (std::filesystem::directory_iterator entry(folder, error), none; !error && entry != none;
          entry.increment(error))
@@ -58,7 +61,7 @@ private:
     const std::string name_;
     const std::size_t longest_;
     std::int64_t number_ = 0;
-    std::unordered_set<std::string> taken_;
+    Names taken_;
 };
 
 /// The first of the names that `take` gives no EEXIST for: the URL itself, then the numbered ones,
