@@ -1,4 +1,4 @@
-#include <zorvan/platform/avfoundation/internal/ByteSource.h>
+#include <zorvan/platform/avfoundation/internal/BufferedBytes.h>
 #include <zorvan/platform/avfoundation/internal/sampleCounts.h>
 
 #include <algorithm>
@@ -220,8 +220,8 @@ private:
                        reinterpret_cast<const Bytef*>(folded.data()), folded.size()) != Z_OK)
             return refuse();
         bytes.resize(length);
-        ByteSource unfolded(std::move(bytes));
-        ByteSource* const outer = std::exchange(source_, &unfolded);
+        BufferedBytes unfolded(std::move(bytes));
+        BufferedBytes* const outer = std::exchange(source_, &unfolded);
         walk(0, unfolded.size(), depth);
         source_ = outer;
     }
@@ -230,8 +230,8 @@ private:
         return std::max<std::int64_t>(source_->size() - at, 0);
     }
 
-    ByteSource file_;
-    ByteSource* source_ = &file_;
+    BufferedBytes file_;
+    BufferedBytes* source_ = &file_;
     Track track_;
     bool isInTrack_ = false, isInFormats_ = false, isUnfolded_ = false;
     double count_ = 0;

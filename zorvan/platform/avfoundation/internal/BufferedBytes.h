@@ -11,10 +11,10 @@
 namespace zorvan::avfoundation {
 
 /// A file, read through a buffer, or bytes that are all in the buffer. Past the end are zeros.
-class ByteSource {
+class BufferedBytes {
 public:
-    ByteSource(int file, std::int64_t size) : file_(file), size_(size) {}
-    explicit ByteSource(std::string bytes) : size_(std::ssize(bytes)), buffer_(std::move(bytes)) {}
+    BufferedBytes(int file, std::int64_t size) : file_(file), size_(size) {}
+    explicit BufferedBytes(std::string bytes) : size_(std::ssize(bytes)), buffer_(std::move(bytes)) {}
 
     std::int64_t size() const { return size_; }
     std::array<char, 16> at(std::int64_t position) {
