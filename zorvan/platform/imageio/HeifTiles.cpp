@@ -28,8 +28,8 @@ std::vector<HeifBox> describingCoding(const std::vector<HeifBox>& properties) {
     return result;
 }
 
-/// The description of the colours, empty when there is none. Of its numbers those that are reserved
-/// are told as unspecified: libheif loses memory, and the others, over them.
+/// The description of the colours, empty when there is none. Of its numbers, those that libheif
+/// might not know are told as unspecified: it loses memory over one of them, and the other numbers.
 Data describingColours(const std::vector<HeifBox>& properties) {
     constexpr std::size_t size = 11;
     const auto found = std::ranges::find_if(properties, [](const HeifBox& property) {
