@@ -1,6 +1,6 @@
 #include <zorvan/settings/JSONCoding.h>
 
-#include <zorvan/platform/propertylist/internal/TextForms.h>
+#include <zorvan/platform/foundation/internal/base64.h>
 
 #include <chrono>
 #include <limits>
@@ -60,13 +60,13 @@ Date JSONCoding<Date>::decode(const JSON& json) {
     return reference + std::chrono::round<Date::duration>(Seconds(seconds));
 }
 
-JSON JSONCoding<Data>::encode(const Data& value) { return propertylist::encodeBase64(value); }
+JSON JSONCoding<Data>::encode(const Data& value) { return internal::encodeBase64(value); }
 
 Data JSONCoding<Data>::decode(const JSON& json) {
     const auto& text = detail::expected<std::string>(json, "text");
     // Whole groups without blanks: JSON is strict where property lists are lenient.
     const bool isStrict = text.size() % 4 == 0 && text.find_first_of(" \t\r\n") == text.npos;
-    auto bytes = isStrict ? propertylist::decodeBase64(text) : std::nullopt;
+    auto bytes = isStrict ? internal::decodeBase64(text) : std::nullopt;
     if (!bytes)
         throw JSONError("data is not in base 64");
     return std::move(*bytes);

@@ -2,7 +2,7 @@
 
 #include <zorvan/platform/bundles/NSBundle.h>
 #include <zorvan/platform/foundation/executablePath.h>
-#include <zorvan/platform/propertylist/internal/TextForms.h>
+#include <zorvan/platform/foundation/internal/UTF8.h>
 #include <zorvan/platform/security/internal/Items.h>
 #include <zorvan/platform/security/wipe.h>
 
@@ -122,7 +122,7 @@ bool UserKeychain::modifyData(const Key& key, const ChangeData& change,
 }
 
 std::optional<Data> UserKeychain::bytesOf(std::string_view text) {
-    if (!propertylist::isUTF8(text))
+    if (!internal::isUTF8(text))
         return std::nullopt;
     const auto bytes = std::as_bytes(std::span(text));
     return Data(bytes.begin(), bytes.end());
@@ -130,7 +130,7 @@ std::optional<Data> UserKeychain::bytesOf(std::string_view text) {
 
 std::optional<std::string> UserKeychain::textIn(const Data& bytes) {
     std::string text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    return propertylist::isUTF8(text) ? std::optional(std::move(text)) : std::nullopt;
+    return internal::isUTF8(text) ? std::optional(std::move(text)) : std::nullopt;
 }
 
 std::optional<Data> UserKeychain::data(const Key& key, std::optional<Access> access) const {

@@ -19,7 +19,10 @@ public:
 
     /// Empty when the bytes are no SVG that says how large it is, or too many, or when this machine
     /// has no librsvg, which is loaded when the first SVG is read. Files and addresses that the
-    /// bytes name are not opened.
+    /// bytes name are not opened. Refused as well is what would be drawn deeper than 65,536
+    /// elements within one another, references followed, and what hides how deep: compressed bytes,
+    /// entities that hold elements, and documents written into an address (`data:`), but for an
+    /// image's.
     /// @{
     static std::shared_ptr<const VectorPicture> create(std::span<const std::byte> bytes);
     static std::shared_ptr<const VectorPicture> create(const std::string& path);
@@ -37,12 +40,14 @@ public:
     std::optional<Bitmap> drawn(std::int64_t width, std::int64_t height) const;
 
 private:
-    VectorPicture(std::shared_ptr<void> handle, CGSize size, std::size_t byteCount) noexcept
-        : handle_(std::move(handle)), size_(size), byteCount_(byteCount) {}
+    VectorPicture(std::shared_ptr<void> handle, CGSize size, std::size_t byteCount,
+                  std::int64_t reach) noexcept
+        : handle_(std::move(handle)), size_(size), byteCount_(byteCount), reach_(reach) {}
 
     std::shared_ptr<void> handle_;
     CGSize size_;
     std::size_t byteCount_; // of the document
+    std::int64_t reach_;    // how deep it is drawn
 };
 
 } // namespace zorvan

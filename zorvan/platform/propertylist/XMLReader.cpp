@@ -1,14 +1,10 @@
-#include <zorvan/platform/foundation/internal/Release.h>
+#include <zorvan/platform/foundation/internal/XMLParsing.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
 
-#include <expat.h>
-
 #include <algorithm>
-#include <exception>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -50,9 +46,9 @@ bool isLeaf(std::string_view name) {
 }
 
 /// Follows the elements of a document.
-class Document {
+class Document final : public internal::XMLFollower {
 public:
-    void begin(std::string_view name) {
+    void begin(std::string_view name, Attributes) override {
         if (!inPlist_) {
             if (name != "plist")
                 throw Refusal("it is no property list");
@@ -73,7 +69,7 @@ public:
         open_.push_back({name == "dict", {}, {}, {}});
     }
 
-    void end(std::string_view name) {
+    void end(std::string_view name) override {
         if (!leaf_.empty()) {
             endLeaf();
             return;
@@ -90,12 +86,17 @@ public:
             place(std::move(done.array));
     }
 
-    void characters(std::string_view text) {
+    void characters(std::string_view text) override {
         if (!leaf_.empty())
             text_ += text;
         else if (!internal::withoutSpace(text).empty())
             throw Refusal("there is text where none belongs");
     }
+
+    void declareEntity(std::string_view, bool) override {
+        throw Refusal("it has entities of its own");
+    }
+    void declareAttribute() override { throw Refusal("it has attributes of its own"); }
 
     PropertyList result() {
         if (!root_)
@@ -158,77 +159,13 @@ private:
     std::string text_;
 };
 
-/// Keeps exceptions out of the parser, which is not written in C++: they are thrown when it is
-/// done.
-class Parser {
-public:
-    Parser() : parser_(XML_ParserCreate(nullptr)) {
-        if (!parser_)
-            throw std::bad_alloc();
-        XML_SetUserData(parser_.get(), this);
-        XML_SetElementHandler(
-            parser_.get(),
-            [](void* self, const XML_Char* name, const XML_Char**) {
-                static_cast<Parser*>(self)->guard([&](Document& d) { d.begin(name); });
-            },
-            [](void* self, const XML_Char* name) {
-                static_cast<Parser*>(self)->guard([&](Document& d) { d.end(name); });
-            });
-        XML_SetCharacterDataHandler(
-            parser_.get(), [](void* self, const XML_Char* text, int length) {
-                static_cast<Parser*>(self)->guard([&](Document& d) {
-                    d.characters(std::string_view(text, static_cast<std::size_t>(length)));
-                });
-            });
-        XML_SetEntityDeclHandler(
-            parser_.get(), [](void* self, const XML_Char*, int, const XML_Char*, int,
-                              const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*) {
-                static_cast<Parser*>(self)->guard(
-                    [](Document&) { throw Refusal("it has entities of its own"); });
-            });
-        XML_SetAttlistDeclHandler(parser_.get(), [](void* self, const XML_Char*, const XML_Char*,
-                                                    const XML_Char*, const XML_Char*, int) {
-            static_cast<Parser*>(self)->guard(
-                [](Document&) { throw Refusal("it has attributes of its own"); });
-        });
-    }
-
-    PropertyList parse(std::span<const std::byte> bytes) {
-        constexpr std::size_t step = 1 << 20;
-        for (std::size_t at = 0; at < bytes.size() || at == 0; at += step) {
-            const std::span<const std::byte> part =
-                bytes.subspan(at, std::min(step, bytes.size() - at));
-            const XML_Status status =
-                XML_Parse(parser_.get(), reinterpret_cast<const char*>(part.data()),
-                          static_cast<int>(part.size()), at + part.size() == bytes.size());
-            if (failure_)
-                std::rethrow_exception(failure_);
-            if (status != XML_STATUS_OK)
-                throw Refusal(XML_ErrorString(XML_GetErrorCode(parser_.get())));
-        }
-        return document_.result();
-    }
-
-private:
-    template <class Step>
-    void guard(Step step) {
-        if (failure_)
-            return;
-        try {
-            step(document_);
-        } catch (...) {
-            failure_ = std::current_exception();
-            XML_StopParser(parser_.get(), XML_FALSE);
-        }
-    }
-
-    std::unique_ptr<XML_ParserStruct, Release<XML_ParserFree>> parser_;
-    Document document_;
-    std::exception_ptr failure_;
-};
-
 } // namespace
 
-PropertyList readXML(std::span<const std::byte> bytes) { return Parser().parse(bytes); }
+PropertyList readXML(std::span<const std::byte> bytes) {
+    Document document;
+    if (const char* const problem = internal::XMLParsing(document).parse(bytes))
+        throw Refusal(problem);
+    return document.result();
+}
 
 } // namespace zorvan::propertylist

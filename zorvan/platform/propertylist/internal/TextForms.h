@@ -1,11 +1,10 @@
 #pragma once
 
-#include <zorvan/platform/foundation/Data.h>
 #include <zorvan/platform/foundation/NSNumber.h>
 #include <zorvan/platform/foundation/internal/UTF8.h>
+#include <zorvan/platform/foundation/internal/base64.h>
 
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -30,8 +29,8 @@ private:
 using internal::isUTF8;
 void appendUTF8(std::string& text, char32_t scalar);
 
-std::optional<Data> decodeBase64(std::string_view text);
-std::string encodeBase64(std::span<const std::byte> bytes);
+using internal::decodeBase64;
+using internal::encodeBase64;
 
 /// "2001-01-01T00:00:00Z".
 std::optional<Date> decodeDate(std::string_view text);
