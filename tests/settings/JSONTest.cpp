@@ -6,6 +6,9 @@
 #include <zorvan/settings/JSON.h>
 #include <zorvan/settings/JSONCoding.h>
 
+#include <clocale>
+#include <limits>
+
 namespace {
 
 JSON parsed(std::string_view text) { return JSON::parse(std::as_bytes(std::span(text))); }
@@ -41,6 +44,9 @@ TEST(JSONCoding, KeepsWhatItKnows) {
     keeps(std::chrono::sys_days(std::chrono::year(2001) / 1 / 1) +
               std::chrono::nanoseconds(536'824'197),
           "0.536824197");
+    for (const Date date : {Date::min(), Date::max(), Date()})
+        EXPECT_EQ(JSONCoding<Date>::decode(parsed(written(JSONCoding<Date>::encode(date)))), date);
+    EXPECT_EQ(JSONCoding<std::uint64_t>::decode(parsed("1e19")), 10'000'000'000'000'000'000u);
     keeps(Data{std::byte{0}, std::byte{0xFF}, std::byte{0x10}, std::byte{0x83}}, "\"AP8Qgw==\"");
     keeps(*URL::make({.string = "https://a.b/c"}), "\"https://a.b/c\"");
     keeps(std::optional<int>(), "null");
@@ -69,12 +75,14 @@ TEST(JSONCoding, RefusesOtherTypes) {
     EXPECT_EQ(refusal<URL>("\"x\""), "a text is no URL");
     EXPECT_EQ(refusal<Data>("\"a\""), "data is not in base 64");
     EXPECT_EQ(refusal<Data>("\"====\""), "data is not in base 64");
-    EXPECT_EQ(refusal<Date>("1e300"), "a date is out of range");
+    for (const char* seconds : {"1e300", "-1.1e10", "8.3e9"})
+        EXPECT_EQ(refusal<Date>(seconds), "a date is out of range");
 }
 
 TEST(JSON, RefusesWhatItCannotReadOrWrite) {
     for (const char* text : {"", "[", "[1,]", "{\"a\"}", "\"\xFF\"", "nul", "1 2", "{} x", "1e999"})
         EXPECT_THROW(parsed(text), JSONError) << text;
+    EXPECT_THROW(parsed(std::string_view("1\0 2", 4)), JSONError);
     const std::string deep(JSON::maximumDepth, '['), ends(JSON::maximumDepth, ']');
     EXPECT_NO_THROW(parsed(deep + '0' + ends).text());
     EXPECT_THROW(JSON(JSON::Array{parsed(deep + ends)}).text(), JSONError);
@@ -84,4 +92,12 @@ TEST(JSON, RefusesWhatItCannotReadOrWrite) {
     EXPECT_THROW(JSON("\xC3").text(), JSONError);
     EXPECT_EQ(parsed(R"({"a":1,"a":2})"), JSON(JSON::Object{{"a", std::int64_t{2}}}));
     EXPECT_EQ(parsed("18446744073709551616"), JSON(18446744073709551616.0));
+}
+
+TEST(JSON, DoesNotDependOnTheLocale) {
+    for (const char* name : {"de_DE.UTF-8", "ps_AF.UTF-8", "C"}) {
+        std::setlocale(LC_ALL, name); // has no effect where the machine does not know it
+        EXPECT_EQ(parsed("[1.75,-2.5e-3]"), JSON(JSON::Array{1.75, -0.0025}));
+        EXPECT_EQ(written(JSON(1.75)), "1.75");
+    }
 }

@@ -66,6 +66,19 @@ TEST_F(Travelling, ModifiesInOneStep) {
     EXPECT_THAT(store().value(files), ElementsAre("f"));
 }
 
+TEST_F(Travelling, TellsEverybodyWhateverOneThrows) {
+    const auto fails = NSNotificationCenter::defaultCenter()->addObserver(
+        NSUserDefaults::didSetKeyNotification(), [](const Notification&) { throw 3; });
+    EXPECT_THROW(store().transact([&] {
+        store()[count] = 1;
+        store()[title] = "u";
+    }),
+                 int);
+    EXPECT_THAT(told(), ElementsAre("count", "title"));
+    reopen();
+    EXPECT_EQ(store().value(count), 1);
+}
+
 TEST_F(Travelling, AValueWithoutAStoredFormLeavesWhatWas) {
     const OptionalUserDefaultsKey<JSONCodableUDC<double>> zoom{{.name = "zoom"}};
     store()[files] = Texts{"a.pdf"};

@@ -43,6 +43,9 @@ TEST_F(Keys, ReadTheDefaultAndTellOfEachWrite) {
     EXPECT_EQ(store()[count].value(), 90);
     EXPECT_EQ(told(),
               (Names{"Count", "Title", "Name", "Title", "Name", "Count", "Count", "Count"}));
+    store().setObject("99999999999999999999", "Count");
+    store()[count] += 1;
+    EXPECT_EQ(store()[count].value(), std::numeric_limits<std::int64_t>::max());
 }
 
 TEST_F(Keys, AreSetOnlyWhenNothingIsThere) {

@@ -220,7 +220,18 @@ TEST_F(KeychainTest, AChangeIsWholeOrNothing) {
     EXPECT_EQ(keychain->object<Token>(key), (Token{"t", 1}));
     EXPECT_TRUE(keychain->modify<Token>(key, [](auto& token) { token.reset(); }));
     EXPECT_FALSE(keychain->hasValue(key));
-    EXPECT_TRUE(keychain->modify<Token>(key, [](auto&) {}));
+    EXPECT_TRUE(keychain->modify<Token>(key, [&](auto&) { keychain->set("p", other); }));
+    EXPECT_EQ(keychain->string(other), "p");
+    EXPECT_FALSE(keychain->modify<std::string>(key, [&](auto& text) {
+        keychain->set("q", other);
+        text = "\xFF";
+    }));
+    EXPECT_TRUE(keychain->modify<std::string>(other, [&](auto& text) {
+        EXPECT_EQ(text, "p");
+        keychain->remove(other);
+        text.reset();
+    }));
+    EXPECT_FALSE(keychain->hasValue(other));
 }
 
 // A store of one value that several processes and threads change at once.

@@ -10,23 +10,25 @@
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/CGImageSource.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
+#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/platform/textservices/Characters.h>
 
 namespace {
 
 constexpr int wasNotStruck = 77;
 
-/// Calls the work in a process of its own for each allocation that it makes, which fails, and the
-/// check after it. At most some four hundred of them, spread over all, unless a campaign asks for
-/// more.
+/// Calls the work in a process of its own, which begins otherwise, for each allocation that it
+/// makes, which fails, and the check after it. At most some four hundred of them, spread over all,
+/// unless a campaign asks for more.
 void starve(
     const std::function<void()>& work, const std::function<void()>& check,
-    const std::function<void()>& prepare = [] {}) {
+    const std::function<void()>& prepare = [] {}, const std::function<void()>& begin = [] {}) {
     const auto dense = static_cast<std::size_t>(tries("ZORVAN_ALLOCATIONS", 200));
     std::size_t tried = 0;
     for (std::size_t n = 0;; n += n < dense ? 1 : n / dense, ++tried) {
         prepare();
         const pid_t child = startChild([&] {
+            begin();
             bool isStruck = true;
             try {
                 const MemoryFailure failure(n);
@@ -56,6 +58,46 @@ INSTANTIATE_TEST_SUITE_P(Memory, StarvedStores, eachStore, nameOf);
 TEST_P(StarvedStores, KeepWhatTheyHad) {
     starve([&] { takeStep(store_, folder_, 1); }, [&] { goOn(store_, folder_, 0); },
            [&] { restore(); });
+}
+
+// What comes later is stored all the same, also when the process ends before it closes anything.
+TEST(Memory, FailsWhereTransactionsBegin) {
+    const TemporaryFolder folder{TemporaryFolder::fastParent()};
+    const std::string path = folder.path() / "a.settings";
+    std::shared_ptr<SettingsDatabase> database;
+    const auto prepare = [&] {
+        EXPECT_TRUE(!fs::exists(path) || SettingsDatabase::open(path)->value("later"));
+        SettingsDatabase::open(path)->removeAll();
+    };
+    starve([&] { database->transact([&] { database->set("key", 1); }); },
+           [&] {
+               EXPECT_TRUE(database->set("later", 1));
+               ::_exit(testing::Test::HasFailure());
+           },
+           prepare, [&] { database = SettingsDatabase::open(path); });
+}
+
+TEST(Memory, FailsWhereRemovedRowsAreClearedAway) {
+    const TemporaryFolder folder{TemporaryFolder::fastParent()};
+    const std::string path = folder.path() / "a.settings";
+    std::shared_ptr<SettingsDatabase> database;
+    const auto begin = [&] {
+        std::vector<SettingsDatabase::Change> all, some;
+        for (int i = 0; i < 1600; ++i)
+            all.emplace_back(std::to_string(i), i);
+        for (int i = 0; i < 1000; ++i)
+            some.emplace_back(std::to_string(i), std::nullopt);
+        database = SettingsDatabase::open(path);
+        EXPECT_TRUE(database->apply(all) && database->apply(some));
+    };
+    // The next one is more than are left in place.
+    starve([&] { database->remove("1000"); },
+           [&] {
+               EXPECT_TRUE(database->value("1500"));
+               EXPECT_TRUE(database->remove("1000"));
+               EXPECT_EQ(database->contents().size(), 599u);
+           },
+           [] {}, begin);
 }
 
 TEST(Memory, FailsInPropertyLists) {

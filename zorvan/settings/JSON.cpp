@@ -3,6 +3,8 @@
 #include <nlohmann/json.hpp>
 
 #include <cmath>
+#include <locale.h>
+#include <string_view>
 
 namespace zorvan {
 
@@ -78,6 +80,24 @@ private:
     std::string problem_;
 };
 
+/// While it lives, this thread reads reals with a point, wherever the user lives: the library asks
+/// for the locale's first byte of a point, of which some have more.
+class PlainNumbers {
+public:
+    PlainNumbers() noexcept : before_(::uselocale(plain())) {}
+    ~PlainNumbers() { ::uselocale(before_); }
+    PlainNumbers(const PlainNumbers&) = delete;
+    PlainNumbers& operator=(const PlainNumbers&) = delete;
+
+private:
+    static locale_t plain() noexcept {
+        static const locale_t locale = ::newlocale(LC_NUMERIC_MASK, "C", nullptr);
+        return locale;
+    }
+
+    const locale_t before_;
+};
+
 /// A value that stands in `depth` others.
 Library converted(const JSON& value, std::size_t depth) {
     if (depth == JSON::maximumDepth && (value.as<JSON::Array>() || value.as<JSON::Object>()))
@@ -113,9 +133,13 @@ Library converted(const JSON& value, std::size_t depth) {
 } // namespace
 
 JSON JSON::parse(std::span<const std::byte> text) {
+    const std::string_view characters(reinterpret_cast<const char*>(text.data()), text.size());
+    // The library takes it for the end.
+    if (characters.find('\0') != characters.npos)
+        throw JSONError("the text is no JSON");
+    const PlainNumbers plain;
     Builder builder;
-    const auto* begin = reinterpret_cast<const char*>(text.data());
-    if (!Library::sax_parse(begin, begin + text.size(), &builder))
+    if (!Library::sax_parse(characters.begin(), characters.end(), &builder))
         throw JSONError(builder.problem());
     return builder.take();
 }

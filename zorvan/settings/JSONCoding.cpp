@@ -1,19 +1,10 @@
 #include <zorvan/settings/JSONCoding.h>
 
-#include <zorvan/platform/foundation/internal/base64.h>
+#include <zorvan/platform/propertylist/internal/TextForms.h>
 
-#include <chrono>
-#include <limits>
 #include <utility>
 
 namespace zorvan {
-
-namespace {
-
-using Seconds = std::chrono::duration<double>;
-constexpr Date reference = std::chrono::sys_days(std::chrono::year(2001) / 1 / 1);
-
-} // namespace
 
 namespace detail {
 
@@ -33,6 +24,9 @@ std::int64_t signedInteger(const JSON& json) {
 std::uint64_t unsignedInteger(const JSON& json) {
     if (const auto* large = json.as<std::uint64_t>())
         return *large;
+    constexpr double half = 9223372036854775808.0; // 2^63, beyond which all reals are whole
+    if (const auto* real = json.as<double>(); real && *real >= half && *real < 2 * half)
+        return static_cast<std::uint64_t>(*real);
     const std::int64_t integer = signedInteger(json);
     if (integer < 0)
         throw JSONError("an integer does not fit its type");
@@ -49,15 +43,14 @@ double real(const JSON& json) {
 
 } // namespace detail
 
-JSON JSONCoding<Date>::encode(Date value) { return Seconds(value - reference).count(); }
+JSON JSONCoding<Date>::encode(Date value) { return propertylist::secondsFromReference(value); }
 
 Date JSONCoding<Date>::decode(const JSON& json) {
-    // A little inside of what a date can hold, so that no rounding leads out of it.
-    constexpr double limit = 9.2e9;
     const double seconds = detail::real(json);
-    if (!(seconds > -limit && seconds < limit - 1e9))
+    if (!(seconds >= propertylist::secondsFromReference(Date::min()) &&
+          seconds <= propertylist::secondsFromReference(Date::max())))
         throw JSONError("a date is out of range");
-    return reference + std::chrono::round<Date::duration>(Seconds(seconds));
+    return *propertylist::dateFromReference(seconds);
 }
 
 JSON JSONCoding<Data>::encode(const Data& value) { return internal::encodeBase64(value); }

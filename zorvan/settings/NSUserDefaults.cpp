@@ -8,6 +8,7 @@
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/settings/internal/conversions.h>
 
+#include <exception>
 #include <filesystem>
 
 namespace zorvan {
@@ -228,9 +229,18 @@ bool NSUserDefaults::transact(const std::function<void()>& function) {
         outcome = database_->transact(function);
         posts = std::move(held.posts);
     }
-    if (outcome != Outcome::refused)
-        for (const auto& [store, keyName] : posts)
+    if (outcome == Outcome::refused)
+        return false;
+    // What one observer throws is thrown when all have been told.
+    std::exception_ptr thrown;
+    for (const auto& [store, keyName] : posts)
+        try {
             store->postDidSet(keyName);
+        } catch (...) {
+            thrown = thrown ? thrown : std::current_exception();
+        }
+    if (thrown)
+        std::rethrow_exception(thrown);
     return outcome == Outcome::stored;
 }
 

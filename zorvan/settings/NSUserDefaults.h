@@ -186,7 +186,7 @@ public:
     /// True when it is stored. Else nothing was changed - the database is held by another process
     /// for five seconds, or has no room - but where there is no database that could be written, it
     /// is kept in memory like every write. Notifications are posted afterwards, in order, when
-    /// something may have changed.
+    /// something may have changed; what an observer throws then is thrown when all are posted.
     bool transact(const std::function<void()>& function);
     /// Reads the key's value as `value` does, has the function change it, and writes it, in one
     /// transaction; see `transact`. False as well when the changed value has no stored form, such

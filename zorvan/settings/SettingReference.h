@@ -47,16 +47,27 @@ public:
         assign(changed);
     }
 
-    /// Reads and writes, which is not atomic: see `NSUserDefaults::modify`.
+    /// Reads and writes, which is not atomic: see `NSUserDefaults::modify`. An integer stays at the
+    /// end of its range.
     /// @{
     template <class Operand>
     const SettingReference& operator+=(const Operand& operand) const {
-        modify([&](Value& value) { value = static_cast<Value>(value + operand); });
+        modify([&](Value& value) {
+            if constexpr (areIntegers<Operand>)
+                value = detail::saturated(value, operand, true);
+            else
+                value = static_cast<Value>(value + operand);
+        });
         return *this;
     }
     template <class Operand>
     const SettingReference& operator-=(const Operand& operand) const {
-        modify([&](Value& value) { value = static_cast<Value>(value - operand); });
+        modify([&](Value& value) {
+            if constexpr (areIntegers<Operand>)
+                value = detail::saturated(value, operand, false);
+            else
+                value = static_cast<Value>(value - operand);
+        });
         return *this;
     }
     /// @}
@@ -67,6 +78,10 @@ public:
     }
 
 private:
+    template <class Operand>
+    static constexpr bool areIntegers = std::integral<Value>&& std::integral<Operand> &&
+                                        !std::same_as<Value, bool> && !std::same_as<Operand, bool>;
+
     void assign(const Value& value) const;
 
     NSUserDefaults& store_;

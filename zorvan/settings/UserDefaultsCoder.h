@@ -37,8 +37,8 @@ bool hasStoredForm(const C& coder, const std::optional<typename C::CodableType>&
 }
 
 /// The sum or difference, or the nearest number there is.
-template <class T>
-constexpr T saturated(T a, T b, bool adds) noexcept {
+template <class T, class Operand>
+constexpr T saturated(T a, Operand b, bool adds) noexcept {
     if constexpr (std::is_floating_point_v<T>) {
         return adds ? a + b : a - b;
     } else {

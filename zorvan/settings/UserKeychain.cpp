@@ -99,7 +99,7 @@ bool UserKeychain::set(std::string_view text, const Key& key, std::optional<Acce
 
 bool UserKeychain::setAndWipe(Data bytes, const Key& key, std::optional<Access> access) const {
     std::optional<Data> secret = std::move(bytes);
-    const WipedAtEnd afterwards(secret);
+    const detail::WipedAtEnd afterwards(secret);
     return set(*secret, key, access);
 }
 
@@ -112,11 +112,8 @@ bool UserKeychain::modifyData(const Key& key, const ChangeData& change,
         written.isSynchronizable = true;
     bool isRefused = false;
     const OSStatus status = security::modify(query, written, [&](std::optional<Data>& bytes) {
-        std::optional<Data> before = bytes;
-        const WipedAtEnd afterwards(before);
         isRefused = !change(bytes);
-        if (isRefused)
-            bytes.swap(before);
+        return !isRefused;
     });
     return status == errSecSuccess && !isRefused;
 }
@@ -148,13 +145,13 @@ std::optional<Data> UserKeychain::dataRef(const Key& key, std::optional<Access> 
 std::optional<std::string> UserKeychain::string(const Key& key,
                                                 std::optional<Access> access) const {
     std::optional<Data> bytes = data(key, access);
-    const WipedAtEnd afterwards(bytes);
+    const detail::WipedAtEnd afterwards(bytes);
     return bytes ? textIn(*bytes) : std::nullopt;
 }
 
 bool UserKeychain::hasValue(const Key& key, std::optional<Access> access) const {
     std::optional<Data> bytes = data(key, access);
-    const WipedAtEnd afterwards(bytes);
+    const detail::WipedAtEnd afterwards(bytes);
     return bytes.has_value();
 }
 

@@ -171,7 +171,7 @@ public:
     template <class Object>
     std::optional<Object> object(const Key& key, std::optional<Access> access = {}) const {
         std::optional<Data> archive = data(key, access);
-        const WipedAtEnd afterwards(archive);
+        const detail::WipedAtEnd afterwards(archive);
         return archive ? unarchived<Object>(*archive) : std::nullopt;
     }
 
@@ -197,9 +197,10 @@ public:
             key,
             [&](std::optional<Data>& bytes) {
                 std::optional<Value> value = bytes ? decoded<Value>(*bytes) : std::nullopt;
+                const detail::WipedAtEnd afterwards(value);
                 change(value);
                 std::optional<Data> old = std::move(bytes);
-                const WipedAtEnd afterwards(old);
+                const detail::WipedAtEnd oldAfterwards(old);
                 bytes = value ? encoded(*value) : std::nullopt;
                 return !value || bytes;
             },
@@ -216,7 +217,6 @@ public:
 private:
     explicit UserKeychain(Service argument);
 
-    using WipedAtEnd = detail::WipedAtEnd;
     using ChangeData = std::function<bool(std::optional<Data>& bytes)>;
 
     /// The function says whether the value that it left is to be stored.

@@ -94,6 +94,7 @@ TEST_F(SeveralProcesses, AChildForkedWithinAChangeHasNoPartInIt) {
             child = ::fork();
             isBarred = child == 0 && add("c", "3") == errSecNotAvailable;
             value = bytesOf("4");
+            return true;
         });
     if (child == 0) { // afterwards it is one like any other
         const std::string value = get(item("a"));

@@ -28,6 +28,18 @@ protected:
         ASSERT_EQ(sqlite3_exec(handle, statement, nullptr, nullptr, nullptr), SQLITE_OK);
         sqlite3_close(handle);
     }
+    /// As another process sees it.
+    int rowCount() const {
+        sqlite3* handle = nullptr;
+        sqlite3_stmt* count = nullptr;
+        sqlite3_open(path_.c_str(), &handle);
+        sqlite3_prepare_v2(handle, "SELECT count(*) FROM settings WHERE id > 0", -1, &count,
+                           nullptr);
+        const int rows = sqlite3_step(count) == SQLITE_ROW ? sqlite3_column_int(count, 0) : -1;
+        sqlite3_finalize(count);
+        sqlite3_close(handle);
+        return rows;
+    }
     /// Reads and writes go on in memory.
     void expectMemoryOnly(const std::string& problem) {
         const std::string before = fs::is_regular_file(path_) ? text(path_) : "";
@@ -192,9 +204,12 @@ TEST_F(Faults, KeepsInMemoryWhatAFullDiskCannotTake) {
             !told_.back().ends_with("; nothing was changed"))
             return false;
         limit(RLIM_INFINITY);
-        return database->synchronize() && database->problem() == std::nullopt;
+        // What was kept is stored before what comes later.
+        return database->transact([&] { database->set("last", 1); }) ==
+                   SettingsDatabase::Outcome::stored &&
+               rowCount() == 101 && database->synchronize() && database->problem() == std::nullopt;
     }));
-    EXPECT_TRUE(inChild([&] { return open()->contents().size() == 100; }));
+    EXPECT_TRUE(inChild([&] { return open()->contents().size() == 101; }));
 }
 
 TEST_F(Faults, ComesBackWhenTheFileIsTakenAway) {

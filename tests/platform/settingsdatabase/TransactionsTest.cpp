@@ -36,6 +36,18 @@ TEST_F(Transactions, AreWholeOrNothing) {
         }),
                      int);
         EXPECT_EQ(*database->value("a"), PropertyList(2));
+        database->transact([&] {
+            EXPECT_THROW(database->transact([&] {
+                database->set("a", 3);
+                database->transact([&] { database->apply({{"a", 4}, {"d", 5}}); });
+                throw 1;
+            }),
+                         int);
+            database->set("d", 6);
+        });
+        EXPECT_EQ(database->contents(), (PropertyList::Dictionary{{"a", 2}, {"c", 3}, {"d", 6}}));
+        for (int i = 0; i < 20'000; ++i)
+            database->transact([&] { database->set("many " + std::to_string(i), i); });
     };
     EXPECT_THROW(database->transact([&] {
         change();

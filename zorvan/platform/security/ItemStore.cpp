@@ -417,23 +417,28 @@ void ItemStore::modify(const ItemQuery& query, ItemAttributes written, const Cha
     const std::optional<Secret> before = valueOf(query);
     std::optional<Data> after = before ? std::optional(before->bytes()) : std::nullopt;
     const detail::WipedAtEnd afterwards(after);
-    change(after);
-    if (after ? before && before->bytes() == *after : !before)
+    if (!change(after))
         return;
+    const bool isSame = after ? before && before->bytes() == *after : !before;
     written.value = after ? &*after : nullptr;
-    if (after)
+    if (!isSame && after)
         addOrUpdate(NewItem(written, !written.isSynchronizable));
-    else
-        remove(query);
-    transaction.commit();
+    else if (!isSame)
+        removeMatching(query); // unless the function has
+    transaction.commit();      // also what the function wrote
+}
+
+/// Whether there were any.
+bool ItemStore::removeMatching(const ItemQuery& query) {
+    Statement statement = database_->statement("DELETE FROM items" + conditionsOf(query));
+    bindConditions(statement, query);
+    statement.step();
+    return database_->changes() > 0;
 }
 
 void ItemStore::remove(const ItemQuery& query) {
     ItemDatabase::Change transaction(*database_);
-    Statement statement = database_->statement("DELETE FROM items" + conditionsOf(query));
-    bindConditions(statement, query);
-    statement.step();
-    if (database_->changes() == 0)
+    if (!removeMatching(query))
         throw Failure{errSecItemNotFound};
     transaction.commit();
 }

@@ -191,11 +191,11 @@ OSStatus security::remove(const ItemQuery& query) {
 }
 
 OSStatus security::modify(const ItemQuery& query, const ItemAttributes& written,
-                          const std::function<void(std::optional<Data>& value)>& change) {
+                          const std::function<bool(std::optional<Data>& value)>& change) {
     std::exception_ptr thrown;
     const auto changeOrFail = [&](std::optional<Data>& value) {
         try {
-            change(value);
+            return change(value);
         } catch (...) {
             thrown = std::current_exception();
             throw Failure{errSecParam};

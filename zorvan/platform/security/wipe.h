@@ -16,19 +16,21 @@ void wipe(std::string& secret) noexcept;
 
 namespace detail {
 
-/// Wipes what stands in a place of the caller's then, if anything does.
+/// Wipes what stands in a place of the caller's then, if anything does that can be wiped.
+template <class Secret>
 class WipedAtEnd {
 public:
-    explicit WipedAtEnd(std::optional<Data>& bytes) noexcept : bytes_(bytes) {}
+    explicit WipedAtEnd(std::optional<Secret>& secret) noexcept : secret_(secret) {}
     WipedAtEnd(const WipedAtEnd&) = delete;
     WipedAtEnd& operator=(const WipedAtEnd&) = delete;
     ~WipedAtEnd() {
-        if (bytes_)
-            wipe(*bytes_);
+        if constexpr (requires { wipe(*secret_); })
+            if (secret_)
+                wipe(*secret_);
     }
 
 private:
-    std::optional<Data>& bytes_;
+    std::optional<Secret>& secret_;
 };
 
 } // namespace detail

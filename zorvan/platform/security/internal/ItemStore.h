@@ -19,7 +19,8 @@ struct OpenedItem {
     Secret value;
 };
 
-using ChangeValue = std::function<void(std::optional<Data>& value)>;
+/// False when nothing is to be changed after all.
+using ChangeValue = std::function<bool(std::optional<Data>& value)>;
 
 /// The items of a folder. Everything throws what `statusOfException` knows.
 class ItemStore {
@@ -42,7 +43,7 @@ public:
     /// In one transaction: has the function change the value that the query finds, absent for none,
     /// and writes it with the query's attributes as `addOrUpdate` does, or removes what the query
     /// finds when it is absent then. Whatever the function does with the store is part of the
-    /// transaction.
+    /// transaction, and of what is not changed when it says so.
     void modify(const ItemQuery& query, ItemAttributes written, const ChangeValue& change);
 
 private:
@@ -56,6 +57,7 @@ private:
     void openDatabase();
     bool isUsable(const std::string& path) const;
     std::optional<Secret> valueOf(const ItemQuery& query);
+    bool removeMatching(const ItemQuery& query);
     Opening open(const SecureItem& item);
     std::vector<SecureItem> matching(const ItemQuery& query);
     /// The same, from memory when it was read before and nobody has written since.

@@ -19,6 +19,6 @@ SecItemResult copyMatching(const ItemQuery& query);
 OSStatus remove(const ItemQuery& query);
 /// `ItemStore::modify`. What the function throws is thrown, and nothing is changed then.
 OSStatus modify(const ItemQuery& query, const ItemAttributes& written,
-                const std::function<void(std::optional<Data>& value)>& change);
+                const std::function<bool(std::optional<Data>& value)>& change);
 
 } // namespace zorvan::security

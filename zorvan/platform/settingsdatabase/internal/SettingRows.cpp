@@ -94,9 +94,16 @@ void SettingRows::makeRoom() {
 }
 
 void SettingRows::forgetRemoved() {
-    std::erase_if(rows_, [](const Row& row) { return isRemoval(row.content); });
+    // What needs memory comes first.
     SettingRows kept;
-    kept.put(std::move(*this));
+    for (const Row& row : rows_)
+        if (!isRemoval(row.content))
+            kept.put(row.key, row.id, std::monostate());
+    auto place = kept.rows_.begin();
+    for (Row& row : rows_)
+        if (!isRemoval(row.content))
+            (place++)->content = std::move(row.content);
+    kept.removed_ = 0;
     *this = std::move(kept);
 }
 

@@ -31,8 +31,13 @@ constexpr char notOnDisk[] = "; the last changes may not be on the disk";
 
 SettingsDatabase::Core::Core(std::string path) : path_(std::move(path)), process_(::getpid()) {
     join();
-    const std::lock_guard use(using_);
-    open();
+    try {
+        const std::lock_guard use(using_);
+        open();
+    } catch (...) {
+        leave();
+        throw;
+    }
 }
 
 SettingsDatabase::Core::~Core() {
@@ -255,12 +260,18 @@ bool SettingsDatabase::Core::isUnchanged(const Changes::value_type& change) {
                                 : old == change.second;
 }
 
-bool SettingsDatabase::Core::store(const Changes& changes) {
+/// What was kept in memory is written before what comes later.
+SettingsDatabase::Core::Changes SettingsDatabase::Core::afterPending(const Changes& changes) {
     Changes all;
     for (const auto& [key, pending] : memory_.pending())
         if (pending.isStorable)
             all.emplace_back(key, pending.value);
     all.insert(all.end(), changes.begin(), changes.end());
+    return all;
+}
+
+bool SettingsDatabase::Core::store(const Changes& changes) {
+    const Changes all = afterPending(changes);
     if (all.empty())
         return true;
 

@@ -103,6 +103,7 @@ private:
     /// Something happened to the file.
     void lookAt(bool isPlaced);
     bool makeWritable(bool atOnce);
+    Changes afterPending(const Changes& changes);
     bool store(const Changes& changes);
     void storeAll(const Changes& changes, bool isBegun, std::vector<std::int64_t>& rows);
     void writeAll(const Changes& changes, bool isBegun, std::vector<std::int64_t>& rows);

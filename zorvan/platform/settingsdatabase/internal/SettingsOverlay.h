@@ -23,11 +23,42 @@ public:
     }
 
     void put(const std::string& key, SharedSetting value) {
-        const auto [place, isNew] = places_.try_emplace(key, changes_.size());
-        if (isNew)
-            changes_.emplace_back(key, std::move(value));
-        else
-            changes_[place->second].second = std::move(value);
+        if (const auto found = places_.find(key); found != places_.end()) {
+            SharedSetting& known = changes_[found->second].second;
+            if (depth_ > 0)
+                replaced_.emplace_back(found->second, known);
+            known = std::move(value);
+            return;
+        }
+        changes_.emplace_back(key, std::move(value));
+        try {
+            places_.emplace(key, changes_.size() - 1);
+        } catch (...) {
+            changes_.pop_back();
+            throw;
+        }
+    }
+
+    /// How much was written before a transaction within this one.
+    struct Mark {
+        std::size_t changes;
+        std::size_t replaced;
+    };
+    Mark begin() noexcept {
+        ++depth_;
+        return {changes_.size(), replaced_.size()};
+    }
+    void end() noexcept {
+        if (--depth_ == 0)
+            replaced_.clear();
+    }
+    /// Ends it, and takes back what it wrote.
+    void rollBack(const Mark& mark) noexcept {
+        for (; replaced_.size() > mark.replaced; replaced_.pop_back())
+            changes_[replaced_.back().first].second = std::move(replaced_.back().second);
+        for (; changes_.size() > mark.changes; changes_.pop_back())
+            places_.erase(changes_.back().first);
+        end();
     }
 
     /// Each key once, in the order of its first writing.
@@ -36,6 +67,8 @@ public:
 private:
     Changes changes_;
     std::map<std::string, std::size_t, std::less<>> places_;
+    std::size_t depth_ = 0;                                       // of transactions within this one
+    std::vector<std::pair<std::size_t, SharedSetting>> replaced_; // by those, and where
 };
 
 } // namespace zorvan::internal

@@ -50,18 +50,19 @@ SettingsDatabase::Outcome SettingsDatabase::Core::transact(const std::function<v
 
 SettingsDatabase::Outcome
 SettingsDatabase::Core::transactWithin(const std::function<void()>& function) {
-    const auto overlay = [this]() -> SettingsOverlay& {
+    const auto withOverlay = [this](auto step) {
         const std::lock_guard hold(holding_);
-        return *ownOverlay();
+        return step(*ownOverlay());
     };
-    SettingsOverlay before = overlay();
+    const SettingsOverlay::Mark before =
+        withOverlay([](SettingsOverlay& written) { return written.begin(); });
     try {
         function();
     } catch (...) {
-        const std::lock_guard hold(holding_);
-        *ownOverlay() = std::move(before);
+        withOverlay([&](SettingsOverlay& written) { written.rollBack(before); });
         throw;
     }
+    withOverlay([](SettingsOverlay& written) { written.end(); });
     return Outcome::stored; // with the transaction around it
 }
 
@@ -75,6 +76,9 @@ bool SettingsDatabase::Core::begin() {
         file_->rollBack();
         meet(failure, unchanged);
         return false;
+    } catch (...) { // out of memory
+        file_->rollBack();
+        throw;
     }
 }
 
@@ -103,13 +107,14 @@ SettingsDatabase::Outcome SettingsDatabase::Core::commit(Changes changes) {
         file_->rollBack();
         return Outcome::stored;
     }
+    const Changes all = afterPending(changes);
     std::vector<std::int64_t> rows;
     try {
-        storeAll(changes, true, rows);
+        storeAll(all, true, rows);
         return Outcome::stored;
     } catch (const UnstorableValue& reason) {
         file_->rollBack();
-        note(changes[rows.size()].first + ": " + reason.what() + unchanged);
+        note(all[rows.size()].first + ": " + reason.what() + unchanged);
     } catch (const DatabaseFailure& failure) {
         file_->rollBack();
         meet(failure, unchanged);
