@@ -181,6 +181,36 @@ TEST(GtkListModel, RowsOutliveTheModelAndAreToldFromOthers) {
                  "The model is none over a list.");
 }
 
+template <class List, class Change>
+void dropWhileToldOf(const std::shared_ptr<List>& list, const Change& change) {
+    bool isGone = false;
+    GtkSelectionModel* const model = GtkListModel<int>::create(list);
+    g_object_weak_ref(
+        G_OBJECT(model), +[](void* gone, GObject*) { *static_cast<bool*>(gone) = true; }, &isGone);
+    const auto drop = +[](GListModel* told, guint, guint, guint) { g_object_unref(told); };
+    g_signal_connect(model, "items-changed", G_CALLBACK(drop), nullptr);
+    change();
+    EXPECT_TRUE(isGone);
+}
+
+TEST(GtkListModel, MayBeDroppedWhileItTells) {
+    const auto list = ManagedList<int>::create({7, 8});
+    list->setSelection({0, 1});
+    dropWhileToldOf(list, [&] { list->insert({5}, 0); });
+    // Also of a change that another observer undoes before the model has been told of it.
+    const auto undoes = NSNotificationCenter::defaultCenter()->addObserver(
+        NSNotificationName(ManagedList<int>::didReloadNotification), list, nullptr,
+        [&](const Notification&) {
+            if (list->count() == 4)
+                list->remove({0});
+        });
+    dropWhileToldOf(list, [&] { list->insert({6}, 0); });
+    EXPECT_EQ(list->items(), (std::vector{5, 7, 8}));
+    const auto array = SelectableArray<int>::create();
+    dropWhileToldOf(array, [&] { array->insert({1, 2}, 0); });
+    EXPECT_EQ(array->count(), 2);
+}
+
 TEST(GtkModels, PicturesAreSharedWithTextures) {
     for (const BitmapLayout layout : {BitmapLayout::rgba, BitmapLayout::argb}) {
         Bitmap bitmap = *Bitmap::make(2, 1, layout);

@@ -317,15 +317,19 @@ TEST(QtListModel, GoesWithoutATrace) {
     const auto array = SelectableArray<int>::create();
     int runs = 0;
     SelectableArray<int>::Action kept;
-    array->setEditionHandler([&](const auto& action) {
+    const auto own = [&](const SelectableArray<int>::Action& action) {
         ++runs;
         kept = action;
         action();
-    });
+    };
+    array->setEditionHandler(own);
     auto model = std::make_unique<QtListModel<int>>(array, number);
+    for (int i = 0; i < 3; ++i) // the new one is there before the old one goes
+        model = std::make_unique<QtListModel<int>>(array, number);
     array->append({1, 2});
     EXPECT_EQ(model->rowCount(), 2);
     model.reset();
+    EXPECT_TRUE(array->editionHandler().target<std::remove_const_t<decltype(own)>>());
     kept(); // as a redo would
     array->append({3});
     EXPECT_EQ(runs, 2);

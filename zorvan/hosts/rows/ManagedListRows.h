@@ -74,9 +74,13 @@ private:
     void willChange(const Edition& edition) {
         // Another observer changes the list before we were told that a change has happened: that
         // one is what the list tells of still. Or it never happened.
+        const std::weak_ptr<const bool> alive = alive_;
         if (pending_ && !list_->reordering())
             follower_.rowsWereLost(*std::exchange(pending_, std::nullopt));
-        tellPending();
+        else
+            tellPending();
+        if (alive.expired()) // whoever was told has dropped the model
+            return;
         pending_ = changeOf(edition);
         if (pending_->kind != Kind::select)
             follower_.rowsWillChange(*pending_);
@@ -91,6 +95,7 @@ private:
     RowFollower& follower_;
     const std::shared_ptr<NotificationObserver> will_, did_;
     std::optional<RowChange> pending_;
+    const std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
 };
 
 } // namespace zorvan

@@ -18,12 +18,12 @@ public:
     /// `follower` must outlive the rows.
     SelectableArrayRows(std::shared_ptr<Array> array, RowFollower& follower)
         : ItemList<Element>(array->elements()), array_(std::move(array)), follower_(follower) {
-        array_->setEditionHandler(Handler{array_->editionHandler(), self_});
+        array_->setEditionHandler(Handler{withoutGone(array_->editionHandler()), self_});
     }
     ~SelectableArrayRows() override {
         const auto* handler = array_->editionHandler().template target<Handler>();
         if (handler && handler->rows.lock() == self_)
-            array_->setEditionHandler(typename Array::EditionHandler(handler->before));
+            array_->setEditionHandler(withoutGone(handler->before));
     }
 
     const IndexSet& selection() const override { return array_->selection(); }
@@ -55,6 +55,16 @@ private:
             });
         }
     };
+
+    /// A handler without those of models that have gone since, when others stood before them.
+    static typename Array::EditionHandler
+    withoutGone(const typename Array::EditionHandler& handler) {
+        const Handler* const own = handler.template target<Handler>();
+        if (!own)
+            return handler;
+        auto before = withoutGone(own->before);
+        return own->rows.expired() ? before : Handler{std::move(before), own->rows};
+    }
 
     static RowChange changeOf(const Edition& edition) {
         if (const auto* insert = edition.as<Edition::Insert>())

@@ -16,6 +16,18 @@ guint countOf(const RowList& rows) {
     return static_cast<guint>(rows.count());
 }
 
+/// What is told may drop the model, which then ends when all has been told.
+class KeptAlive {
+public:
+    explicit KeptAlive(GtkSelectionModel* object) : object_(object) { g_object_ref(object); }
+    ~KeptAlive() { g_object_unref(object_); }
+    KeptAlive(const KeptAlive&) = delete;
+    KeptAlive& operator=(const KeptAlive&) = delete;
+
+private:
+    GtkSelectionModel* const object_;
+};
+
 } // namespace
 
 RowModel::RowModel(GtkSelectionModel* object, const GtkRowModel::MakeRows& rows,
@@ -44,6 +56,7 @@ GtkBitset* RowModel::selection(guint first, guint count) const {
 
 void RowModel::rowsDidChange(const RowChange& change,
                              const std::function<Reordering()>& reordering) {
+    const KeptAlive alive(object_);
     if (change.kind == RowChange::Kind::select)
         return tellSelection();
     if (change.kind == RowChange::Kind::replace)
@@ -59,6 +72,7 @@ void RowModel::rowsDidChange(const RowChange& change,
 }
 
 void RowModel::rowsWereLost(const RowChange&) {
+    const KeptAlive alive(object_);
     live_.forgetAll();
     shownSelection_ = rows_->selection();
     tellRows({0, count_, rows_->count()});
@@ -101,6 +115,7 @@ void RowModel::tellSelection() {
 }
 
 void RowModel::itemsDidChange(const IndexSet& rows) {
+    const KeptAlive alive(object_);
     const IndexSet there = rows.intersection(IndexSet(IndexSet::Range{0, count_}));
     live_.forget(there);
     for (const IndexSet::Range range : there.ranges())
