@@ -216,6 +216,8 @@ TEST(DamagedMovies, FewBytesThatCountManySamplesAreRefused) {
                   .beside = edits(100)})},
         {"beyond the box", movieWith(repeated(trackOf({listed + table("stss", {1000})}), 40) +
                                      box("free", std::string(4000, 0)))},
+        {"places that are not there", movieOf({twoUnits + table("stco", {1 << 27, 0})})},
+        {"sizes that are not there", movieOf({twoUnits + table("stsz", {0, 1 << 25})})},
         {"in a fragment", fragmentOf(run)},
         {"in user data of a fragment", fragmentOf(box("udta", run))},
     };

@@ -33,6 +33,10 @@ constexpr bool isOneOf(std::string_view type, std::string_view types) {
 constexpr std::string_view timesAndPlaces = "sttscttsstscstcoco64stssstps";
 constexpr std::string_view otherTables = "stszstz2trunelsthdlr";
 
+/// FFmpeg asks for memory for all the entries that a table states. In a movie that is cut short,
+/// not all of them are there; more than this of them are in no movie.
+constexpr std::uint32_t mostNotThere = 1 << 22;
+
 /// What the tables of a track count; real numbers, since their products go beyond integers.
 struct Track {
     double samples = 0, chunks = 0, mostOfChunk = 0, edits = 0;
@@ -165,7 +169,9 @@ private:
     void addTable(std::string_view box, std::int64_t at) {
         const Bytes table = source_->at(at);
         // FFmpeg reads on beyond the box, up to the end of the file.
-        const std::int64_t count = std::min<std::int64_t>(number(table, 4), rest(at) / 4);
+        const std::int64_t stated = number(table, 4), count = std::min(stated, rest(at) / 4);
+        if (stated > count && stated > mostNotThere)
+            return refuse();
         count_ += static_cast<double>(count);
         if (box == "stts" && count == 1 && number(table, 12) == 1)
             track_.hasUnitTimes = true;
@@ -197,6 +203,8 @@ private:
         // FFmpeg takes no list that goes beyond the end of the file.
         if (!isListed || count * bits / 8 <= static_cast<double>(rest))
             track_.samples += count;
+        else if (count > mostNotThere)
+            refuse();
     }
 
     void addHandler(std::string_view handler) {
