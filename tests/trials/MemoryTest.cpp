@@ -9,6 +9,8 @@
 #include <zorvan/collections/ManagedList.h>
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/CGImageSource.h>
+#include <zorvan/platform/dispatch/DispatchQueue.h>
+#include <zorvan/platform/dispatch/NSOperationQueue.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/platform/textservices/Characters.h>
@@ -125,6 +127,25 @@ TEST(StarvedPictures, AreAbsent) {
         };
         starve([&] { (void)read(); }, [&] { EXPECT_GT(read(), 0); });
     }
+}
+
+TEST(Memory, FailsInQueues) {
+    const auto serial = DispatchQueue::create("serial");
+    const auto operations = NSOperationQueue::create();
+    const auto use = [&] {
+        try {
+            serial->async([] {});
+            operations->addOperation([] {});
+        } catch (const std::system_error&) { // no thread
+        }
+    };
+    starve(use, [&] {
+        use();
+        bool hasRun = false;
+        serial->sync([&] { hasRun = true; });
+        EXPECT_TRUE(hasRun);
+        operations->waitUntilAllOperationsAreFinished();
+    });
 }
 
 // ICU keeps it for good that its first use failed: no answer then, but no wrong one.

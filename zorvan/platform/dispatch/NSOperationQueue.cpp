@@ -101,13 +101,20 @@ void NSOperationQueue::addOperation(Block block) {
 }
 
 void NSOperationQueue::start(Block block) {
-    const auto& queue =
-        state_->kind == Kind::main ? DispatchQueue::main() : DispatchQueue::global();
-    queue->async([self = shared_from_this(), block = std::move(block)]() mutable {
-        block();
-        block = nullptr; // what it holds is released before the operation counts as finished
-        self->finishOne();
-    });
+    try {
+        const auto& queue =
+            state_->kind == Kind::main ? DispatchQueue::main() : DispatchQueue::global();
+        queue->async([self = shared_from_this(), block = std::move(block)]() mutable {
+            block();
+            block = nullptr; // what it holds is released before the operation counts as finished
+            self->finishOne();
+        });
+    } catch (...) { // neither memory nor a thread
+        const std::lock_guard lock(state_->mutex);
+        if (--state_->running == 0)
+            state_->finished.notify_all();
+        throw;
+    }
 }
 
 void NSOperationQueue::finishOne() {

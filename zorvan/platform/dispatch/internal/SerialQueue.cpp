@@ -45,8 +45,16 @@ void SerialQueue::enqueue(Block block) {
         items_.emplace_back(std::move(block));
         wasBusy = std::exchange(busy_, true);
     }
-    if (!wasBusy)
+    if (wasBusy)
+        return;
+    try {
         schedule();
+    } catch (...) {
+        const std::lock_guard lock(mutex_);
+        items_.pop_front(); // what came behind it meanwhile waits for the next
+        busy_ = false;
+        throw;
+    }
 }
 
 void SerialQueue::schedule() {

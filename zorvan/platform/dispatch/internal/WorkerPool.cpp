@@ -38,8 +38,13 @@ WorkerPool::WorkerPool() : cores_(std::max(2U, std::thread::hardware_concurrency
 void WorkerPool::submit(Block job) {
     const std::lock_guard lock(mutex_);
     jobs_.push_back(std::move(job));
-    wakeOne();
-    watchForStall();
+    try {
+        wakeOne();
+        watchForStall();
+    } catch (...) { // neither memory nor a thread
+        jobs_.pop_back();
+        throw;
+    }
 }
 
 bool WorkerPool::maySatisfyOneMore() const noexcept {
