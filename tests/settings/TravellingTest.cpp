@@ -68,12 +68,14 @@ TEST_F(Travelling, ModifiesInOneStep) {
 
 TEST_F(Travelling, TellsEverybodyWhateverOneThrows) {
     const auto fails = NSNotificationCenter::defaultCenter()->addObserver(
-        NSUserDefaults::didSetKeyNotification(), [](const Notification&) { throw 3; });
+        NSUserDefaults::didSetKeyNotification(), nullptr, nullptr,
+        [](const Notification&) { throw 3; });
     EXPECT_THROW(store().transact([&] {
         store()[count] = 1;
         store()[title] = "u";
     }),
                  int);
+    NSNotificationCenter::defaultCenter()->removeObserver(fails);
     EXPECT_THAT(told(), ElementsAre("count", "title"));
     reopen();
     EXPECT_EQ(store().value(count), 1);

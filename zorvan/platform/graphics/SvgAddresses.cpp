@@ -17,7 +17,9 @@ constexpr bool isBlank(char c) noexcept { return c >= '\0' && c <= ' '; }
 constexpr bool isPassedOver(char c) noexcept { return c == '\t' || c == '\n' || c == '\r'; }
 
 std::string_view withoutBlanksBefore(std::string_view text) {
-    return text.substr(std::ranges::find_if_not(text, isBlank) - text.begin());
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    return text;
 }
 
 std::string_view withoutBlanksAfter(std::string_view text) {
