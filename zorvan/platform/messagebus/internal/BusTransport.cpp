@@ -5,6 +5,7 @@
 #include <zorvan/platform/foundation/internal/Wakeup.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/foundation/internal/percentEscapes.h>
+#include <zorvan/platform/foundation/internal/unlessOutOfMemory.h>
 #include <zorvan/platform/messagebus/internal/Transport.h>
 #include <zorvan/platform/messagebus/internal/WireFormat.h>
 
@@ -36,7 +37,7 @@ constexpr const char* interfaceName = "org.zorvan.Notifications1";
 constexpr const char* signalName = "Posted";
 constexpr const char* signature = "say";         // the sort key and the message
 constexpr std::uint64_t callTimeout = 5'000'000; // microseconds
-constexpr auto reconnectInterval = std::chrono::seconds(1);
+constexpr auto betweenAttempts = std::chrono::seconds(1);
 constexpr int messagesInARow = 64;
 constexpr auto patience = std::chrono::milliseconds(5); // with a busy main thread
 
@@ -181,18 +182,23 @@ private:
             sd_bus_message_read(message, "s", &key) > 0 &&
             sd_bus_message_read_array(message, 'y', &bytes, &size) > 0 && size <= maxWireSize) {
             const auto* const first = static_cast<const std::byte*>(bytes);
-            static_cast<BusTransport*>(self)->received_.emplace_back(first, first + size);
+            unlessOutOfMemory([&] {
+                static_cast<BusTransport*>(self)->received_.emplace_back(first, first + size);
+            });
         }
         return 0;
     }
 
     void run() {
-        for (;;) {
-            if (deliver())
-                await();
-            else
-                reconnect();
-        }
+        for (;;)
+            if (!unlessOutOfMemory([this] { takeTurn(); }))
+                std::this_thread::sleep_for(betweenAttempts);
+    }
+
+    void takeTurn() {
+        if (!deliver())
+            return reconnect();
+        await();
     }
 
     /// Passes on some of what has arrived; false when the bus has gone.
@@ -279,7 +285,7 @@ private:
                     addMatch(place);
                 break;
             }
-            std::this_thread::sleep_for(reconnectInterval);
+            std::this_thread::sleep_for(betweenAttempts);
         }
         LibraryLog::write(
             {LibraryLog::Level::information, "messagebus", "The session bus is back."});

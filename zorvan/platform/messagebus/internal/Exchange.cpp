@@ -1,12 +1,15 @@
 #include <zorvan/platform/messagebus/internal/Exchange.h>
 
+#include <zorvan/platform/foundation/internal/unlessOutOfMemory.h>
+
 #include <utility>
 
 namespace zorvan {
 
 NSDistributedNotificationCenter::Exchange::Exchange()
-    : transport_(
-          internal::makeTransport([this](std::span<const std::byte> bytes) { receive(bytes); })) {}
+    : transport_(internal::makeTransport([this](std::span<const std::byte> bytes) {
+          internal::unlessOutOfMemory([&] { receive(bytes); });
+      })) {}
 
 std::shared_ptr<NotificationObserver> NSDistributedNotificationCenter::Exchange::add(
     NSNotificationName name, const std::shared_ptr<Sender>& object,

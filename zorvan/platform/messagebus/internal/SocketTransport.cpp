@@ -1,8 +1,10 @@
 #include <zorvan/platform/foundation/internal/Wakeup.h>
+#include <zorvan/platform/foundation/internal/unlessOutOfMemory.h>
 #include <zorvan/platform/messagebus/internal/PeerLink.h>
 #include <zorvan/platform/messagebus/internal/SocketDirectory.h>
 #include <zorvan/platform/messagebus/internal/Transport.h>
 
+#include <chrono>
 #include <cstddef>
 #include <iterator>
 #include <map>
@@ -19,6 +21,7 @@ namespace zorvan::internal {
 namespace {
 
 constexpr std::size_t maxIncoming = 256;
+constexpr std::chrono::milliseconds rest{1000}; // when the process has no more of something
 
 /// Every process listens in the shared folder and sends each message to all that do, itself
 /// included. So nobody is in the middle whose end would cut off the others.
@@ -65,23 +68,27 @@ private:
     }
 
     void run() {
-        for (;;) {
-            std::vector<pollfd> entries{{wakeup_.descriptor(), POLLIN, 0},
-                                        {listener_.get(), POLLIN, 0}};
-            if (incoming_.size() >= maxIncoming)
-                entries[1].fd = -1;
-            for (const IncomingLink& link : incoming_)
-                entries.push_back({link.descriptor(), POLLIN, 0});
-            const std::size_t known = entries.size();
-            addUnfinished(entries);
-            ::poll(entries.data(), entries.size(), -1);
-            wakeup_.clear();
-            receiveFrom(std::span(entries).subspan(2, known - 2));
-            if (entries[1].revents != 0)
-                accept();
-            const std::lock_guard lock(mutex_);
-            flush();
-        }
+        for (;;)
+            if (!unlessOutOfMemory([this] { takeTurn(); }))
+                std::this_thread::sleep_for(rest);
+    }
+
+    void takeTurn() {
+        std::vector<pollfd> entries{{wakeup_.descriptor(), POLLIN, 0},
+                                    {listener_.get(), POLLIN, 0}};
+        if (incoming_.size() >= maxIncoming)
+            entries[1].fd = -1;
+        for (const IncomingLink& link : incoming_)
+            entries.push_back({link.descriptor(), POLLIN, 0});
+        const std::size_t known = entries.size();
+        addUnfinished(entries);
+        ::poll(entries.data(), entries.size(), -1);
+        wakeup_.clear();
+        receiveFrom(std::span(entries).subspan(2, known - 2));
+        if (entries[1].revents != 0)
+            accept();
+        const std::lock_guard lock(mutex_);
+        flush();
     }
 
     void addUnfinished(std::vector<pollfd>& entries) {
