@@ -109,12 +109,14 @@ TEST(MainQueue, DescriptorIsReadableExactlyWhileWorkIsQueued) {
     EXPECT_EQ(served, -500);
 }
 
-// What it queues is no concern of the parent, which waits.
+// Its only thread is its main one, and what it queues is no concern of the parent, which waits.
 TEST(MainQueue, IsTheChildsOwnInAFork) {
     const int descriptor = MainQueue::fileDescriptor();
     std::thread forking([&] {
+        EXPECT_FALSE(NSThread::isMainThread());
         std::this_thread::sleep_for(20ms); // until the main thread waits
         const pid_t child = startChild([&] {
+            EXPECT_TRUE(NSThread::isMainThread());
             std::thread other([] {
                 std::this_thread::sleep_for(20ms);
                 MainQueue::stop();
