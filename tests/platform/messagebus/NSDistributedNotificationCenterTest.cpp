@@ -5,6 +5,7 @@
 #include <zorvan/platform/messagebus/internal/WireFormat.h>
 
 #include <csignal>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <systemd/sd-bus.h>
@@ -251,6 +252,30 @@ TEST_P(DistributedSocketTest, WhatHostilePeersSendIsIgnored) {
     fs::create_directory(notifications / "folder.socket");
     post(*a, "Name x 1");
     expectNumbered(*a, "Name x ", 1);
+}
+
+// Others want to connect meanwhile.
+TEST_P(DistributedSocketTest, AProcessWithoutDescriptorsWaitsForThem) {
+    rusage before{}, after{};
+    ::getrusage(RUSAGE_CHILDREN, &before);
+    Process a({"sh", "-c", "ulimit -n 24; exec " PEER}, environment);
+    expectAnswer(a, "observe Name", "observing");
+    std::vector<int> many;
+    for (int i = 0; i < 40; ++i)
+        many.push_back(connectTo(sockets().at(0)));
+    std::this_thread::sleep_for(2s);
+    for (const int made : many)
+        ::close(made);
+    const auto b = peer();
+    post(*b, "Name x 1");
+    expectNumbered(a, "Name x ", 1);
+    a.end();
+    ::getrusage(RUSAGE_CHILDREN, &after);
+    const auto busy = [](const rusage& use) {
+        return std::chrono::seconds(use.ru_utime.tv_sec + use.ru_stime.tv_sec) +
+               std::chrono::microseconds(use.ru_utime.tv_usec + use.ru_stime.tv_usec);
+    };
+    EXPECT_LT(busy(after) - busy(before), 400ms);
 }
 
 TEST_P(DistributedSocketTest, WhatAKilledProcessLeftIsRemoved) {
