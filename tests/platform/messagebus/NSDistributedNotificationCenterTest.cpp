@@ -195,6 +195,25 @@ TEST_P(DistributedBusTest, ABusThatComesBackIsFoundAgain) {
     EXPECT_TRUE(comesToHear(*a, "Again"));
 }
 
+// What a busy process has not delivered yet is bounded.
+TEST_P(DistributedBusTest, ABusyProcessMissesWhatIsTooMuch) {
+    constexpr int count = 40; // of 4 MB each
+    const auto a = observer("Large");
+    const auto b = peer();
+    expectAnswer(*a, "occupy Slow 1", "observing");
+    post(*b, "Large x " + std::to_string(count) + " 4000000");
+    post(*b, "Slow x 1");
+    EXPECT_EQ(a->hear(), "Slow x 0 0");
+    EXPECT_EQ(a->hear(), "free");
+    int heard = 0, told = 0;
+    for (auto line = a->hear(); line && told + heard < count; line = a->hear(500ms))
+        ++(*line == "log messagebus 1" ? told : heard);
+    EXPECT_EQ(heard, 16); // 64 MiB
+    EXPECT_EQ(told, 1);
+    post(*b, "Large x 1");
+    expectNumbered(*a, "Large x ", 1);
+}
+
 TEST_P(DistributedBusTest, ABusThatHangsIsAskedAgain) {
     const auto a = observer("Early");
     bus->kill(SIGSTOP);
