@@ -1,6 +1,9 @@
 #include "Store.h"
 
+#include <tests/platform/settingsdatabase/Processes.h>
+
 #include <zorvan/platform/propertylist/PropertyListFile.h>
+#include <zorvan/settings/NumberCoders.h>
 
 namespace {
 
@@ -71,6 +74,34 @@ TEST_F(Defaults, TravelAsXML) {
     EXPECT_EQ(other->dictionaryRepresentation(), expected);
     store().setObject(std::string("\x01"), "k");
     EXPECT_FALSE(store().exportedXML());
+}
+
+// Whatever the threads of the parent are about.
+TEST_F(Defaults, GoOnInTheChildOfABusyProcess) {
+    const EvaluedUserDefaultsKey<IntUDC> key({.name = "k", .value = 0});
+    const NSNotificationName posted = NSUserDefaults::didSetKeyNotification();
+    NSNotificationCenter& center = *NSNotificationCenter::defaultCenter();
+    store().registerDefaults({{"list", PropertyList::Array{1, 2, 3}}});
+    std::atomic<bool> goesOn = true;
+    std::thread reading([&] {
+        while (goesOn)
+            store().objectForKey("list");
+    });
+    std::thread observing([&] {
+        for (int i = 0; goesOn; ++i) {
+            const NSNotificationName name(std::to_string(i));
+            center.removeObserver(center.addObserver(posted, {}, {}, [](const auto&) {}));
+        }
+    });
+    for (int i = 0; i < 100 && !HasFailure(); ++i)
+        EXPECT_TRUE(inChild([&] {
+            ::alarm(20);
+            store().set(key, i);
+            return store().arrayForKey("list") && NSNotificationName("new") != posted;
+        }));
+    goesOn = false;
+    reading.join();
+    observing.join();
 }
 
 TEST_F(Defaults, AreSafeFromSeveralThreads) {

@@ -2,6 +2,7 @@
 
 #include "Process.h"
 
+#include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/settings/UserKeychain.h>
 
 #include <tests/bytesOf.h>
@@ -249,6 +250,31 @@ TEST_F(KeychainTest, NoChangeIsLost) {
     thread.join();
     EXPECT_TRUE(one.end() && two.end() && three.end());
     EXPECT_EQ(keychain->integer(key), 5 * each);
+}
+
+// A fork takes hold of both kinds of stores.
+TEST_F(KeychainTest, StoresUsedWithinEachOtherLetTheProcessFork) {
+    EXPECT_TRUE(inChild([&] {
+        ::alarm(20);
+        const auto settings = SettingsDatabase::open(root / "a.settings");
+        std::thread forking;
+        const auto fork = [&] {
+            forking = std::thread([] { EXPECT_TRUE(inChild([] { return true; })); });
+            std::this_thread::sleep_for(20ms);
+        };
+        EXPECT_TRUE(keychain->modify<std::string>(key, [&](auto& text) {
+            fork();
+            EXPECT_TRUE(settings->set("k", 1));
+            text = "1";
+        }));
+        forking.join();
+        settings->transact([&] {
+            fork();
+            EXPECT_TRUE(keychain->set(*keychain->string(key) + "2", key));
+        });
+        forking.join();
+        return settings->value("k") && keychain->string(key) == "12";
+    }));
 }
 
 TEST_F(KeychainTest, WithoutAStoreEverythingIsFalseOrAbsent) {

@@ -4,7 +4,7 @@ zorvan_test(keychain-test
   SOURCES
     UserKeychainTest.cpp
     ${PROJECT_SOURCE_DIR}/tests/platform/messagebus/Process.cpp
-  USES UserKeychain)
+  USES SettingsDatabase UserKeychain)
 target_include_directories(keychain-test PRIVATE ${PROJECT_SOURCE_DIR}/tests/platform/messagebus)
 add_dependencies(keychain-test standard-keychain)
 target_compile_definitions(keychain-test PRIVATE

@@ -4,12 +4,14 @@
 #include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 #include <zorvan/platform/foundation/executablePath.h>
+#include <zorvan/platform/foundation/internal/ForkParticipant.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/settings/internal/conversions.h>
 
 #include <exception>
 #include <filesystem>
+#include <mutex>
 
 namespace zorvan {
 
@@ -21,6 +23,9 @@ const std::string& applicationDomain() {
             std::filesystem::path(executablePath()).filename().string()));
     return domain;
 }
+
+constinit internal::BriefMutex registering; // in any store
+const internal::ForkParticipant::Joined joined(registering);
 
 /// Notifications of a transaction of this thread, which are posted when it has succeeded.
 class HeldPosts {
@@ -85,7 +90,7 @@ std::shared_ptr<const PropertyList> NSUserDefaults::sharedObjectForKey(std::stri
     std::shared_ptr<const PropertyList> value = database_->value(key);
     if (value)
         return value;
-    const std::lock_guard lock(registering_);
+    const std::lock_guard lock(registering);
     const auto found = registered_.find(key);
     return found == registered_.end() ? nullptr
                                       : std::make_shared<const PropertyList>(found->second);
@@ -291,9 +296,13 @@ NSUserDefaults::storeOf(const std::string& key,
     auto store = std::make_shared<NSUserDefaults>(Making(), domain_, SettingsDatabase::inMemory());
     if (value)
         store->setObject(*value, key);
-    const std::lock_guard lock(registering_);
-    if (const auto found = registered_.find(key); found != registered_.end())
-        store->registerDefaults({*found});
+    PropertyList::Dictionary registered;
+    {
+        const std::lock_guard lock(registering);
+        if (const auto found = registered_.find(key); found != registered_.end())
+            registered.insert(*found);
+    }
+    store->registerDefaults(std::move(registered));
     return store;
 }
 
@@ -325,14 +334,14 @@ void NSUserDefaults::setPersistentDomain(PropertyList::Dictionary values,
 }
 
 void NSUserDefaults::registerDefaults(PropertyList::Dictionary values) {
-    const std::lock_guard lock(registering_);
+    const std::lock_guard lock(registering);
     values.merge(registered_);
     registered_ = std::move(values);
 }
 
 PropertyList::Dictionary NSUserDefaults::dictionaryRepresentation() const {
     PropertyList::Dictionary all = database_->contents();
-    const std::lock_guard lock(registering_);
+    const std::lock_guard lock(registering);
     all.insert(registered_.begin(), registered_.end());
     return all;
 }

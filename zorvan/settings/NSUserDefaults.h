@@ -13,7 +13,6 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -345,7 +344,6 @@ private:
 
     const std::string domain_;
     const std::shared_ptr<SettingsDatabase> database_;
-    mutable std::mutex registering_;
     PropertyList::Dictionary registered_;
 };
 

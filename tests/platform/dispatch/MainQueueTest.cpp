@@ -4,6 +4,8 @@
 #include <zorvan/platform/dispatch/MainQueue.h>
 #include <zorvan/platform/dispatch/NSThread.h>
 
+#include <tests/files/ChildProcess.h>
+
 #include <poll.h>
 
 using Clock = std::chrono::steady_clock;
@@ -105,6 +107,31 @@ TEST(MainQueue, DescriptorIsReadableExactlyWhileWorkIsQueued) {
         ASSERT_TRUE(isReadable(descriptor, 10'000ms)) << served;
     other.join();
     EXPECT_EQ(served, -500);
+}
+
+// Its only thread is its main one, and what it queues is no concern of the parent, which waits.
+TEST(MainQueue, IsTheChildsOwnInAFork) {
+    const int descriptor = MainQueue::fileDescriptor();
+    std::thread forking([&] {
+        EXPECT_FALSE(NSThread::isMainThread());
+        std::this_thread::sleep_for(20ms); // until the main thread waits
+        const pid_t child = startChild([&] {
+            EXPECT_TRUE(NSThread::isMainThread());
+            std::thread other([] {
+                std::this_thread::sleep_for(20ms);
+                MainQueue::stop();
+            });
+            EXPECT_TRUE(MainQueue::runUntil(Clock::now() + 10s));
+            other.join();
+            DispatchQueue::main()->async([] {});
+            EXPECT_TRUE(isReadable(descriptor, 0ms));
+        });
+        EXPECT_EQ(exitStatus(child), 0);
+        EXPECT_FALSE(isReadable(descriptor, 0ms));
+        MainQueue::stop();
+    });
+    MainQueue::run();
+    forking.join();
 }
 
 TEST(MainQueueDeathTest, StopsOffTheMainThread) {

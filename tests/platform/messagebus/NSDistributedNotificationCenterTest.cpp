@@ -5,6 +5,7 @@
 #include <zorvan/platform/messagebus/internal/WireFormat.h>
 
 #include <csignal>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <systemd/sd-bus.h>
@@ -148,7 +149,19 @@ INSTANTIATE_TEST_SUITE_P(Ways, DistributedTest, testing::Values(Way::bus, Way::s
                              return info.param == Way::bus ? "Bus" : "Sockets";
                          });
 
-class DistributedBusTest : public DistributedTest {};
+class DistributedBusTest : public DistributedTest {
+protected:
+    /// Whether the observer is told again of what another process posts.
+    bool comesToHear(Process& observer, const std::string& name) const {
+        const auto b = peer();
+        for (int i = 0; i < 100; ++i) {
+            post(*b, name + " y 1");
+            if (observer.hear(100ms) == name + " y 0 0")
+                return true;
+        }
+        return false;
+    }
+};
 INSTANTIATE_TEST_SUITE_P(Bus, DistributedBusTest, testing::Values(Way::bus));
 
 TEST_P(DistributedBusTest, MessagesOfHostilePeersAreIgnored) {
@@ -179,15 +192,34 @@ TEST_P(DistributedBusTest, ABusThatComesBackIsFoundAgain) {
     post(*a, "Again x 1"); // lost, without harm
     startBus();
     EXPECT_EQ(a->hear(), "log messagebus 0");
+    EXPECT_TRUE(comesToHear(*a, "Again"));
+}
+
+// What a busy process has not delivered yet is bounded.
+TEST_P(DistributedBusTest, ABusyProcessMissesWhatIsTooMuch) {
+    constexpr int count = 40; // of 4 MB each
+    const auto a = observer("Large");
     const auto b = peer();
-    for (int i = 0; i < 100; ++i) {
-        post(*b, "Again y 1");
-        if (const auto heard = a->hear(100ms)) {
-            EXPECT_EQ(heard, "Again y 0 0");
-            return;
-        }
-    }
-    FAIL() << "never came back";
+    expectAnswer(*a, "occupy Slow 1", "observing");
+    post(*b, "Large x " + std::to_string(count) + " 4000000");
+    post(*b, "Slow x 1");
+    EXPECT_EQ(a->hear(), "Slow x 0 0");
+    EXPECT_EQ(a->hear(), "free");
+    int heard = 0, told = 0;
+    for (auto line = a->hear(); line && told + heard < count; line = a->hear(500ms))
+        ++(*line == "log messagebus 1" ? told : heard);
+    EXPECT_EQ(heard, 16); // 64 MiB
+    EXPECT_EQ(told, 1);
+    post(*b, "Large x 1");
+    expectNumbered(*a, "Large x ", 1);
+}
+
+TEST_P(DistributedBusTest, ABusThatHangsIsAskedAgain) {
+    const auto a = observer("Early");
+    bus->kill(SIGSTOP);
+    expectAnswer(*a, "observe Late", "observing"); // after a while, without the bus
+    bus->kill(SIGCONT);
+    EXPECT_TRUE(comesToHear(*a, "Late"));
 }
 
 class DistributedSocketTest : public DistributedTest {
@@ -239,6 +271,30 @@ TEST_P(DistributedSocketTest, WhatHostilePeersSendIsIgnored) {
     fs::create_directory(notifications / "folder.socket");
     post(*a, "Name x 1");
     expectNumbered(*a, "Name x ", 1);
+}
+
+// Others want to connect meanwhile.
+TEST_P(DistributedSocketTest, AProcessWithoutDescriptorsWaitsForThem) {
+    rusage before{}, after{};
+    ::getrusage(RUSAGE_CHILDREN, &before);
+    Process a({"sh", "-c", "ulimit -n 24; exec " PEER}, environment);
+    expectAnswer(a, "observe Name", "observing");
+    std::vector<int> many;
+    for (int i = 0; i < 40; ++i)
+        many.push_back(connectTo(sockets().at(0)));
+    std::this_thread::sleep_for(2s);
+    for (const int made : many)
+        ::close(made);
+    const auto b = peer();
+    post(*b, "Name x 1");
+    expectNumbered(a, "Name x ", 1);
+    a.end();
+    ::getrusage(RUSAGE_CHILDREN, &after);
+    const auto busy = [](const rusage& use) {
+        return std::chrono::seconds(use.ru_utime.tv_sec + use.ru_stime.tv_sec) +
+               std::chrono::microseconds(use.ru_utime.tv_usec + use.ru_stime.tv_usec);
+    };
+    EXPECT_LT(busy(after) - busy(before), 400ms);
 }
 
 TEST_P(DistributedSocketTest, WhatAKilledProcessLeftIsRemoved) {

@@ -130,6 +130,23 @@ TEST_F(Following, TellsOfAWriterThatShowsNothing) {
     writer.end();
 }
 
+// The thread that watches has nobody to tell.
+TEST_F(Following, GoesOnWhenMemoryRunsOut) {
+    const auto database = open();
+    std::atomic<bool> isStruck = false;
+    const auto starving = database->follow([&](const auto&) {
+        if (!isStruck.exchange(true))
+            throw std::bad_alloc();
+    });
+    elsewhere([](SettingsDatabase& other) { return other.set("a", 1); });
+    for (int i = 0; i < 2000 && !isStruck; ++i)
+        std::this_thread::sleep_for(10ms);
+    EXPECT_TRUE(isStruck);
+    const auto following = follow(*database);
+    elsewhere([](SettingsDatabase& other) { return other.set("a", 2); });
+    EXPECT_THAT(told(1), ElementsAre("a 1 2"));
+}
+
 TEST_F(Following, SeesAFolderThatComesWhole) {
     const fs::path at = folder_.path();
     for (const int number : {1, 2})

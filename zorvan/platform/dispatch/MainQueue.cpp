@@ -4,11 +4,13 @@
 #include <zorvan/platform/dispatch/internal/MainDispatchQueue.h>
 #include <zorvan/platform/dispatch/internal/Turn.h>
 #include <zorvan/platform/foundation/fatalError.h>
+#include <zorvan/platform/foundation/internal/ForkParticipant.h>
 
 #include <algorithm>
 #include <array>
 #include <ctime>
 #include <exception>
+#include <memory>
 #include <poll.h>
 #include <utility>
 
@@ -22,6 +24,14 @@ void requireMainThread() {
     if (!NSThread::isMainThread())
         fatalError("The main queue can only be drained on the main thread.");
 }
+
+class AtFork final : public ForkParticipant {
+    void lock() override { MainDispatchQueue::shared()->lockForFork(); }
+    void end(bool isChild) override { MainDispatchQueue::shared()->endFork(isChild); }
+};
+
+constinit AtFork atFork;
+const ForkParticipant::Joined joined(atFork);
 
 /// Until the deadline, an hour at the most.
 timespec timeLeft(std::chrono::steady_clock::time_point deadline) {
@@ -160,6 +170,19 @@ std::size_t MainDispatchQueue::drain() {
         lock.lock();
     }
     return count;
+}
+
+void MainDispatchQueue::endFork(bool isChild) {
+    if (isChild) {
+        std::construct_at(&changed_); // where threads of the parent may be waiting
+        isPolling_ = false;
+        idleSource_ = nullptr;
+        if (event_)
+            event_->part();
+        if (event_ && !blocks_.empty())
+            event_->signal();
+    }
+    mutex_.unlock();
 }
 
 int MainDispatchQueue::fileDescriptor() {

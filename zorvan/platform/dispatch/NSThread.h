@@ -6,7 +6,7 @@ namespace zorvan {
 class NSThread {
 public:
     /// Whether the calling thread is the main thread: the one the process began with, whichever
-    /// thread loaded or first used this library.
+    /// thread loaded or first used this library. In a forked process that is the one that forked.
     static bool isMainThread() noexcept;
 };
 

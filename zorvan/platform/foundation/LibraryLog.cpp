@@ -1,5 +1,7 @@
 #include <zorvan/platform/foundation/LibraryLog.h>
 
+#include <zorvan/platform/foundation/internal/ForkParticipant.h>
+
 #include <cstdio>
 #include <memory>
 #include <mutex>
@@ -9,8 +11,10 @@ namespace zorvan {
 
 namespace {
 
+constinit internal::BriefMutex mutex;
+const internal::ForkParticipant::Joined joined(mutex);
+
 struct Shared {
-    std::mutex mutex;
     std::shared_ptr<const LibraryLog::Handler> handler;
 
     std::shared_ptr<const LibraryLog::Handler> current() {
@@ -52,7 +56,7 @@ bool tellHandler(const LibraryLog::Entry& entry) noexcept try {
 
 void LibraryLog::setHandler(Handler handler) {
     auto own = handler ? std::make_shared<const Handler>(std::move(handler)) : nullptr;
-    const std::lock_guard lock(shared().mutex);
+    const std::lock_guard lock(mutex);
     shared().handler.swap(own); // the old one goes without the lock
 }
 

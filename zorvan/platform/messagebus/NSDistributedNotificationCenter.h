@@ -17,8 +17,9 @@ namespace zorvan {
 ///
 /// Once `addObserver` has returned, everything posted from then on anywhere is delivered: on the
 /// observer's queue, or on the main queue when it has none; never within `post`. Notifications from
-/// one process arrive in the order posted. After `removeObserver` has returned, no block of the
-/// observer begins; one may still be running elsewhere. All functions may be called from any
+/// one process arrive in the order posted. What goes beyond 64 MiB of memory while observers are
+/// busy is dropped, and `LibraryLog` is told once. After `removeObserver` has returned, no block of
+/// the observer begins; one may still be running elsewhere. All functions may be called from any
 /// thread.
 ///
 /// They travel over the session bus. Where there is none they travel through sockets in

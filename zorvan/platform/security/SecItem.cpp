@@ -1,5 +1,6 @@
 #include <zorvan/platform/security/SecItem.h>
 
+#include <zorvan/platform/foundation/internal/ForkParticipant.h>
 #include <zorvan/platform/security/internal/Failure.h>
 #include <zorvan/platform/security/internal/ItemStore.h>
 #include <zorvan/platform/security/internal/Items.h>
@@ -8,7 +9,6 @@
 #include <chrono>
 #include <exception>
 #include <mutex>
-#include <pthread.h>
 #include <span>
 #include <sys/types.h>
 #include <unistd.h>
@@ -40,27 +40,25 @@ private:
 
 bool isModifying() { return modifyingProcess != 0; }
 
-void prepareFork() {
-    if (isModifying())
-        return;
-    itemsMutex.lock();
-    ItemStore::close();
-}
+class AtFork final : public internal::ForkParticipant {
+    bool tryToHold() override { return isModifying() || itemsMutex.try_lock(); }
+    void letGo() override {
+        if (!isModifying())
+            itemsMutex.unlock();
+    }
+    void prepare() override {
+        if (!isModifying())
+            ItemStore::close();
+    }
+    void end(bool) override { letGo(); }
+};
 
-void endFork() {
-    if (!isModifying())
-        itemsMutex.unlock();
-}
-
-void prepareForForks() {
-    static const int registered = ::pthread_atfork(prepareFork, endFork, endFork);
-    (void)registered;
-}
+constinit AtFork atFork;
+const internal::ForkParticipant::Joined joined(atFork);
 
 /// Does something with the user's items, one thread at a time.
 template <class Action>
 OSStatus withItems(Action action) {
-    prepareForForks();
     try {
         std::unique_lock lock(itemsMutex, std::defer_lock);
         if (!isModifying())

@@ -32,6 +32,10 @@ public:
     /// most, and it stays for good. From any thread.
     void setIdleSource(IdleSource& source);
 
+    // Around a fork. The child has the blocks, and nothing of the source.
+    void lockForFork() { mutex_.lock(); }
+    void endFork(bool isChild);
+
 private:
     void enqueue(Block block) override;
     void runSync(BlockReference block) override;

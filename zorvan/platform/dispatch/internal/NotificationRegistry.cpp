@@ -1,19 +1,27 @@
 #include <zorvan/platform/dispatch/internal/NotificationRegistry.h>
 
+#include <zorvan/platform/foundation/internal/ForkParticipant.h>
+
 #include <algorithm>
+#include <mutex>
 #include <utility>
 
 namespace zorvan {
 
 namespace {
+
 std::atomic<std::uint64_t> registriesMade = 0;
-}
+
+constinit internal::BriefMutex mutex; // of all registries
+const internal::ForkParticipant::Joined joined(mutex);
+
+} // namespace
 
 NSNotificationCenter::Registry::Registry() : identity_(++registriesMade) {}
 
 void NSNotificationCenter::Registry::add(const ObserverPointer& observer) {
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard lock(mutex);
         NotificationObserver::List& channel = channels_[observer->key];
         observer->position = channel.insert(channel.end(), observer);
         observer->number = nextNumber_++;
@@ -27,7 +35,7 @@ void NSNotificationCenter::Registry::remove(const ObserverPointer& observer) {
     NotificationObserver::List removed;
     decltype(channels_)::node_type emptied;
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard lock(mutex);
         if (observer->registry != identity_ || !observer->deactivate())
             return;
         const auto channel = channels_.find(observer->key);
@@ -67,7 +75,7 @@ NSNotificationCenter::Registry::Loan NSNotificationCenter::Registry::find(const 
                            [](const auto& a, const auto& b) { return a->number < b->number; });
     };
     Place::Former former; // released after the lock
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(mutex);
     if (key.sender) {
         add(key);
         add({nullptr, key.sender, key.owner});

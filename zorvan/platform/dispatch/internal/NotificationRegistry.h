@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <unordered_map>
 
 namespace zorvan {
@@ -82,7 +81,6 @@ private:
     Loan find(const KeyView& key);
 
     const std::uint64_t identity_;
-    std::mutex mutex_;
     std::unordered_map<Key, NotificationObserver::List, KeyHash, KeyEqual> channels_;
     std::uint64_t nextNumber_ = 0;
 

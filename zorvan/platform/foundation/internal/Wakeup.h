@@ -3,8 +3,10 @@
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <sys/eventfd.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace zorvan::internal {
 
@@ -22,6 +24,12 @@ public:
     void clear() const noexcept {
         eventfd_t count;
         ::eventfd_read(event_.get(), &count);
+    }
+
+    /// In a process that was forked: what happens here is none of the parent's any more.
+    void part() const noexcept {
+        if (const FileDescriptor own{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)})
+            ::dup3(own.get(), event_.get(), O_CLOEXEC);
     }
 
 private:

@@ -5,6 +5,7 @@
 #include <zorvan/platform/foundation/internal/Wakeup.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/foundation/internal/percentEscapes.h>
+#include <zorvan/platform/foundation/internal/unlessOutOfMemory.h>
 #include <zorvan/platform/messagebus/internal/Transport.h>
 #include <zorvan/platform/messagebus/internal/WireFormat.h>
 
@@ -36,7 +37,7 @@ constexpr const char* interfaceName = "org.zorvan.Notifications1";
 constexpr const char* signalName = "Posted";
 constexpr const char* signature = "say";         // the sort key and the message
 constexpr std::uint64_t callTimeout = 5'000'000; // microseconds
-constexpr auto reconnectInterval = std::chrono::seconds(1);
+constexpr auto betweenAttempts = std::chrono::seconds(1);
 constexpr int messagesInARow = 64;
 constexpr auto patience = std::chrono::milliseconds(5); // with a busy main thread
 
@@ -114,7 +115,13 @@ public:
 
     void want(const std::string& name) override {
         const std::lock_guard lock(mutex_);
-        addMatch(slots_.try_emplace(name).first);
+        Slot& slot = slots_[name];
+        sd_bus_slot* made = nullptr;
+        if (bus_ && sd_bus_add_match(bus_.get(), &made, matchRule(name).c_str(),
+                                     &BusTransport::keep, this) >= 0)
+            slot.reset(made);
+        else
+            nextAttempt_ = Clock::now();
         wakeup_.signal(); // the call may have read other messages on the way
     }
 
@@ -163,13 +170,42 @@ public:
     }
 
 private:
-    using Slots = std::map<std::string, Slot>;
+    /// Asks the bus again for what it did not grant, without waiting for its answer: meanwhile
+    /// others post.
+    void askAgain() {
+        const std::lock_guard lock(mutex_);
+        if (Clock::now() < nextAttempt_)
+            return;
+        nextAttempt_ = Clock::now() + betweenAttempts;
+        bool isAsked = true;
+        for (auto& [name, slot] : slots_)
+            isAsked = (slot || ask(name, slot)) && isAsked;
+        if (isAsked)
+            nextAttempt_ = never;
+    }
 
-    void addMatch(Slots::iterator place) {
-        sd_bus_slot* slot = nullptr;
-        if (bus_ && sd_bus_add_match(bus_.get(), &slot, matchRule(place->first).c_str(),
-                                     &BusTransport::keep, this) >= 0)
-            place->second.reset(slot);
+    bool ask(const std::string& name, Slot& slot) {
+        sd_bus_slot* made = nullptr;
+        if (sd_bus_add_match_async(bus_.get(), &made, matchRule(name).c_str(), &BusTransport::keep,
+                                   &BusTransport::takeAnswer, this) < 0)
+            return false;
+        slot.reset(made);
+        return true;
+    }
+
+    /// The answer to that. Called by the bus, under the lock.
+    static int takeAnswer(sd_bus_message* answer, void* self, sd_bus_error*) noexcept {
+        if (sd_bus_message_is_method_error(answer, nullptr) > 0)
+            static_cast<BusTransport*>(self)->dropRefused();
+        return 0;
+    }
+    void dropRefused() noexcept {
+        const sd_bus_slot* const refused = sd_bus_get_current_slot(bus_.get());
+        for (auto& [name, slot] : slots_)
+            if (slot.get() == refused)
+                slot.reset();
+        nextAttempt_ = Clock::now() + betweenAttempts;
+        wakeup_.signal();
     }
 
     /// Called by the bus, under the lock.
@@ -181,18 +217,24 @@ private:
             sd_bus_message_read(message, "s", &key) > 0 &&
             sd_bus_message_read_array(message, 'y', &bytes, &size) > 0 && size <= maxWireSize) {
             const auto* const first = static_cast<const std::byte*>(bytes);
-            static_cast<BusTransport*>(self)->received_.emplace_back(first, first + size);
+            unlessOutOfMemory([&] {
+                static_cast<BusTransport*>(self)->received_.emplace_back(first, first + size);
+            });
         }
         return 0;
     }
 
     void run() {
-        for (;;) {
-            if (deliver())
-                await();
-            else
-                reconnect();
-        }
+        for (;;)
+            if (!unlessOutOfMemory([this] { takeTurn(); }))
+                std::this_thread::sleep_for(betweenAttempts);
+    }
+
+    void takeTurn() {
+        if (!deliver())
+            return reconnect();
+        askAgain();
+        await();
     }
 
     /// Passes on some of what has arrived; false when the bus has gone.
@@ -225,6 +267,8 @@ private:
                           static_cast<short>(mainReceives_ ? events & POLLOUT : events), 0};
             if (sd_bus_get_timeout(bus_.get(), &until) < 0)
                 until = 0;
+            if (nextAttempt_ != never)
+                until = std::min(until, microseconds(nextAttempt_));
         }
         ::poll(entries.data(), entries.size(), timeLeft(until));
         wakeup_.clear();
@@ -247,14 +291,19 @@ private:
             watch_.start(left);
     }
 
+    /// On the monotonic clock.
+    static std::uint64_t microseconds(Clock::time_point time) {
+        const auto count =
+            std::chrono::duration_cast<std::chrono::microseconds>(time.time_since_epoch());
+        return static_cast<std::uint64_t>(count.count());
+    }
+
     /// In milliseconds, rounded up, until a time in microseconds on the monotonic clock; -1 for
     /// never.
     static int timeLeft(std::uint64_t until) {
         if (until == UINT64_MAX)
             return -1;
-        using namespace std::chrono;
-        const auto now = duration_cast<microseconds>(steady_clock::now().time_since_epoch());
-        const auto current = static_cast<std::uint64_t>(now.count());
+        const std::uint64_t current = microseconds(Clock::now());
         if (until <= current)
             return 0;
         return static_cast<int>(std::min<std::uint64_t>((until - current) / 1000 + 1, 60'000));
@@ -275,19 +324,20 @@ private:
             if (opened) {
                 const std::lock_guard lock(mutex_);
                 bus_ = std::move(opened);
-                for (auto place = slots_.begin(); place != slots_.end(); ++place)
-                    addMatch(place);
+                nextAttempt_ = Clock::now();
                 break;
             }
-            std::this_thread::sleep_for(reconnectInterval);
+            std::this_thread::sleep_for(betweenAttempts);
         }
+        askAgain();
         LibraryLog::write(
             {LibraryLog::Level::information, "messagebus", "The session bus is back."});
     }
 
     std::mutex mutex_;
-    Bus bus_; // null while the bus is gone
-    Slots slots_;
+    Bus bus_;                               // null while the bus is gone
+    std::map<std::string, Slot> slots_;     // null for what the bus has not granted
+    Clock::time_point nextAttempt_ = never; // to ask for that
     std::vector<Data> received_;
     std::mutex delivery_;                    // keeps the order of what is passed on; before mutex_
     std::atomic<bool> mainReceives_ = false; // changed under the lock

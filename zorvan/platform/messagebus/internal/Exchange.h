@@ -4,6 +4,7 @@
 #include <zorvan/platform/messagebus/internal/Transport.h>
 #include <zorvan/platform/messagebus/internal/WireFormat.h>
 
+#include <atomic>
 #include <cstddef>
 #include <map>
 #include <mutex>
@@ -25,9 +26,12 @@ public:
     void send(const internal::WireNotification& notification);
 
 private:
+    struct Arrival;
+    struct Observation;
     struct Registration {
         NSNotificationName name;
         std::shared_ptr<Sender> object; // the one object that stands for that text here
+        std::shared_ptr<Observation> observation;
     };
     struct Interest {
         NSNotificationName name;
@@ -36,7 +40,10 @@ private:
 
     void receive(std::span<const std::byte> bytes);
     std::shared_ptr<Sender> shared(const std::string& text);
+    void end(const NotificationObserver* observer);
     bool forget(const NotificationObserver* observer, std::string& unwanted);
+    std::shared_ptr<const void> roomFor(std::size_t size);
+    void giveBack(std::size_t size) noexcept;
 
     const std::shared_ptr<NSNotificationCenter> center_ = NSNotificationCenter::create();
 
@@ -45,6 +52,9 @@ private:
     std::unordered_map<const NotificationObserver*, Registration> registrations_;
     std::map<std::string, Interest, std::less<>> interests_;
     std::unordered_map<std::string, std::weak_ptr<Sender>> senders_;
+
+    std::atomic<std::size_t> waiting_ = 0; // bytes that have arrived for observers who are busy
+    std::atomic<bool> isFull_ = false;     // which has been told
 
     const std::unique_ptr<internal::Transport> transport_;
 };

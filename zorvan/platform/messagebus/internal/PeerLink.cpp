@@ -1,5 +1,6 @@
 #include <zorvan/platform/messagebus/internal/PeerLink.h>
 
+#include <zorvan/platform/foundation/internal/unlessOutOfMemory.h>
 #include <zorvan/platform/messagebus/internal/WireFormat.h>
 
 #include <algorithm>
@@ -58,8 +59,8 @@ bool IncomingLink::receive(const Transport::Receive& receive) {
     const ssize_t got = ::recv(descriptor(), chunk.data(), chunk.size(), MSG_DONTWAIT);
     if (got < 0)
         return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
-    buffer_.insert(buffer_.end(), chunk.begin(), chunk.begin() + got);
-    return got > 0 && passOn(receive);
+    const auto keep = [&] { buffer_.insert(buffer_.end(), chunk.begin(), chunk.begin() + got); };
+    return got > 0 && unlessOutOfMemory(keep) && passOn(receive);
 }
 
 bool IncomingLink::passOn(const Transport::Receive& receive) {

@@ -1,8 +1,11 @@
 #include <zorvan/platform/foundation/internal/Wakeup.h>
+#include <zorvan/platform/foundation/internal/unlessOutOfMemory.h>
 #include <zorvan/platform/messagebus/internal/PeerLink.h>
 #include <zorvan/platform/messagebus/internal/SocketDirectory.h>
 #include <zorvan/platform/messagebus/internal/Transport.h>
 
+#include <cerrno>
+#include <chrono>
 #include <cstddef>
 #include <iterator>
 #include <map>
@@ -19,6 +22,13 @@ namespace zorvan::internal {
 namespace {
 
 constexpr std::size_t maxIncoming = 256;
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::milliseconds rest{1000}; // when the process has no more of something
+
+bool isShort(int error) noexcept {
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOBUFS;
+}
 
 /// Every process listens in the shared folder and sends each message to all that do, itself
 /// included. So nobody is in the middle whose end would cut off the others.
@@ -65,23 +75,28 @@ private:
     }
 
     void run() {
-        for (;;) {
-            std::vector<pollfd> entries{{wakeup_.descriptor(), POLLIN, 0},
-                                        {listener_.get(), POLLIN, 0}};
-            if (incoming_.size() >= maxIncoming)
-                entries[1].fd = -1;
-            for (const IncomingLink& link : incoming_)
-                entries.push_back({link.descriptor(), POLLIN, 0});
-            const std::size_t known = entries.size();
-            addUnfinished(entries);
-            ::poll(entries.data(), entries.size(), -1);
-            wakeup_.clear();
-            receiveFrom(std::span(entries).subspan(2, known - 2));
-            if (entries[1].revents != 0)
-                accept();
-            const std::lock_guard lock(mutex_);
-            flush();
-        }
+        for (;;)
+            if (!unlessOutOfMemory([this] { takeTurn(); }))
+                std::this_thread::sleep_for(rest);
+    }
+
+    void takeTurn() {
+        std::vector<pollfd> entries{{wakeup_.descriptor(), POLLIN, 0},
+                                    {listener_.get(), POLLIN, 0}};
+        const bool isResting = Clock::now() < nextAccept_;
+        if (isResting || incoming_.size() >= maxIncoming)
+            entries[1].fd = -1;
+        for (const IncomingLink& link : incoming_)
+            entries.push_back({link.descriptor(), POLLIN, 0});
+        const std::size_t known = entries.size();
+        addUnfinished(entries);
+        ::poll(entries.data(), entries.size(), isResting ? static_cast<int>(rest.count()) : -1);
+        wakeup_.clear();
+        receiveFrom(std::span(entries).subspan(2, known - 2));
+        if (entries[1].revents != 0)
+            accept();
+        const std::lock_guard lock(mutex_);
+        flush();
     }
 
     void addUnfinished(std::vector<pollfd>& entries) {
@@ -101,6 +116,8 @@ private:
 
     void accept() {
         FileDescriptor socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+        if (!socket && isShort(errno))
+            nextAccept_ = Clock::now() + rest; // else the one who waits keeps us busy
         if (socket && isOwnUsers(socket.get()))
             incoming_.emplace_back(std::move(socket));
     }
@@ -109,7 +126,9 @@ private:
     SocketDirectory directory_;
     Peers peers_;
     const FileDescriptor listener_;
-    std::vector<IncomingLink> incoming_; // of the polling thread
+    // Of the polling thread:
+    std::vector<IncomingLink> incoming_;
+    Clock::time_point nextAccept_;
     const Wakeup wakeup_;
     const Receive receive_;
 };

@@ -1,7 +1,9 @@
 #include <zorvan/platform/settingsdatabase/internal/FileWatch.h>
 
 #include <zorvan/platform/foundation/internal/placeItem.h>
+#include <zorvan/platform/foundation/internal/unlessOutOfMemory.h>
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
@@ -13,7 +15,6 @@
 #include <system_error>
 #include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace zorvan::internal {
 
@@ -161,7 +162,7 @@ void FileWatch::handle(std::span<const std::byte> bytes, Calls& calls) {
 }
 
 void FileWatch::run() {
-    std::vector<std::byte> buffer(1 << 14);
+    std::array<std::byte, 1 << 14> buffer;
     Calls recent; // to be made again
     std::size_t look = looks;
     const int events = events_;
@@ -173,20 +174,23 @@ void FileWatch::run() {
         Calls calls;
         if (ready > 0) {
             const ssize_t size = ::read(events, buffer.data(), buffer.size());
-            if (size > 0)
-                handle(std::span(buffer).first(static_cast<std::size_t>(size)), calls);
-            if (!calls.empty()) {
-                look = 0;
+            unlessOutOfMemory([&] {
+                if (size > 0)
+                    handle(std::span(buffer).first(static_cast<std::size_t>(size)), calls);
                 recent.insert(calls.begin(), calls.end());
-            }
+            });
+            if (!calls.empty())
+                look = 0;
         } else if (ready == 0) {
             ++look;
-            calls = recent;
+            calls.swap(recent);
         }
-        if (look == looks)
-            recent.clear();
-        for (const auto& [number, call] : calls)
-            call.handler(call.isPlaced);
+        for (const auto& each : calls) {
+            const Call& call = each.second;
+            unlessOutOfMemory([&] { call.handler(call.isPlaced); }); // else the next look finds it
+        }
+        if (ready == 0 && look < looks)
+            recent.swap(calls);
     }
 }
 

@@ -47,6 +47,7 @@ public:
     bool holdForFork();
     void letGoForFork();
     void prepareFork();
+    void lockForFork();
     void endFork(bool isChild);
     /// At the end of the process the same; what is in memory is stored before.
     void end();
@@ -116,6 +117,7 @@ private:
 
     // Among all of the process:
     struct Process;
+    class AtFork;
     void join();
     void leave();
     static bool hasEnded() noexcept;

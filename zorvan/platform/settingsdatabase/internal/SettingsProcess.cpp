@@ -1,11 +1,9 @@
 #include <zorvan/platform/settingsdatabase/internal/SettingsProcess.h>
 
+#include <zorvan/platform/foundation/internal/ForkParticipant.h>
 #include <zorvan/platform/settingsdatabase/internal/SettingsCore.h>
 
-#include <chrono>
-#include <pthread.h>
 #include <set>
-#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -31,6 +29,18 @@ struct SettingsDatabase::Core::Process {
         return process;
     }
 
+    /// Whether nobody uses any of them from here on, but for a transaction that forks.
+    bool tryToHold() {
+        for (auto core = cores.begin(); core != cores.end(); ++core) {
+            if ((*core)->holdForFork())
+                continue;
+            while (core != cores.begin())
+                (*--core)->letGoForFork();
+            return false;
+        }
+        return true;
+    }
+
 private:
     /// Closes the databases, so that their logs are gone.
     struct AtEnd {
@@ -42,50 +52,48 @@ private:
                 core->end();
         }
     };
+};
 
-    Process() { ::pthread_atfork(prepare, endInParent, endInChild); }
-
-    /// Whether nobody uses any of them from here on, but for a transaction that forks.
-    bool hold() {
-        for (auto core = cores.begin(); core != cores.end(); ++core) {
-            if ((*core)->holdForFork())
-                continue;
-            while (core != cores.begin())
-                (*--core)->letGoForFork();
+class SettingsDatabase::Core::AtFork final : public internal::ForkParticipant {
+    bool tryToHold() override {
+        std::unique_lock opening(OpenDatabases::shared().mutex, std::try_to_lock);
+        std::unique_lock joining(Process::shared().mutex, std::try_to_lock);
+        if (!opening || !joining || !Process::shared().tryToHold())
             return false;
-        }
+        opening.release();
+        joining.release();
         return true;
     }
-
-    static void prepare() {
-        Process& process = shared();
-        for (;;) {
-            OpenDatabases::shared().mutex.lock();
-            process.mutex.lock();
-            if (process.hold())
-                break;
-            // Whoever uses a database may be about to open another, for which it needs these two.
-            process.mutex.unlock();
-            OpenDatabases::shared().mutex.unlock();
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        for (Core* const core : process.cores)
+    void letGo() override {
+        for (Core* const core : Process::shared().cores)
+            core->letGoForFork();
+        Process::shared().mutex.unlock();
+        OpenDatabases::shared().mutex.unlock();
+    }
+    void prepare() override {
+        for (Core* const core : Process::shared().cores)
             core->prepareFork();
+    }
+    void lock() override {
+        for (Core* const core : Process::shared().cores)
+            core->lockForFork();
         FileWatch::shared().lock();
     }
-    static void end(bool isChild) {
+    void end(bool isChild) override {
         if (isChild)
             FileWatch::shared().forgetInChild();
         FileWatch::shared().unlock();
-        Process& process = shared();
-        for (Core* const core : process.cores)
+        for (Core* const core : Process::shared().cores)
             core->endFork(isChild);
-        process.mutex.unlock();
-        OpenDatabases::shared().mutex.unlock();
+        letGo();
     }
-    static void endInParent() { end(false); }
-    static void endInChild() { end(true); }
+
+    static AtFork shared_;
+    static const Joined joined_;
 };
+
+constinit SettingsDatabase::Core::AtFork SettingsDatabase::Core::AtFork::shared_;
+const internal::ForkParticipant::Joined SettingsDatabase::Core::AtFork::joined_(shared_);
 
 void SettingsDatabase::Core::join() {
     Process& process = Process::shared();
@@ -133,11 +141,14 @@ void SettingsDatabase::Core::letGoForFork() {
 /// A connection cannot be taken along into a child process: its locks stay behind, and what it has
 /// mapped is cut short by others, who do not know of the child.
 void SettingsDatabase::Core::prepareFork() {
-    if (!isForkedWithin_) {
-        if (file_ && isOwnProcess())
-            file_->setCheckpointOnClose(false); // which is quick
-        park();
-    }
+    if (isForkedWithin_)
+        return;
+    if (file_ && isOwnProcess())
+        file_->setCheckpointOnClose(false); // which is quick
+    park();
+}
+
+void SettingsDatabase::Core::lockForFork() {
     holding_.lock();
     following_.lock();
 }
@@ -151,7 +162,6 @@ void SettingsDatabase::Core::endFork(bool isChild) {
     }
     following_.unlock();
     holding_.unlock();
-    letGoForFork();
 }
 
 void SettingsDatabase::Core::end() {
