@@ -5,8 +5,8 @@
 #include <zorvan/interface/TintedButton.h>
 #include <zorvan/media/NSColor.h>
 
+#include <QDialog>
 #include <QPaintEvent>
-#include <QTimer>
 #include <QWheelEvent>
 
 namespace {
@@ -324,8 +324,10 @@ TEST_F(QtWindowHostTest, EverythingMayGoInItsOwnAction) {
     const auto field = addSearchField();
     char letter = 'a';
     for (const auto& end : ends) {
-        for (const bool isTyped : {false, true}) {
-            SCOPED_TRACE(std::to_string(&end - ends) + (isTyped ? " typed" : " clicked"));
+        for (int way = 0; way < 4; ++way) {
+            const bool isTyped = way % 2 > 0, isAsked = way > 1;
+            SCOPED_TRACE(std::to_string(&end - ends) + (isTyped ? " typed" : " clicked") +
+                         (isAsked ? " and asked" : ""));
             window->setContentView(content);
             content->addSubview(button);
             window->setToolbar(searchBar->toolbar());
@@ -335,7 +337,8 @@ TEST_F(QtWindowHostTest, EverythingMayGoInItsOwnAction) {
             done.clear();
             const Selector action("end", [&] {
                 done = "end";
-                end();
+                isAsked ? ask(end) : end();
+                EXPECT_TRUE(used) << "still in its event";
             });
             button->setAction(action);
             field->setAction(action);
@@ -354,6 +357,8 @@ TEST_F(QtWindowHostTest, OpensMenus) {
     const auto menu = NSMenu::create("Menu"), inner = NSMenu::create();
     const auto item = NSMenuItem::create("Cut & paste", does("a"));
     item->setKeyEquivalent("c");
+            const QPointer<QWidget> used =
+                widgetFor(isTyped ? static_cast<NSView&>(*field) : *button);
     item->setState(true);
     menu->addItem(item);
     menu->addItem(NSMenuItem::separatorItem());
@@ -402,6 +407,19 @@ TEST_F(QtWindowHostDeathTest, StopsTheProgram) {
             }
         };
         EXPECT_DEATH(catching(), "no way");
+TEST_F(QtWindowHostTest, APressEndsWhenAMenuOrADialogOpens) {
+    const auto menu = NSMenu::create();
+    QDialog dialog(&top());
+    const std::function<void()> ways[] = {[&] { menu->popUp(); }, [&] { dialog.open(); }};
+    for (const auto& open : ways) {
+        button->setAction(Selector("open", open));
+        QTest::mousePress(widgetFor(*button), Qt::LeftButton);
+        EXPECT_FALSE(button->tintedButtonCell()->isPressed());
+        if (openMenu())
+            openMenu()->close();
+    }
+}
+
     }
     openMenu()->close();
 }

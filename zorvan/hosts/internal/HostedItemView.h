@@ -115,7 +115,10 @@ protected:
         return movable;
     }
 
-    bool viewportEvent(QEvent* event) noexcept override { return ItemView::viewportEvent(event); }
+    bool viewportEvent(QEvent* event) noexcept override {
+        const EventInProgress inProgress;
+        return ItemView::viewportEvent(event);
+    }
 
     void keyPressEvent(QKeyEvent* event) override {
         const auto keptAlive = view_;

@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/QtMenus.h>
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/icons.h>
 #include <zorvan/hosts/internal/qtEvents.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
@@ -61,8 +62,10 @@ QAction& addLine(QMenu& menu, const QIcon& icon, const QString& text, bool isEna
                  std::function<void()> choose) {
     QAction& action = *menu.addAction(icon, text);
     action.setEnabled(isEnabled);
-    QObject::connect(&action, &QAction::triggered, &menu,
-                     [choose = std::move(choose)]() noexcept { choose(); });
+    QObject::connect(&action, &QAction::triggered, &menu, [choose = std::move(choose)]() noexcept {
+        const EventInProgress inProgress;
+        choose();
+    });
     return action;
 }
 

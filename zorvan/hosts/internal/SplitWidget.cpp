@@ -41,8 +41,10 @@ SplitWidget::SplitWidget(const std::shared_ptr<NSSplitView>& split, QWidget* par
     setHandleWidth(wholeLength(split->dividerThickness()));
     follow();
     subviewsDidChange();
-    connect(this, &QSplitter::splitterMoved, this,
-            [this](int, int index) noexcept { dividerMoved(index); });
+    connect(this, &QSplitter::splitterMoved, this, [this](int, int index) noexcept {
+        const EventInProgress inProgress;
+        dividerMoved(index);
+    });
 }
 
 QSplitterHandle* SplitWidget::createHandle() { return new Handle(orientation(), this); }

@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/ViewMirror.h>
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/ViewWidget.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
@@ -97,7 +98,7 @@ std::vector<QWidget*> shownIn(const QWidget& holder) {
 void letGo(QWidget& widget) {
     widget.hide();
     widget.setParent(nullptr);
-    widget.deleteLater();
+    retireWidget(widget);
 }
 
 void letGoOfAllBut(const QWidget& holder, const std::vector<std::shared_ptr<NSView>>& views) {

@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/WindowWidget.h>
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/ViewMirror.h>
 #include <zorvan/hosts/internal/barItems.h>
 #include <zorvan/hosts/internal/makeWidget.h>
@@ -32,7 +33,10 @@ public:
     QSize sizeHint() const override { return toQSize(window_->contentSize()); }
 
 protected:
-    bool event(QEvent* event) noexcept override { return QWidget::event(event); }
+    bool event(QEvent* event) noexcept override {
+        const EventInProgress inProgress;
+        return QWidget::event(event);
+    }
     void resizeEvent(QResizeEvent*) override {
         const auto keptAlive = window_;
         keptAlive->setContentSize({static_cast<double>(width()), static_cast<double>(height())});
@@ -72,8 +76,7 @@ void WindowWidget::retire() {
     observer_.reset();
     for (const auto& subscriber : subscribers_)
         subscriber->unsubscribe();
-    hide();
-    deleteLater();
+    retireWidget(*this);
 }
 
 void WindowWidget::subscribe(std::string_view name, void (WindowWidget::*act)()) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/ItemBar.h>
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/observation/NoteSubscriber.h>
@@ -23,7 +24,10 @@ public:
     void retire();
 
 protected:
-    bool event(QEvent* event) noexcept override { return QMainWindow::event(event); }
+    bool event(QEvent* event) noexcept override {
+        const EventInProgress inProgress;
+        return QMainWindow::event(event);
+    }
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
