@@ -213,6 +213,45 @@ TEST_F(CollectionHostTest, FollowsEditionsExactly) {
 TEST_F(CollectionHostTest, SectionsFollowEachOther) {
     source->sections = {{0, 1, 2}, {}, {3, 4}};
     view->reloadData();
+TEST_F(CollectionHostTest, ABandBeginsWithTheLeftButtonOnly) {
+    click(1);
+    QTest::mousePress(shown().viewport(), Qt::RightButton, {}, {45, 5}); // a menu gets the release
+    view->setSelectionIndexPaths({{1, 0}});
+    click(6, Qt::ShiftModifier);
+    EXPECT_EQ(selected(), IndexSet({1, 2, 3, 4, 5, 6}));
+}
+
+/// Squares, two in a line: what is wider is higher too.
+struct Squares : NSCollectionViewFlowLayout {
+    Squares() : NSCollectionViewFlowLayout(CGSize(1, 1), 0) {}
+    void prepare(const std::vector<std::int64_t>& itemCounts, double width) override {
+        ++prepared;
+        NSCollectionViewFlowLayout::operator=(
+            NSCollectionViewFlowLayout(CGSize(width / 2, width / 2), 0));
+        NSCollectionViewFlowLayout::prepare(itemCounts, width);
+    }
+    int prepared = 0;
+};
+
+TEST_F(CollectionHostTest, TheScrollBarStaysWhereItsRoomWouldNeedIt) {
+    source->sections[0].resize(4);
+    view->reloadData();
+    const auto squares = std::make_shared<Squares>();
+    view->setCollectionViewLayout(squares);
+    for (const double height : {230.0, 215.0, 230.0}) {
+        window->setContentSize({220, height});
+        EXPECT_EQ(shown().verticalScrollBar()->isVisible(), height < 220);
+        const int prepared = squares->prepared;
+        settle();
+        EXPECT_EQ(squares->prepared, prepared) << "comes to rest";
+    }
+    source->sections[0].resize(400000);
+    view->reloadData();
+    click(0);
+    press(Qt::Key_End);
+    EXPECT_TRUE(shown().viewport()->rect().contains(middleOf(399999))) << "however far it is";
+}
+
     EXPECT_EQ(model().rowCount(), 5);
     EXPECT_EQ(text(3), "item 3");
     const QPersistentModelIndex held = at(4);

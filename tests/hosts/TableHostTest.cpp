@@ -147,6 +147,33 @@ TEST_F(TableHostTest, ClicksSelectAndAreTold) {
 }
 
 TEST_F(TableHostTest, TheKeyboardDoesEverything) {
+struct MenuTable : NSTableView {
+    MenuTable() : NSTableView(Key{}, CGRect()) {}
+    std::shared_ptr<NSMenu> menu(const NSEvent& with) override {
+        asked = row(convertFromBase(with.locationInWindow).y);
+        return nullptr;
+    }
+    std::int64_t asked = -1;
+};
+
+TEST_F(TableHostTest, MenusAreForTheRowThatIsMeant) {
+    const auto asking = std::make_shared<MenuTable>();
+    asking->setNumberOfColumns(1);
+    asking->setRowHeight(20.5);
+    asking->setDataSource(source);
+    scrollView->setDocumentView(asking);
+    shown().verticalScrollBar()->setValue(300);
+    shown().setCurrentIndex(at(18));
+    for (const auto& [reason, row] :
+         {std::pair(QContextMenuEvent::Mouse, 16), {QContextMenuEvent::Keyboard, 18}}) {
+        QContextMenuEvent event(reason, middleOf(16),
+                                shown().viewport()->mapToGlobal(middleOf(16)));
+        QCoreApplication::sendEvent(shown().viewport(), &event);
+        EXPECT_EQ(asking->asked, row);
+        EXPECT_EQ(asking->clickedRow(), row);
+    }
+}
+
     shown().setFocus();
     EXPECT_EQ(window->firstResponder(), table);
     press(Qt::Key_Right);

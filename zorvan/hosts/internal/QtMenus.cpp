@@ -112,9 +112,13 @@ void openContextMenu(const std::shared_ptr<NSView>& view, QWidget& widget,
                      QContextMenuEvent& event) {
     const bool isByKey = event.reason() == QContextMenuEvent::Keyboard;
     const QPoint at = isByKey ? widget.rect().center() : event.pos();
-    NSEvent asked{.type = NSEvent::EventType::rightMouseDown,
-                  .locationInWindow = view->convertToBase(toView(*view, at))};
-    const auto menu = view->menu(asked);
+    openContextMenu(view, toView(*view, at), widget, at, event);
+}
+
+void openContextMenu(const std::shared_ptr<NSView>& view, CGPoint asked, QWidget& widget, QPoint at,
+                     QContextMenuEvent& event) {
+    const auto menu = view->menu({.type = NSEvent::EventType::rightMouseDown,
+                                  .locationInWindow = view->convertToBase(asked)});
     event.setAccepted(menu != nullptr);
     if (menu)
         open(*menu, &widget, widget.mapToGlobal(at));
