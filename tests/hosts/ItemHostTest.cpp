@@ -72,6 +72,17 @@ TEST_F(OutlineHostTest, ExpandsFromBothSidesAndFollowsReloads) {
     EXPECT_EQ(rows(), "");
 }
 
+TEST_F(OutlineHostTest, ManyRowsExpandSoon) {
+    for (int i = 0; i < 30000; ++i)
+        tree->top.push_back(node("h", {node("i")}));
+    outline->reloadData();
+    settle();
+    const auto start = std::chrono::steady_clock::now();
+    outline->expandAllItems();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_TRUE(shown<QTreeView>().isExpanded(at(30001)));
+}
+
 struct Items : NSCollectionViewDataSource {
     std::int64_t numberOfSections(const NSCollectionView&) const override {
         return std::ssize(sections);
@@ -202,17 +213,6 @@ TEST_F(CollectionHostTest, ARubberBandSelects) {
     EXPECT_FALSE(shown().indexAt({20, 20}).isValid());
 }
 
-TEST_F(CollectionHostTest, FollowsEditionsExactly) {
-    source->sections[0].clear();
-    view->reloadData();
-    expectExactEditions(source->sections[0], [&](const SelectableArrayEdition& edition) {
-        view->reloadEditedData(edition);
-    });
-}
-
-TEST_F(CollectionHostTest, SectionsFollowEachOther) {
-    source->sections = {{0, 1, 2}, {}, {3, 4}};
-    view->reloadData();
 TEST_F(CollectionHostTest, ABandBeginsWithTheLeftButtonOnly) {
     click(1);
     QTest::mousePress(shown().viewport(), Qt::RightButton, {}, {45, 5}); // a menu gets the release
@@ -252,6 +252,17 @@ TEST_F(CollectionHostTest, TheScrollBarStaysWhereItsRoomWouldNeedIt) {
     EXPECT_TRUE(shown().viewport()->rect().contains(middleOf(399999))) << "however far it is";
 }
 
+TEST_F(CollectionHostTest, FollowsEditionsExactly) {
+    source->sections[0].clear();
+    view->reloadData();
+    expectExactEditions(source->sections[0], [&](const SelectableArrayEdition& edition) {
+        view->reloadEditedData(edition);
+    });
+}
+
+TEST_F(CollectionHostTest, SectionsFollowEachOther) {
+    source->sections = {{0, 1, 2}, {}, {3, 4}};
+    view->reloadData();
     EXPECT_EQ(model().rowCount(), 5);
     EXPECT_EQ(text(3), "item 3");
     const QPersistentModelIndex held = at(4);
