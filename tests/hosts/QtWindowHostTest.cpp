@@ -34,6 +34,7 @@ public:
 
     void draw(Canvas& canvas) const override { canvas.fill(bounds(), colour); }
     bool acceptsFirstResponder() const override { return true; }
+    bool resignFirstResponder() override { return !keeps; }
     void mouseDown(const NSEvent& with) override { seen += std::to_string(with.clickCount); }
     void mouseDragged(const NSEvent&) override { seen += 'd'; }
     void mouseUp(const NSEvent&) override { seen += 'u'; }
@@ -51,6 +52,7 @@ public:
 
     Canvas::Colour colour{10, 200, 30};
     std::string seen;
+    bool keeps = false;
     NSEvent::ModifierFlags flags;
 };
 
@@ -215,6 +217,25 @@ TEST_F(QtWindowHostTest, TheKeyboardReachesEverything) {
     EXPECT_NE(window->firstResponder(), probe) << "out of sight";
 }
 
+TEST_F(QtWindowHostTest, TabGoesAsTheViewsSay) {
+    std::vector<std::shared_ptr<Probe>> probes;
+    for (int i = 0; i < 3; ++i)
+        content->addSubview(probes.emplace_back(Probe::create({160, 20.0 * i, 60, 20})));
+    button->removeFromSuperview();
+    host = nullptr;
+    probes[2]->setNextKeyView(probes[1]);
+    probes[0]->setNextKeyView(probes[2]);
+    show();
+    for (const int next : {2, 1, 0}) {
+        press(Qt::Key_Tab);
+        EXPECT_EQ(window->firstResponder(), probes[static_cast<std::size_t>(next)]);
+    }
+    probes[0]->keeps = true;
+    press(Qt::Key_Tab);
+    press(Qt::Key_X);
+    EXPECT_EQ(probes[0]->seen, "x") << "a view that keeps the keyboard goes on with it";
+}
+
 TEST_F(QtWindowHostTest, TheKeyboardIsInTheContentAtFirst) {
     const auto field = addSearchField();
     const auto reopen = [this](const std::shared_ptr<NSView>& responder) {
@@ -335,6 +356,8 @@ TEST_F(QtWindowHostTest, EverythingMayGoInItsOwnAction) {
                 host = QtWindowHost::show(window);
             window->makeMainWindow();
             done.clear();
+            const QPointer<QWidget> used =
+                widgetFor(isTyped ? static_cast<NSView&>(*field) : *button);
             const Selector action("end", [&] {
                 done = "end";
                 isAsked ? ask(end) : end();
@@ -357,8 +380,6 @@ TEST_F(QtWindowHostTest, OpensMenus) {
     const auto menu = NSMenu::create("Menu"), inner = NSMenu::create();
     const auto item = NSMenuItem::create("Cut & paste", does("a"));
     item->setKeyEquivalent("c");
-            const QPointer<QWidget> used =
-                widgetFor(isTyped ? static_cast<NSView&>(*field) : *button);
     item->setState(true);
     menu->addItem(item);
     menu->addItem(NSMenuItem::separatorItem());
@@ -386,6 +407,19 @@ TEST_F(QtWindowHostTest, OpensMenus) {
     openMenu()->close();
 }
 
+TEST_F(QtWindowHostTest, APressEndsWhenAMenuOrADialogOpens) {
+    const auto menu = NSMenu::create();
+    QDialog dialog(&top());
+    const std::function<void()> ways[] = {[&] { menu->popUp(); }, [&] { dialog.open(); }};
+    for (const auto& open : ways) {
+        button->setAction(Selector("open", open));
+        QTest::mousePress(widgetFor(*button), Qt::LeftButton);
+        EXPECT_FALSE(button->tintedButtonCell()->isPressed());
+        if (openMenu())
+            openMenu()->close();
+    }
+}
+
 using QtWindowHostDeathTest = QtWindowHostTest;
 
 TEST_F(QtWindowHostDeathTest, StopsTheProgram) {
@@ -407,19 +441,6 @@ TEST_F(QtWindowHostDeathTest, StopsTheProgram) {
             }
         };
         EXPECT_DEATH(catching(), "no way");
-TEST_F(QtWindowHostTest, APressEndsWhenAMenuOrADialogOpens) {
-    const auto menu = NSMenu::create();
-    QDialog dialog(&top());
-    const std::function<void()> ways[] = {[&] { menu->popUp(); }, [&] { dialog.open(); }};
-    for (const auto& open : ways) {
-        button->setAction(Selector("open", open));
-        QTest::mousePress(widgetFor(*button), Qt::LeftButton);
-        EXPECT_FALSE(button->tintedButtonCell()->isPressed());
-        if (openMenu())
-            openMenu()->close();
-    }
-}
-
     }
     openMenu()->close();
 }

@@ -26,8 +26,9 @@ protected:
 
     void focusInEvent(QFocusEvent* event) override {
         Widget::focusInEvent(event);
-        if (const auto window = view_->window())
-            window->makeFirstResponder(view_);
+        const auto window = view_->window();
+        if (window && !window->makeFirstResponder(view_))
+            this->giveFocusBack(*window);
     }
 
     const std::shared_ptr<View> view_;

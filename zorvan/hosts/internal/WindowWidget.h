@@ -20,6 +20,9 @@ public:
 
     const std::shared_ptr<NSWindow>& shownWindow() const noexcept { return window_; }
 
+    /// Has Tab go as the views say, once all that comes in this turn of the event loop is there.
+    void orderKeyViewsLater();
+
     /// Goes, once the event in progress, which may have asked for it, is done with.
     void retire();
 
@@ -57,6 +60,7 @@ private:
     bool isSizedByDesktop() const;
     void comeToFront();
     void followLooks();
+    void orderKeyViews();
 
     const std::shared_ptr<NSWindow> window_;
     std::vector<std::shared_ptr<NoteSubscriber>> subscribers_;
@@ -67,6 +71,7 @@ private:
     ContentHolder* const holder_;
     ItemBar* touchBar_ = nullptr;
     bool isClosing_ = false;
+    bool willOrderKeyViews_ = false;
 };
 
 } // namespace zorvan::internal
