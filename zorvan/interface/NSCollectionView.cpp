@@ -364,6 +364,7 @@ void NSCollectionView::checkAgainstSource() const {
 }
 
 void NSCollectionView::reloadEditedData(const SelectableArrayEdition& edition) {
+    const auto keptAlive = weak_from_this().lock(); // whoever is told may let it go
     using Edition = SelectableArrayEdition;
     if (const auto* insert = edition.as<Edition::Insert>()) {
         const IndexSet at({.loc = insert->at, .len = insert->count});
