@@ -300,6 +300,15 @@ TEST_F(QtWindowHostTest, ASplitViewIsASplitter) {
     EXPECT_EQ(split->subviews()[0]->frame().width(), dragged);
     top().resize(top().size() + QSize(100, 0));
     EXPECT_EQ(split->position(0), dragged) << "another size goes to the last";
+    for (int i = 0; i < 2; ++i)
+        split->setMinimumLength(50, i);
+    for (const int width : {110, 80, 300}) {
+        top().resize(width, 160);
+        for (int i = 0; i < 2; ++i)
+            EXPECT_EQ(splitter->sizes()[i],
+                      split->subviews()[static_cast<std::size_t>(i)]->frame().width());
+    }
+    split->setMinimumLength(0, 0);
     split->setPosition(0, 0);
     EXPECT_EQ(splitter->sizes()[0], 0);
     split->subviews()[0]->removeFromSuperview();
