@@ -9,11 +9,14 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QEventLoop>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QSplitter>
 #include <QTest>
+#include <QTimer>
 
 /// A window of 240 x 160 points with an empty content view, shown without a screen.
 class HostTest : public testing::Test {
@@ -97,6 +100,13 @@ protected:
         QWidget* const focused = QApplication::focusWidget();
         QTest::keyClick(focused ? focused : &host->widget(), key, modifiers);
         settle();
+    }
+    /// An event loop of its own, as a question to the user is, in which that happens.
+    static void ask(const std::function<void()>& meanwhile) {
+        QEventLoop question;
+        QTimer::singleShot(0, &question, meanwhile);
+        QTimer::singleShot(1, &question, &QEventLoop::quit);
+        question.exec();
     }
     /// The menu that is open; null for none.
     static QMenu* openMenu() {

@@ -72,6 +72,17 @@ TEST_F(OutlineHostTest, ExpandsFromBothSidesAndFollowsReloads) {
     EXPECT_EQ(rows(), "");
 }
 
+TEST_F(OutlineHostTest, ManyRowsExpandSoon) {
+    for (int i = 0; i < 30000; ++i)
+        tree->top.push_back(node("h", {node("i")}));
+    outline->reloadData();
+    settle();
+    const auto start = std::chrono::steady_clock::now();
+    outline->expandAllItems();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_TRUE(shown<QTreeView>().isExpanded(at(30001)));
+}
+
 struct Items : NSCollectionViewDataSource {
     std::int64_t numberOfSections(const NSCollectionView&) const override {
         return std::ssize(sections);
@@ -200,6 +211,45 @@ TEST_F(CollectionHostTest, ARubberBandSelects) {
     view->setCollectionViewLayout(nullptr);
     press(Qt::Key_Down);
     EXPECT_FALSE(shown().indexAt({20, 20}).isValid());
+}
+
+TEST_F(CollectionHostTest, ABandBeginsWithTheLeftButtonOnly) {
+    click(1);
+    QTest::mousePress(shown().viewport(), Qt::RightButton, {}, {45, 5}); // a menu gets the release
+    view->setSelectionIndexPaths({{1, 0}});
+    click(6, Qt::ShiftModifier);
+    EXPECT_EQ(selected(), IndexSet({1, 2, 3, 4, 5, 6}));
+}
+
+/// Squares, two in a line: what is wider is higher too.
+struct Squares : NSCollectionViewFlowLayout {
+    Squares() : NSCollectionViewFlowLayout(CGSize(1, 1), 0) {}
+    void prepare(const std::vector<std::int64_t>& itemCounts, double width) override {
+        ++prepared;
+        NSCollectionViewFlowLayout::operator=(
+            NSCollectionViewFlowLayout(CGSize(width / 2, width / 2), 0));
+        NSCollectionViewFlowLayout::prepare(itemCounts, width);
+    }
+    int prepared = 0;
+};
+
+TEST_F(CollectionHostTest, TheScrollBarStaysWhereItsRoomWouldNeedIt) {
+    source->sections[0].resize(4);
+    view->reloadData();
+    const auto squares = std::make_shared<Squares>();
+    view->setCollectionViewLayout(squares);
+    for (const double height : {230.0, 215.0, 230.0}) {
+        window->setContentSize({220, height});
+        EXPECT_EQ(shown().verticalScrollBar()->isVisible(), height < 220);
+        const int prepared = squares->prepared;
+        settle();
+        EXPECT_EQ(squares->prepared, prepared) << "comes to rest";
+    }
+    source->sections[0].resize(400000);
+    view->reloadData();
+    click(0);
+    press(Qt::Key_End);
+    EXPECT_TRUE(shown().viewport()->rect().contains(middleOf(399999))) << "however far it is";
 }
 
 TEST_F(CollectionHostTest, FollowsEditionsExactly) {

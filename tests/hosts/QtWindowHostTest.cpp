@@ -5,8 +5,8 @@
 #include <zorvan/interface/TintedButton.h>
 #include <zorvan/media/NSColor.h>
 
+#include <QDialog>
 #include <QPaintEvent>
-#include <QTimer>
 #include <QWheelEvent>
 
 namespace {
@@ -34,6 +34,7 @@ public:
 
     void draw(Canvas& canvas) const override { canvas.fill(bounds(), colour); }
     bool acceptsFirstResponder() const override { return true; }
+    bool resignFirstResponder() override { return !keeps; }
     void mouseDown(const NSEvent& with) override { seen += std::to_string(with.clickCount); }
     void mouseDragged(const NSEvent&) override { seen += 'd'; }
     void mouseUp(const NSEvent&) override { seen += 'u'; }
@@ -51,6 +52,7 @@ public:
 
     Canvas::Colour colour{10, 200, 30};
     std::string seen;
+    bool keeps = false;
     NSEvent::ModifierFlags flags;
 };
 
@@ -215,6 +217,25 @@ TEST_F(QtWindowHostTest, TheKeyboardReachesEverything) {
     EXPECT_NE(window->firstResponder(), probe) << "out of sight";
 }
 
+TEST_F(QtWindowHostTest, TabGoesAsTheViewsSay) {
+    std::vector<std::shared_ptr<Probe>> probes;
+    for (int i = 0; i < 3; ++i)
+        content->addSubview(probes.emplace_back(Probe::create({160, 20.0 * i, 60, 20})));
+    button->removeFromSuperview();
+    host = nullptr;
+    probes[2]->setNextKeyView(probes[1]);
+    probes[0]->setNextKeyView(probes[2]);
+    show();
+    for (const int next : {2, 1, 0}) {
+        press(Qt::Key_Tab);
+        EXPECT_EQ(window->firstResponder(), probes[static_cast<std::size_t>(next)]);
+    }
+    probes[0]->keeps = true;
+    press(Qt::Key_Tab);
+    press(Qt::Key_X);
+    EXPECT_EQ(probes[0]->seen, "x") << "a view that keeps the keyboard goes on with it";
+}
+
 TEST_F(QtWindowHostTest, TheKeyboardIsInTheContentAtFirst) {
     const auto field = addSearchField();
     const auto reopen = [this](const std::shared_ptr<NSView>& responder) {
@@ -279,6 +300,15 @@ TEST_F(QtWindowHostTest, ASplitViewIsASplitter) {
     EXPECT_EQ(split->subviews()[0]->frame().width(), dragged);
     top().resize(top().size() + QSize(100, 0));
     EXPECT_EQ(split->position(0), dragged) << "another size goes to the last";
+    for (int i = 0; i < 2; ++i)
+        split->setMinimumLength(50, i);
+    for (const int width : {110, 80, 300}) {
+        top().resize(width, 160);
+        for (int i = 0; i < 2; ++i)
+            EXPECT_EQ(splitter->sizes()[i],
+                      split->subviews()[static_cast<std::size_t>(i)]->frame().width());
+    }
+    split->setMinimumLength(0, 0);
     split->setPosition(0, 0);
     EXPECT_EQ(splitter->sizes()[0], 0);
     split->subviews()[0]->removeFromSuperview();
@@ -324,8 +354,10 @@ TEST_F(QtWindowHostTest, EverythingMayGoInItsOwnAction) {
     const auto field = addSearchField();
     char letter = 'a';
     for (const auto& end : ends) {
-        for (const bool isTyped : {false, true}) {
-            SCOPED_TRACE(std::to_string(&end - ends) + (isTyped ? " typed" : " clicked"));
+        for (int way = 0; way < 4; ++way) {
+            const bool isTyped = way % 2 > 0, isAsked = way > 1;
+            SCOPED_TRACE(std::to_string(&end - ends) + (isTyped ? " typed" : " clicked") +
+                         (isAsked ? " and asked" : ""));
             window->setContentView(content);
             content->addSubview(button);
             window->setToolbar(searchBar->toolbar());
@@ -333,9 +365,12 @@ TEST_F(QtWindowHostTest, EverythingMayGoInItsOwnAction) {
                 host = QtWindowHost::show(window);
             window->makeMainWindow();
             done.clear();
+            const QPointer<QWidget> used =
+                widgetFor(isTyped ? static_cast<NSView&>(*field) : *button);
             const Selector action("end", [&] {
                 done = "end";
-                end();
+                isAsked ? ask(end) : end();
+                EXPECT_TRUE(used) << "still in its event";
             });
             button->setAction(action);
             field->setAction(action);
@@ -379,6 +414,19 @@ TEST_F(QtWindowHostTest, OpensMenus) {
     actions[0]->trigger();
     EXPECT_EQ(done, "ba") << "no longer there";
     openMenu()->close();
+}
+
+TEST_F(QtWindowHostTest, APressEndsWhenAMenuOrADialogOpens) {
+    const auto menu = NSMenu::create();
+    QDialog dialog(&top());
+    const std::function<void()> ways[] = {[&] { menu->popUp(); }, [&] { dialog.open(); }};
+    for (const auto& open : ways) {
+        button->setAction(Selector("open", open));
+        QTest::mousePress(widgetFor(*button), Qt::LeftButton);
+        EXPECT_FALSE(button->tintedButtonCell()->isPressed());
+        if (openMenu())
+            openMenu()->close();
+    }
 }
 
 using QtWindowHostDeathTest = QtWindowHostTest;

@@ -27,7 +27,7 @@ struct Source : NSTableViewDataSource, NSTableViewDelegate {
     double heightOfRow(const NSTableView& table, std::int64_t row) const override {
         if (throws && row == 5)
             throw std::runtime_error("no height");
-        return row == tall ? 60 : table.rowHeight();
+        return row == tall ? 60 : table.rowHeight() + more;
     }
     std::shared_ptr<NSView> view(NSTableView&, std::int64_t column, std::int64_t) override {
         if (throws)
@@ -52,6 +52,7 @@ struct Source : NSTableViewDataSource, NSTableViewDelegate {
     std::vector<int> items;
     std::int64_t lie = 0, opened = -1, tall = -1;
     mutable std::int64_t asked = -1;
+    double more = 0;
     bool makesViews = false, throws = false;
 };
 
@@ -144,6 +145,33 @@ TEST_F(TableHostTest, ClicksSelectAndAreTold) {
     observe(NSTableView::selectionDidChangeNotification, [&] { window->setContentView(nullptr); });
     click(1);
     EXPECT_FALSE(top().findChild<QTableView*>());
+}
+
+struct MenuTable : NSTableView {
+    MenuTable() : NSTableView(Key{}, CGRect()) {}
+    std::shared_ptr<NSMenu> menu(const NSEvent& with) override {
+        asked = row(convertFromBase(with.locationInWindow).y);
+        return nullptr;
+    }
+    std::int64_t asked = -1;
+};
+
+TEST_F(TableHostTest, MenusAreForTheRowThatIsMeant) {
+    const auto asking = std::make_shared<MenuTable>();
+    asking->setNumberOfColumns(1);
+    asking->setRowHeight(20.5);
+    asking->setDataSource(source);
+    scrollView->setDocumentView(asking);
+    shown().verticalScrollBar()->setValue(300);
+    shown().setCurrentIndex(at(18));
+    for (const auto& [reason, row] :
+         {std::pair(QContextMenuEvent::Mouse, 16), {QContextMenuEvent::Keyboard, 18}}) {
+        QContextMenuEvent event(reason, middleOf(16),
+                                shown().viewport()->mapToGlobal(middleOf(16)));
+        QCoreApplication::sendEvent(shown().viewport(), &event);
+        EXPECT_EQ(asking->asked, row);
+        EXPECT_EQ(asking->clickedRow(), row);
+    }
 }
 
 TEST_F(TableHostTest, TheKeyboardDoesEverything) {
@@ -247,6 +275,16 @@ TEST_F(TableHostTest, RowsAreAsHighAsTheTableSays) {
     EXPECT_EQ(widget().rowHeight(0), 30);
 }
 
+TEST_F(TableHostTest, ManyRowsOfTheirOwnHeightsComeSoon) {
+    source->items.resize(100000);
+    source->more = 6;
+    const auto start = std::chrono::steady_clock::now();
+    table->reloadData();
+    settle();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    EXPECT_EQ(widget().rowHeight(99999), 30);
+}
+
 TEST_F(TableHostTest, ScrollsBothWays) {
     const QScrollBar& bar = *shown().verticalScrollBar();
     table->scrollTopRow(12, false);
@@ -254,6 +292,12 @@ TEST_F(TableHostTest, ScrollsBothWays) {
     table->scrollRowToVisible(39);
     EXPECT_TRUE(shown().viewport()->rect().contains(middleOf(39)));
     EXPECT_EQ(origin(), bar.value());
+    source->items.push_back(40);
+    table->beginUpdates();
+    table->insertRows({40}, {});
+    table->scrollRowToVisible(40);
+    table->endUpdates();
+    EXPECT_LT(shown().visualRect(at(40)).bottom(), shown().viewport()->height()) << "all of it";
     shown().verticalScrollBar()->setValue(100);
     window->setContentView(nullptr);
     EXPECT_EQ(origin(), 100) << "without a widget";

@@ -142,6 +142,17 @@ TEST_F(ToolbarHostTest, EveryToolIsReachedInANarrowWindow) {
     EXPECT_EQ(field->stringValue(), "ab");
 }
 
+TEST_F(ToolbarHostTest, AToolMayGoWhileItsActionAsks) {
+    const QPointer<QWidget> tool = toolNamed("Date");
+    group->setAction(Selector("ask", [&] {
+        ask([&] { window->setToolbar(nullptr); });
+        EXPECT_TRUE(tool) << "still in its event";
+    }));
+    QTest::mouseClick(tool, Qt::LeftButton);
+    settle();
+    EXPECT_FALSE(tool);
+}
+
 TEST_F(ToolbarHostTest, LabelsFollowTheDisplayMode) {
     using Mode = NSToolbar::DisplayMode;
     const auto labels = [this](Mode mode) {

@@ -92,6 +92,19 @@ TEST(NSCollectionView, ForgetsABatchWhoseUpdatesThrow) {
     EXPECT_EQ(shown.recorder->updates, (Updates{.reloaded = {{2, 0}}}));
 }
 
+TEST(NSCollectionView, ManyEditionsInOneBatchAreSoonDone) {
+    constexpr int count = 20000;
+    Fixture shown(0);
+    shown.source->count = count;
+    const auto start = std::chrono::steady_clock::now();
+    shown.view->performBatchUpdates([&] {
+        for (int i = 0; i < count; ++i)
+            shown.view->reloadEditedData(Edition::Insert{1, i});
+    });
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    EXPECT_EQ(shown.recorder->updates.inserted.size(), std::size_t{count});
+}
+
 TEST(NSCollectionView, FollowsTheSelectionOfAList) {
     RandomEditions random(9);
     Fixture shown(0);

@@ -147,6 +147,12 @@ TEST(NSTableView, ShowsManagedListEditions) {
         EXPECT_EQ(shown.table->selectedRowIndexes(), list->selection());
         shown.expectRows();
     }
+    list->setSelection({0});
+    shown.calls.clear();
+    const Listener close(NSTableView::selectionDidChangeNotification, shown.table,
+                         [&](const auto&) { shown.table = nullptr; });
+    list->remove({0});
+    EXPECT_EQ(shown.calls, (Calls{"begin", "remove {0} 1", "select", "end"})) << "to its end";
 }
 
 TEST(NSTableView, FollowsAListThroughRandomEditions) {

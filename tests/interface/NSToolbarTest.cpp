@@ -163,6 +163,10 @@ TEST(NSSplitView, KeepsLeastLengths) {
     EXPECT_EQ(at(10), 80);
     EXPECT_EQ(at(150), 150);
     EXPECT_EQ(at(290), 200);
+    for (const auto& [width, position] : {std::pair(241, 140), {161, 80}, {301, 200}}) {
+        split->setFrame(CGRect(0, 0, width, 50));
+        EXPECT_EQ(split->position(0), position) << "gives way, and comes back";
+    }
     split->setCollapsible(true, 0);
     EXPECT_EQ(at(39), 0);
     EXPECT_EQ(at(41), 80);

@@ -18,6 +18,7 @@ std::int64_t NSPasteboard::clearContents() {
     {
         const std::lock_guard lock(mutex_);
         objects_.clear();
+        contents_ = nullptr;
         count = ++changeCount_;
     }
     tellHandler();
@@ -25,8 +26,10 @@ std::int64_t NSPasteboard::clearContents() {
 }
 
 void NSPasteboard::writeObjects(std::vector<Object> objects) {
+    fetchContents();
     {
         const std::lock_guard lock(mutex_);
+        contents_ = nullptr;
         objects_.insert(objects_.end(), std::make_move_iterator(objects.begin()),
                         std::make_move_iterator(objects.end()));
     }
@@ -38,10 +41,28 @@ void NSPasteboard::setChangeHandler(std::function<void()> handler) {
     changeHandler_ = std::move(handler);
 }
 
-void NSPasteboard::adopt(std::vector<Object> objects) {
+void NSPasteboard::adopt(std::function<std::optional<std::vector<Object>>()> contents) {
     const std::lock_guard lock(mutex_);
-    objects_ = std::move(objects);
+    objects_.clear();
+    contents_ = std::move(contents);
     ++changeCount_;
+}
+
+/// Outside the lock, so that nobody who writes waits for the desktop; what was written meanwhile
+/// stays.
+void NSPasteboard::fetchContents() const {
+    std::unique_lock lock(mutex_);
+    const auto contents = contents_;
+    const std::int64_t count = changeCount_;
+    if (!contents)
+        return;
+    lock.unlock();
+    auto objects = contents();
+    lock.lock();
+    if (!objects || !contents_ || count != changeCount_)
+        return;
+    objects_ = std::move(*objects);
+    contents_ = nullptr;
 }
 
 /// Outside the lock, so that it may ask the pasteboard.
@@ -56,6 +77,7 @@ void NSPasteboard::tellHandler() const {
 }
 
 std::vector<NSPasteboard::Object> NSPasteboard::objects() const {
+    fetchContents();
     const std::lock_guard lock(mutex_);
     return objects_;
 }
@@ -66,9 +88,8 @@ std::int64_t NSPasteboard::changeCount() const {
 }
 
 std::vector<URL> NSPasteboard::fileURLs() const {
-    const std::lock_guard lock(mutex_);
     std::vector<URL> urls;
-    for (const Object& object : objects_)
+    for (const Object& object : objects())
         if (const URL* url = std::get_if<URL>(&object); url && url->isFileURL())
             urls.push_back(*url);
     return urls;

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -42,8 +43,10 @@ public:
     /// Called after each change, on the thread that made it, for the host that passes it on; empty
     /// for nothing.
     void setChangeHandler(std::function<void()> handler);
-    /// In place of all that is there, without a word to the handler: what the desktop holds now.
-    void adopt(std::vector<Object> objects);
+    /// In place of all that is there, without a word to the handler: what the desktop holds now,
+    /// which may take a while to get. It is asked for when somebody reads the pasteboard, on that
+    /// thread; what is absent counts as nothing, and is asked for again.
+    void adopt(std::function<std::optional<std::vector<Object>>()> contents);
 
     /// The file URLs among the objects, in their order; a text is none, whatever it says.
     std::vector<URL> fileURLs() const;
@@ -51,9 +54,12 @@ public:
 private:
     NSPasteboard() = default;
     void tellHandler() const;
+    void fetchContents() const;
 
     mutable std::mutex mutex_;
-    std::vector<Object> objects_;
+    mutable std::vector<Object> objects_;
+    /// Where the objects are to be had; empty once they are there.
+    mutable std::function<std::optional<std::vector<Object>>()> contents_;
     std::int64_t changeCount_ = 0;
     std::function<void()> changeHandler_;
 };

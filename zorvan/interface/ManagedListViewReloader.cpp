@@ -66,12 +66,15 @@ void reloadItems(const ManagedListEdition& edition, NSCollectionView& view) {
 } // namespace
 
 void ManagedListViewReloader::reload(NSTableView& view) const {
+    // Whoever is told of the selection may let the view go.
+    const auto keptAlive = view.weak_from_this().lock();
     reloadRows(*this, view);
     if (edition.newSelection && *edition.newSelection != view.selectedRowIndexes())
         view.selectRowIndexes(*edition.newSelection, false);
 }
 
 void ManagedListViewReloader::reload(NSCollectionView& view) const {
+    const auto keptAlive = view.weak_from_this().lock();
     reloadItems(edition, view);
     if (edition.newSelection)
         view.setSelectionIndexPaths(edition.newSelection->mapToIndexPaths());

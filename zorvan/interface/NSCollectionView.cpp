@@ -230,19 +230,33 @@ void NSCollectionView::announceSelection() {
             NSNotificationName(selectionDidChangeNotification), self);
 }
 
+namespace {
+
+void gather(NSCollectionView::Updates&& inner, NSCollectionView::Updates& outer) {
+    outer.deleted.merge(inner.deleted);
+    outer.reloaded.merge(inner.reloaded);
+    outer.inserted.merge(inner.inserted);
+    outer.moved.insert(outer.moved.end(), inner.moved.begin(), inner.moved.end());
+}
+
+} // namespace
+
 void NSCollectionView::performBatchUpdates(const std::function<void()>& updates,
                                            const std::function<void()>& completionHandler) {
-    const Updates before = batch_;
+    Updates around = std::exchange(batch_, {});
     ++batchDepth_;
     try {
         updates();
     } catch (...) {
         --batchDepth_;
-        batch_ = before;
+        batch_ = std::move(around);
         throw;
     }
+    gather(std::exchange(batch_, {}), around);
     if (--batchDepth_ == 0)
-        apply(std::exchange(batch_, {}));
+        apply(around);
+    else
+        batch_ = std::move(around);
     if (completionHandler)
         completionHandler();
 }
@@ -350,6 +364,7 @@ void NSCollectionView::checkAgainstSource() const {
 }
 
 void NSCollectionView::reloadEditedData(const SelectableArrayEdition& edition) {
+    const auto keptAlive = weak_from_this().lock(); // whoever is told may let it go
     using Edition = SelectableArrayEdition;
     if (const auto* insert = edition.as<Edition::Insert>()) {
         const IndexSet at({.loc = insert->at, .len = insert->count});

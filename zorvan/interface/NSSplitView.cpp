@@ -40,7 +40,29 @@ void NSSplitView::bringUpToDate() {
 std::optional<double> NSSplitView::position(std::int64_t ofDividerAt) const {
     if (ofDividerAt < 0 || ofDividerAt >= static_cast<std::int64_t>(positions_.size()))
         return std::nullopt;
-    return positions_[static_cast<std::size_t>(ofDividerAt)];
+    return places()[static_cast<std::size_t>(ofDividerAt)];
+}
+
+/// That of one that has been collapsed is nothing.
+double NSSplitView::leastLength(std::size_t ofSubviewAt) const {
+    const double start = ofSubviewAt > 0 ? positions_[ofSubviewAt - 1] + dividerThickness() : 0;
+    const double end = ofSubviewAt < positions_.size() ? positions_[ofSubviewAt] : length();
+    const Limits own = limits(static_cast<std::int64_t>(ofSubviewAt));
+    return own.isCollapsible && end <= start ? 0 : own.minimum;
+}
+
+/// Where the dividers are, in the room that there is.
+std::vector<double> NSSplitView::places() const {
+    std::vector<double> places = positions_;
+    double end = length();
+    for (std::size_t i = places.size(); i-- > 0; end = places[i])
+        places[i] = std::min(places[i], end - leastLength(i + 1) - dividerThickness());
+    double start = 0;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        places[i] = std::max(places[i], std::min(positions_[i], start + leastLength(i)));
+        start = places[i] + dividerThickness();
+    }
+    return places;
 }
 
 void NSSplitView::setPosition(double position, std::int64_t ofDividerAt) {
@@ -106,8 +128,9 @@ void NSSplitView::layout() {
     bringUpToDate();
     double start = 0;
     const auto views = subviews();
+    const std::vector<double> ends = places();
     for (std::size_t i = 0; i < views.size(); ++i) {
-        const double end = i < positions_.size() ? std::min(positions_[i], length()) : length();
+        const double end = i < ends.size() ? std::min(ends[i], length()) : length();
         views[i]->setFrame(stretch(start, std::max(end - start, 0.0)));
         start = end + dividerThickness();
     }
@@ -119,8 +142,9 @@ double NSSplitView::along(CGPoint point) const {
 
 std::optional<std::int64_t> NSSplitView::dividerNear(CGPoint point) const {
     constexpr double reach = 3;
-    for (std::size_t i = 0; i < positions_.size(); ++i)
-        if (std::abs(along(point) - positions_[i] - dividerThickness() / 2) <= reach)
+    const std::vector<double> starts = places();
+    for (std::size_t i = 0; i < starts.size(); ++i)
+        if (std::abs(along(point) - starts[i] - dividerThickness() / 2) <= reach)
             return static_cast<std::int64_t>(i);
     return std::nullopt;
 }
@@ -152,7 +176,7 @@ void NSSplitView::mouseUp(const NSEvent& with) {
 
 void NSSplitView::draw(Canvas& canvas) const {
     NSGraphicsContext::use(NSGraphicsContext::create(canvas), [this] {
-        for (const double position : positions_)
+        for (const double position : places())
             fill(stretch(position, dividerThickness()), Palette::separator);
     });
 }

@@ -30,6 +30,8 @@ public:
     std::int64_t numberOfDividers() const noexcept;
 
     /// Where a divider begins, from the left or the top edge; absent when there is no such divider.
+    /// While there is no room for where it was set, it gives way to the least lengths behind it, as
+    /// far as the one before it lets it.
     std::optional<double> position(std::int64_t ofDividerAt) const;
     /// Held between the dividers beside it, and where it leaves the subviews beside it their least
     /// lengths; a collapsible one goes to nothing beyond half of that. Nothing for a divider that
@@ -38,7 +40,7 @@ public:
 
     /// In points; 0 unless set.
     double minimumLength(std::int64_t ofSubviewAt) const;
-    /// Counts from the next time that a divider is moved.
+    /// Counts from the next layout, or the next time that a divider is moved.
     void setMinimumLength(double length, std::int64_t ofSubviewAt);
     /// Whether the subview may go to nothing although it has a least length. False unless set.
     /// @{
@@ -63,6 +65,8 @@ private:
     };
 
     double length() const;
+    double leastLength(std::size_t ofSubviewAt) const;
+    std::vector<double> places() const;
     double held(double position, std::int64_t divider, double least, double most) const;
     Limits limits(std::int64_t subview) const;
     void setLimits(Limits limits, std::int64_t subview);
@@ -71,7 +75,7 @@ private:
     std::optional<std::int64_t> dividerNear(CGPoint point) const;
     void bringUpToDate();
 
-    /// One for each divider; grows as subviews come.
+    /// Where each divider was set; grows as subviews come.
     std::vector<double> positions_;
     std::vector<Limits> limits_;
     std::optional<std::int64_t> held_;

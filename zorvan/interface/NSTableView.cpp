@@ -289,6 +289,7 @@ void NSTableView::reloadFirstAndLastColumnData() {
 
 void NSTableView::reloadEditedData(const SelectableArrayEdition& edition,
                                    AnimationOptions animation) {
+    const auto keptAlive = weak_from_this().lock(); // whoever is told may let it go
     using Edition = SelectableArrayEdition;
     if (const auto* insert = edition.as<Edition::Insert>()) {
         beginUpdates();

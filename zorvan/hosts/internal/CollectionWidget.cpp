@@ -67,8 +67,8 @@ CGRect CollectionWidget::frameOf(const QModelIndex& index) const {
 QRect CollectionWidget::visualRect(const QModelIndex& index) const {
     const CGRect frame = frameOf(index);
     const QRect place = QRectF(frame.x(), frame.y(), frame.width(), frame.height())
-                            .toRect()
-                            .translated(-horizontalScrollBar()->value(), -verticalOffset());
+                            .translated(-horizontalScrollBar()->value(), -verticalOffset())
+                            .toRect();
     return QStyle::visualRect(layoutDirection(), viewport()->rect(), place);
 }
 
@@ -93,29 +93,44 @@ void CollectionWidget::scrollTo(const QModelIndex& index, ScrollHint) {
 }
 
 void CollectionWidget::updateGeometries() {
+    if (isFitting_)
+        return;
+    fitView();
     const auto& layout = view_->collectionViewLayout();
-    const QSize content = layout ? toQSize(layout->contentSize()) : QSize();
-    fitBar(*verticalScrollBar(), content.height(), viewport()->height());
-    fitBar(*horizontalScrollBar(), content.width(), viewport()->width());
+    const CGSize content = layout ? layout->contentSize() : CGSize();
+    fitBar(*verticalScrollBar(), content.height, viewport()->height());
+    fitBar(*horizontalScrollBar(), content.width, viewport()->width());
     geometriesDidChange();
     updateEditorGeometries();
 }
 
-void CollectionWidget::resizeEvent(QResizeEvent*) {
-    fitView();
-    updateGeometries();
-}
-
-/// In a scroll view the layout has the width that is seen, and the view the height that it takes.
-void CollectionWidget::fitView() {
-    if (!std::dynamic_pointer_cast<NSClipView>(view_->superview()))
-        return;
+/// Gives the view the width that is seen and the height that its content takes then, which is the
+/// result.
+double CollectionWidget::layOut() {
     const CGRect before = view_->frame();
     const double width = viewport()->width(), least = viewport()->height();
     view_->setFrame({before.origin, CGSize(width, before.height())});
     const auto& layout = view_->collectionViewLayout();
     const double height = layout ? layout->contentSize().height : 0;
     view_->setFrame({before.origin, CGSize(width, std::max(height, least))});
+    return height;
+}
+
+/// In a scroll view the layout has the width that is seen, and the scroll bar comes and goes with
+/// what it takes. Where the content is too high without the bar, and fits beside it, the bar stays.
+void CollectionWidget::fitView() {
+    if (!std::dynamic_pointer_cast<NSClipView>(view_->superview()))
+        return;
+    const QScopedValueRollback guard(isFitting_, true);
+    const bool hadBar = verticalScrollBarPolicy() == Qt::ScrollBarAlwaysOn;
+    if (hadBar == (layOut() > viewport()->height()))
+        return;
+    if (hadBar)
+        setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    if (layOut() <= viewport()->height())
+        return;
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    layOut();
 }
 
 // Drawing
@@ -146,6 +161,19 @@ void CollectionWidget::paintEvent(QPaintEvent* event) {
 
 // What the person does
 
+CGPoint CollectionWidget::placeInView(QPoint at, const QModelIndex&) const {
+    return contentOf(QRect(at, QSize(1, 1))).origin;
+}
+
+void CollectionWidget::mousePressEvent(QMouseEvent* event) {
+    // A menu may have got the release of the last press.
+    bandStart_.reset();
+    band_ = {};
+    if (event->button() == Qt::LeftButton && !indexAt(event->pos()).isValid())
+        bandStart_ = event->pos() + QPoint(horizontalOffset(), verticalOffset());
+    HostedItemView::mousePressEvent(event);
+}
+
 void CollectionWidget::mouseMoveEvent(QMouseEvent* event) {
     QAbstractItemView::mouseMoveEvent(event);
     if (!bandStart_ || !(event->buttons() & Qt::LeftButton))
@@ -160,12 +188,6 @@ void CollectionWidget::mouseReleaseEvent(QMouseEvent* event) {
     band_ = {};
     viewport()->update();
     QAbstractItemView::mouseReleaseEvent(event);
-}
-
-void CollectionWidget::pressed(const QModelIndex& index, QPoint at) {
-    if (index.isValid())
-        return;
-    bandStart_ = at + QPoint(horizontalOffset(), verticalOffset());
 }
 
 QModelIndex CollectionWidget::moveCursor(CursorAction action, Qt::KeyboardModifiers) {

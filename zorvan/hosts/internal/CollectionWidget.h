@@ -29,7 +29,7 @@ protected:
     void select(const IndexSet& items) override;
 
     void open(const QModelIndex& index) override;
-    void pressed(const QModelIndex& index, QPoint at) override;
+    CGPoint placeInView(QPoint at, const QModelIndex& index) const override;
     QRect dropMark(QPoint at) const override;
     void selectionDropped(QPoint at) override;
     void urlsDropped(const std::vector<URL>& urls, QPoint at) override;
@@ -37,8 +37,9 @@ protected:
     void letGoOfOthers(const std::vector<QModelIndex>& inSight) override;
 
     void updateGeometries() override;
-    void resizeEvent(QResizeEvent* event) override;
+    void resizeEvent(QResizeEvent*) override { updateGeometries(); }
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     /// Where one reads from right to left, items stand and scroll from the right edge.
@@ -77,6 +78,7 @@ private:
     /// In the lines above or below, the one nearest to the item; the item itself when there is
     /// none.
     QModelIndex neighbour(const QModelIndex& from, double distance) const;
+    double layOut();
     void fitView();
     /// The item beside which something dropped there goes, and whether after it; the last one when
     /// there is none in the line.
@@ -86,6 +88,7 @@ private:
     /// Where the drag of a rubber band began, in the content.
     std::optional<QPoint> bandStart_;
     QRect band_;
+    bool isFitting_ = false;
 };
 
 } // namespace zorvan::internal

@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/GroupWidget.h>
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/QtMenus.h>
 #include <zorvan/hosts/internal/icons.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
@@ -63,10 +64,8 @@ void GroupWidget::follow() {
 }
 
 void GroupWidget::makeButtons() {
-    for (QToolButton* const button : std::exchange(buttons_, {})) {
-        button->hide();
-        button->deleteLater(); // it may be the one that was pressed
-    }
+    for (QToolButton* const button : std::exchange(buttons_, {}))
+        retireWidget(*button); // it may be the one that was pressed
     for (std::size_t i = 0; i < (isCollapsed_ ? 1 : shown_.size()); ++i) {
         auto* const button = new QToolButton(this);
         button->setFocusPolicy(Qt::TabFocus);
@@ -77,6 +76,7 @@ void GroupWidget::makeButtons() {
             continue;
         }
         connect(button, &QToolButton::clicked, this, [this, i]() noexcept {
+            const EventInProgress inProgress;
             const auto group = group_;
             group->press(static_cast<std::int64_t>(i));
             follow(); // the group decides what is checked

@@ -71,8 +71,10 @@ public:
 protected:
     /// A person opens what is at the index.
     virtual void open(const QModelIndex& index) = 0;
-    /// The mouse went down there; the index is invalid outside of all.
-    virtual void pressed(const QModelIndex& index, QPoint at) = 0;
+    /// A press, or what asks for a menu, is about the index, which is invalid outside of all.
+    virtual void choose(const QModelIndex&) {}
+    /// A point of the viewport, at the index, in the coordinates of the view.
+    virtual CGPoint placeInView(QPoint at, const QModelIndex& index) const = 0;
 
     // Dragging, to somewhere in the viewport.
 
@@ -115,7 +117,10 @@ protected:
         return movable;
     }
 
-    bool viewportEvent(QEvent* event) noexcept override { return ItemView::viewportEvent(event); }
+    bool viewportEvent(QEvent* event) noexcept override {
+        const EventInProgress inProgress;
+        return ItemView::viewportEvent(event);
+    }
 
     void keyPressEvent(QKeyEvent* event) override {
         const auto keptAlive = view_;
@@ -146,7 +151,7 @@ protected:
         ItemView::setDragEnabled(index.isValid() &&
                                  (model_.isDragged(index) || model_.isMovable(index)));
         pressedAt_ = event->pos();
-        pressed(index, event->pos());
+        choose(index);
         ItemView::mousePressEvent(event);
     }
 
@@ -158,8 +163,20 @@ protected:
             open(index);
     }
 
+    /// For what is under the mouse, or, by the keyboard, for the current row or item.
     void contextMenuEvent(QContextMenuEvent* event) override {
-        openContextMenu(view_, *this, *event);
+        const auto keptAlive = view_;
+        QWidget& viewport = *ItemView::viewport();
+        const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
+        const QModelIndex current = ItemView::currentIndex();
+        QPoint at = viewport.mapFromGlobal(event->globalPos()); // the header's events come here too
+        if (isByKey && current.isValid())
+            this->scrollTo(current);
+        if (isByKey)
+            at = current.isValid() ? this->visualRect(current).center() : viewport.rect().center();
+        const QModelIndex index = isByKey ? current : this->indexAt(at);
+        choose(index);
+        openContextMenu(view_, placeInView(at, index), viewport, at, *event);
     }
 
     /// What is selected.

@@ -49,8 +49,13 @@ protected:
         if (const auto delegate = view_->delegate())
             delegate->rowOpened(*view_, model_.rowOf(index));
     }
-    void pressed(const QModelIndex& index, QPoint) override {
-        view_->setClickedRow(model_.rowOf(index));
+    void choose(const QModelIndex& index) override { view_->setClickedRow(model_.rowOf(index)); }
+    CGPoint placeInView(QPoint at, const QModelIndex& index) const override {
+        const double x = at.x() + ItemView::horizontalScrollBar()->value();
+        if (index.isValid()) // whose height is a whole number of points to Qt alone
+            return {x, view_->frameOfCell(0, model_.rowOf(index)).midY()};
+        const bool isInHeader = at.y() < 0;
+        return {x, at.y() + (isInHeader ? 0.0 : ItemView::verticalScrollBar()->value())};
     }
 
     void letGoOfOthers(const std::vector<QModelIndex>& inSight) override {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/ViewMirror.h>
 #include <zorvan/interface/NSWindow.h>
 
@@ -18,12 +19,16 @@ public:
 
 protected:
     // Qt lets no exception through: one that an action or an observer throws ends the program.
-    bool event(QEvent* event) noexcept override { return Widget::event(event); }
+    bool event(QEvent* event) noexcept override {
+        const EventInProgress inProgress;
+        return Widget::event(event);
+    }
 
     void focusInEvent(QFocusEvent* event) override {
         Widget::focusInEvent(event);
-        if (const auto window = view_->window())
-            window->makeFirstResponder(view_);
+        const auto window = view_->window();
+        if (window && !window->makeFirstResponder(view_))
+            this->giveFocusBack(*window);
     }
 
     const std::shared_ptr<View> view_;

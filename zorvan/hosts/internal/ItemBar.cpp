@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/ItemBar.h>
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/QtMenus.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
@@ -157,10 +158,8 @@ public:
             places_.push_back(std::move(place));
         }
         for (const Place& place : before)
-            if (place.cell) {
-                place.cell->hide();
-                place.cell->deleteLater();
-            }
+            if (place.cell)
+                retireWidget(*place.cell);
         QWidget* last = nullptr;
         for (const Place& place : places_)
             if (place.cell)

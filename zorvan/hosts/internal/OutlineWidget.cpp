@@ -56,12 +56,14 @@ void OutlineWidget::reloaded() {
 void OutlineWidget::followExpansion() {
     const QScopedValueRollback guard(isExpanding_, true);
     model_.followRows();
+    scheduleDelayedItemsLayout(); // else each row that opens lays out those below it
     for (std::int64_t row = 0; row < model_.rowCountOfOutline(); ++row) {
         const QModelIndex index = model_.indexOfRow(row);
         const bool isOpen = view_->isItemExpanded(model_.item(index));
         if (isExpanded(index) != isOpen)
             setExpanded(index, isOpen);
     }
+    executeDelayedItemsLayout();
     selectionMirror().mirror();
     showCellsLater();
 }

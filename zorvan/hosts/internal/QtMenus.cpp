@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/QtMenus.h>
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/icons.h>
 #include <zorvan/hosts/internal/qtEvents.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
@@ -61,8 +62,10 @@ QAction& addLine(QMenu& menu, const QIcon& icon, const QString& text, bool isEna
                  std::function<void()> choose) {
     QAction& action = *menu.addAction(icon, text);
     action.setEnabled(isEnabled);
-    QObject::connect(&action, &QAction::triggered, &menu,
-                     [choose = std::move(choose)]() noexcept { choose(); });
+    QObject::connect(&action, &QAction::triggered, &menu, [choose = std::move(choose)]() noexcept {
+        const EventInProgress inProgress;
+        choose();
+    });
     return action;
 }
 
@@ -109,9 +112,13 @@ void openContextMenu(const std::shared_ptr<NSView>& view, QWidget& widget,
                      QContextMenuEvent& event) {
     const bool isByKey = event.reason() == QContextMenuEvent::Keyboard;
     const QPoint at = isByKey ? widget.rect().center() : event.pos();
-    NSEvent asked{.type = NSEvent::EventType::rightMouseDown,
-                  .locationInWindow = view->convertToBase(toView(*view, at))};
-    const auto menu = view->menu(asked);
+    openContextMenu(view, toView(*view, at), widget, at, event);
+}
+
+void openContextMenu(const std::shared_ptr<NSView>& view, CGPoint asked, QWidget& widget, QPoint at,
+                     QContextMenuEvent& event) {
+    const auto menu = view->menu({.type = NSEvent::EventType::rightMouseDown,
+                                  .locationInWindow = view->convertToBase(asked)});
     event.setAccepted(menu != nullptr);
     if (menu)
         open(*menu, &widget, widget.mapToGlobal(at));

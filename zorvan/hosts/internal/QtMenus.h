@@ -30,5 +30,8 @@ void openMenu(NSMenu& menu);
 /// Opens the context menu of the view, if there is one; by the keyboard in the middle of it.
 void openContextMenu(const std::shared_ptr<NSView>& view, QWidget& widget,
                      QContextMenuEvent& event);
+/// The menu that is meant for a point of the view, opened at a point of the widget.
+void openContextMenu(const std::shared_ptr<NSView>& view, CGPoint asked, QWidget& widget, QPoint at,
+                     QContextMenuEvent& event);
 
 } // namespace zorvan::internal

@@ -19,6 +19,7 @@ SearchFieldWidget::SearchFieldWidget(const std::shared_ptr<NSSearchField>& field
     });
     // The clear button is no edit to Qt.
     connect(this, &QLineEdit::textChanged, this, [this](const QString& text) noexcept {
+        const EventInProgress inProgress;
         const auto keptAlive = view_;
         if (text.isEmpty())
             keptAlive->enterText("");

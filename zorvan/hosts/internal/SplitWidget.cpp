@@ -5,6 +5,7 @@
 
 #include <QKeyEvent>
 #include <QSplitterHandle>
+#include <algorithm>
 
 namespace zorvan::internal {
 
@@ -41,8 +42,10 @@ SplitWidget::SplitWidget(const std::shared_ptr<NSSplitView>& split, QWidget* par
     setHandleWidth(wholeLength(split->dividerThickness()));
     follow();
     subviewsDidChange();
-    connect(this, &QSplitter::splitterMoved, this,
-            [this](int, int index) noexcept { dividerMoved(index); });
+    connect(this, &QSplitter::splitterMoved, this, [this](int, int index) noexcept {
+        const EventInProgress inProgress;
+        dividerMoved(index);
+    });
 }
 
 QSplitterHandle* SplitWidget::createHandle() { return new Handle(orientation(), this); }
@@ -69,7 +72,6 @@ void SplitWidget::frameDidChange() {
 
 void SplitWidget::followDividers() {
     setOrientation(view_->isVertical() ? Qt::Horizontal : Qt::Vertical);
-    followLimits();
     view_->layoutSubtreeIfNeeded();
     QList<int> lengths;
     double start = 0;
@@ -80,6 +82,7 @@ void SplitWidget::followDividers() {
     }
     const double whole = view_->isVertical() ? view_->bounds().width() : view_->bounds().height();
     lengths.append(wholeLength(whole - start));
+    followLimits(lengths);
     if (lengths == sizes() || lengths.size() != count())
         return;
     isFollowing_ = true;
@@ -87,9 +90,10 @@ void SplitWidget::followDividers() {
     isFollowing_ = false;
 }
 
-void SplitWidget::followLimits() {
-    for (int i = 0; i < count(); ++i) {
-        const int least = wholeLength(view_->minimumLength(i));
+/// Where there is no room for a least length, the part is as small as the view says.
+void SplitWidget::followLimits(const QList<int>& lengths) {
+    for (int i = 0; i < std::min(count(), static_cast<int>(lengths.size())); ++i) {
+        const int least = std::min(wholeLength(view_->minimumLength(i)), lengths[i]);
         widget(i)->setMinimumSize(view_->isVertical() ? QSize(least, 0) : QSize(0, least));
         setCollapsible(i, view_->isCollapsible(i) || least == 0);
     }

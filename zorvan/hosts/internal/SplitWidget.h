@@ -22,7 +22,7 @@ protected:
 
 private:
     void followDividers();
-    void followLimits();
+    void followLimits(const QList<int>& lengths);
     void dividerMoved(int index);
 
     bool isFollowing_ = false;

@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/TableHeader.h>
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
 #include <QHeaderView>
@@ -17,6 +18,7 @@ TableHeader::TableHeader(std::shared_ptr<NSTableView> table, QHeaderView& header
     header.setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     QObject::connect(&header, &QHeaderView::sectionResized, &header,
                      [this](int column, int, int width) noexcept {
+                         const EventInProgress inProgress;
                          const auto keptAlive = table_;
                          const auto& columns = keptAlive->tableColumns();
                          if (!isFollowing_ && column < static_cast<int>(columns.size()))
@@ -53,6 +55,7 @@ void TableHeader::followSortOrder() {
 }
 
 void TableHeader::click(int column) {
+    const EventInProgress inProgress;
     const auto keptAlive = table_;
     if (column >= keptAlive->numberOfColumns())
         return;

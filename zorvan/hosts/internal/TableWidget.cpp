@@ -66,11 +66,21 @@ void TableWidget::selectionDidChange() {
 }
 
 void TableWidget::scrolledTo(std::int64_t row) {
+    wantedRow_ = row;
     if (changes_.empty())
-        scrollTo(model_.indexOfRow(row));
+        scrollToWantedRow();
+}
+
+void TableWidget::scrollToWantedRow() {
+    const QModelIndex wanted = model_.indexOfRow(std::exchange(wantedRow_, -1));
+    if (!wanted.isValid())
+        return;
+    updateGeometries(); // rows may have come that the scroll bar does not count yet
+    scrollTo(wanted);
 }
 
 void TableWidget::change(RowChange change) {
+    wantedRow_ = wantedRow_ < 0 ? -1 : change.place(wantedRow_);
     changes_.push_back(std::move(change));
     if (updateDepth_ == 0)
         applyChanges();
@@ -85,11 +95,13 @@ void TableWidget::applyChanges() {
     if (view_->delegate())
         followHeights(allRows());
     selectionMirror().mirror();
+    scrollToWantedRow();
     showCellsLater();
 }
 
 void TableWidget::reloaded() {
     changes_.clear();
+    wantedRow_ = -1;
     const int top = verticalScrollBar()->value();
     const QModelIndex current = currentIndex();
     model_.reset(view_->numberOfRows());
@@ -109,11 +121,13 @@ void TableWidget::followHeights(const IndexSet& ofRows) {
     const bool hadOwnHeights = std::exchange(hasOwnHeights_, view_->delegate() != nullptr);
     if (!hasOwnHeights_ && !hadOwnHeights)
         return;
+    header.setUpdatesEnabled(false); // else each row draws those below it anew
     for (const std::int64_t row : ofRows.intersection(allRows())) {
         const int height = wholeLength(askSafely([&] { return view_->heightOfRow(row); }));
         if (header.sectionSize(static_cast<int>(row)) != height)
             header.resizeSection(static_cast<int>(row), height);
     }
+    header.setUpdatesEnabled(true);
 }
 
 // What the person does

@@ -40,6 +40,7 @@ protected:
 private:
     void change(RowChange change);
     void applyChanges();
+    void scrollToWantedRow();
     IndexSet allRows() const { return IndexSet(IndexSet::Range{0, model_.rowCount()}); }
     void followHeights(const IndexSet& ofRows);
     /// Before which row something dropped there goes.
@@ -47,6 +48,8 @@ private:
 
     /// Of updates that have begun and not ended.
     std::vector<RowChange> changes_;
+    /// To be scrolled to once they have ended; -1 for none.
+    std::int64_t wantedRow_ = -1;
     int updateDepth_ = 0;
     bool hasOwnHeights_ = false;
 };

@@ -1,6 +1,8 @@
 #include <zorvan/hosts/internal/ViewMirror.h>
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/ViewWidget.h>
+#include <zorvan/hosts/internal/WindowWidget.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
 #include <QAccessible>
@@ -35,6 +37,7 @@ void ViewMirror::follow() {
     shown_->addObserver(untilItGoes<NSViewObserver>(*this));
     frameDidChange();
     propertiesDidChange();
+    orderKeyViews();
 }
 
 /// Only inside another view: what stands in a bar or a splitter, or is the content of a window, is
@@ -55,9 +58,20 @@ void ViewMirror::propertiesDidChange() {
         widget_.unsetCursor();
     widget_.setAccessibleName(toQString(shown_->accessibilityLabel()));
     announce();
-    if (const auto next = shown_->nextKeyView())
-        if (QWidget* const after = widgetOf(*next, *widget_.window()))
-            QWidget::setTabOrder(&widget_, after);
+    if (shown_->nextKeyView())
+        orderKeyViews();
+}
+
+void ViewMirror::orderKeyViews() {
+    if (auto* const window = dynamic_cast<WindowWidget*>(widget_.window()))
+        window->orderKeyViewsLater();
+}
+
+void ViewMirror::giveFocusBack(const NSWindow& window) {
+    const auto responder = window.firstResponder();
+    QWidget* const keeper = responder ? widgetOf(*responder, *widget_.window()) : nullptr;
+    if (keeper && keeper != &widget_)
+        keeper->setFocus(Qt::OtherFocusReason);
 }
 
 /// The value, when there is another.
@@ -97,7 +111,7 @@ std::vector<QWidget*> shownIn(const QWidget& holder) {
 void letGo(QWidget& widget) {
     widget.hide();
     widget.setParent(nullptr);
-    widget.deleteLater();
+    retireWidget(widget);
 }
 
 void letGoOfAllBut(const QWidget& holder, const std::vector<std::shared_ptr<NSView>>& views) {

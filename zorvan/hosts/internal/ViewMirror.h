@@ -7,6 +7,10 @@
 #include <string>
 #include <vector>
 
+namespace zorvan {
+class NSWindow;
+}
+
 namespace zorvan::internal {
 
 /// The part of a widget that keeps it as its view is: place, visibility, tool tip, pointer,
@@ -25,6 +29,8 @@ protected:
 
     /// Brings the widget, once it is whole, up to date, and lets it follow its view from now on.
     void follow();
+    /// The keyboard goes back to the widget of the window's first responder, which keeps it.
+    void giveFocusBack(const NSWindow& window);
     /// The widget, as one that is told of a view until it goes.
     template <class Observer>
     std::shared_ptr<Observer> untilItGoes(Observer& widget) const {
@@ -33,6 +39,7 @@ protected:
 
 private:
     void announce();
+    void orderKeyViews();
 
     const std::shared_ptr<NSView> shown_;
     QWidget& widget_;

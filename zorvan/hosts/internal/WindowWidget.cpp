@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/WindowWidget.h>
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/ViewMirror.h>
 #include <zorvan/hosts/internal/barItems.h>
 #include <zorvan/hosts/internal/makeWidget.h>
@@ -12,7 +13,9 @@
 #include <QKeyEvent>
 #include <QPointer>
 #include <QWindow>
+#include <set>
 #include <utility>
+#include <vector>
 
 namespace zorvan::internal {
 
@@ -32,7 +35,10 @@ public:
     QSize sizeHint() const override { return toQSize(window_->contentSize()); }
 
 protected:
-    bool event(QEvent* event) noexcept override { return QWidget::event(event); }
+    bool event(QEvent* event) noexcept override {
+        const EventInProgress inProgress;
+        return QWidget::event(event);
+    }
     void resizeEvent(QResizeEvent*) override {
         const auto keptAlive = window_;
         keptAlive->setContentSize({static_cast<double>(width()), static_cast<double>(height())});
@@ -72,8 +78,7 @@ void WindowWidget::retire() {
     observer_.reset();
     for (const auto& subscriber : subscribers_)
         subscriber->unsubscribe();
-    hide();
-    deleteLater();
+    retireWidget(*this);
 }
 
 void WindowWidget::subscribe(std::string_view name, void (WindowWidget::*act)()) {
@@ -174,6 +179,46 @@ void WindowWidget::comeToFront() {
         return;
     raise();
     activateWindow();
+}
+
+void WindowWidget::orderKeyViewsLater() {
+    if (!std::exchange(willOrderKeyViews_, true))
+        later(&WindowWidget::orderKeyViews);
+}
+
+namespace {
+
+/// Tab goes from the view to the one that it names, and so on from there, up to one that is in the
+/// order already.
+void orderFrom(std::shared_ptr<NSView> view, QWidget& window, std::set<const NSView*>& ordered) {
+    while (view && ordered.insert(view.get()).second) {
+        const auto next = view->nextKeyView();
+        QWidget* const from = widgetOf(*view, window);
+        QWidget* const to =
+            next && !ordered.contains(next.get()) ? widgetOf(*next, window) : nullptr;
+        if (from && to)
+            QWidget::setTabOrder(from, to);
+        view = next;
+    }
+}
+
+} // namespace
+
+/// Each chain from its beginning, because what is put behind another view leaves its old place.
+void WindowWidget::orderKeyViews() {
+    willOrderKeyViews_ = false;
+    std::vector<std::shared_ptr<NSView>> naming;
+    std::set<const NSView*> named, ordered;
+    for (const QWidget* const widget : findChildren<QWidget*>())
+        if (const auto view = viewOf(widget); view && view->nextKeyView()) {
+            naming.push_back(view);
+            named.insert(view->nextKeyView().get());
+        }
+    for (const auto& view : naming)
+        if (!named.contains(view.get()))
+            orderFrom(view, *this, ordered);
+    for (const auto& view : naming) // in a ring
+        orderFrom(view, *this, ordered);
 }
 
 void WindowWidget::followLooks() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/ItemBar.h>
 #include <zorvan/interface/NSWindow.h>
 #include <zorvan/observation/NoteSubscriber.h>
@@ -19,11 +20,17 @@ public:
 
     const std::shared_ptr<NSWindow>& shownWindow() const noexcept { return window_; }
 
+    /// Has Tab go as the views say, once all that comes in this turn of the event loop is there.
+    void orderKeyViewsLater();
+
     /// Goes, once the event in progress, which may have asked for it, is done with.
     void retire();
 
 protected:
-    bool event(QEvent* event) noexcept override { return QMainWindow::event(event); }
+    bool event(QEvent* event) noexcept override {
+        const EventInProgress inProgress;
+        return QMainWindow::event(event);
+    }
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
@@ -53,6 +60,7 @@ private:
     bool isSizedByDesktop() const;
     void comeToFront();
     void followLooks();
+    void orderKeyViews();
 
     const std::shared_ptr<NSWindow> window_;
     std::vector<std::shared_ptr<NoteSubscriber>> subscribers_;
@@ -63,6 +71,7 @@ private:
     ContentHolder* const holder_;
     ItemBar* touchBar_ = nullptr;
     bool isClosing_ = false;
+    bool willOrderKeyViews_ = false;
 };
 
 } // namespace zorvan::internal

@@ -1,5 +1,6 @@
 #include <zorvan/hosts/internal/barItems.h>
 
+#include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/GroupWidget.h>
 #include <zorvan/hosts/internal/QtMenus.h>
 #include <zorvan/hosts/internal/icons.h>
@@ -79,8 +80,10 @@ QToolButton* makeButton(const std::shared_ptr<NSToolbarItem>& item, QWidget* par
     button->setFocusPolicy(Qt::TabFocus);
     const auto menuItem = std::dynamic_pointer_cast<NSMenuToolbarItem>(item);
     if (!menuItem) {
-        QObject::connect(button, &QToolButton::clicked, button,
-                         [item]() noexcept { item->sendAction(); });
+        QObject::connect(button, &QToolButton::clicked, button, [item]() noexcept {
+            const EventInProgress inProgress;
+            item->sendAction();
+        });
         return button;
     }
     setMenu(*button, [menuItem](QMenu& menu) { fillMenu(menu, menuItem->menu()); });

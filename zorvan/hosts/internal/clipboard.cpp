@@ -5,6 +5,10 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QThread>
+#include <chrono>
+#include <future>
+#include <optional>
 #include <vector>
 
 namespace zorvan::internal {
@@ -25,10 +29,31 @@ Objects objectsOf(const QMimeData& held) {
     return objects;
 }
 
-void take() {
+Objects heldByDesktop() {
     const QMimeData* const held = QGuiApplication::clipboard()->mimeData();
-    if (held && !QGuiApplication::clipboard()->ownsClipboard())
-        pasteboard().adopt(objectsOf(*held));
+    return held ? objectsOf(*held) : Objects();
+}
+
+/// Other threads have the main one ask, which may have no time for them.
+std::optional<Objects> askDesktop() {
+    if (!qApp)
+        return std::nullopt;
+    if (QThread::currentThread() == qApp->thread())
+        return heldByDesktop();
+    constexpr std::chrono::seconds patience(5);
+    const auto answer = std::make_shared<std::promise<Objects>>();
+    QMetaObject::invokeMethod(
+        qApp, [answer]() noexcept { answer->set_value(heldByDesktop()); }, Qt::QueuedConnection);
+    std::future<Objects> held = answer->get_future();
+    if (held.wait_for(patience) != std::future_status::ready)
+        return std::nullopt;
+    return held.get();
+}
+
+/// Only when somebody wants it: the program that holds it may be slow to give it, or hold much.
+void take() {
+    if (!QGuiApplication::clipboard()->ownsClipboard())
+        pasteboard().adopt(askDesktop);
 }
 
 /// URLs, from which those who want text make it, or else the texts below each other.

@@ -67,6 +67,47 @@ Type typeOf(const QMouseEvent& event) {
     }
 }
 
+/// While a button is down on a view. The release goes to a menu or a dialog that opens meanwhile,
+/// so that the view is told of one: far outside, where no button acts.
+class PressWatch : public QObject {
+public:
+    static PressWatch& shared() {
+        static PressWatch watch;
+        return watch;
+    }
+
+    void begin(const std::shared_ptr<NSWindow>& window, Type release) {
+        window_ = window;
+        release_ = release;
+        qApp->installEventFilter(this);
+    }
+    void end() {
+        window_.reset();
+        qApp->removeEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* receiver, QEvent* event) noexcept override {
+        if (event->type() != QEvent::Show || !receiver->isWidgetType())
+            return false;
+        const auto& opened = *static_cast<QWidget*>(receiver);
+        if (opened.windowType() == Qt::Popup || opened.isModal())
+            release();
+        return false;
+    }
+
+private:
+    void release() {
+        const auto window = window_.lock();
+        end();
+        if (window)
+            window->sendEvent({.type = release_, .locationInWindow = {-1e6, -1e6}});
+    }
+
+    std::weak_ptr<NSWindow> window_;
+    Type release_ = Type::leftMouseUp;
+};
+
 CGPoint placeInWindow(const NSView& view, const QPointF& point) {
     return view.convertToBase(toView(view, point));
 }
@@ -120,6 +161,10 @@ void sendMouse(const std::shared_ptr<NSView>& view, QMouseEvent& event) {
         return event.ignore();
     const Type type = typeOf(event);
     const bool isPress = type == typesOf(event.button()).down && event.button() != Qt::NoButton;
+    if (isPress)
+        PressWatch::shared().begin(window, typesOf(event.button()).up);
+    else if (event.type() == QEvent::MouseButtonRelease)
+        PressWatch::shared().end();
     NSEvent told{.type = type, .locationInWindow = placeInWindow(*view, event.position())};
     told.clickCount = clickCount(event, isPress);
     told.modifierFlags = modifierFlags(event.modifiers());

@@ -46,9 +46,11 @@ QImage imageOver(const Bitmap& bitmap) {
             static_cast<qsizetype>(bitmap.bytesPerRow()), QImage::Format_RGBA8888_Premultiplied};
 }
 
-void fitBar(QScrollBar& bar, int length, int seen) {
+void fitBar(QScrollBar& bar, double length, int seen) {
+    constexpr double most = 1 << 30; // Qt adds lengths up
+    const double hidden = std::min(std::ceil(length) - seen, most);
     bar.setPageStep(seen);
-    bar.setRange(0, std::max(length - seen, 0));
+    bar.setRange(0, hidden > 0 ? static_cast<int>(hidden) : 0);
 }
 
 void moveBar(QScrollBar& bar, double to) {

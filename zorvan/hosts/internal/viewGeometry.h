@@ -33,8 +33,8 @@ CGPoint toView(const NSView& view, const QPointF& point);
 /// The pixels where they stand, which has to be for as long.
 QImage imageOver(const Bitmap& bitmap);
 
-/// For something so long of which so much is seen.
-void fitBar(QScrollBar& bar, int length, int seen);
+/// For something so long, in points, of which so much is seen.
+void fitBar(QScrollBar& bar, double length, int seen);
 /// As far as it goes.
 void moveBar(QScrollBar& bar, double to);
 
