@@ -236,8 +236,8 @@ TEST(OtherFormats, AnSvgIsDrawnNoDeeperThanThereIsStackAndHidesNothing) {
         svg(manyUses),
         svg(manyClips + square),
         svg("<image width='8' height='8' href='" + address(svg(square)) + "'/>"),
-        svg("<image width='8' height='8' x:href=' DATA:;BASE64," + address(svg(square)).substr(26) +
-            "'/>"),
+        svg("<image width='8' height='8' x:href=' DATA:image/svg+xml;BASE64," +
+            address(svg(square)).substr(26) + "'/>"),
         svg(square + "<image href='data:image/png;base64,'/><image href='data:,GIF8'/>"),
         svg("<style>@font-face{src:url(\"" + address("font", "font/woff2") +
             "\")} .a{fill:url(#p)}</style>" + pattern + "<path class='a' d='M0 0H8V8H0'/>"),
