@@ -8,10 +8,13 @@ namespace zorvan {
 
 namespace detail {
 
+namespace {
+constexpr double twoToThe63 = 9223372036854775808.0; // beyond which all reals are whole
+}
+
 std::int64_t signedInteger(const JSON& json) {
     if (const auto* real = json.as<double>()) {
-        constexpr double limit = 9223372036854775808.0; // 2^63
-        if (*real >= -limit && *real < limit &&
+        if (*real >= -twoToThe63 && *real < twoToThe63 &&
             static_cast<double>(static_cast<std::int64_t>(*real)) == *real)
             return static_cast<std::int64_t>(*real);
         throw JSONError("there is no integer");
@@ -24,8 +27,7 @@ std::int64_t signedInteger(const JSON& json) {
 std::uint64_t unsignedInteger(const JSON& json) {
     if (const auto* large = json.as<std::uint64_t>())
         return *large;
-    constexpr double half = 9223372036854775808.0; // 2^63, beyond which all reals are whole
-    if (const auto* real = json.as<double>(); real && *real >= half && *real < 2 * half)
+    if (const auto* real = json.as<double>(); real && *real >= twoToThe63 && *real < 2 * twoToThe63)
         return static_cast<std::uint64_t>(*real);
     const std::int64_t integer = signedInteger(json);
     if (integer < 0)

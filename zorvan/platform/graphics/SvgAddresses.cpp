@@ -92,6 +92,8 @@ std::optional<std::string> contentOfDataAddress(std::string_view reference) {
 }
 
 bool takesContentFromAddress(std::string_view style) {
+    if (style.find_first_of("(\"'\\") == style.npos) // nothing that an address begins after
+        return false;
     const bool hasEscapes = style.find('\\') != style.npos;
     const std::string text = withoutEscapes(style);
     const bool imports = text.find("@import") != text.npos;

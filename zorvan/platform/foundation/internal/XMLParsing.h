@@ -13,7 +13,6 @@
 #include <new>
 #include <numeric>
 #include <span>
-#include <string>
 #include <string_view>
 
 namespace zorvan::internal {
@@ -84,9 +83,11 @@ public:
             [](void*, const char* name, XML_Encoding* encoding) {
                 constexpr std::string_view families[] = {"windows-125", "cp125", "iso-8859-",
                                                          "koi8-"};
-                std::string lower(name);
-                std::ranges::transform(lower, lower.begin(), lowered);
-                if (std::ranges::none_of(families, [&](auto f) { return lower.starts_with(f); }))
+                const auto isOf = [name](std::string_view family) {
+                    const std::string_view start = std::string_view(name).substr(0, family.size());
+                    return std::ranges::equal(start, family, {}, lowered);
+                };
+                if (std::ranges::none_of(families, isOf))
                     return static_cast<int>(XML_STATUS_ERROR);
                 std::iota(std::begin(encoding->map), std::end(encoding->map), 0);
                 encoding->convert = nullptr;

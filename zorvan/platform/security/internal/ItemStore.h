@@ -43,7 +43,7 @@ public:
     /// In one transaction: has the function change the value that the query finds, absent for none,
     /// and writes it with the query's attributes as `addOrUpdate` does, or removes what the query
     /// finds when it is absent then. Whatever the function does with the store is part of the
-    /// transaction, and of what is not changed when it says so.
+    /// transaction, and undone when it is false.
     void modify(const ItemQuery& query, ItemAttributes written, const ChangeValue& change);
 
 private:
