@@ -6,6 +6,8 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 /// Plays what can be played of it to its end; fails the test when that does not come.
 AVPlayerItem::Status play(const URL& url) {
     const auto item = AVPlayerItem::create(url);
@@ -218,6 +220,14 @@ TEST(DamagedMovies, FewBytesThatCountManySamplesAreRefused) {
                                      box("free", std::string(4000, 0)))},
         {"places that are not there", movieOf({twoUnits + table("stco", {1 << 27, 0})})},
         {"sizes that are not there", movieOf({twoUnits + table("stsz", {0, 1 << 25})})},
+        {"names of metadata",
+         movieWith(box("meta", handlerOf("mdta") + table("keys", {1 << 27})) + trackOf({listed}))},
+        {"groups", movieOf({listed + table("sgpd", {0x73796E63, 1 << 30, 0})})},
+        {"groups of version 1",
+         movieOf({listed + box("sgpd", numbers({1 << 24, 0x73796E63, 0, 1 << 30}))})},
+        {"items", movieOf({listed}) +
+                      box("meta", handlerOf("pict") + box("iinf", numbers({1 << 24, 1 << 27})))},
+        {"a box beyond the file", movieOf({listed}) + numbers({1 << 30}) + "uuid"},
         {"in a fragment", fragmentOf(run)},
         {"in user data of a fragment", fragmentOf(box("udta", run))},
     };
@@ -228,6 +238,65 @@ TEST(DamagedMovies, FewBytesThatCountManySamplesAreRefused) {
     for (const auto& [name, bytes] : movies) {
         testmovies::write("many.mov", brand + bytes + box("mdat", samples));
         EXPECT_FALSE(AVAsset::create(testmovies::url("many.mov"))->isReadable()) << name;
+    }
+}
+
+std::string reversed(std::string bytes) { return {bytes.rbegin(), bytes.rend()}; }
+
+/// Sound with a list that says it has `length` bytes of texts, behind a gap.
+std::string waveWith(std::uint32_t length, bool isBigEndian = false, std::size_t gap = 0) {
+    const auto ordered = [&](std::uint32_t value) {
+        return isBigEndian ? numbers({value}) : reversed(numbers({value}));
+    };
+    const auto chunk = [&](const std::string& name, const std::string& content) {
+        return name + ordered(static_cast<std::uint32_t>(content.size())) + content;
+    };
+    const std::string format = (isBigEndian ? "\0\1\0\1"s : "\1\0\1\0"s) + ordered(8000) +
+                               ordered(8000) + (isBigEndian ? "\0\1\0\b"s : "\1\0\b\0"s);
+    const std::string text = "INAM" + reversed(numbers({length - 12}));
+    return (isBigEndian ? "RIFX" : "RIFF") + ordered(1 << 16) + "WAVE" + chunk("fmt ", format) +
+           chunk("data", samples) + chunk("junk", std::string(gap, 0)) + "LIST" + ordered(length) +
+           "INFO" + text + "Sine";
+}
+
+/// The bytes with those changed that stand behind the last of these.
+std::string changed(std::string bytes, const std::string& behind, const std::string& to) {
+    const std::size_t at = bytes.rfind(behind);
+    EXPECT_NE(at, bytes.npos) << behind;
+    return bytes.replace(at + behind.size(), to.size(), to);
+}
+
+TEST(DamagedMovies, LengthsFarBeyondTheFileAreRefusedInEachContainer) {
+    const std::string video = testmovies::picture("96x64", "25");
+    testmovies::make("list.avi", video + "-c:v mpeg4 -metadata title=Test");
+    testmovies::make("keys.flv", video + "-c:v flv1 -flvflags add_keyframe_index");
+    testmovies::make("index.mxf", video + "-c:v mpeg2video -bf 2");
+    const std::string tag("ID3\4\0\0\0\0\0\4tags", 14), texts = "INFOINAM";
+    const std::string avi = testmovies::read("list.avi"), flv = testmovies::read("keys.flv"),
+                      mxf = testmovies::read("index.mxf");
+    const std::uint32_t far = 1 << 30;
+    const std::string aviList = reversed(numbers({far})) + texts + reversed(numbers({far - 12}));
+    const std::string duration("\x3F\x0D\0\x08\0\0\0\0", 8);
+    std::vector<std::array<std::string, 3>> files{
+        {"wav", waveWith(16), waveWith(far)},
+        {"wav", waveWith(1'000), waveWith(100'000)}, // cut short by a little, and by much
+        {"wav", waveWith(16, true), waveWith(far, true)},
+        {"wav", tag + waveWith(16), tag + waveWith(far)},
+        {"wav", tag + waveWith(16, true), tag + waveWith(far, true)},
+        {"avi", avi,
+         avi.substr(0, avi.find(texts) - 4) + aviList + avi.substr(avi.find(texts) + 12)},
+        {"flv", flv, changed(flv, "times\n", numbers({1 << 27}))},
+        {"flv", flv, changed(flv, "filepositions\n", numbers({1 << 27}))},
+        {"mxf", mxf, changed(mxf, duration, numbers({1 << 25}))},
+    };
+    for (std::size_t gap = 32'680; gap < 32'700; ++gap) // where two reads of the file meet
+        files.push_back({"wav", waveWith(16, false, gap), waveWith(far, false, gap)});
+    for (const auto& [container, good, bad] : files) {
+        for (const bool isGood : {true, false}) {
+            testmovies::write("length." + container, isGood ? good : bad);
+            const auto asset = AVAsset::create(testmovies::url("length." + container));
+            EXPECT_EQ(asset->isReadable(), isGood) << container << " " << good.size();
+        }
     }
 }
 

@@ -1,10 +1,12 @@
 #include <zorvan/platform/avfoundation/internal/MovieInput.h>
 
+#include <zorvan/platform/avfoundation/internal/StatedLengths.h>
 #include <zorvan/platform/avfoundation/internal/containers.h>
 #include <zorvan/platform/avfoundation/internal/sampleCounts.h>
 #include <zorvan/platform/foundation/internal/openForReading.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -23,6 +25,17 @@ extern "C" {
 
 namespace zorvan::avfoundation {
 
+namespace {
+
+struct FreeContext {
+    void operator()(AVIOContext* context) const noexcept {
+        av_freep(&context->buffer);
+        avio_context_free(&context);
+    }
+};
+
+} // namespace
+
 /// The bytes of one regular file as FFmpeg reads them. What is open is this file and no other: the
 /// names that a container holds lead nowhere.
 class FileBytes {
@@ -36,46 +49,71 @@ public:
         return std::unique_ptr<FileBytes>(new FileBytes(std::move(opened), status.st_size));
     }
     FileBytes(const FileBytes&) = delete;
-    ~FileBytes() {
-        if (context_)
-            av_freep(&context_->buffer);
-        avio_context_free(&context_);
-    }
+    ~FileBytes() = default;
 
-    AVIOContext* context() const noexcept { return context_; }
     /// By its bytes. Null when FFmpeg knows none, and for a movie whose index would take far more
     /// memory than it has bytes.
-    const AVInputFormat* format() const {
+    const AVInputFormat* format() {
         const AVInputFormat* format = nullptr;
-        if (av_probe_input_buffer2(context_, &format, nullptr, nullptr, 0, 0) < 0)
+        const int score =
+            av_probe_input_buffer2(makeContext().get(), &format, nullptr, nullptr, 0, 0);
+        if (score < 0)
             return nullptr;
         const bool isInBoxes = std::string_view(format->name).starts_with("mov,");
-        return isInBoxes && !samplesFit(file_.get(), size_) ? nullptr : format;
+        if (isInBoxes && !samplesFit(file_.get(), size_))
+            return nullptr;
+        lengths_ = {format->name, file_.get(), size_};
+        return format;
+    }
+    /// The bytes from the first on, for a file of `format()`.
+    AVIOContext* context() {
+        position_ = 0;
+        context_ = makeContext();
+        return context_.get();
     }
 
 private:
+    using Context = std::unique_ptr<AVIOContext, FreeContext>;
+    static constexpr std::size_t bufferSize = 1 << 15;
+
     FileBytes(internal::FileDescriptor file, std::int64_t size)
-        : file_(std::move(file)), size_(size) {
-        constexpr int bufferSize = 1 << 15;
+        : file_(std::move(file)), size_(size) {}
+
+    Context makeContext() {
         auto* const buffer = static_cast<unsigned char*>(av_malloc(bufferSize));
-        if (buffer)
-            context_ = avio_alloc_context(buffer, bufferSize, 0, this, &read, nullptr, &seek);
-        if (!context_) {
+        AVIOContext* const context =
+            buffer ? avio_alloc_context(buffer, bufferSize, 0, this, &read, nullptr, &seek)
+                   : nullptr;
+        if (!context) {
             av_free(buffer);
             throw std::bad_alloc();
         }
+        return Context(context);
     }
 
     static int read(void* self, std::uint8_t* buffer, int size) {
         auto& file = *static_cast<FileBytes*>(self);
+        const std::span to(buffer, std::min(static_cast<std::size_t>(size), bufferSize));
+        return file.read(to);
+    }
+    /// Also looks at the bytes before, where a statement may begin.
+    int read(std::span<std::uint8_t> to) {
+        const auto lead = std::min<std::int64_t>(position_, StatedLengths::longest - 1);
+        const std::int64_t start = position_ - lead;
         ssize_t count = 0;
         do
-            count = pread(file.file_.get(), buffer, static_cast<std::size_t>(size), file.position_);
+            count = pread(file_.get(), window_.data(), to.size() + static_cast<std::size_t>(lead),
+                          start);
         while (count < 0 && errno == EINTR);
         if (count < 0)
             return AVERROR(errno);
-        file.position_ += count;
-        return count == 0 ? AVERROR_EOF : static_cast<int>(count);
+        if (count <= lead)
+            return AVERROR_EOF;
+        if (!lengths_.fit({window_.data(), static_cast<std::size_t>(count)}, size_ - start))
+            return AVERROR_INVALIDDATA;
+        std::copy(window_.data() + lead, window_.data() + count, to.data());
+        position_ += count - lead;
+        return static_cast<int>(count - lead);
     }
 
     static std::int64_t seek(void* self, std::int64_t offset, int whence) {
@@ -95,7 +133,9 @@ private:
     const internal::FileDescriptor file_;
     const std::int64_t size_;
     std::int64_t position_ = 0;
-    AVIOContext* context_ = nullptr;
+    StatedLengths lengths_;
+    std::array<char, bufferSize + StatedLengths::longest> window_ = {};
+    Context context_;
 };
 
 MovieInput::MovieInput() noexcept = default;
@@ -129,10 +169,11 @@ std::unique_ptr<MovieInput> MovieInput::open(const std::string& path, bool mayDe
     const AVInputFormat* const format = input->file_->format();
     if (!format)
         return nullptr;
+    AVIOContext* const bytes = input->file_->context();
     AVFormatContext* context = avformat_alloc_context();
     if (!context)
         throw std::bad_alloc();
-    context->pb = input->file_->context();
+    context->pb = bytes;
     context->io_open = &refuseToOpen;
     context->format_whitelist = av_strdup(readContainers);
     context->protocol_whitelist = av_strdup("file");
@@ -143,7 +184,8 @@ std::unique_ptr<MovieInput> MovieInput::open(const std::string& path, bool mayDe
     if (avformat_open_input(&context, nullptr, format, nullptr) < 0)
         return nullptr;
     input->context_.reset(context);
-    return input;
+    // FFmpeg may go on where bytes were refused to it.
+    return bytes->error == AVERROR_INVALIDDATA ? nullptr : std::move(input);
 }
 
 bool isCover(const AVStream& stream) noexcept {

@@ -31,7 +31,7 @@ constexpr bool isOneOf(std::string_view type, std::string_view types) {
 
 /// Tables that begin with the count of their entries, and the others that matter.
 constexpr std::string_view timesAndPlaces = "sttscttsstscstcoco64stssstps";
-constexpr std::string_view otherTables = "stszstz2trunelsthdlr";
+constexpr std::string_view otherTables = "stszstz2trunelsthdlrkeyssgpdiinfiloc";
 
 /// FFmpeg asks for memory for all the entries that a table states. In a movie that is cut short,
 /// not all of them are there; more than this of them are in no movie.
@@ -76,12 +76,16 @@ private:
             std::uint64_t length = isLong
                                        ? std::uint64_t{number(start, 8)} << 32 | number(start, 12)
                                        : number(start, 0);
-            if (length == 0 || length > rest)
-                length = rest; // cut short, which FFmpeg bears
+            const std::string_view type(start.data() + 4, 4);
+            const bool isCut = length > rest;
+            if (isCut && depth == 0 && type != "mdat" && length - rest > mostNotThere)
+                return refuse();
+            if (length == 0 || isCut)
+                length = rest; // which FFmpeg bears
             if (length < head)
                 return;
             const std::int64_t next = at + static_cast<std::int64_t>(length);
-            look({start.data() + 4, 4}, at + static_cast<std::int64_t>(head), next, depth + 1);
+            look(type, at + static_cast<std::int64_t>(head), next, depth + 1);
             at = next;
         }
     }
@@ -193,6 +197,8 @@ private:
             track_.edits += static_cast<double>((end - at - 8) / (table[0] == 1 ? 20 : 12));
         else if (box == "hdlr")
             addHandler({table.data() + 8, 4});
+        else if (isOneOf(box, "keyssgpdiinfiloc"))
+            checkUnlisted(box, at);
         else
             addSamples(table, box == "stz2", rest(at));
     }
@@ -204,6 +210,20 @@ private:
         if (!isListed || count * bits / 8 <= static_cast<double>(rest))
             track_.samples += count;
         else if (count > mostNotThere)
+            refuse();
+    }
+
+    /// Counts of what takes no entries of the index, but memory as well.
+    static int countOffset(std::string_view box, int version) {
+        if (box == "sgpd")
+            return 8 + 4 * std::min(version, 2);
+        return box == "iloc" ? 6 : 4;
+    }
+    void checkUnlisted(std::string_view box, std::int64_t at) {
+        const int version = static_cast<std::uint8_t>(source_->at(at)[0]);
+        const bool isShort = (box == "iinf" && version == 0) || (box == "iloc" && version < 2);
+        const Bytes count = source_->at(at + countOffset(box, version));
+        if (!isShort && number(count, 0) > mostNotThere)
             refuse();
     }
 
