@@ -300,6 +300,17 @@ TEST(DamagedMovies, LengthsFarBeyondTheFileAreRefusedInEachContainer) {
     }
 }
 
+TEST(DamagedMovies, MillionsOfEntriesBeyondTheEndAreNotReadOneByOne) {
+    testmovies::make("entries.mxf", testmovies::picture("96x64", "25") + "-c:v mpeg2video -bf 2");
+    const std::string mxf = testmovies::read("entries.mxf");
+    const std::size_t index = mxf.rfind("\x3F\x0A");
+    ASSERT_EQ(mxf.substr(index + 8, 4), numbers({15})) << "the bytes of an entry";
+    testmovies::write("many.mxf", changed(mxf, mxf.substr(index, 4), numbers({1 << 24})));
+    const auto start = std::chrono::steady_clock::now();
+    AVAsset::create(testmovies::url("many.mxf"))->isReadable();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+}
+
 TEST(DamagedMovies, WhatCountsManySamplesForGoodReasonIsRead) {
     const std::string video = testmovies::picture("96x64", "25");
     const std::string sound = "-f lavfi -i sine=d=60 -ar 8000 ";

@@ -75,6 +75,7 @@ public:
 private:
     using Context = std::unique_ptr<AVIOContext, FreeContext>;
     static constexpr std::size_t bufferSize = 1 << 15;
+    static constexpr int mostReadsAtEnd = 1000;
 
     FileBytes(internal::FileDescriptor file, std::int64_t size)
         : file_(std::move(file)), size_(size) {}
@@ -107,6 +108,7 @@ private:
         while (count < 0 && errno == EINTR);
         if (count < 0)
             return AVERROR(errno);
+        readsAtEnd_ = count <= lead ? readsAtEnd_ + 1 : 0;
         if (count <= lead)
             return AVERROR_EOF;
         if (!lengths_.fit({window_.data(), static_cast<std::size_t>(count)}, size_ - start))
@@ -121,6 +123,10 @@ private:
         const int from = whence & ~AVSEEK_FORCE;
         if (whence == AVSEEK_SIZE)
             return file.size_;
+        // FFmpeg forgets at each seek that it was at the end, and would read there for minutes what
+        // an index says to be of many entries.
+        if (file.readsAtEnd_ > mostReadsAtEnd)
+            return AVERROR(EIO);
         const std::int64_t base = from == SEEK_CUR   ? file.position_
                                   : from == SEEK_END ? file.size_
                                                      : 0;
@@ -133,6 +139,7 @@ private:
     const internal::FileDescriptor file_;
     const std::int64_t size_;
     std::int64_t position_ = 0;
+    int readsAtEnd_ = 0; // one after the other
     StatedLengths lengths_;
     std::array<char, bufferSize + StatedLengths::longest> window_ = {};
     Context context_;
