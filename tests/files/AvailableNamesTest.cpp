@@ -3,8 +3,10 @@
 #include "TracedProcess.h"
 #include <tests/Testing.h>
 
+#include <zorvan/files/FileIterator.h>
 #include <zorvan/files/NSFileManager.h>
 #include <zorvan/files/NSFileWrapper.h>
+#include <zorvan/files/URL.h>
 
 #include <functional>
 
@@ -54,6 +56,15 @@ TEST(AvailableNames, AreTakenInTheSameStep) {
         EXPECT_THROW(manager().moveItemToAvailableURL(url, taken), fs::filesystem_error);
     }
     EXPECT_EQ(text(folder.path() / "a.txt"), "x");
+
+    const URL kept({.fileURLWithPath = "/proc/version"}); // which nobody can remove
+    try {
+        manager().moveItemToAvailableURL(kept, folder.url("version"));
+        ADD_FAILURE() << "not told";
+    } catch (const fs::filesystem_error& error) {
+        EXPECT_EQ(error.path1(), kept.path());
+        EXPECT_EQ(error.path2(), folder.url("version").path());
+    }
 }
 
 TEST(AvailableNames, ANumberedNameThatIsTakenFitsTheFileSystem) {
@@ -104,6 +115,9 @@ TEST(AvailableNames, APathWithANULIsRefusedAndNeverCut) {
     const URL url = folder.url(std::string("report.sh\0.jpg", 14));
     const URL source = folder.url("source");
     EXPECT_FALSE(manager().contentExists(url).exist);
+    EXPECT_FALSE(manager().modifyDateForFile(url) || manager().sizeInMoOfItem(url));
+    EXPECT_FALSE(isReadable(url) || isWritable(url) || isDeletable(url));
+    EXPECT_FALSE(FileIterator::create({url})->next());
     EXPECT_EQ(manager().availableItemURL(url), url);
     const std::function<void()> calls[] = {
         [&] { manager().createAvailableFile(url); },

@@ -165,3 +165,48 @@ TEST(NSFileWrapperDeathTest, StopsAtBrokenContracts) {
         EXPECT_DEATH(NSFileWrapper::create({.directoryWithFileWrappers = children}), noName);
     }
 }
+
+TEST(NSFileWrapper, IsWrittenAgainAndAgainInItsPlaceWithItsNamesExchanged) {
+    TemporaryFolder folder;
+    folder.file("doc/text", "first");
+    folder.file("doc/sub/kept", "kept");
+    fs::create_directory_symlink("doc", folder.path() / "link");
+    const auto wrapper = NSFileWrapper::create({.url = folder.url("link")});
+    const auto first = wrapper->fileWrappers().at("text");
+    for (int round = 0; round < 3; ++round) {
+        if (round == 0) {
+            wrapper->removeFileWrapper(first);
+            first->setPreferredFilename("text.bak");
+            wrapper->addFileWrapper(first);
+            const auto next = NSFileWrapper::create({.regularFileWithContents = bytesOf("next")});
+            next->setPreferredFilename("text");
+            wrapper->addFileWrapper(next);
+        }
+        wrapper->write(folder.url("doc"));
+        EXPECT_EQ(text(folder.path() / "doc/text"), "next");
+        EXPECT_EQ(text(folder.path() / "doc/text.bak"), "first");
+        EXPECT_EQ(text(folder.path() / "doc/sub/kept"), "kept");
+        EXPECT_EQ(first->regularFileContents(), bytesOf("first"));
+    }
+    // What is no longer in it has lost its bytes, and takes no others for them.
+    wrapper->removeFileWrapper(first);
+    const auto other = NSFileWrapper::create({.regularFileWithContents = bytesOf("other")});
+    other->setPreferredFilename("text.bak");
+    wrapper->addFileWrapper(other);
+    wrapper->write(folder.url("doc"));
+    EXPECT_THROW(first->regularFileContents(), fs::filesystem_error);
+    EXPECT_THROW(first->write(folder.url("old")), fs::filesystem_error);
+}
+
+TEST(NSFileWrapper, KeepsWhatIsPrivateSo) {
+    TemporaryFolder folder;
+    folder.file("doc/sub/secret", "s");
+    folder.setMode("doc/sub", 0700);
+    const auto wrapper = NSFileWrapper::create({.url = folder.url("doc")});
+    for (const char* place : {"doc", "copy"}) {
+        wrapper->write(folder.url(place));
+        EXPECT_EQ(fs::status(folder.path() / place / "sub").permissions(), fs::perms(0700));
+        EXPECT_EQ(fs::status(folder.path() / place).permissions(),
+                  fs::status(folder.path() / "doc").permissions());
+    }
+}

@@ -127,6 +127,15 @@ TEST(SafeCopy, TakesModesDatesAndAttributesAlong) {
               hasAttributes ? 1 : -1);
 }
 
+TEST(SafeCopy, ReplacesWithWhatHasTheLongestName) {
+    TemporaryFolder folder;
+    const std::string name = "a." + std::string(NAME_MAX - 2, 'x');
+    folder.make({name + "/new", "b/old"});
+    manager().overwritingCopy(folder.url(name), folder.url("b"));
+    EXPECT_TRUE(fs::exists(folder.path() / "b/new"));
+    EXPECT_EQ(folder.count(), 2);
+}
+
 TEST(SafeCopy, ReplacesFoldersThatMayNotBeWritten) {
     asOrdinaryUser([] {
         TemporaryFolder folder;

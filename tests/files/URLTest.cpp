@@ -22,6 +22,9 @@ TEST(FileURL, TakesPathsApart) {
     EXPECT_EQ(lastPathTitle(file("/a/b.tar.gz")), "b.tar");
     EXPECT_EQ(replacingPathExtension(file("/a/b.txt"), "md"), file("/a/b.md"));
     EXPECT_EQ(replacingPathExtension(file("/a/b.txt"), ""), file("/a/b"));
+    for (const char* bare : {"http://example.com", "http://example.com/", "file:///"})
+        EXPECT_EQ(replacingPathExtension(*URL::make({.string = bare}), "txt"),
+                  *URL::make({.string = bare}));
     EXPECT_EQ(parentOrSelf(file("/a/b.txt")), file("/a"));
     EXPECT_EQ(parentOrSelf(file("/a/b")), file("/a/b"));
 }

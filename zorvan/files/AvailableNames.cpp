@@ -125,8 +125,12 @@ URL NSFileManager::moveItemToAvailableURL(const URL& item, const URL& url) const
             copy.emplace(from, internal::Scratch::pathBeside(path), Durability::onDisk);
         return copy->place(path);
     });
-    if (copy)
-        internal::removeItem(from);
+    if (!copy)
+        return place;
+    internal::synchroniseFolder(internal::folderOf(place.path()));
+    if (const int error = internal::removeItem(from))
+        throw std::filesystem::filesystem_error("cannot remove what was moved", from, place.path(),
+                                                std::error_code(error, std::generic_category()));
     return place;
 }
 

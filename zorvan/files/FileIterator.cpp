@@ -5,6 +5,7 @@
 #include <zorvan/platform/foundation/internal/DirectoryWalk.h>
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/hasNUL.h>
 #include <zorvan/platform/foundation/internal/openByPath.h>
 #include <zorvan/platform/textservices/Unicode.h>
 
@@ -30,7 +31,7 @@ void lower(std::string& text) {
 /// What `fstatat` knows of a path, which may be longer than the kernel takes at once.
 std::optional<struct stat> statusAt(const std::string& path, int flags) {
     struct stat status {};
-    if (::fstatat(AT_FDCWD, path.c_str(), &status, flags) == 0)
+    if (::fstatat(AT_FDCWD, internal::systemPath(path), &status, flags) == 0)
         return status;
     if (errno != ENAMETOOLONG)
         return std::nullopt;

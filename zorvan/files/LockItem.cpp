@@ -1,5 +1,6 @@
 #include <zorvan/files/internal/LockItem.h>
 
+#include <zorvan/platform/foundation/internal/hasNUL.h>
 #include <zorvan/platform/foundation/internal/openForReading.h>
 
 #include <algorithm>
@@ -42,7 +43,7 @@ bool isStillNamed(const struct stat& item, const std::string& path, int flags) n
 
 FileDescriptor lockForReading(const std::string& path) {
     for (;;) {
-        FileDescriptor item = internal::openForReading(AT_FDCWD, path.c_str());
+        FileDescriptor item = internal::openForReading(AT_FDCWD, internal::systemPath(path));
         struct stat status {};
         if (!item || ::fstat(item.get(), &status) != 0)
             return {};

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <climits>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,8 +26,7 @@ const std::shared_ptr<NSFileManager>& NSFileManager::defaultManager() {
 
 NSFileManager::Content NSFileManager::contentExists(const URL& url) const {
     struct stat status {};
-    if (!url.isFileURL() || internal::hasNUL(url.path()) ||
-        ::stat(url.path().c_str(), &status) != 0)
+    if (!url.isFileURL() || ::stat(internal::systemPath(url.path()), &status) != 0)
         return {};
     return {.exist = true, .isDir = S_ISDIR(status.st_mode)};
 }
@@ -37,7 +37,8 @@ namespace {
 std::optional<struct statx> attributes(const URL& url, unsigned mask) {
     struct statx status {};
     if (!url.isFileURL() ||
-        ::statx(AT_FDCWD, url.path().c_str(), AT_SYMLINK_NOFOLLOW, mask, &status) != 0 ||
+        ::statx(AT_FDCWD, internal::systemPath(url.path()), AT_SYMLINK_NOFOLLOW, mask, &status) !=
+            0 ||
         (status.stx_mask & mask) != mask)
         return std::nullopt;
     return status;
@@ -121,13 +122,21 @@ void replaceWithCopy(const std::string& source, const std::string& destination,
         throwFileError("cannot replace", destination, error);
 }
 
+/// An extension that leaves no room for the rest of the name is left out.
+std::string temporaryPathFor(const URL& source) {
+    const NSFileManager& manager = *NSFileManager::defaultManager();
+    const URL url = manager.temporaryURL({.for_ = source});
+    const bool fits = url.lastPathComponent().size() <= NAME_MAX;
+    return fits ? url.path() : manager.temporaryURL().path();
+}
+
 } // namespace
 
 void NSFileManager::overwritingCopy(const URL& source, const URL& destination) const {
     const std::string& from = filePath(source);
     const std::string& to = filePath(destination);
     if (isTaken(to))
-        replaceWithCopy(from, to, temporaryURL({.for_ = source}).path());
+        replaceWithCopy(from, to, temporaryPathFor(source));
     else
         placeCopy(from, to);
 }

@@ -132,7 +132,9 @@ public:
     /// @}
 
     /// Moves an item to the first of those names that is free, with the same promise. Between
-    /// volumes the item is copied first, and removed when the copy has its name. Throws.
+    /// volumes the item is copied first, and removed when the copy has its name and is on the disk.
+    /// Throws; when the item cannot be removed, the copy stays, and is the second path of the
+    /// error.
     URL moveItemToAvailableURL(const URL& item, const URL& url) const;
 
     // Attributes, of a link its own.

@@ -8,7 +8,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <sys/types.h>
+#include <utility>
 #include <variant>
+#include <vector>
 
 namespace zorvan {
 
@@ -74,7 +77,7 @@ public:
     const Children& fileWrappers() const;
 
     /// What a file holds; absent when this is no file. Throws when the file it was read from can no
-    /// longer be read, or is none any more.
+    /// longer be read, or is another by now, unless it was written by the folder that holds this.
     std::optional<Data> regularFileContents() const;
 
     /// Where a link leads, as it is written in it; absent when this is no link.
@@ -91,15 +94,19 @@ public:
 
     /// Writes all of it in the place of what is at the URL, which may be where it was read from.
     /// What is there is whole at every moment, the old or the new, as with
-    /// `NSFileManager::overwritingCopy`. Throws.
+    /// `NSFileManager::overwritingCopy`. Folders keep the permissions they were read with. Files
+    /// that were read from what is replaced are read from the new one from then on. Throws.
     void write(const URL& url) const;
 
 private:
     struct Link {
         std::string destination;
     };
+    struct Source; // where a file was read from
+    using SharedSource = std::shared_ptr<const Source>;
     /// A file is where it was read from, or its bytes.
-    using Content = std::variant<URL, Data, Link, Children>;
+    using Content = std::variant<SharedSource, Data, Link, Children>;
+    using Moves = std::vector<std::pair<NSFileWrapper*, SharedSource>>;
 
     explicit NSFileWrapper(Content content) : content_(std::move(content)) {}
 
@@ -108,9 +115,15 @@ private:
     static Children readChildren(const std::string& path);
     Children& children();
     bool holds(const NSFileWrapper& other) const;
+    static SharedSource sourceAt(const std::string& path, std::string later);
+    Moves movesFrom(const std::string& place, const std::string& written,
+                    const std::string& later) const;
     void writeTo(const std::string& path) const;
+    std::optional<mode_t> writeClosed(const std::string& path) const;
+    mode_t writeFolder(const std::string& path) const;
 
     Content content_;
+    std::optional<mode_t> permissions_; // of a folder that was read
     std::string filename_;
     std::string preferredFilename_;
 };

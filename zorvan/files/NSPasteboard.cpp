@@ -1,8 +1,19 @@
 #include <zorvan/files/NSPasteboard.h>
 
+#include <zorvan/platform/foundation/internal/ForkParticipant.h>
+
 #include <iterator>
+#include <mutex>
+#include <utility>
 
 namespace zorvan {
+
+namespace {
+
+constinit internal::BriefMutex mutex; // of all pasteboards
+const internal::ForkParticipant::Joined joined(mutex);
+
+} // namespace
 
 const std::shared_ptr<NSPasteboard>& NSPasteboard::generalPasteboard() {
     static const std::shared_ptr<NSPasteboard> pasteboard = create();
@@ -15,10 +26,11 @@ std::shared_ptr<NSPasteboard> NSPasteboard::create() {
 
 std::int64_t NSPasteboard::clearContents() {
     std::int64_t count = 0;
+    decltype(contents_) gone; // without the lock, as that may call anything
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard lock(mutex);
         objects_.clear();
-        contents_ = nullptr;
+        contents_.swap(gone);
         count = ++changeCount_;
     }
     tellHandler();
@@ -27,9 +39,10 @@ std::int64_t NSPasteboard::clearContents() {
 
 void NSPasteboard::writeObjects(std::vector<Object> objects) {
     fetchContents();
+    decltype(contents_) gone;
     {
-        const std::lock_guard lock(mutex_);
-        contents_ = nullptr;
+        const std::lock_guard lock(mutex);
+        contents_.swap(gone);
         objects_.insert(objects_.end(), std::make_move_iterator(objects.begin()),
                         std::make_move_iterator(objects.end()));
     }
@@ -37,22 +50,23 @@ void NSPasteboard::writeObjects(std::vector<Object> objects) {
 }
 
 void NSPasteboard::setChangeHandler(std::function<void()> handler) {
-    const std::lock_guard lock(mutex_);
-    changeHandler_ = std::move(handler);
+    const std::lock_guard lock(mutex);
+    changeHandler_.swap(handler);
 }
 
 void NSPasteboard::adopt(std::function<std::optional<std::vector<Object>>()> contents) {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(mutex);
     objects_.clear();
-    contents_ = std::move(contents);
+    contents_.swap(contents);
     ++changeCount_;
 }
 
 /// Outside the lock, so that nobody who writes waits for the desktop; what was written meanwhile
 /// stays.
 void NSPasteboard::fetchContents() const {
-    std::unique_lock lock(mutex_);
-    const auto contents = contents_;
+    decltype(contents_) contents, gone; // without the lock
+    std::unique_lock lock(mutex);
+    contents = contents_;
     const std::int64_t count = changeCount_;
     if (!contents)
         return;
@@ -62,14 +76,14 @@ void NSPasteboard::fetchContents() const {
     if (!objects || !contents_ || count != changeCount_)
         return;
     objects_ = std::move(*objects);
-    contents_ = nullptr;
+    contents_.swap(gone);
 }
 
 /// Outside the lock, so that it may ask the pasteboard.
 void NSPasteboard::tellHandler() const {
     std::function<void()> handler;
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard lock(mutex);
         handler = changeHandler_;
     }
     if (handler)
@@ -78,12 +92,12 @@ void NSPasteboard::tellHandler() const {
 
 std::vector<NSPasteboard::Object> NSPasteboard::objects() const {
     fetchContents();
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(mutex);
     return objects_;
 }
 
 std::int64_t NSPasteboard::changeCount() const {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(mutex);
     return changeCount_;
 }
 

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <variant>
@@ -56,7 +55,6 @@ private:
     void tellHandler() const;
     void fetchContents() const;
 
-    mutable std::mutex mutex_;
     mutable std::vector<Object> objects_;
     /// Where the objects are to be had; empty once they are there.
     mutable std::function<std::optional<std::vector<Object>>()> contents_;

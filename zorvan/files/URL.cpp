@@ -2,6 +2,7 @@
 
 #include <zorvan/files/NSFileManager.h>
 #include <zorvan/files/internal/LockItem.h>
+#include <zorvan/platform/foundation/internal/hasNUL.h>
 
 #include <algorithm>
 #include <fcntl.h>
@@ -9,6 +10,8 @@
 #include <unistd.h>
 
 namespace zorvan {
+
+using internal::systemPath;
 
 std::string lastPathTitle(const URL& url) {
     return url.deletingPathExtension().lastPathComponent();
@@ -34,7 +37,7 @@ URL parentOrSelf(const URL& url) {
 
 std::optional<URLResourceValues> resourceValues(const URL& url) {
     struct stat status {};
-    if (!url.isFileURL() || ::lstat(url.path().c_str(), &status) != 0)
+    if (!url.isFileURL() || ::lstat(systemPath(url.path()), &status) != 0)
         return std::nullopt;
     const bool isLink = S_ISLNK(status.st_mode);
     return URLResourceValues{.isSymbolicLink = isLink, .isAliasFile = isLink};
@@ -53,7 +56,7 @@ namespace {
 /// apart.
 std::optional<std::uint64_t> mountOf(const std::string& path) {
     struct statx status {};
-    if (::statx(AT_FDCWD, path.c_str(), 0, STATX_MNT_ID, &status) != 0)
+    if (::statx(AT_FDCWD, systemPath(path), 0, STATX_MNT_ID, &status) != 0)
         return std::nullopt;
     if (status.stx_mask & STATX_MNT_ID)
         return status.stx_mnt_id;
@@ -61,7 +64,7 @@ std::optional<std::uint64_t> mountOf(const std::string& path) {
 }
 
 bool isAllowed(const std::string& path, int mode) {
-    return ::faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) == 0;
+    return ::faccessat(AT_FDCWD, systemPath(path), mode, AT_EACCESS) == 0;
 }
 
 /// In a directory with the sticky bit only the owners of the entry and of the directory, and the
@@ -116,8 +119,8 @@ bool isDeletable(const URL& url) {
     const std::string parent = url.deletingLastPathComponent().path();
     struct stat item {
     }, directory{};
-    if (url == URL::root() || ::lstat(url.path().c_str(), &item) != 0 ||
-        ::stat(parent.c_str(), &directory) != 0)
+    if (url == URL::root() || ::lstat(systemPath(url.path()), &item) != 0 ||
+        ::stat(systemPath(parent), &directory) != 0)
         return false;
     return isAllowed(parent, W_OK | X_OK) && !isKeptByStickyBit(item, directory) &&
            (!S_ISDIR(item.st_mode) || isAllowed(url.path(), W_OK | X_OK));
@@ -125,7 +128,7 @@ bool isDeletable(const URL& url) {
 
 std::optional<bool> checkIsReadAndWrite(const URL& url) {
     struct stat status {};
-    if (!url.isFileURL() || ::stat(url.path().c_str(), &status) != 0)
+    if (!url.isFileURL() || ::stat(systemPath(url.path()), &status) != 0)
         return std::nullopt;
     const mode_t wanted = status.st_uid == ::geteuid()    ? S_IRUSR | S_IWUSR
                           : belongsToGroup(status.st_gid) ? S_IRGRP | S_IWGRP

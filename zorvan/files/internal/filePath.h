@@ -25,7 +25,7 @@ const std::string& filePath(URL&&) = delete;
 /// Whether an item, and be it a link that leads nowhere, has the name.
 inline bool isTaken(const std::string& path) {
     struct stat status {};
-    return !internal::hasNUL(path) && ::lstat(path.c_str(), &status) == 0;
+    return ::lstat(internal::systemPath(path), &status) == 0;
 }
 
 /// Makes a folder that is the user's alone, and those on the way to it that are missing. Returns 0

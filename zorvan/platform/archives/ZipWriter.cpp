@@ -4,6 +4,7 @@
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
 #include <zorvan/platform/foundation/internal/Release.h>
 #include <zorvan/platform/foundation/internal/UTF8.h>
+#include <zorvan/platform/foundation/internal/hasNUL.h>
 #include <zorvan/platform/foundation/internal/openForReading.h>
 #include <zorvan/platform/foundation/internal/percentEscapes.h>
 
@@ -94,7 +95,7 @@ la_ssize_t append(archive* writer, void* data, const void* bytes, std::size_t si
 class ZipWriter {
 public:
     ZipWriter(const std::string& folder, Data& data)
-        : folder_(::open(folder.c_str(), folderFlags)), writer_(archive_write_new()),
+        : folder_(::open(internal::systemPath(folder), folderFlags)), writer_(archive_write_new()),
           entry_(archive_entry_new()) {
         if (!writer_ || !entry_)
             throw std::bad_alloc();
@@ -176,16 +177,21 @@ private:
         archive_entry_set_size(entry_.get(), status.st_size);
         if (!writeHeader())
             return false;
-        for (;;) {
-            const ssize_t count = ::read(file.get(), buffer_.data(), buffer_.size());
+        auto left =
+            static_cast<std::size_t>(status.st_size); // what comes to it meanwhile is not taken
+        while (left > 0) {
+            const ssize_t count =
+                ::read(file.get(), buffer_.data(), std::min(left, buffer_.size()));
             if (count < 0 && errno == EINTR)
                 continue;
             if (count <= 0)
-                return count == 0 && archive_write_finish_entry(writer_.get()) == ARCHIVE_OK;
+                return false;
             const auto size = static_cast<std::size_t>(count);
             if (archive_write_data(writer_.get(), buffer_.data(), size) != count)
                 return false;
+            left -= size;
         }
+        return archive_write_finish_entry(writer_.get()) == ARCHIVE_OK;
     }
 
     FileDescriptor folder_;                     // that the last item stood in

@@ -197,7 +197,8 @@ URL URL::deletingPathExtension() const {
 }
 
 URL URL::appendingPathExtension(std::string_view extension) const {
-    if (extension.empty())
+    const std::string_view last = lastPathComponent();
+    if (extension.empty() || last.empty() || last == "/")
         return *this;
     return withPath(path_ + '.' + (isFile_ ? std::string(extension) : escaped(extension)));
 }

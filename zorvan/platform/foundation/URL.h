@@ -80,7 +80,7 @@ public:
     // What is appended is escaped where the path is: every byte but the unreserved characters and
     // "/".
 
-    /// The extension appended after a dot; unchanged when it is empty.
+    /// The extension appended after a dot; unchanged when it is empty, or no component is there.
     URL appendingPathExtension(std::string_view extension) const;
     /// Without the last component; "/" stays.
     URL deletingLastPathComponent() const;

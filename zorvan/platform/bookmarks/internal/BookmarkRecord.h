@@ -1,6 +1,7 @@
 #pragma once
 
-#include <zorvan/platform/bookmarks/internal/FileIdentity.h>
+#include <zorvan/platform/bookmarks/internal/FileHandle.h>
+#include <zorvan/platform/foundation/internal/FileIdentity.h>
 
 #include <optional>
 #include <span>

@@ -1,5 +1,6 @@
 #include <zorvan/platform/foundation/internal/DirectoryWalk.h>
 
+#include <zorvan/platform/foundation/internal/hasNUL.h>
 #include <zorvan/platform/foundation/internal/openByPath.h>
 
 #include <cerrno>
@@ -28,7 +29,7 @@ constexpr std::size_t nameOffset = 19;
 } // namespace
 
 std::unique_ptr<DirectoryWalk> DirectoryWalk::open(std::string path, Visits visits) {
-    FileDescriptor descriptor(::open(path.c_str(), openFlags));
+    FileDescriptor descriptor(::open(systemPath(path), openFlags));
     if (!descriptor)
         return nullptr;
     std::unique_ptr<DirectoryWalk> walk(new DirectoryWalk(visits));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace zorvan::internal {
@@ -8,5 +9,11 @@ namespace zorvan::internal {
 inline bool hasNUL(std::string_view path) noexcept {
     return path.find('\0') != std::string_view::npos;
 }
+
+/// A path for the system; for one that it would cut, that of nothing.
+inline const char* systemPath(const std::string& path) noexcept {
+    return hasNUL(path) ? "" : path.c_str();
+}
+const char* systemPath(std::string&&) = delete;
 
 } // namespace zorvan::internal

@@ -40,16 +40,18 @@ void removeContents(const std::string& path) {
 
 } // namespace
 
-void removeItem(const std::string& path) noexcept {
-    if (::unlink(path.c_str()) == 0 || errno != EISDIR)
-        return;
+int removeItem(const std::string& path) noexcept {
+    if (::unlink(path.c_str()) == 0 || errno == ENOENT)
+        return 0;
+    if (errno != EISDIR)
+        return errno;
     removeOrOpenUp(AT_FDCWD, path.c_str());
     try {
         removeContents(path);
     } catch (const std::exception&) {
         // Out of memory: what is left stays.
     }
-    ::rmdir(path.c_str());
+    return ::rmdir(path.c_str()) == 0 || errno == ENOENT ? 0 : errno;
 }
 
 } // namespace zorvan::internal

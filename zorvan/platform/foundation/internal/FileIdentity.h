@@ -1,7 +1,5 @@
 #pragma once
 
-#include <zorvan/platform/foundation/Data.h>
-
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -16,8 +14,10 @@ struct FileIdentity {
     /// is used again after its file is gone, but not with the same birth.
     std::int64_t birth = 0;
 
-    /// Of what is at the path, links not followed. Absent when there is nothing.
+    /// Of what is at the path, links not followed. Absent when there is nothing; `errno` says why.
     static std::optional<FileIdentity> at(const std::string& path);
+    /// Of what is open. Absent when the system does not say.
+    static std::optional<FileIdentity> of(int file);
 
     /// Whether it is the same file. The number of a device may change with the next start of the
     /// system, so the birth counts more where both have one.
@@ -28,23 +28,6 @@ struct FileIdentity {
     }
 
     friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
-};
-
-/// What the system finds a file by without a path.
-struct FileHandle {
-    std::int32_t type = 0;
-    Data bytes; // empty where the volume has none
-
-    static FileHandle of(const std::string& path);
-
-    /// The path that the file has now; empty when it is gone or this process may not ask.
-    /// `neighbour` is any path on the same volume.
-    std::string currentPath(const std::string& neighbour) const;
-
-    /// False only when both are known to belong to different files.
-    bool mayBeOf(const FileHandle& other) const noexcept {
-        return bytes.empty() || other.bytes.empty() || (type == other.type && bytes == other.bytes);
-    }
 };
 
 } // namespace zorvan::internal

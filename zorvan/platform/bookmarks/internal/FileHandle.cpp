@@ -1,12 +1,12 @@
-#include <zorvan/platform/bookmarks/internal/FileIdentity.h>
+#include <zorvan/platform/bookmarks/internal/FileHandle.h>
 
 #include <zorvan/platform/foundation/internal/FileDescriptor.h>
+#include <zorvan/platform/foundation/internal/hasNUL.h>
 
 #include <climits>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 #include <vector>
 
@@ -30,22 +30,10 @@ private:
 
 } // namespace
 
-std::optional<FileIdentity> FileIdentity::at(const std::string& path) {
-    struct statx status {};
-    if (::statx(AT_FDCWD, path.c_str(), AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME, &status) != 0)
-        return std::nullopt;
-    FileIdentity identity;
-    identity.device = makedev(status.stx_dev_major, status.stx_dev_minor);
-    identity.inode = status.stx_ino;
-    if ((status.stx_mask & STATX_BTIME) != 0)
-        identity.birth = status.stx_btime.tv_sec * 1'000'000'000 + status.stx_btime.tv_nsec;
-    return identity;
-}
-
 FileHandle FileHandle::of(const std::string& path) {
     HandleBuffer buffer(MAX_HANDLE_SZ);
     int mount = 0;
-    if (::name_to_handle_at(AT_FDCWD, path.c_str(), buffer.get(), &mount, 0) != 0)
+    if (::name_to_handle_at(AT_FDCWD, systemPath(path), buffer.get(), &mount, 0) != 0)
         return {};
     const auto* bytes = reinterpret_cast<const std::byte*>(buffer.get()->f_handle);
     return {buffer.get()->handle_type, Data(bytes, bytes + buffer.get()->handle_bytes)};
