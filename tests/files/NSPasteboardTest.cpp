@@ -1,6 +1,10 @@
+#include "ChildProcess.h"
 #include <tests/Testing.h>
 
 #include <zorvan/files/NSPasteboard.h>
+
+#include <atomic>
+#include <thread>
 
 TEST(NSPasteboard, GivesTheFilesAmongItsObjects) {
     const URL file({.fileURLWithPath = "/a b"}), other({.fileURLWithPath = "/c"});
@@ -17,4 +21,21 @@ TEST(NSPasteboard, GivesTheFilesAmongItsObjects) {
     EXPECT_THAT(pasteboard->fileURLs(), testing::IsEmpty());
     EXPECT_EQ(NSPasteboard::generalPasteboard(), NSPasteboard::generalPasteboard());
     EXPECT_NE(NSPasteboard::generalPasteboard(), pasteboard);
+}
+
+TEST(NSPasteboard, IsNobodysInAChildProcess) {
+    const auto pasteboard = NSPasteboard::create();
+    pasteboard->writeObjects({std::string(1 << 20, 'x')}); // which takes a while to copy
+    std::atomic<bool> isDone = false;
+    std::jthread reader([&] {
+        while (!isDone)
+            pasteboard->objects();
+    });
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(exitStatus(startChild([&] {
+                      alarm(10);
+                      EXPECT_EQ(pasteboard->objects().size(), 1u);
+                  })),
+                  0);
+    isDone = true;
 }
