@@ -203,7 +203,8 @@ TEST(NSFileWrapper, KeepsWhatIsPrivateSo) {
     folder.file("doc/sub/secret", "s");
     folder.setMode("doc/sub", 0700);
     const auto wrapper = NSFileWrapper::create({.url = folder.url("doc")});
-    for (const char* place : {"doc", "copy"}) {
+    folder.file("file");
+    for (const char* place : {"doc", "copy", "file"}) {
         wrapper->write(folder.url(place));
         EXPECT_EQ(fs::status(folder.path() / place / "sub").permissions(), fs::perms(0700));
         EXPECT_EQ(fs::status(folder.path() / place).permissions(),

@@ -214,7 +214,8 @@ void NSFileWrapper::write(const URL& url) const {
                               std::filesystem::path(path).filename();
     const Moves moves = movesFrom(place, copy.path(), place);
     const LockForReplacing lock(path);
-    if (permissions && !isTaken(path))
+    // Those of a folder that is replaced stay.
+    if (permissions && !std::filesystem::is_directory(std::filesystem::symlink_status(path)))
         setPermissions(copy.path(), *permissions);
     const int error = internal::replaceItem(path, copy.path());
     if (error != 0)
@@ -235,7 +236,8 @@ NSFileWrapper::Moves NSFileWrapper::movesFrom(const std::string& place, const st
         const std::string path = written + '/' + name, end = later + '/' + name;
         const auto* source = std::get_if<SharedSource>(&child->content_);
         if (source && (*source)->path.starts_with(place + '/'))
-            moves.emplace_back(child.get(), sourceAt(path, end));
+            if (SharedSource moved = sourceAt(path, end))
+                moves.emplace_back(child.get(), std::move(moved));
         for (auto& move : child->movesFrom(place, path, end))
             moves.push_back(std::move(move));
     }
