@@ -14,6 +14,9 @@
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/platform/textservices/Characters.h>
+#include <zorvan/platform/textservices/Locale.h>
+#include <zorvan/text/Double.h>
+#include <zorvan/text/String.h>
 
 namespace {
 
@@ -161,6 +164,16 @@ TEST(Memory, FailsInTexts) {
         } catch (const std::bad_alloc&) {
         }
     });
+}
+
+TEST(Memory, FailsInWhatIsKeptForALocale) {
+    const auto use = [] {
+        Locale::setCurrent(Locale("sv"));
+        EXPECT_EQ(finderCompare("\u00E9file2", "efile10"), ComparisonResult::orderedAscending);
+        EXPECT_EQ(formatPercent(0.5), "50\u00A0%");
+    };
+    std::thread(use).join(); // what is kept for each thread is then still to be made, ICU's is not
+    starve(use, use);
 }
 
 TEST(Memory, FailsInLists) {

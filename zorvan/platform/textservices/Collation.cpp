@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/textservices/internal/AsciiOrder.h>
 #include <zorvan/platform/textservices/internal/PerLocale.h>
+#include <zorvan/platform/textservices/internal/requireMemory.h>
 
 #include <unicode/localpointer.h>
 #include <unicode/ucol.h>
@@ -15,20 +16,20 @@
 #include <numeric>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace zorvan {
 
 namespace {
 
-/// A collator that looks at base letters and numbers only.
+/// A collator that looks at base letters and numbers only; null when there is none for the locale.
 icu::LocalUCollatorPointer openCollator(const Locale& locale) {
     UErrorCode status = U_ZERO_ERROR;
     icu::LocalUCollatorPointer collator(ucol_open(locale.identifier().c_str(), &status));
-    if (U_FAILURE(status))
-        return icu::LocalUCollatorPointer();
-    ucol_setStrength(collator.getAlias(), UCOL_PRIMARY);
+    ucol_setAttribute(collator.getAlias(), UCOL_STRENGTH, UCOL_PRIMARY, &status);
     ucol_setAttribute(collator.getAlias(), UCOL_NUMERIC_COLLATION, UCOL_ON, &status);
-    return collator;
+    internal::requireMemory(status);
+    return U_SUCCESS(status) ? std::move(collator) : icu::LocalUCollatorPointer();
 }
 
 constexpr std::size_t longestName = std::numeric_limits<std::int32_t>::max();
@@ -74,9 +75,11 @@ public:
         if (collator_.isNull() || std::max(a.size(), b.size()) > longestName)
             return result(a.compare(b));
         UErrorCode status = U_ZERO_ERROR;
-        return result(ucol_strcollUTF8(collator_.getAlias(), a.data(),
-                                       static_cast<std::int32_t>(a.size()), b.data(),
-                                       static_cast<std::int32_t>(b.size()), &status));
+        const int order =
+            ucol_strcollUTF8(collator_.getAlias(), a.data(), static_cast<std::int32_t>(a.size()),
+                             b.data(), static_cast<std::int32_t>(b.size()), &status);
+        internal::requireMemory(status);
+        return result(order);
     }
 
     /// Keys whose bytes are in the order of the names; absent when only `compare` tells it.
@@ -117,8 +120,9 @@ private:
             auto* const place = reinterpret_cast<std::uint8_t*>(&keys.bytes()[start]);
             if (static_cast<std::size_t>(needed) <= key.size())
                 std::memcpy(place, key.data(), static_cast<std::size_t>(needed));
-            else
-                ucol_getSortKey(collator_.getAlias(), text.data(), length, place, needed);
+            else if (ucol_getSortKey(collator_.getAlias(), text.data(), length, place, needed) !=
+                     needed)
+                return std::nullopt;
             keys.endOfKey();
         }
         return keys;

@@ -1,6 +1,7 @@
 #include <zorvan/platform/textservices/NumberFormat.h>
 
 #include <zorvan/platform/textservices/internal/PerLocale.h>
+#include <zorvan/platform/textservices/internal/requireMemory.h>
 
 #include <memory>
 #include <unicode/numfmt.h>
@@ -14,6 +15,7 @@ struct PercentFormat {
         UErrorCode status = U_ZERO_ERROR;
         format.reset(icu::NumberFormat::createPercentInstance(
             icu::Locale(locale.identifier().c_str()), status));
+        internal::requireMemory(status);
     }
 
     std::unique_ptr<const icu::NumberFormat> format;
@@ -26,8 +28,10 @@ std::optional<std::string> percentText(double value) {
     const auto& format = formats.forCurrentLocale().format;
     icu::UnicodeString units;
     std::string text;
+    UErrorCode status = U_ZERO_ERROR;
     if (format)
-        format->format(value, units).toUTF8String(text);
+        format->format(value, units, nullptr, status).toUTF8String(text);
+    internal::requireMemory(status);
     return text.empty() ? std::nullopt : std::optional(text);
 }
 

@@ -1,9 +1,10 @@
 #include <zorvan/platform/textservices/internal/AsciiOrder.h>
 
 #include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/textservices/internal/requireMemory.h>
 
 #include <unicode/ucoleitr.h>
-#include <unicode/uset.h>
+#include <unicode/uniset.h>
 
 #include <algorithm>
 #include <cstring>
@@ -19,18 +20,22 @@ bool isAscii(char c) noexcept { return static_cast<unsigned char>(c) < 0x80; }
 
 int compareWith(const UCollator* collator, std::string_view a, std::string_view b) {
     UErrorCode status = U_ZERO_ERROR;
-    return ucol_strcollUTF8(collator, a.data(), static_cast<std::int32_t>(a.size()), b.data(),
-                            static_cast<std::int32_t>(b.size()), &status);
+    const int order = ucol_strcollUTF8(collator, a.data(), static_cast<std::int32_t>(a.size()),
+                                       b.data(), static_cast<std::int32_t>(b.size()), &status);
+    requireMemory(status);
+    return order;
 }
 
 /// Whether the set holds a string made of ASCII alone.
-bool holdsAscii(const USet* set) {
+bool holdsAscii(const icu::UnicodeSet& set) {
+    if (set.isBogus()) // memory did not suffice for what was added
+        throw std::bad_alloc();
     std::array<UChar, 64> text;
-    for (std::int32_t i = 0; i < uset_getItemCount(set); ++i) {
+    for (std::int32_t i = 0; i < uset_getItemCount(set.toUSet()); ++i) {
         UErrorCode status = U_ZERO_ERROR;
         UChar32 start = 0;
         UChar32 end = 0;
-        const std::int32_t length = uset_getItem(set, i, &start, &end, text.data(),
+        const std::int32_t length = uset_getItem(set.toUSet(), i, &start, &end, text.data(),
                                                  static_cast<std::int32_t>(text.size()), &status);
         if (U_FAILURE(status))
             return true;
@@ -45,12 +50,12 @@ bool holdsAscii(const USet* set) {
 
 bool treatsAsciiOneByOne(const UCollator* collator) {
     UErrorCode status = U_ZERO_ERROR;
-    const icu::LocalUSetPointer contractions(uset_openEmpty());
-    const icu::LocalUSetPointer expansions(uset_openEmpty());
-    ucol_getContractionsAndExpansions(collator, contractions.getAlias(), expansions.getAlias(),
-                                      true, &status);
-    return U_SUCCESS(status) && !holdsAscii(contractions.getAlias()) &&
-           !holdsAscii(expansions.getAlias());
+    icu::UnicodeSet contractions;
+    icu::UnicodeSet expansions;
+    ucol_getContractionsAndExpansions(collator, contractions.toUSet(), expansions.toUSet(), true,
+                                      &status);
+    requireMemory(status);
+    return U_SUCCESS(status) && !holdsAscii(contractions) && !holdsAscii(expansions);
 }
 
 /// Where numbers stand to a character, 0 when that depends on the number.
