@@ -6,6 +6,10 @@
 #include "Stores.h"
 #include <tests/files/TracedProcess.h>
 
+#include <zorvan/colour/NSValueTransformer.h>
+#include <zorvan/media/NSImage.h>
+#include <zorvan/platform/textservices/Locale.h>
+
 #include <sys/mman.h>
 #include <sys/resource.h>
 
@@ -154,4 +158,29 @@ TEST_P(Troubles, OfTheClockAreNone) {
             ASSERT_EQ(checkStore(store_, before_, i), i);
         }
     });
+}
+
+// What is locked for moments alone is nobody's in a child, whatever the threads of its parent do.
+TEST(Forks, FindNothingHalfDone) {
+    const Locale locale = Locale::current();
+    const auto image = NSImage::create(CGSize(1, 1));
+    const std::function<void()> uses[] = {
+        [&] { Locale::setCurrent(locale); },
+        [] { EXPECT_FALSE(NSValueTransformer::valueTransformer("none")); },
+        [&] { EXPECT_EQ(image->name(), ""); },
+    };
+    for (const auto& use : uses) {
+        std::atomic<bool> isDone = false;
+        std::thread other([&] {
+            while (!isDone)
+                use();
+        });
+        for (int i = 0; i < 100 && !testing::Test::HasFailure(); ++i)
+            expectInChild([&] {
+                ::alarm(10);
+                use();
+            });
+        isDone = true;
+        other.join();
+    }
 }

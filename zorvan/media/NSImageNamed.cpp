@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/bundles/DesktopIcon.h>
 #include <zorvan/platform/bundles/NSBundle.h>
+#include <zorvan/platform/foundation/internal/ForkParticipant.h>
 
 #include <map>
 #include <mutex>
@@ -10,22 +11,26 @@ namespace zorvan {
 
 namespace {
 
+constinit internal::BriefMutex mutex;
+const internal::ForkParticipant::Joined joined(mutex);
+
 /// The images that carry names.
 class NameRegistry {
 public:
     static NameRegistry& shared() {
+        const std::lock_guard lock(mutex);
         static NameRegistry registry;
         return registry;
     }
 
     NSImage::Pointer image(std::string_view name) {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard lock(mutex);
         const auto found = images_.find(name);
         return found == images_.end() ? nullptr : found->second;
     }
 
     std::string name(const NSImage* image) {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard lock(mutex);
         for (const auto& [name, named] : images_)
             if (named.get() == image)
                 return name;
@@ -33,7 +38,7 @@ public:
     }
 
     bool setName(const NSImage::Pointer& image, std::string name) {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard lock(mutex);
         const auto found = images_.find(name);
         if (found != images_.end())
             return found->second == image;
@@ -44,7 +49,6 @@ public:
     }
 
 private:
-    std::mutex mutex_;
     std::map<std::string, NSImage::Pointer, std::less<>> images_;
 };
 

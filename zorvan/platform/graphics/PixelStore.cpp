@@ -1,3 +1,4 @@
+#include <zorvan/platform/foundation/internal/ForkParticipant.h>
 #include <zorvan/platform/graphics/internal/PixelStore.h>
 
 #include <cstdlib>
@@ -33,7 +34,8 @@ struct Mapping {
     std::size_t byteCount = 0;
 };
 
-std::mutex keptMutex;
+constinit internal::BriefMutex keptMutex;
+const internal::ForkParticipant::Joined joined(keptMutex);
 Mapping kept;
 
 Mapping exchangeKept(Mapping replacement) noexcept {

@@ -1,5 +1,8 @@
 #include <zorvan/platform/textservices/Locale.h>
 
+#include <zorvan/platform/foundation/internal/ForkParticipant.h>
+#include <zorvan/platform/textservices/internal/requireMemory.h>
+
 #include <unicode/uloc.h>
 
 #include <atomic>
@@ -15,6 +18,7 @@ std::string canonicalIdentifier(const std::string& identifier) {
     char buffer[ULOC_FULLNAME_CAPACITY] = "";
     UErrorCode status = U_ZERO_ERROR;
     uloc_canonicalize(identifier.c_str(), buffer, sizeof buffer, &status);
+    internal::requireMemory(status);
     if (U_FAILURE(status) || status == U_STRING_NOT_TERMINATED_WARNING)
         return {};
     std::string result = buffer;
@@ -23,15 +27,13 @@ std::string canonicalIdentifier(const std::string& identifier) {
     return result;
 }
 
-struct Current {
-    std::mutex mutex;
-    Locale locale{uloc_getDefault()};
-    std::atomic<std::uint64_t> generation{0};
-};
+constinit internal::BriefMutex mutex; // also while the locale is first asked for
+const internal::ForkParticipant::Joined joined(mutex);
+constinit std::atomic<std::uint64_t> currentGeneration{0};
 
-Current& shared() {
-    static Current current;
-    return current;
+Locale& currentLocale() {
+    static Locale locale(uloc_getDefault());
+    return locale;
 }
 
 } // namespace
@@ -40,20 +42,18 @@ Locale::Locale(std::string_view identifier)
     : identifier_(canonicalIdentifier(std::string(identifier))) {}
 
 Locale Locale::current() {
-    Current& current = shared();
-    const std::lock_guard lock(current.mutex);
-    return current.locale;
+    const std::lock_guard lock(mutex);
+    return currentLocale();
 }
 
 void Locale::setCurrent(const Locale& locale) {
-    Current& current = shared();
-    const std::lock_guard lock(current.mutex);
-    current.locale = locale;
-    current.generation.fetch_add(1, std::memory_order_release);
+    const std::lock_guard lock(mutex);
+    currentLocale() = locale;
+    currentGeneration.fetch_add(1, std::memory_order_release);
 }
 
 std::uint64_t Locale::generation() noexcept {
-    return shared().generation.load(std::memory_order_acquire);
+    return currentGeneration.load(std::memory_order_acquire);
 }
 
 } // namespace zorvan
