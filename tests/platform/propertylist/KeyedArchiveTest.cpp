@@ -30,6 +30,13 @@ struct Account {
     friend bool operator==(const Account&, const Account&) = default;
 };
 
+/// Of which nothing is given back.
+struct Lost {
+    static constexpr std::string_view archivedClassName = "Lost";
+    void encode(NSKeyedArchiver&) const {}
+    static std::shared_ptr<Lost> decode(const NSKeyedUnarchiver&) { return nullptr; }
+};
+
 /// Shared by reference, and able to hold others of its class.
 struct Node {
     static constexpr std::string_view archivedClassName = "Node";
@@ -179,6 +186,12 @@ TEST(KeyedArchive, SharedObjectsStaySharedAndCyclesAreRefused) {
     EXPECT_EQ(read->children[0], read->children[2]);
     EXPECT_EQ(read->children[1], nullptr);
 
+    const std::vector texts(40, std::make_shared<std::string>(1 << 20, 'x'));
+    const auto textsRead = back(texts);
+    EXPECT_EQ(textsRead.front(), textsRead.back());
+    EXPECT_EQ(*textsRead.back(), *texts.back());
+    EXPECT_EQ(back(std::vector(2, std::make_shared<Lost>())).back(), nullptr);
+
     leaf->children.push_back(root);
     EXPECT_THROW(NSKeyedArchiver::archivedData(root), ArchiveError);
     leaf->children.clear();
@@ -239,7 +252,12 @@ TEST(KeyedArchive, RefusesDamage) {
     // The same numbers many times over.
     const List::Array square = {array(List::Array(2000, to(3))), classNamed("NSArray"),
                                 array(List::Array(2000, 1))};
-    for (const List::Array& objects : {doubling, square})
+    // The same text and data, each copied many times over.
+    const List::Array copies = {array(List::Array(40, to(3))), classNamed("NSArray"),
+                                std::string(1 << 20, 'x')};
+    const List::Array dataCopies = {array(List::Array(40, to(3))), classNamed("NSArray"),
+                                    Data(1 << 20)};
+    for (const List::Array& objects : {doubling, square, copies, dataCopies})
         EXPECT_EQ(refusal<PropertyList>(archiveOf(objects)),
                   "the archive unfolds to far more than its size");
 }

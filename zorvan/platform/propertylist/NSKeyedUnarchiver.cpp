@@ -15,18 +15,14 @@ struct NSKeyedUnarchiver::Archive {
     PropertyList::Array objects;
     std::vector<bool> isVisited; // by number
     std::size_t fullBudget;
-    /// What one value of the top may still have of objects that were read before, and of the
-    /// numbers that stand within it. How often the program asks for it is its own affair.
+    /// What one value of the top may still have of objects that were read before, with the bytes
+    /// that are copied again, and of the numbers that stand within it. How often the program asks
+    /// for it is its own affair.
     std::size_t budget;
-    /// The objects that pointers share; null while one is being made.
-    std::map<std::pair<std::size_t, std::type_index>, std::shared_ptr<void>> shared;
+    /// The objects that pointers share; absent while one is being made.
+    std::map<std::pair<std::size_t, std::type_index>, std::optional<std::shared_ptr<void>>> shared;
 
-    void payFor(const PropertyList& object) {
-        std::size_t cost = 1;
-        if (const auto* text = object.as<std::string>())
-            cost += text->size();
-        else if (const auto* data = object.as<Data>())
-            cost += data->size();
+    void pay(std::size_t cost) {
         if (cost > budget)
             refuse("the archive unfolds to far more than its size");
         budget -= cost;
@@ -113,16 +109,25 @@ NSKeyedUnarchiver::Object NSKeyedUnarchiver::object(const PropertyList& stored) 
         // Only numbers stand by themselves.
         if (!stored.as<NSNumber>())
             refuse("a field of an object is damaged");
-        archive_->payFor(stored);
-        return {&stored, 0, false};
+        archive_->pay(1);
+        return {&stored, 0, false, false};
     }
     if (*number >= archive_->objects.size())
         refuse("an object is missing");
     const PropertyList& value = archive_->objects[*number];
-    if (archive_->isVisited[*number])
-        archive_->payFor(value);
+    const bool isKnown = archive_->isVisited[*number];
+    if (isKnown)
+        archive_->pay(1);
     archive_->isVisited[*number] = true;
-    return {&value, *number, *number == 0};
+    return {&value, *number, *number == 0, isKnown};
+}
+
+template <class Bytes>
+const Bytes& NSKeyedUnarchiver::copied(const Object& object) const {
+    const auto& bytes = valueOf<Bytes>(*object.value);
+    if (object.isKnown)
+        archive_->pay(bytes.size());
+    return bytes;
 }
 
 const NSNumber& NSKeyedUnarchiver::numberOf(const Object& object) const {
@@ -132,12 +137,10 @@ const NSNumber& NSKeyedUnarchiver::numberOf(const Object& object) const {
 std::string NSKeyedUnarchiver::read(const Object& object, Of<std::string>) const {
     if (object.isNull)
         refuseClass();
-    return valueOf<std::string>(*object.value);
+    return copied<std::string>(object);
 }
 
-Data NSKeyedUnarchiver::read(const Object& object, Of<Data>) const {
-    return valueOf<Data>(*object.value);
-}
+Data NSKeyedUnarchiver::read(const Object& object, Of<Data>) const { return copied<Data>(object); }
 
 Date NSKeyedUnarchiver::read(const Object& object, Of<Date>) const {
     return valueOf<Date>(*object.value);
@@ -156,6 +159,10 @@ PropertyList NSKeyedUnarchiver::read(const Object& object, Of<PropertyList>) con
     if (!fields) {
         if (object.isNull || object.value->as<PropertyList::Array>())
             refuseClass();
+        if (object.value->as<std::string>())
+            return copied<std::string>(object);
+        if (object.value->as<Data>())
+            return copied<Data>(object);
         return *object.value;
     }
     if (fields->contains(keysKey))
@@ -200,10 +207,10 @@ NSKeyedUnarchiver NSKeyedUnarchiver::deeper() const {
     return NSKeyedUnarchiver(archive_, *fields_, depth_ + 1);
 }
 
-std::shared_ptr<void> NSKeyedUnarchiver::sharedBefore(const Object& object,
-                                                      std::type_index type) const {
+std::optional<std::shared_ptr<void>> NSKeyedUnarchiver::sharedBefore(const Object& object,
+                                                                     std::type_index type) const {
     if (object.number == 0)
-        return nullptr;
+        return std::nullopt;
     const auto [entry, isNew] = archive_->shared.try_emplace(std::pair(object.number, type));
     if (!isNew && !entry->second)
         refuse("an object holds itself");

@@ -72,6 +72,7 @@ private:
         const PropertyList* value;
         std::size_t number; // in the archive; 0 for one that stands by itself, or for none
         bool isNull;
+        bool isKnown; // it was read before
     };
 
     /// The contents of an array, or the keys and contents of a dictionary.
@@ -176,7 +177,7 @@ private:
         if (object.isNull)
             return nullptr;
         if (auto known = sharedBefore(object, typeid(T)))
-            return std::static_pointer_cast<T>(std::move(known));
+            return std::static_pointer_cast<T>(*std::move(known));
         try {
             std::shared_ptr<T> made = make<T>(object);
             remember(object, typeid(T), std::const_pointer_cast<std::remove_const_t<T>>(made));
@@ -219,6 +220,9 @@ private:
     const PropertyList& field(std::string_view key) const;
     /// What a value in a field or container is, or refers to.
     Object object(const PropertyList& stored) const;
+    /// The text or data that an object is, for the reader to copy.
+    template <class Bytes>
+    const Bytes& copied(const Object& object) const;
     const NSNumber& numberOf(const Object& object) const;
     const PropertyList::Array& arrayOf(const Object& object) const;
     Contents contentsOf(const Object& object) const;
@@ -226,7 +230,9 @@ private:
     NSKeyedUnarchiver fieldsOf(const Object& object, std::string_view className) const;
     /// The same fields, one level of nesting further in.
     NSKeyedUnarchiver deeper() const;
-    std::shared_ptr<void> sharedBefore(const Object& object, std::type_index type) const;
+    /// The pointer to it, which may be null; absent when it has not been made.
+    std::optional<std::shared_ptr<void>> sharedBefore(const Object& object,
+                                                      std::type_index type) const;
     void remember(const Object& object, std::type_index type, std::shared_ptr<void> made) const;
 
     void forget(const Object& object, std::type_index type) const noexcept;
