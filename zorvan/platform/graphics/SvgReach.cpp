@@ -52,6 +52,7 @@ public:
         if (++declaredAttributes_ > most)
             throw Hidden();
     }
+    void missEntity() override { throw Hidden(); }
     void instruct(std::string_view target, std::string_view text) override {
         if (target == "xml-stylesheet" && text.find_first_of(":&") != text.npos)
             throw Hidden();

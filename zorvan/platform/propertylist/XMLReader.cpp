@@ -97,6 +97,7 @@ public:
         throw Refusal("it has entities of its own");
     }
     void declareAttribute() override { throw Refusal("it has attributes of its own"); }
+    void missEntity() override { throw Refusal("it has an unknown entity"); }
 
     PropertyList result() {
         if (!root_)

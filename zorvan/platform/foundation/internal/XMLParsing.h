@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <exception>
 #include <iterator>
+#include <limits>
 #include <memory>
 #include <new>
 #include <numeric>
@@ -32,6 +33,8 @@ public:
     virtual void declareEntity(std::string_view text, bool isForDeclarations) = 0;
     /// The document declares an attribute, which elements then have without it.
     virtual void declareAttribute() = 0;
+    /// The text has an entity that is not known, as it may when declarations stand elsewhere.
+    virtual void missEntity() = 0;
     /// An instruction for who reads the document.
     virtual void instruct(std::string_view /*target*/, std::string_view /*text*/) {}
 
@@ -73,6 +76,9 @@ public:
             parser_.get(), [](void* self, const char*, const char*, const char*, const char*, int) {
                 guard(self, [](XMLFollower& to) { to.declareAttribute(); });
             });
+        XML_SetSkippedEntityHandler(parser_.get(), [](void* self, const char*, int) {
+            guard(self, [](XMLFollower& to) { to.missEntity(); });
+        });
     }
 
     /// Lets documents in 8-bit encodings pass whose letters beyond ASCII the parser does not know:
@@ -99,7 +105,8 @@ public:
 
     /// Null for a document that is well-formed, else what is wrong.
     const char* parse(std::span<const std::byte> bytes) {
-        constexpr std::size_t step = 1 << 20;
+        // In one part if it may be, as the parser begins a token anew with each.
+        constexpr std::size_t step = std::numeric_limits<int>::max();
         for (std::size_t at = 0; at < bytes.size() || at == 0; at += step) {
             const auto part = bytes.subspan(at, std::min(step, bytes.size() - at));
             const XML_Status status =
