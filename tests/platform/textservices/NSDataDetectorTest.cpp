@@ -1,5 +1,6 @@
 #include <tests/Testing.h>
 
+#include <zorvan/platform/foundation/URL.h>
 #include <zorvan/platform/textservices/NSDataDetector.h>
 
 #include <sstream>
@@ -12,7 +13,7 @@ std::vector<std::string> linksIn(std::string_view text) {
     std::vector<std::string> links;
     for (const auto& match : NSDataDetector::make(NSTextCheckingType::link)->matches(text)) {
         EXPECT_EQ(match.resultType, NSTextCheckingType::link);
-        EXPECT_TRUE(match.url.ends_with(text.substr(match.offset, match.length)));
+        EXPECT_TRUE(URL::make({.string = match.url})) << match.url;
         links.emplace_back(text.substr(match.offset, match.length));
     }
     return links;
@@ -41,8 +42,22 @@ TEST(NSDataDetector, LeavesAloneWhatIsNoLink) {
                 "mailto:joe tel:5551234 C:\\example.com \xFF\xFE e.g. this i.e. version 1.2.3 "
                 "192.168.1.1 end.Start object.method() @example.com joe@ joe@example "
                 "joe@@example.com joe.@example.com jo..e@example.com joe@-example.com "
-                "joe@example.c a@b@example.com")
+                "joe@example.c a@b@example.com http://[:::]/ x://[y]/ file://host/x")
             .empty());
+}
+
+TEST(NSDataDetector, EscapesWhatURLsDoNotHold) {
+    const std::pair<std::string, std::string> table[] = {
+        {"http://example.com/a[1].html?[2]", "http://example.com/a%5B1%5D.html?[2]"},
+        {"http://example.com/100%/%25", "http://example.com/100%25/%25"},
+        {"www.example.com/#a#b", "http://www.example.com/#a%23b"},
+        {"ssh://a[@b@[::1]:22/", "ssh://a%5B%40b@[::1]:22/"},
+        {"100%@example.com", "mailto:100%25@example.com"},
+    };
+    for (const auto& [text, url] : table) {
+        EXPECT_EQ(linksIn(text), Texts{text});
+        EXPECT_EQ(NSDataDetector::make(NSTextCheckingType::link)->firstMatch(text)->url, url);
+    }
 }
 
 TEST(NSDataDetector, FindsLinksInRunningText) {
@@ -53,6 +68,8 @@ TEST(NSDataDetector, FindsLinksInRunningText) {
     EXPECT_EQ(linksIn("<a href=\"https://example.com/x\">"), Texts{"https://example.com/x"});
     EXPECT_EQ(linksIn("[text](https://example.com/a_(b))"), Texts{"https://example.com/a_(b)"});
     EXPECT_EQ(linksIn("a.com,b.com\nc.com"), (Texts{"a.com", "b.com", "c.com"}));
+    EXPECT_EQ(linksIn("http://a.com:65535/b http://a.com:65536/b"),
+              (Texts{"http://a.com:65535/b", "http://a.com"}));
     EXPECT_TRUE(linksIn("詳細はhttps://example.com/x。").empty());
     EXPECT_EQ(linksIn("詳細は https://example.com/x。"), Texts{"https://example.com/x"});
     EXPECT_EQ(linksIn("https://example.com/\xFFz"), Texts{"https://example.com/"});
@@ -66,7 +83,7 @@ TEST(NSDataDetector, TakesLinearTimeOverHostileText) {
     const auto detector = NSDataDetector::make(NSTextCheckingType::link);
     for (const std::string_view piece :
          {"a.", "a@", "a-", "http://", "http:", "mailto:", "a!a&", "(", "https://a.b/)", "x@y.z ",
-          "www.", "a+", "http://a@", "://", "b.com/("}) {
+          "www.", "a+", "http://a@", "://", "b.com/(", "x://[", "file:///%00,"}) {
         std::string text;
         while (text.size() < 1'000'000)
             text += piece;

@@ -41,7 +41,9 @@ struct NSTextCheckingResult {
     NSTextCheckingType resultType; ///< What it is.
     std::size_t offset;            ///< in bytes
     std::size_t length;            ///< in bytes
-    std::string url; ///< the link with its scheme: "http://" or "mailto:" where the text has none
+    /// The link as `URL::make` takes it: with its scheme, "http://" or "mailto:" where the text has
+    /// none, and with escapes for what people write but URLs do not hold, as in "a[1].html".
+    std::string url;
 
     friend bool operator==(const NSTextCheckingResult&, const NSTextCheckingResult&) = default;
 };

@@ -1,6 +1,8 @@
 #include <zorvan/platform/textservices/internal/LinkScanner.h>
 
+#include <zorvan/platform/foundation/URL.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
+#include <zorvan/platform/foundation/internal/percentEscapes.h>
 #include <zorvan/platform/textservices/Unicode.h>
 #include <zorvan/platform/textservices/internal/CodePoints.h>
 
@@ -8,6 +10,7 @@
 #include <unicode/uchar.h>
 
 #include <algorithm>
+#include <arpa/inet.h>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -74,6 +77,48 @@ bool isInternetAddress(std::string_view host) noexcept {
     return host.empty();
 }
 
+bool isIPv6Address(std::string_view host) {
+    in6_addr ignored{};
+    return ::inet_pton(AF_INET6, std::string(host).c_str(), &ignored) == 1;
+}
+
+/// A part of a link with escapes for the characters that may not stand there, and for each "%" that
+/// begins no escape.
+std::string escapedPart(std::string_view part, std::string_view forbidden) {
+    std::string result;
+    for (std::size_t i = 0; i < part.size(); ++i) {
+        const bool isStray = part[i] == '%' && !percentUnescaped(part.substr(i, 3));
+        if (isStray || forbidden.find(part[i]) != std::string_view::npos)
+            appendPercentEscape(result, part[i]);
+        else
+            result += part[i];
+    }
+    return result;
+}
+
+/// The URL that a link with a scheme stands for: people write characters that URLs escape.
+std::string urlOf(std::string_view link) {
+    std::string url;
+    const auto take = [&](std::size_t size, std::string_view forbidden) {
+        url += escapedPart(link.substr(0, size), forbidden);
+        link.remove_prefix(std::min(size, link.size()));
+    };
+    take(link.find(':') + 1, "");
+    if (link.starts_with("//")) {
+        take(2, "");
+        const std::string_view authority = link.substr(0, link.find_first_of("/?#"));
+        const std::size_t at = authority.rfind('@');
+        const std::size_t user = at == std::string_view::npos ? 0 : at;
+        take(user, "[]@");
+        take(authority.size() - user, "");
+    }
+    take(link.find_first_of("?#"), "[]");
+    take(link.find('#'), "");
+    take(1, "");
+    take(link.size(), "#");
+    return url;
+}
+
 bool isPublicSuffix(const std::string& name) {
     const psl_ctx_t* list = psl_builtin();
     return list &&
@@ -117,11 +162,11 @@ std::optional<NSTextCheckingResult> LinkScanner::matchAt(std::size_t start) {
 
 NSTextCheckingResult LinkScanner::result(std::size_t start, std::size_t end,
                                          std::string_view scheme) const {
-    const std::string_view link = text_.substr(start, end - start);
-    return {NSTextCheckingType::link, start, end - start, std::string(scheme) + std::string(link)};
+    const std::string link = std::string(scheme) + std::string(text_.substr(start, end - start));
+    return {NSTextCheckingType::link, start, end - start, urlOf(link)};
 }
 
-std::optional<std::size_t> LinkScanner::schemedEnd(std::size_t start) const {
+std::optional<std::size_t> LinkScanner::schemedEnd(std::size_t start) {
     std::size_t end = start;
     while (end < text_.size() && end - start < longestScheme &&
            (isAsciiAlphanumeric(text_[end]) || text_[end] == '+' || text_[end] == '-' ||
@@ -141,8 +186,18 @@ std::optional<std::size_t> LinkScanner::schemedEnd(std::size_t start) const {
     const std::size_t authority = end + 3;
     if (std::find(schemesOfHosts.begin(), schemesOfHosts.end(), scheme) != schemesOfHosts.end())
         return authorityEnd(authority);
-    const std::size_t whole = withoutTrailingPunctuation(start, addressEnd(authority));
-    return whole > authority ? std::optional(whole) : std::nullopt;
+    return otherEnd(start, authority);
+}
+
+/// The end of an address of which no more is known than that it has to be a URL.
+std::optional<std::size_t> LinkScanner::otherEnd(std::size_t start, std::size_t authority) {
+    if (start < noOtherBefore_)
+        return std::nullopt;
+    noOtherBefore_ = addressEnd(authority);
+    const std::size_t whole = withoutTrailingPunctuation(start, noOtherBefore_);
+    if (whole <= authority || !URL::make({.string = urlOf(text_.substr(start, whole - start))}))
+        return std::nullopt;
+    return whole;
 }
 
 /// The end of an address whose host must be one that could exist.
@@ -154,7 +209,8 @@ std::optional<std::size_t> LinkScanner::authorityEnd(std::size_t start) const {
     const std::size_t host = at == std::string_view::npos ? start : start + at + 1;
     if (host < text_.size() && text_[host] == '[') {
         const std::size_t close = text_.find_first_not_of("0123456789abcdefABCDEF:.", host + 1);
-        if (close == std::string_view::npos || text_[close] != ']' || close < host + 3)
+        if (close == std::string_view::npos || text_[close] != ']' ||
+            !isIPv6Address(text_.substr(host + 1, close - host - 1)))
             return std::nullopt;
         return portAndPathEnd(start, close + 1);
     }
@@ -241,7 +297,9 @@ std::size_t LinkScanner::portAndPathEnd(std::size_t start, std::size_t hostEnd) 
         std::size_t port = end + 1;
         while (port < text_.size() && port - end <= 5 && isDigit(text_[port]))
             ++port;
-        if (port > end + 1 && (port == text_.size() || !isAsciiAlphanumeric(text_[port])))
+        const std::string_view digits = text_.substr(end + 1, port - end - 1);
+        const bool isPort = !digits.empty() && (digits.size() < 5 || digits <= "65535");
+        if (isPort && (port == text_.size() || !isAsciiAlphanumeric(text_[port])))
             end = port;
     }
     if (end < text_.size() && (text_[end] == '/' || text_[end] == '?' || text_[end] == '#'))

@@ -27,7 +27,8 @@ private:
     };
 
     std::optional<NSTextCheckingResult> matchAt(std::size_t start);
-    std::optional<std::size_t> schemedEnd(std::size_t start) const;
+    std::optional<std::size_t> schemedEnd(std::size_t start);
+    std::optional<std::size_t> otherEnd(std::size_t start, std::size_t authority);
     std::optional<std::size_t> authorityEnd(std::size_t start) const;
     std::optional<std::size_t> mailEnd(std::size_t start);
     std::optional<std::size_t> webEnd(std::size_t start);
@@ -44,6 +45,7 @@ private:
     std::size_t position_ = 0;
     std::size_t noMailBefore_ = 0;
     std::size_t noWebBefore_ = 0;
+    std::size_t noOtherBefore_ = 0;
 };
 
 } // namespace zorvan::internal
