@@ -101,6 +101,14 @@ TEST(AttributedText, ParagraphsEndAsTheyAreWritten) {
         expectIn(*htmlDocument(NSAttributedString(text)), {"<body>\n" + body + "</body>"});
 }
 
+// A carriage return and its line feed end one paragraph, wherever attributes begin.
+TEST(AttributedText, AttributesCutNoEndOfAParagraph) {
+    NSMutableAttributedString text(NSAttributedString("a\r\nb"));
+    addForegroundColor(text, Opaque{1, 0, 0, 1});
+    text.setAttributes({}, {2, 1});
+    EXPECT_THAT(rtfText(text), testing::ContainsRegex("a}\\\\par\n\\\\pard\\\\ql [^\n]*b}}\n"));
+}
+
 TEST(AttributedText, RTFIsReadBack) {
     const std::string document = rtfText(sample());
     EXPECT_TRUE(std::all_of(document.begin(), document.end(),

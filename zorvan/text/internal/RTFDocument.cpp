@@ -78,10 +78,14 @@ public:
         families_.indexOf(defaultFont.family);
         std::string body;
         bool startsParagraph = true;
+        bool isAfterReturn = false;
         for (const auto& [range, attributes] : text.runs()) {
             const std::u16string units =
                 wellFormed(std::u16string_view(text.utf16()).substr(range.location, range.length));
-            body += run(units, attributes, startsParagraph);
+            const bool hasEnded = isAfterReturn && units.front() == u'\n'; // with the run before
+            body += run(std::u16string_view(units).substr(hasEnded ? 1 : 0), attributes,
+                        startsParagraph);
+            isAfterReturn = units.back() == u'\r';
         }
         return std::string("{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1\n") + fontTable() +
                colorTable() + "\\pard\n" + body + "}\n";
