@@ -10,6 +10,10 @@ TEST(NSNumber, ComparesAndConvertsByValue) {
     EXPECT_EQ(NSNumber(true), NSNumber(1.0));
     // Two integers that share their nearest double are still different numbers.
     EXPECT_NE(NSNumber(std::int64_t{9007199254740993}), NSNumber(std::int64_t{9007199254740992}));
+    EXPECT_NE(NSNumber(std::int64_t{9007199254740993}), NSNumber(0x1p53));
+    EXPECT_NE(NSNumber(std::numeric_limits<std::int64_t>::max()), NSNumber(0x1p63));
+    EXPECT_EQ(NSNumber(std::uint64_t{1} << 63), NSNumber(0x1p63));
+    EXPECT_NE(NSNumber(std::numeric_limits<std::uint64_t>::max()), NSNumber(0x1p64));
 }
 
 TEST(PropertyList, GivesWhatItHoldsWithoutADetour) {

@@ -67,14 +67,23 @@ public:
 
     /// Equal in value, whatever they were made from: `NSNumber(true) == NSNumber(1.0)`.
     friend constexpr bool operator==(const NSNumber& a, const NSNumber& b) noexcept {
-        if (a.isReal() || b.isReal())
-            return a.doubleValue() == b.doubleValue();
+        if (a.isReal() != b.isReal())
+            return a.isReal() ? a.equalsInteger(b) : b.equalsInteger(a);
+        if (a.isReal())
+            return a.real_ == b.real_;
         if (a.isUnsigned() || b.isUnsigned())
             return a.uint64Value() == b.uint64Value();
         return a.int64Value() == b.int64Value();
     }
 
 private:
+    /// Whether a real is this integer. Above 2^53 it may only be the nearest one there is.
+    constexpr bool equalsInteger(const NSNumber& integer) const noexcept {
+        constexpr double unsignedLimit = 18446744073709551616.0; // 2^64
+        return real_ == integer.doubleValue() && real_ < unsignedLimit &&
+               int64Value() == integer.int64Value() && uint64Value() == integer.uint64Value();
+    }
+
     static constexpr std::int64_t truncated(double real) noexcept {
         constexpr double limit = 9223372036854775808.0; // 2^63
         if (real != real)
