@@ -1,4 +1,5 @@
 #include <tests/Testing.h>
+#include <tests/files/ChildProcess.h>
 #include <tests/randomText.h>
 
 #include <zorvan/platform/foundation/NSUserName.h>
@@ -104,6 +105,11 @@ TEST(String, AbbreviatesTheHomeFolder) {
     std::string other = "/x" + home;
     EXPECT_FALSE(abreviateTildeInPath(other));
     EXPECT_EQ(other, "/x" + home);
+    const pid_t child = startChild([] { // as nobody the system knows
+        EXPECT_TRUE(::setuid(54321) != 0 ||
+                    abreviatingTildeInPath("/Users/bob/x") == "/Users/bob/x");
+    });
+    EXPECT_EQ(exitStatus(child), 0);
     // The order of the Finder is that of names.
     EXPECT_EQ(finderCompare("file2", "file10"), ComparisonResult::orderedAscending);
     EXPECT_EQ(finderCompare("é", "E"), ComparisonResult::orderedSame);

@@ -145,7 +145,8 @@ std::string removedSuffix(std::string_view s, std::string_view suffix) {
 }
 
 bool abreviateTildeInPath(std::string& path) {
-    return replacePrefix(path, "/Users/" + NSUserName(), "~");
+    const std::string user = NSUserName();
+    return !user.empty() && replacePrefix(path, "/Users/" + user, "~");
 }
 
 std::string abreviatingTildeInPath(std::string_view path) {

@@ -86,7 +86,8 @@ bool replaceSuffix(std::string& s, std::string_view suffix, std::string_view by)
 
 /// Puts "~" in the place of the prefix "/Users/" + login name, wherever that name ends: for
 /// "someone",
-/// "/Users/someone2/x" becomes "~2/x" too. False, and `path` unchanged, without that prefix.
+/// "/Users/someone2/x" becomes "~2/x" too. False, and `path` unchanged, without that prefix, or
+/// where the system knows no name.
 bool abreviateTildeInPath(std::string& path);
 /// The path that `abreviateTildeInPath` would leave.
 [[nodiscard]] std::string abreviatingTildeInPath(std::string_view path);
