@@ -103,10 +103,9 @@ public:
 
     /// The new text takes the attributes of the first unit replaced; where the range is empty,
     /// those of the unit before it, or else of the one after it.
-    /// @{
     void replaceCharacters(NSRange range, std::string_view text);
+    /// The new text keeps its own attributes.
     void replaceCharacters(NSRange range, const NSAttributedString& text);
-    /// @}
 
     /// Adds the attribute, over one of the same name.
     void addAttribute(std::string_view name, const AttributeValue& value, NSRange range);
