@@ -48,6 +48,20 @@ TEST_F(Keys, ReadTheDefaultAndTellOfEachWrite) {
     EXPECT_EQ(store()[count].value(), std::numeric_limits<std::int64_t>::max());
 }
 
+TEST_F(Keys, StayIntegersWhenRealsAreAdded) {
+    using Limits = std::numeric_limits<std::int64_t>;
+    const EvaluedUserDefaultsKey<UIntUDC> size({.name = "Size", .value = 3u});
+    const std::pair<double, std::int64_t> table[] = {
+        {1e300, Limits::max()}, {-1e300, Limits::min()}, {std::nan(""), 0}, {1.75, 8}};
+    for (const auto& [added, sum] : table) {
+        store()[count] = 7;
+        store()[count] += added;
+        EXPECT_EQ(store()[count].value(), sum) << added;
+    }
+    store()[size] -= 4.0;
+    EXPECT_EQ(store()[size].value(), 0u);
+}
+
 TEST_F(Keys, AreSetOnlyWhenNothingIsThere) {
     int evaluated = 0;
     const auto expression = [&] { return std::int64_t{++evaluated}; };

@@ -48,12 +48,12 @@ public:
     }
 
     /// Reads and writes, which is not atomic: see `NSUserDefaults::modify`. An integer stays at the
-    /// end of its range.
+    /// end of its range; what a real makes of it is truncated toward zero, and NaN is 0.
     /// @{
     template <class Operand>
     const SettingReference& operator+=(const Operand& operand) const {
         modify([&](Value& value) {
-            if constexpr (areIntegers<Operand>)
+            if constexpr (saturates<Operand>)
                 value = detail::saturated(value, operand, true);
             else
                 value = static_cast<Value>(value + operand);
@@ -63,7 +63,7 @@ public:
     template <class Operand>
     const SettingReference& operator-=(const Operand& operand) const {
         modify([&](Value& value) {
-            if constexpr (areIntegers<Operand>)
+            if constexpr (saturates<Operand>)
                 value = detail::saturated(value, operand, false);
             else
                 value = static_cast<Value>(value - operand);
@@ -79,8 +79,8 @@ public:
 
 private:
     template <class Operand>
-    static constexpr bool areIntegers = std::integral<Value>&& std::integral<Operand> &&
-                                        !std::same_as<Value, bool> && !std::same_as<Operand, bool>;
+    static constexpr bool saturates = std::integral<Value>&& std::is_arithmetic_v<Operand> &&
+                                      !std::same_as<Value, bool> && !std::same_as<Operand, bool>;
 
     void assign(const Value& value) const;
 

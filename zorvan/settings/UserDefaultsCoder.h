@@ -1,6 +1,10 @@
 #pragma once
 
+#include <zorvan/platform/foundation/NSNumber.h>
+
+#include <algorithm>
 #include <concepts>
+#include <cstdint>
 #include <limits>
 #include <optional>
 #include <string_view>
@@ -36,11 +40,25 @@ bool hasStoredForm(const C& coder, const std::optional<typename C::CodableType>&
         return true;
 }
 
+/// The nearest integer toward zero that there is of the type, and 0 for NaN.
+template <std::integral T>
+constexpr T nearest(double real) noexcept {
+    using Limits = std::numeric_limits<T>;
+    if constexpr (std::unsigned_integral<T>)
+        return static_cast<T>(std::min<std::uint64_t>(NSNumber(real).uint64Value(), Limits::max()));
+    else
+        return static_cast<T>(
+            std::clamp<std::int64_t>(NSNumber(real).int64Value(), Limits::min(), Limits::max()));
+}
+
 /// The sum or difference, or the nearest number there is.
 template <class T, class Operand>
 constexpr T saturated(T a, Operand b, bool adds) noexcept {
     if constexpr (std::is_floating_point_v<T>) {
         return adds ? a + b : a - b;
+    } else if constexpr (std::is_floating_point_v<Operand>) {
+        const auto real = static_cast<double>(a), change = static_cast<double>(b);
+        return nearest<T>(adds ? real + change : real - change);
     } else {
         T result{};
         const bool overflows =
