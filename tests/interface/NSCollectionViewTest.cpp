@@ -169,6 +169,22 @@ TEST(NSCollectionView, PlacesItemsAndTheirViews) {
     EXPECT_EQ(item->frame(), CGRect(240, 0, 50, 50)) << "with the item";
 }
 
+TEST(NSCollectionView, MayForgetViewsWhenItPlacesThem) {
+    struct Forgetting : NSViewObserver {
+        void frameDidChange() override { view->keepViews({}); }
+        NSCollectionView* view;
+    };
+    Fixture shown(3);
+    shown.view->setCollectionViewLayout(std::make_shared<NSCollectionViewFlowLayout>());
+    const auto forgetting = std::make_shared<Forgetting>();
+    forgetting->view = shown.view.get();
+    for (std::int64_t item = 0; item < 3; ++item)
+        shown.view->view({item, 0}, true)->addObserver(forgetting);
+    shown.view->setFrame({0, 0, 1000, 300});
+    EXPECT_EQ(shown.view->view({2, 0}, false), nullptr);
+    EXPECT_TRUE(shown.view->subviews().empty());
+}
+
 TEST(NSCollectionView, PassesOverDecorationAndWhatALayoutGivesTooMuch) {
     struct Layout : NSCollectionViewFlowLayout {
         std::vector<NSCollectionViewLayoutAttributes>

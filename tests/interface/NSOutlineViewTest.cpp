@@ -55,6 +55,18 @@ TEST_F(NSOutlineViewTest, ExpandsAndCollapses) {
     MainQueue::drain(); // the outline has gone: nothing to do
 }
 
+TEST_F(NSOutlineViewTest, KnowsItsNewItemsWhenUpdatesHaveEnded) {
+    tree->top.push_back(node("g"));
+    outline->setNumberOfColumns(1);
+    outline->beginUpdates();
+    outline->insertRows({2}, {});
+    EXPECT_EQ(outline->item(2), nullptr);
+    EXPECT_EQ(outline->level(2), -1);
+    EXPECT_EQ(outline->text(0, 2), "");
+    outline->endUpdates();
+    EXPECT_EQ(rows(*outline), "a e g ");
+}
+
 TEST_F(NSOutlineViewTest, StopsOnATreeThatHoldsItself) {
     tree->top[0]->children.push_back(tree->top[0]);
     EXPECT_DEATH(outline->expandAllItems(), "^An item of an outline view holds itself.\n$");

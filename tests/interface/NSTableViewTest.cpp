@@ -195,6 +195,64 @@ TEST(NSTableView, TakesInScatteredRows) {
     }
 }
 
+TEST(NSTableView, TellsOfTheRowsAlsoWhenTheyAreItsSelection) {
+    Fixture shown({0, 1, 2, 3});
+    NSTableView& table = *shown.table;
+    table.selectOnlyRows({1, 3});
+    shown.calls.clear();
+    table.insertRows(table.selectedRowIndexes(), Options::effectNone);
+    table.moveRows(table.selectedRowIndexes(), 0);
+    table.removeRows(table.selectedRowIndexes(), Options::effectNone);
+    EXPECT_EQ(shown.calls, (Calls{"insert {1, 3} 0", "select", "move 2 0", "move 5 1", "select",
+                                  "remove {0...1} 0", "select"}));
+    table.addTableColumn(table.tableColumns().front());
+    EXPECT_EQ(table.tableColumns().back(), table.tableColumns().front());
+}
+
+TEST(NSTableView, MayBeAskedAndReloadedByWhoeverIsToldOfItsCellViews) {
+    struct Asking : NSViewObserver {
+        void subviewsDidChange() override { height = table->heightOfRow(1999); }
+        void frameDidChange() override { table->reloadData(); }
+        std::shared_ptr<NSTableView> table;
+        double height = 0;
+    };
+    Fixture shown({0, 1, 2}, 1);
+    const auto asking = std::make_shared<Asking>();
+    asking->table = shown.table;
+    shown.expectRows();
+    shown.table->addObserver(std::static_pointer_cast<NSViewObserver>(asking));
+    shown.source->items.resize(2000);
+    shown.table->reloadData();
+    EXPECT_EQ(asking->height, 11);
+    shown.expectRows();
+    shown.table->cell(1)->addObserver(asking);
+    shown.table->tableColumns()[0]->setWidth(333);
+    EXPECT_EQ(shown.table->cell(1), nullptr);
+}
+
+TEST(NSTableView, GoesOnWhenSomebodyThrows) {
+    Fixture shown({0, 1, 2});
+    NSScrollView::create({0, 0, 150, 50})->setDocumentView(shown.table);
+    shown.table->selectOnlyRow(1);
+    struct Throwing : NSTableViewObserver {
+        void selectionDidChange() override { throw std::runtime_error("selection"); }
+        void rowHeightsDidChange(const IndexSet&) override { throw std::runtime_error("heights"); }
+    };
+    auto throwing = std::make_shared<Throwing>();
+    shown.table->addObserver(throwing);
+    EXPECT_THROW(shown.table->resizeRowHeights(), std::runtime_error);
+    EXPECT_EQ(NSAnimationContext::groupingDepth(), 0);
+    shown.source->items = {0, 2};
+    shown.calls.clear();
+    EXPECT_THROW(shown.table->reloadEditedData(SelectableArrayEdition::Remove{{1}}, {}),
+                 std::runtime_error);
+    EXPECT_EQ(shown.calls, (Calls{"begin", "remove {1} 0", "select", "reload", "end"}));
+    throwing.reset();
+    shown.source->items.push_back(3);
+    shown.table->reloadEditedData(SelectableArrayEdition::Insert{1, 2}, {});
+    EXPECT_EQ(shown.table->frame().height(), 10 + 11 + 12);
+}
+
 TEST(NSTableView, AsksForHeightsOncePerChange) {
     constexpr std::int64_t count = 400;
     Fixture shown{std::vector<int>(count)};
@@ -257,7 +315,6 @@ TEST(NSTableView, SelectsWhereItIsClicked) {
     const auto scrollView = NSScrollView::create({10, 50, 200, 50}); // the rows take 66 points
     window->contentView()->addSubview(scrollView);
     scrollView->setDocumentView(shown.table);
-    shown.table->noteHeightOfAllRowsChanged();
     int announced = 0;
     const Listener did(NSTableView::selectionDidChangeNotification, shown.table,
                        [&](const Notification&) { ++announced; });

@@ -28,8 +28,7 @@ public:
     using Container::addItem;
     /// Appends the item, and returns it.
     std::shared_ptr<Item> addItem(const std::shared_ptr<Item>& item) override {
-        items_.push_back(item);
-        return item;
+        return items_.emplace_back(item); // which may be one of the set's, and have moved
     }
 
     /// In the order in which the bar shows them.

@@ -1,5 +1,7 @@
 #include <zorvan/interface/ManagedListViewReloader.h>
 
+#include <zorvan/interface/internal/updateRows.h>
+
 namespace zorvan {
 
 namespace {
@@ -9,11 +11,10 @@ void reloadRows(const ManagedListViewReloader& reloader, NSTableView& view) {
     const ManagedListEdition& edition = reloader.edition;
     switch (edition.action) {
     case Action::insert:
-        if (edition.insertedIndexes) {
-            view.beginUpdates();
-            view.insertRows(*edition.insertedIndexes, reloader.tableViewAnimation);
-            view.endUpdates();
-        }
+        if (edition.insertedIndexes)
+            internal::updateRows(view, [&] {
+                view.insertRows(*edition.insertedIndexes, reloader.tableViewAnimation);
+            });
         break;
     case Action::remove:
         if (edition.removedIndexes)

@@ -99,10 +99,11 @@ void NSCollectionView::layOut() {
     setNeedsDisplay(true);
 }
 
+/// Whoever is told of a frame may change the collection view, so that a copy is walked.
 void NSCollectionView::placeViews() {
-    for (const auto& [path, view] : views_)
-        if (layout_)
-            view->setFrame(layout_->frameOfItem(path));
+    for (const auto& [path, placed] : std::map(views_))
+        if (layout_ && view(path, false) == placed)
+            placed->setFrame(layout_->frameOfItem(path));
 }
 
 void NSCollectionView::setCollectionViewLayout(std::shared_ptr<NSCollectionViewLayout> layout) {
@@ -140,13 +141,13 @@ std::shared_ptr<NSView> NSCollectionView::view(IndexPath forItem, bool makeIfNec
     if (!makeIfNecessary || !source || !contains(forItem))
         return nullptr;
     const std::shared_ptr<NSView> view = source->viewForItem(*this, forItem);
-    // The data source may have changed the collection view meanwhile.
+    if (view && layout_)
+        view->setFrame(layout_->frameOfItem(forItem));
+    // The data source, or who is told of the frame, may have changed the collection view meanwhile.
     if (!view || !contains(forItem))
         return nullptr;
-    if (layout_)
-        view->setFrame(layout_->frameOfItem(forItem));
-    addSubview(view);
     views_[forItem] = view;
+    addSubview(view);
     return view;
 }
 

@@ -1,8 +1,8 @@
 #include <zorvan/interface/NSOutlineView.h>
 
 #include <zorvan/interface/NSOutlineViewObserver.h>
+#include <zorvan/interface/internal/AnimationGrouping.h>
 #include <zorvan/interface/internal/RowChange.h>
-#include <zorvan/platform/appkit/NSAnimationContext.h>
 #include <zorvan/platform/dispatch/DispatchQueue.h>
 #include <zorvan/platform/foundation/fatalError.h>
 
@@ -167,16 +167,14 @@ void NSOutlineView::asyncExpandAllItems() {
         const std::shared_ptr<NSOutlineView> outline = weak.lock();
         if (!outline)
             return;
-        NSAnimationContext::beginGrouping();
+        const internal::AnimationGrouping grouping;
         NSAnimationContext::currentContext().setDuration(0);
         outline->expandAllItems();
-        NSAnimationContext::endGrouping();
     });
 }
 
 NSOutlineView::Item NSOutlineView::item(std::int64_t atRow) const {
-    return atRow >= 0 && atRow < numberOfRows() ? rows_[static_cast<std::size_t>(atRow)].item
-                                                : nullptr;
+    return hasItem(atRow) ? rows_[static_cast<std::size_t>(atRow)].item : nullptr;
 }
 
 std::int64_t NSOutlineView::row(const Item& forItem) const {
@@ -186,13 +184,12 @@ std::int64_t NSOutlineView::row(const Item& forItem) const {
 }
 
 std::int64_t NSOutlineView::level(std::int64_t forRow) const {
-    return forRow >= 0 && forRow < numberOfRows() ? rows_[static_cast<std::size_t>(forRow)].level
-                                                  : -1;
+    return hasItem(forRow) ? rows_[static_cast<std::size_t>(forRow)].level : -1;
 }
 
 std::string NSOutlineView::cellText(std::int64_t column, std::int64_t row) const {
     const auto source = outlineSource_.lock();
-    if (!source)
+    if (!source || !hasItem(row))
         return {};
     const std::string text = source->text(*this, column, item(row));
     if (column > 0)

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace zorvan {
@@ -116,6 +117,11 @@ private:
     void markAllExpanded(const Item& item, std::vector<Item>& above);
     void listVisible(const Item& item, std::vector<Item>& above, std::vector<Row>& rows) const;
     std::vector<Row> visibleRows() const;
+    /// In the middle of updates the table may have been told of rows whose items are asked for at
+    /// the end alone.
+    bool hasItem(std::int64_t atRow) const noexcept {
+        return atRow >= 0 && std::cmp_less(atRow, rows_.size());
+    }
     /// Brings the rows in line with what is expanded now, telling the table which came or went.
     void showChange(const std::function<void(NSOutlineViewObserver&)>& told);
 

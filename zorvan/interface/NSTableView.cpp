@@ -2,6 +2,7 @@
 
 #include <zorvan/interface/NSTableViewObserver.h>
 #include <zorvan/interface/internal/RowChange.h>
+#include <zorvan/interface/internal/updateRows.h>
 #include <zorvan/platform/dispatch/NSNotificationCenter.h>
 #include <zorvan/platform/foundation/fatalError.h>
 
@@ -95,7 +96,7 @@ void NSTableColumn::didChange() const {
         table->columnDidChange(*this);
 }
 
-void NSTableView::addTableColumn(const std::shared_ptr<NSTableColumn>& column) {
+void NSTableView::addTableColumn(std::shared_ptr<NSTableColumn> column) {
     columns_.push_back(column);
     column->tableView_ = self();
     forgetCellViews();
@@ -162,6 +163,11 @@ void NSTableView::checkRows(const IndexSet& rows) const {
         fatalError("A row lies outside the table view.");
 }
 
+void NSTableView::setRowCount(std::int64_t count) noexcept {
+    rowCount_ = count;
+    rowTops_.clear(); // whoever is told before the rows are laid out may ask where they are
+}
+
 void NSTableView::setRowHeight(double height) {
     rowHeight_ = height > 0 ? height : 0;
     noteHeightOfAllRowsChanged();
@@ -184,14 +190,25 @@ void NSTableView::endUpdates() {
     observers_.tell(&Observer::updatesDidEnd);
 }
 
-void NSTableView::insertRows(const IndexSet& at, AnimationOptions withAnimation) {
+void NSTableView::abandonUpdates(std::int64_t depth) {
+    updateDepth_ = depth;
+    try {
+        reloadData();
+    } catch (...) { // what cut the updates short is thrown on
+    }
+    observers_.tell(&Observer::updatesDidEnd);
+}
+
+// The rows are taken by value: they may be the selection, which changes before they are told of.
+
+void NSTableView::insertRows(IndexSet at, AnimationOptions withAnimation) {
     if (at.last().value_or(-1) >= rowCount_ + at.count())
         fatalError("A row lies outside the table view.");
     changeRows(RowChange::inserting(at),
                [&] { observers_.tell(&Observer::rowsInserted, at, withAnimation); });
 }
 
-void NSTableView::removeRows(const IndexSet& at, AnimationOptions withAnimation) {
+void NSTableView::removeRows(IndexSet at, AnimationOptions withAnimation) {
     checkRows(at);
     changeRows(RowChange::removing(at),
                [&] { observers_.tell(&Observer::rowsRemoved, at, withAnimation); });
@@ -203,7 +220,7 @@ void NSTableView::moveRow(std::int64_t at, std::int64_t to) {
                [&] { observers_.tell(&Observer::rowMoved, at, to); });
 }
 
-void NSTableView::moveRows(const IndexSet& at, std::int64_t to) {
+void NSTableView::moveRows(IndexSet at, std::int64_t to) {
     if (at.isEmpty())
         return;
     checkRows(at);
@@ -213,14 +230,18 @@ void NSTableView::moveRows(const IndexSet& at, std::int64_t to) {
 }
 
 void NSTableView::changeRows(const RowChange& change, const std::function<void()>& tell) {
+    IndexSet selection = change.places(selection_);
     CellViews gone, kept;
-    for (auto& [row, views] : std::exchange(cells_, {})) {
-        const std::int64_t now = change.place(row);
-        (now < 0 ? gone : kept).emplace(now < 0 ? row : now, std::move(views));
+    while (!cells_.empty()) {
+        CellViews::node_type cell = cells_.extract(cells_.begin());
+        const std::int64_t now = change.place(cell.key());
+        if (now >= 0)
+            cell.key() = now;
+        (now < 0 ? gone : kept).insert(std::move(cell));
     }
     cells_ = std::move(kept);
-    rowCount_ += change.growth();
-    const IndexSet before = std::exchange(selection_, change.places(selection_));
+    setRowCount(rowCount_ + change.growth());
+    const IndexSet before = std::exchange(selection_, std::move(selection));
     layOut();
     takeOut(gone);
     tell();
@@ -249,7 +270,7 @@ void NSTableView::keepCellViews(const IndexSet& ofRows) {
 }
 
 void NSTableView::reloadData() {
-    rowCount_ = std::max<std::int64_t>(sourceRowCount(), 0);
+    setRowCount(std::max<std::int64_t>(sourceRowCount(), 0));
     const IndexSet before = std::exchange(selection_, selection_.intersection(allRows()));
     forgetCellViews();
     layOut();
@@ -292,19 +313,15 @@ void NSTableView::reloadEditedData(const SelectableArrayEdition& edition,
     const auto keptAlive = weak_from_this().lock(); // whoever is told may let it go
     using Edition = SelectableArrayEdition;
     if (const auto* insert = edition.as<Edition::Insert>()) {
-        beginUpdates();
-        insertRows(IndexSet({.loc = insert->at, .len = insert->count}), animation);
-        endUpdates();
+        internal::updateRows(*this, [&] {
+            insertRows(IndexSet({.loc = insert->at, .len = insert->count}), animation);
+        });
     } else if (const auto* replace = edition.as<Edition::Replace>()) {
         reloadData(Rows{IndexSet({replace->at})});
     } else if (const auto* remove = edition.as<Edition::Remove>()) {
-        beginUpdates();
-        removeRows(remove->at, animation);
-        endUpdates();
+        internal::updateRows(*this, [&] { removeRows(remove->at, animation); });
     } else if (const auto* move = edition.as<Edition::Move>()) {
-        beginUpdates();
-        moveRows(move->from, move->to);
-        endUpdates();
+        internal::updateRows(*this, [&] { moveRows(move->from, move->to); });
     } else if (const auto* select = edition.as<Edition::Select>()) {
         selectOnlyRows(select->selection);
     } else if (const auto* reload = edition.as<Edition::Reload>()) {

@@ -26,7 +26,9 @@ class NSTableViewObserver;
 
 namespace internal {
 class RowChange;
-}
+template <class Change>
+void updateRows(NSTableView& table, const Change& change);
+} // namespace internal
 
 /// Gives a table its rows. What is not overridden is empty, absent, false, or does nothing.
 class NSTableViewDataSource {
@@ -166,7 +168,7 @@ public:
         return static_cast<std::int64_t>(columns_.size());
     }
     /// At the right end. Every cell view is forgotten, here and where a column is removed.
-    void addTableColumn(const std::shared_ptr<NSTableColumn>& column);
+    void addTableColumn(std::shared_ptr<NSTableColumn> column);
     /// Not null; nothing is removed when the table does not have it.
     void removeTableColumn(const std::shared_ptr<NSTableColumn>& column);
     /// Removes columns from the last one down, or adds new ones at the end. None for a negative
@@ -195,14 +197,14 @@ public:
     /// number of rows than the data source has.
     void endUpdates();
     /// The positions are those of the new rows once all have been inserted.
-    void insertRows(const IndexSet& at, AnimationOptions withAnimation);
+    void insertRows(IndexSet at, AnimationOptions withAnimation);
     /// The positions are those of the rows before any has gone.
-    void removeRows(const IndexSet& at, AnimationOptions withAnimation);
+    void removeRows(IndexSet at, AnimationOptions withAnimation);
     /// `to` is where the row stands afterwards.
     void moveRow(std::int64_t at, std::int64_t to);
     /// Moves the rows, in their order, before the one that stands at `to`; all at once, where
     /// `moveRow` for each would end the same.
-    void moveRows(const IndexSet& at, std::int64_t to);
+    void moveRows(IndexSet at, std::int64_t to);
 
     /// Takes the number of rows from the data source and forgets every cell view.
     void reloadData();
@@ -218,12 +220,13 @@ public:
     void reloadLastColumnData();
     void reloadFirstAndLastColumnData();
     /// @}
-    /// Shows an edition of a `SelectableArray`.
+    /// Shows an edition of a `SelectableArray`. When something throws in the middle of rows that
+    /// come, go or move, the table reloads.
     void reloadEditedData(const SelectableArrayEdition& edition, AnimationOptions animation);
 
     /// Asks the delegate for the heights anew.
     /// @{
-    void noteHeightOfRows(const IndexSet& withIndexesChanged);
+    void noteHeightOfRows(IndexSet withIndexesChanged);
     void noteHeightOfAllRowsChanged() { noteHeightOfRows(allRows()); }
     /// @}
     /// As `noteHeightOfAllRowsChanged`, not animated.
@@ -248,6 +251,8 @@ public:
     /// with the control or command key that row besides, or no longer.
     void mouseDown(const NSEvent& with) override;
     bool acceptsFirstResponder() const override { return true; }
+    /// In a clip view the table is as large as its columns and rows.
+    void viewDidMoveToSuperview() override;
 
     /// The row last clicked, -1 for none; whoever shows the table sets it.
     /// @{
@@ -306,6 +311,8 @@ private:
     IndexSet allColumns() const { return IndexSet(IndexSet::Range{0, numberOfColumns()}); }
     using CellViews = std::map<std::int64_t, std::vector<std::shared_ptr<NSView>>>;
     friend class NSTableColumn;
+    template <class Change>
+    friend void internal::updateRows(NSTableView& table, const Change& change);
 
     std::shared_ptr<NSTableView> self() noexcept;
     void columnDidChange(const NSTableColumn& column);
@@ -315,8 +322,13 @@ private:
     void setSelection(IndexSet selection);
     void announceSelection();
     void checkRows(const IndexSet& rows) const;
+    void setRowCount(std::int64_t count) noexcept;
+    /// Ends updates that something has cut short, down to the depth that there was before. Not
+    /// everybody has been told of them all, nor need they have been made: everything is reloaded.
+    void abandonUpdates(std::int64_t depth);
     void placeCellViews();
     void layOut();
+    void fillClipView();
     const std::vector<double>& rowTops() const;
     double top(std::int64_t row) const;
     void scroll(std::int64_t row, double share, bool animated);

@@ -1,8 +1,8 @@
 #include <zorvan/interface/NSTableView.h>
 
 #include <zorvan/interface/NSTableViewObserver.h>
+#include <zorvan/interface/internal/AnimationGrouping.h>
 #include <zorvan/numbers-geometry/RealNumber.h>
-#include <zorvan/platform/appkit/NSAnimationContext.h>
 
 #include <algorithm>
 #include <utility>
@@ -14,22 +14,37 @@ namespace zorvan {
 void NSTableView::layOut() {
     rowTops_.clear();
     setNeedsDisplay(true);
-    double width = 0;
-    for (const auto& column : columns_)
-        width += column->width();
     // In the middle of updates the data source may already have other rows.
     if (updateDepth_ > 0)
         return;
-    if (std::dynamic_pointer_cast<NSClipView>(superview()))
-        setFrame({frame().origin, CGSize(width, top(rowCount_))});
+    fillClipView();
     placeCellViews();
 }
 
+void NSTableView::fillClipView() {
+    if (!std::dynamic_pointer_cast<NSClipView>(superview()))
+        return;
+    double width = 0;
+    for (const auto& column : columns_)
+        width += column->width();
+    setFrame({frame().origin, CGSize(width, top(rowCount_))});
+}
+
+void NSTableView::viewDidMoveToSuperview() {
+    if (updateDepth_ == 0)
+        fillClipView();
+}
+
+/// Whoever is told of a frame may change the table, so that a copy is walked.
 void NSTableView::placeCellViews() {
-    for (const auto& [row, views] : cells_)
-        for (std::size_t column = 0; column < views.size(); ++column)
-            if (views[column])
-                views[column]->setFrame(frameOfCell(static_cast<std::int64_t>(column), row));
+    for (const auto& [row, views] : CellViews(cells_)) {
+        std::int64_t column = 0;
+        for (const auto& placed : views) {
+            if (placed && view(column, row, false) == placed)
+                placed->setFrame(frameOfCell(column, row));
+            ++column;
+        }
+    }
 }
 
 /// Empty when every row has the table's height.
@@ -78,17 +93,16 @@ std::int64_t NSTableView::row(double atY) const {
     return std::upper_bound(tops.begin(), tops.end(), atY) - tops.begin() - 1;
 }
 
-void NSTableView::noteHeightOfRows(const IndexSet& withIndexesChanged) {
+void NSTableView::noteHeightOfRows(IndexSet withIndexesChanged) {
     layOut();
     observers_.tell(&NSTableViewObserver::rowHeightsDidChange, withIndexesChanged);
 }
 
 void NSTableView::resizeRowHeights() {
-    NSAnimationContext::beginGrouping();
+    const internal::AnimationGrouping grouping;
     NSAnimationContext::currentContext().setAllowsImplicitAnimation(false);
     NSAnimationContext::currentContext().setDuration(0);
     noteHeightOfAllRowsChanged();
-    NSAnimationContext::endGrouping();
 }
 
 void NSTableView::scrollRowToVisible(std::int64_t row) {
@@ -130,14 +144,15 @@ std::shared_ptr<NSView> NSTableView::view(std::int64_t atColumn, std::int64_t ro
     if (!makeIfNecessary || !maker)
         return nullptr;
     const std::shared_ptr<NSView> view = maker->view(*this, atColumn, row);
-    // The delegate may have changed the table meanwhile.
+    if (view)
+        view->setFrame(frameOfCell(atColumn, row));
+    // The delegate, or who is told of the frame, may have changed the table meanwhile.
     if (!view || atColumn >= numberOfColumns() || row >= rowCount_)
         return nullptr;
-    view->setFrame(frameOfCell(atColumn, row));
-    addSubview(view);
     std::vector<std::shared_ptr<NSView>>& views = cells_[row];
     views.resize(columns_.size());
     views[column] = view;
+    addSubview(view);
     return view;
 }
 

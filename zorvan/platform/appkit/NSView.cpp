@@ -89,6 +89,8 @@ void NSView::moveTo(const std::shared_ptr<NSWindow>& window,
         superview->subviews_.push_back(shared_from_this());
     if (isOtherWindow)
         didMoveAll(window);
+    if (holder != superview)
+        viewDidMoveToSuperview();
     if (holder && holder != superview)
         holder->observers_.tell(&NSViewObserver::subviewsDidChange);
     if (superview)

@@ -95,6 +95,9 @@ public:
     virtual void viewWillMove(const std::shared_ptr<NSWindow>& /*toWindow*/) {}
     /// Called once `window` says so, for the views inside first.
     virtual void viewDidMoveToWindow() {}
+    /// Called once `superview` is another one, or null, before observers are told. Does nothing
+    /// unless overridden.
+    virtual void viewDidMoveToSuperview() {}
 
     /// A point of this view in the coordinates of the outermost view around it, which in a window
     /// are those of the window; and back.
