@@ -36,6 +36,19 @@ struct Announcements {
     Listener will, did;
 };
 
+/// An item that throws when it is copied `left` times more, and is never moved.
+struct Fragile {
+    Fragile(int number_) : number(number_) {}
+    Fragile(const Fragile& other) : number(other.number) {
+        if (left >= 0 && left-- == 0)
+            throw std::runtime_error("no copy");
+    }
+    Fragile& operator=(const Fragile&) = default;
+    bool operator==(const Fragile&) const = default;
+    int number;
+    static inline int left = -1;
+};
+
 std::shared_ptr<Letters> letters(std::string_view text) {
     return Letters::create({text.begin(), text.end()});
 }
@@ -59,6 +72,22 @@ TEST(ManagedList, KeepsEverythingWhenASortOrAFilterFails) {
     EXPECT_FALSE(list->filter());
     list->removeAllItems(); // the failed change is over: another may follow
     EXPECT_EQ(list->count(), 0);
+}
+
+TEST(ManagedList, RemovesWhatIsShownAlsoAfterAnItemHasThrown) {
+    for (int copies = 0; copies < 40; ++copies) {
+        const auto list = ManagedList<Fragile>::create({0, 1, 2, 3, 4, 5, 6});
+        list->setFilter([](const Fragile& item) { return item.number % 2 == 0; });
+        Fragile::left = copies;
+        try {
+            list->insert({10, 11, 12}, 1);
+        } catch (const std::runtime_error&) {
+        }
+        Fragile::left = -1;
+        const Fragile gone = list->items()[3];
+        list->remove({3});
+        EXPECT_EQ(std::ranges::count(list->allItems(), gone), 0) << copies;
+    }
 }
 
 TEST(ManagedList, TellsItsEditionsFromThoseOfOtherItemTypes) {

@@ -7,9 +7,14 @@
 #include <tests/bytesOf.h>
 
 #include <zorvan/collections/ManagedList.h>
+#include <zorvan/collections/SelectableArray.h>
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/CGImageSource.h>
+#include <zorvan/observation/MultiNoteSubscriber.h>
+#include <zorvan/observation/ValueLoader.h>
 #include <zorvan/platform/dispatch/DispatchQueue.h>
+#include <zorvan/platform/dispatch/DispatchSemaphore.h>
+#include <zorvan/platform/dispatch/MainQueue.h>
 #include <zorvan/platform/dispatch/NSOperationQueue.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
@@ -132,16 +137,24 @@ TEST(StarvedPictures, AreAbsent) {
     }
 }
 
+/// Work for which there may be no thread.
+std::function<void()> withThreads(const std::function<void()>& work) {
+    return [work] {
+        try {
+            work();
+        } catch (const std::system_error&) {
+        }
+    };
+}
+
 TEST(Memory, FailsInQueues) {
     const auto serial = DispatchQueue::create("serial");
     const auto operations = NSOperationQueue::create();
-    const auto use = [&] {
-        try {
-            serial->async([] {});
-            operations->addOperation([] {});
-        } catch (const std::system_error&) { // no thread
-        }
-    };
+    const auto use = withThreads([&] {
+        serial->async([] {});
+        serial->sync([&] { serial->async([] {}); });
+        operations->addOperation([] {});
+    });
     starve(use, [&] {
         use();
         bool hasRun = false;
@@ -149,6 +162,52 @@ TEST(Memory, FailsInQueues) {
         EXPECT_TRUE(hasRun);
         operations->waitUntilAllOperationsAreFinished();
     });
+}
+
+TEST(Memory, FailsWhereMoreOperationsMayOverlap) {
+    const auto queue = NSOperationQueue::create();
+    const auto gate = DispatchSemaphore::create(0);
+    std::atomic<int> ran = 0;
+    const auto begin = [&] {
+        queue->setMaxConcurrentOperationCount(1);
+        queue->addOperation([&] { gate->wait(); });
+        for (int i = 0; i < 4; ++i)
+            queue->addOperation([&] { ++ran; });
+    };
+    const auto check = [&] {
+        gate->signal();
+        queue->waitUntilAllOperationsAreFinished();
+        EXPECT_EQ(ran, 4);
+    };
+    starve(
+        withThreads([&] { queue->setMaxConcurrentOperationCount(5); }), check, [] {}, begin);
+}
+
+TEST(Memory, FailsWhereAValueIsAskedFor) {
+    const auto loader =
+        ValueLoader<int>::create(NSOperationQueue::create(), [] { return std::optional(7); });
+    int completed = 0;
+    starve(withThreads([&] { loader->request([&] { ++completed; }); }), [&] {
+        loader->request([] { MainQueue::stop(); });
+        MainQueue::runUntil(std::chrono::steady_clock::now() + 10s);
+        EXPECT_EQ(loader->value(), 7);
+        EXPECT_EQ(completed, 0) << "that of the request that failed";
+    });
+}
+
+TEST(Memory, FailsWhereSeveralNotificationsAreObserved) {
+    const auto center = NSNotificationCenter::create();
+    const auto subscriber = MultiNoteSubscriber::create(center);
+    const NSNotificationName name("name");
+    subscriber->setNames({name, NSNotificationName("another")});
+    subscriber->setObjects({OpaqueWeakValue()});
+    const auto target = std::make_shared<int>();
+    const auto handler = [](const auto&, const auto&) { ADD_FAILURE() << "after the end"; };
+    starve([&] { subscriber->subscribe(target, handler); },
+           [&] {
+               subscriber->unsubscribe();
+               center->post(name);
+           });
 }
 
 // ICU keeps it for good that its first use failed: no answer then, but no wrong one.
@@ -188,6 +247,7 @@ TEST(Memory, FailsInLists) {
         list->insert(make(), 0);
         list->setSelection({3, 7, 9, 30});
         list->setFilter([](const std::string& item) { return item.back() % 2 == 0; });
+        list->move({1, 9}, 5);
         list->sort(std::less<>());
         list->remove(IndexSet{1, 4, 6});
         list->reverseOrder();
@@ -200,9 +260,35 @@ TEST(Memory, FailsInLists) {
         for (const std::string& item : list->items())
             EXPECT_TRUE(std::ranges::count(make(), item) == 1 &&
                         std::ranges::count(list->allItems(), item) == 1);
+        if (list->count() > 5) {
+            const std::string gone = list->items()[5];
+            list->remove({5});
+            EXPECT_EQ(std::ranges::count(list->allItems(), gone), 0);
+        }
         list->setFilter({});
         list->removeAllItems();
         change();
         EXPECT_EQ(list->count(), 47);
     });
+}
+
+TEST(Memory, FailsInASelectableArray) {
+    const auto list = SelectableArray<std::string>::create();
+    list->insert({"a", "b", "c", "d", "e", "f", "an element that takes memory when it is copied"},
+                 0);
+    list->select({1, 3, 5});
+    bool isTold = false;
+    list->setEditionHandler([&](const auto& action) {
+        action();
+        isTold = true;
+    });
+    for (const bool removes : {true, false}) {
+        const auto change = [&] {
+            removes ? list->remove({0, 2, 3, 6}) : list->sort(std::greater<>());
+        };
+        starve(change, [&] {
+            EXPECT_TRUE(isTold || (list->count() == 7 && list->selection() == IndexSet({1, 3, 5})));
+            EXPECT_FALSE(list->reordering());
+        });
+    }
 }

@@ -11,6 +11,7 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -42,6 +43,76 @@ const Element* addressAt(const std::vector<Element>& list, std::int64_t at) {
 /// before or after one.
 void checkPositions(std::int64_t count, const IndexSet& indexes);
 void checkInsertion(std::int64_t count, std::int64_t at);
+
+/// Whether elements change places without an exception. Then a change of a list that needs no
+/// memory, or has made room before, is whole.
+template <class Element>
+inline constexpr bool movesSafely =
+    std::is_nothrow_move_constructible_v<Element>&& std::is_nothrow_move_assignable_v<Element>;
+
+/// Room for so many more elements of a list, made before they are inserted: that does not throw
+/// then, as far as elements change places safely. It costs what an insertion costs.
+template <class Element>
+class Room {
+public:
+    Room(const std::vector<Element>& list, std::size_t count) {
+        if (movesSafely<Element> && list.capacity() - list.size() < count)
+            larger_.reserve(list.size() + std::max(list.size(), count));
+    }
+
+    /// Inserts elements before the one at `at`, taking them out of `added`.
+    void insert(std::vector<Element>& list, std::int64_t at, std::vector<Element>& added) {
+        const auto place = list.begin() + at;
+        if (larger_.capacity() == 0)
+            return take(list, place, added.begin(), added.end());
+        take(larger_, larger_.end(), list.begin(), place);
+        take(larger_, larger_.end(), added.begin(), added.end());
+        take(larger_, larger_.end(), place, list.end());
+        list.swap(larger_);
+    }
+
+private:
+    template <class Iterator>
+    static void take(std::vector<Element>& list, Iterator at, Iterator from, Iterator to) {
+        list.insert(at, std::make_move_iterator(from), std::make_move_iterator(to));
+    }
+
+    std::vector<Element> larger_; // unused where the list has room
+};
+
+/// As `zorvan::move`, through an empty buffer, which needs no memory when it has room for what
+/// moves.
+template <class Element>
+std::int64_t move(std::vector<Element>& list, const IndexSet& from, std::int64_t to,
+                  std::vector<Element>& buffer) {
+    checkPositions(countOf(list), from);
+    checkInsertion(countOf(list), to);
+    const std::int64_t below = from.count(IndexSet::Range{0, to});
+    const std::int64_t landing = to - below;
+    if (from.isEmpty())
+        return landing;
+
+    buffer.reserve(static_cast<std::size_t>(from.count()));
+    // Elements that stay close up towards `to` from both sides, which opens the gap at `landing`.
+    const auto ranges = from.ranges();
+    auto kept = list.begin() + std::min(*from.first(), to);
+    for (std::size_t i = 0; i < ranges.size(); ++i) {
+        for (std::int64_t p = ranges[i].lower; p < ranges[i].upper; ++p)
+            buffer.push_back(std::move(list[static_cast<std::size_t>(p)]));
+        const std::int64_t next = i + 1 < ranges.size() ? std::min(ranges[i + 1].lower, to) : to;
+        for (std::int64_t p = ranges[i].upper; p < next; ++p)
+            *kept++ = std::move(list[static_cast<std::size_t>(p)]);
+    }
+    auto keptBack = list.begin() + std::max(*from.last() + 1, to);
+    for (std::size_t i = ranges.size(); i > 0 && ranges[i - 1].upper > to; --i) {
+        const std::int64_t previous = i > 1 ? std::max(ranges[i - 2].upper, to) : to;
+        if (ranges[i - 1].lower > previous)
+            keptBack = std::move_backward(list.begin() + previous,
+                                          list.begin() + ranges[i - 1].lower, keptBack);
+    }
+    std::move(buffer.begin(), buffer.end(), list.begin() + landing);
+    return landing;
+}
 
 } // namespace detail
 
@@ -85,34 +156,8 @@ void remove(std::vector<Element>& list, const IndexSet& indexes) {
 /// A `to` outside 0 ... count stops the program.
 template <class Element>
 std::int64_t move(std::vector<Element>& list, const IndexSet& from, std::int64_t to) {
-    detail::checkPositions(detail::countOf(list), from);
-    detail::checkInsertion(detail::countOf(list), to);
-    const std::int64_t below = from.count(IndexSet::Range{0, to});
-    const std::int64_t landing = to - below;
-    if (from.isEmpty())
-        return landing;
-
-    std::vector<Element> moved;
-    moved.reserve(static_cast<std::size_t>(from.count()));
-    // Elements that stay close up towards `to` from both sides, which opens the gap at `landing`.
-    const auto ranges = from.ranges();
-    auto kept = list.begin() + std::min(*from.first(), to);
-    for (std::size_t i = 0; i < ranges.size(); ++i) {
-        for (std::int64_t p = ranges[i].lower; p < ranges[i].upper; ++p)
-            moved.push_back(std::move(list[static_cast<std::size_t>(p)]));
-        const std::int64_t next = i + 1 < ranges.size() ? std::min(ranges[i + 1].lower, to) : to;
-        for (std::int64_t p = ranges[i].upper; p < next; ++p)
-            *kept++ = std::move(list[static_cast<std::size_t>(p)]);
-    }
-    auto keptBack = list.begin() + std::max(*from.last() + 1, to);
-    for (std::size_t i = ranges.size(); i > 0 && ranges[i - 1].upper > to; --i) {
-        const std::int64_t previous = i > 1 ? std::max(ranges[i - 2].upper, to) : to;
-        if (ranges[i - 1].lower > previous)
-            keptBack = std::move_backward(list.begin() + previous,
-                                          list.begin() + ranges[i - 1].lower, keptBack);
-    }
-    std::move(moved.begin(), moved.end(), list.begin() + landing);
-    return landing;
+    std::vector<Element> buffer;
+    return detail::move(list, from, to, buffer);
 }
 
 /// Swaps the element with the one before it; false when there is no such pair.

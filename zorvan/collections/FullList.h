@@ -25,6 +25,8 @@ namespace zorvan::detail {
 /// follows items exactly.
 ///
 /// The shown items are the owner's. They are passed to each call as they are before the change.
+///
+/// A change that throws has changed nothing, as long as items change places without exceptions.
 template <class Item>
 class FullList {
 public:
@@ -63,10 +65,15 @@ public:
     void insert(const Items& shown, std::int64_t at, Items added, Positions passing);
     void remove(const Items& shown, const IndexSet& at);
     void move(const Items& shown, const IndexSet& from, std::int64_t to);
-    /// The shown items are sorted to `shownOrder`. What the order throws leaves the items as they
-    /// were.
+    /// The shown items have been sorted by themselves, which brings their places into an order that
+    /// has been made before.
+    /// @{
+    std::shared_ptr<Positions> placesInOrder(const Positions& shownOrder) const;
+    void setPlaces(std::shared_ptr<Positions> places) noexcept;
+    /// @}
+    /// Sorts the items themselves.
     template <class Order>
-    void sort(const Order& by, const Positions& shownOrder);
+    void sort(const Order& by);
     void reverse();
 
 private:
@@ -89,21 +96,22 @@ private:
     static Marks marksOf(const Items& items);
     std::int64_t find(const Item& item) const;
     void findFirsts(const Items& shown) const;
+    using PlaceOfPlace = std::unordered_map<std::int64_t, std::int64_t>;
+
     Positions& placesToChange();
-    bool handOverPlaces(const IndexSet& at, const Positions& lost);
-    void closeUp(const IndexSet& at);
+    PlaceOfPlace freedPlaces(const IndexSet& at, const Positions& lost) const;
+    void handOver(const PlaceOfPlace& freed) noexcept;
+    void closeUp(const IndexSet& at) noexcept;
     void lose() noexcept {
         setFinding(Finding::lost);
         areAscending_ = false;
     }
-    /// Changes the items, and the marks as they are. Marks are lost when that throws.
+    /// Changes the items, and the marks as they are.
     template <class Change>
     void changeItems(const Change& change) {
-        Marks marks = std::exchange(marks_, {});
         change(items_);
-        if (!marks.empty())
-            change(marks);
-        marks_ = std::move(marks);
+        if (!marks_.empty())
+            change(marks_);
     }
 
     Items items_;
@@ -184,20 +192,21 @@ auto FullList<Item>::placesToChange() -> Positions& {
 template <class Item>
 void FullList<Item>::insert(const Items& shown, std::int64_t at, Items added, Positions passing) {
     const std::int64_t full = position(shown, at);
+    const Reordering change = Reordering::inserting(count(), full, countOf(added));
+    Marks addedMarks = marks_.empty() ? Marks() : marksOf(added);
     Positions& places = placesToChange();
-    Reordering::inserting(count(), full, countOf(added)).apply(places);
+    Room roomForPlaces(places, passing.size());
+    Room roomForMarks(marks_, addedMarks.size());
+    Room roomForItems(items_, added.size());
+    // Nothing throws from here on.
+    lose();
+    change.apply(places);
     for (std::int64_t& place : passing)
         place += full;
-    places.insert(places.begin() + at, passing.begin(), passing.end());
-    Marks marks = std::exchange(marks_, {});
-    if (!marks.empty()) {
-        const Marks addedMarks = marksOf(added);
-        marks.insert(marks.begin() + full, addedMarks.begin(), addedMarks.end());
-    }
-    items_.insert(items_.begin() + full, std::make_move_iterator(added.begin()),
-                  std::make_move_iterator(added.end()));
-    marks_ = std::move(marks);
-    lose();
+    roomForPlaces.insert(places, at, passing);
+    if (!addedMarks.empty())
+        roomForMarks.insert(marks_, full, addedMarks);
+    roomForItems.insert(items_, full, added);
 }
 
 template <class Item>
@@ -205,7 +214,10 @@ void FullList<Item>::remove(const Items& shown, const IndexSet& at) {
     const Positions lost = positions(shown, at);
     const IndexSet removed = IndexSet::of(lost);
     const Reordering change = Reordering::removing(count(), removed);
-    areAscending_ = !handOverPlaces(at, lost) && areAscending_;
+    const PlaceOfPlace freed = freedPlaces(at, lost);
+    placesToChange();
+    // Nothing throws from here on.
+    handOver(freed);
     if (areAscending_)
         closeUp(at);
     else
@@ -217,30 +229,34 @@ void FullList<Item>::remove(const Items& shown, const IndexSet& at) {
 }
 
 /// Where the full list loses an equal item before the shown one, that one's place is free for
-/// whoever is shown of the item that goes. Whether there was such a one.
+/// whoever is shown of the item that goes.
 template <class Item>
-bool FullList<Item>::handOverPlaces(const IndexSet& at, const Positions& lost) {
-    Positions& places = placesToChange();
-    std::unordered_map<std::int64_t, std::int64_t> freed;
+auto FullList<Item>::freedPlaces(const IndexSet& at, const Positions& lost) const -> PlaceOfPlace {
+    PlaceOfPlace freed;
     std::size_t i = 0;
     for (const std::int64_t shown : at) {
-        const std::int64_t place = places[static_cast<std::size_t>(shown)];
+        const std::int64_t place = (*places_)[static_cast<std::size_t>(shown)];
         if (place != lost[i])
             freed.insert_or_assign(lost[i], place);
         ++i;
     }
+    return freed;
+}
+
+template <class Item>
+void FullList<Item>::handOver(const PlaceOfPlace& freed) noexcept {
     if (freed.empty())
-        return false;
-    for (std::int64_t& place : places)
+        return;
+    areAscending_ = false;
+    for (std::int64_t& place : *places_)
         if (const auto found = freed.find(place); found != freed.end())
             place = found->second;
-    return true;
 }
 
 /// What the places become when those at `at` go: each is less by those before it, which needs no
 /// asking where they stand as they ascend.
 template <class Item>
-void FullList<Item>::closeUp(const IndexSet& at) {
+void FullList<Item>::closeUp(const IndexSet& at) noexcept {
     std::int64_t gone = 0;
     auto place = places_->begin() + *at.first();
     const auto comeForward = [&](auto end) {
@@ -258,31 +274,62 @@ template <class Item>
 void FullList<Item>::move(const Items& shown, const IndexSet& from, std::int64_t to) {
     const IndexSet moved = IndexSet::of(positions(shown, from));
     const std::int64_t target = position(shown, to);
+    const Reordering change = Reordering::moving(count(), moved, target);
+    Positions movedPlaces;
+    movedPlaces.reserve(static_cast<std::size_t>(from.count()));
+    Items movedItems;
+    movedItems.reserve(static_cast<std::size_t>(moved.count()));
+    Marks movedMarks;
+    movedMarks.reserve(static_cast<std::size_t>(moved.count()));
     Positions& places = placesToChange();
-    Reordering::moving(count(), moved, target).apply(places);
-    zorvan::move(places, from, to);
-    changeItems([&](auto& list) { zorvan::move(list, moved, target); });
+    // Nothing throws from here on.
+    lose();
+    change.apply(places);
+    detail::move(places, from, to, movedPlaces);
+    detail::move(items_, moved, target, movedItems);
+    if (!marks_.empty())
+        detail::move(marks_, moved, target, movedMarks);
+}
+
+template <class Item>
+auto FullList<Item>::placesInOrder(const Positions& shownOrder) const
+    -> std::shared_ptr<Positions> {
+    auto places = std::make_shared<Positions>(*places_);
+    permute(*places, shownOrder);
+    return places;
+}
+
+template <class Item>
+void FullList<Item>::setPlaces(std::shared_ptr<Positions> places) noexcept {
+    places_ = std::move(places);
     lose();
 }
 
 template <class Item>
 template <class Order>
-void FullList<Item>::sort(const Order& by, const Positions& shownOrder) {
-    Positions& places = placesToChange();
-    lose();
-    permute(places, shownOrder);
+void FullList<Item>::sort(const Order& by) {
     const Positions order = sortedPositions(items_, by);
-    Reordering::permuting(order).apply(places);
-    changeItems([&order](auto& list) { permute(list, order); });
+    const Reordering change = Reordering::permuting(order);
+    Positions& places = placesToChange();
+    Marks marks = marks_;
+    if (!marks.empty())
+        permute(marks, order);
+    permute(items_, order);
+    // Nothing throws from here on.
+    lose();
+    marks_ = std::move(marks);
+    change.apply(places);
 }
 
 template <class Item>
 void FullList<Item>::reverse() {
+    const Reordering change = Reordering::reversing(count());
     Positions& places = placesToChange();
-    std::reverse(places.begin(), places.end());
-    Reordering::reversing(count()).apply(places);
-    changeItems([](auto& list) { std::reverse(list.begin(), list.end()); });
+    // Nothing throws from here on.
     lose();
+    std::reverse(places.begin(), places.end());
+    change.apply(places);
+    changeItems([](auto& list) { std::reverse(list.begin(), list.end()); });
 }
 
 } // namespace zorvan::detail

@@ -36,14 +36,23 @@ struct ManagedListViewReloader;
 /// changes nothing is not announced, and one whose filter or order throws neither, except where
 /// `sort` says so. The list lives at least until a change has been announced.
 ///
+/// When memory runs out, or an item throws, the list is as it was, or has changed as a whole,
+/// whether or not that has been announced. For that, a change through a filter copies items that
+/// may throw when they are moved; without a filter such may be lost. What an observer throws
+/// reaches the caller, too: observers after it are not told.
+///
 /// Shown positions outside the list stop the program, except in the selection. Used from one
 /// thread. Changing the list from an observer of the announcement *before* a change stops the
-/// program; calls that change nothing are let pass.
+/// program; calls that change nothing are let pass. It may be changed from one of the announcement
+/// after a change. That change is announced before the first one has reached the observers added
+/// later: a view must be told of both in order, so such an observer is added after the views, or
+/// leaves its change to the main queue.
 ///
 /// Cost: linear in what is shown, plus, when a change is made through a filter, finding the items
 /// concerned in the full list. A few are looked for one by one; what is found stays known over
 /// removals. Many at once are linear for items with a `std::hash`, a sort for items that only have
-/// an order, and quadratic for items that have nothing but equality.
+/// an order, and quadratic for items that have nothing but equality. Unequal items that the order
+/// does not tell apart are walked: they are quadratic in how many of them it puts together.
 template <std::equality_comparable Item>
 class ManagedList : public std::enable_shared_from_this<ManagedList<Item>>,
                     public SelectionQueries<ManagedList<Item>> {
@@ -111,8 +120,8 @@ public:
     void move(const IndexSet& from, std::int64_t to);
     /// Sorts the shown items, and the full list as well under a filter; equal items keep their
     /// order. What the order throws reaches the caller; while it sorts the shown items, which comes
-    /// first, nothing has changed then. When it only throws for the full list, the shown items are
-    /// sorted, which has been announced before and is not after.
+    /// first, nothing has changed then. When it only throws for the full list, or memory runs out
+    /// there, the shown items are sorted, which has been announced before and is not after.
     void sort(Order by);
     /// Reverses the shown items, and the full list as well under a filter.
     void reverseOrder();
@@ -149,7 +158,7 @@ public:
     /// first: before it, they are answered for the change that they were not told of yet, and after
     /// it for that one.
     std::optional<Reordering> reordering() const {
-        return reordering_ ? std::optional((*reordering_)()) : std::nullopt;
+        return reordering_ ? std::optional(reordering_->make(reordering_->change)) : std::nullopt;
     }
 
     /// Where changes take the item at a shown position to stand in the full list: the first place
@@ -161,7 +170,13 @@ public:
 
 private:
     using Positions = std::vector<std::int64_t>;
-    using MakeReordering = std::function<Reordering()>;
+
+    /// A callable that makes a reordering. Unlike a `std::function` it needs no memory, which might
+    /// run out between a change and its announcement.
+    struct MakeReordering {
+        const void* change;
+        Reordering (*make)(const void* change);
+    };
 
     /// What a filter lets through of a list.
     struct Passing {
@@ -192,22 +207,29 @@ private:
         }
         void announceWill() const {
             const Setting<bool> isAnnouncing(list_->isAnnouncingWill_, true);
-            announce(willReloadNotification);
+            NSNotificationCenter::defaultCenter()->post(note(willReloadNotification));
         }
-        void announceDid(const MakeReordering& reordering) const {
+        /// To be called before the lists change, with an edition that says it all.
+        void prepareDid() { did_.emplace(note(didReloadNotification)); }
+        template <class Make>
+        void announceDid(const Make& makeReordering) const {
+            const MakeReordering reordering{&makeReordering, [](const void* make) {
+                                                return (*static_cast<const Make*>(make))();
+                                            }};
             const Setting<const MakeReordering*> current(list_->reordering_, &reordering);
-            announce(didReloadNotification);
+            NSNotificationCenter::defaultCenter()->post(*did_);
         }
 
         Edition edition;
 
     private:
-        void announce(std::string_view name) const {
-            NSNotificationCenter::defaultCenter()->post(
-                NSNotificationName(name), list_, Notification::UserInfo{{editionKey, edition}});
+        Notification note(std::string_view name) const {
+            return Notification(NSNotificationName(name), list_,
+                                Notification::UserInfo{{editionKey, edition}});
         }
 
         std::shared_ptr<ManagedList> list_;
+        std::optional<Notification> did_;
     };
 
     const Item* itemAt(std::optional<std::int64_t> index) const {
@@ -216,6 +238,19 @@ private:
 
     static Passing pass(const std::vector<Item>& items, const IndexSet& selection,
                         const Filter& filter);
+
+    /// Has the shown items and the full list changed so that they never part: `change` throws only
+    /// before it has changed anything, unless items themselves throw; then it is given copies.
+    template <class Change>
+    void changeLists(const Change& change) {
+        if (detail::movesSafely<Item> || !filter_)
+            return change(items_, full_);
+        std::vector<Item> items = items_;
+        detail::FullList<Item> full = full_;
+        change(items, full);
+        items_ = std::move(items);
+        full_ = std::move(full);
+    }
 
     std::vector<Item> items_;
     detail::FullList<Item> full_; // while a filter is set
@@ -231,9 +266,10 @@ void ManagedList<Item>::setSelection(const IndexSet& selection) {
     if (valid == selection_)
         return;
     Change change(*this, Action::select);
-    change.edition.newSelection = std::move(valid);
+    change.edition.newSelection = valid;
     change.announceWill();
-    selection_ = *change.edition.newSelection;
+    change.prepareDid();
+    selection_ = std::move(valid);
     change.announceDid([count = count()] { return Reordering::none(count); });
 }
 
@@ -253,10 +289,13 @@ void ManagedList<Item>::insert(std::vector<Item> contentOf, std::int64_t at) {
     change.edition.newSelection = IndexSet();
     change.announceWill();
 
-    if (filter_)
-        full_.insert(items_, at, std::move(contentOf), std::move(passing.positions));
-    items_.insert(items_.begin() + at, std::make_move_iterator(passing.items.begin()),
-                  std::make_move_iterator(passing.items.end()));
+    change.prepareDid();
+    changeLists([&](std::vector<Item>& items, detail::FullList<Item>& full) {
+        detail::Room room(items, passing.items.size());
+        if (filter_)
+            full.insert(items, at, std::move(contentOf), std::move(passing.positions));
+        room.insert(items, at, passing.items);
+    });
     selection_.removeAll();
     change.announceDid([=] { return Reordering::inserting(before, at, inserted); });
 }
@@ -269,14 +308,18 @@ void ManagedList<Item>::remove(const IndexSet& at) {
     const std::int64_t before = count();
     Change change(*this, Action::remove);
     change.edition.removedIndexes = at;
-    change.edition.newSelection = selection_.afterRemoving(at);
+    IndexSet selection = selection_.afterRemoving(at);
+    change.edition.newSelection = selection;
     change.announceWill();
 
+    change.prepareDid();
     const IndexSet& removed = *change.edition.removedIndexes;
-    if (filter_)
-        full_.remove(items_, removed);
-    zorvan::remove(items_, removed);
-    selection_ = *change.edition.newSelection;
+    changeLists([&](std::vector<Item>& items, detail::FullList<Item>& full) {
+        if (filter_)
+            full.remove(items, removed);
+        zorvan::remove(items, removed);
+    });
+    selection_ = std::move(selection);
     change.announceDid([&] { return Reordering::removing(before, removed); });
 }
 
@@ -291,12 +334,19 @@ void ManagedList<Item>::move(const IndexSet& from, std::int64_t to) {
     change.announceWill();
 
     const IndexSet& moved = *change.edition.movedFromIndexes;
-    if (filter_)
-        full_.move(items_, moved, to);
-    const std::int64_t landing = zorvan::move(items_, moved, to);
-    selection_ = IndexSet({.loc = landing, .len = moved.count()});
-    change.edition.movedToIndexes = selection_;
-    change.edition.newSelection = selection_;
+    const std::int64_t landing = to - moved.count(IndexSet::Range{0, to});
+    IndexSet landed({.loc = landing, .len = moved.count()});
+    change.edition.movedToIndexes = landed;
+    change.edition.newSelection = landed;
+    change.prepareDid();
+    changeLists([&](std::vector<Item>& items, detail::FullList<Item>& full) {
+        std::vector<Item> buffer;
+        buffer.reserve(static_cast<std::size_t>(moved.count()));
+        if (filter_)
+            full.move(items, moved, to);
+        detail::move(items, moved, to, buffer);
+    });
+    selection_ = std::move(landed);
     change.announceDid([&, count = count()] { return Reordering::moving(count, moved, to); });
 }
 
@@ -306,13 +356,20 @@ void ManagedList<Item>::sort(Order by) {
         return;
     const Positions order = detail::sortedPositions(items_, by);
     Change change(*this, Action::sort);
-    change.edition.newSelection = selection_.afterPermuting(order);
+    IndexSet selection = selection_.afterPermuting(order);
+    change.edition.newSelection = selection;
     change.announceWill();
 
-    detail::permute(items_, order);
-    selection_ = *change.edition.newSelection;
+    change.prepareDid();
+    changeLists([&](std::vector<Item>& items, detail::FullList<Item>& full) {
+        auto places = filter_ ? full.placesInOrder(order) : nullptr;
+        detail::permute(items, order);
+        if (filter_)
+            full.setPlaces(std::move(places));
+    });
+    selection_ = std::move(selection);
     if (filter_)
-        full_.sort(by, order);
+        changeLists([&by](auto&, detail::FullList<Item>& full) { full.sort(by); });
     change.announceDid([&order] { return Reordering::permuting(order); });
 }
 
@@ -321,13 +378,17 @@ void ManagedList<Item>::reverseOrder() {
     if (items_.empty())
         return;
     Change change(*this, Action::sort);
-    change.edition.newSelection = selection_.afterReversing(count());
+    IndexSet selection = selection_.afterReversing(count());
+    change.edition.newSelection = selection;
     change.announceWill();
 
-    std::reverse(items_.begin(), items_.end());
-    selection_ = *change.edition.newSelection;
-    if (filter_)
-        full_.reverse();
+    change.prepareDid();
+    changeLists([&](std::vector<Item>& items, detail::FullList<Item>& full) {
+        if (filter_)
+            full.reverse();
+        std::reverse(items.begin(), items.end());
+    });
+    selection_ = std::move(selection);
     change.announceDid([count = count()] { return Reordering::reversing(count); });
 }
 
@@ -367,6 +428,7 @@ void ManagedList<Item>::setFilter(Filter filter) {
     // What needs memory comes first, so that the list is whole should there be none.
     const std::shared_ptr<const Positions> before = full_.places();
     change.edition.newSelection = filter ? passing.selection : selection;
+    change.prepareDid();
     if (!filter) {
         items_ = full_.release();
         selection_ = std::move(selection);

@@ -22,7 +22,8 @@ namespace zorvan {
 /// Every change runs through `editionHandler`: it receives the change as a deferred action, runs it
 /// when it wishes, and gets back an edition that says exactly what changed. A handler that never
 /// runs the action leaves the list as it was. Positions outside the list stop the program when the
-/// action runs, except in `select`. Used from one thread.
+/// action runs, except in `select`. When the change throws, for want of memory or because an
+/// element does, the list is as it was. Used from one thread.
 template <class Element>
 class SelectableArray : public std::enable_shared_from_this<SelectableArray<Element>>,
                         public SelectionQueries<SelectableArray<Element>> {
@@ -133,15 +134,35 @@ private:
     void edit(Change change) {
         const auto self = this->shared_from_this();
         const auto handler = editionHandler_;
-        (*handler)([self, change = std::move(change)]() mutable {
-            return SelectableArrayEdition(change(*self));
-        });
-        reordering_ = {};
+        const struct Forgetting {
+            ~Forgetting() { list.reordering_ = nullptr; }
+            SelectableArray& list;
+        } forgetting{*self};
+        (*handler)([self, change = std::move(change)] { return change(*self); });
     }
     const Element* elementAt(std::optional<std::int64_t> index) const {
         return index ? detail::addressAt(elements_, *index) : nullptr;
     }
-    void assign(std::vector<Entry> entries);
+
+    /// All that a change makes but the elements. It is made before they change, so that nothing
+    /// throws once they have.
+    struct Outcome {
+        IndexSet selection;
+        std::function<Reordering()> reordering;
+        SelectableArrayEdition edition;
+    };
+    SelectableArrayEdition finish(Outcome outcome) noexcept;
+
+    /// What `change` throws leaves the elements as they were. A copy is changed of elements that
+    /// throw themselves when they are moved.
+    template <class Change>
+    void changeElements(const Change& change) {
+        if (detail::movesSafely<Element>)
+            return change(elements_);
+        std::vector<Element> elements = elements_;
+        change(elements);
+        elements_ = std::move(elements);
+    }
 
     std::vector<Element> elements_;
     IndexSet selection_;
@@ -161,23 +182,27 @@ auto SelectableArray<Element>::entries() const -> std::vector<Entry> {
 }
 
 template <class Element>
-void SelectableArray<Element>::assign(std::vector<Entry> entries) {
-    elements_.clear();
-    selection_.removeAll();
-    elements_.reserve(entries.size());
-    for (Entry& entry : entries) {
-        if (entry.isSelected)
-            selection_.insert(count());
-        elements_.push_back(std::move(entry.element));
-    }
+SelectableArrayEdition SelectableArray<Element>::finish(Outcome outcome) noexcept {
+    selection_ = std::move(outcome.selection);
+    reordering_ = std::move(outcome.reordering);
+    return std::move(outcome.edition);
 }
 
 template <class Element>
 void SelectableArray<Element>::setEntries(std::vector<Entry> entries) {
     edit([entries = std::move(entries)](SelectableArray& list) {
-        list.assign(entries);
-        list.reordering_ = [] { return Reordering::removingAll(); };
-        return SelectableArrayEdition::Reload{list.selection_};
+        std::vector<Element> elements;
+        IndexSet selection;
+        elements.reserve(entries.size());
+        for (const Entry& entry : entries) {
+            if (entry.isSelected)
+                selection.insert(detail::countOf(elements));
+            elements.push_back(entry.element);
+        }
+        Outcome outcome{selection, [] { return Reordering::removingAll(); },
+                        SelectableArrayEdition::Reload{selection}};
+        list.elements_ = std::move(elements);
+        return list.finish(std::move(outcome));
     });
 }
 
@@ -187,13 +212,22 @@ void SelectableArray<Element>::insert(std::vector<Element> elements, std::int64_
         return;
     edit([elements = std::move(elements), at](SelectableArray& list) {
         detail::checkInsertion(list.count(), at);
-        const std::int64_t count = detail::countOf(elements);
-        list.reordering_ = [=, before = list.count()] {
-            return Reordering::inserting(before, at, count);
+        const std::int64_t before = list.count(), count = detail::countOf(elements);
+        IndexSet selection = list.selection_;
+        selection.shift(at, count);
+        Outcome outcome{std::move(selection),
+                        [=] { return Reordering::inserting(before, at, count); },
+                        SelectableArrayEdition::Insert{count, at}};
+        std::vector<Element> added = elements;
+        const auto change = [&](std::vector<Element>& changed) {
+            detail::Room(changed, added.size()).insert(changed, at, added);
         };
-        list.elements_.insert(list.elements_.begin() + at, elements.begin(), elements.end());
-        list.selection_.shift(at, count);
-        return SelectableArrayEdition::Insert{count, at};
+        // At the end nothing gives way, so that also elements that throw may be added in place.
+        if (at == before)
+            change(list.elements_);
+        else
+            list.changeElements(change);
+        return list.finish(std::move(outcome));
     });
 }
 
@@ -201,9 +235,11 @@ template <class Element>
 void SelectableArray<Element>::replace(Element element, std::int64_t at) {
     edit([element = std::move(element), at](SelectableArray& list) {
         detail::checkPositions(list.count(), {at});
-        list.elements_[static_cast<std::size_t>(at)] = element;
-        list.reordering_ = [count = list.count()] { return Reordering::none(count); };
-        return SelectableArrayEdition::Replace{at};
+        Outcome outcome{list.selection_, [count = list.count()] { return Reordering::none(count); },
+                        SelectableArrayEdition::Replace{at}};
+        Element replacing = element;
+        list.elements_[static_cast<std::size_t>(at)] = std::move(replacing);
+        return list.finish(std::move(outcome));
     });
 }
 
@@ -212,10 +248,12 @@ void SelectableArray<Element>::remove(IndexSet at) {
     if (at.isEmpty())
         return;
     edit([at = std::move(at)](SelectableArray& list) {
-        list.reordering_ = [at, before = list.count()] { return Reordering::removing(before, at); };
-        zorvan::remove(list.elements_, at);
-        list.selection_ = list.selection_.afterRemoving(at);
-        return SelectableArrayEdition::Remove{at};
+        Outcome outcome{list.selection_.afterRemoving(at),
+                        [at, before = list.count()] { return Reordering::removing(before, at); },
+                        SelectableArrayEdition::Remove{at}};
+        list.changeElements(
+            [&at](std::vector<Element>& elements) { zorvan::remove(elements, at); });
+        return list.finish(std::move(outcome));
     });
 }
 
@@ -224,12 +262,15 @@ void SelectableArray<Element>::move(IndexSet from, std::int64_t to) {
     if (from.isEmpty())
         return;
     edit([from = std::move(from), to](SelectableArray& list) {
-        zorvan::move(list.elements_, from, to);
-        list.reordering_ = [from, to, count = list.count()] {
-            return Reordering::moving(count, from, to);
-        };
-        list.selection_ = list.selection_.afterMoving(from, to);
-        return SelectableArrayEdition::Move{from, to};
+        detail::checkPositions(list.count(), from);
+        detail::checkInsertion(list.count(), to);
+        Outcome outcome{
+            list.selection_.afterMoving(from, to),
+            [from, to, count = list.count()] { return Reordering::moving(count, from, to); },
+            SelectableArrayEdition::Move{from, to}};
+        list.changeElements(
+            [&](std::vector<Element>& elements) { zorvan::move(elements, from, to); });
+        return list.finish(std::move(outcome));
     });
 }
 
@@ -238,11 +279,13 @@ void SelectableArray<Element>::sort(std::function<bool(const Element&, const Ele
     if (elements_.empty())
         return;
     edit([by = std::move(by)](SelectableArray& list) {
-        std::vector<std::int64_t> order = detail::sortedPositions(list.elements_, by);
-        detail::permute(list.elements_, order);
-        list.selection_ = list.selection_.afterPermuting(order);
-        list.reordering_ = [order = std::move(order)] { return Reordering::permuting(order); };
-        return SelectableArrayEdition::Reload{list.selection_};
+        const std::vector<std::int64_t> order = detail::sortedPositions(list.elements_, by);
+        IndexSet selection = list.selection_.afterPermuting(order);
+        Outcome outcome{selection, [order] { return Reordering::permuting(order); },
+                        SelectableArrayEdition::Reload{selection}};
+        list.changeElements(
+            [&order](std::vector<Element>& elements) { detail::permute(elements, order); });
+        return list.finish(std::move(outcome));
     });
 }
 
@@ -251,10 +294,12 @@ void SelectableArray<Element>::reverseElementsOrder() {
     if (elements_.empty())
         return;
     edit([](SelectableArray& list) {
-        std::reverse(list.elements_.begin(), list.elements_.end());
-        list.selection_ = list.selection_.afterReversing(list.count());
-        list.reordering_ = [count = list.count()] { return Reordering::reversing(count); };
-        return SelectableArrayEdition::Reload{list.selection_};
+        IndexSet selection = list.selection_.afterReversing(list.count());
+        Outcome outcome{selection, [count = list.count()] { return Reordering::reversing(count); },
+                        SelectableArrayEdition::Reload{selection}};
+        list.changeElements(
+            [](std::vector<Element>& elements) { std::reverse(elements.begin(), elements.end()); });
+        return list.finish(std::move(outcome));
     });
 }
 
@@ -263,9 +308,9 @@ void SelectableArray<Element>::select(IndexSet indexes) {
     if (indexes == selection_)
         return;
     edit([indexes = std::move(indexes)](SelectableArray& list) {
-        list.selection_ = indexes.intersection(list.allIndexes());
-        list.reordering_ = [count = list.count()] { return Reordering::none(count); };
-        return SelectableArrayEdition::Select{list.selection_};
+        IndexSet selection = indexes.intersection(list.allIndexes());
+        return list.finish({selection, [count = list.count()] { return Reordering::none(count); },
+                            SelectableArrayEdition::Select{selection}});
     });
 }
 

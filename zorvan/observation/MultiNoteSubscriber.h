@@ -47,15 +47,22 @@ public:
     /// One per pair, by name and within a name by sender, while observing; else empty.
     Subscribers subscribers() const { return subscribers_; }
 
-    /// Starts to observe, as `NoteSubscriber::subscribe` does for each pair.
+    /// Starts to observe, as `NoteSubscriber::subscribe` does for each pair. When one throws, none
+    /// observes.
     ///
     /// Stops the program when already observing, when there are no names, or no objects.
     template <class Target, class Handler>
     void subscribe(const std::shared_ptr<Target>& target, const Handler& handler) {
-        for (auto& subscriber : makeSubscribers()) {
-            subscriber->subscribe(target, handler);
-            subscribers_.push_back(std::move(subscriber));
+        Subscribers made = makeSubscribers();
+        try {
+            for (const auto& subscriber : made)
+                subscriber->subscribe(target, handler);
+        } catch (...) {
+            for (const auto& subscriber : made)
+                subscriber->unsubscribe();
+            throw;
         }
+        subscribers_ = std::move(made);
     }
 
     /// Ends the observations; no effect when there are none.

@@ -112,12 +112,22 @@ private:
         const auto request = std::shared_ptr<Request>(
             new Request(this->weak_from_this(), requestsCount_, std::move(completion)));
         requests_[requestsCount_] = request;
+        if (state() != State::isLoading)
+            startLoading();
         ++requestsCount_;
-        if (state() != State::isLoading) {
-            state_.store(State::isLoading, std::memory_order_release);
-            operationQueue_->addOperation([self = this->shared_from_this()] { self->load(); });
-        }
         return request;
+    }
+
+    /// Without memory, or a thread, the request that asks for it is none.
+    void startLoading() {
+        try {
+            operationQueue_->addOperation([self = this->shared_from_this()] { self->load(); });
+        } catch (...) {
+            requests_.erase(requestsCount_);
+            throw;
+        }
+        // The operation looks at it on the main thread, and so later.
+        state_.store(State::isLoading, std::memory_order_release);
     }
 
     /// On the operation queue.

@@ -10,7 +10,6 @@
 #include <mutex>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace zorvan {
 
@@ -21,15 +20,19 @@ struct NSOperationQueue::State {
 
     bool mayStart() const noexcept {
         // The main dispatch queue runs one at a time by itself.
-        return kind == Kind::main || maxCount == defaultMaxConcurrentOperationCount ||
-               std::cmp_less(running, maxCount);
+        return waiting.size() > starting &&
+               (kind == Kind::main || maxCount == defaultMaxConcurrentOperationCount ||
+                std::cmp_less(starting + running, maxCount));
     }
 
     const Kind kind;
     std::mutex mutex;
     std::condition_variable finished;
     std::string name;
+    /// Those that have not begun, in order, the first `starting` of which a thread is on its way
+    /// to.
     std::deque<Block> waiting;
+    std::size_t starting = 0;
     std::size_t running = 0;
     std::int64_t maxCount;
 };
@@ -69,18 +72,10 @@ void NSOperationQueue::setMaxConcurrentOperationCount(std::int64_t count) {
                    std::to_string(count) + ".");
     if (state_->kind == Kind::main)
         return;
-    std::vector<Block> startable;
-    {
-        const std::lock_guard lock(state_->mutex);
-        state_->maxCount = count;
-        while (!state_->waiting.empty() && state_->mayStart()) {
-            startable.push_back(std::move(state_->waiting.front()));
-            state_->waiting.pop_front();
-            ++state_->running;
-        }
-    }
-    for (Block& block : startable)
-        start(std::move(block));
+    const std::lock_guard lock(state_->mutex);
+    state_->maxCount = count;
+    while (state_->mayStart())
+        startFirst();
 }
 
 std::size_t NSOperationQueue::operationCount() const {
@@ -89,49 +84,58 @@ std::size_t NSOperationQueue::operationCount() const {
 }
 
 void NSOperationQueue::addOperation(Block block) {
-    {
-        const std::lock_guard lock(state_->mutex);
-        if (!state_->mayStart()) {
-            state_->waiting.push_back(std::move(block));
-            return;
-        }
-        ++state_->running;
-    }
-    start(std::move(block));
-}
-
-void NSOperationQueue::start(Block block) {
+    const std::lock_guard lock(state_->mutex);
+    state_->waiting.push_back(std::move(block));
+    if (!state_->mayStart())
+        return;
     try {
-        const auto& queue =
-            state_->kind == Kind::main ? DispatchQueue::main() : DispatchQueue::global();
-        queue->async([self = shared_from_this(), block = std::move(block)]() mutable {
-            block();
-            block = nullptr; // what it holds is released before the operation counts as finished
-            self->finishOne();
-        });
-    } catch (...) { // neither memory nor a thread
-        const std::lock_guard lock(state_->mutex);
-        if (--state_->running == 0)
-            state_->finished.notify_all();
+        startFirst();
+    } catch (...) {                                // neither memory nor a thread
+        block = std::move(state_->waiting.back()); // what it holds is released after the lock
+        state_->waiting.pop_back();
         throw;
     }
 }
 
-void NSOperationQueue::finishOne() {
-    Block next;
-    {
-        const std::lock_guard lock(state_->mutex);
-        --state_->running;
-        if (!state_->waiting.empty() && state_->mayStart()) {
-            next = std::move(state_->waiting.front());
+/// Under the lock, which may: sends a thread for the first operation that none is on its way to.
+void NSOperationQueue::startFirst() {
+    const auto& queue =
+        state_->kind == Kind::main ? DispatchQueue::main() : DispatchQueue::global();
+    queue->async([self = shared_from_this()] { self->run(); });
+    ++state_->starting;
+}
+
+/// Runs the first operation, and those after it that no other thread could be sent for.
+void NSOperationQueue::run() {
+    do {
+        Block block;
+        {
+            const std::lock_guard lock(state_->mutex);
+            block = std::move(state_->waiting.front());
             state_->waiting.pop_front();
+            --state_->starting;
             ++state_->running;
         }
-        if (state_->running == 0)
-            state_->finished.notify_all();
+        block();
+        block = nullptr; // what it holds is released before the operation counts as finished
+    } while (finishOne());
+}
+
+/// Whether the thread that has run one is to run the next.
+bool NSOperationQueue::finishOne() {
+    const std::lock_guard lock(state_->mutex);
+    --state_->running;
+    if (state_->waiting.empty() && state_->running == 0)
+        state_->finished.notify_all();
+    if (!state_->mayStart())
+        return false;
+    try {
+        startFirst();
+        return false;
+    } catch (...) { // neither memory nor a thread
+        ++state_->starting;
+        return true;
     }
-    if (next)
-        start(std::move(next));
 }
 
 void NSOperationQueue::waitUntilAllOperationsAreFinished() {

@@ -58,8 +58,9 @@ private:
     struct State;
     explicit NSOperationQueue(Kind kind);
 
-    void start(Block block);
-    void finishOne();
+    void startFirst();
+    void run();
+    bool finishOne();
 
     const std::unique_ptr<State> state_;
 };

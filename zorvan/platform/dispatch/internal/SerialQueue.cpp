@@ -2,6 +2,8 @@
 
 #include <zorvan/platform/foundation/fatalError.h>
 
+#include <chrono>
+#include <thread>
 #include <utility>
 
 namespace zorvan::internal {
@@ -62,6 +64,18 @@ void SerialQueue::schedule() {
         [self = std::static_pointer_cast<SerialQueue>(shared_from_this())] { self->drain(); });
 }
 
+/// Blocks that wait already would never run, and no one is there who could be told: waits for
+/// memory, or a thread.
+void SerialQueue::scheduleCertainly() noexcept {
+    for (;;) {
+        try {
+            return schedule();
+        } catch (...) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
+}
+
 void SerialQueue::drain() {
     const CurrentQueue current(*this);
     for (int i = 0; i < blocksInARow; ++i) {
@@ -79,7 +93,7 @@ void SerialQueue::drain() {
             return (*turn)->give();
         runBlock(std::get<Block>(item));
     }
-    schedule();
+    scheduleCertainly();
 }
 
 void SerialQueue::runSync(BlockReference block) {
@@ -118,7 +132,7 @@ void SerialQueue::passOn() {
             return;
         }
     }
-    schedule();
+    scheduleCertainly();
 }
 
 } // namespace zorvan::internal

@@ -23,6 +23,7 @@ private:
     void awaitTurn();
     void passOn();
     void schedule();
+    void scheduleCertainly() noexcept;
     void drain();
 
     std::mutex mutex_;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <system_error>
 #include <thread>
 
 namespace zorvan::internal {
@@ -41,7 +40,8 @@ void WorkerPool::submit(Block job) {
     try {
         wakeOne();
         watchForStall();
-    } catch (...) { // neither memory nor a thread
+    } catch (...) {                    // neither memory nor a thread
+        job = std::move(jobs_.back()); // what it holds is released after the lock
         jobs_.pop_back();
         throw;
     }
@@ -66,7 +66,7 @@ void WorkerPool::wakeOne() {
 void WorkerPool::startThread() {
     try {
         std::thread([this] { work(); }).detach();
-    } catch (const std::system_error&) {
+    } catch (...) { // neither memory nor a thread
         if (threads_ == 0)
             throw;
         return; // the threads there are will come to the job
@@ -115,10 +115,10 @@ void WorkerPool::runJobs(std::unique_lock<std::mutex>& lock) {
 void WorkerPool::watchForStall() {
     if (watching_ || jobs_.empty() || running_ + grants_ < cores_)
         return;
-    watching_ = true;
-    startedAtLastCheck_ = started_;
     Timer::shared().schedule(std::chrono::steady_clock::now() + stallCheckInterval,
                              [this] { checkStall(); });
+    watching_ = true;
+    startedAtLastCheck_ = started_;
 }
 
 void WorkerPool::checkStall() {
@@ -132,7 +132,10 @@ void WorkerPool::checkStall() {
         ++stallAllowance_;
         wakeOne();
     }
-    watchForStall();
+    try {
+        watchForStall();
+    } catch (...) { // no memory: whoever submits next has it watched again
+    }
 }
 
 WorkerPool::Blocked::Blocked() noexcept {
