@@ -34,6 +34,23 @@ TEST(AVAssetImageGenerator, GivesThePictureOfATime) {
     }
 }
 
+TEST(AVAssetImageGenerator, FindsTheStartWhereAContainerRefusesTimesBeforeIt) {
+    for (const std::string container : {"avi", "flv", "h264"}) {
+        const URL movie = testmovies::numbers("start", {.container = container, .count = 30});
+        const auto numberAt = [&](double seconds, bool isExact) {
+            const auto made = generator(movie, isExact).copyCGImage(CMTime({.seconds = seconds}));
+            return made.image ? testmovies::numberOf(made.image->bitmap()) : -1;
+        };
+        for (const bool isExact : {true, false}) {
+            EXPECT_EQ(numberAt(-5, isExact), 0) << container;
+            EXPECT_EQ(numberAt(0, isExact), 0) << container;
+        }
+        if (container == "h264") {
+            EXPECT_EQ(numberAt(1, true), 25) << "it has no times";
+        }
+    }
+}
+
 TEST(AVAssetImageGenerator, TurnsAndReduces) {
     // Red, green, blue and white quarters: above left, above right, below left, below right.
     const URL movie = testmovies::make(

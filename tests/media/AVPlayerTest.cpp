@@ -2,8 +2,25 @@
 #include <tests/Testing.h>
 #include <tests/waitUntil.h>
 
+#include <zorvan/media/AVAssetImageGenerator.h>
 #include <zorvan/media/AVPlayer.h>
+#include <zorvan/platform/avfoundation/MediaPlayer.h>
 #include <zorvan/platform/dispatch/NSThread.h>
+
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+#endif
+
+/// After how many more allocations of this thread one fails; below 0 none does.
+static thread_local int allocationsLeft = -1;
+
+void* operator new(std::size_t size) {
+    void* const memory =
+        allocationsLeft >= 0 && allocationsLeft-- == 0 ? nullptr : std::malloc(size);
+    return memory ? memory : throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -93,6 +110,86 @@ TEST(AVPlayer, AccurateSeeksKeepToPicturesOfUnequalLength) {
          {std::pair(0.41, 10), {0.45, 10}, {0.457, 11}, {0.479, 11}, {0.481, 12}, {1.83, 45}}) {
         EXPECT_TRUE(seekTo(*player, seconds));
         EXPECT_EQ(shownNumber(*player), number) << seconds;
+    }
+}
+
+TEST(AVPlayer, AgreesWithTheGeneratorOnTimesAndReachesTheEnd) {
+    struct {
+        std::string container, options;
+        int first, last;
+        double duration;
+    } const table[] = {{"mp4", "-itsoffset 3", 0, 49, 5},
+                       {"mkv", "-itsoffset 3", 0, 49, 5},
+                       {"ts", "-itsoffset 3", 0, 49, 2}, // the file's first time is 0
+                       {"mov", "-ss 0.7", 17, 49, 1.3}};
+    for (const auto& [container, options, first, last, duration] : table) {
+        const URL whole = testmovies::numbers("whole", {.container = "mp4", .count = 50});
+        const URL movie =
+            testmovies::make("moved." + container, options + " -i " + whole.path() +
+                                                       " -c copy -avoid_negative_ts disabled");
+        const auto player = readyPlayer(movie);
+        EXPECT_NEAR(player->duration()->seconds(), duration, 0.05) << container;
+        const AVAssetImageGenerator generator{.asset = AVAsset::create(movie),
+                                              .requestedTimeToleranceBefore = kCMTimeZero,
+                                              .requestedTimeToleranceAfter = kCMTimeZero};
+        for (const double seconds : {0.0, 0.5, 1.0, 100.0}) {
+            EXPECT_TRUE(seekTo(*player, seconds));
+            const int number = shownNumber(*player);
+            const auto image = generator.copyCGImage(CMTime({.seconds = seconds})).image;
+            EXPECT_EQ(testmovies::numberOf(image->bitmap()), number) << container << seconds;
+            if (seconds == 0 || seconds == 100) {
+                EXPECT_EQ(number, seconds == 0 ? first : last) << container;
+            }
+        }
+    }
+}
+
+/// Throws when it is told of the clock, as a player without memory would.
+class Thrower : public avfoundation::MediaPlayer::Listener {
+public:
+    void statusDidChange(avfoundation::MediaPlayer::Status) override {}
+    void clockDidChange(const avfoundation::PlaybackClock&, bool isJump) override {
+        if (throwing == (isJump ? 2 : 1))
+            throw std::bad_alloc();
+    }
+    std::atomic<int> throwing = 0; // 1 as a seek begins, 2 as it lands
+};
+
+TEST(MediaPlayer, FailsWhenItsThreadFindsNoMemoryAndTellsWhoeverWaits) {
+    using avfoundation::MediaPlayer;
+    for (const int throwing : {1, 2}) {
+        const auto listener = std::make_shared<Thrower>();
+        MediaPlayer player(testmovies::numbers("plain").path(), 0, listener);
+        ASSERT_TRUE(waitUntil([&] { return player.status() == MediaPlayer::Status::ready; }));
+        EXPECT_TRUE(player.picture());
+        listener->throwing = throwing;
+        std::atomic<int> refused = 0;
+        for (int i = 0; i < 3; ++i)
+            player.seek(1, MediaPlayer::Precision::exact, [&](bool landed) { refused += !landed; });
+        EXPECT_TRUE(waitUntil([&] { return refused == 3; })) << throwing;
+        EXPECT_EQ(player.status(), MediaPlayer::Status::failed);
+        EXPECT_FALSE(player.picture());
+        player.seek(1, MediaPlayer::Precision::exact, [&](bool landed) { refused += !landed; });
+        EXPECT_EQ(refused, 4);
+    }
+}
+
+TEST(AVPlayer, AnItemThatFindsNoMemoryForAPlayerFails) {
+    const auto asset = AVAsset::create(testmovies::numbers("plain"));
+    AVPlayer::create(AVPlayerItem::create(asset)); // loads libmpv
+    bool hasFailed = true;
+    for (int after = 0; hasFailed; ++after) {
+        const auto player = AVPlayer::create();
+        const auto item = AVPlayerItem::create(asset);
+        allocationsLeft = after;
+        player->replaceCurrentItem(item);
+        hasFailed = allocationsLeft < 0;
+        allocationsLeft = -1;
+        EXPECT_EQ(item->status() == AVPlayerItem::Status::failed, hasFailed) << after;
+        EXPECT_EQ(player->rate(), 0);
+        if (hasFailed) {
+            EXPECT_FALSE(seekTo(*player, 1)) << after;
+        }
     }
 }
 

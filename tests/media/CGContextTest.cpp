@@ -49,6 +49,22 @@ TEST(CGContext, TransformsHappenBeforeWhatWasThere) {
     EXPECT_EQ(placed(), CGPoint(12, 23));
 }
 
+TEST(CGContext, APatternFadesAsAWhole) {
+    const auto drawn = CGImage::draw(8, 8, [](CGContext& context) {
+        const CGRect all(0, 0, 8, 8);
+        const auto draw = [&](CGContext& cell) {
+            cell.setFillColor(*CGColor::create({.hexString = "#000000"}));
+            cell.fill(all);
+            cell.setAlpha(1);
+            cell.setFillColor(*CGColor::create({.hexString = "#FFFFFF"}));
+            cell.fill(all);
+        };
+        context.setFillColoredPattern({.bounds = all, .draw = draw}, 0.5);
+        context.fill(all);
+    });
+    EXPECT_EQ(pixelAt(*drawn, 4, 4), 0x80808080u);
+}
+
 TEST(CGContext, AnImageStaysAsItWas) {
     const auto context = CGContext::rgba(8, 8);
     context->draw(*plain(8, 8, 0xFF0000FF), CGRect(0, 0, 8, 8));

@@ -147,6 +147,10 @@ TEST(NSImage, TakesDrawingsWithTheFocus) {
     none->useFocus([] { fill(CGRect(0, 0, 2, 4), NSColor::blue); });
     EXPECT_EQ(none->cgImageForProposedRect(), nullptr);
     none->unlockFocus();
+    const auto bad = NSImage::create(CGSize(4, 4), false,
+                                     [](const CGRect&) { throw std::runtime_error("stop"); });
+    EXPECT_THROW(bad->useFocus([] {}), std::runtime_error);
+    EXPECT_EQ(CGContext::current(), nullptr);
     EXPECT_EQ(none->data(ImageExportFormat::png), std::nullopt);
     EXPECT_TRUE(image->data(ImageExportFormat::png));
 }
@@ -183,6 +187,14 @@ TEST(NSImage, IsFoundAmongResources) {
     }
     fs::remove(resources / (id + ".png"));
     fs::remove(resources / (id + "@2x.png"));
+    for (const std::string scale : {"", "@2x"})
+        std::ofstream(resources / (id + scale + ".svg"))
+            << "<svg xmlns='http://www.w3.org/2000/svg' width='8' height='8'/>";
+    const auto shapes = NSImage::named(id);
+    ASSERT_TRUE(shapes);
+    EXPECT_EQ(shapes->size(), CGSize(8, 8));
+    for (const std::string scale : {"", "@2x"})
+        fs::remove(resources / (id + scale + ".svg"));
 }
 
 /// A desktop with the theme "Child", whose parent is "Parent", and folders of its own for all else.

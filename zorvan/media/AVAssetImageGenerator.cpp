@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/avfoundation/grabFrame.h>
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -12,11 +13,14 @@ AVAssetImageGenerator::Image AVAssetImageGenerator::copyCGImage(const CMTime& at
     const auto& url = asset.value ? asset.value->url() : std::nullopt;
     if (!url || !url->isFileURL())
         return none;
+    const CMTime duration = asset.value->duration();
+    const double seconds =
+        duration.isNumeric() ? std::min(at.seconds(), duration.seconds()) : at.seconds();
     const bool isQuick = requestedTimeToleranceBefore == kCMTimePositiveInfinity &&
                          requestedTimeToleranceAfter == kCMTimePositiveInfinity;
     try {
         auto frame =
-            avfoundation::grabFrame(url->path(), {.seconds = at.seconds(),
+            avfoundation::grabFrame(url->path(), {.seconds = seconds,
                                                   .isExact = !isQuick,
                                                   .isUpright = appliesPreferredTrackTransform,
                                                   .maximumSize = maximumSize});

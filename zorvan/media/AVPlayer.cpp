@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <exception>
+#include <memory>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -23,6 +25,17 @@ double frameDuration(const AVAsset& asset) {
     const auto tracks = asset.tracksWithMediaType(AVMediaType::video);
     const bool isKnown = tracks.size() == 1 && tracks.front().minFrameDuration.isNumeric();
     return isKnown ? tracks.front().minFrameDuration.seconds() : 0;
+}
+
+/// Null when there is no thread or no memory for it.
+std::unique_ptr<MediaPlayer> playerOf(const AVAsset& asset,
+                                      std::weak_ptr<MediaPlayer::Listener> listener) {
+    try {
+        return std::make_unique<MediaPlayer>(asset.url()->path(), frameDuration(asset),
+                                             std::move(listener));
+    } catch (const std::exception&) {
+        return nullptr;
+    }
 }
 
 void tellThatNothingHappened(AVPlayer::Completion completion) {
@@ -102,8 +115,8 @@ void AVPlayer::replaceCurrentItem(std::shared_ptr<AVPlayerItem> item) {
     if (item_) {
         item_->isInPlayer_ = true;
         if (!item_->hasFailed_)
-            item_->player_ = std::make_unique<MediaPlayer>(
-                item_->asset_->url()->path(), frameDuration(*item_->asset_), observers_);
+            item_->player_ = playerOf(*item_->asset_, observers_);
+        item_->hasFailed_ = !item_->player_;
     }
     setRate(rate);
 }

@@ -44,7 +44,6 @@ PatternPaint patternPaint(const CGPattern& pattern, const CGAffineTransform& toP
         return {};
     const double x = static_cast<double>(width) / stepX, y = static_cast<double>(height) / stepY;
     const auto context = CGContext::create(*cell);
-    context->setAlpha(alpha);
     // Repetitions that are larger than their distance reach into the cells after them.
     for (int row = -overlapOf(bounds.height(), stepY); row <= 0; ++row)
         for (int column = -overlapOf(bounds.width(), stepX); column <= 0; ++column)
@@ -56,7 +55,8 @@ PatternPaint patternPaint(const CGPattern& pattern, const CGAffineTransform& toP
             });
     // From the pixels of the cell, y downward, to the pattern and on.
     const CGAffineTransform toPattern(1 / x, 0, 0, -1 / y, bounds.minX(), bounds.minY() + stepY);
-    return {std::make_shared<const Bitmap>(std::move(*cell)), toPattern.concatenating(matrix)};
+    return {std::make_shared<const Bitmap>(std::move(*cell)), toPattern.concatenating(matrix),
+            alpha};
 }
 
 } // namespace zorvan

@@ -168,14 +168,21 @@ void NSImage::draw(const CGRect& in, const Options& options) const {
 void NSImage::lockFocus(double scale) {
     const double x = size_.width * scale, y = size_.height * scale;
     const auto context = CGContext::rgba(pixelCount(x), pixelCount(y));
+    focus_.reserve(focus_.size() + 1);
     NSGraphicsContext::saveGraphicsState();
     focus_.push_back(context);
     if (!context)
         return NSGraphicsContext::setCurrent(nullptr);
     context->scaleBy(static_cast<double>(context->width()) / size_.width,
                      static_cast<double>(context->height()) / size_.height);
-    NSGraphicsContext::setCurrent(NSGraphicsContext::create(context, false));
-    draw(rect());
+    try {
+        NSGraphicsContext::setCurrent(NSGraphicsContext::create(context, false));
+        draw(rect());
+    } catch (...) {
+        focus_.pop_back();
+        NSGraphicsContext::restoreGraphicsState();
+        throw;
+    }
 }
 
 void NSImage::unlockFocus() {

@@ -52,12 +52,16 @@ private:
     std::map<std::string, NSImage::Pointer, std::less<>> images_;
 };
 
+/// Shapes have no bitmap to add: they are drawn anew at any size.
+void addBitmap(NSImage& image, const std::optional<URL>& url) {
+    const NSImage::Pointer larger = url ? NSImage::create(*url) : nullptr;
+    if (larger && !larger->representations().empty())
+        image.addRepresentation({larger->representations().front().image, image.size()});
+}
+
 void addScaled(NSImage& image, std::string_view name, std::string_view extension, int scale) {
     const std::string scaled = std::string(name) + '@' + std::to_string(scale) + 'x';
-    const auto url = NSBundle::mainBundle()->URLForResource(scaled, extension);
-    const NSImage::Pointer larger = url ? NSImage::create(*url) : nullptr;
-    if (larger)
-        image.addRepresentation({larger->representations().front().image, image.size()});
+    addBitmap(image, NSBundle::mainBundle()->URLForResource(scaled, extension));
 }
 
 NSImage::Pointer resource(std::string_view name, std::string_view extension) {
@@ -89,9 +93,8 @@ NSImage::Pointer iconNamed(std::string_view name, std::int64_t size) {
     const auto side = static_cast<double>(size);
     icon->setSize(icon->size().fitting({side, side}));
     const std::optional<URL> larger = desktop::iconNamed(name, size, 2);
-    const NSImage::Pointer scaled = larger && *larger != *url ? NSImage::create(*larger) : nullptr;
-    if (scaled && !scaled->representations().empty())
-        icon->addRepresentation({scaled->representations().front().image, icon->size()});
+    if (larger != url)
+        addBitmap(*icon, larger);
     return icon;
 }
 

@@ -80,8 +80,8 @@ void PeriodicTimeObserver::deliver(double seconds) {
     newestSeconds_ = seconds;
     if (isQueued_ || !block_)
         return;
-    isQueued_ = true;
     queue_->async([self = shared_from_this()] { self->callBlock(); });
+    isQueued_ = true; // the block waits for the lock
 }
 
 void PeriodicTimeObserver::callBlock() {

@@ -167,7 +167,7 @@ int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary
 
 } // namespace
 
-std::unique_ptr<MovieInput> MovieInput::open(const std::string& path, bool mayDecode) {
+std::unique_ptr<MovieInput> MovieInput::open(const std::string& path, const Reading& reading) {
     quietFFmpeg();
     auto input = std::make_unique<MovieInput>();
     input->file_ = FileBytes::open(path);
@@ -185,14 +185,24 @@ std::unique_ptr<MovieInput> MovieInput::open(const std::string& path, bool mayDe
     context->format_whitelist = av_strdup(readContainers);
     context->protocol_whitelist = av_strdup("file");
     // A list that holds no decoder's name admits none.
-    if (!mayDecode)
+    if (!reading.mayDecode)
         context->codec_whitelist = av_strdup("none");
+    AVDictionary* options = nullptr;
+    if (!reading.appliesEdits)
+        av_dict_set(&options, "advanced_editlist", "0", 0);
     // On failure it frees the context.
-    if (avformat_open_input(&context, nullptr, format, nullptr) < 0)
+    const int result = avformat_open_input(&context, nullptr, format, &options);
+    av_dict_free(&options);
+    if (result < 0)
         return nullptr;
     input->context_.reset(context);
     // FFmpeg may go on where bytes were refused to it.
     return bytes->error == AVERROR_INVALIDDATA ? nullptr : std::move(input);
+}
+
+bool MovieInput::countsFromZero() const noexcept {
+    const std::string_view name = context_->iformat->name;
+    return name.starts_with("mov,") || name.starts_with("matroska,");
 }
 
 bool isCover(const AVStream& stream) noexcept {

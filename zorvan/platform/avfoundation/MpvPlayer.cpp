@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <condition_variable>
-#include <deque>
+#include <list>
 #include <mutex>
 #include <string_view>
 #include <thread>
@@ -64,23 +64,29 @@ private:
     }
 
     void wake();
-    void run();
+    void run() noexcept;
+    template <class Work>
+    void failUnlessDone(Work work) noexcept;
     bool waitForWork();
+    void doWork();
+    void endOperation();
     void handleEvents();
     void handle(const mpv_event& event);
     void handleChange(const mpv_event& event);
     void startNext();
-    void handle(OperationRunner::Outcome outcome);
+    void handle(const OperationRunner::Outcome& outcome);
+    void land(const OperationRunner::Outcome& outcome);
     void drawIfAsked();
 
     void applyRate();
-    void fail();
+    void fail() noexcept;
     void endPlaying();
-    void setStatus(Status status);
+    void setReady();
     /// To where it has come when `seconds` is absent.
     void setClock(std::optional<double> seconds, bool isJump);
     /// Under the lock; those it drops are told later, without it.
-    void dropWaiting();
+    void dropWaiting() noexcept;
+    std::optional<Operation> nextDropped();
     void tellDropped();
 
     const std::weak_ptr<Listener> listener_;
@@ -92,8 +98,9 @@ private:
     bool isRateNew_ = false;
     bool isPictureAsked_ = false;
     std::optional<Bitmap> drawn_;
-    std::deque<Operation> waiting_;
-    std::deque<Operation> dropped_;
+    // Lists, so that dropping takes no memory: there may be none when the player fails.
+    std::list<Operation> waiting_;
+    std::list<Operation> dropped_;
     Status status_ = Status::opening;
     PlaybackClock clock_;
     double rate_ = 0;
@@ -182,21 +189,38 @@ void MpvPlayer::wake() {
     changed_.notify_all();
 }
 
-void MpvPlayer::run() {
-    while (waitForWork()) {
-        handleEvents();
-        if (core_->takeFrame())
-            runner_->didTakeFrame();
-        if (auto outcome = runner_->advance(width_ > 0, Clock::now()))
-            handle(std::move(*outcome));
-        startNext();
-        applyRate();
-        drawIfAsked();
+void MpvPlayer::run() noexcept {
+    while (waitForWork())
+        failUnlessDone([this] { doWork(); });
+    failUnlessDone([this] { endOperation(); });
+    failUnlessDone([this] { tellDropped(); });
+}
+
+/// Without memory a movie cannot be played, and the program goes on.
+template <class Work>
+void MpvPlayer::failUnlessDone(Work work) noexcept {
+    try {
+        work();
+    } catch (...) {
+        fail();
     }
+}
+
+void MpvPlayer::doWork() {
+    handleEvents();
+    if (core_->takeFrame())
+        runner_->didTakeFrame();
+    if (const auto outcome = runner_->advance(width_ > 0, Clock::now()))
+        handle(*outcome);
+    startNext();
+    applyRate();
+    drawIfAsked();
+}
+
+void MpvPlayer::endOperation() {
     runner_->abort();
     if (const auto outcome = runner_->advance(false, Clock::now()))
         outcome->operation.complete(false);
-    tellDropped();
 }
 
 /// False when the player is to end.
@@ -309,15 +333,26 @@ void MpvPlayer::startNext() {
         const double seconds = isStep ? clock_.secondsAt(Clock::now()) : next->seconds;
         clock = clock_ = {seconds, 0, Clock::now()};
     }
+    runner_->start(std::move(*next), Clock::now());
     if (const auto listener = listener_.lock())
         listener->clockDidChange(clock, false);
-    runner_->start(std::move(*next), Clock::now());
 }
 
-void MpvPlayer::handle(OperationRunner::Outcome outcome) {
+/// Whoever waits is told, also when all else fails.
+void MpvPlayer::handle(const OperationRunner::Outcome& outcome) {
+    try {
+        land(outcome);
+    } catch (...) {
+        outcome.operation.complete(false);
+        throw;
+    }
+    outcome.operation.complete(outcome.finished);
+}
+
+void MpvPlayer::land(const OperationRunner::Outcome& outcome) {
     const bool isOpening = outcome.operation.kind == Operation::Kind::open;
     if (isOpening && outcome.finished)
-        setStatus(Status::ready);
+        setReady();
     else if (isOpening)
         fail();
     {
@@ -325,7 +360,6 @@ void MpvPlayer::handle(OperationRunner::Outcome outcome) {
         isRateNew_ = true; // the core stands still
     }
     setClock(outcome.seconds, true);
-    outcome.operation.complete(outcome.finished);
 }
 
 void MpvPlayer::applyRate() {
@@ -371,27 +405,32 @@ void MpvPlayer::drawIfAsked() {
     changed_.notify_all();
 }
 
-void MpvPlayer::fail() {
+void MpvPlayer::fail() noexcept {
     {
         const Lock lock(mutex_);
         if (status_ == Status::failed)
             return;
+        status_ = Status::failed;
         rate_ = 0;
         dropWaiting();
+        isPictureAsked_ = false;
+        isWoken_ = true; // what is aborted is still to be told
+        changed_.notify_all();
     }
-    setStatus(Status::failed);
     runner_->abort();
+    if (const auto listener = listener_.lock())
+        listener->statusDidChange(Status::failed);
 }
 
-void MpvPlayer::setStatus(Status status) {
+void MpvPlayer::setReady() {
     {
         const Lock lock(mutex_);
         if (status_ == Status::failed)
             return;
-        status_ = status;
+        status_ = Status::ready;
     }
     if (const auto listener = listener_.lock())
-        listener->statusDidChange(status);
+        listener->statusDidChange(Status::ready);
 }
 
 void MpvPlayer::setClock(std::optional<double> seconds, bool isJump) {
@@ -408,21 +447,22 @@ void MpvPlayer::setClock(std::optional<double> seconds, bool isJump) {
         listener->clockDidChange(clock, isJump);
 }
 
-void MpvPlayer::dropWaiting() {
-    std::move(waiting_.begin(), waiting_.end(), std::back_inserter(dropped_));
-    waiting_.clear();
+void MpvPlayer::dropWaiting() noexcept { dropped_.splice(dropped_.end(), waiting_); }
+
+std::optional<Operation> MpvPlayer::nextDropped() {
+    const Lock lock(mutex_);
+    if (isStopping_)
+        dropWaiting();
+    if (dropped_.empty())
+        return std::nullopt;
+    std::optional<Operation> next(std::move(dropped_.front()));
+    dropped_.pop_front();
+    return next;
 }
 
 void MpvPlayer::tellDropped() {
-    std::deque<Operation> dropped;
-    {
-        const Lock lock(mutex_);
-        if (isStopping_)
-            dropWaiting();
-        dropped.swap(dropped_);
-    }
-    for (const Operation& operation : dropped)
-        operation.complete(false);
+    while (const auto operation = nextDropped())
+        operation->complete(false);
 }
 
 extern "C" void zorvanMakePlayerEngine(const std::string& path, double frameDuration,

@@ -58,7 +58,7 @@ bool needsPackets(const AVFormatContext& input) {
     });
 }
 
-std::optional<MediaTime> asTime(std::int64_t value, AVRational unit) {
+std::optional<MediaTime> asTime(std::int64_t value, AVRational unit) noexcept {
     if (value == AV_NOPTS_VALUE || value < 0 || unit.num <= 0 || unit.den <= 0)
         return std::nullopt;
     if (unit.num == 1)
@@ -67,18 +67,40 @@ std::optional<MediaTime> asTime(std::int64_t value, AVRational unit) {
     return microseconds < 0 ? std::nullopt : std::optional(MediaTime{microseconds, AV_TIME_BASE});
 }
 
-/// Of the track that lasts longest, since headers round to their own unit; else of the header.
+/// When the track begins, as players count, in its own unit. What of it comes before 0 is not
+/// played.
+std::int64_t startOf(const AVStream& stream, const MovieInput& input) noexcept {
+    const std::int64_t origin = input.countsFromZero() ? 0 : input.context().start_time;
+    if (stream.start_time == AV_NOPTS_VALUE || origin == AV_NOPTS_VALUE)
+        return 0;
+    const std::int64_t before = av_rescale_q(origin, microsecond, stream.time_base);
+    std::int64_t start = 0;
+    return __builtin_sub_overflow(stream.start_time, before, &start) ? 0 : std::max(start, {});
+}
+
+/// When the track ends; absent when the file does not say how long it is.
+std::optional<MediaTime> endOf(const AVStream& stream, const MovieInput& input) noexcept {
+    std::int64_t end = 0;
+    if (!asTime(stream.duration, stream.time_base) ||
+        __builtin_add_overflow(startOf(stream, input), stream.duration, &end))
+        return std::nullopt;
+    return asTime(end, stream.time_base);
+}
+
+bool isEarlier(const MediaTime& a, const MediaTime& b) noexcept {
+    return av_compare_ts(a.value, {1, a.timescale}, b.value, {1, b.timescale}) < 0;
+}
+
+/// Until the track that ends last does, since headers round to their own unit; else that of the
+/// header.
 std::optional<MediaTime> duration(const MovieInput& input) {
-    const AVStream* longest = nullptr;
+    std::optional<MediaTime> last;
     for (const AVStream* stream : input.streams()) {
-        if (isCover(*stream) || !asTime(stream->duration, stream->time_base))
-            continue;
-        if (!longest || av_compare_ts(longest->duration, longest->time_base, stream->duration,
-                                      stream->time_base) < 0)
-            longest = stream;
+        const auto end = isCover(*stream) ? std::nullopt : endOf(*stream, input);
+        if (end && (!last || isEarlier(*last, *end)))
+            last = end;
     }
-    return longest ? asTime(longest->duration, longest->time_base)
-                   : asTime(input.context().duration, microsecond);
+    return last ? last : asTime(input.context().duration, microsecond);
 }
 
 /// Of the date that a container states for itself, and of any date in a container that has but one
@@ -137,7 +159,7 @@ std::vector<MediaMetadata> metadata(const AVFormatContext& input) {
 
 std::optional<MediaDescription> described(const std::string& path,
                                           const MediaReadingOptions& options) {
-    const auto input = MovieInput::open(path, options.mayDecode);
+    const auto input = MovieInput::open(path, {.mayDecode = options.mayDecode});
     if (!input)
         return std::nullopt;
     AVFormatContext& context = input->context();

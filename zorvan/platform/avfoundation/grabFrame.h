@@ -10,8 +10,8 @@ namespace zorvan::avfoundation {
 
 /// Which picture of a movie is wanted, and how large.
 struct FrameRequest {
-    /// From the start of the movie. Times before it, those behind its end, and NaN lead to its
-    /// ends.
+    /// As players count. Times before the start of the movie, those behind its end, and NaN lead to
+    /// its ends.
     double seconds = 0;
     /// The picture that is on show at that time; else the key picture at or before it, which is all
     /// that is decoded.
@@ -26,7 +26,7 @@ struct FrameRequest {
 struct GrabbedFrame {
     /// In square pixels, opaque.
     Bitmap bitmap;
-    /// When it begins, from the start of the movie.
+    /// When it begins, as players count; before 0 where the movie begins in the midst of it.
     double seconds;
 };
 

@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <memory>
 #include <new>
+#include <string>
 #include <utility>
 
 extern "C" {
@@ -48,35 +50,57 @@ AVStream* firstVideo(const MovieInput& input) {
     return found == streams.end() ? nullptr : *found;
 }
 
+/// The first video track of a movie; null, with all else, when there is none.
+struct OpenTrack {
+    std::unique_ptr<MovieInput> input;
+    AVStream* stream = nullptr;
+};
+
+OpenTrack openTrack(const std::string& path) {
+    OpenTrack track{MovieInput::open(path, {.appliesEdits = false})};
+    if (!track.input || !track.input->readPackets())
+        return {};
+    track.stream = firstVideo(*track.input);
+    for (AVStream* other : track.input->streams())
+        if (other != track.stream)
+            other->discard = AVDISCARD_ALL;
+    return track;
+}
+
 /// The pictures of a track, one after the other from where it was last sought to.
 class FrameReader {
 public:
-    FrameReader(MovieInput& input, AVStream& stream, Decoder decoder)
-        : input_(input), stream_(stream), decoder_(std::move(decoder)), packet_(av_packet_alloc()) {
+    FrameReader(std::string path, OpenTrack track, Decoder decoder)
+        : path_(std::move(path)), track_(std::move(track)), decoder_(std::move(decoder)),
+          packet_(av_packet_alloc()) {
         if (!packet_)
             throw std::bad_alloc();
-        for (AVStream* other : input.streams())
-            if (other != &stream)
-                other->discard = AVDISCARD_ALL;
     }
 
+    AVFormatContext& context() const noexcept { return track_.input->context(); }
+    AVStream& stream() const noexcept { return *track_.stream; }
+
     /// To the key picture at or before the time, where the file has an index. The start is sought
-    /// before itself, because its first picture may be stored before its time.
+    /// before itself, because its first picture may be stored before its time; some containers
+    /// refuse that. A search that fails has read on in the file, and those without an index or
+    /// times know no other: they are read from their beginning.
     void seek(double seconds) {
         avcodec_flush_buffers(decoder_.get());
         isAtEnd_ = false;
-        const double unit = positive(stream_.time_base);
-        if (!(unit > 0))
-            return;
-        const double wanted = start() + (seconds > 0 ? seconds : -1);
-        const double target = std::clamp(wanted / unit, -0x1p62, 0x1p62);
-        av_seek_frame(&input_.context(), stream_.index, static_cast<std::int64_t>(target),
-                      AVSEEK_FLAG_BACKWARD);
+        readCount_ = 0;
+        const double wanted = seconds > firstSecond() ? origin() + seconds : start() - 1;
+        if (!seekInFile(wanted) && !seekInFile(start()))
+            openAnew();
     }
+
+    /// When the movie begins, as players count: before 0 where its beginning was cut off.
+    double firstSecond() const { return start() - origin(); }
 
     bool read(AVFrame& frame) {
         for (;;) {
             const int result = avcodec_receive_frame(decoder_.get(), &frame);
+            if (result >= 0)
+                setTimeWhereNoneIs(frame);
             if (result != AVERROR(EAGAIN))
                 return result >= 0;
             if (isAtEnd_)
@@ -85,38 +109,66 @@ public:
         }
     }
 
-    /// From the start of the movie.
+    /// As players count.
     double secondsOf(const AVFrame& frame) const {
         if (frame.best_effort_timestamp == AV_NOPTS_VALUE)
             return 0;
-        return static_cast<double>(frame.best_effort_timestamp) * positive(stream_.time_base) -
-               start();
+        return static_cast<double>(frame.best_effort_timestamp) * positive(stream().time_base) -
+               origin();
     }
 
 private:
     double start() const {
-        const std::int64_t microseconds = input_.context().start_time;
+        const std::int64_t microseconds = context().start_time;
         return microseconds == AV_NOPTS_VALUE ? 0
                                               : static_cast<double>(microseconds) / AV_TIME_BASE;
     }
 
+    /// What is 0 to players.
+    double origin() const { return track_.input->countsFromZero() ? 0 : start(); }
+
+    bool seekInFile(double time) {
+        const double unit = positive(stream().time_base);
+        const double target = unit > 0 ? std::clamp(time / unit, -0x1p62, 0x1p62) : 0;
+        return av_seek_frame(&context(), stream().index, static_cast<std::int64_t>(target),
+                             AVSEEK_FLAG_BACKWARD) >= 0;
+    }
+
+    /// Streams without a container have no times: they are read from their beginning, at the rate
+    /// that they state.
+    void setTimeWhereNoneIs(AVFrame& frame) {
+        const double perSecond = positive(av_guess_frame_rate(&context(), &stream(), nullptr));
+        const double unit = positive(stream().time_base);
+        const double seconds = perSecond > 0 ? static_cast<double>(readCount_++) / perSecond : 0;
+        if (frame.best_effort_timestamp == AV_NOPTS_VALUE && unit > 0)
+            frame.best_effort_timestamp = std::llround((start() + seconds) / unit);
+    }
+
+    void openAnew() {
+        OpenTrack again = openTrack(path_);
+        isAtEnd_ = !again.stream;
+        if (again.stream)
+            track_ = std::move(again);
+    }
+
     void sendPacket() {
-        if (av_read_frame(&input_.context(), packet_.get()) < 0) {
+        if (av_read_frame(&context(), packet_.get()) < 0) {
             isAtEnd_ = true;
             avcodec_send_packet(decoder_.get(), nullptr);
             return;
         }
         // What cannot be decoded is passed over.
-        if (packet_->stream_index == stream_.index)
+        if (packet_->stream_index == stream().index)
             avcodec_send_packet(decoder_.get(), packet_.get());
         av_packet_unref(packet_.get());
     }
 
-    MovieInput& input_;
-    AVStream& stream_;
+    const std::string path_;
+    OpenTrack track_;
     Decoder decoder_;
     Packet packet_;
     bool isAtEnd_ = false;
+    std::int64_t readCount_ = 0; // pictures since it was sought
 };
 
 Decoder openDecoder(const AVStream& stream, bool isExact) {
@@ -150,7 +202,7 @@ Frame pictureBy(double seconds, FrameReader& reader, bool isExact, bool takesAny
 Frame find(double seconds, FrameReader& reader, bool isExact) {
     for (const double back : stepsBack) {
         reader.seek(seconds - back);
-        const bool isLast = !(seconds - back > 0);
+        const bool isLast = !(seconds - back > reader.firstSecond());
         Frame frame = pictureBy(seconds, reader, isExact, isLast);
         if (frame || isLast)
             return frame;
@@ -210,25 +262,23 @@ std::optional<Bitmap> pixelsOf(const AVFrame& frame, const CGSize& size) {
 }
 
 std::optional<GrabbedFrame> grabbed(const std::string& path, const FrameRequest& request) {
-    const auto input = MovieInput::open(path, true);
-    if (!input || !input->readPackets())
-        return std::nullopt;
-    AVStream* const stream = firstVideo(*input);
-    Decoder decoder = stream ? openDecoder(*stream, request.isExact) : nullptr;
+    OpenTrack track = openTrack(path);
+    Decoder decoder = track.stream ? openDecoder(*track.stream, request.isExact) : nullptr;
     if (!decoder)
         return std::nullopt;
-    FrameReader reader(*input, *stream, std::move(decoder));
+    FrameReader reader(path, std::move(track), std::move(decoder));
     const double seconds = std::isnan(request.seconds) ? 0 : std::max(request.seconds, 0.0);
     const Frame frame = find(seconds, reader, request.isExact);
     if (!frame)
         return std::nullopt;
 
-    const int orientation = request.isUpright ? orientationOf(preferredTransform(*stream)) : 1;
+    const int orientation =
+        request.isUpright ? orientationOf(preferredTransform(reader.stream())) : 1;
     const bool isOnItsSide = orientation >= 5;
     const CGSize most = isOnItsSide ? request.maximumSize.flipped() : request.maximumSize;
     // The picture's own size: a stream may change it.
     const double ratio =
-        positive(av_guess_sample_aspect_ratio(&input->context(), stream, frame.get()));
+        positive(av_guess_sample_aspect_ratio(&reader.context(), &reader.stream(), frame.get()));
     const CGSize size(std::round(frame->width * (ratio > 0 ? ratio : 1)), frame->height);
     const bool isPicture = size.width >= 1 && size.height >= 1 &&
                            size.area() <= static_cast<double>(maximumPixelCount);

@@ -64,6 +64,7 @@ struct GradientPaint {
 struct PatternPaint {
     std::shared_ptr<const Bitmap> cell; ///< In the layout `rgba`.
     CGAffineTransform toTarget;         ///< From the pixels of the cell, y downward, to the target.
+    double alpha = 1;                   ///< Multiplies that of the cell.
 };
 
 /// What an area is painted with.

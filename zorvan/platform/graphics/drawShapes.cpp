@@ -106,8 +106,8 @@ void withSource(const CairoTile& tile, const Paint& paint, double alpha, Draw dr
         cairo_set_source(tile.cairo, pattern.get());
         draw();
     } else {
-        const PatternSource source =
-            patternSource(std::get<PatternPaint>(paint), alpha, tile.order);
+        const auto& pattern = std::get<PatternPaint>(paint);
+        const PatternSource source = patternSource(pattern, pattern.alpha * alpha, tile.order);
         cairo_set_source(tile.cairo, source.pattern.get());
         draw();
         cairo_set_source_rgba(tile.cairo, 0, 0, 0, 0);

@@ -19,9 +19,15 @@ class FileBytes;
 /// A movie or sound file that FFmpeg has opened, and no other file with it.
 class MovieInput {
 public:
-    /// Empty when it is no regular file, or none of a known container. Without `mayDecode` nothing
-    /// is decoded to find out more about the tracks.
-    static std::unique_ptr<MovieInput> open(const std::string& path, bool mayDecode);
+    struct Reading {
+        /// Whether pictures may be decoded to find out more about the tracks.
+        bool mayDecode = true;
+        /// Whether what the edits of an MP4 or QuickTime file leave out is passed over; else it is
+        /// read, as libmpv does, with times before 0 or behind the end.
+        bool appliesEdits = true;
+    };
+    /// Empty when it is no regular file, or none of a known container.
+    static std::unique_ptr<MovieInput> open(const std::string& path, const Reading& reading);
     MovieInput() noexcept;
     ~MovieInput();
 
@@ -29,6 +35,9 @@ public:
     std::span<AVStream* const> streams() const noexcept {
         return {context_->streams, context_->nb_streams};
     }
+    /// Whether players count time as the file does. Elsewhere the first time in the file is 0 to
+    /// them.
+    bool countsFromZero() const noexcept;
     /// Reads packets where the header left something out; false when they cannot be read.
     bool readPackets() const noexcept {
         return avformat_find_stream_info(context_.get(), nullptr) >= 0;
