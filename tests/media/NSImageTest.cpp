@@ -1,6 +1,7 @@
 #include "TestImages.h"
 #include <tests/Testing.h>
 #include <tests/Variable.h>
+#include <tests/bytesOf.h>
 #include <tests/files/TemporaryFolder.h>
 
 #include <zorvan/media/CGContext.h>
@@ -122,6 +123,32 @@ TEST(NSImage, DrawsPartsUprightAndFaded) {
         EXPECT_EQ(pixelAt(*drawn(CGRect(0, 0, 8, 8), {.fraction = 0.5}), 4, 1) >> 24, 0x80u);
         const auto mirrored = drawn(CGRect(0, 0, 8, 8), {.respectFlipped = false});
         EXPECT_EQ(pixelAt(*mirrored, 4, 1), isFlipped ? green : red);
+    }
+}
+
+TEST(NSImage, DrawsNothingAroundAPartAndPartsOfShapesHoweverEnlarged) {
+    const auto halves = CGImage::draw(4, 4, [](CGContext& c) {
+                            c.draw(*plain(1, 1, green), CGRect(0, 0, 4, 2));
+                            c.draw(*plain(1, 1, red), CGRect(0, 2, 4, 2));
+                        })->nsImage();
+    const auto svg = bytesOf("<svg xmlns='http://www.w3.org/2000/svg' width='4' height='4'>"
+                             "<rect width='4' height='2' fill='#f00'/>"
+                             "<rect y='2' width='4' height='2' fill='#0f0'/></svg>");
+    const auto drawing = NSImage::create(CGSize(4, 4), true, [](const CGRect&) {
+        fill(CGRect(0, 0, 4, 2), NSColor::red);
+        fill(CGRect(0, 2, 4, 2), NSColor::green);
+    });
+    for (const bool isFlipped : {false, true}) {
+        const auto enlarged = drawnIn(32, 32, isFlipped, [&] {
+            halves->draw(CGRect(0, 0, 32, 32), {.from = CGRect(0, 0, 4, 2)});
+        });
+        expectPixels(*enlarged, [](auto, auto) { return green; });
+        for (const auto& image : {NSImage::create(svg), drawing}) {
+            const auto edge = drawnIn(32, 32, isFlipped, [&] {
+                image->draw(CGRect(0, 0, 32, 32), {.from = CGRect(1.9995, 1.9995, 0.001, 0.001)});
+            });
+            expectPixels(*edge, [](auto, auto y) { return y < 16 ? red : green; });
+        }
     }
 }
 

@@ -149,7 +149,8 @@ public:
 
 private:
     CGImage::Pointer imageFor(CGSize pixels) const;
-    CGImage::Pointer drawn(CGSize pixels) const;
+    CGImage::Pointer drawn(CGSize pixels, const CGRect& part) const;
+    void drawShown(const CGRect& whole, const CGRect& from, CGContext& context) const;
 
     CGSize size_;
     std::vector<Representation> representations_;

@@ -104,6 +104,12 @@ std::shared_ptr<const VectorPicture> VectorPicture::create(const std::string& pa
 bool VectorPicture::isSupported() { return Rsvg::shared() != nullptr; }
 
 std::optional<Bitmap> VectorPicture::drawn(std::int64_t width, std::int64_t height) const {
+    return drawn(CGSize(static_cast<double>(width), static_cast<double>(height)),
+                 {0, 0, width, height});
+}
+
+std::optional<Bitmap> VectorPicture::drawn(CGSize size, const PixelRect& part) const {
+    const std::int64_t width = part.width, height = part.height;
     constexpr std::int64_t maximumSide = 32000; // of a surface of Cairo's
     if (width > maximumSide || height > maximumSide)
         return std::nullopt;
@@ -117,7 +123,8 @@ std::optional<Bitmap> VectorPicture::drawn(std::int64_t width, std::int64_t heig
         rsvg.destroySurface);
     const std::unique_ptr<cairo_t, decltype(rsvg.destroyContext)> cairo(
         rsvg.createContext(surface.get()), rsvg.destroyContext);
-    const RsvgRectangle all{0, 0, static_cast<double>(width), static_cast<double>(height)};
+    const RsvgRectangle all{-static_cast<double>(part.x), -static_cast<double>(part.y), size.width,
+                            size.height};
     auto* const handle = static_cast<RsvgHandle*>(handle_.get());
     gboolean isDrawn = FALSE;
     const auto render = [&] { isDrawn = rsvg.render(handle, cairo.get(), &all, nullptr); };

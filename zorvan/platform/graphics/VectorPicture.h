@@ -2,6 +2,7 @@
 
 #include <zorvan/numbers-geometry/CGSize.h>
 #include <zorvan/platform/graphics/Bitmap.h>
+#include <zorvan/platform/graphics/ExactTransforms.h>
 
 #include <cstdint>
 #include <memory>
@@ -37,7 +38,11 @@ public:
     /// Fitted into the bitmap, centred, on a transparent ground. Absent when the bitmap cannot be
     /// made or the picture cannot be drawn; with librsvg 2.60 and later also when it takes two
     /// seconds of a processor and two more for every million pixels and bytes.
+    /// @{
     std::optional<Bitmap> drawn(std::int64_t width, std::int64_t height) const;
+    /// Only the pixels in `part`, of the whole ones that it would have in a bitmap of that size.
+    std::optional<Bitmap> drawn(CGSize size, const PixelRect& part) const;
+    /// @}
 
 private:
     VectorPicture(std::shared_ptr<void> handle, CGSize size, std::size_t byteCount,
