@@ -5,6 +5,19 @@
 
 namespace {
 
+void strokeLine(CGContext& context, CGPoint from, CGPoint to) {
+    context.moveTo(from.x, from.y);
+    context.addLineTo(to.x, to.y);
+    context.strokePath();
+}
+
+void addTriangle(CGContext& context, double side) {
+    context.moveTo(10, 5);
+    context.addLineTo(10 + side, 5);
+    context.addLineTo(10 + side, 5 + side / 2);
+    context.closePath();
+}
+
 TEST(CGContext, IsLaidOutAsItsKindSays) {
     EXPECT_EQ(CGContext::rgba(5, 3)->offset(2, 1), 28);
     EXPECT_EQ(CGContext::argb(5, 3)->layout(), BitmapLayout::argb);
@@ -47,6 +60,58 @@ TEST(CGContext, TransformsHappenBeforeWhatWasThere) {
     EXPECT_THROW(context->useTemporaryGState(stop), std::runtime_error);
     context->restoreGState(); // there is nothing to restore
     EXPECT_EQ(placed(), CGPoint(12, 23));
+}
+
+TEST(CGContext, PathsThatLeadFarAwayAreDrawnAsIfTheyEndedOutside) {
+    struct {
+        const char* what;
+        void (*draw)(CGContext&, double far);
+    } const table[] = {
+        {"line",
+         [](CGContext& c, double far) {
+             strokeLine(c, {-far, -far / 10}, {far, far / 10});
+         }},
+        {"steep line",
+         [](CGContext& c, double far) {
+             strokeLine(c, {50, 50}, {50 + far / 9, 50 + far});
+         }},
+        {"corner",
+         [](CGContext& c, double far) {
+             c.setLineWidth(20);
+             c.stroke(CGRect(30, 30, far, far));
+         }},
+        {"dashes",
+         [](CGContext& c, double far) {
+             c.setLineDash(3, {7, 5, 2});
+             strokeLine(c, {100, 80}, {28 * far, 80});
+             strokeLine(c, {100 - 28 * far, 20}, {28 * far, 20});
+         }},
+        {"triangle", [](CGContext& c, double far) { addTriangle(c, far), c.fillPath(); }},
+        {"odd triangles",
+         [](CGContext& c, double far) {
+             addTriangle(c, far), addTriangle(c, far / 2), c.addRect(CGRect(0, 0, 60, 60));
+             c.fillPath(CGPathFillRule::evenOdd);
+         }},
+        {"clip",
+         [](CGContext& c, double far) {
+             addTriangle(c, far), c.clip();
+             c.fill(CGRect(0, 0, 200, 200));
+         }},
+    };
+    for (const auto& [what, draw] : table)
+        for (const double far : {3e5, 2e7, 1e9}) {
+            const auto drawn = [&, d = draw](double end) {
+                return CGImage::draw(200, 200, [&](CGContext& c) { d(c, end); });
+            };
+            const auto expected = drawn(1000), found = drawn(far);
+            EXPECT_GT(meanDifference(*expected, *plain(200, 200, 0)), 0.2) << what;
+            EXPECT_LT(meanDifference(*expected, *found), 0.02) << what << far;
+        }
+    // A circle so large that it is straight.
+    const auto half = CGImage::draw(200, 200, [](CGContext& c) {
+        c.fillEllipse(CGRect({.center = {100, 100 - 1e9}, .square = 2e9}));
+    });
+    expectPixels(*half, [](auto, auto y) { return y < 100 ? 0 : 0xFF000000u; });
 }
 
 TEST(CGContext, APatternFadesAsAWhole) {

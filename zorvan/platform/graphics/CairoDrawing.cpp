@@ -1,5 +1,7 @@
 #include <zorvan/platform/graphics/internal/CairoDrawing.h>
 
+#include <zorvan/platform/graphics/internal/nearPath.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -12,7 +14,8 @@ namespace {
 
 /// Of a surface of Cairo's, rounded down.
 constexpr std::int64_t maximumSide = 32000;
-/// Cairo counts positions in 1/256 pixels with 32 bits.
+/// Cairo counts positions in 1/256 pixels with 32 bits. Paths are cut near the tile, but no nearer
+/// than the pen reaches.
 constexpr double farthest = 4e6;
 
 CGPoint held(CGPoint p) noexcept {
@@ -82,9 +85,9 @@ private:
     bool isNeeded_;
 };
 
-void applyClip(cairo_t* cairo, const std::shared_ptr<const DrawingClip>& clip) {
+void applyClip(cairo_t* cairo, const std::shared_ptr<const DrawingClip>& clip, const CGRect& tile) {
     for (const DrawingClip* node = clip.get(); node; node = node->outer.get()) {
-        appendPath(cairo, node->path);
+        appendArea(cairo, node->path, tile);
         cairo_set_fill_rule(cairo, node->rule == CGPathFillRule::evenOdd ? CAIRO_FILL_RULE_EVEN_ODD
                                                                          : CAIRO_FILL_RULE_WINDING);
         cairo_clip(cairo);
@@ -133,7 +136,7 @@ void drawTile(const DrawingTarget& tile, const DrawingStyle& style, ChannelOrder
     const Cairo cairo(cairo_create(surface.get()));
     cairo_set_antialias(cairo.get(),
                         style.isAntialiased ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
-    applyClip(cairo.get(), style.clip);
+    applyClip(cairo.get(), style.clip, rectOf(tile));
     cairo_set_operator(cairo.get(), cairoOperator(style.operation));
     draw({cairo.get(), order, rectOf(tile)});
     checkStatus(cairo.get());
@@ -153,6 +156,10 @@ void appendPath(cairo_t* cairo, const CGPath& path) {
         else
             cairo_close_path(cairo);
     }
+}
+
+void appendArea(cairo_t* cairo, const CGPath& path, const CGRect& tile) {
+    goesFar(path, tile) ? appendPath(cairo, nearArea(path, tile)) : appendPath(cairo, path);
 }
 
 PaintColor ordered(PaintColor color, ChannelOrder order) noexcept {

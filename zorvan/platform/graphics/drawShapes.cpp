@@ -4,9 +4,11 @@
 #include <zorvan/platform/graphics/internal/CairoDrawing.h>
 #include <zorvan/platform/graphics/internal/PixelView.h>
 #include <zorvan/platform/graphics/internal/blendPixels.h>
+#include <zorvan/platform/graphics/internal/nearPath.h>
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <optional>
 
 namespace zorvan {
@@ -139,7 +141,7 @@ void drawBounded(const CairoTile& tile, const Paint& paint, const DrawingStyle& 
     cairo_surface_flush(surface.get());
     cairo_set_source_surface(tile.cairo, surface.get(), 0, 0);
     cairo_set_operator(tile.cairo, CAIRO_OPERATOR_SOURCE);
-    shape(tile.cairo);
+    shape(tile);
     cairo_set_source_rgba(tile.cairo, 0, 0, 0, 0);
 }
 
@@ -152,8 +154,7 @@ void drawBlended(const CairoTile& tile, const Paint& paint, const DrawingStyle& 
     over.operation = Operation::sourceOver;
     // The layer is read in the order of the tile, so its own pixels are not turned around.
     drawTile(targetOn(layer, tile.rect), over, ChannelOrder::swapped, [&](const CairoTile& part) {
-        withSource({part.cairo, tile.order, part.rect}, paint, style.alpha,
-                   [&] { shape(part.cairo); });
+        withSource({part.cairo, tile.order, part.rect}, paint, style.alpha, [&] { shape(part); });
     });
     cairo_surface_t* const surface = cairo_get_target(tile.cairo);
     cairo_surface_flush(surface);
@@ -177,7 +178,7 @@ void drawShape(const DrawingTarget& target, const CGRect& extents, const Paint& 
         else if (reachesBeyondSource(style.operation))
             drawBounded(tile, paint, style, shape);
         else
-            withSource(tile, paint, style.alpha, [&] { shape(tile.cairo); });
+            withSource(tile, paint, style.alpha, [&] { shape(tile); });
     };
     const ChannelOrder order = preferredOrder(target.layout);
     for (const DrawingTarget& tile : tilesOf(target, extents, style))
@@ -223,6 +224,15 @@ void setPen(cairo_t* cairo, const StrokeStyle& stroke) {
                        std::isfinite(stroke.dashPhase) ? stroke.dashPhase : 0);
 }
 
+DashMeasure dashMeasure(const StrokeStyle& stroke) noexcept {
+    if (!isDash(stroke))
+        return {};
+    const double sum = std::accumulate(stroke.dash.begin(), stroke.dash.end(), 0.0);
+    const bool isOdd = stroke.dash.size() % 2 != 0; // gaps and dashes then change places
+    return {isOdd ? 2 * sum : sum,
+            stroke.lineWidth > 0 ? stroke.toTarget.inverted() : CGAffineTransform()};
+}
+
 /// How far from its path a line may reach, in target coordinates.
 double reachOf(const StrokeStyle& stroke) noexcept {
     const CGAffineTransform& t = stroke.toTarget;
@@ -250,11 +260,11 @@ CGPath paintedArea(const CGRect& source, const CGAffineTransform& t) {
 
 extern "C" void zorvanFillPath(const DrawingTarget& target, const CGPath& path, CGPathFillRule rule,
                                const Paint& paint, const DrawingStyle& style) {
-    drawShape(target, path.controlPointBoundingBox(), paint, style, [&](cairo_t* cairo) {
-        appendPath(cairo, path);
-        cairo_set_fill_rule(cairo, rule == CGPathFillRule::evenOdd ? CAIRO_FILL_RULE_EVEN_ODD
-                                                                   : CAIRO_FILL_RULE_WINDING);
-        cairo_fill(cairo);
+    drawShape(target, path.controlPointBoundingBox(), paint, style, [&](const CairoTile& tile) {
+        appendArea(tile.cairo, path, tile.rect);
+        cairo_set_fill_rule(tile.cairo, rule == CGPathFillRule::evenOdd ? CAIRO_FILL_RULE_EVEN_ODD
+                                                                        : CAIRO_FILL_RULE_WINDING);
+        cairo_fill(tile.cairo);
     });
 }
 
@@ -266,12 +276,16 @@ extern "C" void zorvanStrokePath(const DrawingTarget& target, const CGPath& path
         return;
     const double reach = reachOf(stroke);
     drawShape(target, path.controlPointBoundingBox().insetBy(-reach, -reach), paint, style,
-              [&](cairo_t* cairo) {
-                  appendPath(cairo, path);
-                  cairo_save(cairo);
-                  setPen(cairo, stroke);
-                  cairo_stroke(cairo);
-                  cairo_restore(cairo);
+              [&](const CairoTile& tile) {
+                  if (goesFar(path, tile.rect))
+                      appendPath(tile.cairo, nearLines(path, tile.rect.insetBy(-reach, -reach),
+                                                       dashMeasure(stroke)));
+                  else
+                      appendPath(tile.cairo, path);
+                  cairo_save(tile.cairo);
+                  setPen(tile.cairo, stroke);
+                  cairo_stroke(tile.cairo);
+                  cairo_restore(tile.cairo);
               });
 }
 

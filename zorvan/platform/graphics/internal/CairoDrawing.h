@@ -54,6 +54,8 @@ CairoSurface surfaceOn(const DrawingTarget& target);
 void exchangeChannels(const DrawingTarget& target) noexcept;
 
 void appendPath(cairo_t* cairo, const CGPath& path);
+/// The inside of the path, as far as the tile is concerned.
+void appendArea(cairo_t* cairo, const CGPath& path, const CGRect& tile);
 /// As Cairo is told it.
 PaintColor ordered(PaintColor color, ChannelOrder order) noexcept;
 cairo_matrix_t cairoMatrix(const CGAffineTransform& t) noexcept;
