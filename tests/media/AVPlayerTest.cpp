@@ -398,6 +398,15 @@ TEST(AVPlayer, ShowsPicturesUpright) {
     EXPECT_GT(picture->row(8)[16 * 4], 200) << "the lowest bit, once at the left";
     EXPECT_LT(picture->row(100)[16 * 4], 50);
     EXPECT_EQ(picture->row(100)[16 * 4 + 3], 255);
+    // Neither narrow nor wide pixels change how many rows there are.
+    for (const auto& [ratio, width] : {std::pair("1/3", 43), {"3", 384}}) {
+        const auto other = readyPlayer(
+            testmovies::numbers("pixels" + std::to_string(width),
+                                {.count = 5, .options = std::string("-vf setsar=") + ratio}));
+        const auto shown = other->currentItem()->currentPicture();
+        EXPECT_EQ(shown->width(), width);
+        EXPECT_EQ(shown->height(), 32);
+    }
 }
 
 } // namespace

@@ -82,7 +82,7 @@ struct NoOutput final : CIFilter {
 TEST(CIImage, RunsFiltersInOrder) {
     const auto image = CIImage::create(plain(2, 2, 0xFFFFFFFF));
     const auto none = std::make_shared<NoOutput>();
-    EXPECT_EQ(image->applying({none}), image);
+    EXPECT_EQ(image->applying({none, nullptr}), image);
     const auto toRed = matrix({1, 0, 0, 0}, {}, {}), redToBlue = matrix({}, {}, {1, 0, 0, 0});
     EXPECT_EQ(pixelAt(*drawn(image->applying({toRed, none, redToBlue})), 0, 0), 0xFFFF0000);
     EXPECT_EQ(pixelAt(*drawn(image->applying({redToBlue, none, toRed})), 0, 0), 0xFF000000);

@@ -88,6 +88,8 @@ CIImage::Pointer CIImage::withColorBlending(double) const {
 CIImage::Pointer CIImage::applying(const std::vector<std::shared_ptr<CIFilter>>& filters) const {
     Pointer current = shared_from_this();
     for (const std::shared_ptr<CIFilter>& filter : filters) {
+        if (!filter)
+            continue;
         filter->setValue(current, kCIInputImageKey);
         const CIFilter::Value output = filter->value(kCIOutputImageKey);
         if (const auto* image = std::get_if<Pointer>(&output); image && *image)

@@ -61,8 +61,8 @@ public:
     /// Half as bright. The factor is not used.
     [[nodiscard]] Pointer withColorBlending(double factor) const;
 
-    /// Runs the filters in order, each on what the one before it made; a filter that makes nothing
-    /// leaves the picture as it is. Without filters this very picture.
+    /// Runs the filters in order, each on what the one before it made; a filter that makes nothing,
+    /// and none at all, leave the picture as it is. Without filters this very picture.
     [[nodiscard]] Pointer applying(const std::vector<std::shared_ptr<CIFilter>>& filters) const;
 
     /// Through `autoAdjustmentFilters`.

@@ -21,6 +21,7 @@ PropertyList::Dictionary cameraProperties() {
         {"ExposureBiasValue", -1.0 / 3},
         {"Flash", 16},
         {"FocalLength", 35.5},
+        {"SubjectDistance", std::numeric_limits<double>::infinity()},
         {"UserComment", "by the lake"},
         {"SceneType", 1},
         {"FocalLengthIn35mmFilm", 53},
@@ -73,7 +74,8 @@ TEST(Metadata, ValuesOfAnotherKindThanTheirFieldsAreLeftOut) {
     const double infinity = std::numeric_limits<double>::infinity();
     const PropertyList::Dictionary exif = {{"ExposureTime", "short"},
                                            {"FNumber", -1.0},
-                                           {"SubjectDistance", infinity},
+                                           {"SubjectDistance", -infinity},
+                                           {"ApertureValue", infinity},
                                            {"ExposureBiasValue", std::nan("")},
                                            {"Flash", 65'536},
                                            {"MeteringMode", -1},
@@ -140,6 +142,23 @@ TEST(Metadata, NumbersOfEverySizeAndSignAreReadOneAfterAnother) {
             EXPECT_EQ(read.at("{Exif}"), PropertyList(PropertyList::Dictionary{
                                              {"SubjectArea", PropertyList::Array{-2, 3, -100}}}))
                 << type;
+        }
+}
+
+TEST(Metadata, CommentsInUTF16AreReadInEitherByteOrder) {
+    for (const bool bigEndian : {false, true})
+        for (const bool hasMark : {false, true}) {
+            TiffEntry entry = {0x9286, TiffEntry::undefined, 0,
+                               bytesOf(std::string_view("UNICODE\0", 8))};
+            const bool isOther = hasMark && !bigEndian; // a mark goes before the block's order
+            for (const int unit : {0xFEFF, 0x68, 0xF6, 0xD83C, 0xDF0A, 0})
+                if (unit != 0xFEFF || hasMark)
+                    appendNumber(entry.value, static_cast<std::uint64_t>(unit), 2,
+                                 bigEndian != isOther);
+            entry.count = static_cast<std::uint32_t>(entry.value.size());
+            PropertyList::Dictionary read;
+            addExifProperties(exifBlockOf({}, {&entry, 1}, {}, bigEndian), read);
+            EXPECT_EQ(text(read, "{Exif}", "UserComment"), "hö\U0001F30A") << bigEndian << hasMark;
         }
 }
 

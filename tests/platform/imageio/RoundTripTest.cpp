@@ -27,6 +27,14 @@ TEST(RoundTrip, EveryFormatGivesThePictureBackWithTheAlphaItHas) {
               (Pixel{255, 255, 255, 255}));
 }
 
+TEST(RoundTrip, WhatIsTooLongToBeReadIsNotWritten) {
+    for (const FileFormat format : {FileFormat::png, FileFormat::tiff}) {
+        const Bitmap tooLong = Bitmap::make(1, 1'000'001).value();
+        const Frame frame{&tooLong};
+        EXPECT_FALSE(encode(format, {&frame, 1}));
+    }
+}
+
 TEST(RoundTrip, BothLayoutsAreWrittenAlike) {
     const Bitmap rgba = pattern(20, 10, true), argb = copied(rgba, BitmapLayout::argb).value();
     for (const FileFormat format : formats)

@@ -18,7 +18,7 @@ using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
 constexpr std::uint64_t loadId = 1, timeId = 2, endId = 3, widthId = 4, heightId = 5, turnId = 6,
-                        formatId = 7;
+                        formatId = 7, rowsId = 8;
 
 /// How often a seek or step under way is looked after when no event comes.
 constexpr auto checkInterval = 20ms;
@@ -109,6 +109,7 @@ private:
     std::unique_ptr<MpvCore> core_;
     std::unique_ptr<OperationRunner> runner_;
     std::int64_t width_ = 0, height_ = 0;
+    std::int64_t rows_ = 0; // as stored; libmpv stretches narrow pixels to more
     std::int64_t turn_ = 0; // clockwise, in degrees, of what is drawn
     bool isAtEnd_ = false;
 
@@ -131,6 +132,7 @@ MpvPlayer::MpvPlayer(const std::string& path, double frameDuration,
     core_->observe(endId, "eof-reached", MPV_FORMAT_FLAG);
     core_->observe(widthId, "video-out-params/dw", MPV_FORMAT_INT64);
     core_->observe(heightId, "video-out-params/dh", MPV_FORMAT_INT64);
+    core_->observe(rowsId, "video-out-params/h", MPV_FORMAT_INT64);
     core_->observe(turnId, "current-tracks/video/demux-rotation", MPV_FORMAT_INT64);
     core_->observe(formatId, "file-format", MPV_FORMAT_STRING);
     runner_ = std::make_unique<OperationRunner>(*core_, frameDuration);
@@ -304,6 +306,9 @@ void MpvPlayer::handleChange(const mpv_event& event) {
     case heightId:
         height_ = *static_cast<const std::int64_t*>(property.data);
         break;
+    case rowsId:
+        rows_ = *static_cast<const std::int64_t*>(property.data);
+        break;
     case turnId:
         turn_ = *static_cast<const std::int64_t*>(property.data);
         break;
@@ -396,7 +401,9 @@ void MpvPlayer::endPlaying() {
 void MpvPlayer::drawIfAsked() {
     if (!locked(isPictureAsked_))
         return;
-    auto bitmap = width_ > 0 && height_ > 0 ? core_->draw(width_, height_) : std::nullopt;
+    const std::int64_t height = rows_ > 0 ? std::min(rows_, height_) : height_;
+    const std::int64_t width = height_ > 0 ? (width_ * height + height_ / 2) / height_ : 0;
+    auto bitmap = width > 0 && height > 0 ? core_->draw(width, height) : std::nullopt;
     if (bitmap && turn_ != 0)
         bitmap = oriented(*bitmap, orientationOfTurn(turn_));
     const Lock lock(mutex_);

@@ -1,6 +1,7 @@
 #include <zorvan/platform/imageio/internal/ExifBlock.h>
 
 #include <zorvan/platform/foundation/internal/Release.h>
+#include <zorvan/platform/foundation/internal/UTF16.h>
 #include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/foundation/internal/valueUnder.h>
 
@@ -10,7 +11,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <limits>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -48,6 +51,7 @@ public:
     }
 
     std::size_t count() const { return count_; }
+    ExifByteOrder order() const { return order_; }
 
     bool isReal() const {
         return entry_.format == EXIF_FORMAT_RATIONAL || entry_.format == EXIF_FORMAT_SRATIONAL;
@@ -127,14 +131,39 @@ std::optional<PropertyList> versionFrom(std::string_view digits) {
     return PropertyList(std::move(result));
 }
 
-std::optional<PropertyList> commentFrom(std::string_view bytes) {
+/// In the byte order of the block, unless it begins with a mark of its own.
+std::string fromUTF16(Bytes bytes, bool isBigEndian) {
+    const std::uint16_t mark = big16(bytes, 0);
+    const bool hasMark = mark == 0xFEFF || mark == 0xFFFE;
+    const Bytes units = bytes.subspan(hasMark ? 2 : 0);
+    return internal::utf8FromUTF16(units.size() / 2, [&](std::size_t i) {
+        return static_cast<char32_t>(
+            numberAt(units, 2 * i, 2, hasMark ? mark == 0xFEFF : isBigEndian));
+    });
+}
+
+std::optional<PropertyList> commentFrom(std::string_view bytes, ExifByteOrder order) {
     constexpr std::size_t codeLength = 8;
     const std::string_view code = bytes.substr(0, codeLength);
-    const bool plain = code.starts_with("ASCII") || code == std::string_view("\0\0\0\0\0\0\0\0", 8);
-    if (bytes.size() <= codeLength || !plain)
+    const bool isPlain =
+        code.starts_with("ASCII") || code == std::string_view("\0\0\0\0\0\0\0\0", 8);
+    const bool isUTF16 = code.starts_with("UNICODE");
+    if (bytes.size() <= codeLength || !(isPlain || isUTF16))
         return std::nullopt;
-    std::string text = textFrom(bytes.substr(codeLength));
+    const std::string_view rest = bytes.substr(codeLength);
+    std::string text = textFrom(
+        isUTF16 ? fromUTF16(std::as_bytes(std::span(rest)), order == EXIF_BYTE_ORDER_MOTOROLA)
+                : rest);
     return text.empty() ? std::nullopt : std::optional<PropertyList>(std::move(text));
+}
+
+/// Farther than any other number stands for infinity.
+double distanceFrom(const ExifEntry& entry, ExifByteOrder order) {
+    const ExifRational value = exif_get_rational(entry.data, order);
+    const bool isInfinite = value.numerator == std::numeric_limits<std::uint32_t>::max() ||
+                            (value.numerator > 0 && value.denominator == 0);
+    return isInfinite ? std::numeric_limits<double>::infinity()
+                      : ratio(value.numerator, value.denominator);
 }
 
 std::optional<PropertyList> exifValue(const ExifEntry& entry, const EntryReader& reader) {
@@ -146,7 +175,11 @@ std::optional<PropertyList> exifValue(const ExifEntry& entry, const EntryReader&
     case EXIF_TAG_FLASH_PIX_VERSION:
         return versionFrom(reader.bytes());
     case EXIF_TAG_USER_COMMENT:
-        return commentFrom(reader.bytes());
+        return commentFrom(reader.bytes(), reader.order());
+    case EXIF_TAG_SUBJECT_DISTANCE:
+        return reader.count() == 1 && entry.format == EXIF_FORMAT_RATIONAL
+                   ? PropertyList(distanceFrom(entry, reader.order()))
+                   : reader.value();
     case EXIF_TAG_ISO_SPEED_RATINGS: {
         PropertyList::Array ratings;
         for (std::size_t i = 0; i < reader.count(); ++i)

@@ -2,6 +2,7 @@
 
 #include <zorvan/platform/foundation/internal/functionBeside.h>
 #include <zorvan/platform/graphics/ExactTransforms.h>
+#include <zorvan/platform/imageio/internal/FormatReader.h>
 #include <zorvan/platform/imageio/internal/FrameWriter.h>
 #include <zorvan/platform/imageio/internal/loadedPictures.h>
 
@@ -53,6 +54,12 @@ std::optional<Data> dispatched(FileFormat format, std::span<const Frame> frames)
     }
 }
 
+/// What would not be read is not written.
+bool isWritable(const Frame& frame) {
+    return frame.bitmap && frame.bitmap->width() <= maximumSide &&
+           frame.bitmap->height() <= maximumSide;
+}
+
 bool isArgb(const Frame& frame) { return frame.bitmap->layout() == BitmapLayout::argb; }
 
 std::optional<Data> encodedInRgba(FileFormat format, std::span<const Frame> frames) {
@@ -78,7 +85,7 @@ bool canEncode(FileFormat format) {
 
 std::optional<Data> encode(FileFormat format, std::span<const Frame> frames) {
     const bool isOneTooMany = frames.size() > 1 && format != FileFormat::tiff;
-    if (frames.empty() || isOneTooMany || !std::ranges::all_of(frames, &Frame::bitmap))
+    if (frames.empty() || isOneTooMany || !std::ranges::all_of(frames, isWritable))
         return std::nullopt;
     try {
         return encodedInRgba(format, frames);

@@ -28,6 +28,7 @@ enum class Kind {
     shortNumber,
     longNumber,
     ratio,
+    distance,
     signedRatio,
     undefined,
     version,
@@ -38,9 +39,9 @@ enum class Kind {
 
 TiffEntry::Type typeOf(Kind kind) {
     constexpr std::array types = {
-        TiffEntry::ascii,     TiffEntry::byte,        TiffEntry::shortNumber, TiffEntry::longNumber,
-        TiffEntry::ratio,     TiffEntry::signedRatio, TiffEntry::undefined,   TiffEntry::undefined,
-        TiffEntry::undefined, TiffEntry::ratio,       TiffEntry::ratio};
+        TiffEntry::ascii,     TiffEntry::byte,      TiffEntry::shortNumber, TiffEntry::longNumber,
+        TiffEntry::ratio,     TiffEntry::ratio,     TiffEntry::signedRatio, TiffEntry::undefined,
+        TiffEntry::undefined, TiffEntry::undefined, TiffEntry::ratio,       TiffEntry::ratio};
     return types[static_cast<std::size_t>(kind)];
 }
 
@@ -77,7 +78,7 @@ constexpr std::array exifFields = {
     Field{0x9203, "BrightnessValue", Kind::signedRatio},
     Field{0x9204, "ExposureBiasValue", Kind::signedRatio},
     Field{0x9205, "MaxApertureValue", Kind::ratio},
-    Field{0x9206, "SubjectDistance", Kind::ratio},
+    Field{0x9206, "SubjectDistance", Kind::distance},
     Field{0x9207, "MeteringMode", Kind::shortNumber},
     Field{0x9208, "LightSource", Kind::shortNumber},
     Field{0x9209, "Flash", Kind::shortNumber},
@@ -284,6 +285,15 @@ bool appendList(TiffEntry::Type type, Data& out, const std::vector<double>& numb
     });
 }
 
+/// The largest number stands for infinity.
+bool appendDistance(Data& out, const std::vector<double>& numbers) {
+    if (numbers.size() != 1 || !(numbers[0] > 0) || !std::isinf(numbers[0]))
+        return appendList(TiffEntry::ratio, out, numbers);
+    append(out, std::numeric_limits<std::uint32_t>::max(), 4);
+    append(out, 1, 4);
+    return true;
+}
+
 /// False when the field cannot hold the value.
 bool appendValue(Kind kind, Data& out, const PropertyList& value, std::size_t maximumLength) {
     const std::string* text = value.as<std::string>();
@@ -298,6 +308,8 @@ bool appendValue(Kind kind, Data& out, const PropertyList& value, std::size_t ma
         return appendVersion(out, numbersOf(value));
     case Kind::degrees:
         return appendDegrees(out, numbersOf(value));
+    case Kind::distance:
+        return appendDistance(out, numbersOf(value));
     default:
         return appendList(typeOf(kind), out, numbersOf(value));
     }

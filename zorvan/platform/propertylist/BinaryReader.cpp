@@ -186,21 +186,9 @@ private:
 
     std::string utf16(Head& head) {
         const Bytes raw = text(head, 2);
-        const auto unit = [&](std::size_t at) {
-            return static_cast<char32_t>(number(raw.subspan(at, 2)));
-        };
-        std::string characters;
-        for (std::size_t i = 0; i < raw.size(); i += 2) {
-            char32_t scalar = unit(i);
-            const bool high = (scalar & 0xFC00) == 0xD800;
-            if (high && i + 2 < raw.size() && (unit(i + 2) & 0xFC00) == 0xDC00) {
-                scalar = 0x10000 + ((scalar & 0x3FF) << 10) + (unit(i + 2) & 0x3FF);
-                i += 2;
-            }
-            appendUTF8(characters,
-                       (scalar & 0xF800) == 0xD800 && scalar < 0x10000 ? 0xFFFD : scalar);
-        }
-        return characters;
+        return internal::utf8FromUTF16(raw.size() / 2, [&](std::size_t i) {
+            return static_cast<char32_t>(number(raw.subspan(2 * i, 2)));
+        });
     }
 
     PropertyList identifier(const Head& head) const {

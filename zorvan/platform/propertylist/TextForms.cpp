@@ -78,17 +78,6 @@ std::optional<char32_t> UTF8Reader::next() {
     return scalar;
 }
 
-void appendUTF8(std::string& text, char32_t scalar) {
-    if (scalar < 0x80) {
-        text += static_cast<char>(scalar);
-        return;
-    }
-    int left = scalar < 0x800 ? 1 : scalar < 0x10000 ? 2 : 3; // of six bits each
-    text += static_cast<char>((0xFF00u >> (left + 1) & 0xFF) | scalar >> (6 * left));
-    while (left-- > 0)
-        text += static_cast<char>(0x80 | (scalar >> (6 * left) & 0x3F));
-}
-
 std::optional<Date> decodeDate(std::string_view text) {
     const bool beforeChrist = text.starts_with('-');
     if (beforeChrist)

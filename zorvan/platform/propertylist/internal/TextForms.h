@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zorvan/platform/foundation/NSNumber.h>
+#include <zorvan/platform/foundation/internal/UTF16.h>
 #include <zorvan/platform/foundation/internal/UTF8.h>
 #include <zorvan/platform/foundation/internal/base64.h>
 
@@ -26,8 +27,8 @@ private:
     std::size_t position_ = 0;
 };
 
+using internal::appendUTF8;
 using internal::isUTF8;
-void appendUTF8(std::string& text, char32_t scalar);
 
 using internal::decodeBase64;
 using internal::encodeBase64;
