@@ -124,7 +124,7 @@ void AVPlayer::replaceCurrentItem(std::shared_ptr<AVPlayerItem> item) {
 float AVPlayer::rate() const {
     if (!item_)
         return rate_;
-    if (item_->status() == AVPlayerItem::Status::failed)
+    if (!item_->player_ || item_->status() == AVPlayerItem::Status::failed)
         return 0;
     return std::isnan(rate_) ? rate_ : static_cast<float>(item_->player_->rate());
 }

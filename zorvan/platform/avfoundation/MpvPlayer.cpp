@@ -425,6 +425,7 @@ void MpvPlayer::fail() noexcept {
         changed_.notify_all();
     }
     runner_->abort();
+    core_->setFlag("pause", true); // or it would be heard on
     if (const auto listener = listener_.lock())
         listener->statusDidChange(Status::failed);
 }

@@ -129,9 +129,12 @@ private:
 
     bool seekInFile(double time) {
         const double unit = positive(stream().time_base);
-        const double target = unit > 0 ? std::clamp(time / unit, -0x1p62, 0x1p62) : 0;
-        return av_seek_frame(&context(), stream().index, static_cast<std::int64_t>(target),
+        return av_seek_frame(&context(), stream().index, unit > 0 ? held(time / unit) : 0,
                              AVSEEK_FLAG_BACKWARD) >= 0;
+    }
+
+    static std::int64_t held(double units) noexcept {
+        return static_cast<std::int64_t>(std::clamp(units, -0x1p62, 0x1p62));
     }
 
     /// Streams without a container have no times: they are read from their beginning, at the rate
@@ -141,7 +144,7 @@ private:
         const double unit = positive(stream().time_base);
         const double seconds = perSecond > 0 ? static_cast<double>(readCount_++) / perSecond : 0;
         if (frame.best_effort_timestamp == AV_NOPTS_VALUE && unit > 0)
-            frame.best_effort_timestamp = std::llround((start() + seconds) / unit);
+            frame.best_effort_timestamp = held(std::round((start() + seconds) / unit));
     }
 
     void openAnew() {
