@@ -116,13 +116,13 @@ TEST(AVPlayer, AccurateSeeksKeepToPicturesOfUnequalLength) {
 TEST(AVPlayer, AgreesWithTheGeneratorOnTimesAndReachesTheEnd) {
     struct {
         std::string container, options;
-        int first, last;
+        std::vector<int> firsts;
         double duration;
-    } const table[] = {{"mp4", "-itsoffset 3", 0, 49, 5},
-                       {"mkv", "-itsoffset 3", 0, 49, 5},
-                       {"ts", "-itsoffset 3", 0, 49, 2}, // the file's first time is 0
-                       {"mov", "-ss 0.7", 17, 49, 1.3}};
-    for (const auto& [container, options, first, last, duration] : table) {
+    } const table[] = {{"mp4", "-itsoffset 3", {0}, 5},
+                       {"mkv", "-itsoffset 3", {0}, 5},
+                       {"ts", "-itsoffset 3", {0}, 2},     // the file's first time is 0
+                       {"mov", "-ss 0.7", {17, 18}, 1.3}}; // cut within 17, as libmpv sees it
+    for (const auto& [container, options, firsts, duration] : table) {
         const URL whole = testmovies::numbers("whole", {.container = "mp4", .count = 50});
         const URL movie =
             testmovies::make("moved." + container, options + " -i " + whole.path() +
@@ -137,8 +137,10 @@ TEST(AVPlayer, AgreesWithTheGeneratorOnTimesAndReachesTheEnd) {
             const int number = shownNumber(*player);
             const auto image = generator.copyCGImage(CMTime({.seconds = seconds})).image;
             EXPECT_EQ(testmovies::numberOf(image->bitmap()), number) << container << seconds;
-            if (seconds == 0 || seconds == 100) {
-                EXPECT_EQ(number, seconds == 0 ? first : last) << container;
+            if (seconds == 0) {
+                EXPECT_THAT(firsts, testing::Contains(number)) << container;
+            } else if (seconds == 100) {
+                EXPECT_EQ(number, 49) << container;
             }
         }
     }

@@ -50,6 +50,10 @@ AVStream* firstVideo(const MovieInput& input) {
     return found == streams.end() ? nullptr : *found;
 }
 
+/// As players do: libmpv 0.40, which comes with FFmpeg 7, begins where the edits of a track say;
+/// 0.35, with FFmpeg 5, reads past them.
+constexpr bool playersApplyEdits = LIBAVFORMAT_VERSION_MAJOR >= 61;
+
 /// The first video track of a movie; null, with all else, when there is none.
 struct OpenTrack {
     std::unique_ptr<MovieInput> input;
@@ -57,7 +61,7 @@ struct OpenTrack {
 };
 
 OpenTrack openTrack(const std::string& path) {
-    OpenTrack track{MovieInput::open(path, {.appliesEdits = false})};
+    OpenTrack track{MovieInput::open(path, {.appliesEdits = playersApplyEdits})};
     if (!track.input || !track.input->readPackets())
         return {};
     track.stream = firstVideo(*track.input);
