@@ -49,7 +49,6 @@ public:
         return std::unique_ptr<FileBytes>(new FileBytes(std::move(opened), status.st_size));
     }
     FileBytes(const FileBytes&) = delete;
-    ~FileBytes() = default;
 
     /// By its bytes. Null when FFmpeg knows none, and for a movie whose index would take far more
     /// memory than it has bytes.

@@ -127,7 +127,7 @@ private:
 
     std::mutex using_; // the file; before `holding_`
     std::unique_ptr<internal::SettingsFile> file_;
-    std::optional<internal::SettingsFile::Identity> known_; // the file that the memory is of
+    std::optional<internal::FileIdentity> known_; // the file that the memory is of
     pid_t process_;
     std::int64_t lastRow_ = 0;
     std::optional<Clock::time_point> lastAttempt_;

@@ -125,13 +125,9 @@ std::string setAsideIn(const Place& place) {
 
 SettingsFile::SettingsFile(const PrivateFolder& folder, const std::string& name, Access access)
     : Database(folder, name, access, longestRow), path_(folder.path(name)),
-      writable_(access == Access::readWrite) {
-    struct statx birth {};
-    if (::statx(AT_FDCWD, path_.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BTIME, &birth) == 0 &&
-        (birth.stx_mask & STATX_BTIME) != 0) {
-        bornSeconds_ = birth.stx_btime.tv_sec;
-        bornNanoseconds_ = birth.stx_btime.tv_nsec;
-    }
+      writable_(access == Access::readWrite), identity_{device(), node(), 0} {
+    if (const auto there = FileIdentity::at(path_))
+        identity_.birth = there->birth;
     checkOrigin();
     if (writable_)
         prepare();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <zorvan/platform/foundation/internal/FileIdentity.h>
 #include <zorvan/platform/privatestore/internal/Database.h>
 #include <zorvan/platform/settingsdatabase/internal/SettingRows.h>
 
@@ -8,8 +9,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <sys/types.h>
-#include <tuple>
 #include <vector>
 
 namespace zorvan::internal {
@@ -24,8 +23,6 @@ namespace zorvan::internal {
 /// Everything throws `DatabaseFailure`.
 class SettingsFile : public privatestore::Database {
 public:
-    /// Device, number, and the birth where the volume has it: numbers are used again.
-    using Identity = std::tuple<dev_t, ino_t, std::int64_t, std::uint32_t>;
     struct Row {
         std::int64_t id = 0;
         std::string_view key; // null for the marks that have no key
@@ -52,9 +49,7 @@ public:
     /// Whether the path leads to another file.
     bool isReplaced() const noexcept;
     /// Tells this file from others.
-    Identity identity() const noexcept {
-        return {device(), node(), bornSeconds_, bornNanoseconds_};
-    }
+    const FileIdentity& identity() const noexcept { return identity_; }
 
     /// Rows above an identifier, in their order. Calls `startOver` first, and gives all rows, when
     /// rows below may have vanished without a trace since that identifier was the last. May be used
@@ -87,8 +82,7 @@ private:
 
     std::string path_;
     bool writable_;
-    std::int64_t bornSeconds_ = 0;
-    std::uint32_t bornNanoseconds_ = 0;
+    FileIdentity identity_;
     const void* stamp_ = nullptr;
 };
 
