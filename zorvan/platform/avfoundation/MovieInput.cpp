@@ -204,6 +204,10 @@ bool MovieInput::countsFromZero() const noexcept {
     return name.starts_with("mov,") || name.starts_with("matroska,");
 }
 
+bool MovieInput::timesAreOfStorage() const noexcept {
+    return std::string_view(context_->iformat->name) == "avi";
+}
+
 bool isCover(const AVStream& stream) noexcept {
     return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
 }

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -34,7 +35,7 @@ constexpr std::int64_t maximumPixelCount = std::int64_t{1} << 27;
 
 /// A search may end behind the picture that is wanted; it is then begun so much earlier, and at
 /// last at the start.
-constexpr double stepsBack[] = {0, 10, INFINITY};
+constexpr double stepsBack[] = {0, 1, 10, INFINITY};
 
 Frame makeFrame() {
     Frame frame(av_frame_alloc());
@@ -91,7 +92,7 @@ public:
     void seek(double seconds) {
         avcodec_flush_buffers(decoder_.get());
         isAtEnd_ = false;
-        readCount_ = 0;
+        nextSecond_.reset();
         const double wanted = seconds > firstSecond() ? origin() + seconds : start() - 1;
         if (!seekInFile(wanted) && !seekInFile(start()))
             openAnew();
@@ -104,7 +105,7 @@ public:
         for (;;) {
             const int result = avcodec_receive_frame(decoder_.get(), &frame);
             if (result >= 0)
-                setTimeWhereNoneIs(frame);
+                setTime(frame);
             if (result != AVERROR(EAGAIN))
                 return result >= 0;
             if (isAtEnd_)
@@ -133,22 +134,43 @@ private:
 
     bool seekInFile(double time) {
         const double unit = positive(stream().time_base);
-        return av_seek_frame(&context(), stream().index, unit > 0 ? held(time / unit) : 0,
+        return av_seek_frame(&context(), stream().index, unit > 0 ? inUnits(time / unit) : 0,
                              AVSEEK_FLAG_BACKWARD) >= 0;
     }
 
-    static std::int64_t held(double units) noexcept {
-        return static_cast<std::int64_t>(std::clamp(units, -0x1p62, 0x1p62));
+    static std::int64_t inUnits(double count) noexcept {
+        return static_cast<std::int64_t>(std::clamp(count, -0x1p62, 0x1p62));
     }
 
-    /// Streams without a container have no times: they are read from their beginning, at the rate
-    /// that they state.
-    void setTimeWhereNoneIs(AVFrame& frame) {
-        const double perSecond = positive(av_guess_frame_rate(&context(), &stream(), nullptr));
+    /// Of a picture, by the rate that the stream states; 0 when it states none.
+    double length() const noexcept {
+        const double rate = positive(av_guess_frame_rate(&context(), &stream(), nullptr));
+        return rate > 0 ? 1 / rate : 0;
+    }
+
+    /// Streams without a container have no times, nor have the last pictures of an AVI, which come
+    /// out when nothing is left to be read: one comes after the other. The time of the others in an
+    /// AVI is when that was stored which brought them out.
+    void setTime(AVFrame& frame) {
         const double unit = positive(stream().time_base);
-        const double seconds = perSecond > 0 ? static_cast<double>(readCount_++) / perSecond : 0;
-        if (frame.best_effort_timestamp == AV_NOPTS_VALUE && unit > 0)
-            frame.best_effort_timestamp = held(std::round((start() + seconds) / unit));
+        const bool isOfStorage = track_.input->timesAreOfStorage();
+        const std::int64_t time = frame.best_effort_timestamp;
+        double seconds = nextSecond_.value_or(start());
+        if (time != AV_NOPTS_VALUE)
+            seconds = static_cast<double>(time) * unit -
+                      (isOfStorage ? decoder_->has_b_frames * length() : 0);
+        if (unit > 0 && (isOfStorage || time == AV_NOPTS_VALUE))
+            frame.best_effort_timestamp = inUnits(std::round(seconds / unit));
+        nextSecond_ = seconds + length();
+    }
+
+    /// The pictures of an AVI that are still to come out are those shown when the last were stored.
+    void noteStorage(const AVPacket& packet) {
+        if (!track_.input->timesAreOfStorage() || packet.dts == AV_NOPTS_VALUE)
+            return;
+        const double stored = static_cast<double>(packet.dts) * positive(stream().time_base);
+        const int others = std::max(decoder_->has_b_frames - 1, 0);
+        nextSecond_ = std::max(nextSecond_.value_or(stored), stored - others * length());
     }
 
     void openAnew() {
@@ -164,9 +186,10 @@ private:
             avcodec_send_packet(decoder_.get(), nullptr);
             return;
         }
-        // What cannot be decoded is passed over.
-        if (packet_->stream_index == stream().index)
-            avcodec_send_packet(decoder_.get(), packet_.get());
+        if (packet_->stream_index == stream().index) {
+            noteStorage(*packet_);
+            avcodec_send_packet(decoder_.get(), packet_.get()); // what is damaged is passed over
+        }
         av_packet_unref(packet_.get());
     }
 
@@ -175,10 +198,10 @@ private:
     Decoder decoder_;
     Packet packet_;
     bool isAtEnd_ = false;
-    std::int64_t readCount_ = 0; // pictures since it was sought
+    std::optional<double> nextSecond_; // in the file, of the next picture if it has no time
 };
 
-Decoder openDecoder(const AVStream& stream, bool isExact) {
+Decoder openDecoder(const AVStream& stream, bool onlyKeys) {
     const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
     Decoder decoder(codec ? avcodec_alloc_context3(codec) : nullptr);
     if (!decoder || avcodec_parameters_to_context(decoder.get(), stream.codecpar) < 0)
@@ -186,7 +209,7 @@ Decoder openDecoder(const AVStream& stream, bool isExact) {
     decoder->pkt_timebase = stream.time_base;
     decoder->max_pixels = maximumPixelCount;
     decoder->thread_count = 1; // threads decode ahead, and one picture is wanted
-    if (!isExact)
+    if (onlyKeys)
         decoder->skip_frame = AVDISCARD_NONKEY;
     return avcodec_open2(decoder.get(), codec, nullptr) >= 0 ? std::move(decoder) : nullptr;
 }
@@ -270,7 +293,11 @@ std::optional<Bitmap> pixelsOf(const AVFrame& frame, const CGSize& size) {
 
 std::optional<GrabbedFrame> grabbed(const std::string& path, const FrameRequest& request) {
     OpenTrack track = openTrack(path);
-    Decoder decoder = track.stream ? openDecoder(*track.stream, request.isExact) : nullptr;
+    if (!track.stream)
+        return std::nullopt;
+    // Where the pictures after it tell the time of one, they are decoded.
+    Decoder decoder =
+        openDecoder(*track.stream, !request.isExact && !track.input->timesAreOfStorage());
     if (!decoder)
         return std::nullopt;
     FrameReader reader(path, std::move(track), std::move(decoder));

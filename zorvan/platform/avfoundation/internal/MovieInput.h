@@ -38,6 +38,9 @@ public:
     /// Whether players count time as the file does. Elsewhere the first time in the file is 0 to
     /// them.
     bool countsFromZero() const noexcept;
+    /// Whether the file tells when pictures are stored, as an AVI does, and not when they are
+    /// shown.
+    bool timesAreOfStorage() const noexcept;
     /// Reads packets where the header left something out; false when they cannot be read.
     bool readPackets() const noexcept {
         return avformat_find_stream_info(context_.get(), nullptr) >= 0;
