@@ -20,6 +20,7 @@
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 #include <zorvan/platform/textservices/Characters.h>
 #include <zorvan/platform/textservices/Locale.h>
+#include <zorvan/platform/textservices/NSAttributedString.h>
 #include <zorvan/text/Double.h>
 #include <zorvan/text/String.h>
 
@@ -233,6 +234,22 @@ TEST(Memory, FailsInWhatIsKeptForALocale) {
     };
     std::thread(use).join(); // what is kept for each thread is then still to be made, ICU's is not
     starve(use, use);
+}
+
+TEST(Memory, FailsInAnEditedText) {
+    NSMutableAttributedString before("words of an attributed text",
+                                     {{"address", std::string("one that takes memory")}});
+    before.setAttributes({}, {6, 2});
+    static constexpr NSRange part{3, 9};
+    using Edit = void (*)(NSMutableAttributedString&);
+    const Edit edits[] = {[](auto& text) { text.addAttribute("x", true, part); },
+                          [](auto& text) { text.replaceCharacters(part, text); },
+                          [](auto& text) { text.append(text); }};
+    for (const Edit edit : edits) {
+        NSMutableAttributedString text = before, after = before;
+        edit(after);
+        starve([&] { edit(text); }, [&] { EXPECT_TRUE(text == before || text == after); });
+    }
 }
 
 TEST(Memory, FailsInLists) {

@@ -21,6 +21,17 @@ auto runHolding(Runs& runs, std::size_t location) {
         [](std::size_t place, const Run& run) { return place < run.range.end(); });
 }
 
+/// Adds a run behind others, or lengthens the last when it is alike.
+template <class Attributes>
+void join(std::vector<Run>& runs, NSRange range, Attributes&& attributes) {
+    if (range.length == 0)
+        return;
+    if (!runs.empty() && runs.back().attributes == attributes)
+        runs.back().range.length += range.length;
+    else
+        runs.push_back({range, std::forward<Attributes>(attributes)});
+}
+
 } // namespace
 
 NSAttributedString::NSAttributedString(std::string_view text, AttributeDictionary attributes)
@@ -71,57 +82,54 @@ void NSAttributedString::require(NSRange range) const {
                    std::to_string(text_.size()));
 }
 
-/// Makes a run begin at `location`, and gives its index; at the end of the text, the count of runs.
-std::size_t NSAttributedString::splitAt(std::size_t location) {
-    const auto run = runHolding(runs_, location);
-    const auto index = static_cast<std::size_t>(run - runs_.begin());
-    if (run == runs_.end() || run->range.location == location)
-        return index;
-    Run rest{{location, run->range.end() - location}, run->attributes};
-    run->range.length = location - run->range.location;
-    runs_.insert(runs_.begin() + static_cast<std::ptrdiff_t>(index) + 1, std::move(rest));
-    return index + 1;
+/// The indexes of the runs that overlap a range or end where it begins, or the other way round.
+NSAttributedString::RunIndexes NSAttributedString::runsTouching(NSRange range) const {
+    const auto indexOf = [&](auto run) { return static_cast<std::size_t>(run - runs_.begin()); };
+    return {range.location == 0 ? 0 : indexOf(runHolding(runs_, range.location - 1)),
+            range.end() == length() ? runs_.size() : indexOf(runHolding(runs_, range.end())) + 1};
 }
 
-/// Joins neighbours that are alike, drops empty runs, and lays the rest end to end.
-void NSAttributedString::mergeRuns() {
-    std::vector<Run> merged;
-    std::size_t location = 0;
-    for (Run& run : runs_) {
-        if (run.range.length == 0)
-            continue;
-        if (!merged.empty() && merged.back().attributes == run.attributes)
-            merged.back().range.length += run.range.length;
-        else
-            merged.push_back({{location, run.range.length}, std::move(run.attributes)});
-        location += run.range.length;
-    }
-    runs_ = std::move(merged);
+/// Grows as vectors do, so that a text built piece by piece takes linear time.
+void NSAttributedString::makeRoomFor(std::size_t count) {
+    if (count > runs_.capacity())
+        runs_.reserve(std::max(count, 2 * runs_.size()));
 }
 
-/// The same for the runs from one to before another, whose lengths stay, and their neighbours.
-void NSAttributedString::mergeRuns(std::size_t first, std::size_t last) {
-    auto kept = runs_.begin() + static_cast<std::ptrdiff_t>(std::max<std::size_t>(first, 1) - 1);
-    const auto end = runs_.begin() + static_cast<std::ptrdiff_t>(std::min(last + 1, runs_.size()));
-    for (auto run = kept + 1; run < end; ++run)
-        if (kept->attributes == run->attributes)
-            kept->range.length += run->range.length;
-        else if (++kept != run)
-            *kept = std::move(*run);
-    runs_.erase(kept + 1, end);
+/// Puts other runs in the place of some, and gives where they end. There must be room.
+std::vector<Run>::iterator NSAttributedString::putRuns(RunIndexes old,
+                                                       std::vector<Run> runs) noexcept {
+    const auto at = [](auto& all, std::size_t index) {
+        return all.begin() + static_cast<std::ptrdiff_t>(index);
+    };
+    const std::size_t count = std::min(old.end - old.first, runs.size());
+    const auto place = std::move(runs.begin(), at(runs, count), at(runs_, old.first));
+    if (old.end - old.first > count)
+        return runs_.erase(place, at(runs_, old.end));
+    const auto rest = runs_.insert(place, std::make_move_iterator(at(runs, count)),
+                                   std::make_move_iterator(runs.end()));
+    return rest + static_cast<std::ptrdiff_t>(runs.size() - count);
 }
 
 void NSAttributedString::replace(NSRange range, const NSAttributedString& replacement) {
     require(range);
-    std::vector<Run> inserted = replacement.runs_; // a copy: the replacement may be this text
-    const std::size_t first = splitAt(range.location);
-    const std::size_t last = splitAt(range.end());
-    text_.replace(range.location, range.length, std::u16string(replacement.text_));
-    const auto begin = runs_.begin() + static_cast<std::ptrdiff_t>(first);
-    const auto after = runs_.erase(begin, runs_.begin() + static_cast<std::ptrdiff_t>(last));
-    runs_.insert(after, std::make_move_iterator(inserted.begin()),
-                 std::make_move_iterator(inserted.end()));
-    mergeRuns();
+    const RunIndexes old = runsTouching(range);
+    const std::size_t end = range.location + replacement.length();
+    std::vector<Run> runs;
+    if (range.location > 0) {
+        const Run& before = runs_[old.first];
+        const std::size_t start = before.range.location;
+        join(runs, {start, range.location - start}, before.attributes);
+    }
+    for (const auto& [part, attributes] : replacement.runs_)
+        join(runs, {range.location + part.location, part.length}, attributes);
+    if (range.end() < length()) {
+        const Run& after = runs_[old.end - 1];
+        join(runs, {end, after.range.end() - range.end()}, after.attributes);
+    }
+    makeRoomFor(runs_.size() + runs.size());
+    text_.replace(range.location, range.length, replacement.text_);
+    for (auto run = putRuns(old, std::move(runs)); run != runs_.end(); ++run)
+        run->range.location += end - range.end();
 }
 
 template <class Edit>
@@ -129,24 +137,24 @@ void NSAttributedString::editAttributes(NSRange range, Edit edit) {
     require(range);
     if (range.length == 0)
         return;
-    const std::size_t first = splitAt(range.location);
-    const std::size_t last = splitAt(range.end());
-    for (std::size_t i = first; i < last; ++i)
-        edit(runs_[i].attributes);
-    mergeRuns(first, last);
+    const RunIndexes old = runsTouching(range);
+    std::vector<Run> runs;
+    for (std::size_t i = old.first; i < old.end; ++i) {
+        const auto& [whole, attributes] = runs_[i];
+        const std::size_t start = std::clamp(range.location, whole.location, whole.end());
+        const std::size_t end = std::clamp(range.end(), whole.location, whole.end());
+        join(runs, {whole.location, start - whole.location}, attributes);
+        AttributeDictionary edited = attributes;
+        edit(edited);
+        join(runs, {start, end - start}, std::move(edited));
+        join(runs, {end, whole.end() - end}, attributes);
+    }
+    makeRoomFor(runs_.size() + runs.size());
+    putRuns(old, std::move(runs));
 }
 
 void NSMutableAttributedString::append(const NSAttributedString& text) {
-    // Only the seam can join, so a text built piece by piece takes linear time.
-    const std::size_t offset = length();
-    const std::vector<Run> added = text.runs_; // a copy: the appended text may be this one
-    text_ += std::u16string(text.text_);
-    for (const Run& run : added) {
-        if (!runs_.empty() && runs_.back().attributes == run.attributes)
-            runs_.back().range.length += run.range.length;
-        else
-            runs_.push_back({{offset + run.range.location, run.range.length}, run.attributes});
-    }
+    replace({length(), 0}, text);
 }
 
 void NSMutableAttributedString::replaceCharacters(NSRange range, std::string_view text) {

@@ -79,10 +79,14 @@ protected:
     /// @}
 
 private:
+    struct RunIndexes {
+        std::size_t first, end;
+    };
+
     void require(NSRange range) const;
-    std::size_t splitAt(std::size_t location);
-    void mergeRuns();
-    void mergeRuns(std::size_t first, std::size_t last);
+    RunIndexes runsTouching(NSRange range) const;
+    void makeRoomFor(std::size_t count);
+    std::vector<Run>::iterator putRuns(RunIndexes old, std::vector<Run> runs) noexcept;
 
     friend class NSMutableAttributedString;
 
@@ -90,7 +94,8 @@ private:
     std::vector<Run> runs_;
 };
 
-/// Attributed text that can be edited in place.
+/// Attributed text that can be edited in place. An edit that finds no memory throws
+/// `std::bad_alloc` and changes nothing.
 class NSMutableAttributedString : public NSAttributedString {
 public:
     /// As there.
