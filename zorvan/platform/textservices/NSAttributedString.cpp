@@ -132,6 +132,7 @@ void NSAttributedString::replace(NSRange range, const NSAttributedString& replac
         run->range.location += end - range.end();
 }
 
+/// The runs are not touched before all are edited: what an edit refers to may be in one.
 template <class Edit>
 void NSAttributedString::editAttributes(NSRange range, Edit edit) {
     require(range);
@@ -178,9 +179,8 @@ void NSMutableAttributedString::addAttribute(std::string_view name, const Attrib
 
 void NSMutableAttributedString::addAttributes(const AttributeDictionary& attributes,
                                               NSRange range) {
-    // A copy: the dictionary may be that of a run, which moves while runs are split.
-    editAttributes(range, [added = attributes](AttributeDictionary& present) {
-        for (const auto& [name, value] : added)
+    editAttributes(range, [&](AttributeDictionary& present) {
+        for (const auto& [name, value] : attributes)
             present.insert_or_assign(name, value);
     });
 }
@@ -194,8 +194,7 @@ void NSMutableAttributedString::removeAttribute(std::string_view name, NSRange r
 
 void NSMutableAttributedString::setAttributes(const AttributeDictionary& attributes,
                                               NSRange range) {
-    editAttributes(range,
-                   [wanted = attributes](AttributeDictionary& present) { present = wanted; });
+    editAttributes(range, [&](AttributeDictionary& present) { present = attributes; });
 }
 
 } // namespace zorvan
