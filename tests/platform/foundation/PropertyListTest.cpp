@@ -37,3 +37,12 @@ TEST(PropertyList, GivesItselfAwayWhenItIsAboutToGo) {
     EXPECT_EQ(list->front(), PropertyList(text));
     EXPECT_EQ(made().as<std::string>(), std::nullopt);
 }
+
+TEST(PropertyList, IsReplacedByAPartOfItself) {
+    PropertyList list(
+        PropertyList::Dictionary{{"a", PropertyList::Dictionary{{"b", PropertyList::Array{42}}}}});
+    list = list.as<PropertyList::Dictionary>()->at("a");
+    list = std::move(list.as<PropertyList::Dictionary>()->at("b"));
+    list = list.as<PropertyList::Array>()->front();
+    EXPECT_EQ(list, PropertyList(42));
+}

@@ -15,9 +15,18 @@ PropertyList::PropertyList(Dictionary value) : value_(std::move(value)) {}
 
 PropertyList::PropertyList(const PropertyList& other) = default;
 PropertyList::PropertyList(PropertyList&& other) noexcept = default;
-PropertyList& PropertyList::operator=(const PropertyList& other) = default;
-PropertyList& PropertyList::operator=(PropertyList&& other) noexcept = default;
 PropertyList::~PropertyList() = default;
+
+// What is assigned may lie within what it replaces, and goes with that unless it is taken out
+// first.
+PropertyList& PropertyList::operator=(const PropertyList& other) {
+    return *this = PropertyList(other);
+}
+PropertyList& PropertyList::operator=(PropertyList&& other) noexcept {
+    Value taken = std::move(other.value_);
+    value_ = std::move(taken);
+    return *this;
+}
 
 bool PropertyList::isEqual(const PropertyList& other) const { return value_ == other.value_; }
 

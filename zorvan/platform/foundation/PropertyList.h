@@ -39,7 +39,8 @@ public:
     PropertyList(Array value);
     PropertyList(Dictionary value);
     /// @}
-    /// A value of its own.
+    /// A value of its own, also when it is assigned from within the one that it replaces:
+    /// `list = list.as<PropertyList::Array>()->front()`.
     /// @{
     PropertyList(const PropertyList& other);
     PropertyList(PropertyList&& other) noexcept;
