@@ -48,6 +48,18 @@ TEST(IndexSet, HoldsTheLargestPosition) {
     EXPECT_EQ(set.union_({1, largest - 1}), IndexSet({0, 1, largest - 1, largest}));
     EXPECT_EQ(set.intersection({5, largest}), IndexSet{largest});
     EXPECT_EQ(IndexSet(Range{0, largest + 1}).subtracting(set), IndexSet(Range{1, largest}));
+    const Range everything{std::numeric_limits<std::int64_t>::min(), largest + 1};
+    EXPECT_TRUE(set.intersects(everything));
+    EXPECT_FALSE(set.contains(everything));
+}
+
+TEST(IndexSet, IsEmptyOnceMovedFrom) {
+    IndexSet set{1, 2}, taken = std::move(set);
+    set.insert(7);
+    EXPECT_EQ(set, IndexSet{7});
+    set = std::move(taken);
+    expectSame(taken, {});
+    expectSame(set, {1, 2});
 }
 
 TEST(IndexSetDeathTest, RefusesWhatIsNoPosition) {

@@ -289,6 +289,20 @@ TEST(Memory, FailsInLists) {
     });
 }
 
+TEST(Memory, FailsInIndexSets) {
+    IndexSet set(IndexSet::Range{0, 40});
+    set.insert(80);
+    const auto change = [&] {
+        for (std::int64_t i = 1; i < 40; i += 2)
+            set.remove(i), set.insert(i + 40);
+    };
+    starve(change, [&] {
+        EXPECT_EQ(set.count(), std::distance(set.begin(), set.end()));
+        for (std::int64_t i = 0; i < 40; i += 2)
+            EXPECT_TRUE(set.contains(i));
+    });
+}
+
 TEST(Memory, FailsInASelectableArray) {
     const auto list = SelectableArray<std::string>::create();
     list->insert({"a", "b", "c", "d", "e", "f", "an element that takes memory when it is copied"},

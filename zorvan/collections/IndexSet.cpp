@@ -156,7 +156,7 @@ bool IndexSet::contains(std::int64_t index) const noexcept {
 }
 
 bool IndexSet::contains(Range range) const noexcept {
-    if (range.count() <= 0)
+    if (range.upper <= range.lower)
         return true;
     const std::size_t place = rangeEndingAfter(range.lower);
     return place < ranges_.size() && ranges_[place].lower <= range.lower &&
@@ -169,7 +169,7 @@ bool IndexSet::contains(const IndexSet& other) const noexcept {
 }
 
 bool IndexSet::intersects(Range range) const noexcept {
-    if (range.count() <= 0)
+    if (range.upper <= range.lower)
         return false;
     const std::size_t place = rangeEndingAfter(range.lower);
     return place < ranges_.size() && ranges_[place].lower < range.upper;
@@ -230,19 +230,20 @@ void IndexSet::insert(Range range) {
     // Every range that overlaps or touches the new one melts into it.
     const std::size_t first = rangeEndingAfter(range.lower - 1);
     std::size_t end = first;
+    std::int64_t melted = 0;
     for (; end < ranges_.size() && ranges_[end].lower <= range.upper; ++end) {
         range.lower = std::min(range.lower, ranges_[end].lower);
         range.upper = std::max(range.upper, ranges_[end].upper);
-        count_ -= ranges_[end].count();
+        melted += ranges_[end].count();
     }
-    count_ += range.count();
     const auto place = ranges_.begin() + static_cast<std::ptrdiff_t>(first);
     if (end == first) {
         ranges_.insert(place, range);
-        return;
+    } else {
+        *place = range;
+        ranges_.erase(place + 1, ranges_.begin() + static_cast<std::ptrdiff_t>(end));
     }
-    *place = range;
-    ranges_.erase(place + 1, ranges_.begin() + static_cast<std::ptrdiff_t>(end));
+    count_ += range.count() - melted;
 }
 
 void IndexSet::remove(std::int64_t index) {
@@ -253,26 +254,21 @@ void IndexSet::remove(std::int64_t index) {
 void IndexSet::remove(Range range) {
     if (!intersects(range))
         return;
-    const std::size_t first = rangeEndingAfter(range.lower);
-    std::size_t end = first;
-    for (; end < ranges_.size() && ranges_[end].lower < range.upper; ++end)
-        count_ -= ranges_[end].count();
-
-    Range kept[2];
-    std::ptrdiff_t keptCount = 0;
-    if (ranges_[first].lower < range.lower)
-        kept[keptCount++] = {ranges_[first].lower, range.lower};
-    if (ranges_[end - 1].upper > range.upper)
-        kept[keptCount++] = {range.upper, ranges_[end - 1].upper};
-    for (std::ptrdiff_t i = 0; i < keptCount; ++i)
-        count_ += kept[i].count();
-
-    const auto place = ranges_.begin() + static_cast<std::ptrdiff_t>(first);
-    const auto replaced = static_cast<std::ptrdiff_t>(end - first);
-    const std::ptrdiff_t overwritten = std::min(replaced, keptCount);
-    std::copy_n(kept, overwritten, place);
-    ranges_.insert(ranges_.erase(place + overwritten, place + replaced), kept + overwritten,
-                   kept + keptCount);
+    const std::int64_t lost = count(range);
+    auto place = ranges_.begin() + static_cast<std::ptrdiff_t>(rangeEndingAfter(range.lower));
+    if (place->lower < range.lower) {
+        // One range becomes two, which alone needs memory: it comes before anything is changed.
+        if (range.upper < place->upper)
+            place = ranges_.insert(place + 1, {range.upper, place->upper}) - 1;
+        (place++)->upper = range.lower;
+    }
+    auto end = place;
+    while (end != ranges_.end() && end->upper <= range.upper)
+        ++end;
+    if (end != ranges_.end())
+        end->lower = std::max(end->lower, range.upper);
+    ranges_.erase(place, end);
+    count_ -= lost;
 }
 
 void IndexSet::removeAll() noexcept {

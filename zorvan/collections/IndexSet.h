@@ -15,6 +15,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zorvan {
@@ -89,6 +90,17 @@ public:
     /// @}
     /// Both ends included, in either order.
     IndexSet(Ends argument);
+    /// A set of its own; what was moved from is empty.
+    /// @{
+    IndexSet(const IndexSet&) = default;
+    IndexSet(IndexSet&& other) noexcept { swap(other); }
+    IndexSet& operator=(const IndexSet&) = default;
+    IndexSet& operator=(IndexSet&& other) noexcept {
+        IndexSet taken(std::move(other));
+        swap(taken);
+        return *this;
+    }
+    /// @}
     /// The set of members given in any order; one sort, then one pass.
     static IndexSet of(std::span<const std::int64_t> members);
 
@@ -225,6 +237,10 @@ private:
     template <template <class> class Merge, class Second>
     static Ranges merge(std::span<const Range> a, Second b, Second bEnd);
     explicit IndexSet(Ranges ranges);
+    void swap(IndexSet& other) noexcept {
+        ranges_.swap(other.ranges_);
+        std::swap(count_, other.count_);
+    }
     std::size_t rangeEndingAfter(std::int64_t index) const noexcept;
 
     Ranges ranges_;
