@@ -1,10 +1,12 @@
 #include <zorvan/platform/textservices/Collation.h>
 
 #include <zorvan/platform/textservices/internal/AsciiOrder.h>
+#include <zorvan/platform/textservices/internal/CodePoints.h>
 #include <zorvan/platform/textservices/internal/PerLocale.h>
 #include <zorvan/platform/textservices/internal/requireMemory.h>
 
 #include <unicode/localpointer.h>
+#include <unicode/uchar.h>
 #include <unicode/ucol.h>
 #include <unicode/ustring.h>
 
@@ -30,6 +32,32 @@ icu::LocalUCollatorPointer openCollator(const Locale& locale) {
     ucol_setAttribute(collator.getAlias(), UCOL_NUMERIC_COLLATION, UCOL_ON, &status);
     internal::requireMemory(status);
     return U_SUCCESS(status) ? std::move(collator) : icu::LocalUCollatorPointer();
+}
+
+/// Whether the names begin to differ within a number, or right behind one, that has digits beyond
+/// ASCII. ICU compares what comes after the common part alone, and where a locale has an order of
+/// its own, it does not see that such digits belong to a number that begins before.
+bool differInNumberBeyondAscii(std::string_view a, std::string_view b) noexcept {
+    const auto [endOfA, endOfB] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+    auto common = static_cast<std::size_t>(endOfA - a.begin());
+    const auto isInside = [](std::string_view name, std::size_t at) {
+        return at < name.size() && (static_cast<unsigned char>(name[at]) & 0xC0) == 0x80;
+    };
+    while (common > 0 && (isInside(a, common) || isInside(b, common)))
+        --common;
+    const auto isBeyondAscii = [](std::string_view name, std::size_t at) {
+        return at < name.size() && static_cast<unsigned char>(name[at]) >= 0x80;
+    };
+    const auto hasSuchDigit = [&](std::string_view name) {
+        std::size_t next = common;
+        return isBeyondAscii(name, next) && u_isdigit(internal::nextCodePoint(name, next));
+    };
+    bool found = hasSuchDigit(a) || hasSuchDigit(b);
+    std::size_t start = common;
+    for (std::size_t at = common; at > 0 && u_isdigit(internal::previousCodePoint(a, at));
+         start = at)
+        found = found || isBeyondAscii(a, at);
+    return found && start < common;
 }
 
 constexpr std::size_t longestName = std::numeric_limits<std::int32_t>::max();
@@ -74,6 +102,9 @@ public:
             return result(*order < 0 ? -1 : *order > 0);
         if (collator_.isNull() || std::max(a.size(), b.size()) > longestName)
             return result(a.compare(b));
+        if (differInNumberBeyondAscii(a, b))
+            if (const auto keys = collatorKeys(std::array{a, b}))
+                return result((*keys)[0].compare((*keys)[1]));
         UErrorCode status = U_ZERO_ERROR;
         const int order =
             ucol_strcollUTF8(collator_.getAlias(), a.data(), static_cast<std::int32_t>(a.size()),

@@ -15,7 +15,7 @@ enum class ComparisonResult { orderedAscending = -1, orderedSame = 0, orderedDes
 /// Compares names as people read them: by the alphabet of the locale, ignoring case, accents and
 /// width, and with runs of digits as numbers, so that "file2" comes before "File10". Ill-formed
 /// bytes are read as U+FFFD. Allocates nothing once the thread has compared in that locale, unless
-/// a name is unusually long.
+/// a name is unusually long, or the names differ in a number with digits beyond ASCII.
 /// @{
 [[nodiscard]] ComparisonResult compareNames(std::string_view a, std::string_view b);
 [[nodiscard]] ComparisonResult compareNames(std::string_view a, std::string_view b,
