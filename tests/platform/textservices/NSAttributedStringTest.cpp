@@ -105,6 +105,13 @@ TEST(NSAttributedString, RandomEditsKeepRunsSoundAndUnitsRight) {
     }
 }
 
+TEST(NSAttributedString, RemovesTheAttributeWhoseNameItHolds) {
+    NSMutableAttributedString text("ab", {{"an attribute with a long name", true}});
+    text.addAttribute("other", true, {0, 1});
+    text.removeAttribute(text.runs()[0].attributes.begin()->first, {0, 2});
+    EXPECT_TRUE(text.runs()[1].attributes.empty());
+}
+
 TEST(NSAttributedStringDeathTest, StopsOnARangeOutside) {
     NSMutableAttributedString text(NSAttributedString("ab"));
     EXPECT_DEATH(text.replaceCharacters({1, 2}, ""),
