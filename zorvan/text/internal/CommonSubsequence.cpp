@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 // The table T of the lengths of common subsequences is never stored. A row of it, minus the cell
@@ -47,11 +48,17 @@ public:
 
 private:
     std::uint32_t numberOf(std::string_view character) {
-        const bool isAscii =
-            character.size() == 1 && static_cast<unsigned char>(character.front()) < 0x80;
-        if (!isAscii)
-            return known(others_.try_emplace(canonicalCharacter(character), unknown).first->second);
-        return known(ascii_[static_cast<std::size_t>(character.front())]);
+        if (isAscii(character))
+            return known(ascii_[static_cast<std::size_t>(character.front())]);
+        // What is beyond ASCII may equal what is not: the Kelvin sign is a "K".
+        std::string spelling = canonicalCharacter(character);
+        if (isAscii(spelling))
+            return numberOf(spelling);
+        return known(others_.try_emplace(std::move(spelling), unknown).first->second);
+    }
+
+    static bool isAscii(std::string_view character) noexcept {
+        return character.size() == 1 && static_cast<unsigned char>(character.front()) < 0x80;
     }
 
     std::uint32_t known(std::uint32_t& number) noexcept {
