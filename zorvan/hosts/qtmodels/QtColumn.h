@@ -25,6 +25,9 @@ struct QtColumn {
     /// Over a `SelectableArray` a setter changes a copy that takes the element's place. The items
     /// of a `ManagedList` stay as they are: there a setter changes what the item stands for, such
     /// as the object of a pointer, and one that changes the item itself stops the program.
+    ///
+    /// A setter may change the list, too: the item is followed to where it stands then, and one
+    /// that has left the list is not replaced.
     std::map<int, Setter> setters = {};
     /// By what the list is sorted when a view sorts by this column; none leaves it as it is.
     /// Backwards when the view asks for the descending order, equal items in the order in which

@@ -77,12 +77,13 @@ public:
         const auto setter = setters.find(role);
         if (setter == setters.end())
             return false;
-        const std::int64_t position = item - items_.data();
+        const QPersistentModelIndex cell(index); // a setter may have the list filtered or sorted
         Item changed = *item;
         if (!setter->second(changed, value))
             return false;
-        if (!rows_->replace(std::move(changed), position))
-            itemsDidChange({position});
+        const Item* const now = cell.isValid() ? itemOf(cell.row()) : nullptr;
+        if (now && !rows_->replace(std::move(changed), now - items_.data()))
+            itemsDidChange({now - items_.data()});
         return true;
     }
     /// The column's title; without one, and for rows, what Qt says of itself.
