@@ -50,6 +50,9 @@ TEST(QtConversions, PicturesAreSharedWhereTheFormatAllows) {
     EXPECT_EQ(converted.bytesPerRow(), 20);
     EXPECT_THAT(std::vector(converted.row(2) + 16, converted.row(2) + 20),
                 ElementsAre(7, 7, 7, 255));
+    const std::vector<uchar> pixels{9, 9, 9, 9, 0, 0, 0, 0, 7, 7, 7, 7, 0, 0, 0, 0};
+    const QImage padded(pixels.data(), 1, 2, 8, QImage::Format_RGBA8888_Premultiplied);
+    EXPECT_EQ(toCGImage(padded)->uint8Data()[4], 7);
     EXPECT_FALSE(toBitmap(QImage()).has_value());
     EXPECT_TRUE(toQImage(CGImage::Pointer()).isNull());
 }

@@ -45,8 +45,11 @@ QImage toQImage(Bitmap bitmap) {
 }
 
 CGImage::Pointer toCGImage(const QImage& image) {
-    auto held = std::make_shared<const QImage>(image.convertToFormat(format));
-    // A converted row of four-byte pixels is never padded.
+    QImage shown = image.convertToFormat(format);
+    // Rows of four-byte pixels are padded in a buffer of the caller's at most.
+    if (shown.bytesPerLine() != qsizetype{4} * shown.width())
+        shown = shown.copy();
+    const auto held = std::make_shared<const QImage>(std::move(shown));
     const auto bitmap =
         Bitmap::sharing(held->constBits(), held->width(), held->height(), BitmapLayout::rgba, held);
     return bitmap ? CGImage::create(bitmap) : nullptr;

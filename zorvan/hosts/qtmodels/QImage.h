@@ -16,10 +16,10 @@ namespace zorvan {
 [[nodiscard]] QImage toQImage(Bitmap bitmap);
 
 /// The picture as the library holds it. An image of the format `Format_RGBA8888_Premultiplied` is
-/// shared, not copied, and may be changed afterwards, since Qt copies it then; any other is
-/// converted once. An image over a buffer of the caller's must be `copy()`ed first unless the
-/// buffer outlives the picture unchanged. Empty for a null image, for more pixels than a bitmap may
-/// hold, and when there is no memory.
+/// shared, not copied, and may be changed afterwards, since Qt copies it then; one with padded rows
+/// is copied, any other converted once. An image over a buffer of the caller's must be `copy()`ed
+/// first unless the buffer outlives the picture unchanged. Empty for a null image, for more pixels
+/// than a bitmap may hold, and when there is no memory.
 ///
 /// The device pixel ratio and the colour space of an image are not looked at, in either direction.
 [[nodiscard]] CGImage::Pointer toCGImage(const QImage& image);
