@@ -416,7 +416,7 @@ TEST_F(QtWindowHostTest, OpensMenus) {
     openMenu()->close();
 }
 
-TEST_F(QtWindowHostTest, APressEndsWhenAMenuOrADialogOpens) {
+TEST_F(QtWindowHostTest, APressEndsAlsoWhereTheReleaseDoesNotCome) {
     const auto menu = NSMenu::create();
     QDialog dialog(&top());
     const std::function<void()> ways[] = {[&] { menu->popUp(); }, [&] { dialog.open(); }};
@@ -427,6 +427,9 @@ TEST_F(QtWindowHostTest, APressEndsWhenAMenuOrADialogOpens) {
         if (openMenu())
             openMenu()->close();
     }
+    button->setAction(Selector("once", [&] { button->setEnabled(false); }));
+    click(*button);
+    EXPECT_FALSE(button->tintedButtonCell()->isPressed()) << "disabled by its action";
 }
 
 using QtWindowHostDeathTest = QtWindowHostTest;

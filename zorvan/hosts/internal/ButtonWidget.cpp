@@ -24,6 +24,15 @@ void ButtonWidget::needsDisplay(const CGRect&) {
     update();
 }
 
+/// Qt tells what is disabled of no release, even if its own action has disabled it.
+bool ButtonWidget::event(QEvent* event) noexcept {
+    if (event->type() != QEvent::MouseButtonRelease || isEnabled())
+        return DrawnWidget::event(event);
+    const EventInProgress inProgress;
+    mouseReleaseEvent(static_cast<QMouseEvent*>(event));
+    return true;
+}
+
 void ButtonWidget::paintFocus(QPainter& painter) const {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 7, 7);

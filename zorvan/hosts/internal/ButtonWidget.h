@@ -16,6 +16,7 @@ public:
     void needsDisplay(const CGRect& rect) override;
 
 protected:
+    bool event(QEvent* event) noexcept override;
     void paintFocus(QPainter& painter) const override;
     void keyPressEvent(QKeyEvent* event) override;
 };
