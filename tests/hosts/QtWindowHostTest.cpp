@@ -80,7 +80,9 @@ TEST_F(QtWindowHostTest, ShowsTheTreeOfViewsAsItChanges) {
     EXPECT_FALSE(widgetFor(*inner));
     outer->setToolTip("a <b>");
     outer->setCursor(NSCursor::pointingHand);
-    EXPECT_EQ(widgetFor(*outer)->toolTip(), "a &lt;b&gt;");
+    EXPECT_EQ(widgetFor(*outer)->toolTip(), "<p>a &lt;b&gt;</p>");
+    outer->setToolTip("a & \"b\"");
+    EXPECT_EQ(widgetFor(*outer)->toolTip(), "a & \"b\"");
     EXPECT_EQ(widgetFor(*outer)->cursor().shape(), Qt::PointingHandCursor);
     outer->setCursor(NSCursor::arrow);
     EXPECT_EQ(widgetFor(*outer)->cursor().shape(), Qt::ArrowCursor);

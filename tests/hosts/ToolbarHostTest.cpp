@@ -104,6 +104,28 @@ TEST_F(ToolbarHostTest, ItemsAreTheWidgetsOfTheirKindFromTheLeadingEdge) {
     EXPECT_EQ(linesOf(*toolNamed("Order")->menu()), (QStringList{"Name", "Date"}));
 }
 
+TEST_F(ToolbarHostTest, ToolsFollowTheirItems) {
+    const auto late = DynamicToolbarItem::create("late");
+    late->setItem(NSToolbarItem::create("late"));
+    bar->addItem(late);
+    bar->reloadDisplayedItems();
+    settle();
+    late->item()->setTitle("R&D");
+    ASSERT_TRUE(toolNamed("R&D"));
+    EXPECT_TRUE(toolNamed("R&D")->shortcut().isEmpty()) << "an ampersand is no more than that";
+    late->item()->setTitle("");
+    EXPECT_FALSE(toolNamed("R&D"));
+    late->item()->setImage(NSImage::systemSymbol("star", "Star"));
+    EXPECT_TRUE(toolNamed("Star"));
+    group->subitems()[1]->setEnabled(false);
+    EXPECT_FALSE(toolNamed("Date")->isEnabled());
+    menuItem->setShowsIndicator(false);
+    EXPECT_FALSE(toolNamed("More")->styleSheet().isEmpty());
+    const auto button = NSButton::create({.title = "R&D"});
+    content->addSubview(button);
+    EXPECT_TRUE(widgetFor<QAbstractButton>(*button)->shortcut().isEmpty());
+}
+
 TEST_F(ToolbarHostTest, EveryToolIsReachedInANarrowWindow) {
     window->setContentMinSize({60, 60});
     content->addSubview(NSButton::create({.title = "Elsewhere"}));
@@ -130,6 +152,9 @@ TEST_F(ToolbarHostTest, EveryToolIsReachedInANarrowWindow) {
     ASSERT_TRUE(lineOf(menu, "Delete"));
     lineOf(menu, "Delete")->trigger();
     EXPECT_EQ(done, "omsd");
+    bar->toolbar()->items()[0]->view()->setHidden(true);
+    EXPECT_FALSE(lineOf(menu, "Delete"));
+    bar->toolbar()->items()[0]->view()->setHidden(false);
     top().resize(700, 200);
     EXPECT_FALSE(overflow->isVisible());
     EXPECT_TRUE(widgetFor(*field)->isVisible());

@@ -44,8 +44,10 @@ bool NSToolbarItem::performKeyEquivalent(const NSEvent& with) {
 }
 
 void NSToolbarItem::didChange() {
-    if (const auto holder = toolbar())
-        holder->didChange();
+    const auto group = group_.lock();
+    for (const auto& holder : {toolbar(), group ? group->toolbar() : nullptr})
+        if (holder)
+            holder->didChange();
 }
 
 } // namespace zorvan

@@ -105,6 +105,7 @@ protected:
 
 private:
     friend class NSToolbar;
+    friend class NSToolbarItemGroup;
     void passToolTipOn();
 
     NSToolbarItemIdentifier identifier_;
@@ -116,6 +117,8 @@ private:
     std::optional<Selector> action_;
     std::weak_ptr<void> target_;
     std::weak_ptr<NSToolbar> toolbar_;
+    /// Of which it is a subitem.
+    std::weak_ptr<NSToolbarItem> group_;
     bool isNavigational_ = false;
     bool isEnabled_ = true;
 };

@@ -45,8 +45,13 @@ std::shared_ptr<NSToolbarItemGroup> NSToolbarItemGroup::create(Titles group) {
 }
 
 void NSToolbarItemGroup::setSubitems(std::vector<std::shared_ptr<NSToolbarItem>> subitems) {
+    for (const auto& item : subitems_)
+        if (item->group_.lock().get() == this)
+            item->group_.reset();
     subitems_ = std::move(subitems);
     std::erase(subitems_, nullptr);
+    for (const auto& item : subitems_)
+        item->group_ = weak_from_this();
     selected_.assign(subitems_.size(), false);
     didChange();
 }

@@ -1,5 +1,7 @@
 #include <zorvan/hosts/internal/ButtonWidget.h>
 
+#include <zorvan/hosts/internal/plainTexts.h>
+
 #include <QKeyEvent>
 
 namespace zorvan::internal {
@@ -18,7 +20,7 @@ ButtonWidget::ButtonWidget(const std::shared_ptr<NSButton>& button, QWidget* par
 
 void ButtonWidget::needsDisplay(const CGRect&) {
     setEnabled(view_->isEnabled());
-    const QString name = toQString(view_->accessibilityLabel());
+    const QString name = withoutKeyMark(toQString(view_->accessibilityLabel()));
     if (text() != name)
         setText(name); // what a screen reader says
     update();

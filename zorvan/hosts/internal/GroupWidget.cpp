@@ -3,6 +3,8 @@
 #include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/QtMenus.h>
 #include <zorvan/hosts/internal/icons.h>
+#include <zorvan/hosts/internal/plainTexts.h>
+#include <zorvan/hosts/internal/toolButtons.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
 #include <QEvent>
@@ -16,10 +18,6 @@ namespace zorvan::internal {
 
 namespace {
 
-QString nameOf(const NSToolbarItem& item) {
-    return toQString(item.label().empty() ? item.title() : item.label());
-}
-
 bool isChosenFrom(const NSToolbarItemGroup& group) {
     return group.selectionMode() != NSToolbarItemGroup::SelectionMode::momentary;
 }
@@ -28,7 +26,7 @@ void fillWithSubitems(const std::shared_ptr<NSToolbarItemGroup>& group, QMenu& m
     for (std::size_t i = 0; i < group->subitems().size(); ++i) {
         const auto& item = group->subitems()[i];
         const auto index = static_cast<std::int64_t>(i);
-        QAction& action = addLine(menu, iconOf(item->image()), nameOf(*item),
+        QAction& action = addLine(menu, iconOf(item->image()), withoutKeyMark(nameOf(*item)),
                                   item->isEnabled() && group->isEnabled(),
                                   [group, index] { group->press(index); });
         action.setCheckable(isChosenFrom(*group));
@@ -55,7 +53,7 @@ void GroupWidget::follow() {
         makeButtons();
     }
     setEnabled(group_->isEnabled());
-    setToolTip(toQString(group_->toolTip()).toHtmlEscaped());
+    setToolTip(plainToolTip(toQString(group_->toolTip())));
     setAccessibleName(nameOf(*group_));
     if (isCollapsed_)
         return followCollapsed();
@@ -87,12 +85,8 @@ void GroupWidget::makeButtons() {
 void GroupWidget::followButton(std::size_t index) {
     const NSToolbarItem& item = *shown_[index];
     QToolButton& button = *buttons_[index];
-    button.setIcon(iconOf(item.image()));
-    button.setText(toQString(item.title()));
-    button.setToolTip(
-        (item.toolTip().empty() ? nameOf(item) : toQString(item.toolTip())).toHtmlEscaped());
-    button.setAccessibleName(nameOf(item));
-    button.setEnabled(item.isEnabled());
+    showOnButton(item, button);
+    button.setText(withoutKeyMark(toQString(item.title())));
     button.setCheckable(isChosenFrom(*group_));
     const bool isChecked = group_->isSelected(static_cast<std::int64_t>(index));
     button.setChecked(isChecked);
@@ -118,12 +112,12 @@ void GroupWidget::followCollapsed() {
     if (selected >= shown_.size())
         return;
     button.setIcon(iconOf(shown_[selected]->image()));
-    button.setText(toQString(shown_[selected]->title()));
+    button.setText(withoutKeyMark(toQString(shown_[selected]->title())));
     button.setAccessibleName(nameOf(*group_));
 }
 
 void addGroupToMenu(const std::shared_ptr<NSToolbarItemGroup>& group, QMenu& menu) {
-    QMenu* const inner = menu.addMenu(iconOf(group->image()), nameOf(*group));
+    QMenu* const inner = menu.addMenu(iconOf(group->image()), withoutKeyMark(nameOf(*group)));
     inner->setEnabled(group->isEnabled());
     fillWithSubitems(group, *inner);
 }

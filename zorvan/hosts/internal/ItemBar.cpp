@@ -82,8 +82,12 @@ public:
         QFont small = label_.font();
         small.setPointSizeF(small.pointSizeF() * 0.85);
         label_.setFont(small);
+        label_.setTextFormat(Qt::PlainText);
         follow(item);
     }
+
+    /// Whether it can go on with an item, which may have had nothing to show, or have lost it.
+    bool canShow(const BarItem& item) const { return (widget_ != nullptr) == !!item.make; }
 
     void follow(const BarItem& item) {
         if (widget_ && item.showsWidget && widget_->maximumHeight() == 0) {
@@ -146,7 +150,8 @@ public:
         std::vector<Place> before = std::exchange(places_, {});
         for (BarItem& item : items) {
             const auto known = std::find_if(before.begin(), before.end(), [&](const Place& place) {
-                return place.cell && place.item.identity == item.identity;
+                return place.cell && place.item.identity == item.identity &&
+                       place.cell->canShow(item);
             });
             Place place{std::move(item)};
             if (known != before.end()) {

@@ -2,6 +2,7 @@
 
 #include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/icons.h>
+#include <zorvan/hosts/internal/plainTexts.h>
 #include <zorvan/hosts/internal/qtEvents.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
@@ -42,8 +43,7 @@ QString keyText(const NSMenuItem& item) {
 }
 
 QString textOf(const NSMenuItem& item) {
-    // Qt takes an ampersand for a mark of the key that chooses the line.
-    const QString title = toQString(item.title()).replace(QLatin1Char('&'), QLatin1String("&&"));
+    const QString title = withoutKeyMark(toQString(item.title()));
     const QString keys = keyText(item);
     return keys.isEmpty() ? title : title + QLatin1Char('\t') + keys;
 }

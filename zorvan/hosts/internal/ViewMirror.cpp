@@ -3,6 +3,7 @@
 #include <zorvan/hosts/internal/EventInProgress.h>
 #include <zorvan/hosts/internal/ViewWidget.h>
 #include <zorvan/hosts/internal/WindowWidget.h>
+#include <zorvan/hosts/internal/plainTexts.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 
 #include <QAccessible>
@@ -51,7 +52,7 @@ void ViewMirror::frameDidChange() {
 void ViewMirror::propertiesDidChange() {
     if (widget_.parentWidget())
         widget_.setVisible(!shown_->isHidden());
-    widget_.setToolTip(toQString(shown_->toolTip()).toHtmlEscaped());
+    widget_.setToolTip(plainToolTip(toQString(shown_->toolTip())));
     if (shown_->cursor() != NSCursor::arrow)
         widget_.setCursor(shape(shown_->cursor()));
     else if (widget_.testAttribute(Qt::WA_SetCursor) && !widget_.inherits("QLineEdit"))

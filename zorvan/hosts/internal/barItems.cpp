@@ -5,6 +5,8 @@
 #include <zorvan/hosts/internal/QtMenus.h>
 #include <zorvan/hosts/internal/icons.h>
 #include <zorvan/hosts/internal/makeWidget.h>
+#include <zorvan/hosts/internal/plainTexts.h>
+#include <zorvan/hosts/internal/toolButtons.h>
 #include <zorvan/hosts/internal/viewGeometry.h>
 #include <zorvan/interface/NSButton.h>
 #include <zorvan/interface/NSMenuToolbarItem.h>
@@ -45,6 +47,8 @@ QWidget* makeViewWidget(const std::shared_ptr<NSView>& view, QWidget* parent) {
 }
 
 void addViewToMenu(const std::shared_ptr<NSView>& view, const QString& label, QMenu& menu) {
+    if (view->isHidden())
+        return;
     const auto button = std::dynamic_pointer_cast<NSButton>(view);
     if (!button) {
         auto* const action = new QWidgetAction(&menu);
@@ -53,25 +57,24 @@ void addViewToMenu(const std::shared_ptr<NSView>& view, const QString& label, QM
         return menu.addAction(action);
     }
     const QString text = firstOf(button->title(), view->accessibilityLabel());
-    addLine(menu, iconOf(button->image()), label.isEmpty() ? text : label, button->isEnabled(),
-            [button] { button->performClick(); });
+    addLine(menu, iconOf(button->image()), withoutKeyMark(label.isEmpty() ? text : label),
+            button->isEnabled(), [button] { button->performClick(); });
 }
 
 // An image that is pressed, or opens a menu
 
-QString nameOf(const NSToolbarItem& item) {
-    return firstOf(item.label(), item.title().empty() ? item.toolTip() : item.title());
-}
-
-void showOnButton(const NSToolbarItem& item, QToolButton& button) {
-    button.setIcon(iconOf(item.image()));
-    button.setText(firstOf(item.title(), item.label()));
+void followItem(const NSToolbarItem& item, QToolButton& button) {
+    showOnButton(item, button);
+    button.setText(withoutKeyMark(firstOf(item.title(), item.label())));
     button.setToolButtonStyle(item.image() && item.title().empty() ? Qt::ToolButtonIconOnly
                               : item.image()                       ? Qt::ToolButtonTextBesideIcon
                                                                    : Qt::ToolButtonTextOnly);
-    button.setToolTip(firstOf(item.toolTip(), item.label()).toHtmlEscaped());
-    button.setAccessibleName(nameOf(item));
-    button.setEnabled(item.isEnabled());
+    const auto* const menuItem = dynamic_cast<const NSMenuToolbarItem*>(&item);
+    const QString look = menuItem && !menuItem->showsIndicator()
+                             ? QStringLiteral("QToolButton::menu-indicator { image: none; }")
+                             : QString();
+    if (button.styleSheet() != look)
+        button.setStyleSheet(look);
 }
 
 QToolButton* makeButton(const std::shared_ptr<NSToolbarItem>& item, QWidget* parent) {
@@ -87,13 +90,11 @@ QToolButton* makeButton(const std::shared_ptr<NSToolbarItem>& item, QWidget* par
         return button;
     }
     setMenu(*button, [menuItem](QMenu& menu) { fillMenu(menu, menuItem->menu()); });
-    if (!menuItem->showsIndicator())
-        button->setStyleSheet(QStringLiteral("QToolButton::menu-indicator { image: none; }"));
     return button;
 }
 
 void addItemToMenu(const std::shared_ptr<NSToolbarItem>& item, QMenu& menu) {
-    const QString text = nameOf(*item);
+    const QString text = withoutKeyMark(nameOf(*item));
     if (const auto menuItem = std::dynamic_pointer_cast<NSMenuToolbarItem>(item)) {
         QMenu* const inner = menu.addMenu(iconOf(item->image()), text);
         inner->setEnabled(item->isEnabled());
@@ -161,7 +162,7 @@ BarItem toolbarItem(const std::shared_ptr<NSToolbarItem>& item, NSToolbar::Displ
                std::dynamic_pointer_cast<NSMenuToolbarItem>(item)) {
         bar.make = [item](QWidget* parent) { return makeButton(item, parent); };
         bar.update = [item](QWidget& widget) {
-            showOnButton(*item, static_cast<QToolButton&>(widget));
+            followItem(*item, static_cast<QToolButton&>(widget));
         };
         bar.addToMenu = [item](QMenu& menu) { addItemToMenu(item, menu); };
     }
