@@ -134,7 +134,8 @@ TEST_F(ToolbarHostTest, EveryToolIsReachedInANarrowWindow) {
     ASSERT_TRUE(overflow && overflow->isVisible());
     EXPECT_LE(top().width(), 120);
     EXPECT_FALSE(widgetFor(*field)->isVisible());
-    trash().setFocus();
+    press(Qt::Key_F10);
+    EXPECT_EQ(QApplication::focusWidget(), &trash());
     press(Qt::Key_Tab);
     EXPECT_EQ(QApplication::focusWidget(), overflow) << "reached by Tab";
     QMenu& menu = *overflow->menu();
@@ -196,6 +197,13 @@ TEST_F(ToolbarHostTest, LabelsFollowTheDisplayMode) {
     EXPECT_EQ(window->contentSize(), CGSize(700, 200));
     EXPECT_EQ(labels(Mode::labelOnly), all);
     EXPECT_EQ(trash().height(), 0);
+    for (auto* const label : top().findChildren<QLabel*>())
+        if (label->text() == "Delete" || label->text() == "Order")
+            QTest::mouseClick(label, Qt::LeftButton);
+    EXPECT_EQ(done, "d");
+    ASSERT_TRUE(openMenu());
+    EXPECT_EQ(openMenu()->actions()[0]->text(), "Order");
+    openMenu()->close();
     EXPECT_EQ(labels(Mode::iconOnly), QStringList());
     EXPECT_GT(trash().height(), 0);
 }
@@ -216,6 +224,10 @@ TEST_F(ToolbarHostTest, ASeparatorFollowsTheDivider) {
         lines.removeIf([](const QFrame* frame) { return frame->frameShape() != QFrame::VLine; });
         ASSERT_EQ(lines.size(), 1);
         EXPECT_NEAR(left(*lines[0]), position, 2);
+        EXPECT_GT(lines[0]->height(), 20);
+        other->toolbar()->setDisplayMode(NSToolbar::DisplayMode::labelOnly);
+        settle();
+        other->toolbar()->setDisplayMode(NSToolbar::DisplayMode::iconOnly);
     }
 }
 
@@ -245,6 +257,13 @@ TEST_F(ToolbarHostTest, ATouchBarStandsAtTheBottom) {
     EXPECT_GT(inWindow(shown).y(), top().height() - 60);
     click(*button);
     EXPECT_EQ(done, "n");
+    const auto* const overflow = shown.parentWidget()->parentWidget()->findChild<QToolButton*>();
+    EXPECT_GT(overflow->palette().buttonText().color().lightness(), 200) << "on a dark ground";
+    const auto later = NSButton::create({.title = "Later"});
+    content->addSubview(later);
+    widgetFor(*field)->setFocus();
+    press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), widgetFor(*later)) << "before the touch bar";
     window->setTouchBar(nullptr);
     EXPECT_FALSE(widgetFor(*button) && widgetFor(*button)->isVisible());
 }

@@ -90,23 +90,57 @@ public:
     bool canShow(const BarItem& item) const { return (widget_ != nullptr) == !!item.make; }
 
     void follow(const BarItem& item) {
+        addToMenu_ = item.showsWidget ? nullptr : item.addToMenu;
         if (widget_ && item.showsWidget && widget_->maximumHeight() == 0) {
-            widget_->setMinimumHeight(0);
-            widget_->setMaximumHeight(QWIDGETSIZE_MAX);
+            widget_->setMinimumHeight(shortest_);
+            widget_->setMaximumHeight(tallest_);
         }
         if (widget_ && item.update)
             item.update(*widget_);
-        if (widget_ && !item.showsWidget)
+        if (widget_ && !item.showsWidget && widget_->maximumHeight() > 0) {
+            shortest_ = widget_->minimumHeight();
+            tallest_ = widget_->maximumHeight();
             widget_->setFixedHeight(0);
+        }
         label_.setText(item.label);
         label_.setEnabled(item.isEnabled);
         label_.setVisible(!item.label.isEmpty());
     }
 
+protected:
+    void mousePressEvent(QMouseEvent*) override {}
+    void mouseReleaseEvent(QMouseEvent* event) override {
+        if (event->button() == Qt::LeftButton && label_.isEnabled() &&
+            label_.geometry().contains(event->position().toPoint()))
+            pressLabel();
+    }
+
 private:
+    /// Does what the widget does when it is pressed, or shows what stands in its place.
+    void pressLabel() {
+        const EventInProgress inProgress;
+        auto* const tool = qobject_cast<QToolButton*>(widget_);
+        if (tool && tool->menu())
+            tool->showMenu();
+        else if (auto* const button = qobject_cast<QAbstractButton*>(widget_))
+            button->click();
+        else if (addToMenu_)
+            openMenu();
+    }
+    void openMenu() {
+        auto* const menu = new QMenu(this);
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        addToMenu_(*menu);
+        menu->popup(label_.mapToGlobal(label_.rect().bottomLeft()));
+    }
+
     QVBoxLayout* const layout_;
     QWidget* widget_;
     QLabel label_;
+    /// Empty while the widget is shown.
+    std::function<void(QMenu&)> addToMenu_;
+    /// What the widget may be, while it is not shown.
+    int shortest_ = 0, tallest_ = 0;
 };
 
 struct Place {
@@ -114,30 +148,19 @@ struct Place {
     Cell* cell = nullptr; // null for a space
 };
 
-/// Lets Tab go from each to the next, and from the last to `behind`, which goes along with each of
-/// them: to Qt, what is first of all follows the last already, until more is made behind that.
-void orderFocus(const QWidget& cell, QWidget*& last, QWidget* behind) {
-    for (QWidget* const widget : cell.findChildren<QWidget*>()) {
-        if (widget->focusPolicy() == Qt::NoFocus)
-            continue;
-        if (last)
-            QWidget::setTabOrder(last, widget);
-        QWidget::setTabOrder(widget, behind);
-        last = widget;
-    }
-}
-
 } // namespace
 
 class ItemBar::Row : public QWidget {
 public:
-    explicit Row(QWidget* parent) : QWidget(parent), more_(new QToolButton(this)) {
+    Row(Kind kind, QWidget* parent) : QWidget(parent), more_(new QToolButton(this)) {
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         more_->setText(QStringLiteral("»"));
         more_->setAccessibleName(QToolBar::tr("More tools"));
         more_->setToolTip(QToolBar::tr("More tools"));
         more_->setAutoRaise(true);
         more_->setFocusPolicy(Qt::TabFocus);
+        if (kind == Kind::touchBar)
+            more_->setPalette(QPalette(QColor(58, 58, 58))); // with light text
         setMenu(*more_, [this](QMenu& menu) {
             for (const Place& place : places_)
                 if (place.cell && place.cell->isHidden() && place.item.addToMenu)
@@ -165,10 +188,6 @@ public:
         for (const Place& place : before)
             if (place.cell)
                 retireWidget(*place.cell);
-        QWidget* last = nullptr;
-        for (const Place& place : places_)
-            if (place.cell)
-                orderFocus(*place.cell, last, more_);
         updateGeometry();
         placeItems();
     }
@@ -210,14 +229,15 @@ public:
         putAt(*more_, width() - margin - more_->sizeHint().width(), more_->sizeHint().width());
     }
 
-    bool focusFirst() {
-        for (QWidget* const widget : findChildren<QWidget*>())
-            if (widget->isVisible() && widget->isEnabled() &&
-                (widget->focusPolicy() & Qt::TabFocus)) {
-                widget->setFocus(Qt::ShortcutFocusReason);
-                return true;
-            }
-        return false;
+    std::vector<QWidget*> keyWidgets() const {
+        std::vector<QWidget*> found;
+        for (const Place& place : places_)
+            for (QWidget* const widget :
+                 place.cell ? place.cell->findChildren<QWidget*>() : QList<QWidget*>())
+                if (widget->focusPolicy() & Qt::TabFocus)
+                    found.push_back(widget);
+        found.push_back(more_);
+        return found;
     }
 
 protected:
@@ -268,7 +288,7 @@ ItemBar::ItemBar(Kind kind, QWidget* parent) : QToolBar(parent), kind_(kind) {
     setIconSize(QSize(20, 20));
     setWindowTitle(kind == Kind::toolbar ? QToolBar::tr("Toolbar") : QToolBar::tr("Touch bar"));
     setAccessibleName(windowTitle());
-    row_ = new Row(this);
+    row_ = new Row(kind, this);
     addWidget(row_);
 }
 
@@ -276,7 +296,18 @@ void ItemBar::show(BarItems items) { row_->show(std::move(items)); }
 
 void ItemBar::placeItems() { row_->placeItems(); }
 
-bool ItemBar::focusFirst() { return isVisible() && row_->focusFirst(); }
+std::vector<QWidget*> ItemBar::keyWidgets() const { return row_->keyWidgets(); }
+
+bool ItemBar::focusFirst() {
+    const auto widgets = keyWidgets();
+    const auto first = std::find_if(widgets.begin(), widgets.end(), [](const QWidget* widget) {
+        return widget->isVisible() && widget->isEnabled();
+    });
+    if (first == widgets.end())
+        return false;
+    (*first)->setFocus(Qt::ShortcutFocusReason);
+    return true;
+}
 
 void ItemBar::paintEvent(QPaintEvent* event) {
     if (kind_ == Kind::toolbar)

@@ -18,6 +18,8 @@ public:
     using QToolBar::show;
     /// What stands above a divider may have moved.
     void placeItems();
+    /// What Tab goes to, in order.
+    std::vector<QWidget*> keyWidgets() const;
     /// Gives the keyboard to the first item that takes it; false when there is none.
     bool focusFirst();
 

@@ -13,6 +13,8 @@
 #include <QKeyEvent>
 #include <QPointer>
 #include <QWindow>
+#include <algorithm>
+#include <iterator>
 #include <set>
 #include <utility>
 #include <vector>
@@ -53,10 +55,7 @@ private:
 };
 
 WindowWidget::WindowWidget(std::shared_ptr<NSWindow> window)
-    : window_(std::move(window)),
-      // Tab goes through the parts of the window in the order in which they are made.
-      toolbar_(window_->toolbar() ? addBar(ItemBar::Kind::toolbar) : nullptr),
-      holder_(new ContentHolder(window_, this)) {
+    : window_(std::move(window)), holder_(new ContentHolder(window_, this)) {
     setContextMenuPolicy(Qt::NoContextMenu); // which would let the bars be hidden
     setCentralWidget(holder_);
     subscribe(NSWindow::willCloseNotification, &WindowWidget::closeAlong);
@@ -156,6 +155,7 @@ void WindowWidget::followBar(ItemBar*& shown, ItemBar::Kind kind, const std::sha
     const int now = roomOfBar();
     if (now != before && isVisible() && !isSizedByDesktop())
         resize(width(), height() + now - before);
+    orderKeyViewsLater();
 }
 
 bool WindowWidget::isSizedByDesktop() const {
@@ -204,9 +204,25 @@ void orderFrom(std::shared_ptr<NSView> view, QWidget& window, std::set<const NSV
 
 } // namespace
 
+/// From the toolbar to the content, where what stands in order stays so, and to the touch bar. What
+/// is made later stands last for Qt, wherever it is.
+void WindowWidget::orderParts() {
+    std::vector<QWidget*> widgets;
+    if (toolbar_)
+        widgets = toolbar_->keyWidgets();
+    for (QWidget* widget = nextInFocusChain(); widget != this; widget = widget->nextInFocusChain())
+        if (holder_->isAncestorOf(widget) && (widget->focusPolicy() & Qt::TabFocus))
+            widgets.push_back(widget);
+    if (touchBar_)
+        std::ranges::copy(touchBar_->keyWidgets(), std::back_inserter(widgets));
+    for (std::size_t i = 1; i < widgets.size(); ++i)
+        QWidget::setTabOrder(widgets[i - 1], widgets[i]);
+}
+
 /// Each chain from its beginning, because what is put behind another view leaves its old place.
 void WindowWidget::orderKeyViews() {
     willOrderKeyViews_ = false;
+    orderParts();
     std::vector<std::shared_ptr<NSView>> naming;
     std::set<const NSView*> named, ordered;
     for (const QWidget* const widget : findChildren<QWidget*>())

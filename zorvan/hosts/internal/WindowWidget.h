@@ -61,6 +61,7 @@ private:
     void comeToFront();
     void followLooks();
     void orderKeyViews();
+    void orderParts();
 
     const std::shared_ptr<NSWindow> window_;
     std::vector<std::shared_ptr<NoteSubscriber>> subscribers_;
