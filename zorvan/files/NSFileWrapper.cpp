@@ -49,12 +49,13 @@ Data bytesOf(const std::string& path, const FileIdentity& identity) {
     Data bytes;
     Data chunk(std::size_t{1} << 16);
     for (;;) {
-        const ssize_t count = ::read(file.get(), chunk.data(), chunk.size());
+        const ssize_t count =
+            internal::uninterrupted([&] { return ::read(file.get(), chunk.data(), chunk.size()); });
+        if (count < 0)
+            throwFileError("cannot read", path, errno);
         if (count == 0)
             return bytes;
-        if (count < 0 && errno != EINTR)
-            throwFileError("cannot read", path, errno);
-        bytes.insert(bytes.end(), chunk.begin(), chunk.begin() + std::max<ssize_t>(count, 0));
+        bytes.insert(bytes.end(), chunk.begin(), chunk.begin() + count);
     }
 }
 
@@ -62,12 +63,8 @@ void writeBytes(std::span<const std::byte> bytes, const std::string& path) {
     const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (!file)
         throwFileError("cannot create", path, errno);
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(file.get(), bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR)
-            throwFileError("cannot write", path, errno);
-        bytes = bytes.subspan(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
-    }
+    if (const int error = internal::writeAll(file.get(), bytes))
+        throwFileError("cannot write", path, error);
 }
 
 /// Gives permissions to a folder, where the volume has any.

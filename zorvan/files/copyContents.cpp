@@ -1,4 +1,5 @@
 #include <zorvan/files/internal/CopyItem.h>
+#include <zorvan/platform/foundation/internal/FileDescriptor.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -28,18 +29,18 @@ Progress copyThroughMemory(int from, int to, off_t position, off_t end) {
     std::vector<std::byte> buffer(bufferSize);
     while (position < end) {
         const auto wanted = static_cast<std::size_t>(std::min<off_t>(end - position, bufferSize));
-        const ssize_t count = ::pread(from, buffer.data(), wanted, position);
-        if (count < 0 && errno == EINTR)
-            continue;
+        const ssize_t count =
+            internal::uninterrupted([&] { return ::pread(from, buffer.data(), wanted, position); });
         if (count <= 0)
             return {position, count < 0 ? errno : 0};
         for (ssize_t written = 0; written < count;) {
-            const ssize_t step =
-                ::pwrite(to, buffer.data() + written, static_cast<std::size_t>(count - written),
-                         position + written);
-            if (step < 0 && errno != EINTR)
+            const ssize_t step = internal::uninterrupted([&] {
+                return ::pwrite(to, buffer.data() + written,
+                                static_cast<std::size_t>(count - written), position + written);
+            });
+            if (step < 0)
                 return {position, errno};
-            written += std::max<ssize_t>(step, 0);
+            written += step;
         }
         position += count;
     }
@@ -57,9 +58,8 @@ Progress copyRange(int from, int to, off_t position, off_t end, bool startsWriti
         off_t source = position;
         off_t target = position;
         const auto wanted = static_cast<std::size_t>(std::min(end - position, kernelStep));
-        const ssize_t count = ::copy_file_range(from, &source, to, &target, wanted, 0);
-        if (count < 0 && errno == EINTR)
-            continue;
+        const ssize_t count = internal::uninterrupted(
+            [&] { return ::copy_file_range(from, &source, to, &target, wanted, 0); });
         // Some file systems tell an end where there is none.
         if (count == 0 || (count < 0 && isRefusal(errno)))
             return copyThroughMemory(from, to, position, end);

@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <climits>
 #include <clocale>
 #include <fcntl.h>
@@ -180,10 +179,8 @@ private:
         auto left =
             static_cast<std::size_t>(status.st_size); // what comes to it meanwhile is not taken
         while (left > 0) {
-            const ssize_t count =
-                ::read(file.get(), buffer_.data(), std::min(left, buffer_.size()));
-            if (count < 0 && errno == EINTR)
-                continue;
+            const ssize_t count = uninterrupted(
+                [&] { return ::read(file.get(), buffer_.data(), std::min(left, buffer_.size())); });
             if (count <= 0)
                 return false;
             const auto size = static_cast<std::size_t>(count);

@@ -100,11 +100,10 @@ private:
     int read(std::span<std::uint8_t> to) {
         const auto lead = std::min<std::int64_t>(position_, StatedLengths::longest - 1);
         const std::int64_t start = position_ - lead;
-        ssize_t count = 0;
-        do
-            count = pread(file_.get(), window_.data(), to.size() + static_cast<std::size_t>(lead),
-                          start);
-        while (count < 0 && errno == EINTR);
+        const ssize_t count = internal::uninterrupted([&] {
+            return pread(file_.get(), window_.data(), to.size() + static_cast<std::size_t>(lead),
+                         start);
+        });
         if (count < 0)
             return AVERROR(errno);
         readsAtEnd_ = count <= lead ? readsAtEnd_ + 1 : 0;

@@ -36,10 +36,10 @@ private:
 std::size_t readAt(int file, std::uint64_t offset, void* out, std::size_t count) noexcept {
     std::size_t done = 0;
     while (done < count) {
-        const ssize_t got = pread(file, static_cast<char*>(out) + done, count - done,
-                                  static_cast<off_t>(offset + done));
-        if (got < 0 && errno == EINTR)
-            continue;
+        const ssize_t got = internal::uninterrupted([&] {
+            return pread(file, static_cast<char*>(out) + done, count - done,
+                         static_cast<off_t>(offset + done));
+        });
         if (got <= 0)
             break;
         done += static_cast<std::size_t>(got);

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <sodium.h>
@@ -49,10 +48,10 @@ Secret contentsOf(const FileDescriptor& file) {
     Secret contents(fileSize + 1);
     std::size_t filled = 0;
     while (filled < contents.bytes().size()) {
-        const ssize_t count =
-            ::read(file.get(), contents.bytes().data() + filled, contents.bytes().size() - filled);
-        if (count < 0 && errno == EINTR)
-            continue;
+        const ssize_t count = zorvan::internal::uninterrupted([&] {
+            return ::read(file.get(), contents.bytes().data() + filled,
+                          contents.bytes().size() - filled);
+        });
         if (count < 0)
             throw Failure{errSecIO};
         if (count == 0)

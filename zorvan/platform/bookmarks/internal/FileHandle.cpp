@@ -51,9 +51,8 @@ std::string FileHandle::currentPath(const std::string& neighbour) const {
     const FileDescriptor file(::open_by_handle_at(volume.get(), buffer.get(), O_PATH | O_CLOEXEC));
     if (!file)
         return {};
-    const std::string link = "/proc/self/fd/" + std::to_string(file.get());
     std::string path(PATH_MAX, '\0');
-    const ssize_t size = ::readlink(link.c_str(), path.data(), path.size());
+    const ssize_t size = ::readlink(file.path().c_str(), path.data(), path.size());
     struct stat status {};
     const bool isGone = ::fstat(file.get(), &status) != 0 || status.st_nlink == 0;
     path.resize(size > 0 ? static_cast<std::size_t>(size) : 0);

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cerrno>
+#include <cstddef>
+#include <span>
+#include <string>
 #include <sys/file.h>
 #include <unistd.h>
 #include <utility>
@@ -27,18 +30,37 @@ public:
     /// Gives the descriptor away.
     int release() noexcept { return std::exchange(descriptor_, -1); }
     explicit operator bool() const noexcept { return descriptor_ >= 0; }
+    /// Leads to what is open, whatever name that has by now.
+    std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
 
 private:
     int descriptor_ = -1;
 };
 
-/// `flock`, begun again after signals. False when the lock cannot be had.
+/// What a system call gives that is made again for as long as signals interrupt it.
+template <class Call>
+auto uninterrupted(Call call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
+
+/// False when the lock cannot be had.
 inline bool lockDescriptor(int descriptor, int operation) noexcept {
-    int result = 0;
-    do
-        result = ::flock(descriptor, operation);
-    while (result != 0 && errno == EINTR);
-    return result == 0;
+    return uninterrupted([&] { return ::flock(descriptor, operation); }) == 0;
+}
+
+/// Writes all of the bytes. An error number, or 0.
+inline int writeAll(int descriptor, std::span<const std::byte> bytes) noexcept {
+    while (!bytes.empty()) {
+        const ssize_t count =
+            uninterrupted([&] { return ::write(descriptor, bytes.data(), bytes.size()); });
+        if (count < 0)
+            return errno;
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+    return 0;
 }
 
 } // namespace zorvan::internal

@@ -11,20 +11,15 @@ namespace zorvan::internal {
 
 namespace {
 
-std::string namelessPath(const FileDescriptor& file) {
-    return "/proc/self/fd/" + std::to_string(file.get());
-}
-
 /// A file without a name, where the volume has such, and it can be given one later.
 FileDescriptor namelessFile(const std::string& folder, mode_t mode) {
     FileDescriptor file(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, mode));
-    return file && ::access(namelessPath(file).c_str(), F_OK) == 0 ? std::move(file)
-                                                                   : FileDescriptor();
+    return file && ::access(file.path().c_str(), F_OK) == 0 ? std::move(file) : FileDescriptor();
 }
 
 int linked(const FileDescriptor& file, const std::string& path) {
     const int result =
-        ::linkat(AT_FDCWD, namelessPath(file).c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW);
+        ::linkat(AT_FDCWD, file.path().c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW);
     return result == 0 ? 0 : errno;
 }
 
@@ -43,13 +38,7 @@ NewFile::NewFile(const std::string& scratchName, mode_t mode)
 }
 
 int NewFile::write(std::span<const std::byte> bytes) const noexcept {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(file_.get(), bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR)
-            return errno;
-        bytes = bytes.subspan(static_cast<std::size_t>(count < 0 ? 0 : count));
-    }
-    return 0;
+    return writeAll(file_.get(), bytes);
 }
 
 int NewFile::synchronise() const noexcept { return ::fsync(file_.get()) == 0 ? 0 : errno; }

@@ -26,12 +26,8 @@ FileDescriptor openLeased(int folder, const char* name, int flags) {
         ifRegular(FileDescriptor(::openat(folder, name, O_PATH | O_CLOEXEC | flags)), status);
     if (!item)
         return {};
-    const std::string path = "/proc/self/fd/" + std::to_string(item.get());
-    FileDescriptor file;
-    do
-        file = FileDescriptor(::open(path.c_str(), readFlags));
-    while (!file && errno == EINTR);
-    return file;
+    const std::string path = item.path();
+    return FileDescriptor(uninterrupted([&] { return ::open(path.c_str(), readFlags); }));
 }
 
 } // namespace

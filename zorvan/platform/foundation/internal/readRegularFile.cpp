@@ -33,9 +33,8 @@ std::optional<std::string> readRegularFile(const std::string& path, std::size_t 
     std::string text;
     // To the end, whatever the size said: files of some file systems say 0.
     for (std::vector<char> chunk(std::clamp<std::size_t>(most, 1, 65536));;) {
-        const ssize_t count = ::read(file.get(), chunk.data(), chunk.size());
-        if (count < 0 && errno == EINTR)
-            continue;
+        const ssize_t count =
+            uninterrupted([&] { return ::read(file.get(), chunk.data(), chunk.size()); });
         if (count < 0)
             return std::nullopt;
         if (count == 0)

@@ -38,10 +38,9 @@ void OutgoingLink::add(std::shared_ptr<const Data> frame) {
 bool OutgoingLink::flush() {
     while (!frames_.empty()) {
         const auto rest = std::span(*frames_.front()).subspan(written_);
-        const ssize_t sent =
-            ::send(descriptor(), rest.data(), rest.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
-        if (sent < 0 && errno == EINTR)
-            continue;
+        const ssize_t sent = uninterrupted([&] {
+            return ::send(descriptor(), rest.data(), rest.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        });
         if (sent < 0)
             return errno == EAGAIN || errno == EWOULDBLOCK;
         written_ += static_cast<std::size_t>(sent);

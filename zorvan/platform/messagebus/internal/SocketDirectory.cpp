@@ -73,7 +73,7 @@ std::optional<SocketDirectory> SocketDirectory::open() {
 }
 
 std::string SocketDirectory::path(const std::string& name) const {
-    return "/proc/self/fd/" + std::to_string(directory_.get()) + "/" + name;
+    return directory_.path() + "/" + name;
 }
 
 FileDescriptor SocketDirectory::listen() const {
