@@ -1,5 +1,6 @@
 #include <zorvan/platform/avfoundation/internal/BufferedBytes.h>
 #include <zorvan/platform/avfoundation/internal/StatedLengths.h>
+#include <zorvan/platform/foundation/internal/byteNumbers.h>
 
 namespace zorvan::avfoundation {
 namespace {
@@ -24,10 +25,9 @@ constexpr Statement statements[] = {
 constexpr std::int64_t mostNotThere = 1 << 16;
 
 std::uint32_t number(std::string_view bytes, bool isBigEndian) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-        value = value << 8 | static_cast<std::uint8_t>(bytes[isBigEndian ? i : 3 - i]);
-    return value;
+    const auto order = isBigEndian ? std::endian::big : std::endian::little;
+    const auto four = std::as_bytes(std::span(bytes)).first(4);
+    return static_cast<std::uint32_t>(internal::numberOf(four, order));
 }
 
 /// Where the first bytes are that belong to no tag of ID3.

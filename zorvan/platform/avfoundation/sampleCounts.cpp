@@ -1,5 +1,6 @@
 #include <zorvan/platform/avfoundation/internal/BufferedBytes.h>
 #include <zorvan/platform/avfoundation/internal/sampleCounts.h>
+#include <zorvan/platform/foundation/internal/byteNumbers.h>
 
 #include <algorithm>
 #include <array>
@@ -16,10 +17,8 @@ namespace {
 using Bytes = std::array<char, 16>;
 
 std::uint32_t number(const Bytes& bytes, std::size_t offset) {
-    std::uint32_t value = 0;
-    for (const char byte : std::string_view(bytes.data() + offset, 4))
-        value = value << 8 | static_cast<std::uint8_t>(byte);
-    return value;
+    const auto four = std::as_bytes(std::span(bytes)).subspan(offset, 4);
+    return static_cast<std::uint32_t>(internal::numberOf(four, std::endian::big));
 }
 
 constexpr bool isOneOf(std::string_view type, std::string_view types) {

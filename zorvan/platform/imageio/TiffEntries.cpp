@@ -88,10 +88,7 @@ std::vector<TiffEntry> readTiffEntries(ByteSource& source, const TiffForm& form,
 }
 
 void appendNumber(Data& out, std::uint64_t value, std::size_t width, bool bigEndian) {
-    for (std::size_t i = 0; i < width; ++i) {
-        const std::size_t shift = 8 * (bigEndian ? width - 1 - i : i);
-        out.push_back(static_cast<std::byte>(value >> shift & 0xFF));
-    }
+    internal::appendNumber(out, value, width, bigEndian ? std::endian::big : std::endian::little);
 }
 
 void appendTiffDirectory(Data& out, std::span<const TiffEntry> entries, const TiffForm& form) {

@@ -1,8 +1,8 @@
+#include <zorvan/platform/foundation/internal/byteNumbers.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
 
-#include <algorithm>
 #include <bit>
 #include <string>
 
@@ -15,13 +15,7 @@ using Bytes = std::span<const std::byte>;
 constexpr std::size_t magicSize = sizeof binaryMagic - 1;
 constexpr std::size_t trailerSize = 32;
 
-/// A big-endian number of up to eight bytes.
-std::uint64_t number(Bytes bytes) {
-    std::uint64_t value = 0;
-    for (const std::byte byte : bytes)
-        value = value << 8 | std::to_integer<std::uint64_t>(byte);
-    return value;
-}
+std::uint64_t number(Bytes bytes) { return internal::numberOf(bytes, std::endian::big); }
 
 /// The layout: the magic, the objects, the table of their offsets, and a trailer that says where
 /// the table is. A container holds the numbers of its objects in that table.

@@ -1,4 +1,5 @@
 #include <zorvan/platform/foundation/internal/KeyedHash.h>
+#include <zorvan/platform/foundation/internal/byteNumbers.h>
 #include <zorvan/platform/propertylist/PropertyListFile.h>
 #include <zorvan/platform/propertylist/internal/Codecs.h>
 #include <zorvan/platform/propertylist/internal/TextForms.h>
@@ -23,8 +24,7 @@ unsigned bytesFor(std::uint64_t number) {
 }
 
 void appendNumber(Data& bytes, std::uint64_t number, unsigned size) {
-    for (unsigned i = size; i-- > 0;)
-        bytes.push_back(static_cast<std::byte>(number >> (8 * i)));
+    internal::appendNumber(bytes, number, size, std::endian::big);
 }
 
 /// Numbers the objects in a first pass, since the size of a reference depends on how many there
@@ -203,9 +203,8 @@ private:
     }
 
     void setReference(std::size_t at, std::size_t index, std::uint64_t object) {
-        for (unsigned i = 0; i < referenceSize_; ++i)
-            bytes_[at + index * referenceSize_ + i] =
-                static_cast<std::byte>(object >> (8 * (referenceSize_ - 1 - i)));
+        const auto place = std::span(bytes_).subspan(at + index * referenceSize_, referenceSize_);
+        internal::putNumber(place, object, std::endian::big);
     }
 
     std::uint64_t writeArray(const PropertyList::Array& array) {

@@ -1,5 +1,7 @@
 #include <zorvan/platform/security/internal/SecureItem.h>
 
+#include <zorvan/platform/foundation/internal/byteNumbers.h>
+
 #include <algorithm>
 #include <span>
 #include <string_view>
@@ -18,8 +20,7 @@ void append(Data& bytes, std::string_view text) {
 }
 
 void append(Data& bytes, std::uint64_t number) {
-    for (int shift = 56; shift >= 0; shift -= 8)
-        bytes.push_back(static_cast<std::byte>(number >> shift));
+    zorvan::internal::appendNumber(bytes, number, 8, std::endian::big);
 }
 
 } // namespace
@@ -53,10 +54,8 @@ std::optional<std::int64_t> referenceIn(const Data& persistentReference) {
     if (persistentReference.size() != referenceSize ||
         !std::equal(magic.begin(), magic.end(), persistentReference.begin()))
         return std::nullopt;
-    std::uint64_t number = 0;
-    for (std::size_t i = magic.size(); i < referenceSize; ++i)
-        number = number << 8 | std::to_integer<std::uint64_t>(persistentReference[i]);
-    return static_cast<std::int64_t>(number);
+    const auto number = std::span(persistentReference).subspan(magic.size());
+    return static_cast<std::int64_t>(zorvan::internal::numberOf(number, std::endian::big));
 }
 
 } // namespace zorvan::security

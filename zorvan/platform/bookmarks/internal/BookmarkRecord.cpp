@@ -1,5 +1,7 @@
 #include <zorvan/platform/bookmarks/internal/BookmarkRecord.h>
 
+#include <zorvan/platform/foundation/internal/byteNumbers.h>
+
 #include <climits>
 #include <string_view>
 
@@ -10,8 +12,7 @@ namespace {
 constexpr std::string_view magic("zbmk\x01", 5);
 
 void append(Data& bytes, std::uint64_t number, unsigned size) {
-    for (unsigned i = 0; i < size; ++i)
-        bytes.push_back(static_cast<std::byte>(number >> (8 * i)));
+    appendNumber(bytes, number, size, std::endian::little);
 }
 
 /// Takes what there is; too little of it makes all that follows empty and `isWhole` false.
@@ -27,15 +28,7 @@ public:
         return taken;
     }
 
-    std::uint64_t number(unsigned size) {
-        std::uint64_t value = 0;
-        unsigned shift = 0;
-        for (const std::byte byte : take(size)) {
-            value |= static_cast<std::uint64_t>(byte) << shift;
-            shift += 8;
-        }
-        return value;
-    }
+    std::uint64_t number(unsigned size) { return numberOf(take(size), std::endian::little); }
 
     std::string text(std::uint64_t size) {
         const auto bytes = take(size);

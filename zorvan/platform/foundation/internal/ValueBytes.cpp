@@ -1,6 +1,7 @@
 #include <zorvan/platform/foundation/internal/ValueBytes.h>
 
 #include <zorvan/platform/foundation/internal/UTF8.h>
+#include <zorvan/platform/foundation/internal/byteNumbers.h>
 
 #include <bit>
 #include <chrono>
@@ -198,13 +199,7 @@ std::span<const std::byte> ValueReader::take(std::size_t size) {
     return taken;
 }
 
-std::uint64_t ValueReader::readEight() {
-    std::uint64_t bits = 0;
-    const auto bytes = take(8);
-    for (unsigned i = 0; i < 8; ++i)
-        bits |= static_cast<std::uint64_t>(bytes[i]) << (8 * i);
-    return bits;
-}
+std::uint64_t ValueReader::readEight() { return numberOf(take(8), std::endian::little); }
 
 /// Never more than the bytes that are left, as whatever is counted has one at least.
 std::size_t ValueReader::readCount() {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <zorvan/platform/foundation/internal/byteNumbers.h>
+
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -14,11 +17,8 @@ inline std::uint64_t numberAt(Bytes bytes, std::size_t offset, std::size_t width
                               bool isBigEndian) noexcept {
     if (width > bytes.size() || offset > bytes.size() - width)
         return 0;
-    std::uint64_t value = 0;
-    for (std::size_t i = 0; i < width; ++i)
-        value = value << 8 |
-                std::to_integer<std::uint64_t>(bytes[offset + (isBigEndian ? i : width - 1 - i)]);
-    return value;
+    return internal::numberOf(bytes.subspan(offset, width),
+                              isBigEndian ? std::endian::big : std::endian::little);
 }
 
 inline std::uint64_t bigEndian(Bytes bytes, std::size_t offset, std::size_t width) noexcept {

@@ -1,5 +1,6 @@
 #include <zorvan/platform/messagebus/internal/PeerLink.h>
 
+#include <zorvan/platform/foundation/internal/byteNumbers.h>
 #include <zorvan/platform/foundation/internal/unlessOutOfMemory.h>
 #include <zorvan/platform/messagebus/internal/WireFormat.h>
 
@@ -22,8 +23,7 @@ constexpr std::size_t readSize = 64 << 10;
 
 std::shared_ptr<const Data> framed(const Data& message) {
     Data frame(headerSize + message.size());
-    for (std::size_t i = 0; i < headerSize; ++i)
-        frame[i] = static_cast<std::byte>(message.size() >> (8 * i) & 0xFF);
+    putNumber(std::span(frame).first(headerSize), message.size(), std::endian::little);
     std::ranges::copy(message, frame.begin() + headerSize);
     return std::make_shared<const Data>(std::move(frame));
 }
@@ -65,9 +65,7 @@ bool IncomingLink::receive(const Transport::Receive& receive) {
 bool IncomingLink::passOn(const Transport::Receive& receive) {
     std::span<const std::byte> rest = buffer_;
     while (rest.size() >= headerSize) {
-        std::size_t size = 0;
-        for (std::size_t i = 0; i < headerSize; ++i)
-            size |= static_cast<std::size_t>(rest[i]) << (8 * i);
+        const std::size_t size = numberOf(rest.first(headerSize), std::endian::little);
         if (size > maxWireSize)
             return false;
         if (rest.size() - headerSize < size)
