@@ -92,11 +92,10 @@ std::optional<RGBA> readPlainForm(std::string_view text) noexcept {
 }
 
 void appendByte(std::string& text, double component) {
-    constexpr const char* digits = "0123456789ABCDEF";
     const auto value = static_cast<std::uint32_t>(toByte(component));
     int shift = value < 256 ? 4 : (std::bit_width(value) - 1) / 4 * 4;
     for (; shift >= 0; shift -= 4)
-        text += digits[value >> shift & 15];
+        text += internal::hexDigitOf(value >> shift);
 }
 
 } // namespace

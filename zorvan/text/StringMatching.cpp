@@ -10,9 +10,7 @@ namespace zorvan {
 
 namespace {
 
-bool isDomainPart(char c) noexcept {
-    return internal::isLetter(c) || internal::isDigit(c) || c == '.' || c == '-';
-}
+bool isDomainPart(char c) noexcept { return internal::isAlphanumeric(c) || c == '.' || c == '-'; }
 
 bool isLocalPart(char c) noexcept { return isDomainPart(c) || c == '_' || c == '%' || c == '+'; }
 

@@ -26,8 +26,7 @@ bool isSoundType(std::string_view type) {
     return type.find('/', slash + 1) == std::string_view::npos &&
            type.find("..") == std::string_view::npos &&
            std::all_of(type.begin(), type.end(), [&](char c) {
-               return internal::isLetter(c) || internal::isDigit(c) ||
-                      others.find(c) != std::string_view::npos;
+               return internal::isAlphanumeric(c) || others.find(c) != std::string_view::npos;
            });
 }
 

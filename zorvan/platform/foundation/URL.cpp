@@ -47,7 +47,7 @@ std::string normalised(std::string path) {
 }
 
 bool isSchemeCharacter(char c) {
-    return internal::isLetter(c) || internal::isDigit(c) || c == '+' || c == '-' || c == '.';
+    return internal::isAlphanumeric(c) || c == '+' || c == '-' || c == '.';
 }
 
 /// The length of "scheme" in "scheme:rest", or 0.
@@ -63,8 +63,8 @@ bool isURLText(std::string_view text, bool brackets) {
     constexpr std::string_view others = "-._~:/?@!$&'()*+,;=";
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
-        const bool allowed = static_cast<unsigned char>(c) >= 0x80 || internal::isLetter(c) ||
-                             internal::isDigit(c) || others.find(c) != std::string_view::npos ||
+        const bool allowed = static_cast<unsigned char>(c) >= 0x80 || internal::isAlphanumeric(c) ||
+                             others.find(c) != std::string_view::npos ||
                              (brackets && (c == '[' || c == ']')) ||
                              (c == '%' && internal::percentUnescaped(text.substr(i, 3)));
         if (!allowed)
@@ -105,7 +105,7 @@ bool isAuthority(std::string_view text) {
 
 std::string escaped(std::string_view path) {
     return internal::percentEscaped(path, [](char c) {
-        return internal::isLetter(c) || internal::isDigit(c) ||
+        return internal::isAlphanumeric(c) ||
                std::string_view("-._~/").find(c) != std::string_view::npos;
     });
 }

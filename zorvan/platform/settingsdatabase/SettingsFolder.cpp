@@ -12,9 +12,7 @@ namespace {
 
 constexpr std::size_t maximumNameSize = 200;
 
-bool isPlain(char c) {
-    return internal::isLetter(c) || internal::isDigit(c) || c == '.' || c == '_' || c == '-';
-}
+bool isPlain(char c) { return internal::isAlphanumeric(c) || c == '.' || c == '_' || c == '-'; }
 
 /// Escapes a leading dot too, which would hide the file.
 std::string fileName(std::string_view domain) {

@@ -1,6 +1,7 @@
 #include <zorvan/platform/foundation/internal/Scratch.h>
 
 #include <zorvan/platform/foundation/UUID.h>
+#include <zorvan/platform/foundation/internal/ascii.h>
 #include <zorvan/platform/foundation/internal/placeItem.h>
 #include <zorvan/platform/foundation/internal/removeItem.h>
 
@@ -40,7 +41,7 @@ bool isListAt(const FileDescriptor& file, const std::string& path) noexcept {
 bool isUUID(std::string_view text) noexcept {
     constexpr std::string_view shape = "00000000-0000-0000-0000-000000000000";
     return std::equal(text.begin(), text.end(), shape.begin(), shape.end(), [](char c, char s) {
-        return s == '-' ? c == s : (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
+        return s == '-' ? c == s : isDigit(c) || (c >= 'A' && c <= 'F');
     });
 }
 

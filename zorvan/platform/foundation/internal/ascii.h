@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 namespace zorvan::internal {
@@ -11,6 +12,8 @@ constexpr bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
 constexpr bool isLetter(char c) noexcept {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
+
+constexpr bool isAlphanumeric(char c) noexcept { return isLetter(c) || isDigit(c); }
 
 /// A space, or one of the controls from the tab to the carriage return.
 constexpr bool isSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
@@ -34,5 +37,8 @@ constexpr int hexDigit(char c) noexcept {
     const char lower = lowered(c);
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
+
+/// The hexadecimal digit, in upper case, of the lowest four bits.
+constexpr char hexDigitOf(std::uint32_t value) noexcept { return "0123456789ABCDEF"[value & 15]; }
 
 } // namespace zorvan::internal

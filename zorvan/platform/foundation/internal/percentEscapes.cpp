@@ -5,9 +5,8 @@
 namespace zorvan::internal {
 
 void appendPercentEscape(std::string& text, char byte) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
     const auto value = static_cast<unsigned char>(byte);
-    text += {'%', digits[value >> 4], digits[value & 15]};
+    text += {'%', hexDigitOf(value >> 4u), hexDigitOf(value)};
 }
 
 std::optional<std::string> percentUnescaped(std::string_view text) {

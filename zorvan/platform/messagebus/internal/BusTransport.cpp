@@ -65,7 +65,7 @@ std::string sortKey(std::string_view name) {
     constexpr std::size_t maxLength = 512;
     std::string key;
     for (const char c : name) {
-        if (internal::isDigit(c) || internal::isLetter(c) || c == '.' || c == '_' || c == '-')
+        if (internal::isAlphanumeric(c) || c == '.' || c == '_' || c == '-')
             key += c;
         else
             internal::appendPercentEscape(key, c);

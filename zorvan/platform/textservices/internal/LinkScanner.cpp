@@ -27,8 +27,6 @@ constexpr std::size_t longestLocalPart = 64;
 constexpr std::array<std::string_view, 6> schemesOfHosts = {"http", "https", "ftp",
                                                             "ftps", "ws",    "wss"};
 
-bool isAsciiAlphanumeric(char c) noexcept { return isLetter(c) || isDigit(c); }
-
 /// The end of the code points from `start` on that belong.
 template <class Belongs>
 std::size_t endOfRun(std::string_view text, std::size_t start, Belongs belongs) noexcept {
@@ -60,7 +58,7 @@ bool isLocalPart(UChar32 c) noexcept {
     if (c < 0)
         return false;
     const char ascii = static_cast<char>(c);
-    return isAsciiAlphanumeric(ascii) ||
+    return isAlphanumeric(ascii) ||
            std::string_view("._%+-&'~").find(ascii) != std::string_view::npos;
 }
 
@@ -168,9 +166,9 @@ NSTextCheckingResult LinkScanner::result(std::size_t start, std::size_t end,
 
 std::optional<std::size_t> LinkScanner::schemedEnd(std::size_t start) {
     std::size_t end = start;
-    while (end < text_.size() && end - start < longestScheme &&
-           (isAsciiAlphanumeric(text_[end]) || text_[end] == '+' || text_[end] == '-' ||
-            text_[end] == '.'))
+    while (
+        end < text_.size() && end - start < longestScheme &&
+        (isAlphanumeric(text_[end]) || text_[end] == '+' || text_[end] == '-' || text_[end] == '.'))
         ++end;
     if (end == start || !isLetter(text_[start]) || end == text_.size() || text_[end] != ':')
         return std::nullopt;
@@ -299,7 +297,7 @@ std::size_t LinkScanner::portAndPathEnd(std::size_t start, std::size_t hostEnd) 
             ++port;
         const std::string_view digits = text_.substr(end + 1, port - end - 1);
         const bool isPort = !digits.empty() && (digits.size() < 5 || digits <= "65535");
-        if (isPort && (port == text_.size() || !isAsciiAlphanumeric(text_[port])))
+        if (isPort && (port == text_.size() || !isAlphanumeric(text_[port])))
             end = port;
     }
     if (end < text_.size() && (text_[end] == '/' || text_[end] == '?' || text_[end] == '#'))
