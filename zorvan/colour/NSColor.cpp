@@ -2,8 +2,6 @@
 #include <zorvan/colour/NSGradient.h>
 #include <zorvan/numbers-geometry/RealNumber.h>
 
-#include <cmath>
-
 namespace zorvan {
 
 std::optional<CGColor> CGColor::create(HexString argument) {

@@ -13,7 +13,6 @@
 #include <climits>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace zorvan {
 

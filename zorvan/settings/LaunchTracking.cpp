@@ -1,6 +1,5 @@
 #include <zorvan/text/LaunchTracking.h>
 
-#include <zorvan/platform/foundation/Data.h>
 #include <zorvan/settings/BundleVersionUDC.h>
 #include <zorvan/settings/NSUserDefaults.h>
 #include <zorvan/settings/NumberCoders.h>

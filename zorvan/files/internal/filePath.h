@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <string>
 #include <sys/stat.h>
-#include <system_error>
 
 namespace zorvan::files {
 

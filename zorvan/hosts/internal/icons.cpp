@@ -6,7 +6,6 @@
 #include <QIconEngine>
 #include <QPainter>
 #include <QPalette>
-#include <algorithm>
 
 namespace zorvan::internal {
 

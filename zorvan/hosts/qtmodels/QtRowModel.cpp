@@ -6,7 +6,6 @@
 #include <QItemSelectionModel>
 #include <QMimeData>
 #include <QPointer>
-#include <algorithm>
 #include <limits>
 #include <memory>
 #include <utility>

@@ -5,7 +5,6 @@
 #include <zorvan/platform/graphics/internal/SvgReach.h>
 #include <zorvan/platform/graphics/internal/runOnStack.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <string_view>

@@ -5,7 +5,6 @@
 #include <zorvan/platform/imageio/internal/PixelRows.h>
 #include <zorvan/platform/imageio/internal/YCbCr.h>
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 #include <memory>

@@ -3,6 +3,7 @@
 #include <zorvan/platform/security/internal/Failure.h>
 
 #include <algorithm>
+#include <limits>
 #include <string_view>
 #include <utility>
 

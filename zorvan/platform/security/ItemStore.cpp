@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <compare>
 #include <limits>
 #include <sodium.h>
 #include <span>

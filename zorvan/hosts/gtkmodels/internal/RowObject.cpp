@@ -4,7 +4,6 @@
 
 #include <new>
 #include <utility>
-#include <vector>
 
 using zorvan::internal::LiveRows;
 

@@ -3,7 +3,6 @@
 #include <zorvan/platform/security/internal/SecureItem.h>
 
 #include <cstddef>
-#include <limits>
 #include <optional>
 
 namespace zorvan::security {

@@ -3,7 +3,6 @@
 #include <zorvan/platform/foundation/internal/KeyedHash.h>
 #include <zorvan/platform/settingsdatabase/internal/StoredValue.h>
 
-#include <algorithm>
 #include <system_error>
 #include <unistd.h>
 #include <unordered_map>

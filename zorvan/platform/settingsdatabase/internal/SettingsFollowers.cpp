@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <tuple>
 #include <utility>
 
 namespace zorvan {
