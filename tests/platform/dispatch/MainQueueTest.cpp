@@ -72,19 +72,6 @@ TEST(MainQueue, RunEndsAtTheDeadlineEvenWhenWorkNeverEnds) {
     MainQueue::drain();
 }
 
-TEST(MainQueue, SyncFromElsewhereRunsHereAndBringsResultAndException) {
-    EXPECT_TRUE(NSThread::isMainThread());
-    std::thread other([] {
-        EXPECT_FALSE(NSThread::isMainThread());
-        EXPECT_TRUE(DispatchQueue::main()->sync([] { return NSThread::isMainThread(); }));
-        EXPECT_THROW(DispatchQueue::main()->sync([] { throw std::runtime_error("no"); }),
-                     std::runtime_error);
-        MainQueue::stop();
-    });
-    MainQueue::run();
-    other.join();
-}
-
 TEST(MainQueue, DescriptorIsReadableExactlyWhileWorkIsQueued) {
     const int descriptor = MainQueue::fileDescriptor();
     EXPECT_EQ(MainQueue::fileDescriptor(), descriptor);

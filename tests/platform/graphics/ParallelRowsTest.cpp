@@ -20,19 +20,4 @@ TEST(ParallelRows, EachRowIsVisitedOnceInRangesThatKeepToTheGrain) {
         }
 }
 
-TEST(ParallelRows, NestsAndPassesExceptionsOn) {
-    std::atomic<std::int64_t> sum = 0;
-    parallelRows(50, 1, [&](std::int64_t first, std::int64_t last) {
-        for (std::int64_t x = first; x < last; ++x)
-            parallelRows(40, 1, [&](std::int64_t begin, std::int64_t end) { sum += end - begin; });
-    });
-    EXPECT_EQ(sum, 50 * 40);
-    EXPECT_THROW(parallelRows(100, 1,
-                              [](std::int64_t first, std::int64_t) {
-                                  if (first > 50)
-                                      throw std::runtime_error("stop");
-                              }),
-                 std::runtime_error);
-}
-
 } // namespace
