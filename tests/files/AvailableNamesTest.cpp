@@ -8,8 +8,6 @@
 #include <zorvan/files/NSFileWrapper.h>
 #include <zorvan/files/URL.h>
 
-#include <functional>
-
 namespace {
 const NSFileManager& manager() { return *NSFileManager::defaultManager(); }
 } // namespace

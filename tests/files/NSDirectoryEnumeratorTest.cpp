@@ -1,3 +1,4 @@
+#include "ChildProcess.h"
 #include "TemporaryFolder.h"
 #include <tests/Testing.h>
 
@@ -19,10 +20,6 @@ std::vector<std::string> all(
         atEach();
     }
     return folder.relative(urls);
-}
-
-std::size_t openDescriptors() {
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator("/proc/self/fd"), {}));
 }
 
 } // namespace
@@ -73,14 +70,14 @@ TEST(NSDirectoryEnumerator, FindsItsWayWithFewDescriptors) {
         }
         name += "s1/";
     }
-    const std::size_t before = openDescriptors();
-    std::size_t most = 0;
+    const std::ptrdiff_t before = openDescriptors();
+    std::ptrdiff_t most = 0;
     EXPECT_THAT(all(folder, [&most] { most = std::max(most, openDescriptors()); }),
                 UnorderedElementsAreArray(expected));
     EXPECT_LT(most, before + 64);
     rlimit limit{};
     getrlimit(RLIMIT_NOFILE, &limit);
-    const rlimit tight{before + 4, limit.rlim_max};
+    const rlimit tight{rlim_t(before) + 4, limit.rlim_max};
     setrlimit(RLIMIT_NOFILE, &tight);
     const auto names = all(folder);
     setrlimit(RLIMIT_NOFILE, &limit);

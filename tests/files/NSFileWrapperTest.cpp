@@ -9,8 +9,6 @@
 #include <zorvan/platform/archives/ZipArchive.h>
 
 #include <csignal>
-#include <fcntl.h>
-#include <functional>
 
 namespace {
 
@@ -114,8 +112,7 @@ TEST(LeasedFiles, AreWaitedFor) {
     };
     for (const auto& [name, read] : table) {
         folder.file("doc/text", "old");
-        int ready[2];
-        ASSERT_EQ(pipe(ready), 0);
+        const Signal ready;
         const pid_t child = startChild([&] {
             sigset_t wanted;
             sigemptyset(&wanted);
@@ -123,19 +120,16 @@ TEST(LeasedFiles, AreWaitedFor) {
             sigprocmask(SIG_BLOCK, &wanted, nullptr);
             const int leased = open(file.path().c_str(), O_RDWR);
             EXPECT_EQ(fcntl(leased, F_SETLEASE, F_WRLCK), 0);
-            EXPECT_EQ(write(ready[1], "", 1), 1);
+            EXPECT_TRUE(ready.give());
             int signal = 0;
             sigwait(&wanted, &signal);
             EXPECT_EQ(pwrite(leased, "new", 3, 0), 3);
             fcntl(leased, F_SETLEASE, F_UNLCK);
         });
-        char byte = 0;
-        EXPECT_EQ(::read(ready[0], &byte, 1), 1);
+        EXPECT_TRUE(ready.await());
         EXPECT_TRUE(read()) << name;
         kill(child, SIGIO);
         EXPECT_EQ(exitStatus(child), 0) << "no leases are to be had here";
-        close(ready[0]);
-        close(ready[1]);
     }
 }
 

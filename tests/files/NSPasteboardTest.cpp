@@ -3,9 +3,6 @@
 
 #include <zorvan/files/NSPasteboard.h>
 
-#include <atomic>
-#include <thread>
-
 TEST(NSPasteboard, GivesTheFilesAmongItsObjects) {
     const URL file({.fileURLWithPath = "/a b"}), other({.fileURLWithPath = "/c"});
     const auto pasteboard = NSPasteboard::create();

@@ -1,6 +1,7 @@
 #include "TestMovies.h"
 #include <tests/Testing.h>
 #include <tests/bytesOf.h>
+#include <tests/files/ChildProcess.h>
 
 #include <zorvan/media/AVAsset.h>
 #include <zorvan/platform/avfoundation/describeMedia.h>
@@ -185,15 +186,12 @@ TEST(AVAsset, PassesOverPlacesThatCannotBeRead) {
 }
 
 TEST(AVAsset, LeavesNoFileOpen) {
-    const auto count = [] {
-        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-    };
     const auto url = testmovies::make("open.mp4", picture("64x48", "25") + "-c:v mpeg4");
     testmovies::write("broken.mp4", testmovies::read("open.mp4").substr(0, 300));
-    const auto before = count();
+    const auto before = openDescriptors();
     EXPECT_TRUE(AVAsset::create(url)->isReadable());
     EXPECT_FALSE(AVAsset::create(testmovies::url("broken.mp4"))->isReadable());
-    EXPECT_EQ(count(), before);
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 } // namespace

@@ -196,10 +196,7 @@ TEST(NSImage, IsFoundByItsName) {
     EXPECT_EQ(NSImage::named(""), nullptr);
 }
 
-std::string pngText(const CGImage& image) {
-    const Data bytes = image.pngData().value();
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
+std::string pngText(const CGImage& image) { return textOf(image.pngData().value()); }
 
 TEST(NSImage, IsFoundAmongResources) {
     const std::string id = makeUUIDString();

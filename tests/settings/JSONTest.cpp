@@ -1,22 +1,19 @@
 #include <tests/Testing.h>
 
 #include "Examples.h"
+#include <tests/bytesOf.h>
 
 #include <zorvan/platform/foundation/Data.h>
 #include <zorvan/settings/JSON.h>
 #include <zorvan/settings/JSONCoding.h>
 
 #include <clocale>
-#include <limits>
 
 namespace {
 
 JSON parsed(std::string_view text) { return JSON::parse(std::as_bytes(std::span(text))); }
 
-std::string written(const JSON& value) {
-    const Data text = value.text();
-    return {reinterpret_cast<const char*>(text.data()), text.size()};
-}
+std::string written(const JSON& value) { return textOf(value.text()); }
 
 template <class T>
 void keeps(const T& value, const std::string& text) {

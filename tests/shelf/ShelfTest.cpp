@@ -2,6 +2,7 @@
 #include "displayText.h"
 #include <tests/Outcome.h>
 #include <tests/Testing.h>
+#include <tests/bytesOf.h>
 
 #include <zorvan/media/CGImage.h>
 #include <zorvan/media/CGImageSource.h>
@@ -20,7 +21,7 @@ protected:
         const Data bytes =
             *CGImage::empty(width, height)
                  ->data(name.ends_with(".png") ? ImageExportFormat::png : ImageExportFormat::jpg);
-        folder.file(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+        folder.file(name, textOf(bytes));
     }
     std::string at(const std::string& name) const { return folder.path() / name; }
 

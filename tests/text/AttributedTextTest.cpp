@@ -1,4 +1,5 @@
 #include <tests/Testing.h>
+#include <tests/bytesOf.h>
 #include <tests/files/TemporaryFolder.h>
 #include <tests/outputOf.h>
 
@@ -26,10 +27,7 @@ NSMutableAttributedString sample() {
     return text;
 }
 
-std::string rtfText(const NSAttributedString& text) {
-    const Data data = *rtf(text);
-    return {reinterpret_cast<const char*>(data.data()), data.size()};
-}
+std::string rtfText(const NSAttributedString& text) { return textOf(*rtf(text)); }
 
 void expectIn(const std::string& document, const std::vector<std::string>& parts) {
     for (const std::string& part : parts)

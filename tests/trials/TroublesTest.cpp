@@ -43,14 +43,6 @@ INSTANTIATE_TEST_SUITE_P(Stores, Troubles, eachStore, nameOf);
 
 #if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
-namespace {
-
-std::ptrdiff_t openDescriptors() {
-    return std::distance(fs::directory_iterator("/proc/self/fd"), {});
-}
-
-} // namespace
-
 // Each call of a step in turn, or, unless a campaign asks for all, every twelfth or so.
 TEST_P(Troubles, OfAnyCallAreTold) {
     const auto apart = static_cast<std::size_t>(tries("ZORVAN_CALLS_APART", 12));

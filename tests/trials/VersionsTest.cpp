@@ -4,10 +4,10 @@
 #include "Stores.h"
 
 #include <tests/platform/messagebus/Process.h>
+#include <tests/sql.h>
 
 #include <zorvan/platform/settingsdatabase/SettingsDatabase.h>
 
-#include <sqlite3.h>
 #include <sstream>
 
 namespace {
@@ -153,16 +153,8 @@ INSTANTIATE_TEST_SUITE_P(Stores, OpenStores,
 
 /// Adds to the version that a database says it is of.
 void raise(const fs::path& path, int by) {
-    int version = 0;
-    const auto take = [](void* to, int, char** values, char**) {
-        return *static_cast<int*>(to) = std::atoi(values[0]), 0;
-    };
-    sqlite3* database = nullptr;
-    sqlite3_open(path.c_str(), &database);
-    sqlite3_exec(database, "PRAGMA user_version", take, &version, nullptr);
-    const std::string raising = "PRAGMA user_version = " + std::to_string(version + by);
-    EXPECT_EQ(sqlite3_exec(database, raising.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
-    sqlite3_close(database);
+    const int version = std::stoi(sqlIn(path, "PRAGMA user_version"));
+    sqlIn(path, "PRAGMA user_version = " + std::to_string(version + by));
 }
 
 } // namespace

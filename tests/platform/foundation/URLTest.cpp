@@ -2,9 +2,7 @@
 
 #include <zorvan/platform/foundation/URL.h>
 
-#include <set>
 #include <sstream>
-#include <unordered_set>
 
 // What a temporary URL gives does not end with it.
 static_assert(std::is_same_v<decltype(URL::root().lastPathComponent()), std::string>);

@@ -72,6 +72,15 @@ TEST(WriteFile, WritesFilesAndRefusesTheRest) {
     EXPECT_EQ(folder.count(), count);
 }
 
+TEST(Uninterrupted, IsWhatComesAfterTheSignals) {
+    for (const auto& [error, wanted] : {std::pair(EINTR, 3), {EIO, -1}}) {
+        int left = 2;
+        errno = error;
+        EXPECT_EQ(internal::uninterrupted([&] { return left-- > 0 ? -1 : 3; }), wanted);
+        EXPECT_EQ(left, error == EINTR ? -1 : 1);
+    }
+}
+
 TEST(ReadRegularFile, TakesNoMoreThanItMay) {
     TemporaryFolder folder;
     folder.file("five", "12345");
@@ -159,38 +168,32 @@ TEST(WriteFile, GivesTheOldPermissionsToNoOtherFile) {
 
 TEST(Scratch, IsClearedOnceItsProcessHasEnded) {
     TemporaryFolder folder;
-    int ready[2], stop[2];
-    ASSERT_TRUE(pipe(ready) == 0 && pipe(stop) == 0);
+    const Signal ready, stop;
     const auto start = [&] {
         return startChild([&] {
             const Scratch scratch = Scratch::beside(folder.url("x").path());
             fs::create_directories(scratch.path() + "/closed/inner");
             fs::permissions(scratch.path() + "/closed", fs::perms(0500));
-            char byte = 0;
-            EXPECT_EQ(::write(ready[1], "", 1), 1);
-            EXPECT_EQ(read(stop[0], &byte, 1), 1);
+            EXPECT_TRUE(ready.give() && stop.await());
         });
     };
-    char byte = 0;
     const pid_t first = start(), second = start();
-    ASSERT_EQ(read(ready[0], &byte, 1) + read(ready[0], &byte, 1), 2);
+    ASSERT_TRUE(ready.await() && ready.await());
     kill(first, SIGKILL);
     EXPECT_EQ(exitStatus(first), -1);
     internal::removeUnfinished(folder.path());
     EXPECT_EQ(folder.count(), 3) << "somebody is still at work there";
-    EXPECT_EQ(::write(stop[1], "", 1), 1);
+    EXPECT_TRUE(stop.give());
     EXPECT_EQ(exitStatus(second), 0);
     EXPECT_EQ(folder.count(), 0) << "the last one to leave clears";
 
     const pid_t third = start();
-    ASSERT_EQ(read(ready[0], &byte, 1), 1);
+    ASSERT_TRUE(ready.await());
     kill(third, SIGKILL);
     EXPECT_EQ(exitStatus(third), -1);
     EXPECT_EQ(folder.count(), 2);
     NewFile file(Scratch::pathBeside(folder.url("x").path()), 0600);
     EXPECT_EQ(folder.count(), 0) << "the next one to come clears";
-    for (const int descriptor : {ready[0], ready[1], stop[0], stop[1]})
-        close(descriptor);
 }
 
 TEST(Scratch, LeavesNoListWhereItIsNotBelieved) {

@@ -33,7 +33,7 @@ TEST(DamagedFile, CutAnywhereItIsAnErrorAndChangedItNeverCrashes) {
 TEST(DamagedFile, ContentDecidesNotTheName) {
     const TemporaryFolder folder;
     const auto store = [&](const char* name, const Data& bytes) {
-        folder.file(name, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+        folder.file(name, ::textOf(bytes));
         return folder.url(name).path();
     };
     const Data png = encoded(FileFormat::png, pattern(12, 8));

@@ -3,7 +3,6 @@
 #include <zorvan/platform/foundation/internal/base64.h>
 
 #include <dlfcn.h>
-#include <functional>
 #include <sys/resource.h>
 
 #ifdef ZORVAN_WITH_HEIC

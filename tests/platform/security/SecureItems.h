@@ -7,9 +7,9 @@
 #include "storedItems.h"
 
 #include <tests/files/TemporaryFolder.h>
+#include <tests/sql.h>
 
 #include <span>
-#include <sqlite3.h>
 
 /// A user without items, without a bus and without a keyring.
 class SecureItems : public testing::Test {
@@ -61,25 +61,9 @@ protected:
         return process.hear().value_or("nothing");
     }
 
-    /// Runs a statement on the database behind the store's back; what it selects, one row a line.
-    std::string sql(const std::string& text) const {
-        sqlite3* database = nullptr;
-        std::string result;
-        const auto addRow = [](void* rows, int count, char** values, char**) {
-            for (int i = 0; i < count; ++i)
-                *static_cast<std::string*>(rows) +=
-                    std::string(values[i] ? values[i] : "NULL") + '\n';
-            return 0;
-        };
-        char* error = nullptr;
-        if (sqlite3_open_v2(path("items.sqlite").c_str(), &database, SQLITE_OPEN_READWRITE,
-                            nullptr) != SQLITE_OK ||
-            sqlite3_busy_timeout(database, 5000) != SQLITE_OK ||
-            sqlite3_exec(database, text.c_str(), addRow, &result, &error) != SQLITE_OK)
-            ADD_FAILURE() << (error ? error : "the database does not open");
-        sqlite3_free(error);
-        sqlite3_close(database);
-        return result;
+    /// Of the database, behind the store's back.
+    std::string sql(const std::string& statements) const {
+        return sqlIn(path("items.sqlite"), statements);
     }
 
     const TemporaryFolder home;

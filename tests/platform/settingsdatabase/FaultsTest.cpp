@@ -1,10 +1,9 @@
 #include "DatabaseTest.h"
 
 #include <tests/files/ChildProcess.h>
+#include <tests/sql.h>
 
 #include <zorvan/platform/foundation/LibraryLog.h>
-
-#include <sqlite3.h>
 
 #include <csignal>
 #include <sys/file.h>
@@ -22,24 +21,7 @@ protected:
     void setBytes(const std::string& bytes) const {
         std::ofstream(path_, std::ios::binary | std::ios::trunc) << bytes;
     }
-    void execute(const char* statement) const {
-        sqlite3* handle = nullptr;
-        ASSERT_EQ(sqlite3_open(path_.c_str(), &handle), SQLITE_OK);
-        ASSERT_EQ(sqlite3_exec(handle, statement, nullptr, nullptr, nullptr), SQLITE_OK);
-        sqlite3_close(handle);
-    }
-    /// As another process sees it.
-    int rowCount() const {
-        sqlite3* handle = nullptr;
-        sqlite3_stmt* count = nullptr;
-        sqlite3_open(path_.c_str(), &handle);
-        sqlite3_prepare_v2(handle, "SELECT count(*) FROM settings WHERE id > 0", -1, &count,
-                           nullptr);
-        const int rows = sqlite3_step(count) == SQLITE_ROW ? sqlite3_column_int(count, 0) : -1;
-        sqlite3_finalize(count);
-        sqlite3_close(handle);
-        return rows;
-    }
+    std::string execute(const char* statements) const { return sqlIn(path_, statements); }
     /// Reads and writes go on in memory.
     void expectMemoryOnly(const std::string& problem) {
         const std::string before = fs::is_regular_file(path_) ? text(path_) : "";
@@ -207,7 +189,8 @@ TEST_F(Faults, KeepsInMemoryWhatAFullDiskCannotTake) {
         // What was kept is stored before what comes later.
         return database->transact([&] { database->set("last", 1); }) ==
                    SettingsDatabase::Outcome::stored &&
-               rowCount() == 101 && database->synchronize() && database->problem() == std::nullopt;
+               execute("SELECT count(*) FROM settings WHERE id > 0") == "101\n" &&
+               database->synchronize() && database->problem() == std::nullopt;
     }));
     EXPECT_TRUE(inChild([&] { return open()->contents().size() == 101; }));
 }

@@ -4,9 +4,6 @@
 
 #include <csignal>
 #include <functional>
-#include <poll.h>
-#include <stdexcept>
-#include <unistd.h>
 #include <utility>
 
 /// A process of its own that runs a function; true results end it with status 0.
@@ -28,25 +25,6 @@ public:
 
 private:
     pid_t id_;
-};
-
-/// Lets one process wait for another.
-class Signal {
-public:
-    Signal() {
-        if (pipe(ends_) != 0)
-            throw std::runtime_error("no pipe");
-    }
-    bool give() const { return write(ends_[1], "x", 1) == 1; }
-    /// False when nobody gives it in good time.
-    bool await() const {
-        char c = 0;
-        pollfd end{ends_[0], POLLIN, 0};
-        return poll(&end, 1, 20'000) == 1 && read(ends_[0], &c, 1) == 1;
-    }
-
-private:
-    int ends_[2]{};
 };
 
 inline bool inChild(const std::function<bool()>& body) { return Child(body).end(); }
