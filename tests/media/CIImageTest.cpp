@@ -11,11 +11,6 @@ CGImage::Pointer drawn(const CIImage::Pointer& image) {
     return CIContext::create()->createCGImage(image);
 }
 
-std::array<int, 4> componentsAt(const CGImage& image, std::int64_t x, std::int64_t y) {
-    const std::uint8_t* pixel = image.uint8Data() + image.offset(x, y);
-    return {pixel[0], pixel[1], pixel[2], pixel[3]};
-}
-
 TEST(CIImage, IsPlacedByArithmeticAlone) {
     const auto image = CIImage::create(plain(400, 300, 0xFF0000FF));
     const CGRect rect(10, 20, 200, 100);
@@ -67,7 +62,7 @@ TEST(CIImage, MixesChannelsByTheMatrixAndClamps) {
     const auto filter = matrix({0, 1, 0, 0}, {0, 0, 3, 0}, {}, {0, 0, -1, 0.25});
     // Half transparent, so that colours have to be read without their alpha.
     const auto image = CIImage::create(plain(2, 2, 0x80402010));
-    const auto result = componentsAt(*drawn(image->applying({filter})), 0, 0);
+    const auto result = componentsAt(drawn(image->applying({filter}))->bitmap(), 0, 0);
     EXPECT_NEAR(result[3], 0.7520 * 255, 1);
     EXPECT_NEAR(result[0], 0.25 * 0.752 * 255, 1); // green was 0x20 of 0x80
     EXPECT_NEAR(result[1], 0.752 * 255, 1);        // thrice 0x40 of 0x80, clamped
@@ -101,9 +96,11 @@ TEST(CIImage, AToneCurveGoesThroughItsPointsAndNeverTurnsBack) {
             ramp.data()[x * 4 + c] = c == 3 ? 255 : static_cast<std::uint8_t>(x);
     const auto result = drawn(CIImage::create(CGImage::create(std::move(ramp)))->applying({curve}));
     for (const CIVector& point : points)
-        EXPECT_NEAR(componentsAt(*result, std::lround(point.x * 255), 0)[0], point.y * 255, 2);
+        EXPECT_NEAR(componentsAt(result->bitmap(), std::lround(point.x * 255), 0)[0], point.y * 255,
+                    2);
     for (int x = 1; x < 256; ++x)
-        EXPECT_GE(componentsAt(*result, x, 0)[0], componentsAt(*result, x - 1, 0)[0]);
+        EXPECT_GE(componentsAt(result->bitmap(), x, 0)[0],
+                  componentsAt(result->bitmap(), x - 1, 0)[0]);
 }
 
 /// A scene of greys, with a patch of skin and one of foliage, as light of that strength and colour
@@ -131,14 +128,14 @@ TEST(CIImage, AutoAdjustmentBringsAnUnderExposedPictureBack) {
         const auto dark = scene(0.22, red, blue);
         const auto adjusted = drawn(CIImage::create(dark)->autoAdjusted());
         EXPECT_LT(meanDifference(*adjusted, *wanted), meanDifference(*dark, *wanted) / 4);
-        const auto grey = componentsAt(*adjusted, 110, 60);
+        const auto grey = componentsAt(adjusted->bitmap(), 110, 60);
         EXPECT_NEAR(grey[0], grey[1], 8);
         EXPECT_NEAR(grey[2], grey[1], 8);
     }
     // A good picture stays much as it is, and its skin keeps its hue.
     const auto same = drawn(CIImage::create(wanted)->autoAdjusted());
     EXPECT_LT(meanDifference(*same, *wanted), 10);
-    const auto skin = componentsAt(*same, 75, 20);
+    const auto skin = componentsAt(same->bitmap(), 75, 20);
     EXPECT_NEAR(static_cast<double>(skin[0]) / skin[2], 0.85 / 0.5, 0.25);
 }
 

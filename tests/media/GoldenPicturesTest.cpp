@@ -206,11 +206,9 @@ URL fileOf(const char* name) {
 /// of a pixel exceeds this.
 void expectLike(const CGImage& golden, const CGImage& drawn) {
     ASSERT_EQ(drawn.size(), golden.size());
-    int largest = 0;
-    for (std::int64_t i = 0; i < drawn.bitmap().byteCount(); ++i)
-        largest = std::max(largest, std::abs(drawn.uint8Data()[i] - golden.uint8Data()[i]));
-    EXPECT_LE(largest, 32);
-    EXPECT_LE(meanDifference(drawn, golden), 0.32);
+    const Difference found = difference(drawn.bitmap(), golden.bitmap());
+    EXPECT_LE(found.largest, 32);
+    EXPECT_LE(found.mean, 0.32);
 }
 
 /// With `ZORVAN_WRITE_GOLDEN_PICTURES` set they are written anew, to be looked at.

@@ -53,10 +53,7 @@ void expectPixels(const CGImage& image, Wanted wanted) {
 
 /// The mean distance of all components.
 inline double meanDifference(const CGImage& a, const CGImage& b) {
-    double sum = 0;
-    for (std::int64_t i = 0; i < a.bitmap().byteCount(); ++i)
-        sum += std::abs(a.uint8Data()[i] - b.uint8Data()[i]);
-    return sum / static_cast<double>(a.bitmap().byteCount());
+    return difference(a.bitmap(), b.bitmap()).mean;
 }
 
 inline bool haveSamePixels(const CGImage& a, const CGImage& b) {

@@ -6,13 +6,6 @@
 
 namespace {
 
-int largestDifference(const Bitmap& a, const Bitmap& b) {
-    int largest = 0;
-    for (std::int64_t i = 0; i < a.byteCount(); ++i)
-        largest = std::max(largest, std::abs(a.data()[i] - b.data()[i]));
-    return largest;
-}
-
 Bitmap drawn(const Bitmap& source, const CGAffineTransform& t, std::int64_t width,
              std::int64_t height) {
     Bitmap result = Bitmap::make(width, height, source.layout()).value();
@@ -37,7 +30,7 @@ TEST(DrawBitmap, ATurnWithAStretchIsTheStretchOfTheTurned) {
             const CGAffineTransform stretch(sx, 0, 0, sy, 2.25, 1.5);
             const Bitmap once = drawn(source, turn(value, 60, 44).concatenating(stretch), 140, 150);
             const Bitmap twice = drawn(upright, stretch, 140, 150);
-            EXPECT_LE(largestDifference(once, twice), 1) << value << ", " << sx << " x " << sy;
+            EXPECT_LE(difference(once, twice).largest, 1) << value << ", " << sx << " x " << sy;
         }
 }
 
@@ -50,7 +43,7 @@ TEST(DrawBitmap, WholePixelsThatReachBeyondTheTargetAreCutOff) {
             const CGAffineTransform move(1, 0, 0, 1, x, y);
             const Bitmap result = drawn(source, turn(value, 30, 20).concatenating(move), 24, 22);
             const Bitmap expected = cropped(upright, {-x, -y, 24, 22}).value();
-            EXPECT_EQ(largestDifference(result, expected), 0) << value << " at " << x << ',' << y;
+            EXPECT_EQ(difference(result, expected).largest, 0) << value << " at " << x << ',' << y;
         }
     }
 }
@@ -68,7 +61,8 @@ TEST(DrawBitmap, TheBackdropIsOnlyAPromiseAndLayoutsGiveTheSamePicture) {
             // Once more, over what is there now.
             drawBitmap(shown, t, direct, Backdrop::arbitrary);
             drawBitmap(source, t, composited, Backdrop::arbitrary);
-            EXPECT_EQ(largestDifference(copied(direct, BitmapLayout::rgba).value(), composited), 0);
+            EXPECT_EQ(difference(copied(direct, BitmapLayout::rgba).value(), composited).largest,
+                      0);
         }
 }
 

@@ -1,6 +1,5 @@
 #include "Support.h"
 #include <tests/Testing.h>
-#include <tests/platform/graphics/TestPictures.h>
 
 #include <zorvan/platform/graphics/AreaDownscaler.h>
 

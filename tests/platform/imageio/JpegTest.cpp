@@ -25,7 +25,7 @@ TEST(Jpeg, EveryColourSpaceDecodes) {
         const Data bytes = sample(name + std::string(".jpg"));
         const auto properties = propertiesOf(bytes);
         EXPECT_EQ(*properties.find("ColorModel")->second.as<std::string>(), model);
-        const Pixel got = pixelAt(decoded(bytes), 10, 8);
+        const Pixel got = componentsAt(decoded(bytes), 10, 8);
         for (std::size_t c = 0; c < 4; ++c)
             EXPECT_NEAR(got[c], expected[c], 3) << c;
         EXPECT_EQ(decoded(bytes, {.maximumPixelSize = 3}).height(), 2);

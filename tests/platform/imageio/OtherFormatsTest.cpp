@@ -246,7 +246,7 @@ TEST(OtherFormats, AnSvgIsDrawnNoDeeperThanThereIsStackAndHidesNothing) {
     };
     for (const std::string& text : shown) {
         SCOPED_TRACE(text.substr(0, 200));
-        EXPECT_EQ(pixelAt(decoded(bytesOf(text)), 4, 4), (Pixel{255, 0, 0, 255}));
+        EXPECT_EQ(componentsAt(decoded(bytesOf(text)), 4, 4), (Pixel{255, 0, 0, 255}));
     }
     const std::string refused[] = {
         chained(300),
@@ -313,7 +313,7 @@ TEST(OtherFormats, AJpegXLIsTurnedByItsOwnWord) {
 
 TEST(OtherFormats, AJpegXLOfLayersWithoutNumberIsRefusedInBoundedTime) {
     Data file = sample("layered.jxl"); // 512 by 512, black, twice
-    EXPECT_EQ(pixelAt(decoded(file), 511, 511), (Pixel{0, 0, 0, 255}));
+    EXPECT_EQ(componentsAt(decoded(file), 511, 511), (Pixel{0, 0, 0, 255}));
     constexpr std::ptrdiff_t begin = 10, end = 38, count = 100'000;
     const Data layer(file.begin() + begin, file.begin() + end);
     Data layers;
@@ -341,16 +341,16 @@ TEST(OtherFormats, AnAvifIsReadWhereThereIsADecoder) {
         const int alpha = x < 12 ? 255 : 64;
         const Pixel wanted = {x < 12 ? 255 : 0, y < 8 ? alpha : 0, alpha / 2, alpha};
         for (std::size_t c = 0; c < 4; ++c)
-            EXPECT_NEAR(pixelAt(picture, x, y)[c], wanted[c], 8) << x << ',' << y << ' ' << c;
+            EXPECT_NEAR(componentsAt(picture, x, y)[c], wanted[c], 8) << x << ',' << y << ' ' << c;
     }
     EXPECT_EQ(decoded(bytes, {.maximumPixelSize = 6}).height(), 4);
     // The same numbers by another matrix, which the codec's library may take into account already.
     Data other = bytes;
     other[positionOf(other, "nclx") + 9] = std::byte{1};
-    EXPECT_NEAR(pixelAt(decoded(other), 4, 12)[1], 32, 8);
+    EXPECT_NEAR(componentsAt(decoded(other), 4, 12)[1], 32, 8);
     // Primaries that there are not: the matrix holds all the same, and nothing leaks.
     other[positionOf(other, "nclx") + 4] = std::byte{0xC3};
-    EXPECT_NEAR(pixelAt(decoded(other), 4, 12)[1], 32, 8);
+    EXPECT_NEAR(componentsAt(decoded(other), 4, 12)[1], 32, 8);
 }
 #endif
 

@@ -23,7 +23,7 @@ TEST(RoundTrip, EveryFormatGivesThePictureBackWithTheAlphaItHas) {
                 EXPECT_LE(difference(decoded(bytes), original).mean, isLossless(format) ? 0 : 6);
             }
     // It is put on white where there is no place for it.
-    EXPECT_EQ(pixelAt(decoded(encoded(FileFormat::jpeg, *Bitmap::make(16, 16))), 8, 8),
+    EXPECT_EQ(componentsAt(decoded(encoded(FileFormat::jpeg, *Bitmap::make(16, 16))), 8, 8),
               (Pixel{255, 255, 255, 255}));
 }
 

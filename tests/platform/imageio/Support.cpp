@@ -34,30 +34,12 @@ Bitmap pattern(std::int64_t width, std::int64_t height, bool alpha) {
     return std::move(*bitmap);
 }
 
-Pixel pixelAt(const Bitmap& bitmap, std::int64_t x, std::int64_t y) {
-    const std::uint8_t* pixel = bitmap.row(y) + x * 4;
-    return {pixel[0], pixel[1], pixel[2], pixel[3]};
-}
-
 void expectPixels(const Bitmap& bitmap,
                   const std::function<Pixel(std::int64_t, std::int64_t)>& wanted) {
     for (std::int64_t y = 0; y < bitmap.height(); ++y)
         for (std::int64_t x = 0; x < bitmap.width(); ++x)
             for (std::size_t c = 0; c < 4; ++c)
-                ASSERT_NEAR(pixelAt(bitmap, x, y)[c], wanted(x, y)[c], 1) << x << ',' << y;
-}
-
-Difference difference(const Bitmap& a, const Bitmap& b) {
-    if (a.width() != b.width() || a.height() != b.height())
-        return {std::numeric_limits<double>::infinity(), 256};
-    Difference result = {0, 0};
-    for (std::int64_t i = 0; i < a.byteCount(); ++i) {
-        const int distance = std::abs(a.data()[i] - b.data()[i]);
-        result.mean += distance;
-        result.largest = std::max(result.largest, distance);
-    }
-    result.mean /= static_cast<double>(a.byteCount());
-    return result;
+                ASSERT_NEAR(componentsAt(bitmap, x, y)[c], wanted(x, y)[c], 1) << x << ',' << y;
 }
 
 Data sample(const std::string& name) {

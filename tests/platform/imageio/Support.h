@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tests/bytesOf.h>
+#include <tests/platform/graphics/TestPictures.h>
 
 #include <zorvan/platform/imageio/ImageReader.h>
 #include <zorvan/platform/imageio/ImageWriter.h>
@@ -26,18 +27,9 @@ inline constexpr std::array formats = {FileFormat::png, FileFormat::jpeg, FileFo
 /// right.
 Bitmap pattern(std::int64_t width, std::int64_t height, bool alpha = false);
 
-Pixel pixelAt(const Bitmap& bitmap, std::int64_t x, std::int64_t y);
-
 /// Every component is within one of the pixel that `wanted` gives for its column and row.
 void expectPixels(const Bitmap& bitmap,
                   const std::function<Pixel(std::int64_t x, std::int64_t y)>& wanted);
-
-/// The mean and the largest difference of components; infinite when the sizes differ.
-struct Difference {
-    double mean;
-    int largest;
-};
-Difference difference(const Bitmap& a, const Bitmap& b);
 
 /// A kept file, whose name tells what is special about it.
 Data sample(const std::string& name);

@@ -215,7 +215,7 @@ TEST(Tiff, TilesMayFillTheRows) {
         for (std::uint32_t i = 0; i < 4; ++i)
             TIFFWriteEncodedTile(tiff, i, tile.data(), 256);
     });
-    EXPECT_EQ(pixelAt(decoded(bytes), 31, 20), (Pixel{90, 90, 90, 255}));
+    EXPECT_EQ(componentsAt(decoded(bytes), 31, 20), (Pixel{90, 90, 90, 255}));
 }
 
 TEST(Tiff, JpegInsideAndOtherColourSpacesDecode) {
@@ -233,7 +233,7 @@ TEST(Tiff, JpegInsideAndOtherColourSpacesDecode) {
             for (std::uint32_t i = 0; i < TIFFNumberOfStrips(tiff); ++i)
                 TIFFWriteEncodedStrip(tiff, i, strip.data(), TIFFVStripSize(tiff, i == 0 ? 16 : 5));
         });
-        const Pixel got = pixelAt(decoded(bytes), width - 1, height - 1);
+        const Pixel got = componentsAt(decoded(bytes), width - 1, height - 1);
         for (std::size_t c = 0; c < 3; ++c)
             EXPECT_NEAR(got[c], 128, 2);
         std::fill_n(&bytes[8], 8, std::byte{0xFF}); // the start of the first strip
@@ -253,7 +253,7 @@ TEST(Tiff, ABlankPageInNextToNothingIsReadAndTakesNoMemoryUnlessAllOfItIsThere) 
             TIFFWriteScanline(tiff, row.data(), y);
     });
     EXPECT_LT(bytes.size(), 15'000);
-    EXPECT_EQ(pixelAt(decoded(bytes), side - 1, side - 1), (Pixel{255, 255, 255, 255}));
+    EXPECT_EQ(componentsAt(decoded(bytes), side - 1, side - 1), (Pixel{255, 255, 255, 255}));
     std::fill_n(&bytes[bytes.size() / 2], 100, std::byte{0xFF}); // in the second strip
     EXPECT_EQ(errorWithin(std::uint64_t{128} << 20, bytes), "the file is damaged");
 }
