@@ -186,9 +186,8 @@ void NSMutableAttributedString::addAttributes(const AttributeDictionary& attribu
 }
 
 void NSMutableAttributedString::removeAttribute(std::string_view name, NSRange range) {
-    // A copy: the name may be the key that goes with the first run.
-    editAttributes(range, [removed = std::string(name)](AttributeDictionary& attributes) {
-        if (const auto found = attributes.find(removed); found != attributes.end())
+    editAttributes(range, [&](AttributeDictionary& attributes) {
+        if (const auto found = attributes.find(name); found != attributes.end())
             attributes.erase(found);
     });
 }
