@@ -236,7 +236,7 @@ TEST(Memory, FailsInWhatIsKeptForALocale) {
     starve(use, use);
 }
 
-TEST(Memory, FailsInAnEditedText) {
+TEST(Memory, FailsInAttributedTexts) {
     NSMutableAttributedString before("words of an attributed text",
                                      {{"address", std::string("one that takes memory")}});
     before.setAttributes({}, {6, 2});
