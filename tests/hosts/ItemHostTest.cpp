@@ -51,6 +51,10 @@ TEST_F(OutlineHostTest, ExpandsFromBothSidesAndFollowsReloads) {
     outline->selectOnlyRow(3);
     outline->expandAllItems();
     EXPECT_EQ(rows(), "a .b ..c .d [e] .f ");
+    press(Qt::Key_A, Qt::ControlModifier);
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "a\nb\nc\nd\ne\nf");
+    outline->selectOnlyRow(4);
     outline->collapseItem(tree->top[0]);
     EXPECT_EQ(rows(), "a [e] .f ");
     QTest::keyClicks(&shown(), "a");

@@ -335,13 +335,16 @@ private:
     /// What a drag of the selected rows or items would carry, or else a line of texts for each.
     void copySelection() {
         QModelIndexList indexes = selectionMirror().selectedIndexes();
-        std::sort(indexes.begin(), indexes.end());
+        std::ranges::sort(indexes, {}, [this](const QModelIndex& index) {
+            return std::pair(model_.rowOf(index), index.column());
+        });
         const std::unique_ptr<QMimeData> dragged(ItemView::model()->mimeData(indexes));
         if (dragged && !dragged->urls().isEmpty())
             return copyToPasteboard(*dragged);
         QString text;
         for (qsizetype i = 0; i < indexes.size(); ++i) {
-            const bool isSameRow = i > 0 && indexes[i].row() == indexes[i - 1].row();
+            const bool isSameRow =
+                i > 0 && model_.rowOf(indexes[i]) == model_.rowOf(indexes[i - 1]);
             text += i == 0 ? QString() : QString(QLatin1Char(isSameRow ? '\t' : '\n'));
             text += indexes[i].data().toString();
         }
