@@ -32,7 +32,7 @@ for name in "$@"; do
     findings=0
     # shellcheck disable=SC2086 # no word at all when empty
     "$fuzzers/$name" "$corpus" $seeds -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
-        -malloc_limit_mb=$most -artifact_prefix="$found/$name-" -print_final_stats=1 >"$log" 2>&1 || findings=1
+        -malloc_limit_mb=$most -artifact_prefix="$found/$name-" -print_final_stats=1 2>"$log" >/dev/null || findings=1
     if [ $findings = 1 ]; then
         failed=1
         tail -n 60 "$log" >&2
