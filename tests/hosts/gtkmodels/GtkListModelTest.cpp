@@ -241,11 +241,19 @@ TEST(GtkModels, AFactoryOfTextsMakesItsLabelsAndFillsThem) {
 
 TEST(GtkModels, TheMainQueueRunsOnTheLoopOfGLib) {
     GLibMainQueue::attach();
+    const auto loopUntil = [](const bool& isDone) {
+        const auto end = std::chrono::steady_clock::now() + 10s;
+        while (!isDone && std::chrono::steady_clock::now() < end)
+            g_main_context_iteration(nullptr, FALSE);
+    };
     bool hasRun = false;
-    std::thread([&] { DispatchQueue::main()->async([&] { hasRun = true; }); }).join();
-    const auto end = std::chrono::steady_clock::now() + 10s;
-    while (!hasRun && std::chrono::steady_clock::now() < end)
-        g_main_context_iteration(nullptr, FALSE);
+    std::thread([&] {
+        DispatchQueue::main()->async([&] {
+            DispatchQueue::main()->async([&] { hasRun = true; });
+            loopUntil(hasRun); // inside of the other loop
+        });
+    }).join();
+    loopUntil(hasRun);
     EXPECT_TRUE(hasRun);
 }
 

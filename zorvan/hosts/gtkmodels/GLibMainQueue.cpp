@@ -12,8 +12,12 @@ void GLibMainQueue::attach() {
         MainQueue::drain();
         return G_SOURCE_CONTINUE;
     };
-    static const guint source = g_unix_fd_add(MainQueue::fileDescriptor(), G_IO_IN, drain, nullptr);
-    static_cast<void>(source);
+    static GSource* const source = g_unix_fd_source_new(MainQueue::fileDescriptor(), G_IO_IN);
+    if (g_source_get_context(source))
+        return;
+    g_source_set_callback(source, G_SOURCE_FUNC(drain), nullptr, nullptr);
+    g_source_set_can_recurse(source, TRUE); // or a loop that a block runs would wait for others
+    g_source_attach(source, nullptr);
 }
 
 } // namespace zorvan
