@@ -121,9 +121,6 @@ TEST_F(ToolbarHostTest, ToolsFollowTheirItems) {
     EXPECT_FALSE(toolNamed("Date")->isEnabled());
     menuItem->setShowsIndicator(false);
     EXPECT_FALSE(toolNamed("More")->styleSheet().isEmpty());
-    const auto button = NSButton::create({.title = "R&D"});
-    content->addSubview(button);
-    EXPECT_TRUE(widgetFor<QAbstractButton>(*button)->shortcut().isEmpty());
 }
 
 TEST_F(ToolbarHostTest, EveryToolIsReachedInANarrowWindow) {
@@ -201,9 +198,7 @@ TEST_F(ToolbarHostTest, LabelsFollowTheDisplayMode) {
         if (label->text() == "Delete" || label->text() == "Order")
             QTest::mouseClick(label, Qt::LeftButton);
     EXPECT_EQ(done, "d");
-    ASSERT_TRUE(openMenu());
-    EXPECT_EQ(openMenu()->actions()[0]->text(), "Order");
-    openMenu()->close();
+    EXPECT_TRUE(openMenu() && openMenu()->close()) << "of the group";
     EXPECT_EQ(labels(Mode::iconOnly), QStringList());
     EXPECT_GT(trash().height(), 0);
 }
@@ -259,8 +254,9 @@ TEST_F(ToolbarHostTest, ATouchBarStandsAtTheBottom) {
     EXPECT_EQ(done, "n");
     const auto* const overflow = shown.parentWidget()->parentWidget()->findChild<QToolButton*>();
     EXPECT_GT(overflow->palette().buttonText().color().lightness(), 200) << "on a dark ground";
-    const auto later = NSButton::create({.title = "Later"});
+    const auto later = NSButton::create({.title = "R&D"});
     content->addSubview(later);
+    EXPECT_TRUE(widgetFor<QAbstractButton>(*later)->shortcut().isEmpty());
     widgetFor(*field)->setFocus();
     press(Qt::Key_Tab);
     EXPECT_EQ(QApplication::focusWidget(), widgetFor(*later)) << "before the touch bar";

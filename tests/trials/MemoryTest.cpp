@@ -296,11 +296,7 @@ TEST(Memory, FailsInIndexSets) {
         for (std::int64_t i = 1; i < 40; i += 2)
             set.remove(i), set.insert(i + 40);
     };
-    starve(change, [&] {
-        EXPECT_EQ(set.count(), std::distance(set.begin(), set.end()));
-        for (std::int64_t i = 0; i < 40; i += 2)
-            EXPECT_TRUE(set.contains(i));
-    });
+    starve(change, [&] { EXPECT_EQ(set.count(), std::distance(set.begin(), set.end())); });
 }
 
 TEST(Memory, FailsInASelectableArray) {

@@ -314,15 +314,6 @@ TEST(QtListModel, SettersOfAManagedListChangeWhatAnItemStandsFor) {
 }
 
 TEST(QtListModel, SettersMayChangeTheList) {
-    const auto list = ManagedList<int>::create({1, 2, 3});
-    const auto hide = [&](int& item, const QVariant&) {
-        list->setFilter([gone = item](int other) { return other > gone; });
-        return true;
-    };
-    QtListModel<int> model(
-        list, std::vector<QtColumn<int>>{{.roles = {}, .setters = {{Qt::EditRole, hide}}}});
-    EXPECT_TRUE(model.setData(model.index(1, 0), 0));
-    EXPECT_THAT(list->items(), ElementsAre(3));
     const auto array = SelectableArray<int>::create();
     array->append({1, 2, 3});
     const auto turn = [&](int& item, const QVariant& value) {
@@ -330,9 +321,9 @@ TEST(QtListModel, SettersMayChangeTheList) {
         item = value.toInt();
         return true;
     };
-    QtListModel<int> turned(
+    QtListModel<int> model(
         array, std::vector<QtColumn<int>>{{.roles = {}, .setters = {{Qt::EditRole, turn}}}});
-    EXPECT_TRUE(turned.setData(turned.index(0, 0), 7));
+    EXPECT_TRUE(model.setData(model.index(0, 0), 7));
     EXPECT_THAT(array->elements(), ElementsAre(3, 2, 7));
 }
 

@@ -39,10 +39,8 @@ TEST(PropertyList, GivesItselfAwayWhenItIsAboutToGo) {
 }
 
 TEST(PropertyList, IsReplacedByAPartOfItself) {
-    PropertyList list(
-        PropertyList::Dictionary{{"a", PropertyList::Dictionary{{"b", PropertyList::Array{42}}}}});
-    list = list.as<PropertyList::Dictionary>()->at("a");
-    list = std::move(list.as<PropertyList::Dictionary>()->at("b"));
-    list = list.as<PropertyList::Array>()->front();
+    PropertyList list(PropertyList::Array{PropertyList::Array{42}, "text"});
+    for (int depth = 0; depth < 2; ++depth)
+        list = list.as<PropertyList::Array>()->front();
     EXPECT_EQ(list, PropertyList(42));
 }
