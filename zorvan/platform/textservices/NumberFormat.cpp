@@ -31,6 +31,8 @@ std::optional<std::string> percentText(double value) {
     UErrorCode status = U_ZERO_ERROR;
     if (format)
         format->format(value, units, nullptr, status).toUTF8String(text);
+    if (U_FAILURE(status))
+        formats = {}; // a format in which something failed fails from then on
     internal::requireMemory(status);
     return text.empty() ? std::nullopt : std::optional(text);
 }
