@@ -119,6 +119,8 @@ TEST_F(ToolbarHostTest, ToolsFollowTheirItems) {
     EXPECT_TRUE(toolNamed("Star"));
     group->subitems()[1]->setEnabled(false);
     EXPECT_FALSE(toolNamed("Date")->isEnabled());
+    group->subitems()[1]->setLabel("");
+    EXPECT_EQ(toolNamed("Date")->toolTip(), "Date");
     menuItem->setShowsIndicator(false);
     EXPECT_FALSE(toolNamed("More")->styleSheet().isEmpty());
 }

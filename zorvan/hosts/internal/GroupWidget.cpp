@@ -86,6 +86,8 @@ void GroupWidget::followButton(std::size_t index) {
     const NSToolbarItem& item = *shown_[index];
     QToolButton& button = *buttons_[index];
     showOnButton(item, button);
+    if (item.toolTip().empty())
+        button.setToolTip(plainToolTip(nameOf(item))); // often only the image is seen
     button.setText(withoutKeyMark(toQString(item.title())));
     button.setCheckable(isChosenFrom(*group_));
     const bool isChecked = group_->isSelected(static_cast<std::int64_t>(index));
