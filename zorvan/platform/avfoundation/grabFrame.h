@@ -14,7 +14,7 @@ struct FrameRequest {
     /// its ends.
     double seconds = 0;
     /// The picture that is on show at that time; else the key picture at or before it, which is all
-    /// that is decoded.
+    /// that is decoded, but in an AVI.
     bool isExact = false;
     /// Whether the picture is turned and mirrored as the track asks for.
     bool isUpright = true;
